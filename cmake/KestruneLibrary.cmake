@@ -1,0 +1,25 @@
+# kestrune_library(NAME DEF file.def SOURCES ... LINK ...)
+# One of the three shared libraries: exports exactly the names of its .def file, undecorated on 32-bit
+# Windows, and carries nothing but the standard library.
+function(kestrune_library name)
+  cmake_parse_arguments(ARG "" "DEF" "SOURCES;LINK" ${ARGN})
+  add_library(${name} SHARED ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE kestrune_options ${ARG_LINK})
+  target_compile_definitions(${name} PRIVATE KV_BUILDING)
+  if(WIN32)
+    set_target_properties(${name} PROPERTIES PREFIX "" IMPORT_PREFIX "lib")
+    target_sources(${name} PRIVATE ${ARG_DEF})
+    # The .def file alone decides what is exported.
+    target_link_options(${name} PRIVATE -Wl,--exclude-all-symbols -Wl,--kill-at -Wl,--enable-stdcall-fixup
+      -Wl,--no-insert-timestamp)
+  else()
+    # On Linux the same list becomes a version script: the names and nothing else.
+    set(map ${CMAKE_CURRENT_BINARY_DIR}/${name}.map)
+    file(STRINGS ${ARG_DEF} names REGEX "^  [A-Za-z]")
+    list(TRANSFORM names STRIP)
+    list(JOIN names ";\n    " names)
+    file(WRITE ${map} "{\n  global:\n    ${names};\n  local: *;\n};\n")
+    target_link_options(${name} PRIVATE -Wl,--version-script=${map} -Wl,--no-undefined)
+    set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${map})
+  endif()
+endfunction()

@@ -1,0 +1,254 @@
+/*
+ * KVGasThermo: phase equilibria and properties of natural gases with PPR78. The 39 exports.
+ *
+ * Units: temperature K, pressure atm, energy cal/mol, entropy and heat capacity cal/(mol K), molar volume
+ * cm3/mol, density g/cm3, unless a line says otherwise. Compositions are mole fractions, [count] of the
+ * MixtureRecord. The flashes work on the feed divided by its sum; the property exports use the composition
+ * as it is given.
+ *
+ * Every export but ConvertPPR78GroupData returns a StatusCode (status.h). Arguments that cannot be worked
+ * with end the call at once with a status of the 9000 block. Nothing thrown leaves the library, and the
+ * floating-point environment of the host (x87 control word, MXCSR) is the same before and after a call.
+ *
+ * Threads: calls may run at the same time on different MixtureRecords. A flash writes the flags byte of its
+ * own record during the call. ConvertPPR78GroupData changes what every later call reads: never run it
+ * while another call is under way.
+ *
+ * "options" of the two-phase flashes: bit 0 set = cold start; clear = warm start from the result arguments
+ * (an unusable estimate counts as a cold start). Of the three-phase flashes: bit 0 set = the result
+ * arguments hold an estimate.
+ */
+#ifndef KESTRUNE_KVGASTHERMO_H
+#define KESTRUNE_KVGASTHERMO_H
+
+#include "kestrune/platform.h"
+#include "kestrune/records.h"
+#include "kestrune/status.h"
+
+KV_EXTERN_C_BEGIN
+
+/* ---- Group data and molar mass ---------------------------------------------------------------- */
+
+/*
+ * Hands over the group decomposition of the components and the group interactions, once, before any other
+ * calculation. The five buffers belong to the host, are filled here and read at every later call: keep them
+ * alive. Calling again replaces the stored addresses. 24 bytes.
+ *
+ * nC       number of components
+ * nG       number of groups, the host's choice
+ * counts   [nG * nC] how often group k occurs in component i; one column of nG counts per component
+ * A, B     [nG * nG] group interactions in MPa, column-major; only the strict upper triangle (k < l) is read
+ * storage  six addresses of double buffers; [0] not used, [1] A in atm [nG * nG], [2] B in atm [nG * nG],
+ *          [3] group fractions [nC * nG], [4] ratio B/A [nG * nG], [5] differences [nG * nC * nC]
+ */
+KV_API void KV_CALL ConvertPPR78GroupData(int32_t nC, int32_t nG, const int32_t* counts, const double* A,
+                                          const double* B, double* const* storage);
+
+/*
+ * Molar mass of a mixture: sum of x[i] * M[i] in the unit of M; 0 for nc < 1. Returns 0 (or a status of the
+ * 9000 block for a null pointer or a count above 10000). 16 bytes.
+ */
+KV_API StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const double* M, double* out);
+
+/* ---- Flashes of two phases -------------------------------------------------------------------- */
+
+/*
+ * Liquid and vapour at temperature and pressure. 48 bytes.
+ *
+ * T        temperature, K, > 0              P  pressure, atm, > 0
+ * z        [count] feed
+ * routines may be null                       options  bit 0: 1 cold start, 0 warm start
+ * beta     in/out vapour fraction, 0 .. 1 of the feed
+ * x, y     [count] in/out liquid and vapour; a phase that is absent holds the incipient phase, the one of
+ *          lowest tangent-plane distance (the feed again where no second phase can be told apart)
+ * K        [count] out y[i] / x[i], within 1e-15 .. 1e15
+ *
+ * 0 = equilibrium found, one or two phases. A single phase is the vapour (beta 1) when its molar volume is
+ * above the pseudo-critical one of the mixture, 3.9514 b, else the liquid (beta 0).
+ * 112, 120: no answer; the results hold the last iterate. Others: the status of the fugacity routine.
+ */
+KV_API StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
+                                      const ModelRoutines* routines, int32_t options, double* beta, double* x,
+                                      double* y, double* K);
+
+/*
+ * At enthalpy (cal/mol) or entropy (cal/(mol K)) and pressure. T in/out (K; 0 starts at 298.15); the last
+ * two outputs are the molar enthalpy (entropy) of the liquid and of the vapour. 60 bytes.
+ */
+KV_API StatusCode KV_CALL FlashLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
+                                      const ModelRoutines* routines, int32_t options, double* T, double* beta,
+                                      double* x, double* y, double* K, double* HL, double* HV);
+KV_API StatusCode KV_CALL FlashLVatSP(double S, double P, const double* z, MixtureRecord* mixture,
+                                      const ModelRoutines* routines, int32_t options, double* T, double* beta,
+                                      double* x, double* y, double* K, double* SL, double* SV);
+
+/* At vapour fraction W (0 bubble, 1 dew) and pressure, T in/out; or at W and temperature, P in/out. 48 bytes. */
+KV_API StatusCode KV_CALL FlashLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
+                                      const ModelRoutines* routines, int32_t options, double* T, double* x,
+                                      double* y, double* K);
+KV_API StatusCode KV_CALL FlashLVatWT(double W, double T, const double* z, MixtureRecord* mixture,
+                                      const ModelRoutines* routines, int32_t options, double* P, double* x,
+                                      double* y, double* K);
+
+/* ---- Flashes of three phases ------------------------------------------------------------------ */
+
+/*
+ * Two liquids and a vapour at T and P. beta: share of liquid A (xA), V: share of the vapour (y), the rest is
+ * liquid B (xB). KLL = xA/xB, KLV = y/xA, 1e15 where the denominator phase holds none. A liquid-vapour answer
+ * has beta 0 and its liquid in xB. 60 bytes.
+ */
+KV_API StatusCode KV_CALL FlashLLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
+                                       const ModelRoutines* routines, int32_t options, double* beta, double* V,
+                                       double* xA, double* xB, double* y, double* KLL, double* KLV);
+
+/* At enthalpy or entropy and pressure; the last three outputs belong to A, B and the vapour. 76 bytes. */
+KV_API StatusCode KV_CALL FlashLLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
+                                       const ModelRoutines* routines, int32_t options, double* T, double* beta,
+                                       double* V, double* xA, double* xB, double* y, double* KLL, double* KLV,
+                                       double* HA, double* HB, double* HV);
+KV_API StatusCode KV_CALL FlashLLVatSP(double S, double P, const double* z, MixtureRecord* mixture,
+                                       const ModelRoutines* routines, int32_t options, double* T, double* beta,
+                                       double* V, double* xA, double* xB, double* y, double* KLL, double* KLV,
+                                       double* SA, double* SB, double* SV);
+
+/* At vapour fraction and pressure, T in/out; at vapour fraction and temperature, P in/out. 60 bytes. */
+KV_API StatusCode KV_CALL FlashLLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
+                                       const ModelRoutines* routines, int32_t options, double* T, double* beta,
+                                       double* xA, double* xB, double* y, double* KLL, double* KLV);
+KV_API StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, MixtureRecord* mixture,
+                                       const ModelRoutines* routines, int32_t options, double* P, double* beta,
+                                       double* xA, double* xB, double* y, double* KLL, double* KLV);
+
+/*
+ * Two liquids at T and P. liquid1 is the denser, liquid2 the lighter one; beta is the share of liquid2, so
+ * that z = (1 - beta) liquid1 + beta liquid2 and K = liquid2 / liquid1. 48 bytes.
+ */
+KV_API StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, MixtureRecord* mixture,
+                                      const ModelRoutines* routines, int32_t options, double* beta,
+                                      double* liquid1, double* liquid2, double* K);
+
+/* ---- Envelope and critical point -------------------------------------------------------------- */
+
+/*
+ * Bubble and dew curves, or a quality line. 100 bytes. All outputs are zeroed at entry.
+ *
+ * options 0; first_P first pressure (0 = 1 atm); max_P highest pressure (0 = 2000); min_T lowest temperature
+ * (0 = 50 K); points wanted per curve (0 = as traced); capacity of the three point arrays; fraction 1.0 for
+ * bubble and dew, between 0 and 1 for that quality line; accuracy relative, of a point (0 = 1e-8)
+ * T, P, kind [capacity]: kind 1.0 dew, 0.0 bubble, 0.5 critical point, the fraction on a quality line
+ */
+KV_API StatusCode KV_CALL PhaseEnvelope(const double* z, MixtureRecord* mixture, const ModelRoutines* routines,
+                                        int32_t options, double first_P, double max_P, double min_T,
+                                        int32_t points, int32_t capacity, double fraction, double accuracy,
+                                        double* T, double* P, double* kind, int32_t* number_of_points,
+                                        int32_t* number_of_critical_points, double* cricondentherm_T,
+                                        double* cricondentherm_P, double* cricondenbar_T,
+                                        double* cricondenbar_P);
+
+/* Critical temperature, pressure, volume and compressibility factor of a mixture. 28 bytes. */
+KV_API StatusCode KV_CALL CriticalPoint(const double* z, MixtureRecord* mixture, int32_t options, double* Tc,
+                                        double* Pc, double* Vc, double* Zc);
+
+/* ---- Water and hydrates ----------------------------------------------------------------------- */
+
+/*
+ * method 1: equation of state with free water; 2: chart correlation with acid-gas correction. routes: 0.
+ * "unused" words are not read.
+ */
+KV_API StatusCode KV_CALL WaterDewTemperature(double P, const double* z, int32_t method, int32_t routes,
+                                              int32_t unused, MixtureRecord* mixture, int32_t reserved,
+                                              double* T); /* T in/out, 36 bytes */
+KV_API StatusCode KV_CALL WaterDewPressure(double T, const double* z, int32_t method, int32_t routes,
+                                           int32_t unused, MixtureRecord* mixture, int32_t reserved,
+                                           double* P); /* P in/out, 36 bytes */
+/* T, P, status [points]; found: number of points found. 60 bytes. */
+KV_API StatusCode KV_CALL WaterDewLine(const double* z, int32_t method, int32_t routes, int32_t unused,
+                                       MixtureRecord* mixture, int32_t reserved, double min_P, double max_P,
+                                       int32_t points, double* T, double* P, int32_t* status, int32_t* found);
+/* water_fraction of the saturated gas; water_content in mg per normal m3 (0 C, 1 atm). 36 bytes. */
+KV_API StatusCode KV_CALL Humidity(double T, double P, int32_t method, const double* z, MixtureRecord* mixture,
+                                   double* water_fraction, double* water_content);
+/* wet [count]: the gas saturated with water. method_switch 1: tries the second method as well. 44 bytes. */
+KV_API StatusCode KV_CALL WetGasComposition(double T, double P, const double* z, int32_t method_switch,
+                                            int32_t method, int32_t routes, MixtureRecord* mixture,
+                                            int32_t reserved, double* wet);
+/*
+ * Hydrate formation curve of a gas by its gravity; kind 0 none, 1 methanol, 2 NaCl, 3 KCl, 4 CaCl2, 5 of
+ * molar mass M (g/mol); percent by mass; T (K), P (atm) [points]. 44 bytes.
+ */
+KV_API StatusCode KV_CALL HydrateLine(const double* z, int32_t kind, double M, double percent, int32_t points,
+                                      MixtureRecord* mixture, int32_t unused, double* T, double* P);
+
+/* ---- Properties of one phase ------------------------------------------------------------------ */
+
+/*
+ * Gas at T, P against the normal state (0 C, 1 atm): Z, Z_normal, density_normal in kg/m3, normal m3 in one
+ * m3 at T and P. 40 bytes.
+ */
+KV_API StatusCode KV_CALL GasN(double T, double P, const double* x, MixtureRecord* mixture, double* Z,
+                               double* Z_normal, double* density_normal, double* normal_volume);
+
+/* Mass density, g/cm3, with d/dT, d/dP and d2/dTdP at constant composition. 40 bytes. */
+KV_API StatusCode KV_CALL LiquidDensity_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
+                                              double* density, double* d_dT, double* d_dP, double* d2_dTdP);
+KV_API StatusCode KV_CALL GasDensity_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
+                                           double* density, double* d_dT, double* d_dP, double* d2_dTdP);
+
+/* Molar enthalpy and free enthalpy, cal/mol; molar entropy, cal/(mol K). Ideal gas at 298.15 K (and 1 atm). 28 bytes. */
+KV_API StatusCode KV_CALL LiquidMolarEnthalpy_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
+                                                    double* value);
+KV_API StatusCode KV_CALL GasMolarEnthalpy_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
+                                                 double* value);
+KV_API StatusCode KV_CALL LiquidMolarEntropy_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
+                                                   double* value);
+KV_API StatusCode KV_CALL GasMolarEntropy_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
+                                                double* value);
+KV_API StatusCode KV_CALL LiquidMolarFreeEnthalpy_PPR78(double T, double P, const double* x,
+                                                        MixtureRecord* mixture, double* value);
+KV_API StatusCode KV_CALL GasMolarFreeEnthalpy_PPR78(double T, double P, const double* x,
+                                                     MixtureRecord* mixture, double* value);
+
+/* The same with derivatives as the mask asks (KvDerivative); d_dn [count], may be null without its bit. 44 bytes. */
+KV_API StatusCode KV_CALL LiquidMolarEnthalpy_Derivatives_PPR78(double T, double P, const double* x,
+                                                                MixtureRecord* mixture, int32_t mask,
+                                                                double* value, double* d_dT, double* d_dP,
+                                                                double* d_dn);
+KV_API StatusCode KV_CALL GasMolarEnthalpy_Derivatives_PPR78(double T, double P, const double* x,
+                                                             MixtureRecord* mixture, int32_t mask,
+                                                             double* value, double* d_dT, double* d_dP,
+                                                             double* d_dn);
+KV_API StatusCode KV_CALL LiquidMolarEntropy_Derivatives_PPR78(double T, double P, const double* x,
+                                                               MixtureRecord* mixture, int32_t mask,
+                                                               double* value, double* d_dT, double* d_dP,
+                                                               double* d_dn);
+KV_API StatusCode KV_CALL GasMolarEntropy_Derivatives_PPR78(double T, double P, const double* x,
+                                                            MixtureRecord* mixture, int32_t mask,
+                                                            double* value, double* d_dT, double* d_dP,
+                                                            double* d_dn);
+
+/*
+ * ln phi[count] of a phase with d/dT[count] (1/K), d/dP[count] (1/atm) and d/dn[count * count] as the mask
+ * asks: entry (i, j) = d ln phi_i / d n_j for one mole in total, component i fastest. "option" is 2.
+ * Where the phase asked for has no root of its own, the only root there is serves. 48 bytes.
+ */
+KV_API StatusCode KV_CALL LiquidPhi_Derivatives_PPR78(double T, double P, const double* x,
+                                                      MixtureRecord* mixture, int32_t option, int32_t mask,
+                                                      double* ln_phi, double* d_dT, double* d_dP, double* d_dn);
+KV_API StatusCode KV_CALL GasPhi_Derivatives_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
+                                                   int32_t option, int32_t mask, double* ln_phi, double* d_dT,
+                                                   double* d_dP, double* d_dn);
+
+/* Cp and Cv, cal/(mol K); speed of sound, m/s; Joule-Thomson coefficient, K/atm. 40 bytes. */
+KV_API StatusCode KV_CALL GasSpecificHeat_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
+                                                double* Cp, double* Cv, double* speed_of_sound,
+                                                double* joule_thomson);
+
+/* Viscosity in cP; thermal conductivity in W/(m K). 28 bytes. */
+KV_API StatusCode KV_CALL GasDynamicViscosity_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
+                                                    double* viscosity);
+KV_API StatusCode KV_CALL GasThermalConductivity_PPR78(double T, double P, const double* x,
+                                                       MixtureRecord* mixture, double* conductivity);
+
+KV_EXTERN_C_END
+
+#endif
