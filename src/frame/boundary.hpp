@@ -1,0 +1,179 @@
+// The edge between a host and the library: what every export does before and after its calculation.
+#ifndef KESTRUNE_FRAME_BOUNDARY_HPP
+#define KESTRUNE_FRAME_BOUNDARY_HPP
+
+#include <cfenv>
+#include <cfloat>
+#include <cmath>
+#include <cstdint>
+#include <new>
+
+#include "kestrune/records.h"
+#include "kestrune/status.h"
+
+#if defined(__i386__) || defined(__x86_64__)
+#include <xmmintrin.h>
+#define KV_X86_FLOATING_POINT 1
+#endif
+
+// A 32-bit Windows host keeps the stack aligned to 4 bytes only; SSE code needs 16.
+#if defined(__i386__)
+#define KV_REALIGN __attribute__((force_align_arg_pointer))
+#else
+#define KV_REALIGN
+#endif
+// In front of the definition of an export: KV_ENTRY StatusCode KV_CALL Name(...) { ... }
+#define KV_ENTRY extern "C" KV_API KV_REALIGN
+
+namespace kestrune::frame {
+
+/*
+ * Floating-point environment of the library while it lives: every exception masked, round to nearest, full
+ * precision, no flushing to zero. The host's control words and its sticky flags come back exactly as they
+ * were, so that a flag raised in here never becomes a trap of a host that runs with exceptions unmasked.
+ */
+class FpGuard {
+ public:
+  FpGuard() noexcept { enter(); }
+  ~FpGuard() { leave(); }
+  FpGuard(const FpGuard&) = delete;
+  FpGuard& operator=(const FpGuard&) = delete;
+
+ private:
+#if defined(KV_X86_FLOATING_POINT)
+  static constexpr std::uint16_t kControl = 0x037F;
+  static constexpr std::uint32_t kMxcsr = 0x1F80;
+  // Status word: six exception flags, stack fault, error summary; bit 15 repeats the summary.
+  static constexpr std::uint16_t kFlags = 0x00FF;
+  static constexpr std::uint16_t kPending = 0x0080;
+  static constexpr std::uint16_t kFlagsAndBusy = 0x80FF;
+
+  struct Environment {  // as fnstenv stores it in protected mode
+    std::uint16_t control, reserved0, status, reserved1;
+    std::uint32_t rest[5];
+  };
+
+  static std::uint16_t x87_status() noexcept {
+    std::uint16_t word;
+    __asm__ __volatile__("fnstsw %0" : "=a"(word));
+    return word;
+  }
+
+  void enter() noexcept {
+    __asm__ __volatile__("fnstcw %0" : "=m"(control_));
+    status_ = x87_status();
+    mxcsr_ = _mm_getcsr();
+    // A trap of the host's own that is still waiting is put aside; it comes back with the flags.
+    if (status_ & kPending) __asm__ __volatile__("fnclex");
+    if (control_ != kControl) load_control(kControl);
+    _mm_setcsr(kMxcsr);
+  }
+
+  void leave() noexcept {
+    const std::uint16_t now = x87_status();
+    const bool same_flags = ((now ^ status_) & kFlags) == 0;
+    if (same_flags) {
+      if (control_ != kControl) load_control(control_);
+    } else if ((status_ & kFlags) == 0) {
+      __asm__ __volatile__("fnclex");
+      if (control_ != kControl) load_control(control_);
+    } else {
+      restore_flags();
+    }
+    _mm_setcsr(mxcsr_);
+  }
+
+  static void load_control(std::uint16_t word) noexcept {
+    __asm__ __volatile__("fldcw %0" : : "m"(word));
+  }
+
+  // The host came with sticky flags and they changed: put back both words, keep the register stack.
+  void restore_flags() const noexcept {
+    Environment environment;
+    __asm__ __volatile__("fnstenv %0" : "=m"(environment));
+    environment.control = control_;
+    environment.status =
+        static_cast<std::uint16_t>((environment.status & ~kFlagsAndBusy) | (status_ & kFlagsAndBusy));
+    __asm__ __volatile__("fldenv %0" : : "m"(environment));
+  }
+
+  std::uint16_t control_;
+  std::uint16_t status_;
+  std::uint32_t mxcsr_;
+#else
+  void enter() noexcept {
+    std::feholdexcept(&environment_);
+    std::fesetround(FE_TONEAREST);
+  }
+  void leave() noexcept {
+    std::fesetenv(&environment_);
+  }
+  std::fenv_t environment_;
+#endif
+};
+
+// Opaque to its caller: no floating-point operation of the body may move out of the guard's life.
+template <class Body>
+[[gnu::noipa]] StatusCode run_body(Body& body) {
+  return body();
+}
+
+/*
+ * Runs the body of an export: StatusCode body(). Nothing thrown leaves it: no memory becomes KV_MEMORY, all
+ * else KV_INTERNAL. The exception that ends a call whose sibling library is missing is none of C++ and
+ * passes through to the host.
+ */
+template <class Body>
+StatusCode guarded(Body&& body) noexcept {
+  const FpGuard guard;
+  try {
+    return run_body(body);
+  } catch (const std::bad_alloc&) {
+    return KV_MEMORY;
+  } catch (...) {
+    return KV_INTERNAL;
+  }
+}
+
+// Checks of arguments: KV_OK or the status that ends the call before anything is calculated.
+
+template <class... Pointers>
+inline StatusCode check_pointers(const Pointers*... pointers) noexcept {
+  return ((pointers == nullptr) || ...) ? KV_NULL_ARGUMENT : KV_OK;
+}
+
+inline StatusCode check_count(std::int32_t count) noexcept {
+  return count < 1 || count > KV_MAX_COMPONENTS ? KV_COMPONENT_COUNT : KV_OK;
+}
+
+inline StatusCode check_record(const MixtureRecord* mixture) noexcept {
+  if (mixture == nullptr || mixture->table == nullptr) return KV_NULL_ARGUMENT;
+  return check_count(mixture->count);
+}
+
+inline bool finite_and_positive(double value) noexcept {
+  return value > 0.0 && value <= DBL_MAX;
+}
+
+inline StatusCode check_temperature(double T) noexcept {
+  return finite_and_positive(T) ? KV_OK : KV_TEMPERATURE;
+}
+inline StatusCode check_pressure(double P) noexcept {
+  return finite_and_positive(P) ? KV_OK : KV_PRESSURE;
+}
+
+// z[n]: every entry finite and not negative, not all of them zero.
+inline StatusCode check_composition(std::int32_t n, const double* z) noexcept {
+  if (z == nullptr) return KV_NULL_ARGUMENT;
+  double largest = 0.0;
+  bool good = true;
+  for (std::int32_t i = 0; i < n; ++i) {
+    good &= z[i] >= 0.0 && z[i] <= DBL_MAX;
+    largest = z[i] > largest ? z[i] : largest;
+  }
+  return good && largest > 0.0 ? KV_OK : KV_COMPOSITION;
+}
+
+}  // namespace kestrune::frame
+
+#endif

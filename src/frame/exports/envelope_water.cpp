@@ -1,0 +1,95 @@
+// Exports: phase envelope, critical point, water and hydrates. Their cores come with later versions: the outputs
+// that have to be zeroed are, and KV_NOT_AVAILABLE is returned.
+
+#include <algorithm>
+
+#include "frame/boundary.hpp"
+#include "kestrune/kvgasthermo.h"
+
+namespace {
+
+using namespace kestrune;
+using frame::guarded;
+
+StatusCode check_feed(const double* z, const MixtureRecord* mixture) {
+  const StatusCode status = frame::check_record(mixture);
+  return status != KV_OK ? status : frame::check_composition(mixture->count, z);
+}
+
+template <class... Pointers>
+StatusCode not_available(const double* z, const MixtureRecord* mixture, StatusCode condition,
+                         const Pointers*... outputs) {
+  return guarded([&]() -> StatusCode {
+    if (condition != KV_OK) return condition;
+    const StatusCode status = frame::check_pointers(outputs...);
+    if (status != KV_OK) return status;
+    const StatusCode feed = check_feed(z, mixture);
+    return feed != KV_OK ? feed : KV_NOT_AVAILABLE;
+  });
+}
+
+void zero(double* value) {
+  if (value != nullptr) *value = 0.0;
+}
+
+}  // namespace
+
+KV_ENTRY StatusCode KV_CALL PhaseEnvelope(const double* z, MixtureRecord* mixture, const ModelRoutines*, int32_t,
+                                          double, double, double, int32_t, int32_t capacity, double, double,
+                                          double* T, double* P, double* kind, int32_t* number_of_points,
+                                          int32_t* number_of_critical_points, double* cricondentherm_T,
+                                          double* cricondentherm_P, double* cricondenbar_T,
+                                          double* cricondenbar_P) {
+  for (double* array : {T, P, kind})
+    if (array != nullptr && capacity > 0) std::fill_n(array, capacity, 0.0);
+  for (double* value : {cricondentherm_T, cricondentherm_P, cricondenbar_T, cricondenbar_P}) zero(value);
+  for (int32_t* count : {number_of_points, number_of_critical_points})
+    if (count != nullptr) *count = 0;
+  return not_available(z, mixture, KV_OK, T, P, kind, number_of_points, number_of_critical_points, cricondentherm_T,
+                       cricondentherm_P, cricondenbar_T, cricondenbar_P);
+}
+
+KV_ENTRY StatusCode KV_CALL CriticalPoint(const double* z, MixtureRecord* mixture, int32_t, double* Tc, double* Pc,
+                                          double* Vc, double* Zc) {
+  return not_available(z, mixture, KV_OK, Tc, Pc, Vc, Zc);
+}
+
+KV_ENTRY StatusCode KV_CALL WaterDewTemperature(double P, const double* z, int32_t, int32_t, int32_t,
+                                                MixtureRecord* mixture, int32_t, double* T) {
+  return not_available(z, mixture, frame::check_pressure(P), T);
+}
+
+KV_ENTRY StatusCode KV_CALL WaterDewPressure(double T, const double* z, int32_t, int32_t, int32_t,
+                                             MixtureRecord* mixture, int32_t, double* P) {
+  return not_available(z, mixture, frame::check_temperature(T), P);
+}
+
+KV_ENTRY StatusCode KV_CALL WaterDewLine(const double* z, int32_t, int32_t, int32_t, MixtureRecord* mixture,
+                                         int32_t, double, double, int32_t, double* T, double* P, int32_t* status,
+                                         int32_t* found) {
+  return not_available(z, mixture, KV_OK, T, P, status, found);
+}
+
+KV_ENTRY StatusCode KV_CALL Humidity(double T, double P, int32_t, const double* z, MixtureRecord* mixture,
+                                     double* water_fraction, double* water_content) {
+  zero(water_fraction);
+  zero(water_content);
+  const StatusCode temperature = frame::check_temperature(T);
+  return not_available(z, mixture, temperature != KV_OK ? temperature : frame::check_pressure(P), water_fraction,
+                       water_content);
+}
+
+KV_ENTRY StatusCode KV_CALL WetGasComposition(double T, double P, const double* z, int32_t method_switch, int32_t,
+                                              int32_t, MixtureRecord* mixture, int32_t, double* wet) {
+  const StatusCode temperature = frame::check_temperature(T);
+  const StatusCode condition = temperature != KV_OK ? temperature : frame::check_pressure(P);
+  const auto method = [&] { return not_available(z, mixture, condition, wet); };
+  const StatusCode first = method();
+  const bool final_status = first == -1 || first == 0 || first == 1 || first == 4;
+  return !final_status && method_switch == 1 ? method() : first;
+}
+
+KV_ENTRY StatusCode KV_CALL HydrateLine(const double* z, int32_t, double, double, int32_t, MixtureRecord* mixture,
+                                        int32_t, double* T, double* P) {
+  return not_available(z, mixture, KV_OK, T, P);
+}

@@ -1,0 +1,82 @@
+// What every flash export does around its core: arguments, the flags byte, water, and the retry.
+#ifndef KESTRUNE_FRAME_EXPORTS_FLASH_WRAPPER_HPP
+#define KESTRUNE_FRAME_EXPORTS_FLASH_WRAPPER_HPP
+
+#include "frame/boundary.hpp"
+#include "frame/cas.hpp"
+
+namespace kestrune::exports {
+
+// Puts the host's flags byte back on every way out of a call.
+class FlagsKeeper {
+ public:
+  explicit FlagsKeeper(MixtureRecord& mixture) : mixture_(mixture), saved_(mixture.flags) {}
+  ~FlagsKeeper() { mixture_.flags = saved_; }
+  FlagsKeeper(const FlagsKeeper&) = delete;
+  FlagsKeeper& operator=(const FlagsKeeper&) = delete;
+
+ private:
+  MixtureRecord& mixture_;
+  std::uint8_t saved_;
+};
+
+inline bool free_water(const MixtureRecord& mixture) {
+  return (mixture.flags & FreeWaterFlag) != 0;
+}
+
+/*
+ * Number of the water component (from 1) when the host asks for free water; without one the flags byte is cleared
+ * for the call and the result is 0.
+ */
+inline std::int32_t locate_water(MixtureRecord& mixture) {
+  if (!free_water(mixture)) return 0;
+  const std::int32_t iw = frame::find_cas(mixture.count, mixture.table, frame::WaterCas);
+  if (iw == 0) mixture.flags = 0;
+  return iw;
+}
+
+inline double water_critical_pressure(const MixtureRecord& mixture, std::int32_t iw) {
+  return mixture.table[static_cast<std::size_t>(KV_COL_PC - 1) * mixture.count + (iw - 1)];
+}
+
+inline StatusCode hide_single_phase(StatusCode status) {
+  return status == KV_SINGLE_PHASE ? KV_OK : status;
+}
+
+/* Where a two-phase flash leaves its answer, and an estimate for its retry. */
+struct TwoPhaseResult {
+  double *beta, *x, *y;
+};
+
+/*
+ * The wrapper of the two-phase flashes. core(hint) runs the flash with the record as it then stands; hint says that
+ * the results hold the water-based estimate of the retry.
+ */
+template <class Core>
+StatusCode two_phase_wrapper(double P, const double* z, MixtureRecord& mixture, std::int32_t options,
+                             const TwoPhaseResult& result, Core core) {
+  const FlagsKeeper keeper(mixture);
+  const std::int32_t iw = locate_water(mixture);
+  const StatusCode status = core(false);
+  if (status == KV_SINGLE_PHASE || status == KV_OK || !free_water(mixture)) return hide_single_phase(status);
+  if (status > KV_STATUS_CALL_BLOCK) return status;  // nothing that a retry could mend
+  if (P > water_critical_pressure(mixture, iw)) {
+    mixture.flags = 0;
+    return hide_single_phase(core(false));
+  }
+  const double w = z[iw - 1];
+  if ((options & 1) == 0 || w == 0.0) return status;
+  // All the water in the liquid, all the rest in the vapour.
+  *result.beta = 1.0 - w;
+  for (std::int32_t i = 0; i < mixture.count; ++i) {
+    result.x[i] = 0.0;
+    result.y[i] = z[i] / (1.0 - w);
+  }
+  result.x[iw - 1] = 1.0;
+  result.y[iw - 1] = 0.0;
+  return hide_single_phase(core(true));
+}
+
+}  // namespace kestrune::exports
+
+#endif

@@ -1,0 +1,38 @@
+// Exports: group data and molar mass.
+
+#include "eos/group_data.hpp"
+#include "frame/boundary.hpp"
+#include "frame/state.hpp"
+#include "kestrune/kvgasthermo.h"
+
+using namespace kestrune;
+
+KV_ENTRY void KV_CALL ConvertPPR78GroupData(int32_t nC, int32_t nG, const int32_t* counts, const double* A,
+                                            const double* B, double* const* storage) {
+  frame::guarded([&]() -> StatusCode {
+    frame::GroupData& data = frame::state().group_data;
+    data = {};
+    // Nothing that could be worked with: later calls answer that there are no group data.
+    if (storage == nullptr || counts == nullptr || A == nullptr || B == nullptr) return KV_NULL_ARGUMENT;
+    if (nC > KV_MAX_COMPONENTS || nG > KV_MAX_COMPONENTS) return KV_COMPONENT_COUNT;
+    for (int slot = 1; slot <= 5; ++slot)
+      if (storage[slot] == nullptr) return KV_NULL_ARGUMENT;
+    data = {nC, nG, storage[1], storage[2], storage[3], storage[4], storage[5]};
+    eos::convert_group_data(nC, nG, counts, A, B, data);
+    return KV_OK;
+  });
+}
+
+KV_ENTRY StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const double* M, double* out) {
+  return frame::guarded([&]() -> StatusCode {
+    if (out == nullptr) return KV_NULL_ARGUMENT;
+    *out = 0.0;
+    if (nc < 1) return KV_OK;
+    if (nc > KV_MAX_COMPONENTS) return KV_COMPONENT_COUNT;
+    if (x == nullptr || M == nullptr) return KV_NULL_ARGUMENT;
+    double sum = 0.0;
+    for (int32_t i = 0; i < nc; ++i) sum += x[i] * M[i];
+    *out = sum;
+    return KV_OK;
+  });
+}

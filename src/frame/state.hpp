@@ -1,0 +1,127 @@
+// Everything that the library remembers between calls: one record, one instance. What is not in here is
+// an argument or a local variable.
+//
+// The binding cells are atomic, so that two calls that bind the same entry at the same time both end with
+// the same good address. The rest belongs to one thread at a time, as stated at each field.
+#ifndef KESTRUNE_FRAME_STATE_HPP
+#define KESTRUNE_FRAME_STATE_HPP
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
+#include "frame/platform.hpp"
+#include "kestrune/kvcmpdpurelite.h"
+
+namespace kestrune::frame {
+
+// Entries of the pure-component library, one enumerator for each name of the host header.
+enum class PureProperty : std::int32_t {
+#define KV_ENUMERATE(name) name,
+  KV_PURE_PROPERTIES(KV_ENUMERATE) KV_PURE_INTEGRALS(KV_ENUMERATE)
+#undef KV_ENUMERATE
+      count
+};
+#define KV_COUNT(name) +1
+inline constexpr std::size_t kPureCheckCount = 0 KV_PURE_PROPERTIES(KV_COUNT);
+#undef KV_COUNT
+
+// Entries of the pure-component library that are not about one property.
+#define KV_PURE_SERVICES(X) \
+  X(AvailableCorrelations)  \
+  X(CorrelationInfo)        \
+  X(SetTempFolder)          \
+  X(SetThermoCodes)         \
+  X(KVCmpdPure_Free)
+enum class PureService : std::int32_t {
+#define KV_ENUMERATE(name) name,
+  KV_PURE_SERVICES(KV_ENUMERATE)
+#undef KV_ENUMERATE
+      count
+};
+
+// Entries of the tools library.
+#define KV_TOOLS_ENTRIES(X) \
+  X(BRACUB)                 \
+  X(CalcKayMR)              \
+  X(CalcKUOP)               \
+  X(CalcSG)                 \
+  X(MeABP)                  \
+  X(DGEFA)                  \
+  X(DGESL)                  \
+  X(MRINV)                  \
+  X(MRSL01)                 \
+  X(MRSL02)                 \
+  X(REGLIN)                 \
+  X(CNEWTON)                \
+  X(GANEW)                  \
+  X(MCOLT7)                 \
+  X(SetOutputFiles)         \
+  X(CloseOutputFiles)
+enum class ToolsEntry : std::int32_t {
+#define KV_ENUMERATE(name) name,
+  KV_TOOLS_ENTRIES(KV_ENUMERATE)
+#undef KV_ENUMERATE
+      count
+};
+
+// Resolved address of one entry; null until its first use.
+using ProviderEntry = std::atomic<void*>;
+// Handle of one sibling library; null until its first use.
+using LibraryCell = std::atomic<void*>;
+
+// Group data as ConvertPPR78GroupData leaves it. The buffers belong to the host.
+struct GroupData {
+  std::int32_t components = 0;
+  std::int32_t groups = 0;
+  double* A = nullptr;            // [groups * groups] atm, symmetric
+  double* B = nullptr;            // [groups * groups] atm, symmetric
+  double* fractions = nullptr;    // [components * groups]
+  double* ratio = nullptr;        // [groups * groups] B / A
+  double* differences = nullptr;  // [groups * components * components]
+};
+
+inline constexpr std::int32_t kTraceStackDepth = 32;
+
+// Names and units of the trace files that are in use, innermost call last. One calling thread.
+struct TraceStack {
+  char names[kTraceStackDepth][platform::kTraceNameCapacity] = {};  // blank-padded
+  std::int32_t units[kTraceStackDepth] = {};
+  std::int32_t counter = 0;
+};
+
+inline constexpr std::size_t kFolderCapacity = 1024;
+
+struct State {
+  // Sibling libraries: handles, and one slot for each entry name.
+  LibraryCell pure_library{nullptr};
+  LibraryCell tools_library{nullptr};
+  ProviderEntry pure_properties[static_cast<std::size_t>(PureProperty::count)] = {};
+  ProviderEntry pure_checks[kPureCheckCount] = {};
+  ProviderEntry pure_services[static_cast<std::size_t>(PureService::count)] = {};
+  ProviderEntry tools_entries[static_cast<std::size_t>(ToolsEntry::count)] = {};
+
+  // Folder in which the sibling libraries are looked for first, with its trailing separator.
+  bool folder_override_set = false;
+  char folder_override[kFolderCapacity] = {};
+
+  GroupData group_data;
+
+  TraceStack traces;
+
+  // The host's executable and its TavrinMessageBox; null between messages. One calling thread.
+  void* host_module = nullptr;
+  void* host_message_box = nullptr;
+};
+
+extern State the_state;
+inline State& state() noexcept {
+  return the_state;
+}
+
+// As at the start of the process: frees both sibling libraries and forgets everything else.
+void reset_state() noexcept;
+
+}  // namespace kestrune::frame
+
+#endif
