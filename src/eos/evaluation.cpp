@@ -1,0 +1,110 @@
+// The stages of the phase evaluation, one after the other. Kernels and sources: eos/phase.cpp.
+
+#include "eos/evaluation.hpp"
+
+#include <cfloat>
+#include <cmath>
+
+namespace kestrune::eos {
+namespace {
+
+// Sum of x_i x_j M_ij over a padded matrix.
+double quadratic(const Temperature& t, const double* matrix, const double* x) {
+  double sum = 0.0;
+  for (int j = 0; j < t.n; ++j) {
+    const double* column = matrix + static_cast<std::size_t>(j) * t.ld;
+    double s = 0.0;
+    for (int i = 0; i < t.n; ++i) s += x[i] * column[i];
+    sum += x[j] * s;
+  }
+  return sum;
+}
+
+// dZ/dT and dZ/dP by the chain rule through A and B.
+void root_derivatives(const Temperature& t, double P, const Root& r, bool with_T, PhaseValues& out) {
+  const double Z = r.Z, A = out.A, B = out.B;
+  const double D = 3.0 * Z * Z + 2.0 * Z * ((kU - 1.0) * B - 1.0) + (kW - kU) * B * B - kU * B + A;
+  const double dZ_dA = (B - Z) / D;
+  const double dZ_dB =
+      (A + 2.0 * kW * B + 3.0 * kW * B * B - (kU - 1.0) * Z * Z - (2.0 * (kW - kU) * B - kU) * Z) / D;
+  out.dZ_dP = (dZ_dA * A + dZ_dB * B) / P;
+  if (with_T) {
+    const double A_t = A * (out.da_dT / out.a - 2.0 / t.T);
+    out.dZ_dT = dZ_dA * A_t - dZ_dB * B / t.T;
+  }
+}
+
+// Residual enthalpy and entropy. The logarithm of [2Z + (u - s)B]/[2Z + (u + s)B] is -s phi.
+void enthalpy_entropy(const Temperature& t, const Root& r, PhaseValues& out) {
+  out.H_res =
+      (-(out.a - t.T * out.da_dT) / out.b * r.phi + kR * t.T * r.z_minus_1) * kCalPerCm3Atm;
+  out.S_res = (out.da_dT / out.b * r.phi + kR * r.log_z_minus_B) * kCalPerCm3Atm;
+}
+
+void heat_capacities(const Temperature& t, const Root& r, PhaseValues& out) {
+  const double chi = r.eta > 0.0 ? r.psi / r.eta : 1.0;
+  const double eta_t = -r.eta * (1.0 / t.T + out.dZ_dT / r.Z);
+  const double second = t.T * out.d2a_dT2 / out.b * r.phi;
+  const double first = -(out.a - t.T * out.da_dT) / out.b * chi * eta_t;
+  out.Cp_res = (second + first + kR * r.z_minus_1 + kR * t.T * out.dZ_dT) * kCalPerCm3Atm;
+  out.Cv_res = second * kCalPerCm3Atm;
+}
+
+}  // namespace
+
+bool evaluate(const Temperature& t, frame::tools::KvBracub bracub, double P, const double* x, int phase, int level,
+              const double* molar_mass, double* work, PhaseValues& out) noexcept {
+  double* const s = work;
+  double* const s_t = work + t.ld;
+  double* const row = work + 2 * t.ld;
+  const Mixture m = mix(t, x, s);
+  const double rt = kR * t.T;
+  out.a = m.a;
+  out.b = m.b;
+  out.A = m.a * P / (rt * rt);
+  out.B = m.b * P / rt;
+  if (stage::runs(stage::kRoot, level)) {
+    const int status = solve_root(bracub, out.A, out.B, phase, false, out.Z);
+    if (status == KV_NOT_FINITE) return false;
+    out.status = status;
+    if (status == KV_NO_ROOT) return false;
+  }
+  out.v = out.Z * rt / P;
+  if (molar_mass != nullptr) {
+    double mass = 0.0;
+    for (int i = 0; i < t.n; ++i) mass += x[i] * molar_mass[i];
+    out.rho = mass / out.v;
+  }
+  Root r;
+  reduce(t, m, P, out.Z, r);
+  const bool with_T = stage::runs(stage::kAlphaT, level);
+  if (with_T) out.da_dT = quadratic(t, t.aij_t, x);
+  if (stage::runs(stage::kRootDerivatives, level)) root_derivatives(t, P, r, with_T, out);
+  if (stage::runs(stage::kLnPhi, level) && out.ln_phi != nullptr) {
+    ln_phi(t, m, r, s, row);
+    for (int i = 0; i < t.n; ++i) out.ln_phi[i] = row[i];
+  }
+  const bool partial = stage::runs(stage::kPartialEnthalpy, level) && out.h_partial != nullptr;
+  if (stage::runs(stage::kLnPhiDerivatives, level) && (partial || out.dln_phi_dT || out.dln_phi_dP)) {
+    const Mechanics k = mechanics(t, m, r);
+    if (out.dln_phi_dP != nullptr) {
+      p_dln_phi_dP(t, k, r, s, row);
+      for (int i = 0; i < t.n; ++i) out.dln_phi_dP[i] = row[i] / P;
+    }
+    if (partial || out.dln_phi_dT != nullptr) {
+      dln_phi_dT(t, m, r, k, x, s, s_t, row);
+      if (out.dln_phi_dT != nullptr)
+        for (int i = 0; i < t.n; ++i) out.dln_phi_dT[i] = row[i];
+      if (partial)
+        for (int i = 0; i < t.n; ++i) out.h_partial[i] = -kR * t.T * t.T * row[i] * kCalPerCm3Atm;
+    }
+  }
+  if (stage::runs(stage::kEnthalpy, level)) enthalpy_entropy(t, r, out);
+  if (stage::runs(stage::kHeatCapacity, level)) {
+    out.d2a_dT2 = quadratic(t, t.aij_tt, x);
+    heat_capacities(t, r, out);
+  }
+  return std::fabs(out.v) <= DBL_MAX && std::fabs(r.log_z_minus_B) <= DBL_MAX;
+}
+
+}  // namespace kestrune::eos

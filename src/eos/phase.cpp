@@ -1,0 +1,167 @@
+// Kernels of the phase evaluation. The derivatives are those of the residual Helmholtz energy
+//   F/n = -ln(1 - eta) - q phi(eta)
+// written so that nothing cancels in a dilute gas.
+//
+// [Mic07] M. L. Michelsen, J. M. Mollerup, Thermodynamic Models: Fundamentals and Computational Aspects (2007),
+//         chapters 2 and 3: F and its derivatives, and their relation to ln phi at constant T and P.
+
+#include "eos/phase.hpp"
+
+#include <cfloat>
+#include <cmath>
+
+#include "support/mathkernels.hpp"
+
+namespace kestrune::eos {
+
+Mixture mix(const Temperature& t, const double* x, double* __restrict s) noexcept {
+  const int n = t.n, ld = t.ld;
+  for (int i = 0; i < ld; ++i) s[i] = 0.0;
+  // Two columns at a time: half the loads and stores of s.
+  int j = 0;
+  for (; j + 1 < n; j += 2) {
+    const double* __restrict c0 = t.aij + static_cast<std::size_t>(j) * ld;
+    const double* __restrict c1 = c0 + ld;
+    const double x0 = x[j], x1 = x[j + 1];
+    for (int i = 0; i < ld; ++i) s[i] += x0 * c0[i] + x1 * c1[i];
+  }
+  if (j < n) {
+    const double* __restrict c0 = t.aij + static_cast<std::size_t>(j) * ld;
+    const double x0 = x[j];
+    for (int i = 0; i < ld; ++i) s[i] += x0 * c0[i];
+  }
+  Mixture m;
+  double a0 = 0.0, a1 = 0.0, b0 = 0.0, b1 = 0.0;
+  for (int i = 0; i < ld; i += 2) {
+    a0 += x[i] * s[i];
+    a1 += x[i + 1] * s[i + 1];
+    b0 += x[i] * t.b[i];
+    b1 += x[i + 1] * t.b[i + 1];
+  }
+  m.a = a0 + a1;
+  m.b = b0 + b1;
+  m.q = m.a / (m.b * kR * t.T);
+  return m;
+}
+
+int solve_root(frame::tools::KvBracub bracub, double A, double B, int phase, bool warm, double& Z) noexcept {
+  const double c0 = 1.0;
+  const double c1 = (kU - 1.0) * B - 1.0;
+  const double c2 = A + (kW - kU) * B * B - kU * B;
+  const double c3 = -(A + kW * B * (B + 1.0)) * B;
+  if (!(std::fabs(c1) <= DBL_MAX && std::fabs(c2) <= DBL_MAX && std::fabs(c3) <= DBL_MAX &&
+        std::fabs(B) <= DBL_MAX))
+    return KV_NOT_FINITE;
+  const double u = kU, w = kW;
+  const std::int32_t selector = phase;
+  std::int32_t status = 0;
+  bracub(&c0, &c1, &c2, &c3, &Z, &status, &selector, &u, &w, &A, &B, warm ? kWarmRoot : kColdRoot);
+  return status;
+}
+
+void reduce(const Temperature& t, const Mixture& m, double P, double Z, Root& r) noexcept {
+  const double B = m.b * P / (kR * t.T);
+  r.Z = Z;
+  r.eta = B / Z;
+  const double eta = r.eta;
+  r.psi = eta / (1.0 + eta * (kU + kW * eta));
+  r.z_minus_1 = eta / (1.0 - eta) - m.q * r.psi;
+  // phi = 2 atanh(g)/(delta1 - delta2) with g = (delta1 - delta2) eta/(2 + u eta)
+  const double g = kS * eta / (2.0 + kU * eta);
+  double logs[2] = {Z - B, 1.0};
+  if (g < 0.17) {
+    r.phi = 2.0 / kS * support::small_atanh(g);
+    r.log_z_minus_B = support::fast_log(logs[0]);
+  } else {
+    logs[1] = (1.0 + g) / (1.0 - g);
+    for (double& v : logs) v = support::fast_log(v);
+    r.log_z_minus_B = logs[0];
+    r.phi = logs[1] / kS;
+  }
+}
+
+void ln_phi(const Temperature& t, const Mixture& m, const Root& r, const double* __restrict s,
+            double* __restrict out) noexcept {
+  const double c0 = -r.log_z_minus_B;
+  const double cb = (r.z_minus_1 + m.q * r.phi) / m.b;
+  const double cs = -2.0 * r.phi / (m.b * kR * t.T);
+  for (int i = 0; i < t.ld; ++i) out[i] = c0 + cb * t.b[i] + cs * s[i];
+}
+
+Mechanics mechanics(const Temperature& t, const Mixture& m, const Root& r) noexcept {
+  const double eta = r.eta;
+  const double c = 1.0 / (1.0 - eta);
+  const double chi = 1.0 / (1.0 + eta * (kU + kW * eta));  // psi/eta = d phi/d eta
+  const double psi1 = (1.0 - kW * eta * eta) * chi * chi;  // d psi/d eta
+  Mechanics k;
+  k.eta_slope = eta * (c * c - m.q * psi1);
+  k.one_plus_k = r.Z + k.eta_slope;
+  k.h_0 = eta * c;
+  k.h_b = eta * (c * c + m.q * (chi - psi1)) / m.b;
+  k.h_s = -2.0 * r.psi / (m.b * kR * t.T);
+  return k;
+}
+
+void p_dln_phi_dP(const Temperature& t, const Mechanics& k, const Root& r, const double* __restrict s,
+                  double* __restrict out) noexcept {
+  // Z (1 + h_i)/(1 + k) - 1; with 1 + k = Z + eta_slope the units drop out.
+  const double scale = 1.0 / k.one_plus_k;
+  const double d0 = scale * (r.Z * k.h_0 - k.eta_slope);
+  const double db = scale * r.Z * k.h_b;
+  const double ds = scale * r.Z * k.h_s;
+  for (int i = 0; i < t.ld; ++i) out[i] = d0 + db * t.b[i] + ds * s[i];
+}
+
+double dln_phi_dT(const Temperature& t, const Mixture& m, const Root& r, const Mechanics& k, const double* x,
+                  const double* __restrict s, double* __restrict s_t, double* __restrict out) noexcept {
+  const int n = t.n, ld = t.ld;
+  for (int i = 0; i < ld; ++i) s_t[i] = 0.0;
+  for (int j = 0; j < n; ++j) {
+    const double* __restrict column = t.aij_t + static_cast<std::size_t>(j) * ld;
+    for (int i = 0; i < ld; ++i) s_t[i] += x[j] * column[i];
+  }
+  double a_t = 0.0;
+  for (int i = 0; i < n; ++i) a_t += x[i] * s_t[i];
+  const double scale = 1.0 / (m.b * kR * t.T), invT = 1.0 / t.T;
+  const double q_t = scale * (a_t - m.a * invT);
+  // F_iT at constant volume, then the change of volume at constant pressure.
+  const double cs = -2.0 * r.phi * scale;
+  const double cb = (r.phi - r.psi) * q_t / m.b;
+  const double p = -invT / k.one_plus_k;
+  const double v = r.psi * q_t / k.one_plus_k;
+  const double d0 = p * (r.Z * k.h_0 - k.eta_slope) + v * (1.0 + k.h_0);
+  const double db = cb + (p * r.Z + v) * k.h_b;
+  const double ds = (p * r.Z + v) * k.h_s;
+  for (int i = 0; i < n; ++i) out[i] = d0 + db * t.b[i] + ds * s[i] + cs * (s_t[i] - s[i] * invT);
+  return a_t;
+}
+
+void dln_phi_dn(const Temperature& t, const Mixture& m, const Root& r, const Mechanics& k,
+                const double* __restrict s, double* __restrict out, int ld_out, int rows) noexcept {
+  const double eta = r.eta, c = eta / (1.0 - eta);
+  const double invb = 1.0 / m.b;
+  const double rt = invb / (kR * t.T);
+  const double pq = r.phi - r.psi;
+  // F_ij = g_aa a_ij + g_b (b_i + b_j) + g_bb b_i b_j + g_bs (b_i s_j + s_i b_j)
+  const double g_aa = -2.0 * r.phi * rt;
+  const double g_b = c * invb;
+  const double g_bb = (c * c - 2.0 * m.q * (pq - (0.5 * kU + kW * eta) * r.psi * r.psi)) * invb * invb;
+  const double g_bs = 2.0 * pq * rt * invb;
+  // 1 - (1 + h_i)(1 + h_j)/(1 + k), with h_i = h_0 + l_i: the unit is taken out of the difference.
+  const double inv_k = 1.0 / k.one_plus_k;
+  const double unit = ((r.z_minus_1 + k.eta_slope) - 2.0 * k.h_0 - k.h_0 * k.h_0) * inv_k;
+  const double e = -(1.0 + k.h_0) * inv_k;
+  for (int j = 0; j < t.n; ++j) {
+    const double* __restrict a = t.aij + static_cast<std::size_t>(j) * t.ld;
+    double* __restrict column = out + static_cast<std::size_t>(j) * ld_out;
+    const double bj = t.b[j], sj = s[j];
+    const double lj = k.h_b * bj + k.h_s * sj;
+    const double f = e - lj * inv_k;  // factor of l_i
+    const double c0 = unit + g_b * bj + e * lj;
+    const double cb = g_b + g_bb * bj + g_bs * sj + f * k.h_b;
+    const double cs = g_bs * bj + f * k.h_s;
+    for (int i = 0; i < rows; ++i) column[i] = c0 + cb * t.b[i] + cs * s[i] + g_aa * a[i];
+  }
+}
+
+}  // namespace kestrune::eos
