@@ -1,0 +1,15 @@
+#!/bin/sh
+# Judges the liquid-vapour flash of the native build at 100 000 states with an independent model and reports
+# every wrong answer. Builds what is missing. Options go to kestrune_sweep, for instance
+#
+#   scripts/sweep.sh                    the full sweep, on all processors
+#   scripts/sweep.sh --sample           the fixed sample of the test suite
+#   scripts/sweep.sh --seed 7 --warm    other states, every one asked a second time from a warm start
+#
+# Returns 0 when every answer is right; wrong ones stand in build/native/sweep_failures.csv.
+set -eu
+cd "$(dirname "$0")/.."
+[ -f build/native/build.ninja ] || cmake --preset native
+cmake --build --preset native --target KVGasThermo KVCmpdPureLite KVToolsLite kestrune_sweep
+KESTRUNE_DATA=$PWD/data exec build/native/bin/kestrune_sweep --jobs "$(nproc)" \
+  --failures build/native/sweep_failures.csv "$@"

@@ -1,0 +1,68 @@
+// One isothermal flash under way: what its named steps share. Private to the solver.
+#ifndef KESTRUNE_FLASH_FLASH_STATE_HPP
+#define KESTRUNE_FLASH_FLASH_STATE_HPP
+
+#include "flash/isothermal.hpp"
+#include "flash/stability.hpp"
+
+namespace kestrune::flash {
+
+struct Flash {
+  Flash(const IsothermalCall& c, Model& model, const Settings& s, support::TraceWriter& t)
+      : call(c), m(model), settings(s), trace(t) {}
+
+  const IsothermalCall& call;
+  Model& m;
+  Settings settings;
+  support::TraceWriter& trace;
+
+  Iterate it;                 // the two-phase iteration; it.z is the normalised feed
+  Iterate best;               // the best answer, while others are tried
+  TwoPhaseWork two;
+  TrialWork work;
+  Trial trial, lowest;        // the trial that runs, and the lowest of the current test
+  bool have_lowest = false;
+
+  double* wilson_k = nullptr;     // [ld]
+  double* feed_phi = nullptr;     // [ld] ln phi of the feed as one phase
+  double* d = nullptr;            // [ld] ln z + ln phi of it
+  double* answer_d = nullptr;     // [ld] the same of a phase of an answer under test
+  double feed_gibbs = 0.0;        // sum of z d
+  double feed_Z = 0.0;
+  Kind feed_kind = Kind::stable;
+  StatusCode status = KV_OK;      // of the fugacity routine
+
+  bool liquids_only() const { return call.mode == Mode::liquid_liquid; }
+};
+
+/*
+ * Gas or liquid by packing: above the critical volume of the equation, 3.9514 b of the mixture, it is gas.
+ * Without a Z (a phase that is water, a host's routine that did not tell) it is liquid.
+ */
+Kind kind_of(const Flash& f, const double* composition, double Z);
+
+/* The roots that a liquid-like and a vapour-like trial or phase is asked for. */
+Kind liquid_kind(const Flash& f);
+Kind vapour_kind(const Flash& f);
+
+/* ln phi, Gibbs energy and kind of the feed as one phase. False: f.status. */
+bool evaluate_feed(Flash& f);
+
+/*
+ * Full stability analysis of the feed: both Wilson trials, the ideal-gas-like one, near-pure ones. f.lowest is the
+ * trial of lowest distance, when there is one that is not the feed itself. False: f.status.
+ */
+bool test_feed(Flash& f);
+
+/*
+ * Test of an answer: near-pure trials against the tangent plane of the phase it.x (which is that of it.y as well).
+ * f.lowest is the phase that cuts it. False: f.status.
+ */
+bool test_answer(Flash& f, bool& stable);
+
+/* Takes f.lowest to its stationary point, for an incipient phase that is reported. */
+bool finish_lowest(Flash& f);
+
+}  // namespace kestrune::flash
+
+#endif

@@ -1,0 +1,243 @@
+// Fugacity evaluation of the flashes. The free-water rules describe a liquid whose water beyond the solubility
+// limit s is a phase of its own: water's fugacity is Psat x_w/s below the limit and Psat from there on, and the
+// other components see the hydrocarbon liquid at its limit.
+
+#include "flash/fugacity.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "support/mathkernels.hpp"
+
+namespace kestrune::flash {
+namespace {
+
+constexpr double kWaterRich = 0.9999;
+// ln phi of the other components in a phase that is water: they are as good as insoluble there.
+constexpr double kInsoluble = kLargestLogK;
+
+// A host's routine, or the built-in one under the same argument list. Derivatives with leading dimension n.
+StatusCode plain_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d, double& Z) {
+  if (m.routine == nullptr && d.dT == nullptr && d.dP == nullptr)
+    return built_in_fugacity(m, x, kind, ln_phi, d.dn, Z);
+  if (kind == Kind::stable) {
+    // Both phases, and the one of lower Gibbs energy.
+    double zg = 0.0, zl = 0.0;
+    StatusCode status = plain_fugacity(m, x, Kind::gas, m.row, {}, zg);
+    if (status != KV_OK) return status;
+    double gas = 0.0, liquid = 0.0;
+    for (int i = 0; i < m.n; ++i) gas += x[i] * m.row[i];
+    status = plain_fugacity(m, x, Kind::liquid, m.row, {}, zl);
+    if (status != KV_OK) return status;
+    for (int i = 0; i < m.n; ++i) liquid += x[i] * m.row[i];
+    Z = 0.0;
+    return plain_fugacity(m, x, gas <= liquid ? Kind::gas : Kind::liquid, ln_phi, d, Z);
+  }
+  const int phase = kind == Kind::gas ? KV_PHASE_GAS : KV_PHASE_LIQUID;
+  ++m.counts.fugacities;
+  if (m.routine != nullptr) {
+    // The pressure derivatives are always asked for: Z = 1 + P sum x_i d ln phi_i/dP tells gas from liquid.
+    double* dP = d.dP != nullptr ? d.dP : m.row;
+    const int mask = (d.dT ? KV_DERIV_T : 0) | KV_DERIV_P | (d.dn ? KV_DERIV_N : 0);
+    if (d.dn != nullptr) ++m.counts.matrices;
+    const StatusCode status =
+        m.routine(m.T, m.P, x, m.mixture, phase, 2, mask, ln_phi, d.dT, dP, d.dn ? m.square : nullptr);
+    if (status != KV_OK) return status;
+    double sum = 0.0;
+    for (int i = 0; i < m.n; ++i) sum += x[i] * dP[i];
+    Z = 1.0 + m.P * sum;
+    for (int j = 0; d.dn != nullptr && j < m.n; ++j)
+      std::copy_n(m.square + static_cast<std::size_t>(j) * m.n, m.n, d.dn + static_cast<std::size_t>(j) * m.ld);
+    for (int i = m.n; i < m.ld; ++i) ln_phi[i] = 0.0;
+    return KV_OK;
+  }
+  // Temperature derivatives of the built-in equation: the temperature is prepared with order 1 for these.
+  const StatusCode status = built_in_fugacity(m, x, kind, ln_phi, d.dn, Z);
+  if (status != KV_OK) return status;
+  const eos::Mixture mixed = eos::mix(m.t, x, m.s);
+  eos::Root r;
+  eos::reduce(m.t, mixed, m.P, Z, r);
+  const eos::Mechanics k = eos::mechanics(m.t, mixed, r);
+  if (d.dP != nullptr) {
+    eos::p_dln_phi_dP(m.t, k, r, m.s, m.row);
+    for (int i = 0; i < m.n; ++i) d.dP[i] = m.row[i] / m.P;
+  }
+  if (d.dT != nullptr) {
+    if (m.t.order < 1) return KV_INTERNAL;
+    eos::dln_phi_dT(m.t, mixed, r, k, x, m.s, m.row, d.dT);
+  }
+  return KV_OK;
+}
+
+// The coefficients of a phase that is (almost) pure water.
+void water_rich(const Model& m, double xw, double* ln_phi, const Derivatives& d) {
+  const double psat = m.psat.value;
+  for (int i = 0; i < m.ld; ++i) ln_phi[i] = kInsoluble;
+  ln_phi[m.water] = std::log(psat / (m.P * xw));
+  if (d.dT != nullptr) std::fill_n(d.dT, m.n, 0.0);
+  if (d.dP != nullptr) std::fill_n(d.dP, m.n, 0.0);
+  if (d.dT != nullptr) d.dT[m.water] = m.psat.d_dT / psat;
+  if (d.dP != nullptr) d.dP[m.water] = -1.0 / m.P;
+  if (d.dn == nullptr) return;
+  for (int j = 0; j < m.n; ++j) std::fill_n(d.dn + static_cast<std::size_t>(j) * m.ld, m.n, 0.0);
+  // ln phi_w = -ln x_w + const: -(1/x_w) d x_w/d n_w = -(1 - x_w)/x_w
+  d.dn[static_cast<std::size_t>(m.water) * m.ld + m.water] = -(1.0 - xw) / xw;
+}
+
+// Composition derivatives of the others when they see the liquid at its solubility limit: in terms of the amounts
+// n_j of the hydrocarbons alone, with s/(1 - s) moles of water for each mole of them.
+void at_limit_dn(const Model& m, double s, double xw, double* dn) {
+  const int w = m.water;
+  const double total = (1.0 - xw) / (1.0 - s);  // moles of the modified phase in one mole of the whole
+  const double ratio = s / (1.0 - s);
+  const double* water_column = dn + static_cast<std::size_t>(w) * m.ld;
+  for (int j = 0; j < m.n; ++j) {
+    double* column = dn + static_cast<std::size_t>(j) * m.ld;
+    if (j == w) continue;
+    for (int i = 0; i < m.n; ++i) {
+      // + ln(x'_i/x_i) = ln((1 - s)/(1 - x_w)): 1 - 1/(1 - x_w) per mole of a hydrocarbon
+      if (i != w) column[i] = (column[i] + ratio * water_column[i]) / total + 1.0 - 1.0 / (1.0 - xw);
+    }
+  }
+  double* own = dn + static_cast<std::size_t>(w) * m.ld;
+  for (int i = 0; i < m.n; ++i) own[i] = 1.0;
+}
+
+// Water's own coefficient and its derivatives, after the others are there.
+void set_water(const Model& m, double xw, double* ln_phi, const Derivatives& d) {
+  const double s = m.solubility.value, psat = m.psat.value;
+  const bool below = xw < s;
+  const int w = m.water;
+  ln_phi[w] = std::log(psat / (m.P * (below ? s : xw)));
+  if (d.dT != nullptr) d.dT[w] = m.psat.d_dT / psat - (below ? m.solubility.d_dT / s : 0.0);
+  if (d.dP != nullptr) d.dP[w] = -1.0 / m.P;
+  if (d.dn == nullptr) return;
+  for (int j = 0; j < m.n; ++j) d.dn[static_cast<std::size_t>(j) * m.ld + w] = below ? 0.0 : 1.0;
+  if (!below) d.dn[static_cast<std::size_t>(w) * m.ld + w] = 1.0 - 1.0 / xw;
+}
+
+}  // namespace
+
+StatusCode make_model(double T, double P, MixtureRecord* mixture, const ModelRoutines* routines, bool free_water,
+                      support::Arena& arena, Model& m) {
+  m.T = T;
+  m.P = P;
+  m.mixture = mixture;
+  m.n = mixture->count;
+  m.ld = support::padded(m.n);
+  void* const entry = routines != nullptr ? routines->entry[KV_ROUTINE_FUGACITY - 1] : nullptr;
+  m.routine = reinterpret_cast<KvFugacityRoutine>(entry);
+  m.s = arena.zeros(m.ld);
+  m.row = arena.zeros(m.ld);
+  m.water = free_water ? find_water_family(*mixture) : -1;
+  m.free_water = m.water >= 0;
+  if (m.free_water) {
+    m.modified = arena.zeros(m.ld);
+    m.psat = water_vapour_pressure(T);
+    m.solubility = water_solubility(T, mixture->solubility_a, mixture->solubility_b);
+    if (!(m.solubility.value >= kSmallestK)) m.solubility.value = kSmallestK;
+  }
+  if (m.routine != nullptr) {
+    m.square = arena.take(static_cast<std::size_t>(m.n) * m.n);
+    return KV_OK;
+  }
+  m.bracub = frame::tools::bracub();
+  return eos::prepare(T, *mixture, frame::state().group_data, 0, arena, m.t);
+}
+
+StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, double* dn, double& Z) noexcept {
+  const eos::Temperature& t = m.t;
+  ++m.counts.fugacities;
+  const eos::Mixture mixed = eos::mix(t, x, m.s);
+  const double rt = eos::kR * t.T;
+  const double A = mixed.a * m.P / (rt * rt), B = mixed.b * m.P / rt;
+  eos::Root r;
+  int status;
+  if (kind != Kind::stable || !eos::may_have_three_roots(A, B)) {
+    status = eos::solve_root(m.bracub, A, B, kind == Kind::liquid ? KV_PHASE_LIQUID : KV_PHASE_GAS, Z > 0.0, Z);
+    if (status > 50) return status;
+    eos::reduce(t, mixed, m.P, Z, r);
+  } else {
+    double zg = Z, zl = Z;
+    status = eos::solve_root(m.bracub, A, B, KV_PHASE_GAS, Z > 0.0, zg);
+    if (status > 50) return status;
+    // Status 1 says that the only root is the liquid's.
+    const bool single = status == 1 || eos::solve_root(m.bracub, A, B, KV_PHASE_LIQUID, Z > 0.0, zl) != 0;
+    eos::reduce(t, mixed, m.P, zg, r);
+    Z = zg;
+    if (!single) {
+      eos::Root other;
+      eos::reduce(t, mixed, m.P, zl, other);
+      if (eos::residual_gibbs(mixed, other) < eos::residual_gibbs(mixed, r)) {
+        r = other;
+        Z = zl;
+      }
+    }
+  }
+  eos::ln_phi(t, mixed, r, m.s, ln_phi);
+  if (dn != nullptr) {
+    ++m.counts.matrices;
+    eos::dln_phi_dn(t, mixed, r, eos::mechanics(t, mixed, r), m.s, dn, m.ld, m.ld);
+  }
+  return std::fabs(ln_phi[0]) < 1e300 ? KV_OK : KV_NOT_FINITE;
+}
+
+StatusCode water_aware_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,
+                                double& Z) noexcept {
+  if (!m.free_water) return plain_fugacity(m, x, kind, ln_phi, d, Z);
+  if (kind == Kind::gas) return plain_fugacity(m, x, kind, ln_phi, d, Z);
+  // A phase asked for by Gibbs energy is a liquid here: only a liquid follows the water rules.
+  const double xw = x[m.water], s = m.solubility.value;
+  if (xw > kWaterRich) {
+    ++m.counts.fugacities;
+    Z = 0.0;
+    water_rich(m, xw, ln_phi, d);
+    return KV_OK;
+  }
+  const double* composition = x;
+  const bool at_limit = xw >= s && s < 1.0;
+  const double scale = at_limit ? (1.0 - s) / (1.0 - xw) : 1.0;
+  if (at_limit) {
+    for (int i = 0; i < m.n; ++i) m.modified[i] = scale * x[i];
+    m.modified[m.water] = s;
+    composition = m.modified;
+  }
+  const StatusCode status = plain_fugacity(m, composition, Kind::liquid, ln_phi, d, Z);
+  if (status != KV_OK) return status;
+  if (at_limit) {
+    const double correction = std::log(scale);  // ln x'_i - ln x_i
+    for (int i = 0; i < m.n; ++i)
+      if (i != m.water) ln_phi[i] += correction;
+    if (d.dn != nullptr) at_limit_dn(m, s, xw, d.dn);
+  }
+  set_water(m, xw, ln_phi, d);
+  return KV_OK;
+}
+
+StatusCode k_values(Model& m, const double* x, const double* y, double* K, const KDerivatives& d, double* work) {
+  double *const lx = work, *const ly = lx + m.ld, *const tx = ly + m.ld, *const ty = tx + m.ld, *const px = ty + m.ld,
+               *const py = px + m.ld;
+  double Z = 0.0;
+  StatusCode status = water_aware_fugacity(
+      m, y, Kind::gas, ly, {d.dT ? ty : nullptr, d.dP ? py : nullptr, d.dy}, Z);
+  if (status != KV_OK) return status;
+  Z = 0.0;
+  status = water_aware_fugacity(m, x, Kind::liquid, lx, {d.dT ? tx : nullptr, d.dP ? px : nullptr, d.dx}, Z);
+  if (status != KV_OK) return status;
+  for (int i = 0; i < m.n; ++i) {
+    const double e = std::clamp(lx[i] - ly[i], -kLargestLogK, kLargestLogK);
+    K[i] = support::fast_exp(e);
+    if (d.dT != nullptr) d.dT[i] = (tx[i] - ty[i]) * K[i];
+    if (d.dP != nullptr) d.dP[i] = (px[i] - py[i]) * K[i];
+  }
+  for (int j = 0; j < m.n; ++j) {
+    for (int i = 0; i < m.n; ++i) {
+      const std::size_t at = static_cast<std::size_t>(j) * m.ld + i;
+      if (d.dx != nullptr) d.dx[at] *= K[i];
+      if (d.dy != nullptr) d.dy[at] *= -K[i];
+    }
+  }
+  return KV_OK;
+}
+
+}  // namespace kestrune::flash

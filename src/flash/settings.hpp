@@ -1,0 +1,44 @@
+// Flash settings of a call, as the record gives them and as the solvers use them.
+#ifndef KESTRUNE_FLASH_SETTINGS_HPP
+#define KESTRUNE_FLASH_SETTINGS_HPP
+
+#include "kestrune/records.h"
+
+namespace kestrune::flash {
+
+// Option codes of the thermodynamic model, consulted by the robust settings. PPR78 has 0 and 0.
+struct ModelOptions {
+  int first = 0;
+  int second = 0;
+};
+inline constexpr ModelOptions kModelOptions{};
+
+// Whether the second option code names a model that calls for the robust settings: none of PPR78's does.
+inline constexpr bool model_predicate(int code) {
+  return code < 0;
+}
+
+struct Settings {
+  double CRIT, CLIM, EPS;
+  double loose;        // CRIT^0.33, the second, looser level
+  int ITEMAX, NEW;
+  int global_budget;   // NEW (n + 1) iterations for the global method
+  double relaxation;
+  bool robust;
+  bool trace;
+  int trace_unit;
+};
+
+// Relaxation factor and iteration limit of a difficult model, and of the solver's own restart.
+inline constexpr double kRobustRelaxation = 0.1;
+inline constexpr int kRobustIterations = 1000;
+
+/* Copies the settings of the record; a field that is zero or unusable takes its default (records.h). */
+Settings copy_settings(const MixtureRecord& mixture) noexcept;
+
+/* Applies the robust settings where the model asks for them. */
+void apply_robust_settings(const ModelOptions& model, Settings& s) noexcept;
+
+}  // namespace kestrune::flash
+
+#endif

@@ -1,0 +1,176 @@
+// [Mic82] M. L. Michelsen, Fluid Phase Equilib. 9 (1982) 1-19: the test, the modified distance, the test for the
+// trivial solution. [Mic07] the same with second-order minimisation in 2 sqrt(W).
+
+#include "flash/stability.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "support/ldl.hpp"
+#include "support/mathkernels.hpp"
+
+namespace kestrune::flash {
+namespace {
+
+constexpr int kSubstitutions = 3;      // before the first second-order step
+constexpr int kMaxSteps = 60;
+constexpr double kConverged = 1e-18;   // gradient^2: tm is then exact to 1e-18
+constexpr double kFinished = 1e-14;    // of a phase that is only reported
+// Positive distances are final once they exceed what the rest of the way can take off them.
+constexpr double kSafePositive = 1e-4, kSafeFactor = 4.0;
+// A negative distance beyond this needs no more digits to start a split from.
+constexpr double kClearlyNegative = -1e-2, kClearGradient = 1e-3;
+constexpr double kTrivialDistance = 5e-3, kTrivialRatio = 0.2;
+constexpr double kKnownComposition = 0.01;
+constexpr double kSameComposition = 1e-16, kNearComposition = 0.1;  // sum of (w - z)^2/(w + z)
+
+// ln phi of the trial, residuals r and tm.
+StatusCode measure(Model& m, const Reference& ref, Kind kind, double* dn, const TrialWork& work, Trial& t) {
+  double sum = 0.0;
+  for (int i = 0; i < m.ld; ++i) t.w[i] = support::fast_exp(t.log_w[i]);
+  for (int i = m.n; i < m.ld; ++i) t.w[i] = 0.0;
+  for (int i = 0; i < m.n; ++i) sum += t.w[i];
+  t.sum = sum;
+  const double scale = 1.0 / sum;
+  for (int i = 0; i < m.ld; ++i) t.w[i] *= scale;
+  const StatusCode status = fugacity(m, t.w, kind, t.ln_phi, dn, t.Z);
+  if (status != KV_OK) return status;
+  double wr = 0.0, g = 0.0;
+  for (int i = 0; i < m.n; ++i) {
+    const double r = t.log_w[i] + t.ln_phi[i] - ref.d[i];
+    work.r[i] = r;
+    wr += t.w[i] * r;
+    g += t.w[i] * r * r;
+  }
+  t.tm = 1.0 - sum + sum * wr;
+  t.gradient2 = sum * g;
+  return KV_OK;
+}
+
+double spread(const double* w, const double* z, int n) {
+  double sum = 0.0;
+  for (int i = 0; i < n; ++i) {
+    const double gap = w[i] - z[i];
+    sum += gap * gap / (w[i] + z[i] + 1e-300);
+  }
+  return sum;
+}
+
+// Is the trial on its way back to a phase of composition z on the same plane? Then the distance behaves as the
+// quadratic that has its minimum there: 2 tm equals the derivative along the way from it.
+bool returns_to(const double* z, int n, const TrialWork& work, const Trial& t) {
+  double towards = 0.0;
+  for (int i = 0; i < n; ++i) towards += (t.sum * t.w[i] - z[i]) * work.r[i];
+  const double distance = spread(t.w, z, n);
+  if (distance < kSameComposition) return true;
+  return t.tm > 0.0 && distance < kNearComposition && std::fabs(2.0 * t.tm - towards) < kTrivialRatio * towards;
+}
+
+// Newton step in alpha = 2 sqrt(W). False when the matrix is not positive definite.
+bool second_order(Model& m, const TrialWork& work, Trial& t) {
+  const int n = m.n, ld = m.ld;
+  const double sum = t.sum;
+  for (int i = 0; i < ld; ++i) work.root[i] = std::sqrt(t.w[i]);
+  for (int j = 0; j < n; ++j) {
+    const double* __restrict column = work.dn + static_cast<std::size_t>(j) * ld;
+    double* __restrict h = work.hessian + static_cast<std::size_t>(j) * ld;
+    const double rj = work.root[j];
+    for (int i = j & ~1; i < ld; ++i) h[i] = rj * work.root[i] * column[i];
+    h[j] += 1.0 + 0.5 * work.r[j];
+  }
+  ++m.counts.factorisations;
+  if (!support::ldl_factor(n, ld, work.hessian, 1e-8)) return false;
+  const double scale = std::sqrt(sum);
+  for (int i = 0; i < n; ++i) work.step[i] = -scale * work.root[i] * work.r[i];
+  support::ldl_solve(n, ld, work.hessian, work.step);
+  for (int i = 0; i < n; ++i) work.root[i] *= scale;  // sqrt(W)
+  return true;
+}
+
+// W from sqrt(W) + factor * step/2, each amount kept within a factor of 100 of what it was.
+void take_step(int n, double factor, const TrialWork& work, Trial& t) {
+  for (int i = 0; i < n; ++i) {
+    const double old = work.root[i];
+    const double next = std::clamp(old + 0.5 * factor * work.step[i], 0.1 * old, 10.0 * old);
+    // A component with no amount to speak of follows by substitution.
+    const double change = old > 1e-100 ? 2.0 * support::fast_log(next / old) : -work.r[i];
+    work.old_root[i] = t.log_w[i];
+    t.log_w[i] += change;
+  }
+}
+
+}  // namespace
+
+StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, bool tight, const TrialWork& work, Trial& t) {
+  ++m.counts.trials;
+  t.end = TrialEnd::failed;
+  bool stepped = false;  // the last step was of second order and may have to be cut
+  double before = 0.0, factor = 1.0;
+  for (int k = 0; k < kMaxSteps; ++k) {
+    const bool second = (tight || k >= kSubstitutions) && !m.free_water;
+    const StatusCode status = measure(m, ref, kind, second ? work.dn : nullptr, work, t);
+    if (status != KV_OK) return status;
+    if (stepped && t.tm > before + 1e-10 * (1.0 + std::fabs(before)) && factor > 1e-3) {
+      // The distance rose: halve the step from where it began.
+      factor *= 0.5;
+      for (int i = 0; i < m.n; ++i) t.log_w[i] = 0.5 * (t.log_w[i] + work.old_root[i]);
+      continue;
+    }
+    factor = 1.0;
+    if (k >= 1 && std::fabs(t.tm) < kTrivialDistance &&
+        (returns_to(ref.z, m.n, work, t) || (ref.other != nullptr && returns_to(ref.other, m.n, work, t)))) {
+      t.end = TrialEnd::trivial;
+      return KV_OK;
+    }
+    if (k >= 1 && ref.known != nullptr && spread(t.w, ref.known, m.n) < kKnownComposition) {
+      t.end = TrialEnd::trivial;
+      return KV_OK;
+    }
+    const bool certain = k >= 1 && ((t.tm > kSafePositive && t.tm > kSafeFactor * t.gradient2) ||
+                                    (t.tm < kClearlyNegative && t.gradient2 < kClearGradient));
+    if (t.gradient2 <= (tight ? kFinished : kConverged) || (certain && !tight)) {
+      t.end = TrialEnd::stationary;
+      return KV_OK;
+    }
+    before = t.tm;
+    stepped = second && second_order(m, work, t);
+    if (stepped) {
+      take_step(m.n, factor, work, t);
+    } else {
+      for (int i = 0; i < m.n; ++i) t.log_w[i] -= work.r[i];
+    }
+  }
+  t.end = TrialEnd::stationary;  // slow, but the last distance is a bound from above
+  return KV_OK;
+}
+
+StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& t) {
+  t.Z = 0.0;
+  if (m.built_in()) {
+    ++m.counts.fugacities;
+    const double* s = nullptr;
+    const eos::Mixture pure = eos::mix_pure(m.t, j, &s);
+    const double rt = eos::kR * m.T;
+    const double A = pure.a * m.P / (rt * rt), B = pure.b * m.P / rt;
+    double zg = 0.0, zl = 0.0;
+    const int status = eos::solve_root(m.bracub, A, B, KV_PHASE_GAS, false, zg);
+    if (status > 50) return status;
+    eos::Root r, other;
+    eos::reduce(m.t, pure, m.P, zg, r);
+    if (status == 0 && eos::may_have_three_roots(A, B) &&
+        eos::solve_root(m.bracub, A, B, KV_PHASE_LIQUID, false, zl) == 0) {
+      eos::reduce(m.t, pure, m.P, zl, other);
+      if (eos::residual_gibbs(pure, other) < eos::residual_gibbs(pure, r)) r = other;
+    }
+    t.Z = r.Z;
+    eos::ln_phi(m.t, pure, r, s, t.ln_phi);
+  } else {
+    for (int i = 0; i < m.ld; ++i) t.w[i] = i == j ? 1.0 : 0.0;
+    const StatusCode status = fugacity(m, t.w, Kind::stable, t.ln_phi, nullptr, t.Z);
+    if (status != KV_OK) return status;
+  }
+  for (int i = 0; i < m.n; ++i) t.log_w[i] = ref.d[i] - t.ln_phi[i];
+  return KV_OK;
+}
+
+}  // namespace kestrune::flash

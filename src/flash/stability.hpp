@@ -1,0 +1,68 @@
+// Michelsen's tangent-plane test: is a phase of composition z stable, and if not, what splits off it first.
+#ifndef KESTRUNE_FLASH_STABILITY_HPP
+#define KESTRUNE_FLASH_STABILITY_HPP
+
+#include "flash/fugacity.hpp"
+
+namespace kestrune::flash {
+
+/*
+ * The reference of a test: the phase whose tangent plane is looked at. d_i = ln z_i + ln phi_i(z), [ld]; a
+ * component that is absent counts as a trace of 1e-308. other is a second phase that touches the same plane (that
+ * of a two-phase answer), null without one: a trial that runs into it is trivial as well. known is the composition
+ * of a stationary point of positive distance that was found before, or null: a trial that comes close to it would
+ * only find it again.
+ */
+struct Reference {
+  const double* z = nullptr;      // [ld]
+  const double* d = nullptr;      // [ld]
+  const double* other = nullptr;  // [ld]
+  const double* known = nullptr;  // [ld]
+};
+
+// How a trial ended.
+enum class TrialEnd {
+  stationary,  // at a stationary point away from the reference (or on a sure way to one)
+  trivial,     // on the way back to the reference
+  failed       // fugacity routine, or no convergence
+};
+
+/*
+ * A trial phase: the unnormalised amounts W of the modified distance tm = 1 + sum W (ln W + ln phi(W) - d - 1),
+ * whose stationary value 1 - sum W is negative exactly when the plane is cut.
+ */
+struct Trial {
+  double* log_w = nullptr;   // [ld] ln W
+  double* w = nullptr;       // [ld] composition W/sum W
+  double* ln_phi = nullptr;  // [ld] of w
+  double tm = 0.0;           // modified tangent-plane distance
+  double sum = 0.0;          // sum of W
+  double gradient2 = 0.0;    // sum of W r^2
+  double Z = 0.0;
+  TrialEnd end = TrialEnd::failed;
+};
+
+// Distances below this are instability, not rounding.
+inline constexpr double kUnstable = -1e-10;
+
+// Work of a trial: vectors and one matrix.
+struct TrialWork {
+  double *r, *root, *step, *old_root;  // [ld]
+  double *dn, *hessian;                // [ld * n]
+};
+
+/*
+ * Follows a trial from trial.log_w: successive substitution, then second-order steps in 2 sqrt(W). Stops early
+ * where the end is certain, unless tight. kind as for fugacity(). Returns the status of the fugacity routine.
+ */
+StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, bool tight, const TrialWork& work, Trial& trial);
+
+/*
+ * First substitution from the pure component j: fills trial.log_w, and Z of the pure phase. log_w[j] is then the
+ * logarithm of the activity of j, which decides whether the trial is worth following.
+ */
+StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& trial);
+
+}  // namespace kestrune::flash
+
+#endif

@@ -1,0 +1,270 @@
+// [Mic82b] M. L. Michelsen, Fluid Phase Equilib. 9 (1982) 21-40: successive substitution and second-order
+// minimisation of the Gibbs energy in the split.
+
+#include "flash/two_phase.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "flash/rachford_rice.hpp"
+#include "support/ldl.hpp"
+#include "support/mathkernels.hpp"
+
+namespace kestrune::flash {
+namespace {
+
+constexpr int kPassesAfterSwitch = 50;
+constexpr int kDecreasesBeforeSwitch = 3;
+constexpr double kSlowest = 0.999, kFastest = 0.001;  // reduction factors that a line fit is believed for
+constexpr double kSmallestRelaxation = 0.1;
+// The answer owed: ln fugacities equal to this. A Newton step squares what is left.
+constexpr double kFinished = 1e-10, kOneStepAway = 3e-6;
+constexpr int kPolishSteps = 12;
+constexpr double kSmallestPivot = 1e-14;
+constexpr double kLargestNewtonStep = 5.0;  // in ln K
+constexpr int kStepCuts = 12;               // until both phases are there
+constexpr double kTrivialLogK2 = 1e-11;  // sum of z (ln K)^2 of two phases that are one
+
+// What the rules of the global method remember.
+struct Progress {
+  double errors[3] = {1e300, 1e300, 1e300};  // the last three, latest last
+  int decreases = 0;
+  double relaxation;
+  bool linearised = false;  // quasi-linearisation
+  bool damped = false;      // the error rose: the next step of the global method is a damped one
+  int limit;                // ITEMAX in force
+};
+
+// Fugacities of both phases, residuals and Gibbs energy.
+StatusCode evaluate_phases(Model& m, const TwoPhaseWork& work, bool derivatives, Iterate& it) {
+  StatusCode status = fugacity(m, it.x, it.kind_x, it.ln_phi_x, derivatives ? work.dx : nullptr, it.Zx);
+  if (status != KV_OK) return status;
+  status = fugacity(m, it.y, it.kind_y, it.ln_phi_y, derivatives ? work.dy : nullptr, it.Zy);
+  if (status != KV_OK) return status;
+  double error = 0.0, worst = 0.0, gx = 0.0, gy = 0.0;
+  for (int i = 0; i < m.ld; ++i) it.log_x[i] = support::fast_log(it.x[i]);
+  for (int i = 0; i < m.n; ++i) {
+    const double d = std::clamp(it.ln_phi_x[i] - it.ln_phi_y[i], -kLargestLogK, kLargestLogK);
+    it.r[i] = d - it.log_k[i];
+    const double r = it.z[i] > 0.0 ? it.r[i] : 0.0;
+    error += r * r;
+    worst = std::max(worst, std::fabs(r));
+    gx += it.x[i] * (it.log_x[i] + it.ln_phi_x[i]);
+    gy += it.y[i] * (it.log_x[i] + it.log_k[i] + it.ln_phi_y[i]);
+  }
+  it.error = error;
+  it.worst = worst;
+  it.gibbs = it.liquid * gx + it.beta * gy;
+  return KV_OK;
+}
+
+// The base-10 logarithms of the last three errors against their numbers: is the way to CRIT too long?
+bool wants_to_switch(const Settings& s, const Progress& p) {
+  const double number[3] = {1.0, 2.0, 3.0};
+  double logs[3];
+  for (int k = 0; k < 3; ++k) logs[k] = std::log10(std::max(p.errors[k], 1e-300));
+  double slope = 0.0, intercept = 0.0, correlation = 0.0;
+  const std::int32_t three = 3;
+  std::int32_t status = 0;
+  frame::tools::REGLIN(&three, number, logs, &slope, &intercept, &correlation, &status);
+  const double factor = std::pow(10.0, slope);
+  if (!(factor >= kFastest && factor <= kSlowest)) return true;
+  return (std::log10(s.CRIT) - logs[2]) / slope > s.global_budget;
+}
+
+void switch_method(Progress& p, int pass) {
+  p.linearised = true;
+  p.relaxation = 1.0;
+  p.limit = pass + kPassesAfterSwitch;
+}
+
+// Rules of the global method for the working relaxation factor and the change of method. False: stop here.
+bool follow_rules(const Settings& s, Progress& p, double error, int pass) {
+  const double previous = p.errors[2];
+  p.errors[0] = p.errors[1];
+  p.errors[1] = previous;
+  p.errors[2] = error;
+  if (p.linearised) return true;
+  if (std::fabs(1.0 - error / previous) < s.EPS && p.relaxation < 1.0) {
+    if (s.relaxation == 1.0) return false;
+    if (s.robust && error < s.CLIM) {
+      switch_method(p, pass);
+      return true;
+    }
+  }
+  p.damped = error >= previous;
+  if (p.damped) {
+    p.relaxation = std::max(0.5 * p.relaxation, std::min(kSmallestRelaxation, s.relaxation));
+    return true;
+  }
+  p.relaxation = std::min(1.5 * p.relaxation, s.relaxation);
+  ++p.decreases;
+  if (p.decreases >= kDecreasesBeforeSwitch && error <= s.CLIM && p.errors[0] < 1e299 && wants_to_switch(s, p))
+    switch_method(p, pass);
+  return true;
+}
+
+// Successive substitution with the working relaxation factor.
+void substitute(const Model& m, double relaxation, Iterate& it) {
+  for (int i = 0; i < m.n; ++i)
+    it.log_k[i] = std::clamp(it.log_k[i] + relaxation * it.r[i], -kLargestLogK, kLargestLogK);
+  for (int i = 0; i < m.ld; ++i) it.k[i] = support::fast_exp(it.log_k[i]);
+}
+
+// The Newton system on (ln K, beta), reduced to the vapour amounts v_i = beta y_i: with beta liquid = VL
+//   S = D [diag(z/(x y)) - 1 + L M_y + V M_x] D,  D_i = sqrt(x_i y_i/z_i),  S u = VL D r,  dv = D u.
+// S is symmetric positive definite next to a minimum of the Gibbs energy.
+void newton_matrix(const Model& m, const TwoPhaseWork& work, double shift, Iterate& it) {
+  const int n = m.n, ld = m.ld;
+  const double L = it.liquid, V = it.beta;
+  for (int j = 0; j < n; ++j) {
+    const double* __restrict dx = work.dx + static_cast<std::size_t>(j) * ld;
+    const double* __restrict dy = work.dy + static_cast<std::size_t>(j) * ld;
+    double* __restrict a = work.system + static_cast<std::size_t>(j) * ld;
+    const double sj = work.scale[j];
+    for (int i = m.free_water ? 0 : j & ~1; i < ld; ++i)
+      a[i] = sj * work.scale[i] * (L * dy[i] + V * dx[i] - 1.0);
+    a[j] += 1.0 + shift;
+  }
+}
+
+// Newton direction; where S is not positive definite it is shifted until it is, which still goes downhill.
+bool newton_direction(Model& m, const TwoPhaseWork& work, Iterate& it) {
+  const int n = m.n, ld = m.ld;
+  for (int i = 0; i < ld; ++i)
+    work.scale[i] = i < n && it.z[i] > 0.0 ? std::sqrt(it.x[i] * it.y[i] / it.z[i]) : 0.0;
+  for (int i = 0; i < ld; ++i) work.step[i] = it.beta * it.liquid * work.scale[i] * it.r[i];
+  if (m.free_water) {
+    // The free-water rules are no derivatives of one Gibbs energy: a general matrix.
+    newton_matrix(m, work, 0.0, it);
+    ++m.counts.factorisations;
+    const std::int32_t order = n, lead = ld;
+    std::int32_t status = 0;
+    frame::tools::MRSL01(&order, &lead, work.system, work.step, &status);
+    if (status != 0) return false;
+  } else {
+    double shift = 0.0;
+    for (;;) {
+      newton_matrix(m, work, shift, it);
+      ++m.counts.factorisations;
+      if (support::ldl_factor(n, ld, work.system, kSmallestPivot)) break;
+      shift = shift > 0.0 ? 8.0 * shift : 1e-4;
+      if (shift > 100.0) return false;
+    }
+    support::ldl_solve(n, ld, work.system, work.step);
+  }
+  // From the amounts to ln K = ln v_i - ln l_i - ln V + ln L; an absent component follows by substitution.
+  double dV = 0.0;
+  for (int i = 0; i < n; ++i) dV += work.scale[i] * work.step[i];
+  const double common = dV / (it.beta * it.liquid);
+  for (int i = 0; i < n; ++i) {
+    const double dv = work.step[i] / work.scale[i];  // dv_i z_i/(x_i y_i)
+    work.step[i] = work.scale[i] > 0.0 ? dv / (it.beta * it.liquid) - common : it.r[i];
+    work.old_log_k[i] = it.log_k[i];
+  }
+  return true;
+}
+
+// ln K = old + factor * step and the split that follows; the factor is cut until both phases are there.
+bool take_newton_step(const Model& m, double factor, const TwoPhaseWork& work, Iterate& it) {
+  double largest = 0.0;
+  for (int i = 0; i < m.n; ++i)
+    if (it.z[i] > 0.0) largest = std::max(largest, std::fabs(work.step[i]));
+  if (factor * largest > kLargestNewtonStep) factor = kLargestNewtonStep / largest;
+  for (int k = 0; k < kStepCuts; ++k, factor *= 0.3) {
+    for (int i = 0; i < m.n; ++i)
+      it.log_k[i] = std::clamp(work.old_log_k[i] + factor * work.step[i], -kLargestLogK, kLargestLogK);
+    for (int i = 0; i < m.ld; ++i) it.k[i] = support::fast_exp(it.log_k[i]);
+    if (split_feed(m, it)) return true;
+  }
+  return false;
+}
+
+bool phases_are_one(const Model& m, const Iterate& it) {
+  double sum = 0.0;
+  for (int i = 0; i < m.n; ++i) sum += it.z[i] * it.log_k[i] * it.log_k[i];
+  return sum < kTrivialLogK2;
+}
+
+void trace_pass(support::TraceWriter& trace, const Progress& p, const Iterate& it) {
+  if (!trace) return;
+  trace.text(p.linearised ? "METHODE = QUASI-LINEARISATION" : "METHODE = GLOBALE");
+  trace.real("FACTEUR DE RELAXATION :", p.relaxation);
+  trace.integer("ITERATION :", it.count);
+  trace.real("CRITERE :", it.error);
+}
+
+}  // namespace
+
+bool split_feed(const Model& m, Iterate& it) {
+  const PhaseFraction f = rachford_rice(m.n, it.z, it.k, it.beta);
+  if (f.kind != Split::two_phase) {
+    it.beta = f.beta;
+    it.liquid = f.liquid;
+    return false;
+  }
+  it.beta = f.beta;
+  it.liquid = f.liquid;
+  // From the side of the smaller fraction: no difference of near-equal numbers.
+  if (f.beta <= 0.5) {
+    for (int i = 0; i < m.n; ++i) it.x[i] = it.z[i] / (1.0 + f.beta * (it.k[i] - 1.0));
+    for (int i = 0; i < m.n; ++i) it.y[i] = it.k[i] * it.x[i];
+  } else {
+    for (int i = 0; i < m.n; ++i) it.x[i] = it.z[i] / (it.k[i] + f.liquid * (1.0 - it.k[i]));
+    for (int i = 0; i < m.n; ++i) it.y[i] = it.k[i] * it.x[i];
+  }
+  return true;
+}
+
+Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPlan& plan,
+                           support::TraceWriter& trace, const TwoPhaseWork& work, Iterate& it, StatusCode& status) {
+  Progress p;
+  p.relaxation = settings.relaxation;
+  p.limit = settings.ITEMAX;
+  for (int i = 0; i < m.ld; ++i) it.k[i] = support::fast_exp(it.log_k[i]);
+  for (int i = m.n; i < m.ld; ++i) it.x[i] = it.y[i] = it.log_k[i] = it.r[i] = 0.0;
+  it.Zx = it.Zy = 0.0;
+  it.count = 0;
+  if (!split_feed(m, it)) return Outcome::one_phase;
+  bool newton_taken = false, accepted = false;
+  double before = 0.0, factor = 1.0;
+  int polish = 0, failures = 0;
+  for (;;) {
+    ++it.count;
+    ++m.counts.iterations;
+    if (it.count > p.limit && !accepted) return Outcome::exhausted;
+    const bool derivatives = p.linearised || p.damped || accepted;
+    status = evaluate_phases(m, work, derivatives, it);
+    if (status != KV_OK) return Outcome::routine;
+    if (!accepted) trace_pass(trace, p, it);
+    // A Newton step that raised the Gibbs energy is cut in half from where it began.
+    if (newton_taken && !m.free_water && it.gibbs > before + 1e-11 * (1.0 + std::fabs(before)) && factor > 1e-4) {
+      factor *= 0.25;
+      if (!take_newton_step(m, factor, work, it)) return Outcome::one_phase;
+      continue;
+    }
+    if (!accepted && it.error <= settings.CRIT && it.count >= 2) accepted = true;
+    if (accepted && (it.worst <= kFinished || ++polish > kPolishSteps)) return Outcome::converged;
+    if (it.count >= 2 && phases_are_one(m, it)) return Outcome::trivial;
+    if (plan.compare_with_feed && !accepted && it.count == kDecreasesBeforeSwitch &&
+        !(it.gibbs < plan.feed_gibbs - 1e-10))
+      return Outcome::not_better;
+    if (!accepted && !follow_rules(settings, p, it.error, it.count)) return Outcome::broke_down;
+    newton_taken = false;
+    if (derivatives && newton_direction(m, work, it)) {
+      const bool last = accepted && it.worst < kOneStepAway;
+      before = it.gibbs;
+      factor = 1.0;
+      if (!take_newton_step(m, 1.0, work, it)) return Outcome::one_phase;
+      // One Newton step from here is beyond the precision owed: no evaluation is spent on seeing it.
+      if (last) return Outcome::converged;
+      newton_taken = true;
+      continue;
+    }
+    if (derivatives && ++failures > 200) return Outcome::broke_down;
+    substitute(m, derivatives ? 1.0 : p.relaxation, it);
+    if (!split_feed(m, it)) return Outcome::one_phase;
+  }
+}
+
+}  // namespace kestrune::flash

@@ -1,0 +1,183 @@
+// Judgement with free water: water's fugacity in a liquid is Psat x_w / s below the solubility limit s and Psat
+// at and above it; the equation of state rules in the vapour and for all other components. These rules are not
+// a Gibbs energy, so a missing phase is looked for by fixed points of the trial composition (sum above one).
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "judge.hpp"
+
+namespace kestrune::sweep {
+namespace {
+
+constexpr double critical_pressure_of_water = 217.754750;  // atm; above it a retry goes without free water
+
+struct Water {
+  const Question& question;
+  const Parameters<double> par;
+  int n, iw = -1;
+  double psat, s;
+
+  explicit Water(const Question& q)
+      : question(q),
+        par(parameters_at<double>(*q.components, q.T)),
+        n(q.components->n),
+        psat(water_vapour_pressure(q.T)),
+        s(water_solubility(q.solubility_a, q.solubility_b, q.T)) {
+    for (int i = 0; i < n; ++i) {
+      if (q.components->family[i] == 20.0) iw = i;
+    }
+  }
+
+  // ln(f_i / P) in a vapour.
+  Composition vapour(const Composition& y) const {
+    Phase<double> phase;
+    evaluate(par, question.P, y.data(), Root::largest, false, phase);
+    Composition ln_f(n);
+    for (int i = 0; i < n; ++i) ln_f[i] = std::log(y[i]) + phase.ln_phi[i];
+    return ln_f;
+  }
+
+  // ln(f_i / P) in a liquid, free water above the limit included.
+  Composition liquid(const Composition& x) const {
+    Composition part = x;
+    if (x[iw] >= s) {
+      for (int i = 0; i < n; ++i) part[i] = i == iw ? s : x[i] * (1 - s) / (1 - x[iw]);
+    }
+    Phase<double> phase;
+    evaluate(par, question.P, part.data(), Root::smallest, false, phase);
+    Composition ln_f(n);
+    for (int i = 0; i < n; ++i) ln_f[i] = std::log(part[i]) + phase.ln_phi[i];
+    ln_f[iw] = std::log(psat / question.P * std::min(1.0, x[iw] / s));
+    return ln_f;
+  }
+};
+
+// Successive substitution on a trial phase with ln(f_i / P) = d_i; true when it settles on a phase that is not
+// one of the known ones and whose unnormalised fractions sum to more than one: that phase is missing.
+bool phase_missing(const Water& water, const Composition& d, Composition w, bool trial_is_liquid,
+                   const std::vector<Composition>& known) {
+  Phase<double> phase;
+  double total = 1;
+  Composition next(water.n);
+  for (int k = 0; k < 300; ++k) {
+    evaluate(water.par, water.question.P, w.data(), trial_is_liquid ? Root::smallest : Root::largest, false,
+             phase);
+    total = 0;
+    for (int i = 0; i < water.n; ++i) {
+      next[i] = std::exp(std::clamp(d[i] - phase.ln_phi[i], -300.0, 300.0));
+      if (i == water.iw && trial_is_liquid) next[i] = std::exp(d[i]) * water.question.P / water.psat * water.s;
+      total += next[i];
+    }
+    double change = 0;
+    for (int i = 0; i < water.n; ++i) {
+      change = std::max(change, std::abs(next[i] / total - w[i]));
+      w[i] = next[i] / total;
+    }
+    if (change < 1e-12) break;
+    if (k == 299) return false;
+  }
+  // The equation of state lets a liquid hold another amount of water than the rules do: a trial counts only as
+  // what it was tried for, a liquid below and a vapour above the pseudo-critical volume.
+  const double volume_ratio = phase.Z * 82.057 * water.par.T / (water.question.P * phase.b);
+  if ((volume_ratio > vapour_volume_ratio) == trial_is_liquid) return false;
+  for (const Composition& base : known) {  // the same hydrocarbons as a phase that is already there
+    double distance = 0;
+    for (int i = 0; i < water.n; ++i) {
+      if (i != water.iw)
+        distance = std::max(distance, std::abs(w[i] / (1 - w[water.iw]) - base[i] / (1 - base[water.iw])));
+    }
+    if (distance < 1e-3) return false;
+  }
+  return total > 1 + fugacity_tolerance;
+}
+
+std::string message(const char* format, double value) {
+  char buffer[120];
+  std::snprintf(buffer, sizeof buffer, format, value);
+  return buffer;
+}
+
+// Trials of both kinds from Wilson's guesses and from the near-pure heaviest and lightest components.
+std::string missing_phase(const Water& water, const Composition& d, const std::vector<Composition>& known) {
+  const Components& c = *water.question.components;
+  std::vector<Composition> starts;
+  for (double sign : {1.0, -1.0}) {
+    Composition w(water.n);
+    double total = 0;
+    for (int i = 0; i < water.n; ++i) {
+      const double e = 5.37 * (1 + c.omega[i]) * (1 - c.tc[i] / water.question.T);
+      const double ln_k = std::log(c.pc[i] / water.question.P) + e;
+      total += w[i] = i == water.iw ? 1e-9 : water.question.z[i] * std::exp(sign * ln_k);
+    }
+    for (double& v : w) v /= total;
+    starts.push_back(w);
+  }
+  for (int k = 0; k < water.n; ++k) {
+    if (k == water.iw) continue;
+    Composition w(water.n);
+    for (int i = 0; i < water.n; ++i) w[i] = i == k ? 0.999 : 0.001 / (water.n - 1);
+    starts.push_back(w);
+  }
+  for (const Composition& start : starts) {
+    if (phase_missing(water, d, start, true, known)) return "a liquid is missing";
+    if (phase_missing(water, d, start, false, known)) return "a vapour is missing";
+  }
+  return {};
+}
+
+void judge_rules(const Question& question, const Answer& answer, Verdict& verdict) {
+  const Water water(question);
+  const int n = water.n;
+  std::vector<Composition> known;
+  Composition d(n);
+  const bool has_liquid = answer.beta<1, has_vapour = answer.beta> 0;
+  const bool water_rich = has_liquid && answer.x[water.iw] > 0.9999;
+  const Composition liquid = has_liquid ? water.liquid(answer.x) : Composition(n);
+  const Composition vapour = has_vapour ? water.vapour(answer.y) : Composition(n);
+  for (int i = 0; i < n && has_liquid && has_vapour; ++i) {
+    if (water_rich && i != water.iw) continue;  // what a water-rich phase dissolves is left open
+    if (question.z[i] == 0) continue;
+    const double true_ln_k = liquid[i] - vapour[i] + std::log(answer.y[i] / answer.x[i]);
+    const double bound = 34.538776394910684;
+    const double K = answer.y[i] / answer.x[i];
+    if ((K < 1.000001e-15 && true_ln_k < -bound + 1e-6) || (K > 0.999999e15 && true_ln_k > bound - 1e-6)) {
+      ++verdict.clamped;
+      continue;
+    }
+    verdict.fugacity = std::max(verdict.fugacity, std::abs(liquid[i] - vapour[i]));
+  }
+  if (!(verdict.fugacity <= fugacity_tolerance)) {
+    verdict.reason = message("fugacities differ by %.3g in ln f (free water)", verdict.fugacity);
+    return;
+  }
+  if (has_vapour) {
+    const double excess = vapour[water.iw] + std::log(question.P / water.psat);
+    if (excess > fugacity_tolerance) {
+      verdict.reason = message("the vapour is supersaturated with water by %.3g", excess);
+      return;
+    }
+    known.push_back(answer.y);
+  }
+  if (has_liquid && !water_rich) known.push_back(answer.x);
+  d = has_vapour && (water_rich || answer.beta > 0.5) ? vapour : liquid;
+  if (has_vapour || !water_rich) verdict.reason = missing_phase(water, d, known);
+  if (verdict.reason.empty())
+    verdict.outcome = has_liquid && has_vapour ? Outcome::two_phase : Outcome::single_phase;
+}
+
+}  // namespace
+
+Verdict judge_free_water(const Question& question, const Answer& answer) {
+  Verdict verdict;
+  verdict.reason = check_balance(question, answer, verdict.balance);
+  if (!verdict.reason.empty()) return verdict;
+  judge_rules(question, answer, verdict);
+  if (verdict.outcome == Outcome::wrong && question.P > critical_pressure_of_water) {
+    const Verdict without = judge_equation_of_state(question, answer);
+    if (without.outcome != Outcome::wrong) return without;
+  }
+  return verdict;
+}
+
+}  // namespace kestrune::sweep

@@ -1,0 +1,77 @@
+#include "library.hpp"
+
+#include <dlfcn.h>
+
+#include <filesystem>
+#include <stdexcept>
+
+namespace kestrune::sweep {
+namespace {
+
+template <class Function>
+void resolve(void* handle, const char* name, Function& function) {
+  function = reinterpret_cast<Function>(dlsym(handle, name));
+  if (!function) throw std::runtime_error(std::string("the library does not export ") + name);
+}
+
+}  // namespace
+
+Library::Library(const std::string& file) {
+  const auto own = std::filesystem::read_symlink("/proc/self/exe").parent_path() / "libKVGasThermo.so";
+  const std::string path = file.empty() ? own.string() : file;
+  void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (!handle) throw std::runtime_error(dlerror());
+  resolve(handle, "FlashLVatTP", flash_);
+  resolve(handle, "ConvertPPR78GroupData", convert_);
+}
+
+void Library::prepare(const Feed& feed, const Components& c) {
+  const size_t n = c.n, groups = c.groups;
+  table_.assign(n * KV_TABLE_COLUMNS, 0.0);
+  for (size_t i = 0; i < n; ++i) {
+    const auto set = [&](int column, double value) { table_[(column - 1) * n + i] = value; };
+    set(KV_COL_MOLAR_MASS, c.mass[i]);
+    set(KV_COL_TC, c.tc[i]);
+    set(KV_COL_PC, c.pc[i]);
+    set(KV_COL_OMEGA, c.omega[i]);
+    set(KV_COL_FAMILY, c.family[i]);
+    set(KV_COL_CAS, c.cas[i]);
+  }
+  const size_t sizes[5] = {groups * groups, groups * groups, n * groups, groups * groups, groups * n * n};
+  double* storage[6] = {};
+  for (int k = 0; k < 5; ++k) {
+    buffers_[k].assign(sizes[k], 0.0);
+    storage[k + 1] = buffers_[k].data();
+  }
+  convert_(c.n, c.groups, c.counts.data(), c.A.data(), c.B.data(), storage);
+  record_ = MixtureRecord{};
+  record_.count = c.n;
+  record_.table = table_.data();
+  record_.flags = feed.free_water ? FreeWaterFlag : 0;
+  record_.solubility_a = feed.solubility_a;
+  record_.solubility_b = feed.solubility_b;
+  record_.CRIT = KV_DEFAULT_CRIT;
+  record_.CLIM = KV_DEFAULT_CLIM;
+  record_.EPS = KV_DEFAULT_EPS;
+  record_.ITEMAX = KV_DEFAULT_ITEMAX;
+  record_.NEW = KV_DEFAULT_NEW;
+  record_.relaxation = KV_DEFAULT_RELAXATION;
+  record_.pure_tolerance = KV_DEFAULT_PURE_TOLERANCE;
+  record_.sum_tolerance = KV_DEFAULT_SUM_TOLERANCE;
+}
+
+Answer Library::flash(const Feed& feed, double T, double P, const Answer* warm) {
+  const std::lock_guard<std::mutex> lock(one_caller_);
+  Answer answer;
+  if (warm) answer = *warm;
+  answer.x.resize(feed.z.size());
+  answer.y.resize(feed.z.size());
+  answer.K.resize(feed.z.size());
+  const uint8_t flags = record_.flags;
+  answer.status = flash_(T, P, feed.z.data(), &record_, nullptr, warm ? 0 : 1, &answer.beta, answer.x.data(),
+                         answer.y.data(), answer.K.data());
+  if (record_.flags != flags) throw std::runtime_error("the flags byte of the record was not put back");
+  return answer;
+}
+
+}  // namespace kestrune::sweep
