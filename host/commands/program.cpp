@@ -1,0 +1,86 @@
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <exception>
+
+#include "commands/session.hpp"
+#include "error.hpp"
+#include "text.hpp"
+
+namespace kestrune::host {
+
+namespace {
+
+// "-T 25 C" is one condition: a unit that stands alone after a value is joined to it.
+std::vector<std::string> with_units_joined(const std::vector<std::string>& arguments) {
+  std::vector<std::string> result;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    result.push_back(arguments[i]);
+    const std::string& option = arguments[i];
+    const bool temperature = option == "-T" || option == "--temperature";
+    const bool pressure = option == "-P" || option == "--pressure";
+    if ((!temperature && !pressure) || i + 1 >= arguments.size()) continue;
+    result.push_back(arguments[++i]);
+    const Quantity quantity = temperature ? Quantity::temperature : Quantity::pressure;
+    if (i + 1 < arguments.size() && is_unit(quantity, arguments[i + 1])) result.back() += " " + arguments[++i];
+  }
+  return result;
+}
+
+// The first argument that is no option must be a command.
+void check_command(const CLI::App& app, const std::vector<std::string>& arguments) {
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    if (arguments[i] == "--library")
+      ++i;
+    else if (!arguments[i].empty() && arguments[i].front() != '-') {
+      std::vector<std::string> names;
+      for (const CLI::App* command : app.get_subcommands({})) names.push_back(command->get_name());
+      if (std::find(names.begin(), names.end(), arguments[i]) != names.end()) return;
+      throw InputError(fmt::format("unknown command \"{}\": use {}", arguments[i], joined(names, ", ")));
+    }
+  }
+}
+
+std::string version_text() {
+  return fmt::format("kestrune {} ({}-bit)", KESTRUNE_VERSION, 8 * sizeof(void*));
+}
+
+int parse(CLI::App& app, Session& session, std::vector<std::string> arguments) {
+  try {
+    std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back
+    app.parse(std::move(arguments));
+    return session.exit_code;
+  } catch (const CLI::ParseError& e) {
+    return app.exit(e, session.out, session.err) == 0 ? exit_good : exit_input;
+  }
+}
+
+}  // namespace
+
+int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err) {
+  Session session{out, err};
+  try {
+    CLI::App app{
+        "Phase behaviour of natural gas with PPR78.\n"
+        "Exit codes: 0 good, 1 a calculation ended with a status, 2 wrong input.",
+        "kestrune"};
+    app.set_version_flag("--version", version_text());
+    app.add_option("--library", session.library_path,
+                   "Calculation library to use (default: the one beside the program)");
+    app.require_subcommand(1);
+    app.fallthrough();
+    add_flash_command(app, session);
+    add_components_command(app, session);
+    add_kij_command(app, session);
+    check_command(app, arguments);
+    return parse(app, session, with_units_joined(arguments));
+  } catch (const InputError& e) {
+    err << "kestrune: " << e.what() << '\n';
+  } catch (const std::exception& e) {
+    err << "kestrune: unexpected failure: " << e.what() << '\n';
+  }
+  return exit_input;
+}
+
+}  // namespace kestrune::host

@@ -1,0 +1,78 @@
+// The program: one run, its streams, its options in common, and the list of commands.
+#pragma once
+
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "library.hpp"
+#include "mixture.hpp"
+#include "units.hpp"
+
+namespace CLI {
+class App;
+}
+
+namespace kestrune::host {
+
+enum ExitCode { exit_good = 0, exit_status = 1, exit_input = 2 };
+
+struct Session {
+  std::ostream& out;
+  std::ostream& err;
+  std::string library_path = default_library_path();
+  int exit_code = exit_good;  // a command sets exit_status when a calculation ended with a status
+
+  Exports library() const { return load_library(library_path); }
+};
+
+// Runs the program on its arguments (without the program name); returns its exit code. Nothing is thrown.
+int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err);
+
+// Each command adds itself to the program; its work is done while the arguments are parsed.
+void add_flash_command(CLI::App& app, Session& session);
+void add_components_command(CLI::App& app, Session& session);
+void add_kij_command(CLI::App& app, Session& session);
+
+// ---- Options that several commands share ---------------------------------------------------------
+
+// -m, --z, --basis, --set: which mixture.
+struct MixtureOptions {
+  std::string file, inline_text, basis, set = "2022";
+
+  void add_to(CLI::App& command);
+  Composition composition() const;
+  Mixture build() const;
+};
+
+// --allow-missing-pairs: refuses or accepts what has no published parameters.
+struct MissingPairOptions {
+  bool allowed = false;
+
+  void add_to(CLI::App& command);
+  void check(const Mixture& mixture) const;
+};
+
+// --free-water, --solubility, --settings, --trace: what goes into the MixtureRecord.
+struct RecordOptions {
+  bool free_water = false;
+  std::string solubility, settings;
+  bool trace = false;
+
+  void add_to(CLI::App& command);
+  void apply(Mixture& mixture) const;
+};
+
+// --format, --units.
+struct OutputOptions {
+  std::string format = "table", units = "engineering";
+
+  void add_to(CLI::App& command);
+  UnitSystem system() const { return unit_system(units); }
+};
+
+// Remarks on a mixture that a reader of its results must know, one sentence each.
+std::vector<std::string> remarks(const Mixture& mixture);
+
+}  // namespace kestrune::host

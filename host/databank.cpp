@@ -1,0 +1,134 @@
+#include "databank.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "error.hpp"
+#include "text.hpp"
+
+namespace kestrune::host {
+
+namespace {
+
+void add_once(std::vector<const Component*>& list, const Component* component) {
+  if (std::find(list.begin(), list.end(), component) == list.end()) list.push_back(component);
+}
+
+// Every key of a component but its formula.
+std::vector<std::string> name_keys(const Component& c) {
+  std::vector<std::string> keys{search_key(c.id), search_key(c.name), search_key(c.cas)};
+  for (const std::string_view alias : aliases_of(c)) keys.push_back(search_key(alias));
+  return keys;
+}
+
+std::vector<const Component*> exact_matches(const std::string& key) {
+  std::vector<const Component*> found;
+  for (const Component& c : all_components()) {
+    const auto keys = name_keys(c);
+    if (std::find(keys.begin(), keys.end(), key) != keys.end()) add_once(found, &c);
+  }
+  if (!found.empty()) return found;
+  for (const Component& c : all_components()) {
+    if (search_key(c.formula) == key) add_once(found, &c);
+  }
+  return found;
+}
+
+}  // namespace
+
+std::span<const Component> all_components() {
+  return tables::components();
+}
+
+std::vector<std::string_view> aliases_of(const Component& component) {
+  std::vector<std::string_view> names;
+  for (const Alias& a : tables::aliases()) {
+    if (a.component == component.number - 1) names.push_back(a.alias);
+  }
+  return names;
+}
+
+const Component& find_component(std::string_view name) {
+  const std::string key = search_key(name);
+  const auto found = key.empty() ? std::vector<const Component*>{} : exact_matches(key);
+  if (found.size() == 1) return *found.front();
+  const std::string shown(trimmed(name));
+  if (found.empty()) {
+    const auto near = similar_names(name);
+    throw InputError(fmt::format("unknown component \"{}\"{}; 'kestrune components' lists all {}", shown,
+                                 near.empty() ? "" : ", did you mean " + joined(near, ", ") + "?",
+                                 all_components().size()));
+  }
+  std::vector<std::string> names;
+  for (const Component* c : found) names.emplace_back(c->name);
+  throw InputError(fmt::format("\"{}\" is ambiguous: it may be {}", shown, joined(names, " or ")));
+}
+
+std::vector<const Component*> search_components(std::string_view text) {
+  const std::string key = search_key(text);
+  std::vector<const Component*> found;
+  for (const Component& c : all_components()) {
+    auto keys = name_keys(c);
+    keys.push_back(search_key(c.formula));
+    if (std::any_of(keys.begin(), keys.end(),
+                    [&](const std::string& k) { return k.find(key) != std::string::npos; })) {
+      found.push_back(&c);
+    }
+  }
+  return found;
+}
+
+std::vector<std::string> similar_names(std::string_view text) {
+  const std::string key = search_key(text);
+  const int limit = key.size() <= 3 ? 1 : std::max(2, static_cast<int>(key.size()) / 3);
+  std::vector<std::pair<int, const Component*>> near;
+  for (const Component& c : all_components()) {
+    int best = limit + 1;
+    for (const std::string& k : name_keys(c)) {
+      best = std::min(best, edit_distance(key, k));
+      if (key.size() >= 4 && k.find(key) != std::string::npos) best = std::min(best, 1);
+    }
+    if (best <= limit) near.emplace_back(best, &c);
+  }
+  std::stable_sort(near.begin(), near.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::vector<std::string> names;
+  for (const auto& [distance, c] : near) {
+    if (names.size() == 3) break;
+    names.emplace_back(c->name);
+  }
+  return names;
+}
+
+std::string_view group_name(int group) {
+  return tables::group_names()[static_cast<std::size_t>(group - 1)];
+}
+
+std::string groups_in_words(const Component& component) {
+  std::vector<std::string> pieces;
+  for (int k = 0; k < component.group_count; ++k) {
+    const GroupCount& g = component.groups[static_cast<std::size_t>(k)];
+    pieces.push_back(fmt::format("{} {}", g.count, group_name(g.group)));
+  }
+  return pieces.empty() ? "none" : joined(pieces, " + ");
+}
+
+const Interaction* InteractionSet::published(int k, int l) const {
+  for (const Interaction& pair : pairs) {
+    if (pair.k == std::min(k, l) && pair.l == std::max(k, l)) return pair.published ? &pair : nullptr;
+  }
+  return nullptr;
+}
+
+const InteractionSet& interaction_set(std::string_view name) {
+  static const InteractionSet sets[] = {
+      {"2022", "E-PPR78, 40 groups, 2022", tables::interactions_2022()},
+      {"original", "PPR78, first 15 groups, 2004 to 2008", tables::interactions_original()}};
+  for (const InteractionSet& set : sets) {
+    if (set.name == lower(trimmed(name))) return set;
+  }
+  throw InputError(fmt::format("unknown set of group interactions \"{}\": use 2022 or original", name));
+}
+
+}  // namespace kestrune::host

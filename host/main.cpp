@@ -1,0 +1,11 @@
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "commands/session.hpp"
+
+int main(int argc, char** argv) {
+  const int code = kestrune::host::run(std::vector<std::string>(argv + 1, argv + argc), std::cout, std::cerr);
+  std::cout.flush();
+  return code;
+}

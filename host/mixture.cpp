@@ -1,0 +1,189 @@
+#include "mixture.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "error.hpp"
+#include "units.hpp"
+
+namespace kestrune::host {
+
+namespace {
+
+// Mole fractions and molar mass from the amounts.
+void fill_fractions(const Composition& from, Mixture& m) {
+  m.z = from.amounts;
+  m.given_sum = std::accumulate(m.z.begin(), m.z.end(), 0.0);
+  if (!(m.given_sum > 0.0)) throw InputError("all amounts of the mixture are zero");
+  if (from.basis == Basis::mass) {
+    for (std::size_t i = 0; i < m.z.size(); ++i) m.z[i] /= m.components[i].molar_mass;
+  }
+  const double sum = std::accumulate(m.z.begin(), m.z.end(), 0.0);
+  m.molar_mass = 0.0;
+  for (std::size_t i = 0; i < m.z.size(); ++i) {
+    m.z[i] /= sum;
+    m.molar_mass += m.z[i] * m.components[i].molar_mass;
+  }
+}
+
+void fill_table(Mixture& m) {
+  const std::size_t n = m.components.size();
+  m.table.assign(n * KV_TABLE_COLUMNS, 0.0);
+  for (std::size_t i = 0; i < n; ++i) {
+    const Component& c = m.components[i];
+    const auto set = [&](int column, double value) {
+      m.table[static_cast<std::size_t>(column - 1) * n + i] = value;
+    };
+    set(KV_COL_DATABANK_NUMBER, c.number);
+    set(KV_COL_MOLAR_MASS, c.molar_mass);
+    set(KV_COL_MELTING_POINT, c.Tmelt);
+    set(KV_COL_BOILING_POINT, c.Tb);
+    set(KV_COL_TC, c.Tc);
+    set(KV_COL_PC, c.Pc / kAtmInPa);
+    set(KV_COL_VC, c.Vc);
+    set(KV_COL_ZC, c.Zc);
+    set(KV_COL_OMEGA, c.omega);
+    set(KV_COL_DIPOLE, c.dipole);
+    set(KV_COL_TMIN_PSAT, c.Tmin_vapour_pressure);
+    set(KV_COL_FAMILY, c.family);
+    set(KV_COL_CAS, c.cas_number);
+  }
+}
+
+void fill_record(Mixture& m) {
+  m.record = MixtureRecord{};
+  m.record.count = m.count();
+  m.record.table = m.table.data();
+  m.record.CRIT = KV_DEFAULT_CRIT;
+  m.record.CLIM = KV_DEFAULT_CLIM;
+  m.record.EPS = KV_DEFAULT_EPS;
+  m.record.ITEMAX = KV_DEFAULT_ITEMAX;
+  m.record.NEW = KV_DEFAULT_NEW;
+  m.record.trace_unit = 0;
+  m.record.relaxation = KV_DEFAULT_RELAXATION;
+  m.record.pure_tolerance = KV_DEFAULT_PURE_TOLERANCE;
+  m.record.sum_tolerance = KV_DEFAULT_SUM_TOLERANCE;
+}
+
+// Groups that occur and how often; one group of counts zero when no component has any.
+void fill_counts(Mixture& m) {
+  for (const Component& c : m.components) {
+    for (int k = 0; k < c.group_count; ++k) m.groups.push_back(c.groups[static_cast<std::size_t>(k)].group);
+  }
+  if (m.groups.empty()) m.groups.push_back(1);
+  std::sort(m.groups.begin(), m.groups.end());
+  m.groups.erase(std::unique(m.groups.begin(), m.groups.end()), m.groups.end());
+  const std::size_t nG = m.groups.size();
+  m.counts.assign(nG * m.components.size(), 0);
+  for (std::size_t i = 0; i < m.components.size(); ++i) {
+    const Component& c = m.components[i];
+    if (c.group_count == 0) m.uncovered.push_back(static_cast<int>(i));
+    for (int k = 0; k < c.group_count; ++k) {
+      const GroupCount& g = c.groups[static_cast<std::size_t>(k)];
+      const auto row = std::lower_bound(m.groups.begin(), m.groups.end(), g.group) - m.groups.begin();
+      m.counts[i * nG + static_cast<std::size_t>(row)] += g.count;
+    }
+  }
+}
+
+// Whether group k takes different shares of the molecules i and j. Exact: fractions compared crosswise.
+bool differs(const Mixture& m, std::size_t k, std::size_t i, std::size_t j) {
+  const auto begin = m.counts.begin();
+  const auto nG = static_cast<std::ptrdiff_t>(m.groups.size());
+  const auto total = [&](std::size_t c) {
+    const auto column = begin + static_cast<std::ptrdiff_t>(c) * nG;
+    return std::accumulate(column, column + nG, 0);
+  };
+  return m.counts[i * m.groups.size() + k] * total(j) != m.counts[j * m.groups.size() + k] * total(i);
+}
+
+// Every pair of components that needs the interaction of groups k and l (rows), which has no value.
+void note_missing(Mixture& m, std::size_t k, std::size_t l) {
+  const auto covered = [&](std::size_t i) { return m.components[i].group_count > 0; };
+  for (std::size_t i = 0; i < m.components.size(); ++i) {
+    for (std::size_t j = i + 1; j < m.components.size(); ++j) {
+      if (covered(i) && covered(j) && differs(m, k, i, j) && differs(m, l, i, j)) {
+        m.missing.push_back({m.groups[k], m.groups[l], static_cast<int>(i), static_cast<int>(j)});
+      }
+    }
+  }
+}
+
+void fill_interactions(const InteractionSet& set, Mixture& m) {
+  const std::size_t nG = m.groups.size();
+  m.A.assign(nG * nG, 0.0);
+  m.B.assign(nG * nG, 0.0);
+  for (std::size_t k = 0; k < nG; ++k) {
+    for (std::size_t l = k + 1; l < nG; ++l) {
+      const Interaction* pair = set.published(m.groups[k], m.groups[l]);
+      if (pair == nullptr) {
+        note_missing(m, k, l);
+        continue;
+      }
+      m.A[l * nG + k] = pair->A;
+      m.B[l * nG + k] = pair->B;
+    }
+  }
+}
+
+}  // namespace
+
+bool Mixture::sum_was_off() const {
+  return std::abs(given_sum - 1.0) > 1e-6;
+}
+
+Mixture build_mixture(const Composition& composition, const InteractionSet& set) {
+  if (composition.components.empty()) throw InputError("the mixture has no component");
+  Mixture m;
+  m.title = composition.title;
+  m.set_name = set.name;
+  m.components = composition.components;
+  m.basis = composition.basis;
+  fill_fractions(composition, m);
+  fill_table(m);
+  fill_record(m);
+  fill_counts(m);
+  fill_interactions(set, m);
+  return m;
+}
+
+void Mixture::hand_over(const Exports& library) {
+  const std::size_t nC = components.size(), nG = groups.size();
+  A_atm.assign(nG * nG, 0.0);
+  B_atm.assign(nG * nG, 0.0);
+  fractions.assign(nC * nG, 0.0);
+  ratio.assign(nG * nG, 0.0);
+  differences.assign(nG * nC * nC, 0.0);
+  storage = {nullptr, A_atm.data(), B_atm.data(), fractions.data(), ratio.data(), differences.data()};
+  library.ConvertPPR78GroupData(count(), group_count(), counts.data(), A.data(), B.data(), storage.data());
+}
+
+std::vector<std::string> missing_in_words(const Mixture& m) {
+  std::vector<std::string> lines;
+  if (m.count() > 1) {
+    for (const int i : m.uncovered) {
+      lines.push_back(
+          fmt::format("{} has no PPR78 groups at all", m.components[static_cast<std::size_t>(i)].name));
+    }
+  }
+  for (std::size_t p = 0; p < m.missing.size();) {
+    const MissingPair& first = m.missing[p];
+    std::string line = fmt::format("{} / {} (", group_name(first.group_k), group_name(first.group_l));
+    for (std::size_t shown = 0;
+         p < m.missing.size() && m.missing[p].group_k == first.group_k && m.missing[p].group_l == first.group_l;
+         ++p, ++shown) {
+      if (shown == 3) line += ", ...";
+      if (shown >= 3) continue;
+      line += fmt::format("{}{} with {}", shown == 0 ? "" : ", ",
+                          m.components[static_cast<std::size_t>(m.missing[p].component_i)].name,
+                          m.components[static_cast<std::size_t>(m.missing[p].component_j)].name);
+    }
+    lines.push_back(line + ")");
+  }
+  return lines;
+}
+
+}  // namespace kestrune::host

@@ -1,0 +1,61 @@
+// A mixture as the calculation library wants it: component table, record, group data and their buffers.
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "composition.hpp"
+#include "databank.hpp"
+#include "library.hpp"
+
+namespace kestrune::host {
+
+// Two groups without a published interaction that meet in a pair of components (indices from 0).
+struct MissingPair {
+  int group_k, group_l;  // index from 1
+  int component_i, component_j;
+};
+
+struct Mixture {
+  std::string title;
+  std::string_view set_name;
+  std::vector<Component> components;
+  std::vector<double> z;  // mole fractions, sum 1
+  double given_sum;       // of the amounts as they were given
+  Basis basis;            // of the amounts as they were given
+  double molar_mass;      // g/mol
+
+  std::vector<double> table;  // [43 * count], see ComponentTable
+  MixtureRecord record;
+
+  std::vector<int> groups;           // groups that occur, index from 1, ascending
+  std::vector<std::int32_t> counts;  // [nG * nC], group fastest
+  std::vector<double> A, B;          // [nG * nG], MPa, column-major
+  std::vector<double> A_atm, B_atm, fractions, ratio, differences;
+  std::array<double*, 6> storage;
+
+  std::vector<MissingPair> missing;  // pairs whose interaction counts as zero
+  std::vector<int> uncovered;        // components without any groups, indices from 0
+
+  Mixture() = default;
+  Mixture(const Mixture&) = delete;  // record and storage hold addresses of the vectors
+  Mixture& operator=(const Mixture&) = delete;
+  Mixture(Mixture&&) = default;
+  Mixture& operator=(Mixture&&) = default;
+
+  int count() const { return static_cast<int>(components.size()); }
+  int group_count() const { return static_cast<int>(groups.size()); }
+  bool sum_was_off() const;  // the amounts did not sum to one within 1e-6
+
+  // Fills the buffers and makes this mixture's group data the ones that the library reads.
+  void hand_over(const Exports& library);
+};
+
+// Builds everything but the converted buffers. InputError without components or with all amounts zero.
+Mixture build_mixture(const Composition& composition, const InteractionSet& set);
+
+// What has no published parameters, one line per item: "CO2 / SH (carbon dioxide with methyl mercaptan)".
+std::vector<std::string> missing_in_words(const Mixture& mixture);
+
+}  // namespace kestrune::host
