@@ -1,0 +1,43 @@
+#!/bin/sh
+# Builds the 32-bit libraries and flashes a rich natural gas through the command line, under Wine, the way a
+# Windows host uses them.
+#
+#   sh scripts/demo.sh
+set -u
+cd "$(dirname "$0")/.." || exit 1
+sh scripts/setup.sh || exit 1
+log=build/logs/demo.log
+mkdir -p build/logs
+if ! { cmake --preset win32 && cmake --build build/win32 -j "$(nproc)" \
+  --target KVGasThermo KVCmpdPureLite KVToolsLite kestrune; } >"$log" 2>&1; then
+  echo "demo: the build failed, end of $log:"
+  tail -n 40 "$log"
+  exit 1
+fi
+
+gas="methane=70,ethane=9,propane=6,isobutane=1.5,n-butane=2.5,isopentane=1,n-pentane=1,n-hexane=1"
+gas="$gas,nitrogen=3,carbon dioxide=5"
+status=0
+
+# show TEXT ARGUMENT...: the explanation, the command, its output.
+show() {
+  printf '\n%s\n\n' "$1"
+  shift
+  echo "  kestrune $* --z (the gas)"
+  echo
+  scripts/wine.sh build/win32/bin/kestrune.exe "$@" --z "$gas" || status=1
+}
+
+echo "A rich natural gas, mole percent:"
+echo "  methane 70, ethane 9, propane 6, isobutane 1.5, n-butane 2.5, isopentane 1, n-pentane 1, n-hexane 1,"
+echo "  nitrogen 3, carbon dioxide 5"
+
+show "1. At the wellhead, in detail: how much condenses at 0 C and 60 bar, and what the phases are made of." \
+  flash -T 0 -P 60
+show "2. Along a pipeline at 60 bar: all gas when warm; the colder it gets, the more liquid." \
+  flash -T 100,60,40,20,0,-20,-40,-60 -P 60
+show "3. Compression at 20 C: gas, then liquid drops out, then it goes again: one dense phase." \
+  flash -T 20 -P 1,10,30,60,90,120,150,200,300
+echo
+[ $status = 0 ] || echo "demo: a calculation did not succeed"
+exit $status

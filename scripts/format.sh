@@ -1,0 +1,26 @@
+#!/bin/sh
+# Formats the C and C++ sources in place; with --check only lists the files that are not formatted.
+#
+#   sh scripts/format.sh [--check]
+set -u
+cd "$(dirname "$0")/.." || exit 1
+if ! command -v clang-format >/dev/null; then
+  echo "format: clang-format is not installed" >&2
+  exit 2
+fi
+files() {
+  find include src siblings host tests bench -type f \
+    \( -name '*.h' -o -name '*.hpp' -o -name '*.c' -o -name '*.cpp' \) 2>/dev/null | sort
+}
+if [ "${1:-}" != --check ]; then
+  files | xargs clang-format -i
+  exit
+fi
+status=0
+for file in $(files); do
+  if ! clang-format --dry-run -Werror "$file" >/dev/null 2>&1; then
+    echo "$file"
+    status=1
+  fi
+done
+exit $status
