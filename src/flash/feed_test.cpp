@@ -11,14 +11,28 @@ namespace {
 
 // Activity of a component in the tested phase, with its pure state as unit, from which on a phase of almost nothing
 // else could split off; of the heaviest component, whose phase may hold much of the others.
-constexpr double kWorthFollowing = 0.3, kHeaviestWorthFollowing = 0.05;
+constexpr double kWorthFollowing = 0.1, kHeaviestWorthFollowing = 0.03;
 // Light gases, whose near-pure trials always run: critical temperature below this, K.
 constexpr double kLightGas = 310.0;
 // b/v of a dilute gas: half the critical packing.
+constexpr double kDilutePacking = 0.04;
+// Length of a first step along the direction of lowest curvature, in sqrt(W).
+constexpr double kAlong = 0.2;
 constexpr double kGasPacking = 0.5 / eos::kCriticalVolumeRatio;
 
-// Packing b/v of the pure component j.
-double packing(const Flash& f, int j, double Z) { return f.m.t.b[j] * f.m.P / (eos::kR * f.m.T * Z); }
+double packing(const Flash& f, double b, double Z) {
+  return b * f.m.P / (eos::kR * f.m.T * Z);
+}
+
+// Co-volume of a composition from the table, cm3/mol: a host's fugacity routine brings no prepared temperature.
+double covolume(const Flash& f, const double* x) {
+  const MixtureRecord& r = *f.call.mixture;
+  const double* Tc = r.table + static_cast<std::size_t>(KV_COL_TC - 1) * r.count;
+  const double* Pc = r.table + static_cast<std::size_t>(KV_COL_PC - 1) * r.count;
+  double b = 0.0;
+  for (int i = 0; i < f.m.n; ++i) b += x[i] * eos::kOmegaB_R * Tc[i] / Pc[i];
+  return b;
+}
 
 // Keeps the trial when it is the lowest so far.
 void remember(Flash& f) {
@@ -32,7 +46,7 @@ bool run_trial(Flash& f, const Reference& ref, Kind kind) {
   f.trial.Z = 0.0;
   Reference reference = ref;
   reference.known = f.have_lowest && f.lowest.tm > 0.0 ? f.lowest.w : nullptr;
-  f.status = follow_trial(f.m, reference, kind, false, f.work, f.trial);
+  f.status = follow_trial(f.m, reference, kind, f.how, f.work, f.trial);
   if (f.status != KV_OK) return false;
   remember(f);
   return true;
@@ -62,7 +76,7 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
     const double least = j == heaviest ? kHeaviestWorthFollowing : kWorthFollowing;
     if (f.trial.log_w[j] < std::log(least)) continue;
     // A gas beside a gas: it would be the one that is there already.
-    if (have_gas && f.m.built_in() && packing(f, j, f.trial.Z) < kGasPacking) continue;
+    if (have_gas && f.m.built_in() && packing(f, f.m.t.b[j], f.trial.Z) < kGasPacking) continue;
     if (!run_trial(f, ref, liquid_kind(f))) return false;
   }
   return true;
@@ -70,24 +84,37 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
 
 // Trials from Wilson's coefficients: a liquid z/K and a vapour z K. Both run, the lower one wins.
 bool wilson_trials(Flash& f, const Reference& ref) {
+  for (const int number : {kWilsonLiquid, kWilsonVapour}) {
+    if (!start_trial(f, ref, number) || !run_trial(f, ref, kind_of_trial(f, number))) return false;
+  }
+  return true;
+}
+
+// Trials from the feed along the direction of lowest curvature, both ways: where a critical point is close, what
+// splits off differs from the feed in this direction.
+bool trials_along(Flash& f, const Reference& ref) {
   const int n = f.m.n;
-  for (int i = 0; i < n; ++i) f.trial.log_w[i] = support::fast_log(f.it.z[i] / f.wilson_k[i]);
-  if (!run_trial(f, ref, liquid_kind(f))) return false;
-  for (int i = 0; i < n; ++i) f.trial.log_w[i] = support::fast_log(f.it.z[i] * f.wilson_k[i]);
-  return run_trial(f, ref, vapour_kind(f));
+  for (const double sign : {1.0, -1.0}) {
+    for (int i = 0; i < n; ++i) {
+      const double root = std::sqrt(f.it.z[i]);
+      const double next = std::max(root + sign * kAlong * f.direction[i], 0.1 * root);
+      f.trial.log_w[i] = 2.0 * support::fast_log(next);
+    }
+    if (!run_trial(f, ref, liquid_kind(f))) return false;
+  }
+  return true;
+}
+
+// A gas too thin to be close to a critical point.
+bool dilute(const Flash& f) {
+  return !(f.feed_Z > 0.0) || packing(f, covolume(f, f.it.z), f.feed_Z) < kDilutePacking;
 }
 
 }  // namespace
 
 Kind kind_of(const Flash& f, const double* composition, double Z) {
   if (!(Z > 0.0)) return Kind::liquid;
-  const MixtureRecord& r = *f.call.mixture;
-  const double* Tc = r.table + static_cast<std::size_t>(KV_COL_TC - 1) * r.count;
-  const double* Pc = r.table + static_cast<std::size_t>(KV_COL_PC - 1) * r.count;
-  double b = 0.0;
-  for (int i = 0; i < f.m.n; ++i) b += composition[i] * eos::kOmegaB_R * Tc[i] / Pc[i];
-  const double v = Z * eos::kR * f.call.T / f.call.P;
-  return v > eos::kCriticalVolumeRatio * b ? Kind::gas : Kind::liquid;
+  return packing(f, covolume(f, composition), Z) * eos::kCriticalVolumeRatio < 1.0 ? Kind::gas : Kind::liquid;
 }
 
 Kind liquid_kind(const Flash& f) {
@@ -97,6 +124,28 @@ Kind liquid_kind(const Flash& f) {
 Kind vapour_kind(const Flash& f) {
   if (f.liquids_only()) return Kind::liquid;
   return f.m.free_water ? Kind::gas : Kind::stable;
+}
+
+bool start_trial(Flash& f, const Reference& ref, int number) {
+  const int n = f.m.n;
+  switch (number) {
+    case kWilsonLiquid:
+      for (int i = 0; i < n; ++i) f.trial.log_w[i] = support::fast_log(ref.z[i] / f.wilson_k[i]);
+      return true;
+    case kWilsonVapour:
+      for (int i = 0; i < n; ++i) f.trial.log_w[i] = support::fast_log(ref.z[i] * f.wilson_k[i]);
+      return true;
+    case kIdealGas:  // what an ideal gas in equilibrium with the reference would be
+      for (int i = 0; i < n; ++i) f.trial.log_w[i] = ref.d[i];
+      return true;
+    default:
+      f.status = start_near_pure(f.m, ref, number - kNearPure, f.trial);
+      return f.status == KV_OK;
+  }
+}
+
+Kind kind_of_trial(const Flash& f, int number) {
+  return number == kWilsonVapour || number == kIdealGas ? vapour_kind(f) : liquid_kind(f);
 }
 
 bool evaluate_feed(Flash& f) {
@@ -132,12 +181,18 @@ bool evaluate_feed(Flash& f) {
 bool test_feed(Flash& f) {
   const Reference ref{f.it.z, f.d};
   f.have_lowest = false;
+  f.how = Follow::quick;
+  bool near_critical = false;
+  if (!f.m.free_water && !dilute(f)) {
+    near_critical = !clearly_convex(f.m, ref, liquid_kind(f), f.work, f.trial, f.direction, f.status);
+    if (f.status != KV_OK) return false;
+    if (near_critical) f.how = Follow::strict;
+  }
   if (!wilson_trials(f, ref)) return false;
+  if (near_critical && !trials_along(f, ref)) return false;
   if (f.have_lowest && f.lowest.tm < kUnstable) return true;
   if (f.feed_kind == Kind::liquid && f.trial.end == TrialEnd::trivial) {
-    // What an ideal gas in equilibrium with the feed would be.
-    for (int i = 0; i < f.m.n; ++i) f.trial.log_w[i] = f.d[i];
-    if (!run_trial(f, ref, vapour_kind(f))) return false;
+    if (!start_trial(f, ref, kIdealGas) || !run_trial(f, ref, vapour_kind(f))) return false;
   }
   return near_pure_trials(f, ref, f.feed_kind == Kind::gas);
 }
@@ -154,7 +209,7 @@ bool test_answer(Flash& f, bool& stable) {
 
 bool finish_lowest(Flash& f) {
   const Kind kind = f.m.free_water && f.feed_kind == Kind::liquid ? vapour_kind(f) : liquid_kind(f);
-  f.status = follow_trial(f.m, {f.it.z, f.d}, kind, true, f.work, f.lowest);
+  f.status = follow_trial(f.m, {f.it.z, f.d}, kind, Follow::report, f.work, f.lowest);
   return f.status == KV_OK;
 }
 

@@ -17,16 +17,18 @@ struct Flash {
   support::TraceWriter& trace;
 
   Iterate it;                 // the two-phase iteration; it.z is the normalised feed
-  Iterate best;               // the best answer, while others are tried
+  Iterate best, answer;       // the best answer, and the one under test, while others are tried
   TwoPhaseWork two;
   TrialWork work;
   Trial trial, lowest;        // the trial that runs, and the lowest of the current test
   bool have_lowest = false;
+  Follow how = Follow::quick; // how far trials are followed
 
   double* wilson_k = nullptr;     // [ld]
   double* feed_phi = nullptr;     // [ld] ln phi of the feed as one phase
   double* d = nullptr;            // [ld] ln z + ln phi of it
   double* answer_d = nullptr;     // [ld] the same of a phase of an answer under test
+  double* direction = nullptr;    // [ld] of lowest curvature at the feed
   double feed_gibbs = 0.0;        // sum of z d
   double feed_Z = 0.0;
   Kind feed_kind = Kind::stable;
@@ -44,6 +46,16 @@ Kind kind_of(const Flash& f, const double* composition, double Z);
 /* The roots that a liquid-like and a vapour-like trial or phase is asked for. */
 Kind liquid_kind(const Flash& f);
 Kind vapour_kind(const Flash& f);
+
+// The starts of trials, by number: the two of Wilson's coefficients, the ideal-gas-like one, and component j almost
+// pure as kNearPure + j.
+enum TrialNumber { kWilsonLiquid, kWilsonVapour, kIdealGas, kNearPure };
+
+/* Puts the start of a trial into f.trial. False: f.status. */
+bool start_trial(Flash& f, const Reference& ref, int number);
+
+/* The root that a trial is asked for. */
+Kind kind_of_trial(const Flash& f, int number);
 
 /* ln phi, Gibbs energy and kind of the feed as one phase. False: f.status. */
 bool evaluate_feed(Flash& f);

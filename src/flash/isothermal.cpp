@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 
 #include "flash/flash_state.hpp"
 #include "flash/trace_flash.hpp"
@@ -113,9 +114,16 @@ void copy_answer(const Iterate& from, Iterate& to, int ld) {
   to.log_x = kept[7];
 }
 
+// A phase beside which a split is tried.
+struct Beside {
+  const double* ln_phi;
+  double Z;
+  Kind kind;
+};
+
 // Tries a split from f.lowest beside the given phase; keeps it in f.best when it is lower. False: f.status.
-bool try_other(Flash& f, const double* other, double other_Z, Kind other_kind, bool& improved) {
-  start_from_trial(f, other, other_Z, other_kind, Source::other_answer);
+bool try_other(Flash& f, const Beside& phase, bool& improved) {
+  start_from_trial(f, phase.ln_phi, phase.Z, phase.kind, Source::other_answer);
   Outcome outcome;
   if (good_split(f, true, outcome) && f.it.gibbs < f.best.gibbs - kLower) {
     copy_answer(f.it, f.best, f.m.ld);
@@ -124,23 +132,40 @@ bool try_other(Flash& f, const double* other, double other_Z, Kind other_kind, b
   return outcome != Outcome::routine;
 }
 
-// An answer that is cut by its tangent plane: other splits, from the phase that cuts it and from the trials of the
+// Every trial against a tangent plane, and a split from each that cuts it beside each phase of the plane.
+bool try_all_trials(Flash& f, const Reference& ref, std::initializer_list<Beside> phases, bool& improved) {
+  for (int number = 0; number < kNearPure + f.m.n; ++number) {
+    if (number >= kNearPure && !(f.it.z[number - kNearPure] > 0.0)) continue;
+    if (!start_trial(f, ref, number)) return false;
+    f.trial.Z = 0.0;
+    f.status = follow_trial(f.m, ref, kind_of_trial(f, number), Follow::strict, f.work, f.trial);
+    if (f.status != KV_OK) return false;
+    if (f.trial.end != TrialEnd::stationary || !(f.trial.tm < kUnstable)) continue;
+    std::swap(f.trial, f.lowest);
+    f.have_lowest = true;
+    for (const Beside& phase : phases)
+      if (!try_other(f, phase, improved)) return false;
+  }
+  return true;
+}
+
+// An answer that is cut by its tangent plane: other splits, from all that cuts the planes of the answer and of the
 // feed, until none is lower. What then is still cut is a state with three phases.
-bool look_for_better(Flash& f) {
+bool look_for_better(Flash& f, Iterate& answer) {
   for (int k = 0; k < kMaxOtherAnswers; ++k) {
     bool stable = true, improved = false;
     if (!test_answer(f, stable)) return false;
     if (stable) return true;
     copy_answer(f.it, f.best, f.m.ld);
-    const Iterate answer = f.best;
-    if (!try_other(f, answer.ln_phi_x, answer.Zx, answer.kind_x, improved)) return false;
-    if (!improved && !try_other(f, f.best.ln_phi_y, f.best.Zy, f.best.kind_y, improved)) return false;
-    if (!improved) {
-      if (!test_feed(f)) return false;
-      if (f.have_lowest && f.lowest.tm < kUnstable &&
-          !try_other(f, f.feed_phi, f.feed_Z, f.feed_kind, improved))
-        return false;
-    }
+    copy_answer(f.it, answer, f.m.ld);
+    const Reference plane{answer.x, f.answer_d, answer.y};
+    const Reference feed{f.it.z, f.d};
+    const Beside feed_phase{f.feed_phi, f.feed_Z, f.feed_kind};
+    if (!try_all_trials(f, plane,
+                        {{answer.ln_phi_x, answer.Zx, answer.kind_x}, {answer.ln_phi_y, answer.Zy, answer.kind_y}},
+                        improved) ||
+        !try_all_trials(f, feed, {feed_phase}, improved))
+      return false;
     copy_answer(f.best, f.it, f.m.ld);
     if (!improved) return true;
   }
@@ -168,7 +193,7 @@ StatusCode write_answer(Flash& f, StatusCode status) {
 }
 
 StatusCode finish_two_phases(Flash& f) {
-  if (!look_for_better(f)) return write_answer(f, f.status);
+  if (!f.m.free_water && !look_for_better(f, f.answer)) return write_answer(f, f.status);
   order_phases(f);
   return write_answer(f, KV_OK);
 }
@@ -252,7 +277,8 @@ StatusCode set_up(const IsothermalCall& call, support::Arena& arena) {
   normalise_feed(call, m.n, z);
   take_iterate(arena, m.ld, f.it);
   take_iterate(arena, m.ld, f.best);
-  f.it.z = f.best.z = z;
+  take_iterate(arena, m.ld, f.answer);
+  f.it.z = f.best.z = f.answer.z = z;
   f.two = {arena.zeros(ld), arena.zeros(ld), arena.zeros(ld), arena.take(square), arena.take(square), arena.take(square)};
   f.work = {arena.zeros(ld), arena.zeros(ld), arena.zeros(ld), arena.zeros(ld), f.two.dx, f.two.system};
   f.trial.log_w = arena.zeros(ld);
@@ -265,6 +291,7 @@ StatusCode set_up(const IsothermalCall& call, support::Arena& arena) {
   f.feed_phi = arena.zeros(ld);
   f.d = arena.zeros(ld);
   f.answer_d = arena.zeros(ld);
+  f.direction = arena.zeros(ld);
   const StatusCode result = solve(f);
   if (call.counts != nullptr) *call.counts = m.counts;
   return result;

@@ -17,17 +17,22 @@ constexpr int kMaxSteps = 60;
 constexpr double kConverged = 1e-18;   // gradient^2: tm is then exact to 1e-18
 constexpr double kFinished = 1e-14;    // of a phase that is only reported
 // Positive distances are final once they exceed what the rest of the way can take off them.
-constexpr double kSafePositive = 1e-4, kSafeFactor = 4.0;
+constexpr double kSafePositive = 1e-4, kSafeFactor = 25.0;
+constexpr double kLargestLogW = 600.0;
 // A negative distance beyond this needs no more digits to start a split from.
 constexpr double kClearlyNegative = -1e-2, kClearGradient = 1e-3;
 constexpr double kTrivialDistance = 5e-3, kTrivialRatio = 0.2;
 constexpr double kKnownComposition = 0.01;
+constexpr double kConvex = 0.1;  // lowest eigenvalue of a reference that quick trials are good enough for
 constexpr double kSameComposition = 1e-16, kNearComposition = 0.1;  // sum of (w - z)^2/(w + z)
 
 // ln phi of the trial, residuals r and tm.
 StatusCode measure(Model& m, const Reference& ref, Kind kind, double* dn, const TrialWork& work, Trial& t) {
   double sum = 0.0;
-  for (int i = 0; i < m.ld; ++i) t.w[i] = support::fast_exp(t.log_w[i]);
+  for (int i = 0; i < m.ld; ++i) {
+    t.log_w[i] = t.log_w[i] < kLargestLogW ? t.log_w[i] : kLargestLogW;
+    t.w[i] = support::fast_exp(t.log_w[i]);
+  }
   for (int i = m.n; i < m.ld; ++i) t.w[i] = 0.0;
   for (int i = 0; i < m.n; ++i) sum += t.w[i];
   t.sum = sum;
@@ -58,12 +63,12 @@ double spread(const double* w, const double* z, int n) {
 
 // Is the trial on its way back to a phase of composition z on the same plane? Then the distance behaves as the
 // quadratic that has its minimum there: 2 tm equals the derivative along the way from it.
-bool returns_to(const double* z, int n, const TrialWork& work, const Trial& t) {
+bool returns_to(const double* z, int n, bool quick, const TrialWork& work, const Trial& t) {
   double towards = 0.0;
   for (int i = 0; i < n; ++i) towards += (t.sum * t.w[i] - z[i]) * work.r[i];
   const double distance = spread(t.w, z, n);
   if (distance < kSameComposition) return true;
-  return t.tm > 0.0 && distance < kNearComposition && std::fabs(2.0 * t.tm - towards) < kTrivialRatio * towards;
+  return quick && t.tm > 0.0 && distance < kNearComposition && std::fabs(2.0 * t.tm - towards) < kTrivialRatio * towards;
 }
 
 // Newton step in alpha = 2 sqrt(W). False when the matrix is not positive definite.
@@ -101,13 +106,14 @@ void take_step(int n, double factor, const TrialWork& work, Trial& t) {
 
 }  // namespace
 
-StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, bool tight, const TrialWork& work, Trial& t) {
+StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work, Trial& t) {
+  const bool quick = how == Follow::quick;
   ++m.counts.trials;
   t.end = TrialEnd::failed;
   bool stepped = false;  // the last step was of second order and may have to be cut
   double before = 0.0, factor = 1.0;
   for (int k = 0; k < kMaxSteps; ++k) {
-    const bool second = (tight || k >= kSubstitutions) && !m.free_water;
+    const bool second = (how == Follow::report || k >= kSubstitutions) && !m.free_water;
     const StatusCode status = measure(m, ref, kind, second ? work.dn : nullptr, work, t);
     if (status != KV_OK) return status;
     if (stepped && t.tm > before + 1e-10 * (1.0 + std::fabs(before)) && factor > 1e-3) {
@@ -118,17 +124,18 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, bool tight, c
     }
     factor = 1.0;
     if (k >= 1 && std::fabs(t.tm) < kTrivialDistance &&
-        (returns_to(ref.z, m.n, work, t) || (ref.other != nullptr && returns_to(ref.other, m.n, work, t)))) {
+        (returns_to(ref.z, m.n, quick, work, t) ||
+         (ref.other != nullptr && returns_to(ref.other, m.n, quick, work, t)))) {
       t.end = TrialEnd::trivial;
       return KV_OK;
     }
-    if (k >= 1 && ref.known != nullptr && spread(t.w, ref.known, m.n) < kKnownComposition) {
+    if (k >= 1 && quick && ref.known != nullptr && spread(t.w, ref.known, m.n) < kKnownComposition) {
       t.end = TrialEnd::trivial;
       return KV_OK;
     }
     const bool certain = k >= 1 && ((t.tm > kSafePositive && t.tm > kSafeFactor * t.gradient2) ||
                                     (t.tm < kClearlyNegative && t.gradient2 < kClearGradient));
-    if (t.gradient2 <= (tight ? kFinished : kConverged) || (certain && !tight)) {
+    if (t.gradient2 <= (how == Follow::report ? kFinished : kConverged) || (certain && quick)) {
       t.end = TrialEnd::stationary;
       return KV_OK;
     }
@@ -142,6 +149,44 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, bool tight, c
   }
   t.end = TrialEnd::stationary;  // slow, but the last distance is a bound from above
   return KV_OK;
+}
+
+bool clearly_convex(Model& m, const Reference& ref, Kind kind, const TrialWork& work, Trial& t, double* lowest,
+                    StatusCode& status) {
+  const int n = m.n, ld = m.ld;
+  t.Z = 0.0;
+  status = fugacity(m, ref.z, kind, t.ln_phi, work.dn, t.Z);
+  if (status != KV_OK) return true;
+  for (int i = 0; i < ld; ++i) work.root[i] = i < n ? std::sqrt(ref.z[i]) : 0.0;
+  // Factor with the threshold taken off; when that fails, with a shift that makes it succeed, for inverse iteration.
+  double shift = -kConvex;
+  for (int attempt = 0; attempt < 12; ++attempt) {
+    for (int j = 0; j < n; ++j) {
+      const double* __restrict column = work.dn + static_cast<std::size_t>(j) * ld;
+      double* __restrict h = work.hessian + static_cast<std::size_t>(j) * ld;
+      const double rj = work.root[j];
+      for (int i = j & ~1; i < ld; ++i) h[i] = rj * work.root[i] * column[i];
+      h[j] += 1.0 + shift;
+    }
+    ++m.counts.factorisations;
+    if (support::ldl_factor(n, ld, work.hessian, 1e-10)) {
+      if (attempt == 0) return true;
+      break;
+    }
+    shift = shift < 0.0 ? 1e-6 : 10.0 * shift;
+  }
+  // Two inverse iterations from a vector without symmetries, orthogonal to sqrt(z) (the amount of the phase).
+  for (int i = 0; i < n; ++i) lowest[i] = (i % 2 == 0 ? 1.0 : -1.0) + 0.3 * i / n;
+  for (int k = 0; k < 3; ++k) {
+    double along = 0.0, norm = 0.0;
+    for (int i = 0; i < n; ++i) along += lowest[i] * work.root[i];
+    for (int i = 0; i < n; ++i) lowest[i] -= along * work.root[i];
+    for (int i = 0; i < n; ++i) norm += lowest[i] * lowest[i];
+    const double scale = norm > 0.0 ? 1.0 / std::sqrt(norm) : 0.0;
+    for (int i = 0; i < n; ++i) lowest[i] *= scale;
+    if (k < 2) support::ldl_solve(n, ld, work.hessian, lowest);
+  }
+  return false;
 }
 
 StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& t) {

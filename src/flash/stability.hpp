@@ -51,11 +51,26 @@ struct TrialWork {
   double *dn, *hessian;                // [ld * n]
 };
 
+// How far a trial is followed.
+enum class Follow {
+  quick,   // stops where its end is certain, given that the reference is clearly convex
+  strict,  // the reference is close to a critical point: minima may lie close to it
+  report   // to the stationary point, for a phase that is reported
+};
+
 /*
- * Follows a trial from trial.log_w: successive substitution, then second-order steps in 2 sqrt(W). Stops early
- * where the end is certain, unless tight. kind as for fugacity(). Returns the status of the fugacity routine.
+ * Follows a trial from trial.log_w: successive substitution, then second-order steps in 2 sqrt(W). kind as for
+ * fugacity(). Returns the status of the fugacity routine.
  */
-StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, bool tight, const TrialWork& work, Trial& trial);
+StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work, Trial& trial);
+
+/*
+ * Curvature of the distance at the reference itself, the matrix 1 + sqrt(z_i z_j) d ln phi_i/d n_j: true when its
+ * lowest eigenvalue is safely above zero, so that no other minimum can be close. Else lowest[ld] is a unit vector
+ * near the lowest eigenvector. status: of the fugacity routine, which makes the result true.
+ */
+bool clearly_convex(Model& m, const Reference& ref, Kind kind, const TrialWork& work, Trial& trial, double* lowest,
+                    StatusCode& status);
 
 /*
  * First substitution from the pure component j: fills trial.log_w, and Z of the pure phase. log_w[j] is then the

@@ -21,6 +21,7 @@ constexpr double kSmallestRelaxation = 0.1;
 constexpr double kFinished = 1e-10, kOneStepAway = 3e-6;
 constexpr int kPolishSteps = 12;
 constexpr double kSmallestPivot = 1e-14;
+constexpr double kFirstShift = 1e-10;  // beside a critical point the lowest eigenvalue is tiny, and so must the shift be
 constexpr double kLargestNewtonStep = 5.0;  // in ln K
 constexpr int kStepCuts = 12;               // until both phases are there
 constexpr double kTrivialLogK2 = 1e-11;  // sum of z (ln K)^2 of two phases that are one
@@ -148,10 +149,13 @@ bool newton_direction(Model& m, const TwoPhaseWork& work, Iterate& it) {
       newton_matrix(m, work, shift, it);
       ++m.counts.factorisations;
       if (support::ldl_factor(n, ld, work.system, kSmallestPivot)) break;
-      shift = shift > 0.0 ? 8.0 * shift : 1e-4;
+      shift = shift > 0.0 ? 4.0 * shift : kFirstShift;
       if (shift > 100.0) return false;
     }
     support::ldl_solve(n, ld, work.system, work.step);
+    double largest = 0.0;  // inverse pivots stand on the diagonal
+    for (int i = 0; i < n; ++i) largest = std::max(largest, work.system[static_cast<std::size_t>(i) * ld + i]);
+    it.smallest_pivot = 1.0 / largest;
   }
   // From the amounts to ln K = ln v_i - ln l_i - ln V + ln L; an absent component follows by substitution.
   double dV = 0.0;
@@ -252,7 +256,7 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
     if (!accepted && !follow_rules(settings, p, it.error, it.count)) return Outcome::broke_down;
     newton_taken = false;
     if (derivatives && newton_direction(m, work, it)) {
-      const bool last = accepted && it.worst < kOneStepAway;
+      const bool last = accepted && it.worst < kOneStepAway * std::min(it.smallest_pivot, 1.0);
       before = it.gibbs;
       factor = 1.0;
       if (!take_newton_step(m, 1.0, work, it)) return Outcome::one_phase;

@@ -22,6 +22,7 @@ struct Iterate {
   double gibbs = 0.0;                         // Gibbs energy over RT of the two phases, relative to pure gases
   double error = 0.0;                         // sum of r^2 over the components that are present
   double worst = 0.0;                         // largest |r| of them
+  double smallest_pivot = 0.0;                // of the last Newton system: how close to singular it was
   double Zx = 0.0, Zy = 0.0;
   Kind kind_x = Kind::liquid, kind_y = Kind::gas;
   int count = 0;                              // passes of this solve, shown in the trace
