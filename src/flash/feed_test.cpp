@@ -11,7 +11,7 @@ namespace {
 
 // Activity of a component in the tested phase, with its pure state as unit, from which on a phase of almost nothing
 // else could split off; of the heaviest component, whose phase may hold much of the others.
-constexpr double kWorthFollowing = 0.1, kHeaviestWorthFollowing = 0.03;
+constexpr double kWorthFollowing = 0.15, kHeaviestWorthFollowing = 0.1;
 // Light gases, whose near-pure trials always run: critical temperature below this, K.
 constexpr double kLightGas = 310.0;
 // b/v of a dilute gas: half the critical packing.
@@ -71,6 +71,8 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
   for (int j = 0; j < n; ++j) {
     if (!(f.it.z[j] > 0.0)) continue;
     if (!(j == heaviest || j == favoured || j == water || Tc[j] < kLightGas)) continue;
+    // Above its critical temperature a component that a phase consists of has no second phase of its own.
+    if (f.call.T > Tc[j] && (ref.z[j] > 0.5 || (ref.other != nullptr && ref.other[j] > 0.5))) continue;
     f.status = start_near_pure(f.m, ref, j, f.trial);
     if (f.status != KV_OK) return false;
     const double least = j == heaviest ? kHeaviestWorthFollowing : kWorthFollowing;

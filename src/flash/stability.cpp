@@ -21,10 +21,10 @@ constexpr double kSafePositive = 1e-4, kSafeFactor = 25.0;
 constexpr double kLargestLogW = 600.0;
 // A negative distance beyond this needs no more digits to start a split from.
 constexpr double kClearlyNegative = -1e-2, kClearGradient = 1e-3;
-constexpr double kTrivialDistance = 5e-3, kTrivialRatio = 0.2;
+constexpr double kTrivialDistance = 1e-1, kTrivialRatio = 0.2;
 constexpr double kKnownComposition = 0.01;
 constexpr double kConvex = 0.1;  // lowest eigenvalue of a reference that quick trials are good enough for
-constexpr double kSameComposition = 1e-16, kNearComposition = 0.1;  // sum of (w - z)^2/(w + z)
+constexpr double kSameComposition = 1e-16, kNearComposition = 0.4;  // sum of (w - z)^2/(w + z)
 
 // ln phi of the trial, residuals r and tm.
 StatusCode measure(Model& m, const Reference& ref, Kind kind, double* dn, const TrialWork& work, Trial& t) {
