@@ -15,6 +15,8 @@ constexpr double kWorthFollowing = 0.15, kHeaviestWorthFollowing = 0.1;
 // Light gases, whose near-pure trials always run: critical temperature below this, K.
 constexpr double kLightGas = 310.0;
 // b/v of a dilute gas: half the critical packing.
+// Distance from which on a liquid is missing beside a vapour of a free-water answer.
+constexpr double kUnstableLiquid = -1e-9;
 constexpr double kDilutePacking = 0.04;
 // Length of a first step along the direction of lowest curvature, in sqrt(W).
 constexpr double kAlong = 0.2;
@@ -200,12 +202,23 @@ bool test_feed(Flash& f) {
 }
 
 bool test_answer(Flash& f, bool& stable) {
-  // The tangent plane of the whole answer; x is a phase of it.
-  for (int i = 0; i < f.m.ld; ++i) f.answer_d[i] = support::fast_log(f.it.x[i]) + f.it.ln_phi_x[i];
+  // The tangent plane of the whole answer; x is a phase of it. With free water it is the vapour's plane that counts:
+  // a liquid of the water rules may be two.
+  const bool vapour = f.m.free_water;
+  const double* z = vapour ? f.it.y : f.it.x;
+  const double* phi = vapour ? f.it.ln_phi_y : f.it.ln_phi_x;
+  for (int i = 0; i < f.m.ld; ++i) f.answer_d[i] = support::fast_log(z[i]) + phi[i];
   f.have_lowest = false;
+  f.how = vapour ? Follow::strict : Follow::quick;
   stable = true;
-  if (!near_pure_trials(f, {f.it.x, f.answer_d, f.it.y}, true)) return false;
-  stable = !(f.have_lowest && f.lowest.tm < kUnstable);
+  if (vapour) {
+    // The liquid that the vapour would form, whether there is water beside it or not.
+    const Reference plane{z, f.answer_d};
+    if (!start_trial(f, plane, kWilsonLiquid) || !run_trial(f, plane, Kind::liquid)) return false;
+  } else if (!near_pure_trials(f, {f.it.x, f.answer_d, f.it.y}, true)) {
+    return false;
+  }
+  stable = !(f.have_lowest && f.lowest.tm < (vapour ? kUnstableLiquid : kUnstable));
   return true;
 }
 

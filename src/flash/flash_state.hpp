@@ -29,6 +29,7 @@ struct Flash {
   double* d = nullptr;            // [ld] ln z + ln phi of it
   double* answer_d = nullptr;     // [ld] the same of a phase of an answer under test
   double* direction = nullptr;    // [ld] of lowest curvature at the feed
+  double* dry = nullptr;          // [ld] the feed without its water
   double feed_gibbs = 0.0;        // sum of z d
   double feed_Z = 0.0;
   Kind feed_kind = Kind::stable;

@@ -151,7 +151,8 @@ bool try_all_trials(Flash& f, const Reference& ref, std::initializer_list<Beside
 
 // An answer that is cut by its tangent plane: other splits, from all that cuts the planes of the answer and of the
 // feed, until none is lower. What then is still cut is a state with three phases.
-bool look_for_better(Flash& f, Iterate& answer) {
+bool look_for_better(Flash& f) {
+  Iterate& answer = f.answer;
   for (int k = 0; k < kMaxOtherAnswers; ++k) {
     bool stable = true, improved = false;
     if (!test_answer(f, stable)) return false;
@@ -170,6 +171,42 @@ bool look_for_better(Flash& f, Iterate& answer) {
     if (!improved) return true;
   }
   return true;
+}
+
+// The hydrocarbons' own split, without the water, from the liquid f.lowest that their vapour forms; then ln K with all
+// the water added to that liquid. False when they do not split.
+bool start_from_dry_split(Flash& f) {
+  const int n = f.m.n, w = f.m.water;
+  const double* wet = f.it.z;
+  const double water = wet[w];
+  for (int i = 0; i < n; ++i) f.dry[i] = i == w ? 0.0 : wet[i] / (1.0 - water);
+  start_from_trial(f, f.best.ln_phi_y, f.best.Zy, Kind::gas, Source::other_answer);
+  f.it.beta = 0.5;
+  f.it.z = f.dry;
+  f.m.free_water = false;
+  const Outcome outcome = iterate_two_phases(f.m, f.settings, {}, f.trace, f.two, f.it, f.status);
+  f.m.free_water = true;
+  f.it.z = wet;
+  if (outcome != Outcome::converged) return false;
+  const double share = (1.0 - water) * f.it.liquid / ((1.0 - water) * f.it.liquid + water);  // of oil in the liquid
+  for (int i = 0; i < n; ++i) f.it.log_k[i] -= std::log(share);
+  const double water_coefficient = f.m.psat.value / f.m.P / (1.0 - share);
+  f.it.log_k[w] = std::clamp(std::log(water_coefficient) - f.it.ln_phi_y[w], -kLargestLogK, kLargestLogK);
+  f.it.beta *= 1.0 - water;
+  usual_kinds(f);
+  return true;
+}
+
+// A vapour beside water only, which would condense: once more with the liquid that it forms. The answer stays where
+// that start leads nowhere.
+bool add_missing_liquid(Flash& f) {
+  bool stable = true;
+  if (!test_answer(f, stable)) return false;
+  if (stable) return true;
+  copy_answer(f.it, f.best, f.m.ld);
+  const Outcome outcome = start_from_dry_split(f) ? iterate(f, false) : Outcome::one_phase;
+  if (outcome != Outcome::converged) copy_answer(f.best, f.it, f.m.ld);
+  return outcome != Outcome::routine;
 }
 
 // The phase counted by beta is the one with the larger Z.
@@ -193,7 +230,7 @@ StatusCode write_answer(Flash& f, StatusCode status) {
 }
 
 StatusCode finish_two_phases(Flash& f) {
-  if (!f.m.free_water && !look_for_better(f, f.answer)) return write_answer(f, f.status);
+  if (!(f.m.free_water ? add_missing_liquid(f) : look_for_better(f))) return write_answer(f, f.status);
   order_phases(f);
   return write_answer(f, KV_OK);
 }
@@ -292,6 +329,7 @@ StatusCode set_up(const IsothermalCall& call, support::Arena& arena) {
   f.d = arena.zeros(ld);
   f.answer_d = arena.zeros(ld);
   f.direction = arena.zeros(ld);
+  f.dry = arena.zeros(ld);
   const StatusCode result = solve(f);
   if (call.counts != nullptr) *call.counts = m.counts;
   return result;

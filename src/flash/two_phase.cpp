@@ -19,7 +19,9 @@ constexpr double kSlowest = 0.999, kFastest = 0.001;  // reduction factors that 
 constexpr double kSmallestRelaxation = 0.1;
 // The answer owed: ln fugacities equal to this. A Newton step squares what is left.
 constexpr double kFinished = 1e-10, kOneStepAway = 3e-6;
-constexpr int kPolishSteps = 12;
+constexpr double kOwed = 1e-8;
+constexpr int kPolishSteps = 60;
+constexpr int kPlainSteps = 6, kMaxTakenBack = 200;
 constexpr double kSmallestPivot = 1e-14;
 constexpr double kFirstShift = 1e-10;  // beside a critical point the lowest eigenvalue is tiny, and so must the shift be
 constexpr double kLargestNewtonStep = 5.0;  // in ln K
@@ -132,8 +134,11 @@ void newton_matrix(const Model& m, const TwoPhaseWork& work, double shift, Itera
 // Newton direction; where S is not positive definite it is shifted until it is, which still goes downhill.
 bool newton_direction(Model& m, const TwoPhaseWork& work, Iterate& it) {
   const int n = m.n, ld = m.ld;
-  for (int i = 0; i < ld; ++i)
-    work.scale[i] = i < n && it.z[i] > 0.0 ? std::sqrt(it.x[i] * it.y[i] / it.z[i]) : 0.0;
+  // Absent components and those whose K is at its bound take no part; they follow by substitution.
+  for (int i = 0; i < ld; ++i) {
+    const bool free = i < n && it.z[i] > 0.0 && std::fabs(it.r[i] + it.log_k[i]) < kLargestLogK;
+    work.scale[i] = free ? std::sqrt(it.x[i] * it.y[i] / it.z[i]) : 0.0;
+  }
   for (int i = 0; i < ld; ++i) work.step[i] = it.beta * it.liquid * work.scale[i] * it.r[i];
   if (m.free_water) {
     // The free-water rules are no derivatives of one Gibbs energy: a general matrix.
@@ -157,7 +162,7 @@ bool newton_direction(Model& m, const TwoPhaseWork& work, Iterate& it) {
     for (int i = 0; i < n; ++i) largest = std::max(largest, work.system[static_cast<std::size_t>(i) * ld + i]);
     it.smallest_pivot = 1.0 / largest;
   }
-  // From the amounts to ln K = ln v_i - ln l_i - ln V + ln L; an absent component follows by substitution.
+  // From the amounts to ln K = ln v_i - ln l_i - ln V + ln L.
   double dV = 0.0;
   for (int i = 0; i < n; ++i) dV += work.scale[i] * work.step[i];
   const double common = dV / (it.beta * it.liquid);
@@ -232,23 +237,32 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
   if (!split_feed(m, it)) return Outcome::one_phase;
   bool newton_taken = false, accepted = false;
   double before = 0.0, factor = 1.0;
-  int polish = 0, failures = 0;
+  int polish = 0, failures = 0, plain = 0;
   for (;;) {
     ++it.count;
     ++m.counts.iterations;
     if (it.count > p.limit && !accepted) return Outcome::exhausted;
-    const bool derivatives = p.linearised || p.damped || accepted;
+    const bool derivatives = (p.linearised || p.damped || accepted) && plain == 0;
     status = evaluate_phases(m, work, derivatives, it);
     if (status != KV_OK) return Outcome::routine;
     if (!accepted) trace_pass(trace, p, it);
-    // A Newton step that raised the Gibbs energy is cut in half from where it began.
+    // A Newton step that went uphill: in Gibbs energy it is cut from where it began; without one (free water) it is
+    // taken back and a few substitutions go first.
     if (newton_taken && !m.free_water && it.gibbs > before + 1e-11 * (1.0 + std::fabs(before)) && factor > 1e-4) {
       factor *= 0.25;
       if (!take_newton_step(m, factor, work, it)) return Outcome::one_phase;
       continue;
     }
+    if (newton_taken && m.free_water && it.error > before) {
+      newton_taken = false;
+      plain = kPlainSteps;
+      if (++failures > kMaxTakenBack || !take_newton_step(m, 0.0, work, it)) return Outcome::broke_down;
+      continue;
+    }
+    if (plain > 0) --plain;
     if (!accepted && it.error <= settings.CRIT && it.count >= 2) accepted = true;
-    if (accepted && (it.worst <= kFinished || ++polish > kPolishSteps)) return Outcome::converged;
+    if (accepted && it.worst <= kFinished) return Outcome::converged;
+    if (accepted && ++polish > kPolishSteps) return it.worst <= kOwed ? Outcome::converged : Outcome::broke_down;
     if (it.count >= 2 && phases_are_one(m, it)) return Outcome::trivial;
     if (plan.compare_with_feed && !accepted && it.count == kDecreasesBeforeSwitch &&
         !(it.gibbs < plan.feed_gibbs - 1e-10))
@@ -257,7 +271,7 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
     newton_taken = false;
     if (derivatives && newton_direction(m, work, it)) {
       const bool last = accepted && it.worst < kOneStepAway * std::min(it.smallest_pivot, 1.0);
-      before = it.gibbs;
+      before = m.free_water ? it.error : it.gibbs;
       factor = 1.0;
       if (!take_newton_step(m, 1.0, work, it)) return Outcome::one_phase;
       // One Newton step from here is beyond the precision owed: no evaluation is spent on seeing it.
@@ -265,7 +279,7 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
       newton_taken = true;
       continue;
     }
-    if (derivatives && ++failures > 200) return Outcome::broke_down;
+    if (derivatives && ++failures > kMaxTakenBack) return Outcome::broke_down;
     substitute(m, derivatives ? 1.0 : p.relaxation, it);
     if (!split_feed(m, it)) return Outcome::one_phase;
   }
