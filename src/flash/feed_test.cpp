@@ -14,6 +14,9 @@ namespace {
 constexpr double kWorthFollowing = 0.15, kHeaviestWorthFollowing = 0.1;
 // Light gases, whose near-pure trials always run: critical temperature below this, K.
 constexpr double kLightGas = 310.0;
+// Small strongly cohesive molecules (hydrogen sulphide, sulphur dioxide, ammonia, water, methanol), which like to keep
+// to themselves: critical pressure above this, atm. No hydrocarbon comes near it.
+constexpr double kCohesive = 60.0;
 // b/v of a dilute gas: half the critical packing.
 // Distance from which on a liquid is missing beside a vapour of a free-water answer.
 constexpr double kUnstableLiquid = -1e-9;
@@ -59,6 +62,7 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
   const int n = f.m.n;
   const MixtureRecord& r = *f.call.mixture;
   const double* Tc = r.table + static_cast<std::size_t>(KV_COL_TC - 1) * r.count;
+  const double* Pc = r.table + static_cast<std::size_t>(KV_COL_PC - 1) * r.count;
   const int water = find_water_family(r);
   int heaviest = 0, favoured = 0;
   double most = -1.0;
@@ -72,7 +76,7 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
   }
   for (int j = 0; j < n; ++j) {
     if (!(f.it.z[j] > 0.0)) continue;
-    if (!(j == heaviest || j == favoured || j == water || Tc[j] < kLightGas)) continue;
+    if (!(j == heaviest || j == favoured || j == water || Tc[j] < kLightGas || Pc[j] > kCohesive)) continue;
     // Above its critical temperature a component that a phase consists of has no second phase of its own.
     if (f.call.T > Tc[j] && (ref.z[j] > 0.5 || (ref.other != nullptr && ref.other[j] > 0.5))) continue;
     f.status = start_near_pure(f.m, ref, j, f.trial);
@@ -212,11 +216,13 @@ bool test_answer(Flash& f, bool& stable) {
   f.how = vapour ? Follow::strict : Follow::quick;
   stable = true;
   if (vapour) {
-    // The liquid that the vapour would form, whether there is water beside it or not.
-    const Reference plane{z, f.answer_d};
-    if (!start_trial(f, plane, kWilsonLiquid) || !run_trial(f, plane, Kind::liquid)) return false;
-  } else if (!near_pure_trials(f, {f.it.x, f.answer_d, f.it.y}, true)) {
-    return false;
+    // The liquid and the gas that the vapour would form, whether there is water beside it or not.
+    if (!wilson_trials(f, {z, f.answer_d})) return false;
+  } else {
+    const Reference plane{f.it.x, f.answer_d, f.it.y};
+    // An answer that was led to by a host's estimate may be any of several: the usual starts look for others.
+    if (f.call.start != Start::cold && !wilson_trials(f, plane)) return false;
+    if (!near_pure_trials(f, plane, true)) return false;
   }
   stable = !(f.have_lowest && f.lowest.tm < (vapour ? kUnstableLiquid : kUnstable));
   return true;

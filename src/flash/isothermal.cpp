@@ -17,13 +17,14 @@ namespace kestrune::flash {
 namespace {
 
 // How the solver chose its own starting point; shown in the trace.
-enum class Source { wilson = 1, estimate = 2, trial = 3, other_answer = 4 };
+enum class Source { wilson = 1, estimate = 2, trial = 3, other_answer = 4, water = 5 };
 
 // Phase-situation codes of a solve that ends with one phase.
 enum class Situation { liquid = 3, vapour = 4 };
 
 constexpr int kMaxOtherAnswers = 8;
 constexpr double kLower = 1e-12;     // a Gibbs energy over RT counts as lower from here
+constexpr double kWaterStaysLiquid = 1e-6;  // ln K of water at a start from free water is below minus this
 constexpr double kRounding = 1e-10;  // of Gibbs energies over RT
 
 void normalise_feed(const IsothermalCall& c, int n, double* z) {
@@ -54,6 +55,17 @@ void start_from_wilson(Flash& f) {
   for (int i = 0; i < f.m.ld; ++i) f.it.log_k[i] = support::fast_log(f.wilson_k[i]);
   f.it.beta = 0.5;
   trace_internal_index(f.trace, static_cast<int>(Source::wilson));
+}
+
+// Free water: all the water in the liquid, everything else in the vapour.
+void start_from_water(Flash& f) {
+  usual_kinds(f);
+  for (int i = 0; i < f.m.ld; ++i) f.it.log_k[i] = kLargestLogK;
+  const int w = f.m.water;
+  const double k = f.m.psat.value / f.m.P;
+  f.it.log_k[w] = std::clamp(support::fast_log(k), -kLargestLogK, -kWaterStaysLiquid);
+  f.it.beta = 1.0 - f.it.z[w];
+  trace_internal_index(f.trace, static_cast<int>(Source::water));
 }
 
 void start_from_estimate(Flash& f) {
@@ -173,14 +185,15 @@ bool look_for_better(Flash& f) {
   return true;
 }
 
-// The hydrocarbons' own split, without the water, from the liquid f.lowest that their vapour forms; then ln K with all
+// The hydrocarbons' own split, without the water, from the phase f.lowest that splits off them; then ln K with all
 // the water added to that liquid. False when they do not split.
 bool start_from_dry_split(Flash& f) {
   const int n = f.m.n, w = f.m.water;
   const double* wet = f.it.z;
   const double water = wet[w];
   for (int i = 0; i < n; ++i) f.dry[i] = i == w ? 0.0 : wet[i] / (1.0 - water);
-  start_from_trial(f, f.best.ln_phi_y, f.best.Zy, Kind::gas, Source::other_answer);
+  const Kind kind = f.lowest.Z > f.best.Zy ? Kind::liquid : Kind::gas;  // of the answer's y beside the trial
+  start_from_trial(f, f.best.ln_phi_y, f.best.Zy, kind, Source::other_answer);
   f.it.beta = 0.5;
   f.it.z = f.dry;
   f.m.free_water = false;
@@ -197,8 +210,8 @@ bool start_from_dry_split(Flash& f) {
   return true;
 }
 
-// A vapour beside water only, which would condense: once more with the liquid that it forms. The answer stays where
-// that start leads nowhere.
+// Hydrocarbons beside water only, in one phase where two are due: once more with both. The answer stays where that
+// start leads nowhere.
 bool add_missing_liquid(Flash& f) {
   bool stable = true;
   if (!test_answer(f, stable)) return false;
@@ -264,6 +277,11 @@ StatusCode split_from_trial(Flash& f) {
     f.settings.relaxation = kRobustRelaxation;
     f.settings.ITEMAX = kRobustIterations;
     f.settings.robust = true;
+  }
+  if (f.m.free_water) {
+    start_from_water(f);
+    if (good_split(f, true, outcome)) return finish_two_phases(f);
+    if (outcome == Outcome::routine) return write_answer(f, f.status);
   }
   // On the boundary itself: what splits off has no amount that could be told from rounding.
   if (f.lowest.tm > -1e-8) return finish_single_phase(f);

@@ -32,11 +32,12 @@ TEST(Identities, GibbsDuhemSymmetryAndTheSumsOfPartialValues) {
       size = std::fmax(size, std::fabs(x[i] * e.ln_phi[i]));
       double duhem = 0, largest = 1;
       for (std::size_t j = 0; j < n; ++j) {
-        EXPECT_EQ(e.dn[i + j * n], e.dn[j + i * n]) << i << ' ' << j;
+        const double there = e.dn[i + j * n], back = e.dn[j + i * n];
+        EXPECT_NEAR(there, back, 1e-12 * (1 + amplification) * std::fmax(1.0, std::fabs(there))) << i << ' ' << j;
         duhem += x[j] * e.dn[j + i * n];
         largest = std::fmax(largest, std::fabs(e.dn[j + i * n]));
       }
-      EXPECT_NEAR(duhem, 0.0, 1e-12 * largest * (1 + amplification)) << "Gibbs-Duhem, component " << i;
+      EXPECT_NEAR(duhem, 0.0, 1e-11 * largest * (1 + amplification)) << "Gibbs-Duhem, component " << i;
     }
     const double tolerance = 1e-11 * size * (1 + amplification);
     EXPECT_NEAR(gibbs, (e.v.H_res - T * e.v.S_res) / (kGasConstant * T), tolerance + 1e-7 * std::fabs(gibbs));

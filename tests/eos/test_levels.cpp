@@ -1,6 +1,7 @@
 // Each evaluation level writes what its stages say and nothing else.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <string>
@@ -14,21 +15,21 @@ namespace {
 
 constexpr double kUntouched = -7.25;
 
-struct Run {
+struct Levelled {
   std::array<double, 2> ln_phi, dT, dP, h;
   eos::PhaseValues v;
   bool ok;
 };
 
 // One evaluation with every output preset; Z goes in.
-Run run(int level, double Z, int phase = KV_PHASE_GAS, double P = 40.0) {
+Levelled run(int level, double Z, int phase = KV_PHASE_GAS, double P = 40.0) {
   static Mixture m = mixture_of({"methane", "propane"});
   static const frame::GroupData data = converted(m);
   std::vector<double> block(4000);
   support::Arena arena(block.data(), 8 * 2000);
   eos::Temperature t;
   EXPECT_EQ(eos::prepare(300.0, m.record, data, eos::order_of_level(level), arena, t), KV_OK);
-  Run r;
+  Levelled r;
   for (auto* array : {&r.ln_phi, &r.dT, &r.dP, &r.h}) array->fill(kUntouched);
   r.v = {-7,         Z,          kUntouched, kUntouched, r.ln_phi.data(), r.dT.data(), r.dP.data(),
          r.h.data(), kUntouched, kUntouched, kUntouched, kUntouched,      kUntouched,  kUntouched,
@@ -49,7 +50,7 @@ TEST(Levels, WriteWhatTheirStagesSayAndNothingElse) {
   for (int level = 0; level <= 12; ++level) {
     SCOPED_TRACE(level);
     const bool solves = !among(level, {10, 11, 12});
-    const Run r = run(level, solves ? kUntouched : 0.9 * Z);
+    const Levelled r = run(level, solves ? kUntouched : 0.9 * Z);
     ASSERT_TRUE(r.ok);
     EXPECT_EQ(r.v.Z, solves ? Z : 0.9 * Z);
     EXPECT_EQ(r.v.status, solves ? 0 : -7);
@@ -80,22 +81,21 @@ TEST(Levels, WriteWhatTheirStagesSayAndNothingElse) {
 }
 
 TEST(Levels, AGivenZIsTheOneThatIsUsed) {
-  // ln phi of the formula at a Z that solves no cubic, for a pure-like check through a second Z.
-  const Run solved = run(4, 0.0), same = run(10, solved.v.Z), other = run(10, 0.8 * solved.v.Z);
+  const Levelled solved = run(4, 0.0), same = run(10, solved.v.Z), other = run(10, 0.8 * solved.v.Z);
   for (std::size_t i = 0; i < 2; ++i) {
     EXPECT_DOUBLE_EQ(same.ln_phi[i], solved.ln_phi[i]);
     EXPECT_GT(std::fabs(other.ln_phi[i] - solved.ln_phi[i]), 0.01);
   }
-  // The departure of the formula from what it was is known in closed form for the mean of ln phi.
-  const auto mean = [](const Run& r) {
+  // The mean of ln phi in closed form, also at a Z that is no root of the cubic.
+  const auto mean = [](const Levelled& r) {
     const double Z = r.v.Z, A = r.v.A, B = r.v.B, s = std::sqrt(8.0);
     return Z - 1 - std::log(Z - B) + A / (B * s) * std::log((2 * Z + (2 - s) * B) / (2 * Z + (2 + s) * B));
   };
-  for (const Run& r : {solved, other}) EXPECT_NEAR(0.7 * r.ln_phi[0] + 0.3 * r.ln_phi[1], mean(r), 1e-13);
+  for (const Levelled& r : {solved, other}) EXPECT_NEAR(0.7 * r.ln_phi[0] + 0.3 * r.ln_phi[1], mean(r), 1e-13);
 }
 
 TEST(Levels, AnUnusableCubicLeavesRootAndStatusAlone) {
-  const Run r = run(9, kUntouched, KV_PHASE_LIQUID, INFINITY);
+  const Levelled r = run(9, kUntouched, KV_PHASE_LIQUID, INFINITY);
   EXPECT_FALSE(r.ok);
   EXPECT_EQ(r.v.Z, kUntouched);
   EXPECT_EQ(r.v.v, kUntouched);
