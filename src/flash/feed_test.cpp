@@ -138,10 +138,10 @@ bool start_trial(Flash& f, const Reference& ref, int number) {
   const int n = f.m.n;
   switch (number) {
     case kWilsonLiquid:
-      for (int i = 0; i < n; ++i) f.trial.log_w[i] = support::fast_log(ref.z[i] / f.wilson_k[i]);
+      for (int i = 0; i < n; ++i) f.trial.log_w[i] = support::fast_log(f.it.z[i] / f.wilson_k[i]);
       return true;
     case kWilsonVapour:
-      for (int i = 0; i < n; ++i) f.trial.log_w[i] = support::fast_log(ref.z[i] * f.wilson_k[i]);
+      for (int i = 0; i < n; ++i) f.trial.log_w[i] = support::fast_log(f.it.z[i] * f.wilson_k[i]);
       return true;
     case kIdealGas:  // what an ideal gas in equilibrium with the reference would be
       for (int i = 0; i < n; ++i) f.trial.log_w[i] = ref.d[i];

@@ -71,6 +71,8 @@ void start_from_water(Flash& f) {
 void start_from_estimate(Flash& f) {
   const IsothermalCall& c = f.call;
   usual_kinds(f);
+  // The estimate may be two liquids: each phase takes the root that suits it.
+  if (!f.m.free_water && !f.liquids_only()) f.it.kind_x = f.it.kind_y = Kind::stable;
   for (int i = 0; i < f.m.n; ++i) {
     double k = f.wilson_k[i];
     if (c.x[i] > 0.0 || c.y[i] > 0.0) k = c.x[i] > 0.0 ? c.y[i] / c.x[i] : kLargestK;
