@@ -53,6 +53,7 @@ bool run_trial(Flash& f, const Reference& ref, Kind kind) {
   reference.known = f.have_lowest && f.lowest.tm > 0.0 ? f.lowest.w : nullptr;
   f.status = follow_trial(f.m, reference, kind, f.how, f.work, f.trial);
   if (f.status != KV_OK) return false;
+  f.came_back |= f.trial.end == TrialEnd::trivial;
   remember(f);
   return true;
 }
@@ -98,19 +99,26 @@ bool wilson_trials(Flash& f, const Reference& ref) {
   return true;
 }
 
-// Trials from the feed along the direction of lowest curvature, both ways: where a critical point is close, what
-// splits off differs from the feed in this direction.
+// Trials from the reference along the direction of lowest curvature, both ways: where a critical point is close, what
+// splits off differs from it in this direction.
 bool trials_along(Flash& f, const Reference& ref) {
   const int n = f.m.n;
   for (const double sign : {1.0, -1.0}) {
     for (int i = 0; i < n; ++i) {
-      const double root = std::sqrt(f.it.z[i]);
+      const double root = std::sqrt(ref.z[i]);
       const double next = std::max(root + sign * kAlong * f.direction[i], 0.1 * root);
       f.trial.log_w[i] = 2.0 * support::fast_log(next);
     }
     if (!run_trial(f, ref, liquid_kind(f))) return false;
   }
   return true;
+}
+
+// Trials out of a phase that is not clearly convex.
+bool test_curvature(Flash& f, const Reference& ref) {
+  if (clearly_convex(f.m, ref, liquid_kind(f), f.work, f.trial, f.direction, f.status)) return f.status == KV_OK;
+  f.how = Follow::strict;
+  return trials_along(f, ref);
 }
 
 // A gas too thin to be close to a critical point.
@@ -214,6 +222,7 @@ bool test_answer(Flash& f, bool& stable) {
   for (int i = 0; i < f.m.ld; ++i) f.answer_d[i] = support::fast_log(z[i]) + phi[i];
   f.have_lowest = false;
   f.how = vapour ? Follow::strict : Follow::quick;
+  f.came_back = false;
   stable = true;
   if (vapour) {
     // The liquid and the gas that the vapour would form, whether there is water beside it or not.
@@ -223,6 +232,10 @@ bool test_answer(Flash& f, bool& stable) {
     // An answer that was led to by a host's estimate may be any of several: the usual starts look for others.
     if (f.call.start != Start::cold && !wilson_trials(f, plane)) return false;
     if (!near_pure_trials(f, plane, true)) return false;
+    // A trial came back to a phase of the answer: that settles it only where the phase is clearly convex.
+    if (f.came_back && !(f.have_lowest && f.lowest.tm < kUnstable) &&
+        !(test_curvature(f, plane) && test_curvature(f, {f.it.y, f.answer_d, f.it.x})))
+      return false;
   }
   stable = !(f.have_lowest && f.lowest.tm < (vapour ? kUnstableLiquid : kUnstable));
   return true;

@@ -187,40 +187,61 @@ bool look_for_better(Flash& f) {
   return true;
 }
 
-// The hydrocarbons' own split, without the water, from the phase f.lowest that splits off them; then ln K with all
-// the water added to that liquid. False when they do not split.
-bool start_from_dry_split(Flash& f) {
+enum class Dry { failed, liquid, vapour, two_phases };
+
+// Flash of the feed without its water, by the equation of state alone; f.best.beta, x and y hold its answer.
+Dry flash_dry_feed(Flash& f) {
   const int n = f.m.n, w = f.m.water;
-  const double* wet = f.it.z;
-  const double water = wet[w];
-  for (int i = 0; i < n; ++i) f.dry[i] = i == w ? 0.0 : wet[i] / (1.0 - water);
-  const Kind kind = f.lowest.Z > f.best.Zy ? Kind::liquid : Kind::gas;  // of the answer's y beside the trial
-  start_from_trial(f, f.best.ln_phi_y, f.best.Zy, kind, Source::other_answer);
-  f.it.beta = 0.5;
-  f.it.z = f.dry;
-  f.m.free_water = false;
-  const Outcome outcome = iterate_two_phases(f.m, f.settings, {}, f.trace, f.two, f.it, f.status);
-  f.m.free_water = true;
-  f.it.z = wet;
-  if (outcome != Outcome::converged) return false;
-  const double share = (1.0 - water) * f.it.liquid / ((1.0 - water) * f.it.liquid + water);  // of oil in the liquid
-  for (int i = 0; i < n; ++i) f.it.log_k[i] -= std::log(share);
-  const double water_coefficient = f.m.psat.value / f.m.P / (1.0 - share);
-  f.it.log_k[w] = std::clamp(std::log(water_coefficient) - f.it.ln_phi_y[w], -kLargestLogK, kLargestLogK);
-  f.it.beta *= 1.0 - water;
+  for (int i = 0; i < n; ++i) f.dry[i] = i == w ? 0.0 : f.it.z[i];
+  if (!(f.it.z[w] < 1.0)) return Dry::failed;
+  MixtureRecord silent = *f.call.mixture;
+  silent.trace_flag = 0;
+  IsothermalCall dry;
+  dry.T = f.call.T;
+  dry.P = f.call.P;
+  dry.z = f.dry;
+  dry.mixture = &silent;
+  dry.routines = f.call.routines;
+  dry.beta = &f.best.beta;
+  dry.x = f.best.x;
+  dry.y = f.best.y;
+  dry.K = f.best.k;
+  const StatusCode status = isothermal_flash(dry);
+  if (status == KV_SINGLE_PHASE) return f.best.beta == 0.0 ? Dry::liquid : Dry::vapour;
+  return status == KV_OK ? Dry::two_phases : Dry::failed;
+}
+
+// ln K from the dry flash with all the water added to its liquid. False when there is no vapour to start with.
+bool start_from_dry_flash(Flash& f) {
+  const int n = f.m.n, w = f.m.water;
+  const double water = f.it.z[w];
+  const Dry dry = flash_dry_feed(f);
+  if (dry == Dry::vapour) {
+    start_from_water(f);
+    return true;
+  }
+  if (dry != Dry::two_phases) return false;
   usual_kinds(f);
+  const double oil = (1.0 - water) * (1.0 - f.best.beta);
+  const double share = oil / (oil + water);  // of oil in the liquid
+  for (int i = 0; i < n; ++i)
+    f.it.log_k[i] = support::fast_log(f.best.k[i]) - std::log(share);
+  const double k = f.m.psat.value / f.m.P / (1.0 - share);
+  f.it.log_k[w] = std::clamp(std::log(k), -kLargestLogK, kLargestLogK);
+  f.it.beta = (1.0 - water) * f.best.beta;
+  trace_internal_index(f.trace, static_cast<int>(Source::water));
   return true;
 }
 
-// Hydrocarbons beside water only, in one phase where two are due: once more with both. The answer stays where that
-// start leads nowhere.
-bool add_missing_liquid(Flash& f) {
+// Hydrocarbons beside water in one phase where two are due: once more from their own split. The answer stays where
+// that start leads nowhere.
+bool add_missing_phase(Flash& f) {
   bool stable = true;
   if (!test_answer(f, stable)) return false;
   if (stable) return true;
-  copy_answer(f.it, f.best, f.m.ld);
-  const Outcome outcome = start_from_dry_split(f) ? iterate(f, false) : Outcome::one_phase;
-  if (outcome != Outcome::converged) copy_answer(f.best, f.it, f.m.ld);
+  copy_answer(f.it, f.answer, f.m.ld);
+  const Outcome outcome = start_from_dry_flash(f) ? iterate(f, false) : Outcome::one_phase;
+  if (outcome != Outcome::converged) copy_answer(f.answer, f.it, f.m.ld);
   return outcome != Outcome::routine;
 }
 
@@ -245,7 +266,7 @@ StatusCode write_answer(Flash& f, StatusCode status) {
 }
 
 StatusCode finish_two_phases(Flash& f) {
-  if (!(f.m.free_water ? add_missing_liquid(f) : look_for_better(f))) return write_answer(f, f.status);
+  if (!(f.m.free_water ? add_missing_phase(f) : look_for_better(f))) return write_answer(f, f.status);
   order_phases(f);
   return write_answer(f, KV_OK);
 }
@@ -304,6 +325,9 @@ StatusCode solve(Flash& f) {
   if (given) {
     start_from_estimate(f);
     if (good_split(f, false, outcome)) return finish_two_phases(f);
+  }
+  if (f.m.free_water && !f.liquids_only() && f.it.z[f.m.water] > 0.0 && outcome != Outcome::routine) {
+    if (start_from_dry_flash(f) && good_split(f, false, outcome)) return finish_two_phases(f);
   }
   if (!f.liquids_only() && outcome != Outcome::routine) {
     start_from_wilson(f);
