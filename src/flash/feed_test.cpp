@@ -229,9 +229,12 @@ bool test_answer(Flash& f, bool& stable) {
     if (!wilson_trials(f, {z, f.answer_d})) return false;
   } else {
     const Reference plane{f.it.x, f.answer_d, f.it.y};
-    // An answer that was led to by a host's estimate may be any of several: the usual starts look for others.
-    if (f.call.start != Start::cold && !wilson_trials(f, plane)) return false;
-    if (!near_pure_trials(f, plane, true)) return false;
+    const bool have_gas = kind_of(f, f.it.y, f.it.Zy) == Kind::gas || kind_of(f, f.it.x, f.it.Zx) == Kind::gas;
+    if (!start_trial(f, plane, kWilsonLiquid) || !run_trial(f, plane, liquid_kind(f))) return false;
+    if (!have_gas && !f.liquids_only() &&
+        (!start_trial(f, plane, kWilsonVapour) || !run_trial(f, plane, vapour_kind(f))))
+      return false;
+    if (!near_pure_trials(f, plane, have_gas)) return false;
     // A trial came back to a phase of the answer: that settles it only where the phase is clearly convex.
     if (f.came_back && !(f.have_lowest && f.lowest.tm < kUnstable) &&
         !(test_curvature(f, plane) && test_curvature(f, {f.it.y, f.answer_d, f.it.x})))

@@ -105,8 +105,9 @@ TEST(GroupData, OnlyTheUpperTriangleCountsAndARepeatedCallReplaces) {
 double difference_term(Mixture& m, double T) {
   double d[2];
   for (int i = 0; i < 2; ++i)
-    d[i] = std::sqrt(eos::alpha_function(T, m.at(i, KV_COL_TC), m.at(i, KV_COL_OMEGA), false, false, nullptr, nullptr) *
-                     m.at(i, KV_COL_PC));
+    d[i] = std::sqrt(
+        eos::alpha_function(T, m.at(i, KV_COL_TC), m.at(i, KV_COL_OMEGA), false, false, nullptr, nullptr) *
+        m.at(i, KV_COL_PC));
   return (d[0] - d[1]) * (d[0] - d[1]) / (2 * d[0] * d[1]);
 }
 
@@ -120,8 +121,10 @@ TEST(Interactions, ReferenceTemperatureAndComponentsWithoutGroups) {
   const double factor = 3078.7575250928 / (6.3840346 * 6.3840346) * 45.0;
   double d[2];
   for (int i = 0; i < 2; ++i)
-    d[i] = std::sqrt(factor * eos::alpha_function(298.15, m.at(i, 5), m.at(i, 9), false, false, nullptr, nullptr));
-  EXPECT_NEAR(at_reference, (0.5625 * 9.869232667160128 - (d[0] - d[1]) * (d[0] - d[1])) / (2 * d[0] * d[1]), 1e-14);
+    d[i] =
+        std::sqrt(factor * eos::alpha_function(298.15, m.at(i, 5), m.at(i, 9), false, false, nullptr, nullptr));
+  EXPECT_NEAR(at_reference, (0.5625 * 9.869232667160128 - (d[0] - d[1]) * (d[0] - d[1])) / (2 * d[0] * d[1]),
+              1e-14);
   for (const auto& counts : {std::vector<std::int32_t>{0, 0, 1, 3}, {1, 0, 0, 0}, {0, 0, 0, 0}}) {
     m.counts = counts;
     EXPECT_NEAR(interactions(m, converted(m), 330.0).k[1], -difference_term(m, 330.0), 1e-14);
@@ -133,7 +136,8 @@ TEST(Interactions, TemperatureDerivativesAgainstDifferences) {
   const frame::GroupData data = converted(m);
   for (const double T : {180.0, 298.15, 420.0}) {
     const double h = 0.02;
-    const Interactions a = interactions(m, data, T - h), b = interactions(m, data, T), c = interactions(m, data, T + h);
+    const Interactions a = interactions(m, data, T - h), b = interactions(m, data, T),
+                       c = interactions(m, data, T + h);
     for (std::size_t k = 0; k < b.k.size(); ++k) {
       EXPECT_NEAR(b.first[k], (c.k[k] - a.k[k]) / (2 * h), 1e-9);
       EXPECT_NEAR(b.second[k], (c.first[k] - a.first[k]) / (2 * h), 1e-9);
@@ -146,8 +150,9 @@ TEST(Interactions, TemperatureDerivativesAgainstDifferences) {
 TEST(Interactions, PublishedValues) {
   const double unrounded = 0.457235528921382 / (0.0777960739038885 * 0.0777960739038885);
   const double scale = 0.45724 / (0.0778 * 0.0778) / unrounded;
-  std::map<std::string, std::vector<Row>> sets{{"PPR78_original", rows("ppr78_original_interactions.csv", KESTRUNE_DATA)},
-                                               {"EPPR78_2022", rows("ppr78_interactions.csv", KESTRUNE_DATA)}};
+  std::map<std::string, std::vector<Row>> sets{
+      {"PPR78_original", rows("ppr78_original_interactions.csv", KESTRUNE_DATA)},
+      {"EPPR78_2022", rows("ppr78_interactions.csv", KESTRUNE_DATA)}};
   const auto known = rows("known_kij.csv", KESTRUNE_DATA);
   for (const Row& row : known) {
     constexpr std::size_t kGroups = 41;

@@ -21,7 +21,8 @@ TEST(Identities, GibbsDuhemSymmetryAndTheSumsOfPartialValues) {
     SCOPED_TRACE(row.at("state") + " " + row.at("mixture"));
     const double T = number(row, "T_K"), P = number(row, "P_atm");
     const auto x = numbers(row, "x");
-    const Evaluated e = evaluate_state(mixtures.at(row.at("mixture")), T, P, static_cast<int>(number(row, "phase")), x, 9);
+    const Evaluated e =
+        evaluate_state(mixtures.at(row.at("mixture")), T, P, static_cast<int>(number(row, "phase")), x, 9);
     ASSERT_TRUE(e.ok);
     const std::size_t n = x.size();
     double gibbs = 0, volume = 0, enthalpy = 0, size = 1;
@@ -33,7 +34,8 @@ TEST(Identities, GibbsDuhemSymmetryAndTheSumsOfPartialValues) {
       double duhem = 0, largest = 1;
       for (std::size_t j = 0; j < n; ++j) {
         const double there = e.dn[i + j * n], back = e.dn[j + i * n];
-        EXPECT_NEAR(there, back, 1e-12 * (1 + amplification) * std::fmax(1.0, std::fabs(there))) << i << ' ' << j;
+        EXPECT_NEAR(there, back, 1e-12 * (1 + amplification) * std::fmax(1.0, std::fabs(there)))
+            << i << ' ' << j;
         duhem += x[j] * e.dn[j + i * n];
         largest = std::fmax(largest, std::fabs(e.dn[j + i * n]));
       }
@@ -54,7 +56,8 @@ TEST(Identities, AnAbsentComponentChangesNothing) {
   const std::vector<double> x{0.6, 0.0, 0.3, 0.0, 0.1}, y{0.6, 0.3, 0.1};
   const std::size_t places[] = {0, 2, 4};
   for (const int phase : {KV_PHASE_GAS, KV_PHASE_LIQUID}) {
-    const Evaluated a = evaluate_state(whole, 290.0, 30.0, phase, x, 9), b = evaluate_state(part, 290.0, 30.0, phase, y, 9);
+    const Evaluated a = evaluate_state(whole, 290.0, 30.0, phase, x, 9),
+                    b = evaluate_state(part, 290.0, 30.0, phase, y, 9);
     ASSERT_TRUE(a.ok && b.ok);
     EXPECT_NEAR(a.v.Z / b.v.Z, 1.0, 1e-13);
     EXPECT_NEAR(a.v.H_res / b.v.H_res, 1.0, 1e-12);

@@ -56,7 +56,8 @@ TEST(Levels, WriteWhatTheirStagesSayAndNothingElse) {
     EXPECT_EQ(r.v.status, solves ? 0 : -7);
     EXPECT_DOUBLE_EQ(r.v.v, r.v.Z * 82.057 * 300.0 / 40.0);
     EXPECT_DOUBLE_EQ(r.v.rho * r.v.v, 0.7 * 16.04246 + 0.3 * 44.09562);
-    const bool slopes = among(level, {2, 3, 5, 6, 8, 9, 11, 12}), alpha_T = among(level, {3, 5, 6, 7, 8, 9, 11, 12});
+    const bool slopes = among(level, {2, 3, 5, 6, 8, 9, 11, 12}),
+               alpha_T = among(level, {3, 5, 6, 7, 8, 9, 11, 12});
     const bool ln_phi = among(level, {4, 5, 6, 7, 8, 9, 10, 11, 12}), both = slopes && alpha_T && ln_phi;
     const struct {
       const char* name;

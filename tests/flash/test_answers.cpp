@@ -1,0 +1,238 @@
+// Answers of FlashLVatTP against what must not matter: starts, scale, order, absent and repeated components;
+// and against the conditions that a single phase and a free-water answer fulfil.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+
+#include "common/flash_call.hpp"
+
+using namespace kestrune;
+using namespace kestrune::tests;
+
+namespace {
+
+Mixture rich() {
+  Mixture m = mixture_of(kRichGas);
+  m.use();
+  return m;
+}
+
+// States of the rich gas with two phases (the count is checked by their users).
+std::vector<Condition> two_phase_states(Mixture& m) {
+  std::vector<Condition> states;
+  for (const Condition& c : kTwoPhases)
+    if (flash(m, c.T, c.P, kRichGasFeed).two_phases()) states.push_back(c);
+  EXPECT_GE(states.size(), 5u);
+  return states;
+}
+
+TEST(Answers, StartsDoNotMatter) {
+  Mixture m = rich();
+  for (const Condition& c : two_phase_states(m)) {
+    SCOPED_TRACE(testing::Message() << c.T << " K " << c.P << " atm");
+    const FlashResult cold = flash(m, c.T, c.P, kRichGasFeed);
+    ASSERT_EQ(cold.status, KV_OK);
+    expect_same(flash(m, c.T, c.P, kRichGasFeed, 0, nullptr, cold), cold, 1e-10);
+    // A neighbour's answer as estimate.
+    expect_same(flash(m, c.T, c.P, kRichGasFeed, 0, nullptr, flash(m, c.T + 5, c.P + 1, kRichGasFeed)), cold,
+                1e-9);
+    // What is no estimate is a cold start, to the bit.
+    FlashResult garbage[8] = {cold, cold, cold, cold, cold, cold, cold, {}};
+    garbage[0].beta = NAN;
+    garbage[1].beta = -0.1;
+    garbage[2].x[0] = NAN;
+    garbage[3].y[1] = -1e-3;
+    garbage[4].x[0] += 0.01;
+    garbage[5].y.assign(10, 0.0);
+    garbage[6].beta = INFINITY;
+    for (const FlashResult& g : garbage) EXPECT_TRUE(flash(m, c.T, c.P, kRichGasFeed, 0, nullptr, g) == cold);
+    // An estimate that is wrong but usable.
+    FlashResult wrong = cold;
+    std::swap(wrong.x, wrong.y);
+    expect_same(flash(m, c.T, c.P, kRichGasFeed, 0, nullptr, wrong), cold, 1e-9);
+  }
+}
+
+TEST(Answers, ScaleAndOrderDoNotMatter) {
+  Mixture m = rich();
+  const std::vector<Condition> states = two_phase_states(m);
+  std::vector<FlashResult> answers;
+  for (const Condition& c : states) {
+    answers.push_back(flash(m, c.T, c.P, kRichGasFeed));
+    for (const double scale : {100.0, 1e-200, 1e300}) {
+      std::vector<double> z = kRichGasFeed;
+      for (double& v : z) v *= scale;
+      expect_same(flash(m, c.T, c.P, z), answers.back(), 1e-10);
+    }
+  }
+  // Third, sixth, ... the components in another order.
+  const std::size_t order[] = {9, 4, 0, 7, 2, 5, 8, 1, 3, 6};
+  std::vector<std::string> ids;
+  std::vector<double> z;
+  for (const std::size_t i : order) {
+    ids.push_back(kRichGas[i]);
+    z.push_back(kRichGasFeed[i]);
+  }
+  Mixture shuffled = mixture_of(ids);
+  shuffled.use();
+  for (std::size_t k = 0; k < states.size(); ++k) {
+    const FlashResult r = flash(shuffled, states[k].T, states[k].P, z);
+    FlashResult back = r;
+    for (std::size_t i = 0; i < 10; ++i) {
+      back.x[order[i]] = r.x[i];
+      back.y[order[i]] = r.y[i];
+      back.K[order[i]] = r.K[i];
+    }
+    expect_same(back, answers[k], 1e-10);
+  }
+}
+
+TEST(Answers, RepeatedComponentsAddUp) {
+  Mixture m = rich();
+  const std::vector<Condition> states = two_phase_states(m);
+  std::vector<FlashResult> answers;
+  for (const Condition& c : states) answers.push_back(flash(m, c.T, c.P, kRichGasFeed));
+  for (const std::size_t times : {4u, 10u}) {  // 40 and 100 components
+    std::vector<std::string> ids;
+    std::vector<double> z;
+    for (std::size_t k = 0; k < times; ++k) {
+      ids.insert(ids.end(), kRichGas.begin(), kRichGas.end());
+      for (const double v : kRichGasFeed)
+        z.push_back(v * 2 * static_cast<double>(k + 1) / static_cast<double>(times * (times + 1)));
+    }
+    Mixture many = mixture_of(ids);
+    many.use();
+    for (std::size_t k = 0; k < states.size(); ++k) {
+      const FlashResult r = flash(many, states[k].T, states[k].P, z);
+      FlashResult folded{r.status, r.beta, std::vector<double>(10), std::vector<double>(10),
+                         std::vector<double>(10)};
+      for (std::size_t i = 0; i < z.size(); ++i) {
+        folded.x[i % 10] += r.x[i];
+        folded.y[i % 10] += r.y[i];
+        folded.K[i % 10] += r.K[i] / static_cast<double>(times);
+      }
+      expect_same(folded, answers[k], 1e-9);
+    }
+  }
+}
+
+TEST(Answers, AbsentComponents) {
+  std::vector<std::string> ids = kRichGas;
+  std::vector<double> z = kRichGasFeed;
+  ids.insert(ids.begin() + 3, "benzene");
+  ids.push_back("n_decane");
+  z.insert(z.begin() + 3, 0.0);
+  z.push_back(0.0);
+  Mixture part = rich();
+  const std::vector<Condition> states = two_phase_states(part);
+  std::vector<FlashResult> answers;
+  for (const Condition& c : states) answers.push_back(flash(part, c.T, c.P, kRichGasFeed));
+  Mixture whole = mixture_of(ids);
+  whole.use();
+  for (std::size_t k = 0; k < states.size(); ++k) {
+    const double T = states[k].T, P = states[k].P;
+    FlashResult r = flash(whole, T, P, z);
+    const PhaseState liquid = phase_state(whole, T, P, r.x, KV_PHASE_LIQUID),
+                     gas = phase_state(whole, T, P, r.y, KV_PHASE_GAS);
+    for (const std::size_t i : {std::size_t{11}, std::size_t{3}}) {
+      EXPECT_EQ(r.x[i], 0.0);
+      EXPECT_EQ(r.y[i], 0.0);
+      // At infinite dilution, within the bounds of K; the iteration does not wait for an absent component.
+      EXPECT_NEAR(std::log(r.K[i]), std::clamp(liquid.ln_phi[i] - gas.ln_phi[i], -34.5387763949, 34.5387763949),
+                  1e-5);
+      for (auto* array : {&r.x, &r.y, &r.K}) array->erase(array->begin() + static_cast<std::ptrdiff_t>(i));
+    }
+    expect_same(r, answers[k], 1e-10);
+  }
+}
+
+TEST(Answers, PureComponents) {
+  Mixture m = mixture_of({"methane"});
+  m.use();
+  for (const double scale : {1.0, 7.0}) {
+    const FlashResult gas = flash(m, 150.0, 5.0, {scale}), liquid = flash(m, 150.0, 20.0, {scale});
+    for (const FlashResult& r : {gas, liquid}) {
+      EXPECT_EQ(r.status, KV_OK);
+      EXPECT_EQ(r.x[0], 1.0);
+      EXPECT_EQ(r.y[0], 1.0);
+    }
+    EXPECT_EQ(gas.beta, 1.0);
+    EXPECT_EQ(liquid.beta, 0.0);
+  }
+}
+
+TEST(SinglePhase, LabelFollowsThePackingAndTheIncipientPhaseIsStationary) {
+  Mixture m = rich();
+  double b = 0;
+  for (int i = 0; i < m.n; ++i)
+    b += kRichGasFeed[static_cast<std::size_t>(i)] * 0.0778 * 82.057 * m.at(i, 5) / m.at(i, 6);
+  int gases = 0, liquids = 0, incipient = 0;
+  for (const double T : {120.0, 180.0, 240.0, 270.0, 300.0, 320.0, 340.0, 400.0, 500.0})
+    for (const double P : {0.5, 10.0, 90.0, 130.0, 160.0, 400.0, 1500.0}) {
+      SCOPED_TRACE(testing::Message() << T << " K " << P << " atm");
+      const FlashResult r = flash(m, T, P, kRichGasFeed);
+      ASSERT_EQ(r.status, KV_OK);
+      if (r.two_phases()) continue;
+      const PhaseState feed = phase_state(m, T, P, kRichGasFeed);
+      const double v = feed.Z * 82.057 * T / P;
+      EXPECT_EQ(r.beta, v > 3.9514 * b ? 1.0 : 0.0);
+      (r.beta == 1.0 ? gases : liquids) += 1;
+      const std::vector<double>&mine = r.beta == 1.0 ? r.y : r.x, &w = r.beta == 1.0 ? r.x : r.y;
+      double away = 0.0;
+      for (std::size_t i = 0; i < 10; ++i) {
+        EXPECT_NEAR(mine[i], kRichGasFeed[i], 1e-15);
+        away += std::fabs(w[i] - mine[i]);
+      }
+      if (away < 1e-6) continue;  // no second phase can be told apart
+      ++incipient;
+      EXPECT_NEAR(std::accumulate(w.begin(), w.end(), 0.0), 1.0, 1e-12);
+      const PhaseState other = phase_state(m, T, P, w);
+      double low = 1e300, high = -1e300;
+      for (std::size_t i = 0; i < 10; ++i) {
+        const double distance = std::log(w[i]) + other.ln_phi[i] - std::log(kRichGasFeed[i]) - feed.ln_phi[i];
+        low = std::min(low, distance);
+        high = std::max(high, distance);
+        const double ratio = (r.beta == 1.0 ? 1 : -1) * (other.ln_phi[i] - feed.ln_phi[i]);
+        EXPECT_NEAR(std::log(r.K[i]), std::clamp(ratio, -34.5387763949, 34.5387763949), 1e-9);
+      }
+      EXPECT_NEAR(high, low, 1e-6);
+      EXPECT_GT(low, -1e-9) << "the feed is not stable";
+    }
+  EXPECT_GE(gases, 5);
+  EXPECT_GE(liquids, 5);
+  EXPECT_GE(incipient, 4);
+}
+
+TEST(FreeWater, SaturatedGasAndBalances) {
+  std::vector<std::string> ids = kLeanGas;
+  std::vector<double> z = kLeanGasFeed;
+  ids.push_back("water");
+  z.push_back(0.05);
+  const double sum = std::accumulate(z.begin(), z.end(), 0.0);
+  for (double& v : z) v /= sum;
+  Mixture m = mixture_of(ids);
+  m.use();
+  m.record.flags = FreeWaterFlag;
+  m.record.solubility_a = 5.0;  // less water than the gas takes up at any of these
+  m.record.solubility_b = 5000.0;
+  for (const Condition& c :
+       {Condition{300, 50}, Condition{280, 10}, Condition{350, 100}, Condition{320, 200}}) {
+    SCOPED_TRACE(testing::Message() << c.T << " K " << c.P << " atm");
+    const FlashResult r = flash(m, c.T, c.P, z);
+    ASSERT_EQ(r.status, KV_OK);
+    ASSERT_TRUE(r.two_phases());
+    const PhaseState gas = phase_state(m, c.T, c.P, r.y, KV_PHASE_GAS);
+    const double psat =
+        std::exp(73.649 - 7258.2 / c.T - 7.3037 * std::log(c.T) + 4.1653e-6 * c.T * c.T) / 101325;
+    EXPECT_NEAR(r.y[7] * std::exp(gas.ln_phi[7]) * c.P / psat, 1.0, 1e-8);
+    EXPECT_GT(r.x[7], 0.99);
+    for (std::size_t i = 0; i < z.size(); ++i)
+      EXPECT_NEAR((1 - r.beta) * r.x[i] + r.beta * r.y[i], z[i], 1e-12);
+    EXPECT_NEAR(std::accumulate(r.x.begin(), r.x.end(), 0.0), 1.0, 1e-12);
+    EXPECT_NEAR(std::accumulate(r.y.begin(), r.y.end(), 0.0), 1.0, 1e-12);
+  }
+  EXPECT_EQ(m.record.flags, FreeWaterFlag);
+}
+
+}  // namespace

@@ -85,7 +85,8 @@ TEST(WaterRules, LiquidAtAndAboveTheLimit) {
   for (const double xw : {1.0000001 * kLimit, 0.3, 0.9, 0.9998}) {
     const double rest = 1 - xw, x[kN] = {0.3 * rest, 0.3 * rest, xw, 0.4 * rest};
     const double modified[kN] = {0.3 * (1 - kLimit), 0.3 * (1 - kLimit), kLimit, 0.4 * (1 - kLimit)};
-    const Values v = evaluate(kT, kP, x, Kind::liquid, true), plain = evaluate(kT, kP, modified, Kind::liquid, false);
+    const Values v = evaluate(kT, kP, x, Kind::liquid, true),
+                 plain = evaluate(kT, kP, modified, Kind::liquid, false);
     for (int i = 0; i < kN; ++i) {
       if (i == kWater) continue;
       EXPECT_NEAR(v.ln_phi[i], plain.ln_phi[i] + std::log(modified[i]) - std::log(x[i]), 1e-11) << xw;
@@ -97,12 +98,14 @@ TEST(WaterRules, LiquidAtAndAboveTheLimit) {
 TEST(WaterRules, SolubilityOfOneAndAWaterRichPhase) {
   // Capped limit: below it always, the composition goes in as it is.
   const double x[kN] = {0.2, 0.1, 0.6, 0.1};
-  const Values v = evaluate(kT, kP, x, Kind::liquid, true, 50.0), plain = evaluate(kT, kP, x, Kind::liquid, false);
+  const Values v = evaluate(kT, kP, x, Kind::liquid, true, 50.0),
+               plain = evaluate(kT, kP, x, Kind::liquid, false);
   EXPECT_EQ(v.ln_phi[0], plain.ln_phi[0]);
   EXPECT_NEAR(v.ln_phi[kWater], std::log(psat(kT) / kP), 1e-13);
   // Above 0.9999 the fugacity routine is not called at all.
-  const auto refuse = +[](double, double, const double*, MixtureRecord*, std::int32_t, std::int32_t, std::int32_t,
-                          double*, double*, double*, double*) KV_CALL -> StatusCode { return 77; };
+  const auto refuse =
+      +[](double, double, const double*, MixtureRecord*, std::int32_t, std::int32_t, std::int32_t, double*,
+          double*, double*, double*) KV_CALL -> StatusCode { return 77; };
   ModelRoutines routines{};
   routines.entry[KV_ROUTINE_FUGACITY - 1] = reinterpret_cast<void*>(static_cast<KvFugacityRoutine>(refuse));
   Prepared p(kT, kP, false);
@@ -125,8 +128,10 @@ TEST(WaterRules, DerivativesAgainstDifferences) {
     const double rest = 1 - xw, x[kN] = {0.3 * rest, 0.3 * rest, xw, 0.4 * rest};
     const Values v = evaluate(kT, kP, x, Kind::liquid, true);
     const double hT = 1e-3, hP = 1e-3;
-    const Values T0 = evaluate(kT - hT, kP, x, Kind::liquid, true), T1 = evaluate(kT + hT, kP, x, Kind::liquid, true);
-    const Values P0 = evaluate(kT, kP - hP, x, Kind::liquid, true), P1 = evaluate(kT, kP + hP, x, Kind::liquid, true);
+    const Values T0 = evaluate(kT - hT, kP, x, Kind::liquid, true),
+                 T1 = evaluate(kT + hT, kP, x, Kind::liquid, true);
+    const Values P0 = evaluate(kT, kP - hP, x, Kind::liquid, true),
+                 P1 = evaluate(kT, kP + hP, x, Kind::liquid, true);
     for (int i = 0; i < kN; ++i) {
       EXPECT_NEAR(v.dT[i], (T1.ln_phi[i] - T0.ln_phi[i]) / (2 * hT), 1e-7) << i;
       EXPECT_NEAR(v.dP[i], (P1.ln_phi[i] - P0.ln_phi[i]) / (2 * hP), 1e-7) << i;
@@ -138,7 +143,8 @@ TEST(WaterRules, DerivativesAgainstDifferences) {
         low[i] = (x[i] - (i == j ? h : 0)) / (1 - h);
         high[i] = (x[i] + (i == j ? h : 0)) / (1 + h);
       }
-      const Values a = evaluate(kT, kP, low, Kind::liquid, true), b = evaluate(kT, kP, high, Kind::liquid, true);
+      const Values a = evaluate(kT, kP, low, Kind::liquid, true),
+                   b = evaluate(kT, kP, high, Kind::liquid, true);
       for (int i = 0; i < kN; ++i) {
         const double slope = (b.ln_phi[i] - a.ln_phi[i]) / (2 * h);
         EXPECT_NEAR(v.dn[i + j * kN], slope, 1e-6 * std::fmax(1.0, std::fabs(slope))) << i << ' ' << j;

@@ -16,9 +16,11 @@ TEST(Water, VapourPressureBelowAndAboveTheCriticalTemperature) {
   EXPECT_NEAR(flash::water_vapour_pressure(373.124).value, 1.0, 0.003);
   EXPECT_NEAR(flash::water_vapour_pressure(273.16).value * 101325.0, 611.657, 2.0);
   EXPECT_NEAR(flash::water_vapour_pressure(647.096).value, 217.75, 1.5);
-  EXPECT_DOUBLE_EQ(std::log(flash::water_vapour_pressure(700.0).value), 12.778500904682147 - 4789.269321502071 / 700.0);
+  EXPECT_DOUBLE_EQ(std::log(flash::water_vapour_pressure(700.0).value),
+                   12.778500904682147 - 4789.269321502071 / 700.0);
   // The line takes over where the correlation ends.
-  const double below = flash::water_vapour_pressure(647.096).value, above = flash::water_vapour_pressure(647.0961).value;
+  const double below = flash::water_vapour_pressure(647.096).value,
+               above = flash::water_vapour_pressure(647.0961).value;
   EXPECT_NEAR(above / below, 1.0, 1e-5);
   for (const double T : {250.0, 300.0, 500.0, 646.0, 648.0, 900.0}) {
     const double h = 1e-3;

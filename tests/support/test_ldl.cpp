@@ -20,7 +20,8 @@ std::vector<double> random_matrix(std::mt19937& random, int n, int ld, double sh
   for (int j = 0; j < n; ++j)
     for (int i = j; i < n; ++i) {
       double sum = i == j ? shift : 0.0;
-      for (int k = 0; k < n; ++k) sum += m[static_cast<std::size_t>(i + k * n)] * m[static_cast<std::size_t>(j + k * n)];
+      for (int k = 0; k < n; ++k)
+        sum += m[static_cast<std::size_t>(i + k * n)] * m[static_cast<std::size_t>(j + k * n)];
       a[static_cast<std::size_t>(i + j * ld)] = sum;
     }
   return a;
@@ -31,7 +32,9 @@ TEST(Ldl, SolvesPositiveDefiniteSystems) {
   for (const int n : {1, 2, 3, 7, 10, 33, 100}) {
     const int ld = n + 3;
     const std::vector<double> a = random_matrix(random, n, ld, 0.1);
-    const auto element = [&](int i, int j) { return a[static_cast<std::size_t>(i >= j ? i + j * ld : j + i * ld)]; };
+    const auto element = [&](int i, int j) {
+      return a[static_cast<std::size_t>(i >= j ? i + j * ld : j + i * ld)];
+    };
     std::vector<double> x(static_cast<std::size_t>(n)), b(x.size(), 0.0), factors = a;
     for (double& v : x) v = std::normal_distribution<double>()(random);
     double norm = 0.0;

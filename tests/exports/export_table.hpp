@@ -1,0 +1,160 @@
+// The exports that take a mixture, as data: their arguments can be replaced one by one, whatever the signature.
+#ifndef KESTRUNE_TESTS_EXPORT_TABLE_HPP
+#define KESTRUNE_TESTS_EXPORT_TABLE_HPP
+
+#include <functional>
+#include <utility>
+
+#include "common/mixture.hpp"
+
+namespace kestrune::tests {
+
+// One argument. kind: d double, i int32, z composition, m record, r routines, o double output, c int32 output.
+struct Slot {
+  char kind;
+  double number = 0.0;
+  std::int32_t integer = 0;
+  void* address = nullptr;
+};
+
+// What the outputs hold after a call that could not be worked with.
+enum class Refused {
+  untouched,
+  zeroed,   // the property exports: the value and the asked derivatives
+  envelope  // arrays up to the capacity
+};
+
+struct Export {
+  const char* name;
+  const char* roles;  // of the doubles by value: T, P, s specification, - not checked
+  bool available;
+  Refused outputs;
+  std::vector<char> kinds;
+  void* address;
+  std::function<StatusCode(const std::vector<Slot>&)> call;
+};
+
+template <class A>
+constexpr char kind_of_argument() {
+  if constexpr (std::is_same_v<A, double>) return 'd';
+  if constexpr (std::is_same_v<A, std::int32_t>) return 'i';
+  if constexpr (std::is_same_v<A, const double*>) return 'z';
+  if constexpr (std::is_same_v<A, MixtureRecord*>) return 'm';
+  if constexpr (std::is_same_v<A, const ModelRoutines*>) return 'r';
+  if constexpr (std::is_same_v<A, double*>) return 'o';
+  if constexpr (std::is_same_v<A, std::int32_t*>) return 'c';
+}
+
+template <class A>
+A pull(const Slot& slot) {
+  if constexpr (std::is_same_v<A, double>) {
+    return slot.number;
+  } else if constexpr (std::is_same_v<A, std::int32_t>) {
+    return slot.integer;
+  } else {
+    return static_cast<A>(slot.address);
+  }
+}
+
+template <class... A, std::size_t... k>
+StatusCode apply_slots(StatusCode(KV_CALL* f)(A...), const std::vector<Slot>& slots,
+                       std::index_sequence<k...>) {
+  return f(pull<A>(slots[k])...);
+}
+
+template <class... A>
+Export described(const char* name, StatusCode(KV_CALL* f)(A...), const char* roles, bool available,
+                 Refused outputs) {
+  return {name,
+          roles,
+          available,
+          outputs,
+          {kind_of_argument<A>()...},
+          reinterpret_cast<void*>(f),
+          [f](const std::vector<Slot>& s) { return apply_slots(f, s, std::index_sequence_for<A...>{}); }};
+}
+
+// All of them but MolecularWeight and ConvertPPR78GroupData, which know no record.
+inline std::vector<Export> export_table() {
+#define KV_ROW(name, ...) described(#name, name, __VA_ARGS__)
+  constexpr Refused keep = Refused::untouched, zero = Refused::zeroed;
+  return {KV_ROW(FlashLVatTP, "TP", true, keep),
+          KV_ROW(FlashLVatHP, "sP", false, keep),
+          KV_ROW(FlashLVatSP, "sP", false, keep),
+          KV_ROW(FlashLVatWP, "sP", false, keep),
+          KV_ROW(FlashLVatWT, "sT", false, keep),
+          KV_ROW(FlashLLVatTP, "TP", false, keep),
+          KV_ROW(FlashLLVatHP, "sP", false, keep),
+          KV_ROW(FlashLLVatSP, "sP", false, keep),
+          KV_ROW(FlashLLVatWP, "sP", false, keep),
+          KV_ROW(FlashLLVatWT, "sT", false, keep),
+          KV_ROW(FlashLLatTP, "TP", false, keep),
+          KV_ROW(PhaseEnvelope, "-----", false, Refused::envelope),
+          KV_ROW(CriticalPoint, "", false, keep),
+          KV_ROW(WaterDewTemperature, "P", false, keep),
+          KV_ROW(WaterDewPressure, "T", false, keep),
+          KV_ROW(WaterDewLine, "--", false, keep),
+          KV_ROW(Humidity, "TP", false, zero),
+          KV_ROW(WetGasComposition, "TP", false, keep),
+          KV_ROW(HydrateLine, "--", false, keep),
+          KV_ROW(GasN, "TP", false, zero),
+          KV_ROW(LiquidDensity_PPR78, "TP", false, zero),
+          KV_ROW(GasDensity_PPR78, "TP", false, zero),
+          KV_ROW(LiquidMolarEnthalpy_PPR78, "TP", false, zero),
+          KV_ROW(GasMolarEnthalpy_PPR78, "TP", false, zero),
+          KV_ROW(LiquidMolarEntropy_PPR78, "TP", false, zero),
+          KV_ROW(GasMolarEntropy_PPR78, "TP", false, zero),
+          KV_ROW(LiquidMolarFreeEnthalpy_PPR78, "TP", false, zero),
+          KV_ROW(GasMolarFreeEnthalpy_PPR78, "TP", false, zero),
+          KV_ROW(LiquidMolarEnthalpy_Derivatives_PPR78, "TP", false, zero),
+          KV_ROW(GasMolarEnthalpy_Derivatives_PPR78, "TP", false, zero),
+          KV_ROW(LiquidMolarEntropy_Derivatives_PPR78, "TP", false, zero),
+          KV_ROW(GasMolarEntropy_Derivatives_PPR78, "TP", false, zero),
+          KV_ROW(LiquidPhi_Derivatives_PPR78, "TP", true, keep),
+          KV_ROW(GasPhi_Derivatives_PPR78, "TP", true, keep),
+          KV_ROW(GasSpecificHeat_PPR78, "TP", false, zero),
+          KV_ROW(GasDynamicViscosity_PPR78, "TP", false, zero),
+          KV_ROW(GasThermalConductivity_PPR78, "TP", false, zero)};
+#undef KV_ROW
+}
+
+inline constexpr double kMark = -7.25;
+inline constexpr std::int32_t kIntegerMark = -7;
+inline constexpr std::int32_t kInteger = 7;  // every integer: mask, cold start, capacity, number of points
+inline constexpr std::size_t kOutputSize = 64;
+
+// Good arguments for an export, with marked outputs of their own.
+struct Arguments {
+  std::vector<Slot> slots;
+  std::vector<std::vector<double>> doubles;
+  std::vector<std::vector<std::int32_t>> integers;
+
+  Arguments(const Export& e, Mixture& m, std::vector<double>& z) {
+    std::size_t number = 0;
+    doubles.reserve(e.kinds.size());
+    integers.reserve(e.kinds.size());
+    for (const char kind : e.kinds) {
+      Slot s{kind};
+      if (kind == 'd') s.number = e.roles[number++] == 'T' ? 250.0 : 40.0;
+      if (kind == 'i') s.integer = kInteger;
+      if (kind == 'z') s.address = z.data();
+      if (kind == 'm') s.address = &m.record;
+      if (kind == 'o') s.address = doubles.emplace_back(kOutputSize, kMark).data();
+      if (kind == 'c') s.address = integers.emplace_back(kOutputSize, kIntegerMark).data();
+      slots.push_back(s);
+    }
+  }
+  bool untouched() const {
+    for (const auto& array : doubles)
+      for (const double v : array)
+        if (v != kMark) return false;
+    for (const auto& array : integers)
+      for (const std::int32_t v : array)
+        if (v != kIntegerMark) return false;
+    return true;
+  }
+};
+
+}  // namespace kestrune::tests
+
+#endif

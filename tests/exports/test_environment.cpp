@@ -1,0 +1,119 @@
+// The host's floating-point environment around calls, and that a call leaves nothing behind for the next one.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "common/flash_call.hpp"
+
+#if defined(__i386__) || defined(__x86_64__)
+#include <xmmintrin.h>
+
+using namespace kestrune;
+using namespace kestrune::tests;
+
+namespace {
+
+struct Words {
+  std::uint16_t control, status;
+  std::uint32_t mxcsr;
+  bool operator==(const Words&) const = default;
+};
+
+Words read_words() {
+  Words w;
+  __asm__ __volatile__("fnstcw %0" : "=m"(w.control));
+  __asm__ __volatile__("fnstsw %0" : "=m"(w.status));
+  w.status &= 0xB8FF;  // the four condition bits are anyone's
+  w.mxcsr = _mm_getcsr();
+  return w;
+}
+
+void set_words(std::uint16_t control, std::uint32_t mxcsr) {
+  __asm__ __volatile__("fldcw %0" : : "m"(control));
+  _mm_setcsr(mxcsr);
+}
+
+void default_words() {
+  __asm__ __volatile__("fninit");
+  _mm_setcsr(0x1F80);
+}
+
+struct Outputs {
+  FlashResult two, one;
+  std::vector<double> phi;
+  bool operator==(const Outputs& o) const {
+    return two == o.two && one == o.one && phi.size() == o.phi.size() &&
+           std::memcmp(phi.data(), o.phi.data(), phi.size() * sizeof(double)) == 0;
+  }
+};
+
+// The calls of a host, with nothing but the exports while its words are in force.
+Outputs calls(Mixture& m, std::uint16_t control, std::uint32_t mxcsr, Words& before, Words& after) {
+  Outputs o;
+  for (FlashResult* r : {&o.two, &o.one})
+    for (auto* array : {&r->x, &r->y, &r->K}) array->resize(10);
+  o.phi.resize(10 * 13);
+  double *const p = o.phi.data(), *const z = const_cast<double*>(kRichGasFeed.data());
+  StatusCode gas = 0, refused = 0;
+  set_words(control, mxcsr);
+  before = read_words();
+  o.two.status = FlashLVatTP(250, 40, z, &m.record, nullptr, 1, &o.two.beta, o.two.x.data(), o.two.y.data(),
+                             o.two.K.data());
+  o.one.status = FlashLVatTP(120, 1, z, &m.record, nullptr, 1, &o.one.beta, o.one.x.data(), o.one.y.data(),
+                             o.one.K.data());
+  gas = GasPhi_Derivatives_PPR78(250, 40, z, &m.record, 2, 7, p, p + 10, p + 20, p + 30);
+  refused = GasMolarEnthalpy_PPR78(-1, 40, z, &m.record, p);
+  refused += LiquidPhi_Derivatives_PPR78(250, 40, z, &m.record, 2, 0, p, nullptr, nullptr, nullptr);
+  after = read_words();
+  default_words();
+  EXPECT_EQ(gas, KV_OK);
+  EXPECT_EQ(refused, KV_TEMPERATURE);
+  return o;
+}
+
+TEST(Environment, TrapsPrecisionAndRoundingOfTheHostDoNotMatterAndComeBack) {
+  Mixture m = mixture_of(kRichGas);
+  m.use();
+  const FlashResult warm_up = flash(m, 250, 40, kRichGasFeed);
+  ASSERT_EQ(warm_up.status, KV_OK);
+  Words before, after;
+  const Outputs reference = calls(m, 0x037F, 0x1F80, before, after);
+  EXPECT_TRUE(reference.two == warm_up);
+  const struct {
+    const char* what;
+    std::uint16_t control;
+    std::uint32_t mxcsr;
+  } hosts[] = {{"traps unmasked", 0x0360, 0x0000},
+               {"24 bits", 0x007F, 0x1F80},
+               {"53 bits, traps", 0x0262, 0x0100},
+               {"rounding up, flush to zero", 0x0B7F, 0xDFC0},
+               {"rounding to zero, sticky", 0x0F7F, 0x7FBF}};
+  for (const auto& h : hosts) {
+    SCOPED_TRACE(h.what);
+    const Outputs o = calls(m, h.control, h.mxcsr, before, after);
+    EXPECT_TRUE(before == after) << std::hex << before.control << ' ' << before.status << ' ' << before.mxcsr
+                                 << " became " << after.control << ' ' << after.status << ' ' << after.mxcsr;
+    EXPECT_EQ(after.control & 0x0F3F, h.control & 0x0F3F);
+    EXPECT_EQ(after.mxcsr, h.mxcsr);
+    EXPECT_TRUE(o == reference);
+  }
+}
+
+TEST(Environment, TheSameCallGivesTheSameBitsWhateverCameBefore) {
+  Mixture m = mixture_of(kRichGas);
+  m.use();
+  const FlashResult first = flash(m, 280, 60, kRichGasFeed);
+  flash(m, 180, 5, kRichGasFeed);
+  flash(m, NAN, 5, kRichGasFeed);
+  std::vector<double> other(10, 0.1);
+  flash(m, 400, 700, other);
+  EXPECT_TRUE(flash(m, 280, 60, kRichGasFeed) == first);
+  Mixture lean = mixture_of(kLeanGas);
+  lean.use();
+  flash(lean, 200, 40, kLeanGasFeed);
+  m.use();
+  EXPECT_TRUE(flash(m, 280, 60, kRichGasFeed) == first);
+}
+
+}  // namespace
+#endif
