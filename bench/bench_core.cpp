@@ -73,8 +73,8 @@ struct Evaluations {
     m = eos::mix(t, &x[k * ld], s.data());
     const double rt = eos::kR * t.T;
     double Z = 0.0;
-    eos::solve_root(bracub, m.a * P[k] / (rt * rt), m.b * P[k] / rt, k % 2 != 0 ? KV_PHASE_GAS : KV_PHASE_LIQUID,
-                    false, Z);
+    eos::solve_root(bracub, m.a * P[k] / (rt * rt), m.b * P[k] / rt,
+                    k % 2 != 0 ? KV_PHASE_GAS : KV_PHASE_LIQUID, false, Z);
     eos::reduce(t, m, P[k], Z, r);
     eos::ln_phi(t, m, r, s.data(), ln_phi.data());
     return ln_phi[0] + Z;
@@ -100,7 +100,8 @@ Case prepare_case(const std::shared_ptr<Gas>& g, int order) {
     for (int k = 0; k < kStates; ++k) {
       sum += support::with_arena<4, 60>(g->mixture.n, [&](support::Arena& arena) {
         eos::Temperature t;
-        eos::prepare(150.0 + k * (200.0 / kStates), g->mixture.record, frame::state().group_data, order, arena, t);
+        eos::prepare(150.0 + k * (200.0 / kStates), g->mixture.record, frame::state().group_data, order, arena,
+                     t);
         return t.aij[1];
       });
     }
@@ -129,8 +130,8 @@ Case root_case(const std::shared_ptr<Gas>& g) {
     double sum = 0.0;
     for (int k = 0; k < kStates; ++k) {
       double Z = 0.0;
-      eos::solve_root(e->bracub, (*ab)[2 * k], (*ab)[2 * k + 1], k % 2 != 0 ? KV_PHASE_GAS : KV_PHASE_LIQUID, false,
-                      Z);
+      eos::solve_root(e->bracub, (*ab)[2 * k], (*ab)[2 * k + 1], k % 2 != 0 ? KV_PHASE_GAS : KV_PHASE_LIQUID,
+                      false, Z);
       sum += Z;
     }
     return sum;
@@ -216,9 +217,9 @@ void print_flash_counts(const char* name) {
     iterations += c.iterations;
     trials += c.trials;
   });
-  std::printf("flash_%s\t%.2f fugacities (%.2f with d/dn), %.2f factorisations, %.2f iterations, %.2f trials", name,
-              fugacities / kGridSize, matrices / kGridSize, factorisations / kGridSize, iterations / kGridSize,
-              trials / kGridSize);
+  std::printf("flash_%s\t%.2f fugacities (%.2f with d/dn), %.2f factorisations, %.2f iterations, %.2f trials",
+              name, fugacities / kGridSize, matrices / kGridSize, factorisations / kGridSize,
+              iterations / kGridSize, trials / kGridSize);
   if (failed != 0) std::printf(", %d failed", failed);
   std::printf("\n");
 }

@@ -18,7 +18,8 @@ struct Host {
   }
   // Cold start: nothing of the last answer is used.
   StatusCode flash(double T, double P) {
-    return FlashLVatTP(T, P, gas->feed.data(), &gas->mixture.record, nullptr, 1, &beta, x.data(), y.data(), K.data());
+    return FlashLVatTP(T, P, gas->feed.data(), &gas->mixture.record, nullptr, 1, &beta, x.data(), y.data(),
+                       K.data());
   }
 };
 

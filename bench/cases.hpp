@@ -12,11 +12,11 @@ namespace kestrune::bench {
 
 struct Case {
   std::string name;
-  std::string what;             // one line: the work and its inputs
-  double target = 0.0;          // ns for one evaluation on the native build, 0 = none
-  double batch = 1.0;           // evaluations in one pass
-  std::function<void()> set_up; // before the passes; not timed
-  std::function<double()> pass; // returns a number that depends on every result
+  std::string what;              // one line: the work and its inputs
+  double target = 0.0;           // ns for one evaluation on the native build, 0 = none
+  double batch = 1.0;            // evaluations in one pass
+  std::function<void()> set_up;  // before the passes; not timed
+  std::function<double()> pass;  // returns a number that depends on every result
 };
 
 /* The cases of this program, in the order in which they run. */

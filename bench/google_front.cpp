@@ -45,12 +45,16 @@ int main(int argc, char** argv) try {
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   const std::vector<Case> all = cases();
   for (const Case& c : all) {
-    benchmark::RegisterBenchmark(c.name.c_str(), [&c](benchmark::State& state) {
-      c.set_up();
-      double sum = 0.0;
-      for (auto _ : state) sum += c.pass();
-      benchmark::DoNotOptimize(sum);
-    })->Repetitions(kRepeats)->MinTime(kSecondsOfRepeat)->UseRealTime();
+    benchmark::RegisterBenchmark(c.name.c_str(),
+                                 [&c](benchmark::State& state) {
+                                   c.set_up();
+                                   double sum = 0.0;
+                                   for (auto _ : state) sum += c.pass();
+                                   benchmark::DoNotOptimize(sum);
+                                 })
+        ->Repetitions(kRepeats)
+        ->MinTime(kSecondsOfRepeat)
+        ->UseRealTime();
   }
   Rows rows(all);
   benchmark::RunSpecifiedBenchmarks(&rows);

@@ -8,7 +8,10 @@
  *
  * Every export but ConvertPPR78GroupData returns a StatusCode (status.h). Arguments that cannot be worked
  * with end the call at once with a status of the 9000 block. Nothing thrown leaves the library, and the
- * floating-point environment of the host (x87 control word, MXCSR) is the same before and after a call.
+ * floating-point environment of the host (x87 control word, MXCSR) is the same before and after a call. The one
+ * exception is a sibling library that is missing: after a message the call ends with the non-continuable system
+ * exception 0xEFFFFFFF, and a host that survives it has to restore its floating-point environment itself.
+ * The property exports do not look at the FreeWaterFlag unless a line says so.
  *
  * Threads: calls may run at the same time on different MixtureRecords. A flash writes the flags byte of its
  * own record during the call. ConvertPPR78GroupData changes what every later call reads: never run it
@@ -61,10 +64,14 @@ KV_API StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const dou
  * beta     in/out vapour fraction, 0 .. 1 of the feed
  * x, y     [count] in/out liquid and vapour; a phase that is absent holds the incipient phase, the one of
  *          lowest tangent-plane distance (the feed again where no second phase can be told apart)
- * K        [count] out y[i] / x[i], within 1e-15 .. 1e15
+ * K        [count] out y[i] / x[i], within 1e-15 .. 1e15; of a single phase the ratio of the fugacity coefficients,
+ *          which is y[i] / x[i] but for a factor that all components share
  *
  * 0 = equilibrium found, one or two phases. A single phase is the vapour (beta 1) when its molar volume is
  * above the pseudo-critical one of the mixture, 3.9514 b, else the liquid (beta 0).
+ * With the FreeWaterFlag x is the whole liquid: hydrocarbons with water up to the solubility limit, and all free
+ * water. Above 1.25 times the pseudo-critical temperature (Kay) of the dry feed, hydrocarbons beside free water count
+ * as vapour however dense they are.
  * 112, 120: no answer; the results hold the last iterate. Others: the status of the fugacity routine.
  */
 KV_API StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, MixtureRecord* mixture,

@@ -77,6 +77,7 @@ bool evaluate(const Temperature& t, frame::tools::KvBracub bracub, double P, con
   }
   Root r;
   reduce(t, m, P, out.Z, r);
+  if (!stage::runs(stage::kRoot, level)) r.z_minus_1 = out.Z - 1.0;  // a Z that was given need not be a root
   const bool with_T = stage::runs(stage::kAlphaT, level);
   if (with_T) out.da_dT = quadratic(t, t.aij_t, x);
   if (stage::runs(stage::kRootDerivatives, level)) root_derivatives(t, P, r, with_T, out);

@@ -20,6 +20,8 @@ constexpr double kCohesive = 60.0;
 // b/v of a dilute gas: half the critical packing.
 // Distance from which on a liquid is missing beside a vapour of a free-water answer.
 constexpr double kUnstableLiquid = -1e-9;
+// Hydrocarbon liquids end somewhere above Kay's pseudo-critical temperature, the more so the wider they boil.
+constexpr double kLiquidReach = 1.25;
 constexpr double kDilutePacking = 0.04;
 // Length of a first step along the direction of lowest curvature, in sqrt(W).
 constexpr double kAlong = 0.2;
@@ -50,7 +52,8 @@ void remember(Flash& f) {
 bool run_trial(Flash& f, const Reference& ref, Kind kind) {
   f.trial.Z = 0.0;
   Reference reference = ref;
-  reference.known = f.have_lowest && f.lowest.tm > 0.0 ? f.lowest.w : nullptr;
+  reference.known = f.lowest.w;
+  reference.known_count = f.have_lowest && f.lowest.tm > 0.0 && f.how == Follow::quick ? 1 : 0;
   f.status = follow_trial(f.m, reference, kind, f.how, f.work, f.trial);
   if (f.status != KV_OK) return false;
   f.came_back |= f.trial.end == TrialEnd::trivial;
@@ -133,6 +136,18 @@ Kind kind_of(const Flash& f, const double* composition, double Z) {
   return packing(f, covolume(f, composition), Z) * eos::kCriticalVolumeRatio < 1.0 ? Kind::gas : Kind::liquid;
 }
 
+bool may_be_liquid(const Flash& f) {
+  const MixtureRecord& r = *f.call.mixture;
+  const double* Tc = r.table + static_cast<std::size_t>(KV_COL_TC - 1) * r.count;
+  double sum = 0.0, dry = 0.0;
+  for (int i = 0; i < f.m.n; ++i) {
+    if (i == f.m.water) continue;
+    sum += f.it.z[i] * Tc[i];
+    dry += f.it.z[i];
+  }
+  return !(f.call.T * dry > kLiquidReach * sum);
+}
+
 Kind liquid_kind(const Flash& f) {
   return f.m.free_water || f.liquids_only() ? Kind::liquid : Kind::stable;
 }
@@ -177,7 +192,7 @@ bool evaluate_feed(Flash& f) {
     for (int i = 0; i < n; ++i) gas += f.it.z[i] * f.feed_phi[i];
     for (int i = 0; i < n; ++i) liquid += f.it.z[i] * f.trial.ln_phi[i];
     f.feed_kind = Kind::gas;
-    if (liquid < gas) {
+    if (liquid < gas && may_be_liquid(f)) {
       std::copy_n(f.trial.ln_phi, f.m.ld, f.feed_phi);
       f.feed_kind = Kind::liquid;
       Z = z_liquid;

@@ -7,6 +7,9 @@
 
 namespace kestrune::flash {
 
+// Stationary points that are remembered while all trials are tried.
+inline constexpr int kTried = 6;
+
 struct Flash {
   Flash(const IsothermalCall& c, Model& model, const Settings& s, support::TraceWriter& t)
       : call(c), m(model), settings(s), trace(t) {}
@@ -30,6 +33,7 @@ struct Flash {
   double* d = nullptr;            // [ld] ln z + ln phi of it
   double* answer_d = nullptr;     // [ld] the same of a phase of an answer under test
   double* direction = nullptr;    // [ld] of lowest curvature at the feed
+  double* tried = nullptr;        // [ld * kTried] compositions of trials that a split was tried from
   double* dry = nullptr;          // [ld] the feed without its water
   double feed_gibbs = 0.0;        // sum of z d
   double feed_Z = 0.0;
@@ -44,6 +48,12 @@ struct Flash {
  * Without a Z (a phase that is water, a host's routine that did not tell) it is liquid.
  */
 Kind kind_of(const Flash& f, const double* composition, double Z);
+
+/*
+ * Whether hydrocarbons beside free water can be a liquid at all: below 1.25 times Kay's pseudo-critical temperature of
+ * the feed without its water.
+ */
+bool may_be_liquid(const Flash& f);
 
 /* The roots that a liquid-like and a vapour-like trial or phase is asked for. */
 Kind liquid_kind(const Flash& f);

@@ -20,16 +20,16 @@ constexpr double kInsoluble = kLargestLogK;
 StatusCode plain_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d, double& Z) {
   if (m.routine == nullptr && d.dT == nullptr && d.dP == nullptr)
     return built_in_fugacity(m, x, kind, ln_phi, d.dn, Z);
-  if (kind == Kind::stable) {
+  if (kind == Kind::stable && m.routine != nullptr) {
     // Both phases, and the one of lower Gibbs energy.
     double zg = 0.0, zl = 0.0;
-    StatusCode status = plain_fugacity(m, x, Kind::gas, m.row, {}, zg);
+    StatusCode status = plain_fugacity(m, x, Kind::gas, m.compared, {}, zg);
     if (status != KV_OK) return status;
     double gas = 0.0, liquid = 0.0;
-    for (int i = 0; i < m.n; ++i) gas += x[i] * m.row[i];
-    status = plain_fugacity(m, x, Kind::liquid, m.row, {}, zl);
+    for (int i = 0; i < m.n; ++i) gas += x[i] * m.compared[i];
+    status = plain_fugacity(m, x, Kind::liquid, m.compared, {}, zl);
     if (status != KV_OK) return status;
-    for (int i = 0; i < m.n; ++i) liquid += x[i] * m.row[i];
+    for (int i = 0; i < m.n; ++i) liquid += x[i] * m.compared[i];
     Z = 0.0;
     return plain_fugacity(m, x, gas <= liquid ? Kind::gas : Kind::liquid, ln_phi, d, Z);
   }
@@ -79,9 +79,13 @@ void water_rich(const Model& m, double xw, double* ln_phi, const Derivatives& d)
   if (d.dT != nullptr) d.dT[m.water] = m.psat.d_dT / psat;
   if (d.dP != nullptr) d.dP[m.water] = -1.0 / m.P;
   if (d.dn == nullptr) return;
-  for (int j = 0; j < m.n; ++j) std::fill_n(d.dn + static_cast<std::size_t>(j) * m.ld, m.n, 0.0);
-  // ln phi_w = -ln x_w + const: -(1/x_w) d x_w/d n_w = -(1 - x_w)/x_w
-  d.dn[static_cast<std::size_t>(m.water) * m.ld + m.water] = -(1.0 - xw) / xw;
+  // ln phi_w = -ln x_w + const: 1 for every other amount, 1 - 1/x_w for its own
+  for (int j = 0; j < m.n; ++j) {
+    double* column = d.dn + static_cast<std::size_t>(j) * m.ld;
+    std::fill_n(column, m.n, 0.0);
+    column[m.water] = 1.0;
+  }
+  d.dn[static_cast<std::size_t>(m.water) * m.ld + m.water] = 1.0 - 1.0 / xw;
 }
 
 // Composition derivatives of the others when they see the liquid at its solubility limit: in terms of the amounts
@@ -103,6 +107,18 @@ void at_limit_dn(const Model& m, double s, double xw, double* dn) {
   for (int i = 0; i < m.n; ++i) own[i] = 1.0;
 }
 
+// What the change of the limit with temperature adds to d ln phi/dT of the others; dn is that of the modified phase.
+void at_limit_dT(const Model& m, const double* dn, double* dT) {
+  const double s = m.solubility.value, slope = m.solubility.d_dT;
+  for (int i = 0; i < m.n; ++i) {
+    if (i == m.water) continue;
+    double along = dn[static_cast<std::size_t>(m.water) * m.ld + i];
+    for (int j = 0; j < m.n; ++j)
+      if (j != m.water) along -= dn[static_cast<std::size_t>(j) * m.ld + i] * m.modified[j] / (1.0 - s);
+    dT[i] += slope * (along - 1.0 / (1.0 - s));
+  }
+}
+
 // Water's own coefficient and its derivatives, after the others are there.
 void set_water(const Model& m, double xw, double* ln_phi, const Derivatives& d) {
   const double s = m.solubility.value, psat = m.psat.value;
@@ -119,7 +135,7 @@ void set_water(const Model& m, double xw, double* ln_phi, const Derivatives& d) 
 }  // namespace
 
 StatusCode make_model(double T, double P, MixtureRecord* mixture, const ModelRoutines* routines, bool free_water,
-                      support::Arena& arena, Model& m) {
+                      int order, support::Arena& arena, Model& m) {
   m.T = T;
   m.P = P;
   m.mixture = mixture;
@@ -133,16 +149,18 @@ StatusCode make_model(double T, double P, MixtureRecord* mixture, const ModelRou
   m.free_water = m.water >= 0;
   if (m.free_water) {
     m.modified = arena.zeros(m.ld);
+    if (order > 0) m.limit_dn = arena.take(static_cast<std::size_t>(m.ld) * m.n);
     m.psat = water_vapour_pressure(T);
     m.solubility = water_solubility(T, mixture->solubility_a, mixture->solubility_b);
     if (!(m.solubility.value >= kSmallestK)) m.solubility.value = kSmallestK;
   }
   if (m.routine != nullptr) {
     m.square = arena.take(static_cast<std::size_t>(m.n) * m.n);
+    m.compared = arena.zeros(m.ld);
     return KV_OK;
   }
   m.bracub = frame::tools::bracub();
-  return eos::prepare(T, *mixture, frame::state().group_data, 0, arena, m.t);
+  return eos::prepare(T, *mixture, frame::state().group_data, order, arena, m.t);
 }
 
 StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, double* dn, double& Z) noexcept {
@@ -202,9 +220,12 @@ StatusCode water_aware_fugacity(Model& m, const double* x, Kind kind, double* ln
     m.modified[m.water] = s;
     composition = m.modified;
   }
-  const StatusCode status = plain_fugacity(m, composition, Kind::liquid, ln_phi, d, Z);
+  Derivatives plain = d;
+  if (at_limit && d.dT != nullptr && d.dn == nullptr) plain.dn = m.limit_dn;
+  const StatusCode status = plain_fugacity(m, composition, Kind::liquid, ln_phi, plain, Z);
   if (status != KV_OK) return status;
   if (at_limit) {
+    if (d.dT != nullptr) at_limit_dT(m, plain.dn, d.dT);
     const double correction = std::log(scale);  // ln x'_i - ln x_i
     for (int i = 0; i < m.n; ++i)
       if (i != m.water) ln_phi[i] += correction;

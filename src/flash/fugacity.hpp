@@ -39,15 +39,20 @@ struct Model {
   double* s = nullptr;                        // [ld] work
   double* modified = nullptr;                 // [ld] work of the free-water rules
   double* square = nullptr;                   // [n * n] work for a host's composition derivatives
+  double* compared = nullptr;                 // [ld] ln phi of a phase while a host's two are compared
+  double* limit_dn = nullptr;                 // [ld * n] work of the free-water rules, order 1
   double* row = nullptr;                      // [ld] work
   Counts counts;
 
   bool built_in() const { return routine == nullptr && !free_water; }
 };
 
-/* KV_OK, or why there is no model at this temperature. z decides whether there is water. */
+/*
+ * KV_OK, or why there is no model at this temperature. order 1 prepares temperature derivatives, which then may be
+ * asked for.
+ */
 StatusCode make_model(double T, double P, MixtureRecord* mixture, const ModelRoutines* routines, bool free_water,
-                      support::Arena& arena, Model& m);
+                      int order, support::Arena& arena, Model& m);
 
 // Derivatives beside ln phi; null = not wanted. dn has column j at j * ld and n rows.
 struct Derivatives {

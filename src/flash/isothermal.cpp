@@ -27,10 +27,12 @@ constexpr double kLower = 1e-12;     // a Gibbs energy over RT counts as lower f
 constexpr double kWaterStaysLiquid = 1e-6;  // ln K of water at a start from free water is below minus this
 constexpr double kRounding = 1e-10;  // of Gibbs energies over RT
 
-void normalise_feed(const IsothermalCall& c, int n, double* z) {
+// False when the sum is beyond the range of a double.
+bool normalise_feed(const IsothermalCall& c, int n, double* z) {
   double sum = 0.0;
   for (int i = 0; i < n; ++i) sum += c.z[i];
   for (int i = 0; i < n; ++i) z[i] = c.z[i] / sum;
+  return std::isfinite(sum);
 }
 
 // A usable estimate: fraction inside (0, 1), compositions that are compositions.
@@ -147,7 +149,9 @@ bool try_other(Flash& f, const Beside& phase, bool& improved) {
 }
 
 // Every trial against a tangent plane, and a split from each that cuts it beside each phase of the plane.
-bool try_all_trials(Flash& f, const Reference& ref, std::initializer_list<Beside> phases, bool& improved) {
+bool try_all_trials(Flash& f, Reference ref, std::initializer_list<Beside> phases, bool& improved) {
+  ref.known = f.tried;
+  ref.known_count = 0;
   for (int number = 0; number < kNearPure + f.m.n; ++number) {
     if (number >= kNearPure && !(f.it.z[number - kNearPure] > 0.0)) continue;
     if (!start_trial(f, ref, number)) return false;
@@ -155,6 +159,7 @@ bool try_all_trials(Flash& f, const Reference& ref, std::initializer_list<Beside
     f.status = follow_trial(f.m, ref, kind_of_trial(f, number), Follow::strict, f.work, f.trial);
     if (f.status != KV_OK) return false;
     if (f.trial.end != TrialEnd::stationary || !(f.trial.tm < kUnstable)) continue;
+    if (ref.known_count < kTried) std::copy_n(f.trial.w, f.m.ld, f.tried + ref.known_count++ * f.m.ld);
     std::swap(f.trial, f.lowest);
     f.have_lowest = true;
     for (const Beside& phase : phases)
@@ -207,7 +212,8 @@ Dry flash_dry_feed(Flash& f) {
   dry.y = f.best.y;
   dry.K = f.best.k;
   const StatusCode status = isothermal_flash(dry);
-  if (status == KV_SINGLE_PHASE) return f.best.beta == 0.0 ? Dry::liquid : Dry::vapour;
+  // Far above the pseudo-critical temperature what is dense is a gas under pressure, whatever its label.
+  if (status == KV_SINGLE_PHASE) return f.best.beta == 0.0 && may_be_liquid(f) ? Dry::liquid : Dry::vapour;
   return status == KV_OK ? Dry::two_phases : Dry::failed;
 }
 
@@ -347,7 +353,7 @@ void take_iterate(support::Arena& arena, int ld, Iterate& it) {
 
 StatusCode set_up(const IsothermalCall& call, support::Arena& arena) {
   Model m;
-  const StatusCode status = make_model(call.T, call.P, call.mixture, call.routines, call.free_water, arena, m);
+  const StatusCode status = make_model(call.T, call.P, call.mixture, call.routines, call.free_water, 0, arena, m);
   if (status != KV_OK) return status;
   Settings settings = copy_settings(*call.mixture);
   apply_robust_settings(kModelOptions, settings);
@@ -355,7 +361,7 @@ StatusCode set_up(const IsothermalCall& call, support::Arena& arena) {
   Flash f(call, m, settings, trace);
   const std::size_t ld = m.ld, square = ld * m.n;
   double* z = arena.zeros(ld);
-  normalise_feed(call, m.n, z);
+  if (!normalise_feed(call, m.n, z)) return KV_COMPOSITION;
   take_iterate(arena, m.ld, f.it);
   take_iterate(arena, m.ld, f.best);
   take_iterate(arena, m.ld, f.answer);
@@ -374,6 +380,7 @@ StatusCode set_up(const IsothermalCall& call, support::Arena& arena) {
   f.answer_d = arena.zeros(ld);
   f.direction = arena.zeros(ld);
   f.dry = arena.zeros(ld);
+  f.tried = arena.zeros(ld * kTried);
   const StatusCode result = solve(f);
   if (call.counts != nullptr) *call.counts = m.counts;
   return result;

@@ -62,15 +62,15 @@ double enclosed_newton(Function value, double t, int& passes) {
       hi = t;
     }
     const double step = v.g / v.slope;
-    double next = t + step;
-    if (!(next > lo && next < hi)) {
-      if (std::fabs(step) <= 1e-15 * t) return t;
-      next = 0.5 * (lo + hi);
-      if (next <= lo || next >= hi) return t;
+    const double next = t + step;
+    if (next > lo && next < hi) {
+      t = next;
+      if (std::fabs(step) <= 1e-12 * t) return t;  // Newton's next change is far beyond the last bit
+      continue;
     }
-    const double change = std::fabs(next - t);
-    t = next;
-    if (change <= 1e-12 * t) return t;  // Newton's next change is far beyond the last bit
+    if (std::fabs(step) <= 1e-15 * t) return t;
+    t = 0.5 * (lo + hi);
+    if (t <= lo || t >= hi) return t;
   }
   return t;
 }

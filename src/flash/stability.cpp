@@ -22,7 +22,7 @@ constexpr double kLargestLogW = 600.0;
 // A negative distance beyond this needs no more digits to start a split from.
 constexpr double kClearlyNegative = -1e-2, kClearGradient = 1e-3;
 constexpr double kTrivialDistance = 1e-1, kTrivialRatio = 0.2;
-constexpr double kKnownComposition = 0.01;
+constexpr double kKnownComposition = 0.01, kKnownExactly = 1e-4;
 constexpr double kConvex = 0.1;  // lowest eigenvalue of a reference that quick trials are good enough for
 constexpr double kSameComposition = 1e-16, kNearComposition = 0.4;  // sum of (w - z)^2/(w + z)
 
@@ -104,6 +104,12 @@ void take_step(int n, double factor, const TrialWork& work, Trial& t) {
   }
 }
 
+bool is_known(const Reference& ref, const Model& m, double limit, const Trial& t) {
+  for (int k = 0; k < ref.known_count; ++k)
+    if (spread(t.w, ref.known + static_cast<std::size_t>(k) * m.ld, m.n) < limit) return true;
+  return false;
+}
+
 }  // namespace
 
 StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work, Trial& t) {
@@ -129,7 +135,7 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
       t.end = TrialEnd::trivial;
       return KV_OK;
     }
-    if (k >= 1 && quick && ref.known != nullptr && spread(t.w, ref.known, m.n) < kKnownComposition) {
+    if (k >= 1 && is_known(ref, m, quick ? kKnownComposition : kKnownExactly, t)) {
       t.end = TrialEnd::trivial;
       return KV_OK;
     }

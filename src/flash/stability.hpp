@@ -9,15 +9,15 @@ namespace kestrune::flash {
 /*
  * The reference of a test: the phase whose tangent plane is looked at. d_i = ln z_i + ln phi_i(z), [ld]; a
  * component that is absent counts as a trace of 1e-308. other is a second phase that touches the same plane (that
- * of a two-phase answer), null without one: a trial that runs into it is trivial as well. known is the composition
- * of a stationary point of positive distance that was found before, or null: a trial that comes close to it would
- * only find it again.
+ * of a two-phase answer), null without one: a trial that runs into it is trivial as well. known are compositions of
+ * stationary points that were found before: a trial that comes close to one would only find it again.
  */
 struct Reference {
   const double* z = nullptr;      // [ld]
   const double* d = nullptr;      // [ld]
   const double* other = nullptr;  // [ld]
-  const double* known = nullptr;  // [ld]
+  const double* known = nullptr;  // [ld * known_count]
+  int known_count = 0;
 };
 
 // How a trial ended.

@@ -28,7 +28,7 @@ struct Prepared {
     frame::state().group_data = data;
     m.record.solubility_a = A;
     m.record.solubility_b = kB;
-    EXPECT_EQ(flash::make_model(T, P, &m.record, nullptr, free_water, arena, model), KV_OK);
+    EXPECT_EQ(flash::make_model(T, P, &m.record, nullptr, free_water, 1, arena, model), KV_OK);
     EXPECT_EQ(eos::prepare(T, m.record, data, 1, arena, model.t), KV_OK);
   }
 };
@@ -110,7 +110,7 @@ TEST(WaterRules, SolubilityOfOneAndAWaterRichPhase) {
   routines.entry[KV_ROUTINE_FUGACITY - 1] = reinterpret_cast<void*>(static_cast<KvFugacityRoutine>(refuse));
   Prepared p(kT, kP, false);
   flash::Model model;
-  ASSERT_EQ(flash::make_model(kT, kP, &p.m.record, &routines, true, p.arena, model), KV_OK);
+  ASSERT_EQ(flash::make_model(kT, kP, &p.m.record, &routines, true, 0, p.arena, model), KV_OK);
   for (const double xw : {0.9999, 0.99991, 1.0}) {
     const double rich[kN] = {1 - xw, 0.0, xw, 0.0};
     double ln_phi[kN] = {}, Z = 0.0;

@@ -64,13 +64,15 @@ StatusCode two_phase_wrapper(double P, const double* z, MixtureRecord& mixture, 
     mixture.flags = 0;
     return hide_single_phase(core(false));
   }
-  const double w = z[iw - 1];
+  double sum = 0.0;
+  for (std::int32_t i = 0; i < mixture.count; ++i) sum += z[i];
+  const double w = z[iw - 1] / sum;
   if ((options & 1) == 0 || w == 0.0) return status;
-  // All the water in the liquid, all the rest in the vapour.
+  // All the water in the liquid, all the rest in the vapour (nothing, for a feed of water).
   *result.beta = 1.0 - w;
   for (std::int32_t i = 0; i < mixture.count; ++i) {
     result.x[i] = 0.0;
-    result.y[i] = z[i] / (1.0 - w);
+    result.y[i] = w < 1.0 ? z[i] / sum / (1.0 - w) : 0.0;
   }
   result.x[iw - 1] = 1.0;
   result.y[iw - 1] = 0.0;

@@ -100,6 +100,12 @@ StatusCode derivatives_not_available(double T, double P, const double* x, const 
   if (status == KV_OK && (mask & KV_DERIV_N) != 0 && d_dn != nullptr) std::fill_n(d_dn, mixture->count, 0.0);
   if ((mask & KV_DERIV_T) != 0 && d_dT != nullptr) *d_dT = 0.0;
   if ((mask & KV_DERIV_P) != 0 && d_dP != nullptr) *d_dP = 0.0;
+  const bool missing = ((mask & KV_DERIV_T) && d_dT == nullptr) || ((mask & KV_DERIV_P) && d_dP == nullptr) ||
+                       ((mask & KV_DERIV_N) && d_dn == nullptr);
+  if (missing) {
+    if (value != nullptr) *value = 0.0;
+    return KV_NULL_ARGUMENT;
+  }
   return not_available(T, P, x, mixture, value);
 }
 
