@@ -83,7 +83,7 @@ struct Evaluations {
     const eos::Mechanics mech = eos::mechanics(t, m, r);
     eos::p_dln_phi_dP(t, mech, r, s.data(), dP.data());
     eos::dln_phi_dT(t, m, r, mech, &x[k * ld], s.data(), s_t.data(), dT.data());
-    eos::dln_phi_dn(t, m, r, mech, s.data(), dn.data(), ld, ld);
+    eos::dln_phi_dn(t, m, r, mech, s.data(), dn.data(), ld, ld, false);
   }
 };
 

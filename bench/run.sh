@@ -53,9 +53,10 @@ tr -d '\r' <"$work/counts32" | cmp -s - "$work/counts" || echo "run.sh: note: th
 awk -F '\t' '
   function time(ns) {
     if (ns == "") return "-"
-    return ns < 1000 ? sprintf(ns < 100 ? "%.1f ns" : "%.0f ns", ns) : sprintf("%.2f us", ns / 1000)
+    if (ns >= 1000) return sprintf("%.2f us", ns / 1000)
+    return sprintf((ns < 100) ? "%.1f ns" : "%.0f ns", ns)
   }
-  function lower(old, new) { return old == "" || new + 0 < old + 0 ? new : old }
+  function lower(old, new) { return (old == "" || new + 0 < old + 0) ? new : old }
   FILENAME == ARGV[1] { counts[$1] = counts[$1] (counts[$1] == "" ? "" : "; ") $2; next }
   FILENAME == ARGV[2] {
     if (!($1 in minimum)) order[++n] = $1
@@ -68,12 +69,16 @@ awk -F '\t' '
     print "| --- | --- | --- | --- | --- | --- | --- |"
     for (k = 1; k <= n; ++k) {
       c = order[k]
-      printf "| `%s` | %s | %s | %s, %s | %s, %s | %s | %s |\n", c, what[c],
-        target[c] > 0 ? time(target[c]) : "-", time(minimum[c]), time(median[c]), time(minimum32[c]),
-        time(median32[c]), minimum32[c] == "" ? "-" : sprintf("%.2f", minimum32[c] / minimum[c]),
-        c in counts ? counts[c] : "-"
+      goal = target[c] > 0 ? time(target[c]) : "-"
+      ratio = minimum32[c] == "" ? "-" : sprintf("%.2f", minimum32[c] / minimum[c])
+      work = (c in counts) ? counts[c] : "-"
+      printf("| `%s` | %s | %s | %s, %s | %s, %s | %s | %s |\n", c, what[c], goal, time(minimum[c]), time(median[c]),
+        time(minimum32[c]), time(median32[c]), ratio, work)
     }
   }' "$work/counts" "$work/native" "$work/win32.txt" >"$work/table"
+[ -s "$work/table" ] || failed "the table"
+printf '\nLowest of %d runs of each program; load average %s at the end, %d cores.\n' \
+  "$round" "$(cut -d ' ' -f 1 /proc/loadavg)" "$(nproc)" >>"$work/table"
 cat "$work/table"
 
 if [ -n "$write" ]; then

@@ -47,17 +47,17 @@
   X(LiquidSpecificHeatInfiniteDilution)
 
 /* Integral forms (IT over T, TIT of the heat capacity divided by T) and exergies: Name_EX only. */
-#define KV_PURE_INTEGRALS(X)                 \
-  X(IdealGasSpecificHeatIT)                  \
-  X(IdealGasSpecificHeatTIT)                 \
-  X(LiquidSpecificHeatIT)                    \
-  X(LiquidSpecificHeatTIT)                   \
-  X(SolidSpecificHeatIT)                     \
-  X(SolidSpecificHeatTIT)                    \
-  X(LiquidSpecificHeatInfiniteDilutionIT)    \
-  X(LiquidSpecificHeatInfiniteDilutionTIT)   \
-  X(StdVaporChemicalExergy)                  \
-  X(StdLiquidChemicalExergy)                 \
+#define KV_PURE_INTEGRALS(X)               \
+  X(IdealGasSpecificHeatIT)                \
+  X(IdealGasSpecificHeatTIT)               \
+  X(LiquidSpecificHeatIT)                  \
+  X(LiquidSpecificHeatTIT)                 \
+  X(SolidSpecificHeatIT)                   \
+  X(SolidSpecificHeatTIT)                  \
+  X(LiquidSpecificHeatInfiniteDilutionIT)  \
+  X(LiquidSpecificHeatInfiniteDilutionTIT) \
+  X(StdVaporChemicalExergy)                \
+  X(StdLiquidChemicalExergy)               \
   X(StdSolidChemicalExergy)
 
 /* Types of the entries, for a caller that resolves them by name. */
@@ -67,10 +67,10 @@ typedef int32_t(KV_CALL* KvPureCheck)(const int32_t* cas, const int32_t* equatio
 
 KV_EXTERN_C_BEGIN
 
-#define KV_PURE_DECLARE(name)                                                                              \
+#define KV_PURE_DECLARE(name)                                                                             \
   KV_API int32_t KV_CALL name##_EX(const int32_t* cas, const double* T, const double* a, const double* b, \
                                    const int32_t* table, int32_t* status, double* result, char* unit);
-#define KV_PURE_DECLARE_CHECK(name)                                                        \
+#define KV_PURE_DECLARE_CHECK(name)                                                       \
   /* 0 when the correlation exists for the component (equation 1: any), else a status. */ \
   KV_API int32_t KV_CALL Check##name##_EX(const int32_t* cas, const int32_t* equation);
 KV_PURE_PROPERTIES(KV_PURE_DECLARE)

@@ -64,15 +64,15 @@ KV_API StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const dou
  * beta     in/out vapour fraction, 0 .. 1 of the feed
  * x, y     [count] in/out liquid and vapour; a phase that is absent holds the incipient phase, the one of
  *          lowest tangent-plane distance (the feed again where no second phase can be told apart)
- * K        [count] out y[i] / x[i], within 1e-15 .. 1e15; of a single phase the ratio of the fugacity coefficients,
- *          which is y[i] / x[i] but for a factor that all components share
+ * K        [count] out y[i] / x[i], within 1e-15 .. 1e15; of a single phase the ratio of the fugacity
+ * coefficients, which is y[i] / x[i] but for a factor that all components share
  *
  * 0 = equilibrium found, one or two phases. A single phase is the vapour (beta 1) when its molar volume is
  * above the pseudo-critical one of the mixture, 3.9514 b, else the liquid (beta 0).
- * With the FreeWaterFlag x is the whole liquid: hydrocarbons with water up to the solubility limit, and all free
- * water. Above 1.25 times the pseudo-critical temperature (Kay) of the dry feed, hydrocarbons beside free water count
- * as vapour however dense they are.
- * 112, 120: no answer; the results hold the last iterate. Others: the status of the fugacity routine.
+ * With the FreeWaterFlag x is the whole liquid: hydrocarbons with water up to the solubility limit, and all
+ * free water. Above 1.25 times the pseudo-critical temperature (Kay) of the dry feed, hydrocarbons beside free
+ * water count as vapour however dense they are. 112, 120: no answer; the results hold the last iterate. Others:
+ * the status of the fugacity routine.
  */
 KV_API StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                       const ModelRoutines* routines, int32_t options, double* beta, double* x,
@@ -89,7 +89,8 @@ KV_API StatusCode KV_CALL FlashLVatSP(double S, double P, const double* z, Mixtu
                                       const ModelRoutines* routines, int32_t options, double* T, double* beta,
                                       double* x, double* y, double* K, double* SL, double* SV);
 
-/* At vapour fraction W (0 bubble, 1 dew) and pressure, T in/out; or at W and temperature, P in/out. 48 bytes. */
+/* At vapour fraction W (0 bubble, 1 dew) and pressure, T in/out; or at W and temperature, P in/out. 48 bytes.
+ */
 KV_API StatusCode KV_CALL FlashLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
                                       const ModelRoutines* routines, int32_t options, double* T, double* x,
                                       double* y, double* K);
@@ -201,7 +202,8 @@ KV_API StatusCode KV_CALL LiquidDensity_PPR78(double T, double P, const double* 
 KV_API StatusCode KV_CALL GasDensity_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
                                            double* density, double* d_dT, double* d_dP, double* d2_dTdP);
 
-/* Molar enthalpy and free enthalpy, cal/mol; molar entropy, cal/(mol K). Ideal gas at 298.15 K (and 1 atm). 28 bytes. */
+/* Molar enthalpy and free enthalpy, cal/mol; molar entropy, cal/(mol K). Ideal gas at 298.15 K (and 1 atm). 28
+ * bytes. */
 KV_API StatusCode KV_CALL LiquidMolarEnthalpy_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
                                                     double* value);
 KV_API StatusCode KV_CALL GasMolarEnthalpy_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
@@ -215,7 +217,8 @@ KV_API StatusCode KV_CALL LiquidMolarFreeEnthalpy_PPR78(double T, double P, cons
 KV_API StatusCode KV_CALL GasMolarFreeEnthalpy_PPR78(double T, double P, const double* x,
                                                      MixtureRecord* mixture, double* value);
 
-/* The same with derivatives as the mask asks (KvDerivative); d_dn [count], may be null without its bit. 44 bytes. */
+/* The same with derivatives as the mask asks (KvDerivative); d_dn [count], may be null without its bit. 44
+ * bytes. */
 KV_API StatusCode KV_CALL LiquidMolarEnthalpy_Derivatives_PPR78(double T, double P, const double* x,
                                                                 MixtureRecord* mixture, int32_t mask,
                                                                 double* value, double* d_dT, double* d_dP,
@@ -229,9 +232,8 @@ KV_API StatusCode KV_CALL LiquidMolarEntropy_Derivatives_PPR78(double T, double 
                                                                double* value, double* d_dT, double* d_dP,
                                                                double* d_dn);
 KV_API StatusCode KV_CALL GasMolarEntropy_Derivatives_PPR78(double T, double P, const double* x,
-                                                            MixtureRecord* mixture, int32_t mask,
-                                                            double* value, double* d_dT, double* d_dP,
-                                                            double* d_dn);
+                                                            MixtureRecord* mixture, int32_t mask, double* value,
+                                                            double* d_dT, double* d_dP, double* d_dn);
 
 /*
  * ln phi[count] of a phase with d/dT[count] (1/K), d/dP[count] (1/atm) and d/dn[count * count] as the mask

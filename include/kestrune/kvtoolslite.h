@@ -11,9 +11,10 @@ KV_EXTERN_C_BEGIN
 
 /*
  * Compressibility factor from c0 Z^3 + c1 Z^2 + c2 Z + c3 = 0, the cubic of a generalised equation of state
- * with the constants u, w and the dimensionless A, B > 0 (A may be negative). phase 1: largest root, 2: smallest root above B.
- * settings[8]: [0] relative tolerance of the last correction (0: full precision); [1] != 0: Z holds a starting
- * value on entry, tried first; the others are 0. A starting value changes the time, never the root.
+ * with the constants u, w and the dimensionless A, B > 0 (A may be negative). phase 1: largest root, 2:
+ * smallest root above B. settings[8]: [0] relative tolerance of the last correction (0: full precision); [1] !=
+ * 0: Z holds a starting value on entry, tried first; the others are 0. A starting value changes the time, never
+ * the root.
  *
  * status 0: the phase asked for has a root of its own (three real roots above B, or the only one lies on the
  * side asked for: above the inflection point of the cubic for a gas, below it for a liquid);
@@ -58,7 +59,8 @@ KV_API void KV_CALL MRSL01(const int32_t* n, const int32_t* lda, double* a, doub
 /* a X = B, m right-hand sides b[ldb * m]; a is destroyed. status as MRINV. */
 KV_API void KV_CALL MRSL02(const int32_t* n, const int32_t* lda, double* a, const int32_t* m,
                            const int32_t* ldb, double* b, int32_t* status);
-/* Least-squares line y = intercept + slope x through n points. status 0; 1 fewer than 2 points or all x equal. */
+/* Least-squares line y = intercept + slope x through n points. status 0; 1 fewer than 2 points or all x equal.
+ */
 KV_API void KV_CALL REGLIN(const int32_t* n, const double* x, const double* y, double* slope, double* intercept,
                            double* correlation, int32_t* status);
 
@@ -82,7 +84,8 @@ KV_API void KV_CALL GANEW(const int32_t* n, double* x, double* f, KvResidual res
 /*
  * Orthogonal collocation on [0, 1]: n interior points, zeros of the shifted Jacobi polynomial with weight
  * (1-x)^alpha x^beta; n0, n1 = 1 includes x = 0, x = 1. nt = n + n0 + n1. Out: x[nt] nodes, a[nt * nt] first-
- * and b[nt * nt] second-derivative matrices, w[nt] quadrature weights for the weight function 1 (sum 1). status 0; 1 bad argument.
+ * and b[nt * nt] second-derivative matrices, w[nt] quadrature weights for the weight function 1 (sum 1). status
+ * 0; 1 bad argument.
  */
 KV_API void KV_CALL MCOLT7(const int32_t* n, const int32_t* n0, const int32_t* n1, const double* alpha,
                            const double* beta, double* x, double* a, double* b, double* w, int32_t* status);

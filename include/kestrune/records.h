@@ -21,19 +21,19 @@
  * Tc, Pc and the acentric factor are needed by every calculation with the equation of state.
  */
 enum KvTableColumn {
-  KV_COL_DATABANK_NUMBER = 1,   /* running number in the host's databank, not read */
-  KV_COL_MOLAR_MASS = 2,        /* g/mol */
-  KV_COL_MELTING_POINT = 3,     /* triple or melting point, K */
-  KV_COL_BOILING_POINT = 4,     /* normal boiling point, K */
-  KV_COL_TC = 5,                /* critical temperature, K */
-  KV_COL_PC = 6,                /* critical pressure, atm */
-  KV_COL_VC = 7,                /* critical volume, cm3/mol */
-  KV_COL_ZC = 8,                /* critical compressibility factor */
-  KV_COL_OMEGA = 9,             /* acentric factor */
-  KV_COL_DIPOLE = 10,           /* dipole moment, debye */
-  KV_COL_TMIN_PSAT = 11,        /* lowest temperature of its vapour-pressure correlation, K */
-  KV_COL_FAMILY = 41,           /* family code, KV_FAMILY_WATER marks water */
-  KV_COL_CAS = 43               /* CAS number as a whole number: 7732185 is 7732-18-5 */
+  KV_COL_DATABANK_NUMBER = 1, /* running number in the host's databank, not read */
+  KV_COL_MOLAR_MASS = 2,      /* g/mol */
+  KV_COL_MELTING_POINT = 3,   /* triple or melting point, K */
+  KV_COL_BOILING_POINT = 4,   /* normal boiling point, K */
+  KV_COL_TC = 5,              /* critical temperature, K */
+  KV_COL_PC = 6,              /* critical pressure, atm */
+  KV_COL_VC = 7,              /* critical volume, cm3/mol */
+  KV_COL_ZC = 8,              /* critical compressibility factor */
+  KV_COL_OMEGA = 9,           /* acentric factor */
+  KV_COL_DIPOLE = 10,         /* dipole moment, debye */
+  KV_COL_TMIN_PSAT = 11,      /* lowest temperature of its vapour-pressure correlation, K */
+  KV_COL_FAMILY = 41,         /* family code, KV_FAMILY_WATER marks water */
+  KV_COL_CAS = 43             /* CAS number as a whole number: 7732185 is 7732-18-5 */
 };
 #define KV_TABLE_COLUMNS 43
 #define KV_FAMILY_WATER 20.0
@@ -46,27 +46,27 @@ enum { FreeWaterFlag = 1 };
 
 #pragma pack(push, 1)
 typedef struct MixtureRecord {
-  int32_t count;        /*   0  number of components, 1 .. KV_MAX_COMPONENTS */
-  const double* table;  /*   4  ComponentTable, [43 * count]; 8 bytes wide on 64-bit targets */
+  int32_t count;       /*   0  number of components, 1 .. KV_MAX_COMPONENTS */
+  const double* table; /*   4  ComponentTable, [43 * count]; 8 bytes wide on 64-bit targets */
 #if UINTPTR_MAX > 0xffffffffu
   uint8_t reserved8[4]; /*  12  not read */
 #else
   uint8_t reserved8[8]; /*   8  not read */
 #endif
-  uint8_t flags;        /*  16  bit 0: FreeWaterFlag; cleared during some calls, always put back */
-  double solubility_a;  /*  17  water solubility limit in the hydrocarbon liquid */
-  double solubility_b;  /*  25  s(T) = exp(solubility_a - solubility_b / T), capped at 1; B in K */
+  uint8_t flags;          /*  16  bit 0: FreeWaterFlag; cleared during some calls, always put back */
+  double solubility_a;    /*  17  water solubility limit in the hydrocarbon liquid */
+  double solubility_b;    /*  25  s(T) = exp(solubility_a - solubility_b / T), capped at 1; B in K */
   uint8_t reserved33[28]; /* 33  not read */
-  double CRIT;          /*  61  convergence criterion on the iteration error (a sum of squares); 0: default */
-  double CLIM;          /*  69  error level below which the method may be changed; 0: default */
-  double EPS;           /*  77  stagnation tolerance on the relative change of the error; 0: default */
-  int32_t ITEMAX;       /*  85  iteration limit; 0: default */
-  int32_t NEW;          /*  89  iterations granted to the global method, in units of (count + 1) */
-  int32_t trace_flag;   /*  93  non-zero: write the trace; 1 is the short trace of the three-phase flash */
-  int32_t trace_unit;   /*  97  6 standard output, 0 standard error, n the file fort.n */
-  double relaxation;    /* 101  factor of the successive-substitution update, 1 = full step; 0: default */
-  double pure_tolerance; /* 109 a feed with one fraction above 1 - pure_tolerance counts as pure */
-  double sum_tolerance; /* 117  largest |sum of the feed - 1| where a calculation tests it */
+  double CRIT;            /*  61  convergence criterion on the iteration error (a sum of squares); 0: default */
+  double CLIM;            /*  69  error level below which the method may be changed; 0: default */
+  double EPS;             /*  77  stagnation tolerance on the relative change of the error; 0: default */
+  int32_t ITEMAX;         /*  85  iteration limit; 0: default */
+  int32_t NEW;            /*  89  iterations granted to the global method, in units of (count + 1) */
+  int32_t trace_flag;     /*  93  non-zero: write the trace; 1 is the short trace of the three-phase flash */
+  int32_t trace_unit;     /*  97  6 standard output, 0 standard error, n the file fort.n */
+  double relaxation;      /* 101  factor of the successive-substitution update, 1 = full step; 0: default */
+  double pure_tolerance;  /* 109 a feed with one fraction above 1 - pure_tolerance counts as pure */
+  double sum_tolerance;   /* 117  largest |sum of the feed - 1| where a calculation tests it */
 } MixtureRecord;
 #pragma pack(pop)
 

@@ -144,7 +144,8 @@ double small_start(const Cubic& c) {
 
 }  // namespace
 
-int solve_cubic(const Cubic& c, bool usual, double A, double B, bool gas, double tolerance, bool started, double& Z) {
+int solve_cubic(const Cubic& c, bool usual, double A, double B, bool gas, double tolerance, bool started,
+                double& Z) {
   // f(B) = -(1 + u + w) B^2: with the usual constants there is always a root above B.
   if (!(B > 0.0 && std::isfinite(A)) || (!usual && !(c.at(B) < 0.0))) return kNoRoot;
   const double z0 = -c.c1 / 3.0;
@@ -167,8 +168,8 @@ int solve_cubic(const Cubic& c, bool usual, double A, double B, bool gas, double
 }  // namespace kestrune::tools
 
 KV_ENTRY void KV_CALL BRACUB(const double* c0, const double* c1, const double* c2, const double* c3, double* Z,
-                             int32_t* status, const int32_t* phase, const double* u, const double* w, const double* A,
-                             const double* B, const double* settings) {
+                             int32_t* status, const int32_t* phase, const double* u, const double* w,
+                             const double* A, const double* B, const double* settings) {
   kestrune::tools::Cubic c{*c1, *c2, *c3};
   if (*c0 != 1.0) {
     const double s = 1.0 / *c0;

@@ -36,8 +36,7 @@ void root_derivatives(const Temperature& t, double P, const Root& r, bool with_T
 
 // Residual enthalpy and entropy. The logarithm of [2Z + (u - s)B]/[2Z + (u + s)B] is -s phi.
 void enthalpy_entropy(const Temperature& t, const Root& r, PhaseValues& out) {
-  out.H_res =
-      (-(out.a - t.T * out.da_dT) / out.b * r.phi + kR * t.T * r.z_minus_1) * kCalPerCm3Atm;
+  out.H_res = (-(out.a - t.T * out.da_dT) / out.b * r.phi + kR * t.T * r.z_minus_1) * kCalPerCm3Atm;
   out.S_res = (out.da_dT / out.b * r.phi + kR * r.log_z_minus_B) * kCalPerCm3Atm;
 }
 
@@ -52,8 +51,8 @@ void heat_capacities(const Temperature& t, const Root& r, PhaseValues& out) {
 
 }  // namespace
 
-bool evaluate(const Temperature& t, frame::tools::KvBracub bracub, double P, const double* x, int phase, int level,
-              const double* molar_mass, double* work, PhaseValues& out) noexcept {
+bool evaluate(const Temperature& t, frame::tools::KvBracub bracub, double P, const double* x, int phase,
+              int level, const double* molar_mass, double* work, PhaseValues& out) noexcept {
   double* const s = work;
   double* const s_t = work + t.ld;
   double* const row = work + 2 * t.ld;

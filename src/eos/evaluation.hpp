@@ -39,19 +39,19 @@ inline constexpr int order_of_level(int level) {
  * keeps the value that it had; dZ_dT needs d alpha/dT and is left alone at level 2.
  */
 struct PhaseValues {
-  int status = 0;           // of the root solver
-  double Z = 0.0;           // in at levels 10, 11, 12
-  double v = 0.0;           // cm3/mol
-  double rho = 0.0;         // g/cm3
-  double* ln_phi = nullptr;       // [n]
-  double* dln_phi_dT = nullptr;   // [n] 1/K
-  double* dln_phi_dP = nullptr;   // [n] 1/atm
-  double* h_partial = nullptr;    // [n] partial molar residual enthalpies, cal/mol
+  int status = 0;                // of the root solver
+  double Z = 0.0;                // in at levels 10, 11, 12
+  double v = 0.0;                // cm3/mol
+  double rho = 0.0;              // g/cm3
+  double* ln_phi = nullptr;      // [n]
+  double* dln_phi_dT = nullptr;  // [n] 1/K
+  double* dln_phi_dP = nullptr;  // [n] 1/atm
+  double* h_partial = nullptr;   // [n] partial molar residual enthalpies, cal/mol
   double dZ_dT = 0.0, dZ_dP = 0.0;
-  double H_res = 0.0;       // cal/mol
-  double S_res = 0.0;       // cal/(mol K)
-  double Cp_res = 0.0;      // cal/(mol K), d H_res/dT at constant P
-  double Cv_res = 0.0;      // cal/(mol K), d U_res/dT at constant v
+  double H_res = 0.0;   // cal/mol
+  double S_res = 0.0;   // cal/(mol K)
+  double Cp_res = 0.0;  // cal/(mol K), d H_res/dT at constant P
+  double Cv_res = 0.0;  // cal/(mol K), d U_res/dT at constant v
   double a = 0.0, b = 0.0, da_dT = 0.0, A = 0.0, B = 0.0, d2a_dT2 = 0.0;  // the mixture record
 };
 
@@ -61,8 +61,8 @@ struct PhaseValues {
  * cubic is not finite or it has no root, Z and v keep their values and nothing further is computed; then,
  * and when the derivatives are not finite, false is returned.
  */
-bool evaluate(const Temperature& t, frame::tools::KvBracub bracub, double P, const double* x, int phase, int level,
-              const double* molar_mass, double* work, PhaseValues& out) noexcept;
+bool evaluate(const Temperature& t, frame::tools::KvBracub bracub, double P, const double* x, int phase,
+              int level, const double* molar_mass, double* work, PhaseValues& out) noexcept;
 
 }  // namespace kestrune::eos
 

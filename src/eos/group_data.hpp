@@ -12,8 +12,8 @@ namespace kestrune::eos {
  * counts[groups * components], A and B [groups * groups] in MPa (strict upper triangle read), into the buffers
  * that data points to (shapes in frame/state.hpp; A, B in atm). Counts below 1 leave empty loops.
  */
-void convert_group_data(std::int32_t components, std::int32_t groups, const std::int32_t* counts, const double* A,
-                        const double* B, const frame::GroupData& data) noexcept;
+void convert_group_data(std::int32_t components, std::int32_t groups, const std::int32_t* counts,
+                        const double* A, const double* B, const frame::GroupData& data) noexcept;
 
 }  // namespace kestrune::eos
 

@@ -16,9 +16,16 @@ namespace kestrune::eos {
 
 Mixture mix(const Temperature& t, const double* x, double* __restrict s) noexcept {
   const int n = t.n, ld = t.ld;
-  for (int i = 0; i < ld; ++i) s[i] = 0.0;
-  // Two columns at a time: half the loads and stores of s.
-  int j = 0;
+  // Two columns at a time: half the loads and stores of s. The first ones set it.
+  int j = 2;
+  if (n < 2) {
+    for (int i = 0; i < ld; ++i) s[i] = x[0] * t.aij[i];
+  } else {
+    const double* __restrict c0 = t.aij;
+    const double* __restrict c1 = c0 + ld;
+    const double x0 = x[0], x1 = x[1];
+    for (int i = 0; i < ld; ++i) s[i] = x0 * c0[i] + x1 * c1[i];
+  }
   for (; j + 1 < n; j += 2) {
     const double* __restrict c0 = t.aij + static_cast<std::size_t>(j) * ld;
     const double* __restrict c1 = c0 + ld;
@@ -137,7 +144,7 @@ double dln_phi_dT(const Temperature& t, const Mixture& m, const Root& r, const M
 }
 
 void dln_phi_dn(const Temperature& t, const Mixture& m, const Root& r, const Mechanics& k,
-                const double* __restrict s, double* __restrict out, int ld_out, int rows) noexcept {
+                const double* __restrict s, double* __restrict out, int ld_out, int rows, bool lower) noexcept {
   const double eta = r.eta, c = eta / (1.0 - eta);
   const double invb = 1.0 / m.b;
   const double rt = invb / (kR * t.T);
@@ -160,7 +167,7 @@ void dln_phi_dn(const Temperature& t, const Mixture& m, const Root& r, const Mec
     const double c0 = unit + g_b * bj + e * lj;
     const double cb = g_b + g_bb * bj + g_bs * sj + f * k.h_b;
     const double cs = g_bs * bj + f * k.h_s;
-    for (int i = 0; i < rows; ++i) column[i] = c0 + cb * t.b[i] + cs * s[i] + g_aa * a[i];
+    for (int i = lower ? j & ~1 : 0; i < rows; ++i) column[i] = c0 + cb * t.b[i] + cs * s[i] + g_aa * a[i];
   }
 }
 

@@ -73,12 +73,13 @@ void ln_phi(const Temperature& t, const Mixture& m, const Root& r, const double*
 struct Mechanics {
   double h_0, h_b, h_s;  // h_i = h_0 + h_b b_i + h_s s_i
   double one_plus_k;
-  double eta_slope;      // eta dZ/d eta at constant T and composition
+  double eta_slope;  // eta dZ/d eta at constant T and composition
 };
 Mechanics mechanics(const Temperature& t, const Mixture& m, const Root& r) noexcept;
 
 /* P d ln phi_i/dP (dimensionless), out[ld]. */
-void p_dln_phi_dP(const Temperature& t, const Mechanics& k, const Root& r, const double* s, double* out) noexcept;
+void p_dln_phi_dP(const Temperature& t, const Mechanics& k, const Root& r, const double* s,
+                  double* out) noexcept;
 
 /* d ln phi_i/dT in 1/K, out[n]; needs order 1 and x. s_t[ld] receives sum_j x_j da_ij/dT; returns da/dT. */
 double dln_phi_dT(const Temperature& t, const Mixture& m, const Root& r, const Mechanics& k, const double* x,
@@ -86,10 +87,11 @@ double dln_phi_dT(const Temperature& t, const Mixture& m, const Root& r, const M
 
 /*
  * d ln phi_i/d n_j at constant T, P for one mole in total, symmetric, column j at j * ld_out; only the first
- * rows elements of each column are written (n, or ld when ld_out allows the padding).
+ * rows elements of each column are written (n, or ld when ld_out allows the padding). lower: only the lower
+ * triangle is wanted; what stands above it is left alone.
  */
 void dln_phi_dn(const Temperature& t, const Mixture& m, const Root& r, const Mechanics& k, const double* s,
-                double* out, int ld_out, int rows) noexcept;
+                double* out, int ld_out, int rows, bool lower) noexcept;
 
 }  // namespace kestrune::eos
 

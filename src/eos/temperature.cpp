@@ -29,8 +29,8 @@ inline double slope_of_alpha(double w) {
 }
 
 struct Components {
-  double *a, *a_t, *a_tt, *b;        // [ld]
-  double *e, *e_t, *e_tt;            // [ld] delta_i^2 = a_i/b_i^2 and its derivatives
+  double *a, *a_t, *a_tt, *b;  // [ld]
+  double *e, *e_t, *e_tt;      // [ld] delta_i^2 = a_i/b_i^2 and its derivatives
 };
 
 // a_i, b_i and delta_i^2 with as many derivatives as wanted. False when a constant is unusable.
@@ -65,9 +65,9 @@ bool components(double T, int n, const double* Tc, const double* Pc, const doubl
 // The groups that occur in the mixture, packed: fractions f[i + ld * g], interactions at T.
 struct Groups {
   int count;
-  double* f;                      // [ld * count]
-  double *A, *A_t, *A_tt;         // [count * count] atm, atm/K, atm/K2
-  bool unassigned;                // some component has no group at all
+  double* f;               // [ld * count]
+  double *A, *A_t, *A_tt;  // [count * count] atm, atm/K, atm/K2
+  bool unassigned;         // some component has no group at all
 };
 
 void find_groups(const frame::GroupData& data, int n, int ld, support::Arena& arena, int* index, Groups& g) {
@@ -252,7 +252,8 @@ void interaction_parameters(const Temperature& t, double* kij, double* kij_t, do
       kij[to] = i == j ? 0.0 : 1.0 - q;
       if (kij_t == nullptr && kij_tt == nullptr) continue;
       // logarithmic derivative of r from the diagonal: r'/r = (a_i'/a_i + a_j'/a_j)/2
-      const std::size_t ii = static_cast<std::size_t>(i) * t.ld + i, jj = static_cast<std::size_t>(j) * t.ld + j;
+      const std::size_t ii = static_cast<std::size_t>(i) * t.ld + i,
+                        jj = static_cast<std::size_t>(j) * t.ld + j;
       const double li = t.aij_t[ii] / t.a[i], lj = t.aij_t[jj] / t.a[j];
       const double l = 0.5 * (li + lj);
       const double q1 = t.aij_t[at] / r - q * l;

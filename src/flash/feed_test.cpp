@@ -9,13 +9,13 @@
 namespace kestrune::flash {
 namespace {
 
-// Activity of a component in the tested phase, with its pure state as unit, from which on a phase of almost nothing
-// else could split off; of the heaviest component, whose phase may hold much of the others.
+// Activity of a component in the tested phase, with its pure state as unit, from which on a phase of almost
+// nothing else could split off; of the heaviest component, whose phase may hold much of the others.
 constexpr double kWorthFollowing = 0.15, kHeaviestWorthFollowing = 0.1;
 // Light gases, whose near-pure trials always run: critical temperature below this, K.
 constexpr double kLightGas = 310.0;
-// Small strongly cohesive molecules (hydrogen sulphide, sulphur dioxide, ammonia, water, methanol), which like to keep
-// to themselves: critical pressure above this, atm. No hydrocarbon comes near it.
+// Small strongly cohesive molecules (hydrogen sulphide, sulphur dioxide, ammonia, water, methanol), which like
+// to keep to themselves: critical pressure above this, atm. No hydrocarbon comes near it.
 constexpr double kCohesive = 60.0;
 // b/v of a dilute gas: half the critical packing.
 // Distance from which on a liquid is missing beside a vapour of a free-water answer.
@@ -102,8 +102,8 @@ bool wilson_trials(Flash& f, const Reference& ref) {
   return true;
 }
 
-// Trials from the reference along the direction of lowest curvature, both ways: where a critical point is close, what
-// splits off differs from it in this direction.
+// Trials from the reference along the direction of lowest curvature, both ways: where a critical point is
+// close, what splits off differs from it in this direction.
 bool trials_along(Flash& f, const Reference& ref) {
   const int n = f.m.n;
   for (const double sign : {1.0, -1.0}) {
@@ -119,7 +119,8 @@ bool trials_along(Flash& f, const Reference& ref) {
 
 // Trials out of a phase that is not clearly convex.
 bool test_curvature(Flash& f, const Reference& ref) {
-  if (clearly_convex(f.m, ref, liquid_kind(f), f.work, f.trial, f.direction, f.status)) return f.status == KV_OK;
+  if (clearly_convex(f.m, ref, liquid_kind(f), f.work, f.trial, f.direction, f.status))
+    return f.status == KV_OK;
   f.how = Follow::strict;
   return trials_along(f, ref);
 }
@@ -229,8 +230,8 @@ bool test_feed(Flash& f) {
 }
 
 bool test_answer(Flash& f, bool& stable) {
-  // The tangent plane of the whole answer; x is a phase of it. With free water it is the vapour's plane that counts:
-  // a liquid of the water rules may be two.
+  // The tangent plane of the whole answer; x is a phase of it. With free water it is the vapour's plane that
+  // counts: a liquid of the water rules may be two.
   const bool vapour = f.m.free_water;
   const double* z = vapour ? f.it.y : f.it.x;
   const double* phi = vapour ? f.it.ln_phi_y : f.it.ln_phi_x;

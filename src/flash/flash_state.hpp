@@ -19,26 +19,26 @@ struct Flash {
   Settings settings;
   support::TraceWriter& trace;
 
-  Iterate it;                 // the two-phase iteration; it.z is the normalised feed
-  Iterate best, answer;       // the best answer, and the one under test, while others are tried
+  Iterate it;            // the two-phase iteration; it.z is the normalised feed
+  Iterate best, answer;  // the best answer, and the one under test, while others are tried
   TwoPhaseWork two;
   TrialWork work;
-  Trial trial, lowest;        // the trial that runs, and the lowest of the current test
+  Trial trial, lowest;  // the trial that runs, and the lowest of the current test
   bool have_lowest = false;
-  Follow how = Follow::quick; // how far trials are followed
-  bool came_back = false;     // some trial ran back into the reference
+  Follow how = Follow::quick;  // how far trials are followed
+  bool came_back = false;      // some trial ran back into the reference
 
-  double* wilson_k = nullptr;     // [ld]
-  double* feed_phi = nullptr;     // [ld] ln phi of the feed as one phase
-  double* d = nullptr;            // [ld] ln z + ln phi of it
-  double* answer_d = nullptr;     // [ld] the same of a phase of an answer under test
-  double* direction = nullptr;    // [ld] of lowest curvature at the feed
-  double* tried = nullptr;        // [ld * kTried] compositions of trials that a split was tried from
-  double* dry = nullptr;          // [ld] the feed without its water
-  double feed_gibbs = 0.0;        // sum of z d
+  double* wilson_k = nullptr;   // [ld]
+  double* feed_phi = nullptr;   // [ld] ln phi of the feed as one phase
+  double* d = nullptr;          // [ld] ln z + ln phi of it
+  double* answer_d = nullptr;   // [ld] the same of a phase of an answer under test
+  double* direction = nullptr;  // [ld] of lowest curvature at the feed
+  double* tried = nullptr;      // [ld * kTried] compositions of trials that a split was tried from
+  double* dry = nullptr;        // [ld] the feed without its water
+  double feed_gibbs = 0.0;      // sum of z d
   double feed_Z = 0.0;
   Kind feed_kind = Kind::stable;
-  StatusCode status = KV_OK;      // of the fugacity routine
+  StatusCode status = KV_OK;  // of the fugacity routine
 
   bool liquids_only() const { return call.mode == Mode::liquid_liquid; }
 };
@@ -50,8 +50,8 @@ struct Flash {
 Kind kind_of(const Flash& f, const double* composition, double Z);
 
 /*
- * Whether hydrocarbons beside free water can be a liquid at all: below 1.25 times Kay's pseudo-critical temperature of
- * the feed without its water.
+ * Whether hydrocarbons beside free water can be a liquid at all: below 1.25 times Kay's pseudo-critical
+ * temperature of the feed without its water.
  */
 bool may_be_liquid(const Flash& f);
 
@@ -59,8 +59,8 @@ bool may_be_liquid(const Flash& f);
 Kind liquid_kind(const Flash& f);
 Kind vapour_kind(const Flash& f);
 
-// The starts of trials, by number: the two of Wilson's coefficients, the ideal-gas-like one, and component j almost
-// pure as kNearPure + j.
+// The starts of trials, by number: the two of Wilson's coefficients, the ideal-gas-like one, and component j
+// almost pure as kNearPure + j.
 enum TrialNumber { kWilsonLiquid, kWilsonVapour, kIdealGas, kNearPure };
 
 /* Puts the start of a trial into f.trial. False: f.status. */
@@ -73,14 +73,14 @@ Kind kind_of_trial(const Flash& f, int number);
 bool evaluate_feed(Flash& f);
 
 /*
- * Full stability analysis of the feed: both Wilson trials, the ideal-gas-like one, near-pure ones. f.lowest is the
- * trial of lowest distance, when there is one that is not the feed itself. False: f.status.
+ * Full stability analysis of the feed: both Wilson trials, the ideal-gas-like one, near-pure ones. f.lowest is
+ * the trial of lowest distance, when there is one that is not the feed itself. False: f.status.
  */
 bool test_feed(Flash& f);
 
 /*
- * Test of an answer: near-pure trials against the tangent plane of the phase it.x (which is that of it.y as well).
- * f.lowest is the phase that cuts it. False: f.status.
+ * Test of an answer: near-pure trials against the tangent plane of the phase it.x (which is that of it.y as
+ * well). f.lowest is the phase that cuts it. False: f.status.
  */
 bool test_answer(Flash& f, bool& stable);
 

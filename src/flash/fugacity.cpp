@@ -17,9 +17,10 @@ constexpr double kWaterRich = 0.9999;
 constexpr double kInsoluble = kLargestLogK;
 
 // A host's routine, or the built-in one under the same argument list. Derivatives with leading dimension n.
-StatusCode plain_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d, double& Z) {
+StatusCode plain_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,
+                          double& Z) {
   if (m.routine == nullptr && d.dT == nullptr && d.dP == nullptr)
-    return built_in_fugacity(m, x, kind, ln_phi, d.dn, Z);
+    return built_in_fugacity(m, x, kind, ln_phi, d.dn, false, Z);
   if (kind == Kind::stable && m.routine != nullptr) {
     // Both phases, and the one of lower Gibbs energy.
     double zg = 0.0, zl = 0.0;
@@ -52,7 +53,7 @@ StatusCode plain_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, 
     return KV_OK;
   }
   // Temperature derivatives of the built-in equation: the temperature is prepared with order 1 for these.
-  const StatusCode status = built_in_fugacity(m, x, kind, ln_phi, d.dn, Z);
+  const StatusCode status = built_in_fugacity(m, x, kind, ln_phi, d.dn, false, Z);
   if (status != KV_OK) return status;
   const eos::Mixture mixed = eos::mix(m.t, x, m.s);
   eos::Root r;
@@ -88,8 +89,8 @@ void water_rich(const Model& m, double xw, double* ln_phi, const Derivatives& d)
   d.dn[static_cast<std::size_t>(m.water) * m.ld + m.water] = 1.0 - 1.0 / xw;
 }
 
-// Composition derivatives of the others when they see the liquid at its solubility limit: in terms of the amounts
-// n_j of the hydrocarbons alone, with s/(1 - s) moles of water for each mole of them.
+// Composition derivatives of the others when they see the liquid at its solubility limit: in terms of the
+// amounts n_j of the hydrocarbons alone, with s/(1 - s) moles of water for each mole of them.
 void at_limit_dn(const Model& m, double s, double xw, double* dn) {
   const int w = m.water;
   const double total = (1.0 - xw) / (1.0 - s);  // moles of the modified phase in one mole of the whole
@@ -107,7 +108,8 @@ void at_limit_dn(const Model& m, double s, double xw, double* dn) {
   for (int i = 0; i < m.n; ++i) own[i] = 1.0;
 }
 
-// What the change of the limit with temperature adds to d ln phi/dT of the others; dn is that of the modified phase.
+// What the change of the limit with temperature adds to d ln phi/dT of the others; dn is that of the modified
+// phase.
 void at_limit_dT(const Model& m, const double* dn, double* dT) {
   const double s = m.solubility.value, slope = m.solubility.d_dT;
   for (int i = 0; i < m.n; ++i) {
@@ -134,8 +136,8 @@ void set_water(const Model& m, double xw, double* ln_phi, const Derivatives& d) 
 
 }  // namespace
 
-StatusCode make_model(double T, double P, MixtureRecord* mixture, const ModelRoutines* routines, bool free_water,
-                      int order, support::Arena& arena, Model& m) {
+StatusCode make_model(double T, double P, MixtureRecord* mixture, const ModelRoutines* routines,
+                      bool free_water, int order, support::Arena& arena, Model& m) {
   m.T = T;
   m.P = P;
   m.mixture = mixture;
@@ -163,7 +165,8 @@ StatusCode make_model(double T, double P, MixtureRecord* mixture, const ModelRou
   return eos::prepare(T, *mixture, frame::state().group_data, order, arena, m.t);
 }
 
-StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, double* dn, double& Z) noexcept {
+StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, double* dn, bool lower,
+                             double& Z) noexcept {
   const eos::Temperature& t = m.t;
   ++m.counts.fugacities;
   const eos::Mixture mixed = eos::mix(t, x, m.s);
@@ -195,7 +198,7 @@ StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_ph
   eos::ln_phi(t, mixed, r, m.s, ln_phi);
   if (dn != nullptr) {
     ++m.counts.matrices;
-    eos::dln_phi_dn(t, mixed, r, eos::mechanics(t, mixed, r), m.s, dn, m.ld, m.ld);
+    eos::dln_phi_dn(t, mixed, r, eos::mechanics(t, mixed, r), m.s, dn, m.ld, m.ld, lower);
   }
   return std::fabs(ln_phi[0]) < 1e300 ? KV_OK : KV_NOT_FINITE;
 }
@@ -235,12 +238,13 @@ StatusCode water_aware_fugacity(Model& m, const double* x, Kind kind, double* ln
   return KV_OK;
 }
 
-StatusCode k_values(Model& m, const double* x, const double* y, double* K, const KDerivatives& d, double* work) {
-  double *const lx = work, *const ly = lx + m.ld, *const tx = ly + m.ld, *const ty = tx + m.ld, *const px = ty + m.ld,
-               *const py = px + m.ld;
+StatusCode k_values(Model& m, const double* x, const double* y, double* K, const KDerivatives& d,
+                    double* work) {
+  double *const lx = work, *const ly = lx + m.ld, *const tx = ly + m.ld, *const ty = tx + m.ld,
+                *const px = ty + m.ld, *const py = px + m.ld;
   double Z = 0.0;
-  StatusCode status = water_aware_fugacity(
-      m, y, Kind::gas, ly, {d.dT ? ty : nullptr, d.dP ? py : nullptr, d.dy}, Z);
+  StatusCode status =
+      water_aware_fugacity(m, y, Kind::gas, ly, {d.dT ? ty : nullptr, d.dP ? py : nullptr, d.dy}, Z);
   if (status != KV_OK) return status;
   Z = 0.0;
   status = water_aware_fugacity(m, x, Kind::liquid, lx, {d.dT ? tx : nullptr, d.dP ? px : nullptr, d.dx}, Z);

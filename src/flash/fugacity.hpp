@@ -15,11 +15,11 @@ enum class Kind { gas, liquid, stable };
 
 // Work done, for benchmarks: counts do not depend on the machine.
 struct Counts {
-  int fugacities = 0;    // evaluations of ln phi of one phase
-  int matrices = 0;      // of them, with composition derivatives
+  int fugacities = 0;  // evaluations of ln phi of one phase
+  int matrices = 0;    // of them, with composition derivatives
   int factorisations = 0;
-  int iterations = 0;    // of the two-phase iteration
-  int trials = 0;        // of the stability test
+  int iterations = 0;  // of the two-phase iteration
+  int trials = 0;      // of the stability test
 };
 
 /*
@@ -30,29 +30,29 @@ struct Model {
   double T = 0.0, P = 0.0;
   int n = 0, ld = 0;
   MixtureRecord* mixture = nullptr;
-  KvFugacityRoutine routine = nullptr;        // of the host; null: the built-in equation of state
+  KvFugacityRoutine routine = nullptr;  // of the host; null: the built-in equation of state
   frame::tools::KvBracub bracub = nullptr;
-  eos::Temperature t;                         // prepared when routine is null
-  bool free_water = false;                    // the flag is set and there is water
-  int water = -1;                             // index of the water family component
-  WithSlope psat{}, solubility{};             // of water at T
-  double* s = nullptr;                        // [ld] work
-  double* modified = nullptr;                 // [ld] work of the free-water rules
-  double* square = nullptr;                   // [n * n] work for a host's composition derivatives
-  double* compared = nullptr;                 // [ld] ln phi of a phase while a host's two are compared
-  double* limit_dn = nullptr;                 // [ld * n] work of the free-water rules, order 1
-  double* row = nullptr;                      // [ld] work
+  eos::Temperature t;              // prepared when routine is null
+  bool free_water = false;         // the flag is set and there is water
+  int water = -1;                  // index of the water family component
+  WithSlope psat{}, solubility{};  // of water at T
+  double* s = nullptr;             // [ld] work
+  double* modified = nullptr;      // [ld] work of the free-water rules
+  double* square = nullptr;        // [n * n] work for a host's composition derivatives
+  double* compared = nullptr;      // [ld] ln phi of a phase while a host's two are compared
+  double* limit_dn = nullptr;      // [ld * n] work of the free-water rules, order 1
+  double* row = nullptr;           // [ld] work
   Counts counts;
 
   bool built_in() const { return routine == nullptr && !free_water; }
 };
 
 /*
- * KV_OK, or why there is no model at this temperature. order 1 prepares temperature derivatives, which then may be
- * asked for.
+ * KV_OK, or why there is no model at this temperature. order 1 prepares temperature derivatives, which then may
+ * be asked for.
  */
-StatusCode make_model(double T, double P, MixtureRecord* mixture, const ModelRoutines* routines, bool free_water,
-                      int order, support::Arena& arena, Model& m);
+StatusCode make_model(double T, double P, MixtureRecord* mixture, const ModelRoutines* routines,
+                      bool free_water, int order, support::Arena& arena, Model& m);
 
 // Derivatives beside ln phi; null = not wanted. dn has column j at j * ld and n rows.
 struct Derivatives {
@@ -62,18 +62,25 @@ struct Derivatives {
 };
 
 /*
- * ln phi[ld] of a phase of composition x[ld] (padded with zeros), with the water rules where they apply. Z is the
- * compressibility factor: in, when positive, a start for the root; out 0 when a host's routine did not tell.
- * Returns the status of the fugacity routine that stops a flash, 0 otherwise.
+ * ln phi[ld] of a phase of composition x[ld] (padded with zeros), with the water rules where they apply. Z is
+ * the compressibility factor: in, when positive, a start for the root; out 0 when a host's routine did not
+ * tell. Returns the status of the fugacity routine that stops a flash, 0 otherwise.
  */
 StatusCode water_aware_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,
                                 double& Z) noexcept;
 
-/* The built-in equation of state, no detour: what the above does when m.built_in(). dn may be null. */
-StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, double* dn, double& Z) noexcept;
+/*
+ * The built-in equation of state, no detour: what the above does when m.built_in(). dn may be null; lower: only
+ * its lower triangle is wanted.
+ */
+StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, double* dn, bool lower,
+                             double& Z) noexcept;
 
-inline StatusCode fugacity(Model& m, const double* x, Kind kind, double* ln_phi, double* dn, double& Z) noexcept {
-  if (m.built_in()) return built_in_fugacity(m, x, kind, ln_phi, dn, Z);
+/* As the solvers need it: dn (may be null) at least in its lower triangle, which is all where it is symmetric.
+ */
+inline StatusCode fugacity(Model& m, const double* x, Kind kind, double* ln_phi, double* dn,
+                           double& Z) noexcept {
+  if (m.built_in()) return built_in_fugacity(m, x, kind, ln_phi, dn, true, Z);
   return water_aware_fugacity(m, x, kind, ln_phi, {nullptr, nullptr, dn}, Z);
 }
 
@@ -82,8 +89,8 @@ inline constexpr double kLargestK = 1e15, kSmallestK = 1e-15;
 inline constexpr double kLargestLogK = 34.538776394910684;
 
 /*
- * K-value evaluation: K_i = phi_i(liquid x)/phi_i(vapour y) within 1e-15 .. 1e15, K[n]; on request (not null) dT
- * and dP [n], and the composition derivatives scaled by K_i, dx (positive) and dy (negative) [ld * n].
+ * K-value evaluation: K_i = phi_i(liquid x)/phi_i(vapour y) within 1e-15 .. 1e15, K[n]; on request (not null)
+ * dT and dP [n], and the composition derivatives scaled by K_i, dx (positive) and dy (negative) [ld * n].
  */
 struct KDerivatives {
   double *dT = nullptr, *dP = nullptr, *dx = nullptr, *dy = nullptr;

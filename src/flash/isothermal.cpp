@@ -1,7 +1,8 @@
-// The method [Mic82, Mic82b]: a split by Wilson's coefficients is tried first, since a split of lower Gibbs energy
-// than the feed's is proof of two phases and its own best start. Where it fails, the tangent-plane test decides, and
-// its lowest trial phase starts the iteration. A two-phase answer is tested again with trials that it cannot have
-// come from; when one cuts its tangent plane, other splits are tried and the one of lowest Gibbs energy stands.
+// The method [Mic82, Mic82b]: a split by Wilson's coefficients is tried first, since a split of lower Gibbs
+// energy than the feed's is proof of two phases and its own best start. Where it fails, the tangent-plane test
+// decides, and its lowest trial phase starts the iteration. A two-phase answer is tested again with trials that
+// it cannot have come from; when one cuts its tangent plane, other splits are tried and the one of lowest Gibbs
+// energy stands.
 
 #include "flash/isothermal.hpp"
 
@@ -23,9 +24,9 @@ enum class Source { wilson = 1, estimate = 2, trial = 3, other_answer = 4, water
 enum class Situation { liquid = 3, vapour = 4 };
 
 constexpr int kMaxOtherAnswers = 8;
-constexpr double kLower = 1e-12;     // a Gibbs energy over RT counts as lower from here
+constexpr double kLower = 1e-12;            // a Gibbs energy over RT counts as lower from here
 constexpr double kWaterStaysLiquid = 1e-6;  // ln K of water at a start from free water is below minus this
-constexpr double kRounding = 1e-10;  // of Gibbs energies over RT
+constexpr double kRounding = 1e-10;         // of Gibbs energies over RT
 
 // False when the sum is beyond the range of a double.
 bool normalise_feed(const IsothermalCall& c, int n, double* z) {
@@ -104,8 +105,9 @@ Outcome iterate(Flash& f, bool compare) {
   return iterate_two_phases(f.m, f.settings, plan, f.trace, f.two, f.it, f.status);
 }
 
-// A split from one start, good when it converged on something better than the feed. Of a feed that is known to be
-// unstable any split is better, though close to a phase boundary by less than the rounding of Gibbs energies.
+// A split from one start, good when it converged on something better than the feed. Of a feed that is known to
+// be unstable any split is better, though close to a phase boundary by less than the rounding of Gibbs
+// energies.
 bool good_split(Flash& f, bool unstable, Outcome& outcome) {
   outcome = iterate(f, !unstable);
   const double bound = f.feed_gibbs + (unstable ? kRounding : -kLower);
@@ -114,7 +116,8 @@ bool good_split(Flash& f, bool unstable, Outcome& outcome) {
 
 void copy_answer(const Iterate& from, Iterate& to, int ld) {
   double* const arrays[] = {to.x, to.y, to.log_k, to.k, to.ln_phi_x, to.ln_phi_y, to.r, to.log_x};
-  const double* const values[] = {from.x, from.y, from.log_k, from.k, from.ln_phi_x, from.ln_phi_y, from.r, from.log_x};
+  const double* const values[] = {from.x,        from.y,        from.log_k, from.k,
+                                  from.ln_phi_x, from.ln_phi_y, from.r,     from.log_x};
   for (int k = 0; k < 8; ++k) std::copy_n(values[k], ld, arrays[k]);
   const double* z = to.z;
   double* const kept[] = {to.x, to.y, to.log_k, to.k, to.ln_phi_x, to.ln_phi_y, to.r, to.log_x};
@@ -168,8 +171,8 @@ bool try_all_trials(Flash& f, Reference ref, std::initializer_list<Beside> phase
   return true;
 }
 
-// An answer that is cut by its tangent plane: other splits, from all that cuts the planes of the answer and of the
-// feed, until none is lower. What then is still cut is a state with three phases.
+// An answer that is cut by its tangent plane: other splits, from all that cuts the planes of the answer and of
+// the feed, until none is lower. What then is still cut is a state with three phases.
 bool look_for_better(Flash& f) {
   Iterate& answer = f.answer;
   for (int k = 0; k < kMaxOtherAnswers; ++k) {
@@ -181,9 +184,10 @@ bool look_for_better(Flash& f) {
     const Reference plane{answer.x, f.answer_d, answer.y};
     const Reference feed{f.it.z, f.d};
     const Beside feed_phase{f.feed_phi, f.feed_Z, f.feed_kind};
-    if (!try_all_trials(f, plane,
-                        {{answer.ln_phi_x, answer.Zx, answer.kind_x}, {answer.ln_phi_y, answer.Zy, answer.kind_y}},
-                        improved) ||
+    if (!try_all_trials(
+            f, plane,
+            {{answer.ln_phi_x, answer.Zx, answer.kind_x}, {answer.ln_phi_y, answer.Zy, answer.kind_y}},
+            improved) ||
         !try_all_trials(f, feed, {feed_phase}, improved))
       return false;
     copy_answer(f.best, f.it, f.m.ld);
@@ -230,8 +234,7 @@ bool start_from_dry_flash(Flash& f) {
   usual_kinds(f);
   const double oil = (1.0 - water) * (1.0 - f.best.beta);
   const double share = oil / (oil + water);  // of oil in the liquid
-  for (int i = 0; i < n; ++i)
-    f.it.log_k[i] = support::fast_log(f.best.k[i]) - std::log(share);
+  for (int i = 0; i < n; ++i) f.it.log_k[i] = support::fast_log(f.best.k[i]) - std::log(share);
   const double k = f.m.psat.value / f.m.P / (1.0 - share);
   f.it.log_k[w] = std::clamp(std::log(k), -kLargestLogK, kLargestLogK);
   f.it.beta = (1.0 - water) * f.best.beta;
@@ -239,8 +242,8 @@ bool start_from_dry_flash(Flash& f) {
   return true;
 }
 
-// Hydrocarbons beside water in one phase where two are due: once more from their own split. The answer stays where
-// that start leads nowhere.
+// Hydrocarbons beside water in one phase where two are due: once more from their own split. The answer stays
+// where that start leads nowhere.
 bool add_missing_phase(Flash& f) {
   bool stable = true;
   if (!test_answer(f, stable)) return false;
@@ -353,7 +356,8 @@ void take_iterate(support::Arena& arena, int ld, Iterate& it) {
 
 StatusCode set_up(const IsothermalCall& call, support::Arena& arena) {
   Model m;
-  const StatusCode status = make_model(call.T, call.P, call.mixture, call.routines, call.free_water, 0, arena, m);
+  const StatusCode status =
+      make_model(call.T, call.P, call.mixture, call.routines, call.free_water, 0, arena, m);
   if (status != KV_OK) return status;
   Settings settings = copy_settings(*call.mixture);
   apply_robust_settings(kModelOptions, settings);
@@ -366,7 +370,8 @@ StatusCode set_up(const IsothermalCall& call, support::Arena& arena) {
   take_iterate(arena, m.ld, f.best);
   take_iterate(arena, m.ld, f.answer);
   f.it.z = f.best.z = f.answer.z = z;
-  f.two = {arena.zeros(ld), arena.zeros(ld), arena.zeros(ld), arena.take(square), arena.take(square), arena.take(square)};
+  f.two = {arena.zeros(ld),    arena.zeros(ld),    arena.zeros(ld),
+           arena.take(square), arena.take(square), arena.take(square)};
   f.work = {arena.zeros(ld), arena.zeros(ld), arena.zeros(ld), arena.zeros(ld), f.two.dx, f.two.system};
   f.trial.log_w = arena.zeros(ld);
   f.trial.w = arena.zeros(ld);

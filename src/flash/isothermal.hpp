@@ -9,30 +9,31 @@ namespace kestrune::flash {
 
 // Where the iteration may start beside what the solver finds itself.
 enum class Start {
-  cold,            // nothing given
-  warm,            // beta, x, y hold an estimate; an unusable one is ignored
-  cold_with_hint   // cold, but beta, x, y hold a further starting point (the water retry)
+  cold,           // nothing given
+  warm,           // beta, x, y hold an estimate; an unusable one is ignored
+  cold_with_hint  // cold, but beta, x, y hold a further starting point (the water retry)
 };
 
 /* One flash: what goes in and where the answer goes. Arrays [n] of the caller. */
 struct IsothermalCall {
-  double T = 0.0, P = 0.0;           // K, atm
-  const double* z = nullptr;         // feed, need not sum to one
+  double T = 0.0, P = 0.0;    // K, atm
+  const double* z = nullptr;  // feed, need not sum to one
   MixtureRecord* mixture = nullptr;
   const ModelRoutines* routines = nullptr;
   bool free_water = false;
   Mode mode = Mode::liquid_vapour;
   Start start = Start::cold;
-  int index = 1;                     // initialisation index, for the trace
-  double* beta = nullptr;            // vapour (second liquid) fraction
+  int index = 1;           // initialisation index, for the trace
+  double* beta = nullptr;  // vapour (second liquid) fraction
   double *x = nullptr, *y = nullptr, *K = nullptr;
-  Counts* counts = nullptr;          // may be null
+  Counts* counts = nullptr;  // may be null
 };
 
 /*
- * Solves. KV_OK: two phases. KV_SINGLE_PHASE (95): one, with beta 0 or 1; x, y and K then hold the incipient phase
- * of lowest tangent-plane distance, or the feed twice. 112: iteration limit, also after the restart with the robust
- * settings. 120: the iteration broke down. Others: of the model. On failure the arrays hold the last iterate.
+ * Solves. KV_OK: two phases. KV_SINGLE_PHASE (95): one, with beta 0 or 1; x, y and K then hold the incipient
+ * phase of lowest tangent-plane distance, or the feed twice. 112: iteration limit, also after the restart with
+ * the robust settings. 120: the iteration broke down. Others: of the model. On failure the arrays hold the last
+ * iterate.
  */
 StatusCode isothermal_flash(const IsothermalCall& call);
 

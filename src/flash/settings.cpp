@@ -28,7 +28,8 @@ Settings copy_settings(const MixtureRecord& mixture) noexcept {
 }
 
 void apply_robust_settings(const ModelOptions& model, Settings& s) noexcept {
-  const bool wanted = model.first == 7 || model.first == 8 || (model.second != 0 && model_predicate(model.second));
+  const bool wanted =
+      model.first == 7 || model.first == 8 || (model.second != 0 && model_predicate(model.second));
   if (!wanted) return;
   s.relaxation = std::fmin(s.relaxation, kRobustRelaxation);
   if (s.ITEMAX < kRobustIterations) s.ITEMAX = kRobustIterations;

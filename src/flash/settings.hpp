@@ -20,9 +20,9 @@ inline constexpr bool model_predicate(int code) {
 
 struct Settings {
   double CRIT, CLIM, EPS;
-  double loose;        // CRIT^0.33, the second, looser level
+  double loose;  // CRIT^0.33, the second, looser level
   int ITEMAX, NEW;
-  int global_budget;   // NEW (n + 1) iterations for the global method
+  int global_budget;  // NEW (n + 1) iterations for the global method
   double relaxation;
   bool robust;
   bool trace;

@@ -1,5 +1,5 @@
-// [Mic82] M. L. Michelsen, Fluid Phase Equilib. 9 (1982) 1-19: the test, the modified distance, the test for the
-// trivial solution. [Mic07] the same with second-order minimisation in 2 sqrt(W).
+// [Mic82] M. L. Michelsen, Fluid Phase Equilib. 9 (1982) 1-19: the test, the modified distance, the test for
+// the trivial solution. [Mic07] the same with second-order minimisation in 2 sqrt(W).
 
 #include "flash/stability.hpp"
 
@@ -12,10 +12,10 @@
 namespace kestrune::flash {
 namespace {
 
-constexpr int kSubstitutions = 3;      // before the first second-order step
+constexpr int kSubstitutions = 3;  // before the first second-order step
 constexpr int kMaxSteps = 60;
-constexpr double kConverged = 1e-18;   // gradient^2: tm is then exact to 1e-18
-constexpr double kFinished = 1e-14;    // of a phase that is only reported
+constexpr double kConverged = 1e-18;  // gradient^2: tm is then exact to 1e-18
+constexpr double kFinished = 1e-14;   // of a phase that is only reported
 // Positive distances are final once they exceed what the rest of the way can take off them.
 constexpr double kSafePositive = 1e-4, kSafeFactor = 25.0;
 constexpr double kLargestLogW = 600.0;
@@ -68,7 +68,8 @@ bool returns_to(const double* z, int n, bool quick, const TrialWork& work, const
   for (int i = 0; i < n; ++i) towards += (t.sum * t.w[i] - z[i]) * work.r[i];
   const double distance = spread(t.w, z, n);
   if (distance < kSameComposition) return true;
-  return quick && t.tm > 0.0 && distance < kNearComposition && std::fabs(2.0 * t.tm - towards) < kTrivialRatio * towards;
+  return quick && t.tm > 0.0 && distance < kNearComposition &&
+         std::fabs(2.0 * t.tm - towards) < kTrivialRatio * towards;
 }
 
 // Newton step in alpha = 2 sqrt(W). False when the matrix is not positive definite.
@@ -112,7 +113,8 @@ bool is_known(const Reference& ref, const Model& m, double limit, const Trial& t
 
 }  // namespace
 
-StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work, Trial& t) {
+StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work,
+                        Trial& t) {
   const bool quick = how == Follow::quick;
   ++m.counts.trials;
   t.end = TrialEnd::failed;
@@ -164,7 +166,8 @@ bool clearly_convex(Model& m, const Reference& ref, Kind kind, const TrialWork& 
   status = fugacity(m, ref.z, kind, t.ln_phi, work.dn, t.Z);
   if (status != KV_OK) return true;
   for (int i = 0; i < ld; ++i) work.root[i] = i < n ? std::sqrt(ref.z[i]) : 0.0;
-  // Factor with the threshold taken off; when that fails, with a shift that makes it succeed, for inverse iteration.
+  // Factor with the threshold taken off; when that fails, with a shift that makes it succeed, for inverse
+  // iteration.
   double shift = -kConvex;
   for (int attempt = 0; attempt < 12; ++attempt) {
     for (int j = 0; j < n; ++j) {

@@ -8,9 +8,10 @@ namespace kestrune::flash {
 
 /*
  * The reference of a test: the phase whose tangent plane is looked at. d_i = ln z_i + ln phi_i(z), [ld]; a
- * component that is absent counts as a trace of 1e-308. other is a second phase that touches the same plane (that
- * of a two-phase answer), null without one: a trial that runs into it is trivial as well. known are compositions of
- * stationary points that were found before: a trial that comes close to one would only find it again.
+ * component that is absent counts as a trace of 1e-308. other is a second phase that touches the same plane
+ * (that of a two-phase answer), null without one: a trial that runs into it is trivial as well. known are
+ * compositions of stationary points that were found before: a trial that comes close to one would only find it
+ * again.
  */
 struct Reference {
   const double* z = nullptr;      // [ld]
@@ -62,19 +63,20 @@ enum class Follow {
  * Follows a trial from trial.log_w: successive substitution, then second-order steps in 2 sqrt(W). kind as for
  * fugacity(). Returns the status of the fugacity routine.
  */
-StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work, Trial& trial);
+StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work,
+                        Trial& trial);
 
 /*
- * Curvature of the distance at the reference itself, the matrix 1 + sqrt(z_i z_j) d ln phi_i/d n_j: true when its
- * lowest eigenvalue is safely above zero, so that no other minimum can be close. Else lowest[ld] is a unit vector
- * near the lowest eigenvector. status: of the fugacity routine, which makes the result true.
+ * Curvature of the distance at the reference itself, the matrix 1 + sqrt(z_i z_j) d ln phi_i/d n_j: true when
+ * its lowest eigenvalue is safely above zero, so that no other minimum can be close. Else lowest[ld] is a unit
+ * vector near the lowest eigenvector. status: of the fugacity routine, which makes the result true.
  */
-bool clearly_convex(Model& m, const Reference& ref, Kind kind, const TrialWork& work, Trial& trial, double* lowest,
-                    StatusCode& status);
+bool clearly_convex(Model& m, const Reference& ref, Kind kind, const TrialWork& work, Trial& trial,
+                    double* lowest, StatusCode& status);
 
 /*
- * First substitution from the pure component j: fills trial.log_w, and Z of the pure phase. log_w[j] is then the
- * logarithm of the activity of j, which decides whether the trial is worth following.
+ * First substitution from the pure component j: fills trial.log_w, and Z of the pure phase. log_w[j] is then
+ * the logarithm of the activity of j, which decides whether the trial is worth following.
  */
 StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& trial);
 

@@ -13,6 +13,7 @@
 namespace kestrune::flash {
 namespace {
 
+constexpr double kLog10e = 0.43429448190325182;
 constexpr int kPassesAfterSwitch = 50;
 constexpr int kDecreasesBeforeSwitch = 3;
 constexpr double kSlowest = 0.999, kFastest = 0.001;  // reduction factors that a line fit is believed for
@@ -23,10 +24,11 @@ constexpr double kOwed = 1e-8;
 constexpr int kPolishSteps = 60;
 constexpr int kPlainSteps = 6, kMaxTakenBack = 200;
 constexpr double kSmallestPivot = 1e-14;
-constexpr double kFirstShift = 1e-10;  // beside a critical point the lowest eigenvalue is tiny, and so must the shift be
+constexpr double kFirstShift =
+    1e-10;  // beside a critical point the lowest eigenvalue is tiny, and so must the shift be
 constexpr double kLargestNewtonStep = 5.0;  // in ln K
 constexpr int kStepCuts = 12;               // until both phases are there
-constexpr double kTrivialLogK2 = 1e-11;  // sum of z (ln K)^2 of two phases that are one
+constexpr double kTrivialLogK2 = 1e-11;     // sum of z (ln K)^2 of two phases that are one
 
 // What the rules of the global method remember.
 struct Progress {
@@ -65,14 +67,14 @@ StatusCode evaluate_phases(Model& m, const TwoPhaseWork& work, bool derivatives,
 bool wants_to_switch(const Settings& s, const Progress& p) {
   const double number[3] = {1.0, 2.0, 3.0};
   double logs[3];
-  for (int k = 0; k < 3; ++k) logs[k] = std::log10(std::max(p.errors[k], 1e-300));
+  for (int k = 0; k < 3; ++k) logs[k] = kLog10e * support::fast_log(std::max(p.errors[k], 1e-300));
   double slope = 0.0, intercept = 0.0, correlation = 0.0;
   const std::int32_t three = 3;
   std::int32_t status = 0;
   frame::tools::REGLIN(&three, number, logs, &slope, &intercept, &correlation, &status);
-  const double factor = std::pow(10.0, slope);
+  const double factor = support::fast_exp(slope / kLog10e);
   if (!(factor >= kFastest && factor <= kSlowest)) return true;
-  return (std::log10(s.CRIT) - logs[2]) / slope > s.global_budget;
+  return (kLog10e * support::fast_log(s.CRIT) - logs[2]) / slope > s.global_budget;
 }
 
 void switch_method(Progress& p, int pass) {
@@ -226,7 +228,8 @@ bool split_feed(const Model& m, Iterate& it) {
 }
 
 Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPlan& plan,
-                           support::TraceWriter& trace, const TwoPhaseWork& work, Iterate& it, StatusCode& status) {
+                           support::TraceWriter& trace, const TwoPhaseWork& work, Iterate& it,
+                           StatusCode& status) {
   Progress p;
   p.relaxation = settings.relaxation;
   p.limit = settings.ITEMAX;
@@ -246,9 +249,10 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
     status = evaluate_phases(m, work, derivatives, it);
     if (status != KV_OK) return Outcome::routine;
     if (!accepted) trace_pass(trace, p, it);
-    // A Newton step that went uphill: in Gibbs energy it is cut from where it began; without one (free water) it is
-    // taken back and a few substitutions go first.
-    if (newton_taken && !m.free_water && it.gibbs > before + 1e-11 * (1.0 + std::fabs(before)) && factor > 1e-4) {
+    // A Newton step that went uphill: in Gibbs energy it is cut from where it began; without one (free water)
+    // it is taken back and a few substitutions go first.
+    if (newton_taken && !m.free_water && it.gibbs > before + 1e-11 * (1.0 + std::fabs(before)) &&
+        factor > 1e-4) {
       factor *= 0.25;
       if (!take_newton_step(m, factor, work, it)) return Outcome::one_phase;
       continue;
@@ -262,7 +266,8 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
     if (plain > 0) --plain;
     if (!accepted && it.error <= settings.CRIT && it.count >= 2) accepted = true;
     if (accepted && it.worst <= kFinished) return Outcome::converged;
-    if (accepted && ++polish > kPolishSteps) return it.worst <= kOwed ? Outcome::converged : Outcome::broke_down;
+    if (accepted && ++polish > kPolishSteps)
+      return it.worst <= kOwed ? Outcome::converged : Outcome::broke_down;
     if (it.count >= 2 && phases_are_one(m, it)) return Outcome::trivial;
     if (plan.compare_with_feed && !accepted && it.count == kDecreasesBeforeSwitch &&
         !(it.gibbs < plan.feed_gibbs - 1e-10))

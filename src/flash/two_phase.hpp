@@ -13,24 +13,24 @@ enum class Mode { liquid_vapour = 0, liquid_liquid = 1 };
 /* All that the iteration remembers from one pass to the next. Arrays [ld], padded with zeros; z has sum 1. */
 struct Iterate {
   const double* z = nullptr;
-  double *x = nullptr, *y = nullptr;          // the phase of fraction "liquid" and that of fraction beta
-  double *log_k = nullptr, *k = nullptr;      // y/x
+  double *x = nullptr, *y = nullptr;      // the phase of fraction "liquid" and that of fraction beta
+  double *log_k = nullptr, *k = nullptr;  // y/x
   double *ln_phi_x = nullptr, *ln_phi_y = nullptr;
-  double *r = nullptr;                        // ln phi(x) - ln phi(y) - ln K
-  double *log_x = nullptr;
+  double* r = nullptr;  // ln phi(x) - ln phi(y) - ln K
+  double* log_x = nullptr;
   double beta = 0.0, liquid = 1.0;
-  double gibbs = 0.0;                         // Gibbs energy over RT of the two phases, relative to pure gases
-  double error = 0.0;                         // sum of r^2 over the components that are present
-  double worst = 0.0;                         // largest |r| of them
-  double smallest_pivot = 0.0;                // of the last Newton system: how close to singular it was
+  double gibbs = 0.0;           // Gibbs energy over RT of the two phases, relative to pure gases
+  double error = 0.0;           // sum of r^2 over the components that are present
+  double worst = 0.0;           // largest |r| of them
+  double smallest_pivot = 0.0;  // of the last Newton system: how close to singular it was
   double Zx = 0.0, Zy = 0.0;
   Kind kind_x = Kind::liquid, kind_y = Kind::gas;
-  int count = 0;                              // passes of this solve, shown in the trace
+  int count = 0;  // passes of this solve, shown in the trace
 };
 
 struct TwoPhaseWork {
-  double *step, *scale, *old_log_k;           // [ld]
-  double *dx, *dy, *system;                   // [ld * n]
+  double *step, *scale, *old_log_k;  // [ld]
+  double *dx, *dy, *system;          // [ld * n]
 };
 
 enum class Outcome {
@@ -49,12 +49,14 @@ struct IterationPlan {
 };
 
 /*
- * Iterates from it.log_k (and it.beta as a guess). Global method: successive substitution with a relaxation factor;
- * quasi-linearisation: Newton on (ln K, beta). Which of the two, and when it ends, follows the settings; an
- * accepted answer is then finished to full precision. status: of the fugacity routine for Outcome::routine.
+ * Iterates from it.log_k (and it.beta as a guess). Global method: successive substitution with a relaxation
+ * factor; quasi-linearisation: Newton on (ln K, beta). Which of the two, and when it ends, follows the
+ * settings; an accepted answer is then finished to full precision. status: of the fugacity routine for
+ * Outcome::routine.
  */
 Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPlan& plan,
-                           support::TraceWriter& trace, const TwoPhaseWork& work, Iterate& it, StatusCode& status);
+                           support::TraceWriter& trace, const TwoPhaseWork& work, Iterate& it,
+                           StatusCode& status);
 
 /* Phase fraction and compositions from it.k; false when only one phase is left. */
 bool split_feed(const Model& m, Iterate& it);

@@ -41,7 +41,8 @@ int find_water_family(const MixtureRecord& mixture) noexcept {
   return -1;
 }
 
-void wilson(double T, double P, const MixtureRecord& mixture, bool free_water, double* K, double* dK_dT) noexcept {
+void wilson(double T, double P, const MixtureRecord& mixture, bool free_water, double* K,
+            double* dK_dT) noexcept {
   const int n = mixture.count;
   const auto column = [&](int k) { return mixture.table + static_cast<std::size_t>(k - 1) * n; };
   const double *Tc = column(KV_COL_TC), *Pc = column(KV_COL_PC), *w = column(KV_COL_OMEGA);
@@ -62,8 +63,7 @@ void wilson(double T, double P, const MixtureRecord& mixture, bool free_water, d
   const WithSlope psat = water_vapour_pressure(T);
   const double k = psat.value * invP;
   K[iw] = k < kLargestK ? (k > kSmallestK ? k : kSmallestK) : kLargestK;
-  if (dK_dT != nullptr)
-    dK_dT[iw] = (c1 / (T * T) - c2 / T + kSlopeOfLogDoubled * T) * psat.value * invP;
+  if (dK_dT != nullptr) dK_dT[iw] = (c1 / (T * T) - c2 / T + kSlopeOfLogDoubled * T) * psat.value * invP;
 }
 
 }  // namespace kestrune::flash

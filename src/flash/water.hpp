@@ -23,11 +23,12 @@ WithSlope water_solubility(double T, double A, double B) noexcept;
 int find_water_family(const MixtureRecord& mixture) noexcept;
 
 /*
- * Wilson's distribution coefficients K[n] with d/dT[n] (1/K; may be null): (Pc/P) exp(5.37 (1 + omega)(1 - Tc/T)),
- * exponent within +-34.5, K within 1e-15 .. 1e15. With free_water, water has Psat/P and the slope
+ * Wilson's distribution coefficients K[n] with d/dT[n] (1/K; may be null): (Pc/P) exp(5.37 (1 + omega)(1 -
+ * Tc/T)), exponent within +-34.5, K within 1e-15 .. 1e15. With free_water, water has Psat/P and the slope
  * (7258.2/T^2 - 7.3037/T + 8.3306e-6 T) Psat/P.
  */
-void wilson(double T, double P, const MixtureRecord& mixture, bool free_water, double* K, double* dK_dT) noexcept;
+void wilson(double T, double P, const MixtureRecord& mixture, bool free_water, double* K,
+            double* dK_dT) noexcept;
 
 }  // namespace kestrune::flash
 

@@ -5,8 +5,9 @@
 namespace kestrune::support {
 
 /*
- * Factors a[ld * n] in place: unit lower triangle below the diagonal, 1/D on it. Only the lower triangle is read.
- * Returns false when a pivot is not above floor (the matrix is not safely positive definite); a is then spoilt.
+ * Factors a[ld * n] in place: unit lower triangle below the diagonal, 1/D on it. Only the lower triangle is
+ * read. Returns false when a pivot is not above floor (the matrix is not safely positive definite); a is then
+ * spoilt.
  */
 bool ldl_factor(int n, int ld, double* a, double floor) noexcept;
 

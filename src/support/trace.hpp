@@ -20,9 +20,9 @@ class TraceWriter {
 
   explicit operator bool() const { return on_; }
 
-  void text(const char* line);                           // " line"
-  void integer(const char* label, int value);            // " label       12"
-  void real(const char* label, double value);            // " label   1.234567E-08"
+  void text(const char* line);                 // " line"
+  void integer(const char* label, int value);  // " label       12"
+  void real(const char* label, double value);  // " label   1.234567E-08"
   // Heads of a table, then its rows: a number and up to four columns.
   void heads(const char* const* names, int columns);
   void row(int number, const double* values, int columns);

@@ -56,7 +56,8 @@ inline double number(const Row& row, const std::string& column) {
 
 inline std::vector<double> numbers(const Row& row, const std::string& column) {
   std::vector<double> values;
-  for (const std::string& text : split(row.at(column), ';')) values.push_back(std::strtod(text.c_str(), nullptr));
+  for (const std::string& text : split(row.at(column), ';'))
+    values.push_back(std::strtod(text.c_str(), nullptr));
   return values;
 }
 

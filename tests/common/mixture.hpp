@@ -13,9 +13,9 @@ namespace kestrune::tests {
 
 struct Mixture {
   int n = 0, groups = 0;
-  std::vector<double> table;                   // ComponentTable
-  std::vector<std::int32_t> counts;            // [groups * n]
-  std::vector<double> A, B;                    // [groups * groups] MPa
+  std::vector<double> table;         // ComponentTable
+  std::vector<std::int32_t> counts;  // [groups * n]
+  std::vector<double> A, B;          // [groups * groups] MPa
   std::vector<double> buffers[6];
   double* storage[6] = {};
   MixtureRecord record{};
@@ -105,8 +105,9 @@ inline Mixture mixture_of(const std::vector<std::string>& ids) {
 }
 
 // The ten-component rich gas of the examples and benchmarks, and the seven-component lean gas.
-inline const std::vector<std::string> kRichGas{"methane",   "ethane",    "propane", "isobutane", "n_butane",
-                                               "isopentane", "n_pentane", "n_hexane", "nitrogen", "carbon_dioxide"};
+inline const std::vector<std::string> kRichGas{"methane",  "ethane",        "propane",   "isobutane",
+                                               "n_butane", "isopentane",    "n_pentane", "n_hexane",
+                                               "nitrogen", "carbon_dioxide"};
 inline const std::vector<double> kRichGasFeed{0.70, 0.09, 0.06, 0.015, 0.025, 0.01, 0.01, 0.01, 0.03, 0.05};
 inline const std::vector<std::string> kLeanGas{"methane",   "ethane",   "propane", "n_butane",
                                                "n_pentane", "n_hexane", "nitrogen"};

@@ -21,7 +21,8 @@ inline std::map<std::string, Mixture> reference_mixtures() {
   for (const Row& row : rows("eos_mixtures.csv")) {
     Mixture& m = all[row.at("mixture")];
     m.resize(static_cast<int>(number(row, "nc")), static_cast<int>(number(row, "ng")));
-    const auto Tc = numbers(row, "Tc_K"), Pc = numbers(row, "Pc_atm"), w = numbers(row, "omega"), M = numbers(row, "M");
+    const auto Tc = numbers(row, "Tc_K"), Pc = numbers(row, "Pc_atm"), w = numbers(row, "omega"),
+               M = numbers(row, "M");
     for (int i = 0; i < m.n; ++i) {
       const auto k = static_cast<std::size_t>(i);
       m.at(i, KV_COL_TC) = Tc[k];
@@ -44,7 +45,8 @@ struct Evaluated {
   std::vector<double> ln_phi, dT, dP, h, dn;
 };
 
-inline Evaluated evaluate_state(Mixture& m, double T, double P, int phase, const std::vector<double>& x, int level) {
+inline Evaluated evaluate_state(Mixture& m, double T, double P, int phase, const std::vector<double>& x,
+                                int level) {
   const frame::GroupData data = converted(m);
   std::vector<double> block(static_cast<std::size_t>(20 * m.n * m.n + 4000));
   support::Arena arena(block.data(), block.size() / 2 * sizeof(double));
@@ -63,11 +65,12 @@ inline Evaluated evaluate_state(Mixture& m, double T, double P, int phase, const
   e.v.dln_phi_dT = e.dT.data();
   e.v.dln_phi_dP = e.dP.data();
   e.v.h_partial = e.h.data();
-  e.ok = eos::evaluate(t, frame::tools::bracub(), P, padded.data(), phase, level, &m.table[n], work.data(), e.v);
+  e.ok =
+      eos::evaluate(t, frame::tools::bracub(), P, padded.data(), phase, level, &m.table[n], work.data(), e.v);
   const eos::Mixture mixed = eos::mix(t, padded.data(), work.data());
   eos::Root root;
   eos::reduce(t, mixed, P, e.v.Z, root);
-  eos::dln_phi_dn(t, mixed, root, eos::mechanics(t, mixed, root), work.data(), e.dn.data(), m.n, m.n);
+  eos::dln_phi_dn(t, mixed, root, eos::mechanics(t, mixed, root), work.data(), e.dn.data(), m.n, m.n, false);
   return e;
 }
 

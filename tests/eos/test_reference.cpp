@@ -17,8 +17,8 @@ double allowed(double reference, double amplification) {
   return (kTolerance + 1e-15 * amplification) * std::fmax(1.0, std::fabs(reference));
 }
 
-void expect_all(const char* what, const std::vector<double>& got, const std::vector<double>& reference, double scale,
-                double amplification) {
+void expect_all(const char* what, const std::vector<double>& got, const std::vector<double>& reference,
+                double scale, double amplification) {
   ASSERT_GE(got.size(), reference.size()) << what;
   for (std::size_t i = 0; i < reference.size(); ++i)
     EXPECT_NEAR(got[i] * scale, reference[i] * scale, allowed(reference[i] * scale, amplification))
@@ -81,13 +81,14 @@ TEST(Reference, CaloricValuesAndMixtureRecord) {
     const struct {
       const char* name;
       double value, power;
-    } checks[] = {{"a", e.v.a, 0},         {"b", e.v.b, 0},         {"da_dT", e.v.da_dT, 0},
-                  {"A", e.v.A, 0},         {"B", e.v.B, 0},         {"d2a_dT2", e.v.d2a_dT2, 0},
-                  {"H_res", e.v.H_res, 1}, {"S_res", e.v.S_res, 1}, {"Cp_res", e.v.Cp_res, 2},
+    } checks[] = {{"a", e.v.a, 0},          {"b", e.v.b, 0},         {"da_dT", e.v.da_dT, 0},
+                  {"A", e.v.A, 0},          {"B", e.v.B, 0},         {"d2a_dT2", e.v.d2a_dT2, 0},
+                  {"H_res", e.v.H_res, 1},  {"S_res", e.v.S_res, 1}, {"Cp_res", e.v.Cp_res, 2},
                   {"Cv_res", e.v.Cv_res, 1}};
     for (const auto& c : checks) {
       const double reference = number(row, c.name);
-      EXPECT_NEAR(c.value, reference, (1e-11 + 1e-15 * std::pow(f, c.power)) * std::fmax(std::fabs(reference), 1e-3))
+      EXPECT_NEAR(c.value, reference,
+                  (1e-11 + 1e-15 * std::pow(f, c.power)) * std::fmax(std::fabs(reference), 1e-3))
           << c.name;
     }
     expect_all("h_i", e.h, numbers(row, "h_i"), 1.0, f * f);
@@ -105,7 +106,9 @@ TEST(Reference, AlphaFunctionSwitchesAfterTheBoundary) {
   double first = 0, second = 0, ignored = 7;
   eos::alpha_function(900, 126.2, 0.0377, true, false, &first, nullptr);
   const double h = 0.05;
-  const auto alpha = [](double T) { return eos::alpha_function(T, 126.2, 0.0377, false, false, nullptr, nullptr); };
+  const auto alpha = [](double T) {
+    return eos::alpha_function(T, 126.2, 0.0377, false, false, nullptr, nullptr);
+  };
   EXPECT_NEAR(first, (alpha(900 + h) - alpha(900 - h)) / (2 * h), 1e-9);
   eos::alpha_function(900, 126.2, 0.0377, false, true, &ignored, &second);
   EXPECT_DOUBLE_EQ(ignored, first);

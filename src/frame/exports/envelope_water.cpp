@@ -1,5 +1,5 @@
-// Exports: phase envelope, critical point, water and hydrates. Their cores come with later versions: the outputs
-// that have to be zeroed are, and KV_NOT_AVAILABLE is returned.
+// Exports: phase envelope, critical point, water and hydrates. Their cores come with later versions: the
+// outputs that have to be zeroed are, and KV_NOT_AVAILABLE is returned.
 
 #include <algorithm>
 
@@ -34,9 +34,9 @@ void zero(double* value) {
 
 }  // namespace
 
-KV_ENTRY StatusCode KV_CALL PhaseEnvelope(const double* z, MixtureRecord* mixture, const ModelRoutines*, int32_t,
-                                          double, double, double, int32_t, int32_t capacity, double, double,
-                                          double* T, double* P, double* kind, int32_t* number_of_points,
+KV_ENTRY StatusCode KV_CALL PhaseEnvelope(const double* z, MixtureRecord* mixture, const ModelRoutines*,
+                                          int32_t, double, double, double, int32_t, int32_t capacity, double,
+                                          double, double* T, double* P, double* kind, int32_t* number_of_points,
                                           int32_t* number_of_critical_points, double* cricondentherm_T,
                                           double* cricondentherm_P, double* cricondenbar_T,
                                           double* cricondenbar_P) {
@@ -45,12 +45,12 @@ KV_ENTRY StatusCode KV_CALL PhaseEnvelope(const double* z, MixtureRecord* mixtur
   for (double* value : {cricondentherm_T, cricondentherm_P, cricondenbar_T, cricondenbar_P}) zero(value);
   for (int32_t* count : {number_of_points, number_of_critical_points})
     if (count != nullptr) *count = 0;
-  return not_available(z, mixture, KV_OK, T, P, kind, number_of_points, number_of_critical_points, cricondentherm_T,
-                       cricondentherm_P, cricondenbar_T, cricondenbar_P);
+  return not_available(z, mixture, KV_OK, T, P, kind, number_of_points, number_of_critical_points,
+                       cricondentherm_T, cricondentherm_P, cricondenbar_T, cricondenbar_P);
 }
 
-KV_ENTRY StatusCode KV_CALL CriticalPoint(const double* z, MixtureRecord* mixture, int32_t, double* Tc, double* Pc,
-                                          double* Vc, double* Zc) {
+KV_ENTRY StatusCode KV_CALL CriticalPoint(const double* z, MixtureRecord* mixture, int32_t, double* Tc,
+                                          double* Pc, double* Vc, double* Zc) {
   return not_available(z, mixture, KV_OK, Tc, Pc, Vc, Zc);
 }
 
@@ -65,8 +65,8 @@ KV_ENTRY StatusCode KV_CALL WaterDewPressure(double T, const double* z, int32_t,
 }
 
 KV_ENTRY StatusCode KV_CALL WaterDewLine(const double* z, int32_t, int32_t, int32_t, MixtureRecord* mixture,
-                                         int32_t, double, double, int32_t, double* T, double* P, int32_t* status,
-                                         int32_t* found) {
+                                         int32_t, double, double, int32_t, double* T, double* P,
+                                         int32_t* status, int32_t* found) {
   return not_available(z, mixture, KV_OK, T, P, status, found);
 }
 
@@ -75,12 +75,12 @@ KV_ENTRY StatusCode KV_CALL Humidity(double T, double P, int32_t, const double* 
   zero(water_fraction);
   zero(water_content);
   const StatusCode temperature = frame::check_temperature(T);
-  return not_available(z, mixture, temperature != KV_OK ? temperature : frame::check_pressure(P), water_fraction,
-                       water_content);
+  return not_available(z, mixture, temperature != KV_OK ? temperature : frame::check_pressure(P),
+                       water_fraction, water_content);
 }
 
-KV_ENTRY StatusCode KV_CALL WetGasComposition(double T, double P, const double* z, int32_t method_switch, int32_t,
-                                              int32_t, MixtureRecord* mixture, int32_t, double* wet) {
+KV_ENTRY StatusCode KV_CALL WetGasComposition(double T, double P, const double* z, int32_t method_switch,
+                                              int32_t, int32_t, MixtureRecord* mixture, int32_t, double* wet) {
   const StatusCode temperature = frame::check_temperature(T);
   const StatusCode condition = temperature != KV_OK ? temperature : frame::check_pressure(P);
   const auto method = [&] { return not_available(z, mixture, condition, wet); };
@@ -89,7 +89,7 @@ KV_ENTRY StatusCode KV_CALL WetGasComposition(double T, double P, const double* 
   return !final_status && method_switch == 1 ? method() : first;
 }
 
-KV_ENTRY StatusCode KV_CALL HydrateLine(const double* z, int32_t, double, double, int32_t, MixtureRecord* mixture,
-                                        int32_t, double* T, double* P) {
+KV_ENTRY StatusCode KV_CALL HydrateLine(const double* z, int32_t, double, double, int32_t,
+                                        MixtureRecord* mixture, int32_t, double* T, double* P) {
   return not_available(z, mixture, KV_OK, T, P);
 }

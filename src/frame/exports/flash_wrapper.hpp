@@ -25,8 +25,8 @@ inline bool free_water(const MixtureRecord& mixture) {
 }
 
 /*
- * Number of the water component (from 1) when the host asks for free water; without one the flags byte is cleared
- * for the call and the result is 0.
+ * Number of the water component (from 1) when the host asks for free water; without one the flags byte is
+ * cleared for the call and the result is 0.
  */
 inline std::int32_t locate_water(MixtureRecord& mixture) {
   if (!free_water(mixture)) return 0;
@@ -49,8 +49,8 @@ struct TwoPhaseResult {
 };
 
 /*
- * The wrapper of the two-phase flashes. core(hint) runs the flash with the record as it then stands; hint says that
- * the results hold the water-based estimate of the retry.
+ * The wrapper of the two-phase flashes. core(hint) runs the flash with the record as it then stands; hint says
+ * that the results hold the water-based estimate of the retry.
  */
 template <class Core>
 StatusCode two_phase_wrapper(double P, const double* z, MixtureRecord& mixture, std::int32_t options,

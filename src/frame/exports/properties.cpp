@@ -46,7 +46,8 @@ StatusCode phi_core(double T, double P, const double* x, MixtureRecord& mixture,
     const eos::Mixture m = eos::mix(t, padded, s);
     const double rt = eos::kR * T;
     double Z = 0.0;
-    const int root = eos::solve_root(frame::tools::bracub(), m.a * P / (rt * rt), m.b * P / rt, phase, false, Z);
+    const int root =
+        eos::solve_root(frame::tools::bracub(), m.a * P / (rt * rt), m.b * P / rt, phase, false, Z);
     if (root > 50) return root;
     eos::Root r;
     eos::reduce(t, m, P, Z, r);
@@ -58,7 +59,7 @@ StatusCode phi_core(double T, double P, const double* x, MixtureRecord& mixture,
       for (int i = 0; i < n; ++i) out.dP[i] = row[i] / P;
     }
     if (with_T) eos::dln_phi_dT(t, m, r, k, padded, s, row + t.ld, out.dT);
-    if ((mask & KV_DERIV_N) != 0) eos::dln_phi_dn(t, m, r, k, s, out.dn, n, n);
+    if ((mask & KV_DERIV_N) != 0) eos::dln_phi_dn(t, m, r, k, s, out.dn, n, n, false);
     for (int i = 0; i < n; ++i)
       if (!(std::fabs(out.ln_phi[i]) <= DBL_MAX)) return KV_NOT_FINITE;
     return root;
@@ -71,7 +72,8 @@ StatusCode phi_derivatives(double T, double P, const double* x, MixtureRecord* m
     const StatusCode status = check_state(T, P, x, mixture);
     if (status != KV_OK) return status;
     const bool missing = out.ln_phi == nullptr || ((mask & KV_DERIV_T) && out.dT == nullptr) ||
-                         ((mask & KV_DERIV_P) && out.dP == nullptr) || ((mask & KV_DERIV_N) && out.dn == nullptr);
+                         ((mask & KV_DERIV_P) && out.dP == nullptr) ||
+                         ((mask & KV_DERIV_N) && out.dn == nullptr);
     if (missing) return KV_NULL_ARGUMENT;
     const auto n = static_cast<std::size_t>(mixture->count);
     std::fill_n(out.ln_phi, n, 0.0);
@@ -84,7 +86,8 @@ StatusCode phi_derivatives(double T, double P, const double* x, MixtureRecord* m
 
 // A property whose core is not in this build: outputs zeroed, arguments checked.
 template <class... Outputs>
-StatusCode not_available(double T, double P, const double* x, const MixtureRecord* mixture, Outputs*... outputs) {
+StatusCode not_available(double T, double P, const double* x, const MixtureRecord* mixture,
+                         Outputs*... outputs) {
   ((outputs != nullptr ? void(*outputs = 0.0) : void()), ...);
   return guarded([&]() -> StatusCode {
     const StatusCode pointers = frame::check_pointers(outputs...);
@@ -94,8 +97,8 @@ StatusCode not_available(double T, double P, const double* x, const MixtureRecor
   });
 }
 
-StatusCode derivatives_not_available(double T, double P, const double* x, const MixtureRecord* mixture, int mask,
-                                     double* value, double* d_dT, double* d_dP, double* d_dn) {
+StatusCode derivatives_not_available(double T, double P, const double* x, const MixtureRecord* mixture,
+                                     int mask, double* value, double* d_dT, double* d_dP, double* d_dn) {
   const StatusCode status = check_state(T, P, x, mixture);
   if (status == KV_OK && (mask & KV_DERIV_N) != 0 && d_dn != nullptr) std::fill_n(d_dn, mixture->count, 0.0);
   if ((mask & KV_DERIV_T) != 0 && d_dT != nullptr) *d_dT = 0.0;
@@ -111,14 +114,15 @@ StatusCode derivatives_not_available(double T, double P, const double* x, const 
 
 }  // namespace
 
-KV_ENTRY StatusCode KV_CALL LiquidPhi_Derivatives_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
-                                                        int32_t, int32_t mask, double* ln_phi, double* d_dT,
-                                                        double* d_dP, double* d_dn) {
+KV_ENTRY StatusCode KV_CALL LiquidPhi_Derivatives_PPR78(double T, double P, const double* x,
+                                                        MixtureRecord* mixture, int32_t, int32_t mask,
+                                                        double* ln_phi, double* d_dT, double* d_dP,
+                                                        double* d_dn) {
   return phi_derivatives(T, P, x, mixture, KV_PHASE_LIQUID, mask, {ln_phi, d_dT, d_dP, d_dn});
 }
-KV_ENTRY StatusCode KV_CALL GasPhi_Derivatives_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
-                                                     int32_t, int32_t mask, double* ln_phi, double* d_dT,
-                                                     double* d_dP, double* d_dn) {
+KV_ENTRY StatusCode KV_CALL GasPhi_Derivatives_PPR78(double T, double P, const double* x,
+                                                     MixtureRecord* mixture, int32_t, int32_t mask,
+                                                     double* ln_phi, double* d_dT, double* d_dP, double* d_dn) {
   return phi_derivatives(T, P, x, mixture, KV_PHASE_GAS, mask, {ln_phi, d_dT, d_dP, d_dn});
 }
 
@@ -127,18 +131,18 @@ KV_ENTRY StatusCode KV_CALL GasN(double T, double P, const double* x, MixtureRec
   return not_available(T, P, x, mixture, Z, Z_normal, density_normal, normal_volume);
 }
 
-#define KV_DENSITY(name)                                                                                  \
-  KV_ENTRY StatusCode KV_CALL name(double T, double P, const double* x, MixtureRecord* mixture,           \
-                                   double* density, double* d_dT, double* d_dP, double* d2_dTdP) {        \
-    return not_available(T, P, x, mixture, density, d_dT, d_dP, d2_dTdP);                                 \
+#define KV_DENSITY(name)                                                                           \
+  KV_ENTRY StatusCode KV_CALL name(double T, double P, const double* x, MixtureRecord* mixture,    \
+                                   double* density, double* d_dT, double* d_dP, double* d2_dTdP) { \
+    return not_available(T, P, x, mixture, density, d_dT, d_dP, d2_dTdP);                          \
   }
 KV_DENSITY(LiquidDensity_PPR78)
 KV_DENSITY(GasDensity_PPR78)
 
-#define KV_VALUE(name)                                                                            \
-  KV_ENTRY StatusCode KV_CALL name(double T, double P, const double* x, MixtureRecord* mixture,   \
-                                   double* value) {                                               \
-    return not_available(T, P, x, mixture, value);                                                \
+#define KV_VALUE(name)                                                                          \
+  KV_ENTRY StatusCode KV_CALL name(double T, double P, const double* x, MixtureRecord* mixture, \
+                                   double* value) {                                             \
+    return not_available(T, P, x, mixture, value);                                              \
   }
 KV_VALUE(LiquidMolarEnthalpy_PPR78)
 KV_VALUE(GasMolarEnthalpy_PPR78)
@@ -149,10 +153,10 @@ KV_VALUE(GasMolarFreeEnthalpy_PPR78)
 KV_VALUE(GasDynamicViscosity_PPR78)
 KV_VALUE(GasThermalConductivity_PPR78)
 
-#define KV_VALUE_DERIVATIVES(name)                                                                              \
-  KV_ENTRY StatusCode KV_CALL name(double T, double P, const double* x, MixtureRecord* mixture, int32_t mask,   \
-                                   double* value, double* d_dT, double* d_dP, double* d_dn) {                   \
-    return derivatives_not_available(T, P, x, mixture, mask, value, d_dT, d_dP, d_dn);                          \
+#define KV_VALUE_DERIVATIVES(name)                                                                            \
+  KV_ENTRY StatusCode KV_CALL name(double T, double P, const double* x, MixtureRecord* mixture, int32_t mask, \
+                                   double* value, double* d_dT, double* d_dP, double* d_dn) {                 \
+    return derivatives_not_available(T, P, x, mixture, mask, value, d_dT, d_dP, d_dn);                        \
   }
 KV_VALUE_DERIVATIVES(LiquidMolarEnthalpy_Derivatives_PPR78)
 KV_VALUE_DERIVATIVES(GasMolarEnthalpy_Derivatives_PPR78)

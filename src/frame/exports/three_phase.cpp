@@ -1,5 +1,5 @@
-// Exports: flashes of three phases and of two liquids. Their cores come with later versions: after the checks of
-// their arguments they return KV_NOT_AVAILABLE and leave the results alone.
+// Exports: flashes of three phases and of two liquids. Their cores come with later versions: after the checks
+// of their arguments they return KV_NOT_AVAILABLE and leave the results alone.
 
 #include <cmath>
 
@@ -32,24 +32,24 @@ StatusCode specification(double value) {
 KV_ENTRY StatusCode KV_CALL FlashLLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines*, int32_t, double* beta, double* V, double* xA,
                                          double* xB, double* y, double* KLL, double* KLV) {
-  return not_available(frame::check_temperature(T), frame::check_pressure(P), z, mixture, beta, V, xA, xB, y, KLL,
-                       KLV);
+  return not_available(frame::check_temperature(T), frame::check_pressure(P), z, mixture, beta, V, xA, xB, y,
+                       KLL, KLV);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines*, int32_t, double* T, double* beta, double* V,
-                                         double* xA, double* xB, double* y, double* KLL, double* KLV, double* HA,
-                                         double* HB, double* HV) {
-  return not_available(specification(H), frame::check_pressure(P), z, mixture, T, beta, V, xA, xB, y, KLL, KLV, HA,
-                       HB, HV);
+                                         double* xA, double* xB, double* y, double* KLL, double* KLV,
+                                         double* HA, double* HB, double* HV) {
+  return not_available(specification(H), frame::check_pressure(P), z, mixture, T, beta, V, xA, xB, y, KLL, KLV,
+                       HA, HB, HV);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatSP(double S, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines*, int32_t, double* T, double* beta, double* V,
-                                         double* xA, double* xB, double* y, double* KLL, double* KLV, double* SA,
-                                         double* SB, double* SV) {
-  return not_available(specification(S), frame::check_pressure(P), z, mixture, T, beta, V, xA, xB, y, KLL, KLV, SA,
-                       SB, SV);
+                                         double* xA, double* xB, double* y, double* KLL, double* KLV,
+                                         double* SA, double* SB, double* SV) {
+  return not_available(specification(S), frame::check_pressure(P), z, mixture, T, beta, V, xA, xB, y, KLL, KLV,
+                       SA, SB, SV);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
@@ -67,5 +67,6 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, Mi
 KV_ENTRY StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines*, int32_t, double* beta, double* liquid1,
                                         double* liquid2, double* K) {
-  return not_available(frame::check_temperature(T), frame::check_pressure(P), z, mixture, beta, liquid1, liquid2, K);
+  return not_available(frame::check_temperature(T), frame::check_pressure(P), z, mixture, beta, liquid1,
+                       liquid2, K);
 }

@@ -66,29 +66,30 @@ KV_ENTRY StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, Mix
 // The cores of the flashes below come with later versions; their frames are complete.
 
 KV_ENTRY StatusCode KV_CALL FlashLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
-                                        const ModelRoutines*, int32_t options, double* T, double* beta, double* x,
-                                        double* y, double* K, double* HL, double* HV) {
+                                        const ModelRoutines*, int32_t options, double* T, double* beta,
+                                        double* x, double* y, double* K, double* HL, double* HV) {
   return guarded([&]() -> StatusCode {
-    const StatusCode bad = first_failure({check_specification(H), frame::check_pressure(P),
-                                          check_flash(z, mixture, T, beta, x, y, K, HL, HV)});
+    const StatusCode bad = first_failure(
+        {check_specification(H), frame::check_pressure(P), check_flash(z, mixture, T, beta, x, y, K, HL, HV)});
     if (bad != KV_OK) return bad;
     return exports::two_phase_wrapper(P, z, *mixture, options, {beta, x, y}, not_available);
   });
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLVatSP(double S, double P, const double* z, MixtureRecord* mixture,
-                                        const ModelRoutines*, int32_t options, double* T, double* beta, double* x,
-                                        double* y, double* K, double* SL, double* SV) {
+                                        const ModelRoutines*, int32_t options, double* T, double* beta,
+                                        double* x, double* y, double* K, double* SL, double* SV) {
   return guarded([&]() -> StatusCode {
-    const StatusCode bad = first_failure({check_specification(S), frame::check_pressure(P),
-                                          check_flash(z, mixture, T, beta, x, y, K, SL, SV)});
+    const StatusCode bad = first_failure(
+        {check_specification(S), frame::check_pressure(P), check_flash(z, mixture, T, beta, x, y, K, SL, SV)});
     if (bad != KV_OK) return bad;
     return exports::two_phase_wrapper(P, z, *mixture, options, {beta, x, y}, not_available);
   });
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
-                                        const ModelRoutines*, int32_t, double* T, double* x, double* y, double* K) {
+                                        const ModelRoutines*, int32_t, double* T, double* x, double* y,
+                                        double* K) {
   return guarded([&]() -> StatusCode {
     const StatusCode bad =
         first_failure({check_specification(W), frame::check_pressure(P), check_flash(z, mixture, T, x, y, K)});
@@ -97,10 +98,11 @@ KV_ENTRY StatusCode KV_CALL FlashLVatWP(double W, double P, const double* z, Mix
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLVatWT(double W, double T, const double* z, MixtureRecord* mixture,
-                                        const ModelRoutines*, int32_t, double* P, double* x, double* y, double* K) {
+                                        const ModelRoutines*, int32_t, double* P, double* x, double* y,
+                                        double* K) {
   return guarded([&]() -> StatusCode {
-    const StatusCode bad =
-        first_failure({check_specification(W), frame::check_temperature(T), check_flash(z, mixture, P, x, y, K)});
+    const StatusCode bad = first_failure(
+        {check_specification(W), frame::check_temperature(T), check_flash(z, mixture, P, x, y, K)});
     return bad != KV_OK ? bad : KV_NOT_AVAILABLE;
   });
 }
