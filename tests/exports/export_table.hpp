@@ -26,7 +26,7 @@ enum class Refused {
 
 struct Export {
   const char* name;
-  const char* roles;  // of the doubles by value: T, P, s specification, - not checked
+  const char* roles;  // of the doubles by value: T, P, s specified quantity, - not checked
   bool available;
   Refused outputs;
   std::vector<char> kinds;
