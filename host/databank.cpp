@@ -88,7 +88,7 @@ std::vector<std::string> similar_names(std::string_view text) {
     int best = limit + 1;
     for (const std::string& k : name_keys(c)) {
       best = std::min(best, edit_distance(key, k));
-      if (key.size() >= 4 && k.find(key) != std::string::npos) best = std::min(best, 1);
+      if (key.size() >= 4 && k.find(key) != std::string::npos) best = std::min(best, 2);
     }
     if (best <= limit) near.emplace_back(best, &c);
   }

@@ -78,6 +78,45 @@ bool evaluate_feed(Flash& f);
  */
 bool test_feed(Flash& f);
 
+// How the solver chose its own starting point; shown in the trace.
+enum class Source { wilson = 1, estimate = 2, trial = 3, other_answer = 4, water = 5 };
+
+// A phase beside which a split is tried.
+struct Beside {
+  const double* ln_phi;
+  double Z;
+  Kind kind;
+};
+
+// A Gibbs energy over RT counts as lower from here.
+inline constexpr double kLowerGibbs = 1e-12;
+
+/*
+ * Starts of the two-phase iteration: f.it.log_k, f.it.beta and the roots asked for. From Wilson's coefficients;
+ * from the estimate in the call's result arrays; from f.lowest beside a phase, the lighter of the two being the
+ * vapour; with all the water in the liquid and all else in the vapour; from the flash of the feed without its
+ * water (false when that has no vapour).
+ */
+void start_from_wilson(Flash& f);
+void start_from_estimate(Flash& f);
+void start_from_trial(Flash& f, const Beside& other, Source source);
+void start_from_water(Flash& f);
+bool start_from_dry_flash(Flash& f);
+
+/*
+ * Iterates from the start that was chosen. True when it converged on something better than the feed. Of a feed
+ * that is known to be unstable any split is better, though close to a phase boundary by less than the rounding
+ * of Gibbs energies.
+ */
+bool good_split(Flash& f, bool unstable, Outcome& outcome);
+
+/*
+ * Tests the converged answer f.it and replaces it by a better one where there is one. What is still cut by its
+ * tangent plane then is a state with three phases, and the answer its two-phase split of lowest Gibbs energy.
+ * False: f.status.
+ */
+bool settle_answer(Flash& f);
+
 /*
  * Test of an answer: near-pure trials against the tangent plane of the phase it.x (which is that of it.y as
  * well). f.lowest is the phase that cuts it. False: f.status.

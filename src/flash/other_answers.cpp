@@ -1,0 +1,106 @@
+// What follows a converged split: is it the answer that is owed, and if not, which one is.
+
+#include <algorithm>
+#include <initializer_list>
+
+#include "flash/flash_state.hpp"
+
+namespace kestrune::flash {
+namespace {
+
+constexpr int kMaxOtherAnswers = 8;
+
+void copy_answer(const Iterate& from, Iterate& to, int ld) {
+  double* const arrays[] = {to.x, to.y, to.log_k, to.k, to.ln_phi_x, to.ln_phi_y, to.r, to.log_x};
+  const double* const values[] = {from.x,        from.y,        from.log_k, from.k,
+                                  from.ln_phi_x, from.ln_phi_y, from.r,     from.log_x};
+  for (int k = 0; k < 8; ++k) std::copy_n(values[k], ld, arrays[k]);
+  const double* z = to.z;
+  double* const kept[] = {to.x, to.y, to.log_k, to.k, to.ln_phi_x, to.ln_phi_y, to.r, to.log_x};
+  to = from;
+  to.z = z;
+  to.x = kept[0];
+  to.y = kept[1];
+  to.log_k = kept[2];
+  to.k = kept[3];
+  to.ln_phi_x = kept[4];
+  to.ln_phi_y = kept[5];
+  to.r = kept[6];
+  to.log_x = kept[7];
+}
+
+// Tries a split from f.lowest beside the given phase; keeps it in f.best when it is lower. False: f.status.
+bool try_other(Flash& f, const Beside& phase, bool& improved) {
+  start_from_trial(f, phase, Source::other_answer);
+  Outcome outcome;
+  if (good_split(f, true, outcome) && f.it.gibbs < f.best.gibbs - kLowerGibbs) {
+    copy_answer(f.it, f.best, f.m.ld);
+    improved = true;
+  }
+  return outcome != Outcome::routine;
+}
+
+// Every trial against a tangent plane, and a split from each that cuts it beside each phase of the plane.
+bool try_all_trials(Flash& f, Reference ref, std::initializer_list<Beside> phases, bool& improved) {
+  ref.known = f.tried;
+  ref.known_count = 0;
+  for (int number = 0; number < kNearPure + f.m.n; ++number) {
+    if (number >= kNearPure && !(f.it.z[number - kNearPure] > 0.0)) continue;
+    if (!start_trial(f, ref, number)) return false;
+    f.trial.Z = 0.0;
+    f.status = follow_trial(f.m, ref, kind_of_trial(f, number), Follow::strict, f.work, f.trial);
+    if (f.status != KV_OK) return false;
+    if (f.trial.end != TrialEnd::stationary || !(f.trial.tm < kUnstable)) continue;
+    if (ref.known_count < kTried) std::copy_n(f.trial.w, f.m.ld, f.tried + ref.known_count++ * f.m.ld);
+    std::swap(f.trial, f.lowest);
+    f.have_lowest = true;
+    for (const Beside& phase : phases)
+      if (!try_other(f, phase, improved)) return false;
+  }
+  return true;
+}
+
+// An answer that is cut by its tangent plane: other splits, from all that cuts the planes of the answer and of
+// the feed, until none is lower. What then is still cut is a state with three phases.
+bool look_for_better(Flash& f) {
+  Iterate& answer = f.answer;
+  for (int k = 0; k < kMaxOtherAnswers; ++k) {
+    bool stable = true, improved = false;
+    if (!test_answer(f, stable)) return false;
+    if (stable) return true;
+    copy_answer(f.it, f.best, f.m.ld);
+    copy_answer(f.it, answer, f.m.ld);
+    const Reference plane{answer.x, f.answer_d, answer.y};
+    const Reference feed{f.it.z, f.d};
+    const Beside feed_phase{f.feed_phi, f.feed_Z, f.feed_kind};
+    if (!try_all_trials(
+            f, plane,
+            {{answer.ln_phi_x, answer.Zx, answer.kind_x}, {answer.ln_phi_y, answer.Zy, answer.kind_y}},
+            improved) ||
+        !try_all_trials(f, feed, {feed_phase}, improved))
+      return false;
+    copy_answer(f.best, f.it, f.m.ld);
+    if (!improved) return true;
+  }
+  return true;
+}
+
+// Hydrocarbons beside water in one phase where two are due: once more from their own split. The answer stays
+// where that start leads nowhere.
+bool add_missing_phase(Flash& f) {
+  bool stable = true;
+  if (!test_answer(f, stable)) return false;
+  if (stable) return true;
+  copy_answer(f.it, f.answer, f.m.ld);
+  Outcome outcome = Outcome::one_phase;
+  if (!start_from_dry_flash(f) || !good_split(f, true, outcome)) copy_answer(f.answer, f.it, f.m.ld);
+  return outcome != Outcome::routine;
+}
+
+}  // namespace
+
+bool settle_answer(Flash& f) {
+  return f.m.free_water ? add_missing_phase(f) : look_for_better(f);
+}
+
+}  // namespace kestrune::flash
