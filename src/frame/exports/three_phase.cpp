@@ -40,16 +40,16 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatHP(double H, double P, const double* z, Mi
                                          const ModelRoutines*, int32_t, double* T, double* beta, double* V,
                                          double* xA, double* xB, double* y, double* KLL, double* KLV,
                                          double* HA, double* HB, double* HV) {
-  return not_available(check_specified(H), frame::check_pressure(P), z, mixture, T, beta, V, xA, xB, y, KLL, KLV,
-                       HA, HB, HV);
+  return not_available(check_specified(H), frame::check_pressure(P), z, mixture, T, beta, V, xA, xB, y, KLL,
+                       KLV, HA, HB, HV);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatSP(double S, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines*, int32_t, double* T, double* beta, double* V,
                                          double* xA, double* xB, double* y, double* KLL, double* KLV,
                                          double* SA, double* SB, double* SV) {
-  return not_available(check_specified(S), frame::check_pressure(P), z, mixture, T, beta, V, xA, xB, y, KLL, KLV,
-                       SA, SB, SV);
+  return not_available(check_specified(S), frame::check_pressure(P), z, mixture, T, beta, V, xA, xB, y, KLL,
+                       KLV, SA, SB, SV);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
@@ -61,7 +61,8 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatWP(double W, double P, const double* z, Mi
 KV_ENTRY StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines*, int32_t, double* P, double* beta, double* xA,
                                          double* xB, double* y, double* KLL, double* KLV) {
-  return not_available(check_specified(W), frame::check_temperature(T), z, mixture, P, beta, xA, xB, y, KLL, KLV);
+  return not_available(check_specified(W), frame::check_temperature(T), z, mixture, P, beta, xA, xB, y, KLL,
+                       KLV);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, MixtureRecord* mixture,
