@@ -135,8 +135,7 @@ StatusCode solve(Flash& f) {
 }
 
 void take_iterate(support::Arena& arena, int ld, Iterate& it) {
-  double** const arrays[] = {&it.x, &it.y, &it.log_k, &it.k, &it.ln_phi_x, &it.ln_phi_y, &it.r, &it.log_x};
-  for (double** array : arrays) *array = arena.zeros(ld);
+  for (const auto array : kIterateArrays) it.*array = arena.zeros(ld);
 }
 
 StatusCode set_up(const IsothermalCall& call, support::Arena& arena) {

@@ -11,22 +11,13 @@ namespace {
 constexpr int kMaxOtherAnswers = 8;
 
 void copy_answer(const Iterate& from, Iterate& to, int ld) {
-  double* const arrays[] = {to.x, to.y, to.log_k, to.k, to.ln_phi_x, to.ln_phi_y, to.r, to.log_x};
-  const double* const values[] = {from.x,        from.y,        from.log_k, from.k,
-                                  from.ln_phi_x, from.ln_phi_y, from.r,     from.log_x};
-  for (int k = 0; k < 8; ++k) std::copy_n(values[k], ld, arrays[k]);
-  const double* z = to.z;
-  double* const kept[] = {to.x, to.y, to.log_k, to.k, to.ln_phi_x, to.ln_phi_y, to.r, to.log_x};
-  to = from;
-  to.z = z;
-  to.x = kept[0];
-  to.y = kept[1];
-  to.log_k = kept[2];
-  to.k = kept[3];
-  to.ln_phi_x = kept[4];
-  to.ln_phi_y = kept[5];
-  to.r = kept[6];
-  to.log_x = kept[7];
+  Iterate copy = from;
+  copy.z = to.z;
+  for (const auto array : kIterateArrays) {
+    std::copy_n(from.*array, ld, to.*array);
+    copy.*array = to.*array;
+  }
+  to = copy;
 }
 
 // Tries a split from f.lowest beside the given phase; keeps it in f.best when it is lower. False: f.status.

@@ -28,6 +28,11 @@ struct Iterate {
   int count = 0;  // passes of this solve, shown in the trace
 };
 
+// The arrays that an iterate owns; z is the flash's.
+inline constexpr double* Iterate::*kIterateArrays[] = {&Iterate::x, &Iterate::y,        &Iterate::log_k,
+                                                       &Iterate::k, &Iterate::ln_phi_x, &Iterate::ln_phi_y,
+                                                       &Iterate::r, &Iterate::log_x};
+
 struct TwoPhaseWork {
   double *step, *scale, *old_log_k;  // [ld]
   double *dx, *dy, *system;          // [ld * n]
