@@ -87,6 +87,24 @@ void reduce(const Temperature& t, const Mixture& m, double P, double Z, Root& r)
   }
 }
 
+int stable_root(const Temperature& t, frame::tools::KvBracub bracub, const Mixture& m, double P, double start,
+                Root& r) noexcept {
+  const double rt = kR * t.T, A = m.a * P / (rt * rt), B = m.b * P / rt;
+  const bool warm = start > 0.0;
+  double gas = start, liquid = start;
+  const int status = solve_root(bracub, A, B, KV_PHASE_GAS, warm, gas);
+  if (status > 50) return status;
+  reduce(t, m, P, gas, r);
+  // Status 1 says that the only root is the liquid's.
+  if (status == 1 || !may_have_three_roots(A, B) ||
+      solve_root(bracub, A, B, KV_PHASE_LIQUID, warm, liquid) != 0)
+    return status;
+  Root other;
+  reduce(t, m, P, liquid, other);
+  if (residual_gibbs(m, other) < residual_gibbs(m, r)) r = other;
+  return status;
+}
+
 void ln_phi(const Temperature& t, const Mixture& m, const Root& r, const double* __restrict s,
             double* __restrict out) noexcept {
   const double c0 = -r.log_z_minus_B;

@@ -66,6 +66,13 @@ inline double residual_gibbs(const Mixture& m, const Root& r) noexcept {
   return r.z_minus_1 - r.log_z_minus_B - m.q * r.phi;
 }
 
+/*
+ * The root of lower Gibbs energy in reduced form. start: a value to begin from where it is positive. Returns
+ * the status of solve_root; above 50 r is left alone.
+ */
+int stable_root(const Temperature& t, frame::tools::KvBracub bracub, const Mixture& m, double P, double start,
+                Root& r) noexcept;
+
 /* ln phi_i = (b_i/b)(Z - 1 + q phi) - ln(Z - B) - 2 s_i phi/(b R T), out[ld]. */
 void ln_phi(const Temperature& t, const Mixture& m, const Root& r, const double* s, double* out) noexcept;
 

@@ -170,30 +170,18 @@ StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_ph
   const eos::Temperature& t = m.t;
   ++m.counts.fugacities;
   const eos::Mixture mixed = eos::mix(t, x, m.s);
-  const double rt = eos::kR * t.T;
-  const double A = mixed.a * m.P / (rt * rt), B = mixed.b * m.P / rt;
   eos::Root r;
-  int status;
-  if (kind != Kind::stable || !eos::may_have_three_roots(A, B)) {
-    status = eos::solve_root(m.bracub, A, B, kind == Kind::liquid ? KV_PHASE_LIQUID : KV_PHASE_GAS, Z > 0.0, Z);
+  if (kind == Kind::stable) {
+    const int status = eos::stable_root(t, m.bracub, mixed, m.P, Z, r);
+    if (status > 50) return status;
+    Z = r.Z;
+  } else {
+    const double rt = eos::kR * t.T;
+    const int phase = kind == Kind::liquid ? KV_PHASE_LIQUID : KV_PHASE_GAS;
+    const int status =
+        eos::solve_root(m.bracub, mixed.a * m.P / (rt * rt), mixed.b * m.P / rt, phase, Z > 0.0, Z);
     if (status > 50) return status;
     eos::reduce(t, mixed, m.P, Z, r);
-  } else {
-    double zg = Z, zl = Z;
-    status = eos::solve_root(m.bracub, A, B, KV_PHASE_GAS, Z > 0.0, zg);
-    if (status > 50) return status;
-    // Status 1 says that the only root is the liquid's.
-    const bool single = status == 1 || eos::solve_root(m.bracub, A, B, KV_PHASE_LIQUID, Z > 0.0, zl) != 0;
-    eos::reduce(t, mixed, m.P, zg, r);
-    Z = zg;
-    if (!single) {
-      eos::Root other;
-      eos::reduce(t, mixed, m.P, zl, other);
-      if (eos::residual_gibbs(mixed, other) < eos::residual_gibbs(mixed, r)) {
-        r = other;
-        Z = zl;
-      }
-    }
   }
   eos::ln_phi(t, mixed, r, m.s, ln_phi);
   if (dn != nullptr) {

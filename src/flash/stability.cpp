@@ -72,18 +72,23 @@ bool returns_to(const double* z, int n, bool quick, const TrialWork& work, const
          std::fabs(2.0 * t.tm - towards) < kTrivialRatio * towards;
 }
 
-// Newton step in alpha = 2 sqrt(W). False when the matrix is not positive definite.
-bool second_order(Model& m, const TrialWork& work, Trial& t) {
-  const int n = m.n, ld = m.ld;
-  const double sum = t.sum;
-  for (int i = 0; i < ld; ++i) work.root[i] = std::sqrt(t.w[i]);
+// work.hessian = sqrt(w_i w_j) d ln phi_i/d n_j in its lower triangle, from work.root and work.dn.
+void scaled_derivatives(int n, int ld, const TrialWork& work) {
   for (int j = 0; j < n; ++j) {
     const double* __restrict column = work.dn + static_cast<std::size_t>(j) * ld;
     double* __restrict h = work.hessian + static_cast<std::size_t>(j) * ld;
     const double rj = work.root[j];
     for (int i = j & ~1; i < ld; ++i) h[i] = rj * work.root[i] * column[i];
-    h[j] += 1.0 + 0.5 * work.r[j];
   }
+}
+
+// Newton step in alpha = 2 sqrt(W). False when the matrix is not positive definite.
+bool second_order(Model& m, const TrialWork& work, Trial& t) {
+  const int n = m.n, ld = m.ld;
+  const double sum = t.sum;
+  for (int i = 0; i < ld; ++i) work.root[i] = std::sqrt(t.w[i]);
+  scaled_derivatives(n, ld, work);
+  for (int j = 0; j < n; ++j) work.hessian[static_cast<std::size_t>(j) * ld + j] += 1.0 + 0.5 * work.r[j];
   ++m.counts.factorisations;
   if (!support::ldl_factor(n, ld, work.hessian, 1e-8)) return false;
   const double scale = std::sqrt(sum);
@@ -170,13 +175,8 @@ bool clearly_convex(Model& m, const Reference& ref, Kind kind, const TrialWork& 
   // iteration.
   double shift = -kConvex;
   for (int attempt = 0; attempt < 12; ++attempt) {
-    for (int j = 0; j < n; ++j) {
-      const double* __restrict column = work.dn + static_cast<std::size_t>(j) * ld;
-      double* __restrict h = work.hessian + static_cast<std::size_t>(j) * ld;
-      const double rj = work.root[j];
-      for (int i = j & ~1; i < ld; ++i) h[i] = rj * work.root[i] * column[i];
-      h[j] += 1.0 + shift;
-    }
+    scaled_derivatives(n, ld, work);
+    for (int j = 0; j < n; ++j) work.hessian[static_cast<std::size_t>(j) * ld + j] += 1.0 + shift;
     ++m.counts.factorisations;
     if (support::ldl_factor(n, ld, work.hessian, 1e-10)) {
       if (attempt == 0) return true;
@@ -204,18 +204,9 @@ StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& t) {
     ++m.counts.fugacities;
     const double* s = nullptr;
     const eos::Mixture pure = eos::mix_pure(m.t, j, &s);
-    const double rt = eos::kR * m.T;
-    const double A = pure.a * m.P / (rt * rt), B = pure.b * m.P / rt;
-    double zg = 0.0, zl = 0.0;
-    const int status = eos::solve_root(m.bracub, A, B, KV_PHASE_GAS, false, zg);
+    eos::Root r;
+    const int status = eos::stable_root(m.t, m.bracub, pure, m.P, 0.0, r);
     if (status > 50) return status;
-    eos::Root r, other;
-    eos::reduce(m.t, pure, m.P, zg, r);
-    if (status == 0 && eos::may_have_three_roots(A, B) &&
-        eos::solve_root(m.bracub, A, B, KV_PHASE_LIQUID, false, zl) == 0) {
-      eos::reduce(m.t, pure, m.P, zl, other);
-      if (eos::residual_gibbs(pure, other) < eos::residual_gibbs(pure, r)) r = other;
-    }
     t.Z = r.Z;
     eos::ln_phi(m.t, pure, r, s, t.ln_phi);
   } else {

@@ -6,6 +6,7 @@
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
+#include <initializer_list>
 #include <new>
 
 #include "kestrune/records.h"
@@ -172,6 +173,23 @@ inline StatusCode check_composition(std::int32_t n, const double* z) noexcept {
     largest = z[i] > largest ? z[i] : largest;
   }
   return good && largest > 0.0 ? KV_OK : KV_COMPOSITION;
+}
+
+// A mixture with a composition of it.
+inline StatusCode check_feed(const double* z, const MixtureRecord* mixture) noexcept {
+  const StatusCode status = check_record(mixture);
+  return status != KV_OK ? status : check_composition(mixture->count, z);
+}
+
+// A specified enthalpy, entropy or fraction.
+inline StatusCode check_specified(double value) noexcept {
+  return std::isfinite(value) ? KV_OK : KV_SPECIFICATION;
+}
+
+inline StatusCode first_failure(std::initializer_list<StatusCode> checks) noexcept {
+  for (const StatusCode status : checks)
+    if (status != KV_OK) return status;
+  return KV_OK;
 }
 
 }  // namespace kestrune::frame

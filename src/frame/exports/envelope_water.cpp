@@ -11,20 +11,12 @@ namespace {
 using namespace kestrune;
 using frame::guarded;
 
-StatusCode check_feed(const double* z, const MixtureRecord* mixture) {
-  const StatusCode status = frame::check_record(mixture);
-  return status != KV_OK ? status : frame::check_composition(mixture->count, z);
-}
-
 template <class... Pointers>
 StatusCode not_available(const double* z, const MixtureRecord* mixture, StatusCode condition,
                          const Pointers*... outputs) {
   return guarded([&]() -> StatusCode {
-    if (condition != KV_OK) return condition;
-    const StatusCode status = frame::check_pointers(outputs...);
-    if (status != KV_OK) return status;
-    const StatusCode feed = check_feed(z, mixture);
-    return feed != KV_OK ? feed : KV_NOT_AVAILABLE;
+    return frame::first_failure(
+        {condition, frame::check_pointers(outputs...), frame::check_feed(z, mixture), KV_NOT_AVAILABLE});
   });
 }
 
@@ -74,15 +66,14 @@ KV_ENTRY StatusCode KV_CALL Humidity(double T, double P, int32_t, const double* 
                                      double* water_fraction, double* water_content) {
   zero(water_fraction);
   zero(water_content);
-  const StatusCode temperature = frame::check_temperature(T);
-  return not_available(z, mixture, temperature != KV_OK ? temperature : frame::check_pressure(P),
+  return not_available(z, mixture,
+                       frame::first_failure({frame::check_temperature(T), frame::check_pressure(P)}),
                        water_fraction, water_content);
 }
 
 KV_ENTRY StatusCode KV_CALL WetGasComposition(double T, double P, const double* z, int32_t method_switch,
                                               int32_t, int32_t, MixtureRecord* mixture, int32_t, double* wet) {
-  const StatusCode temperature = frame::check_temperature(T);
-  const StatusCode condition = temperature != KV_OK ? temperature : frame::check_pressure(P);
+  const StatusCode condition = frame::first_failure({frame::check_temperature(T), frame::check_pressure(P)});
   const auto method = [&] { return not_available(z, mixture, condition, wet); };
   const StatusCode first = method();
   const bool final_status = first == -1 || first == 0 || first == 1 || first == 4;

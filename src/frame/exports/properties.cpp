@@ -15,11 +15,8 @@ using namespace kestrune;
 using frame::guarded;
 
 StatusCode check_state(double T, double P, const double* x, const MixtureRecord* mixture) {
-  StatusCode status = frame::check_temperature(T);
-  if (status == KV_OK) status = frame::check_pressure(P);
-  if (status == KV_OK) status = frame::check_record(mixture);
-  if (status == KV_OK) status = frame::check_composition(mixture->count, x);
-  return status;
+  return frame::first_failure(
+      {frame::check_temperature(T), frame::check_pressure(P), frame::check_feed(x, mixture)});
 }
 
 // Statuses of the cores that a host sees: warnings up to 50 and 201, 202 are none.

@@ -1,8 +1,6 @@
 // Exports: flashes of three phases and of two liquids. Their cores come with later versions: after the checks
 // of their arguments they return KV_NOT_AVAILABLE and leave the results alone.
 
-#include <cmath>
-
 #include "frame/boundary.hpp"
 #include "kestrune/kvgasthermo.h"
 
@@ -14,17 +12,11 @@ template <class... Pointers>
 StatusCode not_available(StatusCode first, StatusCode second, const double* z, const MixtureRecord* mixture,
                          const Pointers*... outputs) {
   return frame::guarded([&]() -> StatusCode {
-    if (first != KV_OK) return first;
-    if (second != KV_OK) return second;
-    StatusCode status = frame::check_pointers(z, mixture, outputs...);
-    if (status == KV_OK) status = frame::check_record(mixture);
-    if (status == KV_OK) status = frame::check_composition(mixture->count, z);
-    return status == KV_OK ? KV_NOT_AVAILABLE : status;
+    const StatusCode bad = frame::first_failure({first, second, frame::check_pointers(z, mixture, outputs...)});
+    if (bad != KV_OK) return bad;
+    const StatusCode feed = frame::check_feed(z, mixture);
+    return feed != KV_OK ? feed : KV_NOT_AVAILABLE;
   });
-}
-
-StatusCode check_specified(double value) {
-  return value >= -1e300 && value <= 1e300 ? KV_OK : KV_SPECIFICATION;
 }
 
 }  // namespace
@@ -40,29 +32,30 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatHP(double H, double P, const double* z, Mi
                                          const ModelRoutines*, int32_t, double* T, double* beta, double* V,
                                          double* xA, double* xB, double* y, double* KLL, double* KLV,
                                          double* HA, double* HB, double* HV) {
-  return not_available(check_specified(H), frame::check_pressure(P), z, mixture, T, beta, V, xA, xB, y, KLL,
-                       KLV, HA, HB, HV);
+  return not_available(frame::check_specified(H), frame::check_pressure(P), z, mixture, T, beta, V, xA, xB, y,
+                       KLL, KLV, HA, HB, HV);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatSP(double S, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines*, int32_t, double* T, double* beta, double* V,
                                          double* xA, double* xB, double* y, double* KLL, double* KLV,
                                          double* SA, double* SB, double* SV) {
-  return not_available(check_specified(S), frame::check_pressure(P), z, mixture, T, beta, V, xA, xB, y, KLL,
-                       KLV, SA, SB, SV);
+  return not_available(frame::check_specified(S), frame::check_pressure(P), z, mixture, T, beta, V, xA, xB, y,
+                       KLL, KLV, SA, SB, SV);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines*, int32_t, double* T, double* beta, double* xA,
                                          double* xB, double* y, double* KLL, double* KLV) {
-  return not_available(check_specified(W), frame::check_pressure(P), z, mixture, T, beta, xA, xB, y, KLL, KLV);
+  return not_available(frame::check_specified(W), frame::check_pressure(P), z, mixture, T, beta, xA, xB, y, KLL,
+                       KLV);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines*, int32_t, double* P, double* beta, double* xA,
                                          double* xB, double* y, double* KLL, double* KLV) {
-  return not_available(check_specified(W), frame::check_temperature(T), z, mixture, P, beta, xA, xB, y, KLL,
-                       KLV);
+  return not_available(frame::check_specified(W), frame::check_temperature(T), z, mixture, P, beta, xA, xB, y,
+                       KLL, KLV);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, MixtureRecord* mixture,

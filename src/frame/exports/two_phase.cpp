@@ -1,7 +1,5 @@
 // Exports: flashes of two phases.
 
-#include <cmath>
-
 #include "flash/isothermal.hpp"
 #include "frame/exports/flash_wrapper.hpp"
 #include "kestrune/kvgasthermo.h"
@@ -9,25 +7,14 @@
 namespace {
 
 using namespace kestrune;
+using frame::first_failure;
 using frame::guarded;
 
 // The first unusable argument of a flash, or KV_OK.
 template <class... Pointers>
 StatusCode check_flash(const double* z, const MixtureRecord* mixture, const Pointers*... outputs) {
-  StatusCode status = frame::check_pointers(z, mixture, outputs...);
-  if (status == KV_OK) status = frame::check_record(mixture);
-  if (status == KV_OK) status = frame::check_composition(mixture->count, z);
-  return status;
-}
-
-StatusCode check_specification(double value) {
-  return std::isfinite(value) ? KV_OK : KV_SPECIFICATION;
-}
-
-StatusCode first_failure(std::initializer_list<StatusCode> checks) {
-  for (const StatusCode status : checks)
-    if (status != KV_OK) return status;
-  return KV_OK;
+  const StatusCode status = frame::check_pointers(z, mixture, outputs...);
+  return status != KV_OK ? status : frame::check_feed(z, mixture);
 }
 
 StatusCode not_available(bool) {
@@ -69,8 +56,8 @@ KV_ENTRY StatusCode KV_CALL FlashLVatHP(double H, double P, const double* z, Mix
                                         const ModelRoutines*, int32_t options, double* T, double* beta,
                                         double* x, double* y, double* K, double* HL, double* HV) {
   return guarded([&]() -> StatusCode {
-    const StatusCode bad = first_failure(
-        {check_specification(H), frame::check_pressure(P), check_flash(z, mixture, T, beta, x, y, K, HL, HV)});
+    const StatusCode bad = first_failure({frame::check_specified(H), frame::check_pressure(P),
+                                          check_flash(z, mixture, T, beta, x, y, K, HL, HV)});
     if (bad != KV_OK) return bad;
     return exports::two_phase_wrapper(P, z, *mixture, options, {beta, x, y}, not_available);
   });
@@ -80,8 +67,8 @@ KV_ENTRY StatusCode KV_CALL FlashLVatSP(double S, double P, const double* z, Mix
                                         const ModelRoutines*, int32_t options, double* T, double* beta,
                                         double* x, double* y, double* K, double* SL, double* SV) {
   return guarded([&]() -> StatusCode {
-    const StatusCode bad = first_failure(
-        {check_specification(S), frame::check_pressure(P), check_flash(z, mixture, T, beta, x, y, K, SL, SV)});
+    const StatusCode bad = first_failure({frame::check_specified(S), frame::check_pressure(P),
+                                          check_flash(z, mixture, T, beta, x, y, K, SL, SV)});
     if (bad != KV_OK) return bad;
     return exports::two_phase_wrapper(P, z, *mixture, options, {beta, x, y}, not_available);
   });
@@ -91,8 +78,8 @@ KV_ENTRY StatusCode KV_CALL FlashLVatWP(double W, double P, const double* z, Mix
                                         const ModelRoutines*, int32_t, double* T, double* x, double* y,
                                         double* K) {
   return guarded([&]() -> StatusCode {
-    const StatusCode bad =
-        first_failure({check_specification(W), frame::check_pressure(P), check_flash(z, mixture, T, x, y, K)});
+    const StatusCode bad = first_failure(
+        {frame::check_specified(W), frame::check_pressure(P), check_flash(z, mixture, T, x, y, K)});
     return bad != KV_OK ? bad : KV_NOT_AVAILABLE;
   });
 }
@@ -102,7 +89,7 @@ KV_ENTRY StatusCode KV_CALL FlashLVatWT(double W, double T, const double* z, Mix
                                         double* K) {
   return guarded([&]() -> StatusCode {
     const StatusCode bad = first_failure(
-        {check_specification(W), frame::check_temperature(T), check_flash(z, mixture, P, x, y, K)});
+        {frame::check_specified(W), frame::check_temperature(T), check_flash(z, mixture, P, x, y, K)});
     return bad != KV_OK ? bad : KV_NOT_AVAILABLE;
   });
 }
