@@ -190,20 +190,39 @@ KV_API StatusCode KV_CALL HydrateLine(const double* z, int32_t kind, double M, d
 /* ---- Properties of one phase ------------------------------------------------------------------ */
 
 /*
+ * Where the phase asked for (Gas.., Liquid..) has no root of its own, the only root there is serves.
+ *
+ * Ideal-gas parts come from the pure-component library, for the components that are present (mole fraction
+ * above 1e-15) and for no others. Its statuses come back as 1000 + n: with 1003 (temperature outside the range
+ * of a heat capacity, which is then continued safely) the outputs are filled all the same; with 1001, 1002 and
+ * 1004 they are 0.
+ */
+
+/*
  * Gas at T, P against the normal state (0 C, 1 atm): Z, Z_normal, density_normal in kg/m3, normal m3 in one
  * m3 at T and P. 40 bytes.
  */
 KV_API StatusCode KV_CALL GasN(double T, double P, const double* x, MixtureRecord* mixture, double* Z,
                                double* Z_normal, double* density_normal, double* normal_volume);
 
-/* Mass density, g/cm3, with d/dT, d/dP and d2/dTdP at constant composition. 40 bytes. */
+/*
+ * Mass density, g/cm3, with d/dT (g/cm3/K), d/dP (g/cm3/atm) and d2/dTdP at constant composition. Water is that
+ * of the equation of state, with and without FreeWaterFlag. 40 bytes.
+ */
 KV_API StatusCode KV_CALL LiquidDensity_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
                                               double* density, double* d_dT, double* d_dP, double* d2_dTdP);
 KV_API StatusCode KV_CALL GasDensity_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
                                            double* density, double* d_dT, double* d_dP, double* d2_dTdP);
 
-/* Molar enthalpy and free enthalpy, cal/mol; molar entropy, cal/(mol K). Ideal gas at 298.15 K (and 1 atm). 28
- * bytes. */
+/*
+ * Molar enthalpy and free enthalpy (H - T S), cal/mol; molar entropy, cal/(mol K). Zero point: every component
+ * as an ideal gas at 298.15 K, for the entropy at 1 atm. 28 bytes.
+ *
+ * With the FreeWaterFlag set, a liquid whose water (family code 20) reaches the solubility limit of the record
+ * is hydrocarbons and liquid water side by side: water has its enthalpy of vaporisation and its vapour
+ * pressure, the equation of state sees the others alone. Without the flag, water and ammonia in one phase have
+ * an enthalpy of mixing.
+ */
 KV_API StatusCode KV_CALL LiquidMolarEnthalpy_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
                                                     double* value);
 KV_API StatusCode KV_CALL GasMolarEnthalpy_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
@@ -217,8 +236,14 @@ KV_API StatusCode KV_CALL LiquidMolarFreeEnthalpy_PPR78(double T, double P, cons
 KV_API StatusCode KV_CALL GasMolarFreeEnthalpy_PPR78(double T, double P, const double* x,
                                                      MixtureRecord* mixture, double* value);
 
-/* The same with derivatives as the mask asks (KvDerivative); d_dn [count], may be null without its bit. 44
- * bytes. */
+/*
+ * The same with derivatives as the mask asks (KvDerivative). d_dn[count] may be null without its bit: entry j
+ * is the derivative of the molar value with n_j at constant T, P and other mole numbers for one mole in total,
+ * so that value + d_dn[j] is the partial molar quantity and the sum of x[j] d_dn[j] is 0. For a component that
+ * is absent it is the limit of a trace (for the entropy, whose limit is infinite, of a fraction of 1e-15); its
+ * heat capacity is asked for only here, and counts as 0 when it is not known. Enthalpy: analytic. Entropy:
+ * differences of the entropy, good to about 1e-9 relative. 44 bytes.
+ */
 KV_API StatusCode KV_CALL LiquidMolarEnthalpy_Derivatives_PPR78(double T, double P, const double* x,
                                                                 MixtureRecord* mixture, int32_t mask,
                                                                 double* value, double* d_dT, double* d_dP,
@@ -252,7 +277,12 @@ KV_API StatusCode KV_CALL GasSpecificHeat_PPR78(double T, double P, const double
                                                 double* Cp, double* Cv, double* speed_of_sound,
                                                 double* joule_thomson);
 
-/* Viscosity in cP; thermal conductivity in W/(m K). 28 bytes. */
+/*
+ * Viscosity in cP and thermal conductivity in W/(m K) of a gas: low-pressure values of the components from the
+ * pure-component library, mixed, and a correction for the density. Outside the range of a component's
+ * correlation its corresponding-states curve continues it; without a correlation that curve stands alone. 28
+ * bytes.
+ */
 KV_API StatusCode KV_CALL GasDynamicViscosity_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
                                                     double* viscosity);
 KV_API StatusCode KV_CALL GasThermalConductivity_PPR78(double T, double P, const double* x,

@@ -44,7 +44,7 @@ typedef int32_t StatusCode;
   X(KV_TEMPERATURE, 9004, "the temperature is not finite or not positive")                                \
   X(KV_PRESSURE, 9005, "the pressure is not finite or not positive")                                      \
   X(KV_COMPOSITION, 9006, "a composition has an entry that is negative or not finite, or is all zero")    \
-  X(KV_COMPONENT_DATA, 9007, "a critical temperature, critical pressure or acentric factor is unusable")  \
+  X(KV_COMPONENT_DATA, 9007, "a critical temperature, critical pressure, acentric factor or molar mass is unusable")  \
   X(KV_GROUP_DATA, 9008, "no group data for this number of components: call ConvertPPR78GroupData first") \
   X(KV_SPECIFICATION, 9009, "a specified quantity or option is not finite or out of range")               \
   X(KV_MEMORY, 9010, "not enough memory for the work arrays")                                             \

@@ -67,7 +67,7 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
   const MixtureRecord& r = *f.call.mixture;
   const double* Tc = r.table + static_cast<std::size_t>(KV_COL_TC - 1) * r.count;
   const double* Pc = r.table + static_cast<std::size_t>(KV_COL_PC - 1) * r.count;
-  const int water = find_water_family(r);
+  const int water = eos::find_water_family(r);
   int heaviest = 0, favoured = 0;
   double most = -1.0;
   for (int i = 0; i < n; ++i) {

@@ -147,13 +147,13 @@ StatusCode make_model(double T, double P, MixtureRecord* mixture, const ModelRou
   m.routine = reinterpret_cast<KvFugacityRoutine>(entry);
   m.s = arena.zeros(m.ld);
   m.row = arena.zeros(m.ld);
-  m.water = free_water ? find_water_family(*mixture) : -1;
+  m.water = free_water ? eos::find_water_family(*mixture) : -1;
   m.free_water = m.water >= 0;
   if (m.free_water) {
     m.modified = arena.zeros(m.ld);
     if (order > 0) m.limit_dn = arena.take(static_cast<std::size_t>(m.ld) * m.n);
-    m.psat = water_vapour_pressure(T);
-    m.solubility = water_solubility(T, mixture->solubility_a, mixture->solubility_b);
+    m.psat = eos::water_vapour_pressure(T);
+    m.solubility = eos::water_solubility(T, mixture->solubility_a, mixture->solubility_b);
     if (!(m.solubility.value >= kSmallestK)) m.solubility.value = kSmallestK;
   }
   if (m.routine != nullptr) {

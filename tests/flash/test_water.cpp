@@ -13,29 +13,29 @@ namespace {
 
 TEST(Water, VapourPressureBelowAndAboveTheCriticalTemperature) {
   // Boiling point, triple point and critical point of water, within what the correlation claims.
-  EXPECT_NEAR(flash::water_vapour_pressure(373.124).value, 1.0, 0.003);
-  EXPECT_NEAR(flash::water_vapour_pressure(273.16).value * 101325.0, 611.657, 2.0);
-  EXPECT_NEAR(flash::water_vapour_pressure(647.096).value, 217.75, 1.5);
-  EXPECT_DOUBLE_EQ(std::log(flash::water_vapour_pressure(700.0).value),
+  EXPECT_NEAR(eos::water_vapour_pressure(373.124).value, 1.0, 0.003);
+  EXPECT_NEAR(eos::water_vapour_pressure(273.16).value * 101325.0, 611.657, 2.0);
+  EXPECT_NEAR(eos::water_vapour_pressure(647.096).value, 217.75, 1.5);
+  EXPECT_DOUBLE_EQ(std::log(eos::water_vapour_pressure(700.0).value),
                    12.778500904682147 - 4789.269321502071 / 700.0);
   // The line takes over where the correlation ends.
-  const double below = flash::water_vapour_pressure(647.096).value,
-               above = flash::water_vapour_pressure(647.0961).value;
+  const double below = eos::water_vapour_pressure(647.096).value,
+               above = eos::water_vapour_pressure(647.0961).value;
   EXPECT_NEAR(above / below, 1.0, 1e-5);
   for (const double T : {250.0, 300.0, 500.0, 646.0, 648.0, 900.0}) {
     const double h = 1e-3;
     const double slope =
-        (flash::water_vapour_pressure(T + h).value - flash::water_vapour_pressure(T - h).value) / (2 * h);
-    EXPECT_NEAR(flash::water_vapour_pressure(T).d_dT / slope, 1.0, 1e-7) << T;
+        (eos::water_vapour_pressure(T + h).value - eos::water_vapour_pressure(T - h).value) / (2 * h);
+    EXPECT_NEAR(eos::water_vapour_pressure(T).d_dT / slope, 1.0, 1e-7) << T;
   }
 }
 
 TEST(Water, SolubilityIsCapped) {
-  const flash::WithSlope s = flash::water_solubility(300.0, 8.0, 4000.0);
+  const eos::WithSlope s = eos::water_solubility(300.0, 8.0, 4000.0);
   EXPECT_DOUBLE_EQ(s.value, std::exp(8.0 - 4000.0 / 300.0));
   EXPECT_DOUBLE_EQ(s.d_dT, 4000.0 / 9e4 * s.value);
   for (const double A : {4000.0 / 300.0, 20.0, 1e6}) {
-    const flash::WithSlope capped = flash::water_solubility(300.0, A, 4000.0);
+    const eos::WithSlope capped = eos::water_solubility(300.0, A, 4000.0);
     EXPECT_EQ(capped.value, 1.0);
     EXPECT_EQ(capped.d_dT, 0.0);
   }
@@ -43,7 +43,7 @@ TEST(Water, SolubilityIsCapped) {
 
 TEST(Wilson, FormulaClampsAndWater) {
   Mixture m = mixture_of({"methane", "water", "n_decane"});
-  EXPECT_EQ(flash::find_water_family(m.record), 1);
+  EXPECT_EQ(eos::find_water_family(m.record), 1);
   double K[3], slope[3], low[3], high[3];
   const double T = 320.0, P = 12.0, h = 1e-3;
   for (const bool free_water : {false, true}) {

@@ -1,0 +1,316 @@
+// Densities, enthalpies and entropies. The slopes are those of P = RT/(v - b) - a/(v^2 + 2bv - b^2) in the
+// packing eta = b/v, so that nothing overflows or cancels in a dilute gas.
+
+#include "eos/properties.hpp"
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+
+#include "eos/water.hpp"
+#include "frame/cas.hpp"
+#include "frame/tools_bridge.hpp"
+
+namespace kestrune::eos {
+namespace {
+
+// Relative distance below the solubility limit at which water still counts as liquid water: a flash that ends
+// on the limit leaves rounding errors.
+constexpr double kLimitTolerance = 1e-9;
+constexpr double kNormalTemperature = 273.15;
+
+bool finite(double value) {
+  return std::fabs(value) <= DBL_MAX;
+}
+
+double* padded_copy(const Phase& p, support::Arena& arena) {
+  double* x = arena.zeros(support::padded(p.mixture->count));
+  std::copy_n(p.x, p.mixture->count, x);
+  return x;
+}
+
+// Evaluates what the equation of state sees of the phase. Returns the status of the root, or why there is none.
+StatusCode residual(const Phase& p, const Temperature& t, const double* y, int level, double* work,
+                    PhaseValues& out) {
+  if (evaluate(t, frame::tools::bracub(), p.P, y, p.kind, level, nullptr, work, out)) return out.status;
+  return out.status == KV_NO_ROOT ? KV_NO_ROOT : KV_NOT_FINITE;
+}
+
+// Enthalpy of liquid water over the ideal gas.
+WithSlope water_enthalpy(double T) {
+  const WithSlope h = water_vaporisation_enthalpy(T);
+  return {-h.value, -h.d_dT};
+}
+
+struct WaterAmmonia {
+  int water, ammonia;  // indices, -1: not both present
+  double Mw, Ma;
+};
+WaterAmmonia find_water_ammonia(const Phase& p) {
+  WaterAmmonia pair{-1, -1, 0.0, 0.0};
+  const MixtureRecord& m = *p.mixture;
+  if ((m.flags & FreeWaterFlag) != 0) return pair;
+  const int w = frame::find_cas(m.count, m.table, frame::WaterCas) - 1;
+  if (w < 0 || !(p.x[w] > 0.0)) return pair;
+  const int a = frame::find_cas(m.count, m.table, frame::kAmmoniaCas) - 1;
+  if (a < 0 || !(p.x[a] > 0.0)) return pair;
+  const double* M = m.table + static_cast<std::size_t>(KV_COL_MOLAR_MASS - 1) * m.count;
+  return {w, a, M[w], M[a]};
+}
+
+// Polynomial of the mixing enthalpy in y = 1 - 2 x_a, and its slope.
+WithSlope mixing_polynomial(double y) {
+  constexpr double c0 = 47.3943643, c1 = 12.15, c2 = -66.20761, c3 = -12.15, c4 = 18.813245700000003;
+  return {c0 + y * (c1 + y * (c2 + y * (c3 + y * c4))), c1 + y * (2.0 * c2 + y * (3.0 * c3 + y * 4.0 * c4))};
+}
+
+}  // namespace
+
+int liquid_water(const Phase& p) noexcept {
+  const MixtureRecord& m = *p.mixture;
+  if (p.kind != KV_PHASE_LIQUID || (m.flags & FreeWaterFlag) == 0) return -1;
+  const int w = find_water_family(m);
+  if (w < 0) return -1;
+  const double limit = water_solubility(p.T, m.solubility_a, m.solubility_b).value;
+  return p.x[w] > 0.0 && p.x[w] >= limit * (1.0 - kLimitTolerance) ? w : -1;
+}
+
+Seen as_seen(const Phase& p, int water, double* y) noexcept {
+  const int n = p.mixture->count;
+  const double rest = water < 0 ? 1.0 : 1.0 - p.x[water];
+  const double scale = water < 0 ? 1.0 : rest > 0.0 ? 1.0 / rest : 0.0;
+  for (int i = 0; i < n; ++i) y[i] = i == water ? 0.0 : p.x[i] * scale;
+  return {y, rest > 0.0 ? rest : 0.0, water};
+}
+
+double liquid_water_entropy(double T, double P) noexcept {
+  return -water_vaporisation_enthalpy(T).value / T - kCalR * std::log(water_vapour_pressure(T).value / P);
+}
+
+double water_ammonia_enthalpy(const Phase& p) noexcept {
+  const WaterAmmonia pair = find_water_ammonia(p);
+  if (pair.water < 0) return 0.0;
+  const double xw = p.x[pair.water], xa = p.x[pair.ammonia];
+  return (xw * pair.Mw + xa * pair.Ma) * mixing_polynomial(1.0 - 2.0 * xa).value;
+}
+
+StatusCode molar_mass(const Phase& p, double& M) noexcept {
+  const int n = p.mixture->count;
+  const double* mass = p.mixture->table + static_cast<std::size_t>(KV_COL_MOLAR_MASS - 1) * n;
+  M = 0.0;
+  for (int i = 0; i < n; ++i) {
+    if (p.x[i] == 0.0) continue;
+    if (!(mass[i] > 0.0 && mass[i] <= DBL_MAX)) return KV_COMPONENT_DATA;
+    M += p.x[i] * mass[i];
+  }
+  return KV_OK;
+}
+
+Slopes slopes(double a_over_b, double da_dT_over_b, double b, double T, double eta) noexcept {
+  const double q = a_over_b / (kR * T), tau = da_dT_over_b / kR;
+  const double c = 1.0 / (1.0 - eta);
+  const double chi = 1.0 / (1.0 + eta * (kU + kW * eta));
+  const double fall = eta * (kU - 2.0 * kW * eta) * chi * chi;  // -v^2 d(eta chi/b)/dv
+  Slopes s;
+  s.K = c * c - q * fall;
+  s.L = c - tau * eta * chi;
+  s.K_T = c * c - tau * fall;
+  s.N = 2.0 * c * c * c + q * eta * chi * chi * (2.0 - 8.0 * (1.0 + eta) * (1.0 + eta) * chi);
+  s.shift = b * (c * c - chi * ((kU - 2.0 * kW * eta) * q * chi - tau)) / s.K;
+  return s;
+}
+
+StatusCode density(const Phase& p, Density& out) {
+  double M = 0.0;
+  const StatusCode mass = molar_mass(p, M);
+  if (mass != KV_OK) return mass;
+  return support::with_arena<3, 60>(p.mixture->count, [&](support::Arena& arena) -> StatusCode {
+    Temperature t;
+    const StatusCode status = prepare(p.T, *p.mixture, frame::state().group_data, 1, arena, t);
+    if (status != KV_OK) return status;
+    const double* x = padded_copy(p, arena);
+    PhaseValues v;
+    const StatusCode root = residual(p, t, x, 3, arena.take(3 * t.ld), v);
+    if (!has_values(root)) return root;
+    const Slopes s = slopes(v.a / v.b, v.da_dT / v.b, v.b, p.T, v.B / v.Z);
+    const double scale = M / (kR * p.T * s.K);
+    const Density d{M / v.v, -M / v.v * s.L / (p.T * s.K), scale,
+                    scale / (p.T * s.K) * (s.N * s.L / s.K - s.K_T - 2.0 * s.L)};
+    if (!finite(d.rho) || !finite(d.d_dT) || !finite(d.d_dP) || !finite(d.d2_dTdP)) return KV_NOT_FINITE;
+    out = d;
+    return root;
+  });
+}
+
+StatusCode enthalpy_and_entropy(const Phase& p, bool want_H, bool want_S, Caloric& out) {
+  const int n = p.mixture->count;
+  return support::with_arena<3, 60>(n, [&](support::Arena& arena) -> StatusCode {
+    IdealGas ideal;
+    const unsigned parts = (want_H ? kIdealH : 0u) | (want_S ? kIdealS : 0u);
+    StatusCode status = ideal_gas(p.T, *p.mixture, p.x, parts, arena, ideal);
+    if (!has_values(status)) return status;
+    const Seen seen = as_seen(p, liquid_water(p), arena.zeros(support::padded(n)));
+    PhaseValues v;
+    if (seen.share > 0.0) {
+      Temperature t;
+      const StatusCode prepared = prepare(p.T, *p.mixture, frame::state().group_data, 1, arena, t);
+      if (prepared != KV_OK) return prepared;
+      const StatusCode root = residual(p, t, seen.y, 7, arena.take(3 * t.ld), v);
+      if (!has_values(root)) return root;
+      status = graver(status, root);
+    }
+    Caloric c;
+    const double xw = seen.water < 0 ? 0.0 : p.x[seen.water];
+    if (want_H) {
+      c.H = ideal_enthalpy(n, p.x, ideal) + seen.share * v.H_res - water_ammonia_enthalpy(p);
+      if (seen.water >= 0) c.H += xw * water_enthalpy(p.T).value;
+    }
+    if (want_S) {
+      c.S = ideal_entropy(n, p.x, p.P, ideal) + seen.share * v.S_res;
+      if (seen.water >= 0) c.S += xw * liquid_water_entropy(p.T, p.P);
+    }
+    if (!finite(c.H) || !finite(c.S)) return KV_NOT_FINITE;
+    out = c;
+    return status;
+  });
+}
+
+namespace {
+
+// Derivatives of the ideal part and of the water-ammonia term with the mole numbers, added to dn[n].
+void add_ideal_dn(const Phase& p, const IdealGas& ideal, double H_ideal, double* dn) {
+  const int n = p.mixture->count;
+  for (int i = 0; i < n; ++i) dn[i] += ideal.h[i] - H_ideal;
+  const WaterAmmonia pair = find_water_ammonia(p);
+  if (pair.water < 0) return;
+  const double xw = p.x[pair.water], xa = p.x[pair.ammonia];
+  const WithSlope poly = mixing_polynomial(1.0 - 2.0 * xa);
+  const double mass = xw * pair.Mw + xa * pair.Ma;
+  const double with_w = pair.Mw * poly.value;
+  const double with_a = pair.Ma * poly.value - 2.0 * mass * poly.d_dT;  // slope: d/dy
+  for (int i = 0; i < n; ++i) dn[i] -= with_w * ((i == pair.water) - xw) + with_a * ((i == pair.ammonia) - xa);
+}
+
+}  // namespace
+
+StatusCode enthalpy_derivatives(const Phase& p, int mask, WithDerivatives& out) {
+  const int n = p.mixture->count;
+  const bool with_T = (mask & KV_DERIV_T) != 0, with_n = (mask & KV_DERIV_N) != 0;
+  return support::with_arena<4, 70>(n, [&](support::Arena& arena) -> StatusCode {
+    IdealGas ideal;
+    StatusCode status = ideal_gas(p.T, *p.mixture, p.x, kIdealH | (with_T ? kIdealCp : 0u), arena, ideal);
+    if (!has_values(status)) return status;
+    const Seen seen = as_seen(p, liquid_water(p), arena.zeros(support::padded(n)));
+    PhaseValues v;
+    v.h_partial = arena.zeros(support::padded(n));
+    double shift = 0.0;
+    if (seen.share > 0.0) {
+      Temperature t;
+      const StatusCode prepared = prepare(p.T, *p.mixture, frame::state().group_data, with_T ? 2 : 1, arena, t);
+      if (prepared != KV_OK) return prepared;
+      const StatusCode root = residual(p, t, seen.y, with_T ? 9 : 8, arena.take(3 * t.ld), v);
+      if (!has_values(root)) return root;
+      status = graver(status, root);
+      shift = slopes(v.a / v.b, v.da_dT / v.b, v.b, p.T, v.B / v.Z).shift;
+    }
+    const WithSlope water = seen.water < 0 ? WithSlope{0.0, 0.0} : water_enthalpy(p.T);
+    const double xw = seen.water < 0 ? 0.0 : p.x[seen.water];
+    WithDerivatives d;
+    const double H_ideal = ideal_enthalpy(n, p.x, ideal);
+    const double excess = seen.share * v.H_res + xw * water.value;
+    d.value = H_ideal + excess - water_ammonia_enthalpy(p);
+    if (with_T) d.dT = ideal_heat_capacity(n, p.x, ideal) + seen.share * v.Cp_res + xw * water.d_dT;
+    if ((mask & KV_DERIV_P) != 0) d.dP = seen.share * shift * kCalPerCm3Atm;
+    if (!finite(d.value) || !finite(d.dT) || !finite(d.dP)) return KV_NOT_FINITE;
+    if (with_n) {
+      // A component that is absent has an ideal-gas enthalpy all the same; unknown ones keep 0.
+      const IdealGas h_only{ideal.h, nullptr, nullptr};
+      for (int i = 0; i < n; ++i) {
+        if (p.x[i] >= kSmallestFraction) continue;
+        if (!has_values(ideal_gas_of(p.T, *p.mixture, i, h_only))) ideal.h[i] = 0.0;
+      }
+      for (int i = 0; i < n; ++i) out.dn[i] = (i == seen.water ? water.value : v.h_partial[i]) - excess;
+      add_ideal_dn(p, ideal, H_ideal, out.dn);
+    }
+    d.dn = out.dn;
+    out = d;
+    return status;
+  });
+}
+
+StatusCode specific_heat(const Phase& p, int selector, SpecificHeat& out) {
+  const int n = p.mixture->count;
+  const bool all = selector == -1, last = selector == 6;
+  const auto wanted = [&](int k) { return all || (last ? k == 6 : k <= selector); };
+  double M = 0.0;
+  if (wanted(3)) {
+    const StatusCode mass = molar_mass(p, M);
+    if (mass != KV_OK) return mass;
+  }
+  return support::with_arena<4, 60>(n, [&](support::Arena& arena) -> StatusCode {
+    StatusCode status = KV_OK;
+    double Cp_ideal = 0.0;
+    if (wanted(1)) {
+      IdealGas ideal;
+      status = ideal_gas(p.T, *p.mixture, p.x, kIdealCp, arena, ideal);
+      if (!has_values(status)) return status;
+      Cp_ideal = ideal_heat_capacity(n, p.x, ideal);
+    }
+    Temperature t;
+    const StatusCode prepared = prepare(p.T, *p.mixture, frame::state().group_data, 2, arena, t);
+    if (prepared != KV_OK) return prepared;
+    PhaseValues v;
+    const StatusCode root = residual(p, t, padded_copy(p, arena), 9, arena.take(3 * t.ld), v);
+    if (!has_values(root) || root == -1) return root;
+    const Slopes s = slopes(v.a / v.b, v.da_dT / v.b, v.b, p.T, v.B / v.Z);
+    // Cp - Cv = R L^2/K: taken off part by part, so that both stay exact where K vanishes.
+    SpecificHeat c;
+    const double Cp = Cp_ideal + v.Cp_res;
+    const double Cv = Cp_ideal - kR * kCalPerCm3Atm + v.Cv_res;
+    if (wanted(0)) c.Cp_res = v.Cp_res;
+    if (wanted(1)) c.Cp = Cp;
+    if (wanted(2)) c.Cv = Cv;
+    if (wanted(3)) c.speed_of_sound = std::sqrt(1.01325 * (Cp / Cv) * s.K * kR * p.T / M) * 10.0;
+    if (wanted(4)) c.joule_thomson = -s.shift * kCalPerCm3Atm / Cp;
+    if (wanted(5)) c.compressibility = v.v / (s.K * kR * p.T);
+    if (wanted(6)) c.pressure_coefficient = s.L / (v.Z * p.T);
+    for (const double value :
+         {c.Cp_res, c.Cp, c.Cv, c.speed_of_sound, c.joule_thomson, c.compressibility, c.pressure_coefficient})
+      if (!finite(value)) return KV_NOT_FINITE;
+    out = c;
+    return graver(status, root);
+  });
+}
+
+StatusCode normal_state(const Phase& p, NormalState& out) {
+  double M = 0.0;
+  const StatusCode mass = molar_mass(p, M);
+  if (mass != KV_OK) return mass;
+  Phase normal = p;
+  normal.T = kNormalTemperature;
+  normal.P = 1.0;
+  double Z[2] = {};
+  StatusCode worst = KV_OK;
+  const Phase* phases[2] = {&p, &normal};
+  for (int k = 0; k < 2; ++k) {
+    const StatusCode status =
+        support::with_arena<2, 60>(p.mixture->count, [&](support::Arena& arena) -> StatusCode {
+          Temperature t;
+          const StatusCode prepared = prepare(phases[k]->T, *p.mixture, frame::state().group_data, 0, arena, t);
+          if (prepared != KV_OK) return prepared;
+          PhaseValues v;
+          const StatusCode root = residual(*phases[k], t, padded_copy(p, arena), 1, arena.take(3 * t.ld), v);
+          Z[k] = v.Z;
+          return root;
+        });
+    if (!has_values(status)) return status;
+    worst = graver(worst, status);
+  }
+  const double v_normal = Z[1] * kR * kNormalTemperature;  // cm3/mol at 1 atm
+  const NormalState s{Z[0], Z[1], 1000.0 * M / v_normal, v_normal * p.P / (Z[0] * kR * p.T)};
+  if (!finite(s.normal_volume)) return KV_NOT_FINITE;
+  out = s;
+  return worst;
+}
+
+}  // namespace kestrune::eos
