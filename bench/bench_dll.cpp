@@ -79,6 +79,63 @@ Case molar_mass_case() {
   return c;
 }
 
+// A property export of the rich gas along temperature: call(gas, T, P, outputs).
+template <class Call>
+Case property_case(const char* name, const char* what, double target, Call call) {
+  auto host = std::make_shared<Host>("rich");
+  Case c;
+  c.name = name;
+  c.what = std::string(what) + " of the rich gas, 280 .. 380 K at 60 atm";
+  c.target = target;
+  c.batch = kCalls;
+  c.set_up = [host] { host->gas->mixture.use(); };
+  c.pass = [host, call] {
+    double sum = 0.0, out[4] = {};
+    for (int k = 0; k < kCalls; ++k) {
+      call(host->gas->feed.data(), &host->gas->mixture.record, 280.0 + 0.1 * k, 60.0, out, host->x.data());
+      sum += out[0];
+    }
+    return sum;
+  };
+  return c;
+}
+
+std::vector<Case> property_cases() {
+  using M = MixtureRecord;
+  return {property_case("density", "GasDensity_PPR78 with its derivatives", 3000.0,
+                        [](const double* x, M* m, double T, double P, double* o, double*) {
+                          GasDensity_PPR78(T, P, x, m, o, o + 1, o + 2, o + 3);
+                        }),
+          property_case("enthalpy", "GasMolarEnthalpy_PPR78", 3000.0,
+                        [](const double* x, M* m, double T, double P, double* o, double*) {
+                          GasMolarEnthalpy_PPR78(T, P, x, m, o);
+                        }),
+          property_case("free_enthalpy", "GasMolarFreeEnthalpy_PPR78 (H and S)", 3000.0,
+                        [](const double* x, M* m, double T, double P, double* o, double*) {
+                          GasMolarFreeEnthalpy_PPR78(T, P, x, m, o);
+                        }),
+          property_case("specific_heat", "GasSpecificHeat_PPR78", 5000.0,
+                        [](const double* x, M* m, double T, double P, double* o, double*) {
+                          GasSpecificHeat_PPR78(T, P, x, m, o, o + 1, o + 2, o + 3);
+                        }),
+          property_case("enthalpy_dn", "GasMolarEnthalpy_Derivatives_PPR78, all of them", 0.0,
+                        [](const double* x, M* m, double T, double P, double* o, double* n) {
+                          GasMolarEnthalpy_Derivatives_PPR78(T, P, x, m, 7, o, o + 1, o + 2, n);
+                        }),
+          property_case("entropy_dn", "GasMolarEntropy_Derivatives_PPR78, all of them, by differences", 0.0,
+                        [](const double* x, M* m, double T, double P, double* o, double* n) {
+                          GasMolarEntropy_Derivatives_PPR78(T, P, x, m, 7, o, o + 1, o + 2, n);
+                        }),
+          property_case("viscosity", "GasDynamicViscosity_PPR78", 0.0,
+                        [](const double* x, M* m, double T, double P, double* o, double*) {
+                          GasDynamicViscosity_PPR78(T, P, x, m, o);
+                        }),
+          property_case("conductivity", "GasThermalConductivity_PPR78", 0.0,
+                        [](const double* x, M* m, double T, double P, double* o, double*) {
+                          GasThermalConductivity_PPR78(T, P, x, m, o);
+                        })};
+}
+
 void print_shares(const char* name) {
   Host host(name);
   host.gas->mixture.use();
@@ -95,7 +152,10 @@ void print_shares(const char* name) {
 }  // namespace
 
 std::vector<Case> cases() {
-  return {flash_case("lean", 4500.0), flash_case("rich", 7000.0), boundary_case(), molar_mass_case()};
+  std::vector<Case> all{flash_case("lean", 4500.0), flash_case("rich", 7000.0), boundary_case(),
+                        molar_mass_case()};
+  for (Case& c : property_cases()) all.push_back(std::move(c));
+  return all;
 }
 
 void print_counts() {
