@@ -34,7 +34,8 @@ Probe make_probe(const Phase& p, int water, support::Arena& arena) {
 }
 
 /* share * S_res of what the equation of state sees, plus liquid water. Returns the status of the root. */
-StatusCode residual_entropy(const Probe& probe, const Temperature& t, double P, const double* x, double& S) {
+StatusCode residual_entropy(const Probe& probe, const Temperature& t, double P, const double* x, double& S,
+                            bool with_water = true) {
   Phase p = probe.p;
   p.x = x;
   const Seen seen = as_seen(p, probe.water, probe.y);
@@ -47,7 +48,7 @@ StatusCode residual_entropy(const Probe& probe, const Temperature& t, double P, 
     status = v.status;
     S = seen.share * v.S_res;
   }
-  if (probe.water >= 0) S += x[probe.water] * liquid_water_entropy(t.T, P);
+  if (probe.water >= 0 && with_water) S += x[probe.water] * liquid_water_entropy(t.T, P).value;
   return status;
 }
 
@@ -60,7 +61,7 @@ StatusCode residual_entropy_beside(const Probe& probe, const Temperature& t, int
   return residual_entropy(probe, t, probe.p.P, probe.x, S);
 }
 
-// S at another temperature, all of it. Returns the status of the root or of the heat capacities.
+// S at another temperature, all but liquid water. Returns the status of the root or of the heat capacities.
 StatusCode entropy_at(const Probe& probe, double T, double& S) {
   const Phase& p = probe.p;
   return support::with_arena<3, 60>(p.mixture->count, [&](support::Arena& arena) -> StatusCode {
@@ -70,13 +71,14 @@ StatusCode entropy_at(const Probe& probe, double T, double& S) {
     Temperature t;
     const StatusCode prepared = prepare(T, *p.mixture, frame::state().group_data, 1, arena, t);
     if (prepared != KV_OK) return prepared;
-    const StatusCode root = residual_entropy(probe, t, p.P, p.x, S);
+    const StatusCode root = residual_entropy(probe, t, p.P, p.x, S, false);
     S += ideal_entropy(p.mixture->count, p.x, p.P, ideal);
     return root;
   });
 }
 
-// dS/dT by four points. Nearer ones where a root ends in between.
+// dS/dT by four points, nearer ones where a root ends in between. Liquid water, whose slope has no bound at its
+// critical temperature, has it in closed form.
 StatusCode temperature_slope(const Probe& probe, double& slope) {
   for (double step = kTemperatureStep; step > 1e-10; step /= 16.0) {
     const double h = step * probe.p.T;
@@ -86,6 +88,7 @@ StatusCode temperature_slope(const Probe& probe, double& slope) {
     for (int k = 0; k < 4 && good; ++k) good = entropy_at(probe, probe.p.T + at[k] * h, S[k]) == probe.root;
     if (!good) continue;
     slope = (8.0 * (S[2] - S[1]) - (S[3] - S[0])) / (12.0 * h);
+    if (probe.water >= 0) slope += probe.p.x[probe.water] * liquid_water_entropy(probe.p.T, probe.p.P).d_dT;
     return KV_OK;
   }
   return KV_NOT_FINITE;
@@ -139,16 +142,17 @@ void ideal_dn(const Phase& p, IdealGas ideal, double* dn) {
   }
 }
 
-StatusCode mole_number_slopes(const Probe& probe, const Temperature& t, double* dn) {
-  double at_base = 0.0;
-  const bool only_water = probe.water >= 0 && !(probe.p.x[probe.water] < 1.0);
-  if (only_water) residual_entropy(probe, t, probe.p.P, probe.p.x, at_base);
+StatusCode mole_number_slopes(const Probe& probe, const Temperature& t, support::Arena& arena, double* dn) {
+  if (probe.water >= 0 && !(probe.p.x[probe.water] < 1.0)) {  // water alone: a trace of j is j alone beside it
+    double* S = arena.take(t.n);
+    const StatusCode status = pure_residuals(probe.p, arena, nullptr, S);
+    if (!has_values(status)) return status;
+    const double water = probe.p.x[probe.water] * liquid_water_entropy(t.T, probe.p.P).value;
+    for (int j = 0; j < t.n; ++j) dn[j] += j == probe.water ? 0.0 : S[j] - water;
+    return KV_OK;
+  }
   for (int j = 0; j < t.n; ++j) {
     double slope = 0.0;
-    if (only_water) {  // a trace of something else has nothing around it that it could be dissolved in
-      if (j != probe.water) dn[j] -= at_base;
-      continue;
-    }
     const auto S = [&](double step, double& value) {
       return residual_entropy_beside(probe, t, j, step, value) == probe.root;
     };
@@ -174,7 +178,7 @@ StatusCode pressure_slope(const Probe& probe, const Temperature& t, double& dP) 
 
 StatusCode entropy_derivatives(const Phase& p, int mask, WithDerivatives& out) {
   const int n = p.mixture->count;
-  return support::with_arena<3, 90>(n, [&](support::Arena& arena) -> StatusCode {
+  return support::with_arena<5, 110>(n, [&](support::Arena& arena) -> StatusCode {
     IdealGas ideal;
     const StatusCode status = ideal_gas(p.T, *p.mixture, p.x, kIdealS, arena, ideal);
     if (!has_values(status)) return status;
@@ -193,7 +197,7 @@ StatusCode entropy_derivatives(const Phase& p, int mask, WithDerivatives& out) {
     if (slope == KV_OK && (mask & KV_DERIV_P) != 0) slope = pressure_slope(probe, t, d.dP);
     if (slope == KV_OK && (mask & KV_DERIV_N) != 0) {
       ideal_dn(p, ideal, d.dn);
-      slope = mole_number_slopes(probe, t, d.dn);
+      slope = mole_number_slopes(probe, t, arena, d.dn);
     }
     if (slope != KV_OK) return slope;
     for (const double value : {d.value, d.dT, d.dP})

@@ -83,8 +83,29 @@ Seen as_seen(const Phase& p, int water, double* y) noexcept {
   return {y, rest > 0.0 ? rest : 0.0, water};
 }
 
-double liquid_water_entropy(double T, double P) noexcept {
-  return -water_vaporisation_enthalpy(T).value / T - kCalR * std::log(water_vapour_pressure(T).value / P);
+WithSlope liquid_water_entropy(double T, double P) noexcept {
+  const WithSlope h = water_vaporisation_enthalpy(T), psat = water_vapour_pressure(T);
+  return {-h.value / T - kCalR * std::log(psat.value / P),
+          (h.value / T - h.d_dT) / T - kCalR * psat.d_dT / psat.value};
+}
+
+StatusCode pure_residuals(const Phase& p, support::Arena& arena, double* H, double* S) {
+  const int n = p.mixture->count;
+  Temperature t;
+  const StatusCode prepared = prepare(p.T, *p.mixture, frame::state().group_data, 1, arena, t);
+  if (prepared != KV_OK) return prepared;
+  double* y = arena.zeros(t.ld);
+  double* work = arena.take(3 * t.ld);
+  for (int j = 0; j < n; ++j) {
+    y[j] = 1.0;
+    PhaseValues v;
+    const StatusCode root = residual(p, t, y, 7, work, v);
+    y[j] = 0.0;
+    if (!has_values(root)) return root;
+    if (H != nullptr) H[j] = v.H_res;
+    if (S != nullptr) S[j] = v.S_res;
+  }
+  return KV_OK;
 }
 
 double water_ammonia_enthalpy(const Phase& p) noexcept {
@@ -167,7 +188,7 @@ StatusCode enthalpy_and_entropy(const Phase& p, bool want_H, bool want_S, Calori
     }
     if (want_S) {
       c.S = ideal_entropy(n, p.x, p.P, ideal) + seen.share * v.S_res;
-      if (seen.water >= 0) c.S += xw * liquid_water_entropy(p.T, p.P);
+      if (seen.water >= 0) c.S += xw * liquid_water_entropy(p.T, p.P).value;
     }
     if (!finite(c.H) || !finite(c.S)) return KV_NOT_FINITE;
     out = c;
@@ -196,7 +217,7 @@ void add_ideal_dn(const Phase& p, const IdealGas& ideal, double H_ideal, double*
 StatusCode enthalpy_derivatives(const Phase& p, int mask, WithDerivatives& out) {
   const int n = p.mixture->count;
   const bool with_T = (mask & KV_DERIV_T) != 0, with_n = (mask & KV_DERIV_N) != 0;
-  return support::with_arena<4, 70>(n, [&](support::Arena& arena) -> StatusCode {
+  return support::with_arena<5, 80>(n, [&](support::Arena& arena) -> StatusCode {
     IdealGas ideal;
     StatusCode status = ideal_gas(p.T, *p.mixture, p.x, kIdealH | (with_T ? kIdealCp : 0u), arena, ideal);
     if (!has_values(status)) return status;
@@ -212,6 +233,9 @@ StatusCode enthalpy_derivatives(const Phase& p, int mask, WithDerivatives& out) 
       if (!has_values(root)) return root;
       status = graver(status, root);
       shift = slopes(v.a / v.b, v.da_dT / v.b, v.b, p.T, v.B / v.Z).shift;
+    } else if (with_n) {
+      status = graver(status, pure_residuals(p, arena, v.h_partial, nullptr));
+      if (!has_values(status)) return status;
     }
     const WithSlope water = seen.water < 0 ? WithSlope{0.0, 0.0} : water_enthalpy(p.T);
     const double xw = seen.water < 0 ? 0.0 : p.x[seen.water];

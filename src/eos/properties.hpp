@@ -10,6 +10,7 @@
 
 #include "eos/evaluation.hpp"
 #include "eos/ideal_gas.hpp"
+#include "eos/water.hpp"
 #include "kestrune/records.h"
 
 namespace kestrune::eos {
@@ -47,8 +48,14 @@ int liquid_water(const Phase& p) noexcept;
 /* Fills y[ld] for a liquid whose water (index, -1 none) was found by liquid_water. */
 Seen as_seen(const Phase& p, int water, double* y) noexcept;
 
-/* Entropy of liquid water over the ideal gas at P, cal/(mol K). */
-double liquid_water_entropy(double T, double P) noexcept;
+/* Entropy of liquid water over the ideal gas at P, cal/(mol K), and its slope in T. */
+WithSlope liquid_water_entropy(double T, double P) noexcept;
+
+/*
+ * Residual enthalpies (cal/mol) and entropies (cal/(mol K)) of every component alone, [count], either may be
+ * null: what a trace has that lies beside liquid water with nothing else. Statuses as above.
+ */
+StatusCode pure_residuals(const Phase& p, support::Arena& arena, double* H, double* S);
 
 /* Enthalpy of mixing of water and ammonia, cal/mol: what the enthalpy is decreased by. 0 without both. */
 double water_ammonia_enthalpy(const Phase& p) noexcept;

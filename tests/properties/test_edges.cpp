@@ -1,0 +1,186 @@
+// Limits and corners of the property exports. (Refused arguments of every export:
+// tests/exports/test_refused.cpp.)
+#include "phase_calls.hpp"
+
+using namespace kestrune;
+using namespace kestrune::tests;
+
+namespace {
+
+constexpr double kNearlyZero = 1e-9;  // atm
+
+TEST(PropertyEdges, IdealGasAtZeroPressure) {
+  const Phase p = Phase({"methane", "nitrogen", "hydrogen"}, {0.5, 0.25, 0.25}).at(298.15, kNearlyZero, 1);
+  const double mixing = -kCalR * (0.5 * std::log(0.5) + 0.5 * std::log(0.25));
+  EXPECT_NEAR(p.H(), 0.0, 1e-6);
+  EXPECT_NEAR(p.S(), mixing - kCalR * std::log(kNearlyZero), 1e-9);
+  for (const double T : {150.0, 900.0}) {
+    const Phase low = p.at(T, kNearlyZero, KV_PHASE_GAS), lower = p.at(T, kNearlyZero / 1000, KV_PHASE_GAS);
+    EXPECT_NEAR(low.H(), lower.H(), 1e-6);
+    EXPECT_NEAR(low.S() + kCalR * std::log(1e-3), lower.S() + 2 * kCalR * std::log(1e-3), 1e-8);
+    const Heat c = lower.heat();
+    EXPECT_NEAR(c.Cp - c.Cv, kCalR, 1e-7);
+    EXPECT_NEAR(lower.normal().Z, 1.0, 1e-12);
+    EXPECT_NEAR(lower.viscosity() / low.viscosity(), 1.0, 1e-9);
+    EXPECT_NEAR(lower.conductivity() / low.conductivity(), 1.0, 1e-9);
+  }
+}
+
+// Every caloric output of a phase and its statuses.
+std::vector<double> caloric(const Phase& p, StatusCode expected, bool with_n = true) {
+  StatusCode status[3];
+  const Derivatives h = p.derivatives('H', with_n ? 7 : 3), s = p.derivatives('S', with_n ? 7 : 3);
+  const Heat c = p.heat();
+  std::vector<double> all{p.H(&status[0]),
+                          p.S(&status[1]),
+                          p.G(&status[2]),
+                          h.value,
+                          h.dT,
+                          h.dP,
+                          s.value,
+                          s.dT,
+                          s.dP,
+                          c.Cp,
+                          c.Cv,
+                          c.w,
+                          c.JT};
+  for (const StatusCode got : {status[0], status[1], status[2], h.status, s.status, c.status})
+    EXPECT_EQ(got, expected);
+  all.insert(all.end(), h.dn.begin(), h.dn.end());
+  all.insert(all.end(), s.dn.begin(), s.dn.end());
+  return all;
+}
+
+TEST(PropertyEdges, ComponentThatIsNotKnown) {
+  const Phase pair = Phase({"methane", "propane"}, {0.7, 0.3}).at(320, 30, KV_PHASE_GAS);
+  const std::vector<double> expected = caloric(pair, KV_OK, false);
+  const double viscosity = pair.viscosity(), conductivity = pair.conductivity();
+  for (const double cas : {0.0, 99999999.0, static_cast<double>(NAN), -5.0, 1e300}) {
+    SCOPED_TRACE(cas);
+    for (const double absent : {0.0, 1e-16}) {
+      Phase p = Phase({"methane", "n_hexane", "propane"}, {0.7, absent, 0.3}).at(320, 30, KV_PHASE_GAS);
+      p.m->at(1, KV_COL_CAS) = cas;
+      const std::vector<double> got = caloric(p, KV_OK, false);
+      for (std::size_t i = 0; i < 13; ++i) EXPECT_NEAR(got[i] / expected[i], 1.0, 1e-8) << i;
+      for (const double value : caloric(p, KV_OK)) EXPECT_TRUE(std::isfinite(value));
+      p.x = {0.7, 1e-3, 0.299};
+      for (const double value : caloric(p, KV_PURE_UNKNOWN)) EXPECT_EQ(value, 0.0);
+      EXPECT_EQ(p.density().status, KV_OK);
+      StatusCode status[2];
+      EXPECT_NEAR(p.viscosity(&status[0]) / viscosity, 1.0, 0.02);
+      EXPECT_NEAR(p.conductivity(&status[1]) / conductivity, 1.0, 0.02);
+      EXPECT_EQ(status[0] + status[1], 2 * KV_OK);
+    }
+  }
+}
+
+TEST(PropertyEdges, OutsideTheRangeOfAHeatCapacity) {
+  const Phase p({"methane"}, {1.0});  // 100 to 1500 K
+  for (const double end : {100.0, 1500.0}) {
+    const double outside = end * (end < 300 ? 1 - 1e-9 : 1 + 1e-9), inside = end;
+    const std::vector<double> values = caloric(p.at(outside, 0.1, KV_PHASE_GAS), KV_PURE_RANGE),
+                              edge = caloric(p.at(inside, 0.1, KV_PHASE_GAS), KV_OK);
+    for (std::size_t i = 0; i < 13; ++i) EXPECT_NEAR(values[i] / edge[i], 1.0, 1e-6) << i;
+  }
+  for (const double T : {40.0, 2500.0})
+    for (const double value : caloric(p.at(T, 0.01, KV_PHASE_GAS), KV_PURE_RANGE))
+      EXPECT_TRUE(std::isfinite(value));
+}
+
+TEST(PropertyEdges, MaskedDerivatives) {
+  const Phase p = Phase({"methane", "propane"}, {0.7, 0.3}).at(300, 20, KV_PHASE_GAS);
+  const Derivatives all[2] = {p.derivatives('H'), p.derivatives('S')};
+  const decltype(&GasMolarEnthalpy_Derivatives_PPR78) entries[2] = {GasMolarEnthalpy_Derivatives_PPR78,
+                                                                    GasMolarEntropy_Derivatives_PPR78};
+  for (int mask = 0; mask < 8; ++mask)
+    for (int k = 0; k < 2; ++k) {
+      double value = -7, dT = -7, dP = -7, dn[2] = {-7, -7};
+      EXPECT_EQ(entries[k](p.T, p.P, p.x.data(), &p.m->record, mask, &value, &dT, &dP,
+                           mask & KV_DERIV_N ? dn : nullptr),
+                KV_OK);
+      EXPECT_DOUBLE_EQ(value, all[k].value);
+      EXPECT_DOUBLE_EQ(dT, mask & KV_DERIV_T ? all[k].dT : -7);
+      EXPECT_DOUBLE_EQ(dP, mask & KV_DERIV_P ? all[k].dP : -7);
+      EXPECT_DOUBLE_EQ(dn[1], mask & KV_DERIV_N ? all[k].dn[1] : -7);
+    }
+}
+
+TEST(PropertyEdges, PhaseWithoutARootOfItsOwn) {
+  const Phase p(kLeanGas, kLeanGasFeed);
+  for (const auto& [T, P] : {std::pair{400.0, 1.0}, {170.0, 300.0}}) {
+    const Phase gas = p.at(T, P, KV_PHASE_GAS), liquid = p.at(T, P, KV_PHASE_LIQUID);
+    EXPECT_DOUBLE_EQ(gas.H(), liquid.H());
+    EXPECT_DOUBLE_EQ(gas.S(), liquid.S());
+    EXPECT_EQ(gas.density().status + liquid.density().status, 2 * KV_OK);
+    EXPECT_DOUBLE_EQ(gas.density().value, liquid.density().value);
+  }
+}
+
+Phase flagged(Phase p) {
+  p.m->record.flags = 0x81;
+  p.m->record.solubility_a = 11.2;
+  p.m->record.solubility_b = 6290;
+  return p;
+}
+
+// Steam tables: heat of vaporisation (kJ/kg) at 25, 100, 200 and 300 C.
+TEST(PropertyEdges, LiquidWaterBesideAnIdealVapour) {
+  const Phase water = flagged(Phase({"methane", "water"}, {0.0, 1.0}));
+  for (const auto& [celsius, heat] :
+       {std::pair{25.0, 2441.7}, {100.0, 2256.5}, {200.0, 1939.7}, {300.0, 1404.8}}) {
+    const double T = celsius + 273.15;
+    const double difference =
+        water.at(T, kNearlyZero, KV_PHASE_GAS).H() - water.at(T, 100, KV_PHASE_LIQUID).H();
+    EXPECT_NEAR(difference * kJoule / water.molar_mass(), heat, 0.005 * heat) << celsius;
+  }
+  // At its boiling point water has the Gibbs energy of the ideal gas at 1 atm.
+  const double ideal = water.at(373.124, kNearlyZero, 1).G() - kCalR * 373.124 * std::log(kNearlyZero);
+  EXPECT_NEAR(water.at(373.124, 1, KV_PHASE_LIQUID).G(), ideal, 0.003 * kCalR * 373.124);
+}
+
+TEST(PropertyEdges, LiquidWaterAboveItsCriticalPoint) {
+  const Phase water = flagged(Phase({"water"}, {1.0}));
+  const auto at = [&](double T) { return water.at(T, 250, KV_PHASE_LIQUID); };
+  // H ends with a root of T: 1e-9 K below is 0.6 cal/mol below
+  EXPECT_NEAR(at(647.13 + 1e-9).H(), at(647.13 - 1e-9).H(), 2.0);
+  EXPECT_NEAR(at(647.13 + 1e-9).S(), at(647.13 - 1e-9).S(), 0.003);
+  EXPECT_NEAR(at(647.096 + 1e-9).S(), at(647.096 - 1e-9).S(), 1e-4);
+  EXPECT_NEAR(at(700).H(), water.at(700, kNearlyZero, KV_PHASE_GAS).H(), 1e-6);
+}
+
+TEST(PropertyEdges, FreeWaterFlagStaysAndActsOnLiquidsOnly) {
+  const std::vector<std::string> ids{"methane", "n_hexane", "water"};
+  const Phase wet = flagged(Phase(ids, {0.5, 0.2, 0.3})), plain(ids, {0.5, 0.2, 0.3});
+  for (const int kind : {KV_PHASE_GAS, KV_PHASE_LIQUID}) {
+    const Phase p = wet.at(400, 40, kind), q = plain.at(400, 40, kind);
+    EXPECT_EQ(p.H() == q.H(), kind == KV_PHASE_GAS);
+    EXPECT_EQ(p.S() == q.S(), kind == KV_PHASE_GAS);
+    EXPECT_EQ(p.density().value, q.density().value);
+    EXPECT_EQ(p.heat().Cp, q.heat().Cp);
+    EXPECT_EQ(p.normal().Z, q.normal().Z);
+    EXPECT_EQ(p.viscosity() + p.conductivity(), q.viscosity() + q.conductivity());
+    for (const char property : {'H', 'S'}) EXPECT_EQ(p.derivatives(property).status, KV_OK);
+    EXPECT_EQ(p.m->record.flags, 0x81);
+  }
+  // A sum of the parts: the enthalpy of the hydrocarbons and that of the water.
+  const Phase oil = Phase({"methane", "n_hexane"}, {5.0 / 7, 2.0 / 7}).at(400, 40, KV_PHASE_LIQUID);
+  const double of_oil = oil.H();
+  const double of_water = flagged(Phase({"water"}, {1.0})).at(400, 40, KV_PHASE_LIQUID).H();
+  wet.m->use();
+  EXPECT_NEAR(wet.at(400, 40, KV_PHASE_LIQUID).H(), 0.7 * of_oil + 0.3 * of_water, 1e-8);
+}
+
+TEST(PropertyEdges, WaterWithAmmonia) {
+  const std::vector<std::string> ids{"water", "ammonia"};
+  const auto H = [](const Phase& p) { return p.at(300, 20, KV_PHASE_LIQUID).H(); };
+  const double water = H(Phase({"water"}, {1.0})), ammonia = H(Phase({"ammonia"}, {1.0}));
+  EXPECT_NEAR(H(Phase(ids, {1.0, 0.0})), water, 1e-6);  // no mixing at the ends
+  EXPECT_NEAR(H(Phase(ids, {0.0, 1.0})), ammonia, 1e-6);
+  // with the flag no mixing enthalpy: without it the phase is 47.4 cal/g poorer at equal fractions
+  Phase half(ids, {0.5, 0.5}), option(ids, {0.5, 0.5});
+  option.m->record.flags = FreeWaterFlag;
+  option.m->record.solubility_a = 10;  // a limit of 1: no free water
+  EXPECT_NEAR(H(option) - H(half), 47.3943643 * half.molar_mass(), 1e-6);
+}
+
+}  // namespace
