@@ -27,6 +27,8 @@ typedef int32_t StatusCode;
   X(KV_DAMPING, 113, "the damping of the Newton step is exhausted")                                       \
   X(KV_RELAXATION, 114, "the relaxation factor fell below its limit")                                     \
   X(KV_ZERO_SLOPE, 115, "the derivative of the residual is zero")                                         \
+  X(KV_NO_SATURATION, 116, "no temperature or pressure has this vapour fraction with two phases")         \
+  X(KV_UNSTABLE_POINT, 117, "a bubble or dew point was found, but another phase splits off before it")    \
   X(KV_TRIVIAL, 120, "the iteration ended on two identical phases or broke down")                         \
   X(KV_TRIVIAL_LV, 121, "the vapour and the second liquid became the same phase")                         \
   X(KV_LV_ANSWER, 130, "one liquid and a vapour remain (reaches a host as 0)")                            \
@@ -44,7 +46,8 @@ typedef int32_t StatusCode;
   X(KV_TEMPERATURE, 9004, "the temperature is not finite or not positive")                                \
   X(KV_PRESSURE, 9005, "the pressure is not finite or not positive")                                      \
   X(KV_COMPOSITION, 9006, "a composition has an entry that is negative or not finite, or is all zero")    \
-  X(KV_COMPONENT_DATA, 9007, "a critical temperature, critical pressure, acentric factor or molar mass is unusable")  \
+  X(KV_COMPONENT_DATA, 9007,                                                                              \
+    "a critical temperature, critical pressure, acentric factor or molar mass is unusable")               \
   X(KV_GROUP_DATA, 9008, "no group data for this number of components: call ConvertPPR78GroupData first") \
   X(KV_SPECIFICATION, 9009, "a specified quantity or option is not finite or out of range")               \
   X(KV_MEMORY, 9010, "not enough memory for the work arrays")                                             \

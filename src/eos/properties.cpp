@@ -46,14 +46,13 @@ struct WaterAmmonia {
   int water, ammonia;  // indices, -1: not both present
   double Mw, Ma;
 };
-WaterAmmonia find_water_ammonia(const Phase& p) {
+WaterAmmonia find_water_ammonia(const MixtureRecord& m, const double* x) {
   WaterAmmonia pair{-1, -1, 0.0, 0.0};
-  const MixtureRecord& m = *p.mixture;
   if ((m.flags & FreeWaterFlag) != 0) return pair;
   const int w = frame::find_cas(m.count, m.table, frame::WaterCas) - 1;
-  if (w < 0 || !(p.x[w] > 0.0)) return pair;
+  if (w < 0 || !(x[w] > 0.0)) return pair;
   const int a = frame::find_cas(m.count, m.table, frame::kAmmoniaCas) - 1;
-  if (a < 0 || !(p.x[a] > 0.0)) return pair;
+  if (a < 0 || !(x[a] > 0.0)) return pair;
   const double* M = m.table + static_cast<std::size_t>(KV_COL_MOLAR_MASS - 1) * m.count;
   return {w, a, M[w], M[a]};
 }
@@ -108,8 +107,12 @@ StatusCode pure_residuals(const Phase& p, support::Arena& arena, double* H, doub
   return KV_OK;
 }
 
+bool water_ammonia_pair(const MixtureRecord& mixture, const double* x) noexcept {
+  return find_water_ammonia(mixture, x).water >= 0;
+}
+
 double water_ammonia_enthalpy(const Phase& p) noexcept {
-  const WaterAmmonia pair = find_water_ammonia(p);
+  const WaterAmmonia pair = find_water_ammonia(*p.mixture, p.x);
   if (pair.water < 0) return 0.0;
   const double xw = p.x[pair.water], xa = p.x[pair.ammonia];
   return (xw * pair.Mw + xa * pair.Ma) * mixing_polynomial(1.0 - 2.0 * xa).value;
@@ -202,7 +205,7 @@ namespace {
 void add_ideal_dn(const Phase& p, const IdealGas& ideal, double H_ideal, double* dn) {
   const int n = p.mixture->count;
   for (int i = 0; i < n; ++i) dn[i] += ideal.h[i] - H_ideal;
-  const WaterAmmonia pair = find_water_ammonia(p);
+  const WaterAmmonia pair = find_water_ammonia(*p.mixture, p.x);
   if (pair.water < 0) return;
   const double xw = p.x[pair.water], xa = p.x[pair.ammonia];
   const WithSlope poly = mixing_polynomial(1.0 - 2.0 * xa);

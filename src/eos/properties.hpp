@@ -57,6 +57,8 @@ WithSlope liquid_water_entropy(double T, double P) noexcept;
  */
 StatusCode pure_residuals(const Phase& p, support::Arena& arena, double* H, double* S);
 
+/* Whether x[count] holds both water and ammonia, and the option of free water does not keep them apart. */
+bool water_ammonia_pair(const MixtureRecord& mixture, const double* x) noexcept;
 /* Enthalpy of mixing of water and ammonia, cal/mol: what the enthalpy is decreased by. 0 without both. */
 double water_ammonia_enthalpy(const Phase& p) noexcept;
 

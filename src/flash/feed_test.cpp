@@ -31,16 +31,6 @@ double packing(const Flash& f, double b, double Z) {
   return b * f.m.P / (eos::kR * f.m.T * Z);
 }
 
-// Co-volume of a composition from the table, cm3/mol: a host's fugacity routine brings no prepared temperature.
-double covolume(const Flash& f, const double* x) {
-  const MixtureRecord& r = *f.call.mixture;
-  const double* Tc = r.table + static_cast<std::size_t>(KV_COL_TC - 1) * r.count;
-  const double* Pc = r.table + static_cast<std::size_t>(KV_COL_PC - 1) * r.count;
-  double b = 0.0;
-  for (int i = 0; i < f.m.n; ++i) b += x[i] * eos::kOmegaB_R * Tc[i] / Pc[i];
-  return b;
-}
-
 // Keeps the trial when it is the lowest so far.
 void remember(Flash& f) {
   if (f.trial.end != TrialEnd::stationary) return;
@@ -127,14 +117,15 @@ bool test_curvature(Flash& f, const Reference& ref) {
 
 // A gas too thin to be close to a critical point.
 bool dilute(const Flash& f) {
-  return !(f.feed_Z > 0.0) || packing(f, covolume(f, f.it.z), f.feed_Z) < kDilutePacking;
+  return !(f.feed_Z > 0.0) || packing(f, covolume(*f.call.mixture, f.it.z), f.feed_Z) < kDilutePacking;
 }
 
 }  // namespace
 
 Kind kind_of(const Flash& f, const double* composition, double Z) {
   if (!(Z > 0.0)) return Kind::liquid;
-  return packing(f, covolume(f, composition), Z) * eos::kCriticalVolumeRatio < 1.0 ? Kind::gas : Kind::liquid;
+  return packing(f, covolume(*f.call.mixture, composition), Z) * eos::kCriticalVolumeRatio < 1.0 ? Kind::gas
+                                                                                                 : Kind::liquid;
 }
 
 bool may_be_liquid(const Flash& f) {

@@ -19,9 +19,8 @@ constexpr double kInsoluble = kLargestLogK;
 // A host's routine, or the built-in one under the same argument list. Derivatives with leading dimension n.
 StatusCode plain_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,
                           double& Z) {
-  if (m.routine == nullptr && d.dT == nullptr && d.dP == nullptr)
-    return built_in_fugacity(m, x, kind, ln_phi, d.dn, false, Z);
-  if (kind == Kind::stable && m.routine != nullptr) {
+  if (m.routine == nullptr) return built_in_fugacity(m, x, kind, ln_phi, d, false, Z);
+  if (kind == Kind::stable) {
     // Both phases, and the one of lower Gibbs energy.
     double zg = 0.0, zl = 0.0;
     StatusCode status = plain_fugacity(m, x, Kind::gas, m.compared, {}, zg);
@@ -36,37 +35,19 @@ StatusCode plain_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, 
   }
   const int phase = kind == Kind::gas ? KV_PHASE_GAS : KV_PHASE_LIQUID;
   ++m.counts.fugacities;
-  if (m.routine != nullptr) {
-    // The pressure derivatives are always asked for: Z = 1 + P sum x_i d ln phi_i/dP tells gas from liquid.
-    double* dP = d.dP != nullptr ? d.dP : m.row;
-    const int mask = (d.dT ? KV_DERIV_T : 0) | KV_DERIV_P | (d.dn ? KV_DERIV_N : 0);
-    if (d.dn != nullptr) ++m.counts.matrices;
-    const StatusCode status =
-        m.routine(m.T, m.P, x, m.mixture, phase, 2, mask, ln_phi, d.dT, dP, d.dn ? m.square : nullptr);
-    if (status != KV_OK) return status;
-    double sum = 0.0;
-    for (int i = 0; i < m.n; ++i) sum += x[i] * dP[i];
-    Z = 1.0 + m.P * sum;
-    for (int j = 0; d.dn != nullptr && j < m.n; ++j)
-      std::copy_n(m.square + static_cast<std::size_t>(j) * m.n, m.n, d.dn + static_cast<std::size_t>(j) * m.ld);
-    for (int i = m.n; i < m.ld; ++i) ln_phi[i] = 0.0;
-    return KV_OK;
-  }
-  // Temperature derivatives of the built-in equation: the temperature is prepared with order 1 for these.
-  const StatusCode status = built_in_fugacity(m, x, kind, ln_phi, d.dn, false, Z);
+  // The pressure derivatives are always asked for: Z = 1 + P sum x_i d ln phi_i/dP tells gas from liquid.
+  double* dP = d.dP != nullptr ? d.dP : m.row;
+  const int mask = (d.dT ? KV_DERIV_T : 0) | KV_DERIV_P | (d.dn ? KV_DERIV_N : 0);
+  if (d.dn != nullptr) ++m.counts.matrices;
+  const StatusCode status =
+      m.routine(m.T, m.P, x, m.mixture, phase, 2, mask, ln_phi, d.dT, dP, d.dn ? m.square : nullptr);
   if (status != KV_OK) return status;
-  const eos::Mixture mixed = eos::mix(m.t, x, m.s);
-  eos::Root r;
-  eos::reduce(m.t, mixed, m.P, Z, r);
-  const eos::Mechanics k = eos::mechanics(m.t, mixed, r);
-  if (d.dP != nullptr) {
-    eos::p_dln_phi_dP(m.t, k, r, m.s, m.row);
-    for (int i = 0; i < m.n; ++i) d.dP[i] = m.row[i] / m.P;
-  }
-  if (d.dT != nullptr) {
-    if (m.t.order < 1) return KV_INTERNAL;
-    eos::dln_phi_dT(m.t, mixed, r, k, x, m.s, m.row, d.dT);
-  }
+  double sum = 0.0;
+  for (int i = 0; i < m.n; ++i) sum += x[i] * dP[i];
+  Z = 1.0 + m.P * sum;
+  for (int j = 0; d.dn != nullptr && j < m.n; ++j)
+    std::copy_n(m.square + static_cast<std::size_t>(j) * m.n, m.n, d.dn + static_cast<std::size_t>(j) * m.ld);
+  for (int i = m.n; i < m.ld; ++i) ln_phi[i] = 0.0;
   return KV_OK;
 }
 
@@ -136,6 +117,18 @@ void set_water(const Model& m, double xw, double* ln_phi, const Derivatives& d) 
 
 }  // namespace
 
+double covolume(const MixtureRecord& mixture, const double* x) noexcept {
+  const double* Tc = mixture.table + static_cast<std::size_t>(KV_COL_TC - 1) * mixture.count;
+  const double* Pc = mixture.table + static_cast<std::size_t>(KV_COL_PC - 1) * mixture.count;
+  double b = 0.0;
+  for (int i = 0; i < mixture.count; ++i) b += x[i] * eos::kOmegaB_R * Tc[i] / Pc[i];
+  return b;
+}
+
+bool lighter(const MixtureRecord& mixture, const double* x, double Zx, const double* y, double Zy) noexcept {
+  return covolume(mixture, x) * Zy < covolume(mixture, y) * Zx;
+}
+
 StatusCode make_model(double T, double P, MixtureRecord* mixture, const ModelRoutines* routines,
                       bool free_water, int order, support::Arena& arena, Model& m) {
   m.T = T;
@@ -165,8 +158,8 @@ StatusCode make_model(double T, double P, MixtureRecord* mixture, const ModelRou
   return eos::prepare(T, *mixture, frame::state().group_data, order, arena, m.t);
 }
 
-StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, double* dn, bool lower,
-                             double& Z) noexcept {
+StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,
+                             bool lower, double& Z) noexcept {
   const eos::Temperature& t = m.t;
   ++m.counts.fugacities;
   const eos::Mixture mixed = eos::mix(t, x, m.s);
@@ -184,9 +177,20 @@ StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_ph
     eos::reduce(t, mixed, m.P, Z, r);
   }
   eos::ln_phi(t, mixed, r, m.s, ln_phi);
-  if (dn != nullptr) {
+  if (d.dn == nullptr && d.dP == nullptr && d.dT == nullptr)
+    return std::fabs(ln_phi[0]) < 1e300 ? KV_OK : KV_NOT_FINITE;
+  const eos::Mechanics k = eos::mechanics(t, mixed, r);
+  if (d.dn != nullptr) {
     ++m.counts.matrices;
-    eos::dln_phi_dn(t, mixed, r, eos::mechanics(t, mixed, r), m.s, dn, m.ld, m.ld, lower);
+    eos::dln_phi_dn(t, mixed, r, k, m.s, d.dn, m.ld, m.ld, lower);
+  }
+  if (d.dP != nullptr) {
+    eos::p_dln_phi_dP(t, k, r, m.s, m.row);
+    for (int i = 0; i < m.n; ++i) d.dP[i] = m.row[i] / m.P;
+  }
+  if (d.dT != nullptr) {
+    if (t.order < 1) return KV_INTERNAL;
+    eos::dln_phi_dT(t, mixed, r, k, x, m.s, m.row, d.dT);
   }
   return std::fabs(ln_phi[0]) < 1e300 ? KV_OK : KV_NOT_FINITE;
 }

@@ -54,6 +54,16 @@ struct Model {
 StatusCode make_model(double T, double P, MixtureRecord* mixture, const ModelRoutines* routines,
                       bool free_water, int order, support::Arena& arena, Model& m);
 
+/* Co-volume of a composition from the table, cm3/mol: a host's fugacity routine brings no prepared temperature.
+ */
+double covolume(const MixtureRecord& mixture, const double* x) noexcept;
+
+/*
+ * Whether of two phases x and y the first is packed less densely, b/v: then it is the vapour. Molar volumes
+ * alone would take an oil of large molecules for the vapour of a compressed gas.
+ */
+bool lighter(const MixtureRecord& mixture, const double* x, double Zx, const double* y, double Zy) noexcept;
+
 // Derivatives beside ln phi; null = not wanted. dn has column j at j * ld and n rows.
 struct Derivatives {
   double* dT = nullptr;  // [n] 1/K
@@ -70,17 +80,17 @@ StatusCode water_aware_fugacity(Model& m, const double* x, Kind kind, double* ln
                                 double& Z) noexcept;
 
 /*
- * The built-in equation of state, no detour: what the above does when m.built_in(). dn may be null; lower: only
- * its lower triangle is wanted.
+ * The built-in equation of state, no detour: what the above does when m.built_in(). lower: only the lower
+ * triangle of dn is wanted.
  */
-StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, double* dn, bool lower,
-                             double& Z) noexcept;
+StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,
+                             bool lower, double& Z) noexcept;
 
 /* As the solvers need it: dn (may be null) at least in its lower triangle, which is all where it is symmetric.
  */
 inline StatusCode fugacity(Model& m, const double* x, Kind kind, double* ln_phi, double* dn,
                            double& Z) noexcept {
-  if (m.built_in()) return built_in_fugacity(m, x, kind, ln_phi, dn, true, Z);
+  if (m.built_in()) return built_in_fugacity(m, x, kind, ln_phi, {nullptr, nullptr, dn}, true, Z);
   return water_aware_fugacity(m, x, kind, ln_phi, {nullptr, nullptr, dn}, Z);
 }
 

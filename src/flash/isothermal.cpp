@@ -39,9 +39,10 @@ bool usable_estimate(const IsothermalCall& c, int n) {
   return std::fabs(sx - 1.0) <= 1e-6 && std::fabs(sy - 1.0) <= 1e-6;
 }
 
-// The phase counted by beta is the one with the larger Z.
+// The phase counted by beta is the vapour, the less densely packed one.
 void order_phases(Flash& f) {
-  if (f.liquids_only() || f.m.free_water || !(f.it.Zx > f.it.Zy)) return;
+  if (f.liquids_only() || f.m.free_water) return;
+  if (!lighter(*f.call.mixture, f.it.x, f.it.Zx, f.it.y, f.it.Zy)) return;
   std::swap(f.it.x, f.it.y);
   std::swap(f.it.beta, f.it.liquid);
   for (int i = 0; i < f.m.n; ++i) f.it.k[i] = 1.0 / f.it.k[i];
@@ -138,7 +139,9 @@ void take_iterate(support::Arena& arena, int ld, Iterate& it) {
   for (const auto array : kIterateArrays) it.*array = arena.zeros(ld);
 }
 
-StatusCode set_up(const IsothermalCall& call, support::Arena& arena) {
+// Everything that a flash works with, then body(flash).
+template <class Body>
+StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& body) {
   Model m;
   const StatusCode status =
       make_model(call.T, call.P, call.mixture, call.routines, call.free_water, 0, arena, m);
@@ -170,7 +173,7 @@ StatusCode set_up(const IsothermalCall& call, support::Arena& arena) {
   f.direction = arena.zeros(ld);
   f.dry = arena.zeros(ld);
   f.tried = arena.zeros(ld * kTried);
-  const StatusCode result = solve(f);
+  const StatusCode result = body(f);
   if (call.counts != nullptr) *call.counts = m.counts;
   return result;
 }
@@ -179,7 +182,41 @@ StatusCode set_up(const IsothermalCall& call, support::Arena& arena) {
 
 StatusCode isothermal_flash(const IsothermalCall& call) {
   return support::with_arena<6, 100>(call.mixture->count,
-                                     [&](support::Arena& arena) { return set_up(call, arena); });
+                                     [&](support::Arena& arena) { return with_flash(call, arena, solve); });
+}
+
+StatusCode feed_stability(const IsothermalCall& call, double& distance) {
+  const auto body = [&](Flash& f) -> StatusCode {
+    if (!evaluate_feed(f)) return f.status;
+    wilson(call.T, call.P, *call.mixture, f.m.free_water, f.wilson_k, nullptr);
+    if (!test_feed(f)) return f.status;
+    distance = f.have_lowest ? f.lowest.tm : 0.0;
+    *call.beta = f.feed_kind == Kind::gas ? 1.0 : 0.0;
+    for (int i = 0; i < f.m.n; ++i) {
+      call.y[i] = f.have_lowest ? f.lowest.w[i] : f.it.z[i];
+      call.K[i] = f.have_lowest ? f.feed_phi[i] - f.lowest.ln_phi[i] : 0.0;
+    }
+    return KV_OK;
+  };
+  return support::with_arena<6, 100>(call.mixture->count,
+                                     [&](support::Arena& arena) { return with_flash(call, arena, body); });
+}
+
+StatusCode answer_stability(const IsothermalCall& call, bool& stable) {
+  const auto body = [&](Flash& f) -> StatusCode {
+    wilson(call.T, call.P, *call.mixture, f.m.free_water, f.wilson_k, nullptr);
+    std::copy_n(call.x, f.m.n, f.it.x);
+    std::copy_n(call.y, f.m.n, f.it.y);
+    f.it.kind_x = f.m.free_water ? Kind::liquid : Kind::stable;
+    f.it.kind_y = f.m.free_water ? Kind::gas : Kind::stable;
+    f.status = fugacity(f.m, f.it.x, f.it.kind_x, f.it.ln_phi_x, nullptr, f.it.Zx);
+    if (f.status != KV_OK) return f.status;
+    f.status = fugacity(f.m, f.it.y, f.it.kind_y, f.it.ln_phi_y, nullptr, f.it.Zy);
+    if (f.status != KV_OK) return f.status;
+    return test_answer(f, stable) ? KV_OK : f.status;
+  };
+  return support::with_arena<6, 100>(call.mixture->count,
+                                     [&](support::Arena& arena) { return with_flash(call, arena, body); });
 }
 
 }  // namespace kestrune::flash

@@ -37,6 +37,16 @@ struct IsothermalCall {
  */
 StatusCode isothermal_flash(const IsothermalCall& call);
 
+/*
+ * Tangent-plane distance of the feed at T and P: the lowest of the stationary points that were found, 0 without
+ * any, below about -1e-8 an instability. beta: 1 when the feed is a gas there, else 0; y receives the trial
+ * phase and K (not bounded) ln phi(feed) - ln phi(trial). x is not used.
+ */
+StatusCode feed_stability(const IsothermalCall& call, double& distance);
+
+/* Whether nothing splits off two phases x and y in equilibrium at T and P. The call's arrays are read only. */
+StatusCode answer_stability(const IsothermalCall& call, bool& stable);
+
 }  // namespace kestrune::flash
 
 #endif

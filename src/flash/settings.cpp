@@ -27,6 +27,18 @@ Settings copy_settings(const MixtureRecord& mixture) noexcept {
   return s;
 }
 
+double pure_tolerance(const MixtureRecord& mixture) noexcept {
+  return usable(mixture.pure_tolerance, KV_DEFAULT_PURE_TOLERANCE);
+}
+
+double lowest_temperature(const MixtureRecord& mixture) noexcept {
+  const double* low = mixture.table + static_cast<std::size_t>(KV_COL_TMIN_PSAT - 1) * mixture.count;
+  double least = 1000.0;
+  for (int i = 0; i < mixture.count; ++i)
+    if (low[i] > 0.0 && low[i] <= 1e20) least = std::fmin(least, low[i]);
+  return std::fmin(least, 200.0);
+}
+
 void apply_robust_settings(const ModelOptions& model, Settings& s) noexcept {
   const bool wanted =
       model.first == 7 || model.first == 8 || (model.second != 0 && model_predicate(model.second));

@@ -36,6 +36,12 @@ inline constexpr int kRobustIterations = 1000;
 /* Copies the settings of the record; a field that is zero or unusable takes its default (records.h). */
 Settings copy_settings(const MixtureRecord& mixture) noexcept;
 
+/* Distance from 1 within which one fraction makes a feed a single component. */
+double pure_tolerance(const MixtureRecord& mixture) noexcept;
+
+/* TMIN: the smallest of the lower temperatures of the components, from 1000 and never above 200 K. */
+double lowest_temperature(const MixtureRecord& mixture) noexcept;
+
 /* Applies the robust settings where the model asks for them. */
 void apply_robust_settings(const ModelOptions& model, Settings& s) noexcept;
 

@@ -12,20 +12,78 @@ void table(support::TraceWriter& trace, const char* const (&heads)[4], int n, co
     trace.row(i + 1, values, 3);
   }
 }
-}  // namespace
 
-void trace_header(support::TraceWriter& trace, const IsothermalCall& call, const Settings& settings) {
-  if (!trace) return;
-  trace.text(call.mode == Mode::liquid_vapour ? "FLASH T,P LIQUIDE-VAPEUR" : "FLASH T,P LIQUIDE-LIQUIDE");
+void initialisation(support::TraceWriter& trace, const char* title, int index, const Settings& settings) {
+  trace.text(title);
   trace.text(kStars);
   trace.text(" I N I T I A L I S A T I O N ");
   trace.text(kStars);
-  trace.integer("INDICE INITIALISATION :", call.index);
+  trace.integer("INDICE INITIALISATION :", index);
   trace.integer("ITEMAX :", settings.ITEMAX);
   trace.integer("NEW    :", settings.NEW);
   trace.real("CRIT   :", settings.CRIT);
   trace.real("CLIM   :", settings.CLIM);
   trace.real("EPS    :", settings.EPS);
+}
+
+}  // namespace
+
+void trace_header(support::TraceWriter& trace, const IsothermalCall& call, const Settings& settings) {
+  if (!trace) return;
+  const bool vapour = call.mode == Mode::liquid_vapour;
+  initialisation(trace, vapour ? "FLASH T,P LIQUIDE-VAPEUR" : "FLASH T,P LIQUIDE-LIQUIDE", call.index,
+                 settings);
+}
+
+void trace_quality_header(support::TraceWriter& trace, bool of_T, double W, int index,
+                          const Settings& settings) {
+  if (!trace) return;
+  const char* const titles[2][3] = {
+      {"FLASH W,T - PRESSION DE BULLE", "FLASH W,T", "FLASH W,T - PRESSION DE ROSEE"},
+      {"FLASH W,P - TEMPERATURE DE BULLE", "FLASH W,P", "FLASH W,P - TEMPERATURE DE ROSEE"}};
+  initialisation(trace, titles[of_T ? 1 : 0][W == 0.0 ? 0 : W == 1.0 ? 2 : 1], index, settings);
+}
+
+void trace_quality_start(support::TraceWriter& trace, bool of_T, double start, int n, const double* x,
+                         const double* y) {
+  if (!trace) return;
+  trace.real(of_T ? "TEMPERATURE :" : "PRESSION :", start);
+  const char* const heads[] = {"NO", "XL", "YV"};
+  trace.heads(heads, 3);
+  for (int i = 0; i < n; ++i) {
+    const double values[2] = {x[i], y[i]};
+    trace.row(i + 1, values, 2);
+  }
+}
+
+void trace_energy_header(support::TraceWriter& trace, const EnergyCall& call, const Settings& settings,
+                         double T_low) {
+  if (!trace) return;
+  const bool H = call.property == Property::enthalpy;
+  initialisation(trace, H ? "FLASH H,P" : "FLASH S,P", call.cold ? 1 : 0, settings);
+  trace.real("T (K)  =", *call.T);
+  trace.real(" TMIN (K)    = ", T_low);
+  trace.real("P (ATM)=", call.P);
+  trace.real(H ? " HF (CAL/MOL)=" : " SF (CAL/MOL/K)=", call.wanted);
+}
+
+void trace_energy_pass(support::TraceWriter& trace, const EnergyCall& call, double T, double beta,
+                       double liquid, double vapour) {
+  if (!trace) return;
+  const bool H = call.property == Property::enthalpy;
+  trace.real("T   :", T);
+  trace.real("P   :", call.P);
+  trace.real("TVAP:", beta);
+  trace.real(H ? "HL  :" : "SL  :", liquid);
+  trace.real(H ? "HV  :" : "SV  :", vapour);
+}
+
+void trace_energy_result(support::TraceWriter& trace, const EnergyCall& call) {
+  if (!trace) return;
+  trace.real("T (K)  =", *call.T);
+  trace.real("P (ATM)=", call.P);
+  trace.real(call.property == Property::enthalpy ? " HF (CAL/MOL)=" : " SF (CAL/MOL/K)=", call.wanted);
+  trace.real(" TVAP=", *call.beta);
 }
 
 void trace_initial(support::TraceWriter& trace, const IsothermalCall& call, double beta, const double* x,

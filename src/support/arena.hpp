@@ -39,6 +39,18 @@ class Arena {
     std::memset(piece, 0, count * sizeof(double));
     return piece;
   }
+  // A place to come back to: rewind(mark()) gives back all that was taken since.
+  struct Mark {
+    std::byte* next;
+    std::size_t left;
+    const void* heap;
+  };
+  Mark mark() const { return {next_, left_, heap_.get()}; }
+  void rewind(const Mark& m) {
+    while (heap_.get() != m.heap) heap_ = std::move(heap_->before);
+    next_ = m.next;
+    left_ = m.left;
+  }
   int* take_ints(std::size_t count) { return reinterpret_cast<int*>(take((count + 1) / 2)); }
 
  private:

@@ -1,6 +1,8 @@
 // Exports: flashes of two phases.
 
+#include "flash/energy_flash.hpp"
 #include "flash/isothermal.hpp"
+#include "flash/quality_flash.hpp"
 #include "frame/exports/flash_wrapper.hpp"
 #include "kestrune/kvgasthermo.h"
 
@@ -17,8 +19,21 @@ StatusCode check_flash(const double* z, const MixtureRecord* mixture, const Poin
   return status != KV_OK ? status : frame::check_feed(z, mixture);
 }
 
-StatusCode not_available(bool) {
-  return KV_NOT_AVAILABLE;
+// At enthalpy or entropy; free water and the start are filled in here.
+StatusCode energy_flash(flash::EnergyCall call, int32_t options) {
+  return guarded([&]() -> StatusCode {
+    const StatusCode bad = first_failure({frame::check_specified(call.wanted), frame::check_pressure(call.P),
+                                          check_flash(call.z, call.mixture, call.T, call.beta, call.x, call.y,
+                                                      call.K, call.liquid, call.vapour)});
+    if (bad != KV_OK) return bad;
+    const auto core = [&](bool hint) {
+      call.free_water = exports::free_water(*call.mixture);
+      call.cold = (options & 1) != 0 && !hint;
+      return flash::energy_flash(call);
+    };
+    return exports::two_phase_wrapper(call.P, call.z, *call.mixture, options, {call.beta, call.x, call.y},
+                                      core);
+  });
 }
 
 }  // namespace
@@ -50,46 +65,42 @@ KV_ENTRY StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, Mix
   });
 }
 
-// The cores of the flashes below come with later versions; their frames are complete.
-
 KV_ENTRY StatusCode KV_CALL FlashLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
-                                        const ModelRoutines*, int32_t options, double* T, double* beta,
+                                        const ModelRoutines* routines, int32_t options, double* T, double* beta,
                                         double* x, double* y, double* K, double* HL, double* HV) {
-  return guarded([&]() -> StatusCode {
-    const StatusCode bad = first_failure({frame::check_specified(H), frame::check_pressure(P),
-                                          check_flash(z, mixture, T, beta, x, y, K, HL, HV)});
-    if (bad != KV_OK) return bad;
-    return exports::two_phase_wrapper(P, z, *mixture, options, {beta, x, y}, not_available);
-  });
+  return energy_flash(
+      {flash::Property::enthalpy, H, P, z, mixture, routines, false, true, T, beta, x, y, K, HL, HV, nullptr},
+      options);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLVatSP(double S, double P, const double* z, MixtureRecord* mixture,
-                                        const ModelRoutines*, int32_t options, double* T, double* beta,
+                                        const ModelRoutines* routines, int32_t options, double* T, double* beta,
                                         double* x, double* y, double* K, double* SL, double* SV) {
-  return guarded([&]() -> StatusCode {
-    const StatusCode bad = first_failure({frame::check_specified(S), frame::check_pressure(P),
-                                          check_flash(z, mixture, T, beta, x, y, K, SL, SV)});
-    if (bad != KV_OK) return bad;
-    return exports::two_phase_wrapper(P, z, *mixture, options, {beta, x, y}, not_available);
-  });
+  return energy_flash(
+      {flash::Property::entropy, S, P, z, mixture, routines, false, true, T, beta, x, y, K, SL, SV, nullptr},
+      options);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
-                                        const ModelRoutines*, int32_t, double* T, double* x, double* y,
-                                        double* K) {
+                                        const ModelRoutines* routines, int32_t options, double* T, double* x,
+                                        double* y, double* K) {
   return guarded([&]() -> StatusCode {
     const StatusCode bad = first_failure(
         {frame::check_specified(W), frame::check_pressure(P), check_flash(z, mixture, T, x, y, K)});
-    return bad != KV_OK ? bad : KV_NOT_AVAILABLE;
+    if (bad != KV_OK) return bad;
+    return flash::quality_flash({flash::Find::temperature, W, P, z, mixture, routines,
+                                 exports::free_water(*mixture), (options & 1) != 0, T, x, y, K});
   });
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLVatWT(double W, double T, const double* z, MixtureRecord* mixture,
-                                        const ModelRoutines*, int32_t, double* P, double* x, double* y,
-                                        double* K) {
+                                        const ModelRoutines* routines, int32_t options, double* P, double* x,
+                                        double* y, double* K) {
   return guarded([&]() -> StatusCode {
     const StatusCode bad = first_failure(
         {frame::check_specified(W), frame::check_temperature(T), check_flash(z, mixture, P, x, y, K)});
-    return bad != KV_OK ? bad : KV_NOT_AVAILABLE;
+    if (bad != KV_OK) return bad;
+    return flash::quality_flash({flash::Find::pressure, W, T, z, mixture, routines,
+                                 exports::free_water(*mixture), (options & 1) != 0, P, x, y, K});
   });
 }

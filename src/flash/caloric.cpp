@@ -1,0 +1,110 @@
+#include "flash/caloric.hpp"
+
+#include <cfloat>
+#include <cmath>
+
+namespace kestrune::flash {
+namespace {
+
+constexpr double kResidualR = eos::kR * eos::kCalPerCm3Atm;  // cal/(mol K), of the residual parts
+
+using MolarRoutine = StatusCode(KV_CALL*)(double, double, const double*, MixtureRecord*, double*);
+
+// The host's routine for the property of a phase, null without one.
+MolarRoutine host_routine(const CaloricModel& c, int phase) {
+  if (c.routines == nullptr) return nullptr;
+  const bool gas = phase == KV_PHASE_GAS;
+  const int entry = c.property == Property::enthalpy
+                        ? (gas ? KV_ROUTINE_GAS_ENTHALPY : KV_ROUTINE_LIQUID_ENTHALPY)
+                        : (gas ? KV_ROUTINE_GAS_ENTROPY : KV_ROUTINE_LIQUID_ENTROPY);
+  return reinterpret_cast<MolarRoutine>(c.routines->entry[entry - 1]);
+}
+
+double quadratic(const eos::Temperature& t, const double* matrix, const double* x) {
+  double sum = 0.0;
+  for (int j = 0; j < t.n; ++j) {
+    const double* column = matrix + static_cast<std::size_t>(j) * t.ld;
+    double s = 0.0;
+    for (int i = 0; i < t.n; ++i) s += x[i] * column[i];
+    sum += x[j] * s;
+  }
+  return sum;
+}
+
+}  // namespace
+
+bool CaloricModel::analytic() const {
+  if (free_water || eos::water_ammonia_pair(*mixture, z)) return false;
+  return routines == nullptr ||
+         (routines->entry[KV_ROUTINE_FUGACITY - 1] == nullptr && host_routine(*this, KV_PHASE_GAS) == nullptr &&
+          host_routine(*this, KV_PHASE_LIQUID) == nullptr);
+}
+
+void open_caloric(support::Arena& arena, CaloricModel& c) {
+  const int ld = support::padded(c.mixture->count);
+  c.arena = &arena;
+  for (double** a : {&c.s, &c.s_t, &c.row}) *a = arena.zeros(ld);
+}
+
+StatusCode prepare_caloric(CaloricModel& c, double T) {
+  if (T == c.prepared) return KV_OK;
+  c.arena->rewind(c.base);
+  c.prepared = 0.0;
+  const unsigned parts = (c.property == Property::enthalpy ? eos::kIdealH : eos::kIdealS) | eos::kIdealCp;
+  StatusCode status = eos::ideal_gas(T, *c.mixture, c.z, parts, *c.arena, c.ideal);
+  if (!eos::has_values(status)) return status;
+  status = eos::prepare(T, *c.mixture, frame::state().group_data, 2, *c.arena, c.t);
+  if (status == KV_OK) c.prepared = T;
+  return status;
+}
+
+bool phase_caloric(CaloricModel& c, const double* x, Kind kind, PhaseCaloric& out) {
+  const eos::Temperature& t = c.t;
+  const double T = t.T, rt = eos::kR * T;
+  const eos::Mixture m = eos::mix(t, x, c.s);
+  eos::Root r;
+  if (kind == Kind::stable) {
+    if (eos::stable_root(t, frame::tools::bracub(), m, c.P, out.Z, r) > 50) return false;
+    out.Z = r.Z;
+  } else {
+    const int phase = kind == Kind::liquid ? KV_PHASE_LIQUID : KV_PHASE_GAS;
+    if (eos::solve_root(frame::tools::bracub(), m.a * c.P / (rt * rt), m.b * c.P / rt, phase, out.Z > 0.0,
+                        out.Z) > 50)
+      return false;
+    eos::reduce(t, m, c.P, out.Z, r);
+  }
+  const eos::Mechanics k = eos::mechanics(t, m, r);
+  eos::ln_phi(t, m, r, c.s, out.ln_phi);
+  const double a_t = eos::dln_phi_dT(t, m, r, k, x, c.s, c.s_t, out.dln_phi_dT);
+  if (out.dn != nullptr) eos::dln_phi_dn(t, m, r, k, c.s, out.dn, t.ld, t.ld, true);
+  // Cp by way of Cv: Cp_res = Cv_res + R (L^2/K - 1).
+  const double a_tt = quadratic(t, t.aij_tt, x);
+  const eos::Slopes slopes = eos::slopes(m.a / m.b, a_t / m.b, m.b, T, r.eta);
+  const double Cp_res =
+      (T * a_tt / m.b * r.phi) * eos::kCalPerCm3Atm + kResidualR * (slopes.L * slopes.L / slopes.K - 1.0);
+  out.Cp = eos::ideal_heat_capacity(t.n, x, c.ideal) + Cp_res;
+  if (c.property == Property::enthalpy) {
+    const double H_res = (-(m.a - T * a_t) / m.b * r.phi + rt * r.z_minus_1) * eos::kCalPerCm3Atm;
+    out.value = eos::ideal_enthalpy(t.n, x, c.ideal) + H_res;
+    out.slope = out.Cp;
+  } else {
+    const double S_res = (a_t / m.b * r.phi + eos::kR * r.log_z_minus_B) * eos::kCalPerCm3Atm;
+    out.value = eos::ideal_entropy(t.n, x, c.P, c.ideal) + S_res;
+    out.slope = out.Cp / T;
+  }
+  return std::fabs(out.value) <= DBL_MAX && out.slope > 0.0 && out.slope <= DBL_MAX;
+}
+
+StatusCode phase_value(const CaloricModel& c, double T, const double* x, int phase, double& value) {
+  if (const MolarRoutine routine = host_routine(c, phase)) {
+    const StatusCode status = routine(T, c.P, x, c.mixture, &value);
+    return eos::has_values(status) ? StatusCode{KV_OK} : status;
+  }
+  eos::Caloric both;
+  const bool H = c.property == Property::enthalpy;
+  const StatusCode status = eos::enthalpy_and_entropy({T, c.P, x, phase, c.mixture}, H, !H, both);
+  value = H ? both.H : both.S;
+  return eos::has_values(status) ? StatusCode{KV_OK} : status;
+}
+
+}  // namespace kestrune::flash

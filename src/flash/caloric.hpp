@@ -1,0 +1,56 @@
+// Enthalpy or entropy of phases inside a flash: one temperature prepared once for both phases, with the slopes
+// that the outer iteration needs; or the routines of a host and the rules of free water, without slopes.
+#ifndef KESTRUNE_FLASH_CALORIC_HPP
+#define KESTRUNE_FLASH_CALORIC_HPP
+
+#include "eos/properties.hpp"
+#include "flash/fugacity.hpp"
+
+namespace kestrune::flash {
+
+enum class Property { enthalpy, entropy };
+
+// Of one phase. Units: cal/mol, cal/(mol K); the slope is that at constant pressure and composition.
+struct PhaseCaloric {
+  double value = 0.0, slope = 0.0;
+  double Cp = 0.0;  // cal/(mol K)
+  double Z = 0.0;
+  double* ln_phi = nullptr;      // [ld]
+  double* dln_phi_dT = nullptr;  // [ld] 1/K
+  double* dn = nullptr;          // [ld * n], may be null: not wanted
+};
+
+/* What the phases of one flash share at a temperature. */
+struct CaloricModel {
+  Property property = Property::enthalpy;
+  double P = 0.0;
+  const double* z = nullptr;  // [ld] feed: the components that are present
+  MixtureRecord* mixture = nullptr;
+  const ModelRoutines* routines = nullptr;
+  bool free_water = false;
+  support::Arena* arena = nullptr;
+  support::Arena::Mark base{};
+  double prepared = 0.0;  // temperature of t and ideal
+  eos::Temperature t;     // with second derivatives
+  eos::IdealGas ideal;
+  double *s, *s_t, *row;  // [ld] work
+
+  /* Slopes are there: the built-in equation, no free water, no routine of the host. */
+  bool analytic() const;
+};
+
+void open_caloric(support::Arena& arena, CaloricModel& c);
+
+/* Prepares T. KV_OK, also where a heat capacity is continued beyond its range; or why there are no values. */
+StatusCode prepare_caloric(CaloricModel& c, double T);
+
+/* Value and slopes of a phase of composition x[ld] at the prepared temperature. False: no usable root. */
+bool phase_caloric(CaloricModel& c, const double* x, Kind kind, PhaseCaloric& out);
+
+/* The value alone at any temperature, by the host's routine where there is one, with free water where it is on.
+ */
+StatusCode phase_value(const CaloricModel& c, double T, const double* x, int phase, double& value);
+
+}  // namespace kestrune::flash
+
+#endif

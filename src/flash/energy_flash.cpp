@@ -1,0 +1,428 @@
+// The main solver. An isothermal flash says which phases there are at a temperature; Newton's method at these
+// phases says where the value would be reached; and the stability test says whether they are still the right
+// ones there. Every isothermal flash closes the bracket around the temperature, since the value rises with it.
+
+#include "flash/energy_flash.hpp"
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+
+#include "flash/energy_state.hpp"
+#include "flash/pure_saturation.hpp"
+#include "flash/quality_flash.hpp"
+#include "flash/settings.hpp"
+#include "flash/trace_flash.hpp"
+
+namespace kestrune::flash {
+namespace {
+
+constexpr double kDefaultTemperature = 298.15;
+constexpr double kPlausibleLow = 60.0, kPlausibleHigh = 2000.0;  // estimates outside are not started from
+constexpr int kMostFlashes = 60, kSecantFrom = 6;
+constexpr double kReached = 1e-10;  // relative change of T that is left
+// A bracket of this relative width across which the value jumps by more than this part of R T (or R) is a
+// region that T cannot resolve; one of the smaller width is an answer.
+constexpr double kNearlyIsothermal = 1e-8, kJump = 1e-4, kSameTemperature = 1e-12;
+constexpr double kLimitReached = 100.0;
+constexpr StatusCode kNotApplicable = -1;
+
+void take_state(support::Arena& arena, int ld, EnergyState& s) {
+  for (double** a : {&s.x, &s.y, &s.K}) *a = arena.zeros(ld);
+}
+
+void copy_state(const Energy& e, const EnergyState& from, EnergyState& to) {
+  double *const x = to.x, *const y = to.y, *const K = to.K;
+  std::copy_n(from.x, e.ld, x);
+  std::copy_n(from.y, e.ld, y);
+  std::copy_n(from.K, e.ld, K);
+  to = from;
+  to.x = x;
+  to.y = y;
+  to.K = K;
+}
+
+IsothermalCall isothermal_call(Energy& e, EnergyState& s) {
+  IsothermalCall c;
+  c.T = s.T;
+  c.P = e.call.P;
+  c.z = e.z;
+  c.mixture = &e.silent;
+  c.routines = e.call.routines;
+  c.free_water = e.call.free_water;
+  c.beta = &s.beta;
+  c.x = s.x;
+  c.y = s.y;
+  c.K = s.K;
+  return c;
+}
+
+// How close T is to where it belongs, by the slope or the bracket.
+bool reached(const Energy& e, const EnergyState& s) {
+  const double f = std::fabs(e.f(s));
+  if (s.slope > 0.0) return f <= kReached * s.T * s.slope;
+  const double size = std::max(std::fabs(e.call.wanted), 1.0);
+  return f <= 1e-11 * size;
+}
+
+// Two phases found by Newton: K and stability.
+bool accept_two_phases(Energy& e, EnergyState& s) {
+  for (int i = 0; i < e.n; ++i) {
+    const double d = e.a.ln_phi[i] - e.b.ln_phi[i];
+    s.K[i] =
+        s.x[i] > 0.0 && s.y[i] > 0.0 ? s.y[i] / s.x[i] : std::exp(std::clamp(d, -kLargestLogK, kLargestLogK));
+    s.K[i] = std::clamp(s.K[i], kSmallestK, kLargestK);
+  }
+  if (lighter(*e.call.mixture, s.x, e.a.Z, s.y, e.b.Z)) return false;
+  bool stable = true;
+  e.status = answer_stability(isothermal_call(e, s), stable);
+  return e.status == KV_OK && stable && evaluate_state(e, s);
+}
+
+// Where to look next when Newton has no answer within the bracket.
+double next_temperature(const Energy& e, const EnergyState& s) {
+  const EnergyBracket& b = e.bracket;
+  if (b.closed()) {
+    const double T = b.secant();
+    return e.flashes % 8 == 7 || !b.inside(T) ? 0.5 * (b.low + b.high) : T;
+  }
+  const double f = e.f(s);
+  double T = s.slope > 0.0 ? s.T - f / s.slope : f < 0.0 ? s.T * 1.3 : s.T / 1.3;
+  T = std::clamp(T, s.T / 1.5, s.T * 1.5);
+  return std::clamp(T, kColdest, kHottest);
+}
+
+// Temperature hardly changes while the value crosses: the vapour fraction is the unknown.
+StatusCode solve_for_fraction(Energy& e) {
+  const EnergyBracket& b = e.bracket;
+  EnergyState& s = e.state;
+  double low = 0.0, high = 1.0, W = std::clamp(-b.f_low / (b.f_high - b.f_low), 0.0, 1.0);
+  for (int k = 0; k < 60; ++k) {
+    QualityCall q;
+    q.W = W;
+    q.given = e.call.P;
+    q.z = e.z;
+    q.mixture = &e.silent;
+    q.routines = e.call.routines;
+    q.free_water = e.call.free_water;
+    q.cold = k == 0;
+    double T = 0.5 * (b.low + b.high);
+    q.unknown = &T;
+    q.x = s.x;
+    q.y = s.y;
+    q.K = s.K;
+    const StatusCode status = quality_flash(q);
+    if (status != KV_OK) return KV_NOT_CONVERGED;
+    s.T = T;
+    s.beta = W;
+    if (!evaluate_state(e, s)) return e.status;
+    const double f = e.f(s), range = s.vapour - s.liquid;
+    if (std::fabs(f) <= 1e-12 * std::max(std::fabs(e.call.wanted), std::fabs(range))) return KV_OK;
+    (f < 0.0 ? low : high) = W;
+    double next = W - f / range;
+    if (!(next > low && next < high)) next = 0.5 * (low + high);
+    if (std::fabs(next - W) < 1e-14) return KV_OK;
+    W = next;
+  }
+  return KV_NOT_CONVERGED;
+}
+
+// Newton at the phases that the state has. True: the state is the answer.
+bool solve_locally(Energy& e) {
+  if (!e.model.analytic()) return false;
+  EnergyState& s = e.spare;
+  copy_state(e, e.state, s);
+  if (s.two_phases()) {
+    const Local local = solve_two_phases(e, s);
+    if (local == Local::converged && e.bracket.inside(s.T) && accept_two_phases(e, s)) {
+      copy_state(e, s, e.state);
+      return true;
+    }
+    if (local == Local::failed && e.status != KV_OK) return false;
+    s.T = local == Local::vanished ? s.T : e.state.T;
+  }
+  // One phase, or two of which one vanishes: where would the feed as one phase have the value?
+  if (solve_one_phase(e, s) == Local::converged && e.bracket.inside(s.T)) {
+    if (!equilibrium_at(e, s.T, false, s)) return false;
+    copy_state(e, s, e.state);
+    return reached(e, e.state);
+  }
+  return false;
+}
+
+// An answer by the bracket alone: a jump that the vapour fraction resolves, or no width left. False: go on.
+bool ended_by_bracket(Energy& e, StatusCode& status) {
+  const EnergyBracket& b = e.bracket;
+  if (!b.closed()) return false;
+  const double unit = eos::kCalR * (e.call.property == Property::enthalpy ? b.high : 1.0);
+  const double width = b.high - b.low;
+  if (width <= kNearlyIsothermal * b.high && b.f_high - b.f_low > kJump * unit) {
+    status = solve_for_fraction(e);
+    return true;
+  }
+  if (width > kSameTemperature * b.high) return false;
+  status = KV_OK;
+  return true;
+}
+
+StatusCode iterate(Energy& e) {
+  if (!equilibrium_at(e, e.start_T, !e.call.cold, e.state) &&
+      (e.start_T == kDefaultTemperature || !equilibrium_at(e, kDefaultTemperature, false, e.state)))
+    return e.status;
+  StatusCode status = KV_OK;
+  while (e.flashes < kMostFlashes) {
+    trace_energy_pass(e.trace, e.call, e.state.T, e.state.beta, e.state.liquid, e.state.vapour);
+    if (reached(e, e.state)) return KV_OK;
+    e.bracket.add(e.state.T, e.f(e.state));
+    if (ended_by_bracket(e, status)) return status;
+    const int before = e.flashes;
+    if (solve_locally(e)) return KV_OK;
+    if (e.status != KV_OK && e.status != KV_NOT_FINITE) return e.status;
+    if (e.flashes != before && e.flashes < kSecantFrom) continue;  // a new state was looked at
+    if (e.flashes != before) e.bracket.add(e.state.T, e.f(e.state));
+    const double T = next_temperature(e, e.state);
+    if (T == e.state.T && !e.bracket.closed()) {  // an end of the range
+      e.limit = e.f(e.state) < 0.0 ? kLimitReached : -kLimitReached;
+      return KV_NOT_CONVERGED;
+    }
+    if (!equilibrium_at(e, T, false, e.state))
+      return e.status == KV_OK ? StatusCode{KV_NOT_CONVERGED} : e.status;
+  }
+  return KV_NOT_CONVERGED;
+}
+
+// A phase of a single component: temperature within the bounds at which it has the value.
+StatusCode solve_pure_phase(Energy& e, Kind kind, double low, double high) {
+  const int phase = kind == Kind::liquid ? KV_PHASE_LIQUID : KV_PHASE_GAS;
+  EnergyState& s = e.state;
+  EnergyBracket b;
+  b.low = low;
+  b.high = high;
+  double T = std::clamp(e.start_T, low, high);
+  for (int k = 0; k < 200; ++k) {
+    double slope = 0.0;
+    if (e.model.analytic()) {
+      e.status = prepare_caloric(e.model, T);
+      if (e.status != KV_OK) return e.status;
+      e.b.dn = nullptr;
+      e.b.Z = 0.0;
+      if (!phase_caloric(e.model, e.z, kind, e.b)) return KV_NOT_FINITE;
+      s.value = e.b.value;
+      slope = e.b.slope;
+    } else {
+      e.status = phase_value(e.model, T, e.z, phase, s.value);
+      if (e.status != KV_OK) return e.status;
+    }
+    ++e.passes;
+    s.T = T;
+    (kind == Kind::liquid ? s.liquid : s.vapour) = s.value;
+    const double f = e.f(s);
+    b.add(T, f);
+    if (f == 0.0 || (slope > 0.0 && std::fabs(f) <= kReached * 1e-2 * T * slope)) return KV_OK;
+    if (b.closed() && b.high - b.low <= 1e-14 * b.high) return KV_OK;
+    double next = slope > 0.0 ? T - f / slope : b.closed() ? b.secant() : f < 0.0 ? 1.2 * T : T / 1.2;
+    next = std::clamp(next, std::max(T / 2.0, low), std::min(T * 2.0, high));
+    if (!b.inside(next) && b.closed()) next = 0.5 * (b.low + b.high);
+    if (next == T) {
+      e.limit = T > 0.5 * (kColdest + kHottest) || T == high ? kLimitReached : -kLimitReached;
+      return slope > 0.0 && std::fabs(f) <= 1e-9 * T * slope ? KV_OK : KV_NOT_CONVERGED;
+    }
+    T = next;
+  }
+  return KV_NOT_CONVERGED;
+}
+
+// Phases of the feed as such: both have its composition.
+void fill_pure(Energy& e, double beta, const double* log_k) {
+  EnergyState& s = e.state;
+  s.beta = beta;
+  std::copy_n(e.z, e.ld, s.x);
+  std::copy_n(e.z, e.ld, s.y);
+  for (int i = 0; i < e.n; ++i) s.K[i] = log_k == nullptr ? 1.0 : std::exp(log_k[i]);
+}
+
+/*
+ * Single component: saturation by equal fugacities, the lever rule between the two values, else one phase.
+ * Returns -1 when it cannot say.
+ */
+StatusCode solve_single_component(Energy& e, int j, support::Arena& arena) {
+  QualityLine line;
+  line.mixture = &e.silent;
+  line.routines = e.call.routines;
+  line.free_water = e.call.free_water;
+  line.z = e.z;
+  open_line(arena, line);
+  LinePoint p;
+  take_point(arena, line, p);
+  seal_line(line);
+  p.X[line.P_index()] = std::log(e.call.P);
+  const StatusCode saturated = pure_saturation(line, p, j, line.T_index());
+  if (saturated != KV_OK && saturated != KV_NO_SATURATION) return kNotApplicable;
+  e.model.base = arena.mark();
+  e.model.prepared = 0.0;
+  EnergyState& s = e.state;
+  if (saturated == KV_NO_SATURATION) {
+    const StatusCode status = solve_pure_phase(e, Kind::stable, kColdest, kHottest);
+    if (status != KV_OK) return status;
+    IsothermalCall c = isothermal_call(e, s);  // only for its name
+    const StatusCode named = isothermal_flash(c);
+    if (named != KV_SINGLE_PHASE && named != KV_OK) return named;
+    fill_pure(e, s.beta >= 0.5 ? 1.0 : 0.0, nullptr);
+    s.liquid = s.beta == 0.0 ? s.value : 0.0;
+    s.vapour = s.beta == 1.0 ? s.value : 0.0;
+    return KV_OK;
+  }
+  s.T = temperature(line, p);
+  fill_pure(e, 0.5, p.X);
+  if (!evaluate_state(e, s)) return e.status;
+  const double range = s.vapour - s.liquid, over = e.call.wanted - s.liquid;
+  if (over >= 0.0 && over <= range) {
+    s.beta = over / range;
+    s.value = e.call.wanted;
+    if (s.beta == 0.0) s.vapour = 0.0;
+    if (s.beta == 1.0) s.liquid = 0.0;
+    return KV_OK;
+  }
+  const double Ts = s.T;
+  const bool liquid = over < 0.0;
+  s.liquid = s.vapour = 0.0;
+  const StatusCode status =
+      liquid ? solve_pure_phase(e, Kind::liquid, kColdest, Ts) : solve_pure_phase(e, Kind::gas, Ts, kHottest);
+  fill_pure(e, liquid ? 0.0 : 1.0, p.X);
+  return status;
+}
+
+StatusCode write_state(Energy& e, StatusCode status) {
+  const EnergyCall& c = e.call;
+  const EnergyState& s = e.state;
+  *c.T = s.T;
+  *c.beta = s.beta;
+  for (int i = 0; i < e.n; ++i) {
+    c.x[i] = s.x[i];
+    c.y[i] = s.y[i];
+    c.K[i] = s.K[i];
+  }
+  *c.liquid = s.beta < 1.0 ? s.liquid : 0.0;
+  *c.vapour = s.beta > 0.0 ? s.vapour : 0.0;
+  trace_energy_result(e.trace, c);
+  return status;
+}
+
+bool plausible(double T) {
+  return T >= kPlausibleLow && T <= kPlausibleHigh;
+}
+
+// The driver: single component, main solver, search.
+StatusCode drive(Energy& e, support::Arena& arena) {
+  const EnergyCall& c = e.call;
+  if (*c.T == 0.0) *c.T = kDefaultTemperature;
+  e.start_T = plausible(*c.T) ? *c.T : kDefaultTemperature;
+  trace_energy_header(e.trace, c, copy_settings(*c.mixture), lowest_temperature(*c.mixture));
+  e.state.T = e.start_T;
+  if (!c.cold) {
+    e.state.beta = *c.beta;
+    for (int i = 0; i < e.n; ++i) {
+      e.state.x[i] = c.x[i];
+      e.state.y[i] = c.y[i];
+      e.state.K[i] = c.K[i];
+    }
+    copy_state(e, e.state, e.spare);
+  }
+  const int j = single_component(e.n, e.z, pure_tolerance(*c.mixture));
+  if (j >= 0) {
+    const StatusCode status = solve_single_component(e, j, arena);
+    if (status != kNotApplicable) return write_state(e, status);
+  }
+  EnergyState saved = e.saved;
+  if (!c.cold) copy_state(e, e.state, saved);
+  StatusCode status = iterate(e);
+  const bool search = (status == KV_SINGLE_PHASE || status == KV_NOT_CONVERGED || status == KV_DAMPING) &&
+                      std::fabs(e.limit) != kLimitReached;
+  if (!search) return write_state(e, status);
+  *c.T = e.state.T;
+  if (!c.cold) {
+    const double T = e.state.T;
+    copy_state(e, saved, e.state);
+    e.state.T = T;
+  }
+  status = search_temperature(e, !c.cold);
+  e.state.T = *c.T;
+  return write_state(e, status);
+}
+
+StatusCode set_up(const EnergyCall& call, support::Arena& arena) {
+  const Settings settings = copy_settings(*call.mixture);
+  support::TraceWriter trace(settings.trace, settings.trace_unit);
+  CaloricModel model;
+  model.property = call.property;
+  model.P = call.P;
+  model.mixture = call.mixture;
+  model.routines = call.routines;
+  model.free_water = call.free_water;
+  Energy e(call, model, trace);
+  e.n = call.mixture->count;
+  e.ld = support::padded(e.n);
+  e.silent = *call.mixture;
+  e.silent.trace_flag = 0;
+  double* z = arena.zeros(e.ld);
+  double sum = 0.0;
+  for (int i = 0; i < e.n; ++i) sum += call.z[i];
+  if (!(sum <= DBL_MAX)) return KV_COMPOSITION;
+  for (int i = 0; i < e.n; ++i) z[i] = call.z[i] / sum;
+  e.z = model.z = z;
+  for (EnergyState* s : {&e.state, &e.spare, &e.saved}) take_state(arena, e.ld, *s);
+  for (double** a : {&e.l, &e.v, &e.scale, &e.g, &e.w, &e.jg, &e.jw, &e.a.ln_phi, &e.a.dln_phi_dT, &e.b.ln_phi,
+                     &e.b.dln_phi_dT})
+    *a = arena.zeros(e.ld);
+  const std::size_t square = static_cast<std::size_t>(e.ld) * e.n;
+  for (double** a : {&e.a_dn, &e.b_dn, &e.system}) *a = arena.take(square);
+  open_caloric(arena, model);
+  model.base = arena.mark();
+  const StatusCode status = drive(e, arena);
+  if (call.flashes != nullptr) *call.flashes = e.flashes;
+  return status;
+}
+
+}  // namespace
+
+bool evaluate_state(Energy& e, EnergyState& s) {
+  s.liquid = s.vapour = s.slope = 0.0;
+  const bool liquid = s.beta<1.0, vapour = s.beta> 0.0;
+  const double* x = s.beta > 0.0 ? s.x : e.z;
+  const double* y = s.beta < 1.0 ? s.y : e.z;
+  if (!e.model.analytic()) {
+    if (liquid) e.status = phase_value(e.model, s.T, x, KV_PHASE_LIQUID, s.liquid);
+    if (vapour && e.status == KV_OK) e.status = phase_value(e.model, s.T, y, KV_PHASE_GAS, s.vapour);
+  } else {
+    e.status = prepare_caloric(e.model, s.T);
+    if (e.status != KV_OK) return false;
+    e.a.dn = e.b.dn = nullptr;
+    e.a.Z = e.b.Z = 0.0;
+    if (liquid && !phase_caloric(e.model, x, Kind::stable, e.a)) e.status = KV_NOT_FINITE;
+    if (vapour && !phase_caloric(e.model, y, Kind::stable, e.b)) e.status = KV_NOT_FINITE;
+    s.liquid = liquid ? e.a.value : 0.0;
+    s.vapour = vapour ? e.b.value : 0.0;
+    if (liquid != vapour) s.slope = liquid ? e.a.slope : e.b.slope;
+  }
+  s.value = (liquid ? (1.0 - s.beta) * s.liquid : 0.0) + (vapour ? s.beta * s.vapour : 0.0);
+  return e.status == KV_OK && std::fabs(s.value) <= DBL_MAX;
+}
+
+bool equilibrium_at(Energy& e, double T, bool warm, EnergyState& s) {
+  s.T = T;
+  IsothermalCall c = isothermal_call(e, s);
+  c.start = warm ? Start::warm : Start::cold;
+  c.index = warm ? 0 : 1;
+  ++e.flashes;
+  s.status = isothermal_flash(c);
+  if (s.status == KV_SINGLE_PHASE) s.status = KV_OK;
+  e.status = s.status;
+  return s.status == KV_OK && evaluate_state(e, s);
+}
+
+StatusCode energy_flash(const EnergyCall& call) {
+  return support::with_arena<12, 220>(call.mixture->count,
+                                      [&](support::Arena& arena) { return set_up(call, arena); });
+}
+
+}  // namespace kestrune::flash

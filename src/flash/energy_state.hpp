@@ -1,0 +1,101 @@
+// One flash at enthalpy or entropy under way: what its named steps share. Private to these flashes.
+#ifndef KESTRUNE_FLASH_ENERGY_STATE_HPP
+#define KESTRUNE_FLASH_ENERGY_STATE_HPP
+
+#include "flash/energy_flash.hpp"
+#include "flash/isothermal.hpp"
+#include "support/trace.hpp"
+
+namespace kestrune::flash {
+
+inline constexpr double kColdest = 3.0, kHottest = 10000.0;  // K, the range that is searched
+
+// The equilibrium at one temperature. Arrays [ld].
+struct EnergyState {
+  double T = 0.0, beta = 0.0;
+  double *x = nullptr, *y = nullptr, *K = nullptr;
+  double liquid = 0.0, vapour = 0.0;  // values of the phases, 0 for one that is absent
+  double value = 0.0;                 // of the whole
+  double slope = 0.0;                 // d value/dT along the equilibrium where it is known, else 0
+  StatusCode status = KV_OK;          // of the isothermal flash, 95 as KV_OK
+  bool two_phases() const { return beta > 0.0 && beta < 1.0; }
+};
+
+// Temperatures between which the value is crossed. The weights are those of the Illinois rule: an end that
+// stays twice counts half.
+struct EnergyBracket {
+  double low = kColdest, high = kHottest;
+  double f_low = 0.0, f_high = 0.0;
+  double weight_low = 1.0, weight_high = 1.0;
+  bool have_low = false, have_high = false;
+  int side = 0;
+
+  void add(double T, double f) {
+    if (f < 0.0 && (!have_low || T > low)) {
+      low = T;
+      f_low = f;
+      have_low = true;
+      weight_low = 1.0;
+      if (side == -1) weight_high *= 0.5;
+      side = -1;
+    } else if (f > 0.0 && (!have_high || T < high)) {
+      high = T;
+      f_high = f;
+      have_high = true;
+      weight_high = 1.0;
+      if (side == 1) weight_low *= 0.5;
+      side = 1;
+    }
+  }
+  bool closed() const { return have_low && have_high; }
+  bool inside(double T) const { return T > low && T < high; }
+  double secant() const {
+    const double a = weight_low * f_low, b = weight_high * f_high;
+    return low - a * (high - low) / (b - a);
+  }
+};
+
+struct Energy {
+  Energy(const EnergyCall& c, CaloricModel& m, support::TraceWriter& t) : call(c), model(m), trace(t) {}
+  const EnergyCall& call;
+  CaloricModel& model;
+  support::TraceWriter& trace;
+  const double* z = nullptr;  // [ld], sum 1
+  int n = 0, ld = 0;
+  MixtureRecord silent;  // the record without its trace, for the flashes inside
+  EnergyState state, spare, saved;
+  EnergyBracket bracket;
+  double start_T = 0.0;
+  double limit = 0.0;  // +100, -100: the value lies beyond the highest, lowest temperature
+  int flashes = 0, passes = 0;
+  StatusCode status = KV_OK;
+  // Work of the Newton steps.
+  PhaseCaloric a, b;
+  double *l = nullptr, *v = nullptr, *scale = nullptr, *g = nullptr, *w = nullptr, *jg = nullptr,
+         *jw = nullptr;                                        // [ld]
+  double *a_dn = nullptr, *b_dn = nullptr, *system = nullptr;  // [ld * n]
+
+  double f(const EnergyState& s) const { return s.value - call.wanted; }
+};
+
+/* The equilibrium at T into s; warm: s holds the start. False: e.status, nothing usable. */
+bool equilibrium_at(Energy& e, double T, bool warm, EnergyState& s);
+
+/* Values of the phases of s at s.T from its compositions. False: e.status. */
+bool evaluate_state(Energy& e, EnergyState& s);
+
+enum class Local {
+  converged,
+  vanished,  // a phase is about to vanish; s.T is where
+  failed
+};
+/* Newton at the phases that s has: temperature, and amounts of two phases. On converged s is that state. */
+Local solve_one_phase(Energy& e, EnergyState& s);
+Local solve_two_phases(Energy& e, EnergyState& s);
+
+/* The search by repeated isothermal flashes with forward differences, from *call.T. */
+StatusCode search_temperature(Energy& e, bool warm);
+
+}  // namespace kestrune::flash
+
+#endif

@@ -1,0 +1,202 @@
+// Following a line of constant vapour fraction [Mic80]: each point starts from the cubic through the last two,
+// and the unknown that changes most is the one specified. Extremes of the target are looked for between points,
+// so that the first time that it takes the value is not missed.
+
+#include <algorithm>
+#include <cmath>
+
+#include "flash/quality_line.hpp"
+
+namespace kestrune::flash {
+namespace {
+
+constexpr int kMostPoints = 250, kNewtonLimit = 12;
+constexpr double kFirstStep = 0.1, kSmallestStep = 1e-6;
+constexpr double kMostLogK = 0.8, kMostLogT = 0.05, kMostLogP = 0.6;  // change in one step
+constexpr double kBesideCritical = 0.02;  // no point within this of ln K = 0 of the specified component
+constexpr double kTop = 9.0;              // ln P: 8000 atm
+constexpr double kColdest = 3.0;          // ln T: 20 K
+
+// Cubic through two points with their slopes, at a part t of the way from a to b (t > 1: beyond).
+struct Cubic {
+  double c0, c1, c2, c3;
+  double at(double t) const { return c0 + t * (c1 + t * (c2 + t * c3)); }
+  double slope(double t) const { return c1 + t * (2.0 * c2 + t * 3.0 * c3); }
+};
+Cubic cubic(double a, double slope_a, double b, double slope_b) {
+  return {a, slope_a, 3.0 * (b - a) - 2.0 * slope_a - slope_b, 2.0 * (a - b) + slope_a + slope_b};
+}
+
+// Unknown i between the points, in parts of the step of the unknown spec.
+Cubic between(const LinePoint& a, const LinePoint& b, int i, int spec) {
+  const double h = b.X[spec] - a.X[spec];
+  return cubic(a.X[i], h * a.slope[i] / a.slope[spec], b.X[i], h * b.slope[i] / b.slope[spec]);
+}
+
+int most_sensitive(const QualityLine& line, const LinePoint& p) {
+  int best = line.T_index();
+  double most = 4.0 * std::fabs(p.slope[best]);
+  for (int i = 0; i < line.n + 2; ++i) {
+    if (i < line.n && !(line.z[i] > 0.0 && std::fabs(p.X[i]) < kLargestLogK)) continue;
+    const double change = std::fabs(p.slope[i]);
+    if (change > most) {
+      most = change;
+      best = i;
+    }
+  }
+  return best;
+}
+
+// Largest part of a step that keeps the changes in bounds.
+double bounded(const QualityLine& line, const LinePoint& p, int spec, double step) {
+  double part = 1.0;
+  for (int i = 0; i < line.n + 2; ++i) {
+    if (i < line.n && !(line.z[i] > 0.0)) continue;
+    const double most = i < line.n ? kMostLogK : i == line.T_index() ? kMostLogT : kMostLogP;
+    const double change = std::fabs(step * p.slope[i] / p.slope[spec]);
+    if (change * part > most) part = most / change;
+  }
+  return step * part;
+}
+
+double weight_of_log_k(const QualityLine& line, const LinePoint& p) {
+  double sum = 0.0;
+  for (int i = 0; i < line.n; ++i) sum += line.z[i] * p.X[i] * p.X[i];
+  return sum;
+}
+
+// Whether the phases have changed places between two points: the ln K have opposite signs.
+bool passed_critical(const QualityLine& line, const LinePoint& a, const LinePoint& b) {
+  double sum = 0.0;
+  for (int i = 0; i < line.n; ++i) sum += line.z[i] * a.X[i] * b.X[i];
+  return sum < 0.0;
+}
+
+struct Walk {
+  QualityLine& line;
+  LinePoint &last, &here, &next;
+  int target;
+  double value;
+  StatusCode status = KV_OK;
+};
+
+// The point between a and b where the target has the value, into w.next.
+bool solve_between(Walk& w, const LinePoint& a, const LinePoint& b, int spec) {
+  const int size = w.line.n + 2;
+  const Cubic c = between(a, b, w.target, spec);
+  double low = 0.0, high = 1.0;
+  const bool rising = b.X[w.target] > a.X[w.target];
+  for (int k = 0; k < 60; ++k) {
+    const double middle = 0.5 * (low + high);
+    ((c.at(middle) < w.value) == rising ? low : high) = middle;
+  }
+  for (int i = 0; i < size; ++i) w.next.X[i] = between(a, b, i, spec).at(low);
+  if (solve_point(w.line, w.next, w.target, w.value, kNewtonLimit, true, w.status) == Solved::yes &&
+      !passed_critical(w.line, a, w.next) && weight_of_log_k(w.line, w.next) > 1e-9)
+    return true;
+  // Close to an extreme of the target: by the unknown that changes, halving.
+  low = 0.0;
+  high = 1.0;
+  for (int k = 0; k < 50; ++k) {
+    const double middle = 0.5 * (low + high);
+    for (int i = 0; i < size; ++i) w.next.X[i] = between(a, b, i, spec).at(middle);
+    if (solve_point(w.line, w.next, spec, w.next.X[spec], kNewtonLimit, true, w.status) != Solved::yes)
+      return false;
+    if (std::fabs(w.next.X[w.target] - w.value) < 1e-10) break;
+    ((w.next.X[w.target] < w.value) == rising ? low : high) = middle;
+  }
+  return std::fabs(w.next.X[w.target] - w.value) < 1e-8 && !passed_critical(w.line, a, w.next) &&
+         weight_of_log_k(w.line, w.next) > 1e-9;
+}
+
+bool crossed(const Walk& w, const LinePoint& a, const LinePoint& b) {
+  return (a.X[w.target] - w.value) * (b.X[w.target] - w.value) <= 0.0;
+}
+
+// An extreme of the target between w.here and w.next that reaches the value: solves on its near side.
+bool solve_before_extreme(Walk& w, int spec, LinePoint& extreme, bool& found) {
+  found = false;
+  const Cubic c = between(w.here, w.next, w.target, spec);
+  if (c.slope(0.0) * c.slope(1.0) >= 0.0) return false;
+  double low = 0.0, high = 1.0;
+  for (int k = 0; k < 40; ++k) {
+    const double middle = 0.5 * (low + high);
+    (c.slope(middle) * c.slope(0.0) > 0.0 ? low : high) = middle;
+  }
+  const double reach = c.at(low), side = w.value - w.here.X[w.target];
+  if ((reach - w.here.X[w.target]) * side <= 0.0 ||
+      std::fabs(reach - w.here.X[w.target]) < 0.9 * std::fabs(side))
+    return false;
+  const int size = w.line.n + 2;
+  for (int i = 0; i < size; ++i) extreme.X[i] = between(w.here, w.next, i, spec).at(low);
+  if (solve_point(w.line, extreme, spec, extreme.X[spec], kNewtonLimit, true, w.status) != Solved::yes)
+    return false;
+  if (!crossed(w, w.here, extreme)) return true;
+  LinePoint& store = w.last;  // not needed any more when this succeeds
+  copy_point(w.line, w.next, store);
+  found = solve_between(w, w.here, extreme, spec);
+  if (!found) copy_point(w.line, store, w.next);
+  return true;
+}
+
+}  // namespace
+
+Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, StatusCode& status) {
+  LinePoint last, next, extreme;
+  for (LinePoint* q : {&last, &next, &extreme}) take_point(*line.arena, line, *q);
+  seal_line(line);
+  Walk w{line, last, p, next, target, value};
+  const int size = line.n + 2;
+  line.stable_roots = true;
+  double step = kFirstStep;
+  bool have_last = false;
+  for (int count = 0; count < kMostPoints; ++count) {
+    const int spec = most_sensitive(line, p);
+    // Direction: on from the last point; at first to higher pressure.
+    double sign = 1.0;
+    if (have_last)
+      sign = p.X[spec] >= last.X[spec] ? 1.0 : -1.0;
+    else
+      sign = (p.slope[line.P_index()] / p.slope[spec] > 0.0) ? 1.0 : -1.0;
+    double h = bounded(line, p, spec, sign * step);
+    if (spec < line.n && p.X[spec] * (p.X[spec] + h) < kBesideCritical * kBesideCritical &&
+        std::fabs(p.X[spec] + h) < kBesideCritical && std::fabs(p.X[spec]) > 0.0)
+      h = (p.X[spec] > 0.0 ? -1.0 : 1.0) * kBesideCritical - p.X[spec];  // over the critical point
+    Solved solved = Solved::no;
+    while (std::fabs(h) > kSmallestStep) {
+      for (int i = 0; i < size; ++i) {
+        next.X[i] = p.X[i] + h * p.slope[i] / p.slope[spec];
+        if (have_last && std::fabs(p.X[spec] - last.X[spec]) > 1e-3 * std::fabs(h)) {
+          const double part = 1.0 + h / (p.X[spec] - last.X[spec]);
+          if (part > 1.0 && part < 4.0 && last.slope[spec] != 0.0)
+            next.X[i] = between(last, p, i, spec).at(part);
+        }
+      }
+      solved = solve_point(line, next, spec, p.X[spec] + h, kNewtonLimit, true, status);
+      if (solved == Solved::yes) break;
+      h *= 0.4;
+    }
+    if (solved != Solved::yes) return solved == Solved::model ? solved : Solved::no;
+    bool found = false;
+    if (crossed(w, p, next)) {
+      copy_point(line, next, extreme);
+      if (solve_between(w, p, extreme, spec)) {
+        copy_point(line, next, p);
+        return Solved::yes;
+      }
+      copy_point(line, extreme, next);
+    } else if (solve_before_extreme(w, spec, extreme, found) && found) {
+      copy_point(line, next, p);
+      return Solved::yes;
+    }
+    if (passed_critical(line, p, next)) return Solved::no;
+    if (next.X[line.P_index()] > kTop || next.X[line.T_index()] < kColdest) return Solved::no;
+    step = std::fabs(h) * (next.passes <= 3 ? 1.8 : next.passes <= 4 ? 1.2 : 0.6);
+    copy_point(line, p, last);
+    copy_point(line, next, p);
+    have_last = true;
+  }
+  return Solved::no;
+}
+
+}  // namespace kestrune::flash

@@ -1,0 +1,376 @@
+// The way to a point of given vapour fraction. First with Wilson's coefficients, by bisection; then two
+// substitutions and Newton's method. Where that ends nowhere, on an unstable point or on a branch that is not
+// the first one, the temperature is bisected with the coefficients of the equation of state, and at last the
+// line is followed from low pressure.
+
+#include "flash/quality_flash.hpp"
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+
+#include "flash/isothermal.hpp"
+#include "flash/pure_saturation.hpp"
+#include "flash/quality_line.hpp"
+#include "flash/trace_flash.hpp"
+#include "support/mathkernels.hpp"
+
+namespace kestrune::flash {
+namespace {
+
+constexpr double kDefaultTemperature = 298.15, kDefaultPressure = 1.0;
+constexpr double kWilsonTolerance = 1e-4, kEquationTolerance = 1e-12;  // on F^2
+constexpr double kNoBracketHigh = 10000.0;
+constexpr int kNewtonLimit = 30, kSubstitutions = 2, kRestarts = 3;
+constexpr double kStable = -1e-8;
+constexpr double kOneRoot = 1e-9;  // sum of z (ln K)^2: the phases are one
+constexpr double kLowPressure = 0.5;
+
+struct Quality {
+  Quality(const QualityCall& c, QualityLine& l, const Settings& s, support::TraceWriter& t)
+      : call(c),
+        line(l),
+        settings(s),
+        trace(t),
+        unknown(of_T() ? l.T_index() : l.P_index()),
+        given(of_T() ? l.P_index() : l.T_index()) {}
+
+  const QualityCall& call;
+  QualityLine& line;
+  Settings settings;
+  support::TraceWriter& trace;
+  LinePoint point, other, unstable;
+  bool have_other = false, have_unstable = false;
+  double *wilson_k = nullptr, *trial = nullptr, *spare = nullptr;  // [ld]
+  double start = 0.0;                                              // of the unknown
+  int count = 0;                                                   // evaluations that count against ITEMAX
+  int unknown, given;                                              // indices of the line
+  StatusCode status = KV_OK;
+
+  bool of_T() const { return call.find == Find::temperature; }
+  bool boundary() const { return line.W == 0.0 || line.W == 1.0; }
+};
+
+void set_up_start(Quality& q) {
+  const QualityCall& c = q.call;
+  q.start = *c.unknown;
+  if (!(q.start > 0.0 && q.start <= DBL_MAX)) q.start = q.of_T() ? kDefaultTemperature : kDefaultPressure;
+  if (q.of_T() && q.start < lowest_temperature(*c.mixture)) q.start = kDefaultTemperature;
+  if (c.cold) {
+    q.settings.ITEMAX = q.settings.ITEMAX > 100000000 ? q.settings.ITEMAX : 10 * q.settings.ITEMAX;
+    q.settings.relaxation /= 10.0;
+  }
+  trace_quality_header(q.trace, q.of_T(), q.line.W, c.cold ? 1 : 0, q.settings);
+  trace_quality_start(q.trace, q.of_T(), q.start, c.mixture->count, c.x, c.y);
+}
+
+double F_of(const Quality& q, const double* K) {
+  double F = 0.0;
+  for (int i = 0; i < q.line.n; ++i) F += q.line.z[i] * (1.0 - K[i]) / (1.0 + q.line.W * (K[i] - 1.0));
+  return F;
+}
+
+// Values of the unknown between which F changes its sign, and the next one to look at.
+struct Bracket {
+  double low = 0.0, high = kNoBracketHigh, last = 0.0, last_F = 0.0;
+  bool closed = false, any = false;
+
+  // F > 0: the K-values are too small (T too low, P too high).
+  double next(double value, double F, bool of_T) {
+    if (any && !closed && (F > 0.0) != (last_F > 0.0)) {
+      closed = true;
+      low = std::min(last, value);
+      high = std::max(last, value);
+    } else if (closed) {
+      ((F > 0.0) == of_T ? low : high) = value;
+    }
+    any = true;
+    last = value;
+    last_F = F;
+    if (closed) return 0.5 * (low + high);
+    const double step = of_T ? 1.15 : 3.0;
+    return (F > 0.0) == of_T ? value * step : value / step;
+  }
+};
+
+constexpr double kColdest = 1.0, kHottest = 9000.0, kThinnest = 1e-40, kDensest = 1e5;
+bool within_range(const Quality& q, double value) {
+  return q.of_T() ? value > kColdest && value < kHottest : value > kThinnest && value < kDensest;
+}
+
+// First stage: Wilson's coefficients.
+bool wilson_stage(Quality& q, double& value) {
+  Bracket b;
+  value = q.start;
+  while (q.count++ <= q.settings.ITEMAX) {
+    const double T = q.of_T() ? value : q.call.given, P = q.of_T() ? q.call.given : value;
+    wilson(T, P, *q.call.mixture, q.line.free_water, q.wilson_k, nullptr);
+    const double F = F_of(q, q.wilson_k);
+    if (F * F < kWilsonTolerance) return true;
+    value = b.next(value, F, q.of_T());
+    if (!within_range(q, value) || (b.closed && b.high - b.low < 1e-12 * b.high)) break;
+  }
+  value = std::clamp(value, q.of_T() ? 20.0 : 1e-12, q.of_T() ? 3000.0 : 1000.0);
+  return false;
+}
+
+// Second stage: the equation of state, compositions following the temperature.
+bool equation_stage(Quality& q, double& value) {
+  Bracket b;
+  QualityLine& line = q.line;
+  LinePoint& p = q.point;
+  line.stable_roots = false;
+  while (q.count++ <= q.settings.ITEMAX) {
+    p.X[q.unknown] = std::log(value);
+    if (!compositions(line, p)) return false;
+    q.status = line_model(line, temperature(line, p), pressure(line, p));
+    if (q.status != KV_OK) return false;
+    q.status = k_values(line.m, p.x, p.y, q.spare, {}, line.d_x);
+    if (q.status != KV_OK) return false;
+    double weight = 0.0;
+    for (int i = 0; i < line.n; ++i) {
+      p.X[i] = std::clamp(support::fast_log(q.spare[i]), -kLargestLogK, kLargestLogK);
+      weight += line.z[i] * p.X[i] * p.X[i];
+    }
+    const double F = F_of(q, q.spare);
+    if (weight < kOneRoot) return false;
+    if (F * F < kEquationTolerance) return true;
+    value = b.next(value, F, q.of_T());
+    if (!within_range(q, value)) return false;
+    if (b.closed && b.high - b.low < 1e-10 * b.high) return true;
+  }
+  return true;
+}
+
+void start_from_wilson(Quality& q, double value) {
+  const double T = q.of_T() ? value : q.call.given, P = q.of_T() ? q.call.given : value;
+  wilson(T, P, *q.call.mixture, q.line.free_water, q.wilson_k, nullptr);
+  for (int i = 0; i < q.line.n; ++i) q.point.X[i] = support::fast_log(q.wilson_k[i]);
+  q.point.X[q.unknown] = std::log(value);
+}
+
+// The phase y is the vapour: else the point is one of vapour fraction 1 - W. And no K is at its bound, where it
+// follows no fugacity.
+bool named_rightly(const Quality& q) {
+  for (int i = 0; i < q.line.n; ++i)
+    if (q.line.z[i] > 0.0 && std::fabs(q.point.X[i]) >= kLargestLogK && !q.line.free_water) return false;
+  return q.line.free_water || !lighter(*q.call.mixture, q.point.x, q.point.Zx, q.point.y, q.point.Zy);
+}
+
+// Newton from q.point, after some substitutions. True: converged on two phases.
+bool solve_from_point(Quality& q, int substitutions, bool stable_roots) {
+  QualityLine& line = q.line;
+  q.point.X[q.given] = std::log(q.call.given);
+  line.stable_roots = false;
+  for (int k = 0; k < substitutions; ++k)
+    if (!substitute(line, q.point, q.unknown, q.status)) return false;
+  line.stable_roots = stable_roots;
+  const Solved solved =
+      solve_point(line, q.point, q.given, std::log(q.call.given), kNewtonLimit, false, q.status);
+  return solved == Solved::yes && named_rightly(q);
+}
+
+enum class Verdict { good, unstable, model };
+
+// The stability test of the point, with its answer in the call's arrays: q.trial gets the ln K of what splits
+// off.
+IsothermalCall test_call(Quality& q, MixtureRecord& silent, double& beta, Counts& counts) {
+  silent.trace_flag = 0;
+  IsothermalCall c;
+  c.T = temperature(q.line, q.point);
+  c.P = pressure(q.line, q.point);
+  c.z = q.line.z;
+  c.mixture = &silent;
+  c.routines = q.call.routines;
+  c.beta = &beta;
+  c.counts = &counts;
+  return c;
+}
+
+// A boundary point has a stable feed, a point between two stable phases. On unstable q.trial holds, for a
+// boundary point, the ln K of what splits off.
+Verdict judge(Quality& q) {
+  if (q.line.free_water) return Verdict::good;
+  MixtureRecord silent = *q.call.mixture;
+  double beta = q.line.W, distance = 0.0;
+  Counts counts;
+  IsothermalCall c = test_call(q, silent, beta, counts);
+  bool stable = true;
+  if (q.boundary()) {
+    c.x = c.y = q.spare;
+    c.K = q.trial;
+    q.status = feed_stability(c, distance);
+    stable = distance >= kStable;
+  } else {
+    c.x = q.point.x;
+    c.y = q.point.y;
+    q.status = answer_stability(c, stable);
+  }
+  q.line.m.counts.fugacities += counts.fugacities;
+  if (q.status != KV_OK) return Verdict::model;
+  return stable ? Verdict::good : Verdict::unstable;
+}
+
+// Whether the line still rises in P with T here: the branch that is reached first from low pressure.
+bool rising(const Quality& q) {
+  return q.point.slope[q.line.T_index()] * q.point.slope[q.line.P_index()] > 0.0;
+}
+
+// Solves, and goes on from what splits off where the feed is not stable.
+bool settle(Quality& q, bool solved) {
+  for (int k = 0; k < kRestarts && solved; ++k) {
+    const Verdict verdict = judge(q);
+    if (verdict == Verdict::good) return true;
+    if (verdict == Verdict::model) return false;
+    const double sign = q.line.W == 0.0 ? 1.0 : -1.0;
+    copy_point(q.line, q.point, q.unstable);
+    q.have_unstable = true;
+    if (!q.boundary()) return false;
+    for (int i = 0; i < q.line.n; ++i)
+      q.point.X[i] = std::clamp(sign * q.trial[i], -kLargestLogK, kLargestLogK);
+    solved = solve_from_point(q, k == 0 ? 0 : kSubstitutions, true);
+  }
+  return false;
+}
+
+// A settled point on the branch that is reached first. One on another branch is kept.
+bool first_branch(Quality& q, bool solved) {
+  if (!settle(q, solved)) return false;
+  if (!q.boundary() || rising(q)) return true;
+  copy_point(q.line, q.point, q.other);
+  q.have_other = true;
+  return false;
+}
+
+// From a point of low pressure along the line.
+bool follow_from_low_pressure(Quality& q) {
+  QualityLine& line = q.line;
+  double P = kLowPressure;
+  for (int attempt = 0; attempt < 3; ++attempt, P *= 0.02) {
+    if (q.of_T() && P > 0.5 * q.call.given) P = 0.5 * q.call.given;
+    // A point at this pressure: its temperature by Wilson's coefficients.
+    QualityCall low = q.call;
+    low.find = Find::temperature;
+    low.given = P;
+    Quality at_low(low, line, q.settings, q.trace);
+    at_low.point = q.point;
+    at_low.wilson_k = q.wilson_k;
+    at_low.start = kDefaultTemperature;
+    double value = 0.0;
+    wilson_stage(at_low, value);
+    start_from_wilson(at_low, value);
+    if (!solve_from_point(at_low, kSubstitutions + 2, false)) continue;
+    q.point = at_low.point;
+    if (!q.of_T() && q.point.X[line.T_index()] >= std::log(q.call.given)) continue;
+    const Solved s = follow_line(line, q.point, q.given, std::log(q.call.given), q.status);
+    return s == Solved::yes && named_rightly(q);
+  }
+  return false;
+}
+
+StatusCode write_point(Quality& q, StatusCode status) {
+  const QualityCall& c = q.call;
+  *c.unknown = std::exp(q.point.X[q.unknown]);
+  for (int i = 0; i < q.line.n; ++i) {
+    c.x[i] = q.point.x[i];
+    c.y[i] = q.point.y[i];
+    c.K[i] = support::fast_exp(q.point.X[i]);
+  }
+  return status;
+}
+
+StatusCode solve_pure(Quality& q, int j) {
+  q.point.X[q.given] = std::log(q.call.given);
+  const StatusCode status = pure_saturation(q.line, q.point, j, q.unknown);
+  if (status != KV_OK) return status;
+  std::copy_n(q.line.z, q.line.n, q.point.x);
+  std::copy_n(q.line.z, q.line.n, q.point.y);
+  return write_point(q, KV_OK);
+}
+
+bool usable_estimate(const Quality& q) {
+  const QualityCall& c = q.call;
+  if (c.cold || !(*c.unknown > 0.0 && within_range(q, *c.unknown))) return false;
+  double sx = 0.0, sy = 0.0, difference = 0.0;
+  for (int i = 0; i < q.line.n; ++i) {
+    if (!(c.x[i] >= 0.0 && c.x[i] <= 1.0 + 1e-6 && c.y[i] >= 0.0 && c.y[i] <= 1.0 + 1e-6)) return false;
+    sx += c.x[i];
+    sy += c.y[i];
+    difference = std::max(difference, std::fabs(c.x[i] - c.y[i]));
+  }
+  return std::fabs(sx - 1.0) <= 1e-6 && std::fabs(sy - 1.0) <= 1e-6 && difference > 1e-6;
+}
+
+void start_from_estimate(Quality& q) {
+  const QualityCall& c = q.call;
+  start_from_wilson(q, *c.unknown);
+  for (int i = 0; i < q.line.n; ++i)
+    if (c.x[i] > 0.0 && c.y[i] > 0.0)
+      q.point.X[i] = std::clamp(support::fast_log(c.y[i] / c.x[i]), -kLargestLogK, kLargestLogK);
+}
+
+StatusCode solve(Quality& q) {
+  set_up_start(q);
+  const int j = single_component(q.line.n, q.line.z, pure_tolerance(*q.call.mixture));
+  if (j >= 0) return solve_pure(q, j);
+  if (usable_estimate(q)) {
+    start_from_estimate(q);
+    if (settle(q, solve_from_point(q, 0, true))) return write_point(q, KV_OK);
+  }
+  double value = 0.0;
+  wilson_stage(q, value);
+  start_from_wilson(q, value);
+  if (first_branch(q, solve_from_point(q, kSubstitutions, false))) return write_point(q, KV_OK);
+  if (!q.have_other) {
+    start_from_wilson(q, value);
+    const bool started = equation_stage(q, value);
+    if (first_branch(q, started && solve_from_point(q, 0, true))) return write_point(q, KV_OK);
+  }
+  if (settle(q, follow_from_low_pressure(q))) return write_point(q, KV_OK);
+  if (q.status > KV_STATUS_CALL_BLOCK) return q.status;
+  if (q.have_other) {
+    copy_point(q.line, q.other, q.point);
+    return write_point(q, KV_OK);
+  }
+  if (!q.have_unstable) return KV_NO_SATURATION;
+  copy_point(q.line, q.unstable, q.point);
+  return write_point(q, KV_UNSTABLE_POINT);
+}
+
+StatusCode set_up(const QualityCall& call, support::Arena& arena) {
+  Settings settings = copy_settings(*call.mixture);
+  support::TraceWriter trace(settings.trace, settings.trace_unit);
+  QualityLine line;
+  line.W = std::clamp(call.W, 0.0, 1.0);
+  line.mixture = call.mixture;
+  line.routines = call.routines;
+  line.free_water = call.free_water;
+  line.trace = &trace;
+  open_line(arena, line);
+  Quality q(call, line, settings, trace);
+  line.unknown = q.unknown;
+  double* z = arena.zeros(line.ld);
+  double sum = 0.0;
+  for (int i = 0; i < line.n; ++i) sum += call.z[i];
+  if (!(sum <= DBL_MAX)) return KV_COMPOSITION;
+  for (int i = 0; i < line.n; ++i) z[i] = call.z[i] / sum;
+  line.z = z;
+  for (LinePoint* p : {&q.point, &q.other, &q.unstable}) take_point(arena, line, *p);
+  for (double** a : {&q.wilson_k, &q.trial, &q.spare}) *a = arena.zeros(line.ld);
+  seal_line(line);
+  const StatusCode status = solve(q);
+  if (call.counts != nullptr) {
+    *call.counts = line.m.counts;
+    call.counts->iterations = line.passes;
+  }
+  return status;
+}
+
+}  // namespace
+
+StatusCode quality_flash(const QualityCall& call) {
+  return support::with_arena<8, 160>(call.mixture->count,
+                                     [&](support::Arena& arena) { return set_up(call, arena); });
+}
+
+}  // namespace kestrune::flash

@@ -1,0 +1,258 @@
+#include "flash/quality_line.hpp"
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+
+#include "support/lu.hpp"
+#include "support/mathkernels.hpp"
+
+namespace kestrune::flash {
+namespace {
+
+constexpr double kConverged = 1e-10;
+// A Newton step that is smaller than this leaves errors of its square.
+constexpr double kLastStep = 2e-6;
+constexpr double kLargestLogKStep = 2.5, kLargestLogTStep = 0.12, kLargestLogPStep = 1.2;
+constexpr double kTrivial = 1e-9;  // sum of z (ln K)^2
+constexpr double kLowestT = 1.0, kHighestT = 2e4, kLowestP = 1e-30, kHighestP = 1e6;
+
+// Amounts x_i = z_i/(1 + W (K_i - 1)) and y_i = K_i x_i with their sums.
+void amounts(const QualityLine& line, LinePoint& p, double& sum_x, double& sum_y) {
+  sum_x = sum_y = 0.0;
+  for (int i = 0; i < line.n; ++i) {
+    const double K = support::fast_exp(p.X[i]);
+    p.x[i] = line.z[i] / (1.0 - line.W + line.W * K);
+    p.y[i] = K * p.x[i];
+    sum_x += p.x[i];
+    sum_y += p.y[i];
+  }
+}
+
+struct Sums {
+  double x, y;
+};
+
+// Both phases at the point, normalised, with the derivatives asked for.
+StatusCode evaluate(QualityLine& line, LinePoint& p, bool matrices, Sums& sums) {
+  const double T = temperature(line, p), P = pressure(line, p);
+  StatusCode status = line_model(line, T, P);
+  if (status != KV_OK) return status;
+  amounts(line, p, sums.x, sums.y);
+  if (!(sums.x > 0.0 && sums.x <= DBL_MAX && sums.y > 0.0 && sums.y <= DBL_MAX)) return KV_NOT_FINITE;
+  for (int i = 0; i < line.n; ++i) {
+    p.x[i] /= sums.x;
+    p.y[i] /= sums.y;
+  }
+  ++line.passes;
+  const bool stable = line.stable_roots && !line.free_water;
+  const bool want_x = matrices && line.W > 0.0, want_y = matrices && line.W < 1.0;
+  p.Zx = p.Zy = 0.0;
+  status = water_aware_fugacity(line.m, p.x, stable ? Kind::stable : Kind::liquid, line.phi_x,
+                                {line.t_x, line.p_x, want_x ? line.d_x : nullptr}, p.Zx);
+  if (status != KV_OK) return status;
+  return water_aware_fugacity(line.m, p.y, stable ? Kind::stable : Kind::gas, line.phi_y,
+                              {line.t_y, line.p_y, want_y ? line.d_y : nullptr}, p.Zy);
+}
+
+// Fills the system and its right-hand side -F; returns the largest |F| of components that are present.
+double fill_system(QualityLine& line, const LinePoint& p, const Sums& sums, int spec, double value) {
+  const int n = line.n, size = n + 2;
+  const double T = line.m.T, P = line.m.P, W = line.W;
+  double error = 0.0;
+  std::fill_n(line.system, static_cast<std::size_t>(size) * size, 0.0);
+  for (int j = 0; j < n; ++j) {
+    double* column = line.system + static_cast<std::size_t>(j) * size;
+    const double amount = line.z[j] > 0.0 ? p.x[j] * sums.x * p.y[j] * sums.y / line.z[j] : 0.0;
+    const double gy = (1.0 - W) * amount / sums.y, gx = W * amount / sums.x;
+    if (gy > 0.0) {
+      const double* d = line.d_y + static_cast<std::size_t>(j) * line.ld;
+      for (int i = 0; i < n; ++i) column[i] += gy * d[i];
+    }
+    if (gx > 0.0) {
+      const double* d = line.d_x + static_cast<std::size_t>(j) * line.ld;
+      for (int i = 0; i < n; ++i) column[i] += gx * d[i];
+    }
+    column[j] += 1.0;
+    column[n] = amount;
+  }
+  double* with_T = line.system + static_cast<std::size_t>(n) * size;
+  double* with_P = with_T + size;
+  for (int i = 0; i < n; ++i) {
+    with_T[i] = T * (line.t_y[i] - line.t_x[i]);
+    with_P[i] = P * (line.p_y[i] - line.p_x[i]);
+    const double d = line.phi_x[i] - line.phi_y[i];
+    const double wanted = std::clamp(d, -kLargestLogK, kLargestLogK);
+    if (wanted != d) {  // at its bound: it follows nothing
+      for (int j = 0; j < size; ++j) line.system[static_cast<std::size_t>(j) * size + i] = j == i ? 1.0 : 0.0;
+    }
+    line.step[i] = wanted - p.X[i];
+    if (line.z[i] > 0.0) error = std::max(error, std::fabs(line.step[i]));
+  }
+  line.step[n] = sums.x - sums.y;
+  line.system[static_cast<std::size_t>(spec) * size + n + 1] += 1.0;
+  line.step[n + 1] = value - p.X[spec];
+  return error;
+}
+
+// Part of the step that keeps every unknown within reach.
+double damping(const QualityLine& line) {
+  double factor = 1.0;
+  for (int i = 0; i < line.n; ++i)
+    if (line.z[i] > 0.0) factor = std::min(factor, kLargestLogKStep / std::max(std::fabs(line.step[i]), 1e-30));
+  factor = std::min(factor, kLargestLogTStep / std::max(std::fabs(line.step[line.n]), 1e-30));
+  return std::min(factor, kLargestLogPStep / std::max(std::fabs(line.step[line.n + 1]), 1e-30));
+}
+
+void trace_pass(const QualityLine& line, const LinePoint& p, double factor) {
+  if (line.trace == nullptr || !*line.trace) return;
+  const bool of_T = line.unknown == line.T_index();
+  line.trace->real(of_T ? "TEMPERATURE :" : "PRESSION :", of_T ? line.m.T : line.m.P);
+  line.trace->integer("ITERATION :", line.passes);
+  line.trace->real("CRITERE :", p.error * p.error);
+  line.trace->real("FACTEUR DE RELAXATION :", factor);
+}
+
+bool in_range(const QualityLine& line, const LinePoint& p) {
+  const double T = temperature(line, p), P = pressure(line, p);
+  return T > kLowestT && T < kHighestT && P > kLowestP && P < kHighestP;
+}
+
+bool is_trivial(const QualityLine& line, const LinePoint& p) {
+  double sum = 0.0;
+  for (int i = 0; i < line.n; ++i) sum += line.z[i] * p.X[i] * p.X[i];
+  return sum < kTrivial;
+}
+
+}  // namespace
+
+StatusCode line_model(QualityLine& line, double T, double P) {
+  if (T == line.prepared) {
+    line.m.P = P;
+    return KV_OK;
+  }
+  line.arena->rewind(line.base);
+  line.prepared = 0.0;
+  const StatusCode status =
+      make_model(T, P, line.mixture, line.routines, line.free_water, 1, *line.arena, line.m);
+  if (status == KV_OK) line.prepared = T;
+  return status;
+}
+
+double temperature(const QualityLine& line, const LinePoint& p) {
+  return std::exp(p.X[line.T_index()]);
+}
+double pressure(const QualityLine& line, const LinePoint& p) {
+  return std::exp(p.X[line.P_index()]);
+}
+
+void open_line(support::Arena& arena, QualityLine& line) {
+  const int n = line.mixture->count, ld = support::padded(n), size = n + 2;
+  line.n = n;
+  line.ld = ld;
+  line.arena = &arena;
+  for (double** a : {&line.phi_x, &line.phi_y, &line.t_x, &line.t_y, &line.p_x, &line.p_y})
+    *a = arena.zeros(ld);
+  line.d_x = arena.take(static_cast<std::size_t>(ld) * n);
+  line.d_y = arena.take(static_cast<std::size_t>(ld) * n);
+  line.system = arena.take(static_cast<std::size_t>(size) * size);
+  line.step = arena.take(size);
+  line.pivot = arena.take_ints(size);
+}
+
+void take_point(support::Arena& arena, const QualityLine& line, LinePoint& p) {
+  p.X = arena.zeros(line.n + 2);
+  p.slope = arena.zeros(line.n + 2);
+  p.x = arena.zeros(line.ld);
+  p.y = arena.zeros(line.ld);
+}
+
+void seal_line(QualityLine& line) {
+  line.base = line.arena->mark();
+  line.prepared = 0.0;
+}
+
+void copy_point(const QualityLine& line, const LinePoint& from, LinePoint& to) {
+  std::copy_n(from.X, line.n + 2, to.X);
+  std::copy_n(from.slope, line.n + 2, to.slope);
+  std::copy_n(from.x, line.ld, to.x);
+  std::copy_n(from.y, line.ld, to.y);
+  to.Zx = from.Zx;
+  to.Zy = from.Zy;
+  to.error = from.error;
+  to.spec = from.spec;
+  to.passes = from.passes;
+}
+
+bool compositions(const QualityLine& line, LinePoint& p) {
+  Sums sums;
+  amounts(line, p, sums.x, sums.y);
+  if (!(sums.x > 0.0 && sums.x <= DBL_MAX && sums.y > 0.0 && sums.y <= DBL_MAX)) return false;
+  for (int i = 0; i < line.n; ++i) {
+    p.x[i] /= sums.x;
+    p.y[i] /= sums.y;
+  }
+  return true;
+}
+
+Solved solve_point(QualityLine& line, LinePoint& p, int spec, double value, int limit, bool through_critical,
+                   StatusCode& status) {
+  const int size = line.n + 2;
+  p.X[spec] = value;
+  for (p.passes = 1; p.passes <= limit; ++p.passes) {
+    Sums sums;
+    status = evaluate(line, p, true, sums);
+    if (status != KV_OK) return Solved::model;
+    p.error = fill_system(line, p, sums, spec, value);
+    if (!support::lu_factor(size, size, line.system, line.pivot)) return Solved::no;
+    support::lu_solve(size, size, line.system, line.pivot, line.step);
+    double largest = 0.0;
+    for (int i = 0; i < size; ++i)
+      if (i >= line.n || line.z[i] > 0.0) largest = std::max(largest, std::fabs(line.step[i]));
+    if (!(largest <= DBL_MAX)) return Solved::no;
+    const double factor = damping(line);
+    trace_pass(line, p, factor);
+    for (int i = 0; i < size; ++i) p.X[i] += factor * line.step[i];
+    p.X[spec] = value;
+    for (int i = 0; i < line.n; ++i) p.X[i] = std::clamp(p.X[i], -kLargestLogK, kLargestLogK);
+    if (!in_range(line, p)) return Solved::no;
+    if (!through_critical && is_trivial(line, p)) return Solved::trivial;
+    if (p.error <= kConverged || largest <= kLastStep) {
+      std::fill_n(p.slope, size, 0.0);
+      p.slope[size - 1] = 1.0;
+      support::lu_solve(size, size, line.system, line.pivot, p.slope);
+      p.spec = spec;
+      return compositions(line, p) ? Solved::yes : Solved::no;
+    }
+  }
+  return Solved::no;
+}
+
+bool substitute(QualityLine& line, LinePoint& p, int unknown, StatusCode& status) {
+  Sums sums;
+  status = evaluate(line, p, false, sums);
+  if (status != KV_OK) return false;
+  const bool of_T = unknown == line.T_index();
+  const double scale = of_T ? line.m.T : line.m.P;
+  const double* up_x = of_T ? line.t_x : line.p_x;
+  const double* up_y = of_T ? line.t_y : line.p_y;
+  for (int i = 0; i < line.n; ++i)
+    p.X[i] = std::clamp(line.phi_x[i] - line.phi_y[i], -kLargestLogK, kLargestLogK);
+  amounts(line, p, sums.x, sums.y);
+  double slope = 0.0;
+  for (int i = 0; i < line.n; ++i)
+    if (line.z[i] > 0.0) slope += p.x[i] * p.y[i] / line.z[i] * scale * (up_x[i] - up_y[i]);
+  // On the logarithm of sum y/sum x, which is close to linear for bubble and dew points.
+  if (!(std::fabs(slope) > 0.0) || !(sums.x + sums.y <= DBL_MAX)) return false;
+  double step = line.W == 0.0   ? -std::log(sums.y) * sums.y / slope
+                : line.W == 1.0 ? std::log(sums.x) * sums.x / slope
+                                : (sums.x - sums.y) / slope;
+  step = std::clamp(step, of_T ? -kLargestLogTStep : -kLargestLogPStep,
+                    of_T ? kLargestLogTStep : kLargestLogPStep);
+  p.X[unknown] += step;
+  for (int i = 0; i < line.n; ++i)
+    p.X[i] = std::clamp(p.X[i] + step * scale * (up_x[i] - up_y[i]), -kLargestLogK, kLargestLogK);
+  return in_range(line, p);
+}
+
+}  // namespace kestrune::flash

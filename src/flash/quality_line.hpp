@@ -1,0 +1,94 @@
+// Points of a line of constant vapour fraction W in T and P: bubble points (0), dew points (1), and what lies
+// between. Unknowns of a point are X = (ln K_1 .. ln K_n, ln T, ln P); equations are the equal fugacities, sum
+// y = sum x, and one unknown that is specified.
+//
+// [Mic80] M. L. Michelsen, Fluid Phase Equilib. 4 (1980) 1-10: Newton on these unknowns, and following the line
+// with
+//         the unknown specified that changes most.
+#ifndef KESTRUNE_FLASH_QUALITY_LINE_HPP
+#define KESTRUNE_FLASH_QUALITY_LINE_HPP
+
+#include "flash/fugacity.hpp"
+#include "support/trace.hpp"
+
+namespace kestrune::flash {
+
+// What the points of one line share. Built by open_line on the caller's stack.
+struct QualityLine {
+  int n = 0, ld = 0;
+  const double* z = nullptr;  // [ld] feed with sum 1, padded
+  double W = 0.0;             // of the phase y
+  MixtureRecord* mixture = nullptr;
+  const ModelRoutines* routines = nullptr;
+  bool free_water = false;
+  bool stable_roots = false;  // each phase takes its root of lower Gibbs energy, not that of its name
+  Model m;                    // at the temperature of the last evaluation
+  support::Arena* arena = nullptr;
+  support::Arena::Mark base{};
+  double prepared = 0.0;  // temperature of m
+  int passes = 0;         // evaluations of both phases
+  support::TraceWriter* trace = nullptr;
+  int unknown = 0;  // T or P index, for the trace
+  // Work.
+  double *phi_x, *phi_y, *t_x, *t_y, *p_x, *p_y;  // [ld]
+  double *d_x, *d_y;                              // [ld * n]
+  double *system, *step;                          // [(n + 2)^2], [n + 2]
+  int* pivot;                                     // [n + 2]
+
+  int T_index() const { return n; }
+  int P_index() const { return n + 1; }
+};
+
+struct LinePoint {
+  double* X = nullptr;                // [n + 2]
+  double* slope = nullptr;            // [n + 2] dX/dX[spec] along the line
+  double *x = nullptr, *y = nullptr;  // [ld] compositions
+  double Zx = 0.0, Zy = 0.0;
+  double error = 0.0;  // largest |difference of ln fugacities|
+  int spec = 0;
+  int passes = 0;  // of the last solve
+};
+
+/* Takes the work arrays; the arena must outlive the line and is used by no one else meanwhile but take_point.
+ */
+void open_line(support::Arena& arena, QualityLine& line);
+void take_point(support::Arena& arena, const QualityLine& line, LinePoint& p);
+/* To be called when everything that stays has been taken from the arena. */
+void seal_line(QualityLine& line);
+void copy_point(const QualityLine& line, const LinePoint& from, LinePoint& to);
+
+double temperature(const QualityLine& line, const LinePoint& p);
+double pressure(const QualityLine& line, const LinePoint& p);
+
+/* Brings line.m to T and P; a temperature that it has already costs nothing. */
+StatusCode line_model(QualityLine& line, double T, double P);
+
+enum class Solved { yes, trivial, no, model };
+
+/*
+ * Newton's method from p.X with the unknown spec held at value. On yes the point is converged to 1e-10 in ln
+ * fugacities, with compositions and slope. trivial: the phases became one (not looked for when
+ * through_critical). model: status says what the fugacity routine returned.
+ */
+Solved solve_point(QualityLine& line, LinePoint& p, int spec, double value, int limit, bool through_critical,
+                   StatusCode& status);
+
+/*
+ * One substitution: ln K from the fugacity coefficients at p.X, then the unknown (T or P index) corrected so
+ * that sum y = sum x to first order. False: status of the fugacity routine, or nothing that could be corrected.
+ */
+bool substitute(QualityLine& line, LinePoint& p, int unknown, StatusCode& status);
+
+/* x and y of p.X, with sum 1. False when a sum is not usable. */
+bool compositions(const QualityLine& line, LinePoint& p);
+
+/*
+ * Follows the line from the converged point p in the direction of rising pressure until the unknown target has
+ * the value for the first time; p is that point then. no: the line passes a critical point or an end of the
+ * range first.
+ */
+Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, StatusCode& status);
+
+}  // namespace kestrune::flash
+
+#endif
