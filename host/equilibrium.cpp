@@ -1,17 +1,15 @@
 #include "equilibrium.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "text.hpp"
-#include "units.hpp"
 
 namespace kestrune::host {
 
 namespace {
-
-constexpr double kGasConstant = 82.057;  // cm3 atm/(mol K), the value of the calculation library
 
 double molar_mass_of(const Mixture& mixture, const std::vector<double>& x) {
   double mass = 0.0;
@@ -21,13 +19,9 @@ double molar_mass_of(const Mixture& mixture, const std::vector<double>& x) {
 
 void add_phase(const Exports& library, const Mixture& mixture, PhaseKind kind, double fraction,
                const std::vector<double>& x, Equilibrium& state) {
-  PhaseState phase{};
-  phase.kind = kind;
-  phase.mole_fraction = fraction;
-  phase.x = x;
-  phase.molar_mass = molar_mass_of(mixture, x);
+  PhaseState phase{kind, fraction, 0.0, x, molar_mass_of(mixture, x), {}};
   phase.mass_fraction = fraction * phase.molar_mass / mixture.molar_mass;
-  evaluate_phase(library, mixture, state.T, state.P, phase);
+  phase.properties = phase_properties(library, mixture, kind, state.T, state.P, x, phase.molar_mass);
   state.phases.push_back(phase);
 }
 
@@ -54,6 +48,34 @@ void add_liquids(const Exports& library, const Mixture& mixture, Equilibrium& st
   add_phase(library, mixture, PhaseKind::free_water, fraction * share, water, state);
 }
 
+// A sum over the phases, each with its mole fraction as the weight; none where a phase has no such property.
+void add_sum(Property property, Equilibrium& state) {
+  double sum = 0.0;
+  StatusCode status = KV_OK;
+  for (const PhaseState& p : state.phases) {
+    status = combined(status, p.properties.status(property));
+    sum += p.mole_fraction * p.properties[property];
+  }
+  if (std::isfinite(sum) || !has_value(status)) state.overall.properties.set(property, status, sum);
+}
+
+void add_overall(const Mixture& mixture, Equilibrium& state) {
+  state.overall = {PhaseKind::overall, 1.0, 1.0, mixture.z, mixture.molar_mass, {}};
+  if (state.phases.size() == 1) {
+    state.overall.properties = state.phases.front().properties;
+    return;
+  }
+  for (const Property p :
+       {Property::molar_volume, Property::enthalpy, Property::entropy, Property::free_enthalpy}) {
+    add_sum(p, state);
+  }
+  PropertyValues& sums = state.overall.properties;
+  const double v = sums[Property::molar_volume];
+  if (std::isfinite(v)) {
+    sums.set(Property::density, sums.status(Property::molar_volume), 1e-3 * mixture.molar_mass / v);
+  }
+}
+
 }  // namespace
 
 const PhaseState* Equilibrium::phase(PhaseKind kind) const {
@@ -63,60 +85,43 @@ const PhaseState* Equilibrium::phase(PhaseKind kind) const {
   return nullptr;
 }
 
-bool Equilibrium::good() const {
-  for (const PhaseState& p : phases) {
-    if (p.status != KV_OK) return false;
-  }
-  return status == KV_OK;
+StatusCode Equilibrium::first_failure() const {
+  StatusCode result = status;
+  for (const PhaseState& p : phases) result = combined(result, p.properties.first_failure());
+  return result;
 }
 
-std::string_view phase_name(PhaseKind kind) {
-  constexpr std::string_view names[] = {"vapour", "liquid", "free water"};
-  return names[static_cast<std::size_t>(kind)];
+bool Equilibrium::extrapolated() const {
+  return std::any_of(phases.begin(), phases.end(),
+                     [](const PhaseState& p) { return p.properties.extrapolated(); });
 }
 
 std::string phases_in_words(const Equilibrium& state) {
   if (state.phases.empty()) return "-";
+  if (!state.flashed) return fmt::format("{}, taken as given", phase_name(state.phases.front().kind));
   if (state.phases.size() == 2 && state.phases.back().kind == PhaseKind::liquid) return "two-phase";
   std::vector<std::string> names;
   for (const PhaseState& p : state.phases) names.emplace_back(phase_name(p.kind));
   return joined(names, " + ");
 }
 
-void evaluate_phase(const Exports& library, const Mixture& mixture, double T, double P, PhaseState& phase) {
-  const std::size_t n = phase.x.size();
-  phase.status = KV_OK;
-  phase.Z = phase.density = std::numeric_limits<double>::quiet_NaN();
-  if (phase.kind == PhaseKind::free_water) return;
-  std::vector<double> ln_phi(n), slope(n);
-  // The equation of state alone: free water changes fugacities, not volumes.
-  MixtureRecord record = mixture.record;
-  record.flags = 0;
-  record.trace_flag = 0;
-  const double atm = P / kAtmInPa;
-  const auto call =
-      phase.kind == PhaseKind::vapour ? library.GasPhi_Derivatives_PPR78 : library.LiquidPhi_Derivatives_PPR78;
-  phase.status =
-      call(T, atm, phase.x.data(), &record, 2, KV_DERIV_P, ln_phi.data(), nullptr, slope.data(), nullptr);
-  double sum = 0.0;
-  for (std::size_t i = 0; i < n; ++i) sum += phase.x[i] * slope[i];
-  const double Z = 1.0 + atm * sum;
-  if (phase.status == KV_OK && !(Z > 0.0)) phase.status = KV_NOT_FINITE;
-  if (phase.status != KV_OK) return;
-  phase.Z = Z;
-  phase.density = 1000.0 * phase.molar_mass * atm / (phase.Z * kGasConstant * T);
-}
-
 Equilibrium flash_at_TP(const Exports& library, Mixture& mixture, double T, double P) {
-  const std::size_t n = mixture.z.size();
-  Equilibrium state{T, P, KV_OK, 0.0, std::vector<double>(n), std::vector<double>(n), std::vector<double>(n),
-                    {}};
+  const std::vector<double> none(mixture.z.size());
+  Equilibrium state{T, P, true, KV_OK, 0.0, none, none, none, {}, {}};
   constexpr std::int32_t cold_start = 1;
   state.status = library.FlashLVatTP(T, P / kAtmInPa, mixture.z.data(), &mixture.record, nullptr, cold_start,
                                      &state.beta, state.x.data(), state.y.data(), state.K.data());
   if (state.status != KV_OK) return state;
   if (state.beta > 0.0) add_phase(library, mixture, PhaseKind::vapour, state.beta, state.y, state);
   if (state.beta < 1.0) add_liquids(library, mixture, state);
+  add_overall(mixture, state);
+  return state;
+}
+
+Equilibrium single_phase_at_TP(const Exports& library, const Mixture& mixture, PhaseKind kind, double T,
+                               double P) {
+  Equilibrium state{T, P, false, KV_OK, kind == PhaseKind::vapour ? 1.0 : 0.0, {}, {}, {}, {}, {}};
+  add_phase(library, mixture, kind, 1.0, mixture.z, state);
   return state;
 }
 

@@ -43,6 +43,14 @@ std::string shown_fixed(double value, int decimals) {
   return std::isfinite(value) ? fmt::format("{:.{}f}", value, decimals) : "-";
 }
 
+std::string shown_significant(double value) {
+  if (!std::isfinite(value)) return "-";
+  const double size = std::abs(value);
+  if (size != 0.0 && (size < 1e-3 || size >= 1e7)) return fmt::format("{:.5e}", value);
+  const int decimals = size == 0.0 ? 0 : std::max(0, 5 - static_cast<int>(std::floor(std::log10(size))));
+  return fmt::format("{:.{}f}", value, decimals);
+}
+
 std::string shown_digits(double value, int digits) {
   return std::isfinite(value) ? fmt::format("{:.{}g}", value, digits) : "-";
 }

@@ -23,6 +23,7 @@ class Table {
 // Numbers as the reports show them; "-" for a value that is not finite.
 std::string shown_fraction(double value);  // six decimals, with an exponent below 1e-4
 std::string shown_fixed(double value, int decimals);
+std::string shown_significant(double value);         // six digits, with an exponent below 1e-3 and above 1e7
 std::string shown_digits(double value, int digits);  // significant digits
 
 // A field of a CSV file, in quotes where it needs them.

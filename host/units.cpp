@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <cctype>
 #include <cmath>
+#include <span>
 
 #include "error.hpp"
 #include "text.hpp"
@@ -11,35 +13,104 @@ namespace kestrune::host {
 
 namespace {
 
+constexpr double kPoundInKg = 0.45359237;
+constexpr double kFootInM = 0.3048;
+constexpr double kCubicFoot = kFootInM * kFootInM * kFootInM;
+constexpr double kFahrenheit = 5.0 / 9.0;           // K
+constexpr double kBtuPerPound = 2326.0;             // J/kg, by definition of the Btu
+constexpr double kBtu = kBtuPerPound * kPoundInKg;  // J
+
+// The first unit of a list is the one of the system "engineering", the second "si", the third "field"; units of
+// entropy stand in the order of the units of enthalpy.
 constexpr Unit kTemperatures[] = {
-    {"K", 1.0, 0.0}, {"C", 1.0, kZeroCelsius}, {"F", 5.0 / 9.0, kZeroFahrenheit}, {"R", 5.0 / 9.0, 0.0}};
-constexpr Unit kPressures[] = {{"atm", kAtmInPa, 0.0},  {"bar", 1e5, 0.0},
-                               {"bara", 1e5, 0.0},      {"barg", 1e5, kAtmInPa / 1e5},
-                               {"kPa", 1e3, 0.0},       {"MPa", 1e6, 0.0},
-                               {"Pa", 1.0, 0.0},        {"psi", kPsiInPa, 0.0},
-                               {"psia", kPsiInPa, 0.0}, {"psig", kPsiInPa, kAtmInPa / kPsiInPa}};
+    {"C", 1.0, kZeroCelsius}, {"K", 1.0}, {"F", kFahrenheit, kZeroFahrenheit}, {"R", kFahrenheit}};
+constexpr Unit kPressures[] = {{"bar", 1e5},       {"Pa", 1.0},
+                               {"psia", kPsiInPa}, {"atm", kAtmInPa},
+                               {"bara", 1e5},      {"barg", 1e5, kAtmInPa / 1e5},
+                               {"kPa", 1e3},       {"MPa", 1e6},
+                               {"psi", kPsiInPa},  {"psig", kPsiInPa, kAtmInPa / kPsiInPa}};
+constexpr Unit kEnthalpies[] = {{"kJ/kg", 1e3, 0.0, true},
+                                {"J/mol", 1.0},
+                                {"Btu/lb", kBtuPerPound, 0.0, true},
+                                {"cal/mol", kCalInJ},
+                                {"kJ/mol", 1e3},
+                                {"kJ/kmol", 1.0},
+                                {"J/kg", 1.0, 0.0, true},
+                                {"Btu/lbmol", kBtuPerPound / 1e3}};
+constexpr Unit kEntropies[] = {{"kJ/(kg K)", 1e3, 0.0, true},
+                               {"J/(mol K)", 1.0},
+                               {"Btu/(lb F)", kBtuPerPound / kFahrenheit, 0.0, true},
+                               {"cal/(mol K)", kCalInJ},
+                               {"kJ/(mol K)", 1e3},
+                               {"kJ/(kmol K)", 1.0},
+                               {"J/(kg K)", 1.0, 0.0, true},
+                               {"Btu/(lbmol F)", kBtuPerPound / 1e3 / kFahrenheit}};
+constexpr Unit kDensities[] = {{"kg/m3", 1.0}, {"kg/m3", 1.0}, {"lb/ft3", kPoundInKg / kCubicFoot}};
+constexpr Unit kMolarVolumes[] = {
+    {"cm3/mol", 1e-6}, {"m3/mol", 1.0}, {"ft3/lbmol", kCubicFoot / (1000.0 * kPoundInKg)}};
+constexpr Unit kSpeeds[] = {{"m/s", 1.0}, {"m/s", 1.0}, {"ft/s", kFootInM}};
+constexpr Unit kViscosities[] = {{"cP", 1e-3}, {"Pa s", 1.0}, {"cP", 1e-3}};
+constexpr Unit kConductivities[] = {
+    {"W/(m K)", 1.0}, {"W/(m K)", 1.0}, {"Btu/(h ft F)", kBtu / (3600.0 * kFootInM * kFahrenheit)}};
+constexpr Unit kJouleThomsons[] = {{"K/bar", 1e-5}, {"K/Pa", 1.0}, {"F/psi", kFahrenheit / kPsiInPa}};
+constexpr Unit kCompressibilities[] = {{"1/bar", 1e-5}, {"1/Pa", 1.0}, {"1/psi", 1.0 / kPsiInPa}};
+constexpr Unit kRatios[] = {{"", 1.0}, {"", 1.0}, {"", 1.0}};
+
+struct QuantityInfo {
+  const char* name;
+  const char* example;  // of a value with its unit
+  std::span<const Unit> units;
+};
+constexpr QuantityInfo kQuantities[kQuantityCount] = {
+    {"temperature", "25 C", kTemperatures},
+    {"pressure", "60 barg", kPressures},
+    {"enthalpy", "-2500 cal/mol", kEnthalpies},
+    {"entropy", "-12.5 J/(mol K)", kEntropies},
+    {"density", "50 kg/m3", kDensities},
+    {"molar volume", "400 cm3/mol", kMolarVolumes},
+    {"speed", "400 m/s", kSpeeds},
+    {"viscosity", "0.012 cP", kViscosities},
+    {"thermal conductivity", "0.03 W/(m K)", kConductivities},
+    {"Joule-Thomson coefficient", "0.4 K/bar", kJouleThomsons},
+    {"compressibility", "0.02 1/bar", kCompressibilities},
+    {"ratio", "0.5", kRatios}};
 constexpr std::size_t kMaxConditions = 100000;
 
-const char* quantity_name(Quantity quantity) {
-  return quantity == Quantity::temperature ? "temperature" : "pressure";
+const QuantityInfo& info(Quantity quantity) {
+  return kQuantities[static_cast<std::size_t>(quantity)];
+}
+
+// Letters, digits and the first slash, in lower case.
+std::string unit_key(std::string_view name) {
+  std::string key;
+  for (const char c : lower(name)) {
+    const bool slash = c == '/' && key.find('/') == std::string::npos;
+    if (slash || std::isalnum(static_cast<unsigned char>(c)) != 0) key += c;
+  }
+  return key;
 }
 
 const Unit* find_unit(Quantity quantity, std::string_view name) {
-  const std::string wanted = lower(trimmed(name));
-  const auto search = [&](const auto& list) -> const Unit* {
-    for (const Unit& u : list) {
-      if (lower(u.name) == wanted) return &u;
-    }
-    return nullptr;
-  };
-  return quantity == Quantity::temperature ? search(kTemperatures) : search(kPressures);
+  const std::string wanted = unit_key(name);
+  for (const Unit& u : info(quantity).units) {
+    if (unit_key(u.name) == wanted) return &u;
+  }
+  return nullptr;
+}
+
+std::string unit_names(Quantity quantity) {
+  std::vector<std::string> names;
+  for (const Unit& u : info(quantity).units) names.emplace_back(u.name);
+  const std::string last = names.back();
+  names.pop_back();
+  return joined(names, ", ") + " or " + last;
 }
 
 [[noreturn]] void not_understood(Quantity quantity, std::string_view text) {
   throw InputError(fmt::format(
       "the {} \"{}\" is not understood: give a value, a list 200,220,250 or a range first:last:step, with or "
-      "without a unit, for instance {}",
-      quantity_name(quantity), text, quantity == Quantity::temperature ? "\"25 C\"" : "\"60 barg\""));
+      "without a unit, for instance \"{}\"",
+      info(quantity).name, text, info(quantity).example));
 }
 
 // One item of the list: numbers between colons and a unit, which may be missing.
@@ -85,6 +156,18 @@ std::vector<double> expand(const Item& item, std::string_view whole) {
   return values;
 }
 
+void check_positive(Quantity quantity, double base, double value, const Unit& unit) {
+  if (base > 0.0 || (quantity != Quantity::temperature && quantity != Quantity::pressure)) return;
+  throw InputError(fmt::format("the {} {} {} is not above {}", info(quantity).name, value, unit.name,
+                               quantity == Quantity::temperature ? "absolute zero" : "vacuum"));
+}
+
+UnitSystem system_at(std::size_t place) {
+  UnitSystem system;
+  for (std::size_t q = 0; q < kQuantityCount; ++q) system.units[q] = &kQuantities[q].units[place];
+  return system;
+}
+
 }  // namespace
 
 bool is_unit(Quantity quantity, std::string_view name) {
@@ -93,29 +176,36 @@ bool is_unit(Quantity quantity, std::string_view name) {
 
 const Unit& unit(Quantity quantity, std::string_view name) {
   if (const Unit* found = find_unit(quantity, name)) return *found;
-  throw InputError(fmt::format("unknown unit of {} \"{}\": use {}", quantity_name(quantity), trimmed(name),
-                               quantity == Quantity::temperature
-                                   ? "K, C, F or R"
-                                   : "atm, bar, bara, barg, kPa, MPa, Pa, psi, psia or psig"));
+  throw InputError(fmt::format("unknown unit of {} \"{}\": use {}", info(quantity).name, trimmed(name),
+                               unit_names(quantity)));
+}
+
+void UnitSystem::choose_energy(std::string_view name) {
+  const Unit* chosen = &unit(Quantity::enthalpy, name);
+  units[static_cast<std::size_t>(Quantity::enthalpy)] = chosen;
+  units[static_cast<std::size_t>(Quantity::entropy)] = kEntropies + (chosen - kEnthalpies);
 }
 
 UnitSystem unit_system(std::string_view name) {
-  const auto pair = [](std::string_view t, std::string_view p) {
-    return UnitSystem{&unit(Quantity::temperature, t), &unit(Quantity::pressure, p)};
-  };
   const std::string wanted = lower(trimmed(name));
-  if (wanted == "engineering") return pair("C", "bar");
-  if (wanted == "si") return pair("K", "Pa");
-  if (wanted == "field") return pair("F", "psia");
+  if (wanted == "engineering") return system_at(0);
+  if (wanted == "si") return system_at(1);
+  if (wanted == "field") return system_at(2);
   const auto names = split(name, ',');
-  if (names.size() == 2) return pair(names[0], names[1]);
+  if (names.size() == 2) {
+    UnitSystem system = system_at(0);
+    system.units[static_cast<std::size_t>(Quantity::temperature)] = &unit(Quantity::temperature, names[0]);
+    system.units[static_cast<std::size_t>(Quantity::pressure)] = &unit(Quantity::pressure, names[1]);
+    return system;
+  }
   throw InputError(
       fmt::format("unknown units \"{}\": use engineering (C, bar), si (K, Pa), field (F, psia) or a "
                   "pair such as K,atm",
                   name));
 }
 
-std::vector<double> parse_conditions(Quantity quantity, std::string_view text, const Unit& plain) {
+std::vector<double> parse_conditions(Quantity quantity, std::string_view text, const Unit& plain,
+                                     double molar_mass) {
   std::vector<Item> items;
   for (const std::string& piece : split(text, ',')) items.push_back(parse_item(quantity, text, piece));
   if (items.empty()) not_understood(quantity, text);
@@ -127,11 +217,8 @@ std::vector<double> parse_conditions(Quantity quantity, std::string_view text, c
   std::vector<double> values;
   for (const Item& item : items) {
     for (const double value : expand(item, text)) {
-      values.push_back(item.unit->to_base(value));
-      if (values.back() > 0.0) continue;
-      throw InputError(fmt::format("the {} {} {} is not above {}", quantity_name(quantity), value,
-                                   item.unit->name,
-                                   quantity == Quantity::temperature ? "absolute zero" : "vacuum"));
+      values.push_back(item.unit->to_base(value, molar_mass));
+      check_positive(quantity, values.back(), value, *item.unit);
     }
   }
   return values;

@@ -1,49 +1,107 @@
 // kestrune flash: liquid and vapour at temperature and pressure.
-#include <CLI/CLI.hpp>
+#include <fmt/format.h>
 
-#include "commands/flash_report.hpp"
-#include "commands/session.hpp"
-#include "error.hpp"
+#include <CLI/CLI.hpp>
+#include <utility>
+
+#include "commands/states.hpp"
+#include "table.hpp"
 
 namespace kestrune::host {
 
 namespace {
 
 struct FlashOptions {
-  MixtureOptions mixture;
-  MissingPairOptions missing;
-  RecordOptions record;
-  OutputOptions output;
-  std::string temperature, pressure;
+  StateOptions states;
   bool details = false;
 };
 
-void flash(const FlashOptions& options, Session& session) {
-  const UnitSystem units = options.output.system();
-  const auto temperatures = parse_conditions(Quantity::temperature, options.temperature, *units.temperature);
-  const auto pressures = parse_conditions(Quantity::pressure, options.pressure, *units.pressure);
-  if (static_cast<double>(temperatures.size()) * static_cast<double>(pressures.size()) > 1e6) {
-    throw InputError("more than a million states: ask for fewer temperatures or pressures");
-  }
-  Mixture mixture = options.mixture.build();
-  options.missing.check(mixture);
-  options.record.apply(mixture);
-  const Exports library = session.library();
-  mixture.hand_over(library);
-  std::vector<Equilibrium> states;
-  for (const double T : temperatures) {
-    for (const double P : pressures) {
-      states.push_back(flash_at_TP(library, mixture, T, P));
-      if (!states.back().good()) session.exit_code = exit_status;
+void print_summary(const StateReport& r, std::ostream& out) {
+  const bool water = (r.mixture.record.flags & FreeWaterFlag) != 0;
+  const Unit &T = r.units[Quantity::temperature], &P = r.units[Quantity::pressure];
+  const std::string_view density = r.units[Quantity::density].name;
+  std::vector<std::string> headings{fmt::format("T {}", T.name), fmt::format("P {}", P.name), "phases",
+                                    "vapour mol"};
+  if (water) headings.emplace_back("free water mol");
+  headings.insert(headings.end(), {"Z vapour", "Z liquid", fmt::format("{} vap", density),
+                                   fmt::format("{} liq", density), "status"});
+  Table table(headings, water ? "rrlrrrrrrl" : "rrlrrrrrl");
+  for (const Equilibrium& s : r.states) {
+    const auto of = [&](PhaseKind kind, Property property, const Unit& unit, int decimals) -> std::string {
+      const PhaseState* p = s.phase(kind);
+      return p == nullptr ? "-" : shown_fixed(unit.from_base(p->properties[property]), decimals);
+    };
+    std::vector<std::string> row{shown_condition(T, s.T, 2), shown_condition(P, s.P, 3), phases_in_words(s),
+                                 s.phases.empty() ? "-" : shown_fixed(s.beta, 6)};
+    const PhaseState* free_water = s.phase(PhaseKind::free_water);
+    if (water) row.push_back(free_water == nullptr ? "-" : shown_fixed(free_water->mole_fraction, 6));
+    for (const auto& [property, decimals] : {std::pair{Property::Z, 5}, {Property::density, 3}}) {
+      const Unit& unit = r.units[property == Property::Z ? Quantity::ratio : Quantity::density];
+      row.push_back(of(PhaseKind::vapour, property, unit, decimals));
+      row.push_back(of(PhaseKind::liquid, property, unit, decimals));
     }
+    row.push_back(short_status(s));
+    table.add(row);
   }
-  const FlashReport report{mixture, states, units};
-  if (options.output.format == "json")
-    report.print_json(session.out);
-  else if (options.output.format == "csv")
-    report.print_csv(session.out);
-  else
-    report.print_table(options.details, session.out);
+  table.print(out);
+}
+
+// Mole fractions by component, with K = y/x where there is a vapour and a liquid.
+void print_composition(const StateReport& r, const Equilibrium& s, std::ostream& out) {
+  const PhaseState* vapour = s.phase(PhaseKind::vapour);
+  const PhaseState* liquid = s.phase(PhaseKind::liquid);
+  const bool ratios = vapour != nullptr && liquid != nullptr;
+  std::vector<std::string> headings{"mole fractions", "feed"};
+  const std::size_t columns = s.phases.size() > 1 ? s.phases.size() : 0;  // a single phase is the feed
+  for (std::size_t p = 0; p < columns; ++p) headings.emplace_back(phase_name(s.phases[p].kind));
+  if (ratios) headings.emplace_back("K = y/x");
+  Table table(headings, "l");
+  for (std::size_t i = 0; i < s.x.size(); ++i) {
+    std::vector<std::string> row{std::string(r.mixture.components[i].name), shown_fraction(r.mixture.z[i])};
+    for (std::size_t p = 0; p < columns; ++p) row.push_back(shown_fraction(s.phases[p].x[i]));
+    if (ratios) row.push_back(shown_digits(liquid->x[i] > 0.0 ? vapour->x[i] / liquid->x[i] : s.K[i], 5));
+    table.add(row);
+  }
+  table.print(out);
+}
+
+// What the flash held when it gave up.
+void print_last_iterate(const StateReport& r, const Equilibrium& s, std::ostream& out) {
+  out << fmt::format("The last iterate, not an equilibrium: vapour fraction {}\n\n", shown_fraction(s.beta));
+  Table table({"mole fractions", "feed", "vapour", "liquid", "K"}, "l");
+  for (std::size_t i = 0; i < s.x.size(); ++i) {
+    table.add({std::string(r.mixture.components[i].name), shown_fraction(r.mixture.z[i]),
+               shown_fraction(s.y[i]), shown_fraction(s.x[i]), shown_digits(s.K[i], 5)});
+  }
+  table.print(out);
+}
+
+void print_details(const StateReport& r, const Equilibrium& s, std::ostream& out) {
+  constexpr Property rows[] = {Property::Z,         Property::density,     Property::enthalpy,
+                               Property::entropy,   Property::Cp,          Property::speed_of_sound,
+                               Property::viscosity, Property::conductivity};
+  print_state(r, s, out);
+  if (s.status >= KV_STATUS_CALL_BLOCK) return;
+  out << '\n';
+  if (s.status != KV_OK) return print_last_iterate(r, s, out);
+  print_properties(r, s, rows, out);
+  out << '\n';
+  print_composition(r, s, out);
+}
+
+void print_flash(const StateReport& r, bool details, std::ostream& out) {
+  print_mixture(r, out);
+  const bool summary = r.states.size() > 1;
+  if (summary) {
+    out << '\n';
+    print_summary(r, out);
+  }
+  for (const Equilibrium& s : r.states) {
+    if (summary && !details) break;
+    if (summary) out << '\n' << std::string(72, '-') << '\n';
+    print_details(r, s, out);
+  }
+  print_notes(r.states, out);
 }
 
 }  // namespace
@@ -51,17 +109,14 @@ void flash(const FlashOptions& options, Session& session) {
 void add_flash_command(CLI::App& app, Session& session) {
   auto* command = app.add_subcommand("flash", "Phases at temperature and pressure");
   const auto options = std::make_shared<FlashOptions>();
-  options->mixture.add_to(*command);
-  command
-      ->add_option("-T,--temperature", options->temperature,
-                   "Value, list 200,220,250 or range 150:350:10 (25 C)")
-      ->required();
-  command->add_option("-P,--pressure", options->pressure, "Value, list or range (60 barg)")->required();
-  options->missing.add_to(*command);
-  options->record.add_to(*command);
-  options->output.add_to(*command);
+  options->states.add_to(*command);
   command->add_flag("--details", options->details, "Composition of every state, not of a single one only");
-  command->callback([options, &session] { flash(*options, session); });
+  command->callback([options, &session] {
+    const auto print = [&](const StateReport& report, std::ostream& out) {
+      print_flash(report, options->details, out);
+    };
+    report_states(options->states, session, flash_at_TP, print, false);
+  });
 }
 
 }  // namespace kestrune::host

@@ -130,7 +130,7 @@ void print_csv(const Mixture& m, const std::vector<double>& T, const std::vector
 
 void show_kij(const KijOptions& options, Session& session) {
   const UnitSystem units = options.output.system();
-  const auto T = parse_conditions(Quantity::temperature, options.temperature, *units.temperature);
+  const auto T = parse_conditions(Quantity::temperature, options.temperature, units[Quantity::temperature]);
   Mixture mixture = build_mixture(chosen_components(options), interaction_set(options.mixture.set));
   if (mixture.count() < 2) throw InputError("k_ij needs at least two components");
   mixture.hand_over(session.library());
@@ -141,7 +141,7 @@ void show_kij(const KijOptions& options, Session& session) {
   else if (options.output.format == "csv")
     print_csv(mixture, T, k, session.out);
   else
-    print_table(mixture, T, k, *units.temperature, session.out);
+    print_table(mixture, T, k, units[Quantity::temperature], session.out);
 }
 
 }  // namespace

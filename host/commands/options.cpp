@@ -126,8 +126,10 @@ void RecordOptions::apply(Mixture& mixture) const {
 void OutputOptions::add_to(CLI::App& command) {
   command.add_option("--format", format, "table (default), json or csv")
       ->check(CLI::IsMember({"table", "json", "csv"}));
-  command.add_option("--units", units,
-                     "engineering (C, bar; default), si (K, Pa), field (F, psia) or a pair: K,atm");
+  command.add_option(
+      "--units", units,
+      "engineering (C, bar, kJ/kg; default), si (K, Pa, J/mol), field (F, psia, Btu/lb) or a pair "
+      "of temperature and pressure: K,atm");
 }
 
 std::vector<std::string> remarks(const Mixture& mixture) {

@@ -12,18 +12,29 @@ namespace kestrune::host {
 
 namespace {
 
+// Options whose value may be followed by a unit.
+constexpr struct {
+  std::string_view short_name, long_name;
+  Quantity quantity;
+} kConditions[] = {{"-T", "--temperature", Quantity::temperature},
+                   {"-P", "--pressure", Quantity::pressure},
+                   {"-H", "--enthalpy", Quantity::enthalpy},
+                   {"-S", "--entropy", Quantity::entropy}};
+
 // "-T 25 C" is one condition: a unit that stands alone after a value is joined to it.
 std::vector<std::string> with_units_joined(const std::vector<std::string>& arguments) {
   std::vector<std::string> result;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     result.push_back(arguments[i]);
     const std::string& option = arguments[i];
-    const bool temperature = option == "-T" || option == "--temperature";
-    const bool pressure = option == "-P" || option == "--pressure";
-    if ((!temperature && !pressure) || i + 1 >= arguments.size()) continue;
+    const auto found = std::find_if(std::begin(kConditions), std::end(kConditions), [&](const auto& c) {
+      return option == c.short_name || option == c.long_name;
+    });
+    if (found == std::end(kConditions) || i + 1 >= arguments.size()) continue;
     result.push_back(arguments[++i]);
-    const Quantity quantity = temperature ? Quantity::temperature : Quantity::pressure;
-    if (i + 1 < arguments.size() && is_unit(quantity, arguments[i + 1])) result.back() += " " + arguments[++i];
+    if (i + 1 < arguments.size() && is_unit(found->quantity, arguments[i + 1])) {
+      result.back() += " " + arguments[++i];
+    }
   }
   return result;
 }
@@ -71,6 +82,7 @@ int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err
     app.require_subcommand(1);
     app.fallthrough();
     add_flash_command(app, session);
+    add_props_command(app, session);
     add_components_command(app, session);
     add_kij_command(app, session);
     check_command(app, arguments);

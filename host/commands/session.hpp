@@ -32,6 +32,7 @@ int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err
 
 // Each command adds itself to the program; its work is done while the arguments are parsed.
 void add_flash_command(CLI::App& app, Session& session);
+void add_props_command(CLI::App& app, Session& session);
 void add_components_command(CLI::App& app, Session& session);
 void add_kij_command(CLI::App& app, Session& session);
 

@@ -1,9 +1,7 @@
-// A calculation library with toy physics for the tests of the host: Wilson K-values, a gas with a constant
-// second virial coefficient, a liquid of constant volume. The group conversion is the real one, for k_ij
-// rests on it. From 1000 K on the flash does not converge.
+// A calculation library with toy physics for the tests of the host: a flash with Wilson K-values, which does
+// not converge from 1000 K on. The group conversion is the real one, for k_ij rests on it.
 #include <cmath>
 
-#include "fake_physics.hpp"
 #include "kestrune/kvgasthermo.h"
 
 namespace {
@@ -30,15 +28,6 @@ double vapour_fraction(const MixtureRecord* m, const double* z, const double* K)
   return high < 1e-12 ? 0.0 : (low > 1.0 - 1e-12 ? 1.0 : 0.5 * (low + high));
 }
 
-StatusCode phi(double T, double P, const MixtureRecord* m, bool gas, int mask, double* ln_phi, double* d_dP) {
-  for (int i = 0; i < m->count; ++i) {
-    ln_phi[i] = 0.0;
-    const double slope = gas ? fake::kGasSlope : fake::liquid_volume(i) / (fake::kR * T) - 1.0 / P;
-    if ((mask & KV_DERIV_P) != 0) d_dP[i] = slope;
-  }
-  return KV_OK;
-}
-
 }  // namespace
 
 KV_API StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, MixtureRecord* m,
@@ -51,18 +40,6 @@ KV_API StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, Mixtu
     y[i] = *beta == 1.0 ? z[i] : K[i] * x[i];
   }
   return T < 1000.0 ? KV_OK : KV_NOT_CONVERGED;
-}
-
-KV_API StatusCode KV_CALL GasPhi_Derivatives_PPR78(double T, double P, const double*, MixtureRecord* m, int32_t,
-                                                   int32_t mask, double* ln_phi, double*, double* d_dP,
-                                                   double*) {
-  return phi(T, P, m, true, mask, ln_phi, d_dP);
-}
-
-KV_API StatusCode KV_CALL LiquidPhi_Derivatives_PPR78(double T, double P, const double*, MixtureRecord* m,
-                                                      int32_t, int32_t mask, double* ln_phi, double*,
-                                                      double* d_dP, double*) {
-  return phi(T, P, m, false, mask, ln_phi, d_dP);
 }
 
 KV_API void KV_CALL ConvertPPR78GroupData(int32_t nC, int32_t nG, const int32_t* counts, const double* A,

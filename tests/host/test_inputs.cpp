@@ -123,7 +123,7 @@ TEST(units, wrong_conditions_are_refused_with_the_reason) {
     EXPECT_TRUE(contains(error, part)) << text << ": " << error;
   }
   EXPECT_TRUE(contains(error_of([] { unit_system("imperial"); }), "field"));
-  EXPECT_EQ(unit_system("K,atm").pressure->name, "atm");
+  EXPECT_EQ(unit_system("K,atm")[Quantity::pressure].name, "atm");
 }
 
 TEST(composition, all_ways_of_writing_give_the_same_mixture) {

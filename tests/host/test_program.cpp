@@ -46,11 +46,12 @@ TEST(flash, json_holds_the_answer_of_the_library) {
   EXPECT_DOUBLE_EQ(state["pressure_Pa"], 2026500.0);
   ASSERT_EQ(state["phases"].size(), 2u);
   const json &vapour = state["phases"][0], &liquid = state["phases"][1];
-  // The toy gas has Z = 1 + P slope and the toy liquid the volume sum x v.
+  // The toy gas has Z = 1 + P slope and the toy liquid the volume sum x v, compressed.
   EXPECT_NEAR(vapour["Z"], 1.0 + 20.0 * fake::kGasSlope, 1e-14);
   const double x = liquid["composition"]["methane"], M = liquid["molar_mass_g_mol"];
+  const double shape = 1.0 - 19.0 * fake::kCompression;  // 25 C, 20 atm
   const double volume = x * fake::liquid_volume(0) + (1.0 - x) * fake::liquid_volume(1);
-  EXPECT_NEAR(liquid["density_kg_m3"], 1000.0 * M / volume, 1e-9);
+  EXPECT_NEAR(liquid["density_kg_m3"], 1000.0 * M / (volume * shape), 1e-9);
   // Balances by mole and by mass.
   const double beta = state["vapour_fraction"], y = vapour["composition"]["methane"];
   EXPECT_NEAR(beta * y + (1.0 - beta) * x, 0.7, 1e-12);
@@ -113,6 +114,9 @@ TEST(flash, free_water_is_parted_from_the_liquid) {
   EXPECT_NEAR(phases[1]["composition"]["water"], std::exp(7.0 - 4000.0 / 313.15), 1e-15);
   EXPECT_EQ(phases[2]["phase"], "free water");
   EXPECT_TRUE(phases[2]["Z"].is_null());
+  EXPECT_TRUE(phases[2]["density_kg_m3"].is_null());
+  EXPECT_TRUE(document["states"][0]["overall"]["density_kg_m3"].is_null());
+  EXPECT_FALSE(phases[2]["enthalpy_J_mol"].is_null());
   double mass = 0.0;
   for (const json& phase : phases) mass += phase["mass_fraction"].get<double>();
   EXPECT_NEAR(mass, 1.0, 1e-12);
@@ -142,7 +146,7 @@ TEST(program, wrong_input_ends_with_code_2_and_the_reason) {
     const char* reason;
   } cases[] = {
       {{}, "subcommand"},
-      {{"flesh"}, "unknown command \"flesh\": use flash, components, kij"},
+      {{"flesh"}, "unknown command \"flesh\": use flash, props, components, kij"},
       {{"flash", "-T", "25", "-P", "1"}, "no mixture"},
       {{"flash", "--z", "methane=1", "-P", "1"}, "--temperature is required"},
       {{"flash", "--z", "metane=1", "-T", "25", "-P", "1"}, "did you mean methane"},
@@ -155,6 +159,10 @@ TEST(program, wrong_input_ends_with_code_2_and_the_reason) {
       {{"flash", "--z", "methane=1", "-T", "25", "-P", "1", "--free-water", "--solubility", "1"}, "A,B"},
       {{"flash", "--z", "methane=1", "-T", "25", "-P", "1", "--format", "xml"}, "xml"},
       {{"flash", "--z", "methane=0.5,oxygen=0.5", "-T", "25", "-P", "1"}, "CH4 / O2 (methane with oxygen)"},
+      {{"flash", "--z", "methane=1", "-T", "25", "-P", "1", "--energy", "kcal"},
+       "enthalpy \"kcal\": use kJ/kg"},
+      {{"props", "--z", "methane=1", "-T", "25", "-P", "1", "--phase", "solid"}, "use flash, gas or liquid"},
+      {{"props", "--z", "methane=1", "-T", "25"}, "--pressure is required"},
       {{"kij", "methane"}, "two components"},
       {{"components", "unobtainium"}, "no component matches"}};
   for (const auto& c : cases) {

@@ -1,0 +1,146 @@
+// States for programs: JSON and CSV, in base units.
+#include <fmt/format.h>
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "commands/states.hpp"
+#include "table.hpp"
+
+namespace kestrune::host {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+ordered_json by_component(const Mixture& m, const std::vector<double>& values) {
+  ordered_json result = ordered_json::object();
+  for (std::size_t i = 0; i < values.size(); ++i) result[std::string(m.components[i].id)] = values[i];
+  return result;
+}
+
+ordered_json mixture_json(const Mixture& m) {
+  ordered_json root;
+  if (!m.title.empty()) root["name"] = m.title;
+  root["set"] = m.set_name;
+  root["basis_given"] = m.basis == Basis::mole ? "mole" : "mass";
+  root["sum_given"] = m.given_sum;
+  root["molar_mass_g_mol"] = m.molar_mass;
+  root["mole_fractions"] = by_component(m, m.z);
+  root["missing_group_interactions"] = missing_in_words(m);
+  return root;
+}
+
+ordered_json settings_json(const MixtureRecord& r) {
+  const double CRIT = r.CRIT, CLIM = r.CLIM, EPS = r.EPS, relaxation = r.relaxation;
+  const double a = r.solubility_a, b = r.solubility_b;
+  const std::int32_t ITEMAX = r.ITEMAX, NEW = r.NEW;
+  ordered_json root{{"crit", CRIT},
+                    {"clim", CLIM},
+                    {"eps", EPS},
+                    {"itemax", ITEMAX},
+                    {"new", NEW},
+                    {"relax", relaxation},
+                    {"free_water", (r.flags & FreeWaterFlag) != 0}};
+  if ((r.flags & FreeWaterFlag) != 0) root["solubility"] = {a, b};
+  return root;
+}
+
+ordered_json phase_json(const Mixture& m, const PhaseState& p) {
+  const PropertyValues& values = p.properties;
+  ordered_json root{{"phase", phase_name(p.kind)},
+                    {"mole_fraction", p.mole_fraction},
+                    {"mass_fraction", p.mass_fraction},
+                    {"molar_mass_g_mol", p.molar_mass},
+                    {"property_status", values.first_failure()},
+                    {"property_status_text", kv_status_text(values.first_failure())},
+                    {"heat_capacity_extrapolated", values.extrapolated()}};
+  ordered_json missing = ordered_json::object();
+  for (const PropertyInfo& info : all_properties()) {
+    root[std::string(info.key)] = values[info.property];  // NaN becomes null
+    const StatusCode status = values.status(info.property);
+    if (!has_value(status)) missing[std::string(info.key)] = status;
+  }
+  if (!missing.empty()) root["missing_properties"] = missing;
+  root["composition"] = by_component(m, p.x);
+  return root;
+}
+
+ordered_json state_json(const Mixture& m, const Equilibrium& s) {
+  ordered_json root{{"temperature_K", s.T},
+                    {"pressure_Pa", s.P},
+                    {"flashed", s.flashed},
+                    {"status", s.status},
+                    {"status_text", kv_status_text(s.status)},
+                    {"phases", ordered_json::array()}};
+  for (const PhaseState& p : s.phases) root["phases"].push_back(phase_json(m, p));
+  if (!s.flashed || s.status >= KV_STATUS_CALL_BLOCK) return root;
+  if (s.status != KV_OK) {
+    root["last_iterate"] = {
+        {"vapour_fraction", s.beta}, {"vapour", by_component(m, s.y)}, {"liquid", by_component(m, s.x)}};
+    return root;
+  }
+  root["overall"] = phase_json(m, s.overall);
+  root["vapour_fraction"] = s.beta;
+  if (s.beta == 0.0 || s.beta == 1.0) {
+    const bool gas = s.beta == 1.0;
+    root["incipient_phase"] = {{"phase", gas ? "liquid" : "vapour"},
+                               {"composition", by_component(m, gas ? s.x : s.y)}};
+  }
+  // The ratios of the library: with free water, x counts all liquid as one.
+  if (s.phase(PhaseKind::free_water) != nullptr) root["all_liquid"] = by_component(m, s.x);
+  root["K"] = by_component(m, s.K);
+  return root;
+}
+
+// The shortest digits that read back as the same number; an empty field for no number.
+std::string exact(double value) {
+  return std::isfinite(value) ? fmt::format("{}", value) : "";
+}
+
+// The columns of a phase, each with its comma.
+std::string phase_csv(const PhaseState& p) {
+  std::string line =
+      fmt::format(",{},{},{},{}", phase_name(p.kind), p.mole_fraction, p.mass_fraction, p.molar_mass);
+  for (const PropertyInfo& info : all_properties())
+    line.append(1, ',').append(exact(p.properties[info.property]));
+  const StatusCode status = p.properties.first_failure();
+  line +=
+      fmt::format(",{},{},{}", status, csv_field(kv_status_text(status)), p.properties.extrapolated() ? 1 : 0);
+  for (const double x : p.x) line += fmt::format(",{}", x);
+  return line;
+}
+
+std::string phase_headings(const Mixture& m) {
+  std::string line = ",phase,mole_fraction,mass_fraction,molar_mass_g_mol";
+  for (const PropertyInfo& info : all_properties()) line += fmt::format(",{}", info.key);
+  line += ",property_status,property_status_text,heat_capacity_extrapolated";
+  for (const Component& c : m.components) line += fmt::format(",x_{}", c.id);
+  return line;
+}
+
+}  // namespace
+
+void print_json(const StateReport& report, std::ostream& out) {
+  ordered_json root{{"mixture", mixture_json(report.mixture)},
+                    {"settings", settings_json(report.mixture.record)},
+                    {"remarks", remarks(report.mixture)},
+                    {"states", ordered_json::array()}};
+  for (const Equilibrium& s : report.states) root["states"].push_back(state_json(report.mixture, s));
+  out << root.dump(2) << '\n';
+}
+
+void print_csv(const StateReport& report, bool overall_rows, std::ostream& out) {
+  constexpr std::size_t columns_before_x = 7 + kPropertyCount;
+  out << "state,temperature_K,pressure_Pa,status,status_text" << phase_headings(report.mixture) << '\n';
+  for (std::size_t i = 0; i < report.states.size(); ++i) {
+    const Equilibrium& s = report.states[i];
+    const std::string head =
+        fmt::format("{},{},{},{},{}", i + 1, s.T, s.P, s.status, csv_field(kv_status_text(s.status)));
+    if (s.phases.empty()) out << head << std::string(columns_before_x + report.mixture.z.size(), ',') << '\n';
+    for (const PhaseState& p : s.phases) out << head << phase_csv(p) << '\n';
+    if (overall_rows && !s.phases.empty()) out << head << phase_csv(s.overall) << '\n';
+  }
+}
+
+}  // namespace kestrune::host

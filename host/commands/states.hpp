@@ -1,0 +1,77 @@
+// What the commands that evaluate a mixture at many states share: options, the loop over the states, reports.
+#pragma once
+
+#include <functional>
+#include <ostream>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "commands/session.hpp"
+#include "equilibrium.hpp"
+
+namespace kestrune::host {
+
+struct StateReport {
+  const Mixture& mixture;
+  const std::vector<Equilibrium>& states;
+  const UnitSystem& units;  // of the text; JSON and CSV are in the base units
+};
+
+// Options of a command on a mixture at temperatures and pressures.
+struct StateOptions {
+  MixtureOptions mixture;
+  MissingPairOptions missing;
+  RecordOptions record;
+  OutputOptions output;
+  std::string temperature, pressure, energy;
+
+  void add_to(CLI::App& command);
+  UnitSystem system() const;
+};
+
+using Evaluate = std::function<Equilibrium(const Exports&, Mixture&, double T, double P)>;
+using PrintText = std::function<void(const StateReport&, std::ostream&)>;
+
+// Evaluates every combination of temperature and pressure and prints the report in the format asked for. A
+// status without a value in any state makes the exit code of the session. overall_rows: the CSV gets a row for
+// the phases together after the rows of the phases.
+void report_states(const StateOptions& options, Session& session, const Evaluate& evaluate,
+                   const PrintText& print_text, bool overall_rows);
+
+// ---- state_data.cpp: for programs ---------------------------------------------------------------
+
+void print_json(const StateReport& report, std::ostream& out);
+// One row per state and phase; a state without phases has one row with the columns of phases empty.
+void print_csv(const StateReport& report, bool overall_rows, std::ostream& out);
+
+// ---- state_text.cpp: for the reader -------------------------------------------------------------
+
+inline constexpr const char* kExtrapolatedText =
+    "temperature outside the range of the ideal-gas heat capacity of at least one component: continued beyond "
+    "it";
+
+// "success", or number and text
+std::string status_in_words(StatusCode status);
+// The status of a state for a column: that of the flash, "incomplete" where a property is missing, and with an
+// asterisk where a heat capacity was continued beyond its range. print_notes says what these mean.
+std::string short_status(const Equilibrium& state);
+
+// Mixture, free water and remarks.
+void print_mixture(const StateReport& report, std::ostream& out);
+// Temperature, pressure, status and phases of a state.
+void print_state(const StateReport& report, const Equilibrium& state, std::ostream& out);
+// One row per property, one column per phase and, of several, one for all of them.
+void print_properties(const StateReport& report, const Equilibrium& state, std::span<const Property> rows,
+                      std::ostream& out);
+// Which properties are missing and why, and whether heat capacities were continued; once, nothing if all is
+// well.
+void print_notes(std::span<const Equilibrium> states, std::ostream& out);
+
+// A property in the units of the report; "-" where there is none. With the unit: "density kg/m3".
+std::string shown_property(const StateReport& report, const PhaseState& phase, const PropertyInfo& info);
+std::string with_unit(std::string_view title, const Unit& unit, std::string_view separator);
+// A temperature or pressure with so many decimals; pascals have none.
+std::string shown_condition(const Unit& unit, double base, int decimals);
+
+}  // namespace kestrune::host

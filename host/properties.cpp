@@ -1,0 +1,160 @@
+#include "properties.hpp"
+
+#include <cmath>
+#include <limits>
+
+namespace kestrune::host {
+
+namespace {
+
+constexpr double kGasConstant = 82.057;  // cm3 atm/(mol K), the value of the calculation library
+constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+
+using Prop = Property;
+using Q = Quantity;
+constexpr PropertyInfo kProperties[kPropertyCount] = {
+    {Prop::Z, Q::ratio, "compressibility factor Z", "Z", "Z"},
+    {Prop::density, Q::density, "density", "density", "density_kg_m3"},
+    {Prop::molar_volume, Q::molar_volume, "molar volume", "volume", "molar_volume_m3_mol"},
+    {Prop::enthalpy, Q::enthalpy, "enthalpy H", "H", "enthalpy_J_mol"},
+    {Prop::entropy, Q::entropy, "entropy S", "S", "entropy_J_mol_K"},
+    {Prop::free_enthalpy, Q::enthalpy, "free enthalpy G", "G", "free_enthalpy_J_mol"},
+    {Prop::Cp, Q::entropy, "heat capacity Cp", "Cp", "Cp_J_mol_K"},
+    {Prop::Cv, Q::entropy, "heat capacity Cv", "Cv", "Cv_J_mol_K"},
+    {Prop::speed_of_sound, Q::speed, "speed of sound", "sound", "speed_of_sound_m_s"},
+    {Prop::joule_thomson, Q::joule_thomson, "Joule-Thomson coefficient", "J-T", "joule_thomson_K_Pa"},
+    {Prop::compressibility, Q::compressibility, "compressibility", "compr.", "compressibility_1_Pa"},
+    {Prop::viscosity, Q::viscosity, "viscosity", "visc.", "viscosity_Pa_s"},
+    {Prop::conductivity, Q::conductivity, "thermal conductivity", "cond.", "thermal_conductivity_W_m_K"},
+    {Prop::normal_density, Q::density, "normal density (0 C, 1 atm)", "normal", "normal_density_kg_m3"},
+    {Prop::normal_volume, Q::ratio, "normal m3 in one m3", "Nm3/m3", "normal_m3_per_m3"}};
+
+// One phase whose properties are asked for. The record is a copy: the exports take it as one to write to.
+struct Call {
+  const Exports& library;
+  MixtureRecord record;
+  double T, atm;
+  const double* x;
+  double molar_mass;  // g/mol
+};
+
+struct Volume {
+  StatusCode status;
+  double density, d_dT, d_dP;  // kg/m3, per K, per Pa
+};
+
+Volume add_volume(Call& c, decltype(Exports::GasDensity_PPR78) density_export, PropertyValues& result) {
+  double density = kNone, d_dT = kNone, d_dP = kNone, d2 = kNone;
+  const StatusCode status = density_export(c.T, c.atm, c.x, &c.record, &density, &d_dT, &d_dP, &d2);
+  const double v = c.molar_mass / density;  // cm3/mol
+  result.set(Prop::Z, status, v * c.atm / (kGasConstant * c.T));
+  result.set(Prop::density, status, 1e3 * density);
+  result.set(Prop::molar_volume, status, 1e-6 * v);
+  result.set(Prop::compressibility, status, d_dP / density / kAtmInPa);
+  return {status, 1e3 * density, 1e3 * d_dT, 1e3 * d_dP / kAtmInPa};
+}
+
+using MolarExport = decltype(Exports::GasMolarEnthalpy_PPR78);
+
+void add_molar(Call& c, MolarExport molar_export, Prop property, PropertyValues& result) {
+  double value = kNone;
+  const StatusCode status = molar_export(c.T, c.atm, c.x, &c.record, &value);
+  result.set(property, status, kCalInJ * value);
+}
+
+void add_gas_only(Call& c, PropertyValues& result) {
+  double Cp = kNone, Cv = kNone, sound = kNone, joule_thomson = kNone, value = kNone;
+  StatusCode status =
+      c.library.GasSpecificHeat_PPR78(c.T, c.atm, c.x, &c.record, &Cp, &Cv, &sound, &joule_thomson);
+  result.set(Prop::Cp, status, kCalInJ * Cp);
+  result.set(Prop::Cv, status, kCalInJ * Cv);
+  result.set(Prop::speed_of_sound, status, sound);
+  result.set(Prop::joule_thomson, status, joule_thomson / kAtmInPa);
+  status = c.library.GasDynamicViscosity_PPR78(c.T, c.atm, c.x, &c.record, &value);
+  result.set(Prop::viscosity, status, 1e-3 * value);
+  status = c.library.GasThermalConductivity_PPR78(c.T, c.atm, c.x, &c.record, &value);
+  result.set(Prop::conductivity, status, value);
+  double Z = kNone, Z_normal = kNone, density = kNone, volume = kNone;
+  status = c.library.GasN(c.T, c.atm, c.x, &c.record, &Z, &Z_normal, &density, &volume);
+  result.set(Prop::normal_density, status, density);
+  result.set(Prop::normal_volume, status, volume);
+}
+
+void add_liquid_heat(Call& c, const Volume& volume, PropertyValues& result) {
+  double H = kNone, d_dT = kNone, d_dP = kNone;
+  const StatusCode status = c.library.LiquidMolarEnthalpy_Derivatives_PPR78(
+      c.T, c.atm, c.x, &c.record, KV_DERIV_T | KV_DERIV_P, &H, &d_dT, &d_dP, nullptr);
+  const double Cp = kCalInJ * d_dT;
+  const double v = 1e-3 * c.molar_mass / volume.density;
+  const double alpha = -volume.d_dT / volume.density, kappa = volume.d_dP / volume.density;
+  const double Cv = Cp - c.T * v * alpha * alpha / kappa;
+  const StatusCode both = combined(status, volume.status);
+  result.set(Prop::Cp, status, Cp);
+  result.set(Prop::joule_thomson, status, -d_dP / d_dT / kAtmInPa);
+  result.set(Prop::Cv, both, Cv);
+  result.set(Prop::speed_of_sound, both, std::sqrt(Cp / Cv / volume.d_dP));
+}
+
+}  // namespace
+
+std::string_view phase_name(PhaseKind kind) {
+  constexpr std::string_view names[] = {"vapour", "liquid", "free water", "overall"};
+  return names[static_cast<std::size_t>(kind)];
+}
+
+std::span<const PropertyInfo> all_properties() {
+  return kProperties;
+}
+
+PropertyValues::PropertyValues() {
+  values.fill(kNone);
+  statuses.fill(KV_OK);
+}
+
+void PropertyValues::set(Property p, StatusCode status, double value) {
+  if (has_value(status) && !std::isfinite(value)) status = KV_NOT_FINITE;
+  values[static_cast<std::size_t>(p)] = has_value(status) ? value : kNone;
+  statuses[static_cast<std::size_t>(p)] = status;
+}
+
+StatusCode PropertyValues::first_failure() const {
+  for (const StatusCode s : statuses) {
+    if (!has_value(s)) return s;
+  }
+  return KV_OK;
+}
+
+bool PropertyValues::extrapolated() const {
+  for (const StatusCode s : statuses) {
+    if (s == KV_PURE_RANGE) return true;
+  }
+  return false;
+}
+
+StatusCode combined(StatusCode a, StatusCode b) {
+  if (!has_value(a)) return a;
+  return b == KV_OK ? a : b;
+}
+
+PropertyValues phase_properties(const Exports& library, const Mixture& mixture, PhaseKind kind, double T,
+                                double P, const std::vector<double>& x, double molar_mass) {
+  PropertyValues result;
+  Call call{library, mixture.record, T, P / kAtmInPa, x.data(), molar_mass};
+  call.record.trace_flag = 0;
+  if (kind == PhaseKind::vapour) {
+    add_volume(call, library.GasDensity_PPR78, result);
+    add_gas_only(call, result);
+  } else if (kind == PhaseKind::liquid) {
+    add_liquid_heat(call, add_volume(call, library.LiquidDensity_PPR78, result), result);
+  }
+  const bool gas = kind == PhaseKind::vapour;
+  add_molar(call, gas ? library.GasMolarEnthalpy_PPR78 : library.LiquidMolarEnthalpy_PPR78, Property::enthalpy,
+            result);
+  add_molar(call, gas ? library.GasMolarEntropy_PPR78 : library.LiquidMolarEntropy_PPR78, Property::entropy,
+            result);
+  add_molar(call, gas ? library.GasMolarFreeEnthalpy_PPR78 : library.LiquidMolarFreeEnthalpy_PPR78,
+            Property::free_enthalpy, result);
+  return result;
+}
+
+}  // namespace kestrune::host

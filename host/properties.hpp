@@ -1,0 +1,79 @@
+// Properties of one phase at temperature and pressure, each with its status, from the property exports.
+#pragma once
+
+#include <array>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "mixture.hpp"
+#include "units.hpp"
+
+namespace kestrune::host {
+
+enum class PhaseKind { vapour, liquid, free_water, overall };
+
+// "vapour", "liquid", "free water", "overall"
+std::string_view phase_name(PhaseKind kind);
+
+enum class Property {
+  Z,
+  density,
+  molar_volume,
+  enthalpy,
+  entropy,
+  free_enthalpy,
+  Cp,
+  Cv,
+  speed_of_sound,
+  joule_thomson,
+  compressibility,
+  viscosity,
+  conductivity,
+  normal_density,
+  normal_volume,
+};
+inline constexpr std::size_t kPropertyCount = 15;
+
+struct PropertyInfo {
+  Property property;
+  Quantity quantity;
+  std::string_view title;    // of a row
+  std::string_view heading;  // of a narrow column, without unit
+  std::string_view key;      // in JSON and CSV, with the base unit
+};
+
+// In the order of Property.
+std::span<const PropertyInfo> all_properties();
+
+// A status that comes with a value: success, or a heat capacity continued beyond its range.
+inline bool has_value(StatusCode status) {
+  return status == KV_OK || status == KV_PURE_RANGE;
+}
+
+// Values in the base units of Quantity. NaN with status 0: the phase has no such property.
+struct PropertyValues {
+  std::array<double, kPropertyCount> values;
+  std::array<StatusCode, kPropertyCount> statuses;
+
+  PropertyValues();
+  double operator[](Property p) const { return values[static_cast<std::size_t>(p)]; }
+  StatusCode status(Property p) const { return statuses[static_cast<std::size_t>(p)]; }
+  void set(Property p, StatusCode status, double value);
+
+  StatusCode first_failure() const;  // the first status without a value, else 0
+  bool extrapolated() const;         // some value has the status of a heat capacity beyond its range
+};
+
+// The status of a value made of two: the first without a value, else the remark that one of them carries.
+StatusCode combined(StatusCode a, StatusCode b);
+
+// T in K, P in Pa, x mole fractions, molar_mass in g/mol. A vapour has all properties, a liquid has no
+// viscosity, conductivity and normal state, free water has enthalpy, entropy and free enthalpy only, for it
+// does not follow the equation of state. Those of a liquid, with v molar volume and rho density:
+//   Cp = dH/dT, Joule-Thomson = -(dH/dP)/Cp, alpha = -(d rho/dT)/rho, compressibility kappa = (d rho/dP)/rho,
+//   Cv = Cp - T v alpha^2/kappa, speed of sound^2 = (Cp/Cv)/(d rho/dP).
+PropertyValues phase_properties(const Exports& library, const Mixture& mixture, PhaseKind kind, double T,
+                                double P, const std::vector<double>& x, double molar_mass);
+
+}  // namespace kestrune::host
