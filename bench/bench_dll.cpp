@@ -23,6 +23,77 @@ struct Host {
   }
 };
 
+// Two specifications other than T and P: enthalpy, entropy, bubble and dew points. What is specified belongs to
+// the states of a coarser grid, found before the clock starts.
+struct Specified {
+  double P, H, S;
+};
+
+std::vector<Specified> specified_states(Host& h) {
+  std::vector<Specified> states;
+  h.gas->mixture.use();
+  MixtureRecord* m = &h.gas->mixture.record;
+  for (double T = 151.0; T < 350.0; T += 8.0)
+    for (double P = 1.0; P < 148.0; P += 7.0) {
+      double HL = 0.0, HV = 0.0, SL = 0.0, SV = 0.0;
+      h.flash(T, P);
+      if (h.beta < 1.0) LiquidMolarEnthalpy_PPR78(T, P, h.x.data(), m, &HL);
+      if (h.beta < 1.0) LiquidMolarEntropy_PPR78(T, P, h.x.data(), m, &SL);
+      if (h.beta > 0.0) GasMolarEnthalpy_PPR78(T, P, h.y.data(), m, &HV);
+      if (h.beta > 0.0) GasMolarEntropy_PPR78(T, P, h.y.data(), m, &SV);
+      states.push_back({P, (1.0 - h.beta) * HL + h.beta * HV, (1.0 - h.beta) * SL + h.beta * SV});
+    }
+  return states;
+}
+
+Case energy_case(const char* name, bool entropy) {
+  auto host = std::make_shared<Host>("rich");
+  auto states = std::make_shared<std::vector<Specified>>(specified_states(*host));
+  Case c;
+  c.name = name;
+  c.what = std::string(entropy ? "FlashLVatSP" : "FlashLVatHP") +
+           " of the rich gas, cold, no estimate; mean over 151 .. 343 K step 8, 1 .. 141 atm step 7";
+  c.target = 40000.0;
+  c.batch = static_cast<double>(states->size());
+  c.set_up = [host] { host->gas->mixture.use(); };
+  c.pass = [host, states, entropy] {
+    double sum = 0.0;
+    for (const Specified& s : *states) {
+      double T = 0.0, liquid, vapour;
+      const auto flash = entropy ? FlashLVatSP : FlashLVatHP;
+      flash(entropy ? s.S : s.H, s.P, host->gas->feed.data(), &host->gas->mixture.record, nullptr, 1, &T,
+            &host->beta, host->x.data(), host->y.data(), host->K.data(), &liquid, &vapour);
+      sum += T;
+    }
+    return sum;
+  };
+  return c;
+}
+
+Case saturation_case(const char* name, double W) {
+  auto host = std::make_shared<Host>("rich");
+  Case c;
+  c.name = name;
+  c.what = std::string(W == 0.0 ? "bubble" : "dew") +
+           " point of the rich gas, FlashLVatWP and FlashLVatWT, cold; 10 .. 60 atm and 200 .. 250 K";
+  c.target = 15000.0;
+  c.batch = 102.0;
+  c.set_up = [host] { host->gas->mixture.use(); };
+  c.pass = [host, W] {
+    double sum = 0.0;
+    for (int k = 0; k < 51; ++k) {
+      const double* z = host->gas->feed.data();
+      MixtureRecord* m = &host->gas->mixture.record;
+      double T = 0.0, P = 0.0;
+      FlashLVatWP(W, 10.0 + k, z, m, nullptr, 1, &T, host->x.data(), host->y.data(), host->K.data());
+      FlashLVatWT(W, 200.0 + k, z, m, nullptr, 1, &P, host->x.data(), host->y.data(), host->K.data());
+      sum += T + P;
+    }
+    return sum;
+  };
+  return c;
+}
+
 Case flash_case(const char* name, double target) {
   auto host = std::make_shared<Host>(name);
   Case c;
@@ -155,6 +226,10 @@ std::vector<Case> cases() {
   std::vector<Case> all{flash_case("lean", 4500.0), flash_case("rich", 7000.0), boundary_case(),
                         molar_mass_case()};
   for (Case& c : property_cases()) all.push_back(std::move(c));
+  all.push_back(energy_case("flash_HP", false));
+  all.push_back(energy_case("flash_SP", true));
+  all.push_back(saturation_case("bubble", 0.0));
+  all.push_back(saturation_case("dew", 1.0));
   return all;
 }
 

@@ -31,6 +31,28 @@ double quadratic(const eos::Temperature& t, const double* matrix, const double* 
   return sum;
 }
 
+// The root of the kind, and where it is not clearly the lower one, still that of its name: of two phases that
+// are nearly one composition, as at the boiling point of a component, the Gibbs energy cannot tell.
+bool find_root(const CaloricModel& c, const eos::Mixture& m, Kind kind, double start, eos::Root& r) {
+  constexpr double kClearlyLower = 1e-7;
+  const double rt = eos::kR * c.t.T, A = m.a * c.P / (rt * rt), B = m.b * c.P / rt;
+  const auto bracub = frame::tools::bracub();
+  if (kind == Kind::stable) return eos::stable_root(c.t, bracub, m, c.P, start, r) <= 50;
+  const int phase = kind == Kind::liquid ? KV_PHASE_LIQUID : KV_PHASE_GAS;
+  double Z = start;
+  const int status = eos::solve_root(bracub, A, B, phase, start > 0.0, Z);
+  if (status > 50) return false;
+  eos::reduce(c.t, m, c.P, Z, r);
+  if (status != 0 || !eos::may_have_three_roots(A, B)) return true;
+  double other_Z = 0.0;
+  const int other_phase = kind == Kind::liquid ? KV_PHASE_GAS : KV_PHASE_LIQUID;
+  if (eos::solve_root(bracub, A, B, other_phase, false, other_Z) != 0) return true;
+  eos::Root other;
+  eos::reduce(c.t, m, c.P, other_Z, other);
+  if (eos::residual_gibbs(m, other) < eos::residual_gibbs(m, r) - kClearlyLower) r = other;
+  return true;
+}
+
 }  // namespace
 
 bool CaloricModel::analytic() const {
@@ -63,16 +85,8 @@ bool phase_caloric(CaloricModel& c, const double* x, Kind kind, PhaseCaloric& ou
   const double T = t.T, rt = eos::kR * T;
   const eos::Mixture m = eos::mix(t, x, c.s);
   eos::Root r;
-  if (kind == Kind::stable) {
-    if (eos::stable_root(t, frame::tools::bracub(), m, c.P, out.Z, r) > 50) return false;
-    out.Z = r.Z;
-  } else {
-    const int phase = kind == Kind::liquid ? KV_PHASE_LIQUID : KV_PHASE_GAS;
-    if (eos::solve_root(frame::tools::bracub(), m.a * c.P / (rt * rt), m.b * c.P / rt, phase, out.Z > 0.0,
-                        out.Z) > 50)
-      return false;
-    eos::reduce(t, m, c.P, out.Z, r);
-  }
+  if (!find_root(c, m, kind, out.Z, r)) return false;
+  out.Z = r.Z;
   const eos::Mechanics k = eos::mechanics(t, m, r);
   eos::ln_phi(t, m, r, c.s, out.ln_phi);
   const double a_t = eos::dln_phi_dT(t, m, r, k, x, c.s, c.s_t, out.dln_phi_dT);

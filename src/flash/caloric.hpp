@@ -44,7 +44,10 @@ void open_caloric(support::Arena& arena, CaloricModel& c);
 /* Prepares T. KV_OK, also where a heat capacity is continued beyond its range; or why there are no values. */
 StatusCode prepare_caloric(CaloricModel& c, double T);
 
-/* Value and slopes of a phase of composition x[ld] at the prepared temperature. False: no usable root. */
+/*
+ * Value and slopes of a phase of composition x[ld] at the prepared temperature. A gas or liquid takes the root
+ * of its name unless the other one has a clearly lower Gibbs energy. False: no usable root.
+ */
 bool phase_caloric(CaloricModel& c, const double* x, Kind kind, PhaseCaloric& out);
 
 /* The value alone at any temperature, by the host's routine where there is one, with free water where it is on.

@@ -24,6 +24,9 @@ constexpr double kReached = 1e-10;  // relative change of T that is left
 // A bracket of this relative width across which the value jumps by more than this part of R T (or R) is a
 // region that T cannot resolve; one of the smaller width is an answer.
 constexpr double kNearlyIsothermal = 1e-8, kJump = 1e-4, kSameTemperature = 1e-12;
+constexpr double kSameTwo = 1e-9;  // relative change of T that is left when a flash repeats what Newton found
+constexpr int kRetreats = 6;
+constexpr StatusCode kPureStatuses = 1000;  // from here on a status is not one of an iteration
 constexpr double kLimitReached = 100.0;
 constexpr StatusCode kNotApplicable = -1;
 
@@ -134,9 +137,17 @@ bool solve_locally(Energy& e) {
   copy_state(e, e.state, s);
   if (s.two_phases()) {
     const Local local = solve_two_phases(e, s);
-    if (local == Local::converged && e.bracket.inside(s.T) && accept_two_phases(e, s)) {
+    if (local == Local::converged && e.bracket.inside(s.T)) {
+      const double slope = s.slope;
+      if (accept_two_phases(e, s)) {
+        copy_state(e, s, e.state);
+        return true;
+      }
+      if (e.status != KV_OK) return false;
+      // Something splits off: what the flash says there. Of a state with three phases it may be the same two.
+      if (!equilibrium_at(e, s.T, false, s)) return false;
       copy_state(e, s, e.state);
-      return true;
+      return std::fabs(e.f(s)) <= kSameTwo * s.T * slope;
     }
     if (local == Local::failed && e.status != KV_OK) return false;
     s.T = local == Local::vanished ? s.T : e.state.T;
@@ -165,6 +176,16 @@ bool ended_by_bracket(Energy& e, StatusCode& status) {
   return true;
 }
 
+// As equilibrium_at, nearer and nearer to where there was an answer.
+bool equilibrium_towards(Energy& e, double T) {
+  const double good = e.state.T;
+  for (int k = 0; k < kRetreats; ++k, T = 0.5 * (T + good)) {
+    if (equilibrium_at(e, T, false, e.state)) return true;
+    if (e.status > kPureStatuses && e.status != KV_NOT_FINITE) return false;
+  }
+  return false;
+}
+
 StatusCode iterate(Energy& e) {
   if (!equilibrium_at(e, e.start_T, !e.call.cold, e.state) &&
       (e.start_T == kDefaultTemperature || !equilibrium_at(e, kDefaultTemperature, false, e.state)))
@@ -185,8 +206,12 @@ StatusCode iterate(Energy& e) {
       e.limit = e.f(e.state) < 0.0 ? kLimitReached : -kLimitReached;
       return KV_NOT_CONVERGED;
     }
-    if (!equilibrium_at(e, T, false, e.state))
-      return e.status == KV_OK ? StatusCode{KV_NOT_CONVERGED} : e.status;
+    const double from = e.state.T;
+    if (equilibrium_towards(e, T)) continue;
+    // Not even close to where there was an answer: the model ends here.
+    if (e.status > kPureStatuses && e.status != KV_NOT_FINITE) return e.status;
+    e.limit = T > from ? kLimitReached : -kLimitReached;
+    return KV_NOT_CONVERGED;
   }
   return KV_NOT_CONVERGED;
 }
@@ -258,6 +283,7 @@ StatusCode solve_single_component(Energy& e, int j, support::Arena& arena) {
   p.X[line.P_index()] = std::log(e.call.P);
   const StatusCode saturated = pure_saturation(line, p, j, line.T_index());
   if (saturated != KV_OK && saturated != KV_NO_SATURATION) return kNotApplicable;
+  if (saturated == KV_NO_SATURATION && e.call.free_water) return kNotApplicable;  // liquid water above its Pc
   e.model.base = arena.mark();
   e.model.prepared = 0.0;
   EnergyState& s = e.state;
@@ -350,7 +376,9 @@ StatusCode drive(Energy& e, support::Arena& arena) {
   return write_state(e, status);
 }
 
-StatusCode set_up(const EnergyCall& call, support::Arena& arena) {
+// Everything that a flash works with, then run(flash, arena).
+template <class Run>
+StatusCode with_energy(const EnergyCall& call, support::Arena& arena, Run&& run) {
   const Settings settings = copy_settings(*call.mixture);
   support::TraceWriter trace(settings.trace, settings.trace_unit);
   CaloricModel model;
@@ -378,7 +406,7 @@ StatusCode set_up(const EnergyCall& call, support::Arena& arena) {
   for (double** a : {&e.a_dn, &e.b_dn, &e.system}) *a = arena.take(square);
   open_caloric(arena, model);
   model.base = arena.mark();
-  const StatusCode status = drive(e, arena);
+  const StatusCode status = run(e, arena);
   if (call.flashes != nullptr) *call.flashes = e.flashes;
   return status;
 }
@@ -398,8 +426,9 @@ bool evaluate_state(Energy& e, EnergyState& s) {
     if (e.status != KV_OK) return false;
     e.a.dn = e.b.dn = nullptr;
     e.a.Z = e.b.Z = 0.0;
-    if (liquid && !phase_caloric(e.model, x, Kind::stable, e.a)) e.status = KV_NOT_FINITE;
-    if (vapour && !phase_caloric(e.model, y, Kind::stable, e.b)) e.status = KV_NOT_FINITE;
+    const bool two = liquid && vapour;
+    if (liquid && !phase_caloric(e.model, x, two ? Kind::liquid : Kind::stable, e.a)) e.status = KV_NOT_FINITE;
+    if (vapour && !phase_caloric(e.model, y, two ? Kind::gas : Kind::stable, e.b)) e.status = KV_NOT_FINITE;
     s.liquid = liquid ? e.a.value : 0.0;
     s.vapour = vapour ? e.b.value : 0.0;
     if (liquid != vapour) s.slope = liquid ? e.a.slope : e.b.slope;
@@ -422,7 +451,17 @@ bool equilibrium_at(Energy& e, double T, bool warm, EnergyState& s) {
 
 StatusCode energy_flash(const EnergyCall& call) {
   return support::with_arena<12, 220>(call.mixture->count,
-                                      [&](support::Arena& arena) { return set_up(call, arena); });
+                                      [&](support::Arena& arena) { return with_energy(call, arena, drive); });
+}
+
+StatusCode energy_search(const EnergyCall& call) {
+  const auto run = [](Energy& e, support::Arena&) {
+    const StatusCode status = search_temperature(e, false);
+    e.state.T = *e.call.T;
+    return write_state(e, status);
+  };
+  return support::with_arena<12, 220>(call.mixture->count,
+                                      [&](support::Arena& arena) { return with_energy(call, arena, run); });
 }
 
 }  // namespace kestrune::flash

@@ -29,6 +29,9 @@ struct EnergyCall {
  */
 StatusCode energy_flash(const EnergyCall& call);
 
+/* The search alone that stands behind the main solver: isothermal flashes and forward differences from *T. */
+StatusCode energy_search(const EnergyCall& call);
+
 }  // namespace kestrune::flash
 
 #endif

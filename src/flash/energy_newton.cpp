@@ -137,7 +137,7 @@ Local solve_two_phases(Energy& e, EnergyState& s) {
     e.status = prepare_caloric(e.model, s.T);
     if (e.status != KV_OK) return Local::failed;
     ++e.passes;
-    if (!phase_caloric(e.model, s.x, Kind::stable, e.a) || !phase_caloric(e.model, s.y, Kind::stable, e.b))
+    if (!phase_caloric(e.model, s.x, Kind::liquid, e.a) || !phase_caloric(e.model, s.y, Kind::gas, e.b))
       return Local::failed;
     const double V = s.beta, L = 1.0 - V, T = s.T;
     s.liquid = e.a.value;

@@ -14,16 +14,6 @@ constexpr int kPassLimit = 50;
 constexpr double kFirstStep = 1e-4, kSecondPassStep = 0.1, kSmallestStep = 1e-8, kLargestShift = 40.0;
 constexpr double kLargestChange = 50.0, kSmallestFactor = 1e-5, kSameTemperature = 1e-6;
 
-/*
- * Scale of the residual: the value itself within 1 .. 10000, +-1 below, and +10000 above whatever the sign:
- * large negative values are scaled the other way round than large positive ones.
- */
-double residual_scale(double wanted) {
-  const double size = std::fabs(wanted);
-  if (size < 1.0) return wanted < 0.0 ? -1.0 : 1.0;
-  return size <= 10000.0 ? wanted : 10000.0;
-}
-
 struct Search {
   Energy& e;
   double scale, tolerance;
@@ -64,6 +54,12 @@ Pass run_pass(Search& s, double e, double& T) {
 }
 
 }  // namespace
+
+double residual_scale(double wanted) {
+  const double size = std::fabs(wanted);
+  if (size < 1.0) return wanted < 0.0 ? -1.0 : 1.0;
+  return size <= 10000.0 ? wanted : 10000.0;
+}
 
 StatusCode search_temperature(Energy& e, bool warm) {
   Search s{e, residual_scale(e.call.wanted), copy_settings(*e.call.mixture).CRIT, warm};

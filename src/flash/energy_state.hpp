@@ -93,6 +93,12 @@ enum class Local {
 Local solve_one_phase(Energy& e, EnergyState& s);
 Local solve_two_phases(Energy& e, EnergyState& s);
 
+/*
+ * Scale of the residual of the search: the value itself within 1 .. 10000, +-1 below, and +10000 above whatever
+ * the sign: large negative values are scaled the other way round than large positive ones.
+ */
+double residual_scale(double wanted);
+
 /* The search by repeated isothermal flashes with forward differences, from *call.T. */
 StatusCode search_temperature(Energy& e, bool warm);
 

@@ -184,7 +184,9 @@ bool evaluate_feed(Flash& f) {
     for (int i = 0; i < n; ++i) gas += f.it.z[i] * f.feed_phi[i];
     for (int i = 0; i < n; ++i) liquid += f.it.z[i] * f.trial.ln_phi[i];
     f.feed_kind = Kind::gas;
-    if (liquid < gas && may_be_liquid(f)) {
+    f.liquid_water =
+        f.it.z[f.m.water] > 1.0 - pure_tolerance(*f.call.mixture) && kind_of(f, f.it.z, Z) == Kind::liquid;
+    if (f.liquid_water || (liquid < gas && may_be_liquid(f))) {
       std::copy_n(f.trial.ln_phi, f.m.ld, f.feed_phi);
       f.feed_kind = Kind::liquid;
       Z = z_liquid;

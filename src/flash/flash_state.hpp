@@ -35,6 +35,7 @@ struct Flash {
   double* direction = nullptr;  // [ld] of lowest curvature at the feed
   double* tried = nullptr;      // [ld * kTried] compositions of trials that a split was tried from
   double* dry = nullptr;        // [ld] the feed without its water
+  bool liquid_water = false;    // free water alone, where the equation of state has no gas of it
   double feed_gibbs = 0.0;      // sum of z d
   double feed_Z = 0.0;
   Kind feed_kind = Kind::stable;

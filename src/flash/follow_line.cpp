@@ -59,25 +59,22 @@ double bounded(const QualityLine& line, const LinePoint& p, int spec, double ste
   return step * part;
 }
 
-double weight_of_log_k(const QualityLine& line, const LinePoint& p) {
-  double sum = 0.0;
-  for (int i = 0; i < line.n; ++i) sum += line.z[i] * p.X[i] * p.X[i];
-  return sum;
-}
-
-// Whether the phases have changed places between two points: the ln K have opposite signs.
-bool passed_critical(const QualityLine& line, const LinePoint& a, const LinePoint& b) {
-  double sum = 0.0;
-  for (int i = 0; i < line.n; ++i) sum += line.z[i] * a.X[i] * b.X[i];
-  return sum < 0.0;
-}
-
 struct Walk {
   QualityLine& line;
   LinePoint &last, &here, &next;
   int target;
   double value;
+  const double* start;  // [n] ln K where the walk began
+  bool beyond;          // the target is looked for behind the critical point
   StatusCode status = KV_OK;
+
+  // Behind the critical point the ln K have the other sign.
+  bool behind(const LinePoint& p) const {
+    double sum = 0.0;
+    for (int i = 0; i < line.n; ++i) sum += line.z[i] * start[i] * p.X[i];
+    return sum < 0.0;
+  }
+  bool wanted(const LinePoint& p) const { return behind(p) == beyond && !one_phase(line, p); }
 };
 
 // The point between a and b where the target has the value, into w.next.
@@ -92,7 +89,7 @@ bool solve_between(Walk& w, const LinePoint& a, const LinePoint& b, int spec) {
   }
   for (int i = 0; i < size; ++i) w.next.X[i] = between(a, b, i, spec).at(low);
   if (solve_point(w.line, w.next, w.target, w.value, kNewtonLimit, true, w.status) == Solved::yes &&
-      !passed_critical(w.line, a, w.next) && weight_of_log_k(w.line, w.next) > 1e-9)
+      w.wanted(w.next))
     return true;
   // Close to an extreme of the target: by the unknown that changes, halving.
   low = 0.0;
@@ -105,8 +102,7 @@ bool solve_between(Walk& w, const LinePoint& a, const LinePoint& b, int spec) {
     if (std::fabs(w.next.X[w.target] - w.value) < 1e-10) break;
     ((w.next.X[w.target] < w.value) == rising ? low : high) = middle;
   }
-  return std::fabs(w.next.X[w.target] - w.value) < 1e-8 && !passed_critical(w.line, a, w.next) &&
-         weight_of_log_k(w.line, w.next) > 1e-9;
+  return std::fabs(w.next.X[w.target] - w.value) < 1e-8 && w.wanted(w.next);
 }
 
 bool crossed(const Walk& w, const LinePoint& a, const LinePoint& b) {
@@ -141,11 +137,13 @@ bool solve_before_extreme(Walk& w, int spec, LinePoint& extreme, bool& found) {
 
 }  // namespace
 
-Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, StatusCode& status) {
+Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, bool beyond, StatusCode& status) {
   LinePoint last, next, extreme;
+  double* start = line.arena->take(line.n);
+  std::copy_n(p.X, line.n, start);
   for (LinePoint* q : {&last, &next, &extreme}) take_point(*line.arena, line, *q);
   seal_line(line);
-  Walk w{line, last, p, next, target, value};
+  Walk w{line, last, p, next, target, value, start, beyond};
   const int size = line.n + 2;
   line.stable_roots = true;
   double step = kFirstStep;
@@ -189,7 +187,7 @@ Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, St
       copy_point(line, next, p);
       return Solved::yes;
     }
-    if (passed_critical(line, p, next)) return Solved::no;
+    if (!beyond && w.behind(next)) return Solved::no;
     if (next.X[line.P_index()] > kTop || next.X[line.T_index()] < kColdest) return Solved::no;
     step = std::fabs(h) * (next.passes <= 3 ? 1.8 : next.passes <= 4 ? 1.2 : 0.6);
     copy_point(line, p, last);

@@ -116,6 +116,7 @@ StatusCode solve(Flash& f) {
   else
     trace_initial(f.trace, f.call, 0.0, f.it.z, f.it.z, f.it.z);
 
+  if (f.liquid_water) return finish_single_phase(f);
   Outcome outcome = Outcome::one_phase;
   if (given) {
     start_from_estimate(f);

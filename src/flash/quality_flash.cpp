@@ -23,8 +23,11 @@ constexpr double kWilsonTolerance = 1e-4, kEquationTolerance = 1e-12;  // on F^2
 constexpr double kNoBracketHigh = 10000.0;
 constexpr int kNewtonLimit = 30, kSubstitutions = 2, kRestarts = 3;
 constexpr double kStable = -1e-8;
-constexpr double kOneRoot = 1e-9;  // sum of z (ln K)^2: the phases are one
-constexpr double kLowPressure = 0.5;
+// Volume over co-volume of the densest fluid that is still called a vapour beside a liquid: liquids have 1.2
+// to 1.7, gases at hundreds of atmospheres 2 to 4.
+constexpr double kDensestVapour = 1.8;
+// Pressures at which the line is begun, in parts of the pressure that is asked for.
+constexpr double kStartParts[] = {0.3, 0.03, 1e-3};
 
 struct Quality {
   Quality(const QualityCall& c, QualityLine& l, const Settings& s, support::TraceWriter& t)
@@ -127,13 +130,10 @@ bool equation_stage(Quality& q, double& value) {
     if (q.status != KV_OK) return false;
     q.status = k_values(line.m, p.x, p.y, q.spare, {}, line.d_x);
     if (q.status != KV_OK) return false;
-    double weight = 0.0;
-    for (int i = 0; i < line.n; ++i) {
+    for (int i = 0; i < line.n; ++i)
       p.X[i] = std::clamp(support::fast_log(q.spare[i]), -kLargestLogK, kLargestLogK);
-      weight += line.z[i] * p.X[i] * p.X[i];
-    }
     const double F = F_of(q, q.spare);
-    if (weight < kOneRoot) return false;
+    if (one_phase(line, p)) return false;
     if (F * F < kEquationTolerance) return true;
     value = b.next(value, F, q.of_T());
     if (!within_range(q, value)) return false;
@@ -149,12 +149,19 @@ void start_from_wilson(Quality& q, double value) {
   q.point.X[q.unknown] = std::log(value);
 }
 
-// The phase y is the vapour: else the point is one of vapour fraction 1 - W. And no K is at its bound, where it
-// follows no fugacity.
-bool named_rightly(const Quality& q) {
+/*
+ * A vapour y beside a liquid x: y is the less densely packed one (else the vapour fraction is 1 - W), and no
+ * liquid itself (else the two are liquids that do not mix). And no K is at its bound, where it follows no
+ * fugacity.
+ */
+bool vapour_and_liquid(const Quality& q) {
+  const LinePoint& p = q.point;
+  if (q.line.free_water) return true;
   for (int i = 0; i < q.line.n; ++i)
-    if (q.line.z[i] > 0.0 && std::fabs(q.point.X[i]) >= kLargestLogK && !q.line.free_water) return false;
-  return q.line.free_water || !lighter(*q.call.mixture, q.point.x, q.point.Zx, q.point.y, q.point.Zy);
+    if (q.line.z[i] > 0.0 && std::fabs(p.X[i]) >= kLargestLogK) return false;
+  const MixtureRecord& m = *q.call.mixture;
+  const double v = p.Zy * eos::kR * temperature(q.line, p) / pressure(q.line, p);
+  return v > kDensestVapour * covolume(m, p.y) && !lighter(m, p.x, p.Zx, p.y, p.Zy);
 }
 
 // Newton from q.point, after some substitutions. True: converged on two phases.
@@ -167,7 +174,7 @@ bool solve_from_point(Quality& q, int substitutions, bool stable_roots) {
   line.stable_roots = stable_roots;
   const Solved solved =
       solve_point(line, q.point, q.given, std::log(q.call.given), kNewtonLimit, false, q.status);
-  return solved == Solved::yes && named_rightly(q);
+  return solved == Solved::yes && vapour_and_liquid(q);
 }
 
 enum class Verdict { good, unstable, model };
@@ -233,39 +240,64 @@ bool settle(Quality& q, bool solved) {
   return false;
 }
 
+/*
+ * Whether the two phases begin where they do first: at a pressure the dew point with one phase above it and the
+ * bubble point with one phase below it in temperature, at a temperature the other way round in pressure. Told
+ * by the slope of the feed's tangent-plane distance to the incipient phase at the point.
+ */
+bool regular(const Quality& q) {
+  const bool dew = q.line.W == 1.0;
+  const double* incipient = dew ? q.point.x : q.point.y;
+  const double* of_x = q.of_T() ? q.line.t_x : q.line.p_x;
+  const double* of_y = q.of_T() ? q.line.t_y : q.line.p_y;
+  double slope = 0.0;
+  for (int i = 0; i < q.line.n; ++i) slope += incipient[i] * (of_x[i] - of_y[i]);
+  return q.of_T() ? slope > 0.0 : slope < 0.0;
+}
+
 // A settled point on the branch that is reached first. One on another branch is kept.
 bool first_branch(Quality& q, bool solved) {
   if (!settle(q, solved)) return false;
-  if (!q.boundary() || rising(q)) return true;
+  if (!q.boundary() || regular(q)) return true;
   copy_point(q.line, q.point, q.other);
   q.have_other = true;
   return false;
 }
 
-// From a point of low pressure along the line.
-bool follow_from_low_pressure(Quality& q) {
+// A point of the line at a low pressure, below what is given: its temperature by Wilson's coefficients.
+bool solve_at_low_pressure(Quality& q, double P) {
   QualityLine& line = q.line;
-  double P = kLowPressure;
-  for (int attempt = 0; attempt < 3; ++attempt, P *= 0.02) {
-    if (q.of_T() && P > 0.5 * q.call.given) P = 0.5 * q.call.given;
-    // A point at this pressure: its temperature by Wilson's coefficients.
-    QualityCall low = q.call;
-    low.find = Find::temperature;
-    low.given = P;
-    Quality at_low(low, line, q.settings, q.trace);
-    at_low.point = q.point;
-    at_low.wilson_k = q.wilson_k;
-    at_low.start = kDefaultTemperature;
-    double value = 0.0;
-    wilson_stage(at_low, value);
-    start_from_wilson(at_low, value);
-    if (!solve_from_point(at_low, kSubstitutions + 2, false)) continue;
-    q.point = at_low.point;
-    if (!q.of_T() && q.point.X[line.T_index()] >= std::log(q.call.given)) continue;
-    const Solved s = follow_line(line, q.point, q.given, std::log(q.call.given), q.status);
-    return s == Solved::yes && named_rightly(q);
+  QualityCall low = q.call;
+  low.find = Find::temperature;
+  low.given = P;
+  Quality at_low(low, line, q.settings, q.trace);
+  at_low.point = q.point;
+  at_low.wilson_k = q.wilson_k;
+  at_low.start = kDefaultTemperature;
+  double value = 0.0;
+  wilson_stage(at_low, value);
+  start_from_wilson(at_low, value);
+  const bool solved = solve_from_point(at_low, kSubstitutions + 2, false);
+  q.point = at_low.point;
+  return solved && (q.of_T() || q.point.X[line.T_index()] < std::log(q.call.given));
+}
+
+// From a point of low pressure along the line; or along that of 1 - W and over the critical point.
+bool follow_from_low_pressure(Quality& q, double value, bool beyond) {
+  QualityLine& line = q.line;
+  const double W = line.W;
+  // Well below what is asked for, by Wilson's coefficients where that is a temperature.
+  const double P = q.of_T() ? q.call.given : value;
+  bool found = false;
+  for (const double part : kStartParts) {
+    line.W = beyond ? 1.0 - W : W;
+    if (!solve_at_low_pressure(q, part * P) || !rising(q)) continue;
+    found = follow_line(line, q.point, q.given, std::log(q.call.given), beyond, q.status) == Solved::yes;
+    if (found && beyond) exchange_phases(line, q.point);
+    break;
   }
-  return false;
+  line.W = W;
+  return found && vapour_and_liquid(q);
 }
 
 StatusCode write_point(Quality& q, StatusCode status) {
@@ -319,6 +351,7 @@ StatusCode solve(Quality& q) {
   }
   double value = 0.0;
   wilson_stage(q, value);
+  const double by_wilson = value;
   start_from_wilson(q, value);
   if (first_branch(q, solve_from_point(q, kSubstitutions, false))) return write_point(q, KV_OK);
   if (!q.have_other) {
@@ -326,7 +359,11 @@ StatusCode solve(Quality& q) {
     const bool started = equation_stage(q, value);
     if (first_branch(q, started && solve_from_point(q, 0, true))) return write_point(q, KV_OK);
   }
-  if (settle(q, follow_from_low_pressure(q))) return write_point(q, KV_OK);
+  // Where another phase splits off, the other end of the line has nothing to add.
+  for (const bool beyond : {false, true}) {
+    if (beyond && q.have_unstable) break;
+    if (settle(q, follow_from_low_pressure(q, by_wilson, beyond))) return write_point(q, KV_OK);
+  }
   if (q.status > KV_STATUS_CALL_BLOCK) return q.status;
   if (q.have_other) {
     copy_point(q.line, q.other, q.point);

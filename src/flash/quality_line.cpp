@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
+#include <utility>
 
 #include "support/lu.hpp"
 #include "support/mathkernels.hpp"
@@ -14,7 +15,6 @@ constexpr double kConverged = 1e-10;
 // A Newton step that is smaller than this leaves errors of its square.
 constexpr double kLastStep = 2e-6;
 constexpr double kLargestLogKStep = 2.5, kLargestLogTStep = 0.12, kLargestLogPStep = 1.2;
-constexpr double kTrivial = 1e-9;  // sum of z (ln K)^2
 constexpr double kLowestT = 1.0, kHighestT = 2e4, kLowestP = 1e-30, kHighestP = 1e6;
 
 // Amounts x_i = z_i/(1 + W (K_i - 1)) and y_i = K_i x_i with their sums.
@@ -118,12 +118,6 @@ bool in_range(const QualityLine& line, const LinePoint& p) {
   return T > kLowestT && T < kHighestT && P > kLowestP && P < kHighestP;
 }
 
-bool is_trivial(const QualityLine& line, const LinePoint& p) {
-  double sum = 0.0;
-  for (int i = 0; i < line.n; ++i) sum += line.z[i] * p.X[i] * p.X[i];
-  return sum < kTrivial;
-}
-
 }  // namespace
 
 StatusCode line_model(QualityLine& line, double T, double P) {
@@ -184,6 +178,23 @@ void copy_point(const QualityLine& line, const LinePoint& from, LinePoint& to) {
   to.passes = from.passes;
 }
 
+bool one_phase(const QualityLine& line, const LinePoint& p) {
+  constexpr double kTrivial = 2e-5;
+  for (int i = 0; i < line.n; ++i)
+    if (line.z[i] > 0.0 && std::fabs(p.X[i]) > kTrivial) return false;
+  return true;
+}
+
+void exchange_phases(QualityLine& line, LinePoint& p) {
+  line.W = 1.0 - line.W;
+  std::swap(p.x, p.y);
+  std::swap(p.Zx, p.Zy);
+  for (int i = 0; i < line.n; ++i) {
+    p.X[i] = -p.X[i];
+    p.slope[i] = -p.slope[i];
+  }
+}
+
 bool compositions(const QualityLine& line, LinePoint& p) {
   Sums sums;
   amounts(line, p, sums.x, sums.y);
@@ -216,7 +227,7 @@ Solved solve_point(QualityLine& line, LinePoint& p, int spec, double value, int 
     p.X[spec] = value;
     for (int i = 0; i < line.n; ++i) p.X[i] = std::clamp(p.X[i], -kLargestLogK, kLargestLogK);
     if (!in_range(line, p)) return Solved::no;
-    if (!through_critical && is_trivial(line, p)) return Solved::trivial;
+    if (!through_critical && one_phase(line, p)) return Solved::trivial;
     if (p.error <= kConverged || largest <= kLastStep) {
       std::fill_n(p.slope, size, 0.0);
       p.slope[size - 1] = 1.0;

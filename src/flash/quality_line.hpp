@@ -84,10 +84,17 @@ bool compositions(const QualityLine& line, LinePoint& p);
 
 /*
  * Follows the line from the converged point p in the direction of rising pressure until the unknown target has
- * the value for the first time; p is that point then. no: the line passes a critical point or an end of the
- * range first.
+ * the value for the first time; p is that point then. beyond: only behind the critical point, where the line is
+ * that of vapour fraction 1 - W with the phases exchanged. no: the line passes the critical point (not beyond)
+ * or comes to an end of the range first.
  */
-Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, StatusCode& status);
+Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, bool beyond, StatusCode& status);
+
+/* The trivial solution: no component that is present, be it a trace, has a K that differs from 1. */
+bool one_phase(const QualityLine& line, const LinePoint& p);
+
+/* The same point as one of the line of 1 - W, whose phases have the other names. */
+void exchange_phases(QualityLine& line, LinePoint& p);
 
 }  // namespace kestrune::flash
 

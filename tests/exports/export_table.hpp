@@ -79,10 +79,10 @@ inline std::vector<Export> export_table() {
 #define KV_ROW(name, ...) described(#name, name, __VA_ARGS__)
   constexpr Refused keep = Refused::untouched, zero = Refused::zeroed;
   return {KV_ROW(FlashLVatTP, "TP", true, keep),
-          KV_ROW(FlashLVatHP, "sP", false, keep),
-          KV_ROW(FlashLVatSP, "sP", false, keep),
-          KV_ROW(FlashLVatWP, "sP", false, keep),
-          KV_ROW(FlashLVatWT, "sT", false, keep),
+          KV_ROW(FlashLVatHP, "sP", true, keep),
+          KV_ROW(FlashLVatSP, "sP", true, keep),
+          KV_ROW(FlashLVatWP, "sP", true, keep),
+          KV_ROW(FlashLVatWT, "sT", true, keep),
           KV_ROW(FlashLLVatTP, "TP", false, keep),
           KV_ROW(FlashLLVatHP, "sP", false, keep),
           KV_ROW(FlashLLVatSP, "sP", false, keep),

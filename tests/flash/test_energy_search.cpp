@@ -1,0 +1,64 @@
+// The search behind the main solver of the flashes at enthalpy and entropy.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "../eos/eos_case.hpp"
+#include "flash/energy_state.hpp"
+
+namespace {
+
+using namespace kestrune;
+
+TEST(EnergySearch, ScaleOfTheResidual) {
+  EXPECT_EQ(flash::residual_scale(-20000.0), 10000.0);
+  EXPECT_EQ(flash::residual_scale(20000.0), 10000.0);
+  EXPECT_EQ(flash::residual_scale(-10000.0), -10000.0);
+  EXPECT_EQ(flash::residual_scale(-500.0), -500.0);
+  EXPECT_EQ(flash::residual_scale(0.5), 1.0);
+  EXPECT_EQ(flash::residual_scale(-0.5), -1.0);
+}
+
+TEST(EnergySearch, FindsWhatTheMainSolverFinds) {
+  tests::Mixture m = tests::mixture_of(tests::kRichGas);
+  frame::state().group_data = tests::converted(m);
+  for (const double wanted : {-3000.0, -1200.0, 500.0, 4000.0})
+    for (const auto property : {flash::Property::enthalpy, flash::Property::entropy}) {
+      double T[2] = {0.0, 260.0}, beta, x[10], y[10], K[10], liquid, vapour;
+      const double value = property == flash::Property::enthalpy ? wanted : -8.0 + wanted / 500.0;
+      flash::EnergyCall call{property,  value,   20.0,    tests::kRichGasFeed.data(),
+                             &m.record, nullptr, false,   true,
+                             &T[0],     &beta,   x,       y,
+                             K,         &liquid, &vapour, nullptr};
+      ASSERT_EQ(flash::energy_flash(call), KV_OK);
+      call.T = &T[1];
+      EXPECT_EQ(flash::energy_search(call), KV_OK);
+      EXPECT_NEAR(T[1], T[0], 0.02);  // CRIT is compared with the square of the scaled residual
+    }
+}
+
+TEST(EnergySearch, EndsWithoutAnAnswer) {
+  tests::Mixture m = tests::mixture_of(tests::kLeanGas);
+  frame::state().group_data = tests::converted(m);
+  double T = 300.0, beta, x[7], y[7], K[7], liquid, vapour;
+  const flash::EnergyCall call{flash::Property::enthalpy,
+                               1e8,
+                               20.0,
+                               tests::kLeanGasFeed.data(),
+                               &m.record,
+                               nullptr,
+                               false,
+                               true,
+                               &T,
+                               &beta,
+                               x,
+                               y,
+                               K,
+                               &liquid,
+                               &vapour,
+                               nullptr};
+  EXPECT_NE(flash::energy_search(call), KV_OK);
+  EXPECT_TRUE(std::isfinite(T));
+}
+
+}  // namespace

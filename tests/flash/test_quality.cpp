@@ -1,0 +1,169 @@
+// FlashLVatWP and FlashLVatWT: bubble and dew points, branches, ends of the lines, trace.
+#include <gtest/gtest.h>
+
+#include "common/flash_call.hpp"
+#include "common/scratch_folder.hpp"
+
+using namespace kestrune;
+using namespace kestrune::tests;
+
+namespace {
+
+struct Point {
+  StatusCode status = -1;
+  double T = 0.0, P = 0.0;
+  std::vector<double> x, y, K;
+};
+
+// given: P for a temperature, T for a pressure; start: the estimate of the unknown and the phases.
+Point find(Mixture& m, const std::vector<double>& z, char unknown, double W, double given, int options = 1,
+           Point start = {}) {
+  Point p = std::move(start);
+  for (auto* array : {&p.x, &p.y, &p.K}) array->resize(z.size(), 0.0);
+  (unknown == 'T' ? p.P : p.T) = given;
+  p.status = (unknown == 'T' ? FlashLVatWP : FlashLVatWT)(W, given, z.data(), &m.record, nullptr, options,
+                                                          unknown == 'T' ? &p.T : &p.P, p.x.data(), p.y.data(),
+                                                          p.K.data());
+  return p;
+}
+
+Mixture in_use(const std::vector<std::string>& ids) {
+  Mixture m = mixture_of(ids);
+  m.use();
+  return m;
+}
+
+// Equal fugacities, material balance, and one phase of the feed on the stated side only.
+void expect_point(Mixture& m, const std::vector<double>& z, double W, const Point& p) {
+  SCOPED_TRACE(testing::Message() << "W " << W << " T " << p.T << " P " << p.P);
+  ASSERT_EQ(p.status, KV_OK);
+  const PhaseState x = phase_state(m, p.T, p.P, p.x), y = phase_state(m, p.T, p.P, p.y);
+  double sum = 0.0;
+  for (const double feed : z) sum += feed;
+  for (std::size_t i = 0; i < z.size(); ++i) {
+    EXPECT_NEAR((1.0 - W) * p.x[i] + W * p.y[i], z[i] / sum, 1e-10) << i;
+    if (z[i] > 0.0) {
+      EXPECT_NEAR(std::log(p.x[i]) + x.ln_phi[i], std::log(p.y[i]) + y.ln_phi[i], 1e-8) << i;
+    }
+  }
+  EXPECT_GT(y.Z, x.Z);
+}
+
+TEST(QualityFlash, PointsOfAGasOverTheRange) {
+  Mixture m = in_use(kRichGas);
+  for (const double W : {1.0, 0.9, 0.7})
+    for (const double P : {0.01, 0.3, 5.0, 30.0, 80.0, 105.0}) {
+      if (W == 0.7 && P < 1.0) continue;  // three phases there
+      const Point p = find(m, kRichGasFeed, 'T', W, P);
+      expect_point(m, kRichGasFeed, W, p);
+      const FlashResult there = flash(m, p.T, p.P, kRichGasFeed);
+      if (W < 1.0) {
+        EXPECT_NEAR(there.beta, W, 1e-7);
+      }
+      const Point back = find(m, kRichGasFeed, 'P', W, p.T, 0, p);
+      EXPECT_NEAR(back.P / P, 1.0, 1e-8);
+    }
+  for (const double T : {150.0, 180.0, 220.0, 250.0, 258.0}) {  // the critical point is at 260 K
+    const Point p = find(m, kRichGasFeed, 'P', 0.0, T);
+    expect_point(m, kRichGasFeed, 0.0, p);
+    EXPECT_EQ(flash(m, T, p.P * (1.0 + 1e-6), kRichGasFeed).beta, 0.0) << T;
+    EXPECT_TRUE(flash(m, T, p.P * (1.0 - 1e-6), kRichGasFeed).two_phases()) << T;
+  }
+}
+
+TEST(QualityFlash, BranchesOfARetrogradeDewLine) {
+  Mixture m = in_use(kRichGas);
+  const double T = 285.0;
+  const Point low = find(m, kRichGasFeed, 'P', 1.0, T);
+  expect_point(m, kRichGasFeed, 1.0, low);
+  EXPECT_EQ(flash(m, T, 0.5 * low.P, kRichGasFeed).beta, 1.0);
+  // The upper one, from an estimate beside it: a flash just below it.
+  double inside = low.P * 1.01, outside = 300.0;
+  while (outside / inside > 1.001) {
+    const double P = 0.5 * (inside + outside);
+    (flash(m, T, P, kRichGasFeed).two_phases() ? inside : outside) = P;
+  }
+  const FlashResult beside = flash(m, T, inside, kRichGasFeed);
+  const Point high = find(m, kRichGasFeed, 'P', 1.0, T, 0, {0, T, inside, beside.x, beside.y, beside.K});
+  expect_point(m, kRichGasFeed, 1.0, high);
+  EXPECT_NEAR(high.P / inside, 1.0, 2e-3);
+  EXPECT_GT(high.P, 2.0 * low.P);
+  // Between the critical point and the cricondenbar the dew line has two temperatures: the higher one.
+  const Point hot = find(m, kRichGasFeed, 'T', 1.0, high.P);
+  expect_point(m, kRichGasFeed, 1.0, hot);
+  EXPECT_GE(hot.T, T - 1e-6);
+}
+
+TEST(QualityFlash, NoSuchPoint) {
+  Mixture m = in_use(kRichGas);
+  for (const double W : {0.0, 0.5, 1.0}) {
+    Point p;
+    p.T = 250.0;
+    p = find(m, kRichGasFeed, 'T', W, 200.0, 1, p);
+    EXPECT_EQ(p.status, KV_NO_SATURATION);
+    EXPECT_EQ(p.T, 250.0);  // nothing invented
+    EXPECT_EQ(p.x, std::vector<double>(10, 0.0));
+    EXPECT_EQ(find(m, kRichGasFeed, 'P', W, 400.0).status, KV_NO_SATURATION);
+  }
+  Mixture propane = in_use({"propane"});
+  EXPECT_EQ(find(propane, {1.0}, 'T', 0.0, 50.0).status, KV_NO_SATURATION);
+  EXPECT_EQ(find(propane, {1.0}, 'P', 0.0, 380.0).status, KV_NO_SATURATION);
+}
+
+TEST(QualityFlash, FractionsAndEstimatesOutsideTheirRange) {
+  Mixture m = in_use(kRichGas);
+  EXPECT_EQ(find(m, kRichGasFeed, 'T', -0.2, 30.0).T, find(m, kRichGasFeed, 'T', 0.0, 30.0).T);
+  EXPECT_EQ(find(m, kRichGasFeed, 'T', 1.5, 30.0).T, find(m, kRichGasFeed, 'T', 1.0, 30.0).T);
+  const double T = find(m, kRichGasFeed, 'T', 1.0, 30.0).T;
+  for (const double start :
+       {-5.0, 1e-3, 60.0, 298.15, 2000.0, static_cast<double>(NAN), static_cast<double>(INFINITY)}) {
+    Point p;
+    p.T = start;
+    EXPECT_NEAR(find(m, kRichGasFeed, 'T', 1.0, 30.0, 1, p).T, T, 1e-8) << start;
+    EXPECT_NEAR(find(m, kRichGasFeed, 'T', 1.0, 30.0, 0, p).T, T, 1e-8) << start;  // zeroed arrays, warm
+  }
+}
+
+TEST(QualityFlash, SingleComponents) {
+  for (const char* id : {"methane", "propane", "carbon_dioxide", "n_decane", "water"}) {
+    Mixture m = in_use({id});
+    const double Tc = m.at(0, KV_COL_TC);
+    for (const double Tr : {0.45, 0.6, 0.8, 0.95, 0.999, 0.9999}) {
+      const Point p = find(m, {1.0}, 'P', 0.3, Tr * Tc);
+      ASSERT_EQ(p.status, KV_OK) << id << ' ' << Tr;
+      const PhaseState liquid = phase_state(m, p.T, p.P, {1.0}, KV_PHASE_LIQUID),
+                       gas = phase_state(m, p.T, p.P, {1.0}, KV_PHASE_GAS);
+      EXPECT_LT(liquid.Z, gas.Z);
+      EXPECT_NEAR(liquid.ln_phi[0], gas.ln_phi[0], 1e-10);
+      EXPECT_NEAR(find(m, {1.0}, 'T', 0.3, p.P).T / p.T, 1.0, 1e-9);
+    }
+  }
+}
+
+TEST(QualityFlash, TraceNamesTheCalculation) {
+  Mixture m = in_use(kRichGas);
+  const auto traced = [&](char unknown, double W, double given) {
+    const ScratchFolder folder;
+    m.record.trace_flag = 1;
+    m.record.trace_unit = 17;
+    find(m, kRichGasFeed, unknown, W, given);
+    m.record.trace_flag = 0;
+    return lines_of("fort.17");
+  };
+  const auto has = [](const std::vector<std::string>& lines, const std::string& start) {
+    return std::any_of(lines.begin(), lines.end(),
+                       [&](const std::string& l) { return l.rfind(start, 0) == 0; });
+  };
+  EXPECT_EQ(traced('T', -0.2, 30.0)[0], " FLASH W,P - TEMPERATURE DE BULLE");
+  EXPECT_EQ(traced('T', 1.0, 30.0)[0], " FLASH W,P - TEMPERATURE DE ROSEE");
+  EXPECT_EQ(traced('P', 0.0, 220.0)[0], " FLASH W,T - PRESSION DE BULLE");
+  EXPECT_EQ(traced('P', 2.0, 220.0)[0], " FLASH W,T - PRESSION DE ROSEE");
+  const auto lines = traced('P', 0.5, 240.0);
+  EXPECT_EQ(lines[0], " FLASH W,T");
+  for (const char* label :
+       {"  I N I T I A L I S A T I O N ", " INDICE INITIALISATION :", " ITEMAX :", " NEW    :", " CRIT   :",
+        " CLIM   :", " EPS    :", " PRESSION :", " ITERATION :", " CRITERE :", " FACTEUR DE RELAXATION :"})
+    EXPECT_TRUE(has(lines, label)) << label;
+}
+
+}  // namespace
