@@ -67,20 +67,32 @@ KV_API StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const dou
  * K        [count] out y[i] / x[i], within 1e-15 .. 1e15; of a single phase the ratio of the fugacity
  * coefficients, which is y[i] / x[i] but for a factor that all components share
  *
- * 0 = equilibrium found, one or two phases. A single phase is the vapour (beta 1) when its molar volume is
- * above the pseudo-critical one of the mixture, 3.9514 b, else the liquid (beta 0).
- * With the FreeWaterFlag x is the whole liquid: hydrocarbons with water up to the solubility limit, and all
- * free water. Above 1.25 times the pseudo-critical temperature (Kay) of the dry feed, hydrocarbons beside free
- * water count as vapour however dense they are. 112, 120: no answer; the results hold the last iterate. Others:
- * the status of the fugacity routine.
+ * 0 = equilibrium found, one or two phases. Of two phases the vapour is the one that is packed less densely
+ * (smaller co-volume over volume). A single phase is the vapour (beta 1) when its molar volume is above the
+ * pseudo-critical one of the mixture, 3.9514 b, else the liquid (beta 0). With the FreeWaterFlag x is the whole
+ * liquid: hydrocarbons with water up to the solubility limit, and all free water. Above 1.25 times the
+ * pseudo-critical temperature (Kay) of the dry feed, hydrocarbons beside free water count as vapour however
+ * dense they are. 112, 120: no answer; the results hold the last iterate. Others: the status of the fugacity
+ * routine.
  */
 KV_API StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                       const ModelRoutines* routines, int32_t options, double* beta, double* x,
                                       double* y, double* K);
 
 /*
- * At enthalpy (cal/mol) or entropy (cal/(mol K)) and pressure. T in/out (K; 0 starts at 298.15); the last
- * two outputs are the molar enthalpy (entropy) of the liquid and of the vapour. 60 bytes.
+ * At enthalpy (cal/mol) or entropy (cal/(mol K)) of one mole of feed and pressure. 60 bytes.
+ *
+ * T        in/out, K; exactly 0 becomes 298.15. An estimate outside 60 .. 2000 K is not started from
+ * beta, x, y  in/out as FlashLVatTP; a warm start begins with the flash at T from this estimate
+ * HL, HV   out: molar enthalpy (entropy) of the liquid and of the vapour, 0 for a phase that is absent
+ *
+ * 0 = found; the state is that of FlashLVatTP at the T returned. A single component is solved by the lever rule
+ * between its saturated phases. 112: no temperature between 3 and 10 000 K has the value, or no convergence;
+ * 113: the search behind the main solver ran out of damping. Temperatures outside the range of a heat-capacity
+ * correlation are no failure (1003 does not appear); other statuses of the pure-component library come back as
+ * 1000 + n. Where the record's host has routines of its own for enthalpy or entropy, these are called
+ * (ModelRoutines). With a liquid that splits in two (three phases in all) the two phases of lowest Gibbs energy
+ * count, and an answer exists only where their enthalpy passes through the value.
  */
 KV_API StatusCode KV_CALL FlashLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
                                       const ModelRoutines* routines, int32_t options, double* T, double* beta,
@@ -89,7 +101,16 @@ KV_API StatusCode KV_CALL FlashLVatSP(double S, double P, const double* z, Mixtu
                                       const ModelRoutines* routines, int32_t options, double* T, double* beta,
                                       double* x, double* y, double* K, double* SL, double* SV);
 
-/* At vapour fraction W (0 bubble, 1 dew) and pressure, T in/out; or at W and temperature, P in/out. 48 bytes.
+/*
+ * At vapour fraction W (0 bubble, 1 dew; below 0 counts as 0, above 1 as 1) and pressure, T in/out; or at W and
+ * temperature, P in/out. An estimate that is not greater than 0 becomes 298.15 K or 1 atm. 48 bytes.
+ *
+ * 0 = found: ln fugacities equal to 1e-10, and nothing splits off. Where several points exist a cold start
+ * returns the one that is reached first from low pressure: the lower of two pressures, and of two dew
+ * temperatures the higher. A warm start (estimate of T or P, x, y) stays on the branch of its estimate. 116: no
+ * temperature (pressure) has this vapour fraction with a vapour and a liquid; T or P, x, y, K stay as they
+ * were. 117: a point was found and is returned, but another phase splits off before it: a second liquid at low
+ * temperature, mostly. With the FreeWaterFlag the point is one of the free-water rules, not tested further.
  */
 KV_API StatusCode KV_CALL FlashLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
                                       const ModelRoutines* routines, int32_t options, double* T, double* x,
