@@ -27,8 +27,6 @@ constexpr double kNearlyIsothermal = 1e-8, kJump = 1e-4, kSameTemperature = 1e-1
 constexpr double kSameTwo = 1e-9;  // relative change of T that is left when a flash repeats what Newton found
 constexpr int kRetreats = 6;
 constexpr StatusCode kPureStatuses = 1000;  // from here on a status is not one of an iteration
-constexpr double kLimitReached = 100.0;
-constexpr StatusCode kNotApplicable = -1;
 
 void take_state(support::Arena& arena, int ld, EnergyState& s) {
   for (double** a : {&s.x, &s.y, &s.K}) *a = arena.zeros(ld);
@@ -43,21 +41,6 @@ void copy_state(const Energy& e, const EnergyState& from, EnergyState& to) {
   to.x = x;
   to.y = y;
   to.K = K;
-}
-
-IsothermalCall isothermal_call(Energy& e, EnergyState& s) {
-  IsothermalCall c;
-  c.T = s.T;
-  c.P = e.call.P;
-  c.z = e.z;
-  c.mixture = &e.silent;
-  c.routines = e.call.routines;
-  c.free_water = e.call.free_water;
-  c.beta = &s.beta;
-  c.x = s.x;
-  c.y = s.y;
-  c.K = s.K;
-  return c;
 }
 
 // How close T is to where it belongs, by the slope or the bracket.
@@ -216,108 +199,6 @@ StatusCode iterate(Energy& e) {
   return KV_NOT_CONVERGED;
 }
 
-// A phase of a single component: temperature within the bounds at which it has the value.
-StatusCode solve_pure_phase(Energy& e, Kind kind, double low, double high) {
-  const int phase = kind == Kind::liquid ? KV_PHASE_LIQUID : KV_PHASE_GAS;
-  EnergyState& s = e.state;
-  EnergyBracket b;
-  b.low = low;
-  b.high = high;
-  double T = std::clamp(e.start_T, low, high);
-  for (int k = 0; k < 200; ++k) {
-    double slope = 0.0;
-    if (e.model.analytic()) {
-      e.status = prepare_caloric(e.model, T);
-      if (e.status != KV_OK) return e.status;
-      e.b.dn = nullptr;
-      e.b.Z = 0.0;
-      if (!phase_caloric(e.model, e.z, kind, e.b)) return KV_NOT_FINITE;
-      s.value = e.b.value;
-      slope = e.b.slope;
-    } else {
-      e.status = phase_value(e.model, T, e.z, phase, s.value);
-      if (e.status != KV_OK) return e.status;
-    }
-    ++e.passes;
-    s.T = T;
-    (kind == Kind::liquid ? s.liquid : s.vapour) = s.value;
-    const double f = e.f(s);
-    b.add(T, f);
-    if (f == 0.0 || (slope > 0.0 && std::fabs(f) <= kReached * 1e-2 * T * slope)) return KV_OK;
-    if (b.closed() && b.high - b.low <= 1e-14 * b.high) return KV_OK;
-    double next = slope > 0.0 ? T - f / slope : b.closed() ? b.secant() : f < 0.0 ? 1.2 * T : T / 1.2;
-    next = std::clamp(next, std::max(T / 2.0, low), std::min(T * 2.0, high));
-    if (!b.inside(next) && b.closed()) next = 0.5 * (b.low + b.high);
-    if (next == T) {
-      e.limit = T > 0.5 * (kColdest + kHottest) || T == high ? kLimitReached : -kLimitReached;
-      return slope > 0.0 && std::fabs(f) <= 1e-9 * T * slope ? KV_OK : KV_NOT_CONVERGED;
-    }
-    T = next;
-  }
-  return KV_NOT_CONVERGED;
-}
-
-// Phases of the feed as such: both have its composition.
-void fill_pure(Energy& e, double beta, const double* log_k) {
-  EnergyState& s = e.state;
-  s.beta = beta;
-  std::copy_n(e.z, e.ld, s.x);
-  std::copy_n(e.z, e.ld, s.y);
-  for (int i = 0; i < e.n; ++i) s.K[i] = log_k == nullptr ? 1.0 : std::exp(log_k[i]);
-}
-
-/*
- * Single component: saturation by equal fugacities, the lever rule between the two values, else one phase.
- * Returns -1 when it cannot say.
- */
-StatusCode solve_single_component(Energy& e, int j, support::Arena& arena) {
-  QualityLine line;
-  line.mixture = &e.silent;
-  line.routines = e.call.routines;
-  line.free_water = e.call.free_water;
-  line.z = e.z;
-  open_line(arena, line);
-  LinePoint p;
-  take_point(arena, line, p);
-  seal_line(line);
-  p.X[line.P_index()] = std::log(e.call.P);
-  const StatusCode saturated = pure_saturation(line, p, j, line.T_index());
-  if (saturated != KV_OK && saturated != KV_NO_SATURATION) return kNotApplicable;
-  if (saturated == KV_NO_SATURATION && e.call.free_water) return kNotApplicable;  // liquid water above its Pc
-  e.model.base = arena.mark();
-  e.model.prepared = 0.0;
-  EnergyState& s = e.state;
-  if (saturated == KV_NO_SATURATION) {
-    const StatusCode status = solve_pure_phase(e, Kind::stable, kColdest, kHottest);
-    if (status != KV_OK) return status;
-    IsothermalCall c = isothermal_call(e, s);  // only for its name
-    const StatusCode named = isothermal_flash(c);
-    if (named != KV_SINGLE_PHASE && named != KV_OK) return named;
-    fill_pure(e, s.beta >= 0.5 ? 1.0 : 0.0, nullptr);
-    s.liquid = s.beta == 0.0 ? s.value : 0.0;
-    s.vapour = s.beta == 1.0 ? s.value : 0.0;
-    return KV_OK;
-  }
-  s.T = temperature(line, p);
-  fill_pure(e, 0.5, p.X);
-  if (!evaluate_state(e, s)) return e.status;
-  const double range = s.vapour - s.liquid, over = e.call.wanted - s.liquid;
-  if (over >= 0.0 && over <= range) {
-    s.beta = over / range;
-    s.value = e.call.wanted;
-    if (s.beta == 0.0) s.vapour = 0.0;
-    if (s.beta == 1.0) s.liquid = 0.0;
-    return KV_OK;
-  }
-  const double Ts = s.T;
-  const bool liquid = over < 0.0;
-  s.liquid = s.vapour = 0.0;
-  const StatusCode status =
-      liquid ? solve_pure_phase(e, Kind::liquid, kColdest, Ts) : solve_pure_phase(e, Kind::gas, Ts, kHottest);
-  fill_pure(e, liquid ? 0.0 : 1.0, p.X);
-  return status;
-}
-
 StatusCode write_state(Energy& e, StatusCode status) {
   const EnergyCall& c = e.call;
   const EnergyState& s = e.state;
@@ -412,6 +293,21 @@ StatusCode with_energy(const EnergyCall& call, support::Arena& arena, Run&& run)
 }
 
 }  // namespace
+
+IsothermalCall isothermal_call(Energy& e, EnergyState& s) {
+  IsothermalCall c;
+  c.T = s.T;
+  c.P = e.call.P;
+  c.z = e.z;
+  c.mixture = &e.silent;
+  c.routines = e.call.routines;
+  c.free_water = e.call.free_water;
+  c.beta = &s.beta;
+  c.x = s.x;
+  c.y = s.y;
+  c.K = s.K;
+  return c;
+}
 
 bool evaluate_state(Energy& e, EnergyState& s) {
   s.liquid = s.vapour = s.slope = 0.0;

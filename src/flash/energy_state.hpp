@@ -84,6 +84,17 @@ bool equilibrium_at(Energy& e, double T, bool warm, EnergyState& s);
 /* Values of the phases of s at s.T from its compositions. False: e.status. */
 bool evaluate_state(Energy& e, EnergyState& s);
 
+/* The isothermal flash of the feed at s.T with its answer in s. */
+IsothermalCall isothermal_call(Energy& e, EnergyState& s);
+
+inline constexpr double kLimitReached = 100.0;
+inline constexpr StatusCode kNotApplicable = -1;
+/*
+ * Single component j: saturation by equal fugacities, the lever rule between the two values, else one phase.
+ * Returns -1 when it cannot say.
+ */
+StatusCode solve_single_component(Energy& e, int j, support::Arena& arena);
+
 enum class Local {
   converged,
   vanished,  // a phase is about to vanish; s.T is where

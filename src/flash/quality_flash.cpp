@@ -25,7 +25,7 @@ constexpr int kNewtonLimit = 30, kSubstitutions = 2, kRestarts = 3;
 constexpr double kStable = -1e-8;
 // Volume over co-volume of the densest fluid that is still called a vapour beside a liquid: liquids have 1.2
 // to 1.7, gases at hundreds of atmospheres 2 to 4.
-constexpr double kDensestVapour = 1.8;
+constexpr double kDensestVapour = 1.5;
 // Pressures at which the line is begun, in parts of the pressure that is asked for.
 constexpr double kStartParts[] = {0.3, 0.03, 1e-3};
 
