@@ -4,12 +4,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "text.hpp"
 
 namespace kestrune::host {
 
 namespace {
+
+constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
 double molar_mass_of(const Mixture& mixture, const std::vector<double>& x) {
   double mass = 0.0;
@@ -48,35 +51,111 @@ void add_liquids(const Exports& library, const Mixture& mixture, Equilibrium& st
   add_phase(library, mixture, PhaseKind::free_water, fraction * share, water, state);
 }
 
-// A sum over the phases, each with its mole fraction as the weight; none where a phase has no such property.
-void add_sum(Property property, Equilibrium& state) {
-  double sum = 0.0;
-  StatusCode status = KV_OK;
-  for (const PhaseState& p : state.phases) {
-    status = combined(status, p.properties.status(property));
-    sum += p.mole_fraction * p.properties[property];
+// A share of the whole with its properties.
+struct Share {
+  double fraction;
+  PropertyValues properties;
+};
+
+// What the properties of the whole are summed over: the phases, or with free water the vapour and all liquid as
+// one, as the library's flashes at enthalpy and entropy have it.
+std::vector<Share> shares(const Exports& library, const Mixture& mixture, const Equilibrium& s) {
+  std::vector<Share> result;
+  const bool water = s.phase(PhaseKind::free_water) != nullptr;
+  for (const PhaseState& p : s.phases) {
+    const bool parted = water && p.kind != PhaseKind::vapour;
+    if (p.mole_fraction > 0.0 && !parted) result.push_back({p.mole_fraction, p.properties});
   }
-  if (std::isfinite(sum) || !has_value(status)) state.overall.properties.set(property, status, sum);
+  if (water && s.beta < 1.0) {
+    result.push_back({1.0 - s.beta, phase_properties(library, mixture, PhaseKind::free_water, s.T, s.P, s.x,
+                                                     molar_mass_of(mixture, s.x))});
+  }
+  return result;
 }
 
-void add_overall(const Mixture& mixture, Equilibrium& state) {
+// A sum over the shares; none where one of them has no such property.
+void add_sum(Property property, const std::vector<Share>& all, PropertyValues& sums) {
+  double sum = 0.0;
+  StatusCode status = KV_OK;
+  for (const Share& share : all) {
+    status = combined(status, share.properties.status(property));
+    sum += share.fraction * share.properties[property];
+  }
+  if (std::isfinite(sum) || !has_value(status)) sums.set(property, status, sum);
+}
+
+void add_overall(const Exports& library, const Mixture& mixture, Equilibrium& state) {
   state.overall = {PhaseKind::overall, 1.0, 1.0, mixture.z, mixture.molar_mass, {}};
-  if (state.phases.size() == 1) {
-    state.overall.properties = state.phases.front().properties;
+  PropertyValues& sums = state.overall.properties;
+  const std::vector<Share> all = shares(library, mixture, state);
+  if (all.size() == 1) {
+    sums = all.front().properties;
     return;
   }
   for (const Property p :
        {Property::molar_volume, Property::enthalpy, Property::entropy, Property::free_enthalpy}) {
-    add_sum(p, state);
+    add_sum(p, all, sums);
   }
-  PropertyValues& sums = state.overall.properties;
   const double v = sums[Property::molar_volume];
   if (std::isfinite(v)) {
     sums.set(Property::density, sums.status(Property::molar_volume), 1e-3 * mixture.molar_mass / v);
   }
 }
 
+// The library's flash: temperature, pressure, vapour fraction and compositions of the state.
+void solve(const Exports& library, Mixture& mixture, Equilibrium& s) {
+  constexpr std::int32_t cold_start = 1;
+  const double *z = mixture.z.data(), first = s.values[0], second = s.values[1];
+  double *x = s.x.data(), *y = s.y.data(), *K = s.K.data();
+  MixtureRecord* record = &mixture.record;
+  double T = 0.0, atm = 0.0, of_liquid = 0.0, of_vapour = 0.0;
+  switch (s.given) {
+    case Given::TP:
+      s.T = T = first;
+      s.P = second;
+      s.status = library.FlashLVatTP(T, s.P / kAtmInPa, z, record, nullptr, cold_start, &s.beta, x, y, K);
+      break;
+    case Given::HP:
+    case Given::SP: {
+      const auto at_energy = s.given == Given::HP ? library.FlashLVatHP : library.FlashLVatSP;
+      s.P = second;
+      s.status = at_energy(first / kCalInJ, s.P / kAtmInPa, z, record, nullptr, cold_start, &T, &s.beta, x, y,
+                           K, &of_liquid, &of_vapour);
+      if (s.answered()) s.T = T;
+      break;
+    }
+    case Given::WP:
+      s.beta = first;
+      s.P = second;
+      s.status = library.FlashLVatWP(first, s.P / kAtmInPa, z, record, nullptr, cold_start, &T, x, y, K);
+      if (s.answered()) s.T = T;
+      break;
+    case Given::WT:
+      s.beta = first;
+      s.T = second;
+      s.status = library.FlashLVatWT(first, s.T, z, record, nullptr, cold_start, &atm, x, y, K);
+      if (s.answered()) s.P = atm * kAtmInPa;
+      break;
+  }
+  s.last_T = T;
+}
+
 }  // namespace
+
+std::array<Quantity, 2> quantities_of(Given given) {
+  switch (given) {
+    case Given::HP:
+      return {Quantity::enthalpy, Quantity::pressure};
+    case Given::SP:
+      return {Quantity::entropy, Quantity::pressure};
+    case Given::WP:
+      return {Quantity::vapour_fraction, Quantity::pressure};
+    case Given::WT:
+      return {Quantity::vapour_fraction, Quantity::temperature};
+    default:
+      return {Quantity::temperature, Quantity::pressure};
+  }
+}
 
 const PhaseState* Equilibrium::phase(PhaseKind kind) const {
   for (const PhaseState& p : phases) {
@@ -99,30 +178,32 @@ bool Equilibrium::extrapolated() const {
 std::string phases_in_words(const Equilibrium& state) {
   if (state.phases.empty()) return "-";
   if (!state.flashed) return fmt::format("{}, taken as given", phase_name(state.phases.front().kind));
-  if (state.phases.size() == 2 && state.phases.back().kind == PhaseKind::liquid) return "two-phase";
-  std::vector<std::string> names;
-  for (const PhaseState& p : state.phases) names.emplace_back(phase_name(p.kind));
-  return joined(names, " + ");
+  std::vector<std::string> present, incipient;
+  for (const PhaseState& p : state.phases) {
+    (p.mole_fraction > 0.0 ? present : incipient).emplace_back(phase_name(p.kind));
+  }
+  if (!incipient.empty()) return joined(present, " + ") + ", incipient " + joined(incipient, " + ");
+  const bool both = present.size() == 2 && state.phases.back().kind == PhaseKind::liquid;
+  return both ? "two-phase" : joined(present, " + ");
 }
 
-Equilibrium flash_at_TP(const Exports& library, Mixture& mixture, double T, double P) {
+Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double first, double second) {
   const std::vector<double> none(mixture.z.size());
-  Equilibrium state{T, P, true, KV_OK, 0.0, none, none, none, {}, {}};
-  constexpr std::int32_t cold_start = 1;
-  state.status = library.FlashLVatTP(T, P / kAtmInPa, mixture.z.data(), &mixture.record, nullptr, cold_start,
-                                     &state.beta, state.x.data(), state.y.data(), state.K.data());
-  if (state.status != KV_OK) return state;
-  if (state.beta > 0.0) add_phase(library, mixture, PhaseKind::vapour, state.beta, state.y, state);
-  if (state.beta < 1.0) add_liquids(library, mixture, state);
-  add_overall(mixture, state);
-  return state;
+  Equilibrium s{given, {first, second}, kNone, kNone, true, KV_OK, 0.0, none, none, none, kNone, {}, {}};
+  solve(library, mixture, s);
+  if (!s.answered()) return s;
+  if (s.beta > 0.0 || s.of_fraction()) add_phase(library, mixture, PhaseKind::vapour, s.beta, s.y, s);
+  if (s.beta < 1.0 || s.of_fraction()) add_liquids(library, mixture, s);
+  add_overall(library, mixture, s);
+  return s;
 }
 
 Equilibrium single_phase_at_TP(const Exports& library, const Mixture& mixture, PhaseKind kind, double T,
                                double P) {
-  Equilibrium state{T, P, false, KV_OK, kind == PhaseKind::vapour ? 1.0 : 0.0, {}, {}, {}, {}, {}};
-  add_phase(library, mixture, kind, 1.0, mixture.z, state);
-  return state;
+  const double beta = kind == PhaseKind::vapour ? 1.0 : 0.0;
+  Equilibrium s{Given::TP, {T, P}, T, P, false, KV_OK, beta, {}, {}, {}, T, {}, {}};
+  add_phase(library, mixture, kind, 1.0, mixture.z, s);
+  return s;
 }
 
 }  // namespace kestrune::host

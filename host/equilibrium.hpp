@@ -1,6 +1,7 @@
-// One state of a mixture: its phases at temperature and pressure with their properties.
+// One state of a mixture: its phases with their properties, from the flashes of two phases.
 #pragma once
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -8,37 +9,53 @@
 
 namespace kestrune::host {
 
+// What a flash is given: two of temperature, pressure, enthalpy H, entropy S and vapour fraction W.
+enum class Given { TP, HP, SP, WP, WT };
+inline constexpr Given kAllGiven[] = {Given::TP, Given::HP, Given::SP, Given::WP, Given::WT};
+
+// In the order of their names: of WT the vapour fraction and the temperature.
+std::array<Quantity, 2> quantities_of(Given given);
+
 struct PhaseState {
   PhaseKind kind;
-  double mole_fraction, mass_fraction;  // of the whole
+  double mole_fraction, mass_fraction;  // of the whole; 0 for the incipient phase of a bubble or dew point
   std::vector<double> x;                // mole fractions
   double molar_mass;                    // g/mol
   PropertyValues properties;
 };
 
 struct Equilibrium {
-  double T;      // K
-  double P;      // Pa
-  bool flashed;  // false: the mixture was taken as one phase, without asking whether it is
+  Given given;
+  std::array<double, 2> values;  // what was given, in the order of quantities_of and in base units
+  double T, P;                   // K, Pa; NaN where it was asked for and there is no answer
+  bool flashed;                  // false: the mixture was taken as one phase, without asking whether it is
   StatusCode status;
   double beta;                     // vapour fraction, mole
   std::vector<double> x, y, K;     // as the library left them; x is all liquid, free water included
-  std::vector<PhaseState> phases;  // phases present, in the order of PhaseKind; none unless status is 0
-  PhaseState overall;              // of a flash with status 0: the phases together
+  double last_T;                   // K, of these
+  std::vector<PhaseState> phases;  // in the order of PhaseKind, with the incipient ones; none without an answer
+  PhaseState overall;              // of a flash with an answer: the phases together
 
+  bool of_fraction() const { return given == Given::WP || given == Given::WT; }
+  // A status that comes with phases: one with a value, or a bubble or dew point where the feed is not stable.
+  bool answered() const { return has_value(status) || status == KV_UNSTABLE_POINT; }
+  // A flash that gave up on the way: beta, x, y, K and last_T are its last iterate.
+  bool iterate_left() const { return flashed && !answered() && !of_fraction() && status < KV_PURE_UNKNOWN; }
   const PhaseState* phase(PhaseKind kind) const;  // null when absent
   StatusCode first_failure() const;               // of this call, then of the properties; else 0
   bool extrapolated() const;                      // see PropertyValues
 };
 
-// "two-phase" for vapour and liquid, else the names, "vapour + free water"; "-" without an answer
+// "two-phase" for vapour and liquid, else the names, "vapour + free water", "liquid, incipient vapour"; "-"
+// without an answer
 std::string phases_in_words(const Equilibrium& state);
 
-// FlashLVatTP from a cold start and the properties of every phase present. T in K, P in Pa. The mixture has
-// been handed over to the library.
-Equilibrium flash_at_TP(const Exports& library, Mixture& mixture, double T, double P);
+// The flash of the library from a cold start and the properties of every phase; at vapour fraction 0 or 1 the
+// phase that is about to form is one of them, with fraction 0. The values are in base units and in the order of
+// quantities_of. The mixture has been handed over to the library.
+Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double first, double second);
 
-// The mixture as one phase, vapour or liquid.
+// The mixture as one phase, vapour or liquid. T in K, P in Pa.
 Equilibrium single_phase_at_TP(const Exports& library, const Mixture& mixture, PhaseKind kind, double T,
                                double P);
 

@@ -73,7 +73,8 @@ constexpr QuantityInfo kQuantities[kQuantityCount] = {
     {"thermal conductivity", "0.03 W/(m K)", kConductivities},
     {"Joule-Thomson coefficient", "0.4 K/bar", kJouleThomsons},
     {"compressibility", "0.02 1/bar", kCompressibilities},
-    {"ratio", "0.5", kRatios}};
+    {"ratio", "0.5", kRatios},
+    {"vapour fraction", "0.5", kRatios}};
 constexpr std::size_t kMaxConditions = 100000;
 
 const QuantityInfo& info(Quantity quantity) {
@@ -153,10 +154,15 @@ std::vector<double> expand(const Item& item, std::string_view whole) {
   std::vector<double> values;
   const int count = static_cast<int>(std::floor(steps + 1e-9)) + 1;
   for (int i = 0; i < count; ++i) values.push_back(first + i * step);
+  if (std::abs(values.back() - last) < 1e-9 * std::abs(step)) values.back() = last;
   return values;
 }
 
-void check_positive(Quantity quantity, double base, double value, const Unit& unit) {
+void check_range(Quantity quantity, double base, double value, const Unit& unit) {
+  if (quantity == Quantity::vapour_fraction && !(base >= 0.0 && base <= 1.0)) {
+    throw InputError(
+        fmt::format("the vapour fraction {} is not between 0 (bubble point) and 1 (dew point)", value));
+  }
   if (base > 0.0 || (quantity != Quantity::temperature && quantity != Quantity::pressure)) return;
   throw InputError(fmt::format("the {} {} {} is not above {}", info(quantity).name, value, unit.name,
                                quantity == Quantity::temperature ? "absolute zero" : "vacuum"));
@@ -170,12 +176,19 @@ UnitSystem system_at(std::size_t place) {
 
 }  // namespace
 
+std::string_view quantity_name(Quantity quantity) {
+  return info(quantity).name;
+}
+
 bool is_unit(Quantity quantity, std::string_view name) {
   return find_unit(quantity, name) != nullptr;
 }
 
 const Unit& unit(Quantity quantity, std::string_view name) {
   if (const Unit* found = find_unit(quantity, name)) return *found;
+  if (info(quantity).units.front().name.empty()) {
+    throw InputError(fmt::format("a {} has no unit, not \"{}\"", info(quantity).name, trimmed(name)));
+  }
   throw InputError(fmt::format("unknown unit of {} \"{}\": use {}", info(quantity).name, trimmed(name),
                                unit_names(quantity)));
 }
@@ -218,7 +231,7 @@ std::vector<double> parse_conditions(Quantity quantity, std::string_view text, c
   for (const Item& item : items) {
     for (const double value : expand(item, text)) {
       values.push_back(item.unit->to_base(value, molar_mass));
-      check_positive(quantity, values.back(), value, *item.unit);
+      check_range(quantity, values.back(), value, *item.unit);
     }
   }
   return values;

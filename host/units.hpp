@@ -29,8 +29,9 @@ enum class Quantity {
   joule_thomson,    // K/Pa
   compressibility,  // 1/Pa
   ratio,            // no unit
+  vapour_fraction,  // moles of vapour in one mole
 };
-inline constexpr std::size_t kQuantityCount = 12;
+inline constexpr std::size_t kQuantityCount = 13;
 
 // value in the base unit = (value + offset) * factor, for a unit per mass times the molar mass in kg/mol.
 // The molar mass is given in g/mol and read by the units per mass only.
@@ -52,6 +53,9 @@ struct Unit {
 const Unit& unit(Quantity quantity, std::string_view name);
 bool is_unit(Quantity quantity, std::string_view name);
 
+// "temperature", "vapour fraction"
+std::string_view quantity_name(Quantity quantity);
+
 // Units in which plain numbers are read and results are shown.
 struct UnitSystem {
   std::array<const Unit*, kQuantityCount> units;
@@ -68,7 +72,8 @@ UnitSystem unit_system(std::string_view name);
 // A list of conditions: "25", "25 C", "200,220,250 K", "0:100:10 C" (first:last:step, the last value
 // included where a step meets it), and mixtures of both. A unit at the end holds for the values before it
 // that have none; without any the given unit holds. Values in the base unit; units per mass read the molar
-// mass, g/mol. InputError for what cannot be read, and for temperatures and pressures that are not positive.
+// mass, g/mol. InputError for what cannot be read, for temperatures and pressures that are not positive, and
+// for vapour fractions outside 0 .. 1.
 std::vector<double> parse_conditions(Quantity quantity, std::string_view text, const Unit& plain,
                                      double molar_mass = 0.0);
 

@@ -1,4 +1,4 @@
-// kestrune flash: liquid and vapour at temperature and pressure.
+// kestrune flash: liquid and vapour at two conditions.
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
@@ -20,19 +20,27 @@ void print_summary(const StateReport& r, std::ostream& out) {
   const bool water = (r.mixture.record.flags & FreeWaterFlag) != 0;
   const Unit &T = r.units[Quantity::temperature], &P = r.units[Quantity::pressure];
   const std::string_view density = r.units[Quantity::density].name;
-  std::vector<std::string> headings{fmt::format("T {}", T.name), fmt::format("P {}", P.name), "phases",
-                                    "vapour mol"};
+  // The vapour fraction has a column in any case.
+  const Quantity given = quantities_of(r.states.front().given).front();
+  const bool energy = given == Quantity::enthalpy || given == Quantity::entropy;
+  std::vector<std::string> headings;
+  if (energy)
+    headings.push_back(fmt::format("{} {}", given == Quantity::enthalpy ? "H" : "S", r.units[given].name));
+  headings.insert(headings.end(),
+                  {fmt::format("T {}", T.name), fmt::format("P {}", P.name), "phases", "vapour mol"});
   if (water) headings.emplace_back("free water mol");
   headings.insert(headings.end(), {"Z vapour", "Z liquid", fmt::format("{} vap", density),
                                    fmt::format("{} liq", density), "status"});
-  Table table(headings, water ? "rrlrrrrrrl" : "rrlrrrrrl");
+  Table table(headings, std::string(energy ? "r" : "") + (water ? "rrlrrrrrrl" : "rrlrrrrrl"));
   for (const Equilibrium& s : r.states) {
     const auto of = [&](PhaseKind kind, Property property, const Unit& unit, int decimals) -> std::string {
       const PhaseState* p = s.phase(kind);
       return p == nullptr ? "-" : shown_fixed(unit.from_base(p->properties[property]), decimals);
     };
-    std::vector<std::string> row{shown_condition(T, s.T, 2), shown_condition(P, s.P, 3), phases_in_words(s),
-                                 s.phases.empty() ? "-" : shown_fixed(s.beta, 6)};
+    std::vector<std::string> row;
+    if (energy) row.push_back(shown_given(r, s));
+    row.insert(row.end(), {shown_condition(T, s.T, 2), shown_condition(P, s.P, 3), phases_in_words(s),
+                           s.phases.empty() && !s.of_fraction() ? "-" : shown_fixed(s.beta, 6)});
     const PhaseState* free_water = s.phase(PhaseKind::free_water);
     if (water) row.push_back(free_water == nullptr ? "-" : shown_fixed(free_water->mole_fraction, 6));
     for (const auto& [property, decimals] : {std::pair{Property::Z, 5}, {Property::density, 3}}) {
@@ -67,7 +75,9 @@ void print_composition(const StateReport& r, const Equilibrium& s, std::ostream&
 
 // What the flash held when it gave up.
 void print_last_iterate(const StateReport& r, const Equilibrium& s, std::ostream& out) {
-  out << fmt::format("The last iterate, not an equilibrium: vapour fraction {}\n\n", shown_fraction(s.beta));
+  const Unit& T = r.units[Quantity::temperature];
+  out << fmt::format("The last iterate, not an equilibrium: {} {}, vapour fraction {}\n\n",
+                     shown_condition(T, s.last_T, 3), T.name, shown_fraction(s.beta));
   Table table({"mole fractions", "feed", "vapour", "liquid", "K"}, "l");
   for (std::size_t i = 0; i < s.x.size(); ++i) {
     table.add({std::string(r.mixture.components[i].name), shown_fraction(r.mixture.z[i]),
@@ -81,9 +91,9 @@ void print_details(const StateReport& r, const Equilibrium& s, std::ostream& out
                                Property::entropy,   Property::Cp,          Property::speed_of_sound,
                                Property::viscosity, Property::conductivity};
   print_state(r, s, out);
-  if (s.status >= KV_STATUS_CALL_BLOCK) return;
+  if (!s.answered() && !s.iterate_left()) return;
   out << '\n';
-  if (s.status != KV_OK) return print_last_iterate(r, s, out);
+  if (s.iterate_left()) return print_last_iterate(r, s, out);
   print_properties(r, s, rows, out);
   out << '\n';
   print_composition(r, s, out);
@@ -107,15 +117,21 @@ void print_flash(const StateReport& r, bool details, std::ostream& out) {
 }  // namespace
 
 void add_flash_command(CLI::App& app, Session& session) {
-  auto* command = app.add_subcommand("flash", "Phases at temperature and pressure");
+  auto* command = app.add_subcommand(
+      "flash",
+      "Phases at two conditions: temperature and pressure; enthalpy or entropy and pressure; vapour fraction "
+      "(bubble and dew points) and pressure or temperature");
   const auto options = std::make_shared<FlashOptions>();
+  options->states.mixture.add_to(*command);
+  options->states.conditions.add_TP_to(*command, false);
+  options->states.conditions.add_energy_and_fraction_to(*command);
   options->states.add_to(*command);
   command->add_flag("--details", options->details, "Composition of every state, not of a single one only");
   command->callback([options, &session] {
     const auto print = [&](const StateReport& report, std::ostream& out) {
       print_flash(report, options->details, out);
     };
-    report_states(options->states, session, flash_at_TP, print, false);
+    report_states(options->states, session, flash, print, false);
   });
 }
 

@@ -85,10 +85,10 @@ void print_props(const StateReport& r, std::ostream& out) {
 
 void props(const PropsOptions& options, Session& session) {
   const std::string phase = lower(trimmed(options.phase));
-  Evaluate evaluate = flash_at_TP;
+  Evaluate evaluate = flash;
   if (phase == "gas" || phase == "liquid") {
     const PhaseKind kind = phase == "gas" ? PhaseKind::vapour : PhaseKind::liquid;
-    evaluate = [kind](const Exports& library, const Mixture& mixture, double T, double P) {
+    evaluate = [kind](const Exports& library, const Mixture& mixture, Given, double T, double P) {
       return single_phase_at_TP(library, mixture, kind, T, P);
     };
   } else if (phase != "flash") {
@@ -103,6 +103,8 @@ void add_props_command(CLI::App& app, Session& session) {
   auto* command = app.add_subcommand(
       "props", "Properties of the phases: density, enthalpy, heat capacity, speed of sound, viscosity ...");
   const auto options = std::make_shared<PropsOptions>();
+  options->states.mixture.add_to(*command);
+  options->states.conditions.add_TP_to(*command, true);
   options->states.add_to(*command);
   command->add_option("--phase", options->phase,
                       "flash (default): the phases that are present; gas or liquid: the mixture as this phase, "

@@ -57,7 +57,7 @@ ordered_json phase_json(const Mixture& m, const PhaseState& p) {
                     {"heat_capacity_extrapolated", values.extrapolated()}};
   ordered_json missing = ordered_json::object();
   for (const PropertyInfo& info : all_properties()) {
-    root[std::string(info.key)] = values[info.property];  // NaN becomes null
+    root[std::string(info.key)] = values[info.property];
     const StatusCode status = values.status(info.property);
     if (!has_value(status)) missing[std::string(info.key)] = status;
   }
@@ -66,20 +66,43 @@ ordered_json phase_json(const Mixture& m, const PhaseState& p) {
   return root;
 }
 
+// The name of a condition with its base unit.
+std::string_view key_of(Quantity condition) {
+  switch (condition) {
+    case Quantity::temperature:
+      return "temperature_K";
+    case Quantity::pressure:
+      return "pressure_Pa";
+    case Quantity::enthalpy:
+      return "enthalpy_J_mol";
+    case Quantity::entropy:
+      return "entropy_J_mol_K";
+    default:
+      return "vapour_fraction";
+  }
+}
+
+ordered_json given_json(const Equilibrium& s) {
+  const auto quantities = quantities_of(s.given);
+  return {{std::string(key_of(quantities[0])), s.values[0]}, {std::string(key_of(quantities[1])), s.values[1]}};
+}
+
 ordered_json state_json(const Mixture& m, const Equilibrium& s) {
-  ordered_json root{{"temperature_K", s.T},
+  ordered_json root{{"given", given_json(s)},
+                    {"temperature_K", s.T},  // NaN becomes null
                     {"pressure_Pa", s.P},
                     {"flashed", s.flashed},
                     {"status", s.status},
                     {"status_text", kv_status_text(s.status)},
                     {"phases", ordered_json::array()}};
   for (const PhaseState& p : s.phases) root["phases"].push_back(phase_json(m, p));
-  if (!s.flashed || s.status >= KV_STATUS_CALL_BLOCK) return root;
-  if (s.status != KV_OK) {
-    root["last_iterate"] = {
-        {"vapour_fraction", s.beta}, {"vapour", by_component(m, s.y)}, {"liquid", by_component(m, s.x)}};
-    return root;
+  if (s.iterate_left()) {
+    root["last_iterate"] = {{"temperature_K", s.last_T},
+                            {"vapour_fraction", s.beta},
+                            {"vapour", by_component(m, s.y)},
+                            {"liquid", by_component(m, s.x)}};
   }
+  if (!s.flashed || !s.answered()) return root;
   root["overall"] = phase_json(m, s.overall);
   root["vapour_fraction"] = s.beta;
   if (s.beta == 0.0 || s.beta == 1.0) {
@@ -132,11 +155,16 @@ void print_json(const StateReport& report, std::ostream& out) {
 
 void print_csv(const StateReport& report, bool overall_rows, std::ostream& out) {
   constexpr std::size_t columns_before_x = 7 + kPropertyCount;
-  out << "state,temperature_K,pressure_Pa,status,status_text" << phase_headings(report.mixture) << '\n';
+  // What was given beside temperature and pressure has a column of its own.
+  const Given given = report.states.front().given;
+  const bool with_given = given != Given::TP;
+  out << "state,";
+  if (with_given) out << "given_" << key_of(quantities_of(given).front()) << ',';
+  out << "temperature_K,pressure_Pa,status,status_text" << phase_headings(report.mixture) << '\n';
   for (std::size_t i = 0; i < report.states.size(); ++i) {
     const Equilibrium& s = report.states[i];
-    const std::string head =
-        fmt::format("{},{},{},{},{}", i + 1, s.T, s.P, s.status, csv_field(kv_status_text(s.status)));
+    const std::string head = fmt::format("{},{}{},{},{},{}", i + 1, with_given ? exact(s.values[0]) + "," : "",
+                                         exact(s.T), exact(s.P), s.status, csv_field(kv_status_text(s.status)));
     if (s.phases.empty()) out << head << std::string(columns_before_x + report.mixture.z.size(), ',') << '\n';
     for (const PhaseState& p : s.phases) out << head << phase_csv(p) << '\n';
     if (overall_rows && !s.phases.empty()) out << head << phase_csv(s.overall) << '\n';

@@ -1,6 +1,7 @@
 // The text of states that several commands share.
 #include <fmt/format.h>
 
+#include <cmath>
 #include <map>
 #include <utility>
 
@@ -9,6 +10,18 @@
 #include "text.hpp"
 
 namespace kestrune::host {
+
+namespace {
+
+// "25.000 C (298.150 K)", "-" for a value that there is not.
+std::string shown_twice(const Unit& unit, double base, int decimals, double other,
+                        std::string_view other_unit) {
+  if (!std::isfinite(base)) return "-";
+  return fmt::format("{} {} ({:.{}f} {})", shown_condition(unit, base, decimals), unit.name, other, decimals,
+                     other_unit);
+}
+
+}  // namespace
 
 std::string status_in_words(StatusCode status) {
   return status == KV_OK ? kv_status_text(status) : fmt::format("{}: {}", status, kv_status_text(status));
@@ -22,6 +35,12 @@ std::string short_status(const Equilibrium& state) {
 
 std::string shown_condition(const Unit& unit, double base, int decimals) {
   return shown_fixed(unit.from_base(base), unit.name == "Pa" ? 0 : decimals);
+}
+
+std::string shown_given(const StateReport& report, const Equilibrium& s) {
+  const Unit& unit = report.units[quantities_of(s.given).front()];
+  const double value = unit.from_base(s.values[0], report.mixture.molar_mass);
+  return s.of_fraction() ? shown_digits(value, 6) : shown_significant(value);
 }
 
 std::string shown_property(const StateReport& report, const PhaseState& phase, const PropertyInfo& info) {
@@ -47,8 +66,14 @@ void print_mixture(const StateReport& report, std::ostream& out) {
 
 void print_state(const StateReport& report, const Equilibrium& s, std::ostream& out) {
   const Unit &T = report.units[Quantity::temperature], &P = report.units[Quantity::pressure];
-  out << fmt::format("Temperature  {} {} ({:.3f} K)\n", shown_condition(T, s.T, 3), T.name, s.T)
-      << fmt::format("Pressure     {} {} ({:.4f} atm)\n", shown_condition(P, s.P, 4), P.name, s.P / kAtmInPa)
+  if (s.given != Given::TP) {
+    const Quantity quantity = quantities_of(s.given).front();
+    out << fmt::format("Given        {}\n",
+                       with_unit(fmt::format("{} {}", quantity_name(quantity), shown_given(report, s)),
+                                 report.units[quantity], " "));
+  }
+  out << "Temperature  " << shown_twice(T, s.T, 3, s.T, "K") << '\n'
+      << "Pressure     " << shown_twice(P, s.P, 4, s.P / kAtmInPa, "atm") << '\n'
       << fmt::format("Status       {}\n", short_status(s))
       << fmt::format("Phases       {}\n", phases_in_words(s));
 }

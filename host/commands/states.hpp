@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "commands/conditions.hpp"
 #include "commands/session.hpp"
 #include "equilibrium.hpp"
 
@@ -18,22 +19,24 @@ struct StateReport {
   const UnitSystem& units;  // of the text; JSON and CSV are in the base units
 };
 
-// Options of a command on a mixture at temperatures and pressures.
+// Options of a command on a mixture at many states. The command adds those of the mixture and the conditions
+// that it takes; add_to adds the others.
 struct StateOptions {
   MixtureOptions mixture;
+  ConditionOptions conditions;
   MissingPairOptions missing;
   RecordOptions record;
   OutputOptions output;
-  std::string temperature, pressure, energy;
+  std::string energy, print;
 
   void add_to(CLI::App& command);
   UnitSystem system() const;
 };
 
-using Evaluate = std::function<Equilibrium(const Exports&, Mixture&, double T, double P)>;
+using Evaluate = std::function<Equilibrium(const Exports&, Mixture&, Given, double first, double second)>;
 using PrintText = std::function<void(const StateReport&, std::ostream&)>;
 
-// Evaluates every combination of temperature and pressure and prints the report in the format asked for. A
+// Evaluates every combination of the conditions and prints the report in the format asked for. A
 // status without a value in any state makes the exit code of the session. overall_rows: the CSV gets a row for
 // the phases together after the rows of the phases.
 void report_states(const StateOptions& options, Session& session, const Evaluate& evaluate,
@@ -44,6 +47,15 @@ void report_states(const StateOptions& options, Session& session, const Evaluate
 void print_json(const StateReport& report, std::ostream& out);
 // One row per state and phase; a state without phases has one row with the columns of phases empty.
 void print_csv(const StateReport& report, bool overall_rows, std::ostream& out);
+
+// ---- state_numbers.cpp: for scripts ---------------------------------------------------------------
+
+// InputError for a name that --print does not know.
+void check_number_names(const std::vector<std::string>& names);
+// One line per state on out, the numbers of the state as a whole apart by blanks, "nan" for one that it does
+// not have; base units. What went wrong goes to err.
+void print_numbers(const StateReport& report, const std::vector<std::string>& names, std::ostream& out,
+                   std::ostream& err);
 
 // ---- state_text.cpp: for the reader -------------------------------------------------------------
 
@@ -59,7 +71,7 @@ std::string short_status(const Equilibrium& state);
 
 // Mixture, free water and remarks.
 void print_mixture(const StateReport& report, std::ostream& out);
-// Temperature, pressure, status and phases of a state.
+// What was given beside temperature and pressure, temperature, pressure, status and phases of a state.
 void print_state(const StateReport& report, const Equilibrium& state, std::ostream& out);
 // One row per property, one column per phase and, of several, one for all of them.
 void print_properties(const StateReport& report, const Equilibrium& state, std::span<const Property> rows,
@@ -71,6 +83,8 @@ void print_notes(std::span<const Equilibrium> states, std::ostream& out);
 // A property in the units of the report; "-" where there is none. With the unit: "density kg/m3".
 std::string shown_property(const StateReport& report, const PhaseState& phase, const PropertyInfo& info);
 std::string with_unit(std::string_view title, const Unit& unit, std::string_view separator);
+// The enthalpy, entropy or vapour fraction that was given, in the units of the report.
+std::string shown_given(const StateReport& report, const Equilibrium& state);
 // A temperature or pressure with so many decimals; pascals have none.
 std::string shown_condition(const Unit& unit, double base, int decimals);
 

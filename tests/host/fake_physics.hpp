@@ -15,6 +15,11 @@ constexpr double kCompression = 1e-4;  // of the liquid, 1/atm
 constexpr double kColdest = 200.0;     // K, below it heat capacities have status 1003
 constexpr double kHighest = 500.0;     // atm, above it there is no viscosity and no enthalpy of a liquid
 
+// Bubble and dew points: none above these, another phase splits off first above the last.
+constexpr double kHighestSaturation_T = 400.0;  // K
+constexpr double kHighestSaturation_P = 90.0;   // atm
+constexpr double kUnstable = 60.0;              // atm
+
 // cm3/mol, at 298.15 K and 1 atm; elsewhere (1 + expansion (T - T0) - compression (P - 1)) times it.
 constexpr double liquid_volume(int component) {
   return 50.0 + 10.0 * component;

@@ -148,7 +148,7 @@ TEST(program, wrong_input_ends_with_code_2_and_the_reason) {
       {{}, "subcommand"},
       {{"flesh"}, "unknown command \"flesh\": use flash, props, components, kij"},
       {{"flash", "-T", "25", "-P", "1"}, "no mixture"},
-      {{"flash", "--z", "methane=1", "-P", "1"}, "--temperature is required"},
+      {{"flash", "--z", "methane=1", "-P", "1"}, "only the pressure is given"},
       {{"flash", "--z", "metane=1", "-T", "25", "-P", "1"}, "did you mean methane"},
       {{"flash", "--z", "methane=1", "-T", "25", "-P", "-1"}, "not above vacuum"},
       {{"flash", "--z", "methane=1", "-T", "25", "-P", "1 hPa"}, "unknown unit"},

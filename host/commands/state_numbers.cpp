@@ -1,0 +1,80 @@
+// Plain numbers of states for scripts: --print.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "commands/states.hpp"
+#include "error.hpp"
+#include "text.hpp"
+
+namespace kestrune::host {
+
+namespace {
+
+// The state as a whole: the phases together, or the mixture taken as one phase.
+const PhaseState* whole(const Equilibrium& s) {
+  if (s.phases.empty()) return nullptr;
+  return s.flashed ? &s.overall : &s.phases.front();
+}
+
+// Numbers of a state that are no properties of its phases.
+struct StateNumber {
+  std::string_view name, key;
+  double (*value)(const Equilibrium&);
+};
+constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+constexpr StateNumber kStateNumbers[] = {
+    {"T", "temperature_K", [](const Equilibrium& s) { return s.T; }},
+    {"P", "pressure_Pa", [](const Equilibrium& s) { return s.P; }},
+    {"beta", "vapour_fraction", [](const Equilibrium& s) { return s.phases.empty() ? kNone : s.beta; }},
+    {"M", "molar_mass_g_mol", [](const Equilibrium& s) { return whole(s) ? whole(s)->molar_mass : kNone; }}};
+
+const StateNumber* find_state_number(const std::string& name) {
+  const auto* found = std::find_if(std::begin(kStateNumbers), std::end(kStateNumbers),
+                                   [&](const StateNumber& n) { return name == n.name || name == n.key; });
+  return found == std::end(kStateNumbers) ? nullptr : found;
+}
+
+const PropertyInfo* find_property(const std::string& name) {
+  for (const PropertyInfo& info : all_properties()) {
+    if (name == info.heading || name == info.key) return &info;
+  }
+  return nullptr;
+}
+
+double number(const Equilibrium& s, const std::string& name) {
+  if (const StateNumber* n = find_state_number(name)) return n->value(s);
+  const PhaseState* all = whole(s);
+  return all == nullptr ? kNone : all->properties[find_property(name)->property];
+}
+
+}  // namespace
+
+void check_number_names(const std::vector<std::string>& names) {
+  for (const std::string& name : names) {
+    if (find_state_number(name) != nullptr || find_property(name) != nullptr) continue;
+    throw InputError(
+        fmt::format("unknown number \"{}\": print T, P, beta, M, H, S, G, Z, density or a key of the JSON "
+                    "output such as molar_volume_m3_mol",
+                    name));
+  }
+}
+
+void print_numbers(const StateReport& report, const std::vector<std::string>& names, std::ostream& out,
+                   std::ostream& err) {
+  for (std::size_t i = 0; i < report.states.size(); ++i) {
+    const Equilibrium& s = report.states[i];
+    std::vector<std::string> numbers;
+    for (const std::string& name : names) {
+      const double value = number(s, name);
+      numbers.push_back(std::isfinite(value) ? fmt::format("{}", value) : "nan");
+    }
+    out << joined(numbers, " ") << '\n';
+    const StatusCode status = s.first_failure();
+    if (status != KV_OK) err << fmt::format("kestrune: state {}: status {}\n", i + 1, status_in_words(status));
+  }
+}
+
+}  // namespace kestrune::host
