@@ -1,9 +1,11 @@
 #!/bin/sh
-# Judges the liquid-vapour flash of the native build at 100 000 states with an independent model and reports
+# Judges the liquid-vapour flashes of the native build at many states with an independent model and reports
 # every wrong answer. Builds what is missing. Options go to kestrune_sweep, for instance
 #
-#   scripts/sweep.sh                    the full sweep, on all processors
-#   scripts/sweep.sh --sample           the fixed sample of the test suite
+#   scripts/sweep.sh                    the flash at T and P: the full sweep, on all processors
+#   scripts/sweep.sh --saturation       bubble, dew and quality points at given T and at given P
+#   scripts/sweep.sh --caloric          flashes at given enthalpy and at given entropy
+#   scripts/sweep.sh --sample           the fixed sample of the test suite, of any of the three
 #   scripts/sweep.sh --seed 7 --warm    other states, every one asked a second time from a warm start
 #
 # Returns 0 when every answer is right; wrong ones stand in build/native/sweep_failures.csv.

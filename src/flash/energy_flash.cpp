@@ -25,6 +25,7 @@ constexpr double kReached = 1e-10;  // relative change of T that is left
 // region that T cannot resolve; one of the smaller width is an answer.
 constexpr double kNearlyIsothermal = 1e-8, kJump = 1e-4, kSameTemperature = 1e-12;
 constexpr double kSameTwo = 1e-9;  // relative change of T that is left when a flash repeats what Newton found
+constexpr double kStable = -1e-9;  // tangent-plane distance
 constexpr int kRetreats = 6;
 constexpr StatusCode kPureStatuses = 1000;  // from here on a status is not one of an iteration
 
@@ -60,9 +61,9 @@ bool accept_two_phases(Energy& e, EnergyState& s) {
     s.K[i] = std::clamp(s.K[i], kSmallestK, kLargestK);
   }
   if (lighter(*e.call.mixture, s.x, e.a.Z, s.y, e.b.Z)) return false;
-  bool stable = true;
-  e.status = answer_stability(isothermal_call(e, s), stable);
-  return e.status == KV_OK && stable && evaluate_state(e, s);
+  double distance = 0.0;
+  e.status = answer_stability(isothermal_call(e, s), distance);
+  return e.status == KV_OK && distance >= kStable && evaluate_state(e, s);
 }
 
 // Where to look next when Newton has no answer within the bracket.

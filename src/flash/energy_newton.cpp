@@ -18,7 +18,7 @@ namespace {
 constexpr int kMostSteps = 25;
 constexpr double kLargestStep = 0.2;  // of T, relative
 constexpr double kFinished = 1e-7;    // relative step in T whose square is below rounding
-constexpr double kFugacities = 1e-6;  // |g| whose square is
+constexpr double kFugacities = 1e-9;  // |g| whose square is
 constexpr double kSmallestPivot = 1e-15;
 constexpr double kEdge = 0.9;  // part of the way to a vanishing amount
 

@@ -14,6 +14,8 @@ constexpr int kMostPoints = 250, kNewtonLimit = 12;
 constexpr double kFirstStep = 0.1, kSmallestStep = 1e-6;
 constexpr double kMostLogK = 0.8, kMostLogT = 0.05, kMostLogP = 0.6;  // change in one step
 constexpr double kBesideCritical = 0.02;  // no point within this of ln K = 0 of the specified component
+constexpr double kOfLargest = 0.6;        // change of an ln K in parts of the largest
+constexpr double kBelowStart = 1.0;       // in ln P, where a walk that comes down again ends
 constexpr double kTop = 9.0;              // ln P: 8000 atm
 constexpr double kColdest = 3.0;          // ln T: 20 K
 
@@ -49,10 +51,15 @@ int most_sensitive(const QualityLine& line, const LinePoint& p) {
 
 // Largest part of a step that keeps the changes in bounds.
 double bounded(const QualityLine& line, const LinePoint& p, int spec, double step) {
+  // Towards a critical point, where all ln K vanish, in shorter and shorter steps.
+  double largest = 0.0;
+  for (int i = 0; i < line.n; ++i)
+    if (line.z[i] > 0.0) largest = std::max(largest, std::fabs(p.X[i]));
+  const double near = std::clamp(kOfLargest * largest, 2.0 * kBesideCritical, kMostLogK);
   double part = 1.0;
   for (int i = 0; i < line.n + 2; ++i) {
     if (i < line.n && !(line.z[i] > 0.0)) continue;
-    const double most = i < line.n ? kMostLogK : i == line.T_index() ? kMostLogT : kMostLogP;
+    const double most = i < line.n ? near : i == line.T_index() ? kMostLogT : kMostLogP;
     const double change = std::fabs(step * p.slope[i] / p.slope[spec]);
     if (change * part > most) part = most / change;
   }
@@ -64,17 +71,17 @@ struct Walk {
   LinePoint &last, &here, &next;
   int target;
   double value;
-  const double* start;  // [n] ln K where the walk began
   bool beyond;          // the target is looked for behind the critical point
+  bool behind = false;  // w.here is there
   StatusCode status = KV_OK;
 
-  // Behind the critical point the ln K have the other sign.
-  bool behind(const LinePoint& p) const {
+  // On the way over a critical point all ln K change their signs at once.
+  bool passed(const LinePoint& p) const {
     double sum = 0.0;
-    for (int i = 0; i < line.n; ++i) sum += line.z[i] * start[i] * p.X[i];
+    for (int i = 0; i < line.n; ++i) sum += line.z[i] * here.X[i] * p.X[i];
     return sum < 0.0;
   }
-  bool wanted(const LinePoint& p) const { return behind(p) == beyond && !one_phase(line, p); }
+  bool wanted(const LinePoint& p) const { return (behind != passed(p)) == beyond && !one_phase(line, p); }
 };
 
 // The point between a and b where the target has the value, into w.next.
@@ -139,13 +146,12 @@ bool solve_before_extreme(Walk& w, int spec, LinePoint& extreme, bool& found) {
 
 Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, bool beyond, StatusCode& status) {
   LinePoint last, next, extreme;
-  double* start = line.arena->take(line.n);
-  std::copy_n(p.X, line.n, start);
   for (LinePoint* q : {&last, &next, &extreme}) take_point(*line.arena, line, *q);
   seal_line(line);
-  Walk w{line, last, p, next, target, value, start, beyond};
+  Walk w{line, last, p, next, target, value, beyond};
   const int size = line.n + 2;
   line.stable_roots = true;
+  const double lowest = p.X[line.P_index()] - kBelowStart;
   double step = kFirstStep;
   bool have_last = false;
   for (int count = 0; count < kMostPoints; ++count) {
@@ -187,8 +193,11 @@ Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, bo
       copy_point(line, next, p);
       return Solved::yes;
     }
-    if (!beyond && w.behind(next)) return Solved::no;
-    if (next.X[line.P_index()] > kTop || next.X[line.T_index()] < kColdest) return Solved::no;
+    w.behind = w.behind != w.passed(next);
+    if (w.behind && !beyond) return Solved::no;
+    const double ln_P = next.X[line.P_index()];
+    if (ln_P > kTop || next.X[line.T_index()] < kColdest || (ln_P < lowest && ln_P < p.X[line.P_index()]))
+      return Solved::no;
     step = std::fabs(h) * (next.passes <= 3 ? 1.8 : next.passes <= 4 ? 1.2 : 0.6);
     copy_point(line, p, last);
     copy_point(line, next, p);

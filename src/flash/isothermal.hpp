@@ -44,8 +44,11 @@ StatusCode isothermal_flash(const IsothermalCall& call);
  */
 StatusCode feed_stability(const IsothermalCall& call, double& distance);
 
-/* Whether nothing splits off two phases x and y in equilibrium at T and P. The call's arrays are read only. */
-StatusCode answer_stability(const IsothermalCall& call, bool& stable);
+/*
+ * The same distance from the tangent plane of two phases x and y in equilibrium at T and P, 0 when nothing cuts
+ * it. beta says which phase is the larger one. The call's arrays are read only.
+ */
+StatusCode answer_stability(const IsothermalCall& call, double& distance);
 
 }  // namespace kestrune::flash
 

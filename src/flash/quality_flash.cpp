@@ -125,7 +125,7 @@ bool equation_stage(Quality& q, double& value) {
   line.stable_roots = false;
   while (q.count++ <= q.settings.ITEMAX) {
     p.X[q.unknown] = std::log(value);
-    if (!compositions(line, p)) return false;
+    if (!compositions(line, p, DBL_MAX)) return false;
     q.status = line_model(line, temperature(line, p), pressure(line, p));
     if (q.status != KV_OK) return false;
     q.status = k_values(line.m, p.x, p.y, q.spare, {}, line.d_x);
@@ -157,8 +157,9 @@ void start_from_wilson(Quality& q, double value) {
 bool vapour_and_liquid(const Quality& q) {
   const LinePoint& p = q.point;
   if (q.line.free_water) return true;
+  const double side = q.line.W == 0.0 ? 1.0 : q.line.W == 1.0 ? -1.0 : 0.0;
   for (int i = 0; i < q.line.n; ++i)
-    if (q.line.z[i] > 0.0 && std::fabs(p.X[i]) >= kLargestLogK) return false;
+    if (q.line.z[i] > 0.0 && side * p.X[i] >= kLargestLogK) return false;
   const MixtureRecord& m = *q.call.mixture;
   const double v = p.Zy * eos::kR * temperature(q.line, p) / pressure(q.line, p);
   return v > kDensestVapour * covolume(m, p.y) && !lighter(m, p.x, p.Zx, p.y, p.Zy);
@@ -202,20 +203,18 @@ Verdict judge(Quality& q) {
   double beta = q.line.W, distance = 0.0;
   Counts counts;
   IsothermalCall c = test_call(q, silent, beta, counts);
-  bool stable = true;
   if (q.boundary()) {
     c.x = c.y = q.spare;
     c.K = q.trial;
     q.status = feed_stability(c, distance);
-    stable = distance >= kStable;
   } else {
     c.x = q.point.x;
     c.y = q.point.y;
-    q.status = answer_stability(c, stable);
+    q.status = answer_stability(c, distance);
   }
   q.line.m.counts.fugacities += counts.fugacities;
   if (q.status != KV_OK) return Verdict::model;
-  return stable ? Verdict::good : Verdict::unstable;
+  return distance >= kStable ? Verdict::good : Verdict::unstable;
 }
 
 // Whether the line still rises in P with T here: the branch that is reached first from low pressure.
@@ -246,6 +245,10 @@ bool settle(Quality& q, bool solved) {
  * by the slope of the feed's tangent-plane distance to the incipient phase at the point.
  */
 bool regular(const Quality& q) {
+  if (!q.boundary()) {
+    const double slope = slope_with_fraction(q.line, q.point, q.unknown);
+    return q.of_T() ? slope > 0.0 : slope < 0.0;
+  }
   const bool dew = q.line.W == 1.0;
   const double* incipient = dew ? q.point.x : q.point.y;
   const double* of_x = q.of_T() ? q.line.t_x : q.line.p_x;
@@ -258,7 +261,7 @@ bool regular(const Quality& q) {
 // A settled point on the branch that is reached first. One on another branch is kept.
 bool first_branch(Quality& q, bool solved) {
   if (!settle(q, solved)) return false;
-  if (!q.boundary() || regular(q)) return true;
+  if (regular(q)) return true;
   copy_point(q.line, q.point, q.other);
   q.have_other = true;
   return false;
@@ -359,9 +362,7 @@ StatusCode solve(Quality& q) {
     const bool started = equation_stage(q, value);
     if (first_branch(q, started && solve_from_point(q, 0, true))) return write_point(q, KV_OK);
   }
-  // Where another phase splits off, the other end of the line has nothing to add.
   for (const bool beyond : {false, true}) {
-    if (beyond && q.have_unstable) break;
     if (settle(q, follow_from_low_pressure(q, by_wilson, beyond))) return write_point(q, KV_OK);
   }
   if (q.status > KV_STATUS_CALL_BLOCK) return q.status;

@@ -14,6 +14,7 @@ namespace {
 constexpr double kConverged = 1e-10;
 // A Newton step that is smaller than this leaves errors of its square.
 constexpr double kLastStep = 2e-6;
+constexpr double kSameSums = 1e-10;  // of x and y; missed where a K is at its bound
 constexpr double kLargestLogKStep = 2.5, kLargestLogTStep = 0.12, kLargestLogPStep = 1.2;
 constexpr double kLowestT = 1.0, kHighestT = 2e4, kLowestP = 1e-30, kHighestP = 1e6;
 
@@ -195,10 +196,11 @@ void exchange_phases(QualityLine& line, LinePoint& p) {
   }
 }
 
-bool compositions(const QualityLine& line, LinePoint& p) {
+bool compositions(const QualityLine& line, LinePoint& p, double tolerance) {
   Sums sums;
   amounts(line, p, sums.x, sums.y);
   if (!(sums.x > 0.0 && sums.x <= DBL_MAX && sums.y > 0.0 && sums.y <= DBL_MAX)) return false;
+  if (!(std::fabs(sums.x - sums.y) <= tolerance * sums.x)) return false;
   for (int i = 0; i < line.n; ++i) {
     p.x[i] /= sums.x;
     p.y[i] /= sums.y;
@@ -233,10 +235,26 @@ Solved solve_point(QualityLine& line, LinePoint& p, int spec, double value, int 
       p.slope[size - 1] = 1.0;
       support::lu_solve(size, size, line.system, line.pivot, p.slope);
       p.spec = spec;
-      return compositions(line, p) ? Solved::yes : Solved::no;
+      return compositions(line, p, kSameSums) ? Solved::yes : Solved::no;
     }
   }
   return Solved::no;
+}
+
+double slope_with_fraction(QualityLine& line, const LinePoint& p, int unknown) {
+  const int n = line.n, size = n + 2;
+  double* const r = line.step;
+  std::fill_n(r, size, 0.0);
+  for (int j = 0; j < n; ++j) {
+    if (!(line.z[j] > 0.0)) continue;
+    const double apart = (p.y[j] - p.x[j]) / line.z[j];
+    const double* dx = line.d_x + static_cast<std::size_t>(j) * line.ld;
+    const double* dy = line.d_y + static_cast<std::size_t>(j) * line.ld;
+    for (int i = 0; i < n; ++i) r[i] += apart * (p.y[j] * dy[i] - p.x[j] * dx[i]);
+    r[n] += apart * (p.y[j] - p.x[j]);
+  }
+  support::lu_solve(size, size, line.system, line.pivot, r);
+  return r[unknown];
 }
 
 bool substitute(QualityLine& line, LinePoint& p, int unknown, StatusCode& status) {

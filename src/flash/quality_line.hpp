@@ -74,13 +74,19 @@ Solved solve_point(QualityLine& line, LinePoint& p, int spec, double value, int 
                    StatusCode& status);
 
 /*
+ * d X[unknown]/dW at the point that solve_point has just found, the other of T and P fixed. For 0 < W < 1 only:
+ * at the ends one of the matrices that it needs is not there.
+ */
+double slope_with_fraction(QualityLine& line, const LinePoint& p, int unknown);
+
+/*
  * One substitution: ln K from the fugacity coefficients at p.X, then the unknown (T or P index) corrected so
  * that sum y = sum x to first order. False: status of the fugacity routine, or nothing that could be corrected.
  */
 bool substitute(QualityLine& line, LinePoint& p, int unknown, StatusCode& status);
 
-/* x and y of p.X, with sum 1. False when a sum is not usable. */
-bool compositions(const QualityLine& line, LinePoint& p);
+/* x and y of p.X, with sum 1. False when a sum is not usable, or the two differ by more than the tolerance. */
+bool compositions(const QualityLine& line, LinePoint& p, double tolerance);
 
 /*
  * Follows the line from the converged point p in the direction of rising pressure until the unknown target has

@@ -10,8 +10,6 @@
 namespace kestrune::sweep {
 namespace {
 
-constexpr double critical_pressure_of_water = 217.754750;  // atm; above it a retry goes without free water
-
 struct Water {
   const Question& question;
   const Parameters<double> par;

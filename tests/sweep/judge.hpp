@@ -40,6 +40,9 @@ inline constexpr double tpd_tolerance = 1e-8;
 inline constexpr double gibbs_tolerance = 1e-9;
 inline constexpr double vapour_volume_ratio = 3.9514;  // v/b above which a single phase is called vapour
 
+inline constexpr double critical_pressure_of_water =
+    217.754750;  // atm; above it a retry goes without free water
+
 // The full judgement. A question with free_water goes by the rules of liquid water, see free_water.cpp.
 Verdict judge(const Question& question, const Answer& answer);
 

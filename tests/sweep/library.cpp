@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 
+#include <chrono>
 #include <filesystem>
 #include <stdexcept>
 
@@ -14,6 +15,14 @@ void resolve(void* handle, const char* name, Function& function) {
   if (!function) throw std::runtime_error(std::string("the library does not export ") + name);
 }
 
+// Seconds that call() takes.
+template <class Call>
+double timed(const Call& call) {
+  const auto start = std::chrono::steady_clock::now();
+  call();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
 }  // namespace
 
 Library::Library(const std::string& file) {
@@ -23,6 +32,14 @@ Library::Library(const std::string& file) {
   if (!handle) throw std::runtime_error(dlerror());
   resolve(handle, "FlashLVatTP", flash_);
   resolve(handle, "ConvertPPR78GroupData", convert_);
+  resolve(handle, "FlashLVatWP", at_pressure_);
+  resolve(handle, "FlashLVatWT", at_temperature_);
+  resolve(handle, "FlashLVatHP", caloric_[0]);
+  resolve(handle, "FlashLVatSP", caloric_[1]);
+  resolve(handle, "LiquidMolarEnthalpy_PPR78", property_[0][0]);
+  resolve(handle, "GasMolarEnthalpy_PPR78", property_[0][1]);
+  resolve(handle, "LiquidMolarEntropy_PPR78", property_[1][0]);
+  resolve(handle, "GasMolarEntropy_PPR78", property_[1][1]);
 }
 
 void Library::prepare(const Feed& feed, const Components& c) {
@@ -72,6 +89,48 @@ Answer Library::flash(const Feed& feed, double T, double P, const Answer* warm) 
                          answer.y.data(), answer.K.data());
   if (record_.flags != flags) throw std::runtime_error("the flags byte of the record was not put back");
   return answer;
+}
+
+SaturationAnswer Library::saturation(const Feed& feed, const SaturationQuestion& q,
+                                     const SaturationAnswer* warm) {
+  MixtureRecord record = record_;
+  SaturationAnswer answer;
+  if (warm) answer = *warm;
+  answer.x.resize(feed.z.size());
+  answer.y.resize(feed.z.size());
+  answer.K.resize(feed.z.size());
+  const auto routine = q.given == Given::temperature ? at_temperature_ : at_pressure_;
+  answer.seconds = timed([&] {
+    answer.status = routine(q.W, q.value, feed.z.data(), &record, nullptr, warm ? 0 : 1, &answer.found,
+                            answer.x.data(), answer.y.data(), answer.K.data());
+  });
+  if (record.flags != record_.flags) throw std::runtime_error("the flags byte of the record was not put back");
+  return answer;
+}
+
+CaloricAnswer Library::caloric(const Feed& feed, Quantity quantity, double value, double P, double T_start,
+                               const Answer* warm) {
+  MixtureRecord record = record_;
+  CaloricAnswer answer;
+  if (warm) answer.phases = *warm;
+  answer.T = T_start;
+  Answer& phases = answer.phases;
+  phases.x.resize(feed.z.size());
+  phases.y.resize(feed.z.size());
+  phases.K.resize(feed.z.size());
+  answer.seconds = timed([&] {
+    phases.status = caloric_[quantity == Quantity::entropy](
+        value, P, feed.z.data(), &record, nullptr, warm ? 0 : 1, &answer.T, &phases.beta, phases.x.data(),
+        phases.y.data(), phases.K.data(), &answer.liquid, &answer.vapour);
+  });
+  if (record.flags != record_.flags) throw std::runtime_error("the flags byte of the record was not put back");
+  return answer;
+}
+
+bool Library::property(Quantity quantity, bool gas, double T, double P, const Composition& x, double& value) {
+  MixtureRecord record = record_;
+  const int status = property_[quantity == Quantity::entropy][gas](T, P, x.data(), &record, &value);
+  return status == KV_OK || status == KV_PURE_RANGE;
 }
 
 }  // namespace kestrune::sweep

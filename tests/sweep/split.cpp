@@ -194,7 +194,7 @@ Split split_from(const Parameters<double>& par, double P, const Composition& z, 
     if (!m.distinct() || !(m.value < best.gibbs + 1e-13)) continue;
     best.two_phase = true;
     best.gibbs = m.value;
-    const bool swap = m.first.Z < m.second.Z;
+    const bool swap = m.first.Z * m.second.b < m.second.Z * m.first.b;
     best.beta = swap ? 1 - m.beta : m.beta;
     best.x = swap ? m.y : m.x;
     best.y = swap ? m.x : m.y;

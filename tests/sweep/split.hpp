@@ -4,7 +4,7 @@
 
 namespace kestrune::sweep {
 
-// A state of one or two phases. beta counts the phase y, the one of larger compressibility factor.
+// A state of one or two phases. beta counts the phase y, the one of larger v/b.
 struct Split {
   bool two_phase = false;
   double beta = 0;

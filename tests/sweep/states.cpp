@@ -4,67 +4,13 @@
 #include <cmath>
 #include <random>
 
-#include "search.hpp"
+#include "sides.hpp"
 
 namespace kestrune::sweep {
 namespace {
 
 constexpr double T_min = 100, T_max = 700, P_min = 0.01, P_max = 500;
 constexpr double band[] = {1e-2, 1e-3, 1e-4, 1e-5, 1e-6, 1e-7, 1e-8};
-
-// Says on which side of a boundary a state lies.
-struct Sides {
-  const Feed& feed;
-  Components components;
-  Composition z;
-  int water = -1;
-
-  Sides(const Feed& f, const Components& all) : feed(f) {
-    std::vector<int> keep;
-    for (int i = 0; i < all.n; ++i) {
-      if (f.z[i] > 0) keep.push_back(i);
-    }
-    components = subset(all, keep);
-    for (int i : keep) z.push_back(f.z[i]);
-    for (int i = 0; i < components.n; ++i) {
-      if (components.family[i] == 20.0) water = i;
-    }
-  }
-
-  // A pure or nearly pure feed splits, if at all, within a hair of where its vapour turns into liquid.
-  bool nearly_pure() const { return *std::max_element(z.begin(), z.end()) > 0.9999; }
-
-  // One phase (false) or more (true); nearly pure: vapour or liquid. hint holds the last unstable trial.
-  bool split(double T, double P, Composition& hint) const {
-    const auto par = parameters_at<double>(components, T);
-    Phase<double> phase;
-    if (nearly_pure()) {
-      evaluate(par, P, z.data(), Root::stable, false, phase);
-      return phase.Z * 82.057 * T / (P * phase.b) < 3.9514;
-    }
-    if (feed.free_water) {
-      evaluate(par, P, z.data(), Root::largest, false, phase);
-      if (z[water] * std::exp(phase.ln_phi[water]) * P > water_vapour_pressure(T)) return true;
-    }
-    const Plane plane = plane_of(par, P, z);
-    auto starts = starting_points(components, par, P, z, plane);
-    if (!hint.empty()) starts.insert(starts.begin(), hint);
-    const SearchResult found = search(par, P, plane, starts, -1e-12, false);
-    if (!found.unstable.empty()) hint = found.unstable.front().w;
-    return !found.unstable.empty();
-  }
-
-  // The boundary between two values of ln P or T that lie on different sides, by halving.
-  double between(double fixed, double a, double b, bool vary_pressure, bool side_a, int steps) const {
-    Composition hint;
-    for (int k = 0; k < steps; ++k) {
-      const double middle = 0.5 * (a + b);
-      const bool side = vary_pressure ? split(fixed, std::exp(middle), hint) : split(middle, fixed, hint);
-      (side == side_a ? a : b) = middle;
-    }
-    return 0.5 * (a + b);
-  }
-};
 
 void around(double T, double P, const char* kind, std::vector<State>& out) {
   for (double d : band) {
@@ -100,55 +46,12 @@ std::vector<State> boundary_states(const Sides& sides, uint64_t seed) {
   return states;
 }
 
-// The uppermost pressure at which the feed splits, and whether the new phase is lighter than the feed.
-bool top_of_envelope(const Sides& sides, double T, double& P, bool& lighter) {
-  const int points = 40;
-  const auto at = [&](int k) { return std::log(P_max) + (std::log(1.0) - std::log(P_max)) * k / points; };
-  Composition hint;
-  if (sides.split(T, P_max, hint)) return false;
-  for (int k = 1; k <= points; ++k) {
-    if (!sides.split(T, std::exp(at(k)), hint)) continue;
-    double inside = at(k), outside = at(k - 1);
-    for (int i = 0; i < 34; ++i) {
-      const double middle = 0.5 * (inside + outside);
-      (sides.split(T, std::exp(middle), hint) ? inside : outside) = middle;
-    }
-    P = std::exp(inside);
-    const auto par = parameters_at<double>(sides.components, T);
-    Phase<double> feed, trial;
-    evaluate(par, P, sides.z.data(), Root::stable, false, feed);
-    evaluate(par, P, hint.data(), Root::stable, false, trial);
-    lighter = trial.Z > feed.Z;
-    return true;
-  }
-  return false;
-}
-
-// Along the top of the envelope the new phase turns from lighter (bubble) to heavier (dew) at the critical
-// point.
 std::vector<State> critical_states(const Sides& sides, int steps) {
   std::vector<State> states;
-  if (sides.nearly_pure() || sides.feed.free_water) return states;
-  double cold = 0, hot = 0, P = 0, P_critical = 0;
-  bool lighter = false;
-  for (int k = 0; k < 30 && hot == 0; ++k) {
-    const double T = sides.feed.T_low + (sides.feed.T_high - sides.feed.T_low) * k / 29;
-    if (!top_of_envelope(sides, T, P, lighter)) continue;
-    if (lighter) {
-      cold = T;
-    } else if (cold > 0) {
-      hot = T;
-    }
-  }
-  if (hot == 0) return states;
-  for (int k = 0; k < steps; ++k) {
-    const double T = 0.5 * (cold + hot);
-    if (!top_of_envelope(sides, T, P, lighter)) break;
-    (lighter ? cold : hot) = T;
-    P_critical = P;
-  }
+  double T = 0, P = 0;
+  if (!sides.critical_point(P_max, steps, T, P)) return states;
   for (double d : {0.0, 1e-8, -1e-8, 1e-6, -1e-6, 1e-4, -1e-4, 1e-3, -1e-3, 1e-2, -1e-2})
-    around(0.5 * (cold + hot) * (1 + d), P_critical, "critical", states);
+    around(T * (1 + d), P, "critical", states);
   return states;
 }
 

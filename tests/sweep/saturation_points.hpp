@@ -1,0 +1,13 @@
+// Where bubble, dew and quality points are asked.
+#pragma once
+#include <vector>
+
+#include "saturation.hpp"
+#include "states.hpp"
+
+namespace kestrune::sweep {
+
+// The questions of one feed; the same for the same plan, whatever the number of threads.
+std::vector<SaturationQuestion> make_saturation_questions(const Sides& sides, const StatePlan& plan);
+
+}  // namespace kestrune::sweep
