@@ -18,7 +18,7 @@ namespace {
 constexpr int kMostSteps = 25;
 constexpr double kLargestStep = 0.2;  // of T, relative
 constexpr double kFinished = 1e-7;    // relative step in T whose square is below rounding
-constexpr double kFugacities = 1e-9;  // |g| whose square is
+constexpr double kAmounts = 1e-6;     // relative step in the amounts of a phase, likewise
 constexpr double kSmallestPivot = 1e-15;
 constexpr double kEdge = 0.9;  // part of the way to a vanishing amount
 
@@ -26,16 +26,13 @@ double bounded(double T, double step) {
   return std::clamp(step, -kLargestStep * T, kLargestStep * T);
 }
 
-// g and w of the components that are present, and the largest |g|.
-double differences(const Energy& e, const EnergyState& s, double* g, double* w) {
-  double worst = 0.0;
+// g and w of the components that are present.
+void differences(const Energy& e, const EnergyState& s, double* g, double* w) {
   for (int i = 0; i < e.n; ++i) {
     const bool there = e.z[i] > 0.0 && e.l[i] > 0.0 && e.v[i] > 0.0;
     g[i] = there ? support::fast_log(s.y[i] / s.x[i]) + e.b.ln_phi[i] - e.a.ln_phi[i] : 0.0;
     w[i] = there ? e.b.dln_phi_dT[i] - e.a.dln_phi_dT[i] : 0.0;
-    worst = std::max(worst, std::fabs(g[i]));
   }
-  return worst;
 }
 
 // Factors V L J in symmetric scaling; as in the isothermal flash.
@@ -63,6 +60,14 @@ void solve(const Energy& e, const EnergyState& s, double* r) {
   for (int i = 0; i < e.ld; ++i) r[i] *= VL * e.scale[i];
   support::ldl_solve(e.n, e.ld, e.system, r);
   for (int i = 0; i < e.ld; ++i) r[i] *= e.scale[i];
+}
+
+// The trivial solution: both phases are the feed.
+bool are_one(const Energy& e, const EnergyState& s) {
+  constexpr double kTrivial = 2e-5;
+  for (int i = 0; i < e.n; ++i)
+    if (e.z[i] > 0.0 && std::fabs(s.y[i] - s.x[i]) > kTrivial * s.x[i]) return false;
+  return true;
 }
 
 void amounts(const Energy& e, const EnergyState& s) {
@@ -115,8 +120,8 @@ Local solve_one_phase(Energy& e, EnergyState& s) {
     }
     // The stable root may change between two steps: then halve.
     double next = T + step;
-    if (!seen.inside(next)) next = seen.have_low && seen.have_high ? 0.5 * (seen.low + seen.high) : next;
-    if (seen.have_low && seen.have_high && seen.high - seen.low < 1e-9 * T) return Local::failed;
+    if (seen.closed() && seen.should_halve(k, T, next)) next = 0.5 * (seen.low + seen.high);
+    if (seen.closed() && seen.high - seen.low < 1e-9 * T) return Local::failed;
     if (!(next > kColdest && next < kHottest)) return Local::failed;
     T = next;
   }
@@ -143,7 +148,7 @@ Local solve_two_phases(Energy& e, EnergyState& s) {
     s.liquid = e.a.value;
     s.vapour = e.b.value;
     s.value = L * s.liquid + V * s.vapour;
-    const double worst = differences(e, s, g, w);
+    differences(e, s, g, w);
     if (!factor(e, s)) return Local::failed;
     double* const jg = e.jg;
     double* const jw = e.jw;
@@ -162,16 +167,17 @@ Local solve_two_phases(Energy& e, EnergyState& s) {
     const double dT_full = (e.call.wanted - s.value - hg) / s.slope;
     const double dT = bounded(T, dT_full);
     const double part = dT == dT_full ? 1.0 : dT / dT_full;
-    double dV = 0.0;
+    double dV = 0.0, change = 0.0;  // of an amount, in parts of the smaller of its two
     for (int i = 0; i < e.n; ++i) {
       jg[i] = -(jg[i] + jw[i] * dT_full);
       dV += jg[i];
+      if (e.scale[i] > 0.0) change = std::max(change, std::fabs(jg[i]) / std::min(e.v[i], e.l[i]));
     }
-    const bool last = part == 1.0 && std::fabs(dT) <= kFinished * T && worst <= kFugacities;
+    const bool last = part == 1.0 && std::fabs(dT) <= kFinished * T && change <= kAmounts;
     if (!apply(e, jg, part, s)) return Local::vanished;
     s.T = T + dT;
     if (!(s.T > kColdest && s.T < kHottest)) return Local::failed;
-    if (last) return Local::converged;
+    if (last) return are_one(e, s) ? Local::vanished : Local::converged;
     // Twice beyond the end of a phase: it is not coming back.
     beyond = V + dV < 0.0 || V + dV > 1.0 ? beyond + 1 : 0;
     if (beyond >= 2) return Local::vanished;

@@ -42,7 +42,7 @@ StatusCode solve_pure_phase(Energy& e, Kind kind, double low, double high) {
     if (b.closed() && b.high - b.low <= 1e-14 * b.high) return KV_OK;
     double next = slope > 0.0 ? T - f / slope : b.closed() ? b.secant() : f < 0.0 ? 1.2 * T : T / 1.2;
     next = std::clamp(next, std::max(T / 2.0, low), std::min(T * 2.0, high));
-    if (!b.inside(next) && b.closed()) next = 0.5 * (b.low + b.high);
+    if (b.closed() && b.should_halve(k, T, next)) next = 0.5 * (b.low + b.high);
     if (next == T) {
       e.limit = T > 0.5 * (kColdest + kHottest) || T == high ? kLimitReached : -kLimitReached;
       return slope > 0.0 && std::fabs(f) <= 1e-9 * T * slope ? KV_OK : KV_NOT_CONVERGED;

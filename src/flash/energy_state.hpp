@@ -2,6 +2,8 @@
 #ifndef KESTRUNE_FLASH_ENERGY_STATE_HPP
 #define KESTRUNE_FLASH_ENERGY_STATE_HPP
 
+#include <cmath>
+
 #include "flash/energy_flash.hpp"
 #include "flash/isothermal.hpp"
 #include "support/trace.hpp"
@@ -49,6 +51,11 @@ struct EnergyBracket {
   }
   bool closed() const { return have_low && have_high; }
   bool inside(double T) const { return T > low && T < high; }
+  // A Newton step that leaves, or after some steps still is about as long as the bracket: it may go to and fro
+  // for ever.
+  bool should_halve(int steps, double T, double next) const {
+    return !inside(next) || (steps >= 4 && std::fabs(next - T) > 0.25 * (high - low));
+  }
   double secant() const {
     const double a = weight_low * f_low, b = weight_high * f_high;
     return low - a * (high - low) / (b - a);

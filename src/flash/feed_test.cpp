@@ -223,19 +223,22 @@ bool test_feed(Flash& f) {
 }
 
 bool test_answer(Flash& f, bool& stable) {
-  // The tangent plane of the whole answer; x is a phase of it. With free water it is the vapour's plane that
-  // counts: a liquid of the water rules may be two.
+  // The tangent plane of the whole answer, of every component as the phase shows it that holds more of it: a K
+  // at its bound makes the other one wrong. With free water it is the vapour's plane that counts: a liquid of
+  // the water rules may be two.
   const bool vapour = f.m.free_water;
-  const double* z = vapour ? f.it.y : f.it.x;
-  const double* phi = vapour ? f.it.ln_phi_y : f.it.ln_phi_x;
-  for (int i = 0; i < f.m.ld; ++i) f.answer_d[i] = support::fast_log(z[i]) + phi[i];
+  for (int i = 0; i < f.m.ld; ++i) {
+    const bool of_y = vapour || f.it.y[i] > f.it.x[i];
+    f.answer_d[i] = of_y ? support::fast_log(f.it.y[i]) + f.it.ln_phi_y[i]
+                         : support::fast_log(f.it.x[i]) + f.it.ln_phi_x[i];
+  }
   f.have_lowest = false;
   f.how = vapour ? Follow::strict : Follow::quick;
   f.came_back = false;
   stable = true;
   if (vapour) {
     // The liquid and the gas that the vapour would form, whether there is water beside it or not.
-    if (!wilson_trials(f, {z, f.answer_d})) return false;
+    if (!wilson_trials(f, {f.it.y, f.answer_d})) return false;
   } else {
     const Reference plane{f.it.x, f.answer_d, f.it.y};
     const bool have_gas = kind_of(f, f.it.y, f.it.Zy) == Kind::gas || kind_of(f, f.it.x, f.it.Zx) == Kind::gas;

@@ -206,10 +206,8 @@ StatusCode feed_stability(const IsothermalCall& call, double& distance) {
 StatusCode answer_stability(const IsothermalCall& call, double& distance) {
   const auto body = [&](Flash& f) -> StatusCode {
     wilson(call.T, call.P, *call.mixture, f.m.free_water, f.wilson_k, nullptr);
-    // The plane is that of the larger phase: a K at its bound makes that of the other one a little wrong.
-    const bool exchange = !f.m.free_water && *call.beta > 0.5;
-    std::copy_n(exchange ? call.y : call.x, f.m.n, f.it.x);
-    std::copy_n(exchange ? call.x : call.y, f.m.n, f.it.y);
+    std::copy_n(call.x, f.m.n, f.it.x);
+    std::copy_n(call.y, f.m.n, f.it.y);
     f.it.kind_x = f.m.free_water ? Kind::liquid : Kind::stable;
     f.it.kind_y = f.m.free_water ? Kind::gas : Kind::stable;
     f.status = fugacity(f.m, f.it.x, f.it.kind_x, f.it.ln_phi_x, nullptr, f.it.Zx);

@@ -23,6 +23,7 @@ constexpr double kWilsonTolerance = 1e-4, kEquationTolerance = 1e-12;  // on F^2
 constexpr double kNoBracketHigh = 10000.0;
 constexpr int kNewtonLimit = 30, kSubstitutions = 2, kRestarts = 3;
 constexpr double kStable = -1e-8;
+constexpr double kNotInWater = 5.0;  // ln K of what water hardly dissolves, to start with
 // Volume over co-volume of the densest fluid that is still called a vapour beside a liquid: liquids have 1.2
 // to 1.7, gases at hundreds of atmospheres 2 to 4.
 constexpr double kDensestVapour = 1.5;
@@ -323,6 +324,27 @@ StatusCode solve_pure(Quality& q, int j) {
   return write_point(q, KV_OK);
 }
 
+// Water about to condense alone: where its vapour pressure is its partial pressure. False without water.
+bool start_from_water(Quality& q) {
+  const MixtureRecord& m = *q.call.mixture;
+  const int w = eos::find_water_family(m);
+  if (w < 0 || !(q.line.z[w] > 0.0)) return false;
+  double T = q.call.given, P = q.call.given;
+  if (q.of_T()) {
+    double low = 150.0, high = 1000.0;
+    for (int k = 0; k < 40; ++k) {
+      T = 0.5 * (low + high);
+      (eos::water_vapour_pressure(T).value < q.line.z[w] * P ? low : high) = T;
+    }
+  } else {
+    P = eos::water_vapour_pressure(T).value / q.line.z[w];
+  }
+  for (int i = 0; i < q.line.n; ++i) q.point.X[i] = kNotInWater;
+  q.point.X[w] = support::fast_log(q.line.z[w]);
+  q.point.X[q.unknown] = std::log(q.of_T() ? T : P);
+  return true;
+}
+
 bool usable_estimate(const Quality& q) {
   const QualityCall& c = q.call;
   if (c.cold || !(*c.unknown > 0.0 && within_range(q, *c.unknown))) return false;
@@ -362,6 +384,8 @@ StatusCode solve(Quality& q) {
     const bool started = equation_stage(q, value);
     if (first_branch(q, started && solve_from_point(q, 0, true))) return write_point(q, KV_OK);
   }
+  if (q.line.W > 0.5 && start_from_water(q) && first_branch(q, solve_from_point(q, 0, true)))
+    return write_point(q, KV_OK);
   for (const bool beyond : {false, true}) {
     if (settle(q, follow_from_low_pressure(q, by_wilson, beyond))) return write_point(q, KV_OK);
   }

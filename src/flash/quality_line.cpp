@@ -14,7 +14,7 @@ namespace {
 constexpr double kConverged = 1e-10;
 // A Newton step that is smaller than this leaves errors of its square.
 constexpr double kLastStep = 2e-6;
-constexpr double kSameSums = 1e-10;  // of x and y; missed where a K is at its bound
+constexpr double kSameSums = 2e-10;  // of x and y; missed where a K is at its bound
 constexpr double kLargestLogKStep = 2.5, kLargestLogTStep = 0.12, kLargestLogPStep = 1.2;
 constexpr double kLowestT = 1.0, kHighestT = 2e4, kLowestP = 1e-30, kHighestP = 1e6;
 
@@ -91,6 +91,7 @@ double fill_system(QualityLine& line, const LinePoint& p, const Sums& sums, int 
     if (line.z[i] > 0.0) error = std::max(error, std::fabs(line.step[i]));
   }
   line.step[n] = sums.x - sums.y;
+  error = std::max(error, std::fabs(line.step[n]) / sums.x);
   line.system[static_cast<std::size_t>(spec) * size + n + 1] += 1.0;
   line.step[n + 1] = value - p.X[spec];
   return error;
@@ -225,12 +226,16 @@ Solved solve_point(QualityLine& line, LinePoint& p, int spec, double value, int 
     if (!(largest <= DBL_MAX)) return Solved::no;
     const double factor = damping(line);
     trace_pass(line, p, factor);
-    for (int i = 0; i < size; ++i) p.X[i] += factor * line.step[i];
-    p.X[spec] = value;
-    for (int i = 0; i < line.n; ++i) p.X[i] = std::clamp(p.X[i], -kLargestLogK, kLargestLogK);
+    // Beside a critical point the last step of a point that has converged is noise, and may be a long one.
+    const bool converged = p.error <= kConverged;
+    if (!converged || largest <= kLastStep) {
+      for (int i = 0; i < size; ++i) p.X[i] += factor * line.step[i];
+      p.X[spec] = value;
+      for (int i = 0; i < line.n; ++i) p.X[i] = std::clamp(p.X[i], -kLargestLogK, kLargestLogK);
+    }
     if (!in_range(line, p)) return Solved::no;
     if (!through_critical && one_phase(line, p)) return Solved::trivial;
-    if (p.error <= kConverged || largest <= kLastStep) {
+    if (converged || largest <= kLastStep) {
       std::fill_n(p.slope, size, 0.0);
       p.slope[size - 1] = 1.0;
       support::lu_solve(size, size, line.system, line.pivot, p.slope);
