@@ -162,8 +162,13 @@ bool vapour_and_liquid(const Quality& q) {
   for (int i = 0; i < q.line.n; ++i)
     if (q.line.z[i] > 0.0 && side * p.X[i] >= kLargestLogK) return false;
   const MixtureRecord& m = *q.call.mixture;
-  const double v = p.Zy * eos::kR * temperature(q.line, p) / pressure(q.line, p);
-  return v > kDensestVapour * covolume(m, p.y) && !lighter(m, p.x, p.Zx, p.y, p.Zy);
+  if (lighter(m, p.x, p.Zx, p.y, p.Zy)) return false;
+  // However dense it is, above its own pseudo-critical temperature (Kay) a fluid is no liquid.
+  const double T = temperature(q.line, p);
+  const double* Tc = m.table + static_cast<std::size_t>(KV_COL_TC - 1) * m.count;
+  double pseudo_critical = 0.0;
+  for (int i = 0; i < q.line.n; ++i) pseudo_critical += p.y[i] * Tc[i];
+  return T > pseudo_critical || p.Zy * eos::kR * T / pressure(q.line, p) > kDensestVapour * covolume(m, p.y);
 }
 
 // Newton from q.point, after some substitutions. True: converged on two phases.
