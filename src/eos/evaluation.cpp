@@ -8,18 +8,6 @@
 namespace kestrune::eos {
 namespace {
 
-// Sum of x_i x_j M_ij over a padded matrix.
-double quadratic(const Temperature& t, const double* matrix, const double* x) {
-  double sum = 0.0;
-  for (int j = 0; j < t.n; ++j) {
-    const double* column = matrix + static_cast<std::size_t>(j) * t.ld;
-    double s = 0.0;
-    for (int i = 0; i < t.n; ++i) s += x[i] * column[i];
-    sum += x[j] * s;
-  }
-  return sum;
-}
-
 // dZ/dT and dZ/dP by the chain rule through A and B.
 void root_derivatives(const Temperature& t, double P, const Root& r, bool with_T, PhaseValues& out) {
   const double Z = r.Z, A = out.A, B = out.B;

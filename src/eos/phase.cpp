@@ -51,6 +51,17 @@ Mixture mix(const Temperature& t, const double* x, double* __restrict s) noexcep
   return m;
 }
 
+double quadratic(const Temperature& t, const double* matrix, const double* x) noexcept {
+  double sum = 0.0;
+  for (int j = 0; j < t.n; ++j) {
+    const double* column = matrix + static_cast<std::size_t>(j) * t.ld;
+    double s = 0.0;
+    for (int i = 0; i < t.n; ++i) s += x[i] * column[i];
+    sum += x[j] * s;
+  }
+  return sum;
+}
+
 int solve_root(frame::tools::KvBracub bracub, double A, double B, int phase, bool warm, double& Z) noexcept {
   const double c0 = 1.0;
   const double c1 = (kU - 1.0) * B - 1.0;

@@ -41,6 +41,9 @@ inline Mixture mix_pure(const Temperature& t, int j, const double** s) noexcept 
   return {t.aij[at + j], t.b[j], t.aij[at + j] / (t.b[j] * kR * t.T)};
 }
 
+/* Sum of x_i x_j M_ij over a padded matrix of the prepared temperature. */
+double quadratic(const Temperature& t, const double* matrix, const double* x) noexcept;
+
 // Settings blocks of BRACUB: from scratch, and from the value that Z holds.
 inline constexpr double kColdRoot[8] = {};
 inline constexpr double kWarmRoot[8] = {0.0, 1.0};

@@ -20,17 +20,6 @@ MolarRoutine host_routine(const CaloricModel& c, int phase) {
   return reinterpret_cast<MolarRoutine>(c.routines->entry[entry - 1]);
 }
 
-double quadratic(const eos::Temperature& t, const double* matrix, const double* x) {
-  double sum = 0.0;
-  for (int j = 0; j < t.n; ++j) {
-    const double* column = matrix + static_cast<std::size_t>(j) * t.ld;
-    double s = 0.0;
-    for (int i = 0; i < t.n; ++i) s += x[i] * column[i];
-    sum += x[j] * s;
-  }
-  return sum;
-}
-
 // The root of the kind, and where it is not clearly the lower one, still that of its name: of two phases that
 // are nearly one composition, as at the boiling point of a component, the Gibbs energy cannot tell.
 bool find_root(const CaloricModel& c, const eos::Mixture& m, Kind kind, double start, eos::Root& r) {
@@ -92,7 +81,7 @@ bool phase_caloric(CaloricModel& c, const double* x, Kind kind, PhaseCaloric& ou
   const double a_t = eos::dln_phi_dT(t, m, r, k, x, c.s, c.s_t, out.dln_phi_dT);
   if (out.dn != nullptr) eos::dln_phi_dn(t, m, r, k, c.s, out.dn, t.ld, t.ld, true);
   // Cp by way of Cv: Cp_res = Cv_res + R (L^2/K - 1).
-  const double a_tt = quadratic(t, t.aij_tt, x);
+  const double a_tt = eos::quadratic(t, t.aij_tt, x);
   const eos::Slopes slopes = eos::slopes(m.a / m.b, a_t / m.b, m.b, T, r.eta);
   const double Cp_res =
       (T * a_tt / m.b * r.phi) * eos::kCalPerCm3Atm + kResidualR * (slopes.L * slopes.L / slopes.K - 1.0);

@@ -29,10 +29,10 @@ Cubic cubic(double a, double slope_a, double b, double slope_b) {
   return {a, slope_a, 3.0 * (b - a) - 2.0 * slope_a - slope_b, 2.0 * (a - b) + slope_a + slope_b};
 }
 
-// Unknown i between the points, in parts of the step of the unknown spec.
-Cubic between(const LinePoint& a, const LinePoint& b, int i, int spec) {
-  const double h = b.X[spec] - a.X[spec];
-  return cubic(a.X[i], h * a.slope[i] / a.slope[spec], b.X[i], h * b.slope[i] / b.slope[spec]);
+// Unknown i between the points, in parts of the step of the unknown held.
+Cubic between(const LinePoint& a, const LinePoint& b, int i, int held) {
+  const double h = b.X[held] - a.X[held];
+  return cubic(a.X[i], h * a.slope[i] / a.slope[held], b.X[i], h * b.slope[i] / b.slope[held]);
 }
 
 int most_sensitive(const QualityLine& line, const LinePoint& p) {
@@ -50,7 +50,7 @@ int most_sensitive(const QualityLine& line, const LinePoint& p) {
 }
 
 // Largest part of a step that keeps the changes in bounds.
-double bounded(const QualityLine& line, const LinePoint& p, int spec, double step) {
+double bounded(const QualityLine& line, const LinePoint& p, int held, double step) {
   // Towards a critical point, where all ln K vanish, in shorter and shorter steps.
   double largest = 0.0;
   for (int i = 0; i < line.n; ++i)
@@ -60,7 +60,7 @@ double bounded(const QualityLine& line, const LinePoint& p, int spec, double ste
   for (int i = 0; i < line.n + 2; ++i) {
     if (i < line.n && !(line.z[i] > 0.0)) continue;
     const double most = i < line.n ? near : i == line.T_index() ? kMostLogT : kMostLogP;
-    const double change = std::fabs(step * p.slope[i] / p.slope[spec]);
+    const double change = std::fabs(step * p.slope[i] / p.slope[held]);
     if (change * part > most) part = most / change;
   }
   return step * part;
@@ -85,16 +85,16 @@ struct Walk {
 };
 
 // The point between a and b where the target has the value, into w.next.
-bool solve_between(Walk& w, const LinePoint& a, const LinePoint& b, int spec) {
+bool solve_between(Walk& w, const LinePoint& a, const LinePoint& b, int held) {
   const int size = w.line.n + 2;
-  const Cubic c = between(a, b, w.target, spec);
+  const Cubic c = between(a, b, w.target, held);
   double low = 0.0, high = 1.0;
   const bool rising = b.X[w.target] > a.X[w.target];
   for (int k = 0; k < 60; ++k) {
     const double middle = 0.5 * (low + high);
     ((c.at(middle) < w.value) == rising ? low : high) = middle;
   }
-  for (int i = 0; i < size; ++i) w.next.X[i] = between(a, b, i, spec).at(low);
+  for (int i = 0; i < size; ++i) w.next.X[i] = between(a, b, i, held).at(low);
   if (solve_point(w.line, w.next, w.target, w.value, kNewtonLimit, true, w.status) == Solved::yes &&
       w.wanted(w.next))
     return true;
@@ -103,8 +103,8 @@ bool solve_between(Walk& w, const LinePoint& a, const LinePoint& b, int spec) {
   high = 1.0;
   for (int k = 0; k < 50; ++k) {
     const double middle = 0.5 * (low + high);
-    for (int i = 0; i < size; ++i) w.next.X[i] = between(a, b, i, spec).at(middle);
-    if (solve_point(w.line, w.next, spec, w.next.X[spec], kNewtonLimit, true, w.status) != Solved::yes)
+    for (int i = 0; i < size; ++i) w.next.X[i] = between(a, b, i, held).at(middle);
+    if (solve_point(w.line, w.next, held, w.next.X[held], kNewtonLimit, true, w.status) != Solved::yes)
       return false;
     if (std::fabs(w.next.X[w.target] - w.value) < 1e-10) break;
     ((w.next.X[w.target] < w.value) == rising ? low : high) = middle;
@@ -117,9 +117,9 @@ bool crossed(const Walk& w, const LinePoint& a, const LinePoint& b) {
 }
 
 // An extreme of the target between w.here and w.next that reaches the value: solves on its near side.
-bool solve_before_extreme(Walk& w, int spec, LinePoint& extreme, bool& found) {
+bool solve_before_extreme(Walk& w, int held, LinePoint& extreme, bool& found) {
   found = false;
-  const Cubic c = between(w.here, w.next, w.target, spec);
+  const Cubic c = between(w.here, w.next, w.target, held);
   if (c.slope(0.0) * c.slope(1.0) >= 0.0) return false;
   double low = 0.0, high = 1.0;
   for (int k = 0; k < 40; ++k) {
@@ -131,13 +131,13 @@ bool solve_before_extreme(Walk& w, int spec, LinePoint& extreme, bool& found) {
       std::fabs(reach - w.here.X[w.target]) < 0.9 * std::fabs(side))
     return false;
   const int size = w.line.n + 2;
-  for (int i = 0; i < size; ++i) extreme.X[i] = between(w.here, w.next, i, spec).at(low);
-  if (solve_point(w.line, extreme, spec, extreme.X[spec], kNewtonLimit, true, w.status) != Solved::yes)
+  for (int i = 0; i < size; ++i) extreme.X[i] = between(w.here, w.next, i, held).at(low);
+  if (solve_point(w.line, extreme, held, extreme.X[held], kNewtonLimit, true, w.status) != Solved::yes)
     return false;
   if (!crossed(w, w.here, extreme)) return true;
   LinePoint& store = w.last;  // not needed any more when this succeeds
   copy_point(w.line, w.next, store);
-  found = solve_between(w, w.here, extreme, spec);
+  found = solve_between(w, w.here, extreme, held);
   if (!found) copy_point(w.line, store, w.next);
   return true;
 }
@@ -155,28 +155,28 @@ Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, bo
   double step = kFirstStep;
   bool have_last = false;
   for (int count = 0; count < kMostPoints; ++count) {
-    const int spec = most_sensitive(line, p);
+    const int held = most_sensitive(line, p);
     // Direction: on from the last point; at first to higher pressure.
     double sign = 1.0;
     if (have_last)
-      sign = p.X[spec] >= last.X[spec] ? 1.0 : -1.0;
+      sign = p.X[held] >= last.X[held] ? 1.0 : -1.0;
     else
-      sign = (p.slope[line.P_index()] / p.slope[spec] > 0.0) ? 1.0 : -1.0;
-    double h = bounded(line, p, spec, sign * step);
-    if (spec < line.n && p.X[spec] * (p.X[spec] + h) < kBesideCritical * kBesideCritical &&
-        std::fabs(p.X[spec] + h) < kBesideCritical && std::fabs(p.X[spec]) > 0.0)
-      h = (p.X[spec] > 0.0 ? -1.0 : 1.0) * kBesideCritical - p.X[spec];  // over the critical point
+      sign = (p.slope[line.P_index()] / p.slope[held] > 0.0) ? 1.0 : -1.0;
+    double h = bounded(line, p, held, sign * step);
+    if (held < line.n && p.X[held] * (p.X[held] + h) < kBesideCritical * kBesideCritical &&
+        std::fabs(p.X[held] + h) < kBesideCritical && std::fabs(p.X[held]) > 0.0)
+      h = (p.X[held] > 0.0 ? -1.0 : 1.0) * kBesideCritical - p.X[held];  // over the critical point
     Solved solved = Solved::no;
     while (std::fabs(h) > kSmallestStep) {
       for (int i = 0; i < size; ++i) {
-        next.X[i] = p.X[i] + h * p.slope[i] / p.slope[spec];
-        if (have_last && std::fabs(p.X[spec] - last.X[spec]) > 1e-3 * std::fabs(h)) {
-          const double part = 1.0 + h / (p.X[spec] - last.X[spec]);
-          if (part > 1.0 && part < 4.0 && last.slope[spec] != 0.0)
-            next.X[i] = between(last, p, i, spec).at(part);
+        next.X[i] = p.X[i] + h * p.slope[i] / p.slope[held];
+        if (have_last && std::fabs(p.X[held] - last.X[held]) > 1e-3 * std::fabs(h)) {
+          const double part = 1.0 + h / (p.X[held] - last.X[held]);
+          if (part > 1.0 && part < 4.0 && last.slope[held] != 0.0)
+            next.X[i] = between(last, p, i, held).at(part);
         }
       }
-      solved = solve_point(line, next, spec, p.X[spec] + h, kNewtonLimit, true, status);
+      solved = solve_point(line, next, held, p.X[held] + h, kNewtonLimit, true, status);
       if (solved == Solved::yes) break;
       h *= 0.4;
     }
@@ -184,12 +184,12 @@ Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, bo
     bool found = false;
     if (crossed(w, p, next)) {
       copy_point(line, next, extreme);
-      if (solve_between(w, p, extreme, spec)) {
+      if (solve_between(w, p, extreme, held)) {
         copy_point(line, next, p);
         return Solved::yes;
       }
       copy_point(line, extreme, next);
-    } else if (solve_before_extreme(w, spec, extreme, found) && found) {
+    } else if (solve_before_extreme(w, held, extreme, found) && found) {
       copy_point(line, next, p);
       return Solved::yes;
     }

@@ -57,7 +57,7 @@ StatusCode evaluate(QualityLine& line, LinePoint& p, bool matrices, Sums& sums) 
 }
 
 // Fills the system and its right-hand side -F; returns the largest |F| of components that are present.
-double fill_system(QualityLine& line, const LinePoint& p, const Sums& sums, int spec, double value) {
+double fill_system(QualityLine& line, const LinePoint& p, const Sums& sums, int held, double value) {
   const int n = line.n, size = n + 2;
   const double T = line.m.T, P = line.m.P, W = line.W;
   double error = 0.0;
@@ -92,8 +92,8 @@ double fill_system(QualityLine& line, const LinePoint& p, const Sums& sums, int 
   }
   line.step[n] = sums.x - sums.y;
   error = std::max(error, std::fabs(line.step[n]) / sums.x);
-  line.system[static_cast<std::size_t>(spec) * size + n + 1] += 1.0;
-  line.step[n + 1] = value - p.X[spec];
+  line.system[static_cast<std::size_t>(held) * size + n + 1] += 1.0;
+  line.step[n + 1] = value - p.X[held];
   return error;
 }
 
@@ -176,7 +176,7 @@ void copy_point(const QualityLine& line, const LinePoint& from, LinePoint& to) {
   to.Zx = from.Zx;
   to.Zy = from.Zy;
   to.error = from.error;
-  to.spec = from.spec;
+  to.held = from.held;
   to.passes = from.passes;
 }
 
@@ -209,15 +209,15 @@ bool compositions(const QualityLine& line, LinePoint& p, double tolerance) {
   return true;
 }
 
-Solved solve_point(QualityLine& line, LinePoint& p, int spec, double value, int limit, bool through_critical,
+Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int limit, bool through_critical,
                    StatusCode& status) {
   const int size = line.n + 2;
-  p.X[spec] = value;
+  p.X[held] = value;
   for (p.passes = 1; p.passes <= limit; ++p.passes) {
     Sums sums;
     status = evaluate(line, p, true, sums);
     if (status != KV_OK) return Solved::model;
-    p.error = fill_system(line, p, sums, spec, value);
+    p.error = fill_system(line, p, sums, held, value);
     if (!support::lu_factor(size, size, line.system, line.pivot)) return Solved::no;
     support::lu_solve(size, size, line.system, line.pivot, line.step);
     double largest = 0.0;
@@ -230,7 +230,7 @@ Solved solve_point(QualityLine& line, LinePoint& p, int spec, double value, int 
     const bool converged = p.error <= kConverged;
     if (!converged || largest <= kLastStep) {
       for (int i = 0; i < size; ++i) p.X[i] += factor * line.step[i];
-      p.X[spec] = value;
+      p.X[held] = value;
       for (int i = 0; i < line.n; ++i) p.X[i] = std::clamp(p.X[i], -kLargestLogK, kLargestLogK);
     }
     if (!in_range(line, p)) return Solved::no;
@@ -239,7 +239,7 @@ Solved solve_point(QualityLine& line, LinePoint& p, int spec, double value, int 
       std::fill_n(p.slope, size, 0.0);
       p.slope[size - 1] = 1.0;
       support::lu_solve(size, size, line.system, line.pivot, p.slope);
-      p.spec = spec;
+      p.held = held;
       return compositions(line, p, kSameSums) ? Solved::yes : Solved::no;
     }
   }

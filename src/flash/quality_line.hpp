@@ -41,11 +41,11 @@ struct QualityLine {
 
 struct LinePoint {
   double* X = nullptr;                // [n + 2]
-  double* slope = nullptr;            // [n + 2] dX/dX[spec] along the line
+  double* slope = nullptr;            // [n + 2] dX/dX[held] along the line
   double *x = nullptr, *y = nullptr;  // [ld] compositions
   double Zx = 0.0, Zy = 0.0;
   double error = 0.0;  // largest |difference of ln fugacities|
-  int spec = 0;
+  int held = 0;
   int passes = 0;  // of the last solve
 };
 
@@ -66,11 +66,11 @@ StatusCode line_model(QualityLine& line, double T, double P);
 enum class Solved { yes, trivial, no, model };
 
 /*
- * Newton's method from p.X with the unknown spec held at value. On yes the point is converged to 1e-10 in ln
+ * Newton's method from p.X with the unknown held held at value. On yes the point is converged to 1e-10 in ln
  * fugacities, with compositions and slope. trivial: the phases became one (not looked for when
  * through_critical). model: status says what the fugacity routine returned.
  */
-Solved solve_point(QualityLine& line, LinePoint& p, int spec, double value, int limit, bool through_critical,
+Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int limit, bool through_critical,
                    StatusCode& status);
 
 /*
