@@ -114,6 +114,31 @@ StatusCode solve_for_fraction(Energy& e) {
   return KV_NOT_CONVERGED;
 }
 
+/*
+ * Newton on the feed as one phase from e.spare.T, and the flash at the temperature found, whose answer e.state
+ * becomes. True: it is one phase there.
+ */
+bool solve_as_one_phase(Energy& e) {
+  EnergyState& s = e.spare;
+  if (solve_one_phase(e, s) != Local::converged || !e.bracket.inside(s.T)) return false;
+  const double slope = s.slope;
+  IsothermalCall c = isothermal_call(e, s);
+  ++e.flashes;
+  e.status = isothermal_flash(c);
+  if (e.status == KV_SINGLE_PHASE) {  // the value is known
+    e.status = s.status = KV_OK;
+    s.value = e.call.wanted;
+    s.slope = slope;
+    s.liquid = s.beta < 1.0 ? s.value : 0.0;
+    s.vapour = s.beta > 0.0 ? s.value : 0.0;
+    copy_state(e, s, e.state);
+    return true;
+  }
+  if (e.status != KV_OK || !evaluate_state(e, s)) return false;
+  copy_state(e, s, e.state);
+  return false;
+}
+
 // Newton at the phases that the state has. True: the state is the answer.
 bool solve_locally(Energy& e) {
   if (!e.model.analytic()) return false;
@@ -137,12 +162,7 @@ bool solve_locally(Energy& e) {
     s.T = local == Local::vanished ? s.T : e.state.T;
   }
   // One phase, or two of which one vanishes: where would the feed as one phase have the value?
-  if (solve_one_phase(e, s) == Local::converged && e.bracket.inside(s.T)) {
-    if (!equilibrium_at(e, s.T, false, s)) return false;
-    copy_state(e, s, e.state);
-    return reached(e, e.state);
-  }
-  return false;
+  return solve_as_one_phase(e);
 }
 
 // An answer by the bracket alone: a jump that the vapour fraction resolves, or no width left. False: go on.
@@ -170,10 +190,22 @@ bool equilibrium_towards(Energy& e, double T) {
   return false;
 }
 
+bool plausible(double T) {
+  return T >= kPlausibleLow && T <= kPlausibleHigh;
+}
+
 StatusCode iterate(Energy& e) {
-  if (!equilibrium_at(e, e.start_T, !e.call.cold, e.state) &&
-      (e.start_T == kDefaultTemperature || !equilibrium_at(e, kDefaultTemperature, false, e.state)))
-    return e.status;
+  // Without an estimate of the phases the first flash is where the feed as one phase would have the value.
+  if (e.call.cold && e.model.analytic()) {
+    e.spare.T = e.start_T;
+    if (solve_as_one_phase(e)) return KV_OK;
+    if (e.flashes == 0 && plausible(e.spare.T)) e.start_T = e.spare.T;
+  }
+  if (e.flashes == 0 || e.status != KV_OK) {
+    if (!equilibrium_at(e, e.start_T, !e.call.cold, e.state) &&
+        (e.start_T == kDefaultTemperature || !equilibrium_at(e, kDefaultTemperature, false, e.state)))
+      return e.status;
+  }
   StatusCode status = KV_OK;
   while (e.flashes < kMostFlashes) {
     trace_energy_pass(e.trace, e.call, e.state.T, e.state.beta, e.state.liquid, e.state.vapour);
@@ -214,10 +246,6 @@ StatusCode write_state(Energy& e, StatusCode status) {
   *c.vapour = s.beta > 0.0 ? s.vapour : 0.0;
   trace_energy_result(e.trace, c);
   return status;
-}
-
-bool plausible(double T) {
-  return T >= kPlausibleLow && T <= kPlausibleHigh;
 }
 
 // The driver: single component, main solver, search.

@@ -100,6 +100,7 @@ bool apply(Energy& e, const double* dv, double part, EnergyState& s) {
 
 Local solve_one_phase(Energy& e, EnergyState& s) {
   EnergyBracket seen;
+  int outside = 0;
   e.b.dn = nullptr;
   double T = s.T;
   for (int k = 0; k < kMostSteps; ++k) {
@@ -120,7 +121,15 @@ Local solve_one_phase(Energy& e, EnergyState& s) {
     }
     // The stable root may change between two steps: then halve.
     double next = T + step;
-    if (seen.closed() && seen.should_halve(k, T, next)) next = 0.5 * (seen.low + seen.high);
+    if (seen.closed() && seen.should_halve(k, T, next)) {
+      // From both sides the value lies beyond the other one: it is in the jump from one root to the other.
+      outside += seen.inside(next) ? 0 : 1;
+      next = 0.5 * (seen.low + seen.high);
+      if (outside >= 2) {
+        s.T = next;
+        return Local::failed;
+      }
+    }
     if (seen.closed() && seen.high - seen.low < 1e-9 * T) return Local::failed;
     if (!(next > kColdest && next < kHottest)) return Local::failed;
     T = next;

@@ -107,7 +107,11 @@ enum class Local {
   vanished,  // a phase is about to vanish; s.T is where
   failed
 };
-/* Newton at the phases that s has: temperature, and amounts of two phases. On converged s is that state. */
+/*
+ * Newton at the phases that s has: temperature, and amounts of two phases. On converged s is that state; when
+ * one phase alone never has the value, since it lies between those of its two roots, s.T is where they change
+ * places.
+ */
 Local solve_one_phase(Energy& e, EnergyState& s);
 Local solve_two_phases(Energy& e, EnergyState& s);
 
