@@ -42,8 +42,9 @@ void remember(Flash& f) {
 bool run_trial(Flash& f, const Reference& ref, Kind kind) {
   f.trial.Z = 0.0;
   Reference reference = ref;
-  reference.known = f.lowest.w;
-  reference.known_count = f.have_lowest && f.lowest.tm > 0.0 && f.how == Follow::quick ? 1 : 0;
+  reference.known = f.incipient != nullptr ? f.incipient : f.lowest.w;
+  reference.known_count =
+      f.incipient != nullptr || (f.have_lowest && f.lowest.tm > 0.0 && f.how == Follow::quick) ? 1 : 0;
   f.status = follow_trial(f.m, reference, kind, f.how, f.work, f.trial);
   if (f.status != KV_OK) return false;
   f.came_back |= f.trial.end == TrialEnd::trivial;

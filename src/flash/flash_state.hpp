@@ -26,7 +26,9 @@ struct Flash {
   Trial trial, lowest;  // the trial that runs, and the lowest of the current test
   bool have_lowest = false;
   Follow how = Follow::quick;  // how far trials are followed
-  bool came_back = false;      // some trial ran back into the reference
+  const double* incipient =
+      nullptr;             // [ld] a stationary point that is known beforehand, of distance 0; may be null
+  bool came_back = false;  // some trial ran back into the reference
 
   double* wilson_k = nullptr;   // [ld]
   double* feed_phi = nullptr;   // [ld] ln phi of the feed as one phase

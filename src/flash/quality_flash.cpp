@@ -111,7 +111,10 @@ bool wilson_stage(Quality& q, double& value) {
     wilson(T, P, *q.call.mixture, q.line.free_water, q.wilson_k, nullptr);
     const double F = F_of(q, q.wilson_k);
     if (F * F < kWilsonTolerance) return true;
-    value = b.next(value, F, q.of_T());
+    const double next = b.next(value, F, q.of_T());
+    // Wilson's K go with 1/P: a bubble or dew pressure is one step away.
+    const bool exact = !q.of_T() && q.boundary() && !b.closed;
+    value = !exact ? next : q.line.W == 0.0 ? value * (1.0 - F) : value / (1.0 + F);
     if (!within_range(q, value) || (b.closed && b.high - b.low < 1e-12 * b.high)) break;
   }
   value = std::clamp(value, q.of_T() ? 20.0 : 1e-12, q.of_T() ? 3000.0 : 1000.0);
@@ -212,7 +215,7 @@ Verdict judge(Quality& q) {
   if (q.boundary()) {
     c.x = c.y = q.spare;
     c.K = q.trial;
-    q.status = feed_stability(c, distance);
+    q.status = feed_stability(c, q.line.W == 0.0 ? q.point.y : q.point.x, distance);
   } else {
     c.x = q.point.x;
     c.y = q.point.y;
@@ -383,7 +386,8 @@ StatusCode solve(Quality& q) {
   wilson_stage(q, value);
   const double by_wilson = value;
   start_from_wilson(q, value);
-  if (first_branch(q, solve_from_point(q, kSubstitutions, false))) return write_point(q, KV_OK);
+  if (first_branch(q, solve_from_point(q, q.line.W < 0.5 ? kSubstitutions : 1, false)))
+    return write_point(q, KV_OK);
   if (!q.have_other) {
     start_from_wilson(q, value);
     const bool started = equation_stage(q, value);

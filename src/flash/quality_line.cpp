@@ -13,7 +13,7 @@ namespace {
 
 constexpr double kConverged = 1e-10;
 // A Newton step that is smaller than this leaves errors of its square.
-constexpr double kLastStep = 2e-6;
+constexpr double kLastStep = 1e-5;
 constexpr double kSameSums = 2e-10;  // of x and y; missed where a K is at its bound
 constexpr double kLargestLogKStep = 2.5, kLargestLogTStep = 0.12, kLargestLogPStep = 1.2;
 constexpr double kLowestT = 1.0, kHighestT = 2e4, kLowestP = 1e-30, kHighestP = 1e6;
