@@ -38,6 +38,10 @@ show "2. Along a pipeline at 60 bar: all gas when warm; the colder it gets, the 
   flash -T 100,60,40,20,0,-20,-40,-60 -P 60
 show "3. Compression at 20 C: gas, then liquid drops out, then it goes again: one dense phase." \
   flash -T 20 -P 1,10,30,60,90,120,150,200,300
+show "4. Its dew points: the highest temperature at which liquid is left at a pressure." \
+  flash --dew -P 1,5,10,20,40,60,80,100
+show "5. Properties of the gas on the way to the compressor." \
+  props -T 20 -P 10,60,120 --phase gas
 echo
 [ $status = 0 ] || echo "demo: a calculation did not succeed"
 exit $status

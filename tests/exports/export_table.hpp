@@ -88,7 +88,7 @@ inline std::vector<Export> export_table() {
           KV_ROW(FlashLLVatSP, "sP", false, keep),
           KV_ROW(FlashLLVatWP, "sP", false, keep),
           KV_ROW(FlashLLVatWT, "sT", false, keep),
-          KV_ROW(FlashLLatTP, "TP", false, keep),
+          KV_ROW(FlashLLatTP, "TP", true, keep),
           KV_ROW(PhaseEnvelope, "-----", false, Refused::envelope),
           KV_ROW(CriticalPoint, "", false, keep),
           KV_ROW(WaterDewTemperature, "P", false, keep),

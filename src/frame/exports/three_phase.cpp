@@ -1,6 +1,7 @@
-// Exports: flashes of three phases and of two liquids. Their cores come with later versions: after the checks
-// of their arguments they return KV_NOT_AVAILABLE and leave the results alone.
+// Exports: flashes of three phases and of two liquids. The cores of the three-phase flashes come with later
+// versions: after the checks of their arguments they return KV_NOT_AVAILABLE and leave the results alone.
 
+#include "flash3/liquid_liquid.hpp"
 #include "frame/boundary.hpp"
 #include "kestrune/kvgasthermo.h"
 
@@ -59,8 +60,14 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, Mi
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, MixtureRecord* mixture,
-                                        const ModelRoutines*, int32_t, double* beta, double* liquid1,
-                                        double* liquid2, double* K) {
-  return not_available(frame::check_temperature(T), frame::check_pressure(P), z, mixture, beta, liquid1,
-                       liquid2, K);
+                                        const ModelRoutines* routines, int32_t options, double* beta,
+                                        double* liquid1, double* liquid2, double* K) {
+  return frame::guarded([&]() -> StatusCode {
+    const StatusCode bad = frame::first_failure({frame::check_temperature(T), frame::check_pressure(P),
+                                                 frame::check_pointers(z, mixture, beta, liquid1, liquid2, K),
+                                                 frame::check_feed(z, mixture)});
+    if (bad != KV_OK) return bad;
+    return flash3::liquid_liquid_flash({T, P, z, mixture, routines, (mixture->flags & FreeWaterFlag) != 0,
+                                        (options & 1) != 0, beta, liquid1, liquid2, K});
+  });
 }

@@ -1,0 +1,95 @@
+#include "flash3/liquid_liquid.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "eos/properties.hpp"
+#include "flash/settings.hpp"
+
+namespace kestrune::flash3 {
+namespace {
+
+constexpr double kSmallestK = 1.0e-15, kLargestK = 1.0e15;
+
+using DensityRoutine = StatusCode(KV_CALL*)(double, double, const double*, MixtureRecord*, double*, double*,
+                                            double*, double*);
+
+// Density of a liquid by the host's routine or by the library's.
+StatusCode liquid_density(const LiquidLiquidCall& c, const double* x, double& rho) {
+  void* const entry = c.routines != nullptr ? c.routines->entry[KV_ROUTINE_LIQUID_ORDER - 1] : nullptr;
+  if (entry != nullptr) {
+    double d_dT = 0.0, d_dP = 0.0, d2_dTdP = 0.0;
+    return reinterpret_cast<DensityRoutine>(entry)(c.T, c.P, x, c.mixture, &rho, &d_dT, &d_dP, &d2_dTdP);
+  }
+  eos::Density d{};
+  const StatusCode status = eos::density({c.T, c.P, x, KV_PHASE_LIQUID, c.mixture}, d);
+  rho = d.rho;
+  return eos::has_values(status) ? StatusCode{KV_OK} : status;
+}
+
+// The denser liquid first.
+StatusCode order_liquids(const LiquidLiquidCall& c) {
+  double first = 0.0, second = 0.0;
+  StatusCode status = liquid_density(c, c.liquid1, first);
+  if (status == KV_OK) status = liquid_density(c, c.liquid2, second);
+  if (status != KV_OK || !(first < second)) return status;
+  const int n = c.mixture->count;
+  std::swap_ranges(c.liquid1, c.liquid1 + n, c.liquid2);
+  *c.beta = 1.0 - *c.beta;
+  for (int i = 0; i < n; ++i) c.K[i] = 1.0 / c.K[i];
+  return KV_OK;
+}
+
+// Index of the component that is all of the feed, -1 without one.
+int pure_feed(const LiquidLiquidCall& c) {
+  const int n = c.mixture->count;
+  if (n == 1) return 0;
+  double sum = 0.0;
+  for (int i = 0; i < n; ++i) sum += c.z[i];
+  const double least = 1.0 - flash::pure_tolerance(*c.mixture);
+  for (int i = 0; i < n; ++i)
+    if (c.z[i] / sum > least) return i;
+  return -1;
+}
+
+}  // namespace
+
+StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
+  const int n = c.mixture->count;
+  if (pure_feed(c) >= 0) {
+    *c.beta = 0.0;
+    std::copy_n(c.z, n, c.liquid1);
+    std::fill_n(c.liquid2, n, 0.0);
+    std::fill_n(c.K, n, kSmallestK);
+    return KV_OK;
+  }
+  flash::IsothermalCall call;
+  call.T = c.T;
+  call.P = c.P;
+  call.z = c.z;
+  call.mixture = c.mixture;
+  call.routines = c.routines;
+  call.free_water = c.free_water;
+  call.mode = flash::Mode::liquid_liquid;
+  call.start = c.estimate ? flash::Start::warm : flash::Start::cold;
+  call.index = c.estimate ? 0 : 1;
+  call.beta = c.beta;
+  call.x = c.liquid1;
+  call.y = c.liquid2;
+  call.K = c.K;
+  const StatusCode status = flash::isothermal_flash(call);
+  if (status != KV_OK && status != KV_SINGLE_PHASE) return status;
+  if (*c.beta == 0.0) {
+    std::fill_n(c.liquid2, n, 0.0);
+    std::fill_n(c.K, n, 0.0);
+    return KV_OK;
+  }
+  if (*c.beta == 1.0) {
+    std::fill_n(c.liquid1, n, 0.0);
+    std::fill_n(c.K, n, kLargestK);
+    return KV_OK;
+  }
+  return order_liquids(c);
+}
+
+}  // namespace kestrune::flash3
