@@ -71,17 +71,13 @@ struct Walk {
   LinePoint &last, &here, &next;
   int target;
   double value;
-  bool beyond;          // the target is looked for behind the critical point
-  bool behind = false;  // w.here is there
+  bool exchanged;  // wanted is a point whose phases have the other names
   StatusCode status = KV_OK;
 
-  // On the way over a critical point all ln K change their signs at once.
-  bool passed(const LinePoint& p) const {
-    double sum = 0.0;
-    for (int i = 0; i < line.n; ++i) sum += line.z[i] * here.X[i] * p.X[i];
-    return sum < 0.0;
+  // By its packing y is the vapour on one side of a critical point and the liquid on the other.
+  bool wanted(const LinePoint& p) const {
+    return !one_phase(line, p) && lighter(*line.mixture, p.x, p.Zx, p.y, p.Zy) == exchanged;
   }
-  bool wanted(const LinePoint& p) const { return (behind != passed(p)) == beyond && !one_phase(line, p); }
 };
 
 // The point between a and b where the target has the value, into w.next.
@@ -144,11 +140,12 @@ bool solve_before_extreme(Walk& w, int held, LinePoint& extreme, bool& found) {
 
 }  // namespace
 
-Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, bool beyond, StatusCode& status) {
+Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, bool exchanged,
+                   StatusCode& status) {
   LinePoint last, next, extreme;
   for (LinePoint* q : {&last, &next, &extreme}) take_point(*line.arena, line, *q);
   seal_line(line);
-  Walk w{line, last, p, next, target, value, beyond};
+  Walk w{line, last, p, next, target, value, exchanged};
   const int size = line.n + 2;
   line.stable_roots = true;
   const double lowest = p.X[line.P_index()] - kBelowStart;
@@ -193,8 +190,6 @@ Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, bo
       copy_point(line, next, p);
       return Solved::yes;
     }
-    w.behind = w.behind != w.passed(next);
-    if (w.behind && !beyond) return Solved::no;
     const double ln_P = next.X[line.P_index()];
     if (ln_P > kTop || next.X[line.T_index()] < kColdest || (ln_P < lowest && ln_P < p.X[line.P_index()]))
       return Solved::no;

@@ -89,12 +89,13 @@ bool substitute(QualityLine& line, LinePoint& p, int unknown, StatusCode& status
 bool compositions(const QualityLine& line, LinePoint& p, double tolerance);
 
 /*
- * Follows the line from the converged point p in the direction of rising pressure until the unknown target has
- * the value for the first time; p is that point then. beyond: only behind the critical point, where the line is
- * that of vapour fraction 1 - W with the phases exchanged. no: the line passes the critical point (not beyond)
- * or comes to an end of the range first.
+ * Follows the line from the converged point p in the direction of rising pressure, over critical points, until
+ * the unknown target has the value for the first time with y as the vapour, or, when exchanged, with x as the
+ * vapour: such a point belongs to the line of 1 - W. p is that point then. no: the line comes to an end of the
+ * range first.
  */
-Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, bool beyond, StatusCode& status);
+Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, bool exchanged,
+                   StatusCode& status);
 
 /* The trivial solution: no component that is present, be it a trace, has a K that differs from 1. */
 bool one_phase(const QualityLine& line, const LinePoint& p);
