@@ -23,7 +23,7 @@ constexpr double kWilsonTolerance = 1e-4, kEquationTolerance = 1e-12;  // on F^2
 constexpr double kNoBracketHigh = 10000.0;
 constexpr int kNewtonLimit = 30, kSubstitutions = 2, kRestarts = 3;
 constexpr double kStable = -1e-8;
-constexpr double kNotInWater = 5.0;  // ln K of what water hardly dissolves, to start with
+constexpr double kNotInWater = 9.0;  // ln K of what water hardly dissolves, to start with
 // Volume over co-volume of the densest fluid that is still called a vapour beside a liquid: liquids have 1.2
 // to 1.7, gases at hundreds of atmospheres 2 to 4.
 constexpr double kDensestVapour = 1.5;
@@ -276,8 +276,9 @@ bool first_branch(Quality& q, bool solved) {
   return false;
 }
 
-// A point of the line at a low pressure, below what is given: its temperature by Wilson's coefficients.
-bool solve_at_low_pressure(Quality& q, double P) {
+// A point of the line at a low pressure, below what is given unless that lies behind a critical point: its
+// temperature by Wilson's coefficients.
+bool solve_at_low_pressure(Quality& q, double P, bool exchanged) {
   QualityLine& line = q.line;
   QualityCall low = q.call;
   low.find = Find::temperature;
@@ -291,7 +292,7 @@ bool solve_at_low_pressure(Quality& q, double P) {
   start_from_wilson(at_low, value);
   const bool solved = solve_from_point(at_low, kSubstitutions + 2, false);
   q.point = at_low.point;
-  return solved && (q.of_T() || q.point.X[line.T_index()] < std::log(q.call.given));
+  return solved && (q.of_T() || exchanged || q.point.X[line.T_index()] < std::log(q.call.given));
 }
 
 // From a point of low pressure along the line; or along that of 1 - W and over the critical point.
@@ -303,7 +304,7 @@ bool follow_from_low_pressure(Quality& q, double value, bool beyond) {
   bool found = false;
   for (const double part : kStartParts) {
     line.W = beyond ? 1.0 - W : W;
-    if (!solve_at_low_pressure(q, part * P) || !rising(q)) continue;
+    if (!solve_at_low_pressure(q, part * P, beyond) || !rising(q)) continue;
     found = follow_line(line, q.point, q.given, std::log(q.call.given), beyond, q.status) == Solved::yes;
     if (found && beyond) exchange_phases(line, q.point);
     break;
@@ -393,7 +394,7 @@ StatusCode solve(Quality& q) {
     const bool started = equation_stage(q, value);
     if (first_branch(q, started && solve_from_point(q, 0, true))) return write_point(q, KV_OK);
   }
-  if (q.line.W > 0.5 && start_from_water(q) && first_branch(q, solve_from_point(q, 0, true)))
+  if (q.line.W > 0.5 && start_from_water(q) && first_branch(q, solve_from_point(q, kSubstitutions + 1, true)))
     return write_point(q, KV_OK);
   for (const bool beyond : {false, true}) {
     if (settle(q, follow_from_low_pressure(q, by_wilson, beyond))) return write_point(q, KV_OK);
