@@ -399,12 +399,13 @@ StatusCode solve(Quality& q) {
   for (const bool beyond : {false, true}) {
     if (settle(q, follow_from_low_pressure(q, by_wilson, beyond))) return write_point(q, KV_OK);
   }
-  if (q.status > KV_STATUS_CALL_BLOCK) return q.status;
   if (q.have_other) {
     copy_point(q.line, q.other, q.point);
     return write_point(q, KV_OK);
   }
-  if (!q.have_unstable) return KV_NO_SATURATION;
+  // A search that left the range of the model found nothing; what the model refuses everywhere is said.
+  const bool refused = q.status != KV_OK && q.status != KV_NOT_FINITE && q.status != KV_NO_ROOT;
+  if (!q.have_unstable) return refused ? q.status : StatusCode{KV_NO_SATURATION};
   copy_point(q.line, q.unstable, q.point);
   return write_point(q, KV_UNSTABLE_POINT);
 }

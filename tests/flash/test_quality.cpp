@@ -110,6 +110,21 @@ TEST(QualityFlash, NoSuchPoint) {
   EXPECT_EQ(find(propane, {1.0}, 'P', 0.0, 380.0).status, KV_NO_SATURATION);
 }
 
+StatusCode KV_CALL refuse(double, double, const double*, MixtureRecord*, std::int32_t, std::int32_t,
+                          std::int32_t, double*, double*, double*, double*) {
+  return 77;
+}
+
+TEST(QualityFlash, WhatTheModelRefusesIsSaid) {
+  Mixture m = in_use(kRichGas);
+  ModelRoutines routines{};
+  routines.entry[KV_ROUTINE_FUGACITY - 1] = reinterpret_cast<void*>(refuse);
+  double T = 0.0, x[10], y[10], K[10];
+  EXPECT_EQ(FlashLVatWP(1.0, 30.0, kRichGasFeed.data(), &m.record, &routines, 1, &T, x, y, K), 77);
+  m.at(2, KV_COL_TC) = 0.0;
+  EXPECT_EQ(find(m, kRichGasFeed, 'T', 1.0, 30.0).status, KV_COMPONENT_DATA);
+}
+
 TEST(QualityFlash, FractionsAndEstimatesOutsideTheirRange) {
   Mixture m = in_use(kRichGas);
   EXPECT_EQ(find(m, kRichGasFeed, 'T', -0.2, 30.0).T, find(m, kRichGasFeed, 'T', 0.0, 30.0).T);
