@@ -11,6 +11,8 @@ namespace kestrune::flash {
 namespace {
 
 constexpr int kMostPoints = 250, kNewtonLimit = 12;
+constexpr int kSecants = 12;
+constexpr double kOnTarget = 1e-11;  // ln T or ln P
 constexpr double kFirstStep = 0.1, kSmallestStep = 1e-6;
 constexpr double kMostLogK = 0.8, kMostLogT = 0.05, kMostLogP = 0.6;  // change in one step
 constexpr double kBesideCritical = 0.02;  // no point within this of ln K = 0 of the specified component
@@ -94,7 +96,21 @@ bool solve_between(Walk& w, const LinePoint& a, const LinePoint& b, int held) {
   if (solve_point(w.line, w.next, w.target, w.value, kNewtonLimit, true, w.status) == Solved::yes &&
       w.wanted(w.next))
     return true;
-  // Close to an extreme of the target: by the unknown that changes, halving.
+  // Beside a critical point, where the target hardly changes: by the unknown that does, with the slope of the
+  // cubic.
+  double t = low;
+  for (int k = 0; k < kSecants; ++k) {
+    for (int i = 0; i < size; ++i) w.next.X[i] = between(a, b, i, held).at(t);
+    if (solve_point(w.line, w.next, held, w.next.X[held], kNewtonLimit, true, w.status) != Solved::yes) break;
+    const double off = w.value - w.next.X[w.target];
+    if (std::fabs(off) < kOnTarget) {
+      if (w.wanted(w.next)) return true;
+      break;
+    }
+    t += off / c.slope(t);
+    if (!(t >= 0.0 && t <= 1.0)) break;
+  }
+  // Close to an extreme of the target: by the same unknown, halving.
   low = 0.0;
   high = 1.0;
   for (int k = 0; k < 50; ++k) {
