@@ -144,6 +144,15 @@ Slopes slopes(double a_over_b, double da_dT_over_b, double b, double T, double e
   return s;
 }
 
+StatusCode volume(const Phase& p, PhaseValues& out) {
+  return support::with_arena<2, 60>(p.mixture->count, [&](support::Arena& arena) -> StatusCode {
+    Temperature t;
+    const StatusCode prepared = prepare(p.T, *p.mixture, frame::state().group_data, 0, arena, t);
+    if (prepared != KV_OK) return prepared;
+    return residual(p, t, padded_copy(p, arena), 1, arena.take(3 * t.ld), out);
+  });
+}
+
 StatusCode density(const Phase& p, Density& out) {
   double M = 0.0;
   const StatusCode mass = molar_mass(p, M);
@@ -316,28 +325,15 @@ StatusCode normal_state(const Phase& p, NormalState& out) {
   Phase normal = p;
   normal.T = kNormalTemperature;
   normal.P = 1.0;
-  double Z[2] = {};
-  StatusCode worst = KV_OK;
-  const Phase* phases[2] = {&p, &normal};
-  for (int k = 0; k < 2; ++k) {
-    const StatusCode status =
-        support::with_arena<2, 60>(p.mixture->count, [&](support::Arena& arena) -> StatusCode {
-          Temperature t;
-          const StatusCode prepared = prepare(phases[k]->T, *p.mixture, frame::state().group_data, 0, arena, t);
-          if (prepared != KV_OK) return prepared;
-          PhaseValues v;
-          const StatusCode root = residual(*phases[k], t, padded_copy(p, arena), 1, arena.take(3 * t.ld), v);
-          Z[k] = v.Z;
-          return root;
-        });
-    if (!has_values(status)) return status;
-    worst = graver(worst, status);
-  }
-  const double v_normal = Z[1] * kR * kNormalTemperature;  // cm3/mol at 1 atm
-  const NormalState s{Z[0], Z[1], 1000.0 * M / v_normal, v_normal * p.P / (Z[0] * kR * p.T)};
+  PhaseValues here, there;
+  const StatusCode status = volume(p, here), status_normal = volume(normal, there);
+  if (!has_values(status)) return status;
+  if (!has_values(status_normal)) return status_normal;
+  const double v_normal = there.Z * kR * kNormalTemperature;  // cm3/mol at 1 atm
+  const NormalState s{here.Z, there.Z, 1000.0 * M / v_normal, v_normal * p.P / (here.Z * kR * p.T)};
   if (!finite(s.normal_volume)) return KV_NOT_FINITE;
   out = s;
-  return worst;
+  return graver(status, status_normal);
 }
 
 }  // namespace kestrune::eos

@@ -74,6 +74,9 @@ struct Slopes {
 };
 Slopes slopes(double a_over_b, double da_dT_over_b, double b, double T, double eta) noexcept;
 
+/* Z and v of the phase alone, no derivatives. */
+StatusCode volume(const Phase& p, PhaseValues& out);
+
 struct Density {
   double rho, d_dT, d_dP, d2_dTdP;
 };

@@ -136,23 +136,6 @@ double weighted_mean(const Present& c, const double* value, const double* mu, do
   return mean;
 }
 
-// Molar volume of the gas. Returns the status of the root, or why there is none.
-StatusCode gas_volume(const Phase& p, double& v) {
-  const int n = p.mixture->count;
-  return support::with_arena<2, 60>(n, [&](support::Arena& arena) -> StatusCode {
-    Temperature t;
-    const StatusCode prepared = prepare(p.T, *p.mixture, frame::state().group_data, 0, arena, t);
-    if (prepared != KV_OK) return prepared;
-    double* x = arena.zeros(t.ld);
-    std::copy_n(p.x, n, x);
-    PhaseValues values;
-    if (!evaluate(t, frame::tools::bracub(), p.P, x, p.kind, 1, nullptr, arena.take(3 * t.ld), values))
-      return values.status == KV_NO_ROOT ? KV_NO_ROOT : KV_NOT_FINITE;
-    v = values.v;
-    return values.status;
-  });
-}
-
 // The frame of both properties: components, their dilute values, the mixture, and what the density adds.
 template <class Mean, class Dense>
 StatusCode gas_property(const Phase& p, Mean&& mean, Dense&& dense, double& out) {
@@ -160,10 +143,10 @@ StatusCode gas_property(const Phase& p, Mean&& mean, Dense&& dense, double& out)
     Present c;
     const StatusCode status = find_present(p, arena, c);
     if (status != KV_OK) return status;
-    double v = 0.0;
-    const StatusCode root = gas_volume(p, v);
+    PhaseValues gas;
+    const StatusCode root = volume(p, gas);
     if (!has_values(root)) return root;
-    const double value = mean(c, arena) + dense(c.mixture, c.mixture.Vc / v);
+    const double value = mean(c, arena) + dense(c.mixture, c.mixture.Vc / gas.v);
     if (!usable(value)) return KV_NOT_FINITE;
     out = value;
     return root;

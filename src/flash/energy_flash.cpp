@@ -9,6 +9,7 @@
 #include <cmath>
 
 #include "flash/energy_state.hpp"
+#include "flash/feed.hpp"
 #include "flash/pure_saturation.hpp"
 #include "flash/quality_flash.hpp"
 #include "flash/settings.hpp"
@@ -303,10 +304,7 @@ StatusCode with_energy(const EnergyCall& call, support::Arena& arena, Run&& run)
   e.silent = *call.mixture;
   e.silent.trace_flag = 0;
   double* z = arena.zeros(e.ld);
-  double sum = 0.0;
-  for (int i = 0; i < e.n; ++i) sum += call.z[i];
-  if (!(sum <= DBL_MAX)) return KV_COMPOSITION;
-  for (int i = 0; i < e.n; ++i) z[i] = call.z[i] / sum;
+  if (!normalise_feed(e.n, call.z, z)) return KV_COMPOSITION;
   e.z = model.z = z;
   for (EnergyState* s : {&e.state, &e.spare, &e.saved}) take_state(arena, e.ld, *s);
   for (double** a : {&e.l, &e.v, &e.scale, &e.g, &e.w, &e.jg, &e.jw, &e.a.ln_phi, &e.a.dln_phi_dT, &e.b.ln_phi,

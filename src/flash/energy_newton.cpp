@@ -106,7 +106,6 @@ Local solve_one_phase(Energy& e, EnergyState& s) {
   for (int k = 0; k < kMostSteps; ++k) {
     e.status = prepare_caloric(e.model, T);
     if (e.status != KV_OK) return Local::failed;
-    ++e.passes;
     e.b.Z = 0.0;
     if (!phase_caloric(e.model, e.z, Kind::stable, e.b)) return Local::failed;
     const double f = e.b.value - e.call.wanted;
@@ -150,7 +149,6 @@ Local solve_two_phases(Energy& e, EnergyState& s) {
   for (int k = 0; k < kMostSteps; ++k) {
     e.status = prepare_caloric(e.model, s.T);
     if (e.status != KV_OK) return Local::failed;
-    ++e.passes;
     if (!phase_caloric(e.model, s.x, Kind::liquid, e.a) || !phase_caloric(e.model, s.y, Kind::gas, e.b))
       return Local::failed;
     const double V = s.beta, L = 1.0 - V, T = s.T;

@@ -33,7 +33,6 @@ StatusCode solve_pure_phase(Energy& e, Kind kind, double low, double high) {
       e.status = phase_value(e.model, T, e.z, phase, s.value);
       if (e.status != KV_OK) return e.status;
     }
-    ++e.passes;
     s.T = T;
     (kind == Kind::liquid ? s.liquid : s.vapour) = s.value;
     const double f = e.f(s);

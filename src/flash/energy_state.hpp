@@ -74,7 +74,7 @@ struct Energy {
   EnergyBracket bracket;
   double start_T = 0.0;
   double limit = 0.0;  // +100, -100: the value lies beyond the highest, lowest temperature
-  int flashes = 0, passes = 0;
+  int flashes = 0;
   StatusCode status = KV_OK;
   // Work of the Newton steps.
   PhaseCaloric a, b;

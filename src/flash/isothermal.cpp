@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "flash/feed.hpp"
 #include "flash/flash_state.hpp"
 #include "flash/trace_flash.hpp"
 #include "support/mathkernels.hpp"
@@ -19,24 +20,9 @@ namespace {
 // Phase-situation codes of a solve that ends with one phase.
 enum class Situation { liquid = 3, vapour = 4 };
 
-// False when the sum is beyond the range of a double.
-bool normalise_feed(const IsothermalCall& c, int n, double* z) {
-  double sum = 0.0;
-  for (int i = 0; i < n; ++i) sum += c.z[i];
-  for (int i = 0; i < n; ++i) z[i] = c.z[i] / sum;
-  return std::isfinite(sum);
-}
-
 // A usable estimate: fraction inside (0, 1), compositions that are compositions.
 bool usable_estimate(const IsothermalCall& c, int n) {
-  if (!(*c.beta > 0.0 && *c.beta < 1.0)) return false;
-  double sx = 0.0, sy = 0.0;
-  for (int i = 0; i < n; ++i) {
-    if (!(c.x[i] >= 0.0 && c.x[i] <= 1.0 + 1e-6 && c.y[i] >= 0.0 && c.y[i] <= 1.0 + 1e-6)) return false;
-    sx += c.x[i];
-    sy += c.y[i];
-  }
-  return std::fabs(sx - 1.0) <= 1e-6 && std::fabs(sy - 1.0) <= 1e-6;
+  return *c.beta > 0.0 && *c.beta < 1.0 && usable_compositions(n, c.x, c.y);
 }
 
 // The phase counted by beta is the vapour, the less densely packed one.
@@ -153,7 +139,7 @@ StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& 
   Flash f(call, m, settings, trace);
   const std::size_t ld = m.ld, square = ld * m.n;
   double* z = arena.zeros(ld);
-  if (!normalise_feed(call, m.n, z)) return KV_COMPOSITION;
+  if (!normalise_feed(m.n, call.z, z)) return KV_COMPOSITION;
   take_iterate(arena, m.ld, f.it);
   take_iterate(arena, m.ld, f.best);
   take_iterate(arena, m.ld, f.answer);

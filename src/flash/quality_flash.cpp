@@ -9,6 +9,7 @@
 #include <cfloat>
 #include <cmath>
 
+#include "flash/feed.hpp"
 #include "flash/isothermal.hpp"
 #include "flash/pure_saturation.hpp"
 #include "flash/quality_line.hpp"
@@ -357,14 +358,9 @@ bool start_from_water(Quality& q) {
 bool usable_estimate(const Quality& q) {
   const QualityCall& c = q.call;
   if (c.cold || !(*c.unknown > 0.0 && within_range(q, *c.unknown))) return false;
-  double sx = 0.0, sy = 0.0, difference = 0.0;
-  for (int i = 0; i < q.line.n; ++i) {
-    if (!(c.x[i] >= 0.0 && c.x[i] <= 1.0 + 1e-6 && c.y[i] >= 0.0 && c.y[i] <= 1.0 + 1e-6)) return false;
-    sx += c.x[i];
-    sy += c.y[i];
-    difference = std::max(difference, std::fabs(c.x[i] - c.y[i]));
-  }
-  return std::fabs(sx - 1.0) <= 1e-6 && std::fabs(sy - 1.0) <= 1e-6 && difference > 1e-6;
+  double difference = 0.0;
+  for (int i = 0; i < q.line.n; ++i) difference = std::max(difference, std::fabs(c.x[i] - c.y[i]));
+  return usable_compositions(q.line.n, c.x, c.y) && difference > 1e-6;
 }
 
 void start_from_estimate(Quality& q) {
@@ -423,10 +419,7 @@ StatusCode set_up(const QualityCall& call, support::Arena& arena) {
   Quality q(call, line, settings, trace);
   line.unknown = q.unknown;
   double* z = arena.zeros(line.ld);
-  double sum = 0.0;
-  for (int i = 0; i < line.n; ++i) sum += call.z[i];
-  if (!(sum <= DBL_MAX)) return KV_COMPOSITION;
-  for (int i = 0; i < line.n; ++i) z[i] = call.z[i] / sum;
+  if (!normalise_feed(line.n, call.z, z)) return KV_COMPOSITION;
   line.z = z;
   for (LinePoint* p : {&q.point, &q.other, &q.unstable}) take_point(arena, line, *p);
   for (double** a : {&q.wilson_k, &q.trial, &q.spare}) *a = arena.zeros(line.ld);

@@ -176,7 +176,6 @@ void copy_point(const QualityLine& line, const LinePoint& from, LinePoint& to) {
   to.Zx = from.Zx;
   to.Zy = from.Zy;
   to.error = from.error;
-  to.held = from.held;
   to.passes = from.passes;
 }
 
@@ -239,7 +238,6 @@ Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int 
       std::fill_n(p.slope, size, 0.0);
       p.slope[size - 1] = 1.0;
       support::lu_solve(size, size, line.system, line.pivot, p.slope);
-      p.held = held;
       return compositions(line, p, kSameSums) ? Solved::yes : Solved::no;
     }
   }

@@ -45,8 +45,7 @@ struct LinePoint {
   double *x = nullptr, *y = nullptr;  // [ld] compositions
   double Zx = 0.0, Zy = 0.0;
   double error = 0.0;  // largest |difference of ln fugacities|
-  int held = 0;
-  int passes = 0;  // of the last solve
+  int passes = 0;      // of the last solve
 };
 
 /* Takes the work arrays; the arena must outlive the line and is used by no one else meanwhile but take_point.

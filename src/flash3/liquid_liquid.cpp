@@ -4,12 +4,12 @@
 #include <utility>
 
 #include "eos/properties.hpp"
+#include "flash/feed.hpp"
+#include "flash/pure_saturation.hpp"
 #include "flash/settings.hpp"
 
 namespace kestrune::flash3 {
 namespace {
-
-constexpr double kSmallestK = 1.0e-15, kLargestK = 1.0e15;
 
 using DensityRoutine = StatusCode(KV_CALL*)(double, double, const double*, MixtureRecord*, double*, double*,
                                             double*, double*);
@@ -40,27 +40,24 @@ StatusCode order_liquids(const LiquidLiquidCall& c) {
   return KV_OK;
 }
 
-// Index of the component that is all of the feed, -1 without one.
-int pure_feed(const LiquidLiquidCall& c) {
+bool is_pure(const LiquidLiquidCall& c) {
   const int n = c.mixture->count;
-  if (n == 1) return 0;
-  double sum = 0.0;
-  for (int i = 0; i < n; ++i) sum += c.z[i];
-  const double least = 1.0 - flash::pure_tolerance(*c.mixture);
-  for (int i = 0; i < n; ++i)
-    if (c.z[i] / sum > least) return i;
-  return -1;
+  return support::with_arena<0, 4>(n, [&](support::Arena& arena) {
+    double* z = arena.take(n);
+    flash::normalise_feed(n, c.z, z);
+    return flash::single_component(n, z, flash::pure_tolerance(*c.mixture)) >= 0;
+  });
 }
 
 }  // namespace
 
 StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
   const int n = c.mixture->count;
-  if (pure_feed(c) >= 0) {
+  if (is_pure(c)) {
     *c.beta = 0.0;
     std::copy_n(c.z, n, c.liquid1);
     std::fill_n(c.liquid2, n, 0.0);
-    std::fill_n(c.K, n, kSmallestK);
+    std::fill_n(c.K, n, flash::kSmallestK);
     return KV_OK;
   }
   flash::IsothermalCall call;
@@ -86,7 +83,7 @@ StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
   }
   if (*c.beta == 1.0) {
     std::fill_n(c.liquid1, n, 0.0);
-    std::fill_n(c.K, n, kLargestK);
+    std::fill_n(c.K, n, flash::kLargestK);
     return KV_OK;
   }
   return order_liquids(c);

@@ -2,7 +2,7 @@
 // versions: after the checks of their arguments they return KV_NOT_AVAILABLE and leave the results alone.
 
 #include "flash3/liquid_liquid.hpp"
-#include "frame/boundary.hpp"
+#include "frame/exports/flash_wrapper.hpp"
 #include "kestrune/kvgasthermo.h"
 
 namespace {
@@ -67,7 +67,7 @@ KV_ENTRY StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, Mix
                                                  frame::check_pointers(z, mixture, beta, liquid1, liquid2, K),
                                                  frame::check_feed(z, mixture)});
     if (bad != KV_OK) return bad;
-    return flash3::liquid_liquid_flash({T, P, z, mixture, routines, (mixture->flags & FreeWaterFlag) != 0,
+    return flash3::liquid_liquid_flash({T, P, z, mixture, routines, exports::free_water(*mixture),
                                         (options & 1) != 0, beta, liquid1, liquid2, K});
   });
 }

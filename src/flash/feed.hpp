@@ -1,0 +1,30 @@
+// What every flash does with the compositions that it is given.
+#ifndef KESTRUNE_FLASH_FEED_HPP
+#define KESTRUNE_FLASH_FEED_HPP
+
+#include <cmath>
+
+namespace kestrune::flash {
+
+/* The feed z[n] divided by its sum. False when the sum is beyond the range of a double. */
+inline bool normalise_feed(int n, const double* z, double* out) noexcept {
+  double sum = 0.0;
+  for (int i = 0; i < n; ++i) sum += z[i];
+  for (int i = 0; i < n; ++i) out[i] = z[i] / sum;
+  return std::isfinite(sum);
+}
+
+/* Whether x[n] and y[n] of an estimate are compositions: fractions that sum to one within 1e-6. */
+inline bool usable_compositions(int n, const double* x, const double* y) noexcept {
+  double sx = 0.0, sy = 0.0;
+  for (int i = 0; i < n; ++i) {
+    if (!(x[i] >= 0.0 && x[i] <= 1.0 + 1e-6 && y[i] >= 0.0 && y[i] <= 1.0 + 1e-6)) return false;
+    sx += x[i];
+    sy += y[i];
+  }
+  return std::fabs(sx - 1.0) <= 1e-6 && std::fabs(sy - 1.0) <= 1e-6;
+}
+
+}  // namespace kestrune::flash
+
+#endif
