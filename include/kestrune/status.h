@@ -20,6 +20,7 @@ typedef int32_t StatusCode;
   X(KV_OK, 0, "success")                                                                                  \
   X(KV_NO_WATER, -1, "no component of the mixture has the CAS number of water")                           \
   X(KV_INHIBITOR_MASS, 1, "the molar mass of a user-defined inhibitor is not positive")                   \
+  X(KV_NO_WATER_LIMIT, 4, "the gas takes up any amount of water at this temperature and pressure")        \
   X(KV_NO_ROOT, 51, "the equation of state has no root above the co-volume")                              \
   X(KV_SINGLE_PHASE, 95, "one phase only (reaches a host as 0)")                                          \
   X(KV_FEED_SUM, 111, "the feed mole fractions do not sum to one within the tolerance of the record")     \
@@ -36,6 +37,7 @@ typedef int32_t StatusCode;
   X(KV_LV_ANSWER_DOUBTFUL, 134, "one liquid and a vapour remain; the flash that said so had a status")    \
   X(KV_LL_ANSWER_DOUBTFUL, 135, "no vapour remains; the flash that said so had a status")                 \
   X(KV_NO_START, 136, "no starting point for three phases could be built")                                \
+  X(KV_WATER_RANGE, 141, "temperature, pressure or gas outside the range of the water-content method")    \
   X(KV_PURE_UNKNOWN, 1001, "pure-component library: component unknown")                                   \
   X(KV_PURE_NO_CORRELATION, 1002, "pure-component library: no correlation for this property")             \
   X(KV_PURE_RANGE, 1003, "pure-component library: temperature outside the range of the correlation")      \

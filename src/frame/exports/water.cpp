@@ -1,21 +1,26 @@
-// Exports: water dew points, humidity and hydrates. Their cores come with later versions: the
-// outputs that have to be zeroed are, and KV_NOT_AVAILABLE is returned.
+// Exports: water dew points, humidity and hydrates.
 
 #include "frame/boundary.hpp"
 #include "kestrune/kvgasthermo.h"
+#include "water/dew.hpp"
+#include "water/hydrate.hpp"
+#include "water/wet_gas.hpp"
 
 namespace {
 
 using namespace kestrune;
+using frame::first_failure;
 using frame::guarded;
 
+// The first unusable argument, or KV_OK.
 template <class... Pointers>
-StatusCode not_available(const double* z, const MixtureRecord* mixture, StatusCode condition,
-                         const Pointers*... outputs) {
-  return guarded([&]() -> StatusCode {
-    return frame::first_failure(
-        {condition, frame::check_pointers(outputs...), frame::check_feed(z, mixture), KV_NOT_AVAILABLE});
-  });
+StatusCode check(StatusCode condition, const double* z, const MixtureRecord* mixture,
+                 const Pointers*... outputs) {
+  return first_failure({condition, frame::check_pointers(outputs...), frame::check_feed(z, mixture)});
+}
+
+StatusCode check_TP(double T, double P) {
+  return first_failure({frame::check_temperature(T), frame::check_pressure(P)});
 }
 
 void zero(double* value) {
@@ -24,41 +29,61 @@ void zero(double* value) {
 
 }  // namespace
 
-KV_ENTRY StatusCode KV_CALL WaterDewTemperature(double P, const double* z, int32_t, int32_t, int32_t,
+KV_ENTRY StatusCode KV_CALL WaterDewTemperature(double P, const double* z, int32_t method, int32_t, int32_t,
                                                 MixtureRecord* mixture, int32_t, double* T) {
-  return not_available(z, mixture, frame::check_pressure(P), T);
+  return guarded([&]() -> StatusCode {
+    const StatusCode bad = check(frame::check_pressure(P), z, mixture, T);
+    return bad != KV_OK ? bad : water::dew_temperature({z, method, mixture}, P, *T);
+  });
 }
 
-KV_ENTRY StatusCode KV_CALL WaterDewPressure(double T, const double* z, int32_t, int32_t, int32_t,
+KV_ENTRY StatusCode KV_CALL WaterDewPressure(double T, const double* z, int32_t method, int32_t, int32_t,
                                              MixtureRecord* mixture, int32_t, double* P) {
-  return not_available(z, mixture, frame::check_temperature(T), P);
+  return guarded([&]() -> StatusCode {
+    const StatusCode bad = check(frame::check_temperature(T), z, mixture, P);
+    return bad != KV_OK ? bad : water::dew_pressure({z, method, mixture}, T, *P);
+  });
 }
 
-KV_ENTRY StatusCode KV_CALL WaterDewLine(const double* z, int32_t, int32_t, int32_t, MixtureRecord* mixture,
-                                         int32_t, double, double, int32_t, double* T, double* P,
-                                         int32_t* status, int32_t* found) {
-  return not_available(z, mixture, KV_OK, T, P, status, found);
+KV_ENTRY StatusCode KV_CALL WaterDewLine(const double* z, int32_t method, int32_t, int32_t,
+                                         MixtureRecord* mixture, int32_t, double min_P, double max_P,
+                                         int32_t points, double* T, double* P, int32_t* status,
+                                         int32_t* found) {
+  return guarded([&]() -> StatusCode {
+    const StatusCode bad = check(KV_OK, z, mixture, T, P, status, found);
+    return bad != KV_OK ? bad
+                        : water::dew_line({z, method, mixture}, min_P, max_P, points, T, P, status, *found);
+  });
 }
 
-KV_ENTRY StatusCode KV_CALL Humidity(double T, double P, int32_t, const double* z, MixtureRecord* mixture,
-                                     double* water_fraction, double* water_content) {
+KV_ENTRY StatusCode KV_CALL Humidity(double T, double P, int32_t method, const double* z,
+                                     MixtureRecord* mixture, double* water_fraction, double* water_content) {
   zero(water_fraction);
   zero(water_content);
-  return not_available(z, mixture,
-                       frame::first_failure({frame::check_temperature(T), frame::check_pressure(P)}),
-                       water_fraction, water_content);
+  return guarded([&]() -> StatusCode {
+    const StatusCode bad = check(check_TP(T, P), z, mixture, water_fraction, water_content);
+    return bad != KV_OK ? bad : water::humidity(T, P, method, z, *mixture, *water_fraction, *water_content);
+  });
 }
 
 KV_ENTRY StatusCode KV_CALL WetGasComposition(double T, double P, const double* z, int32_t method_switch,
-                                              int32_t, int32_t, MixtureRecord* mixture, int32_t, double* wet) {
-  const StatusCode condition = frame::first_failure({frame::check_temperature(T), frame::check_pressure(P)});
-  const auto method = [&] { return not_available(z, mixture, condition, wet); };
-  const StatusCode first = method();
-  const bool final_status = first == -1 || first == 0 || first == 1 || first == 4;
-  return !final_status && method_switch == 1 ? method() : first;
+                                              int32_t method, int32_t, MixtureRecord* mixture, int32_t,
+                                              double* wet) {
+  return guarded([&]() -> StatusCode {
+    const StatusCode bad = check(check_TP(T, P), z, mixture, wet);
+    if (bad != KV_OK) return bad;
+    // With the switch on, the equation of state is the first method and the chart the second.
+    const bool both = method_switch == 1;
+    const StatusCode first = water::wet_gas(T, P, both ? 1 : method, z, *mixture, wet);
+    const bool final_status = first == -1 || first == 0 || first == 1 || first == 4;
+    return both && !final_status ? water::wet_gas(T, P, 2, z, *mixture, wet) : first;
+  });
 }
 
-KV_ENTRY StatusCode KV_CALL HydrateLine(const double* z, int32_t, double, double, int32_t,
+KV_ENTRY StatusCode KV_CALL HydrateLine(const double* z, int32_t kind, double M, double percent, int32_t points,
                                         MixtureRecord* mixture, int32_t, double* T, double* P) {
-  return not_available(z, mixture, KV_OK, T, P);
+  return guarded([&]() -> StatusCode {
+    const StatusCode bad = check(KV_OK, z, mixture, T, P);
+    return bad != KV_OK ? bad : water::hydrate_line(z, kind, M, percent, points, *mixture, T, P);
+  });
 }

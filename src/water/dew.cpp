@@ -1,0 +1,298 @@
+#include "water/dew.hpp"
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+
+#include "water/content.hpp"
+
+namespace kestrune::water {
+namespace {
+
+constexpr double kLargestStart = 1e10;    // atm
+constexpr double kConverged = 1e-16;      // of F^2
+constexpr double kSlopeStep = 1e-4;       // relative step of the slope in P
+constexpr double kHighestPressure = 2e4;  // atm, of the search
+constexpr double kSearchFactor = 1.3;     // from one pressure of the search to the next
+constexpr int kNewtonLimit = 60;          // updates after which Newton's method is taken to turn in circles
+constexpr int kRefinements = 12;
+constexpr double kExact = 1e-14;  // of ln y
+
+constexpr double kAlmost = 1e-7;         // of ln y: the next secant is the last
+constexpr double kSlopeOfLnY = -5300.0;  // d ln y/d(1/T), K: the heat of vaporisation over R
+constexpr double kLineLowestPressure = 1.0, kLineHighestPressure = 200.0;  // atm
+constexpr double kNarrow = 1e-14;  // relative width of an interval of temperatures
+
+int iteration_limit(const MixtureRecord& m) noexcept {
+  return m.ITEMAX > 0 ? m.ITEMAX : KV_DEFAULT_ITEMAX;
+}
+
+StatusCode check(const DewCall& call, Method& method) noexcept {
+  const MixtureRecord& m = *call.mixture;
+  double sum = 0.0;
+  for (int i = 0; i < m.count; ++i) sum += call.z[i];
+  const double tolerance = m.sum_tolerance != 0.0 ? m.sum_tolerance : KV_DEFAULT_SUM_TOLERANCE;
+  if (std::fabs(sum - 1.0) > tolerance) return KV_FEED_SUM;
+  return method_by_number(call.method, method) ? KV_OK : KV_SPECIFICATION;
+}
+
+// ---- Pressure at a temperature --------------------------------------------------------------------
+
+struct PressureSearch {
+  const Saturation& s;
+  double water;     // mole fraction in the feed
+  double y = 0.0;   // the last content, the start of the next
+  int updates = 0;  // of the pressure
+  int limit = 0;
+};
+
+StatusCode residual(PressureSearch& p, double P, double& F) noexcept {
+  const StatusCode status = saturated_fraction(p.s, P, p.y);
+  F = p.y - p.water;
+  return status;
+}
+
+// The model stops Newton's method for a pressure that it cannot work with, not for what is wrong at any
+// pressure.
+bool pressure_to_blame(StatusCode status) noexcept {
+  return status == KV_NO_WATER_LIMIT || status == KV_WATER_RANGE || status == KV_NOT_CONVERGED ||
+         status == KV_NOT_FINITE || status == KV_NO_ROOT;
+}
+
+enum class Newton { converged, failed, left, flat, out_of_updates };
+
+// P in: the start; out: the last pressure at which the model had a value, or the start.
+Newton newton(PressureSearch& p, double& P, bool& at_start, StatusCode& status) noexcept {
+  double next = P;
+  for (at_start = true;; at_start = false) {
+    double F = 0.0, ahead = 0.0;
+    status = residual(p, next, F);
+    if (status == KV_OK) P = next;
+    if (status == KV_OK && F * F < kConverged) return Newton::converged;
+    const double step = next / 10000.0;
+    if (status == KV_OK) status = residual(p, next + step, ahead);
+    if (status != KV_OK) return pressure_to_blame(status) ? Newton::left : Newton::failed;
+    const double slope = (ahead - F) / step;
+    if (slope == 0.0) return Newton::flat;
+    ++p.updates;
+    next -= F / slope;
+    const bool in_range = next > 0.0 && next <= kLargestStart;
+    if (p.updates > p.limit) {
+      if (in_range) P = next;
+      return Newton::out_of_updates;
+    }
+    if (!in_range || p.updates > kNewtonLimit) return Newton::left;
+  }
+}
+
+// Secants of ln y over ln P from a point close to the solution, as long as they come closer.
+void refine(PressureSearch& p, double& P) noexcept {
+  if (!(p.water > 0.0)) return;
+  double y = p.water;
+  if (saturated_fraction(p.s, P, y) != KV_OK) return;
+  double G = std::log(y / p.water), ahead = y;
+  if (saturated_fraction(p.s, P * (1.0 + kSlopeStep), ahead) != KV_OK) return;
+  double slope = std::log(ahead / y) / std::log1p(kSlopeStep);
+  for (int k = 0; k < kRefinements && std::fabs(G) > kExact && slope != 0.0; ++k) {
+    const double step = std::clamp(-G / slope, -1.0, 1.0), next = P * std::exp(step);
+    if (saturated_fraction(p.s, next, y) != KV_OK) return;
+    const double now = std::log(y / p.water);
+    if (!(std::fabs(now) < std::fabs(G))) return;
+    if (now != G) slope = (now - G) / step;
+    P = next;
+    G = now;
+  }
+}
+
+// Halves the interval between a pressure with too much and one with too little water. True when it ends on a
+// solution.
+bool close_interval(PressureSearch& p, double low, double high, double& P) noexcept {
+  double F = 0.0;
+  while (high > low * (1.0 + 1e-9) && p.updates++ <= p.limit) {
+    P = std::sqrt(low * high);
+    const StatusCode status = residual(p, P, F);
+    if (status != KV_OK && status != KV_NO_WATER_LIMIT) return false;
+    if (status == KV_OK && F * F < kConverged) return true;
+    (status == KV_NO_WATER_LIMIT || F > 0.0 ? low : high) = P;
+  }
+  return false;  // the content jumps, or there was no time
+}
+
+// The first change of sign from saturation upwards.
+bool search(PressureSearch& p, double& P) noexcept {
+  double low = p.s.lowest_pressure();
+  double high = low * kSearchFactor;
+  // What an ideal gas can hold is less than what it does hold: up to there nothing has to be looked at.
+  if (p.water > 0.0 && p.water < 1.0) high = std::fmax(low, 0.5 * low / p.water) * kSearchFactor;
+  for (; high <= kHighestPressure && p.updates++ <= p.limit; high *= kSearchFactor) {
+    double F = 0.0;
+    const StatusCode status = residual(p, high, F);
+    if (status == KV_WATER_RANGE) return false;
+    if (status == KV_OK) {
+      P = high;
+      if (F * F < kConverged) return true;
+      if (F < 0.0) return close_interval(p, low, high, P);
+    }
+    low = high;
+  }
+  return false;
+}
+
+StatusCode find_pressure(PressureSearch& p, double& P) noexcept {
+  bool at_start = false;
+  StatusCode status = KV_OK;
+  const Newton end = newton(p, P, at_start, status);
+  if (end == Newton::failed) return status;
+  if (end == Newton::out_of_updates) return KV_NOT_CONVERGED;
+  if (end == Newton::converged && at_start) return KV_OK;
+  if (end != Newton::converged && !search(p, P)) return end == Newton::flat ? KV_ZERO_SLOPE : KV_NOT_CONVERGED;
+  refine(p, P);
+  return KV_OK;
+}
+
+// ---- Temperature at a pressure --------------------------------------------------------------------
+
+struct TemperatureSearch {
+  const Gas& gas;
+  support::Arena& arena;
+  double water, P;
+  int limit;
+  double lowest, highest;  // temperatures of the method
+};
+
+// G = ln(y/water) at T; infinite where the gas takes up any amount of water.
+StatusCode residual(const TemperatureSearch& t, double T, double& G) {
+  Saturation s;
+  StatusCode status = prepare_saturation(t.gas, T, t.arena, s);
+  double y = t.water;
+  if (status == KV_OK) status = saturated_fraction(s, t.P, y);
+  G = status == KV_NO_WATER_LIMIT ? HUGE_VAL : std::log(y / t.water);
+  return status == KV_NO_WATER_LIMIT ? StatusCode{KV_OK} : status;
+}
+
+// Where water alone would have the vapour pressure y P, from its values at 0 and 100 C.
+double ideal_temperature(double partial) noexcept {
+  const double u = (13.960 - std::log(partial)) / 5209.0;
+  return u > 0.0 ? 1.0 / u : DBL_MAX;
+}
+
+// Interval of 1/T, and the last point with a finite residual.
+struct Bracket {
+  double low, high;  // too cold or the end of the range, too hot or the end
+  bool low_known = false, high_known = false;
+  double u = 0.0, G = HUGE_VAL;
+};
+
+// The temperature that the secant through the last two points gives, or the middle of what is left.
+double next_temperature(const Bracket& b, double T, double G, double slope) noexcept {
+  const double middle = 2.0 / (1.0 / b.low + 1.0 / b.high);
+  if (!std::isfinite(G)) return b.low_known ? middle : std::fmax(b.low, 0.95 * T);
+  const double u = 1.0 / T - G / slope;
+  const double next = u > 0.0 ? 1.0 / u : b.high;
+  const bool inside = next > b.low && next < b.high;
+  if (inside) return next;
+  if (next <= b.low) return b.low_known ? middle : b.low;
+  return b.high_known ? middle : b.high;
+}
+
+StatusCode find_temperature(const TemperatureSearch& t, double& T) {
+  if (!(t.water > 0.0)) return KV_NOT_CONVERGED;
+  double next = T;
+  if (!(next >= t.lowest && next <= t.highest))
+    next = std::clamp(ideal_temperature(t.water * t.P), t.lowest, t.highest);
+  Bracket b{t.lowest, t.highest};
+  for (int k = 0; k <= t.limit; ++k) {
+    double G = 0.0;
+    const StatusCode status = residual(t, next, G);
+    if (status != KV_OK) return status;
+    T = next;
+    if (std::fabs(G) < kExact) return KV_OK;
+    (G < 0.0 ? b.low : b.high) = T;
+    (G < 0.0 ? b.low_known : b.high_known) = true;
+    if ((G < 0.0 && T >= t.highest) || (G > 0.0 && T <= t.lowest)) return KV_NOT_CONVERGED;
+    double slope = std::isfinite(b.G) && std::isfinite(G) ? (G - b.G) / (1.0 / T - b.u) : kSlopeOfLnY;
+    const bool secant = std::isfinite(b.G) && slope < 0.0;
+    if (!(slope < 0.0)) slope = kSlopeOfLnY;
+    next = next_temperature(b, T, G, slope);
+    if (secant && std::fabs(G) < kAlmost) {
+      T = next;
+      return KV_OK;
+    }
+    if (b.high - b.low < kNarrow * T) return KV_NOT_CONVERGED;  // the content jumps
+    if (std::isfinite(G)) {
+      b.u = 1.0 / T;
+      b.G = G;
+    }
+  }
+  return KV_NOT_CONVERGED;
+}
+
+template <class Body>
+StatusCode with_gas(const DewCall& call, Body&& body) {
+  Method method;
+  StatusCode status = check(call, method);
+  if (status == KV_FEED_SUM) return status;
+  return support::with_arena<3, 64>(call.mixture->count, [&](support::Arena& arena) -> StatusCode {
+    Gas gas;
+    const StatusCode opened = open_gas(*call.mixture, call.z, method, arena, gas);
+    if (opened == KV_NO_WATER || status == KV_OK) status = opened;
+    return status == KV_OK ? body(gas, arena) : status;
+  });
+}
+
+TemperatureSearch temperature_search(const DewCall& call, const Gas& gas, support::Arena& arena, double P) {
+  const bool chart = gas.method == Method::chart;
+  return {gas,
+          arena,
+          call.z[gas.water],
+          P,
+          iteration_limit(*call.mixture),
+          chart ? kChartLowestT : kLowestTemperature,
+          chart ? kChartHighestT : kHighestTemperature};
+}
+
+}  // namespace
+
+StatusCode dew_pressure(const DewCall& call, double T, double& P) {
+  return with_gas(call, [&](const Gas& gas, support::Arena& arena) -> StatusCode {
+    if (!(P > 0.0 && P <= kLargestStart)) P = 1.0;
+    Saturation s;
+    const StatusCode status = prepare_saturation(gas, T, arena, s);
+    if (status != KV_OK) return status;
+    PressureSearch p{s, call.z[gas.water]};
+    p.limit = iteration_limit(*call.mixture);
+    return find_pressure(p, P);
+  });
+}
+
+StatusCode dew_temperature(const DewCall& call, double P, double& T) {
+  return with_gas(call, [&](const Gas& gas, support::Arena& arena) -> StatusCode {
+    return find_temperature(temperature_search(call, gas, arena, P), T);
+  });
+}
+
+StatusCode dew_line(const DewCall& call, double lowest, double highest, int points, double* T, double* P,
+                    StatusCode* status, int& found) {
+  found = 0;
+  if (lowest == 0.0) lowest = kLineLowestPressure;
+  if (highest == 0.0) highest = kLineHighestPressure;
+  if (!(lowest > 0.0 && highest >= lowest && highest <= DBL_MAX)) return KV_SPECIFICATION;
+  return with_gas(call, [&](const Gas& gas, support::Arena& arena) -> StatusCode {
+    double start = 0.0;
+    for (int k = 0; k < points; ++k) {
+      const double share = points > 1 ? static_cast<double>(k) / (points - 1) : 0.0;
+      P[k] = k == points - 1 && k > 0 ? highest : lowest * std::pow(highest / lowest, share);
+      T[k] = start;
+      status[k] = find_temperature(temperature_search(call, gas, arena, P[k]), T[k]);
+      if (status[k] == KV_OK) {
+        ++found;
+        start = T[k];
+      } else {
+        T[k] = 0.0;
+      }
+    }
+    return found > 0 || points <= 0 ? StatusCode{KV_OK} : status[0];
+  });
+}
+
+}  // namespace kestrune::water
