@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "water/condensed.hpp"
 
@@ -46,12 +47,6 @@ StatusCode prepare_acid(const MaddoxRow (&rows)[n], double T, double fraction, A
   return prepare_line(R / 1.8, gas.line);
 }
 
-template <std::size_t n>
-bool within(const MaddoxRow (&rows)[n], double T) noexcept {
-  const double F = 1.8 * T - kRankineOfZeroF;
-  return F >= rows[0].F && F <= rows[n - 1].F;
-}
-
 // By how much more the acid gas holds than the chart says, times its fraction.
 double excess(const AcidGas& gas, double P) noexcept {
   if (!(gas.fraction > 0.0)) return 0.0;
@@ -64,11 +59,21 @@ double excess(const AcidGas& gas, double P) noexcept {
 
 }  // namespace
 
+bool chart_range(double CO2, double H2S, ChartRange& range) noexcept {
+  range = ChartRange{};
+  if (!(CO2 + H2S <= kLargest)) return false;
+  if (CO2 + H2S <= kNegligible) return true;
+  const double highest = CO2 > 0.0 ? std::end(kCO2Rows)[-1].F : std::end(kH2SRows)[-1].F;
+  range.lowest_T = (kCO2Rows[0].F + kRankineOfZeroF) / 1.8;
+  range.highest_T = (highest + kRankineOfZeroF) / 1.8;
+  range.highest_P = kHighestCorrected / kPsiPerAtm;
+  return true;
+}
+
 StatusCode prepare_chart(double T, double CO2, double H2S, Chart& c) noexcept {
   c = Chart{};
-  if (!(T >= kChartLowestT && T <= kChartHighestT) || CO2 + H2S > kLargest) return KV_WATER_RANGE;
-  const bool strong = CO2 + H2S > kNegligible;
-  if (strong && ((CO2 > 0.0 && !within(kCO2Rows, T)) || !within(kH2SRows, T))) return KV_WATER_RANGE;
+  if (!chart_range(CO2, H2S, c.range)) return KV_WATER_RANGE;
+  if (!(T >= c.range.lowest_T && T <= c.range.highest_T)) return KV_WATER_RANGE;
   StatusCode status = prepare_line(T, c.line);
   if (status == KV_OK) status = prepare_acid(kCO2Rows, T, CO2, c.CO2);
   if (status == KV_OK) status = prepare_acid(kH2SRows, T, H2S, c.H2S);
@@ -76,9 +81,7 @@ StatusCode prepare_chart(double T, double CO2, double H2S, Chart& c) noexcept {
 }
 
 StatusCode chart_content(const Chart& c, double P, double& y) noexcept {
-  const bool strong = c.CO2.fraction + c.H2S.fraction > kNegligible;
-  if (!(P > 0.0 && P <= kChartHighestP) || (strong && P * kPsiPerAtm > kHighestCorrected))
-    return KV_WATER_RANGE;
+  if (!(P > 0.0 && P <= c.range.highest_P)) return KV_WATER_RANGE;
   const double content = (c.line.saturation / P + c.line.offset) * (1.0 + excess(c.CO2, P) + excess(c.H2S, P));
   if (!(content < 1.0)) return KV_NO_WATER_LIMIT;
   y = content;

@@ -7,9 +7,17 @@
 
 namespace kestrune::water {
 
-// Range: -40 to 460 F, up to 10 000 psia.
-inline constexpr double kChartLowestT = 233.15, kChartHighestT = 510.93;  // K
-inline constexpr double kChartHighestP = 680.46;                          // atm
+// Where the chart holds, K and atm. The temperatures are those of -40 and 460 F, the pressure is 10 000 psia.
+struct ChartRange {
+  double lowest_T = 233.15, highest_T = 510.93, highest_P = 680.46;
+};
+
+/*
+ * The range for fractions of CO2 and H2S in the dry gas. More than 5 % of them confine it to that of their
+ * correction: 299.82 to 344.26 K (without CO2 to 410.93 K), 3000 psia. False above 40 %, where nothing is in
+ * range.
+ */
+bool chart_range(double CO2, double H2S, ChartRange& range) noexcept;
 
 // W = A/P + B as mole fractions: saturation/P + offset, P in atm.
 struct ChartLine {
@@ -27,14 +35,13 @@ struct AcidGas {
 };
 
 struct Chart {
+  ChartRange range;
   ChartLine line;
   AcidGas CO2, H2S;
 };
 
 /*
- * Prepares T (K). KV_WATER_RANGE outside the range of the chart, for more than 40 % of acid gas, and for more
- * than 5 % outside the temperatures of its correction (299.8 to 344.3 K, without CO2 to 410.9 K); or a status
- * of the pure-component library.
+ * Prepares T (K). KV_WATER_RANGE outside the range, or a status of the pure-component library.
  *
  * W = A/P + B: R. F. Bukacek, Equilibrium Moisture Content of Natural Gases, IGT Research Bulletin 8 (1955);
  * over supercooled water below 32 F, as the chart. Acid gases: R. N. Maddox, Gas and Liquid Sweetening, 2nd
@@ -46,7 +53,7 @@ StatusCode prepare_chart(double T, double CO2, double H2S, Chart& c) noexcept;
 
 /*
  * Saturated water mole fraction y at P (atm). KV_NO_WATER_LIMIT where the gas takes up any amount of water,
- * KV_WATER_RANGE above the highest pressure of the chart; with more than 5 % of acid gas above 3000 psia.
+ * KV_WATER_RANGE above the highest pressure.
  */
 StatusCode chart_content(const Chart& c, double P, double& y) noexcept;
 

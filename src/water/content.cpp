@@ -6,6 +6,7 @@
 #include "eos/phase.hpp"
 #include "frame/cas.hpp"
 #include "frame/state.hpp"
+#include "water/interactions.hpp"
 
 namespace kestrune::water {
 namespace {
@@ -14,6 +15,10 @@ enum Part { kDry, kWater, kCO2, kH2S };
 
 int last_of(const MixtureRecord& mixture, const char* cas) noexcept {
   return frame::find_cas(mixture.count, mixture.table, cas, frame::CasPick::last) - 1;
+}
+
+double dry_fraction(const Gas& gas, int index) noexcept {
+  return index >= 0 ? gas.dry[index] : 0.0;
 }
 
 // ln phi of pure steam at P.
@@ -106,7 +111,10 @@ StatusCode prepare_parts(const Gas& gas, double T, support::Arena& arena, Satura
   const support::Arena::Mark mark = arena.mark();
   eos::Temperature all;
   StatusCode status = eos::prepare(T, *gas.mixture, frame::state().group_data, 0, arena, all);
-  if (status == KV_OK) reduce_to_parts(gas, all, arena.zeros(all.ld), s);
+  if (status == KV_OK) {
+    apply_vapour_interactions(*gas.mixture, gas.water, gas.k, all);
+    reduce_to_parts(gas, all, arena.zeros(all.ld), s);
+  }
   arena.rewind(mark);
   s.bracub = frame::tools::bracub();
   Condensed& c = s.condensed;
@@ -136,14 +144,27 @@ StatusCode open_gas(const MixtureRecord& mixture, const double* z, Method method
   for (int i = 0; i < mixture.count; ++i)
     if (i != gas.water) sum += z[i];
   if (!(sum > 0.0)) return KV_NO_WATER_LIMIT;
+  gas.k = arena.take(mixture.count);
+  vapour_interactions(mixture, gas.k);
   for (int i = 0; i < mixture.count; ++i) gas.dry[i] = i == gas.water ? 0.0 : z[i] / sum;
   return KV_OK;
 }
 
+bool temperature_range(const Gas& gas, double& lowest, double& highest) noexcept {
+  ChartRange range;
+  if (gas.method == Method::chart &&
+      !chart_range(dry_fraction(gas, gas.CO2), dry_fraction(gas, gas.H2S), range))
+    return false;
+  const bool chart = gas.method == Method::chart;
+  lowest = chart ? range.lowest_T : kLowestTemperature;
+  highest = chart ? range.highest_T : kHighestTemperature;
+  return true;
+}
+
 StatusCode prepare_saturation(const Gas& gas, double T, support::Arena& arena, Saturation& s) {
   s.method = gas.method;
-  s.CO2 = gas.CO2 >= 0 ? gas.dry[gas.CO2] : 0.0;
-  s.H2S = gas.H2S >= 0 ? gas.dry[gas.H2S] : 0.0;
+  s.CO2 = dry_fraction(gas, gas.CO2);
+  s.H2S = dry_fraction(gas, gas.H2S);
   if (gas.method == Method::chart) return prepare_chart(T, s.CO2, s.H2S, s.chart);
   if (!(T >= kLowestTemperature && T <= kHighestTemperature)) return KV_WATER_RANGE;
   return prepare_parts(gas, T, arena, s);

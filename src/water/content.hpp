@@ -25,6 +25,7 @@ struct Gas {
   Method method = Method::equation_of_state;
   int water = -1, CO2 = -1, H2S = -1;
   double* dry = nullptr;  // [ld] mole fractions of the dry gas, 0 for water
+  double* k = nullptr;    // [n] k_ij of water, see interactions.hpp
 };
 
 /*
@@ -34,6 +35,9 @@ struct Gas {
  */
 StatusCode open_gas(const MixtureRecord& mixture, const double* z, Method method, support::Arena& arena,
                     Gas& gas);
+
+/* Lowest and highest temperature, K, at which the method has values for the gas; false where it has none. */
+bool temperature_range(const Gas& gas, double& lowest, double& highest) noexcept;
 
 // Dry gas, water, CO2 and H2S: the last two with fraction 0, for their coefficients alone.
 inline constexpr int kParts = 4;
@@ -52,10 +56,12 @@ struct Saturation {
   Saturation(const Saturation&) = delete;  // t points into it
   Saturation& operator=(const Saturation&) = delete;
 
-  // Below this pressure, atm, the gas takes up any amount of water.
+  // Up to the first pressure, atm, the gas takes up any amount of water; a search for a solution ends at the
+  // second.
   double lowest_pressure() const {
     return method == Method::chart ? chart.line.saturation : condensed.saturation();
   }
+  double highest_pressure() const { return method == Method::chart ? chart.range.highest_P : 2e4; }
 };
 
 /*

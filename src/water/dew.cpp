@@ -9,13 +9,14 @@
 namespace kestrune::water {
 namespace {
 
-constexpr double kLargestStart = 1e10;    // atm
-constexpr double kConverged = 1e-16;      // of F^2
-constexpr double kSlopeStep = 1e-4;       // relative step of the slope in P
-constexpr double kHighestPressure = 2e4;  // atm, of the search
-constexpr double kSearchFactor = 1.3;     // from one pressure of the search to the next
-constexpr int kNewtonLimit = 60;          // updates after which Newton's method is taken to turn in circles
+constexpr double kLargestStart = 1e10;  // atm
+constexpr double kConverged = 1e-16;    // of F^2
+constexpr double kSlopeStep = 1e-4;     // relative step of the slope in P
+constexpr double kSearchFactor = 1.3;   // from one pressure of the search to the next
+constexpr int kNewtonLimit = 60;        // updates after which Newton's method is taken to turn in circles
 constexpr int kRefinements = 12;
+constexpr double kClosed = 1e-4;  // relative width at which an interval of pressures is refined
+constexpr double kGood = 1e-10;   // of ln y: a solution
 constexpr double kExact = 1e-14;  // of ln y
 
 constexpr double kAlmost = 1e-7;         // of ln y: the next secant is the last
@@ -85,55 +86,58 @@ Newton newton(PressureSearch& p, double& P, bool& at_start, StatusCode& status) 
   }
 }
 
-// Secants of ln y over ln P from a point close to the solution, as long as they come closer.
-void refine(PressureSearch& p, double& P) noexcept {
-  if (!(p.water > 0.0)) return;
-  double y = p.water;
-  if (saturated_fraction(p.s, P, y) != KV_OK) return;
-  double G = std::log(y / p.water), ahead = y;
-  if (saturated_fraction(p.s, P * (1.0 + kSlopeStep), ahead) != KV_OK) return;
+// Secants of ln y over ln P from a point close to the solution, as long as they come closer. True when they end
+// on it.
+bool refine(PressureSearch& p, double& P) noexcept {
+  double y = p.water, ahead = p.water;
+  if (saturated_fraction(p.s, P, y) != KV_OK) return false;
+  double G = std::log(y / p.water);
+  if (saturated_fraction(p.s, P * (1.0 + kSlopeStep), ahead) != KV_OK) return std::fabs(G) < kGood;
   double slope = std::log(ahead / y) / std::log1p(kSlopeStep);
   for (int k = 0; k < kRefinements && std::fabs(G) > kExact && slope != 0.0; ++k) {
     const double step = std::clamp(-G / slope, -1.0, 1.0), next = P * std::exp(step);
-    if (saturated_fraction(p.s, next, y) != KV_OK) return;
+    if (saturated_fraction(p.s, next, y) != KV_OK) break;
     const double now = std::log(y / p.water);
-    if (!(std::fabs(now) < std::fabs(G))) return;
-    if (now != G) slope = (now - G) / step;
+    if (!(std::fabs(now) < std::fabs(G))) break;
+    slope = (now - G) / step;
     P = next;
     G = now;
   }
+  return std::fabs(G) < kGood;
 }
 
-// Halves the interval between a pressure with too much and one with too little water. True when it ends on a
-// solution.
-bool close_interval(PressureSearch& p, double low, double high, double& P) noexcept {
-  double F = 0.0;
-  while (high > low * (1.0 + 1e-9) && p.updates++ <= p.limit) {
-    P = std::sqrt(low * high);
-    const StatusCode status = residual(p, P, F);
-    if (status != KV_OK && status != KV_NO_WATER_LIMIT) return false;
-    if (status == KV_OK && F * F < kConverged) return true;
-    (status == KV_NO_WATER_LIMIT || F > 0.0 ? low : high) = P;
-  }
-  return false;  // the content jumps, or there was no time
-}
-
-// The first change of sign from saturation upwards.
-bool search(PressureSearch& p, double& P) noexcept {
-  double low = p.s.lowest_pressure();
-  double high = low * kSearchFactor;
-  // What an ideal gas can hold is less than what it does hold: up to there nothing has to be looked at.
-  if (p.water > 0.0 && p.water < 1.0) high = std::fmax(low, 0.5 * low / p.water) * kSearchFactor;
-  for (; high <= kHighestPressure && p.updates++ <= p.limit; high *= kSearchFactor) {
+// Halves the interval between a pressure with too much and one with too little water; P: the middle of what is
+// left.
+void close_interval(PressureSearch& p, double low, double high, double& P) noexcept {
+  P = std::sqrt(low * high);
+  while (high > low * (1.0 + kClosed) && p.updates++ <= p.limit) {
     double F = 0.0;
-    const StatusCode status = residual(p, high, F);
-    if (status == KV_WATER_RANGE) return false;
-    if (status == KV_OK) {
+    const StatusCode status = residual(p, P, F);
+    if (status != KV_OK && status != KV_NO_WATER_LIMIT) return;
+    (status == KV_NO_WATER_LIMIT || F > 0.0 ? low : high) = P;
+    P = std::sqrt(low * high);
+  }
+}
+
+// The first change of sign from saturation upwards. P holds the last pressure; true when it is a solution.
+bool search(PressureSearch& p, double& P) noexcept {
+  if (!(p.water > 0.0)) return false;
+  const double highest = p.s.highest_pressure();
+  double low = p.s.lowest_pressure();
+  // The content is not far below that of an ideal gas: up to there nothing has to be looked at.
+  double high = std::fmax(low, 0.5 * low / p.water) * kSearchFactor;
+  while (low < highest && p.updates++ <= p.limit) {
+    high = std::fmin(high, highest);
+    double F = 0.0;
+    if (residual(p, high, F) == KV_OK) {
       P = high;
-      if (F * F < kConverged) return true;
-      if (F < 0.0) return close_interval(p, low, high, P);
+      if (F < 0.0) {
+        close_interval(p, low, high, P);
+        return refine(p, P);
+      }
     }
     low = high;
+    high *= kSearchFactor;
   }
   return false;
 }
@@ -144,10 +148,14 @@ StatusCode find_pressure(PressureSearch& p, double& P) noexcept {
   const Newton end = newton(p, P, at_start, status);
   if (end == Newton::failed) return status;
   if (end == Newton::out_of_updates) return KV_NOT_CONVERGED;
-  if (end == Newton::converged && at_start) return KV_OK;
-  if (end != Newton::converged && !search(p, P)) return end == Newton::flat ? KV_ZERO_SLOPE : KV_NOT_CONVERGED;
-  refine(p, P);
-  return KV_OK;
+  if (end == Newton::converged && (at_start || !(p.water > 0.0) || refine(p, P))) return KV_OK;
+  // Converged by F^2 alone, where the content hardly depends on the pressure: a true solution may lie
+  // elsewhere.
+  double elsewhere = P;
+  const bool found = search(p, elsewhere);
+  if (found || end != Newton::converged) P = elsewhere;
+  if (found || end == Newton::converged) return KV_OK;
+  return end == Newton::flat ? KV_ZERO_SLOPE : KV_NOT_CONVERGED;
 }
 
 // ---- Temperature at a pressure --------------------------------------------------------------------
@@ -240,15 +248,9 @@ StatusCode with_gas(const DewCall& call, Body&& body) {
   });
 }
 
-TemperatureSearch temperature_search(const DewCall& call, const Gas& gas, support::Arena& arena, double P) {
-  const bool chart = gas.method == Method::chart;
-  return {gas,
-          arena,
-          call.z[gas.water],
-          P,
-          iteration_limit(*call.mixture),
-          chart ? kChartLowestT : kLowestTemperature,
-          chart ? kChartHighestT : kHighestTemperature};
+StatusCode temperature_at(const DewCall& call, const Gas& gas, support::Arena& arena, double P, double& T) {
+  TemperatureSearch t{gas, arena, call.z[gas.water], P, iteration_limit(*call.mixture), 0.0, 0.0};
+  return temperature_range(gas, t.lowest, t.highest) ? find_temperature(t, T) : StatusCode{KV_WATER_RANGE};
 }
 
 }  // namespace
@@ -267,7 +269,7 @@ StatusCode dew_pressure(const DewCall& call, double T, double& P) {
 
 StatusCode dew_temperature(const DewCall& call, double P, double& T) {
   return with_gas(call, [&](const Gas& gas, support::Arena& arena) -> StatusCode {
-    return find_temperature(temperature_search(call, gas, arena, P), T);
+    return temperature_at(call, gas, arena, P, T);
   });
 }
 
@@ -283,7 +285,7 @@ StatusCode dew_line(const DewCall& call, double lowest, double highest, int poin
       const double share = points > 1 ? static_cast<double>(k) / (points - 1) : 0.0;
       P[k] = k == points - 1 && k > 0 ? highest : lowest * std::pow(highest / lowest, share);
       T[k] = start;
-      status[k] = find_temperature(temperature_search(call, gas, arena, P[k]), T[k]);
+      status[k] = temperature_at(call, gas, arena, P[k], T[k]);
       if (status[k] == KV_OK) {
         ++found;
         start = T[k];
