@@ -1,6 +1,8 @@
 // The exports, as a host that links the library calls them.
 
+#include <cmath>
 #include <memory>
+#include <numeric>
 
 #include "cases.hpp"
 #include "gases.hpp"
@@ -207,6 +209,52 @@ std::vector<Case> property_cases() {
                         })};
 }
 
+// Water dew points of the lean gas with 1e-5 .. 1e-2 of water, cold.
+Case water_case(const char* name, bool pressure) {
+  auto mixture = std::make_shared<tests::Mixture>();
+  auto feeds = std::make_shared<std::vector<std::vector<double>>>();
+  std::vector<std::string> ids = tests::kLeanGas;
+  ids.emplace_back("water");
+  *mixture = tests::mixture_of(ids);
+  mixture->record.table = mixture->table.data();
+  for (int k = 0; k <= 30; ++k) {
+    const double y = 1e-5 * std::pow(10.0, 0.1 * k);
+    std::vector<double> z = tests::kLeanGasFeed;
+    const double sum = std::accumulate(z.begin(), z.end(), 0.0);
+    for (double& v : z) v *= (1.0 - y) / sum;
+    z.push_back(y);
+    feeds->push_back(std::move(z));
+  }
+  Case c;
+  c.name = name;
+  c.what =
+      std::string(pressure ? "WaterDewPressure at the temperature" : "WaterDewTemperature at the pressure") +
+      " of saturation at 5 .. 155 atm, lean gas with 1e-5 .. 1e-2 of water, cold";
+  c.target = 20000.0;
+  c.batch = static_cast<double>(feeds->size());
+  std::vector<double> given(feeds->size());
+  mixture->use();
+  for (std::size_t k = 0; k < given.size(); ++k) {
+    given[k] = 5.0 + 5.0 * static_cast<double>(k);
+    double T = 0.0;
+    if (!pressure) continue;
+    WaterDewTemperature(given[k], (*feeds)[k].data(), 1, 0, 0, &mixture->record, 0, &T);
+    given[k] = T;
+  }
+  c.set_up = [mixture] { mixture->use(); };
+  c.pass = [mixture, feeds, given, pressure] {
+    double sum = 0.0;
+    for (std::size_t k = 0; k < given.size(); ++k) {
+      double found = 0.0;
+      const auto dew = pressure ? WaterDewPressure : WaterDewTemperature;
+      dew(given[k], (*feeds)[k].data(), 1, 0, 0, &mixture->record, 0, &found);
+      sum += found;
+    }
+    return sum;
+  };
+  return c;
+}
+
 void print_shares(const char* name) {
   Host host(name);
   host.gas->mixture.use();
@@ -230,6 +278,8 @@ std::vector<Case> cases() {
   all.push_back(energy_case("flash_SP", true));
   all.push_back(saturation_case("bubble", 0.0));
   all.push_back(saturation_case("dew", 1.0));
+  all.push_back(water_case("water_dew_P", true));
+  all.push_back(water_case("water_dew_T", false));
   return all;
 }
 

@@ -10,6 +10,9 @@ namespace kestrune::water {
 // Temperatures, K, for which there are values: from the lowest one of the sublimation pressure to where the gas
 // root of the equation of state at water's vapour pressure is still that of steam.
 inline constexpr double kLowestTemperature = 150.0, kHighestTemperature = 640.0;
+// Highest pressure, atm: towards 10 000 atm the co-volumes of the equation of state press all water out of the
+// gas.
+inline constexpr double kHighestPressure = 2000.0;
 inline constexpr double kIcePoint = 273.16;  // triple point, K
 inline constexpr double kMolarMass = 18.01528;
 

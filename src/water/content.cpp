@@ -172,6 +172,7 @@ StatusCode prepare_saturation(const Gas& gas, double T, support::Arena& arena, S
 
 StatusCode saturated_fraction(const Saturation& s, double P, double& y) noexcept {
   if (s.method == Method::chart) return chart_content(s.chart, P, y);
+  if (!(P <= s.highest_pressure())) return KV_WATER_RANGE;
   if (!(P > s.lowest_pressure())) return KV_NO_WATER_LIMIT;
   double u = y > 0.0 && y < 1.0 ? std::log(y) : std::log(s.condensed.saturation() / P);
   if (!(u < 0.0)) u = -1e-9;

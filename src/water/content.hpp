@@ -61,7 +61,7 @@ struct Saturation {
   double lowest_pressure() const {
     return method == Method::chart ? chart.line.saturation : condensed.saturation();
   }
-  double highest_pressure() const { return method == Method::chart ? chart.range.highest_P : 2e4; }
+  double highest_pressure() const { return method == Method::chart ? chart.range.highest_P : kHighestPressure; }
 };
 
 /*
@@ -74,7 +74,8 @@ StatusCode prepare_saturation(const Gas& gas, double T, support::Arena& arena, S
  * Saturated water mole fraction y at P (atm); y holds a start where it lies within 0 .. 1, not included. Where
  * ice is stabler than liquid water, the gas is saturated with ice. KV_NO_WATER_LIMIT where the gas takes up any
  * amount of water: at and below the vapour pressure, and where no fraction of water balances. KV_NOT_CONVERGED
- * where the gas root ends before the balance is reached. y is left alone on failure.
+ * where the gas root ends before the balance is reached. KV_WATER_RANGE above the highest pressure: 2000 atm,
+ * of the chart see there. y is left alone on failure.
  */
 StatusCode saturated_fraction(const Saturation& s, double P, double& y) noexcept;
 

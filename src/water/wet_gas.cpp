@@ -12,12 +12,13 @@ template <class Body>
 StatusCode at_saturation(double T, double P, int number, const double* z, const MixtureRecord& mixture,
                          Body&& body) {
   Method method;
-  if (!method_by_number(number, method)) return KV_SPECIFICATION;
+  const bool known = method_by_number(number, method);
   return support::with_arena<3, 64>(mixture.count, [&](support::Arena& arena) -> StatusCode {
     Gas gas;
     Saturation s;
     double y = 0.0;
     StatusCode status = open_gas(mixture, z, method, arena, gas);
+    if (status == KV_OK && !known) status = KV_SPECIFICATION;
     if (status == KV_OK) status = prepare_saturation(gas, T, arena, s);
     if (status == KV_OK) status = saturated_fraction(s, P, y);
     if (status == KV_OK) body(gas, y);

@@ -32,6 +32,8 @@ struct Export {
   std::vector<char> kinds;
   void* address;
   std::function<StatusCode(const std::vector<Slot>&)> call;
+  StatusCode good;  // of good arguments for a mixture without water
+  bool model;       // evaluates the equation of state of that mixture
 };
 
 template <class A>
@@ -64,14 +66,16 @@ StatusCode apply_slots(StatusCode(KV_CALL* f)(A...), const std::vector<Slot>& sl
 
 template <class... A>
 Export described(const char* name, StatusCode(KV_CALL* f)(A...), const char* roles, bool available,
-                 Refused outputs) {
+                 Refused outputs, StatusCode good = KV_OK, bool model = true) {
   return {name,
           roles,
           available,
           outputs,
           {kind_of_argument<A>()...},
           reinterpret_cast<void*>(f),
-          [f](const std::vector<Slot>& s) { return apply_slots(f, s, std::index_sequence_for<A...>{}); }};
+          [f](const std::vector<Slot>& s) { return apply_slots(f, s, std::index_sequence_for<A...>{}); },
+          good,
+          model};
 }
 
 // All of them but MolecularWeight and ConvertPPR78GroupData, which know no record.
@@ -91,12 +95,12 @@ inline std::vector<Export> export_table() {
           KV_ROW(FlashLLatTP, "TP", true, keep),
           KV_ROW(PhaseEnvelope, "-----", false, Refused::envelope),
           KV_ROW(CriticalPoint, "", false, keep),
-          KV_ROW(WaterDewTemperature, "P", false, keep),
-          KV_ROW(WaterDewPressure, "T", false, keep),
-          KV_ROW(WaterDewLine, "--", false, keep),
-          KV_ROW(Humidity, "TP", false, zero),
-          KV_ROW(WetGasComposition, "TP", false, keep),
-          KV_ROW(HydrateLine, "--", false, keep),
+          KV_ROW(WaterDewTemperature, "P", true, keep, KV_NO_WATER, false),
+          KV_ROW(WaterDewPressure, "T", true, keep, KV_NO_WATER, false),
+          KV_ROW(WaterDewLine, "--", true, keep, KV_NO_WATER, false),
+          KV_ROW(Humidity, "TP", true, zero, KV_NO_WATER, false),
+          KV_ROW(WetGasComposition, "TP", true, keep, KV_NO_WATER, false),
+          KV_ROW(HydrateLine, "--", true, keep, KV_OK, false),
           KV_ROW(GasN, "TP", true, zero),
           KV_ROW(LiquidDensity_PPR78, "TP", true, zero),
           KV_ROW(GasDensity_PPR78, "TP", true, zero),
