@@ -182,29 +182,54 @@ KV_API StatusCode KV_CALL CriticalPoint(const double* z, MixtureRecord* mixture,
 /* ---- Water and hydrates ----------------------------------------------------------------------- */
 
 /*
- * method 1: equation of state with free water; 2: chart correlation with acid-gas correction. routes: 0.
- * "unused" words are not read.
+ * method 1 (or 0): balance of fugacities of water in the gas (PPR78; k_ij of water for a gas: Soreide and
+ * Whitson 1992) and in liquid water with dissolved CO2 and H2S, or ice; 150 to 640 K, to 2000 atm. 2: chart
+ * correlation with acid-gas correction (Bukacek 1955, Maddox 1974); 233.15 to 510.93 K, to 680.46 atm. Others:
+ * KV_SPECIFICATION. routes: 0. "unused" words are not read.
+ *
+ * KV_NO_WATER without a component that is water (CAS 7732-18-5); KV_NO_WATER_LIMIT (4) where the gas takes up
+ * any amount of water; KV_WATER_RANGE outside the range of the method. Dew points: KV_FEED_SUM;
+ * KV_NOT_CONVERGED after ITEMAX + 1 updates and where there is no solution.
  */
+/* Dew temperature at P. T in: a start, where it is in range; out: the result, or the last temperature. 36
+ * bytes. */
 KV_API StatusCode KV_CALL WaterDewTemperature(double P, const double* z, int32_t method, int32_t routes,
                                               int32_t unused, MixtureRecord* mixture, int32_t reserved,
-                                              double* T); /* T in/out, 36 bytes */
+                                              double* T);
+/*
+ * Dew pressure at T. P in: a start, 1 atm where it is not within 0 .. 1e10; out: the result, or the last
+ * pressure. A start at which the content is right within 1e-8 comes back unchanged. KV_ZERO_SLOPE: the content
+ * does not depend on the pressure. 36 bytes.
+ */
 KV_API StatusCode KV_CALL WaterDewPressure(double T, const double* z, int32_t method, int32_t routes,
-                                           int32_t unused, MixtureRecord* mixture, int32_t reserved,
-                                           double* P); /* P in/out, 36 bytes */
-/* T, P, status [points]; found: number of points found. 60 bytes. */
+                                           int32_t unused, MixtureRecord* mixture, int32_t reserved, double* P);
+/*
+ * Dew temperatures at pressures evenly spaced in ln P from min_P (0: 1 atm) to max_P (0: 200 atm). T, P, status
+ * [points], T 0 where there is none; found: the number of points with status 0. KV_OK when there is one, else
+ * the status of the first. 60 bytes.
+ */
 KV_API StatusCode KV_CALL WaterDewLine(const double* z, int32_t method, int32_t routes, int32_t unused,
                                        MixtureRecord* mixture, int32_t reserved, double min_P, double max_P,
                                        int32_t points, double* T, double* P, int32_t* status, int32_t* found);
-/* water_fraction of the saturated gas; water_content in mg per normal m3 (0 C, 1 atm). 36 bytes. */
+/*
+ * water_fraction of the gas saturated at T and P; water_content in mg per normal m3 of it (0 C, 1 atm, ideal
+ * gas). Both 0 on failure. z with or without water. 36 bytes.
+ */
 KV_API StatusCode KV_CALL Humidity(double T, double P, int32_t method, const double* z, MixtureRecord* mixture,
                                    double* water_fraction, double* water_content);
-/* wet [count]: the gas saturated with water. method_switch 1: tries the second method as well. 44 bytes. */
+/*
+ * wet [count]: the gas saturated with water, dry components in the proportions of z; may be z; left alone on
+ * failure. method_switch 1: method 1, and method 2 where that ends with a status other than -1, 0, 1 and 4. 44
+ * bytes.
+ */
 KV_API StatusCode KV_CALL WetGasComposition(double T, double P, const double* z, int32_t method_switch,
                                             int32_t method, int32_t routes, MixtureRecord* mixture,
                                             int32_t reserved, double* wet);
 /*
- * Hydrate formation curve of a gas by its gravity; kind 0 none, 1 methanol, 2 NaCl, 3 KCl, 4 CaCl2, 5 of
- * molar mass M (g/mol); percent by mass; T (K), P (atm) [points]. 44 bytes.
+ * Hydrate formation curve of a gas by its gravity, 253.15 K to 200 atm without inhibitor; kind 0 none, 1
+ * methanol, 2 NaCl, 3 KCl, 4 CaCl2, 5 of molar mass M (g/mol; KV_INHIBITOR_MASS where it is not positive);
+ * percent by mass of the aqueous solution; T (K), P (atm) [points]. Towler and Mokhatab 2005, Hammerschmidt
+ * 1934. 44 bytes.
  */
 KV_API StatusCode KV_CALL HydrateLine(const double* z, int32_t kind, double M, double percent, int32_t points,
                                       MixtureRecord* mixture, int32_t unused, double* T, double* P);

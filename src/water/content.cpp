@@ -11,7 +11,7 @@
 namespace kestrune::water {
 namespace {
 
-enum Part { kDry, kWater, kCO2, kH2S };
+enum Place { kDry, kWater, kCO2, kH2S };
 
 int last_of(const MixtureRecord& mixture, const char* cas) noexcept {
   return frame::find_cas(mixture.count, mixture.table, cas, frame::CasPick::last) - 1;
