@@ -23,6 +23,8 @@ constexpr double kUnstableLiquid = -1e-9;
 // Hydrocarbon liquids end somewhere above Kay's pseudo-critical temperature, the more so the wider they boil.
 constexpr double kLiquidReach = 1.25;
 constexpr double kDilutePacking = 0.04;
+// Parts of the second of two phases in the mixtures of them that trials start from.
+constexpr double kBetween[] = {0.03, 0.1, 0.3, 0.6};
 // Length of a first step along the direction of lowest curvature, in sqrt(W).
 constexpr double kAlong = 0.2;
 constexpr double kGasPacking = 0.5 / eos::kCriticalVolumeRatio;
@@ -52,6 +54,32 @@ bool run_trial(Flash& f, const Reference& ref, Kind kind) {
   return true;
 }
 
+// A trial from a composition [ld] on its other root, where it has one.
+bool other_root_trial(Flash& f, const Reference& ref, const double* w) {
+  Kind kind = Kind::liquid;
+  bool found = false;
+  f.status = start_other_root(f.m, ref, w, f.trial, kind, found);
+  if (f.status != KV_OK || !found) return f.status == KV_OK;
+  const Follow how = f.how;
+  f.how = Follow::strict;
+  const bool good = run_trial(f, ref, kind);
+  f.how = how;
+  return good;
+}
+
+// Trials from mixtures of two phases of an answer, on both roots: what lies between them, or close to one.
+bool trials_between(Flash& f, const Reference& ref, const double* a, const double* b) {
+  for (const double part : kBetween) {
+    for (int i = 0; i < f.m.ld; ++i) f.dry[i] = (1.0 - part) * a[i] + part * b[i];
+    f.trial.Z = 0.0;
+    f.status = fugacity(f.m, f.dry, Kind::stable, f.trial.ln_phi, nullptr, f.trial.Z);
+    if (f.status != KV_OK) return false;
+    for (int i = 0; i < f.m.n; ++i) f.trial.log_w[i] = ref.d[i] - f.trial.ln_phi[i];
+    if (!run_trial(f, ref, liquid_kind(f)) || !other_root_trial(f, ref, f.dry)) return false;
+  }
+  return true;
+}
+
 // Near-pure trials: the component that Wilson's coefficients favour most, light gases, water, the heaviest.
 bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
   const int n = f.m.n;
@@ -69,8 +97,16 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
       favoured = i;
     }
   }
-  for (int j = 0; j < n; ++j) {
-    if (!(f.it.z[j] > 0.0)) continue;
+  for (int k = water >= 0 ? -1 : 0; k < n; ++k) {
+    const int j = k < 0 ? water : k;  // water first
+    if (!(f.it.z[j] > 0.0) || (j == water && k >= 0)) continue;
+    if (f.thorough()) {
+      f.status = start_near_pure(f.m, ref, j, f.trial);
+      if (f.status != KV_OK || !run_trial(f, ref, liquid_kind(f))) return false;
+      for (int i = 0; i < n; ++i) f.dry[i] = i == j ? 1.0 : 0.0;
+      if (!other_root_trial(f, ref, f.dry)) return false;
+      continue;
+    }
     if (!(j == heaviest || j == favoured || j == water || Tc[j] < kLightGas || Pc[j] > kCohesive)) continue;
     // Above its critical temperature a component that a phase consists of has no second phase of its own.
     if (f.call.T > Tc[j] && (ref.z[j] > 0.5 || (ref.other != nullptr && ref.other[j] > 0.5))) continue;
@@ -220,6 +256,7 @@ bool test_feed(Flash& f) {
   if (f.feed_kind == Kind::liquid && f.trial.end == TrialEnd::trivial) {
     if (!start_trial(f, ref, kIdealGas) || !run_trial(f, ref, vapour_kind(f))) return false;
   }
+  if (f.thorough() && !other_root_trial(f, ref, f.it.z)) return false;
   return near_pure_trials(f, ref, f.feed_kind == Kind::gas);
 }
 
@@ -232,6 +269,8 @@ bool test_answer(Flash& f, bool& stable) {
     const bool of_y = vapour || f.it.y[i] > f.it.x[i];
     f.answer_d[i] = of_y ? support::fast_log(f.it.y[i]) + f.it.ln_phi_y[i]
                          : support::fast_log(f.it.x[i]) + f.it.ln_phi_x[i];
+    if (f.third.x != nullptr && f.third.x[i] > std::max(f.it.x[i], f.it.y[i]))
+      f.answer_d[i] = support::fast_log(f.third.x[i]) + f.third.ln_phi[i];
   }
   f.have_lowest = false;
   f.how = vapour ? Follow::strict : Follow::quick;
@@ -241,16 +280,23 @@ bool test_answer(Flash& f, bool& stable) {
     // The liquid and the gas that the vapour would form, whether there is water beside it or not.
     if (!wilson_trials(f, {f.it.y, f.answer_d})) return false;
   } else {
-    const Reference plane{f.it.x, f.answer_d, f.it.y};
-    const bool have_gas = kind_of(f, f.it.y, f.it.Zy) == Kind::gas || kind_of(f, f.it.x, f.it.Zx) == Kind::gas;
+    const Reference plane{f.it.x, f.answer_d, f.it.y, nullptr, 0, f.third.x};
+    const bool have_gas = kind_of(f, f.it.y, f.it.Zy) == Kind::gas ||
+                          kind_of(f, f.it.x, f.it.Zx) == Kind::gas ||
+                          (f.third.x != nullptr && kind_of(f, f.third.x, f.third.Z) == Kind::gas);
     if (!start_trial(f, plane, kWilsonLiquid) || !run_trial(f, plane, liquid_kind(f))) return false;
-    if (!have_gas && !f.liquids_only() &&
+    if ((!have_gas || f.thorough()) && !f.liquids_only() &&
         (!start_trial(f, plane, kWilsonVapour) || !run_trial(f, plane, vapour_kind(f))))
       return false;
     if (!near_pure_trials(f, plane, have_gas)) return false;
+    if (f.thorough() && f.third.x == nullptr && !trials_between(f, plane, f.it.y, f.it.x)) return false;
+    if (f.thorough())
+      for (const double* phase : {static_cast<const double*>(f.it.x), static_cast<const double*>(f.it.y), f.third.x})
+        if (phase != nullptr && !other_root_trial(f, plane, phase)) return false;
     // A trial came back to a phase of the answer: that settles it only where the phase is clearly convex.
     if (f.came_back && !(f.have_lowest && f.lowest.tm < kUnstable) &&
-        !(test_curvature(f, plane) && test_curvature(f, {f.it.y, f.answer_d, f.it.x})))
+        !(test_curvature(f, plane) && test_curvature(f, {f.it.y, f.answer_d, f.it.x, nullptr, 0, f.third.x}) &&
+          (f.third.x == nullptr || test_curvature(f, {f.third.x, f.answer_d, f.it.x, nullptr, 0, f.it.y}))))
       return false;
   }
   stable = !(f.have_lowest && f.lowest.tm < (vapour ? kUnstableLiquid : kUnstable));

@@ -2,6 +2,7 @@
 // versions: after the checks of their arguments they return KV_NOT_AVAILABLE and leave the results alone.
 
 #include "flash3/liquid_liquid.hpp"
+#include "flash3/three_phase.hpp"
 #include "frame/exports/flash_wrapper.hpp"
 #include "kestrune/kvgasthermo.h"
 
@@ -9,24 +10,62 @@ namespace {
 
 using namespace kestrune;
 
+// The first unusable argument of a flash, or KV_OK.
+template <class... Pointers>
+StatusCode check_flash(StatusCode first, StatusCode second, const double* z, const MixtureRecord* mixture,
+                       const Pointers*... outputs) {
+  const StatusCode bad = frame::first_failure({first, second, frame::check_pointers(z, mixture, outputs...)});
+  return bad != KV_OK ? bad : frame::check_feed(z, mixture);
+}
+
 template <class... Pointers>
 StatusCode not_available(StatusCode first, StatusCode second, const double* z, const MixtureRecord* mixture,
                          const Pointers*... outputs) {
   return frame::guarded([&]() -> StatusCode {
-    const StatusCode bad = frame::first_failure({first, second, frame::check_pointers(z, mixture, outputs...)});
-    if (bad != KV_OK) return bad;
-    const StatusCode feed = frame::check_feed(z, mixture);
-    return feed != KV_OK ? feed : KV_NOT_AVAILABLE;
+    const StatusCode bad = check_flash(first, second, z, mixture, outputs...);
+    return bad != KV_OK ? bad : KV_NOT_AVAILABLE;
   });
+}
+
+// A phase that vanished is no failure.
+StatusCode hide_vanished(StatusCode status) {
+  return status == KV_LV_ANSWER || status == KV_LL_ANSWER ? StatusCode{KV_OK} : status;
+}
+
+/*
+ * The wrapper of the three-phase flashes: flags byte, water, one retry without free water above water's critical
+ * pressure, and the liquid that is marked moved to B. core() runs the flash with the record as it then stands.
+ */
+template <class Core>
+StatusCode three_phase_wrapper(double P, MixtureRecord& mixture, const flash3::ThreePhaseResult& out,
+                               Core core) {
+  const exports::FlagsKeeper keeper(mixture);
+  const std::int32_t iw = exports::locate_water(mixture);
+  StatusCode status = hide_vanished(core());
+  if (status != KV_OK && exports::free_water(mixture) && P > exports::water_critical_pressure(mixture, iw)) {
+    mixture.flags = 0;
+    status = hide_vanished(core());
+  }
+  if (status == KV_OK || status == KV_LV_ANSWER_DOUBTFUL) flash3::move_marked_liquid(mixture.count, out);
+  return status;
 }
 
 }  // namespace
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
-                                         const ModelRoutines*, int32_t, double* beta, double* V, double* xA,
-                                         double* xB, double* y, double* KLL, double* KLV) {
-  return not_available(frame::check_temperature(T), frame::check_pressure(P), z, mixture, beta, V, xA, xB, y,
-                       KLL, KLV);
+                                         const ModelRoutines* routines, int32_t options, double* beta,
+                                         double* V, double* xA, double* xB, double* y, double* KLL,
+                                         double* KLV) {
+  return frame::guarded([&]() -> StatusCode {
+    const StatusCode bad = check_flash(frame::check_temperature(T), frame::check_pressure(P), z, mixture, beta,
+                                       V, xA, xB, y, KLL, KLV);
+    if (bad != KV_OK) return bad;
+    const flash3::ThreePhaseResult out{beta, V, xA, xB, y, KLL, KLV};
+    return three_phase_wrapper(P, *mixture, out, [&] {
+      return flash3::three_phase_flash(
+          {T, P, z, mixture, routines, exports::free_water(*mixture), (options & 1) != 0, out});
+    });
+  });
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
