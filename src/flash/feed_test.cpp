@@ -24,7 +24,7 @@ constexpr double kUnstableLiquid = -1e-9;
 constexpr double kLiquidReach = 1.25;
 constexpr double kDilutePacking = 0.04;
 // Parts of the second of two phases in the mixtures of them that trials start from.
-constexpr double kBetween[] = {0.03, 0.1, 0.3, 0.6};
+constexpr double kBetween[] = {0.06, 0.15, 0.3, 0.6};
 // Length of a first step along the direction of lowest curvature, in sqrt(W).
 constexpr double kAlong = 0.2;
 constexpr double kGasPacking = 0.5 / eos::kCriticalVolumeRatio;
@@ -54,21 +54,32 @@ bool run_trial(Flash& f, const Reference& ref, Kind kind) {
   return true;
 }
 
+// Trials are followed strictly while this lives.
+class StrictTrials {
+ public:
+  explicit StrictTrials(Flash& f) : f_(f), before_(f.how) { f.how = Follow::strict; }
+  ~StrictTrials() { f_.how = before_; }
+  StrictTrials(const StrictTrials&) = delete;
+  StrictTrials& operator=(const StrictTrials&) = delete;
+
+ private:
+  Flash& f_;
+  Follow before_;
+};
+
 // A trial from a composition [ld] on its other root, where it has one.
 bool other_root_trial(Flash& f, const Reference& ref, const double* w) {
   Kind kind = Kind::liquid;
   bool found = false;
   f.status = start_other_root(f.m, ref, w, f.trial, kind, found);
   if (f.status != KV_OK || !found) return f.status == KV_OK;
-  const Follow how = f.how;
-  f.how = Follow::strict;
-  const bool good = run_trial(f, ref, kind);
-  f.how = how;
-  return good;
+  const StrictTrials strict(f);
+  return run_trial(f, ref, kind);
 }
 
 // Trials from mixtures of two phases of an answer, on both roots: what lies between them, or close to one.
 bool trials_between(Flash& f, const Reference& ref, const double* a, const double* b) {
+  const StrictTrials strict(f);
   for (const double part : kBetween) {
     for (int i = 0; i < f.m.ld; ++i) f.dry[i] = (1.0 - part) * a[i] + part * b[i];
     f.trial.Z = 0.0;

@@ -171,30 +171,34 @@ StatusCode improve(Equilibrium& e) {
 
 }  // namespace
 
-StatusCode open_equilibrium(const EquilibriumCall& call, support::Arena& arena, support::TraceWriter& trace,
-                            Equilibrium& e) {
-  const int n = call.mixture->count;
-  const StatusCode status =
-      flash::make_model(call.T, call.P, call.mixture, call.routines, false, 0, arena, e.m);
-  if (status != KV_OK) return status;
+StatusCode open_equilibrium(const EquilibriumCall& call, int order, support::Arena& arena,
+                            support::TraceWriter& trace, Equilibrium& e) {
+  const int n = call.mixture->count, ld = support::padded(n);
   e.routines = call.routines;
-  const std::size_t ld = e.m.ld;
   for (double** a : {&e.z, &e.x, &e.y, &e.K, &e.cut, &e.added, &e.best_cut}) *a = arena.zeros(ld);
   if (!flash::normalise_feed(n, call.z, e.z)) return KV_COMPOSITION;
   for (int i = 0; i < n; ++i)
     if (e.z[i] < kAbsent) e.z[i] = 0.0;
-  take_phases(arena, e.m.ld, e.p);
-  take_phases(arena, e.m.ld, e.best);
-  take_phases(arena, e.m.ld, e.answer);
-  take_work(arena, n, e.m.ld, e.w);
+  take_phases(arena, ld, e.p);
+  take_phases(arena, ld, e.best);
+  take_phases(arena, ld, e.answer);
+  take_work(arena, n, ld, e.w);
   e.how.settings = flash::copy_settings(*call.mixture);
   e.how.trace = &trace;
-  return KV_OK;
+  e.arena = &arena;
+  e.base = arena.mark();
+  e.order = order;
+  return flash::make_model(call.T, call.P, call.mixture, call.routines, false, order, arena, e.m);
 }
 
-StatusCode move_equilibrium(double T, double P, support::Arena& arena, Equilibrium& e) {
+StatusCode set_conditions(double T, double P, Equilibrium& e) {
+  e.m.P = P;
+  if (T == e.m.T) return KV_OK;
+  e.arena->rewind(e.base);
   const flash::Counts counts = e.m.counts;
-  const StatusCode status = flash::make_model(T, P, e.m.mixture, e.routines, false, 0, arena, e.m);
+  MixtureRecord* const mixture = e.m.mixture;
+  e.m = {};
+  const StatusCode status = flash::make_model(T, P, mixture, e.routines, false, e.order, *e.arena, e.m);
   e.m.counts = counts;
   return status;
 }

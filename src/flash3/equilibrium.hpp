@@ -23,6 +23,9 @@ struct Equilibrium {
   double* cut = nullptr;  // composition of the phase that cuts e.p
   double *added = nullptr, *best_cut = nullptr;  // that of the answer that is improved on, and of the best
   flash::ThirdPhase third;
+  support::Arena* arena = nullptr;  // of the model, which is made again for each temperature
+  support::Arena::Mark base{};
+  int order = 0;
 };
 
 struct EquilibriumCall {
@@ -32,12 +35,15 @@ struct EquilibriumCall {
   const ModelRoutines* routines = nullptr;
 };
 
-/* Prepares a problem without free water. The arena must outlive it; the trace belongs to the caller. */
-StatusCode open_equilibrium(const EquilibriumCall& call, support::Arena& arena, support::TraceWriter& trace,
-                            Equilibrium& e);
+/*
+ * Prepares a problem without free water. The arena must outlive it and is used by no one else afterwards; the trace
+ * belongs to the caller. order 1: with the derivatives in temperature.
+ */
+StatusCode open_equilibrium(const EquilibriumCall& call, int order, support::Arena& arena,
+                            support::TraceWriter& trace, Equilibrium& e);
 
-/* The same problem at another temperature and pressure; arrays taken from the arena stay taken. */
-StatusCode move_equilibrium(double T, double P, support::Arena& arena, Equilibrium& e);
+/* The same problem at another temperature and pressure. Another pressure alone costs nothing. */
+StatusCode set_conditions(double T, double P, Equilibrium& e);
 
 /*
  * Solves from nothing. KV_OK: e.p. KV_FOURTH_PHASE: e.p is the lowest state of three phases, and a fourth would

@@ -240,6 +240,7 @@ StatusCode evaluate_phases(flash::Model& m, const double* z, Phases& p, const Ph
   }
   p.gibbs = p.worst = 0.0;
   for (int i = 0; i < m.n; ++i) {
+    w.home[i] = 0;
     if (!(z[i] > 0.0)) continue;
     int home = 0;
     for (int j = 1; j < p.count; ++j)

@@ -21,29 +21,6 @@ FlashRoutine host_flash(const ThreePhaseCall& c, int entry) {
   return c.routines != nullptr ? reinterpret_cast<FlashRoutine>(c.routines->entry[entry - 1]) : nullptr;
 }
 
-// ---- estimates ----
-
-bool usable_composition(int n, const double* x) {
-  return flash::usable_compositions(n, x, x);
-}
-
-// The phases of an estimate into e.p: two or three of them. False: unusable.
-bool take_estimate(const ThreePhaseCall& c, Equilibrium& e) {
-  const int n = e.m.n;
-  const double amounts[] = {*c.out.beta, 1.0 - *c.out.beta - *c.out.V, *c.out.V};
-  const double* const compositions[] = {c.out.xA, c.out.xB, c.out.y};
-  e.p.count = 0;
-  for (int j = 0; j < kMostPhases; ++j) {
-    if (!(amounts[j] >= 0.0 && amounts[j] <= 1.0)) return false;
-    if (amounts[j] == 0.0) continue;
-    if (!usable_composition(n, compositions[j])) return false;
-    for (int i = 0; i < n; ++i)
-      e.p.x[e.p.count][i] = e.z[i] > 0.0 ? std::max(compositions[j][i], 1e-300) : 0.0;
-    e.p.amount[e.p.count++] = amounts[j];
-  }
-  return e.p.count >= 2;
-}
-
 // ---- the host's own flashes ----
 
 /*
@@ -137,11 +114,11 @@ StatusCode solve(const ThreePhaseCall& c, support::Arena& arena) {
   const flash::Settings settings = flash::copy_settings(*c.mixture);
   support::TraceWriter trace(settings.trace, settings.trace_unit);
   Equilibrium e;
-  StatusCode status = open_equilibrium({c.T, c.P, c.z, c.mixture, c.routines}, arena, trace, e);
+  StatusCode status = open_equilibrium({c.T, c.P, c.z, c.mixture, c.routines}, 0, arena, trace, e);
   if (status != KV_OK) return status;
   if (host_flash(c, KV_ROUTINE_LV_FLASH) != nullptr || host_flash(c, KV_ROUTINE_LL_FLASH) != nullptr)
     return solve_with_host(c, e);
-  const bool given = c.estimate && take_estimate(c, e);
+  const bool given = c.estimate && take_estimate(c.out, e);
   status = given ? find_equilibrium_from(e) : find_equilibrium(e);
   return status != KV_OK ? status : write_phases(e, c.out);
 }
@@ -160,23 +137,33 @@ StatusCode liquid_density(const Equilibrium& e, int j, double& rho) {
   return KV_OK;
 }
 
+// The least densely packed phase last.
+void put_lightest_last(Equilibrium& e) {
+  Phases& p = e.p;
+  const int last = p.count - 1;
+  for (int j = 0; j < last; ++j)
+    if (flash::lighter(*e.m.mixture, p.x[j], p.Z[j], p.x[last], p.Z[last])) exchange_phases(p, j, last);
+}
+
+// The lighter of the first two phases before the denser one.
+StatusCode order_liquids(Equilibrium& e) {
+  double first = 0.0, second = 0.0;
+  StatusCode status = liquid_density(e, 0, first);
+  if (status == KV_OK) status = liquid_density(e, 1, second);
+  if (status == KV_OK && second < first) exchange_phases(e.p, 0, 1);
+  return status;
+}
+
 // Puts the vapour last when there is one, and the lighter liquid before the denser one. liquids: their number.
 StatusCode order_phases(Equilibrium& e, int& liquids) {
   Phases& p = e.p;
   const MixtureRecord& r = *e.m.mixture;
-  for (int j = 0; j + 1 < p.count; ++j)
-    if (flash::lighter(r, p.x[j], p.Z[j], p.x[p.count - 1], p.Z[p.count - 1]))
-      exchange_phases(p, j, p.count - 1);
+  put_lightest_last(e);
   const int last = p.count - 1;
   const bool vapour = p.count == kMostPhases ||
                       (p.count == 1 ? e.gas : is_gas(r, e.m.T, e.m.P, p.x[last], p.Z[last]));
   liquids = vapour ? p.count - 1 : p.count;
-  if (liquids < 2) return KV_OK;
-  double first = 0.0, second = 0.0;
-  StatusCode status = liquid_density(e, 0, first);
-  if (status == KV_OK) status = liquid_density(e, 1, second);
-  if (status == KV_OK && second < first) exchange_phases(p, 0, 1);
-  return status;
+  return liquids < 2 ? StatusCode{KV_OK} : order_liquids(e);
 }
 
 // Ratios of two phases by composition, and where both hold next to nothing by their fugacity coefficients.
@@ -233,6 +220,28 @@ StatusCode write_liquids(Equilibrium& e, const ThreePhaseResult& out) {
 
 }  // namespace
 
+bool take_estimate(const ThreePhaseResult& given, Equilibrium& e) {
+  const int n = e.m.n;
+  const double amounts[] = {*given.beta, 1.0 - *given.beta - *given.V, *given.V};
+  const double* const compositions[] = {given.xA, given.xB, given.y};
+  e.p.count = 0;
+  for (int j = 0; j < kMostPhases; ++j) {
+    if (!(amounts[j] >= 0.0 && amounts[j] <= 1.0)) return false;
+    if (amounts[j] == 0.0) continue;
+    if (!flash::usable_compositions(n, compositions[j], compositions[j])) return false;
+    for (int i = 0; i < n; ++i)
+      e.p.x[e.p.count][i] = e.z[i] > 0.0 ? std::max(compositions[j][i], 1e-300) : 0.0;
+    e.p.amount[e.p.count++] = amounts[j];
+  }
+  return e.p.count >= 2;
+}
+
+StatusCode check_sum(const double* z, const MixtureRecord& mixture) noexcept {
+  double sum = 0.0;
+  for (int i = 0; i < mixture.count; ++i) sum += z[i];
+  return std::fabs(sum - 1.0) <= flash::sum_tolerance(mixture) ? KV_OK : KV_FEED_SUM;
+}
+
 StatusCode write_phases(Equilibrium& e, const ThreePhaseResult& out) {
   int liquids = 0;
   const StatusCode status = order_phases(e, liquids);
@@ -247,6 +256,29 @@ StatusCode write_phases(Equilibrium& e, const ThreePhaseResult& out) {
   write_composition(e, p.x[kV], out.y);
   ratios(e, kA, kB, out.KLL);
   ratios(e, kV, kA, out.KLV);
+  return KV_OK;
+}
+
+StatusCode write_quality_phases(Equilibrium& e, double W, const ThreePhaseResult& out) {
+  Phases& p = e.p;
+  const int n = e.m.n;
+  put_lightest_last(e);  // the vapour, whatever it would be called alone
+  const StatusCode status = p.count == kMostPhases ? order_liquids(e) : StatusCode{KV_OK};
+  if (status != KV_OK) return status;
+  const int vapour = p.count - 1;
+  *out.V = W;
+  write_composition(e, p.x[vapour], out.y);
+  write_composition(e, p.x[0], out.xA);
+  ratios(e, vapour, 0, out.KLV);
+  if (p.count == 2) {
+    *out.beta = 1.0;
+    std::fill_n(out.xB, n, 0.0);
+    std::fill_n(out.KLL, n, 0.0);
+    return KV_LV_ANSWER;
+  }
+  *out.beta = p.amount[kA];
+  write_composition(e, p.x[kB], out.xB);
+  ratios(e, kA, kB, out.KLL);
   return KV_OK;
 }
 
@@ -283,6 +315,15 @@ bool split_free_water(const LiquidVapour& a, const ThreePhaseResult& out) {
   return true;
 }
 
+void keep_incipient_vapour(int n, const double* y, const ThreePhaseResult& out) {
+  const bool in_A = *out.beta > 0.0;
+  for (int i = 0; i < n; ++i) {
+    const double liquid = in_A ? out.xA[i] : out.xB[i];
+    out.y[i] = y[i] < kAbsent ? 0.0 : y[i];
+    out.KLV[i] = std::clamp(liquid < kAbsent ? kLargestK : y[i] / liquid, kSmallestK, kLargestK);
+  }
+}
+
 void move_marked_liquid(int n, const ThreePhaseResult& out) {
   if (!(*out.V > 0.0) || *out.beta != 1.0) return;
   *out.beta = 0.0;
@@ -291,9 +332,7 @@ void move_marked_liquid(int n, const ThreePhaseResult& out) {
 
 StatusCode three_phase_flash(const ThreePhaseCall& c) {
   const int n = c.mixture->count;
-  double sum = 0.0;
-  for (int i = 0; i < n; ++i) sum += c.z[i];
-  if (!(std::fabs(sum - 1.0) <= flash::sum_tolerance(*c.mixture))) return KV_FEED_SUM;
+  if (const StatusCode bad = check_sum(c.z, *c.mixture); bad != KV_OK) return bad;
   return support::with_arena<10, 80>(n, [&](support::Arena& arena) { return solve(c, arena); });
 }
 

@@ -1,0 +1,269 @@
+// The two-phase flash goes first. Where its answer is cut by a third phase, the equilibrium there tells which phases
+// there are, Newton's method at these phases finds where the vapour has its part, and the stability test confirms it.
+// Equilibria on both sides close a bracket when that does not lead at once to the end.
+
+#include "flash3/three_quality.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "flash/pure_saturation.hpp"
+#include "flash3/specified.hpp"
+#include "flash3/three_free_water.hpp"
+
+namespace kestrune::flash3 {
+namespace {
+
+constexpr int kMostStates = 60, kMostDropped = 2;
+constexpr double kFirstStep = 0.004, kMostStep = 0.1;  // in ln of the unknown
+constexpr double kClosed = 1e-12;                    // width of a bracket that is an answer
+constexpr double kDefaultT = 298.15, kDefaultP = 1.0;
+constexpr double kLowestT = 3.0, kHighestT = 10000.0, kLowestP = 1e-8, kHighestP = 1e5;
+
+struct Search {
+  const ThreeQualityCall& call;
+  Equilibrium e;
+  Specified s;
+  double W = 0.0;
+  bool of_T = true;
+  double u = 0.0;  // the unknown
+  StatusCode status = KV_OK, state_status = KV_OK;
+  Phases incipient;  // the phases of the answer with the one of no amount
+};
+
+double T_of(const Search& q, double u) {
+  return q.of_T ? u : q.call.given;
+}
+double P_of(const Search& q, double u) {
+  return q.of_T ? q.call.given : u;
+}
+
+bool move_to(Search& q, double u) {
+  q.u = u;
+  q.status = set_conditions(T_of(q, u), P_of(q, u), q.e);
+  return q.status == KV_OK;
+}
+
+// Index of the vapour in e.p, -1 without one.
+int find_vapour(const Search& q) {
+  const Phases& p = q.e.p;
+  const MixtureRecord& r = *q.call.mixture;
+  int lightest = 0;
+  for (int j = 1; j < p.count; ++j)
+    if (flash::lighter(r, p.x[j], p.Z[j], p.x[lightest], p.Z[lightest])) lightest = j;
+  if (p.count == kMostPhases) return lightest;
+  if (p.count == 1) return q.e.gas ? 0 : -1;
+  return is_gas(r, q.e.m.T, q.e.m.P, p.x[lightest], p.Z[lightest]) ? lightest : -1;
+}
+
+// The equilibrium at u and its vapour less W; at the ends a whole phase that is not there counts as beyond.
+bool state_at(Search& q, double u, double& f) {
+  if (!move_to(q, u)) return false;
+  q.state_status = find_equilibrium(q.e);
+  if (q.state_status != KV_OK && q.state_status != KV_FOURTH_PHASE) {
+    q.status = q.state_status;
+    return false;
+  }
+  const int v = find_vapour(q);
+  const double V = v < 0 ? 0.0 : q.e.p.amount[v];
+  f = V - q.W;
+  if (q.W == 0.0 && V == 0.0) f = -1.0;
+  if (q.W == 1.0 && v >= 0 && q.e.p.count == 1) f = 1.0;
+  return true;
+}
+
+// Newton at the phases of e.p from u, of which one is vapour; without those that end with less than nothing. True:
+// e.p at q.u is a solution.
+bool solve_at_phases(Search& q, double u) {
+  q.s.T = T_of(q, u);
+  q.s.P = P_of(q, u);
+  for (int dropped = 0; dropped <= kMostDropped && q.e.p.count > 1; ++dropped) {
+    const int v = find_vapour(q);
+    if (v < 0) return false;
+    Phases& p = q.e.p;
+    q.s.vapour = v;
+    // The amounts as they are wanted.
+    const double others = 1.0 - p.amount[v];
+    for (int j = 0; j < p.count; ++j)
+      p.amount[j] = j == v ? q.W : others > 0.0 ? p.amount[j] / others * (1.0 - q.W) : (1.0 - q.W) / (p.count - 1);
+    StatusCode status = KV_OK;
+    const Found found = solve_specified(q.s, status);
+    q.u = q.of_T ? q.s.T : q.s.P;
+    if (found == Found::yes) return true;
+    if (found != Found::negative) return false;
+    int least = 0;
+    for (int j = 1; j < p.count; ++j)
+      if (p.amount[j] < p.amount[least]) least = j;
+    p.amount[least] = 0.0;
+    for (int j = 0; j < p.count; ++j) p.amount[j] = std::max(p.amount[j], 1e-3);
+    drop_phase(p, least);
+  }
+  return false;
+}
+
+// Whether nothing cuts the solution that was just found.
+bool confirm(Search& q) {
+  if (!move_to(q, q.u)) return false;
+  q.status = evaluate_phases(q.e.m, q.e.z, q.e.p, q.e.w, false);
+  if (q.status != KV_OK) return false;
+  copy_phases(q.e.p, q.incipient, q.e.m.ld);
+  q.status = test_equilibrium(q.e);
+  return q.status == KV_OK && !q.e.third.found;
+}
+
+// A phase that is about to appear beside a state of one phase or two liquids: vapour at a bubble point, liquid at a
+// dew point. It comes from the state on the other side of the bracket.
+bool solve_with(Search& q, const Phases& state, double u) {
+  copy_phases(state, q.e.p, q.e.m.ld);
+  if (!move_to(q, u)) return false;
+  return solve_at_phases(q, u) && confirm(q);
+}
+
+// From the first guess of the unknown, outwards to a bracket, then inwards.
+StatusCode search(Search& q, Phases& low, Phases& high) {
+  // The vapour's part rises with temperature and falls with pressure, as a rule.
+  const double rising = q.of_T ? 1.0 : -1.0;
+  double f = 0.0, below = 0.0, above = 0.0;  // unknowns of states with too little and too much vapour
+  bool have_below = false, have_above = false;
+  double step = kFirstStep, u = q.u;
+  const double least = q.of_T ? kLowestT : kLowestP, most = q.of_T ? kHighestT : kHighestP;
+  for (int k = 0; k < kMostStates; ++k) {
+    if (!state_at(q, u, f)) return q.status;
+    if (f == 0.0) return q.state_status;
+    const bool little = f < 0.0;
+    (little ? below : above) = u;
+    (little ? have_below : have_above) = true;
+    copy_phases(q.e.p, little ? low : high, q.e.m.ld);
+    if (q.e.p.count > 1 && find_vapour(q) >= 0 && solve_at_phases(q, u) && confirm(q)) return KV_OK;
+    if (!have_below || !have_above) {
+      u = std::clamp(u * std::exp((little ? rising : -rising) * step), least, most);
+      step = std::min(2.0 * step, kMostStep);
+      if (u <= least || u >= most) return KV_NO_SATURATION;
+      continue;
+    }
+    if (std::fabs(below - above) <= kClosed * above) break;
+    // Between the two: the phases of the side that has both.
+    if (low.count > 1 && solve_with(q, low, below)) return KV_OK;
+    if (high.count > 1 && solve_with(q, high, above)) return KV_OK;
+    u = std::sqrt(below * above);
+  }
+  return have_below && have_above ? KV_NO_SATURATION : KV_NOT_CONVERGED;
+}
+
+// The answer of the two-phase flash into e.p. KV_OK, or why there is none.
+StatusCode two_phase_point(Search& q) {
+  const ThreeQualityCall& c = q.call;
+  Equilibrium& e = q.e;
+  double unknown = *c.unknown;
+  const StatusCode status = flash::quality_flash({c.find, q.W, c.given, e.z, c.mixture, c.routines, false, true,
+                                                  &unknown, e.x, e.y, e.K, nullptr});
+  if (status != KV_OK && status != KV_UNSTABLE_POINT) return status;
+  q.u = unknown;
+  e.p.count = 2;
+  std::copy_n(e.x, e.m.n, e.p.x[0]);
+  std::copy_n(e.y, e.m.n, e.p.x[1]);
+  e.p.amount[0] = 1.0 - q.W;
+  e.p.amount[1] = q.W;
+  e.p.Z[0] = e.p.Z[1] = 0.0;
+  return KV_OK;
+}
+
+// Newton's method finishes the two-phase point, which then is tested as an answer of two phases or more.
+bool accept_two_phases(Search& q) {
+  if (!move_to(q, q.u)) return false;
+  q.status = evaluate_phases(q.e.m, q.e.z, q.e.p, q.e.w, false);
+  if (q.status != KV_OK) return false;
+  copy_phases(q.e.p, q.incipient, q.e.m.ld);
+  q.status = test_equilibrium(q.e);
+  return q.status == KV_OK && !q.e.third.found;
+}
+
+// The phases with the incipient one among them, in their places.
+StatusCode write_answer(Search& q, StatusCode found) {
+  const ThreeQualityCall& c = q.call;
+  copy_phases(q.incipient, q.e.p, q.e.m.ld);
+  *c.unknown = q.u;
+  const StatusCode written = write_quality_phases(q.e, q.W, c.out);
+  return found == KV_OK ? written : found;
+}
+
+// Solutions start from where the caller or the two-phase flash says.
+StatusCode solve(Search& q, Phases& low, Phases& high) {
+  const ThreeQualityCall& c = q.call;
+  const bool given = c.estimate && *c.unknown > 0.0 && take_estimate(c.out, q.e);
+  if (given) {
+    q.u = *c.unknown;
+    if (move_to(q, q.u) && evaluate_phases(q.e.m, q.e.z, q.e.p, q.e.w, false) == KV_OK &&
+        solve_at_phases(q, q.u) && confirm(q))
+      return KV_OK;
+  }
+  const StatusCode status = two_phase_point(q);
+  if (status == KV_OK) {
+    if (accept_two_phases(q)) return KV_OK;
+    if (q.status != KV_OK) return q.status;
+  } else if (status > KV_STATUS_CALL_BLOCK) {
+    return status;
+  } else {
+    q.u = *c.unknown > 0.0 ? *c.unknown : q.of_T ? kDefaultT : kDefaultP;
+  }
+  return search(q, low, high);
+}
+
+// ---- a single component ----
+
+StatusCode single_component(const ThreeQualityCall& c) {
+  const int n = c.mixture->count;
+  return support::with_arena<0, 6>(n, [&](support::Arena& arena) {
+    double *const x = arena.zeros(n), *const y = arena.zeros(n), *const K = arena.zeros(n);
+    double unknown = *c.unknown;
+    const double W = std::clamp(c.W, 0.0, 1.0);
+    const StatusCode status = flash::quality_flash(
+        {c.find, W, c.given, c.z, c.mixture, c.routines, c.free_water, true, &unknown, x, y, K, nullptr});
+    if (status != KV_OK) return status;
+    *c.unknown = unknown;
+    *c.out.V = W;
+    *c.out.beta = 1.0;
+    for (int i = 0; i < n; ++i) {
+      c.out.xA[i] = x[i];
+      c.out.y[i] = y[i];
+      c.out.KLV[i] = K[i];
+      c.out.xB[i] = c.out.KLL[i] = 0.0;
+    }
+    return StatusCode{KV_LV_ANSWER};
+  });
+}
+
+StatusCode with_search(const ThreeQualityCall& c, support::Arena& arena, support::Arena& model_arena) {
+  const int n = c.mixture->count, ld = support::padded(n);
+  support::TraceWriter silent(false, 0);
+  Search q{c, {}, {}, 0.0, true, 0.0, KV_OK, KV_OK, {}};
+  q.W = std::clamp(c.W, 0.0, 1.0);
+  q.of_T = c.find == flash::Find::temperature;
+  q.s.e = &q.e;
+  q.s.what = Specify::vapour;
+  q.s.wanted = q.W;
+  q.s.find_pressure = !q.of_T;
+  take_specified(arena, n, ld, q.s);
+  Phases low, high;
+  for (Phases* p : {&low, &high, &q.incipient}) take_phases(arena, ld, *p);
+  const double start = *c.unknown > 0.0 ? *c.unknown : q.of_T ? kDefaultT : kDefaultP;
+  const StatusCode opened = open_equilibrium(
+      {T_of(q, start), P_of(q, start), c.z, c.mixture, c.routines}, 1, model_arena, silent, q.e);
+  if (opened != KV_OK) return opened;
+  const StatusCode status = solve(q, low, high);
+  return status == KV_OK || status == KV_FOURTH_PHASE ? write_answer(q, status) : status;
+}
+
+}  // namespace
+
+StatusCode three_quality_flash(const ThreeQualityCall& c) {
+  const int n = c.mixture->count;
+  if (const StatusCode bad = check_sum(c.z, *c.mixture); bad != KV_OK) return bad;
+  if (flash::single_component(n, c.z, flash::pure_tolerance(*c.mixture)) >= 0) return single_component(c);
+  if (c.free_water) return three_quality_free_water(c);
+  return support::with_arena<6, 60>(n, [&](support::Arena& arena) {
+    return support::with_arena<12, 80>(n, [&](support::Arena& model) { return with_search(c, arena, model); });
+  });
+}
+
+}  // namespace kestrune::flash3
