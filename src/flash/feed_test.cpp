@@ -24,7 +24,7 @@ constexpr double kUnstableLiquid = -1e-9;
 constexpr double kLiquidReach = 1.25;
 constexpr double kDilutePacking = 0.04;
 // Parts of the second of two phases in the mixtures of them that trials start from.
-constexpr double kBetween[] = {0.06, 0.15, 0.3, 0.6};
+constexpr double kBetween[] = {0.1, 0.25, 0.5, 0.75};
 // Length of a first step along the direction of lowest curvature, in sqrt(W).
 constexpr double kAlong = 0.2;
 constexpr double kGasPacking = 0.5 / eos::kCriticalVolumeRatio;
@@ -81,7 +81,14 @@ bool other_root_trial(Flash& f, const Reference& ref, const double* w) {
 bool trials_between(Flash& f, const Reference& ref, const double* a, const double* b) {
   const StrictTrials strict(f);
   for (const double part : kBetween) {
-    for (int i = 0; i < f.m.ld; ++i) f.dry[i] = (1.0 - part) * a[i] + part * b[i];
+    double sum = 0.0;
+    for (int i = 0; i < f.m.ld; ++i) {
+      f.dry[i] = a[i] > 0.0 && b[i] > 0.0
+                     ? support::fast_exp((1.0 - part) * support::fast_log(a[i]) + part * support::fast_log(b[i]))
+                     : 0.0;
+      sum += f.dry[i];
+    }
+    for (int i = 0; i < f.m.ld; ++i) f.dry[i] /= sum;
     f.trial.Z = 0.0;
     f.status = fugacity(f.m, f.dry, Kind::stable, f.trial.ln_phi, nullptr, f.trial.Z);
     if (f.status != KV_OK) return false;

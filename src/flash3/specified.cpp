@@ -13,9 +13,10 @@ namespace {
 constexpr int kMostSteps = 30;
 constexpr double kFinished = 1e-11;       // residuals, and the last step in ln T or ln P
 constexpr double kOwed = 1e-9;            // residuals where rounding ends the iteration
-constexpr double kNegative = -1e-9;       // amount that is not there
+constexpr double kNegative = -1e-13;      // amount that is not there
 constexpr double kMostLogK = 2.0, kMostLogT = 0.05, kMostLogP = 0.4;  // change in one step
 constexpr double kMostAmount = 0.7;
+constexpr double kFarT = 2.0, kFarP = 50.0;
 constexpr double kSame = 1e-10;           // sum of (x - y)^2/(x + y) of phases that are one
 constexpr double kResidualR = eos::kR * eos::kCalPerCm3Atm;  // cal/(mol K)
 
@@ -256,8 +257,10 @@ bool some_are_one(const Specified& s) {
   return false;
 }
 
-bool in_range(const Specified& s) {
-  return s.T > flash::kColdest && s.T < flash::kHottest && s.P > 1e-12 && s.P < 1e6;
+// Not too far from where it began: what runs away does not come back.
+bool in_range(const Specified& s, double T, double P) {
+  return s.T > std::max(T / kFarT, flash::kColdest) && s.T < std::min(T * kFarT, flash::kHottest) &&
+         s.P > P / kFarP && s.P < P * kFarP;
 }
 
 Found solve_single(Specified& s, StatusCode& status) {
@@ -269,7 +272,7 @@ Found solve_single(Specified& s, StatusCode& status) {
     const double step = (s.wanted - v.total) / v.slope;
     const double change = std::clamp(step, -0.2 * s.T, 0.2 * s.T);
     s.T += change;
-    if (!in_range(s)) return Found::no;
+    if (!(s.T > flash::kColdest && s.T < flash::kHottest)) return Found::no;
     if (std::fabs(change) <= 1e-9 * s.T) return Found::yes;
   }
   return Found::no;
@@ -307,6 +310,7 @@ Found solve_specified(Specified& s, StatusCode& status) {
   start_coefficients(s);
   if (!split(s)) return Found::no;
   const int size = order_of(e.p, e.m.n);
+  const double T = s.T, P = s.P;
   Values v;
   double before = 1e300;
   for (int k = 0; k < kMostSteps; ++k) {
@@ -325,7 +329,7 @@ Found solve_specified(Specified& s, StatusCode& status) {
     const bool finished = worst <= kFinished && last <= kFinished && off <= 1e-9;
     const bool rounding = worst <= kOwed && last <= kOwed && worst >= before;
     before = worst;
-    if (!take(s, bounded(s)) || !in_range(s)) return Found::no;
+    if (!take(s, bounded(s)) || !in_range(s, T, P)) return Found::no;
     if (finished || rounding) return judge(s);
   }
   return Found::no;

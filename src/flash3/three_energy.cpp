@@ -23,6 +23,7 @@ constexpr double kDefaultTemperature = 298.15;
 constexpr double kPlausibleLow = 60.0, kPlausibleHigh = 2000.0;  // estimates outside are not started from
 constexpr int kMostStates = 80, kMostDropped = 2, kRetreats = 6;
 constexpr double kReached = 1e-11;         // of the value's size
+constexpr double kNear = 1e-9;             // relative change of T that is left of a single phase
 constexpr double kSameTemperature = 1e-13;  // relative width of a bracket that is an answer
 constexpr double kAlike = 1e-3;            // sum of (x - y)^2/(x + y) of one phase seen from two sides
 constexpr double kJump = 1e-6;             // in R T or R: a bracket without width may hide no more
@@ -125,6 +126,7 @@ bool solve_at_phases(Search& q, double T) {
     p.amount[least] = 0.0;
     for (int j = 0; j < p.count; ++j) p.amount[j] = std::max(p.amount[j], 1e-3);
     drop_phase(p, least);
+    if (p.count == 1) std::copy_n(q.e.z, q.e.m.ld, p.x[0]);
     q.s.T = std::clamp(q.s.T, 0.9 * T, 1.1 * T);
   }
   return false;
@@ -140,8 +142,7 @@ bool confirm(Search& q) {
   const int count = q.e.p.count;
   if (count == 1) {
     // The flash at this temperature tells; the value is that of the same phase.
-    if (!state_at(q, q.s.T, false)) return false;
-    return q.e.p.count == 1;
+    return state_at(q, q.s.T, false) && q.e.p.count == 1 && std::fabs(off(q)) <= kNear * q.s.T * q.slope;
   }
   q.status = test_equilibrium(q.e);
   if (q.status != KV_OK) return false;

@@ -15,10 +15,12 @@ namespace kestrune::flash3 {
 namespace {
 
 constexpr int kMostStates = 60, kMostDropped = 2;
-constexpr double kFirstStep = 0.004, kMostStep = 0.1;  // in ln of the unknown
+constexpr int kMostWalks = 16, kMostDetours = 3, kMostFailedWalks = 3, kMostHalvings = 45;
+constexpr double kShortestWalk = 1e-4, kShorter = 0.3;
+constexpr double kFirstStep = 0.02, kLongestStepT = 0.12, kLongestStepP = 0.7;  // in ln of the unknown
 constexpr double kClosed = 1e-12;                    // width of a bracket that is an answer
 constexpr double kDefaultT = 298.15, kDefaultP = 1.0;
-constexpr double kLowestT = 3.0, kHighestT = 10000.0, kLowestP = 1e-8, kHighestP = 1e5;
+constexpr double kLowestT = 20.0, kHighestT = 3000.0, kLowestP = 1e-8, kHighestP = 1e4;
 
 struct Search {
   const ThreeQualityCall& call;
@@ -29,6 +31,7 @@ struct Search {
   double u = 0.0;  // the unknown
   StatusCode status = KV_OK, state_status = KV_OK;
   Phases incipient;  // the phases of the answer with the one of no amount
+  Phases reached;    // where a walk has got to
 };
 
 double T_of(const Search& q, double u) {
@@ -72,9 +75,10 @@ bool state_at(Search& q, double u, double& f) {
   return true;
 }
 
-// Newton at the phases of e.p from u, of which one is vapour; without those that end with less than nothing. True:
-// e.p at q.u is a solution.
-bool solve_at_phases(Search& q, double u) {
+// Newton at the phases of e.p from u for a part W of vapour, which is one of them; without those that end with less
+// than nothing. True: e.p at q.u is a solution.
+bool solve_at_phases(Search& q, double u, double W) {
+  q.s.wanted = W;
   q.s.T = T_of(q, u);
   q.s.P = P_of(q, u);
   for (int dropped = 0; dropped <= kMostDropped && q.e.p.count > 1; ++dropped) {
@@ -85,7 +89,7 @@ bool solve_at_phases(Search& q, double u) {
     // The amounts as they are wanted.
     const double others = 1.0 - p.amount[v];
     for (int j = 0; j < p.count; ++j)
-      p.amount[j] = j == v ? q.W : others > 0.0 ? p.amount[j] / others * (1.0 - q.W) : (1.0 - q.W) / (p.count - 1);
+      p.amount[j] = j == v ? W : others > 0.0 ? p.amount[j] / others * (1.0 - W) : (1.0 - W) / (p.count - 1);
     StatusCode status = KV_OK;
     const Found found = solve_specified(q.s, status);
     q.u = q.of_T ? q.s.T : q.s.P;
@@ -101,53 +105,128 @@ bool solve_at_phases(Search& q, double u) {
   return false;
 }
 
+// Whether the phase that has the part W is the least densely packed one: beyond a critical point it is not.
+bool vapour_has_its_part(const Search& q) {
+  const Phases& p = q.e.p;
+  int lightest = 0;
+  for (int j = 1; j < p.count; ++j)
+    if (flash::lighter(*q.call.mixture, p.x[j], p.Z[j], p.x[lightest], p.Z[lightest])) lightest = j;
+  return std::fabs(p.amount[lightest] - q.W) <= 1e-9;
+}
+
 // Whether nothing cuts the solution that was just found.
 bool confirm(Search& q) {
   if (!move_to(q, q.u)) return false;
   q.status = evaluate_phases(q.e.m, q.e.z, q.e.p, q.e.w, false);
-  if (q.status != KV_OK) return false;
+  if (q.status != KV_OK || !vapour_has_its_part(q)) return false;
   copy_phases(q.e.p, q.incipient, q.e.m.ld);
   q.status = test_equilibrium(q.e);
   return q.status == KV_OK && !q.e.third.found;
 }
 
-// A phase that is about to appear beside a state of one phase or two liquids: vapour at a bubble point, liquid at a
-// dew point. It comes from the state on the other side of the bracket.
-bool solve_with(Search& q, const Phases& state, double u) {
-  copy_phases(state, q.e.p, q.e.m.ld);
-  if (!move_to(q, u)) return false;
-  return solve_at_phases(q, u) && confirm(q);
+/*
+ * From the equilibrium e.p at u, which has vapour and liquid, along the line of these phases to where the vapour has
+ * its part: at once, or in shorter and shorter steps. True: e.p at q.u is that point.
+ */
+bool walk_to_fraction(Search& q, double u) {
+  const int v = find_vapour(q);
+  if (v < 0 || q.e.p.count < 2) return false;
+  double from = q.e.p.amount[v], goal = q.W;
+  copy_phases(q.e.p, q.reached, q.e.m.ld);
+  for (int k = 0; k < kMostWalks && (k == 0 || std::fabs(goal - from) > kShortestWalk); ++k) {
+    if (solve_at_phases(q, u, goal)) {
+      if (goal == q.W) return true;
+      from = goal;
+      u = q.u;
+      copy_phases(q.e.p, q.reached, q.e.m.ld);
+      goal = q.W;
+    } else {
+      copy_phases(q.reached, q.e.p, q.e.m.ld);
+      goal = from + kShorter * (goal - from);
+    }
+  }
+  return false;
 }
 
-// From the first guess of the unknown, outwards to a bracket, then inwards.
-StatusCode search(Search& q, Phases& low, Phases& high) {
-  // The vapour's part rises with temperature and falls with pressure, as a rule.
-  const double rising = q.of_T ? 1.0 : -1.0;
-  double f = 0.0, below = 0.0, above = 0.0;  // unknowns of states with too little and too much vapour
+// Unknowns between which the part of the vapour is crossed.
+struct Sides {
+  double below = 0.0, above = 0.0;  // of states with too little and too much vapour
   bool have_below = false, have_above = false;
-  double step = kFirstStep, u = q.u;
-  const double least = q.of_T ? kLowestT : kLowestP, most = q.of_T ? kHighestT : kHighestP;
-  for (int k = 0; k < kMostStates; ++k) {
-    if (!state_at(q, u, f)) return q.status;
-    if (f == 0.0) return q.state_status;
-    const bool little = f < 0.0;
-    (little ? below : above) = u;
-    (little ? have_below : have_above) = true;
-    copy_phases(q.e.p, little ? low : high, q.e.m.ld);
-    if (q.e.p.count > 1 && find_vapour(q) >= 0 && solve_at_phases(q, u) && confirm(q)) return KV_OK;
-    if (!have_below || !have_above) {
-      u = std::clamp(u * std::exp((little ? rising : -rising) * step), least, most);
-      step = std::min(2.0 * step, kMostStep);
-      if (u <= least || u >= most) return KV_NO_SATURATION;
-      continue;
-    }
-    if (std::fabs(below - above) <= kClosed * above) break;
-    // Between the two: the phases of the side that has both.
-    if (low.count > 1 && solve_with(q, low, below)) return KV_OK;
-    if (high.count > 1 && solve_with(q, high, above)) return KV_OK;
-    u = std::sqrt(below * above);
+  bool closed() const { return have_below && have_above; }
+  void add(double u, double f) {
+    (f < 0.0 ? below : above) = u;
+    (f < 0.0 ? have_below : have_above) = true;
   }
-  return have_below && have_above ? KV_NO_SATURATION : KV_NOT_CONVERGED;
+};
+
+// A state at u: into the sides, and the place to walk from when it has both vapour and liquid.
+enum class Step { solved, missed, failed };
+Step look_at(Search& q, Sides& sides, double u, int& walks, double& f) {
+  if (!state_at(q, u, f)) return Step::failed;
+  sides.add(u, f);
+  // A walk that leads nowhere costs more than the state: there are few of them.
+  for (int detour = 0; detour < kMostDetours && walks > 0; ++detour) {
+    if (!walk_to_fraction(q, q.u)) {
+      if (find_vapour(q) >= 0 && q.e.p.count > 1) --walks;
+      return Step::missed;
+    }
+    const double there = q.u;
+    if (confirm(q)) return Step::solved;
+    // What is there instead is the next state to walk from.
+    if (!state_at(q, there, f)) return Step::missed;
+    sides.add(there, f);
+  }
+  return Step::missed;
+}
+
+// From the first guess of the unknown outwards to both sides, until its vapour is crossed.
+StatusCode bracket(Search& q, Sides& sides, int& walks) {
+  // The vapour's part rises with temperature and falls with pressure, as a rule; beside critical points it need not.
+  const double rising = q.of_T ? 1.0 : -1.0;
+  const double least = q.of_T ? kLowestT : kLowestP, most = q.of_T ? kHighestT : kHighestP;
+  const double longest = q.of_T ? kLongestStepT : kLongestStepP;
+  double f = 0.0, first = q.u, step = kFirstStep;
+  Step step_to = look_at(q, sides, first, walks, f);
+  if (step_to == Step::solved) return KV_OK;
+  if (step_to == Step::failed) return q.status;
+  const double towards = f < 0.0 ? rising : -rising;
+  double ends[] = {first, first};
+  bool open[] = {true, true};
+  for (int k = 0; k < kMostStates && (open[0] || open[1]) && !sides.closed(); ++k) {
+    const int side = k % 2;  // the likely one first
+    if (!open[side]) continue;
+    const double u = ends[side] * std::exp((side == 0 ? towards : -towards) * step);
+    if (side == 1) step = std::min(1.6 * step, longest);
+    open[side] = u > least && u < most;
+    if (!open[side]) continue;
+    ends[side] = u;
+    step_to = look_at(q, sides, u, walks, f);
+    if (step_to == Step::solved) return KV_OK;
+    open[side] = step_to != Step::failed;
+  }
+  return KV_NO_SATURATION;
+}
+
+// Between the sides, with a look from each state.
+StatusCode close_in(Search& q, Sides& sides) {
+  double f = 0.0;
+  for (int k = 0; k < kMostHalvings; ++k) {
+    if (std::fabs(sides.below - sides.above) <= kClosed * sides.above) return KV_NO_SATURATION;
+    int walks = 1;
+    const Step step = look_at(q, sides, std::sqrt(sides.below * sides.above), walks, f);
+    if (step == Step::solved) return KV_OK;
+    if (step == Step::failed) return q.status;
+  }
+  return KV_NOT_CONVERGED;
+}
+
+StatusCode search(Search& q) {
+  Sides sides;
+  int walks = kMostFailedWalks;
+  const StatusCode status = bracket(q, sides, walks);
+  if (status == KV_OK || !sides.closed())
+    return status > KV_STATUS_CALL_BLOCK || status == KV_OK ? status : StatusCode{KV_NO_SATURATION};
+  return close_in(q, sides);
 }
 
 // The answer of the two-phase flash into e.p. KV_OK, or why there is none.
@@ -172,7 +251,7 @@ StatusCode two_phase_point(Search& q) {
 bool accept_two_phases(Search& q) {
   if (!move_to(q, q.u)) return false;
   q.status = evaluate_phases(q.e.m, q.e.z, q.e.p, q.e.w, false);
-  if (q.status != KV_OK) return false;
+  if (q.status != KV_OK || !vapour_has_its_part(q)) return false;
   copy_phases(q.e.p, q.incipient, q.e.m.ld);
   q.status = test_equilibrium(q.e);
   return q.status == KV_OK && !q.e.third.found;
@@ -188,13 +267,13 @@ StatusCode write_answer(Search& q, StatusCode found) {
 }
 
 // Solutions start from where the caller or the two-phase flash says.
-StatusCode solve(Search& q, Phases& low, Phases& high) {
+StatusCode solve(Search& q) {
   const ThreeQualityCall& c = q.call;
   const bool given = c.estimate && *c.unknown > 0.0 && take_estimate(c.out, q.e);
   if (given) {
     q.u = *c.unknown;
     if (move_to(q, q.u) && evaluate_phases(q.e.m, q.e.z, q.e.p, q.e.w, false) == KV_OK &&
-        solve_at_phases(q, q.u) && confirm(q))
+        solve_at_phases(q, q.u, q.W) && confirm(q))
       return KV_OK;
   }
   const StatusCode status = two_phase_point(q);
@@ -206,7 +285,7 @@ StatusCode solve(Search& q, Phases& low, Phases& high) {
   } else {
     q.u = *c.unknown > 0.0 ? *c.unknown : q.of_T ? kDefaultT : kDefaultP;
   }
-  return search(q, low, high);
+  return search(q);
 }
 
 // ---- a single component ----
@@ -236,7 +315,7 @@ StatusCode single_component(const ThreeQualityCall& c) {
 StatusCode with_search(const ThreeQualityCall& c, support::Arena& arena, support::Arena& model_arena) {
   const int n = c.mixture->count, ld = support::padded(n);
   support::TraceWriter silent(false, 0);
-  Search q{c, {}, {}, 0.0, true, 0.0, KV_OK, KV_OK, {}};
+  Search q{c, {}, {}, 0.0, true, 0.0, KV_OK, KV_OK, {}, {}};
   q.W = std::clamp(c.W, 0.0, 1.0);
   q.of_T = c.find == flash::Find::temperature;
   q.s.e = &q.e;
@@ -244,13 +323,12 @@ StatusCode with_search(const ThreeQualityCall& c, support::Arena& arena, support
   q.s.wanted = q.W;
   q.s.find_pressure = !q.of_T;
   take_specified(arena, n, ld, q.s);
-  Phases low, high;
-  for (Phases* p : {&low, &high, &q.incipient}) take_phases(arena, ld, *p);
+  for (Phases* p : {&q.reached, &q.incipient}) take_phases(arena, ld, *p);
   const double start = *c.unknown > 0.0 ? *c.unknown : q.of_T ? kDefaultT : kDefaultP;
   const StatusCode opened = open_equilibrium(
       {T_of(q, start), P_of(q, start), c.z, c.mixture, c.routines}, 1, model_arena, silent, q.e);
   if (opened != KV_OK) return opened;
-  const StatusCode status = solve(q, low, high);
+  const StatusCode status = solve(q);
   return status == KV_OK || status == KV_FOURTH_PHASE ? write_answer(q, status) : status;
 }
 
