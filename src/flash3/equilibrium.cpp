@@ -14,7 +14,8 @@ namespace {
 
 constexpr int kMostRounds = 12;
 constexpr double kLowerGibbs = 1e-13;
-constexpr double kCut = -1e-9;  // tangent-plane distance from which on a phase is missing
+// Tangent-plane distance from which on a phase is missing; and from which on, though no amount of it can be found.
+constexpr double kCut = -1e-9, kClearlyCut = -5e-9;
 constexpr double kLoose = 1e-9;      // difference of ln fugacities that is left to do
 constexpr double kFirstAmount = 0.1;  // of a phase that is added
 
@@ -146,6 +147,7 @@ StatusCode improve(Equilibrium& e) {
   for (int round = 0; round < kMostRounds && e.third.found; ++round) {
     copy_phases(e.p, e.answer, e.m.ld);
     std::copy_n(e.cut, e.m.n, e.added);
+    const double distance = e.third.distance;
     const auto lower = [&](StatusCode status) {
       return status == KV_OK && (!e.third.found || e.p.gibbs < e.answer.gibbs - kLowerGibbs);
     };
@@ -163,6 +165,7 @@ StatusCode improve(Equilibrium& e) {
     if (!lower(status)) status = from_own_starts(e);
     if (status != KV_OK) {
       copy_phases(e.answer, e.p, e.m.ld);
+      if (distance > kClearlyCut) return KV_OK;
       return e.p.count == kMostPhases ? StatusCode{KV_FOURTH_PHASE} : status;
     }
   }

@@ -18,7 +18,8 @@ constexpr double kNegligible = 1e-15;  // residuals below it count as 0
 constexpr double kFinished = 1e-10, kOwed = 1e-8;
 constexpr int kPolishSteps = 40, kFailures = 3, kRecovery = 5;
 constexpr double kSteepest = 1e-11;  // rise of the Gibbs energy that is rounding
-constexpr double kNoAmount = 1e-13, kNothing = 1e-10;
+constexpr double kMainComponent = 0.05;
+constexpr double kNoAmount = 1e-13, kNothing = 1e-10, kNegligibleAmount = 1e-7;
 constexpr int kSlowSteps = 4;
 constexpr double kIdentical = 1e-12;
 constexpr double kEdge = 0.9999, kBeyondEdge = 9.999999999998899e-05;
@@ -101,9 +102,18 @@ struct Run {
   int failures = 0, recovery = 0;
 };
 
-bool has_all_amounts(const Phases& p) {
-  for (int j = 0; j < p.count; ++j)
-    if (!(p.amount[j] > kNoAmount)) return false;
+// The most that there can be of a phase, with what the feed has of its main components: a drop of water out of a
+// trace of it is small, but not negligible.
+double most_of(const Run& r, int j) {
+  double most = 1.0;
+  for (int i = 0; i < r.m.n; ++i)
+    if (r.p.x[j][i] > kMainComponent) most = std::min(most, r.z[i] / r.p.x[j][i]);
+  return most;
+}
+
+bool has_all_amounts(const Run& r) {
+  for (int j = 0; j < r.p.count; ++j)
+    if (!(r.p.amount[j] > kNoAmount * most_of(r, j))) return false;
   return true;
 }
 
@@ -119,7 +129,7 @@ bool newton_step(Run& r) {
   for (; factor >= kSmallestRelaxation; factor *= 0.5) {
     const double part = three ? within_logit(beta, dA, within_logit(V, dV, factor)) : factor;
     take_step(n, ld, part, r.p, r.w);
-    if (has_all_amounts(r.p)) {
+    if (has_all_amounts(r)) {
       r.status = evaluate_phases(r.m, r.z, r.p, r.w, true);
       if (r.status != KV_OK) return false;
       if (r.p.gibbs <= before + kSteepest * (1.0 + std::fabs(before))) break;
@@ -136,12 +146,12 @@ bool substitute(Run& r) {
     r.status = KV_NOT_FINITE;
     return false;
   }
-  r.status = evaluate_phases(r.m, r.z, r.p, r.w, r.newton && has_all_amounts(r.p));
+  r.status = evaluate_phases(r.m, r.z, r.p, r.w, r.newton && has_all_amounts(r));
   return r.status == KV_OK;
 }
 
 bool move(Run& r) {
-  if (r.newton && r.recovery == 0 && has_all_amounts(r.p)) {
+  if (r.newton && r.recovery == 0 && has_all_amounts(r)) {
     if (newton_step(r)) return true;
     if (r.status != KV_OK) return false;
     // Not from here: a few substitutions from where it began, and once more.
@@ -180,7 +190,7 @@ Ended iterate(Run& r) {
     const double error = criterion(r.z, r.m.n, r.p);
     trace_pass(*r.how.trace, {pass, error, r.factor, r.newton && r.recovery == 0}, r.m.n, r.p,
                s.trace && r.m.mixture->trace_flag != 1);
-    if (error <= s.CRIT && pass > 1 && has_all_amounts(r.p)) return Ended::converged;
+    if (error <= s.CRIT && pass > 1 && has_all_amounts(r)) return Ended::converged;
     if (merge_identical(r)) return Ended::identical;
     Ended which;
     if (vanishing.count(r.p, which)) {
@@ -205,17 +215,25 @@ Ended vanished(int j) {
   return j == kV ? Ended::vapour_vanished : j == kA ? Ended::a_vanished : Ended::b_vanished;
 }
 
+// Takes out a phase whose amount is below the limit.
+bool drop_negligible(Run& r, double limit, Ended& which) {
+  for (int j = 0; j < r.p.count; ++j)
+    if (r.p.amount[j] < limit * most_of(r, j)) {
+      drop_phase(r.p, j);
+      which = vanished(j);
+      return true;
+    }
+  return false;
+}
+
 // From the criterion to the precision that is owed.
 Ended finish(Run& r) {
   r.accepted = r.newton = true;
   int slow = 0;
   for (int k = 0; k < kPolishSteps && r.p.worst > kFinished; ++k) {
     // A phase that every step leaves less of is not there.
-    for (int j = 0; j < r.p.count; ++j)
-      if (r.p.amount[j] < kNothing) {
-        drop_phase(r.p, j);
-        return vanished(j);
-      }
+    Ended which;
+    if (drop_negligible(r, kNothing, which)) return which;
     if (k == 0) r.status = evaluate_phases(r.m, r.z, r.p, r.w, true);
     if (r.status != KV_OK) return Ended::routine;
     const double before = r.p.worst;
@@ -243,6 +261,8 @@ Ended iterate_phases(flash::Model& m, const double* z, const Iteration& how, Pha
   Ended ended = Ended::routine;
   if (r.status == KV_OK && substitute(r)) ended = iterate(r);
   if (ended == Ended::converged) ended = finish(r);
+  // Stuck beside the end of a phase: without it.
+  if (ended == Ended::damped || ended == Ended::exhausted) drop_negligible(r, kNegligibleAmount, ended);
   status = r.status;
   return ended;
 }
