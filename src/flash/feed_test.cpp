@@ -18,6 +18,8 @@ constexpr double kLightGas = 310.0;
 // to keep to themselves: critical pressure above this, atm. No hydrocarbon comes near it.
 constexpr double kCohesive = 60.0;
 // b/v of a dilute gas: half the critical packing.
+// ln of the fugacity of a component that is absent: no coefficient brings it back.
+constexpr double kNone = -1e5;
 // Distance from which on a liquid is missing beside a vapour of a free-water answer.
 constexpr double kUnstableLiquid = -1e-9;
 // Hydrocarbon liquids end somewhere above Kay's pseudo-critical temperature, the more so the wider they boil.
@@ -252,7 +254,8 @@ bool evaluate_feed(Flash& f) {
     f.feed_kind = f.liquids_only() ? Kind::liquid : kind_of(f, f.it.z, Z);
   }
   f.feed_Z = Z;
-  for (int i = 0; i < f.m.ld; ++i) f.d[i] = support::fast_log(f.it.z[i]) + f.feed_phi[i];
+  for (int i = 0; i < f.m.ld; ++i)
+    f.d[i] = f.it.z[i] > 0.0 ? support::fast_log(f.it.z[i]) + f.feed_phi[i] : kNone;
   f.feed_gibbs = 0.0;
   for (int i = 0; i < n; ++i) f.feed_gibbs += f.it.z[i] * f.d[i];
   return true;
@@ -287,6 +290,7 @@ bool test_answer(Flash& f, bool& stable) {
     const bool of_y = vapour || f.it.y[i] > f.it.x[i];
     f.answer_d[i] = of_y ? support::fast_log(f.it.y[i]) + f.it.ln_phi_y[i]
                          : support::fast_log(f.it.x[i]) + f.it.ln_phi_x[i];
+    if (!(f.it.z[i] > 0.0)) f.answer_d[i] = kNone;
     if (f.third.x != nullptr && f.third.x[i] > std::max(f.it.x[i], f.it.y[i]))
       f.answer_d[i] = support::fast_log(f.third.x[i]) + f.third.ln_phi[i];
   }

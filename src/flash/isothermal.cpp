@@ -20,6 +20,8 @@ namespace {
 // Phase-situation codes of a solve that ends with one phase.
 enum class Situation { liquid = 3, vapour = 4 };
 
+constexpr double kNoAmount = 1e-13;
+
 // A usable estimate: fraction inside (0, 1), compositions that are compositions.
 bool usable_estimate(const IsothermalCall& c, int n) {
   return *c.beta > 0.0 && *c.beta < 1.0 && usable_compositions(n, c.x, c.y);
@@ -88,8 +90,8 @@ StatusCode split_from_trial(Flash& f) {
     if (outcome == Outcome::routine) return write_answer(f, f.status);
   }
   report_third(f);
-  // On the boundary itself: what splits off has no amount that could be told from rounding.
-  if (f.lowest.tm > -1e-8) return finish_single_phase(f);
+  // On the boundary itself, or of traces alone: what splits off has no amount that could be told from rounding.
+  if (f.lowest.tm > -1e-8 || most_of(f.m.n, f.it.z, f.lowest.w) < kNoAmount) return finish_single_phase(f);
   return write_answer(f, outcome == Outcome::exhausted ? KV_NOT_CONVERGED : KV_TRIVIAL);
 }
 

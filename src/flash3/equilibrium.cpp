@@ -17,6 +17,7 @@ constexpr double kLowerGibbs = 1e-13;
 // Tangent-plane distance from which on a phase is missing; and from which on, though no amount of it can be found.
 constexpr double kCut = -1e-9, kClearlyCut = -5e-9;
 constexpr double kLoose = 1e-9;      // difference of ln fugacities that is left to do
+constexpr double kNoAmount = 1e-13;
 constexpr double kFirstAmount = 0.1;  // of a phase that is added
 
 flash::IsothermalCall isothermal_call(Equilibrium& e) {
@@ -42,6 +43,11 @@ void set_phase(const Equilibrium& e, int j, const double* x, double amount, Phas
   p.Z[j] = 0.0;
 }
 
+// What cuts an answer counts from a distance on, and when there can be an amount of it that is more than rounding.
+void weigh_cut(Equilibrium& e) {
+  e.third.found = e.third.found && e.third.distance < kCut && flash::most_of(e.m.n, e.z, e.cut) > kNoAmount;
+}
+
 // Gibbs energy and fugacities of e.p.
 StatusCode evaluate(Equilibrium& e) {
   return evaluate_phases(e.m, e.z, e.p, e.w, false);
@@ -53,7 +59,7 @@ StatusCode two_phases(Equilibrium& e, bool warm) {
   c.start = warm ? flash::Start::warm : flash::Start::cold;
   c.index = warm ? 0 : 1;
   const StatusCode status = flash::isothermal_flash(c);
-  e.third.found = e.third.found && e.third.distance < kCut;
+  weigh_cut(e);
   if (status == KV_SINGLE_PHASE || (status != KV_OK && e.third.found)) {
     // One phase; or an unstable feed whose split failed: what cuts it is known all the same.
     e.gas = e.beta == 1.0;
@@ -223,7 +229,7 @@ StatusCode find_equilibrium_from(Equilibrium& e) {
 StatusCode test_equilibrium(Equilibrium& e) {
   if (e.p.count == 1) return two_phases(e, false);
   const StatusCode status = flash::phases_stability(isothermal_call(e), e.p.count, e.p.x);
-  e.third.found = e.third.found && e.third.distance < kCut;
+  weigh_cut(e);
   return status;
 }
 

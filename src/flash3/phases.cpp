@@ -10,7 +10,9 @@
 namespace kestrune::flash3 {
 namespace {
 
-constexpr int kMostSplitSteps = 60;
+constexpr int kMostSplitSteps = 60, kMostCuts = 30;
+constexpr double kShort = 1e-3, kRounding = 2e-15;
+constexpr double kSplit = 1e-13;  // gradient of the split that is left
 constexpr double kSmallestPivot = 1e-14, kFirstShift = 1e-10, kLargestShift = 1e6;
 constexpr double kTaken = 0.9;           // part of an amount that one step may take away
 constexpr double kUnknownAmount = 1e-200;  // amounts below it follow no Newton step
@@ -79,18 +81,25 @@ void free_step(int count, const bool* is_free, const double* g, const double (*H
   }
 }
 
+// Fixed-point step a_j <- a_j sum z_i e_ij/E_i, which never raises the function and ends with a sum of 1: what is left
+// to do where Newton's method ends in rounding, as for phases of which one is a mixture of the others.
+void fixed_point_step(int count, const double* g, double* a) {
+  for (int j = 0; j < count; ++j) a[j] *= 1.0 - g[j];
+}
+
 // One step of the split: true when it is done.
-bool split_step(const SplitFunction& f, double* a, double& value) {
-  double g[kMostPhases], H[kMostPhases][kMostPhases], d[kMostPhases];
+bool split_step(const SplitFunction& f, double* a) {
+  double g[kMostPhases], H[kMostPhases][kMostPhases], d[kMostPhases], next[kMostPhases];
   bool is_free[kMostPhases];
   f.derivatives(a, g, H);
   double left = 0.0;
   for (int j = 0; j < f.count; ++j) {
-    is_free[j] = a[j] > 0.0 || g[j] < -1e-13;
-    if (is_free[j]) left = std::max(left, std::fabs(g[j]));
+    is_free[j] = a[j] > 0.0 || g[j] < -kSplit;
+    if (is_free[j]) left = std::max(left, g[j] > 0.0 ? std::min(g[j], a[j]) : -g[j]);
   }
+  if (left <= kSplit) return true;
   free_step(f.count, is_free, g, H, d);
-  double descent = 0.0, size = 0.0, part = 1.0;
+  double descent = 0.0, part = 1.0, size = 0.0;
   int hit = -1;
   for (int j = 0; j < f.count; ++j) {
     // A phase that just became free may not be driven below 0.
@@ -102,39 +111,17 @@ bool split_step(const SplitFunction& f, double* a, double& value) {
       hit = j;
     }
   }
-  if (left <= 1e-14 || size <= 1e-16 || !(descent < 0.0)) return true;
-  double next[kMostPhases];
-  for (int cut = 0; cut < 40; ++cut, part *= 0.5, hit = -1) {
+  const double value = f.value(a);
+  for (int cut = 0; cut < kMostCuts && descent < 0.0; ++cut, part *= 0.4, hit = -1) {
     for (int j = 0; j < f.count; ++j) next[j] = j == hit ? 0.0 : std::max(a[j] + part * d[j], 0.0);
-    const double there = f.value(next);
-    if (there <= value + 1e-4 * part * descent || (size < 1e-6 && there <= value + 1e-15)) {
-      std::copy_n(next, f.count, a);
-      value = there;
-      return hit < 0 && part == 1.0 && size < 1e-9;
-    }
+    // A step too short for the function to tell is a good one next to the minimum.
+    const double there = f.value(next), rounding = size < kShort ? kRounding * (1.0 + std::fabs(value)) : 0.0;
+    if (!(there < value + 1e-4 * part * descent + rounding)) continue;
+    std::copy_n(next, f.count, a);
+    return false;
   }
-  return true;
-}
-
-/*
- * Fixed-point steps a_j <- a_j sum z_i e_ij/E_i, which never raise the function and end with a sum of 1: what is left
- * to do where Newton's method ends in rounding, as for phases of which one is a mixture of the others.
- */
-double settle_split(const SplitFunction& f, double* a) {
-  constexpr int kMostSettling = 50;
-  double total = 0.0;
-  for (int k = 0; k < kMostSettling; ++k) {
-    double g[kMostPhases], H[kMostPhases][kMostPhases], change = 0.0;
-    f.derivatives(a, g, H);
-    total = 0.0;
-    for (int j = 0; j < f.count; ++j) {
-      change = std::max(change, std::fabs(a[j] * g[j]));
-      a[j] *= 1.0 - g[j];
-      total += a[j];
-    }
-    if (change < 1e-9) break;
-  }
-  return total;
+  fixed_point_step(f.count, g, a);
+  return false;
 }
 
 // Hessian of the Gibbs energy in amounts, entry for phase j between components a and b: d ln f_a/d n_b.
@@ -266,20 +253,18 @@ bool split_between(int n, const double* z, Phases& p, const PhasesWork& w) {
   const SplitFunction f{n, p.count, z, w.e};
   double a[kMostPhases];
   for (int j = 0; j < p.count; ++j) a[j] = std::max(p.amount[j], 0.02);
-  double value = f.value(a);
-  int steps = 0;
-  while (steps < kMostSplitSteps && !split_step(f, a, value)) ++steps;
-  const double total = settle_split(f, a);
-  if (!(total > 0.5 && total < 2.0)) return false;
+  for (int k = 0; k < kMostSplitSteps && !split_step(f, a); ++k) {
+  }
+  // What a phase has of every component is a_j z_i e_ij/E_i: the balance holds whatever is left of the gradient.
   for (int j = 0; j < p.count; ++j) {
     double sum = 0.0;
     for (int i = 0; i < n; ++i) {
       p.x[j][i] = z[i] > 0.0 ? z[i] * w.e[j][i] / f.sum(a, i) : 0.0;
       sum += p.x[j][i];
     }
-    if (!(sum > 0.0)) return false;
+    if (!(sum > 0.0 && sum < 1e300)) return false;
     for (int i = 0; i < n; ++i) p.x[j][i] /= sum;
-    p.amount[j] = a[j] / total;
+    p.amount[j] = a[j] * sum;
   }
   return true;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "flash/feed.hpp"
 #include "flash/water.hpp"
 #include "flash3/trace_phases.hpp"
 #include "support/mathkernels.hpp"
@@ -16,9 +17,8 @@ constexpr double kSmall = 1e-4;
 constexpr double kSmallestRelaxation = 1e-6;
 constexpr double kNegligible = 1e-15;  // residuals below it count as 0
 constexpr double kFinished = 1e-10, kOwed = 1e-8;
-constexpr int kPolishSteps = 40, kFailures = 3, kRecovery = 5;
+constexpr int kPolishSteps = 40, kFailures = 12, kRecovery = 4;
 constexpr double kSteepest = 1e-11;  // rise of the Gibbs energy that is rounding
-constexpr double kMainComponent = 0.05;
 constexpr double kNoAmount = 1e-13, kNothing = 1e-10, kNegligibleAmount = 1e-7;
 constexpr int kSlowSteps = 4;
 constexpr double kIdentical = 1e-12;
@@ -28,18 +28,20 @@ constexpr double kEdge = 0.9999, kBeyondEdge = 9.999999999998899e-05;
  * Sum of the squared residuals of balances and summations, with the distribution coefficients that the fugacity
  * coefficients of the pass give: what a substitution would still change.
  */
-double criterion(const double* z, int n, const Phases& p) {
-  const double beta = p.amount[kA], V = p.amount[kV], rest = p.amount[kB];
+double criterion(const double* z, int n, const Phases& p, const int* home) {
   double error = 0.0, liquids = 0.0, vapour = -1.0;
   const auto square = [](double r) { return std::fabs(r) < kNegligible ? 0.0 : r * r; };
   for (int i = 0; i < n; ++i) {
     if (!(z[i] > 0.0)) continue;
-    const double kll = support::fast_exp(p.ln_phi[kB][i] - p.ln_phi[kA][i]);
-    const double klv = support::fast_exp(p.ln_phi[kA][i] - p.ln_phi[kV][i]);
-    const double xB = p.x[kB][i];
-    error += square(xB * (rest + beta * kll + V * kll * klv) - z[i]);
-    liquids += xB * (kll - 1.0);
-    vapour += xB * kll * klv;
+    const int h = home[i];
+    double wanted[kMostPhases], sum = 0.0;  // what each phase would hold beside the one that holds most
+    for (int j = 0; j < p.count; ++j) {
+      wanted[j] = j == h ? p.x[h][i] : p.x[h][i] * support::fast_exp(p.ln_phi[h][i] - p.ln_phi[j][i]);
+      sum += p.amount[j] * wanted[j];
+    }
+    error += square(sum - z[i]);
+    liquids += wanted[kA] - wanted[kB];
+    vapour += wanted[kV];
   }
   return error + square(liquids) + square(vapour);
 }
@@ -102,13 +104,9 @@ struct Run {
   int failures = 0, recovery = 0;
 };
 
-// The most that there can be of a phase, with what the feed has of its main components: a drop of water out of a
-// trace of it is small, but not negligible.
+// A drop of water out of a trace of it is small, but not negligible.
 double most_of(const Run& r, int j) {
-  double most = 1.0;
-  for (int i = 0; i < r.m.n; ++i)
-    if (r.p.x[j][i] > kMainComponent) most = std::min(most, r.z[i] / r.p.x[j][i]);
-  return most;
+  return flash::most_of(r.m.n, r.z, r.p.x[j]);
 }
 
 bool has_all_amounts(const Run& r) {
@@ -179,6 +177,16 @@ bool merge_identical(Run& r) {
   return false;
 }
 
+// The least densely packed phase is the vapour, and of the others the more densely packed one is B.
+void put_in_slots(const flash::Model& m, Phases& p) {
+  const auto lighter = [&](int j, int k) {
+    return flash::lighter(*m.mixture, p.x[j], p.Z[j], p.x[k], p.Z[k]);
+  };
+  for (const int j : {kA, kB})
+    if (lighter(j, kV)) exchange_phases(p, j, kV);
+  if (lighter(kB, kA)) exchange_phases(p, kA, kB);
+}
+
 // Passes until the criterion is met.
 Ended iterate(Run& r) {
   Vanishing vanishing(r.how.patient);
@@ -187,7 +195,7 @@ Ended iterate(Run& r) {
   double previous = 1e300;
   for (int pass = 1; pass <= s.ITEMAX; ++pass) {
     ++r.m.counts.iterations;
-    const double error = criterion(r.z, r.m.n, r.p);
+    const double error = criterion(r.z, r.m.n, r.p, r.w.home);
     trace_pass(*r.how.trace, {pass, error, r.factor, r.newton && r.recovery == 0}, r.m.n, r.p,
                s.trace && r.m.mixture->trace_flag != 1);
     if (error <= s.CRIT && pass > 1 && has_all_amounts(r)) return Ended::converged;
@@ -255,9 +263,10 @@ Ended iterate_phases(flash::Model& m, const double* z, const Iteration& how, Pha
                      StatusCode& status) {
   Run r{m, z, how, p, w};
   r.factor = std::min(how.settings.relaxation, 1.0);
-  trace_start(*how.trace, how, m.n, z, p);
   for (int j = 0; j < p.count; ++j) p.Z[j] = 0.0;
   r.status = evaluate_phases(m, z, p, w, false);
+  put_in_slots(m, p);
+  trace_start(*how.trace, how, m.n, z, p);
   Ended ended = Ended::routine;
   if (r.status == KV_OK && substitute(r)) ended = iterate(r);
   if (ended == Ended::converged) ended = finish(r);

@@ -50,8 +50,10 @@ bool start_by_host(const ThreePhaseCall& c, Equilibrium& e, StatusCode& lv_statu
   const double* const liquid = V > 0.0 ? e.x : e.z;
   double share = 0.0;
   double *const xA = e.w.moles[0], *const xB = e.w.moles[1];
-  if (V < 1.0 && ll != nullptr) {
-    status = ll(c.T, c.P, liquid, c.mixture, c.routines, 0, &share, xB, xA, e.K);
+  if (V < 1.0) {
+    status = ll != nullptr ? ll(c.T, c.P, liquid, c.mixture, c.routines, 0, &share, xB, xA, e.K)
+                           : liquid_liquid_flash({c.T, c.P, liquid, c.mixture, c.routines, false, false, &share,
+                                                  xB, xA, e.K});
     if (status != KV_OK) return false;
   }
   e.p.count = 0;
@@ -109,6 +111,15 @@ StatusCode solve_with_free_water(const ThreePhaseCall& c, support::Arena& arena)
   return V > 0.0 ? KV_OK : KV_LL_ANSWER;
 }
 
+// The phases that were found, beside a status the last ones that were seen.
+StatusCode write_found(Equilibrium& e, StatusCode status, const ThreePhaseResult& out) {
+  const bool seen = status == KV_FOURTH_PHASE || status == KV_NOT_CONVERGED || status == KV_RELAXATION ||
+                    status == KV_TRIVIAL;
+  if (status != KV_OK && !(seen && e.p.count > 0)) return status;
+  const StatusCode written = write_phases(e, out);
+  return status != KV_OK ? status : written;
+}
+
 StatusCode solve(const ThreePhaseCall& c, support::Arena& arena) {
   if (c.free_water) return solve_with_free_water(c, arena);
   const flash::Settings settings = flash::copy_settings(*c.mixture);
@@ -120,7 +131,7 @@ StatusCode solve(const ThreePhaseCall& c, support::Arena& arena) {
     return solve_with_host(c, e);
   const bool given = c.estimate && take_estimate(c.out, e);
   status = given ? find_equilibrium_from(e) : find_equilibrium(e);
-  return status != KV_OK ? status : write_phases(e, c.out);
+  return write_found(e, status, c.out);
 }
 
 // ---- names ----
@@ -307,7 +318,7 @@ bool split_free_water(const LiquidVapour& a, const ThreePhaseResult& out) {
     out.xB[i] = i == iw ? 1.0 : 0.0;
     out.xA[i] = i == iw ? s : a.x[i] / r;
     out.KLL[i] = i == iw ? s : kLargestK;
-    out.KLV[i] = out.xA[i] == 0.0 ? kLargestK : out.y[i] / out.xA[i];
+    out.KLV[i] = std::clamp(out.xA[i] == 0.0 ? kLargestK : out.y[i] / out.xA[i], kSmallestK, kLargestK);
   }
   if (a.V > 0.0) return true;
   std::fill_n(out.y, n, 0.0);

@@ -83,7 +83,7 @@ inline std::vector<Export> export_table() {
           KV_ROW(FlashLVatSP, "sP", true, keep),
           KV_ROW(FlashLVatWP, "sP", true, keep),
           KV_ROW(FlashLVatWT, "sT", true, keep),
-          KV_ROW(FlashLLVatTP, "TP", false, keep),
+          KV_ROW(FlashLLVatTP, "TP", true, keep),
           KV_ROW(FlashLLVatHP, "sP", false, keep),
           KV_ROW(FlashLLVatSP, "sP", false, keep),
           KV_ROW(FlashLLVatWP, "sP", false, keep),
