@@ -329,6 +329,26 @@ void take_step(int n, int ld, double part, Phases& p, const PhasesWork& w) {
   }
 }
 
+bool join_phases(int n, int ld, const double* z, const Phases& a, const Phases& b, Phases& joined) {
+  constexpr double kAlike = 1e-3;    // sum of (x - y)^2/(x + y) of one phase seen from two sides
+  constexpr double kAlikeZ = 0.2;    // relative difference of its Z
+  copy_phases(a, joined, ld);
+  for (int j = 0; j < b.count; ++j) {
+    bool known = false;
+    for (int k = 0; k < joined.count; ++k)
+      known = known || (same_phase(n, z, b.x[j], joined.x[k], kAlike) &&
+                        std::fabs(b.Z[j] - joined.Z[k]) < kAlikeZ * std::max(b.Z[j], joined.Z[k]));
+    if (known) continue;
+    if (joined.count == kMostPhases) return false;
+    std::copy_n(b.x[j], ld, joined.x[joined.count]);
+    std::copy_n(b.ln_phi[j], ld, joined.ln_phi[joined.count]);
+    joined.Z[joined.count] = b.Z[j];
+    ++joined.count;
+  }
+  for (int j = 0; j < joined.count; ++j) joined.amount[j] = 1.0 / joined.count;
+  return joined.count >= 2;
+}
+
 bool same_phase(int n, const double* z, const double* a, const double* b, double tolerance) {
   double sum = 0.0;
   for (int i = 0; i < n; ++i) {

@@ -64,6 +64,12 @@ double change_of_amount(int n, int ld, const Phases& p, const PhasesWork& w, int
 /* Amounts and compositions after a part of the step. No amount of a component loses more than nine tenths. */
 void take_step(int n, int ld, double part, Phases& p, const PhasesWork& w);
 
+/*
+ * The phases of two states in one list, in equal amounts: those of a, and those of b that are not among them. False:
+ * there would be more than three, or one.
+ */
+bool join_phases(int n, int ld, const double* z, const Phases& a, const Phases& b, Phases& joined);
+
 /* Whether two phases are one and the same: sum of (a - b)^2/(a + b) below the tolerance. */
 bool same_phase(int n, const double* z, const double* a, const double* b, double tolerance);
 

@@ -10,7 +10,7 @@
 namespace kestrune::flash3 {
 namespace {
 
-constexpr int kMostSteps = 30;
+constexpr int kMostSteps = 20;
 constexpr double kFinished = 1e-11;       // residuals, and the last step in ln T or ln P
 constexpr double kOwed = 1e-9;            // residuals where rounding ends the iteration
 constexpr double kNegative = -1e-13;      // amount that is not there

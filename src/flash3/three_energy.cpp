@@ -25,7 +25,6 @@ constexpr int kMostStates = 80, kMostDropped = 2, kRetreats = 6;
 constexpr double kReached = 1e-11;         // of the value's size
 constexpr double kNear = 1e-9;             // relative change of T that is left of a single phase
 constexpr double kSameTemperature = 1e-13;  // relative width of a bracket that is an answer
-constexpr double kAlike = 1e-3;            // sum of (x - y)^2/(x + y) of one phase seen from two sides
 constexpr double kJump = 1e-6;             // in R T or R: a bracket without width may hide no more
 
 // Phases of an equilibrium that are kept, with its temperature.
@@ -158,23 +157,8 @@ bool confirm(Search& q) {
 // All phases that are seen on the two sides of the bracket: those between them, where temperature stands still.
 bool solve_between_sides(Search& q) {
   if (!q.low.known || !q.high.known) return false;
-  Phases& p = q.e.p;
-  const int n = q.e.m.n, ld = q.e.m.ld;
-  copy_phases(q.low.p, p, ld);
-  for (int j = 0; j < q.high.p.count; ++j) {
-    bool known = false;
-    for (int k = 0; k < p.count; ++k)
-      known = known || (same_phase(n, q.e.z, q.high.p.x[j], p.x[k], kAlike) &&
-                        std::fabs(q.high.p.Z[j] - p.Z[k]) < 0.2 * std::max(q.high.p.Z[j], p.Z[k]));
-    if (known) continue;
-    if (p.count == kMostPhases) return false;
-    std::copy_n(q.high.p.x[j], ld, p.x[p.count]);
-    std::copy_n(q.high.p.ln_phi[j], ld, p.ln_phi[p.count]);
-    p.Z[p.count] = q.high.p.Z[j];
-    ++p.count;
-  }
-  for (int j = 0; j < p.count; ++j) p.amount[j] = 1.0 / p.count;
-  return p.count >= 2 && solve_at_phases(q, 0.5 * (q.bracket.low + q.bracket.high)) && confirm(q);
+  return join_phases(q.e.m.n, q.e.m.ld, q.e.z, q.low.p, q.high.p, q.e.p) &&
+         solve_at_phases(q, 0.5 * (q.bracket.low + q.bracket.high)) && confirm(q);
 }
 
 bool reached(const Search& q) {

@@ -15,7 +15,7 @@ namespace kestrune::flash3 {
 namespace {
 
 constexpr int kMostStates = 60, kMostDropped = 2;
-constexpr int kMostWalks = 16, kMostDetours = 3, kMostFailedWalks = 3, kMostHalvings = 45;
+constexpr int kMostWalks = 12, kMostDetours = 3, kMostFailedWalks = 2, kMostHalvings = 45;
 constexpr double kShortestWalk = 1e-4, kShorter = 0.3;
 constexpr double kFirstStep = 0.02, kLongestStepT = 0.12, kLongestStepP = 0.7;  // in ln of the unknown
 constexpr double kClosed = 1e-12;                    // width of a bracket that is an answer
@@ -128,12 +128,12 @@ bool confirm(Search& q) {
  * From the equilibrium e.p at u, which has vapour and liquid, along the line of these phases to where the vapour has
  * its part: at once, or in shorter and shorter steps. True: e.p at q.u is that point.
  */
-bool walk_to_fraction(Search& q, double u) {
+bool walk_to_fraction(Search& q, double u, int most) {
   const int v = find_vapour(q);
   if (v < 0 || q.e.p.count < 2) return false;
   double from = q.e.p.amount[v], goal = q.W;
   copy_phases(q.e.p, q.reached, q.e.m.ld);
-  for (int k = 0; k < kMostWalks && (k == 0 || std::fabs(goal - from) > kShortestWalk); ++k) {
+  for (int k = 0; k < most && (k == 0 || std::fabs(goal - from) > kShortestWalk); ++k) {
     if (solve_at_phases(q, u, goal)) {
       if (goal == q.W) return true;
       from = goal;
@@ -152,21 +152,32 @@ bool walk_to_fraction(Search& q, double u) {
 struct Sides {
   double below = 0.0, above = 0.0;  // of states with too little and too much vapour
   bool have_below = false, have_above = false;
+  Phases little, much;  // these states
   bool closed() const { return have_below && have_above; }
-  void add(double u, double f) {
+  void add(const Search& q, double u, double f) {
     (f < 0.0 ? below : above) = u;
     (f < 0.0 ? have_below : have_above) = true;
+    copy_phases(q.e.p, f < 0.0 ? little : much, q.e.m.ld);
   }
 };
+
+// All phases that are seen on the two sides: those between them where the unknown stands still, and a phase that is
+// about to appear.
+bool solve_between_sides(Search& q, const Sides& sides) {
+  const double u = std::sqrt(sides.below * sides.above);
+  return join_phases(q.e.m.n, q.e.m.ld, q.e.z, sides.little, sides.much, q.e.p) && move_to(q, u) &&
+         solve_at_phases(q, u, q.W) && confirm(q);
+}
 
 // A state at u: into the sides, and the place to walk from when it has both vapour and liquid.
 enum class Step { solved, missed, failed };
 Step look_at(Search& q, Sides& sides, double u, int& walks, double& f) {
   if (!state_at(q, u, f)) return Step::failed;
-  sides.add(u, f);
+  const bool was_closed = sides.closed();
+  sides.add(q, u, f);
   // A walk that leads nowhere costs more than the state: there are few of them.
   for (int detour = 0; detour < kMostDetours && walks > 0; ++detour) {
-    if (!walk_to_fraction(q, q.u)) {
+    if (!walk_to_fraction(q, q.u, was_closed ? 1 : kMostWalks)) {
       if (find_vapour(q) >= 0 && q.e.p.count > 1) --walks;
       return Step::missed;
     }
@@ -174,7 +185,7 @@ Step look_at(Search& q, Sides& sides, double u, int& walks, double& f) {
     if (confirm(q)) return Step::solved;
     // What is there instead is the next state to walk from.
     if (!state_at(q, there, f)) return Step::missed;
-    sides.add(there, f);
+    sides.add(q, there, f);
   }
   return Step::missed;
 }
@@ -212,6 +223,7 @@ StatusCode close_in(Search& q, Sides& sides) {
   double f = 0.0;
   for (int k = 0; k < kMostHalvings; ++k) {
     if (std::fabs(sides.below - sides.above) <= kClosed * sides.above) return KV_NO_SATURATION;
+    if (solve_between_sides(q, sides)) return KV_OK;
     int walks = 1;
     const Step step = look_at(q, sides, std::sqrt(sides.below * sides.above), walks, f);
     if (step == Step::solved) return KV_OK;
@@ -220,8 +232,7 @@ StatusCode close_in(Search& q, Sides& sides) {
   return KV_NOT_CONVERGED;
 }
 
-StatusCode search(Search& q) {
-  Sides sides;
+StatusCode search(Search& q, Sides& sides) {
   int walks = kMostFailedWalks;
   const StatusCode status = bracket(q, sides, walks);
   if (status == KV_OK || !sides.closed())
@@ -267,7 +278,7 @@ StatusCode write_answer(Search& q, StatusCode found) {
 }
 
 // Solutions start from where the caller or the two-phase flash says.
-StatusCode solve(Search& q) {
+StatusCode solve(Search& q, Sides& sides) {
   const ThreeQualityCall& c = q.call;
   const bool given = c.estimate && *c.unknown > 0.0 && take_estimate(c.out, q.e);
   if (given) {
@@ -285,7 +296,7 @@ StatusCode solve(Search& q) {
   } else {
     q.u = *c.unknown > 0.0 ? *c.unknown : q.of_T ? kDefaultT : kDefaultP;
   }
-  return search(q);
+  return search(q, sides);
 }
 
 // ---- a single component ----
@@ -323,12 +334,13 @@ StatusCode with_search(const ThreeQualityCall& c, support::Arena& arena, support
   q.s.wanted = q.W;
   q.s.find_pressure = !q.of_T;
   take_specified(arena, n, ld, q.s);
-  for (Phases* p : {&q.reached, &q.incipient}) take_phases(arena, ld, *p);
+  Sides sides;
+  for (Phases* p : {&q.reached, &q.incipient, &sides.little, &sides.much}) take_phases(arena, ld, *p);
   const double start = *c.unknown > 0.0 ? *c.unknown : q.of_T ? kDefaultT : kDefaultP;
   const StatusCode opened = open_equilibrium(
       {T_of(q, start), P_of(q, start), c.z, c.mixture, c.routines}, 1, model_arena, silent, q.e);
   if (opened != KV_OK) return opened;
-  const StatusCode status = solve(q);
+  const StatusCode status = solve(q, sides);
   return status == KV_OK || status == KV_FOURTH_PHASE ? write_answer(q, status) : status;
 }
 
