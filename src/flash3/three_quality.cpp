@@ -14,10 +14,10 @@
 namespace kestrune::flash3 {
 namespace {
 
-constexpr int kMostStates = 60, kMostDropped = 2;
-constexpr int kMostWalks = 12, kMostDetours = 3, kMostFailedWalks = 2, kMostHalvings = 45;
+constexpr int kMostStates = 80, kMostDropped = 2;
+constexpr int kMostWalks = 12, kMostDetours = 3, kMostHalvings = 45;
 constexpr double kShortestWalk = 1e-4, kShorter = 0.3;
-constexpr double kFirstStep = 0.02, kLongestStepT = 0.12, kLongestStepP = 0.7;  // in ln of the unknown
+constexpr double kFirstStep = 0.02, kLongestStepT = 0.06, kLongestStepP = 0.3;  // in ln of the unknown
 constexpr double kClosed = 1e-12;                    // width of a bracket that is an answer
 constexpr double kDefaultT = 298.15, kDefaultP = 1.0;
 constexpr double kLowestT = 20.0, kHighestT = 3000.0, kLowestP = 1e-8, kHighestP = 1e4;
@@ -169,16 +169,22 @@ bool solve_between_sides(Search& q, const Sides& sides) {
          solve_at_phases(q, u, q.W) && confirm(q);
 }
 
+// Walks that may still fail, from states with two and three phases: they cost more than the state itself.
+struct Walks {
+  int two, three;
+};
+
 // A state at u: into the sides, and the place to walk from when it has both vapour and liquid.
 enum class Step { solved, missed, failed };
-Step look_at(Search& q, Sides& sides, double u, int& walks, double& f) {
+Step look_at(Search& q, Sides& sides, double u, Walks& walks, double& f) {
   if (!state_at(q, u, f)) return Step::failed;
   const bool was_closed = sides.closed();
   sides.add(q, u, f);
-  // A walk that leads nowhere costs more than the state: there are few of them.
-  for (int detour = 0; detour < kMostDetours && walks > 0; ++detour) {
+  for (int detour = 0; detour < kMostDetours; ++detour) {
+    int& left = q.e.p.count == kMostPhases ? walks.three : walks.two;
+    if (q.e.p.count < 2 || left <= 0) return Step::missed;
     if (!walk_to_fraction(q, q.u, was_closed ? 1 : kMostWalks)) {
-      if (find_vapour(q) >= 0 && q.e.p.count > 1) --walks;
+      --left;
       return Step::missed;
     }
     const double there = q.u;
@@ -190,8 +196,10 @@ Step look_at(Search& q, Sides& sides, double u, int& walks, double& f) {
   return Step::missed;
 }
 
+constexpr Walks kFailedWalks{1, 3};
+
 // From the first guess of the unknown outwards to both sides, until its vapour is crossed.
-StatusCode bracket(Search& q, Sides& sides, int& walks) {
+StatusCode bracket(Search& q, Sides& sides, Walks& walks) {
   // The vapour's part rises with temperature and falls with pressure, as a rule; beside critical points it need not.
   const double rising = q.of_T ? 1.0 : -1.0;
   const double least = q.of_T ? kLowestT : kLowestP, most = q.of_T ? kHighestT : kHighestP;
@@ -224,7 +232,7 @@ StatusCode close_in(Search& q, Sides& sides) {
   for (int k = 0; k < kMostHalvings; ++k) {
     if (std::fabs(sides.below - sides.above) <= kClosed * sides.above) return KV_NO_SATURATION;
     if (solve_between_sides(q, sides)) return KV_OK;
-    int walks = 1;
+    Walks walks{1, 1};
     const Step step = look_at(q, sides, std::sqrt(sides.below * sides.above), walks, f);
     if (step == Step::solved) return KV_OK;
     if (step == Step::failed) return q.status;
@@ -233,7 +241,7 @@ StatusCode close_in(Search& q, Sides& sides) {
 }
 
 StatusCode search(Search& q, Sides& sides) {
-  int walks = kMostFailedWalks;
+  Walks walks = kFailedWalks;
   const StatusCode status = bracket(q, sides, walks);
   if (status == KV_OK || !sides.closed())
     return status > KV_STATUS_CALL_BLOCK || status == KV_OK ? status : StatusCode{KV_NO_SATURATION};
