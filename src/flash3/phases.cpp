@@ -329,23 +329,28 @@ void take_step(int n, int ld, double part, Phases& p, const PhasesWork& w) {
   }
 }
 
-bool join_phases(int n, int ld, const double* z, const Phases& a, const Phases& b, Phases& joined) {
+bool join_phases(int n, int ld, const double* z, const Phases& a, const Phases& b, double part, Phases& joined) {
   constexpr double kAlike = 1e-3;    // sum of (x - y)^2/(x + y) of one phase seen from two sides
   constexpr double kAlikeZ = 0.2;    // relative difference of its Z
   copy_phases(a, joined, ld);
+  for (int k = 0; k < joined.count; ++k) joined.amount[k] *= 1.0 - part;
   for (int j = 0; j < b.count; ++j) {
-    bool known = false;
-    for (int k = 0; k < joined.count; ++k)
-      known = known || (same_phase(n, z, b.x[j], joined.x[k], kAlike) &&
-                        std::fabs(b.Z[j] - joined.Z[k]) < kAlikeZ * std::max(b.Z[j], joined.Z[k]));
-    if (known) continue;
+    int known = -1;
+    for (int k = 0; k < a.count; ++k)
+      if (same_phase(n, z, b.x[j], joined.x[k], kAlike) &&
+          std::fabs(b.Z[j] - joined.Z[k]) < kAlikeZ * std::max(b.Z[j], joined.Z[k]))
+        known = k;
+    if (known >= 0) {
+      joined.amount[known] += part * b.amount[j];
+      continue;
+    }
     if (joined.count == kMostPhases) return false;
+    joined.amount[joined.count] = part * b.amount[j];
     std::copy_n(b.x[j], ld, joined.x[joined.count]);
     std::copy_n(b.ln_phi[j], ld, joined.ln_phi[joined.count]);
     joined.Z[joined.count] = b.Z[j];
     ++joined.count;
   }
-  for (int j = 0; j < joined.count; ++j) joined.amount[j] = 1.0 / joined.count;
   return joined.count >= 2;
 }
 

@@ -65,10 +65,10 @@ double change_of_amount(int n, int ld, const Phases& p, const PhasesWork& w, int
 void take_step(int n, int ld, double part, Phases& p, const PhasesWork& w);
 
 /*
- * The phases of two states in one list, in equal amounts: those of a, and those of b that are not among them. False:
- * there would be more than three, or one.
+ * The phases of two states of one feed in one list, those of b as a part of the whole: phases that both have count
+ * once. False: there would be more than three, or one.
  */
-bool join_phases(int n, int ld, const double* z, const Phases& a, const Phases& b, Phases& joined);
+bool join_phases(int n, int ld, const double* z, const Phases& a, const Phases& b, double part, Phases& joined);
 
 /* Whether two phases are one and the same: sum of (a - b)^2/(a + b) below the tolerance. */
 bool same_phase(int n, const double* z, const double* a, const double* b, double tolerance);

@@ -157,7 +157,8 @@ bool confirm(Search& q) {
 // All phases that are seen on the two sides of the bracket: those between them, where temperature stands still.
 bool solve_between_sides(Search& q) {
   if (!q.low.known || !q.high.known) return false;
-  return join_phases(q.e.m.n, q.e.m.ld, q.e.z, q.low.p, q.high.p, q.e.p) &&
+  const double part = q.bracket.f_low / (q.bracket.f_low - q.bracket.f_high);
+  return join_phases(q.e.m.n, q.e.m.ld, q.e.z, q.low.p, q.high.p, part, q.e.p) &&
          solve_at_phases(q, 0.5 * (q.bracket.low + q.bracket.high)) && confirm(q);
 }
 

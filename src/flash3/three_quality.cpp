@@ -17,10 +17,10 @@ namespace {
 constexpr int kMostStates = 80, kMostDropped = 2;
 constexpr int kMostWalks = 12, kMostDetours = 3, kMostHalvings = 45;
 constexpr double kShortestWalk = 1e-4, kShorter = 0.3;
-constexpr double kFirstStep = 0.02, kLongestStepT = 0.06, kLongestStepP = 0.3;  // in ln of the unknown
+constexpr double kFirstStep = 0.02, kLonger = 1.6, kLongestStepT = 0.06, kLongestStepP = 0.3;  // in ln of the unknown
 constexpr double kClosed = 1e-12;                    // width of a bracket that is an answer
 constexpr double kDefaultT = 298.15, kDefaultP = 1.0;
-constexpr double kLowestT = 20.0, kHighestT = 3000.0, kLowestP = 1e-8, kHighestP = 1e4;
+constexpr double kLowestT = 40.0, kHighestT = 2000.0, kLowestP = 1e-6, kHighestP = 1e4;
 
 struct Search {
   const ThreeQualityCall& call;
@@ -154,7 +154,10 @@ struct Sides {
   bool have_below = false, have_above = false;
   Phases little, much;  // these states
   bool closed() const { return have_below && have_above; }
+  double V_little = 0.0, V_much = 1.0;
   void add(const Search& q, double u, double f) {
+    if (closed() && !((u - below) * (u - above) < 0.0)) return;  // outside of what is known
+    (f < 0.0 ? V_little : V_much) = std::clamp(f + q.W, 0.0, 1.0);
     (f < 0.0 ? below : above) = u;
     (f < 0.0 ? have_below : have_above) = true;
     copy_phases(q.e.p, f < 0.0 ? little : much, q.e.m.ld);
@@ -165,7 +168,9 @@ struct Sides {
 // about to appear.
 bool solve_between_sides(Search& q, const Sides& sides) {
   const double u = std::sqrt(sides.below * sides.above);
-  return join_phases(q.e.m.n, q.e.m.ld, q.e.z, sides.little, sides.much, q.e.p) && move_to(q, u) &&
+  const double range = sides.V_much - sides.V_little;
+  const double part = range > 0.0 ? std::clamp((q.W - sides.V_little) / range, 0.0, 1.0) : 0.5;
+  return join_phases(q.e.m.n, q.e.m.ld, q.e.z, sides.little, sides.much, part, q.e.p) && move_to(q, u) &&
          solve_at_phases(q, u, q.W) && confirm(q);
 }
 
@@ -213,15 +218,17 @@ StatusCode bracket(Search& q, Sides& sides, Walks& walks) {
   bool open[] = {true, true};
   for (int k = 0; k < kMostStates && (open[0] || open[1]) && !sides.closed(); ++k) {
     const int side = k % 2;  // the likely one first
+    if (k > 1 && (side == 0 || !open[0])) step = std::min(kLonger * step, longest);
     if (!open[side]) continue;
     const double u = ends[side] * std::exp((side == 0 ? towards : -towards) * step);
-    if (side == 1) step = std::min(1.6 * step, longest);
     open[side] = u > least && u < most;
     if (!open[side]) continue;
     ends[side] = u;
     step_to = look_at(q, sides, u, walks, f);
     if (step_to == Step::solved) return KV_OK;
-    open[side] = step_to != Step::failed;
+    // All vapour on the way to more of it: there is nothing further on this side.
+    const bool to_vapour = ((side == 0 ? towards : -towards) > 0.0) == (rising > 0.0);
+    open[side] = step_to != Step::failed && !(to_vapour && q.e.p.count == 1 && q.e.gas);
   }
   return KV_NO_SATURATION;
 }
