@@ -16,6 +16,7 @@ constexpr double kOwed = 1e-9;            // residuals where rounding ends the i
 constexpr double kNegative = -1e-13;      // amount that is not there
 constexpr double kMostLogK = 2.0, kMostLogT = 0.05, kMostLogP = 0.4;  // change in one step
 constexpr double kMostAmount = 0.7;
+constexpr double kTrace = 1e-8;
 constexpr double kFarT = 2.0, kFarP = 50.0;
 constexpr double kSame = 1e-10;           // sum of (x - y)^2/(x + y) of phases that are one
 constexpr double kResidualR = eos::kR * eos::kCalPerCm3Atm;  // cal/(mol K)
@@ -221,7 +222,9 @@ double bounded(const Specified& s) {
   };
   bound(s.step[size - 1], s.find_pressure ? kMostLogP : kMostLogT);
   for (int k = 0; k < p.count - 1; ++k) {
-    for (int i = 0; i < n; ++i) bound(s.step[k * (n + 1) + i], kMostLogK);
+    for (int i = 0; i < n; ++i)  // traces may jump: nothing depends on them
+      if (std::min(p.x[0][i], p.x[k + 1][i]) > kTrace)
+        bound(s.step[k * (n + 1) + i], kMostLogK);
     bound(s.step[k * (n + 1) + n], kMostAmount);
   }
   return part;

@@ -248,11 +248,18 @@ StatusCode close_in(Search& q, Sides& sides) {
 }
 
 StatusCode search(Search& q, Sides& sides) {
-  Walks walks = kFailedWalks;
-  const StatusCode status = bracket(q, sides, walks);
-  if (status == KV_OK || !sides.closed())
-    return status > KV_STATUS_CALL_BLOCK || status == KV_OK ? status : StatusCode{KV_NO_SATURATION};
-  return close_in(q, sides);
+  // From the two-phase point; and where that ends at a fluid that changes its name, from an ordinary state.
+  const double starts[] = {q.u, q.of_T ? kDefaultT : kDefaultP};
+  StatusCode status = KV_NO_SATURATION;
+  for (const double start : starts) {
+    sides.have_below = sides.have_above = false;
+    q.u = start;
+    Walks walks = kFailedWalks;
+    status = bracket(q, sides, walks);
+    if (status != KV_OK && sides.closed()) status = close_in(q, sides);
+    if (status == KV_OK || status > KV_STATUS_CALL_BLOCK) return status;
+  }
+  return status == KV_NOT_CONVERGED ? status : StatusCode{KV_NO_SATURATION};
 }
 
 // The answer of the two-phase flash into e.p. KV_OK, or why there is none.
