@@ -29,7 +29,7 @@ struct Search {
   double W = 0.0;
   bool of_T = true;
   double u = 0.0;  // the unknown
-  StatusCode status = KV_OK, state_status = KV_OK;
+  StatusCode status = KV_OK;
   Phases incipient;  // the phases of the answer with the one of no amount
   Phases reached;    // where a walk has got to
 };
@@ -62,11 +62,8 @@ int find_vapour(const Search& q) {
 // The equilibrium at u and its vapour less W; at the ends a whole phase that is not there counts as beyond.
 bool state_at(Search& q, double u, double& f) {
   if (!move_to(q, u)) return false;
-  q.state_status = find_equilibrium(q.e);
-  if (q.state_status != KV_OK && q.state_status != KV_FOURTH_PHASE) {
-    q.status = q.state_status;
-    return false;
-  }
+  q.status = find_equilibrium(q.e);
+  if (q.status != KV_OK) return false;  // also beside a fourth phase: nothing is followed further there
   const int v = find_vapour(q);
   const double V = v < 0 ? 0.0 : q.e.p.amount[v];
   f = V - q.W;
@@ -291,12 +288,11 @@ bool accept_two_phases(Search& q) {
 }
 
 // The phases with the incipient one among them, in their places.
-StatusCode write_answer(Search& q, StatusCode found) {
+StatusCode write_answer(Search& q) {
   const ThreeQualityCall& c = q.call;
   copy_phases(q.incipient, q.e.p, q.e.m.ld);
   *c.unknown = q.u;
-  const StatusCode written = write_quality_phases(q.e, q.W, c.out);
-  return found == KV_OK ? written : found;
+  return write_quality_phases(q.e, q.W, c.out);
 }
 
 // Solutions start from where the caller or the two-phase flash says.
@@ -348,7 +344,7 @@ StatusCode single_component(const ThreeQualityCall& c) {
 StatusCode with_search(const ThreeQualityCall& c, support::Arena& arena, support::Arena& model_arena) {
   const int n = c.mixture->count, ld = support::padded(n);
   support::TraceWriter silent(false, 0);
-  Search q{c, {}, {}, 0.0, true, 0.0, KV_OK, KV_OK, {}, {}};
+  Search q{c, {}, {}, 0.0, true, 0.0, KV_OK, {}, {}};
   q.W = std::clamp(c.W, 0.0, 1.0);
   q.of_T = c.find == flash::Find::temperature;
   q.s.e = &q.e;
@@ -363,7 +359,7 @@ StatusCode with_search(const ThreeQualityCall& c, support::Arena& arena, support
       {T_of(q, start), P_of(q, start), c.z, c.mixture, c.routines}, 1, model_arena, silent, q.e);
   if (opened != KV_OK) return opened;
   const StatusCode status = solve(q, sides);
-  return status == KV_OK || status == KV_FOURTH_PHASE ? write_answer(q, status) : status;
+  return status == KV_OK ? write_answer(q) : status;
 }
 
 }  // namespace

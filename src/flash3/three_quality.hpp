@@ -24,7 +24,7 @@ struct ThreeQualityCall {
  * The equilibrium of a vapour of fraction W with one or two liquids: KV_OK two liquids, 130 one liquid, with the
  * marks of three_phase_flash. W = 0: a bubble point, with the incipient vapour over one liquid or two; W = 1: a dew
  * point, with the incipient liquid. Where several exist, the one that is nearest to the first two-phase point from
- * low pressure. KV_NO_SATURATION: there is none; 112: it was not found; 118: as in three_phase_flash. Others: of
+ * low pressure. KV_NO_SATURATION: none was met among states of up to three phases; 112: it was not found. Others: of
  * the model. On failure the results keep what they held.
  */
 StatusCode three_quality_flash(const ThreeQualityCall& call);
