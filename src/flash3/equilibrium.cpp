@@ -233,13 +233,24 @@ StatusCode test_equilibrium(Equilibrium& e) {
   return status;
 }
 
-bool is_gas(const MixtureRecord& mixture, double T, double P, const double* x, double Z) {
-  if (!(Z > 0.0)) return false;
-  const double* Tc = mixture.table + static_cast<std::size_t>(KV_COL_TC - 1) * mixture.count;
+int find_vapour(const Equilibrium& e) {
+  constexpr double kAqueous = 0.5, kBesideWater = 1.25;
+  const Phases& p = e.p;
+  const MixtureRecord& r = *e.m.mixture;
+  int v = 0;
+  for (int j = 1; j < p.count; ++j)
+    if (flash::lighter(r, p.x[j], p.Z[j], p.x[v], p.Z[v])) v = j;
+  if (p.count == kMostPhases) return v;
+  if (p.count == 1) return e.gas ? 0 : -1;
+  if (!(p.Z[v] > 0.0)) return -1;
+  const double volume = p.Z[v] * eos::kR * e.m.T / e.m.P;
+  if (volume > eos::kCriticalVolumeRatio * flash::covolume(r, p.x[v])) return v;
+  const double* Tc = r.table + static_cast<std::size_t>(KV_COL_TC - 1) * r.count;
   double kay = 0.0;
-  for (int i = 0; i < mixture.count; ++i) kay += x[i] * Tc[i];
-  const double volume = Z * eos::kR * T / P;
-  return T > kay || volume > eos::kCriticalVolumeRatio * flash::covolume(mixture, x);
+  for (int i = 0; i < r.count; ++i) kay += p.x[v][i] * Tc[i];
+  const int water = eos::find_water_family(r);
+  const bool aqueous = water >= 0 && p.x[1 - v][water] > kAqueous;
+  return e.m.T > (aqueous ? kBesideWater : 1.0) * kay ? v : -1;
 }
 
 }  // namespace kestrune::flash3

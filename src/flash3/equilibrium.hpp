@@ -58,9 +58,13 @@ StatusCode find_equilibrium_from(Equilibrium& e);
 /* Tests the answer e.p of one to three phases: e.third.found when something cuts its tangent plane. */
 StatusCode test_equilibrium(Equilibrium& e);
 
-/* Whether a fluid passes for a gas: above the critical volume of the equation, or its pseudo-critical temperature.
+/*
+ * Index of the vapour in e.p, the least densely packed phase where that passes for one; -1 without. Of three it does. Of two, above the critical
+ * volume of the equation, or where no liquid like it could be: above its pseudo-critical temperature, by a quarter of
+ * it beside an aqueous liquid, with which a fluid has nothing in common that could make it a gas. One phase is named
+ * by the two-phase flash.
  */
-bool is_gas(const MixtureRecord& mixture, double T, double P, const double* x, double Z);
+int find_vapour(const Equilibrium& e);
 
 }  // namespace kestrune::flash3
 

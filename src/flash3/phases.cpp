@@ -10,7 +10,7 @@
 namespace kestrune::flash3 {
 namespace {
 
-constexpr int kMostSplitSteps = 60, kMostCuts = 30;
+constexpr int kMostSplitSteps = 200, kMostCuts = 30;
 constexpr double kShort = 1e-3, kRounding = 2e-15;
 constexpr double kSplit = 1e-13;  // gradient of the split that is left
 constexpr double kSmallestPivot = 1e-14, kFirstShift = 1e-10, kLargestShift = 1e6;

@@ -63,8 +63,8 @@ bool evaluate(Search& q) {
       q.phase[j] = c.value;
       q.slope += p.amount[j] * c.slope;
     } else {
-      const bool gas = is_gas(*q.call.mixture, q.e.m.T, q.e.m.P, p.x[j], p.Z[j]);
-      q.status = flash::phase_value(q.caloric, q.e.m.T, p.x[j], gas ? KV_PHASE_GAS : KV_PHASE_LIQUID, q.phase[j]);
+      const int phase = j == find_vapour(q.e) ? KV_PHASE_GAS : KV_PHASE_LIQUID;
+      q.status = flash::phase_value(q.caloric, q.e.m.T, p.x[j], phase, q.phase[j]);
     }
     q.value += p.amount[j] * q.phase[j];
   }

@@ -168,12 +168,8 @@ StatusCode order_liquids(Equilibrium& e) {
 // Puts the vapour last when there is one, and the lighter liquid before the denser one. liquids: their number.
 StatusCode order_phases(Equilibrium& e, int& liquids) {
   Phases& p = e.p;
-  const MixtureRecord& r = *e.m.mixture;
   put_lightest_last(e);
-  const int last = p.count - 1;
-  const bool vapour = p.count == kMostPhases ||
-                      (p.count == 1 ? e.gas : is_gas(r, e.m.T, e.m.P, p.x[last], p.Z[last]));
-  liquids = vapour ? p.count - 1 : p.count;
+  liquids = find_vapour(e) >= 0 ? p.count - 1 : p.count;
   return liquids < 2 ? StatusCode{KV_OK} : order_liquids(e);
 }
 

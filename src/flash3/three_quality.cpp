@@ -47,24 +47,12 @@ bool move_to(Search& q, double u) {
   return q.status == KV_OK;
 }
 
-// Index of the vapour in e.p, -1 without one.
-int find_vapour(const Search& q) {
-  const Phases& p = q.e.p;
-  const MixtureRecord& r = *q.call.mixture;
-  int lightest = 0;
-  for (int j = 1; j < p.count; ++j)
-    if (flash::lighter(r, p.x[j], p.Z[j], p.x[lightest], p.Z[lightest])) lightest = j;
-  if (p.count == kMostPhases) return lightest;
-  if (p.count == 1) return q.e.gas ? 0 : -1;
-  return is_gas(r, q.e.m.T, q.e.m.P, p.x[lightest], p.Z[lightest]) ? lightest : -1;
-}
-
 // The equilibrium at u and its vapour less W; at the ends a whole phase that is not there counts as beyond.
 bool state_at(Search& q, double u, double& f) {
   if (!move_to(q, u)) return false;
   q.status = find_equilibrium(q.e);
   if (q.status != KV_OK) return false;  // also beside a fourth phase: nothing is followed further there
-  const int v = find_vapour(q);
+  const int v = find_vapour(q.e);
   const double V = v < 0 ? 0.0 : q.e.p.amount[v];
   f = V - q.W;
   if (q.W == 0.0 && V == 0.0) f = -1.0;
@@ -79,7 +67,7 @@ bool solve_at_phases(Search& q, double u, double W) {
   q.s.T = T_of(q, u);
   q.s.P = P_of(q, u);
   for (int dropped = 0; dropped <= kMostDropped && q.e.p.count > 1; ++dropped) {
-    const int v = find_vapour(q);
+    const int v = find_vapour(q.e);
     if (v < 0) return false;
     Phases& p = q.e.p;
     q.s.vapour = v;
@@ -126,7 +114,7 @@ bool confirm(Search& q) {
  * its part: at once, or in shorter and shorter steps. True: e.p at q.u is that point.
  */
 bool walk_to_fraction(Search& q, double u, int most) {
-  const int v = find_vapour(q);
+  const int v = find_vapour(q.e);
   if (v < 0 || q.e.p.count < 2) return false;
   double from = q.e.p.amount[v], goal = q.W;
   copy_phases(q.e.p, q.reached, q.e.m.ld);
@@ -209,7 +197,7 @@ StatusCode bracket(Search& q, Sides& sides, Walks& walks) {
   double f = 0.0, first = q.u, step = kFirstStep;
   Step step_to = look_at(q, sides, first, walks, f);
   if (step_to == Step::solved) return KV_OK;
-  if (step_to == Step::failed) return q.status;
+  if (step_to == Step::failed) return q.status > KV_STATUS_CALL_BLOCK ? q.status : StatusCode{KV_NO_START};
   const double towards = f < 0.0 ? rising : -rising;
   double ends[] = {first, first};
   bool open[] = {true, true};
@@ -246,15 +234,20 @@ StatusCode close_in(Search& q, Sides& sides) {
 
 StatusCode search(Search& q, Sides& sides) {
   // From the two-phase point; and where that ends at a fluid that changes its name, from an ordinary state.
-  const double starts[] = {q.u, q.of_T ? kDefaultT : kDefaultP};
+  const double usual[] = {q.of_T ? kDefaultT : kDefaultP, q.of_T ? 200.0 : 10.0, q.of_T ? 450.0 : 100.0};
+  const double starts[] = {q.u, usual[0], usual[1], usual[2]};
   StatusCode status = KV_NO_SATURATION;
+  int tried = 0;
   for (const double start : starts) {
+    // Two whole searches are enough; one that could not even begin was none.
+    if (tried >= 2) break;
     sides.have_below = sides.have_above = false;
     q.u = start;
     Walks walks = kFailedWalks;
     status = bracket(q, sides, walks);
     if (status != KV_OK && sides.closed()) status = close_in(q, sides);
     if (status == KV_OK || status > KV_STATUS_CALL_BLOCK) return status;
+    tried += status == KV_NO_START ? 0 : 1;
   }
   return status == KV_NOT_CONVERGED ? status : StatusCode{KV_NO_SATURATION};
 }
