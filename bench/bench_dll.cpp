@@ -141,7 +141,9 @@ Case three_phase_case() {
   auto host = std::make_shared<ThreePhaseHost>();
   Case c;
   c.name = "three_phase_TP";
-  c.what = "FlashLLVatTP of the wet gas, cold, every component tried; mean over 242 .. 400 K and 2 .. 120 atm step 2";
+  c.what =
+      "FlashLLVatTP of the wet gas, cold, every component tried; mean over 242 .. 400 K and 2 .. 120 atm step "
+      "2";
   c.target = 60000.0;
   c.batch = kWetStates;
   c.set_up = [host] { host->gas->mixture.use(); };
@@ -187,8 +189,8 @@ void print_wet_shares() {
       ++failed;
   });
   std::printf("three_phase_TP\t1 phase %.1f %%, 2 phases %.1f %%, 3 phases %.1f %%, no answer %d of %.0f\n",
-              100.0 * shares[1] / kWetStates, 100.0 * shares[2] / kWetStates, 100.0 * shares[3] / kWetStates, failed,
-              kWetStates);
+              100.0 * shares[1] / kWetStates, 100.0 * shares[2] / kWetStates, 100.0 * shares[3] / kWetStates,
+              failed, kWetStates);
 }
 
 constexpr int kCalls = 1000;

@@ -16,7 +16,8 @@ struct Gas {
   std::vector<double> feed;  // sums to one
 };
 
-/* "lean" (seven components), "rich" (ten) or "wet" (six, with water). Throws when the data files are missing. */
+/* "lean" (seven components), "rich" (ten) or "wet" (six, with water). Throws when the data files are missing.
+ */
 inline std::shared_ptr<Gas> gas(const std::string& name) {
   auto g = std::make_shared<Gas>();
   g->name = name;

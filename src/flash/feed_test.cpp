@@ -85,9 +85,10 @@ bool trials_between(Flash& f, const Reference& ref, const double* a, const doubl
   for (const double part : kBetween) {
     double sum = 0.0;
     for (int i = 0; i < f.m.ld; ++i) {
-      f.dry[i] = a[i] > 0.0 && b[i] > 0.0
-                     ? support::fast_exp((1.0 - part) * support::fast_log(a[i]) + part * support::fast_log(b[i]))
-                     : 0.0;
+      f.dry[i] =
+          a[i] > 0.0 && b[i] > 0.0
+              ? support::fast_exp((1.0 - part) * support::fast_log(a[i]) + part * support::fast_log(b[i]))
+              : 0.0;
       sum += f.dry[i];
     }
     for (int i = 0; i < f.m.ld; ++i) f.dry[i] /= sum;
@@ -313,7 +314,8 @@ bool test_answer(Flash& f, bool& stable) {
     if (!near_pure_trials(f, plane, have_gas)) return false;
     if (f.thorough() && f.third.x == nullptr && !trials_between(f, plane, f.it.y, f.it.x)) return false;
     if (f.thorough())
-      for (const double* phase : {static_cast<const double*>(f.it.x), static_cast<const double*>(f.it.y), f.third.x})
+      for (const double* phase :
+           {static_cast<const double*>(f.it.x), static_cast<const double*>(f.it.y), f.third.x})
         if (phase != nullptr && !other_root_trial(f, plane, phase)) return false;
     // A trial came back to a phase of the answer: that settles it only where the phase is clearly convex.
     if (f.came_back && !(f.have_lowest && f.lowest.tm < kUnstable) &&

@@ -36,8 +36,8 @@ struct IsothermalCall {
   int index = 1;           // initialisation index, for the trace
   double* beta = nullptr;  // vapour (second liquid) fraction
   double *x = nullptr, *y = nullptr, *K = nullptr;
-  Counts* counts = nullptr;  // may be null
-  Model* model = nullptr;    // prepared for this call; null: the flash makes its own
+  Counts* counts = nullptr;     // may be null
+  Model* model = nullptr;       // prepared for this call; null: the flash makes its own
   ThirdPhase* third = nullptr;  // may be null; not with free water
 };
 
@@ -64,8 +64,8 @@ StatusCode feed_stability(const IsothermalCall& call, const double* incipient, d
 StatusCode answer_stability(const IsothermalCall& call, double& distance);
 
 /*
- * The same of two or three phases [count][ld] in equilibrium, of which every component is tried alone. call.third
- * receives the phase that cuts. The call's other results are not used.
+ * The same of two or three phases [count][ld] in equilibrium, of which every component is tried alone.
+ * call.third receives the phase that cuts. The call's other results are not used.
  */
 StatusCode phases_stability(const IsothermalCall& call, int count, const double* const* phases);
 

@@ -1,5 +1,6 @@
-// The two-phase flash goes first. What cuts its answer becomes a third phase, the three are brought to equilibrium,
-// and the answer is tested again; each round has a lower Gibbs energy than the one before, so that it ends.
+// The two-phase flash goes first. What cuts its answer becomes a third phase, the three are brought to
+// equilibrium, and the answer is tested again; each round has a lower Gibbs energy than the one before, so that
+// it ends.
 
 #include "flash3/equilibrium.hpp"
 
@@ -14,9 +15,10 @@ namespace {
 
 constexpr int kMostRounds = 12;
 constexpr double kLowerGibbs = 1e-13;
-// Tangent-plane distance from which on a phase is missing; and from which on, though no amount of it can be found.
+// Tangent-plane distance from which on a phase is missing; and from which on, though no amount of it can be
+// found.
 constexpr double kCut = -1e-9, kClearlyCut = -5e-9;
-constexpr double kLoose = 1e-9;      // difference of ln fugacities that is left to do
+constexpr double kLoose = 1e-9;  // difference of ln fugacities that is left to do
 constexpr double kNoAmount = 1e-13;
 constexpr double kFirstAmount = 0.1;  // of a phase that is added
 
@@ -43,7 +45,8 @@ void set_phase(const Equilibrium& e, int j, const double* x, double amount, Phas
   p.Z[j] = 0.0;
 }
 
-// What cuts an answer counts from a distance on, and when there can be an amount of it that is more than rounding.
+// What cuts an answer counts from a distance on, and when there can be an amount of it that is more than
+// rounding.
 void weigh_cut(Equilibrium& e) {
   e.third.found = e.third.found && e.third.distance < kCut && flash::most_of(e.m.n, e.z, e.cut) > kNoAmount;
 }
@@ -95,11 +98,16 @@ StatusCode settle(Equilibrium& e, bool patient) {
   StatusCode status = KV_OK;
   const Ended ended = iterate_phases(e.m, e.z, e.how, e.p, e.w, status);
   switch (ended) {
-    case Ended::routine: return status != KV_OK ? status : KV_TRIVIAL;
-    case Ended::exhausted: return KV_NOT_CONVERGED;
-    case Ended::damped: return KV_RELAXATION;
-    case Ended::converged: return test_equilibrium(e);
-    default: return e.p.count == 2 ? finish_two(e) : two_phases(e, false);
+    case Ended::routine:
+      return status != KV_OK ? status : KV_TRIVIAL;
+    case Ended::exhausted:
+      return KV_NOT_CONVERGED;
+    case Ended::damped:
+      return KV_RELAXATION;
+    case Ended::converged:
+      return test_equilibrium(e);
+    default:
+      return e.p.count == 2 ? finish_two(e) : two_phases(e, false);
   }
 }
 

@@ -1,5 +1,5 @@
-// The equilibrium of a feed at temperature and pressure among one, two and three fluid phases: the one of lowest
-// Gibbs energy, as far as the stability test can tell.
+// The equilibrium of a feed at temperature and pressure among one, two and three fluid phases: the one of
+// lowest Gibbs energy, as far as the stability test can tell.
 #ifndef KESTRUNE_FLASH3_EQUILIBRIUM_HPP
 #define KESTRUNE_FLASH3_EQUILIBRIUM_HPP
 
@@ -15,12 +15,12 @@ struct Equilibrium {
   const ModelRoutines* routines = nullptr;
   Iteration how;
   PhasesWork w;
-  Phases p;           // the answer, in no order; of one phase it is the feed
+  Phases p;             // the answer, in no order; of one phase it is the feed
   Phases answer, best;  // the answer that is improved on, and the best that replaces it
   double *x = nullptr, *y = nullptr, *K = nullptr;  // results of the two-phase flash: the incipient phase too
   double beta = 0.0;
-  bool gas = false;  // of a single phase
-  double* cut = nullptr;  // composition of the phase that cuts e.p
+  bool gas = false;                              // of a single phase
+  double* cut = nullptr;                         // composition of the phase that cuts e.p
   double *added = nullptr, *best_cut = nullptr;  // that of the answer that is improved on, and of the best
   flash::ThirdPhase third;
   support::Arena* arena = nullptr;  // of the model, which is made again for each temperature
@@ -36,8 +36,8 @@ struct EquilibriumCall {
 };
 
 /*
- * Prepares a problem without free water. The arena must outlive it and is used by no one else afterwards; the trace
- * belongs to the caller. order 1: with the derivatives in temperature.
+ * Prepares a problem without free water. The arena must outlive it and is used by no one else afterwards; the
+ * trace belongs to the caller. order 1: with the derivatives in temperature.
  */
 StatusCode open_equilibrium(const EquilibriumCall& call, int order, support::Arena& arena,
                             support::TraceWriter& trace, Equilibrium& e);
@@ -59,10 +59,10 @@ StatusCode find_equilibrium_from(Equilibrium& e);
 StatusCode test_equilibrium(Equilibrium& e);
 
 /*
- * Index of the vapour in e.p, the least densely packed phase where that passes for one; -1 without. Of three it does. Of two, above the critical
- * volume of the equation, or where no liquid like it could be: above its pseudo-critical temperature, by a quarter of
- * it beside an aqueous liquid, with which a fluid has nothing in common that could make it a gas. One phase is named
- * by the two-phase flash.
+ * Index of the vapour in e.p, the least densely packed phase where that passes for one; -1 without. Of three it
+ * does. Of two, above the critical volume of the equation, or where no liquid like it could be: above its
+ * pseudo-critical temperature, by a quarter of it beside an aqueous liquid, with which a fluid has nothing in
+ * common that could make it a gas. One phase is named by the two-phase flash.
  */
 int find_vapour(const Equilibrium& e);
 

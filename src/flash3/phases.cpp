@@ -14,7 +14,7 @@ constexpr int kMostSplitSteps = 200, kMostCuts = 30;
 constexpr double kShort = 1e-3, kRounding = 2e-15;
 constexpr double kSplit = 1e-13;  // gradient of the split that is left
 constexpr double kSmallestPivot = 1e-14, kFirstShift = 1e-10, kLargestShift = 1e6;
-constexpr double kTaken = 0.9;           // part of an amount that one step may take away
+constexpr double kTaken = 0.9;             // part of an amount that one step may take away
 constexpr double kUnknownAmount = 1e-200;  // amounts below it follow no Newton step
 
 // The convex function of the split, its gradient and Hessian at amounts a.
@@ -54,7 +54,8 @@ struct SplitFunction {
   }
 };
 
-// Newton step d of the phases that are free; the others stay. Gaussian elimination with a little on the diagonal.
+// Newton step d of the phases that are free; the others stay. Gaussian elimination with a little on the
+// diagonal.
 void free_step(int count, const bool* is_free, const double* g, const double (*H)[kMostPhases], double* d) {
   double A[kMostPhases][kMostPhases + 1];
   int index[kMostPhases], size = 0;
@@ -81,8 +82,8 @@ void free_step(int count, const bool* is_free, const double* g, const double (*H
   }
 }
 
-// Fixed-point step a_j <- a_j sum z_i e_ij/E_i, which never raises the function and ends with a sum of 1: what is left
-// to do where Newton's method ends in rounding, as for phases of which one is a mixture of the others.
+// Fixed-point step a_j <- a_j sum z_i e_ij/E_i, which never raises the function and ends with a sum of 1: what
+// is left to do where Newton's method ends in rounding, as for phases of which one is a mixture of the others.
 void fixed_point_step(int count, const double* g, double* a) {
   for (int j = 0; j < count; ++j) a[j] *= 1.0 - g[j];
 }
@@ -132,8 +133,7 @@ struct PhaseMatrix {
   double operator()(int j, int a, int b) const {
     const double N = p.amount[j];
     const double own = a == b ? 1.0 / (N * p.x[j][a]) : 0.0;
-    const std::size_t at =
-        a >= b ? static_cast<std::size_t>(b) * ld + a : static_cast<std::size_t>(a) * ld + b;
+    const std::size_t at = a >= b ? static_cast<std::size_t>(b) * ld + a : static_cast<std::size_t>(a) * ld + b;
     return own + (w.dn[j][at] - 1.0) / N;
   }
 };
@@ -255,7 +255,8 @@ bool split_between(int n, const double* z, Phases& p, const PhasesWork& w) {
   for (int j = 0; j < p.count; ++j) a[j] = std::max(p.amount[j], 0.02);
   for (int k = 0; k < kMostSplitSteps && !split_step(f, a); ++k) {
   }
-  // What a phase has of every component is a_j z_i e_ij/E_i: the balance holds whatever is left of the gradient.
+  // What a phase has of every component is a_j z_i e_ij/E_i: the balance holds whatever is left of the
+  // gradient.
   for (int j = 0; j < p.count; ++j) {
     double sum = 0.0;
     for (int i = 0; i < n; ++i) {
@@ -281,8 +282,7 @@ bool newton_direction(flash::Model& m, const double* z, const Phases& p, const P
       const int h = w.home[i], j = phase_of(h, k);
       if (!(w.saved[j][i] > kUnknownAmount)) continue;
       w.scale[u] = std::sqrt(w.saved[j][i]);
-      w.step[u] =
-          -w.scale[u] * (support::fast_log(p.x[j][i] / p.x[h][i]) + p.ln_phi[j][i] - p.ln_phi[h][i]);
+      w.step[u] = -w.scale[u] * (support::fast_log(p.x[j][i] / p.x[h][i]) + p.ln_phi[j][i] - p.ln_phi[h][i]);
     }
   double shift = 0.0;
   for (;;) {
@@ -329,9 +329,10 @@ void take_step(int n, int ld, double part, Phases& p, const PhasesWork& w) {
   }
 }
 
-bool join_phases(int n, int ld, const double* z, const Phases& a, const Phases& b, double part, Phases& joined) {
-  constexpr double kAlike = 1e-3;    // sum of (x - y)^2/(x + y) of one phase seen from two sides
-  constexpr double kAlikeZ = 0.2;    // relative difference of its Z
+bool join_phases(int n, int ld, const double* z, const Phases& a, const Phases& b, double part,
+                 Phases& joined) {
+  constexpr double kAlike = 1e-3;  // sum of (x - y)^2/(x + y) of one phase seen from two sides
+  constexpr double kAlikeZ = 0.2;  // relative difference of its Z
   copy_phases(a, joined, ld);
   for (int k = 0; k < joined.count; ++k) joined.amount[k] *= 1.0 - part;
   for (int j = 0; j < b.count; ++j) {

@@ -1,6 +1,8 @@
-// Two or three fluid phases at temperature and pressure: what the solvers share, and the steps towards equilibrium.
+// Two or three fluid phases at temperature and pressure: what the solvers share, and the steps towards
+// equilibrium.
 //
-// [Mic94] M. L. Michelsen, Comput. Chem. Eng. 18 (1994) 545-550: amounts of any number of phases as the minimum of a
+// [Mic94] M. L. Michelsen, Comput. Chem. Eng. 18 (1994) 545-550: amounts of any number of phases as the minimum
+// of a
 //         convex function of the amounts.
 // [Mic82b] M. L. Michelsen, Fluid Phase Equilib. 9 (1982) 21-40: second-order minimisation of the Gibbs energy.
 #ifndef KESTRUNE_FLASH3_PHASES_HPP
@@ -45,16 +47,16 @@ void drop_phase(Phases& p, int j);
 StatusCode evaluate_phases(flash::Model& m, const double* z, Phases& p, const PhasesWork& w, bool derivatives);
 
 /*
- * Amounts and compositions from the fugacity coefficients: the minimum over a_j >= 0 of sum a_j - sum z_i ln sum
- * a_j/phi_ij [Mic94], which is the only one, so that no amount can leave [0, 1]. A phase that ends with amount 0
- * keeps the composition that it would begin with. False: no usable numbers.
+ * Amounts and compositions from the fugacity coefficients: the minimum over a_j >= 0 of sum a_j - sum z_i ln
+ * sum a_j/phi_ij [Mic94], which is the only one, so that no amount can leave [0, 1]. A phase that ends with
+ * amount 0 keeps the composition that it would begin with. False: no usable numbers.
  */
 bool split_between(int n, const double* z, Phases& p, const PhasesWork& w);
 
 /*
- * Direction of Newton's method on the Gibbs energy, w.step, in the amounts of every component in the phases that
- * are not its home; w.dn as evaluate_phases leaves it. Where the matrix is not positive definite it is shifted
- * until it is. False: no direction. Sets the amounts to step from, w.saved.
+ * Direction of Newton's method on the Gibbs energy, w.step, in the amounts of every component in the phases
+ * that are not its home; w.dn as evaluate_phases leaves it. Where the matrix is not positive definite it is
+ * shifted until it is. False: no direction. Sets the amounts to step from, w.saved.
  */
 bool newton_direction(flash::Model& m, const double* z, const Phases& p, const PhasesWork& w);
 
@@ -65,8 +67,8 @@ double change_of_amount(int n, int ld, const Phases& p, const PhasesWork& w, int
 void take_step(int n, int ld, double part, Phases& p, const PhasesWork& w);
 
 /*
- * The phases of two states of one feed in one list, those of b as a part of the whole: phases that both have count
- * once. False: there would be more than three, or one.
+ * The phases of two states of one feed in one list, those of b as a part of the whole: phases that both have
+ * count once. False: there would be more than three, or one.
  */
 bool join_phases(int n, int ld, const double* z, const Phases& a, const Phases& b, double part, Phases& joined);
 

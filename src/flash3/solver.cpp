@@ -76,8 +76,8 @@ class Vanishing {
 };
 
 /*
- * Part of a step that keeps a ratio r inside (0, 1): beyond the edge it moves along its logit instead. dr is the
- * change over the whole step.
+ * Part of a step that keeps a ratio r inside (0, 1): beyond the edge it moves along its logit instead. dr is
+ * the change over the whole step.
  */
 double within_logit(double r, double dr, double part) {
   if (r + part * dr < 0.0) {  // the same rule for the other end
@@ -179,9 +179,7 @@ bool merge_identical(Run& r) {
 
 // The least densely packed phase is the vapour, and of the others the more densely packed one is B.
 void put_in_slots(const flash::Model& m, Phases& p) {
-  const auto lighter = [&](int j, int k) {
-    return flash::lighter(*m.mixture, p.x[j], p.Z[j], p.x[k], p.Z[k]);
-  };
+  const auto lighter = [&](int j, int k) { return flash::lighter(*m.mixture, p.x[j], p.Z[j], p.x[k], p.Z[k]); };
   for (const int j : {kA, kB})
     if (lighter(j, kV)) exchange_phases(p, j, kV);
   if (lighter(kB, kA)) exchange_phases(p, kA, kB);
@@ -295,8 +293,7 @@ StatusCode start_by_index(flash::Model& m, const double* z, int index, Phases& p
     ++present;
   }
   const auto almost_pure = [&](double* x, int j) {
-    for (int i = 0; i < n; ++i)
-      x[i] = !(z[i] > 0.0) ? 0.0 : i == j ? kAlmostPure : kOthers / (present - 1);
+    for (int i = 0; i < n; ++i) x[i] = !(z[i] > 0.0) ? 0.0 : i == j ? kAlmostPure : kOthers / (present - 1);
   };
   p.count = kMostPhases;
   for (double& a : p.amount) a = 1.0 / kMostPhases;

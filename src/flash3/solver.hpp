@@ -1,4 +1,5 @@
-// The three-phase iteration at temperature and pressure: two liquids and a vapour from a start that has all three.
+// The three-phase iteration at temperature and pressure: two liquids and a vapour from a start that has all
+// three.
 #ifndef KESTRUNE_FLASH3_SOLVER_HPP
 #define KESTRUNE_FLASH3_SOLVER_HPP
 
@@ -23,15 +24,15 @@ enum class Ended {
 };
 
 struct Iteration {
-  int index = 0;        // initialisation index, for the trace
+  int index = 0;         // initialisation index, for the trace
   bool patient = false;  // a phase counts as vanished only when its amount is exactly 0
   flash::Settings settings;
   support::TraceWriter* trace = nullptr;
 };
 
 /*
- * Substitutions with the amounts of the convex split, then Newton's method on the Gibbs energy with a line search.
- * p holds the compositions to start from in their slots. status: of the fugacity routine.
+ * Substitutions with the amounts of the convex split, then Newton's method on the Gibbs energy with a line
+ * search. p holds the compositions to start from in their slots. status: of the fugacity routine.
  */
 Ended iterate_phases(flash::Model& m, const double* z, const Iteration& how, Phases& p, const PhasesWork& w,
                      StatusCode& status);
@@ -42,9 +43,9 @@ Ended polish_phases(flash::Model& m, const double* z, const Iteration& how, Phas
 
 /*
  * The solver's own starts for p (its slots, amounts 1/3 each) by initialisation index: 2 the coefficients of
- * Wilson, the second liquid almost pure in the last component; others: two liquids almost pure in the last and the
- * first component, and the feed as the vapour (not for 5), with Wilson's coefficients between liquid and vapour for
- * 3 and those of the fugacity routine else. Components are counted among those that are present.
+ * Wilson, the second liquid almost pure in the last component; others: two liquids almost pure in the last and
+ * the first component, and the feed as the vapour (not for 5), with Wilson's coefficients between liquid and
+ * vapour for 3 and those of the fugacity routine else. Components are counted among those that are present.
  */
 StatusCode start_by_index(flash::Model& m, const double* z, int index, Phases& p);
 

@@ -11,14 +11,14 @@ namespace kestrune::flash3 {
 namespace {
 
 constexpr int kMostSteps = 20;
-constexpr double kFinished = 1e-11;       // residuals, and the last step in ln T or ln P
-constexpr double kOwed = 1e-9;            // residuals where rounding ends the iteration
-constexpr double kNegative = -1e-13;      // amount that is not there
+constexpr double kFinished = 1e-11;   // residuals, and the last step in ln T or ln P
+constexpr double kOwed = 1e-9;        // residuals where rounding ends the iteration
+constexpr double kNegative = -1e-13;  // amount that is not there
 constexpr double kMostLogK = 2.0, kMostLogT = 0.05, kMostLogP = 0.4;  // change in one step
 constexpr double kMostAmount = 0.7;
 constexpr double kTrace = 1e-8;
 constexpr double kFarT = 2.0, kFarP = 50.0;
-constexpr double kSame = 1e-10;           // sum of (x - y)^2/(x + y) of phases that are one
+constexpr double kSame = 1e-10;                              // sum of (x - y)^2/(x + y) of phases that are one
 constexpr double kResidualR = eos::kR * eos::kCalPerCm3Atm;  // cal/(mol K)
 
 int order_of(const Phases& p, int n) {
@@ -56,8 +56,7 @@ bool split(Specified& s) {
   const int n = s.e->m.n;
   for (int i = 0; i < n; ++i) {
     double D = 1.0;
-    for (int k = 0; k < p.count - 1; ++k)
-      D += p.amount[k + 1] * (support::fast_exp(s.log_k[k][i]) - 1.0);
+    for (int k = 0; k < p.count - 1; ++k) D += p.amount[k + 1] * (support::fast_exp(s.log_k[k][i]) - 1.0);
     s.D[i] = D;
     if (!(D > 1e-12) && z[i] > 0.0) return false;
     s.raw[0][i] = z[i] > 0.0 ? z[i] / D : 0.0;
@@ -223,8 +222,7 @@ double bounded(const Specified& s) {
   bound(s.step[size - 1], s.find_pressure ? kMostLogP : kMostLogT);
   for (int k = 0; k < p.count - 1; ++k) {
     for (int i = 0; i < n; ++i)  // traces may jump: nothing depends on them
-      if (std::min(p.x[0][i], p.x[k + 1][i]) > kTrace)
-        bound(s.step[k * (n + 1) + i], kMostLogK);
+      if (std::min(p.x[0][i], p.x[k + 1][i]) > kTrace) bound(s.step[k * (n + 1) + i], kMostLogK);
     bound(s.step[k * (n + 1) + n], kMostAmount);
   }
   return part;

@@ -1,6 +1,6 @@
-// An equilibrium at a temperature says which phases there are; Newton's method at these phases says where they would
-// have the value; and the stability test says whether they still are the right ones there. The value never falls with
-// temperature, so that every equilibrium closes a bracket.
+// An equilibrium at a temperature says which phases there are; Newton's method at these phases says where they
+// would have the value; and the stability test says whether they still are the right ones there. The value
+// never falls with temperature, so that every equilibrium closes a bracket.
 
 #include "flash3/three_energy.hpp"
 
@@ -22,10 +22,10 @@ using flash::kHottest;
 constexpr double kDefaultTemperature = 298.15;
 constexpr double kPlausibleLow = 60.0, kPlausibleHigh = 2000.0;  // estimates outside are not started from
 constexpr int kMostStates = 80, kMostDropped = 2, kRetreats = 6;
-constexpr double kReached = 1e-11;         // of the value's size
-constexpr double kNear = 1e-9;             // relative change of T that is left of a single phase
+constexpr double kReached = 1e-11;          // of the value's size
+constexpr double kNear = 1e-9;              // relative change of T that is left of a single phase
 constexpr double kSameTemperature = 1e-13;  // relative width of a bracket that is an answer
-constexpr double kJump = 1e-6;             // in R T or R: a bracket without width may hide no more
+constexpr double kJump = 1e-6;              // in R T or R: a bracket without width may hide no more
 
 // Phases of an equilibrium that are kept, with its temperature.
 struct KeptState {
@@ -44,7 +44,7 @@ struct Search {
   double value = 0.0;  // of e.p at e.m.T
   double slope = 0.0;  // at constant amounts
   double phase[kMostPhases] = {};
-  StatusCode status = KV_OK;       // of what failed
+  StatusCode status = KV_OK;        // of what failed
   StatusCode state_status = KV_OK;  // of the equilibrium: KV_OK or KV_FOURTH_PHASE
 };
 
@@ -132,7 +132,8 @@ bool solve_at_phases(Search& q, double T) {
 }
 
 /*
- * Whether what Newton found is the equilibrium at its temperature. If not, e.p is what is, and the bracket knows it.
+ * Whether what Newton found is the equilibrium at its temperature. If not, e.p is what is, and the bracket
+ * knows it.
  */
 bool confirm(Search& q) {
   if (!(q.bracket.inside(q.s.T) || q.bracket.low == q.s.T || q.bracket.high == q.s.T)) return false;
@@ -203,7 +204,8 @@ StatusCode search(Search& q) {
       if (q.status != KV_OK && q.status != KV_NOT_FINITE && q.status > KV_STATUS_CALL_BLOCK) return q.status;
     }
     if (next == T) return KV_NOT_CONVERGED;  // an end of the range
-    if (!state_towards(q, T, next)) return q.status > KV_STATUS_CALL_BLOCK ? q.status : StatusCode{KV_NOT_CONVERGED};
+    if (!state_towards(q, T, next))
+      return q.status > KV_STATUS_CALL_BLOCK ? q.status : StatusCode{KV_NOT_CONVERGED};
   }
   return KV_NOT_CONVERGED;
 }
@@ -243,9 +245,9 @@ StatusCode single_component(const ThreeEnergyCall& c, support::Arena& arena) {
   const int n = c.mixture->count;
   double beta = 0.0, liquid = 0.0, vapour = 0.0;
   double *const x = arena.zeros(n), *const y = arena.zeros(n), *const K = arena.zeros(n);
-  const StatusCode status = flash::energy_flash({c.property, c.wanted, c.P, c.z, c.mixture, c.routines,
-                                                 c.free_water, true, c.T, &beta, x, y, K, &liquid, &vapour,
-                                                 nullptr});
+  const StatusCode status =
+      flash::energy_flash({c.property, c.wanted, c.P, c.z, c.mixture, c.routines, c.free_water, true, c.T,
+                           &beta, x, y, K, &liquid, &vapour, nullptr});
   if (status != KV_OK) return status;
   const bool split = split_free_water({*c.T, c.P, c.mixture, beta, x, y}, c.out);
   *c.A = split ? 0.0 : liquid;

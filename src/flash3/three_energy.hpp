@@ -22,10 +22,10 @@ struct ThreeEnergyCall {
 };
 
 /*
- * The temperature at which the equilibrium of one, two or three phases has the value: KV_OK, 130, 131 with the marks
- * of three_phase_flash. Where the temperature stands still while the value changes (three phases of two components)
- * the amounts are solved for. 112: no temperature between 3 and 10 000 K has it, or the iteration failed. 118: as
- * in three_phase_flash. Others: of the model and of the pure-component library.
+ * The temperature at which the equilibrium of one, two or three phases has the value: KV_OK, 130, 131 with the
+ * marks of three_phase_flash. Where the temperature stands still while the value changes (three phases of two
+ * components) the amounts are solved for. 112: no temperature between 3 and 10 000 K has it, or the iteration
+ * failed. 118: as in three_phase_flash. Others: of the model and of the pure-component library.
  */
 StatusCode three_energy_flash(const ThreeEnergyCall& call);
 

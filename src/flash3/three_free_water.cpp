@@ -24,8 +24,8 @@ StatusCode evaluate(const ThreeEnergyCall& c, const flash::CaloricModel& model, 
   for (int j = 0; j < kMostPhases; ++j) {
     *values[j] = 0.0;
     if (!(amounts[j] > 0.0)) continue;
-    const StatusCode status = flash::phase_value(model, *c.T, compositions[j],
-                                                 j == kV ? KV_PHASE_GAS : KV_PHASE_LIQUID, *values[j]);
+    const StatusCode status =
+        flash::phase_value(model, *c.T, compositions[j], j == kV ? KV_PHASE_GAS : KV_PHASE_LIQUID, *values[j]);
     if (status != KV_OK) return status;
     total += amounts[j] * *values[j];
   }
@@ -73,9 +73,8 @@ StatusCode three_energy_free_water(const ThreeEnergyCall& c) {
     const int ld = support::padded(n);
     double *const x = arena.zeros(ld), *const y = arena.zeros(ld), *const K = arena.zeros(ld);
     double beta = 0.0, liquid = 0.0, vapour = 0.0;
-    const StatusCode status =
-        flash::energy_flash({c.property, c.wanted, c.P, c.z, c.mixture, c.routines, true, true, c.T, &beta, x,
-                             y, K, &liquid, &vapour, nullptr});
+    const StatusCode status = flash::energy_flash({c.property, c.wanted, c.P, c.z, c.mixture, c.routines, true,
+                                                   true, c.T, &beta, x, y, K, &liquid, &vapour, nullptr});
     if (status != KV_OK) return status;
     const bool split = split_free_water({*c.T, c.P, c.mixture, beta, x, y}, c.out);
     flash::CaloricModel model;

@@ -1,5 +1,5 @@
-// Free water in the three-phase flashes at enthalpy, entropy and vapour fraction: the liquid-vapour flash, whose
-// liquid is hydrocarbons and water in one, with its liquid taken apart afterwards.
+// Free water in the three-phase flashes at enthalpy, entropy and vapour fraction: the liquid-vapour flash,
+// whose liquid is hydrocarbons and water in one, with its liquid taken apart afterwards.
 #ifndef KESTRUNE_FLASH3_THREE_FREE_WATER_HPP
 #define KESTRUNE_FLASH3_THREE_FREE_WATER_HPP
 

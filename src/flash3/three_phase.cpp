@@ -51,9 +51,10 @@ bool start_by_host(const ThreePhaseCall& c, Equilibrium& e, StatusCode& lv_statu
   double share = 0.0;
   double *const xA = e.w.moles[0], *const xB = e.w.moles[1];
   if (V < 1.0) {
-    status = ll != nullptr ? ll(c.T, c.P, liquid, c.mixture, c.routines, 0, &share, xB, xA, e.K)
-                           : liquid_liquid_flash({c.T, c.P, liquid, c.mixture, c.routines, false, false, &share,
-                                                  xB, xA, e.K});
+    status =
+        ll != nullptr
+            ? ll(c.T, c.P, liquid, c.mixture, c.routines, 0, &share, xB, xA, e.K)
+            : liquid_liquid_flash({c.T, c.P, liquid, c.mixture, c.routines, false, false, &share, xB, xA, e.K});
     if (status != KV_OK) return false;
   }
   e.p.count = 0;
@@ -79,7 +80,9 @@ StatusCode solve_with_host(const ThreePhaseCall& c, Equilibrium& e) {
   if (status != KV_OK) return lv_status != KV_OK ? StatusCode{KV_NO_START} : status;
   status = write_phases(e, c.out);
   if (lv_status == KV_OK) return status;
-  return status == KV_LV_ANSWER ? KV_LV_ANSWER_DOUBTFUL : status == KV_LL_ANSWER ? KV_LL_ANSWER_DOUBTFUL : status;
+  return status == KV_LV_ANSWER   ? KV_LV_ANSWER_DOUBTFUL
+         : status == KV_LL_ANSWER ? KV_LL_ANSWER_DOUBTFUL
+                                  : status;
 }
 
 // ---- free water ----
@@ -236,8 +239,7 @@ bool take_estimate(const ThreePhaseResult& given, Equilibrium& e) {
     if (!(amounts[j] >= 0.0 && amounts[j] <= 1.0)) return false;
     if (amounts[j] == 0.0) continue;
     if (!flash::usable_compositions(n, compositions[j], compositions[j])) return false;
-    for (int i = 0; i < n; ++i)
-      e.p.x[e.p.count][i] = e.z[i] > 0.0 ? std::max(compositions[j][i], 1e-300) : 0.0;
+    for (int i = 0; i < n; ++i) e.p.x[e.p.count][i] = e.z[i] > 0.0 ? std::max(compositions[j][i], 1e-300) : 0.0;
     e.p.amount[e.p.count++] = amounts[j];
   }
   return e.p.count >= 2;
@@ -292,8 +294,7 @@ StatusCode write_quality_phases(Equilibrium& e, double W, const ThreePhaseResult
 bool split_free_water(const LiquidVapour& a, const ThreePhaseResult& out) {
   constexpr double kAllWater = 0.9999;
   const int n = a.mixture->count, iw = eos::find_water_family(*a.mixture);
-  const double s =
-      eos::water_solubility(a.T, a.mixture->solubility_a, a.mixture->solubility_b).value;
+  const double s = eos::water_solubility(a.T, a.mixture->solubility_a, a.mixture->solubility_b).value;
   const double w = iw >= 0 ? a.x[iw] : 0.0;
   *out.V = a.V;
   std::copy_n(a.y, n, out.y);

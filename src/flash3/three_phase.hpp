@@ -8,9 +8,9 @@ namespace kestrune::flash3 {
 
 /* Where a three-phase flash leaves its phases. Arrays [n] of the caller. */
 struct ThreePhaseResult {
-  double *beta = nullptr, *V = nullptr;                         // parts of the feed in A and in the vapour
-  double *xA = nullptr, *xB = nullptr, *y = nullptr;            // lighter liquid, denser liquid, vapour
-  double *KLL = nullptr, *KLV = nullptr;                        // xA/xB, y/xA
+  double *beta = nullptr, *V = nullptr;               // parts of the feed in A and in the vapour
+  double *xA = nullptr, *xB = nullptr, *y = nullptr;  // lighter liquid, denser liquid, vapour
+  double *KLL = nullptr, *KLV = nullptr;              // xA/xB, y/xA
 };
 
 struct ThreePhaseCall {
@@ -24,11 +24,12 @@ struct ThreePhaseCall {
 };
 
 /*
- * KV_OK: three phases. KV_LV_ANSWER (130): a vapour and one liquid, or one of them alone; the liquid stands in A,
- * with beta exactly 1 as a mark, B and KLL zero. KV_LL_ANSWER (131): no vapour; two liquids, or one in B with beta
- * 0 and KLL 1e15. 134, 135: the same, when the liquid-vapour flash of the host had a status. 111: the feed does not
- * sum to one. KV_FOURTH_PHASE (118): three phases, and a fourth would split off. 136: no answer that passes the test was found, and the liquid-vapour flash failed; 112, 114, 120: no
- * answer was found. Others: of the model.
+ * KV_OK: three phases. KV_LV_ANSWER (130): a vapour and one liquid, or one of them alone; the liquid stands in
+ * A, with beta exactly 1 as a mark, B and KLL zero. KV_LL_ANSWER (131): no vapour; two liquids, or one in B
+ * with beta 0 and KLL 1e15. 134, 135: the same, when the liquid-vapour flash of the host had a status. 111: the
+ * feed does not sum to one. KV_FOURTH_PHASE (118): three phases, and a fourth would split off. 136: no answer
+ * that passes the test was found, and the liquid-vapour flash failed; 112, 114, 120: no answer was found.
+ * Others: of the model.
  */
 StatusCode three_phase_flash(const ThreePhaseCall& call);
 
@@ -39,22 +40,22 @@ bool take_estimate(const ThreePhaseResult& given, Equilibrium& e);
 StatusCode check_sum(const double* z, const MixtureRecord& mixture) noexcept;
 
 /*
- * Names the phases of e.p (vapour, lighter liquid A, denser liquid B) and writes them out, with the marks above.
- * KV_OK, 130, 131, or the status of the host's density routine.
+ * Names the phases of e.p (vapour, lighter liquid A, denser liquid B) and writes them out, with the marks
+ * above. KV_OK, 130, 131, or the status of the host's density routine.
  */
 StatusCode write_phases(Equilibrium& e, const ThreePhaseResult& out);
 
 /*
- * The same of a flash at vapour fraction W: the phases in e.p with a vapour among them, of which one may have no
- * amount. At W = 1 that is the incipient liquid.
+ * The same of a flash at vapour fraction W: the phases in e.p with a vapour among them, of which one may have
+ * no amount. At W = 1 that is the incipient liquid.
  */
 StatusCode write_quality_phases(Equilibrium& e, double W, const ThreePhaseResult& out);
 
 /*
- * Free water: splits the liquid x[n] of a liquid-vapour answer (fractions V and 1 - V) into hydrocarbons at their
- * solubility limit, A, and water, B, where there is more water than that. False: there is not, and the answer has
- * been written with the mark, liquid A being x. incipient: V is 1, and the liquid that would appear first is
- * written as well.
+ * Free water: splits the liquid x[n] of a liquid-vapour answer (fractions V and 1 - V) into hydrocarbons at
+ * their solubility limit, A, and water, B, where there is more water than that. False: there is not, and the
+ * answer has been written with the mark, liquid A being x. incipient: V is 1, and the liquid that would appear
+ * first is written as well.
  */
 struct LiquidVapour {
   double T, P;

@@ -1,6 +1,6 @@
-// The two-phase flash goes first. Where its answer is cut by a third phase, the equilibrium there tells which phases
-// there are, Newton's method at these phases finds where the vapour has its part, and the stability test confirms it.
-// Equilibria on both sides close a bracket when that does not lead at once to the end.
+// The two-phase flash goes first. Where its answer is cut by a third phase, the equilibrium there tells which
+// phases there are, Newton's method at these phases finds where the vapour has its part, and the stability test
+// confirms it. Equilibria on both sides close a bracket when that does not lead at once to the end.
 
 #include "flash3/three_quality.hpp"
 
@@ -17,8 +17,9 @@ namespace {
 constexpr int kMostStates = 80, kMostDropped = 2;
 constexpr int kMostWalks = 12, kMostDetours = 3, kMostHalvings = 45;
 constexpr double kShortestWalk = 1e-4, kShorter = 0.3;
-constexpr double kFirstStep = 0.02, kLonger = 1.6, kLongestStepT = 0.06, kLongestStepP = 0.3;  // in ln of the unknown
-constexpr double kClosed = 1e-12;                    // width of a bracket that is an answer
+constexpr double kFirstStep = 0.02, kLonger = 1.6, kLongestStepT = 0.06,
+                 kLongestStepP = 0.3;  // in ln of the unknown
+constexpr double kClosed = 1e-12;      // width of a bracket that is an answer
 constexpr double kDefaultT = 298.15, kDefaultP = 1.0;
 constexpr double kLowestT = 40.0, kHighestT = 2000.0, kLowestP = 1e-6, kHighestP = 1e4;
 
@@ -60,8 +61,8 @@ bool state_at(Search& q, double u, double& f) {
   return true;
 }
 
-// Newton at the phases of e.p from u for a part W of vapour, which is one of them; without those that end with less
-// than nothing. True: e.p at q.u is a solution.
+// Newton at the phases of e.p from u for a part W of vapour, which is one of them; without those that end with
+// less than nothing. True: e.p at q.u is a solution.
 bool solve_at_phases(Search& q, double u, double W) {
   q.s.wanted = W;
   q.s.T = T_of(q, u);
@@ -110,8 +111,8 @@ bool confirm(Search& q) {
 }
 
 /*
- * From the equilibrium e.p at u, which has vapour and liquid, along the line of these phases to where the vapour has
- * its part: at once, or in shorter and shorter steps. True: e.p at q.u is that point.
+ * From the equilibrium e.p at u, which has vapour and liquid, along the line of these phases to where the
+ * vapour has its part: at once, or in shorter and shorter steps. True: e.p at q.u is that point.
  */
 bool walk_to_fraction(Search& q, double u, int most) {
   const int v = find_vapour(q.e);
@@ -149,8 +150,8 @@ struct Sides {
   }
 };
 
-// All phases that are seen on the two sides: those between them where the unknown stands still, and a phase that is
-// about to appear.
+// All phases that are seen on the two sides: those between them where the unknown stands still, and a phase
+// that is about to appear.
 bool solve_between_sides(Search& q, const Sides& sides) {
   const double u = std::sqrt(sides.below * sides.above);
   const double range = sides.V_much - sides.V_little;
@@ -190,7 +191,8 @@ constexpr Walks kFailedWalks{1, 3};
 
 // From the first guess of the unknown outwards to both sides, until its vapour is crossed.
 StatusCode bracket(Search& q, Sides& sides, Walks& walks) {
-  // The vapour's part rises with temperature and falls with pressure, as a rule; beside critical points it need not.
+  // The vapour's part rises with temperature and falls with pressure, as a rule; beside critical points it need
+  // not.
   const double rising = q.of_T ? 1.0 : -1.0;
   const double least = q.of_T ? kLowestT : kLowestP, most = q.of_T ? kHighestT : kHighestP;
   const double longest = q.of_T ? kLongestStepT : kLongestStepP;
@@ -257,8 +259,8 @@ StatusCode two_phase_point(Search& q) {
   const ThreeQualityCall& c = q.call;
   Equilibrium& e = q.e;
   double unknown = *c.unknown;
-  const StatusCode status = flash::quality_flash({c.find, q.W, c.given, e.z, c.mixture, c.routines, false, true,
-                                                  &unknown, e.x, e.y, e.K, nullptr});
+  const StatusCode status = flash::quality_flash(
+      {c.find, q.W, c.given, e.z, c.mixture, c.routines, false, true, &unknown, e.x, e.y, e.K, nullptr});
   if (status != KV_OK && status != KV_UNSTABLE_POINT) return status;
   q.u = unknown;
   e.p.count = 2;
@@ -348,8 +350,8 @@ StatusCode with_search(const ThreeQualityCall& c, support::Arena& arena, support
   Sides sides;
   for (Phases* p : {&q.reached, &q.incipient, &sides.little, &sides.much}) take_phases(arena, ld, *p);
   const double start = *c.unknown > 0.0 ? *c.unknown : q.of_T ? kDefaultT : kDefaultP;
-  const StatusCode opened = open_equilibrium(
-      {T_of(q, start), P_of(q, start), c.z, c.mixture, c.routines}, 1, model_arena, silent, q.e);
+  const StatusCode opened = open_equilibrium({T_of(q, start), P_of(q, start), c.z, c.mixture, c.routines}, 1,
+                                             model_arena, silent, q.e);
   if (opened != KV_OK) return opened;
   const StatusCode status = solve(q, sides);
   return status == KV_OK ? write_answer(q) : status;

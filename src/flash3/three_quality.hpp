@@ -1,4 +1,5 @@
-// Flashes of two liquids and a vapour at a given vapour fraction: the temperature at a pressure, or the reverse.
+// Flashes of two liquids and a vapour at a given vapour fraction: the temperature at a pressure, or the
+// reverse.
 #ifndef KESTRUNE_FLASH3_THREE_QUALITY_HPP
 #define KESTRUNE_FLASH3_THREE_QUALITY_HPP
 
@@ -21,11 +22,11 @@ struct ThreeQualityCall {
 };
 
 /*
- * The equilibrium of a vapour of fraction W with one or two liquids: KV_OK two liquids, 130 one liquid, with the
- * marks of three_phase_flash. W = 0: a bubble point, with the incipient vapour over one liquid or two; W = 1: a dew
- * point, with the incipient liquid. Where several exist, the one that is nearest to the first two-phase point from
- * low pressure. KV_NO_SATURATION: none was met among states of up to three phases; 112: it was not found. Others: of
- * the model. On failure the results keep what they held.
+ * The equilibrium of a vapour of fraction W with one or two liquids: KV_OK two liquids, 130 one liquid, with
+ * the marks of three_phase_flash. W = 0: a bubble point, with the incipient vapour over one liquid or two; W =
+ * 1: a dew point, with the incipient liquid. Where several exist, the one that is nearest to the first
+ * two-phase point from low pressure. KV_NO_SATURATION: none was met among states of up to three phases; 112: it
+ * was not found. Others: of the model. On failure the results keep what they held.
  */
 StatusCode three_quality_flash(const ThreeQualityCall& call);
 

@@ -1,5 +1,6 @@
-// Three-phase flashes at enthalpy, entropy and vapour fraction where a host would notice a fault at once: amounts
-// along a line where temperature stands still, ends of the vapour fraction, values of phases that have to add up.
+// Three-phase flashes at enthalpy, entropy and vapour fraction where a host would notice a fault at once:
+// amounts along a line where temperature stands still, ends of the vapour fraction, values of phases that have
+// to add up.
 #include <gtest/gtest.h>
 
 #include "three_phase_call.hpp"
@@ -17,8 +18,8 @@ struct Given : Answer {
 Given at_energy(Mixture& m, bool entropy, double value, double P, const Vector& z) {
   Given g;
   for (Vector* array : {&g.xA, &g.xB, &g.y, &g.KLL, &g.KLV}) array->resize(z.size(), -7.0);
-  g.status = (entropy ? FlashLLVatSP : FlashLLVatHP)(value, P, z.data(), &m.record, nullptr, 0, &g.T, &g.beta, &g.V,
-                                                     g.xA.data(), g.xB.data(), g.y.data(), g.KLL.data(),
+  g.status = (entropy ? FlashLLVatSP : FlashLLVatHP)(value, P, z.data(), &m.record, nullptr, 0, &g.T, &g.beta,
+                                                     &g.V, g.xA.data(), g.xB.data(), g.y.data(), g.KLL.data(),
                                                      g.KLV.data(), &g.A, &g.B, &g.vapour);
   return g;
 }
@@ -113,8 +114,9 @@ TEST(ThreePhaseFreeWater, ValuesAddUpAndAgreeWithTwoPhases) {
     const Given g = at_energy(m, false, H, P, z);
     double T = 0.0, beta = 0.0, HL = 0.0, HV = 0.0;
     Vector x(3), y(3), K(3);
-    ASSERT_EQ(FlashLVatHP(H, P, z.data(), &m.record, nullptr, 1, &T, &beta, x.data(), y.data(), K.data(), &HL, &HV),
-              KV_OK);
+    ASSERT_EQ(
+        FlashLVatHP(H, P, z.data(), &m.record, nullptr, 1, &T, &beta, x.data(), y.data(), K.data(), &HL, &HV),
+        KV_OK);
     ASSERT_EQ(g.status, KV_OK);
     EXPECT_NEAR(g.T, T, 1e-6);
     EXPECT_NEAR(g.V, beta, 1e-8);

@@ -26,8 +26,9 @@ StatusCode hide_vanished(StatusCode status) {
 }
 
 /*
- * The wrapper of the three-phase flashes: flags byte, water, one retry without free water above water's critical
- * pressure, and the liquid that is marked moved to B. core() runs the flash with the record as it then stands.
+ * The wrapper of the three-phase flashes: flags byte, water, one retry without free water above water's
+ * critical pressure, and the liquid that is marked moved to B. core() runs the flash with the record as it then
+ * stands.
  */
 template <class Core>
 StatusCode three_phase_wrapper(double P, MixtureRecord& mixture, const flash3::ThreePhaseResult& out,
@@ -47,9 +48,9 @@ StatusCode three_phase_wrapper(double P, MixtureRecord& mixture, const flash3::T
 StatusCode energy_flash(flash3::ThreeEnergyCall call) {
   return frame::guarded([&]() -> StatusCode {
     const flash3::ThreePhaseResult& out = call.out;
-    const StatusCode bad = check_flash(frame::check_specified(call.wanted), frame::check_pressure(call.P), call.z,
-                                       call.mixture, call.T, out.beta, out.V, out.xA, out.xB, out.y, out.KLL,
-                                       out.KLV, call.A, call.B, call.vapour);
+    const StatusCode bad = check_flash(frame::check_specified(call.wanted), frame::check_pressure(call.P),
+                                       call.z, call.mixture, call.T, out.beta, out.V, out.xA, out.xB, out.y,
+                                       out.KLL, out.KLV, call.A, call.B, call.vapour);
     if (bad != KV_OK) return bad;
     const StatusCode status = three_phase_wrapper(call.P, *call.mixture, out, [&] {
       call.free_water = exports::free_water(*call.mixture);
@@ -98,16 +99,38 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatHP(double H, double P, const double* z, Mi
                                          const ModelRoutines* routines, int32_t options, double* T,
                                          double* beta, double* V, double* xA, double* xB, double* y,
                                          double* KLL, double* KLV, double* HA, double* HB, double* HV) {
-  return energy_flash({flash::Property::enthalpy, H, P, z, mixture, routines, false, (options & 1) != 0, T,
-                       {beta, V, xA, xB, y, KLL, KLV}, HA, HB, HV});
+  return energy_flash({flash::Property::enthalpy,
+                       H,
+                       P,
+                       z,
+                       mixture,
+                       routines,
+                       false,
+                       (options & 1) != 0,
+                       T,
+                       {beta, V, xA, xB, y, KLL, KLV},
+                       HA,
+                       HB,
+                       HV});
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatSP(double S, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines* routines, int32_t options, double* T,
                                          double* beta, double* V, double* xA, double* xB, double* y,
                                          double* KLL, double* KLV, double* SA, double* SB, double* SV) {
-  return energy_flash({flash::Property::entropy, S, P, z, mixture, routines, false, (options & 1) != 0, T,
-                       {beta, V, xA, xB, y, KLL, KLV}, SA, SB, SV});
+  return energy_flash({flash::Property::entropy,
+                       S,
+                       P,
+                       z,
+                       mixture,
+                       routines,
+                       false,
+                       (options & 1) != 0,
+                       T,
+                       {beta, V, xA, xB, y, KLL, KLV},
+                       SA,
+                       SB,
+                       SV});
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
@@ -115,9 +138,16 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatWP(double W, double P, const double* z, Mi
                                          double* beta, double* xA, double* xB, double* y, double* KLL,
                                          double* KLV) {
   double V = W;
-  return quality_flash(frame::check_pressure(P),
-                       {flash::Find::temperature, W, P, z, mixture, routines, false, (options & 1) != 0, T,
-                        {beta, &V, xA, xB, y, KLL, KLV}});
+  return quality_flash(frame::check_pressure(P), {flash::Find::temperature,
+                                                  W,
+                                                  P,
+                                                  z,
+                                                  mixture,
+                                                  routines,
+                                                  false,
+                                                  (options & 1) != 0,
+                                                  T,
+                                                  {beta, &V, xA, xB, y, KLL, KLV}});
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, MixtureRecord* mixture,
@@ -125,9 +155,16 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, Mi
                                          double* beta, double* xA, double* xB, double* y, double* KLL,
                                          double* KLV) {
   double V = W;
-  return quality_flash(frame::check_temperature(T),
-                       {flash::Find::pressure, W, T, z, mixture, routines, false, (options & 1) != 0, P,
-                        {beta, &V, xA, xB, y, KLL, KLV}});
+  return quality_flash(frame::check_temperature(T), {flash::Find::pressure,
+                                                     W,
+                                                     T,
+                                                     z,
+                                                     mixture,
+                                                     routines,
+                                                     false,
+                                                     (options & 1) != 0,
+                                                     P,
+                                                     {beta, &V, xA, xB, y, KLL, KLV}});
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, MixtureRecord* mixture,
