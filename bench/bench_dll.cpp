@@ -115,6 +115,86 @@ Case flash_case(const char* name, double target) {
   return c;
 }
 
+// Two liquids and a vapour of the wet gas over the temperatures at which it has them.
+struct ThreePhaseHost {
+  std::shared_ptr<Gas> gas = bench::gas("wet");
+  std::vector<double> xA = gas->feed, xB = gas->feed, y = gas->feed, KLL = gas->feed, KLV = gas->feed;
+  double beta = 0.0, V = 0.0, of_A = 0.0, of_B = 0.0, of_vapour = 0.0;
+
+  StatusCode at_TP(double T, double P) {
+    return FlashLLVatTP(T, P, gas->feed.data(), &gas->mixture.record, nullptr, 0, &beta, &V, xA.data(),
+                        xB.data(), y.data(), KLL.data(), KLV.data());
+  }
+  StatusCode at_HP(double H, double P, double& T) {
+    return FlashLLVatHP(H, P, gas->feed.data(), &gas->mixture.record, nullptr, 0, &T, &beta, &V, xA.data(),
+                        xB.data(), y.data(), KLL.data(), KLV.data(), &of_A, &of_B, &of_vapour);
+  }
+  int phases() const { return (beta > 0.0 ? 1 : 0) + (V > 0.0 ? 1 : 0) + (1.0 - beta - V > 1e-15 ? 1 : 0); }
+};
+
+template <class Visit>
+void for_each_wet_state(Visit visit) {
+  for (double T = 242.0; T < 401.0; T += 2.0)
+    for (double P = 2.0; P < 121.0; P += 2.0) visit(T, P);
+}
+constexpr double kWetStates = 80.0 * 60.0;
+
+Case three_phase_case() {
+  auto host = std::make_shared<ThreePhaseHost>();
+  Case c;
+  c.name = "three_phase_TP";
+  c.what =
+      "FlashLLVatTP of the wet gas, cold, every component tried; mean over 242 .. 400 K and 2 .. 120 atm step "
+      "2";
+  c.target = 60000.0;
+  c.batch = kWetStates;
+  c.set_up = [host] { host->gas->mixture.use(); };
+  c.pass = [host] {
+    double sum = 0.0;
+    for_each_wet_state([&](double T, double P) {
+      host->at_TP(T, P);
+      sum += host->V;
+    });
+    return sum;
+  };
+  return c;
+}
+
+Case three_phase_energy_case() {
+  auto host = std::make_shared<ThreePhaseHost>();
+  Case c;
+  c.name = "three_phase_HP";
+  c.what = "FlashLLVatHP of the wet gas, cold; -4000 .. 4000 cal/mol step 100, 2 .. 118 atm step 4";
+  c.batch = 81.0 * 30.0;
+  c.set_up = [host] { host->gas->mixture.use(); };
+  c.pass = [host] {
+    double sum = 0.0;
+    for (double H = -4000.0; H < 4001.0; H += 100.0)
+      for (double P = 2.0; P < 119.0; P += 4.0) {
+        double T = 0.0;
+        host->at_HP(H, P, T);
+        sum += T;
+      }
+    return sum;
+  };
+  return c;
+}
+
+void print_wet_shares() {
+  ThreePhaseHost host;
+  host.gas->mixture.use();
+  int shares[4] = {}, failed = 0;
+  for_each_wet_state([&](double T, double P) {
+    if (host.at_TP(T, P) == KV_OK)
+      ++shares[host.phases()];
+    else
+      ++failed;
+  });
+  std::printf("three_phase_TP\t1 phase %.1f %%, 2 phases %.1f %%, 3 phases %.1f %%, no answer %d of %.0f\n",
+              100.0 * shares[1] / kWetStates, 100.0 * shares[2] / kWetStates, 100.0 * shares[3] / kWetStates,
+              failed, kWetStates);
+}
+
 constexpr int kCalls = 1000;
 
 Case boundary_case() {
@@ -280,12 +360,15 @@ std::vector<Case> cases() {
   all.push_back(saturation_case("dew", 1.0));
   all.push_back(water_case("water_dew_P", true));
   all.push_back(water_case("water_dew_T", false));
+  all.push_back(three_phase_case());
+  all.push_back(three_phase_energy_case());
   return all;
 }
 
 void print_counts() {
   print_shares("lean");
   print_shares("rich");
+  print_wet_shares();
 }
 
 }  // namespace kestrune::bench

@@ -16,13 +16,18 @@ struct Gas {
   std::vector<double> feed;  // sums to one
 };
 
-/* "lean" (seven components) or "rich" (ten). Throws when the data files are missing. */
+/* "lean" (seven components), "rich" (ten) or "wet" (six, with water). Throws when the data files are missing.
+ */
 inline std::shared_ptr<Gas> gas(const std::string& name) {
-  const bool lean = name == "lean";
   auto g = std::make_shared<Gas>();
   g->name = name;
-  g->mixture = tests::mixture_of(lean ? tests::kLeanGas : tests::kRichGas);
-  g->feed = lean ? tests::kLeanGasFeed : tests::kRichGasFeed;
+  if (name == "wet") {
+    g->mixture = tests::mixture_of({"nitrogen", "methane", "ethane", "propane", "n_butane", "water"});
+    g->feed = {0.04, 0.60, 0.10, 0.08, 0.08, 0.10};
+  } else {
+    g->mixture = tests::mixture_of(name == "lean" ? tests::kLeanGas : tests::kRichGas);
+    g->feed = name == "lean" ? tests::kLeanGasFeed : tests::kRichGasFeed;
+  }
   double sum = 0.0;
   for (const double v : g->feed) sum += v;
   for (double& v : g->feed) v /= sum;

@@ -4,15 +4,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
+#include "equilibrium_parts.hpp"
 #include "text.hpp"
 
 namespace kestrune::host {
 
 namespace {
-
-constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
 double molar_mass_of(const Mixture& mixture, const std::vector<double>& x) {
   double mass = 0.0;
@@ -20,27 +18,17 @@ double molar_mass_of(const Mixture& mixture, const std::vector<double>& x) {
   return mass;
 }
 
-void add_phase(const Exports& library, const Mixture& mixture, PhaseKind kind, double fraction,
-               const std::vector<double>& x, Equilibrium& state) {
-  PhaseState phase{kind, fraction, 0.0, x, molar_mass_of(mixture, x), {}};
-  phase.mass_fraction = fraction * phase.molar_mass / mixture.molar_mass;
-  phase.properties = phase_properties(library, mixture, kind, state.T, state.P, x, phase.molar_mass);
-  state.phases.push_back(phase);
-}
-
 // The liquid, parted into what holds water up to its solubility s and free water:
 // x_w = (1 - share) s + share, the other components stay in proportion.
 void add_liquids(const Exports& library, const Mixture& mixture, Equilibrium& state) {
-  constexpr double water_rich = 0.9999;  // from here on the library takes the liquid for water
   const double fraction = 1.0 - state.beta;
   const MixtureRecord& record = mixture.record;
-  std::size_t w = 0;
-  while (w < state.x.size() && mixture.components[w].family != KV_FAMILY_WATER) ++w;
+  const std::size_t w = water_of(mixture);
   const bool parted = (record.flags & FreeWaterFlag) != 0 && w < state.x.size();
   const double s = std::min(1.0, std::exp(record.solubility_a - record.solubility_b / state.T));
   if (!parted || state.x[w] <= s)
     return add_phase(library, mixture, PhaseKind::liquid, fraction, state.x, state);
-  if (state.x[w] > water_rich)
+  if (state.x[w] > kWaterRich)
     return add_phase(library, mixture, PhaseKind::free_water, fraction, state.x, state);
   const double share = (state.x[w] - s) / (1.0 - s);
   std::vector<double> liquid(state.x), water(state.x.size(), 0.0);
@@ -58,10 +46,10 @@ struct Share {
 };
 
 // What the properties of the whole are summed over: the phases, or with free water the vapour and all liquid as
-// one, as the library's flashes at enthalpy and entropy have it.
+// one, as the library's flashes of two phases at enthalpy and entropy have it.
 std::vector<Share> shares(const Exports& library, const Mixture& mixture, const Equilibrium& s) {
   std::vector<Share> result;
-  const bool water = s.phase(PhaseKind::free_water) != nullptr;
+  const bool water = !s.three && s.phase(PhaseKind::free_water) != nullptr;
   for (const PhaseState& p : s.phases) {
     const bool parted = water && p.kind != PhaseKind::vapour;
     if (p.mole_fraction > 0.0 && !parted) result.push_back({p.mole_fraction, p.properties});
@@ -82,24 +70,6 @@ void add_sum(Property property, const std::vector<Share>& all, PropertyValues& s
     sum += share.fraction * share.properties[property];
   }
   if (std::isfinite(sum) || !has_value(status)) sums.set(property, status, sum);
-}
-
-void add_overall(const Exports& library, const Mixture& mixture, Equilibrium& state) {
-  state.overall = {PhaseKind::overall, 1.0, 1.0, mixture.z, mixture.molar_mass, {}};
-  PropertyValues& sums = state.overall.properties;
-  const std::vector<Share> all = shares(library, mixture, state);
-  if (all.size() == 1) {
-    sums = all.front().properties;
-    return;
-  }
-  for (const Property p :
-       {Property::molar_volume, Property::enthalpy, Property::entropy, Property::free_enthalpy}) {
-    add_sum(p, all, sums);
-  }
-  const double v = sums[Property::molar_volume];
-  if (std::isfinite(v)) {
-    sums.set(Property::density, sums.status(Property::molar_volume), 1e-3 * mixture.molar_mass / v);
-  }
 }
 
 // The library's flash: temperature, pressure, vapour fraction and compositions of the state.
@@ -142,6 +112,40 @@ void solve(const Exports& library, Mixture& mixture, Equilibrium& s) {
 
 }  // namespace
 
+std::size_t water_of(const Mixture& mixture) {
+  std::size_t w = 0;
+  while (w < mixture.components.size() && mixture.components[w].family != KV_FAMILY_WATER) ++w;
+  return w;
+}
+
+void add_phase(const Exports& library, const Mixture& mixture, PhaseKind kind, double fraction,
+               const std::vector<double>& x, Equilibrium& state) {
+  const std::size_t w = water_of(mixture);
+  PhaseState phase{kind, fraction, 0.0, x, molar_mass_of(mixture, x), {}, false};
+  phase.mass_fraction = fraction * phase.molar_mass / mixture.molar_mass;
+  phase.properties = phase_properties(library, mixture, kind, state.T, state.P, x, phase.molar_mass);
+  phase.aqueous = kind != PhaseKind::vapour && w < x.size() && x[w] > kAqueous;
+  state.phases.push_back(phase);
+}
+
+void add_overall(const Exports& library, const Mixture& mixture, Equilibrium& state) {
+  state.overall = {PhaseKind::overall, 1.0, 1.0, mixture.z, mixture.molar_mass, {}, false};
+  PropertyValues& sums = state.overall.properties;
+  const std::vector<Share> all = shares(library, mixture, state);
+  if (all.size() == 1) {
+    sums = all.front().properties;
+    return;
+  }
+  for (const Property p :
+       {Property::molar_volume, Property::enthalpy, Property::entropy, Property::free_enthalpy}) {
+    add_sum(p, all, sums);
+  }
+  const double v = sums[Property::molar_volume];
+  if (std::isfinite(v)) {
+    sums.set(Property::density, sums.status(Property::molar_volume), 1e-3 * mixture.molar_mass / v);
+  }
+}
+
 std::array<Quantity, 2> quantities_of(Given given) {
   switch (given) {
     case Given::HP:
@@ -164,6 +168,19 @@ const PhaseState* Equilibrium::phase(PhaseKind kind) const {
   return nullptr;
 }
 
+bool Equilibrium::iterate_left() const {
+  if (!flashed || answered() || of_fraction() || status >= KV_PURE_UNKNOWN) return false;
+  return !three || has_entries(y) || has_entries(x) || has_entries(xA);
+}
+
+double Equilibrium::liquid_fraction(bool aqueous) const {
+  double sum = 0.0;
+  for (const PhaseState& p : phases) {
+    if (p.kind != PhaseKind::vapour && p.aqueous == aqueous) sum += p.mole_fraction;
+  }
+  return sum;
+}
+
 StatusCode Equilibrium::first_failure() const {
   StatusCode result = status;
   for (const PhaseState& p : phases) result = combined(result, p.properties.first_failure());
@@ -173,6 +190,10 @@ StatusCode Equilibrium::first_failure() const {
 bool Equilibrium::extrapolated() const {
   return std::any_of(phases.begin(), phases.end(),
                      [](const PhaseState& p) { return p.properties.extrapolated(); });
+}
+
+double ratio(const PhaseState& phase, const PhaseState& other, std::size_t component) {
+  return other.x[component] > 0.0 ? phase.x[component] / other.x[component] : kNone;
 }
 
 std::string phases_in_words(const Equilibrium& state) {

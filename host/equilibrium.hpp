@@ -1,4 +1,4 @@
-// One state of a mixture: its phases with their properties, from the flashes of two phases.
+// One state of a mixture: its phases with their properties, from the flashes of two and of three phases.
 #pragma once
 
 #include <array>
@@ -22,6 +22,7 @@ struct PhaseState {
   std::vector<double> x;                // mole fractions
   double molar_mass;                    // g/mol
   PropertyValues properties;
+  bool aqueous;  // a liquid of more than one half water, by mole
 };
 
 struct Equilibrium {
@@ -36,24 +37,37 @@ struct Equilibrium {
   std::vector<PhaseState> phases;  // in the order of PhaseKind, with the incipient ones; none without an answer
   PhaseState overall;              // of a flash with an answer: the phases together
 
+  // Of a flash of up to three phases: the library's liquid A. x is its liquid B then, and K is empty.
+  bool three = false;
+  double beta_A = 0.0;  // mole fraction of A
+  std::vector<double> xA = {};
+
   bool of_fraction() const { return given == Given::WP || given == Given::WT; }
   // A status that comes with phases: one with a value, or a bubble or dew point where the feed is not stable.
   bool answered() const { return has_value(status) || status == KV_UNSTABLE_POINT; }
   // A flash that gave up on the way: beta, x, y, K and last_T are its last iterate.
-  bool iterate_left() const { return flashed && !answered() && !of_fraction() && status < KV_PURE_UNKNOWN; }
+  bool iterate_left() const;
   const PhaseState* phase(PhaseKind kind) const;  // null when absent
+  double liquid_fraction(bool aqueous) const;     // moles of the aqueous or of the other liquids
   StatusCode first_failure() const;               // of this call, then of the properties; else 0
   bool extrapolated() const;                      // see PropertyValues
 };
 
+// x_i in one phase over x_i in another, K = y/x; NaN where the other has none of the component.
+double ratio(const PhaseState& phase, const PhaseState& other, std::size_t component);
+
 // "two-phase" for vapour and liquid, else the names, "vapour + free water", "liquid, incipient vapour"; "-"
-// without an answer
+// without an answer. A flash of up to three phases always has the names.
 std::string phases_in_words(const Equilibrium& state);
 
 // The flash of the library from a cold start and the properties of every phase; at vapour fraction 0 or 1 the
 // phase that is about to form is one of them, with fraction 0. The values are in base units and in the order of
 // quantities_of. The mixture has been handed over to the library.
 Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double first, double second);
+
+// The same with up to three phases: vapour, hydrocarbon liquid and aqueous liquid (or free water), or two
+// liquids that are both hydrocarbon or both aqueous, the light and the heavy one.
+Equilibrium flash_of_three(const Exports& library, Mixture& mixture, Given given, double first, double second);
 
 // The mixture as one phase, vapour or liquid. T in K, P in Pa.
 Equilibrium single_phase_at_TP(const Exports& library, const Mixture& mixture, PhaseKind kind, double T,

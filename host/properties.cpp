@@ -98,7 +98,15 @@ void add_liquid_heat(Call& c, const Volume& volume, PropertyValues& result) {
 }  // namespace
 
 std::string_view phase_name(PhaseKind kind) {
-  constexpr std::string_view names[] = {"vapour", "liquid", "free water", "overall"};
+  constexpr std::string_view names[kPhaseKindCount] = {"vapour",       "liquid",       "hydrocarbon liquid",
+                                                       "light liquid", "heavy liquid", "aqueous liquid",
+                                                       "free water",   "overall"};
+  return names[static_cast<std::size_t>(kind)];
+}
+
+std::string_view short_phase_name(PhaseKind kind) {
+  constexpr std::string_view names[kPhaseKindCount] = {"vapour", "liquid",  "hydrocarbon", "light",
+                                                       "heavy",  "aqueous", "water",       "overall"};
   return names[static_cast<std::size_t>(kind)];
 }
 
@@ -144,7 +152,7 @@ PropertyValues phase_properties(const Exports& library, const Mixture& mixture, 
   if (kind == PhaseKind::vapour) {
     add_volume(call, library.GasDensity_PPR78, result);
     add_gas_only(call, result);
-  } else if (kind == PhaseKind::liquid) {
+  } else if (kind != PhaseKind::free_water) {
     add_liquid_heat(call, add_volume(call, library.LiquidDensity_PPR78, result), result);
   }
   const bool gas = kind == PhaseKind::vapour;

@@ -11,10 +11,22 @@
 
 namespace kestrune::host {
 
-enum class PhaseKind { vapour, liquid, free_water, overall };
+// In the order in which phases are shown. A flash of two phases has a liquid, one of three names what it is.
+enum class PhaseKind {
+  vapour,
+  liquid,
+  hydrocarbon_liquid,
+  light_liquid,
+  heavy_liquid,
+  aqueous_liquid,
+  free_water,
+  overall,
+};
+inline constexpr std::size_t kPhaseKindCount = 8;
 
-// "vapour", "liquid", "free water", "overall"
+// "vapour", "hydrocarbon liquid", "free water", "overall"; short: "hydrocarbon", "water"
 std::string_view phase_name(PhaseKind kind);
+std::string_view short_phase_name(PhaseKind kind);
 
 enum class Property {
   Z,

@@ -1,11 +1,14 @@
-// kestrune flash: liquid and vapour at two conditions.
+// kestrune flash: the phases at two conditions.
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <utility>
 
 #include "commands/states.hpp"
+#include "error.hpp"
 #include "table.hpp"
+#include "text.hpp"
 
 namespace kestrune::host {
 
@@ -14,33 +17,59 @@ namespace {
 struct FlashOptions {
   StateOptions states;
   bool details = false;
+  std::string phases = "2";
+
+  bool three() const;
 };
+
+bool FlashOptions::three() const {
+  const std::string_view number = trimmed(phases);
+  if (number != "2" && number != "3")
+    throw InputError(fmt::format("--phases {}: a flash looks for up to 2 or up to 3 phases", phases));
+  return number == "3";
+}
+
+// The enthalpy or entropy that was given has a column of its own; the vapour fraction has one in any case.
+bool of_energy(const StateReport& r) {
+  const Quantity given = quantities_of(r.states.front().given).front();
+  return given == Quantity::enthalpy || given == Quantity::entropy;
+}
+
+// Headings and fields that all summaries begin with: conditions, names and vapour fraction.
+std::vector<std::string> first_headings(const StateReport& r) {
+  const Quantity given = quantities_of(r.states.front().given).front();
+  std::vector<std::string> headings;
+  if (of_energy(r))
+    headings.push_back(fmt::format("{} {}", given == Quantity::enthalpy ? "H" : "S", r.units[given].name));
+  headings.insert(headings.end(),
+                  {fmt::format("T {}", r.units[Quantity::temperature].name),
+                   fmt::format("P {}", r.units[Quantity::pressure].name), "phases", "vapour mol"});
+  return headings;
+}
+
+std::vector<std::string> first_fields(const StateReport& r, const Equilibrium& s) {
+  const Unit &T = r.units[Quantity::temperature], &P = r.units[Quantity::pressure];
+  std::vector<std::string> row;
+  if (of_energy(r)) row.push_back(shown_given(r, s));
+  row.insert(row.end(), {shown_condition(T, s.T, 2), shown_condition(P, s.P, 3), phases_in_words(s),
+                         s.phases.empty() && !s.of_fraction() ? "-" : shown_fixed(s.beta, 6)});
+  return row;
+}
 
 void print_summary(const StateReport& r, std::ostream& out) {
   const bool water = (r.mixture.record.flags & FreeWaterFlag) != 0;
-  const Unit &T = r.units[Quantity::temperature], &P = r.units[Quantity::pressure];
   const std::string_view density = r.units[Quantity::density].name;
-  // The vapour fraction has a column in any case.
-  const Quantity given = quantities_of(r.states.front().given).front();
-  const bool energy = given == Quantity::enthalpy || given == Quantity::entropy;
-  std::vector<std::string> headings;
-  if (energy)
-    headings.push_back(fmt::format("{} {}", given == Quantity::enthalpy ? "H" : "S", r.units[given].name));
-  headings.insert(headings.end(),
-                  {fmt::format("T {}", T.name), fmt::format("P {}", P.name), "phases", "vapour mol"});
+  std::vector<std::string> headings = first_headings(r);
   if (water) headings.emplace_back("free water mol");
   headings.insert(headings.end(), {"Z vapour", "Z liquid", fmt::format("{} vap", density),
                                    fmt::format("{} liq", density), "status"});
-  Table table(headings, std::string(energy ? "r" : "") + (water ? "rrlrrrrrrl" : "rrlrrrrrl"));
+  Table table(headings, std::string(of_energy(r) ? "r" : "") + (water ? "rrlrrrrrrl" : "rrlrrrrrl"));
   for (const Equilibrium& s : r.states) {
     const auto of = [&](PhaseKind kind, Property property, const Unit& unit, int decimals) -> std::string {
       const PhaseState* p = s.phase(kind);
       return p == nullptr ? "-" : shown_fixed(unit.from_base(p->properties[property]), decimals);
     };
-    std::vector<std::string> row;
-    if (energy) row.push_back(shown_given(r, s));
-    row.insert(row.end(), {shown_condition(T, s.T, 2), shown_condition(P, s.P, 3), phases_in_words(s),
-                           s.phases.empty() && !s.of_fraction() ? "-" : shown_fixed(s.beta, 6)});
+    std::vector<std::string> row = first_fields(r, s);
     const PhaseState* free_water = s.phase(PhaseKind::free_water);
     if (water) row.push_back(free_water == nullptr ? "-" : shown_fixed(free_water->mole_fraction, 6));
     for (const auto& [property, decimals] : {std::pair{Property::Z, 5}, {Property::density, 3}}) {
@@ -54,20 +83,64 @@ void print_summary(const StateReport& r, std::ostream& out) {
   table.print(out);
 }
 
-// Mole fractions by component, with K = y/x where there is a vapour and a liquid.
+// Of up to three phases: a column for the fraction and one for the density of every phase that some state has.
+void print_summary_of_three(const StateReport& r, std::ostream& out) {
+  const Unit& density = r.units[Quantity::density];
+  std::vector<PhaseKind> kinds;
+  for (std::size_t k = 0; k < kPhaseKindCount; ++k) {
+    const auto kind = static_cast<PhaseKind>(k);
+    const auto has = [kind](const Equilibrium& s) { return s.phase(kind) != nullptr; };
+    if (std::any_of(r.states.begin(), r.states.end(), has)) kinds.push_back(kind);
+  }
+  std::vector<std::string> headings = first_headings(r);
+  std::string alignment = std::string(headings.size() - 2, 'r') + "lr";
+  for (const PhaseKind kind : kinds) {
+    if (kind != PhaseKind::vapour) headings.push_back(fmt::format("{} mol", short_phase_name(kind)));
+  }
+  for (const PhaseKind kind : kinds)
+    headings.push_back(fmt::format("{} {}", density.name, short_phase_name(kind)));
+  alignment += std::string(headings.size() - alignment.size(), 'r') + "l";
+  headings.emplace_back("status");
+  Table table(headings, alignment);
+  for (const Equilibrium& s : r.states) {
+    std::vector<std::string> row = first_fields(r, s);
+    for (const PhaseKind kind : kinds) {
+      const PhaseState* p = s.phase(kind);
+      if (kind != PhaseKind::vapour) row.push_back(p == nullptr ? "-" : shown_fixed(p->mole_fraction, 6));
+    }
+    for (const PhaseKind kind : kinds) {
+      const PhaseState* p = s.phase(kind);
+      row.push_back(p == nullptr ? "-" : shown_fixed(density.from_base(p->properties[Property::density]), 3));
+    }
+    row.push_back(short_status(s));
+    table.add(row);
+  }
+  table.print(out);
+}
+
+// Mole fractions by component, with K = y/x where there is a vapour and a liquid. Of two liquids, each has its
+// K, and without a vapour there is the ratio of one to the other.
 void print_composition(const StateReport& r, const Equilibrium& s, std::ostream& out) {
-  const PhaseState* vapour = s.phase(PhaseKind::vapour);
-  const PhaseState* liquid = s.phase(PhaseKind::liquid);
-  const bool ratios = vapour != nullptr && liquid != nullptr;
   std::vector<std::string> headings{"mole fractions", "feed"};
   const std::size_t columns = s.phases.size() > 1 ? s.phases.size() : 0;  // a single phase is the feed
   for (std::size_t p = 0; p < columns; ++p) headings.emplace_back(phase_name(s.phases[p].kind));
-  if (ratios) headings.emplace_back("K = y/x");
+  std::vector<const PhaseState*> divisors;
+  for (std::size_t p = 1; p < columns; ++p) {
+    const PhaseState& phase = s.phases[p];
+    if (!s.three && phase.kind != PhaseKind::liquid) continue;
+    divisors.push_back(&phase);
+    headings.push_back(
+        s.three ? fmt::format("{}/{}", short_phase_name(s.phases[0].kind), short_phase_name(phase.kind))
+                : "K = y/x");
+  }
   Table table(headings, "l");
-  for (std::size_t i = 0; i < s.x.size(); ++i) {
+  for (std::size_t i = 0; i < r.mixture.z.size(); ++i) {
     std::vector<std::string> row{std::string(r.mixture.components[i].name), shown_fraction(r.mixture.z[i])};
     for (std::size_t p = 0; p < columns; ++p) row.push_back(shown_fraction(s.phases[p].x[i]));
-    if (ratios) row.push_back(shown_digits(liquid->x[i] > 0.0 ? vapour->x[i] / liquid->x[i] : s.K[i], 5));
+    for (const PhaseState* divisor : divisors) {
+      const bool absent = !s.three && divisor->x[i] == 0.0;
+      row.push_back(shown_digits(absent ? s.K[i] : ratio(s.phases[0], *divisor, i), 5));
+    }
     table.add(row);
   }
   table.print(out);
@@ -76,12 +149,17 @@ void print_composition(const StateReport& r, const Equilibrium& s, std::ostream&
 // What the flash held when it gave up.
 void print_last_iterate(const StateReport& r, const Equilibrium& s, std::ostream& out) {
   const Unit& T = r.units[Quantity::temperature];
-  out << fmt::format("The last iterate, not an equilibrium: {} {}, vapour fraction {}\n\n",
+  out << fmt::format("The last iterate, not an equilibrium: {} {}, vapour fraction {}",
                      shown_condition(T, s.last_T, 3), T.name, shown_fraction(s.beta));
-  Table table({"mole fractions", "feed", "vapour", "liquid", "K"}, "l");
-  for (std::size_t i = 0; i < s.x.size(); ++i) {
+  if (s.three) out << fmt::format(", fraction of liquid A {}", shown_fraction(s.beta_A));
+  out << "\n\n";
+  std::vector<std::string> headings{"mole fractions", "feed", "vapour", "liquid", "K"};
+  if (s.three) headings = {"mole fractions", "feed", "vapour", "liquid A", "liquid B"};
+  Table table(headings, "l");
+  for (std::size_t i = 0; i < r.mixture.z.size(); ++i) {
     table.add({std::string(r.mixture.components[i].name), shown_fraction(r.mixture.z[i]),
-               shown_fraction(s.y[i]), shown_fraction(s.x[i]), shown_digits(s.K[i], 5)});
+               shown_fraction(s.y[i]), shown_fraction(s.three ? s.xA[i] : s.x[i]),
+               s.three ? shown_fraction(s.x[i]) : shown_digits(s.K[i], 5)});
   }
   table.print(out);
 }
@@ -104,7 +182,10 @@ void print_flash(const StateReport& r, bool details, std::ostream& out) {
   const bool summary = r.states.size() > 1;
   if (summary) {
     out << '\n';
-    print_summary(r, out);
+    if (r.states.front().three)
+      print_summary_of_three(r, out);
+    else
+      print_summary(r, out);
   }
   for (const Equilibrium& s : r.states) {
     if (summary && !details) break;
@@ -126,12 +207,15 @@ void add_flash_command(CLI::App& app, Session& session) {
   options->states.conditions.add_TP_to(*command, false);
   options->states.conditions.add_energy_and_fraction_to(*command);
   options->states.add_to(*command);
+  command->add_option("--phases", options->phases,
+                      "2 (default): vapour and liquid; 3: two liquids and vapour, for instance hydrocarbons "
+                      "with an aqueous liquid");
   command->add_flag("--details", options->details, "Composition of every state, not of a single one only");
   command->callback([options, &session] {
     const auto print = [&](const StateReport& report, std::ostream& out) {
       print_flash(report, options->details, out);
     };
-    report_states(options->states, session, flash, print, false);
+    report_states(options->states, session, options->three() ? flash_of_three : flash, print, false);
   });
 }
 

@@ -87,6 +87,31 @@ ordered_json given_json(const Equilibrium& s) {
   return {{std::string(key_of(quantities[0])), s.values[0]}, {std::string(key_of(quantities[1])), s.values[1]}};
 }
 
+ordered_json last_iterate_json(const Mixture& m, const Equilibrium& s) {
+  ordered_json root{{"temperature_K", s.last_T}, {"vapour_fraction", s.beta}};
+  if (s.three) root["liquid_A_fraction"] = s.beta_A;
+  root["vapour"] = by_component(m, s.y);
+  if (s.three) root["liquid_A"] = by_component(m, s.xA);
+  root[s.three ? "liquid_B" : "liquid"] = by_component(m, s.x);
+  return root;
+}
+
+// The fractions of the liquids, and K = y/x and its like for every pair of phases: "vapour/aqueous liquid".
+void add_three_phases(const Mixture& m, const Equilibrium& s, ordered_json& root) {
+  root["hydrocarbon_liquid_fraction"] = s.liquid_fraction(false);
+  root["aqueous_liquid_fraction"] = s.liquid_fraction(true);
+  ordered_json K = ordered_json::object();
+  for (std::size_t p = 0; p < s.phases.size(); ++p) {
+    for (std::size_t q = p + 1; q < s.phases.size(); ++q) {
+      std::vector<double> ratios(m.z.size());
+      for (std::size_t i = 0; i < ratios.size(); ++i) ratios[i] = ratio(s.phases[p], s.phases[q], i);
+      K[fmt::format("{}/{}", phase_name(s.phases[p].kind), phase_name(s.phases[q].kind))] =
+          by_component(m, ratios);
+    }
+  }
+  root["K"] = K;
+}
+
 ordered_json state_json(const Mixture& m, const Equilibrium& s) {
   ordered_json root{{"given", given_json(s)},
                     {"temperature_K", s.T},  // NaN becomes null
@@ -96,15 +121,14 @@ ordered_json state_json(const Mixture& m, const Equilibrium& s) {
                     {"status_text", kv_status_text(s.status)},
                     {"phases", ordered_json::array()}};
   for (const PhaseState& p : s.phases) root["phases"].push_back(phase_json(m, p));
-  if (s.iterate_left()) {
-    root["last_iterate"] = {{"temperature_K", s.last_T},
-                            {"vapour_fraction", s.beta},
-                            {"vapour", by_component(m, s.y)},
-                            {"liquid", by_component(m, s.x)}};
-  }
+  if (s.iterate_left()) root["last_iterate"] = last_iterate_json(m, s);
   if (!s.flashed || !s.answered()) return root;
   root["overall"] = phase_json(m, s.overall);
   root["vapour_fraction"] = s.beta;
+  if (s.three) {
+    add_three_phases(m, s, root);
+    return root;
+  }
   if (s.beta == 0.0 || s.beta == 1.0) {
     const bool gas = s.beta == 1.0;
     root["incipient_phase"] = {{"phase", gas ? "liquid" : "vapour"},

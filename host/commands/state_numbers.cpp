@@ -29,6 +29,10 @@ constexpr StateNumber kStateNumbers[] = {
     {"T", "temperature_K", [](const Equilibrium& s) { return s.T; }},
     {"P", "pressure_Pa", [](const Equilibrium& s) { return s.P; }},
     {"beta", "vapour_fraction", [](const Equilibrium& s) { return s.phases.empty() ? kNone : s.beta; }},
+    {"hydrocarbon", "hydrocarbon_liquid_fraction",
+     [](const Equilibrium& s) { return s.phases.empty() ? kNone : s.liquid_fraction(false); }},
+    {"aqueous", "aqueous_liquid_fraction",
+     [](const Equilibrium& s) { return s.phases.empty() ? kNone : s.liquid_fraction(true); }},
     {"M", "molar_mass_g_mol", [](const Equilibrium& s) { return whole(s) ? whole(s)->molar_mass : kNone; }}};
 
 const StateNumber* find_state_number(const std::string& name) {
@@ -56,8 +60,8 @@ void check_number_names(const std::vector<std::string>& names) {
   for (const std::string& name : names) {
     if (find_state_number(name) != nullptr || find_property(name) != nullptr) continue;
     throw InputError(
-        fmt::format("unknown number \"{}\": print T, P, beta, M, H, S, G, Z, density or a key of the JSON "
-                    "output such as molar_volume_m3_mol",
+        fmt::format("unknown number \"{}\": print T, P, beta, hydrocarbon, aqueous, M, H, S, G, Z, density "
+                    "or a key of the JSON output such as molar_volume_m3_mol",
                     name));
   }
 }

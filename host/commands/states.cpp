@@ -16,8 +16,8 @@ void StateOptions::add_to(CLI::App& command) {
                      "cal/mol, Btu/lb or Btu/lbmol");
   command
       .add_option("--print", print,
-                  "Only these numbers, one line per state, in the units of JSON: T, P, beta, M, H, S, G, Z, "
-                  "density or a key of JSON, by commas")
+                  "Only these numbers, one line per state, in the units of JSON: T, P, beta, hydrocarbon, "
+                  "aqueous, M, H, S, G, Z, density or a key of JSON, by commas")
       ->excludes(command.get_option("--format"));
 }
 

@@ -25,6 +25,15 @@ inline bool usable_compositions(int n, const double* x, const double* y) noexcep
   return std::fabs(sx - 1.0) <= 1e-6 && std::fabs(sy - 1.0) <= 1e-6;
 }
 
+/* The most that there can be of a phase w[n], with what the feed z[n] has of its main components. */
+inline double most_of(int n, const double* z, const double* w) noexcept {
+  constexpr double kMain = 0.05;
+  double most = 1.0;
+  for (int i = 0; i < n; ++i)
+    if (w[i] > kMain) most = std::fmin(most, z[i] / w[i]);
+  return most;
+}
+
 }  // namespace kestrune::flash
 
 #endif

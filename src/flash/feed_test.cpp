@@ -18,11 +18,15 @@ constexpr double kLightGas = 310.0;
 // to keep to themselves: critical pressure above this, atm. No hydrocarbon comes near it.
 constexpr double kCohesive = 60.0;
 // b/v of a dilute gas: half the critical packing.
+// ln of the fugacity of a component that is absent: no coefficient brings it back.
+constexpr double kNone = -1e5;
 // Distance from which on a liquid is missing beside a vapour of a free-water answer.
 constexpr double kUnstableLiquid = -1e-9;
 // Hydrocarbon liquids end somewhere above Kay's pseudo-critical temperature, the more so the wider they boil.
 constexpr double kLiquidReach = 1.25;
 constexpr double kDilutePacking = 0.04;
+// Parts of the second of two phases in the mixtures of them that trials start from.
+constexpr double kBetween[] = {0.1, 0.25, 0.5, 0.75};
 // Length of a first step along the direction of lowest curvature, in sqrt(W).
 constexpr double kAlong = 0.2;
 constexpr double kGasPacking = 0.5 / eos::kCriticalVolumeRatio;
@@ -52,6 +56,51 @@ bool run_trial(Flash& f, const Reference& ref, Kind kind) {
   return true;
 }
 
+// Trials are followed strictly while this lives.
+class StrictTrials {
+ public:
+  explicit StrictTrials(Flash& f) : f_(f), before_(f.how) { f.how = Follow::strict; }
+  ~StrictTrials() { f_.how = before_; }
+  StrictTrials(const StrictTrials&) = delete;
+  StrictTrials& operator=(const StrictTrials&) = delete;
+
+ private:
+  Flash& f_;
+  Follow before_;
+};
+
+// A trial from a composition [ld] on its other root, where it has one.
+bool other_root_trial(Flash& f, const Reference& ref, const double* w) {
+  Kind kind = Kind::liquid;
+  bool found = false;
+  f.status = start_other_root(f.m, ref, w, f.trial, kind, found);
+  if (f.status != KV_OK || !found) return f.status == KV_OK;
+  const StrictTrials strict(f);
+  return run_trial(f, ref, kind);
+}
+
+// Trials from mixtures of two phases of an answer, on both roots: what lies between them, or close to one.
+bool trials_between(Flash& f, const Reference& ref, const double* a, const double* b) {
+  const StrictTrials strict(f);
+  for (const double part : kBetween) {
+    double sum = 0.0;
+    for (int i = 0; i < f.m.ld; ++i) {
+      f.dry[i] =
+          a[i] > 0.0 && b[i] > 0.0
+              ? support::fast_exp((1.0 - part) * support::fast_log(a[i]) + part * support::fast_log(b[i]))
+              : 0.0;
+      sum += f.dry[i];
+    }
+    for (int i = 0; i < f.m.ld; ++i) f.dry[i] /= sum;
+    f.trial.Z = 0.0;
+    f.status = fugacity(f.m, f.dry, Kind::stable, f.trial.ln_phi, nullptr, f.trial.Z);
+    if (f.status != KV_OK) return false;
+    for (int i = 0; i < f.m.n; ++i) f.trial.log_w[i] = ref.d[i] - f.trial.ln_phi[i];
+    if (!run_trial(f, ref, liquid_kind(f)) || !other_root_trial(f, ref, f.dry)) return false;
+  }
+  return true;
+}
+
 // Near-pure trials: the component that Wilson's coefficients favour most, light gases, water, the heaviest.
 bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
   const int n = f.m.n;
@@ -69,8 +118,16 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
       favoured = i;
     }
   }
-  for (int j = 0; j < n; ++j) {
-    if (!(f.it.z[j] > 0.0)) continue;
+  for (int k = water >= 0 ? -1 : 0; k < n; ++k) {
+    const int j = k < 0 ? water : k;  // water first
+    if (!(f.it.z[j] > 0.0) || (j == water && k >= 0)) continue;
+    if (f.thorough()) {
+      f.status = start_near_pure(f.m, ref, j, f.trial);
+      if (f.status != KV_OK || !run_trial(f, ref, liquid_kind(f))) return false;
+      for (int i = 0; i < n; ++i) f.dry[i] = i == j ? 1.0 : 0.0;
+      if (!other_root_trial(f, ref, f.dry)) return false;
+      continue;
+    }
     if (!(j == heaviest || j == favoured || j == water || Tc[j] < kLightGas || Pc[j] > kCohesive)) continue;
     // Above its critical temperature a component that a phase consists of has no second phase of its own.
     if (f.call.T > Tc[j] && (ref.z[j] > 0.5 || (ref.other != nullptr && ref.other[j] > 0.5))) continue;
@@ -198,7 +255,8 @@ bool evaluate_feed(Flash& f) {
     f.feed_kind = f.liquids_only() ? Kind::liquid : kind_of(f, f.it.z, Z);
   }
   f.feed_Z = Z;
-  for (int i = 0; i < f.m.ld; ++i) f.d[i] = support::fast_log(f.it.z[i]) + f.feed_phi[i];
+  for (int i = 0; i < f.m.ld; ++i)
+    f.d[i] = f.it.z[i] > 0.0 ? support::fast_log(f.it.z[i]) + f.feed_phi[i] : kNone;
   f.feed_gibbs = 0.0;
   for (int i = 0; i < n; ++i) f.feed_gibbs += f.it.z[i] * f.d[i];
   return true;
@@ -220,6 +278,7 @@ bool test_feed(Flash& f) {
   if (f.feed_kind == Kind::liquid && f.trial.end == TrialEnd::trivial) {
     if (!start_trial(f, ref, kIdealGas) || !run_trial(f, ref, vapour_kind(f))) return false;
   }
+  if (f.thorough() && !other_root_trial(f, ref, f.it.z)) return false;
   return near_pure_trials(f, ref, f.feed_kind == Kind::gas);
 }
 
@@ -232,6 +291,9 @@ bool test_answer(Flash& f, bool& stable) {
     const bool of_y = vapour || f.it.y[i] > f.it.x[i];
     f.answer_d[i] = of_y ? support::fast_log(f.it.y[i]) + f.it.ln_phi_y[i]
                          : support::fast_log(f.it.x[i]) + f.it.ln_phi_x[i];
+    if (!(f.it.z[i] > 0.0)) f.answer_d[i] = kNone;
+    if (f.third.x != nullptr && f.third.x[i] > std::max(f.it.x[i], f.it.y[i]))
+      f.answer_d[i] = support::fast_log(f.third.x[i]) + f.third.ln_phi[i];
   }
   f.have_lowest = false;
   f.how = vapour ? Follow::strict : Follow::quick;
@@ -241,16 +303,24 @@ bool test_answer(Flash& f, bool& stable) {
     // The liquid and the gas that the vapour would form, whether there is water beside it or not.
     if (!wilson_trials(f, {f.it.y, f.answer_d})) return false;
   } else {
-    const Reference plane{f.it.x, f.answer_d, f.it.y};
-    const bool have_gas = kind_of(f, f.it.y, f.it.Zy) == Kind::gas || kind_of(f, f.it.x, f.it.Zx) == Kind::gas;
+    const Reference plane{f.it.x, f.answer_d, f.it.y, nullptr, 0, f.third.x};
+    const bool have_gas = kind_of(f, f.it.y, f.it.Zy) == Kind::gas ||
+                          kind_of(f, f.it.x, f.it.Zx) == Kind::gas ||
+                          (f.third.x != nullptr && kind_of(f, f.third.x, f.third.Z) == Kind::gas);
     if (!start_trial(f, plane, kWilsonLiquid) || !run_trial(f, plane, liquid_kind(f))) return false;
-    if (!have_gas && !f.liquids_only() &&
+    if ((!have_gas || f.thorough()) && !f.liquids_only() &&
         (!start_trial(f, plane, kWilsonVapour) || !run_trial(f, plane, vapour_kind(f))))
       return false;
     if (!near_pure_trials(f, plane, have_gas)) return false;
+    if (f.thorough() && f.third.x == nullptr && !trials_between(f, plane, f.it.y, f.it.x)) return false;
+    if (f.thorough())
+      for (const double* phase :
+           {static_cast<const double*>(f.it.x), static_cast<const double*>(f.it.y), f.third.x})
+        if (phase != nullptr && !other_root_trial(f, plane, phase)) return false;
     // A trial came back to a phase of the answer: that settles it only where the phase is clearly convex.
     if (f.came_back && !(f.have_lowest && f.lowest.tm < kUnstable) &&
-        !(test_curvature(f, plane) && test_curvature(f, {f.it.y, f.answer_d, f.it.x})))
+        !(test_curvature(f, plane) && test_curvature(f, {f.it.y, f.answer_d, f.it.x, nullptr, 0, f.third.x}) &&
+          (f.third.x == nullptr || test_curvature(f, {f.third.x, f.answer_d, f.it.x, nullptr, 0, f.it.y}))))
       return false;
   }
   stable = !(f.have_lowest && f.lowest.tm < (vapour ? kUnstableLiquid : kUnstable));

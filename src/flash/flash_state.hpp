@@ -42,8 +42,14 @@ struct Flash {
   double feed_Z = 0.0;
   Kind feed_kind = Kind::stable;
   StatusCode status = KV_OK;  // of the fugacity routine
+  // A third phase of the answer under test, null without one.
+  struct Third {
+    const double *x = nullptr, *ln_phi = nullptr;
+    double Z = 0.0;
+  } third;
 
   bool liquids_only() const { return call.mode == Mode::liquid_liquid; }
+  bool thorough() const { return call.third != nullptr; }  // every component is tried
 };
 
 /*
@@ -122,9 +128,12 @@ bool settle_answer(Flash& f);
 
 /*
  * Test of an answer: near-pure trials against the tangent plane of the phase it.x (which is that of it.y as
- * well). f.lowest is the phase that cuts it. False: f.status.
+ * well, and of f.third). f.lowest is the phase that cuts it. False: f.status.
  */
 bool test_answer(Flash& f, bool& stable);
+
+/* Hands f.lowest to a caller that asked for it. */
+void report_third(Flash& f);
 
 /* Takes f.lowest to its stationary point, for an incipient phase that is reported. */
 bool finish_lowest(Flash& f);

@@ -20,6 +20,8 @@ namespace {
 // Phase-situation codes of a solve that ends with one phase.
 enum class Situation { liquid = 3, vapour = 4 };
 
+constexpr double kNoAmount = 1e-13;
+
 // A usable estimate: fraction inside (0, 1), compositions that are compositions.
 bool usable_estimate(const IsothermalCall& c, int n) {
   return *c.beta > 0.0 && *c.beta < 1.0 && usable_compositions(n, c.x, c.y);
@@ -87,8 +89,9 @@ StatusCode split_from_trial(Flash& f) {
     if (good_split(f, true, outcome)) return finish_two_phases(f);
     if (outcome == Outcome::routine) return write_answer(f, f.status);
   }
-  // On the boundary itself: what splits off has no amount that could be told from rounding.
-  if (f.lowest.tm > -1e-8) return finish_single_phase(f);
+  report_third(f);
+  // On the boundary itself, or of traces alone: what splits off has no amount that could be told from rounding.
+  if (f.lowest.tm > -1e-8 || most_of(f.m.n, f.it.z, f.lowest.w) < kNoAmount) return finish_single_phase(f);
   return write_answer(f, outcome == Outcome::exhausted ? KV_NOT_CONVERGED : KV_TRIVIAL);
 }
 
@@ -129,10 +132,13 @@ void take_iterate(support::Arena& arena, int ld, Iterate& it) {
 // Everything that a flash works with, then body(flash).
 template <class Body>
 StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& body) {
-  Model m;
-  const StatusCode status =
-      make_model(call.T, call.P, call.mixture, call.routines, call.free_water, 0, arena, m);
-  if (status != KV_OK) return status;
+  Model own;
+  if (call.model == nullptr) {
+    const StatusCode status =
+        make_model(call.T, call.P, call.mixture, call.routines, call.free_water, 0, arena, own);
+    if (status != KV_OK) return status;
+  }
+  Model& m = call.model != nullptr ? *call.model : own;
   Settings settings = copy_settings(*call.mixture);
   apply_robust_settings(kModelOptions, settings);
   support::TraceWriter trace(settings.trace, settings.trace_unit);
@@ -205,6 +211,30 @@ StatusCode answer_stability(const IsothermalCall& call, double& distance) {
     bool stable = true;
     if (!test_answer(f, stable)) return f.status;
     distance = f.have_lowest ? std::min(f.lowest.tm, 0.0) : 0.0;
+    return KV_OK;
+  };
+  return support::with_arena<6, 100>(call.mixture->count,
+                                     [&](support::Arena& arena) { return with_flash(call, arena, body); });
+}
+
+StatusCode phases_stability(const IsothermalCall& call, int count, const double* const* phases) {
+  const auto body = [&](Flash& f) -> StatusCode {
+    wilson(call.T, call.P, *call.mixture, false, f.wilson_k, nullptr);
+    // The third phase stands where the iteration keeps its best answer.
+    double* const compositions[] = {f.it.x, f.it.y, f.best.x};
+    double* const phi[] = {f.it.ln_phi_x, f.it.ln_phi_y, f.best.ln_phi_x};
+    double Z[3] = {};
+    for (int j = 0; j < count; ++j) {
+      std::copy_n(phases[j], f.m.n, compositions[j]);
+      f.status = fugacity(f.m, compositions[j], Kind::stable, phi[j], nullptr, Z[j]);
+      if (f.status != KV_OK) return f.status;
+    }
+    f.it.Zx = Z[0];
+    f.it.Zy = Z[1];
+    if (count > 2) f.third = {f.best.x, f.best.ln_phi_x, Z[2]};
+    bool stable = true;
+    if (!test_answer(f, stable)) return f.status;
+    if (!stable) report_third(f);
     return KV_OK;
   };
   return support::with_arena<6, 100>(call.mixture->count,

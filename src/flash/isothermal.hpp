@@ -14,6 +14,16 @@ enum class Start {
   cold_with_hint  // cold, but beta, x, y hold a further starting point (the water retry)
 };
 
+/*
+ * For a caller that looks for a third phase itself: an answer of two phases that a further phase cuts is then
+ * returned as it is, and every component present is tried as a phase of its own.
+ */
+struct ThirdPhase {
+  double* w = nullptr;  // [n] composition of what cuts the answer's tangent plane
+  bool found = false;   // it does; also when the split of an unstable feed failed
+  double distance = 0.0;
+};
+
 /* One flash: what goes in and where the answer goes. Arrays [n] of the caller. */
 struct IsothermalCall {
   double T = 0.0, P = 0.0;    // K, atm
@@ -26,7 +36,9 @@ struct IsothermalCall {
   int index = 1;           // initialisation index, for the trace
   double* beta = nullptr;  // vapour (second liquid) fraction
   double *x = nullptr, *y = nullptr, *K = nullptr;
-  Counts* counts = nullptr;  // may be null
+  Counts* counts = nullptr;     // may be null
+  Model* model = nullptr;       // prepared for this call; null: the flash makes its own
+  ThirdPhase* third = nullptr;  // may be null; not with free water
 };
 
 /*
@@ -50,6 +62,12 @@ StatusCode feed_stability(const IsothermalCall& call, const double* incipient, d
  * it. beta says which phase is the larger one. The call's arrays are read only.
  */
 StatusCode answer_stability(const IsothermalCall& call, double& distance);
+
+/*
+ * The same of two or three phases [count][ld] in equilibrium, of which every component is tried alone.
+ * call.third receives the phase that cuts. The call's other results are not used.
+ */
+StatusCode phases_stability(const IsothermalCall& call, int count, const double* const* phases);
 
 }  // namespace kestrune::flash
 

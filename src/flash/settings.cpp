@@ -31,6 +31,10 @@ double pure_tolerance(const MixtureRecord& mixture) noexcept {
   return usable(mixture.pure_tolerance, KV_DEFAULT_PURE_TOLERANCE);
 }
 
+double sum_tolerance(const MixtureRecord& mixture) noexcept {
+  return usable(mixture.sum_tolerance, KV_DEFAULT_SUM_TOLERANCE);
+}
+
 double lowest_temperature(const MixtureRecord& mixture) noexcept {
   const double* low = mixture.table + static_cast<std::size_t>(KV_COL_TMIN_PSAT - 1) * mixture.count;
   double least = 1000.0;

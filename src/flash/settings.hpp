@@ -39,6 +39,9 @@ Settings copy_settings(const MixtureRecord& mixture) noexcept;
 /* Distance from 1 within which one fraction makes a feed a single component. */
 double pure_tolerance(const MixtureRecord& mixture) noexcept;
 
+/* Largest |sum of the feed - 1| where a flash tests it. */
+double sum_tolerance(const MixtureRecord& mixture) noexcept;
+
 /* TMIN: the smallest of the lower temperatures of the components, from 1000 and never above 200 K. */
 double lowest_temperature(const MixtureRecord& mixture) noexcept;
 

@@ -138,7 +138,8 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
     factor = 1.0;
     if (k >= 1 && std::fabs(t.tm) < kTrivialDistance &&
         (returns_to(ref.z, m.n, quick, work, t) ||
-         (ref.other != nullptr && returns_to(ref.other, m.n, quick, work, t)))) {
+         (ref.other != nullptr && returns_to(ref.other, m.n, quick, work, t)) ||
+         (ref.third != nullptr && returns_to(ref.third, m.n, quick, work, t)))) {
       t.end = TrialEnd::trivial;
       return KV_OK;
     }
@@ -212,6 +213,34 @@ StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& t) {
   } else {
     for (int i = 0; i < m.ld; ++i) t.w[i] = i == j ? 1.0 : 0.0;
     const StatusCode status = fugacity(m, t.w, Kind::stable, t.ln_phi, nullptr, t.Z);
+    if (status != KV_OK) return status;
+  }
+  for (int i = 0; i < m.n; ++i) t.log_w[i] = ref.d[i] - t.ln_phi[i];
+  return KV_OK;
+}
+
+StatusCode start_other_root(Model& m, const Reference& ref, const double* w, Trial& t, Kind& kind,
+                            bool& found) {
+  found = true;
+  kind = Kind::liquid;
+  t.Z = 0.0;
+  if (m.built_in()) {
+    const eos::Mixture mixed = eos::mix(m.t, w, m.s);
+    const double rt = eos::kR * m.T, A = mixed.a * m.P / (rt * rt), B = mixed.b * m.P / rt;
+    found = eos::may_have_three_roots(A, B);
+    double Z[2] = {};
+    for (const int phase : {KV_PHASE_GAS, KV_PHASE_LIQUID})
+      found = found && eos::solve_root(m.bracub, A, B, phase, false, Z[phase - 1]) == 0;
+    if (!found) return KV_OK;
+    ++m.counts.fugacities;
+    eos::Root gas, liquid;
+    eos::reduce(m.t, mixed, m.P, Z[KV_PHASE_GAS - 1], gas);
+    eos::reduce(m.t, mixed, m.P, Z[KV_PHASE_LIQUID - 1], liquid);
+    const bool gas_stable = eos::residual_gibbs(mixed, gas) <= eos::residual_gibbs(mixed, liquid);
+    kind = gas_stable ? Kind::liquid : Kind::gas;
+    eos::ln_phi(m.t, mixed, gas_stable ? liquid : gas, m.s, t.ln_phi);
+  } else {
+    const StatusCode status = fugacity(m, w, kind, t.ln_phi, nullptr, t.Z);
     if (status != KV_OK) return status;
   }
   for (int i = 0; i < m.n; ++i) t.log_w[i] = ref.d[i] - t.ln_phi[i];

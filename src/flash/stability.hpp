@@ -19,6 +19,7 @@ struct Reference {
   const double* other = nullptr;  // [ld]
   const double* known = nullptr;  // [ld * known_count]
   int known_count = 0;
+  const double* third = nullptr;  // [ld] a third phase that touches the plane
 };
 
 // How a trial ended.
@@ -79,6 +80,14 @@ bool clearly_convex(Model& m, const Reference& ref, Kind kind, const TrialWork& 
  * the logarithm of the activity of j, which decides whether the trial is worth following.
  */
 StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& trial);
+
+/*
+ * First substitution from the composition w[ld] on the root that is not its stable one, which a liquid beside a
+ * vapour of nearly its composition needs: the way from the stable root leads back to the vapour. kind is the
+ * root to follow then. found false: there is no such root. With a host's routine the liquid is taken.
+ */
+StatusCode start_other_root(Model& m, const Reference& ref, const double* w, Trial& trial, Kind& kind,
+                            bool& found);
 
 }  // namespace kestrune::flash
 

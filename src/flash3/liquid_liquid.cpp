@@ -11,27 +11,11 @@
 namespace kestrune::flash3 {
 namespace {
 
-using DensityRoutine = StatusCode(KV_CALL*)(double, double, const double*, MixtureRecord*, double*, double*,
-                                            double*, double*);
-
-// Density of a liquid by the host's routine or by the library's.
-StatusCode liquid_density(const LiquidLiquidCall& c, const double* x, double& rho) {
-  void* const entry = c.routines != nullptr ? c.routines->entry[KV_ROUTINE_LIQUID_ORDER - 1] : nullptr;
-  if (entry != nullptr) {
-    double d_dT = 0.0, d_dP = 0.0, d2_dTdP = 0.0;
-    return reinterpret_cast<DensityRoutine>(entry)(c.T, c.P, x, c.mixture, &rho, &d_dT, &d_dP, &d2_dTdP);
-  }
-  eos::Density d{};
-  const StatusCode status = eos::density({c.T, c.P, x, KV_PHASE_LIQUID, c.mixture}, d);
-  rho = d.rho;
-  return eos::has_values(status) ? StatusCode{KV_OK} : status;
-}
-
 // The denser liquid first.
 StatusCode order_liquids(const LiquidLiquidCall& c) {
   double first = 0.0, second = 0.0;
-  StatusCode status = liquid_density(c, c.liquid1, first);
-  if (status == KV_OK) status = liquid_density(c, c.liquid2, second);
+  StatusCode status = density_of_liquid({c.T, c.P, c.liquid1, c.mixture, c.routines}, first);
+  if (status == KV_OK) status = density_of_liquid({c.T, c.P, c.liquid2, c.mixture, c.routines}, second);
   if (status != KV_OK || !(first < second)) return status;
   const int n = c.mixture->count;
   std::swap_ranges(c.liquid1, c.liquid1 + n, c.liquid2);
@@ -50,6 +34,22 @@ bool is_pure(const LiquidLiquidCall& c) {
 }
 
 }  // namespace
+
+DensityRoutine host_density(const ModelRoutines* routines) noexcept {
+  return routines != nullptr ? reinterpret_cast<DensityRoutine>(routines->entry[KV_ROUTINE_LIQUID_ORDER - 1])
+                             : nullptr;
+}
+
+StatusCode density_of_liquid(const LiquidPhase& l, double& rho) {
+  if (const DensityRoutine routine = host_density(l.routines)) {
+    double d_dT = 0.0, d_dP = 0.0, d2_dTdP = 0.0;
+    return routine(l.T, l.P, l.x, l.mixture, &rho, &d_dT, &d_dP, &d2_dTdP);
+  }
+  eos::Density d{};
+  const StatusCode status = eos::density({l.T, l.P, l.x, KV_PHASE_LIQUID, l.mixture}, d);
+  rho = d.rho;
+  return eos::has_values(status) ? StatusCode{KV_OK} : status;
+}
 
 StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
   const int n = c.mixture->count;

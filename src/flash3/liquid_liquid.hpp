@@ -25,6 +25,21 @@ struct LiquidLiquidCall {
  */
 StatusCode liquid_liquid_flash(const LiquidLiquidCall& call);
 
+using DensityRoutine = StatusCode(KV_CALL*)(double, double, const double*, MixtureRecord*, double*, double*,
+                                            double*, double*);
+
+/* The routine of a host that orders liquids (entry 10), null without one. */
+DensityRoutine host_density(const ModelRoutines* routines) noexcept;
+
+struct LiquidPhase {
+  double T, P;  // K, atm
+  const double* x;
+  MixtureRecord* mixture;
+  const ModelRoutines* routines;
+};
+/* Mass density of a liquid, g/cm3, by the host's routine or by the library's. */
+StatusCode density_of_liquid(const LiquidPhase& liquid, double& rho);
+
 }  // namespace kestrune::flash3
 
 #endif

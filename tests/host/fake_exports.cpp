@@ -6,11 +6,6 @@
     return 9001;                         \
   }
 FAKE(CriticalPoint)
-FAKE(FlashLLVatHP)
-FAKE(FlashLLVatSP)
-FAKE(FlashLLVatTP)
-FAKE(FlashLLVatWP)
-FAKE(FlashLLVatWT)
 FAKE(FlashLLatTP)
 FAKE(GasMolarEnthalpy_Derivatives_PPR78)
 FAKE(GasMolarEntropy_Derivatives_PPR78)

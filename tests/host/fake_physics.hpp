@@ -20,6 +20,10 @@ constexpr double kHighestSaturation_T = 400.0;  // K
 constexpr double kHighestSaturation_P = 90.0;   // atm
 constexpr double kUnstable = 60.0;              // atm
 
+// Three phases: mole fraction of water in the aqueous liquid, and below what other liquids part in two.
+constexpr double kPurity = 0.95;
+constexpr double kTwoLiquids = 160.0;  // K
+
 // cm3/mol, at 298.15 K and 1 atm; elsewhere (1 + expansion (T - T0) - compression (P - 1)) times it.
 constexpr double liquid_volume(int component) {
   return 50.0 + 10.0 * component;

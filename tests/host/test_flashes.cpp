@@ -189,7 +189,10 @@ TEST(real_library, temperature_returns_from_enthalpy_and_entropy) {
   const struct {
     std::string gas;
     std::vector<std::string> options;
-  } cases[] = {{kRich, {}}, {"methane=0.5,n-decane=0.2,water=0.3", {"--free-water"}}};
+  } cases[] = {{kRich, {}},
+               {"methane=0.5,n-decane=0.2,water=0.3", {"--free-water"}},
+               {"methane=0.5,n-decane=0.2,water=0.3", {"--free-water", "--phases", "3"}},
+               {"methane=0.5,n-heptane=0.2,water=0.3", {"--phases", "3"}}};
   for (const auto& c : cases) {
     for (const char* T : {"220", "290", "350"}) {
       const auto at = [&](std::vector<std::string> more) {

@@ -2,7 +2,6 @@
 
 #include <dlfcn.h>
 
-#include <chrono>
 #include <filesystem>
 #include <stdexcept>
 
@@ -13,14 +12,6 @@ template <class Function>
 void resolve(void* handle, const char* name, Function& function) {
   function = reinterpret_cast<Function>(dlsym(handle, name));
   if (!function) throw std::runtime_error(std::string("the library does not export ") + name);
-}
-
-// Seconds that call() takes.
-template <class Call>
-double timed(const Call& call) {
-  const auto start = std::chrono::steady_clock::now();
-  call();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
 }  // namespace
@@ -36,6 +27,11 @@ Library::Library(const std::string& file) {
   resolve(handle, "FlashLVatWT", at_temperature_);
   resolve(handle, "FlashLVatHP", caloric_[0]);
   resolve(handle, "FlashLVatSP", caloric_[1]);
+  resolve(handle, "FlashLLVatTP", three_);
+  resolve(handle, "FlashLLVatHP", three_caloric_[0]);
+  resolve(handle, "FlashLLVatSP", three_caloric_[1]);
+  resolve(handle, "FlashLLVatWP", three_at_pressure_);
+  resolve(handle, "FlashLLVatWT", three_at_temperature_);
   resolve(handle, "LiquidMolarEnthalpy_PPR78", property_[0][0]);
   resolve(handle, "GasMolarEnthalpy_PPR78", property_[0][1]);
   resolve(handle, "LiquidMolarEntropy_PPR78", property_[1][0]);
@@ -77,6 +73,10 @@ void Library::prepare(const Feed& feed, const Components& c) {
   record_.sum_tolerance = KV_DEFAULT_SUM_TOLERANCE;
 }
 
+void Library::check_flags(const MixtureRecord& record) const {
+  if (record.flags != record_.flags) throw std::runtime_error("the flags byte of the record was not put back");
+}
+
 Answer Library::flash(const Feed& feed, double T, double P, const Answer* warm) {
   const std::lock_guard<std::mutex> lock(one_caller_);
   Answer answer;
@@ -104,7 +104,7 @@ SaturationAnswer Library::saturation(const Feed& feed, const SaturationQuestion&
     answer.status = routine(q.W, q.value, feed.z.data(), &record, nullptr, warm ? 0 : 1, &answer.found,
                             answer.x.data(), answer.y.data(), answer.K.data());
   });
-  if (record.flags != record_.flags) throw std::runtime_error("the flags byte of the record was not put back");
+  check_flags(record);
   return answer;
 }
 
@@ -123,7 +123,7 @@ CaloricAnswer Library::caloric(const Feed& feed, Quantity quantity, double value
         value, P, feed.z.data(), &record, nullptr, warm ? 0 : 1, &answer.T, &phases.beta, phases.x.data(),
         phases.y.data(), phases.K.data(), &answer.liquid, &answer.vapour);
   });
-  if (record.flags != record_.flags) throw std::runtime_error("the flags byte of the record was not put back");
+  check_flags(record);
   return answer;
 }
 

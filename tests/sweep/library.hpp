@@ -1,5 +1,6 @@
 // The library as a host sees it: loaded at run time, called through its exported names.
 #pragma once
+#include <chrono>
 #include <mutex>
 #include <string>
 
@@ -7,8 +8,17 @@
 #include "feeds.hpp"
 #include "kestrune/kvgasthermo.h"
 #include "saturation.hpp"
+#include "three_given.hpp"
 
 namespace kestrune::sweep {
+
+// Seconds that call() takes.
+template <class Call>
+double timed(const Call& call) {
+  const auto start = std::chrono::steady_clock::now();
+  call();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
 
 class Library {
  public:
@@ -29,6 +39,16 @@ class Library {
   CaloricAnswer caloric(const Feed& feed, Quantity quantity, double value, double P, double T_start,
                         const Answer* warm = nullptr);
 
+  // Two liquids and a vapour at T and P, of the feed z; from a cold start or an estimate. Any number of
+  // callers.
+  ThreeAnswer three(double T, double P, const Composition& z, const ThreeAnswer* estimate = nullptr);
+
+  // The same at enthalpy or entropy and P, and at vapour fraction W and T or P; start 0: none.
+  ThreeCaloricAnswer three_caloric(Quantity quantity, double value, double P, const Composition& z,
+                                   double start, const ThreeAnswer* estimate = nullptr);
+  ThreePoint three_point(const SaturationQuestion& question, const Composition& z, double start,
+                         const ThreeAnswer* estimate = nullptr);
+
   // Enthalpy or entropy of a phase; false when it has no value. A heat capacity outside its range counts.
   bool property(Quantity quantity, bool gas, double T, double P, const Composition& x, double& value);
 
@@ -37,7 +57,13 @@ class Library {
   decltype(&ConvertPPR78GroupData) convert_ = nullptr;
   decltype(&FlashLVatWP) at_pressure_ = nullptr, at_temperature_ = nullptr;
   decltype(&FlashLVatHP) caloric_[2] = {};
+  decltype(&FlashLLVatTP) three_ = nullptr;
+  decltype(&FlashLLVatHP) three_caloric_[2] = {};
+  decltype(&FlashLLVatWP) three_at_pressure_ = nullptr, three_at_temperature_ = nullptr;
   decltype(&GasMolarEnthalpy_PPR78) property_[2][2] = {};  // [Quantity][gas]
+  // Throws when a call did not put back the flags of its record.
+  void check_flags(const MixtureRecord& record) const;
+
   std::mutex one_caller_;
   std::vector<double> table_, buffers_[5];
   MixtureRecord record_{};

@@ -1,4 +1,5 @@
-// kestrune_sweep: asks the flashes of two phases at many states and judges every answer independently.
+// kestrune_sweep: asks the flashes of two and three phases at many states and judges every answer
+// independently.
 #include <exception>
 #include <stdexcept>
 
@@ -12,10 +13,9 @@ int run(const Options& o) {
   Library library(o.library);
   std::FILE* failures = std::fopen(o.failures.c_str(), "w");
   if (!failures) throw std::runtime_error("cannot write " + o.failures);
-  const auto body = o.mode == Mode::saturation ? run_saturation
-                    : o.mode == Mode::caloric  ? run_caloric
-                                               : run_isothermal;
-  const int bad = body(o, library, failures);
+  const decltype(&run_isothermal) bodies[] = {run_isothermal, run_saturation, run_caloric, run_three,
+                                              run_three_given};
+  const int bad = bodies[static_cast<int>(o.mode)](o, library, failures);
   std::fclose(failures);
   if (bad > 0) std::printf("wrong answers: %s\n", o.failures.c_str());
   return bad == 0 ? 0 : 1;

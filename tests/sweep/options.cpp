@@ -9,12 +9,14 @@ const char* const usage =
     "kestrune_sweep [options]\n"
     "  --saturation     bubble, dew and quality points instead of the flash at T and P\n"
     "  --caloric        flashes at enthalpy and entropy instead\n"
+    "  --three-phase    two liquids and a vapour at T and P, cold and warm\n"
+    "  --three-phase-caloric  the same at enthalpy, entropy and vapour fraction\n"
     "  --sample         a small fixed sample for every build\n"
-    "  --states N       states in all (default 100000; saturation and caloric 50000)\n"
+    "  --states N       states in all (default 100000; saturation and caloric 50000, three-phase 30000, 6000)\n"
     "  --jobs N         threads of the judge (default 1)\n"
     "  --seed N         another set of states (default 1)\n"
     "  --warm           ask every state a second time, warm from the answer of the state before it\n"
-    "  --times          print the mean time of a call (saturation and caloric)\n"
+    "  --times          print the times of the calls (not of the flash at T and P)\n"
     "  --mixture NAME   one mixture only\n"
     "  --library FILE   shared library (default: beside this program)\n"
     "  --data DIR       folder of the component data (default: KESTRUNE_DATA of the environment, else the "
@@ -28,12 +30,14 @@ bool parse(int argc, char** argv, Options& o) {
   for (int i = 1; i < argc; ++i) {
     const std::string name = argv[i];
     if (name == "--sample" || name == "--warm" || name == "--times" || name == "--saturation" ||
-        name == "--caloric") {
+        name == "--caloric" || name == "--three-phase" || name == "--three-phase-caloric") {
       if (name == "--sample") sample = true;
       if (name == "--warm") o.warm = true;
       if (name == "--times") o.times = true;
       if (name == "--saturation") o.mode = Mode::saturation;
       if (name == "--caloric") o.mode = Mode::caloric;
+      if (name == "--three-phase") o.mode = Mode::three_phase;
+      if (name == "--three-phase-caloric") o.mode = Mode::three_phase_caloric;
       continue;
     }
     if (i + 1 >= argc) return false;
@@ -55,9 +59,11 @@ bool parse(int argc, char** argv, Options& o) {
     else
       return false;
   }
-  const bool isothermal = o.mode == Mode::isothermal;
   if (sample) o.critical_steps = 14;
-  if (o.states == 0) o.states = sample ? (isothermal ? 4000 : 1500) : (isothermal ? 100000 : 50000);
+  if (o.states == 0) {
+    const int full[] = {100000, 50000, 50000, 30000, 6000}, few[] = {4000, 1500, 1500, 900, 240};
+    o.states = (sample ? few : full)[static_cast<int>(o.mode)];
+  }
   return true;
 }
 

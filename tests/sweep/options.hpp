@@ -1,4 +1,4 @@
-// Command line of kestrune_sweep and its three runs.
+// Command line of kestrune_sweep and its runs.
 #pragma once
 #include <cstdio>
 #include <map>
@@ -8,7 +8,7 @@
 
 namespace kestrune::sweep {
 
-enum class Mode { isothermal, saturation, caloric };
+enum class Mode { isothermal, saturation, caloric, three_phase, three_phase_caloric };
 
 struct Options {
   Mode mode = Mode::isothermal;
@@ -30,6 +30,8 @@ bool parse(int argc, char** argv, Options& options);
 int run_isothermal(const Options& options, Library& library, std::FILE* failures);
 int run_saturation(const Options& options, Library& library, std::FILE* failures);
 int run_caloric(const Options& options, Library& library, std::FILE* failures);
+int run_three(const Options& options, Library& library, std::FILE* failures);
+int run_three_given(const Options& options, Library& library, std::FILE* failures);
 
 // Wrong answers by what is wrong, one line each.
 void print_groups(const std::map<std::string, int>& groups);

@@ -21,23 +21,30 @@ std::string text(const char* format, double a, double b) {
   return buffer;
 }
 
-Reduced::Reduced(const Question& question, const Answer& answer) {
+Reduced::Reduced(const Question& question) {
   for (int i = 0; i < question.components->n; ++i) {
     if (question.z[i] > 0) keep.push_back(i);
   }
   components = subset(*question.components, keep);
   double total = 0;
   for (double v : question.z) total += v;
-  for (int i : keep) {
-    z.push_back(question.z[i] / total);
-    x.push_back(answer.x[i]);
-    y.push_back(answer.y[i]);
-  }
+  for (int i : keep) z.push_back(question.z[i] / total);
   exact = parameters_at<long double>(components, question.T);
   par.T = question.T;
   par.n = components.n;
   par.a.assign(exact.a.begin(), exact.a.end());
   par.b.assign(exact.b.begin(), exact.b.end());
+}
+
+Reduced::Reduced(const Question& question, const Answer& answer) : Reduced(question) {
+  x = part(answer.x);
+  y = part(answer.y);
+}
+
+Composition Reduced::part(const Composition& full) const {
+  Composition entries;
+  for (int i : keep) entries.push_back(full[i]);
+  return entries;
 }
 
 double largest_difference(const Composition& x, const Composition& y) {

@@ -1,4 +1,4 @@
-// What the judgements of two phases share: the components that are there, and the phases compared.
+// What the judgements share: the components that are there, and the phases compared.
 #pragma once
 #include <string>
 
@@ -14,7 +14,11 @@ struct Reduced {
   Parameters<long double> exact;
   std::vector<int> keep;
 
+  explicit Reduced(const Question& question);
   Reduced(const Question& question, const Answer& answer);
+
+  // The entries of the components that are there.
+  Composition part(const Composition& full) const;
 };
 
 // A message with numbers.

@@ -244,9 +244,11 @@ std::vector<Composition> starting_points(const Components& c, const Parameters<d
     for (int i = 0; i < n; ++i) w[i] = 0.5 * (starts[k][i] + z[i]);
     starts.push_back(w);
   }
-  if (plane.phases.size() == 2) {
-    for (int i = 0; i < n; ++i) w[i] = 0.5 * (plane.phases[0][i] + plane.phases[1][i]);
-    starts.push_back(w);
+  for (size_t k = 0; k < plane.phases.size(); ++k) {  // midpoints of the phases
+    for (size_t l = 0; l < k; ++l) {
+      for (int i = 0; i < n; ++i) w[i] = 0.5 * (plane.phases[k][i] + plane.phases[l][i]);
+      starts.push_back(w);
+    }
   }
   std::mt19937_64 random(987654321u);
   std::exponential_distribution<double> draw(1.0);

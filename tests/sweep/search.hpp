@@ -11,7 +11,7 @@ using Composition = std::vector<double>;
 // What is tested: the tangent plane ln f_i = d[i] + ln P, and the phases that lie on it by construction.
 struct Plane {
   Composition d;                    // [n] ln x_i + ln phi_i(x)
-  std::vector<Composition> phases;  // one or two
+  std::vector<Composition> phases;  // one to three
 };
 
 struct Trial {

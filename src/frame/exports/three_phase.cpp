@@ -1,7 +1,10 @@
-// Exports: flashes of three phases and of two liquids. The cores of the three-phase flashes come with later
-// versions: after the checks of their arguments they return KV_NOT_AVAILABLE and leave the results alone.
+// Exports: flashes of three phases and of two liquids.
+
+#include <utility>
 
 #include "flash3/liquid_liquid.hpp"
+#include "flash3/three_energy.hpp"
+#include "flash3/three_quality.hpp"
 #include "frame/exports/flash_wrapper.hpp"
 #include "kestrune/kvgasthermo.h"
 
@@ -9,54 +12,159 @@ namespace {
 
 using namespace kestrune;
 
+// The first unusable argument of a flash, or KV_OK.
 template <class... Pointers>
-StatusCode not_available(StatusCode first, StatusCode second, const double* z, const MixtureRecord* mixture,
-                         const Pointers*... outputs) {
+StatusCode check_flash(StatusCode first, StatusCode second, const double* z, const MixtureRecord* mixture,
+                       const Pointers*... outputs) {
+  const StatusCode bad = frame::first_failure({first, second, frame::check_pointers(z, mixture, outputs...)});
+  return bad != KV_OK ? bad : frame::check_feed(z, mixture);
+}
+
+// A phase that vanished is no failure.
+StatusCode hide_vanished(StatusCode status) {
+  return status == KV_LV_ANSWER || status == KV_LL_ANSWER ? StatusCode{KV_OK} : status;
+}
+
+/*
+ * The wrapper of the three-phase flashes: flags byte, water, one retry without free water above water's
+ * critical pressure, and the liquid that is marked moved to B. core() runs the flash with the record as it then
+ * stands.
+ */
+template <class Core>
+StatusCode three_phase_wrapper(double P, MixtureRecord& mixture, const flash3::ThreePhaseResult& out,
+                               Core core) {
+  const exports::FlagsKeeper keeper(mixture);
+  const std::int32_t iw = exports::locate_water(mixture);
+  StatusCode status = hide_vanished(core());
+  if (status != KV_OK && exports::free_water(mixture) && P > exports::water_critical_pressure(mixture, iw)) {
+    mixture.flags = 0;
+    status = hide_vanished(core());
+  }
+  if (status == KV_OK || status == KV_LV_ANSWER_DOUBTFUL) flash3::move_marked_liquid(mixture.count, out);
+  return status;
+}
+
+// At enthalpy or entropy; free water is filled in here. The value of a liquid goes where the liquid goes.
+StatusCode energy_flash(flash3::ThreeEnergyCall call) {
   return frame::guarded([&]() -> StatusCode {
-    const StatusCode bad = frame::first_failure({first, second, frame::check_pointers(z, mixture, outputs...)});
+    const flash3::ThreePhaseResult& out = call.out;
+    const StatusCode bad = check_flash(frame::check_specified(call.wanted), frame::check_pressure(call.P),
+                                       call.z, call.mixture, call.T, out.beta, out.V, out.xA, out.xB, out.y,
+                                       out.KLL, out.KLV, call.A, call.B, call.vapour);
     if (bad != KV_OK) return bad;
-    const StatusCode feed = frame::check_feed(z, mixture);
-    return feed != KV_OK ? feed : KV_NOT_AVAILABLE;
+    const StatusCode status = three_phase_wrapper(call.P, *call.mixture, out, [&] {
+      call.free_water = exports::free_water(*call.mixture);
+      return flash3::three_energy_flash(call);
+    });
+    if (status == KV_OK && *out.beta == 0.0 && *out.V > 0.0 && *call.A != 0.0 && *call.B == 0.0)
+      std::swap(*call.A, *call.B);
+    return status;
+  });
+}
+
+// At vapour fraction.
+StatusCode quality_flash(StatusCode condition, flash3::ThreeQualityCall call) {
+  return frame::guarded([&]() -> StatusCode {
+    const flash3::ThreePhaseResult& out = call.out;
+    const StatusCode bad = check_flash(frame::check_specified(call.W), condition, call.z, call.mixture,
+                                       call.unknown, out.beta, out.xA, out.xB, out.y, out.KLL, out.KLV);
+    if (bad != KV_OK) return bad;
+    const double P = call.find == flash::Find::temperature ? call.given : *call.unknown;
+    return three_phase_wrapper(P, *call.mixture, out, [&] {
+      call.free_water = exports::free_water(*call.mixture);
+      return flash3::three_quality_flash(call);
+    });
   });
 }
 
 }  // namespace
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
-                                         const ModelRoutines*, int32_t, double* beta, double* V, double* xA,
-                                         double* xB, double* y, double* KLL, double* KLV) {
-  return not_available(frame::check_temperature(T), frame::check_pressure(P), z, mixture, beta, V, xA, xB, y,
-                       KLL, KLV);
+                                         const ModelRoutines* routines, int32_t options, double* beta,
+                                         double* V, double* xA, double* xB, double* y, double* KLL,
+                                         double* KLV) {
+  return frame::guarded([&]() -> StatusCode {
+    const StatusCode bad = check_flash(frame::check_temperature(T), frame::check_pressure(P), z, mixture, beta,
+                                       V, xA, xB, y, KLL, KLV);
+    if (bad != KV_OK) return bad;
+    const flash3::ThreePhaseResult out{beta, V, xA, xB, y, KLL, KLV};
+    return three_phase_wrapper(P, *mixture, out, [&] {
+      return flash3::three_phase_flash(
+          {T, P, z, mixture, routines, exports::free_water(*mixture), (options & 1) != 0, out});
+    });
+  });
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
-                                         const ModelRoutines*, int32_t, double* T, double* beta, double* V,
-                                         double* xA, double* xB, double* y, double* KLL, double* KLV,
-                                         double* HA, double* HB, double* HV) {
-  return not_available(frame::check_specified(H), frame::check_pressure(P), z, mixture, T, beta, V, xA, xB, y,
-                       KLL, KLV, HA, HB, HV);
+                                         const ModelRoutines* routines, int32_t options, double* T,
+                                         double* beta, double* V, double* xA, double* xB, double* y,
+                                         double* KLL, double* KLV, double* HA, double* HB, double* HV) {
+  return energy_flash({flash::Property::enthalpy,
+                       H,
+                       P,
+                       z,
+                       mixture,
+                       routines,
+                       false,
+                       (options & 1) != 0,
+                       T,
+                       {beta, V, xA, xB, y, KLL, KLV},
+                       HA,
+                       HB,
+                       HV});
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatSP(double S, double P, const double* z, MixtureRecord* mixture,
-                                         const ModelRoutines*, int32_t, double* T, double* beta, double* V,
-                                         double* xA, double* xB, double* y, double* KLL, double* KLV,
-                                         double* SA, double* SB, double* SV) {
-  return not_available(frame::check_specified(S), frame::check_pressure(P), z, mixture, T, beta, V, xA, xB, y,
-                       KLL, KLV, SA, SB, SV);
+                                         const ModelRoutines* routines, int32_t options, double* T,
+                                         double* beta, double* V, double* xA, double* xB, double* y,
+                                         double* KLL, double* KLV, double* SA, double* SB, double* SV) {
+  return energy_flash({flash::Property::entropy,
+                       S,
+                       P,
+                       z,
+                       mixture,
+                       routines,
+                       false,
+                       (options & 1) != 0,
+                       T,
+                       {beta, V, xA, xB, y, KLL, KLV},
+                       SA,
+                       SB,
+                       SV});
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
-                                         const ModelRoutines*, int32_t, double* T, double* beta, double* xA,
-                                         double* xB, double* y, double* KLL, double* KLV) {
-  return not_available(frame::check_specified(W), frame::check_pressure(P), z, mixture, T, beta, xA, xB, y, KLL,
-                       KLV);
+                                         const ModelRoutines* routines, int32_t options, double* T,
+                                         double* beta, double* xA, double* xB, double* y, double* KLL,
+                                         double* KLV) {
+  double V = W;
+  return quality_flash(frame::check_pressure(P), {flash::Find::temperature,
+                                                  W,
+                                                  P,
+                                                  z,
+                                                  mixture,
+                                                  routines,
+                                                  false,
+                                                  (options & 1) != 0,
+                                                  T,
+                                                  {beta, &V, xA, xB, y, KLL, KLV}});
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, MixtureRecord* mixture,
-                                         const ModelRoutines*, int32_t, double* P, double* beta, double* xA,
-                                         double* xB, double* y, double* KLL, double* KLV) {
-  return not_available(frame::check_specified(W), frame::check_temperature(T), z, mixture, P, beta, xA, xB, y,
-                       KLL, KLV);
+                                         const ModelRoutines* routines, int32_t options, double* P,
+                                         double* beta, double* xA, double* xB, double* y, double* KLL,
+                                         double* KLV) {
+  double V = W;
+  return quality_flash(frame::check_temperature(T), {flash::Find::pressure,
+                                                     W,
+                                                     T,
+                                                     z,
+                                                     mixture,
+                                                     routines,
+                                                     false,
+                                                     (options & 1) != 0,
+                                                     P,
+                                                     {beta, &V, xA, xB, y, KLL, KLV}});
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, MixtureRecord* mixture,

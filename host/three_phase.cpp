@@ -1,0 +1,102 @@
+// States of up to three phases.
+#include <algorithm>
+
+#include "equilibrium_parts.hpp"
+
+namespace kestrune::host {
+
+namespace {
+
+// A liquid of the library's answer.
+struct Liquid {
+  PhaseKind kind;
+  double fraction;
+  const std::vector<double>* x;
+};
+
+PhaseKind kind_of(const Mixture& mixture, const std::vector<double>& x) {
+  const std::size_t w = water_of(mixture);
+  const double water = w < x.size() ? x[w] : 0.0;
+  if ((mixture.record.flags & FreeWaterFlag) != 0 && water > kWaterRich) return PhaseKind::free_water;
+  return water > kAqueous ? PhaseKind::aqueous_liquid : PhaseKind::hydrocarbon_liquid;
+}
+
+// Liquid A, the lighter one, and liquid B, as far as they are there; at a dew point the one that is about to
+// form.
+void add_liquids(const Exports& library, const Mixture& mixture, Equilibrium& s) {
+  constexpr double rounding = 1e-14;  // of the share that is left for B
+  const bool dew = s.of_fraction() && s.beta == 1.0;
+  std::vector<Liquid> liquids;
+  const auto take = [&](double fraction, const std::vector<double>& x) {
+    if (fraction <= rounding && !(dew && has_entries(x))) return;
+    liquids.push_back({kind_of(mixture, x), std::max(fraction, 0.0), &x});
+  };
+  take(s.beta_A, s.xA);
+  take(1.0 - s.beta_A - s.beta, s.x);
+  if (liquids.size() == 2 && liquids[0].kind == liquids[1].kind) {
+    liquids[0].kind = PhaseKind::light_liquid;
+    liquids[1].kind = PhaseKind::heavy_liquid;
+  }
+  std::sort(liquids.begin(), liquids.end(), [](const Liquid& a, const Liquid& b) { return a.kind < b.kind; });
+  for (const Liquid& l : liquids) add_phase(library, mixture, l.kind, l.fraction, *l.x, s);
+}
+
+// The library's flash: temperature, pressure, fractions and compositions of the state.
+void solve(const Exports& library, Mixture& mixture, Equilibrium& s) {
+  constexpr std::int32_t cold_start = 0;
+  const double *z = mixture.z.data(), first = s.values[0], second = s.values[1];
+  std::vector<double> ratios(2 * mixture.z.size());
+  double *xA = s.xA.data(), *xB = s.x.data(), *y = s.y.data();
+  double *KLL = ratios.data(), *KLV = KLL + mixture.z.size(), *A = &s.beta_A, *V = &s.beta;
+  MixtureRecord* record = &mixture.record;
+  double T = 0.0, atm = 0.0, of_A = 0.0, of_B = 0.0, of_vapour = 0.0;
+  switch (s.given) {
+    case Given::TP:
+      s.T = T = first;
+      s.P = second;
+      s.status =
+          library.FlashLLVatTP(T, s.P / kAtmInPa, z, record, nullptr, cold_start, A, V, xA, xB, y, KLL, KLV);
+      break;
+    case Given::HP:
+    case Given::SP: {
+      const auto at_energy = s.given == Given::HP ? library.FlashLLVatHP : library.FlashLLVatSP;
+      s.P = second;
+      s.status = at_energy(first / kCalInJ, s.P / kAtmInPa, z, record, nullptr, cold_start, &T, A, V, xA, xB, y,
+                           KLL, KLV, &of_A, &of_B, &of_vapour);
+      if (s.answered()) s.T = T;
+      break;
+    }
+    case Given::WP:
+      s.beta = first;
+      s.P = second;
+      s.status = library.FlashLLVatWP(first, s.P / kAtmInPa, z, record, nullptr, cold_start, &T, A, xA, xB, y,
+                                      KLL, KLV);
+      if (s.answered()) s.T = T;
+      break;
+    case Given::WT:
+      s.beta = first;
+      s.T = second;
+      s.status = library.FlashLLVatWT(first, s.T, z, record, nullptr, cold_start, &atm, A, xA, xB, y, KLL, KLV);
+      if (s.answered()) s.P = atm * kAtmInPa;
+      break;
+  }
+  s.last_T = T;
+}
+
+}  // namespace
+
+Equilibrium flash_of_three(const Exports& library, Mixture& mixture, Given given, double first, double second) {
+  const std::vector<double> none(mixture.z.size());
+  Equilibrium s{given, {first, second}, kNone, kNone, true, KV_OK, 0.0, none, none, {}, kNone, {}, {}};
+  s.three = true;
+  s.xA = none;
+  solve(library, mixture, s);
+  if (!s.answered()) return s;
+  if (s.beta > 0.0 || (s.of_fraction() && has_entries(s.y)))
+    add_phase(library, mixture, PhaseKind::vapour, s.beta, s.y, s);
+  add_liquids(library, mixture, s);
+  add_overall(library, mixture, s);
+  return s;
+}
+
+}  // namespace kestrune::host

@@ -1,0 +1,264 @@
+// The two-phase flash goes first. What cuts its answer becomes a third phase, the three are brought to
+// equilibrium, and the answer is tested again; each round has a lower Gibbs energy than the one before, so that
+// it ends.
+
+#include "flash3/equilibrium.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "flash/feed.hpp"
+#include "support/mathkernels.hpp"
+
+namespace kestrune::flash3 {
+namespace {
+
+constexpr int kMostRounds = 12;
+constexpr double kLowerGibbs = 1e-13;
+// Tangent-plane distance from which on a phase is missing; and from which on, though no amount of it can be
+// found.
+constexpr double kCut = -1e-9, kClearlyCut = -5e-9;
+constexpr double kLoose = 1e-9;  // difference of ln fugacities that is left to do
+constexpr double kNoAmount = 1e-13;
+constexpr double kFirstAmount = 0.1;  // of a phase that is added
+
+flash::IsothermalCall isothermal_call(Equilibrium& e) {
+  flash::IsothermalCall c;
+  c.T = e.m.T;
+  c.P = e.m.P;
+  c.z = e.z;
+  c.mixture = e.m.mixture;
+  c.routines = e.routines;
+  c.beta = &e.beta;
+  c.x = e.x;
+  c.y = e.y;
+  c.K = e.K;
+  c.model = &e.m;
+  c.third = &e.third;
+  e.third = {e.cut, false, 0.0};
+  return c;
+}
+
+void set_phase(const Equilibrium& e, int j, const double* x, double amount, Phases& p) {
+  std::copy_n(x, e.m.n, p.x[j]);
+  p.amount[j] = amount;
+  p.Z[j] = 0.0;
+}
+
+// What cuts an answer counts from a distance on, and when there can be an amount of it that is more than
+// rounding.
+void weigh_cut(Equilibrium& e) {
+  e.third.found = e.third.found && e.third.distance < kCut && flash::most_of(e.m.n, e.z, e.cut) > kNoAmount;
+}
+
+// Gibbs energy and fugacities of e.p.
+StatusCode evaluate(Equilibrium& e) {
+  return evaluate_phases(e.m, e.z, e.p, e.w, false);
+}
+
+// The two-phase flash, from e.x, e.y, e.beta when warm; its answer into e.p.
+StatusCode two_phases(Equilibrium& e, bool warm) {
+  flash::IsothermalCall c = isothermal_call(e);
+  c.start = warm ? flash::Start::warm : flash::Start::cold;
+  c.index = warm ? 0 : 1;
+  const StatusCode status = flash::isothermal_flash(c);
+  weigh_cut(e);
+  if (status == KV_SINGLE_PHASE || (status != KV_OK && e.third.found)) {
+    // One phase; or an unstable feed whose split failed: what cuts it is known all the same.
+    e.gas = e.beta == 1.0;
+    e.p.count = 1;
+    set_phase(e, 0, e.z, 1.0, e.p);
+  } else if (status == KV_OK) {
+    e.p.count = 2;
+    set_phase(e, 0, e.x, 1.0 - e.beta, e.p);
+    set_phase(e, 1, e.y, e.beta, e.p);
+  } else {
+    return status;
+  }
+  const StatusCode evaluated = evaluate(e);
+  if (evaluated != KV_OK || e.p.count < 2 || e.p.worst <= kLoose) return evaluated;
+  // Beside a critical point: the last steps of the two-phase flash were not enough.
+  StatusCode polished = KV_OK;
+  if (polish_phases(e.m, e.z, e.how, e.p, e.w, polished) != Ended::converged)
+    return polished != KV_OK ? polished : KV_TRIVIAL;
+  return test_equilibrium(e);
+}
+
+// Two phases that the three-phase iteration left, finished and tested by the two-phase flash.
+StatusCode finish_two(Equilibrium& e) {
+  std::copy_n(e.p.x[0], e.m.n, e.x);
+  std::copy_n(e.p.x[1], e.m.n, e.y);
+  e.beta = e.p.amount[1];
+  return two_phases(e, true);
+}
+
+// Iterates e.p of three phases, and on with two when one of them goes. KV_OK: tested; see e.third.
+StatusCode settle(Equilibrium& e, bool patient) {
+  e.how.patient = patient;
+  StatusCode status = KV_OK;
+  const Ended ended = iterate_phases(e.m, e.z, e.how, e.p, e.w, status);
+  switch (ended) {
+    case Ended::routine:
+      return status != KV_OK ? status : KV_TRIVIAL;
+    case Ended::exhausted:
+      return KV_NOT_CONVERGED;
+    case Ended::damped:
+      return KV_RELAXATION;
+    case Ended::converged:
+      return test_equilibrium(e);
+    default:
+      return e.p.count == 2 ? finish_two(e) : two_phases(e, false);
+  }
+}
+
+// Adds what cuts e.p to it. Two phases become three, and one becomes two.
+StatusCode add_phase(Equilibrium& e, bool patient) {
+  Phases& p = e.p;
+  for (int j = 0; j < p.count; ++j) p.amount[j] *= 1.0 - kFirstAmount;
+  set_phase(e, p.count, e.cut, kFirstAmount, p);
+  ++p.count;
+  return p.count == 3 ? settle(e, patient) : finish_two(e);
+}
+
+// Keeps e.p with its test when it is lower than e.best.
+void keep_if_lower(Equilibrium& e, bool& improved, bool& cut) {
+  if (!(e.p.gibbs < e.best.gibbs - kLowerGibbs)) return;
+  copy_phases(e.p, e.best, e.m.ld);
+  std::copy_n(e.cut, e.m.n, e.best_cut);
+  cut = e.third.found;
+  improved = true;
+}
+
+// Three phases that are cut: what cuts takes the place of each in turn, and the lowest stands.
+StatusCode replace_phase(Equilibrium& e) {
+  copy_phases(e.answer, e.best, e.m.ld);
+  bool improved = false, cut = true;
+  for (int j = 0; j < kMostPhases; ++j) {
+    copy_phases(e.answer, e.p, e.m.ld);
+    set_phase(e, j, e.added, e.answer.amount[j], e.p);
+    if (settle(e, true) == KV_OK) keep_if_lower(e, improved, cut);
+  }
+  copy_phases(e.best, e.p, e.m.ld);
+  std::copy_n(e.best_cut, e.m.n, e.cut);
+  e.third.found = cut;
+  return improved ? KV_OK : KV_NOT_CONVERGED;
+}
+
+// The solver's own starts, when nothing better leads anywhere.
+StatusCode from_own_starts(Equilibrium& e) {
+  StatusCode status = KV_NOT_CONVERGED;
+  for (const int index : {2, 1}) {
+    e.how.index = index;
+    if (start_by_index(e.m, e.z, index, e.p) != KV_OK) continue;
+    status = settle(e, true);
+    if (status == KV_OK && e.p.gibbs < e.answer.gibbs - kLowerGibbs) return KV_OK;
+  }
+  return status == KV_OK ? KV_NOT_CONVERGED : status;
+}
+
+// From an answer that was just tested to one that nothing cuts.
+StatusCode improve(Equilibrium& e) {
+  for (int round = 0; round < kMostRounds && e.third.found; ++round) {
+    copy_phases(e.p, e.answer, e.m.ld);
+    std::copy_n(e.cut, e.m.n, e.added);
+    const double distance = e.third.distance;
+    const auto lower = [&](StatusCode status) {
+      return status == KV_OK && (!e.third.found || e.p.gibbs < e.answer.gibbs - kLowerGibbs);
+    };
+    StatusCode status = KV_NOT_CONVERGED;
+    if (e.p.count == kMostPhases) {
+      status = replace_phase(e);
+    } else {
+      status = add_phase(e, false);
+      if (!lower(status)) {  // a small phase may have been taken for a vanished one
+        copy_phases(e.answer, e.p, e.m.ld);
+        std::copy_n(e.added, e.m.n, e.cut);
+        status = add_phase(e, true);
+      }
+    }
+    if (!lower(status)) status = from_own_starts(e);
+    if (status != KV_OK) {
+      copy_phases(e.answer, e.p, e.m.ld);
+      if (distance > kClearlyCut) return KV_OK;
+      return e.p.count == kMostPhases ? StatusCode{KV_FOURTH_PHASE} : status;
+    }
+  }
+  return e.third.found ? KV_NOT_CONVERGED : KV_OK;
+}
+
+}  // namespace
+
+StatusCode open_equilibrium(const EquilibriumCall& call, int order, support::Arena& arena,
+                            support::TraceWriter& trace, Equilibrium& e) {
+  const int n = call.mixture->count, ld = support::padded(n);
+  e.routines = call.routines;
+  for (double** a : {&e.z, &e.x, &e.y, &e.K, &e.cut, &e.added, &e.best_cut}) *a = arena.zeros(ld);
+  if (!flash::normalise_feed(n, call.z, e.z)) return KV_COMPOSITION;
+  for (int i = 0; i < n; ++i)
+    if (e.z[i] < kAbsent) e.z[i] = 0.0;
+  take_phases(arena, ld, e.p);
+  take_phases(arena, ld, e.best);
+  take_phases(arena, ld, e.answer);
+  take_work(arena, n, ld, e.w);
+  e.how.settings = flash::copy_settings(*call.mixture);
+  e.how.trace = &trace;
+  e.arena = &arena;
+  e.base = arena.mark();
+  e.order = order;
+  return flash::make_model(call.T, call.P, call.mixture, call.routines, false, order, arena, e.m);
+}
+
+StatusCode set_conditions(double T, double P, Equilibrium& e) {
+  e.m.P = P;
+  if (T == e.m.T) return KV_OK;
+  e.arena->rewind(e.base);
+  const flash::Counts counts = e.m.counts;
+  MixtureRecord* const mixture = e.m.mixture;
+  e.m = {};
+  const StatusCode status = flash::make_model(T, P, mixture, e.routines, false, e.order, *e.arena, e.m);
+  e.m.counts = counts;
+  return status;
+}
+
+StatusCode find_equilibrium(Equilibrium& e) {
+  e.how.index = 4;
+  const StatusCode status = two_phases(e, false);
+  return status == KV_OK ? improve(e) : status;
+}
+
+StatusCode find_equilibrium_from(Equilibrium& e) {
+  StatusCode status = KV_NOT_CONVERGED;
+  e.how.index = 0;
+  if (e.p.count == 3) status = settle(e, false);
+  if (e.p.count == 2 && status != KV_OK) status = finish_two(e);
+  return status == KV_OK ? improve(e) : find_equilibrium(e);
+}
+
+StatusCode test_equilibrium(Equilibrium& e) {
+  if (e.p.count == 1) return two_phases(e, false);
+  const StatusCode status = flash::phases_stability(isothermal_call(e), e.p.count, e.p.x);
+  weigh_cut(e);
+  return status;
+}
+
+int find_vapour(const Equilibrium& e) {
+  constexpr double kAqueous = 0.5, kBesideWater = 1.25;
+  const Phases& p = e.p;
+  const MixtureRecord& r = *e.m.mixture;
+  int v = 0;
+  for (int j = 1; j < p.count; ++j)
+    if (flash::lighter(r, p.x[j], p.Z[j], p.x[v], p.Z[v])) v = j;
+  if (p.count == kMostPhases) return v;
+  if (p.count == 1) return e.gas ? 0 : -1;
+  if (!(p.Z[v] > 0.0)) return -1;
+  const double volume = p.Z[v] * eos::kR * e.m.T / e.m.P;
+  if (volume > eos::kCriticalVolumeRatio * flash::covolume(r, p.x[v])) return v;
+  const double* Tc = r.table + static_cast<std::size_t>(KV_COL_TC - 1) * r.count;
+  double kay = 0.0;
+  for (int i = 0; i < r.count; ++i) kay += p.x[v][i] * Tc[i];
+  const int water = eos::find_water_family(r);
+  const bool aqueous = water >= 0 && p.x[1 - v][water] > kAqueous;
+  return e.m.T > (aqueous ? kBesideWater : 1.0) * kay ? v : -1;
+}
+
+}  // namespace kestrune::flash3

@@ -1,0 +1,80 @@
+// Two or three fluid phases at temperature and pressure: what the solvers share, and the steps towards
+// equilibrium.
+//
+// [Mic94] M. L. Michelsen, Comput. Chem. Eng. 18 (1994) 545-550: amounts of any number of phases as the minimum
+// of a
+//         convex function of the amounts.
+// [Mic82b] M. L. Michelsen, Fluid Phase Equilib. 9 (1982) 21-40: second-order minimisation of the Gibbs energy.
+#ifndef KESTRUNE_FLASH3_PHASES_HPP
+#define KESTRUNE_FLASH3_PHASES_HPP
+
+#include "flash/fugacity.hpp"
+
+namespace kestrune::flash3 {
+
+inline constexpr int kMostPhases = 3;
+
+/* Components below this mole fraction count as absent. */
+inline constexpr double kAbsent = 1e-15;
+
+// Arrays [ld], padded with zeros; z has sum 1.
+struct Phases {
+  int count = 0;
+  double amount[kMostPhases] = {};  // parts of the feed, sum 1
+  double* x[kMostPhases] = {};      // compositions, sum 1
+  double* ln_phi[kMostPhases] = {};
+  double Z[kMostPhases] = {};
+  double gibbs = 0.0;  // over RT, relative to pure gases
+  double worst = 0.0;  // largest difference of ln fugacities, of mole fractions from kAbsent
+};
+
+struct PhasesWork {
+  double *e[kMostPhases], *dn[kMostPhases];         // [ld], [ld * n]
+  double *moles[kMostPhases], *saved[kMostPhases];  // [ld]
+  double *step, *scale;                             // [2 ld]
+  double* system;                                   // [4 ld ld]
+  int* home;                                        // [n] the phase that holds most of a component
+};
+
+void take_phases(support::Arena& arena, int ld, Phases& p);
+void take_work(support::Arena& arena, int n, int ld, PhasesWork& w);
+void copy_phases(const Phases& from, Phases& to, int ld);
+void exchange_phases(Phases& p, int j, int k);
+/* Takes phase j out; its amount goes to the others in proportion. */
+void drop_phase(Phases& p, int j);
+
+/* ln phi of every phase (with composition derivatives into w.dn), Gibbs energy and worst. */
+StatusCode evaluate_phases(flash::Model& m, const double* z, Phases& p, const PhasesWork& w, bool derivatives);
+
+/*
+ * Amounts and compositions from the fugacity coefficients: the minimum over a_j >= 0 of sum a_j - sum z_i ln
+ * sum a_j/phi_ij [Mic94], which is the only one, so that no amount can leave [0, 1]. A phase that ends with
+ * amount 0 keeps the composition that it would begin with. False: no usable numbers.
+ */
+bool split_between(int n, const double* z, Phases& p, const PhasesWork& w);
+
+/*
+ * Direction of Newton's method on the Gibbs energy, w.step, in the amounts of every component in the phases
+ * that are not its home; w.dn as evaluate_phases leaves it. Where the matrix is not positive definite it is
+ * shifted until it is. False: no direction. Sets the amounts to step from, w.saved.
+ */
+bool newton_direction(flash::Model& m, const double* z, const Phases& p, const PhasesWork& w);
+
+/* Change of the amount of phase j over the whole step. */
+double change_of_amount(int n, int ld, const Phases& p, const PhasesWork& w, int j);
+
+/* Amounts and compositions after a part of the step. No amount of a component loses more than nine tenths. */
+void take_step(int n, int ld, double part, Phases& p, const PhasesWork& w);
+
+/*
+ * The phases of two states of one feed in one list, those of b as a part of the whole: phases that both have
+ * count once. False: there would be more than three, or one.
+ */
+bool join_phases(int n, int ld, const double* z, const Phases& a, const Phases& b, double part, Phases& joined);
+
+/* Whether two phases are one and the same: sum of (a - b)^2/(a + b) below the tolerance. */
+bool same_phase(int n, const double* z, const double* a, const double* b, double tolerance);
+
+}  // namespace kestrune::flash3
+
+#endif

@@ -1,0 +1,54 @@
+// The three-phase iteration at temperature and pressure: two liquids and a vapour from a start that has all
+// three.
+#ifndef KESTRUNE_FLASH3_SOLVER_HPP
+#define KESTRUNE_FLASH3_SOLVER_HPP
+
+#include "flash/settings.hpp"
+#include "flash3/phases.hpp"
+#include "support/trace.hpp"
+
+namespace kestrune::flash3 {
+
+// Places of the phases of a three-phase iterate.
+enum Slot { kA = 0, kB = 1, kV = 2 };
+
+enum class Ended {
+  converged,        // three phases, every ln fugacity equal to 1e-10
+  vapour_vanished,  // five passes in a row below 1e-4: the phase is taken out, two are left in order
+  a_vanished,
+  b_vanished,
+  identical,  // two phases became one and are one now
+  exhausted,  // ITEMAX passes
+  damped,     // relaxation factor below 1e-6
+  routine     // the fugacity routine returned a status
+};
+
+struct Iteration {
+  int index = 0;         // initialisation index, for the trace
+  bool patient = false;  // a phase counts as vanished only when its amount is exactly 0
+  flash::Settings settings;
+  support::TraceWriter* trace = nullptr;
+};
+
+/*
+ * Substitutions with the amounts of the convex split, then Newton's method on the Gibbs energy with a line
+ * search. p holds the compositions to start from in their slots. status: of the fugacity routine.
+ */
+Ended iterate_phases(flash::Model& m, const double* z, const Iteration& how, Phases& p, const PhasesWork& w,
+                     StatusCode& status);
+
+/* The last steps alone, for two or three phases that are close to equilibrium and have been evaluated. */
+Ended polish_phases(flash::Model& m, const double* z, const Iteration& how, Phases& p, const PhasesWork& w,
+                    StatusCode& status);
+
+/*
+ * The solver's own starts for p (its slots, amounts 1/3 each) by initialisation index: 2 the coefficients of
+ * Wilson, the second liquid almost pure in the last component; others: two liquids almost pure in the last and
+ * the first component, and the feed as the vapour (not for 5), with Wilson's coefficients between liquid and
+ * vapour for 3 and those of the fugacity routine else. Components are counted among those that are present.
+ */
+StatusCode start_by_index(flash::Model& m, const double* z, int index, Phases& p);
+
+}  // namespace kestrune::flash3
+
+#endif

@@ -1,0 +1,305 @@
+// An equilibrium at a temperature says which phases there are; Newton's method at these phases says where they
+// would have the value; and the stability test says whether they still are the right ones there. The value
+// never falls with temperature, so that every equilibrium closes a bracket.
+
+#include "flash3/three_energy.hpp"
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+
+#include "flash/energy_state.hpp"
+#include "flash/pure_saturation.hpp"
+#include "flash3/specified.hpp"
+#include "flash3/three_free_water.hpp"
+
+namespace kestrune::flash3 {
+namespace {
+
+using flash::kColdest;
+using flash::kHottest;
+
+constexpr double kDefaultTemperature = 298.15;
+constexpr double kPlausibleLow = 60.0, kPlausibleHigh = 2000.0;  // estimates outside are not started from
+constexpr int kMostStates = 80, kMostDropped = 2, kRetreats = 6;
+constexpr double kReached = 1e-11;          // of the value's size
+constexpr double kNear = 1e-9;              // relative change of T that is left of a single phase
+constexpr double kSameTemperature = 1e-13;  // relative width of a bracket that is an answer
+constexpr double kJump = 1e-6;              // in R T or R: a bracket without width may hide no more
+
+// Phases of an equilibrium that are kept, with its temperature.
+struct KeptState {
+  double T = 0.0;
+  bool known = false;
+  Phases p;
+};
+
+struct Search {
+  const ThreeEnergyCall& call;
+  Equilibrium e;
+  flash::CaloricModel caloric;
+  Specified s;
+  KeptState low, high;  // the closest states below and above the value
+  flash::EnergyBracket bracket;
+  double value = 0.0;  // of e.p at e.m.T
+  double slope = 0.0;  // at constant amounts
+  double phase[kMostPhases] = {};
+  StatusCode status = KV_OK;        // of what failed
+  StatusCode state_status = KV_OK;  // of the equilibrium: KV_OK or KV_FOURTH_PHASE
+};
+
+// Value of every phase of e.p and of the whole.
+bool evaluate(Search& q) {
+  Phases& p = q.e.p;
+  const bool analytic = q.caloric.analytic();
+  q.value = q.slope = 0.0;
+  if (analytic) q.status = flash::prepare_caloric(q.caloric, q.e.m.T);
+  for (int j = 0; j < p.count && q.status == KV_OK; ++j) {
+    if (analytic) {
+      flash::PhaseCaloric c;
+      c.ln_phi = q.s.raw[j];
+      c.dln_phi_dT = q.s.dtau[j];
+      if (!flash::phase_caloric(q.caloric, p.x[j], flash::Kind::stable, c)) q.status = KV_NOT_FINITE;
+      q.phase[j] = c.value;
+      q.slope += p.amount[j] * c.slope;
+    } else {
+      const int phase = j == find_vapour(q.e) ? KV_PHASE_GAS : KV_PHASE_LIQUID;
+      q.status = flash::phase_value(q.caloric, q.e.m.T, p.x[j], phase, q.phase[j]);
+    }
+    q.value += p.amount[j] * q.phase[j];
+  }
+  return q.status == KV_OK && std::fabs(q.value) <= DBL_MAX;
+}
+
+double off(const Search& q) {
+  return q.value - q.call.wanted;
+}
+
+void keep(Search& q) {
+  KeptState& side = off(q) < 0.0 ? q.low : q.high;
+  const double T = q.e.m.T;
+  if (side.known && (off(q) < 0.0 ? T <= side.T : T >= side.T)) return;
+  copy_phases(q.e.p, side.p, q.e.m.ld);
+  side.T = T;
+  side.known = true;
+}
+
+// The equilibrium at T, its value, and the bracket. False: q.status.
+bool state_at(Search& q, double T, bool estimate) {
+  q.status = set_conditions(T, q.call.P, q.e);
+  if (q.status != KV_OK) return false;
+  q.state_status = estimate ? find_equilibrium_from(q.e) : find_equilibrium(q.e);
+  if (q.state_status != KV_OK && q.state_status != KV_FOURTH_PHASE) {
+    q.status = q.state_status;
+    return false;
+  }
+  if (!evaluate(q)) return false;
+  keep(q);
+  q.bracket.add(T, off(q));
+  return true;
+}
+
+// As state_at, nearer and nearer to where there was an answer.
+bool state_towards(Search& q, double good, double T) {
+  for (int k = 0; k < kRetreats; ++k, T = 0.5 * (T + good)) {
+    if (state_at(q, T, false)) return true;
+    if (q.status > KV_STATUS_CALL_BLOCK && q.status != KV_NOT_FINITE) return false;
+  }
+  return false;
+}
+
+// Newton at the phases of e.p, without those that end with less than nothing. True: e.p at q.s.T has the value.
+bool solve_at_phases(Search& q, double T) {
+  if (!q.caloric.analytic()) return false;
+  q.s.T = T;
+  q.s.P = q.call.P;
+  for (int dropped = 0; dropped <= kMostDropped; ++dropped) {
+    StatusCode status = KV_OK;
+    const Found found = solve_specified(q.s, status);
+    if (found == Found::yes) return q.s.T > kColdest && q.s.T < kHottest;
+    if (found != Found::negative || q.e.p.count < 2) return false;
+    Phases& p = q.e.p;
+    int least = 0;
+    for (int j = 1; j < p.count; ++j)
+      if (p.amount[j] < p.amount[least]) least = j;
+    p.amount[least] = 0.0;
+    for (int j = 0; j < p.count; ++j) p.amount[j] = std::max(p.amount[j], 1e-3);
+    drop_phase(p, least);
+    if (p.count == 1) std::copy_n(q.e.z, q.e.m.ld, p.x[0]);
+    q.s.T = std::clamp(q.s.T, 0.9 * T, 1.1 * T);
+  }
+  return false;
+}
+
+/*
+ * Whether what Newton found is the equilibrium at its temperature. If not, e.p is what is, and the bracket
+ * knows it.
+ */
+bool confirm(Search& q) {
+  if (!(q.bracket.inside(q.s.T) || q.bracket.low == q.s.T || q.bracket.high == q.s.T)) return false;
+  q.status = set_conditions(q.s.T, q.call.P, q.e);
+  if (q.status != KV_OK) return false;
+  const int count = q.e.p.count;
+  if (count == 1) {
+    // The flash at this temperature tells; the value is that of the same phase.
+    return state_at(q, q.s.T, false) && q.e.p.count == 1 && std::fabs(off(q)) <= kNear * q.s.T * q.slope;
+  }
+  q.status = test_equilibrium(q.e);
+  if (q.status != KV_OK) return false;
+  if (!q.e.third.found) {
+    q.state_status = KV_OK;
+    return evaluate(q);
+  }
+  state_at(q, q.s.T, true);
+  return q.status == KV_OK && q.state_status == KV_FOURTH_PHASE && q.e.p.count == count &&
+         std::fabs(off(q)) <= 1e-9 * std::max(std::fabs(q.call.wanted), 1.0);
+}
+
+// All phases that are seen on the two sides of the bracket: those between them, where temperature stands still.
+bool solve_between_sides(Search& q) {
+  if (!q.low.known || !q.high.known) return false;
+  const double part = q.bracket.f_low / (q.bracket.f_low - q.bracket.f_high);
+  return join_phases(q.e.m.n, q.e.m.ld, q.e.z, q.low.p, q.high.p, part, q.e.p) &&
+         solve_at_phases(q, 0.5 * (q.bracket.low + q.bracket.high)) && confirm(q);
+}
+
+bool reached(const Search& q) {
+  const double size = std::max(std::fabs(q.call.wanted), 1.0);
+  return std::fabs(off(q)) <= kReached * size;
+}
+
+double next_temperature(const Search& q, double T, int count) {
+  const flash::EnergyBracket& b = q.bracket;
+  if (b.closed()) {
+    const double next = b.secant();
+    return count % 4 == 3 || !b.inside(next) ? 0.5 * (b.low + b.high) : next;
+  }
+  double next = q.slope > 0.0 ? T - off(q) / q.slope : off(q) < 0.0 ? T * 1.3 : T / 1.3;
+  next = std::clamp(next, T / 1.5, T * 1.5);
+  if (std::fabs(next - T) < 1e-6 * T) next = off(q) < 0.0 ? T * (1.0 + 1e-5) : T / (1.0 + 1e-5);
+  return std::clamp(next, kColdest, kHottest);
+}
+
+// From the state at the start to the answer in e.p at e.m.T.
+StatusCode search(Search& q) {
+  for (int count = 0; count < kMostStates; ++count) {
+    if (reached(q)) return q.state_status;
+    const double T = q.e.m.T;
+    const double width = q.bracket.high - q.bracket.low;
+    if (q.bracket.closed() && width <= kSameTemperature * T) {
+      const double unit = eos::kCalR * (q.call.property == flash::Property::enthalpy ? T : 1.0);
+      return q.bracket.f_high - q.bracket.f_low <= kJump * unit ? q.state_status : StatusCode{KV_NOT_CONVERGED};
+    }
+    const double next = next_temperature(q, T, count);
+    // Newton at the phases here; what it finds is confirmed, or else looked at as one more state.
+    q.status = KV_OK;
+    const bool solved = solve_at_phases(q, T);
+    if (solved && q.bracket.inside(q.s.T)) {
+      if (confirm(q)) return q.state_status;
+      if (q.status == KV_OK && q.e.m.T != T && count % 3 != 2) continue;
+    }
+    if (q.bracket.closed()) {
+      q.status = KV_OK;
+      if (solve_between_sides(q)) return q.state_status;
+      if (q.status != KV_OK && q.status != KV_NOT_FINITE && q.status > KV_STATUS_CALL_BLOCK) return q.status;
+    }
+    if (next == T) return KV_NOT_CONVERGED;  // an end of the range
+    if (!state_towards(q, T, next))
+      return q.status > KV_STATUS_CALL_BLOCK ? q.status : StatusCode{KV_NOT_CONVERGED};
+  }
+  return KV_NOT_CONVERGED;
+}
+
+bool plausible(double T) {
+  return T >= kPlausibleLow && T <= kPlausibleHigh;
+}
+
+// Values by place: A, B and vapour, in the order that write_phases has just given to e.p.
+StatusCode write_answer(Search& q, StatusCode found) {
+  const ThreeEnergyCall& c = q.call;
+  *c.T = q.e.m.T;
+  const StatusCode written = write_phases(q.e, c.out);
+  if (written != KV_OK && written != KV_LV_ANSWER && written != KV_LL_ANSWER) return written;
+  if (!evaluate(q)) return q.status;
+  const int count = q.e.p.count;
+  double A = 0.0, B = 0.0, vapour = 0.0;
+  if (written == KV_OK || (written == KV_LL_ANSWER && count == 2)) {
+    A = q.phase[0];
+    B = q.phase[1];
+    vapour = count == 3 ? q.phase[2] : 0.0;
+  } else if (written == KV_LL_ANSWER) {
+    B = q.phase[0];
+  } else {
+    A = count == 2 ? q.phase[0] : 0.0;
+    vapour = q.phase[count - 1];
+  }
+  *c.A = A;
+  *c.B = B;
+  *c.vapour = vapour;
+  return found == KV_OK ? written : found;
+}
+
+// ---- a single component ----
+
+StatusCode single_component(const ThreeEnergyCall& c, support::Arena& arena) {
+  const int n = c.mixture->count;
+  double beta = 0.0, liquid = 0.0, vapour = 0.0;
+  double *const x = arena.zeros(n), *const y = arena.zeros(n), *const K = arena.zeros(n);
+  const StatusCode status =
+      flash::energy_flash({c.property, c.wanted, c.P, c.z, c.mixture, c.routines, c.free_water, true, c.T,
+                           &beta, x, y, K, &liquid, &vapour, nullptr});
+  if (status != KV_OK) return status;
+  const bool split = split_free_water({*c.T, c.P, c.mixture, beta, x, y}, c.out);
+  *c.A = split ? 0.0 : liquid;
+  *c.B = split ? liquid : 0.0;
+  *c.vapour = vapour;
+  return KV_LV_ANSWER;
+}
+
+// Everything that a search works with, on two arenas: one for what stays with a temperature of the flash.
+StatusCode with_search(const ThreeEnergyCall& c, support::Arena& arena, support::Arena& model_arena) {
+  const int n = c.mixture->count, ld = support::padded(n);
+  const flash::Settings settings = flash::copy_settings(*c.mixture);
+  support::TraceWriter trace(settings.trace, settings.trace_unit);
+  Search q{c, {}, {}, {}, {}, {}, {}};
+  q.s.e = &q.e;
+  q.s.caloric = &q.caloric;
+  q.s.what = c.property == flash::Property::enthalpy ? Specify::enthalpy : Specify::entropy;
+  q.s.wanted = c.wanted;
+  take_specified(arena, n, ld, q.s);
+  take_phases(arena, ld, q.low.p);
+  take_phases(arena, ld, q.high.p);
+  const double start = plausible(*c.T) ? *c.T : kDefaultTemperature;
+  StatusCode status = open_equilibrium({start, c.P, c.z, c.mixture, c.routines}, 0, model_arena, trace, q.e);
+  if (status != KV_OK) return status;
+  q.caloric.property = c.property;
+  q.caloric.P = c.P;
+  q.caloric.z = q.e.z;
+  q.caloric.mixture = c.mixture;
+  q.caloric.routines = c.routines;
+  flash::open_caloric(arena, q.caloric);
+  q.caloric.base = arena.mark();
+  const bool given = c.estimate && take_estimate(c.out, q.e);
+  if (!state_at(q, start, given) && (start == kDefaultTemperature || !state_at(q, kDefaultTemperature, false)))
+    return q.status;
+  status = search(q);
+  const bool answer = status == KV_OK || status == KV_FOURTH_PHASE;
+  return answer ? write_answer(q, status) : status;
+}
+
+}  // namespace
+
+StatusCode three_energy_flash(const ThreeEnergyCall& c) {
+  const int n = c.mixture->count;
+  if (const StatusCode bad = check_sum(c.z, *c.mixture); bad != KV_OK) return bad;
+  if (*c.T == 0.0) *c.T = kDefaultTemperature;
+  const bool pure = flash::single_component(n, c.z, flash::pure_tolerance(*c.mixture)) >= 0;
+  if (pure)
+    return support::with_arena<0, 4>(n, [&](support::Arena& arena) { return single_component(c, arena); });
+  if (c.free_water) return three_energy_free_water(c);
+  return support::with_arena<12, 100>(n, [&](support::Arena& arena) {
+    return support::with_arena<12, 60>(n, [&](support::Arena& model) { return with_search(c, arena, model); });
+  });
+}
+
+}  // namespace kestrune::flash3

@@ -1,0 +1,115 @@
+#include "flash3/three_free_water.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "flash/energy_state.hpp"
+#include "flash/pure_saturation.hpp"
+
+namespace kestrune::flash3 {
+namespace {
+
+constexpr int kMostStates = 100;
+constexpr double kReached = 1e-11, kSameTemperature = 1e-13, kFirstStep = 0.1;
+
+// Values of the phases that c.out holds at *c.T, and their sum.
+StatusCode evaluate(const ThreeEnergyCall& c, const flash::CaloricModel& model, double& total) {
+  const ThreePhaseResult& r = c.out;
+  // The mark: all of the liquid is A.
+  const double A = *r.beta == 1.0 ? 1.0 - *r.V : *r.beta;
+  const double amounts[] = {A, 1.0 - A - *r.V, *r.V};
+  const double* const compositions[] = {r.xA, r.xB, r.y};
+  double* const values[] = {c.A, c.B, c.vapour};
+  total = 0.0;
+  for (int j = 0; j < kMostPhases; ++j) {
+    *values[j] = 0.0;
+    if (!(amounts[j] > 0.0)) continue;
+    const StatusCode status =
+        flash::phase_value(model, *c.T, compositions[j], j == kV ? KV_PHASE_GAS : KV_PHASE_LIQUID, *values[j]);
+    if (status != KV_OK) return status;
+    total += amounts[j] * *values[j];
+  }
+  return std::isfinite(total) ? KV_OK : KV_NOT_FINITE;
+}
+
+// The flash at T, its phases and the value.
+StatusCode state_at(const ThreeEnergyCall& c, const flash::CaloricModel& model, double T, double& total,
+                    StatusCode& kind) {
+  *c.T = T;
+  kind = three_phase_flash({T, c.P, c.z, c.mixture, c.routines, true, false, c.out});
+  if (kind != KV_OK && kind != KV_LV_ANSWER && kind != KV_LL_ANSWER) return kind;
+  return evaluate(c, model, total);
+}
+
+StatusCode search(const ThreeEnergyCall& c, const flash::CaloricModel& model) {
+  flash::EnergyBracket bracket;
+  double T = *c.T, step = kFirstStep, total = 0.0;
+  StatusCode kind = KV_OK;
+  for (int k = 0; k < kMostStates; ++k) {
+    const StatusCode status = state_at(c, model, T, total, kind);
+    if (status != KV_OK) return status;
+    const double f = total - c.wanted;
+    if (std::fabs(f) <= kReached * std::max(std::fabs(c.wanted), 1.0)) return kind;
+    bracket.add(T, f);
+    if (!bracket.closed()) {
+      T = std::clamp(f < 0.0 ? T + step : T - step, flash::kColdest, flash::kHottest);
+      step *= 2.0;
+      continue;
+    }
+    if (bracket.high - bracket.low <= kSameTemperature * T) {
+      const double jump = bracket.f_high - bracket.f_low;
+      return jump <= 1e-6 * std::max(std::fabs(c.wanted), 1.0) ? kind : StatusCode{KV_NOT_CONVERGED};
+    }
+    T = k % 5 == 4 || !bracket.inside(bracket.secant()) ? 0.5 * (bracket.low + bracket.high) : bracket.secant();
+  }
+  return KV_NOT_CONVERGED;
+}
+
+}  // namespace
+
+StatusCode three_energy_free_water(const ThreeEnergyCall& c) {
+  const int n = c.mixture->count;
+  return support::with_arena<0, 6>(n, [&](support::Arena& arena) -> StatusCode {
+    const int ld = support::padded(n);
+    double *const x = arena.zeros(ld), *const y = arena.zeros(ld), *const K = arena.zeros(ld);
+    double beta = 0.0, liquid = 0.0, vapour = 0.0;
+    const StatusCode status = flash::energy_flash({c.property, c.wanted, c.P, c.z, c.mixture, c.routines, true,
+                                                   true, c.T, &beta, x, y, K, &liquid, &vapour, nullptr});
+    if (status != KV_OK) return status;
+    const bool split = split_free_water({*c.T, c.P, c.mixture, beta, x, y}, c.out);
+    flash::CaloricModel model;
+    model.property = c.property;
+    model.P = c.P;
+    model.mixture = c.mixture;
+    model.routines = c.routines;
+    model.free_water = true;
+    double total = 0.0;
+    const StatusCode evaluated = evaluate(c, model, total);
+    if (evaluated != KV_OK) return evaluated;
+    if (!split || c.property == flash::Property::enthalpy)
+      return !split ? KV_LV_ANSWER : *c.out.V > 0.0 ? KV_OK : KV_LL_ANSWER;
+    return search(c, model);
+  });
+}
+
+StatusCode three_quality_free_water(const ThreeQualityCall& c) {
+  const int n = c.mixture->count;
+  return support::with_arena<0, 6>(n, [&](support::Arena& arena) -> StatusCode {
+    const int ld = support::padded(n);
+    double *const x = arena.zeros(ld), *const y = arena.zeros(ld), *const K = arena.zeros(ld);
+    const double W = std::clamp(c.W, 0.0, 1.0);
+    double unknown = *c.unknown;
+    const StatusCode status = flash::quality_flash(
+        {c.find, W, c.given, c.z, c.mixture, c.routines, true, true, &unknown, x, y, K, nullptr});
+    if (status != KV_OK && status != KV_UNSTABLE_POINT) return status;
+    *c.unknown = unknown;
+    const bool of_T = c.find == flash::Find::temperature;
+    const bool split =
+        split_free_water({of_T ? unknown : c.given, of_T ? c.given : unknown, c.mixture, W, x, y}, c.out);
+    if (W == 0.0) keep_incipient_vapour(n, y, c.out);
+    if (status != KV_OK) return status;
+    return split ? StatusCode{KV_OK} : StatusCode{KV_LV_ANSWER};
+  });
+}
+
+}  // namespace kestrune::flash3

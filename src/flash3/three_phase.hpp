@@ -1,0 +1,76 @@
+// Flash of two liquids and a vapour at temperature and pressure: the driver behind the export.
+#ifndef KESTRUNE_FLASH3_THREE_PHASE_HPP
+#define KESTRUNE_FLASH3_THREE_PHASE_HPP
+
+#include "flash3/equilibrium.hpp"
+
+namespace kestrune::flash3 {
+
+/* Where a three-phase flash leaves its phases. Arrays [n] of the caller. */
+struct ThreePhaseResult {
+  double *beta = nullptr, *V = nullptr;               // parts of the feed in A and in the vapour
+  double *xA = nullptr, *xB = nullptr, *y = nullptr;  // lighter liquid, denser liquid, vapour
+  double *KLL = nullptr, *KLV = nullptr;              // xA/xB, y/xA
+};
+
+struct ThreePhaseCall {
+  double T = 0.0, P = 0.0;    // K, atm
+  const double* z = nullptr;  // feed; its sum is checked against the record's tolerance
+  MixtureRecord* mixture = nullptr;
+  const ModelRoutines* routines = nullptr;
+  bool free_water = false;
+  bool estimate = false;  // the results hold one; an unusable one is ignored
+  ThreePhaseResult out;
+};
+
+/*
+ * KV_OK: three phases. KV_LV_ANSWER (130): a vapour and one liquid, or one of them alone; the liquid stands in
+ * A, with beta exactly 1 as a mark, B and KLL zero. KV_LL_ANSWER (131): no vapour; two liquids, or one in B
+ * with beta 0 and KLL 1e15. 134, 135: the same, when the liquid-vapour flash of the host had a status. 111: the
+ * feed does not sum to one. KV_FOURTH_PHASE (118): three phases, and a fourth would split off. 136: no answer
+ * that passes the test was found, and the liquid-vapour flash failed; 112, 114, 120: no answer was found.
+ * Others: of the model.
+ */
+StatusCode three_phase_flash(const ThreePhaseCall& call);
+
+/* The phases of an estimate into e.p: two or three of them. False: it is unusable. */
+bool take_estimate(const ThreePhaseResult& given, Equilibrium& e);
+
+/* KV_OK, or KV_FEED_SUM where the feed does not sum to one within the tolerance of the record. */
+StatusCode check_sum(const double* z, const MixtureRecord& mixture) noexcept;
+
+/*
+ * Names the phases of e.p (vapour, lighter liquid A, denser liquid B) and writes them out, with the marks
+ * above. KV_OK, 130, 131, or the status of the host's density routine.
+ */
+StatusCode write_phases(Equilibrium& e, const ThreePhaseResult& out);
+
+/*
+ * The same of a flash at vapour fraction W: the phases in e.p with a vapour among them, of which one may have
+ * no amount. At W = 1 that is the incipient liquid.
+ */
+StatusCode write_quality_phases(Equilibrium& e, double W, const ThreePhaseResult& out);
+
+/*
+ * Free water: splits the liquid x[n] of a liquid-vapour answer (fractions V and 1 - V) into hydrocarbons at
+ * their solubility limit, A, and water, B, where there is more water than that. False: there is not, and the
+ * answer has been written with the mark, liquid A being x. incipient: V is 1, and the liquid that would appear
+ * first is written as well.
+ */
+struct LiquidVapour {
+  double T, P;
+  const MixtureRecord* mixture;
+  double V;
+  const double *x, *y;
+};
+bool split_free_water(const LiquidVapour& answer, const ThreePhaseResult& out);
+
+/* At a bubble point: the vapour that appears, y[n], beside the liquids that have been written. */
+void keep_incipient_vapour(int n, const double* y, const ThreePhaseResult& out);
+
+/* After the fact, kept as hosts know it: a vapour with the mark beta = 1 has its liquid in B and beta 0. */
+void move_marked_liquid(int n, const ThreePhaseResult& out);
+
+}  // namespace kestrune::flash3
+
+#endif

@@ -1,0 +1,138 @@
+// Three-phase flashes at enthalpy, entropy and vapour fraction where a host would notice a fault at once:
+// amounts along a line where temperature stands still, ends of the vapour fraction, values of phases that have
+// to add up.
+#include <gtest/gtest.h>
+
+#include "three_phase_call.hpp"
+
+using namespace kestrune;
+using namespace kestrune::tests;
+
+namespace {
+
+struct Given : Answer {
+  double T = 0.0, A = 0.0, B = 0.0, vapour = 0.0;
+  double sum() const { return beta * A + (1.0 - beta - V) * B + V * vapour; }
+};
+
+Given at_energy(Mixture& m, bool entropy, double value, double P, const Vector& z) {
+  Given g;
+  for (Vector* array : {&g.xA, &g.xB, &g.y, &g.KLL, &g.KLV}) array->resize(z.size(), -7.0);
+  g.status = (entropy ? FlashLLVatSP : FlashLLVatHP)(value, P, z.data(), &m.record, nullptr, 0, &g.T, &g.beta,
+                                                     &g.V, g.xA.data(), g.xB.data(), g.y.data(), g.KLL.data(),
+                                                     g.KLV.data(), &g.A, &g.B, &g.vapour);
+  return g;
+}
+
+Given at_fraction(Mixture& m, double W, double P, const Vector& z) {
+  Given g;
+  g.V = W;
+  for (Vector* array : {&g.xA, &g.xB, &g.y, &g.KLL, &g.KLV}) array->resize(z.size(), -7.0);
+  g.status = FlashLLVatWP(W, P, z.data(), &m.record, nullptr, 0, &g.T, &g.beta, g.xA.data(), g.xB.data(),
+                          g.y.data(), g.KLL.data(), g.KLV.data());
+  return g;
+}
+
+void expect_balance(const Given& g, const Vector& z) {
+  for (std::size_t i = 0; i < z.size(); ++i)
+    EXPECT_NEAR(g.beta * g.xA[i] + (1.0 - g.beta - g.V) * g.xB[i] + g.V * g.y[i], z[i], 1e-10) << i;
+}
+
+// Two components: three phases at one temperature, and a range of enthalpies that only the amounts can meet.
+TEST(ThreePhaseLine, AmountsMeetTheValueWhereTemperatureStandsStill) {
+  Mixture m = mixture_of({"methane", "hydrogen_sulfide"});
+  m.use();
+  const Vector z{0.6, 0.4};
+  const double P = 20.0;
+  const Given bubble = at_fraction(m, 0.0, P, z), some = at_fraction(m, 0.3, P, z);
+  ASSERT_EQ(bubble.status, KV_OK);
+  ASSERT_EQ(some.status, KV_OK);
+  EXPECT_NEAR(some.T, bubble.T, 1e-6);  // W moves along the line
+  EXPECT_GT(some.beta, 0.0);
+  EXPECT_LT(some.beta + some.V, 1.0);
+  expect_balance(some, z);
+  double below = 0.0, above = 0.0;
+  for (const double V : {0.1, 0.3, 0.5}) {
+    const Given known = at_fraction(m, V, P, z);
+    double hA = 0.0, hB = 0.0, hV = 0.0, sA = 0.0, sB = 0.0, sV = 0.0;
+    LiquidMolarEnthalpy_PPR78(known.T, P, known.xA.data(), &m.record, &hA);
+    LiquidMolarEnthalpy_PPR78(known.T, P, known.xB.data(), &m.record, &hB);
+    GasMolarEnthalpy_PPR78(known.T, P, known.y.data(), &m.record, &hV);
+    LiquidMolarEntropy_PPR78(known.T, P, known.xA.data(), &m.record, &sA);
+    LiquidMolarEntropy_PPR78(known.T, P, known.xB.data(), &m.record, &sB);
+    GasMolarEntropy_PPR78(known.T, P, known.y.data(), &m.record, &sV);
+    const double rest = 1.0 - known.beta - V;
+    const double H = known.beta * hA + rest * hB + V * hV, S = known.beta * sA + rest * sB + V * sV;
+    for (const bool entropy : {false, true}) {
+      const double value = entropy ? S : H;
+      const Given g = at_energy(m, entropy, value, P, z);
+      ASSERT_EQ(g.status, KV_OK);
+      EXPECT_NEAR(g.T, known.T, 1e-6);
+      EXPECT_NEAR(g.V, V, 1e-6);
+      EXPECT_NEAR(g.beta, known.beta, 1e-6);
+      EXPECT_NEAR(g.sum(), value, 1e-8 * std::fabs(value));
+      expect_balance(g, z);
+    }
+    above = H;
+    if (V == 0.1) below = H;
+  }
+  EXPECT_GT(above - below, 100.0);  // cal/mol at one temperature
+}
+
+// The ends of the vapour fraction: an incipient vapour over two liquids, an incipient liquid below a gas.
+TEST(ThreePhaseFraction, EndsHaveTheIncipientPhase) {
+  Mixture m = mixture_of({"methane", "propane", "n_heptane", "water"});
+  m.use();
+  const Vector z{0.1, 0.2, 0.4, 0.3};
+  const double P = 20.0;
+  const Given bubble = at_fraction(m, 0.0, P, z), dew = at_fraction(m, 1.0, P, z);
+  ASSERT_EQ(bubble.status, KV_OK);
+  EXPECT_GT(bubble.beta, 0.5);
+  EXPECT_LT(bubble.beta, 0.8);
+  EXPECT_GT(bubble.xB[3], 0.999);
+  EXPECT_NEAR(bubble.y[0] + bubble.y[1] + bubble.y[2] + bubble.y[3], 1.0, 1e-10);
+  expect_balance(bubble, z);
+  EXPECT_LT(flash3(m, bubble.T - 1e-3, P, z).V, 1e-300);
+  EXPECT_GT(flash3(m, bubble.T + 1e-3, P, z).V, 0.0);
+  ASSERT_EQ(dew.status, KV_OK);
+  EXPECT_EQ(dew.beta, 0.0);
+  EXPECT_NEAR(dew.xB[0] + dew.xB[1] + dew.xB[2] + dew.xB[3], 1.0, 1e-10);
+  EXPECT_EQ(flash3(m, dew.T + 1e-3, P, z).V, 1.0);
+  EXPECT_LT(flash3(m, dew.T - 1e-3, P, z).V, 1.0);
+}
+
+// Free water: what the two-phase flash says of vapour and water, and phases whose values add up to the feed's.
+TEST(ThreePhaseFreeWater, ValuesAddUpAndAgreeWithTwoPhases) {
+  Mixture m = mixture_of({"methane", "n_decane", "water"});
+  m.use();
+  m.record.flags = FreeWaterFlag;
+  m.record.solubility_a = 11.2;
+  m.record.solubility_b = 6290.0;
+  const Vector z{0.5, 0.2, 0.3};
+  const double P = 20.0;
+  for (const double H : {-4000.0, -2000.0, 0.0}) {
+    const Given g = at_energy(m, false, H, P, z);
+    double T = 0.0, beta = 0.0, HL = 0.0, HV = 0.0;
+    Vector x(3), y(3), K(3);
+    ASSERT_EQ(
+        FlashLVatHP(H, P, z.data(), &m.record, nullptr, 1, &T, &beta, x.data(), y.data(), K.data(), &HL, &HV),
+        KV_OK);
+    ASSERT_EQ(g.status, KV_OK);
+    EXPECT_NEAR(g.T, T, 1e-6);
+    EXPECT_NEAR(g.V, beta, 1e-8);
+    EXPECT_NEAR(g.sum(), H, 1e-7 * std::fabs(H) + 1e-6);
+    expect_balance(g, z);
+    double SA = 0.0, SB = 0.0, SV = 0.0;
+    if (g.beta > 0.0) LiquidMolarEntropy_PPR78(g.T, P, g.xA.data(), &m.record, &SA);
+    LiquidMolarEntropy_PPR78(g.T, P, g.xB.data(), &m.record, &SB);
+    GasMolarEntropy_PPR78(g.T, P, g.y.data(), &m.record, &SV);
+    const double S = g.beta * SA + (1.0 - g.beta - g.V) * SB + g.V * SV;
+    const Given again = at_energy(m, true, S, P, z);
+    ASSERT_EQ(again.status, KV_OK);
+    EXPECT_NEAR(again.T, g.T, 1e-6);
+    EXPECT_NEAR(again.sum(), S, 1e-9);
+  }
+  EXPECT_EQ(m.record.flags, FreeWaterFlag);
+}
+
+}  // namespace
