@@ -122,15 +122,39 @@ KV_API StatusCode KV_CALL FlashLVatWT(double W, double T, const double* z, Mixtu
 /* ---- Flashes of three phases ------------------------------------------------------------------ */
 
 /*
- * Two liquids and a vapour at T and P. beta: share of liquid A (xA), V: share of the vapour (y), the rest is
- * liquid B (xB). KLL = xA/xB, KLV = y/xA, 1e15 where the denominator phase holds none. A liquid-vapour answer
- * has beta 0 and its liquid in xB. 60 bytes.
+ * Up to two liquids and a vapour at T and P (Michelsen 1982, 1994): the state of lowest Gibbs energy among one,
+ * two and three fluid phases. beta: share of the feed in liquid A (xA[count]), V: in the vapour (y), the rest
+ * is liquid B (xB). KLL = xA/xB, KLV = y/xA, within 1e-15 .. 1e15, which also stands where the phase below has
+ * none of a component; mole fractions below 1e-15 are written as 0. options bit 0 set: the results hold an
+ * estimate, an unusable one is ignored. 60 bytes.
+ *
+ *   three phases        0 < beta, 0 < V, beta + V < 1; A is the lighter liquid, B the denser one
+ *   vapour, one liquid  beta 0, the liquid in B whatever it is, xA and KLL zero, KLV = y/xB
+ *   two liquids         V 0, y and KLV zero
+ *   one liquid          V 0; beta 0 and the liquid in B with KLL 1e15; with free water beta 1 and the liquid in
+ * A a vapour alone      V 1, beta 0, KLV 1e15; xB holds a liquid close to appearing, or the feed
+ *
+ * Of two phases the less densely packed one (b/v) is called vapour above the critical volume of the equation
+ * (3.9514 b) or its own pseudo-critical temperature (1.25 times that beside an aqueous liquid), else it is a
+ * liquid. With the FreeWaterFlag the liquid of FlashLVatTP is taken apart: A hydrocarbons at their solubility
+ * limit, B water.
+ *
+ * 0 = found: ln fugacities equal to 1e-10, and nothing splits off. 111: the feed does not sum to one within
+ * sum_tolerance. 112, 114, 120: no answer, results hold the best state seen. 118: three phases, and a fourth
+ * would split off. With flashes of the host (entries 1 and 2): 134, 135 as their status was not 0, 136 nothing
+ * usable.
  */
 KV_API StatusCode KV_CALL FlashLLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                        const ModelRoutines* routines, int32_t options, double* beta, double* V,
                                        double* xA, double* xB, double* y, double* KLL, double* KLV);
 
-/* At enthalpy or entropy and pressure; the last three outputs belong to A, B and the vapour. 76 bytes. */
+/*
+ * At enthalpy (cal/mol) or entropy (cal/(mol K)) of one mole of feed and pressure, phases as above; the last
+ * three outputs are the molar values of A, B and the vapour, 0 for a phase that is absent. T in/out, K, 0 =
+ * 298.15. Where temperature stands still while the value changes, as beside three phases of two components, the
+ * amounts are what is solved for. 112: no temperature between 3 and 10 000 K has the value, or it was not
+ * found. 76 bytes.
+ */
 KV_API StatusCode KV_CALL FlashLLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
                                        const ModelRoutines* routines, int32_t options, double* T, double* beta,
                                        double* V, double* xA, double* xB, double* y, double* KLL, double* KLV,
@@ -140,7 +164,12 @@ KV_API StatusCode KV_CALL FlashLLVatSP(double S, double P, const double* z, Mixt
                                        double* V, double* xA, double* xB, double* y, double* KLL, double* KLV,
                                        double* SA, double* SB, double* SV);
 
-/* At vapour fraction and pressure, T in/out; at vapour fraction and temperature, P in/out. 60 bytes. */
+/*
+ * At vapour fraction W and pressure (T in/out, K), or temperature (P in/out, atm); phases as above with V = W.
+ * W = 0: bubble point, y is the vapour about to appear over one liquid (beta 1, in A) or two; W = 1: dew point,
+ * B is the liquid about to appear. 116: no such state was met; 112: not found; the results then stay as they
+ * were. 60 bytes.
+ */
 KV_API StatusCode KV_CALL FlashLLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
                                        const ModelRoutines* routines, int32_t options, double* T, double* beta,
                                        double* xA, double* xB, double* y, double* KLL, double* KLV);
