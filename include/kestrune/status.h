@@ -36,6 +36,7 @@ typedef int32_t StatusCode;
   X(KV_LV_ANSWER_DOUBTFUL, 134, "one liquid and a vapour remain; the flash that said so had a status")    \
   X(KV_LL_ANSWER_DOUBTFUL, 135, "no vapour remains; the flash that said so had a status")                 \
   X(KV_NO_START, 136, "no starting point for three phases could be built")                                \
+  X(KV_NO_CRITICAL, 145, "the mixture has no stable critical point")                                      \
   X(KV_PURE_UNKNOWN, 1001, "pure-component library: component unknown")                                   \
   X(KV_PURE_NO_CORRELATION, 1002, "pure-component library: no correlation for this property")             \
   X(KV_PURE_RANGE, 1003, "pure-component library: temperature outside the range of the correlation")      \
