@@ -28,11 +28,14 @@ bool solve_branch(Tracer& t, const LinePoint& p, int held) {
   t.line.root_x = root_x;
   t.line.root_y = root_y;
   if (solved != Solved::yes) return false;
-  // The same branch again would be no corner.
-  double apart = 0.0;
-  for (int i = 0; i < t.line.n; ++i)
-    if (t.line.z[i] > 0.0) apart = std::max(apart, std::fabs(t.branch.X[i] - p.X[i]));
-  return apart > 1e-3;
+  // The same branch again would be no corner, nor would the feed itself.
+  double apart = 0.0, own = 0.0;
+  for (int i = 0; i < t.line.n; ++i) {
+    if (!(t.line.z[i] > 0.0)) continue;
+    apart = std::max(apart, std::fabs(t.branch.X[i] - p.X[i]));
+    own = std::max(own, std::fabs(t.branch.X[i]));
+  }
+  return apart > 1e-3 && own > 5e-3;
 }
 
 void start_from_trial(Tracer& t) {
@@ -62,10 +65,11 @@ double direction_of_branch(const Tracer& t) {
  * (t.branch) have T and P in common. Newton's method on the gap in the unknown other than the common one, from
  * b backwards, for the branch need not reach as far as a. direction: of the branch from there on.
  */
-bool find_corner(Tracer& t, const LinePoint& a, const LinePoint& b, int held, int common, double& direction) {
+bool find_corner(Tracer& t, const LinePoint& a, const LinePoint& b, int held, double from, int common,
+                 double& direction) {
   const int other = common == t.line.T_index() ? t.line.P_index() : t.line.T_index();
   start_from_trial(t);
-  double part = 1.0;
+  double part = from;
   for (int k = 0; k < kSteps; ++k) {
     if (!solve_on_way(t, a, b, held, part, t.next) || !solve_branch(t, t.next, common)) return false;
     const double gap = t.branch.X[other] - t.next.X[other];
@@ -81,6 +85,31 @@ bool find_corner(Tracer& t, const LinePoint& a, const LinePoint& b, int held, in
     const double next = std::clamp(part + std::clamp(step, -0.5, 0.5), -0.2, 1.0);
     if (next == part) return false;
     part = next;
+  }
+  return false;
+}
+
+// The corner from the node that is not stable, or from points closer and closer to it by halving.
+bool close_in(Tracer& t, const Node& stable, const Node& bad, double& direction) {
+  constexpr int kHalvings = 14;
+  const LinePoint a = point_of(stable), b = point_of(bad);
+  keep_roots(t, bad);
+  double low = 0.0, high = 1.0;
+  std::copy_n(b.X, t.line.n + 2, t.probe.X);
+  if (stable_at(t, t.probe)) return false;
+  for (int k = 0; k < kHalvings; ++k) {
+    for (const int common : {t.line.T_index(), t.line.P_index()})
+      if (find_corner(t, a, b, bad.held, high, common, direction)) return true;
+    // The trial of the last point that was not stable stays in t.trial_K.
+    double middle = 0.5 * (low + high);
+    while (high - low > 1e-6) {
+      if (!solve_on_way(t, a, b, bad.held, middle, t.probe)) return false;
+      if (!stable_at(t, t.probe)) break;
+      low = middle;
+      middle = 0.5 * (low + high);
+    }
+    if (high - low <= 1e-6) return false;
+    high = middle;
   }
   return false;
 }
@@ -133,6 +162,7 @@ bool stable_at(Tracer& t, LinePoint& p) {
   call.mixture = &silent;
   call.routines = line.routines;
   call.beta = &beta;
+  call.every_component = true;
   if (t.boundary()) {
     call.x = call.y = t.trial;
     call.K = t.trial_K;
@@ -151,18 +181,11 @@ bool change_over(Tracer& t, int bad, double& sign, double& phase) {
   int before = bad - 1;
   // A critical point is no place to interpolate from.
   if (t.node[before].critical && before > 0 && t.node[before].held >= 0) --before;
-  const LinePoint a = point_of(t.node[before]), b = point_of(t.node[bad]);
-  const int held = t.node[bad].held;
-  keep_roots(t, t.node[bad]);
-  std::copy_n(b.X, t.line.n + 2, t.probe.X);
-  if (stable_at(t, t.probe)) return false;
-  double direction = 0.0;
-  if (!find_corner(t, a, b, held, t.line.T_index(), direction) &&
-      !find_corner(t, a, b, held, t.line.P_index(), direction))
-    return false;
-  const int end = before + 1;
   const double kind = t.node[before].critical ? t.node[bad].kind : t.node[before].kind;
-  t.count = end;
+  const int held = t.node[bad].held;
+  double direction = 0.0;
+  if (!close_in(t, t.node[before], t.node[bad], direction)) return false;
+  t.count = before + 1;
   if (!push(t, t.next, held, kind)) return false;
   t.node[t.count - 1].corner = true;
   flash::copy_point(t.line, t.branch, t.here);

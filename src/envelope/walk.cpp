@@ -15,7 +15,7 @@ using flash::Solved;
 constexpr int kTestEvery = 3;             // nodes
 constexpr double kTooCloseToTest = 0.05;  // largest |ln K| beside a critical point
 constexpr double kJoined = 1e-3;          // of ln T and ln P
-constexpr flash::StepBounds kBounds{0.8, 0.05, 0.4};
+constexpr flash::StepBounds kBounds{0.8, 0.05, 0.4, true};
 
 double largest_log_K(const Tracer& t, const double* X) {
   double largest = 0.0;

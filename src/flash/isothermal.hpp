@@ -27,6 +27,7 @@ struct IsothermalCall {
   double* beta = nullptr;  // vapour (second liquid) fraction
   double *x = nullptr, *y = nullptr, *K = nullptr;
   Counts* counts = nullptr;  // may be null
+  bool every_component = false;  // feed_stability: near-pure trials of all components, not of the usual ones
 };
 
 /*

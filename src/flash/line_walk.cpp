@@ -40,6 +40,24 @@ void extrapolate(const QualityLine& line, const LinePoint* last, const LinePoint
   }
 }
 
+// Whether a step came to the line that it began on.
+bool same_line(const QualityLine& line, const LinePoint& here, const LinePoint& next, int held,
+               const StepBounds& bounds) {
+  constexpr double kFurther = 2.5, kVanished = 0.25;
+  const int iT = line.T_index(), iP = line.P_index();
+  double before = 0.0, after = 0.0, change = 0.0;
+  for (int i = 0; i < line.n; ++i) {
+    if (!(line.z[i] > 0.0)) continue;
+    before = std::max(before, std::fabs(here.X[i]));
+    after = std::max(after, std::fabs(next.X[i]));
+    change = std::max(change, std::fabs(next.X[i] - here.X[i]));
+  }
+  if (change > kFurther * bounds.log_K || std::fabs(next.X[iT] - here.X[iT]) > kFurther * bounds.log_T ||
+      std::fabs(next.X[iP] - here.X[iP]) > kFurther * bounds.log_P)
+    return false;
+  return held < line.n || after > kVanished * before;
+}
+
 }  // namespace
 
 Cubic between(const LinePoint& a, const LinePoint& b, int i, int held) {
@@ -82,7 +100,8 @@ Solved walk_on(QualityLine& line, const LinePoint* last, const LinePoint& here, 
   while (std::fabs(h) > kSmallestStep) {
     extrapolate(line, last, here, held, h, next.X);
     solved = solve_point(line, next, held, here.X[held] + h, kWalkNewtonLimit, true, status);
-    if (solved == Solved::yes) break;
+    if (solved == Solved::yes && (!bounds.same_line || same_line(line, here, next, held, bounds))) break;
+    if (solved == Solved::yes) solved = Solved::no;
     h *= 0.4;
   }
   made = {held, h};
