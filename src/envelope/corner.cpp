@@ -14,7 +14,7 @@ using flash::LinePoint;
 using flash::Solved;
 
 constexpr double kStable = -1e-9;
-constexpr int kSteps = 20;
+constexpr int kSteps = 30;
 constexpr double kMet = 1e-10;  // ln T or ln P between the two lines at the corner
 constexpr int kNewtonLimit = 25;
 
@@ -45,15 +45,15 @@ void start_from_trial(Tracer& t) {
 
 /*
  * The direction in which the branch bounds the one-phase region, 1 or -1 in pressure: the one in which the
- * feed's distance to the phase of the old line rises. t.next is the old line's point, the last one that was
+ * feed's distance to the phase of the old line rises. t.corner is the old line's point, the last one that was
  * solved.
  */
 double direction_of_branch(const Tracer& t) {
   const flash::QualityLine& line = t.line;
   double by_T = 0.0, by_P = 0.0;
   for (int i = 0; i < line.n; ++i) {
-    by_T += t.next.x[i] * (line.t_x[i] - line.t_y[i]);
-    by_P += t.next.x[i] * (line.p_x[i] - line.p_y[i]);
+    by_T += t.corner.x[i] * (line.t_x[i] - line.t_y[i]);
+    by_P += t.corner.x[i] * (line.p_x[i] - line.p_y[i]);
   }
   const double *slope = t.branch.slope, along_P = slope[line.P_index()];
   const double rise = by_T * line.m.T * slope[line.T_index()] + by_P * line.m.P * along_P;
@@ -61,25 +61,39 @@ double direction_of_branch(const Tracer& t) {
 }
 
 /*
- * The corner between the stable node a and the node b that is not: where the old line (t.next) and the branch
+ * The corner between the stable node a and the node b that is not: where the old line (t.corner) and the branch
  * (t.branch) have T and P in common. Newton's method on the gap in the unknown other than the common one, from
- * b backwards, for the branch need not reach as far as a. direction: of the branch from there on.
+ * b backwards, for the branch need not reach as far as a. at: where it is; direction: of the
+ * branch from there on.
  */
 bool find_corner(Tracer& t, const LinePoint& a, const LinePoint& b, int held, double from, int common,
-                 double& direction) {
+                 double& at, double& direction) {
   const int other = common == t.line.T_index() ? t.line.P_index() : t.line.T_index();
   start_from_trial(t);
-  double part = from;
+  const int size = t.line.n + 2;
+  double part = from, good = from;
+  bool have_good = false;
   for (int k = 0; k < kSteps; ++k) {
-    if (!solve_on_way(t, a, b, held, part, t.next) || !solve_branch(t, t.next, common)) return false;
-    const double gap = t.branch.X[other] - t.next.X[other];
+    if (!solve_on_way(t, a, b, held, part, t.corner)) return false;
+    if (!solve_branch(t, t.corner, common)) {
+      // Back towards where it converged.
+      if (!have_good || std::fabs(part - good) < 1e-6) return false;
+      part = 0.5 * (part + good);
+      std::copy_n(t.spare.X, size, t.branch.X);
+      continue;
+    }
+    std::copy_n(t.branch.X, size, t.spare.X);
+    good = part;
+    have_good = true;
+    const double gap = t.branch.X[other] - t.corner.X[other];
     if (std::fabs(gap) < kMet) {
-      if (!solve_on_way(t, a, b, held, part, t.next)) return false;
+      if (!solve_on_way(t, a, b, held, part, t.corner)) return false;
       direction = direction_of_branch(t);
+      at = part;
       return true;
     }
     const double apart =
-        t.branch.slope[other] / t.branch.slope[common] - t.next.slope[other] / t.next.slope[common];
+        t.branch.slope[other] / t.branch.slope[common] - t.corner.slope[other] / t.corner.slope[common];
     const double step = -gap / (apart * flash::between(a, b, common, held).slope(part));
     if (!(std::fabs(step) < 1e3)) return false;
     const double next = std::clamp(part + std::clamp(step, -0.5, 0.5), -0.2, 1.0);
@@ -98,9 +112,19 @@ bool close_in(Tracer& t, const Node& stable, const Node& bad, double& direction)
   std::copy_n(b.X, t.line.n + 2, t.probe.X);
   if (stable_at(t, t.probe)) return false;
   for (int k = 0; k < kHalvings; ++k) {
-    for (const int common : {t.line.T_index(), t.line.P_index()})
-      if (find_corner(t, a, b, bad.held, high, common, direction)) return true;
-    // The trial of the last point that was not stable stays in t.trial_K.
+    // From the trial of the last point that was not stable, which stays in t.trial_K. Of several phases that
+    // split off the one counts that does so first.
+    double at = high;
+    for (const int common : {t.line.T_index(), t.line.P_index()}) {
+      if (!find_corner(t, a, b, bad.held, high, common, at, direction)) continue;
+      flash::copy_point(t.line, t.corner, t.probe);
+      if (stable_at(t, t.probe)) return true;
+      break;
+    }
+    if (at > low && at < high) {
+      high = at;
+      continue;
+    }
     double middle = 0.5 * (low + high);
     while (high - low > 1e-6) {
       if (!solve_on_way(t, a, b, bad.held, middle, t.probe)) return false;
@@ -126,10 +150,12 @@ bool liquid_forms(const Tracer& t, const LinePoint& p) {
  * root is what splits off before it.
  */
 bool own_roots_stable(Tracer& t, const LinePoint& p) {
-  constexpr double kSame = 1e-6, kLower = 1e-9;
+  constexpr double kSame = 1e-6, kLower = 1e-9, kSameT = 1e-5;
   flash::QualityLine& line = t.line;
   if (line.root_x == flash::Kind::stable) return true;
-  t.status = flash::line_model(line, flash::temperature(line, p), flash::pressure(line, p));
+  // The model of a point that was solved just before is as good.
+  const double T = flash::temperature(line, p), P = flash::pressure(line, p);
+  t.status = flash::line_model(line, std::fabs(line.prepared - T) < kSameT * T ? line.prepared : T, P);
   if (t.status != KV_OK) return true;
   // ln phi of the stable root in phi, and how much lower its Gibbs energy is.
   const auto gain = [&](const double* x, flash::Kind own, double* phi) {
@@ -186,7 +212,7 @@ bool change_over(Tracer& t, int bad, double& sign, double& phase) {
   double direction = 0.0;
   if (!close_in(t, t.node[before], t.node[bad], direction)) return false;
   t.count = before + 1;
-  if (!push(t, t.next, held, kind)) return false;
+  if (!push(t, t.corner, held, kind)) return false;
   t.node[t.count - 1].corner = true;
   flash::copy_point(t.line, t.branch, t.here);
   keep_roots(t, t.here);

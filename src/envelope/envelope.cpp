@@ -198,7 +198,7 @@ StatusCode set_up(const EnvelopeCall& call, bool asked_P, bool asked_T, support:
   const int j = flash::single_component(line.n, z, flash::pure_tolerance(*call.mixture));
   if (j >= 0) return vapour_pressure_curve(call, j);
   Tracer t(line);
-  for (flash::LinePoint* p : {&t.here, &t.last, &t.next, &t.probe, &t.branch})
+  for (flash::LinePoint* p : {&t.here, &t.last, &t.next, &t.probe, &t.branch, &t.corner, &t.spare})
     flash::take_point(arena, line, *p);
   t.trial = arena.zeros(line.ld);
   t.trial_K = arena.zeros(line.ld);

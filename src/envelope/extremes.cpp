@@ -17,6 +17,10 @@ bool slope_at(Tracer& t, int segment, int index, double part, double& slope) {
   const flash::LinePoint from = point_of(t.node[segment - 1]), to = point_of(b);
   keep_roots(t, b);
   if (!solve_on_way(t, from, to, b.held, part, t.probe)) return false;
+  // Once more: the slope belongs to where the last iteration began.
+  if (flash::solve_point(t.line, t.probe, b.held, t.probe.X[b.held], flash::kWalkNewtonLimit, true, t.status) !=
+      flash::Solved::yes)
+    return false;
   slope = t.probe.slope[index] / t.probe.slope[b.held];
   return true;
 }

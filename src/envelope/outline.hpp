@@ -49,7 +49,7 @@ struct Tracer {
   Limits limits{};
   Node* node = nullptr;  // [kMostNodes], their arrays taken
   int count = 0;
-  flash::LinePoint here, last, next, probe, branch;
+  flash::LinePoint here, last, next, probe, branch, corner, spare;
   double *trial = nullptr, *trial_K = nullptr;  // [ld] what the last stability test found
   double* lengths = nullptr;                    // [kMostNodes] along the outline
   support::SplineFit fit = support::SplineFit::good;

@@ -12,10 +12,14 @@ namespace {
 using flash::LinePoint;
 using flash::Solved;
 
-constexpr int kTestEvery = 3;             // nodes
+// Nodes from test to test; beside a critical point, with all ln K below the second number, tests cost ten times
+// as much.
+constexpr int kTestEvery = 1, kTestEveryCritical = 5;
+constexpr double kBesideCritical = 1.0;
 constexpr double kTooCloseToTest = 0.05;  // largest |ln K| beside a critical point
 constexpr double kJoined = 1e-3;          // of ln T and ln P
 constexpr flash::StepBounds kBounds{0.8, 0.05, 0.4, true};
+constexpr flash::StepBounds kBoundsOfLiquids{0.8, 0.05, 0.8, true};  // steep lines, all but straight
 
 double largest_log_K(const Tracer& t, const double* X) {
   double largest = 0.0;
@@ -147,7 +151,9 @@ struct Stability {
 void look_at_stability(Tracer& t, Stability& s, bool now, double& phase, double& sign) {
   const int last = t.count - 1;
   s.renewed = false;
-  if (!now && (last - s.tested < kTestEvery || largest_log_K(t, t.node[last].X) < kTooCloseToTest)) return;
+  const double largest = largest_log_K(t, t.node[last].X);
+  const int every = largest < kBesideCritical ? kTestEveryCritical : kTestEvery;
+  if (!now && (last - s.tested < every || largest < kTooCloseToTest)) return;
   const int change = first_change(t, s.tested, s.good);
   if (change >= 0 && s.good && t.boundary()) {
     if (change_over(t, change, sign, phase)) {
@@ -224,8 +230,9 @@ End walk(Tracer& t, double phase, double sign, bool stable, int seen) {
   Stability stability{t.count - 1, stable};
   for (bool first = true;; first = false) {
     flash::LineStep made;
-    const Solved solved = flash::walk_on(t.line, have_last ? &t.last : nullptr, t.here, sign, step, kBounds,
-                                         t.next, made, t.status);
+    const Solved solved =
+        flash::walk_on(t.line, have_last ? &t.last : nullptr, t.here, sign, step,
+                       phase == kLiquids ? kBoundsOfLiquids : kBounds, t.next, made, t.status);
     if (solved != Solved::yes) {
       look_at_stability(t, stability, true, phase, sign);
       return End::broken;

@@ -28,34 +28,46 @@ double bounded(const QualityLine& line, const LinePoint& p, int held, double ste
   return step * part;
 }
 
-// Start of the next point: the cubic through the last two, or the tangent.
-void extrapolate(const QualityLine& line, const LinePoint* last, const LinePoint& here, int held, double h,
-                 double* X) {
-  for (int i = 0; i < line.n + 2; ++i) {
-    X[i] = here.X[i] + h * here.slope[i] / here.slope[held];
-    if (last != nullptr && std::fabs(here.X[held] - last->X[held]) > 1e-3 * std::fabs(h)) {
-      const double part = 1.0 + h / (here.X[held] - last->X[held]);
-      if (part > 1.0 && part < 4.0 && last->slope[held] != 0.0) X[i] = between(*last, here, i, held).at(part);
-    }
+// Start of unknown i of the next point: the cubic through the last two, or the tangent.
+double extrapolated(const LinePoint* last, const LinePoint& here, int held, double h, int i) {
+  if (last != nullptr && std::fabs(here.X[held] - last->X[held]) > 1e-3 * std::fabs(h)) {
+    const double part = 1.0 + h / (here.X[held] - last->X[held]);
+    if (part > 1.0 && part < 4.0 && last->slope[held] != 0.0) return between(*last, here, i, held).at(part);
   }
+  return here.X[i] + h * here.slope[i] / here.slope[held];
 }
 
-// Whether a step came to the line that it began on.
-bool same_line(const QualityLine& line, const LinePoint& here, const LinePoint& next, int held,
-               const StepBounds& bounds) {
-  constexpr double kFurther = 2.5, kVanished = 0.25;
-  const int iT = line.T_index(), iP = line.P_index();
-  double before = 0.0, after = 0.0, change = 0.0;
+// Whether the cubic through the last two points is one to go by: where the unknown held has turned between them
+// it is not, and leads far away from the tangent.
+bool trusted(const QualityLine& line, const LinePoint* last, const LinePoint& here, int held, double h) {
+  constexpr double kFromTangent = 1.0, kFreeT = 0.002, kFreeP = 0.02;
+  for (const int i : {line.T_index(), line.P_index()}) {
+    const double tangent = h * here.slope[i] / here.slope[held];
+    const double off = extrapolated(last, here, held, h, i) - here.X[i] - tangent;
+    if (std::fabs(off) > kFromTangent * std::fabs(tangent) + (i == line.T_index() ? kFreeT : kFreeP))
+      return false;
+  }
+  return true;
+}
+
+// Whether a step came to the line that it began on: T and P close to where they were expected, and the ln K not
+// all but vanished at once.
+bool same_line(const QualityLine& line, const LinePoint* last, const LinePoint& here, const LinePoint& next,
+               int held, double h) {
+  constexpr double kAside = 0.5, kVanished = 0.25, kFreeT = 0.01, kFreeP = 0.1;
+  double before = 0.0, after = 0.0;
   for (int i = 0; i < line.n; ++i) {
     if (!(line.z[i] > 0.0)) continue;
     before = std::max(before, std::fabs(here.X[i]));
     after = std::max(after, std::fabs(next.X[i]));
-    change = std::max(change, std::fabs(next.X[i] - here.X[i]));
   }
-  if (change > kFurther * bounds.log_K || std::fabs(next.X[iT] - here.X[iT]) > kFurther * bounds.log_T ||
-      std::fabs(next.X[iP] - here.X[iP]) > kFurther * bounds.log_P)
-    return false;
-  return held < line.n || after > kVanished * before;
+  if (held >= line.n && after < kVanished * before) return false;
+  for (const int i : {line.T_index(), line.P_index()}) {
+    const double expected = extrapolated(last, here, held, h, i);
+    const double room = kAside * std::fabs(expected - here.X[i]) + (i == line.T_index() ? kFreeT : kFreeP);
+    if (std::fabs(next.X[i] - expected) > room) return false;
+  }
+  return true;
 }
 
 }  // namespace
@@ -98,9 +110,10 @@ Solved walk_on(QualityLine& line, const LinePoint* last, const LinePoint& here, 
     h = (here.X[held] > 0.0 ? -1.0 : 1.0) * kBesideCritical - here.X[held];  // over the critical point
   Solved solved = Solved::no;
   while (std::fabs(h) > kSmallestStep) {
-    extrapolate(line, last, here, held, h, next.X);
+    const LinePoint* const by = bounds.same_line && !trusted(line, last, here, held, h) ? nullptr : last;
+    for (int i = 0; i < line.n + 2; ++i) next.X[i] = extrapolated(by, here, held, h, i);
     solved = solve_point(line, next, held, here.X[held] + h, kWalkNewtonLimit, true, status);
-    if (solved == Solved::yes && (!bounds.same_line || same_line(line, here, next, held, bounds))) break;
+    if (solved == Solved::yes && (!bounds.same_line || same_line(line, by, here, next, held, h))) break;
     if (solved == Solved::yes) solved = Solved::no;
     h *= 0.4;
   }

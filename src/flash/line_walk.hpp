@@ -23,8 +23,8 @@ int most_sensitive(const QualityLine& line, const LinePoint& p);
 /* Largest changes of one step. */
 struct StepBounds {
   double log_K = 0.8, log_T = 0.05, log_P = 0.6;
-  // A point is refused that lies much further away than these, or whose ln K have all but vanished at once: it is
-  // one of another line.
+  // A point is refused that lies far from where it was expected, or whose ln K have all but vanished at once:
+  // it is one of another line.
   bool same_line = false;
 };
 
