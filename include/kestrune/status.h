@@ -39,10 +39,10 @@ typedef int32_t StatusCode;
   X(KV_ENVELOPE_OPEN, 140, "the envelope is open: it reached the default highest pressure")               \
   X(KV_ENVELOPE_COLD, 141, "the envelope reached the default lowest temperature")                         \
   X(KV_ENVELOPE_FULL, 142, "the arrays are too short for all points of the curve")                        \
-  X(KV_ENVELOPE_UNSTABLE, 143, "another phase splits off before a part of the curve; its points are marked") \
+  X(KV_ENVELOPE_UNSTABLE, 143, "another phase splits off before the marked points of the curve")          \
   X(KV_ENVELOPE_BROKEN, 144, "the curve could not be followed to its end")                                \
   X(KV_NO_CRITICAL, 145, "the mixture has no stable critical point")                                      \
-  X(KV_ENVELOPE_LIQUIDS, 146, "a part of the curve is where a second liquid forms beside a liquid")       \
+  X(KV_ENVELOPE_LIQUIDS, 146, "a part of the curve is where a second liquid forms")                       \
   X(KV_PURE_UNKNOWN, 1001, "pure-component library: component unknown")                                   \
   X(KV_PURE_NO_CORRELATION, 1002, "pure-component library: no correlation for this property")             \
   X(KV_PURE_RANGE, 1003, "pure-component library: temperature outside the range of the correlation")      \

@@ -35,7 +35,7 @@ bool solve_branch(Tracer& t, const LinePoint& p, int held) {
     apart = std::max(apart, std::fabs(t.branch.X[i] - p.X[i]));
     own = std::max(own, std::fabs(t.branch.X[i]));
   }
-  return apart > 1e-3 && own > 5e-3;
+  return apart > 0.02 && own > 5e-3;
 }
 
 void start_from_trial(Tracer& t) {

@@ -169,58 +169,8 @@ void look_at_stability(Tracer& t, Stability& s, bool now, double& phase, double&
   s.tested = t.count - 1;
 }
 
-}  // namespace
-
-void keep_roots(Tracer& t, const LinePoint& p) {
-  const MixtureRecord& m = *t.line.mixture;
-  const double unit = std::exp(p.X[t.line.P_index()] - p.X[t.line.T_index()]) / eos::kR;
-  const auto kind = [&](const double* x, double Z) {
-    if (!(Z > 0.0)) return flash::Kind::stable;
-    return flash::covolume(m, x) * unit * eos::kCriticalVolumeRatio < Z ? flash::Kind::gas
-                                                                        : flash::Kind::liquid;
-  };
-  t.line.root_x = kind(p.x, p.Zx);
-  t.line.root_y = kind(p.y, p.Zy);
-}
-
-bool push(Tracer& t, const LinePoint& p, int held, double kind) {
-  if (t.count >= kMostNodes) return false;
-  Node& node = t.node[t.count++];
-  std::copy_n(p.X, t.line.n + 2, node.X);
-  std::copy_n(p.slope, t.line.n + 2, node.slope);
-  node.held = held;
-  node.kind = kind;
-  node.root_x = t.line.root_x;
-  node.root_y = t.line.root_y;
-  node.stable = true;
-  node.critical = node.corner = node.extreme = false;
-  return true;
-}
-
-bool solve_on_way(Tracer& t, const LinePoint& a, const LinePoint& b, int held, double part, LinePoint& out) {
-  flash::point_between(t.line, a, b, held, part, out.X);
-  const double value = a.X[held] + part * (b.X[held] - a.X[held]);
-  return flash::solve_point(t.line, out, held, value, flash::kWalkNewtonLimit, true, t.status) == Solved::yes;
-}
-
-bool solve_between(Tracer& t, const LinePoint& a, const LinePoint& b, int held, int index, double value,
-                   LinePoint& out) {
-  constexpr double kOnTarget = 1e-11;
-  const flash::Cubic c = flash::between(a, b, index, held);
-  double part = support::cubic_root(c, value, 0.0, 1.0);
-  flash::point_between(t.line, a, b, held, part, out.X);
-  if (flash::solve_point(t.line, out, index, value, flash::kWalkNewtonLimit, true, t.status) == Solved::yes)
-    return true;
-  for (int k = 0; k < 12; ++k) {
-    if (!solve_on_way(t, a, b, held, part, out)) return false;
-    const double off = value - out.X[index];
-    if (std::fabs(off) < kOnTarget) return true;
-    part = std::clamp(part + off / c.slope(part), 0.0, 1.0);
-  }
-  return false;
-}
-
-End walk(Tracer& t, double phase, double sign, bool stable, int seen) {
+// The walk itself.
+End follow(Tracer& t, double phase, double sign, bool stable, int seen) {
   double step = flash::kFirstStep;
   bool have_last = false;
   keep_roots(t, t.here);
@@ -273,6 +223,69 @@ End walk(Tracer& t, double phase, double sign, bool stable, int seen) {
     flash::copy_point(t.line, t.next, t.here);
     have_last = true;
   }
+}
+
+}  // namespace
+
+void keep_roots(Tracer& t, const LinePoint& p) {
+  const MixtureRecord& m = *t.line.mixture;
+  const double unit = std::exp(p.X[t.line.P_index()] - p.X[t.line.T_index()]) / eos::kR;
+  const auto kind = [&](const double* x, double Z) {
+    if (!(Z > 0.0)) return flash::Kind::stable;
+    return flash::covolume(m, x) * unit * eos::kCriticalVolumeRatio < Z ? flash::Kind::gas
+                                                                        : flash::Kind::liquid;
+  };
+  t.line.root_x = kind(p.x, p.Zx);
+  t.line.root_y = kind(p.y, p.Zy);
+}
+
+bool push(Tracer& t, const LinePoint& p, int held, double kind) {
+  if (t.count >= kMostNodes) return false;
+  Node& node = t.node[t.count++];
+  std::copy_n(p.X, t.line.n + 2, node.X);
+  std::copy_n(p.slope, t.line.n + 2, node.slope);
+  node.held = held;
+  node.kind = kind;
+  node.root_x = t.line.root_x;
+  node.root_y = t.line.root_y;
+  node.stable = true;
+  node.critical = node.corner = node.extreme = false;
+  return true;
+}
+
+bool solve_on_way(Tracer& t, const LinePoint& a, const LinePoint& b, int held, double part, LinePoint& out) {
+  flash::point_between(t.line, a, b, held, part, out.X);
+  const double value = a.X[held] + part * (b.X[held] - a.X[held]);
+  return flash::solve_point(t.line, out, held, value, flash::kWalkNewtonLimit, true, t.status) == Solved::yes;
+}
+
+bool solve_between(Tracer& t, const LinePoint& a, const LinePoint& b, int held, int index, double value,
+                   LinePoint& out) {
+  constexpr double kOnTarget = 1e-11;
+  const flash::Cubic c = flash::between(a, b, index, held);
+  double part = support::cubic_root(c, value, 0.0, 1.0);
+  flash::point_between(t.line, a, b, held, part, out.X);
+  if (flash::solve_point(t.line, out, index, value, flash::kWalkNewtonLimit, true, t.status) == Solved::yes)
+    return true;
+  for (int k = 0; k < 12; ++k) {
+    if (!solve_on_way(t, a, b, held, part, out)) return false;
+    const double off = value - out.X[index];
+    if (std::fabs(off) < kOnTarget) return true;
+    part = std::clamp(part + off / c.slope(part), 0.0, 1.0);
+  }
+  return false;
+}
+
+End walk(Tracer& t, double phase, double sign, bool stable, int seen) {
+  const int begin = t.count;
+  const End end = follow(t, phase, sign, stable, seen);
+  if (end != End::closed || t.count - begin < 3 || t.node[begin].kind != t.node[t.count - 1].kind) return end;
+  // Back at its own beginning: it has turned round where it was not stable, and what follows is nothing new.
+  const int iT = t.line.T_index();
+  if (std::fabs(t.node[begin].X[iT] - t.node[t.count - 1].X[iT]) > 1e-9) return end;
+  for (int k = begin; k < t.count; ++k)
+    if (!t.node[k].stable) t.count = k;
+  return End::broken;
 }
 
 }  // namespace kestrune::envelope

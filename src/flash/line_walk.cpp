@@ -50,8 +50,8 @@ bool trusted(const QualityLine& line, const LinePoint* last, const LinePoint& he
   return true;
 }
 
-// Whether a step came to the line that it began on: T and P close to where they were expected, and the ln K not
-// all but vanished at once.
+// Whether a step came to the line that it began on: T and P close to where they were expected, the ln K not all
+// but vanished at once, and the way on not turned back, as it is on the other side of a fold.
 bool same_line(const QualityLine& line, const LinePoint* last, const LinePoint& here, const LinePoint& next,
                int held, double h) {
   constexpr double kAside = 0.5, kVanished = 0.25, kFreeT = 0.01, kFreeP = 0.1;
@@ -67,7 +67,10 @@ bool same_line(const QualityLine& line, const LinePoint* last, const LinePoint& 
     const double room = kAside * std::fabs(expected - here.X[i]) + (i == line.T_index() ? kFreeT : kFreeP);
     if (std::fabs(next.X[i] - expected) > room) return false;
   }
-  return true;
+  double along = 0.0;
+  for (int i = 0; i < line.n + 2; ++i)
+    if (i >= line.n || line.z[i] > 0.0) along += here.slope[i] * next.slope[i];
+  return along * here.slope[held] * next.slope[held] > 0.0;
 }
 
 }  // namespace
