@@ -35,6 +35,7 @@ void add_flash_command(CLI::App& app, Session& session);
 void add_props_command(CLI::App& app, Session& session);
 void add_components_command(CLI::App& app, Session& session);
 void add_kij_command(CLI::App& app, Session& session);
+void add_envelope_command(CLI::App& app, Session& session);
 
 // ---- Options that several commands share ---------------------------------------------------------
 

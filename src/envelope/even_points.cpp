@@ -92,7 +92,7 @@ bool point_at(Tracer& t, const Scale& scale, const double* s, double at, double&
   const double T = t.probe.X[iT], P = t.probe.X[iP];
   if (flash::solve_point(t.line, t.probe, held, t.probe.X[held], kNewtonLimit, true, t.status) ==
           flash::Solved::yes &&
-      std::fabs(t.probe.X[iT] - T) < 1e-3 && std::fabs(t.probe.X[iP] - P) < 2e-2)
+      std::fabs(t.probe.X[iT] - T) < 5e-3 && std::fabs(t.probe.X[iP] - P) < 5e-2)
     return true;
   // Beside a critical point, by the part of the step in the unknown itself.
   return solve_on_way(t, point_of(a), point_of(b), held, part, t.probe);
