@@ -75,7 +75,7 @@ std::string kind_in_words(const Curve& curve, const CurvePoint& point) {
 }
 
 std::vector<Piece> pieces_of(const Curve& curve) {
-  constexpr double kJump = 0.7;  // of ln P, 10 times as much of ln T: another part of the outline begins
+  constexpr double kJump = 1.5;  // of ln P, 10 times as much of ln T: another part of the outline begins
   std::vector<Piece> pieces;
   for (std::size_t k = 0; k < curve.points.size(); ++k) {
     const CurvePoint& point = curve.points[k];
