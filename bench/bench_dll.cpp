@@ -96,6 +96,41 @@ Case saturation_case(const char* name, double W) {
   return c;
 }
 
+Case envelope_case(const char* name, int points) {
+  auto host = std::make_shared<Host>("rich");
+  auto arrays = std::make_shared<std::vector<double>>(3 * 400);
+  Case c;
+  c.name = name;
+  c.what = "PhaseEnvelope of the rich gas with critical point and extremes, stability tested along it, " +
+           (points > 0 ? std::to_string(points) + " even points" : std::string("as traced"));
+  c.target = 1e6;
+  c.set_up = [host] { host->gas->mixture.use(); };
+  c.pass = [host, arrays, points] {
+    std::int32_t count = 0, criticals = 0;
+    double e[4];
+    double* T = arrays->data();
+    PhaseEnvelope(host->gas->feed.data(), &host->gas->mixture.record, nullptr, 0, 0.0, 0.0, 0.0, points, 400,
+                  1.0, 0.0, T, T + 400, T + 800, &count, &criticals, e, e + 1, e + 2, e + 3);
+    return count + e[0] + e[3];
+  };
+  return c;
+}
+
+Case critical_case() {
+  auto host = std::make_shared<Host>("rich");
+  Case c;
+  c.name = "critical_point";
+  c.what = "CriticalPoint of the rich gas, all of its spinodal searched, stability tested";
+  c.target = 50000.0;
+  c.set_up = [host] { host->gas->mixture.use(); };
+  c.pass = [host] {
+    double T = 0.0, P = 0.0, V = 0.0, Z = 0.0;
+    CriticalPoint(host->gas->feed.data(), &host->gas->mixture.record, 0, &T, &P, &V, &Z);
+    return T + P;
+  };
+  return c;
+}
+
 Case flash_case(const char* name, double target) {
   auto host = std::make_shared<Host>(name);
   Case c;
@@ -362,6 +397,9 @@ std::vector<Case> cases() {
   all.push_back(water_case("water_dew_T", false));
   all.push_back(three_phase_case());
   all.push_back(three_phase_energy_case());
+  all.push_back(envelope_case("envelope", 0));
+  all.push_back(envelope_case("envelope_150", 150));
+  all.push_back(critical_case());
   return all;
 }
 

@@ -87,6 +87,7 @@ int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err
     add_kij_command(app, session);
     add_water_command(app, session);
     add_hydrate_command(app, session);
+    add_envelope_command(app, session);
     check_command(app, arguments);
     return parse(app, session, with_units_joined(arguments));
   } catch (const InputError& e) {

@@ -37,6 +37,7 @@ void add_components_command(CLI::App& app, Session& session);
 void add_kij_command(CLI::App& app, Session& session);
 void add_water_command(CLI::App& app, Session& session);
 void add_hydrate_command(CLI::App& app, Session& session);
+void add_envelope_command(CLI::App& app, Session& session);
 
 // ---- Options that several commands share ---------------------------------------------------------
 

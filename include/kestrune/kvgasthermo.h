@@ -189,12 +189,35 @@ KV_API StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, Mixtu
 /* ---- Envelope and critical point -------------------------------------------------------------- */
 
 /*
- * Bubble and dew curves, or a quality line. 100 bytes. All outputs are zeroed at entry.
+ * Outline of the one-phase region (bubble and dew curves), or a quality line, by the equation of state: the
+ * FreeWaterFlag is not looked at. 100 bytes. All outputs are zeroed at entry.
  *
- * options 0; first_P first pressure (0 = 1 atm); max_P highest pressure (0 = 2000); min_T lowest temperature
- * (0 = 50 K); points wanted per curve (0 = as traced); capacity of the three point arrays; fraction 1.0 for
- * bubble and dew, between 0 and 1 for that quality line; accuracy relative, of a point (0 = 1e-8)
- * T, P, kind [capacity]: kind 1.0 dew, 0.0 bubble, 0.5 critical point, the fraction on a quality line
+ * options    0
+ * first_P    first pressure, atm (0: 1)         max_P  highest pressure, atm (0: 2000)
+ * min_T      lowest temperature, K (0: 50)      points wanted, evenly spaced in length of the curve with both
+ *            axes (ln T, ln P) scaled to it; ends, critical points and extremes are among them; 0: as traced
+ * capacity   of the three point arrays          fraction  1.0: bubble and dew; between 0 and 1: the line of
+ * that vapour fraction, to the critical point accuracy   relative, of a point (0: 1e-8, not below 1e-10); every
+ * point is converged to 1e-10 in ln fugacities T, P       [capacity] out, K and atm kind       [capacity]
+ * out: 1.0 dew, 0.0 bubble, 0.5 critical point, the fraction on a quality line; 4.0: the feed is a liquid
+ * beside which a second liquid begins to form. 2.0 more (3.0, 2.0, 6.0, 2.0 + fraction): another phase splits
+ * off before the point, and no branch was found that bounds the one-phase region number_of_points,
+ * number_of_critical_points  out cricondentherm_T, _P, cricondenbar_T, _P     out, K and atm: highest extreme
+ * of T and of P along the curve, solved for; 0 where the curve has none between its ends
+ *
+ * The curve begins with the dew point at first_P and passes through the critical points; where it does not come
+ * back to first_P a second part begins with the bubble point there. Where a third phase splits off it goes on
+ * along the branch of that phase. A single component has its vapour-pressure curve (kind: the fraction) up to
+ * its critical point, which then is both extremes. With a host's fugacity routine critical points are
+ * interpolated.
+ *
+ * 0 = the curve came back to first_P, or to a max_P or min_T that was given. 116: no point at first_P. 140,
+ * 141: it ended at the default max_P (open) or min_T. 142: more points than capacity: the first ones of them as
+ * traced, capacity points over the whole curve when a number was wanted. 143: some points are marked 2.0 more.
+ * 144: it could not be followed to its end. 146: a part of it has the kind 4.0. 9009: a limit, points,
+ * capacity, fraction or accuracy is negative, not finite, out of range, or first_P is not below max_P. Others:
+ * of the model. With more than one of 140 .. 146 the first in the order 144, 142, 143, 146, 140, 141 is
+ * returned.
  */
 KV_API StatusCode KV_CALL PhaseEnvelope(const double* z, MixtureRecord* mixture, const ModelRoutines* routines,
                                         int32_t options, double first_P, double max_P, double min_T,
@@ -204,7 +227,14 @@ KV_API StatusCode KV_CALL PhaseEnvelope(const double* z, MixtureRecord* mixture,
                                         double* cricondentherm_P, double* cricondenbar_T,
                                         double* cricondenbar_P);
 
-/* Critical temperature, pressure, volume and compressibility factor of a mixture. 28 bytes. */
+/*
+ * Critical temperature (K), pressure (atm), volume (cm3/mol) and compressibility factor of a mixture by the
+ * equation of state; options 0. 28 bytes.
+ *
+ * 0 = found: of several critical points the stable one of highest pressure. A single component returns Tc, Pc
+ * and, where it is known, Vc of its table. 145: the mixture has no stable critical point. The results are
+ * written for 0 only.
+ */
 KV_API StatusCode KV_CALL CriticalPoint(const double* z, MixtureRecord* mixture, int32_t options, double* Tc,
                                         double* Pc, double* Vc, double* Zc);
 

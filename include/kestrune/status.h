@@ -38,6 +38,13 @@ typedef int32_t StatusCode;
   X(KV_LV_ANSWER_DOUBTFUL, 134, "one liquid and a vapour remain; the flash that said so had a status")       \
   X(KV_LL_ANSWER_DOUBTFUL, 135, "no vapour remains; the flash that said so had a status")                    \
   X(KV_NO_START, 136, "no starting point for three phases could be built")                                   \
+  X(KV_ENVELOPE_OPEN, 140, "the envelope is open: it reached the default highest pressure")                  \
+  X(KV_ENVELOPE_COLD, 141, "the envelope reached the default lowest temperature")                            \
+  X(KV_ENVELOPE_FULL, 142, "the arrays are too short for all points of the curve")                           \
+  X(KV_ENVELOPE_UNSTABLE, 143, "another phase splits off before the marked points of the curve")             \
+  X(KV_ENVELOPE_BROKEN, 144, "the curve could not be followed to its end")                                   \
+  X(KV_NO_CRITICAL, 145, "the mixture has no stable critical point")                                         \
+  X(KV_ENVELOPE_LIQUIDS, 146, "a part of the curve is where a second liquid forms")                          \
   X(KV_WATER_RANGE, 151, "temperature, pressure or gas outside the range of the water-content method")       \
   X(KV_PURE_UNKNOWN, 1001, "pure-component library: component unknown")                                      \
   X(KV_PURE_NO_CORRELATION, 1002, "pure-component library: no correlation for this property")                \

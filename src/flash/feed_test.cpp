@@ -128,7 +128,9 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
       if (!other_root_trial(f, ref, f.dry)) return false;
       continue;
     }
-    if (!(j == heaviest || j == favoured || j == water || Tc[j] < kLightGas || Pc[j] > kCohesive)) continue;
+    if (!(f.call.every_component || j == heaviest || j == favoured || j == water || Tc[j] < kLightGas ||
+          Pc[j] > kCohesive))
+      continue;
     // Above its critical temperature a component that a phase consists of has no second phase of its own.
     if (f.call.T > Tc[j] && (ref.z[j] > 0.5 || (ref.other != nullptr && ref.other[j] > 0.5))) continue;
     f.status = start_near_pure(f.m, ref, j, f.trial);

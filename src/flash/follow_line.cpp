@@ -1,72 +1,20 @@
-// Following a line of constant vapour fraction [Mic80]: each point starts from the cubic through the last two,
-// and the unknown that changes most is the one specified. Extremes of the target are looked for between points,
-// so that the first time that it takes the value is not missed.
+// Following a line of constant vapour fraction. Extremes of the target are looked for between points, so that
+// the first time that it takes the value is not missed.
 
 #include <algorithm>
 #include <cmath>
 
-#include "flash/quality_line.hpp"
+#include "flash/line_walk.hpp"
 
 namespace kestrune::flash {
 namespace {
 
-constexpr int kMostPoints = 250, kNewtonLimit = 12;
+constexpr int kMostPoints = 250, kNewtonLimit = kWalkNewtonLimit;
 constexpr int kSecants = 12;
 constexpr double kOnTarget = 1e-11;  // ln T or ln P
-constexpr double kFirstStep = 0.1, kSmallestStep = 1e-6;
-constexpr double kMostLogK = 0.8, kMostLogT = 0.05, kMostLogP = 0.6;  // change in one step
-constexpr double kBesideCritical = 0.02;  // no point within this of ln K = 0 of the specified component
-constexpr double kOfLargest = 0.6;        // change of an ln K in parts of the largest
-constexpr double kBelowStart = 1.0;       // in ln P, where a walk that comes down again ends
-constexpr double kTop = 9.0;              // ln P: 8000 atm
-constexpr double kColdest = 3.0;          // ln T: 20 K
-
-// Cubic through two points with their slopes, at a part t of the way from a to b (t > 1: beyond).
-struct Cubic {
-  double c0, c1, c2, c3;
-  double at(double t) const { return c0 + t * (c1 + t * (c2 + t * c3)); }
-  double slope(double t) const { return c1 + t * (2.0 * c2 + t * 3.0 * c3); }
-};
-Cubic cubic(double a, double slope_a, double b, double slope_b) {
-  return {a, slope_a, 3.0 * (b - a) - 2.0 * slope_a - slope_b, 2.0 * (a - b) + slope_a + slope_b};
-}
-
-// Unknown i between the points, in parts of the step of the unknown held.
-Cubic between(const LinePoint& a, const LinePoint& b, int i, int held) {
-  const double h = b.X[held] - a.X[held];
-  return cubic(a.X[i], h * a.slope[i] / a.slope[held], b.X[i], h * b.slope[i] / b.slope[held]);
-}
-
-int most_sensitive(const QualityLine& line, const LinePoint& p) {
-  int best = line.T_index();
-  double most = 4.0 * std::fabs(p.slope[best]);
-  for (int i = 0; i < line.n + 2; ++i) {
-    if (i < line.n && !(line.z[i] > 0.0 && std::fabs(p.X[i]) < kLargestLogK)) continue;
-    const double change = std::fabs(p.slope[i]);
-    if (change > most) {
-      most = change;
-      best = i;
-    }
-  }
-  return best;
-}
-
-// Largest part of a step that keeps the changes in bounds.
-double bounded(const QualityLine& line, const LinePoint& p, int held, double step) {
-  // Towards a critical point, where all ln K vanish, in shorter and shorter steps.
-  double largest = 0.0;
-  for (int i = 0; i < line.n; ++i)
-    if (line.z[i] > 0.0) largest = std::max(largest, std::fabs(p.X[i]));
-  const double near = std::clamp(kOfLargest * largest, 2.0 * kBesideCritical, kMostLogK);
-  double part = 1.0;
-  for (int i = 0; i < line.n + 2; ++i) {
-    if (i < line.n && !(line.z[i] > 0.0)) continue;
-    const double most = i < line.n ? near : i == line.T_index() ? kMostLogT : kMostLogP;
-    const double change = std::fabs(step * p.slope[i] / p.slope[held]);
-    if (change * part > most) part = most / change;
-  }
-  return step * part;
-}
+constexpr double kBelowStart = 1.0;  // in ln P, where a walk that comes down again ends
+constexpr double kTop = 9.0;         // ln P: 8000 atm
+constexpr double kColdest = 3.0;     // ln T: 20 K
 
 struct Walk {
   QualityLine& line;
@@ -84,7 +32,6 @@ struct Walk {
 
 // The point between a and b where the target has the value, into w.next.
 bool solve_between(Walk& w, const LinePoint& a, const LinePoint& b, int held) {
-  const int size = w.line.n + 2;
   const Cubic c = between(a, b, w.target, held);
   double low = 0.0, high = 1.0;
   const bool rising = b.X[w.target] > a.X[w.target];
@@ -92,7 +39,7 @@ bool solve_between(Walk& w, const LinePoint& a, const LinePoint& b, int held) {
     const double middle = 0.5 * (low + high);
     ((c.at(middle) < w.value) == rising ? low : high) = middle;
   }
-  for (int i = 0; i < size; ++i) w.next.X[i] = between(a, b, i, held).at(low);
+  point_between(w.line, a, b, held, low, w.next.X);
   if (solve_point(w.line, w.next, w.target, w.value, kNewtonLimit, true, w.status) == Solved::yes &&
       w.wanted(w.next))
     return true;
@@ -100,7 +47,7 @@ bool solve_between(Walk& w, const LinePoint& a, const LinePoint& b, int held) {
   // cubic.
   double t = low;
   for (int k = 0; k < kSecants; ++k) {
-    for (int i = 0; i < size; ++i) w.next.X[i] = between(a, b, i, held).at(t);
+    point_between(w.line, a, b, held, t, w.next.X);
     if (solve_point(w.line, w.next, held, w.next.X[held], kNewtonLimit, true, w.status) != Solved::yes) break;
     const double off = w.value - w.next.X[w.target];
     if (std::fabs(off) < kOnTarget) {
@@ -115,7 +62,7 @@ bool solve_between(Walk& w, const LinePoint& a, const LinePoint& b, int held) {
   high = 1.0;
   for (int k = 0; k < 50; ++k) {
     const double middle = 0.5 * (low + high);
-    for (int i = 0; i < size; ++i) w.next.X[i] = between(a, b, i, held).at(middle);
+    point_between(w.line, a, b, held, middle, w.next.X);
     if (solve_point(w.line, w.next, held, w.next.X[held], kNewtonLimit, true, w.status) != Solved::yes)
       return false;
     if (std::fabs(w.next.X[w.target] - w.value) < 1e-10) break;
@@ -142,8 +89,7 @@ bool solve_before_extreme(Walk& w, int held, LinePoint& extreme, bool& found) {
   if ((reach - w.here.X[w.target]) * side <= 0.0 ||
       std::fabs(reach - w.here.X[w.target]) < 0.9 * std::fabs(side))
     return false;
-  const int size = w.line.n + 2;
-  for (int i = 0; i < size; ++i) extreme.X[i] = between(w.here, w.next, i, held).at(low);
+  point_between(w.line, w.here, w.next, held, low, extreme.X);
   if (solve_point(w.line, extreme, held, extreme.X[held], kNewtonLimit, true, w.status) != Solved::yes)
     return false;
   if (!crossed(w, w.here, extreme)) return true;
@@ -162,38 +108,15 @@ Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, bo
   for (LinePoint* q : {&last, &next, &extreme}) take_point(*line.arena, line, *q);
   seal_line(line);
   Walk w{line, last, p, next, target, value, exchanged};
-  const int size = line.n + 2;
   line.stable_roots = true;
   const double lowest = p.X[line.P_index()] - kBelowStart;
   double step = kFirstStep;
   bool have_last = false;
   for (int count = 0; count < kMostPoints; ++count) {
-    const int held = most_sensitive(line, p);
-    // Direction: on from the last point; at first to higher pressure.
-    double sign = 1.0;
-    if (have_last)
-      sign = p.X[held] >= last.X[held] ? 1.0 : -1.0;
-    else
-      sign = (p.slope[line.P_index()] / p.slope[held] > 0.0) ? 1.0 : -1.0;
-    double h = bounded(line, p, held, sign * step);
-    if (held < line.n && p.X[held] * (p.X[held] + h) < kBesideCritical * kBesideCritical &&
-        std::fabs(p.X[held] + h) < kBesideCritical && std::fabs(p.X[held]) > 0.0)
-      h = (p.X[held] > 0.0 ? -1.0 : 1.0) * kBesideCritical - p.X[held];  // over the critical point
-    Solved solved = Solved::no;
-    while (std::fabs(h) > kSmallestStep) {
-      for (int i = 0; i < size; ++i) {
-        next.X[i] = p.X[i] + h * p.slope[i] / p.slope[held];
-        if (have_last && std::fabs(p.X[held] - last.X[held]) > 1e-3 * std::fabs(h)) {
-          const double part = 1.0 + h / (p.X[held] - last.X[held]);
-          if (part > 1.0 && part < 4.0 && last.slope[held] != 0.0)
-            next.X[i] = between(last, p, i, held).at(part);
-        }
-      }
-      solved = solve_point(line, next, held, p.X[held] + h, kNewtonLimit, true, status);
-      if (solved == Solved::yes) break;
-      h *= 0.4;
-    }
-    if (solved != Solved::yes) return solved == Solved::model ? solved : Solved::no;
+    LineStep made;
+    const Solved solved = walk_on(line, have_last ? &last : nullptr, p, 1.0, step, {}, next, made, status);
+    if (solved != Solved::yes) return solved;
+    const int held = made.held;
     bool found = false;
     if (crossed(w, p, next)) {
       copy_point(line, next, extreme);
@@ -209,7 +132,7 @@ Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, bo
     const double ln_P = next.X[line.P_index()];
     if (ln_P > kTop || next.X[line.T_index()] < kColdest || (ln_P < lowest && ln_P < p.X[line.P_index()]))
       return Solved::no;
-    step = std::fabs(h) * (next.passes <= 3 ? 1.8 : next.passes <= 4 ? 1.2 : 0.6);
+    step = next_length(made, next.passes);
     copy_point(line, p, last);
     copy_point(line, next, p);
     have_last = true;

@@ -36,9 +36,10 @@ struct IsothermalCall {
   int index = 1;           // initialisation index, for the trace
   double* beta = nullptr;  // vapour (second liquid) fraction
   double *x = nullptr, *y = nullptr, *K = nullptr;
-  Counts* counts = nullptr;     // may be null
-  Model* model = nullptr;       // prepared for this call; null: the flash makes its own
-  ThirdPhase* third = nullptr;  // may be null; not with free water
+  Counts* counts = nullptr;      // may be null
+  Model* model = nullptr;        // prepared for this call; null: the flash makes its own
+  ThirdPhase* third = nullptr;   // may be null; not with free water
+  bool every_component = false;  // feed_stability: near-pure trials of all components, not of the usual ones
 };
 
 /*

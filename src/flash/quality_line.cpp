@@ -46,13 +46,13 @@ StatusCode evaluate(QualityLine& line, LinePoint& p, bool matrices, Sums& sums) 
     p.y[i] /= sums.y;
   }
   ++line.passes;
-  const bool stable = line.stable_roots && !line.free_water;
+  const bool own_root = line.stable_roots && !line.free_water;
   const bool want_x = matrices && line.W > 0.0, want_y = matrices && line.W < 1.0;
   p.Zx = p.Zy = 0.0;
-  status = water_aware_fugacity(line.m, p.x, stable ? Kind::stable : Kind::liquid, line.phi_x,
+  status = water_aware_fugacity(line.m, p.x, own_root ? line.root_x : Kind::liquid, line.phi_x,
                                 {line.t_x, line.p_x, want_x ? line.d_x : nullptr}, p.Zx);
   if (status != KV_OK) return status;
-  return water_aware_fugacity(line.m, p.y, stable ? Kind::stable : Kind::gas, line.phi_y,
+  return water_aware_fugacity(line.m, p.y, own_root ? line.root_y : Kind::gas, line.phi_y,
                               {line.t_y, line.p_y, want_y ? line.d_y : nullptr}, p.Zy);
 }
 

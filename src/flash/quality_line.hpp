@@ -21,8 +21,9 @@ struct QualityLine {
   MixtureRecord* mixture = nullptr;
   const ModelRoutines* routines = nullptr;
   bool free_water = false;
-  bool stable_roots = false;  // each phase takes its root of lower Gibbs energy, not that of its name
-  Model m;                    // at the temperature of the last evaluation
+  bool stable_roots = false;  // each phase takes the root below, not that of its name
+  Kind root_x = Kind::stable, root_y = Kind::stable;
+  Model m;  // at the temperature of the last evaluation
   support::Arena* arena = nullptr;
   support::Arena::Mark base{};
   double prepared = 0.0;  // temperature of m

@@ -26,7 +26,8 @@ enum class Refused {
 
 struct Export {
   const char* name;
-  const char* roles;  // of the doubles by value: T, P, s specified quantity, - not checked
+  const char* roles;  // of the doubles by value: T, P, s specified quantity, o 0 for a default, w fraction, -
+                      // not checked
   bool available;
   Refused outputs;
   std::vector<char> kinds;
@@ -93,8 +94,8 @@ inline std::vector<Export> export_table() {
           KV_ROW(FlashLLVatWP, "sP", true, keep),
           KV_ROW(FlashLLVatWT, "sT", true, keep),
           KV_ROW(FlashLLatTP, "TP", true, keep),
-          KV_ROW(PhaseEnvelope, "-----", false, Refused::envelope),
-          KV_ROW(CriticalPoint, "", false, keep),
+          KV_ROW(PhaseEnvelope, "ooowo", true, Refused::envelope),
+          KV_ROW(CriticalPoint, "", true, keep),
           KV_ROW(WaterDewTemperature, "P", true, keep, KV_NO_WATER, false),
           KV_ROW(WaterDewPressure, "T", true, keep, KV_NO_WATER, false),
           KV_ROW(WaterDewLine, "--", true, keep, KV_NO_WATER, false),
@@ -139,7 +140,10 @@ struct Arguments {
     integers.reserve(e.kinds.size());
     for (const char kind : e.kinds) {
       Slot s{kind};
-      if (kind == 'd') s.number = e.roles[number++] == 'T' ? 250.0 : 40.0;
+      if (kind == 'd') {
+        const char role = e.roles[number++];
+        s.number = role == 'T' ? 250.0 : role == 'o' ? 0.0 : role == 'w' ? 1.0 : 40.0;
+      }
       if (kind == 'i') s.integer = kInteger;
       if (kind == 'z') s.address = z.data();
       if (kind == 'm') s.address = &m.record;

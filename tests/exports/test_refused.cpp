@@ -84,6 +84,7 @@ TEST_F(Refusals, ConditionsAndSpecifications) {
       if (role == '-') continue;
       for (const double bad : {nan, inf, -inf, 0.0, -1.0}) {
         if (role == 's' && std::isfinite(bad)) continue;
+        if ((role == 'o' || role == 'w') && bad == 0.0) continue;
         SCOPED_TRACE(testing::Message() << e.name << " argument " << k + 1 << " = " << bad);
         Arguments a(e, m, z);
         a.slots[k].number = bad;
@@ -122,7 +123,7 @@ TEST_F(Refusals, ExportsWithoutACoreSaySo) {
     if (!e.available) expect_outputs(e, a);
     missing += !e.available;
   }
-  EXPECT_EQ(missing, 2);
+  EXPECT_EQ(missing, 0);
 }
 
 TEST_F(Refusals, ComponentAndGroupData) {

@@ -1,4 +1,4 @@
-"""An example script prints what docs/host.md shows: check_example.py REPOSITORY SCRIPT PROGRAM."""
+"""An example script prints what the documentation shows: check_example.py REPOSITORY SCRIPT PROGRAM."""
 
 import subprocess
 import sys
@@ -27,7 +27,8 @@ def main():
     if run.returncode != 0:
         sys.exit(f"exit code {run.returncode}: {run.stderr}")
     printed = run.stdout.splitlines()
-    documented = shown((root / "docs/host.md").read_text(), script)
+    text = "\n".join(path.read_text() for path in sorted((root / "docs").glob("*.md")))
+    documented = shown(text, script)
     if printed != documented:
         sys.exit("\n".join(["printed:", *printed, "documented:", *documented]))
 

@@ -1,0 +1,40 @@
+// What the envelope command found, and the ways in which it is shown.
+#pragma once
+
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "chart.hpp"
+#include "envelope.hpp"
+#include "units.hpp"
+
+namespace kestrune::host {
+
+struct EnvelopeReport {
+  const Mixture& mixture;
+  const UnitSystem& units;
+  std::vector<Curve> curves;  // bubble and dew first, then the quality lines
+  MixtureCritical critical;
+};
+
+void print_envelope_text(const EnvelopeReport& report, std::ostream& out);
+void print_envelope_csv(const EnvelopeReport& report, std::ostream& out);
+void print_envelope_json(const EnvelopeReport& report, std::ostream& out);
+
+// A line from a file, in the user's units.
+struct Overlay {
+  std::string label;
+  std::vector<double> T, P;
+};
+
+// "FILE:label" or "FILE": a CSV file with T and P in its first two columns, in the user's units; columns with
+// the names temperature_K and pressure_Pa are in these. InputError for what cannot be read.
+Overlay read_overlay(const std::string& text, const UnitSystem& units);
+
+// The picture. top: highest pressure that is shown, Pa; 0: chosen.
+Chart envelope_chart(const EnvelopeReport& report, const std::vector<Overlay>& overlays,
+                     const std::optional<CurvePlace>& operating_point, double top);
+
+}  // namespace kestrune::host

@@ -1,0 +1,226 @@
+// Where the feed loses its stability along a line: another phase begins to form there, and from there on the
+// boundary of the one-phase region is the line of that phase.
+
+#include <algorithm>
+#include <cmath>
+
+#include "envelope/outline.hpp"
+#include "flash/isothermal.hpp"
+
+namespace kestrune::envelope {
+namespace {
+
+using flash::LinePoint;
+using flash::Solved;
+
+constexpr double kStable = -1e-9;
+constexpr int kSteps = 30;
+constexpr double kMet = 1e-10;  // ln T or ln P between the two lines at the corner
+constexpr int kNewtonLimit = 25;
+
+// The branch of the phase that splits off at the point p: t.branch with T or P of p. False: none close by.
+bool solve_branch(Tracer& t, const LinePoint& p, int held) {
+  const flash::Kind root_x = t.line.root_x, root_y = t.line.root_y;
+  t.line.root_x = t.line.root_y = flash::Kind::stable;
+  t.branch.X[t.line.T_index()] = p.X[t.line.T_index()];
+  t.branch.X[t.line.P_index()] = p.X[t.line.P_index()];
+  const Solved solved = flash::solve_point(t.line, t.branch, held, p.X[held], kNewtonLimit, false, t.status);
+  t.line.root_x = root_x;
+  t.line.root_y = root_y;
+  if (solved != Solved::yes) return false;
+  // The same branch again would be no corner, nor would the feed itself.
+  double apart = 0.0, own = 0.0;
+  for (int i = 0; i < t.line.n; ++i) {
+    if (!(t.line.z[i] > 0.0)) continue;
+    apart = std::max(apart, std::fabs(t.branch.X[i] - p.X[i]));
+    own = std::max(own, std::fabs(t.branch.X[i]));
+  }
+  return apart > 0.02 && own > 5e-3;
+}
+
+void start_from_trial(Tracer& t) {
+  for (int i = 0; i < t.line.n; ++i)
+    t.branch.X[i] = std::clamp(t.trial_K[i], -flash::kLargestLogK, flash::kLargestLogK);
+}
+
+/*
+ * The direction in which the branch bounds the one-phase region, 1 or -1 in pressure: the one in which the
+ * feed's distance to the phase of the old line rises. t.corner is the old line's point, the last one that was
+ * solved.
+ */
+double direction_of_branch(const Tracer& t) {
+  const flash::QualityLine& line = t.line;
+  double by_T = 0.0, by_P = 0.0;
+  for (int i = 0; i < line.n; ++i) {
+    by_T += t.corner.x[i] * (line.t_x[i] - line.t_y[i]);
+    by_P += t.corner.x[i] * (line.p_x[i] - line.p_y[i]);
+  }
+  const double *slope = t.branch.slope, along_P = slope[line.P_index()];
+  const double rise = by_T * line.m.T * slope[line.T_index()] + by_P * line.m.P * along_P;
+  return (rise > 0.0) == (along_P > 0.0) ? 1.0 : -1.0;
+}
+
+/*
+ * The corner between the stable node a and the node b that is not: where the old line (t.corner) and the branch
+ * (t.branch) have T and P in common. Newton's method on the gap in the unknown other than the common one, from
+ * b backwards, for the branch need not reach as far as a. at: where it is; direction: of the
+ * branch from there on.
+ */
+bool find_corner(Tracer& t, const LinePoint& a, const LinePoint& b, int held, double from, int common,
+                 double& at, double& direction) {
+  const int other = common == t.line.T_index() ? t.line.P_index() : t.line.T_index();
+  start_from_trial(t);
+  const int size = t.line.n + 2;
+  double part = from, good = from;
+  bool have_good = false;
+  for (int k = 0; k < kSteps; ++k) {
+    if (!solve_on_way(t, a, b, held, part, t.corner)) return false;
+    if (!solve_branch(t, t.corner, common)) {
+      // Back towards where it converged.
+      if (!have_good || std::fabs(part - good) < 1e-6) return false;
+      part = 0.5 * (part + good);
+      std::copy_n(t.spare.X, size, t.branch.X);
+      continue;
+    }
+    std::copy_n(t.branch.X, size, t.spare.X);
+    good = part;
+    have_good = true;
+    const double gap = t.branch.X[other] - t.corner.X[other];
+    if (std::fabs(gap) < kMet) {
+      if (!solve_on_way(t, a, b, held, part, t.corner)) return false;
+      direction = direction_of_branch(t);
+      at = part;
+      return true;
+    }
+    const double apart =
+        t.branch.slope[other] / t.branch.slope[common] - t.corner.slope[other] / t.corner.slope[common];
+    const double step = -gap / (apart * flash::between(a, b, common, held).slope(part));
+    if (!(std::fabs(step) < 1e3)) return false;
+    const double next = std::clamp(part + std::clamp(step, -0.5, 0.5), -0.2, 1.0);
+    if (next == part) return false;
+    part = next;
+  }
+  return false;
+}
+
+// The corner from the node that is not stable, or from points closer and closer to it by halving.
+bool close_in(Tracer& t, const Node& stable, const Node& bad, double& direction) {
+  constexpr int kHalvings = 14;
+  const LinePoint a = point_of(stable), b = point_of(bad);
+  keep_roots(t, bad);
+  double low = 0.0, high = 1.0;
+  std::copy_n(b.X, t.line.n + 2, t.probe.X);
+  if (stable_at(t, t.probe)) return false;
+  for (int k = 0; k < kHalvings; ++k) {
+    // From the trial of the last point that was not stable, which stays in t.trial_K. Of several phases that
+    // split off the one counts that does so first.
+    double at = high;
+    for (const int common : {t.line.T_index(), t.line.P_index()}) {
+      if (!find_corner(t, a, b, bad.held, high, common, at, direction)) continue;
+      flash::copy_point(t.line, t.corner, t.probe);
+      if (stable_at(t, t.probe)) return true;
+      break;
+    }
+    if (at > low && at < high) {
+      high = at;
+      continue;
+    }
+    double middle = 0.5 * (low + high);
+    while (high - low > 1e-6) {
+      if (!solve_on_way(t, a, b, bad.held, middle, t.probe)) return false;
+      if (!stable_at(t, t.probe)) break;
+      low = middle;
+      middle = 0.5 * (low + high);
+    }
+    if (high - low <= 1e-6) return false;
+    high = middle;
+  }
+  return false;
+}
+
+// Whether what begins to form is a liquid, packed like the feed, which is one.
+bool liquid_forms(const Tracer& t, const LinePoint& p) {
+  constexpr double kLike = 0.5;
+  const MixtureRecord& m = *t.line.mixture;
+  return flash::covolume(m, p.x) * p.Zy > kLike * flash::covolume(m, p.y) * p.Zx;
+}
+
+/*
+ * Whether both phases have their root of lower Gibbs energy. Where that which begins to form has not, its other
+ * root is what splits off before it.
+ */
+bool own_roots_stable(Tracer& t, const LinePoint& p) {
+  constexpr double kSame = 1e-6, kLower = 1e-9, kSameT = 1e-5;
+  flash::QualityLine& line = t.line;
+  if (line.root_x == flash::Kind::stable) return true;
+  // The model of a point that was solved just before is as good.
+  const double T = flash::temperature(line, p), P = flash::pressure(line, p);
+  t.status = flash::line_model(line, std::fabs(line.prepared - T) < kSameT * T ? line.prepared : T, P);
+  if (t.status != KV_OK) return true;
+  // ln phi of the stable root in phi, and how much lower its Gibbs energy is.
+  const auto gain = [&](const double* x, flash::Kind own, double* phi) {
+    double Z = 0.0, Z_own = 0.0, sum = 0.0;
+    t.status = flash::water_aware_fugacity(line.m, x, own, t.trial, {}, Z_own);
+    if (t.status == KV_OK) t.status = flash::water_aware_fugacity(line.m, x, flash::Kind::stable, phi, {}, Z);
+    if (t.status != KV_OK || std::fabs(Z - Z_own) < kSame * Z) return 0.0;
+    for (int i = 0; i < line.n; ++i) sum += x[i] * (t.trial[i] - phi[i]);
+    return sum;
+  };
+  const double of_y = gain(p.y, line.root_y, line.phi_y), of_x = gain(p.x, line.root_x, line.phi_x);
+  if (t.status != KV_OK || (of_y < kLower && of_x < kLower)) return true;
+  for (int i = 0; i < line.n; ++i) t.trial_K[i] = line.phi_x[i] - line.phi_y[i];
+  return false;
+}
+
+}  // namespace
+
+bool stable_at(Tracer& t, LinePoint& p) {
+  flash::QualityLine& line = t.line;
+  if (!flash::compositions(line, p, 1e-3)) return false;
+  if (!own_roots_stable(t, p)) return false;
+  MixtureRecord silent = *line.mixture;
+  silent.trace_flag = 0;
+  double beta = line.W, distance = 0.0;
+  flash::IsothermalCall call;
+  call.T = flash::temperature(line, p);
+  call.P = flash::pressure(line, p);
+  call.z = line.z;
+  call.mixture = &silent;
+  call.routines = line.routines;
+  call.beta = &beta;
+  call.every_component = true;
+  if (t.boundary()) {
+    call.x = call.y = t.trial;
+    call.K = t.trial_K;
+    t.status = flash::feed_stability(call, p.x, distance);
+    for (int i = 0; i < line.n; ++i) t.trial_K[i] = -t.trial_K[i];
+  } else {
+    call.x = p.x;
+    call.y = p.y;
+    t.status = flash::answer_stability(call, distance);
+  }
+  return t.status == KV_OK && distance >= kStable;
+}
+
+bool change_over(Tracer& t, int bad, double& sign, double& phase) {
+  if (bad < 1 || t.node[bad].held < 0 || t.corners >= kMostCorners) return false;
+  int before = bad - 1;
+  // A critical point is no place to interpolate from.
+  if (t.node[before].critical && before > 0 && t.node[before].held >= 0) --before;
+  const double kind = t.node[before].critical ? t.node[bad].kind : t.node[before].kind;
+  const int held = t.node[bad].held;
+  double direction = 0.0;
+  if (!close_in(t, t.node[before], t.node[bad], direction)) return false;
+  t.count = before + 1;
+  if (!push(t, t.corner, held, kind)) return false;
+  t.node[t.count - 1].corner = true;
+  flash::copy_point(t.line, t.branch, t.here);
+  keep_roots(t, t.here);
+  sign = direction;
+  phase = kind == kDew ? kDew : liquid_forms(t, t.branch) ? kLiquids : kBubble;
+  t.liquids |= phase == kLiquids;
+  ++t.corners;
+  return true;
+}
+
+}  // namespace kestrune::envelope

@@ -1,0 +1,33 @@
+// Phase envelopes and quality lines.
+#ifndef KESTRUNE_ENVELOPE_ENVELOPE_HPP
+#define KESTRUNE_ENVELOPE_ENVELOPE_HPP
+
+#include "kestrune/records.h"
+
+namespace kestrune::envelope {
+
+struct EnvelopeCall {
+  const double* z = nullptr;  // feed, need not sum to one
+  MixtureRecord* mixture = nullptr;
+  const ModelRoutines* routines = nullptr;
+  double first_P = 0.0, highest_P = 0.0, lowest_T = 0.0;  // atm, atm, K; 0: 1, 2000, 50
+  int points = 0;                                         // wanted; 0: as traced
+  int capacity = 0;                                       // of the three arrays
+  double fraction = 1.0;                                  // 1: bubble and dew; between 0 and 1: that line
+  double accuracy = 0.0;                                  // relative, of a point; 0: 1e-8
+  double *T = nullptr, *P = nullptr, *kind = nullptr;     // [capacity]
+  int *number = nullptr, *criticals = nullptr;
+  double *therm_T = nullptr, *therm_P = nullptr, *bar_T = nullptr, *bar_P = nullptr;
+};
+
+/*
+ * Traces the line. All outputs are zero at entry. What it returns is written at PhaseEnvelope in kvgasthermo.h.
+ */
+StatusCode phase_envelope(const EnvelopeCall& call);
+
+/* The vapour-pressure curve of component j, which makes up the feed: the envelope of a single component. */
+StatusCode vapour_pressure_curve(const EnvelopeCall& call, int j);
+
+}  // namespace kestrune::envelope
+
+#endif

@@ -1,0 +1,291 @@
+// Following one line of the outline from its first pressure to where it ends.
+
+#include <algorithm>
+#include <cmath>
+
+#include "envelope/critical.hpp"
+#include "envelope/outline.hpp"
+
+namespace kestrune::envelope {
+namespace {
+
+using flash::LinePoint;
+using flash::Solved;
+
+// Nodes from test to test; beside a critical point, with all ln K below the second number, tests cost ten times
+// as much.
+constexpr int kTestEvery = 1, kTestEveryCritical = 5;
+constexpr double kBesideCritical = 1.0;
+constexpr double kTooCloseToTest = 0.05;  // largest |ln K| beside a critical point
+constexpr double kJoined = 1e-3;          // of ln T and ln P
+constexpr flash::StepBounds kBounds{0.8, 0.05, 0.4, true};
+constexpr flash::StepBounds kBoundsOfLiquids{0.8, 0.05, 0.8, true};  // steep lines, all but straight
+
+double largest_log_K(const Tracer& t, const double* X) {
+  double largest = 0.0;
+  for (int i = 0; i < t.line.n; ++i)
+    if (t.line.z[i] > 0.0) largest = std::max(largest, std::fabs(X[i]));
+  return largest;
+}
+
+// All ln K change their sign between two points.
+bool passes_critical(const Tracer& t, const LinePoint& a, const LinePoint& b) {
+  double sum = 0.0;
+  for (int i = 0; i < t.line.n; ++i)
+    if (t.line.z[i] > 0.0) sum += a.X[i] * b.X[i];
+  return sum < 0.0;
+}
+
+// The exact critical state from the interpolated one. False: no such state close by.
+bool exact_critical(Tracer& t, const LinePoint& a, const LinePoint& b, double part, double& ln_T,
+                    double& ln_P) {
+  Spinodal& sp = *t.spinodal;
+  const int n = t.line.n;
+  double length = 0.0;
+  for (int i = 0; i < n; ++i) {
+    sp.w[i] = sp.root[i] * (a.X[i] - b.X[i]);
+    length += sp.w[i] * sp.w[i];
+  }
+  if (!(length > 0.0)) return false;
+  for (int i = 0; i < n; ++i) sp.w[i] /= std::sqrt(length);
+  const double Z = (1.0 - part) * a.Zy + part * b.Zy;
+  double T = std::exp(ln_T), eta = sp.b * std::exp(ln_P) / (Z * eos::kR * T);
+  if (!(eta > 0.0 && eta < 1.0) || !solve_critical(sp, T, eta, t.status)) return false;
+  const double P = pressure_at(sp, eta);
+  if (!(P > 0.0) || std::fabs(std::log(T) - ln_T) > 1e-3 || std::fabs(std::log(P) - ln_P) > 1e-2) return false;
+  ln_T = std::log(T);
+  ln_P = std::log(P);
+  return true;
+}
+
+// The critical point between t.here and t.next, added as a node.
+bool push_critical(Tracer& t, int held) {
+  const int n = t.line.n;
+  // The ln K that is largest tells where: the one held may be another one.
+  int by = 0;
+  double most = 0.0;
+  for (int i = 0; i < n; ++i) {
+    const double change = t.line.z[i] > 0.0 ? std::fabs(t.here.X[i] - t.next.X[i]) : 0.0;
+    if (change > most) {
+      most = change;
+      by = i;
+    }
+  }
+  const double part = support::cubic_root(flash::between(t.here, t.next, by, held), 0.0, 0.0, 1.0);
+  for (int i = 0; i < n + 2; ++i) {
+    const flash::Cubic along = flash::between(t.here, t.next, i, held);
+    t.probe.X[i] = i < n ? 0.0 : along.at(part);
+    t.probe.slope[i] = along.slope(part) / (t.next.X[held] - t.here.X[held]);
+  }
+  if (t.spinodal != nullptr)
+    exact_critical(t, t.here, t.next, part, t.probe.X[t.line.T_index()], t.probe.X[t.line.P_index()]);
+  if (!push(t, t.probe, held, kCritical)) return false;
+  t.node[t.count - 1].critical = true;
+  return true;
+}
+
+// The limit that was passed between t.here and t.next, as the unknown and its value; false for none.
+bool limit_passed(const Tracer& t, bool rising_start, int& index, double& value, End& end) {
+  const int iT = t.line.T_index(), iP = t.line.P_index();
+  const double P = t.next.X[iP], T = t.next.X[iT];
+  if (P >= t.limits.highest_P) {
+    index = iP;
+    value = t.limits.highest_P;
+    end = End::pressure;
+    return true;
+  }
+  if (P <= t.limits.first_P && P < t.here.X[iP] && !rising_start) {
+    index = iP;
+    value = t.limits.first_P;
+    end = End::closed;
+    return true;
+  }
+  if (T <= t.limits.lowest_T) {
+    index = iT;
+    value = t.limits.lowest_T;
+    end = End::cold;
+    return true;
+  }
+  return false;
+}
+
+// Whether the point lies on a line between two of the first nodes.
+bool on_earlier_line(const Tracer& t, const LinePoint& p, int seen) {
+  const int iT = t.line.T_index(), iP = t.line.P_index();
+  for (int k = 1; k < seen; ++k) {
+    if (t.node[k].held < 0) continue;
+    const double *a = t.node[k - 1].X, *b = t.node[k].X;
+    const double dT = b[iT] - a[iT], dP = b[iP] - a[iP], length = dT * dT + dP * dP;
+    if (!(length > 0.0)) continue;
+    const double eT = p.X[iT] - a[iT], eP = p.X[iP] - a[iP];
+    const double part = (eT * dT + eP * dP) / length;
+    if (part < -0.01 || part > 1.01) continue;
+    if (std::fabs(eT - part * dT) < kJoined && std::fabs(eP - part * dP) < kJoined) return true;
+  }
+  return false;
+}
+
+// Tests the nodes after number tested. Returns the first one that differs from what the walk believes.
+int first_change(Tracer& t, int tested, bool believed) {
+  const int last = t.count - 1;
+  const auto test = [&](int k) {
+    keep_roots(t, t.node[k]);
+    std::copy_n(t.node[k].X, t.line.n + 2, t.probe.X);
+    return stable_at(t, t.probe);
+  };
+  if (test(last) == believed) return -1;
+  for (int k = tested + 1; k < last; ++k)
+    if (!t.node[k].critical && largest_log_K(t, t.node[k].X) > kTooCloseToTest && test(k) != believed) return k;
+  test(last);
+  return last;
+}
+
+// What the walk knows of its stability.
+struct Stability {
+  int tested;            // last node that was tested
+  bool good = true;      // its result
+  bool renewed = false;  // the walk goes on from another branch
+};
+
+// Tests when it is time to and acts on a change.
+void look_at_stability(Tracer& t, Stability& s, bool now, double& phase, double& sign) {
+  const int last = t.count - 1;
+  s.renewed = false;
+  const double largest = largest_log_K(t, t.node[last].X);
+  const int every = largest < kBesideCritical ? kTestEveryCritical : kTestEvery;
+  if (!now && (last - s.tested < every || largest < kTooCloseToTest)) return;
+  const int change = first_change(t, s.tested, s.good);
+  if (change >= 0 && s.good && t.boundary()) {
+    if (change_over(t, change, sign, phase)) {
+      s.tested = t.count - 1;
+      s.renewed = true;
+      return;
+    }
+  }
+  if (change >= 0) s.good = !s.good;
+  const int from = change >= 0 ? change : s.tested + 1;
+  for (int k = from; k < t.count; ++k) t.node[k].stable = s.good;
+  t.lost |= !s.good;
+  s.tested = t.count - 1;
+}
+
+// The walk itself.
+End follow(Tracer& t, double phase, double sign, bool stable, int seen) {
+  double step = flash::kFirstStep;
+  bool have_last = false;
+  keep_roots(t, t.here);
+  if (!push(t, t.here, -1, t.boundary() ? phase : t.line.W)) return End::full;
+  t.node[t.count - 1].stable = stable;
+  t.lost |= !stable;
+  Stability stability{t.count - 1, stable};
+  for (bool first = true;; first = false) {
+    flash::LineStep made;
+    const Solved solved =
+        flash::walk_on(t.line, have_last ? &t.last : nullptr, t.here, sign, step,
+                       phase == kLiquids ? kBoundsOfLiquids : kBounds, t.next, made, t.status);
+    if (solved != Solved::yes) {
+      look_at_stability(t, stability, true, phase, sign);
+      return End::broken;
+    }
+    keep_roots(t, t.next);
+    if (passes_critical(t, t.here, t.next)) {
+      if (!push_critical(t, made.held)) return End::full;
+      if (!t.boundary()) return End::closed;
+      if (phase != kLiquids) phase = phase == kDew ? kBubble : kDew;
+    }
+    int index;
+    double value;
+    End end = End::closed;
+    const bool ends = limit_passed(t, first, index, value, end);
+    if (ends) {
+      // A critical point may have come in between: the step is that from t.here all the same.
+      if (!solve_between(t, t.here, t.next, made.held, index, value, t.branch)) return End::broken;
+      flash::copy_point(t.line, t.branch, t.next);
+    }
+    if (!push(t, t.next, made.held, t.boundary() ? phase : t.line.W)) return End::full;
+    const bool joined = on_earlier_line(t, t.next, seen) && !first;
+    step = flash::next_length(made, t.next.passes);
+    const flash::Kind root_x = t.line.root_x, root_y = t.line.root_y;
+    look_at_stability(t, stability, ends || joined, phase, sign);
+    if (stability.renewed) {
+      have_last = false;
+      step = flash::kFirstStep;
+      if (!push(t, t.here, -1, phase)) return End::full;
+      if (on_earlier_line(t, t.here, seen)) return End::joined;
+      stability.tested = t.count - 1;
+      continue;
+    }
+    t.line.root_x = root_x;
+    t.line.root_y = root_y;
+    if (ends) return end;
+    if (joined) return End::joined;
+    flash::copy_point(t.line, t.here, t.last);
+    flash::copy_point(t.line, t.next, t.here);
+    have_last = true;
+  }
+}
+
+}  // namespace
+
+void keep_roots(Tracer& t, const LinePoint& p) {
+  const MixtureRecord& m = *t.line.mixture;
+  const double unit = std::exp(p.X[t.line.P_index()] - p.X[t.line.T_index()]) / eos::kR;
+  const auto kind = [&](const double* x, double Z) {
+    if (!(Z > 0.0)) return flash::Kind::stable;
+    return flash::covolume(m, x) * unit * eos::kCriticalVolumeRatio < Z ? flash::Kind::gas
+                                                                        : flash::Kind::liquid;
+  };
+  t.line.root_x = kind(p.x, p.Zx);
+  t.line.root_y = kind(p.y, p.Zy);
+}
+
+bool push(Tracer& t, const LinePoint& p, int held, double kind) {
+  if (t.count >= kMostNodes) return false;
+  Node& node = t.node[t.count++];
+  std::copy_n(p.X, t.line.n + 2, node.X);
+  std::copy_n(p.slope, t.line.n + 2, node.slope);
+  node.held = held;
+  node.kind = kind;
+  node.root_x = t.line.root_x;
+  node.root_y = t.line.root_y;
+  node.stable = true;
+  node.critical = node.corner = node.extreme = false;
+  return true;
+}
+
+bool solve_on_way(Tracer& t, const LinePoint& a, const LinePoint& b, int held, double part, LinePoint& out) {
+  flash::point_between(t.line, a, b, held, part, out.X);
+  const double value = a.X[held] + part * (b.X[held] - a.X[held]);
+  return flash::solve_point(t.line, out, held, value, flash::kWalkNewtonLimit, true, t.status) == Solved::yes;
+}
+
+bool solve_between(Tracer& t, const LinePoint& a, const LinePoint& b, int held, int index, double value,
+                   LinePoint& out) {
+  constexpr double kOnTarget = 1e-11;
+  const flash::Cubic c = flash::between(a, b, index, held);
+  double part = support::cubic_root(c, value, 0.0, 1.0);
+  flash::point_between(t.line, a, b, held, part, out.X);
+  if (flash::solve_point(t.line, out, index, value, flash::kWalkNewtonLimit, true, t.status) == Solved::yes)
+    return true;
+  for (int k = 0; k < 12; ++k) {
+    if (!solve_on_way(t, a, b, held, part, out)) return false;
+    const double off = value - out.X[index];
+    if (std::fabs(off) < kOnTarget) return true;
+    part = std::clamp(part + off / c.slope(part), 0.0, 1.0);
+  }
+  return false;
+}
+
+End walk(Tracer& t, double phase, double sign, bool stable, int seen) {
+  const int begin = t.count;
+  const End end = follow(t, phase, sign, stable, seen);
+  if (end != End::closed || t.count - begin < 3 || t.node[begin].kind != t.node[t.count - 1].kind) return end;
+  // Back at its own beginning: it has turned round where it was not stable, and what follows is nothing new.
+  const int iT = t.line.T_index();
+  if (std::fabs(t.node[begin].X[iT] - t.node[t.count - 1].X[iT]) > 1e-9) return end;
+  for (int k = begin; k < t.count; ++k)
+    if (!t.node[k].stable) t.count = k;
+  return End::broken;
+}
+
+}  // namespace kestrune::envelope
