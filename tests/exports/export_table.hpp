@@ -28,7 +28,6 @@ struct Export {
   const char* name;
   const char* roles;  // of the doubles by value: T, P, s specified quantity, o 0 for a default, w fraction, -
                       // not checked
-  bool available;
   Refused outputs;
   std::vector<char> kinds;
   void* address;
@@ -66,11 +65,10 @@ StatusCode apply_slots(StatusCode(KV_CALL* f)(A...), const std::vector<Slot>& sl
 }
 
 template <class... A>
-Export described(const char* name, StatusCode(KV_CALL* f)(A...), const char* roles, bool available,
-                 Refused outputs, StatusCode good = KV_OK, bool model = true) {
+Export described(const char* name, StatusCode(KV_CALL* f)(A...), const char* roles, Refused outputs,
+                 StatusCode good = KV_OK, bool model = true) {
   return {name,
           roles,
-          available,
           outputs,
           {kind_of_argument<A>()...},
           reinterpret_cast<void*>(f),
@@ -83,43 +81,43 @@ Export described(const char* name, StatusCode(KV_CALL* f)(A...), const char* rol
 inline std::vector<Export> export_table() {
 #define KV_ROW(name, ...) described(#name, name, __VA_ARGS__)
   constexpr Refused keep = Refused::untouched, zero = Refused::zeroed;
-  return {KV_ROW(FlashLVatTP, "TP", true, keep),
-          KV_ROW(FlashLVatHP, "sP", true, keep),
-          KV_ROW(FlashLVatSP, "sP", true, keep),
-          KV_ROW(FlashLVatWP, "sP", true, keep),
-          KV_ROW(FlashLVatWT, "sT", true, keep),
-          KV_ROW(FlashLLVatTP, "TP", true, keep),
-          KV_ROW(FlashLLVatHP, "sP", true, keep),
-          KV_ROW(FlashLLVatSP, "sP", true, keep),
-          KV_ROW(FlashLLVatWP, "sP", true, keep),
-          KV_ROW(FlashLLVatWT, "sT", true, keep),
-          KV_ROW(FlashLLatTP, "TP", true, keep),
-          KV_ROW(PhaseEnvelope, "ooowo", true, Refused::envelope),
-          KV_ROW(CriticalPoint, "", true, keep),
-          KV_ROW(WaterDewTemperature, "P", true, keep, KV_NO_WATER, false),
-          KV_ROW(WaterDewPressure, "T", true, keep, KV_NO_WATER, false),
-          KV_ROW(WaterDewLine, "--", true, keep, KV_NO_WATER, false),
-          KV_ROW(Humidity, "TP", true, zero, KV_NO_WATER, false),
-          KV_ROW(WetGasComposition, "TP", true, keep, KV_NO_WATER, false),
-          KV_ROW(HydrateLine, "--", true, keep, KV_OK, false),
-          KV_ROW(GasN, "TP", true, zero),
-          KV_ROW(LiquidDensity_PPR78, "TP", true, zero),
-          KV_ROW(GasDensity_PPR78, "TP", true, zero),
-          KV_ROW(LiquidMolarEnthalpy_PPR78, "TP", true, zero),
-          KV_ROW(GasMolarEnthalpy_PPR78, "TP", true, zero),
-          KV_ROW(LiquidMolarEntropy_PPR78, "TP", true, zero),
-          KV_ROW(GasMolarEntropy_PPR78, "TP", true, zero),
-          KV_ROW(LiquidMolarFreeEnthalpy_PPR78, "TP", true, zero),
-          KV_ROW(GasMolarFreeEnthalpy_PPR78, "TP", true, zero),
-          KV_ROW(LiquidMolarEnthalpy_Derivatives_PPR78, "TP", true, zero),
-          KV_ROW(GasMolarEnthalpy_Derivatives_PPR78, "TP", true, zero),
-          KV_ROW(LiquidMolarEntropy_Derivatives_PPR78, "TP", true, zero),
-          KV_ROW(GasMolarEntropy_Derivatives_PPR78, "TP", true, zero),
-          KV_ROW(LiquidPhi_Derivatives_PPR78, "TP", true, keep),
-          KV_ROW(GasPhi_Derivatives_PPR78, "TP", true, keep),
-          KV_ROW(GasSpecificHeat_PPR78, "TP", true, zero),
-          KV_ROW(GasDynamicViscosity_PPR78, "TP", true, zero),
-          KV_ROW(GasThermalConductivity_PPR78, "TP", true, zero)};
+  return {KV_ROW(FlashLVatTP, "TP", keep),
+          KV_ROW(FlashLVatHP, "sP", keep),
+          KV_ROW(FlashLVatSP, "sP", keep),
+          KV_ROW(FlashLVatWP, "sP", keep),
+          KV_ROW(FlashLVatWT, "sT", keep),
+          KV_ROW(FlashLLVatTP, "TP", keep),
+          KV_ROW(FlashLLVatHP, "sP", keep),
+          KV_ROW(FlashLLVatSP, "sP", keep),
+          KV_ROW(FlashLLVatWP, "sP", keep),
+          KV_ROW(FlashLLVatWT, "sT", keep),
+          KV_ROW(FlashLLatTP, "TP", keep),
+          KV_ROW(PhaseEnvelope, "ooowo", Refused::envelope),
+          KV_ROW(CriticalPoint, "", keep),
+          KV_ROW(WaterDewTemperature, "P", keep, KV_NO_WATER, false),
+          KV_ROW(WaterDewPressure, "T", keep, KV_NO_WATER, false),
+          KV_ROW(WaterDewLine, "--", keep, KV_NO_WATER, false),
+          KV_ROW(Humidity, "TP", zero, KV_NO_WATER, false),
+          KV_ROW(WetGasComposition, "TP", keep, KV_NO_WATER, false),
+          KV_ROW(HydrateLine, "--", keep, KV_OK, false),
+          KV_ROW(GasN, "TP", zero),
+          KV_ROW(LiquidDensity_PPR78, "TP", zero),
+          KV_ROW(GasDensity_PPR78, "TP", zero),
+          KV_ROW(LiquidMolarEnthalpy_PPR78, "TP", zero),
+          KV_ROW(GasMolarEnthalpy_PPR78, "TP", zero),
+          KV_ROW(LiquidMolarEntropy_PPR78, "TP", zero),
+          KV_ROW(GasMolarEntropy_PPR78, "TP", zero),
+          KV_ROW(LiquidMolarFreeEnthalpy_PPR78, "TP", zero),
+          KV_ROW(GasMolarFreeEnthalpy_PPR78, "TP", zero),
+          KV_ROW(LiquidMolarEnthalpy_Derivatives_PPR78, "TP", zero),
+          KV_ROW(GasMolarEnthalpy_Derivatives_PPR78, "TP", zero),
+          KV_ROW(LiquidMolarEntropy_Derivatives_PPR78, "TP", zero),
+          KV_ROW(GasMolarEntropy_Derivatives_PPR78, "TP", zero),
+          KV_ROW(LiquidPhi_Derivatives_PPR78, "TP", keep),
+          KV_ROW(GasPhi_Derivatives_PPR78, "TP", keep),
+          KV_ROW(GasSpecificHeat_PPR78, "TP", zero),
+          KV_ROW(GasDynamicViscosity_PPR78, "TP", zero),
+          KV_ROW(GasThermalConductivity_PPR78, "TP", zero)};
 #undef KV_ROW
 }
 
