@@ -28,6 +28,15 @@ show() {
   scripts/wine.sh build/win32/bin/kestrune.exe "$@" --z "$gas" || status=1
 }
 
+# The same, with the first lines of a long output only.
+show_head() {
+  lines=$1
+  shift
+  show "$@" >"$log.head"
+  head -n "$lines" "$log.head"
+  rm -f "$log.head"
+}
+
 echo "A rich natural gas, mole percent:"
 echo "  methane 70, ethane 9, propane 6, isobutane 1.5, n-butane 2.5, isopentane 1, n-pentane 1, n-hexane 1,"
 echo "  nitrogen 3, carbon dioxide 5"
@@ -42,6 +51,13 @@ show "4. Its dew points: the highest temperature at which liquid is left at a pr
   flash --dew -P 1,5,10,20,40,60,80,100
 show "5. Properties of the gas on the way to the compressor." \
   props -T 20 -P 10,60,120 --phase gas
+show_head 11 "6. Its phase envelope (with --svg FILE as a picture): critical point and extremes." \
+  envelope
+show "7. How much water it holds at saturation." \
+  water -T 0,20,40 -P 60
+gas="$gas,n-octane=2,water=10"
+show "8. With heavier ends and water in it: vapour, hydrocarbon liquid and aqueous liquid." \
+  flash --phases 3 -T 120,80,40,10 -P 60
 echo
 [ $status = 0 ] || echo "demo: a calculation did not succeed"
 exit $status

@@ -219,6 +219,17 @@ void drop_phase(Phases& p, int j) {
   for (int k = 0; k < p.count; ++k) p.amount[k] = sum > 0.0 ? p.amount[k] / sum : 1.0 / p.count;
 }
 
+void drop_least(Phases& p, const double* z, int ld) {
+  constexpr double kSomething = 1e-3;
+  int least = 0;
+  for (int j = 1; j < p.count; ++j)
+    if (p.amount[j] < p.amount[least]) least = j;
+  p.amount[least] = 0.0;
+  for (int j = 0; j < p.count; ++j) p.amount[j] = std::max(p.amount[j], kSomething);
+  drop_phase(p, least);
+  if (p.count == 1) std::copy_n(z, ld, p.x[0]);
+}
+
 StatusCode evaluate_phases(flash::Model& m, const double* z, Phases& p, const PhasesWork& w, bool derivatives) {
   for (int j = 0; j < p.count; ++j) {
     const StatusCode status =

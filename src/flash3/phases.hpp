@@ -43,6 +43,12 @@ void exchange_phases(Phases& p, int j, int k);
 /* Takes phase j out; its amount goes to the others in proportion. */
 void drop_phase(Phases& p, int j);
 
+/*
+ * Takes out the phase of the smallest amount, one that Newton's method drove below nothing; what is left has
+ * amounts to go on from, and a single phase is the feed z[ld].
+ */
+void drop_least(Phases& p, const double* z, int ld);
+
 /* ln phi of every phase (with composition derivatives into w.dn), Gibbs energy and worst. */
 StatusCode evaluate_phases(flash::Model& m, const double* z, Phases& p, const PhasesWork& w, bool derivatives);
 

@@ -118,14 +118,7 @@ bool solve_at_phases(Search& q, double T) {
     const Found found = solve_specified(q.s, status);
     if (found == Found::yes) return q.s.T > kColdest && q.s.T < kHottest;
     if (found != Found::negative || q.e.p.count < 2) return false;
-    Phases& p = q.e.p;
-    int least = 0;
-    for (int j = 1; j < p.count; ++j)
-      if (p.amount[j] < p.amount[least]) least = j;
-    p.amount[least] = 0.0;
-    for (int j = 0; j < p.count; ++j) p.amount[j] = std::max(p.amount[j], 1e-3);
-    drop_phase(p, least);
-    if (p.count == 1) std::copy_n(q.e.z, q.e.m.ld, p.x[0]);
+    drop_least(q.e.p, q.e.z, q.e.m.ld);
     q.s.T = std::clamp(q.s.T, 0.9 * T, 1.1 * T);
   }
   return false;

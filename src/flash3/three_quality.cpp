@@ -81,12 +81,7 @@ bool solve_at_phases(Search& q, double u, double W) {
     q.u = q.of_T ? q.s.T : q.s.P;
     if (found == Found::yes) return true;
     if (found != Found::negative) return false;
-    int least = 0;
-    for (int j = 1; j < p.count; ++j)
-      if (p.amount[j] < p.amount[least]) least = j;
-    p.amount[least] = 0.0;
-    for (int j = 0; j < p.count; ++j) p.amount[j] = std::max(p.amount[j], 1e-3);
-    drop_phase(p, least);
+    drop_least(p, q.e.z, q.e.m.ld);
   }
   return false;
 }
@@ -272,16 +267,6 @@ StatusCode two_phase_point(Search& q) {
   return KV_OK;
 }
 
-// Newton's method finishes the two-phase point, which then is tested as an answer of two phases or more.
-bool accept_two_phases(Search& q) {
-  if (!move_to(q, q.u)) return false;
-  q.status = evaluate_phases(q.e.m, q.e.z, q.e.p, q.e.w, false);
-  if (q.status != KV_OK || !vapour_has_its_part(q)) return false;
-  copy_phases(q.e.p, q.incipient, q.e.m.ld);
-  q.status = test_equilibrium(q.e);
-  return q.status == KV_OK && !q.e.third.found;
-}
-
 // The phases with the incipient one among them, in their places.
 StatusCode write_answer(Search& q) {
   const ThreeQualityCall& c = q.call;
@@ -302,7 +287,7 @@ StatusCode solve(Search& q, Sides& sides) {
   }
   const StatusCode status = two_phase_point(q);
   if (status == KV_OK) {
-    if (accept_two_phases(q)) return KV_OK;
+    if (confirm(q)) return KV_OK;
     if (q.status != KV_OK) return q.status;
   } else if (status > KV_STATUS_CALL_BLOCK) {
     return status;
