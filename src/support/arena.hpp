@@ -78,7 +78,7 @@ class Arena {
 };
 
 // Largest mixture that is worked on without touching the heap.
-inline constexpr int kStackComponents = 64;
+inline constexpr int kStackComponents = 32;
 
 namespace detail {
 template <std::size_t Bytes, class Body>
@@ -90,7 +90,8 @@ template <std::size_t Bytes, class Body>
 }  // namespace detail
 
 // Runs body(Arena&) with room on the stack for "matrices" n x n matrices and "vectors" n-vectors when n is at
-// most kStackComponents. Two block sizes: small mixtures stay within a few pages.
+// most kStackComponents; beyond that the heap adds what is missing. Two block sizes: small mixtures stay within
+// a few pages, and several large blocks on top of each other within the stack that a thread of a host may have.
 template <int Matrices, int Vectors, class Body>
 auto with_arena(int n, Body&& body) {
   constexpr auto bytes = [](std::size_t m) {
