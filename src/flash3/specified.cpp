@@ -269,7 +269,6 @@ Found solve_single(Specified& s, StatusCode& status) {
   for (int k = 0; k < kMostSteps; ++k) {
     status = evaluate(s, v);
     if (status != KV_OK) return Found::model;
-    s.slope = v.slope;
     const double step = (s.wanted - v.total) / v.slope;
     const double change = std::clamp(step, -0.2 * s.T, 0.2 * s.T);
     s.T += change;

@@ -25,7 +25,6 @@ struct Specified {
   bool find_pressure = false;  // else the temperature; of a vapour part only
   double T = 0.0, P = 0.0;     // K, atm: in and out
   int vapour = 0;              // index in e.p of the phase of the specified amount
-  double slope = 0.0;          // of a single phase: d value/dT
   // Work.
   double *log_k[2], *dtau[kMostPhases], *raw[kMostPhases], *D;  // [ld]
   double *system, *step;                                        // [(2 n + 3)^2], [2 n + 3]
