@@ -18,8 +18,6 @@
 namespace kestrune::flash {
 namespace {
 
-constexpr double kDefaultTemperature = 298.15;
-constexpr double kPlausibleLow = 60.0, kPlausibleHigh = 2000.0;  // estimates outside are not started from
 constexpr int kMostFlashes = 60, kSecantFrom = 6;
 constexpr double kReached = 1e-10;  // relative change of T that is left
 // A bracket of this relative width across which the value jumps by more than this part of R T (or R) is a
@@ -189,10 +187,6 @@ bool equilibrium_towards(Energy& e, double T) {
     if (e.status > kPureStatuses && e.status != KV_NOT_FINITE) return false;
   }
   return false;
-}
-
-bool plausible(double T) {
-  return T >= kPlausibleLow && T <= kPlausibleHigh;
 }
 
 StatusCode iterate(Energy& e) {

@@ -10,6 +10,12 @@
 
 namespace kestrune::flash {
 
+// Where a flash starts without an estimate, and between which an estimate is started from, K.
+inline constexpr double kDefaultTemperature = 298.15;
+inline bool plausible(double T) {
+  return T >= 60.0 && T <= 2000.0;
+}
+
 inline constexpr double kColdest = 3.0, kHottest = 10000.0;  // K, the range that is searched
 
 // The equilibrium at one temperature. Arrays [ld].

@@ -241,13 +241,19 @@ StatusCode test_equilibrium(Equilibrium& e) {
   return status;
 }
 
+int lightest_phase(const Equilibrium& e) {
+  const Phases& p = e.p;
+  int v = 0;
+  for (int j = 1; j < p.count; ++j)
+    if (flash::lighter(*e.m.mixture, p.x[j], p.Z[j], p.x[v], p.Z[v])) v = j;
+  return v;
+}
+
 int find_vapour(const Equilibrium& e) {
   constexpr double kAqueous = 0.5, kBesideWater = 1.25;
   const Phases& p = e.p;
   const MixtureRecord& r = *e.m.mixture;
-  int v = 0;
-  for (int j = 1; j < p.count; ++j)
-    if (flash::lighter(r, p.x[j], p.Z[j], p.x[v], p.Z[v])) v = j;
+  const int v = lightest_phase(e);
   if (p.count == kMostPhases) return v;
   if (p.count == 1) return e.gas ? 0 : -1;
   if (!(p.Z[v] > 0.0)) return -1;

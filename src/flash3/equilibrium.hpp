@@ -58,6 +58,9 @@ StatusCode find_equilibrium_from(Equilibrium& e);
 /* Tests the answer e.p of one to three phases: e.third.found when something cuts its tangent plane. */
 StatusCode test_equilibrium(Equilibrium& e);
 
+/* Index of the least densely packed phase of e.p. */
+int lightest_phase(const Equilibrium& e);
+
 /*
  * Index of the vapour in e.p, the least densely packed phase where that passes for one; -1 without. Of three it
  * does. Of two, above the critical volume of the equation, or where no liquid like it could be: above its

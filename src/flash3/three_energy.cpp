@@ -17,10 +17,10 @@ namespace kestrune::flash3 {
 namespace {
 
 using flash::kColdest;
+using flash::kDefaultTemperature;
 using flash::kHottest;
+using flash::plausible;
 
-constexpr double kDefaultTemperature = 298.15;
-constexpr double kPlausibleLow = 60.0, kPlausibleHigh = 2000.0;  // estimates outside are not started from
 constexpr int kMostStates = 80, kMostDropped = 2, kRetreats = 6;
 constexpr double kReached = 1e-11;          // of the value's size
 constexpr double kNear = 1e-9;              // relative change of T that is left of a single phase
@@ -201,10 +201,6 @@ StatusCode search(Search& q) {
       return q.status > KV_STATUS_CALL_BLOCK ? q.status : StatusCode{KV_NOT_CONVERGED};
   }
   return KV_NOT_CONVERGED;
-}
-
-bool plausible(double T) {
-  return T >= kPlausibleLow && T <= kPlausibleHigh;
 }
 
 // Values by place: A, B and vapour, in the order that write_phases has just given to e.p.

@@ -28,7 +28,7 @@ FlashRoutine host_flash(const ThreePhaseCall& c, int entry) {
  * True: there are two liquids and a vapour, in e.p; else it is an answer of one or two phases, in e.p.
  */
 bool start_by_host(const ThreePhaseCall& c, Equilibrium& e, StatusCode& lv_status, StatusCode& status) {
-  const int n = e.m.n, ld = e.m.ld;
+  const int n = e.m.n;
   const FlashRoutine lv = host_flash(c, KV_ROUTINE_LV_FLASH), ll = host_flash(c, KV_ROUTINE_LL_FLASH);
   lv_status = status = KV_OK;
   const auto keep = [&](int j, const double* x, double amount) {
@@ -67,7 +67,6 @@ bool start_by_host(const ThreePhaseCall& c, Equilibrium& e, StatusCode& lv_statu
   if (V > 0.0) keep(e.p.count++, V < 1.0 ? e.y : e.z, V);
   e.gas = V == 1.0;
   status = evaluate_phases(e.m, e.z, e.p, e.w, false);
-  std::fill_n(e.cut, ld, 0.0);
   return e.p.count == kMostPhases && status == KV_OK;
 }
 
@@ -153,10 +152,7 @@ StatusCode liquid_density(const Equilibrium& e, int j, double& rho) {
 
 // The least densely packed phase last.
 void put_lightest_last(Equilibrium& e) {
-  Phases& p = e.p;
-  const int last = p.count - 1;
-  for (int j = 0; j < last; ++j)
-    if (flash::lighter(*e.m.mixture, p.x[j], p.Z[j], p.x[last], p.Z[last])) exchange_phases(p, j, last);
+  exchange_phases(e.p, lightest_phase(e), e.p.count - 1);
 }
 
 // The lighter of the first two phases before the denser one.

@@ -88,11 +88,7 @@ bool solve_at_phases(Search& q, double u, double W) {
 
 // Whether the phase that has the part W is the least densely packed one: beyond a critical point it is not.
 bool vapour_has_its_part(const Search& q) {
-  const Phases& p = q.e.p;
-  int lightest = 0;
-  for (int j = 1; j < p.count; ++j)
-    if (flash::lighter(*q.call.mixture, p.x[j], p.Z[j], p.x[lightest], p.Z[lightest])) lightest = j;
-  return std::fabs(p.amount[lightest] - q.W) <= 1e-9;
+  return std::fabs(q.e.p.amount[lightest_phase(q.e)] - q.W) <= 1e-9;
 }
 
 // Whether nothing cuts the solution that was just found.
