@@ -20,10 +20,6 @@ constexpr double kCohesive = 60.0;
 // b/v of a dilute gas: half the critical packing.
 // ln of the fugacity of a component that is absent: no coefficient brings it back.
 constexpr double kNone = -1e5;
-// Distance from which on a liquid is missing beside a vapour of a free-water answer.
-constexpr double kUnstableLiquid = -1e-9;
-// Hydrocarbon liquids end somewhere above Kay's pseudo-critical temperature, the more so the wider they boil.
-constexpr double kLiquidReach = 1.25;
 constexpr double kDilutePacking = 0.04;
 // Parts of the second of two phases in the mixtures of them that trials start from.
 constexpr double kBetween[] = {0.1, 0.25, 0.5, 0.75};
@@ -85,18 +81,18 @@ bool trials_between(Flash& f, const Reference& ref, const double* a, const doubl
   for (const double part : kBetween) {
     double sum = 0.0;
     for (int i = 0; i < f.m.ld; ++i) {
-      f.dry[i] =
+      f.between[i] =
           a[i] > 0.0 && b[i] > 0.0
               ? support::fast_exp((1.0 - part) * support::fast_log(a[i]) + part * support::fast_log(b[i]))
               : 0.0;
-      sum += f.dry[i];
+      sum += f.between[i];
     }
-    for (int i = 0; i < f.m.ld; ++i) f.dry[i] /= sum;
+    for (int i = 0; i < f.m.ld; ++i) f.between[i] /= sum;
     f.trial.Z = 0.0;
-    f.status = fugacity(f.m, f.dry, Kind::stable, f.trial.ln_phi, nullptr, f.trial.Z);
+    f.status = fugacity(f.m, f.between, Kind::stable, f.trial.ln_phi, nullptr, f.trial.Z);
     if (f.status != KV_OK) return false;
     for (int i = 0; i < f.m.n; ++i) f.trial.log_w[i] = ref.d[i] - f.trial.ln_phi[i];
-    if (!run_trial(f, ref, liquid_kind(f)) || !other_root_trial(f, ref, f.dry)) return false;
+    if (!run_trial(f, ref, liquid_kind(f)) || !other_root_trial(f, ref, f.between)) return false;
   }
   return true;
 }
@@ -124,8 +120,8 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
     if (f.thorough()) {
       f.status = start_near_pure(f.m, ref, j, f.trial);
       if (f.status != KV_OK || !run_trial(f, ref, liquid_kind(f))) return false;
-      for (int i = 0; i < n; ++i) f.dry[i] = i == j ? 1.0 : 0.0;
-      if (!other_root_trial(f, ref, f.dry)) return false;
+      for (int i = 0; i < n; ++i) f.between[i] = i == j ? 1.0 : 0.0;
+      if (!other_root_trial(f, ref, f.between)) return false;
       continue;
     }
     if (!(f.call.every_component || j == heaviest || j == favoured || j == water || Tc[j] < kLightGas ||
@@ -188,25 +184,12 @@ Kind kind_of(const Flash& f, const double* composition, double Z) {
                                                                                                  : Kind::liquid;
 }
 
-bool may_be_liquid(const Flash& f) {
-  const MixtureRecord& r = *f.call.mixture;
-  const double* Tc = r.table + static_cast<std::size_t>(KV_COL_TC - 1) * r.count;
-  double sum = 0.0, dry = 0.0;
-  for (int i = 0; i < f.m.n; ++i) {
-    if (i == f.m.water) continue;
-    sum += f.it.z[i] * Tc[i];
-    dry += f.it.z[i];
-  }
-  return !(f.call.T * dry > kLiquidReach * sum);
-}
-
 Kind liquid_kind(const Flash& f) {
-  return f.m.free_water || f.liquids_only() ? Kind::liquid : Kind::stable;
+  return f.liquids_only() ? Kind::liquid : Kind::stable;
 }
 
 Kind vapour_kind(const Flash& f) {
-  if (f.liquids_only()) return Kind::liquid;
-  return f.m.free_water ? Kind::gas : Kind::stable;
+  return liquid_kind(f);
 }
 
 bool start_trial(Flash& f, const Reference& ref, int number) {
@@ -234,28 +217,9 @@ Kind kind_of_trial(const Flash& f, int number) {
 bool evaluate_feed(Flash& f) {
   const int n = f.m.n;
   double Z = 0.0;
-  if (f.m.free_water && !f.liquids_only()) {
-    // Vapour by the equation of state, liquid by the water rules: the lower one is the reference.
-    double z_liquid = 0.0, gas = 0.0, liquid = 0.0;
-    f.status = fugacity(f.m, f.it.z, Kind::gas, f.feed_phi, nullptr, Z);
-    if (f.status != KV_OK) return false;
-    f.status = fugacity(f.m, f.it.z, Kind::liquid, f.trial.ln_phi, nullptr, z_liquid);
-    if (f.status != KV_OK) return false;
-    for (int i = 0; i < n; ++i) gas += f.it.z[i] * f.feed_phi[i];
-    for (int i = 0; i < n; ++i) liquid += f.it.z[i] * f.trial.ln_phi[i];
-    f.feed_kind = Kind::gas;
-    f.liquid_water =
-        f.it.z[f.m.water] > 1.0 - pure_tolerance(*f.call.mixture) && kind_of(f, f.it.z, Z) == Kind::liquid;
-    if (f.liquid_water || (liquid < gas && may_be_liquid(f))) {
-      std::copy_n(f.trial.ln_phi, f.m.ld, f.feed_phi);
-      f.feed_kind = Kind::liquid;
-      Z = z_liquid;
-    }
-  } else {
-    f.status = fugacity(f.m, f.it.z, liquid_kind(f), f.feed_phi, nullptr, Z);
-    if (f.status != KV_OK) return false;
-    f.feed_kind = f.liquids_only() ? Kind::liquid : kind_of(f, f.it.z, Z);
-  }
+  f.status = fugacity(f.m, f.it.z, liquid_kind(f), f.feed_phi, nullptr, Z);
+  if (f.status != KV_OK) return false;
+  f.feed_kind = f.liquids_only() ? Kind::liquid : kind_of(f, f.it.z, Z);
   f.feed_Z = Z;
   for (int i = 0; i < f.m.ld; ++i)
     f.d[i] = f.it.z[i] > 0.0 ? support::fast_log(f.it.z[i]) + f.feed_phi[i] : kNone;
@@ -286,11 +250,9 @@ bool test_feed(Flash& f) {
 
 bool test_answer(Flash& f, bool& stable) {
   // The tangent plane of the whole answer, of every component as the phase shows it that holds more of it: a K
-  // at its bound makes the other one wrong. With free water it is the vapour's plane that counts: a liquid of
-  // the water rules may be two.
-  const bool vapour = f.m.free_water;
+  // at its bound makes the other one wrong.
   for (int i = 0; i < f.m.ld; ++i) {
-    const bool of_y = vapour || f.it.y[i] > f.it.x[i];
+    const bool of_y = f.it.y[i] > f.it.x[i];
     f.answer_d[i] = of_y ? support::fast_log(f.it.y[i]) + f.it.ln_phi_y[i]
                          : support::fast_log(f.it.x[i]) + f.it.ln_phi_x[i];
     if (!(f.it.z[i] > 0.0)) f.answer_d[i] = kNone;
@@ -298,40 +260,33 @@ bool test_answer(Flash& f, bool& stable) {
       f.answer_d[i] = support::fast_log(f.third.x[i]) + f.third.ln_phi[i];
   }
   f.have_lowest = false;
-  f.how = vapour ? Follow::strict : Follow::quick;
+  f.how = Follow::quick;
   f.came_back = false;
   stable = true;
-  if (vapour) {
-    // The liquid and the gas that the vapour would form, whether there is water beside it or not.
-    if (!wilson_trials(f, {f.it.y, f.answer_d})) return false;
-  } else {
-    const Reference plane{f.it.x, f.answer_d, f.it.y, nullptr, 0, f.third.x};
-    const bool have_gas = kind_of(f, f.it.y, f.it.Zy) == Kind::gas ||
-                          kind_of(f, f.it.x, f.it.Zx) == Kind::gas ||
-                          (f.third.x != nullptr && kind_of(f, f.third.x, f.third.Z) == Kind::gas);
-    if (!start_trial(f, plane, kWilsonLiquid) || !run_trial(f, plane, liquid_kind(f))) return false;
-    if ((!have_gas || f.thorough()) && !f.liquids_only() &&
-        (!start_trial(f, plane, kWilsonVapour) || !run_trial(f, plane, vapour_kind(f))))
-      return false;
-    if (!near_pure_trials(f, plane, have_gas)) return false;
-    if (f.thorough() && f.third.x == nullptr && !trials_between(f, plane, f.it.y, f.it.x)) return false;
-    if (f.thorough())
-      for (const double* phase :
-           {static_cast<const double*>(f.it.x), static_cast<const double*>(f.it.y), f.third.x})
-        if (phase != nullptr && !other_root_trial(f, plane, phase)) return false;
-    // A trial came back to a phase of the answer: that settles it only where the phase is clearly convex.
-    if (f.came_back && !(f.have_lowest && f.lowest.tm < kUnstable) &&
-        !(test_curvature(f, plane) && test_curvature(f, {f.it.y, f.answer_d, f.it.x, nullptr, 0, f.third.x}) &&
-          (f.third.x == nullptr || test_curvature(f, {f.third.x, f.answer_d, f.it.x, nullptr, 0, f.it.y}))))
-      return false;
-  }
-  stable = !(f.have_lowest && f.lowest.tm < (vapour ? kUnstableLiquid : kUnstable));
+  const Reference plane{f.it.x, f.answer_d, f.it.y, nullptr, 0, f.third.x};
+  const bool have_gas = kind_of(f, f.it.y, f.it.Zy) == Kind::gas || kind_of(f, f.it.x, f.it.Zx) == Kind::gas ||
+                        (f.third.x != nullptr && kind_of(f, f.third.x, f.third.Z) == Kind::gas);
+  if (!start_trial(f, plane, kWilsonLiquid) || !run_trial(f, plane, liquid_kind(f))) return false;
+  if ((!have_gas || f.thorough()) && !f.liquids_only() &&
+      (!start_trial(f, plane, kWilsonVapour) || !run_trial(f, plane, vapour_kind(f))))
+    return false;
+  if (!near_pure_trials(f, plane, have_gas)) return false;
+  if (f.thorough() && f.third.x == nullptr && !trials_between(f, plane, f.it.y, f.it.x)) return false;
+  if (f.thorough())
+    for (const double* phase :
+         {static_cast<const double*>(f.it.x), static_cast<const double*>(f.it.y), f.third.x})
+      if (phase != nullptr && !other_root_trial(f, plane, phase)) return false;
+  // A trial came back to a phase of the answer: that settles it only where the phase is clearly convex.
+  if (f.came_back && !(f.have_lowest && f.lowest.tm < kUnstable) &&
+      !(test_curvature(f, plane) && test_curvature(f, {f.it.y, f.answer_d, f.it.x, nullptr, 0, f.third.x}) &&
+        (f.third.x == nullptr || test_curvature(f, {f.third.x, f.answer_d, f.it.x, nullptr, 0, f.it.y}))))
+    return false;
+  stable = !(f.have_lowest && f.lowest.tm < kUnstable);
   return true;
 }
 
 bool finish_lowest(Flash& f) {
-  const Kind kind = f.m.free_water && f.feed_kind == Kind::liquid ? vapour_kind(f) : liquid_kind(f);
-  f.status = follow_trial(f.m, {f.it.z, f.d}, kind, Follow::report, f.work, f.lowest);
+  f.status = follow_trial(f.m, {f.it.z, f.d}, liquid_kind(f), Follow::report, f.work, f.lowest);
   return f.status == KV_OK;
 }
 

@@ -36,8 +36,7 @@ struct Flash {
   double* answer_d = nullptr;   // [ld] the same of a phase of an answer under test
   double* direction = nullptr;  // [ld] of lowest curvature at the feed
   double* tried = nullptr;      // [ld * kTried] compositions of trials that a split was tried from
-  double* dry = nullptr;        // [ld] the feed without its water
-  bool liquid_water = false;    // free water alone, where the equation of state has no gas of it
+  double* between = nullptr;    // [ld] composition that a trial starts from
   double feed_gibbs = 0.0;      // sum of z d
   double feed_Z = 0.0;
   Kind feed_kind = Kind::stable;
@@ -57,12 +56,6 @@ struct Flash {
  * Without a Z (a phase that is water, a host's routine that did not tell) it is liquid.
  */
 Kind kind_of(const Flash& f, const double* composition, double Z);
-
-/*
- * Whether hydrocarbons beside free water can be a liquid at all: below 1.25 times Kay's pseudo-critical
- * temperature of the feed without its water.
- */
-bool may_be_liquid(const Flash& f);
 
 /* The roots that a liquid-like and a vapour-like trial or phase is asked for. */
 Kind liquid_kind(const Flash& f);
@@ -88,7 +81,7 @@ bool evaluate_feed(Flash& f);
 bool test_feed(Flash& f);
 
 // How the solver chose its own starting point; shown in the trace.
-enum class Source { wilson = 1, estimate = 2, trial = 3, other_answer = 4, water = 5 };
+enum class Source { wilson = 1, estimate = 2, trial = 3, other_answer = 4 };
 
 // A phase beside which a split is tried.
 struct Beside {
@@ -103,14 +96,11 @@ inline constexpr double kLowerGibbs = 1e-12;
 /*
  * Starts of the two-phase iteration: f.it.log_k, f.it.beta and the roots asked for. From Wilson's coefficients;
  * from the estimate in the call's result arrays; from f.lowest beside a phase, the lighter of the two being the
- * vapour; with all the water in the liquid and all else in the vapour; from the flash of the feed without its
- * water (false when that has no vapour).
+ * vapour.
  */
 void start_from_wilson(Flash& f);
 void start_from_estimate(Flash& f);
 void start_from_trial(Flash& f, const Beside& other, Source source);
-void start_from_water(Flash& f);
-bool start_from_dry_flash(Flash& f);
 
 /*
  * Iterates from the start that was chosen. True when it converged on something better than the feed. Of a feed

@@ -1,121 +1,15 @@
-// Fugacity evaluation of the flashes. The free-water rules describe a liquid whose water beyond the solubility
-// limit s is a phase of its own: water's fugacity is Psat x_w/s below the limit and Psat from there on, and the
-// other components see the hydrocarbon liquid at its limit.
+// Fugacity evaluation of the flashes: the host's routine, the free-water rules, or the built-in equation of
+// state.
 
 #include "flash/fugacity.hpp"
 
 #include <algorithm>
 #include <cmath>
 
+#include "flash/free_water.hpp"
 #include "support/mathkernels.hpp"
 
 namespace kestrune::flash {
-namespace {
-
-constexpr double kWaterRich = 0.9999;
-// ln phi of the other components in a phase that is water: they are as good as insoluble there.
-constexpr double kInsoluble = kLargestLogK;
-
-// A host's routine, or the built-in one under the same argument list. Derivatives with leading dimension n.
-StatusCode plain_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,
-                          double& Z) {
-  if (m.routine == nullptr) return built_in_fugacity(m, x, kind, ln_phi, d, false, Z);
-  if (kind == Kind::stable) {
-    // Both phases, and the one of lower Gibbs energy.
-    double zg = 0.0, zl = 0.0;
-    StatusCode status = plain_fugacity(m, x, Kind::gas, m.compared, {}, zg);
-    if (status != KV_OK) return status;
-    double gas = 0.0, liquid = 0.0;
-    for (int i = 0; i < m.n; ++i) gas += x[i] * m.compared[i];
-    status = plain_fugacity(m, x, Kind::liquid, m.compared, {}, zl);
-    if (status != KV_OK) return status;
-    for (int i = 0; i < m.n; ++i) liquid += x[i] * m.compared[i];
-    Z = 0.0;
-    return plain_fugacity(m, x, gas <= liquid ? Kind::gas : Kind::liquid, ln_phi, d, Z);
-  }
-  const int phase = kind == Kind::gas ? KV_PHASE_GAS : KV_PHASE_LIQUID;
-  ++m.counts.fugacities;
-  // The pressure derivatives are always asked for: Z = 1 + P sum x_i d ln phi_i/dP tells gas from liquid.
-  double* dP = d.dP != nullptr ? d.dP : m.row;
-  const int mask = (d.dT ? KV_DERIV_T : 0) | KV_DERIV_P | (d.dn ? KV_DERIV_N : 0);
-  if (d.dn != nullptr) ++m.counts.matrices;
-  const StatusCode status =
-      m.routine(m.T, m.P, x, m.mixture, phase, 2, mask, ln_phi, d.dT, dP, d.dn ? m.square : nullptr);
-  if (status != KV_OK) return status;
-  double sum = 0.0;
-  for (int i = 0; i < m.n; ++i) sum += x[i] * dP[i];
-  Z = 1.0 + m.P * sum;
-  for (int j = 0; d.dn != nullptr && j < m.n; ++j)
-    std::copy_n(m.square + static_cast<std::size_t>(j) * m.n, m.n, d.dn + static_cast<std::size_t>(j) * m.ld);
-  for (int i = m.n; i < m.ld; ++i) ln_phi[i] = 0.0;
-  return KV_OK;
-}
-
-// The coefficients of a phase that is (almost) pure water.
-void water_rich(const Model& m, double xw, double* ln_phi, const Derivatives& d) {
-  const double psat = m.psat.value;
-  for (int i = 0; i < m.ld; ++i) ln_phi[i] = kInsoluble;
-  ln_phi[m.water] = std::log(psat / (m.P * xw));
-  if (d.dT != nullptr) std::fill_n(d.dT, m.n, 0.0);
-  if (d.dP != nullptr) std::fill_n(d.dP, m.n, 0.0);
-  if (d.dT != nullptr) d.dT[m.water] = m.psat.d_dT / psat;
-  if (d.dP != nullptr) d.dP[m.water] = -1.0 / m.P;
-  if (d.dn == nullptr) return;
-  // ln phi_w = -ln x_w + const: 1 for every other amount, 1 - 1/x_w for its own
-  for (int j = 0; j < m.n; ++j) {
-    double* column = d.dn + static_cast<std::size_t>(j) * m.ld;
-    std::fill_n(column, m.n, 0.0);
-    column[m.water] = 1.0;
-  }
-  d.dn[static_cast<std::size_t>(m.water) * m.ld + m.water] = 1.0 - 1.0 / xw;
-}
-
-// Composition derivatives of the others when they see the liquid at its solubility limit: in terms of the
-// amounts n_j of the hydrocarbons alone, with s/(1 - s) moles of water for each mole of them.
-void at_limit_dn(const Model& m, double s, double xw, double* dn) {
-  const int w = m.water;
-  const double total = (1.0 - xw) / (1.0 - s);  // moles of the modified phase in one mole of the whole
-  const double ratio = s / (1.0 - s);
-  const double* water_column = dn + static_cast<std::size_t>(w) * m.ld;
-  for (int j = 0; j < m.n; ++j) {
-    double* column = dn + static_cast<std::size_t>(j) * m.ld;
-    if (j == w) continue;
-    for (int i = 0; i < m.n; ++i) {
-      // + ln(x'_i/x_i) = ln((1 - s)/(1 - x_w)): 1 - 1/(1 - x_w) per mole of a hydrocarbon
-      if (i != w) column[i] = (column[i] + ratio * water_column[i]) / total + 1.0 - 1.0 / (1.0 - xw);
-    }
-  }
-  double* own = dn + static_cast<std::size_t>(w) * m.ld;
-  for (int i = 0; i < m.n; ++i) own[i] = 1.0;
-}
-
-// What the change of the limit with temperature adds to d ln phi/dT of the others; dn is that of the modified
-// phase.
-void at_limit_dT(const Model& m, const double* dn, double* dT) {
-  const double s = m.solubility.value, slope = m.solubility.d_dT;
-  for (int i = 0; i < m.n; ++i) {
-    if (i == m.water) continue;
-    double along = dn[static_cast<std::size_t>(m.water) * m.ld + i];
-    for (int j = 0; j < m.n; ++j)
-      if (j != m.water) along -= dn[static_cast<std::size_t>(j) * m.ld + i] * m.modified[j] / (1.0 - s);
-    dT[i] += slope * (along - 1.0 / (1.0 - s));
-  }
-}
-
-// Water's own coefficient and its derivatives, after the others are there.
-void set_water(const Model& m, double xw, double* ln_phi, const Derivatives& d) {
-  const double s = m.solubility.value, psat = m.psat.value;
-  const bool below = xw < s;
-  const int w = m.water;
-  ln_phi[w] = std::log(psat / (m.P * (below ? s : xw)));
-  if (d.dT != nullptr) d.dT[w] = m.psat.d_dT / psat - (below ? m.solubility.d_dT / s : 0.0);
-  if (d.dP != nullptr) d.dP[w] = -1.0 / m.P;
-  if (d.dn == nullptr) return;
-  for (int j = 0; j < m.n; ++j) d.dn[static_cast<std::size_t>(j) * m.ld + w] = below ? 0.0 : 1.0;
-  if (!below) d.dn[static_cast<std::size_t>(w) * m.ld + w] = 1.0 - 1.0 / xw;
-}
-
-}  // namespace
 
 double covolume(const MixtureRecord& mixture, const double* x) noexcept {
   const double* Tc = mixture.table + static_cast<std::size_t>(KV_COL_TC - 1) * mixture.count;
@@ -195,39 +89,46 @@ StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_ph
   return std::fabs(ln_phi[0]) < 1e300 ? KV_OK : KV_NOT_FINITE;
 }
 
+StatusCode plain_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,
+                          double& Z) {
+  if (m.routine == nullptr) return built_in_fugacity(m, x, kind, ln_phi, d, false, Z);
+  if (kind == Kind::stable) {
+    // Both phases, and the one of lower Gibbs energy.
+    double zg = 0.0, zl = 0.0;
+    StatusCode status = plain_fugacity(m, x, Kind::gas, m.compared, {}, zg);
+    if (status != KV_OK) return status;
+    double gas = 0.0, liquid = 0.0;
+    for (int i = 0; i < m.n; ++i) gas += x[i] * m.compared[i];
+    status = plain_fugacity(m, x, Kind::liquid, m.compared, {}, zl);
+    if (status != KV_OK) return status;
+    for (int i = 0; i < m.n; ++i) liquid += x[i] * m.compared[i];
+    Z = 0.0;
+    return plain_fugacity(m, x, gas <= liquid ? Kind::gas : Kind::liquid, ln_phi, d, Z);
+  }
+  const int phase = kind == Kind::gas ? KV_PHASE_GAS : KV_PHASE_LIQUID;
+  ++m.counts.fugacities;
+  // The pressure derivatives are always asked for: Z = 1 + P sum x_i d ln phi_i/dP tells gas from liquid.
+  double* dP = d.dP != nullptr ? d.dP : m.row;
+  const int mask = (d.dT ? KV_DERIV_T : 0) | KV_DERIV_P | (d.dn ? KV_DERIV_N : 0);
+  if (d.dn != nullptr) ++m.counts.matrices;
+  const StatusCode status =
+      m.routine(m.T, m.P, x, m.mixture, phase, 2, mask, ln_phi, d.dT, dP, d.dn ? m.square : nullptr);
+  if (status != KV_OK) return status;
+  double sum = 0.0;
+  for (int i = 0; i < m.n; ++i) sum += x[i] * dP[i];
+  Z = 1.0 + m.P * sum;
+  for (int j = 0; d.dn != nullptr && j < m.n; ++j)
+    std::copy_n(m.square + static_cast<std::size_t>(j) * m.n, m.n, d.dn + static_cast<std::size_t>(j) * m.ld);
+  for (int i = m.n; i < m.ld; ++i) ln_phi[i] = 0.0;
+  return KV_OK;
+}
+
 StatusCode water_aware_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,
                                 double& Z) noexcept {
   if (!m.free_water) return plain_fugacity(m, x, kind, ln_phi, d, Z);
   if (kind == Kind::gas) return plain_fugacity(m, x, kind, ln_phi, d, Z);
   // A phase asked for by Gibbs energy is a liquid here: only a liquid follows the water rules.
-  const double xw = x[m.water], s = m.solubility.value;
-  if (xw > kWaterRich) {
-    ++m.counts.fugacities;
-    Z = 0.0;
-    water_rich(m, xw, ln_phi, d);
-    return KV_OK;
-  }
-  const double* composition = x;
-  const bool at_limit = xw >= s && s < 1.0;
-  const double scale = at_limit ? (1.0 - s) / (1.0 - xw) : 1.0;
-  if (at_limit) {
-    for (int i = 0; i < m.n; ++i) m.modified[i] = scale * x[i];
-    m.modified[m.water] = s;
-    composition = m.modified;
-  }
-  Derivatives plain = d;
-  if (at_limit && d.dT != nullptr && d.dn == nullptr) plain.dn = m.limit_dn;
-  const StatusCode status = plain_fugacity(m, composition, Kind::liquid, ln_phi, plain, Z);
-  if (status != KV_OK) return status;
-  if (at_limit) {
-    if (d.dT != nullptr) at_limit_dT(m, plain.dn, d.dT);
-    const double correction = std::log(scale);  // ln x'_i - ln x_i
-    for (int i = 0; i < m.n; ++i)
-      if (i != m.water) ln_phi[i] += correction;
-    if (d.dn != nullptr) at_limit_dn(m, s, xw, d.dn);
-  }
-  set_water(m, xw, ln_phi, d);
-  return KV_OK;
+  return wet_liquid_fugacity(m, x, ln_phi, d, Z);
 }
 
 StatusCode k_values(Model& m, const double* x, const double* y, double* K, const KDerivatives& d,

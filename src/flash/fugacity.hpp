@@ -22,6 +22,10 @@ struct Counts {
   int trials = 0;      // of the stability test
 };
 
+// Which side of its solubility limit free water is on: as there is more or less than the limit, or as an
+// iteration has decided, so that what it follows is smooth.
+enum class WaterBranch { by_amount, below, at_limit };
+
 /*
  * Everything a flash at one T and P remembers about its model. Built by make_model, on the caller's stack;
  * nothing of it is shared between calls.
@@ -32,9 +36,10 @@ struct Model {
   MixtureRecord* mixture = nullptr;
   KvFugacityRoutine routine = nullptr;  // of the host; null: the built-in equation of state
   frame::tools::KvBracub bracub = nullptr;
-  eos::Temperature t;              // prepared when routine is null
-  bool free_water = false;         // the flag is set and there is water
-  int water = -1;                  // index of the water family component
+  eos::Temperature t;       // prepared when routine is null
+  bool free_water = false;  // the flag is set and there is water
+  int water = -1;           // index of the water family component
+  WaterBranch branch = WaterBranch::by_amount;
   WithSlope psat{}, solubility{};  // of water at T
   double* s = nullptr;             // [ld] work
   double* modified = nullptr;      // [ld] work of the free-water rules
@@ -78,6 +83,10 @@ struct Derivatives {
  */
 StatusCode water_aware_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,
                                 double& Z) noexcept;
+
+/* The same without the water rules: the host's routine, or the built-in equation under the same arguments. */
+StatusCode plain_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,
+                          double& Z);
 
 /*
  * The built-in equation of state, no detour: what the above does when m.built_in(). lower: only the lower

@@ -11,7 +11,9 @@
 
 #include "flash/feed.hpp"
 #include "flash/flash_state.hpp"
+#include "flash/free_water.hpp"
 #include "flash/trace_flash.hpp"
+#include "flash/wet_flash.hpp"
 #include "support/mathkernels.hpp"
 
 namespace kestrune::flash {
@@ -29,7 +31,7 @@ bool usable_estimate(const IsothermalCall& c, int n) {
 
 // The phase counted by beta is the vapour, the less densely packed one.
 void order_phases(Flash& f) {
-  if (f.liquids_only() || f.m.free_water) return;
+  if (f.liquids_only()) return;
   if (!lighter(*f.call.mixture, f.it.x, f.it.Zx, f.it.y, f.it.Zy)) return;
   std::swap(f.it.x, f.it.y);
   std::swap(f.it.beta, f.it.liquid);
@@ -84,11 +86,6 @@ StatusCode split_from_trial(Flash& f) {
     f.settings.ITEMAX = kRobustIterations;
     f.settings.robust = true;
   }
-  if (f.m.free_water) {
-    start_from_water(f);
-    if (good_split(f, true, outcome)) return finish_two_phases(f);
-    if (outcome == Outcome::routine) return write_answer(f, f.status);
-  }
   report_third(f);
   // On the boundary itself, or of traces alone: what splits off has no amount that could be told from rounding.
   if (f.lowest.tm > -1e-8 || most_of(f.m.n, f.it.z, f.lowest.w) < kNoAmount) return finish_single_phase(f);
@@ -105,14 +102,10 @@ StatusCode solve(Flash& f) {
   else
     trace_initial(f.trace, f.call, 0.0, f.it.z, f.it.z, f.it.z);
 
-  if (f.liquid_water) return finish_single_phase(f);
   Outcome outcome = Outcome::one_phase;
   if (given) {
     start_from_estimate(f);
     if (good_split(f, false, outcome)) return finish_two_phases(f);
-  }
-  if (f.m.free_water && !f.liquids_only() && f.it.z[f.m.water] > 0.0 && outcome != Outcome::routine) {
-    if (start_from_dry_flash(f) && good_split(f, false, outcome)) return finish_two_phases(f);
   }
   if (!f.liquids_only() && outcome != Outcome::routine) {
     start_from_wilson(f);
@@ -164,7 +157,7 @@ StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& 
   f.d = arena.zeros(ld);
   f.answer_d = arena.zeros(ld);
   f.direction = arena.zeros(ld);
-  f.dry = arena.zeros(ld);
+  f.between = arena.zeros(ld);
   f.tried = arena.zeros(ld * kTried);
   const StatusCode result = body(f);
   if (call.counts != nullptr) *call.counts = m.counts;
@@ -174,6 +167,8 @@ StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& 
 }  // namespace
 
 StatusCode isothermal_flash(const IsothermalCall& call) {
+  if (call.free_water && call.mode == Mode::liquid_vapour && has_free_water(*call.mixture, call.z))
+    return wet_flash(call);
   return support::with_arena<6, 100>(call.mixture->count,
                                      [&](support::Arena& arena) { return with_flash(call, arena, solve); });
 }
@@ -202,8 +197,7 @@ StatusCode answer_stability(const IsothermalCall& call, double& distance) {
     wilson(call.T, call.P, *call.mixture, f.m.free_water, f.wilson_k, nullptr);
     std::copy_n(call.x, f.m.n, f.it.x);
     std::copy_n(call.y, f.m.n, f.it.y);
-    f.it.kind_x = f.m.free_water ? Kind::liquid : Kind::stable;
-    f.it.kind_y = f.m.free_water ? Kind::gas : Kind::stable;
+    f.it.kind_x = f.it.kind_y = Kind::stable;
     f.status = fugacity(f.m, f.it.x, f.it.kind_x, f.it.ln_phi_x, nullptr, f.it.Zx);
     if (f.status != KV_OK) return f.status;
     f.status = fugacity(f.m, f.it.y, f.it.kind_y, f.it.ln_phi_y, nullptr, f.it.Zy);

@@ -76,18 +76,6 @@ bool look_for_better(Flash& f) {
   return true;
 }
 
-// Hydrocarbons beside water in one phase where two are due: once more from their own split. The answer stays
-// where that start leads nowhere.
-bool add_missing_phase(Flash& f) {
-  bool stable = true;
-  if (!test_answer(f, stable)) return false;
-  if (stable) return true;
-  copy_answer(f.it, f.answer, f.m.ld);
-  Outcome outcome = Outcome::one_phase;
-  if (!start_from_dry_flash(f) || !good_split(f, true, outcome)) copy_answer(f.answer, f.it, f.m.ld);
-  return outcome != Outcome::routine;
-}
-
 }  // namespace
 
 bool settle_answer(Flash& f) {
@@ -100,7 +88,7 @@ bool settle_answer(Flash& f) {
     if (!stable) report_third(f);
     return true;
   }
-  return f.m.free_water ? add_missing_phase(f) : look_for_better(f);
+  return look_for_better(f);
 }
 
 void report_third(Flash& f) {

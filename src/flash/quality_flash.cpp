@@ -10,10 +10,12 @@
 #include <cmath>
 
 #include "flash/feed.hpp"
+#include "flash/free_water.hpp"
 #include "flash/isothermal.hpp"
 #include "flash/pure_saturation.hpp"
 #include "flash/quality_line.hpp"
 #include "flash/trace_flash.hpp"
+#include "flash/wet_quality.hpp"
 #include "support/mathkernels.hpp"
 
 namespace kestrune::flash {
@@ -435,6 +437,9 @@ StatusCode set_up(const QualityCall& call, support::Arena& arena) {
 }  // namespace
 
 StatusCode quality_flash(const QualityCall& call) {
+  if (call.free_water && has_free_water(*call.mixture, call.z) &&
+      single_component(call.mixture->count, call.z, pure_tolerance(*call.mixture)) < 0)
+    return wet_quality(call);
   return support::with_arena<8, 160>(call.mixture->count,
                                      [&](support::Arena& arena) { return set_up(call, arena); });
 }

@@ -124,12 +124,12 @@ std::string missing_phase(const Water& water, const Composition& d, const std::v
   return {};
 }
 
-void judge_rules(const Question& question, const Answer& answer, Verdict& verdict) {
+void judge_rules(const Question& question, const Answer& answer, Verdict& verdict, bool point = false) {
   const Water water(question);
   const int n = water.n;
   std::vector<Composition> known;
   Composition d(n);
-  const bool has_liquid = answer.beta<1, has_vapour = answer.beta> 0;
+  const bool has_liquid = answer.beta < 1 || point, has_vapour = answer.beta > 0 || point;
   const bool water_rich = has_liquid && answer.x[water.iw] > 0.9999;
   const Composition liquid = has_liquid ? water.liquid(answer.x) : Composition(n);
   const Composition vapour = has_vapour ? water.vapour(answer.y) : Composition(n);
@@ -175,6 +175,13 @@ Verdict judge_free_water(const Question& question, const Answer& answer) {
     const Verdict without = judge_equation_of_state(question, answer);
     if (without.outcome != Outcome::wrong) return without;
   }
+  return verdict;
+}
+
+Verdict judge_free_water_point(const Question& question, const Answer& answer) {
+  Verdict verdict;
+  verdict.reason = check_balance(question, answer, verdict.balance);
+  if (verdict.reason.empty()) judge_rules(question, answer, verdict, true);
   return verdict;
 }
 

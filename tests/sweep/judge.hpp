@@ -49,6 +49,8 @@ Verdict judge(const Question& question, const Answer& answer);
 // Parts of it.
 Verdict judge_equation_of_state(const Question& question, const Answer& answer);
 Verdict judge_free_water(const Question& question, const Answer& answer);
+// The same of a point at a given vapour fraction: at 0 and 1 the incipient phase is one that is there.
+Verdict judge_free_water_point(const Question& question, const Answer& answer);
 
 // Sums, signs, range of beta and material balance; a non-empty reason when one is off.
 std::string check_balance(const Question& question, const Answer& answer, double& residual);

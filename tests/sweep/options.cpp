@@ -11,6 +11,7 @@ const char* const usage =
     "  --caloric        flashes at enthalpy and entropy instead\n"
     "  --three-phase    two liquids and a vapour at T and P, cold and warm\n"
     "  --three-phase-caloric  the same at enthalpy, entropy and vapour fraction\n"
+    "  --free-water     all of these with free water, of random feeds\n"
     "  --sample         a small fixed sample for every build\n"
     "  --states N       states in all (default 100000; saturation and caloric 50000, three-phase 30000, 6000)\n"
     "  --jobs N         threads of the judge (default 1)\n"
@@ -30,7 +31,8 @@ bool parse(int argc, char** argv, Options& o) {
   for (int i = 1; i < argc; ++i) {
     const std::string name = argv[i];
     if (name == "--sample" || name == "--warm" || name == "--times" || name == "--saturation" ||
-        name == "--caloric" || name == "--three-phase" || name == "--three-phase-caloric") {
+        name == "--caloric" || name == "--three-phase" || name == "--three-phase-caloric" ||
+        name == "--free-water") {
       if (name == "--sample") sample = true;
       if (name == "--warm") o.warm = true;
       if (name == "--times") o.times = true;
@@ -38,6 +40,7 @@ bool parse(int argc, char** argv, Options& o) {
       if (name == "--caloric") o.mode = Mode::caloric;
       if (name == "--three-phase") o.mode = Mode::three_phase;
       if (name == "--three-phase-caloric") o.mode = Mode::three_phase_caloric;
+      if (name == "--free-water") o.mode = Mode::free_water;
       continue;
     }
     if (i + 1 >= argc) return false;
@@ -61,7 +64,7 @@ bool parse(int argc, char** argv, Options& o) {
   }
   if (sample) o.critical_steps = 14;
   if (o.states == 0) {
-    const int full[] = {100000, 50000, 50000, 30000, 6000}, few[] = {4000, 1500, 1500, 900, 240};
+    const int full[] = {100000, 50000, 50000, 30000, 6000, 50000}, few[] = {4000, 1500, 1500, 900, 240, 1500};
     o.states = (sample ? few : full)[static_cast<int>(o.mode)];
   }
   return true;

@@ -2,6 +2,7 @@
 #ifndef KESTRUNE_FRAME_EXPORTS_FLASH_WRAPPER_HPP
 #define KESTRUNE_FRAME_EXPORTS_FLASH_WRAPPER_HPP
 
+#include "flash/free_water.hpp"
 #include "frame/boundary.hpp"
 #include "frame/cas.hpp"
 
@@ -25,14 +26,16 @@ inline bool free_water(const MixtureRecord& mixture) {
 }
 
 /*
- * Number of the water component (from 1) when the host asks for free water; without one the flags byte is
- * cleared for the call and the result is 0.
+ * Number of the water component (from 1) when the host asks for free water and the feed z has some; without
+ * that the flags byte is cleared for the call and the result is 0. Water is what has its CAS number here and
+ * its family code in the calculations: a table with one of the two alone has none.
  */
-inline std::int32_t locate_water(MixtureRecord& mixture) {
+inline std::int32_t locate_water(MixtureRecord& mixture, const double* z) {
   if (!free_water(mixture)) return 0;
   const std::int32_t iw = frame::find_cas(mixture.count, mixture.table, frame::WaterCas);
-  if (iw == 0) mixture.flags = 0;
-  return iw;
+  if (iw != 0 && flash::has_free_water(mixture, z)) return iw;
+  mixture.flags = 0;
+  return 0;
 }
 
 inline double water_critical_pressure(const MixtureRecord& mixture, std::int32_t iw) {
@@ -56,7 +59,7 @@ template <class Core>
 StatusCode two_phase_wrapper(double P, const double* z, MixtureRecord& mixture, std::int32_t options,
                              const TwoPhaseResult& result, Core core) {
   const FlagsKeeper keeper(mixture);
-  const std::int32_t iw = locate_water(mixture);
+  const std::int32_t iw = locate_water(mixture, z);
   const StatusCode status = core(false);
   if (status == KV_SINGLE_PHASE || status == KV_OK || !free_water(mixture)) return hide_single_phase(status);
   if (status > KV_STATUS_CALL_BLOCK) return status;  // nothing that a retry could mend

@@ -31,10 +31,10 @@ StatusCode hide_vanished(StatusCode status) {
  * stands.
  */
 template <class Core>
-StatusCode three_phase_wrapper(double P, MixtureRecord& mixture, const flash3::ThreePhaseResult& out,
-                               Core core) {
+StatusCode three_phase_wrapper(double P, const double* z, MixtureRecord& mixture,
+                               const flash3::ThreePhaseResult& out, Core core) {
   const exports::FlagsKeeper keeper(mixture);
-  const std::int32_t iw = exports::locate_water(mixture);
+  const std::int32_t iw = exports::locate_water(mixture, z);
   StatusCode status = hide_vanished(core());
   if (status != KV_OK && exports::free_water(mixture) && P > exports::water_critical_pressure(mixture, iw)) {
     mixture.flags = 0;
@@ -52,7 +52,7 @@ StatusCode energy_flash(flash3::ThreeEnergyCall call) {
                                        call.z, call.mixture, call.T, out.beta, out.V, out.xA, out.xB, out.y,
                                        out.KLL, out.KLV, call.A, call.B, call.vapour);
     if (bad != KV_OK) return bad;
-    const StatusCode status = three_phase_wrapper(call.P, *call.mixture, out, [&] {
+    const StatusCode status = three_phase_wrapper(call.P, call.z, *call.mixture, out, [&] {
       call.free_water = exports::free_water(*call.mixture);
       return flash3::three_energy_flash(call);
     });
@@ -70,7 +70,7 @@ StatusCode quality_flash(StatusCode condition, flash3::ThreeQualityCall call) {
                                        call.unknown, out.beta, out.xA, out.xB, out.y, out.KLL, out.KLV);
     if (bad != KV_OK) return bad;
     const double P = call.find == flash::Find::temperature ? call.given : *call.unknown;
-    return three_phase_wrapper(P, *call.mixture, out, [&] {
+    return three_phase_wrapper(P, call.z, *call.mixture, out, [&] {
       call.free_water = exports::free_water(*call.mixture);
       return flash3::three_quality_flash(call);
     });
@@ -88,7 +88,7 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatTP(double T, double P, const double* z, Mi
                                        V, xA, xB, y, KLL, KLV);
     if (bad != KV_OK) return bad;
     const flash3::ThreePhaseResult out{beta, V, xA, xB, y, KLL, KLV};
-    return three_phase_wrapper(P, *mixture, out, [&] {
+    return three_phase_wrapper(P, z, *mixture, out, [&] {
       return flash3::three_phase_flash(
           {T, P, z, mixture, routines, exports::free_water(*mixture), (options & 1) != 0, out});
     });
@@ -175,6 +175,8 @@ KV_ENTRY StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, Mix
                                                  frame::check_pointers(z, mixture, beta, liquid1, liquid2, K),
                                                  frame::check_feed(z, mixture)});
     if (bad != KV_OK) return bad;
+    const exports::FlagsKeeper keeper(*mixture);
+    exports::locate_water(*mixture, z);
     return flash3::liquid_liquid_flash({T, P, z, mixture, routines, exports::free_water(*mixture),
                                         (options & 1) != 0, beta, liquid1, liquid2, K});
   });

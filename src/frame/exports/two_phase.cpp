@@ -88,6 +88,8 @@ KV_ENTRY StatusCode KV_CALL FlashLVatWP(double W, double P, const double* z, Mix
     const StatusCode bad = first_failure(
         {frame::check_specified(W), frame::check_pressure(P), check_flash(z, mixture, T, x, y, K)});
     if (bad != KV_OK) return bad;
+    const exports::FlagsKeeper keeper(*mixture);
+    exports::locate_water(*mixture, z);
     return flash::quality_flash({flash::Find::temperature, W, P, z, mixture, routines,
                                  exports::free_water(*mixture), (options & 1) != 0, T, x, y, K});
   });
@@ -100,6 +102,8 @@ KV_ENTRY StatusCode KV_CALL FlashLVatWT(double W, double T, const double* z, Mix
     const StatusCode bad = first_failure(
         {frame::check_specified(W), frame::check_temperature(T), check_flash(z, mixture, P, x, y, K)});
     if (bad != KV_OK) return bad;
+    const exports::FlagsKeeper keeper(*mixture);
+    exports::locate_water(*mixture, z);
     return flash::quality_flash({flash::Find::pressure, W, T, z, mixture, routines,
                                  exports::free_water(*mixture), (options & 1) != 0, P, x, y, K});
   });

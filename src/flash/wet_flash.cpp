@@ -1,0 +1,301 @@
+// The feed as a gas, then as a liquid, then two fluids from what was missing: whatever passes the gate first is
+// the answer. An estimate only shortens the way to two fluids, so that warm and cold starts end alike.
+
+#include "flash/wet_flash.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "flash/accept.hpp"
+#include "flash/feed.hpp"
+#include "flash/trace_flash.hpp"
+#include "flash/wet_state.hpp"
+#include "support/mathkernels.hpp"
+
+namespace kestrune::flash {
+namespace {
+
+// How the flash chose its own starting point; shown in the trace.
+enum Source { kFromWilson = 1, kFromEstimate = 2, kFromTrial = 3, kFromDryFeed = 5 };
+
+StatusCode write_answer(Wet& f, StatusCode status) {
+  const IsothermalCall& c = f.call;
+  const WetAnswer& a = f.answer;
+  *c.beta = a.beta;
+  for (int i = 0; i < f.m.n; ++i) {
+    c.x[i] = a.x[i];
+    c.y[i] = a.y[i];
+    c.K[i] = a.x[i] > 0.0 ? std::clamp(a.y[i] / a.x[i], kSmallestK, kLargestK) : a.y[i] > 0.0 ? kLargestK : 1.0;
+  }
+  trace_result(f.trace, c);
+  return status;
+}
+
+// One fluid: beside it what is nearest to forming.
+StatusCode finish_single(Wet& f) {
+  WetAnswer& a = f.answer;
+  const int w = f.m.water;
+  const bool gas = a.beta == 1.0;
+  const WetTrial& nearest = gas ? f.liquid : f.vapour;
+  double* const other = gas ? a.x : a.y;
+  if (nearest.found) std::copy_n(nearest.w, f.m.n, other);
+  if (gas && std::log(a.activity) >= (nearest.found ? nearest.ln_sum : -1e300)) {
+    std::fill_n(other, f.m.n, 0.0);
+    other[w] = 1.0;
+  }
+  return write_answer(f, KV_SINGLE_PHASE);
+}
+
+StatusCode finish(Wet& f) {
+  return f.answer.beta == 1.0 || f.answer.beta == 0.0 ? finish_single(f) : write_answer(f, KV_OK);
+}
+
+// The feed as a liquid, free water included.
+void feed_as_liquid(Wet& f) {
+  f.answer.beta = 0.0;
+  std::copy_n(f.z, f.m.ld, f.answer.x);
+  std::copy_n(f.z, f.m.ld, f.answer.y);
+}
+
+// Almost nothing but water: steam or water, by its vapour pressure.
+StatusCode water_alone(Wet& f) {
+  WetAnswer& a = f.answer;
+  a.Zy = 0.0;
+  if (!gas_fugacity(f, f.z, a.phi_y, a.Zy)) return f.status;
+  const double over = std::log(f.water * f.m.P / f.m.psat.value) + a.phi_y[f.m.water];
+  const double packing = covolume(*f.call.mixture, f.z) * f.m.P / (eos::kR * f.m.T * a.Zy);
+  feed_as_liquid(f);
+  if (over <= 0.0 && (!(a.Zy > 0.0) || packing * eos::kCriticalVolumeRatio < 1.0)) a.beta = 1.0;
+  return write_answer(f, KV_SINGLE_PHASE);
+}
+
+// ---- starts of two fluids, into f.log_k ----
+
+double saturated_gas_water(const Wet& f, double ln_phi_w) {
+  return std::log(f.m.psat.value / f.m.P) - ln_phi_w;
+}
+
+// Mole fractions of the hydrocarbons that hold water up to their limit, in those of a liquid with this much
+// water.
+double oil_scale(const Wet& f, double xw) {
+  const double s = f.m.solubility.value;
+  return xw > s && xw < 1.0 ? (1.0 - s) / (1.0 - xw) : 1.0;
+}
+
+// From what was missing beside the answer of which it was.
+void start_from_trial(Wet& f, const WetTrial& t, bool trial_is_gas) {
+  const double* const other = trial_is_gas ? f.answer.x : f.answer.y;
+  const double scale = trial_is_gas ? oil_scale(f, other[f.m.water]) : 1.0;
+  for (int i = 0; i < f.m.n; ++i) {
+    // ln phi of the answer's phase by the fugacity and its composition, of hydrocarbons without free water.
+    const double ln_phi = f.answer.d[i] - support::fast_log(scale * other[i]);
+    f.log_k[i] =
+        std::clamp(trial_is_gas ? ln_phi - t.ln_phi[i] : t.ln_phi[i] - ln_phi, -kLargestLogK, kLargestLogK);
+  }
+  f.log_k[f.m.water] = saturated_gas_water(f, trial_is_gas ? t.ln_phi[f.m.water] : f.answer.phi_y[f.m.water]);
+  trace_internal_index(f.trace, kFromTrial);
+}
+
+void start_from_wilson(Wet& f) {
+  for (int i = 0; i < f.m.n; ++i) f.log_k[i] = support::fast_log(f.wilson_k[i]);
+  f.log_k[f.m.water] = std::min(saturated_gas_water(f, 0.0), std::log(0.9));
+  trace_internal_index(f.trace, kFromWilson);
+}
+
+// From an estimate whose liquid may hold free water.
+void start_from_estimate(Wet& f) {
+  const IsothermalCall& c = f.call;
+  const int w = f.m.water;
+  const double scale = oil_scale(f, c.x[w]);
+  for (int i = 0; i < f.m.n; ++i) {
+    double k = f.wilson_k[i];
+    if (c.x[i] > 0.0 && c.y[i] > 0.0) k = c.y[i] / (scale * c.x[i]);
+    f.log_k[i] = std::clamp(std::log(k), -kLargestLogK, kLargestLogK);
+  }
+  f.log_k[w] = c.y[w] > 0.0 ? std::log(c.y[w]) : saturated_gas_water(f, 0.0);
+  trace_internal_index(f.trace, kFromEstimate);
+}
+
+// From the flash of the feed without its water. False: it is one phase.
+bool start_from_dry_feed(Wet& f) {
+  MixtureRecord silent = *f.call.mixture;
+  silent.trace_flag = 0;
+  IsothermalCall dry;
+  double beta = 0.0;
+  dry.T = f.call.T;
+  dry.P = f.call.P;
+  dry.z = f.dry;
+  dry.mixture = &silent;
+  dry.routines = f.call.routines;
+  dry.beta = &beta;
+  dry.x = f.it.x;
+  dry.y = f.it.y;
+  dry.K = f.it.k;
+  if (isothermal_flash(dry) != KV_OK) return false;
+  for (int i = 0; i < f.m.n; ++i) f.log_k[i] = support::fast_log(f.it.k[i]);
+  f.log_k[f.m.water] = std::min(saturated_gas_water(f, 0.0), std::log(0.9));
+  trace_internal_index(f.trace, kFromDryFeed);
+  return true;
+}
+
+bool usable_estimate(const Wet& f) {
+  const IsothermalCall& c = f.call;
+  return c.start != Start::cold && *c.beta > 0.0 && *c.beta < 1.0 && usable_compositions(f.m.n, c.x, c.y);
+}
+
+// An answer of two phases that a third one cuts, kept in case nothing better is found.
+struct Kept {
+  bool any = false;
+  double beta = 0.0;
+  double *x, *y;
+};
+
+bool try_split(Wet& f, Kept& kept) {
+  bool third = false;
+  if (!split_two(f)) return false;
+  if (accept(f, third)) return true;
+  if (f.exchanged && f.status == KV_OK) {
+    // Two liquids with their names exchanged.
+    for (int i = 0; i < f.m.n; ++i) f.log_k[i] = f.answer.phi_y[i] - f.answer.phi_x[i];
+    f.log_k[f.m.water] = saturated_gas_water(f, f.answer.phi_x[f.m.water]);
+    if (!split_two(f)) return false;
+    if (accept(f, third)) return true;
+  }
+
+  if (third && !kept.any) {
+    kept.any = true;
+    kept.beta = f.answer.beta;
+    std::copy_n(f.answer.x, f.m.n, kept.x);
+    std::copy_n(f.answer.y, f.m.n, kept.y);
+  }
+  return false;
+}
+
+StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
+  trace_header(f.trace, f.call, f.settings);
+  wilson(f.call.T, f.call.P, *f.call.mixture, true, f.wilson_k, nullptr);
+  const bool given = usable_estimate(f);
+  if (given)
+    trace_initial(f.trace, f.call, *f.call.beta, f.call.x, f.call.y, f.z);
+  else
+    trace_initial(f.trace, f.call, 0.0, f.z, f.z, f.z);
+  if (f.water > 1.0 - pure_tolerance(*f.call.mixture)) return water_alone(f);
+  // One fluid, or a gas beside water; what is missing is kept as a start.
+  bool third = false, have_gas = false, have_liquid = false, good_gas = false, lacks_oil = false;
+  if (feed_as_gas(f)) {
+    good_gas = accept(f, third);
+    lacks_oil = !good_gas && f.liquid.found && !(f.vapour.found && f.vapour.ln_sum > kOwedFugacity);
+    // A fluid that is a liquid by its name comes second.
+    if (good_gas && (f.water > kWaterRich || called_gas(f, f.answer.y, f.answer.Zy))) return finish(f);
+    have_gas = f.liquid.found && f.liquid.ln_sum > 0.0;
+    if (have_gas) start_from_trial(f, f.liquid, false);
+    std::copy_n(f.log_k, f.m.n, gas_k);
+  }
+  if (f.status != KV_OK) return write_answer(f, f.status);
+  if (f.water <= kWaterRich) {
+    feed_as_liquid(f);
+    // A fluid that is stable as both goes by its name.
+    if (accept(f, third) && (!good_gas || f.liquid_by_name)) return finish(f);
+    // A gas, or another liquid in its place.
+    const bool gas = f.vapour.found && f.vapour.ln_sum > 0.0;
+    have_liquid = gas || (f.liquid.found && f.liquid.ln_sum > 0.0);
+    if (have_liquid) start_from_trial(f, gas ? f.vapour : f.liquid, true);
+    std::copy_n(f.log_k, f.m.n, liquid_k);
+  }
+  if (f.status != KV_OK) return write_answer(f, f.status);
+  if (good_gas) return feed_as_gas(f) && accept(f, third) ? finish(f) : write_answer(f, f.status);
+  if (given) {
+    start_from_estimate(f);
+    if (try_split(f, kept)) return finish(f);
+  }
+  for (const auto& [have, k] : {std::pair{have_gas, gas_k}, std::pair{have_liquid, liquid_k}}) {
+    if (!have || f.status != KV_OK) continue;
+    std::copy_n(k, f.m.n, f.log_k);
+    if (try_split(f, kept)) return finish(f);
+  }
+  if (f.status == KV_OK && start_from_dry_feed(f) && try_split(f, kept)) return finish(f);
+  if (f.status == KV_OK) {
+    start_from_wilson(f);
+    if (try_split(f, kept)) return finish(f);
+  }
+  if (f.status != KV_OK) return write_answer(f, f.status);
+  // Oil that would be less than a ten-thousandth of the liquid is none: the gas beside water keeps it.
+  if (lacks_oil && f.too_little_oil && feed_as_gas(f)) {
+    accept(f, third);
+    if (f.status == KV_OK) return finish(f);
+  }
+  if (kept.any) {
+    f.answer.beta = kept.beta;
+    std::copy_n(kept.x, f.m.n, f.answer.x);
+    std::copy_n(kept.y, f.m.n, f.answer.y);
+    return write_answer(f, KV_OK);
+  }
+  return write_answer(f, KV_TRIVIAL);
+}
+
+void take_trial(support::Arena& arena, int ld, WetTrial& t) {
+  for (double** a : {&t.log_w, &t.w, &t.ln_phi}) *a = arena.zeros(ld);
+}
+
+// Everything that a flash works with, then body(flash, arena).
+template <class Body>
+StatusCode with_wet(const IsothermalCall& call, Body&& body) {
+  return support::with_arena<5, 80>(call.mixture->count, [&](support::Arena& arena) -> StatusCode {
+    Model m;
+    const StatusCode status = make_model(call.T, call.P, call.mixture, call.routines, true, 0, arena, m);
+    if (status != KV_OK) return status;
+    Settings settings = copy_settings(*call.mixture);
+    apply_robust_settings(kModelOptions, settings);
+    support::TraceWriter trace(settings.trace, settings.trace_unit);
+    Wet f(call, m, settings, trace);
+    const int n = m.n;
+    const std::size_t ld = m.ld, square = ld * n;
+    double* const z = arena.zeros(ld);
+    if (!normalise_feed(n, call.z, z)) return KV_COMPOSITION;
+    f.z = f.it.z = z;
+    f.dry = arena.zeros(ld);
+    f.water = z[m.water];
+    f.rest = 0.0;
+    const double* Tc = call.mixture->table + static_cast<std::size_t>(KV_COL_TC - 1) * n;
+    for (int i = 0; i < n; ++i) f.rest += i == m.water ? 0.0 : z[i];
+    for (int i = 0; i < n; ++i) {
+      f.dry[i] = i == m.water || !(f.rest > 0.0) ? 0.0 : z[i] / f.rest;
+      f.pseudo_critical += f.dry[i] * Tc[i];
+    }
+    WetAnswer& a = f.answer;
+    for (double** p : {&f.wilson_k, &f.log_k, &f.g, &f.before, &f.spare, &a.x, &a.y, &a.phi_x, &a.phi_y, &a.d})
+      *p = arena.zeros(ld);
+    for (WetTrial* t : {&f.trial, &f.liquid, &f.vapour}) take_trial(arena, m.ld, *t);
+    for (const auto array : kIterateArrays) f.it.*array = arena.zeros(ld);
+    f.two = {arena.zeros(ld),    arena.zeros(ld),    arena.zeros(ld),
+             arena.take(square), arena.take(square), arena.take(square)};
+    const StatusCode result = body(f, arena);
+    if (call.counts != nullptr) *call.counts = m.counts;
+    return result;
+  });
+}
+
+}  // namespace
+
+StatusCode wet_flash(const IsothermalCall& call) {
+  return with_wet(call, [](Wet& f, support::Arena& arena) {
+    Kept kept;
+    kept.x = arena.zeros(f.m.ld);
+    kept.y = arena.zeros(f.m.ld);
+    return solve(f, kept, arena.zeros(f.m.ld), arena.zeros(f.m.ld));
+  });
+}
+
+StatusCode check_wet(const IsothermalCall& call, bool& good, bool& third) {
+  return with_wet(call, [&](Wet& f, support::Arena&) -> StatusCode {
+    f.answer.beta = *call.beta;
+    f.answer.boundary = *call.beta == 0.0 || *call.beta == 1.0;
+    std::copy_n(call.x, f.m.n, f.answer.x);
+    std::copy_n(call.y, f.m.n, f.answer.y);
+    wilson(f.call.T, f.call.P, *f.call.mixture, true, f.wilson_k, nullptr);
+    good = accept(f, third);
+    return f.status;
+  });
+}
+
+}  // namespace kestrune::flash

@@ -1,0 +1,254 @@
+// What an answer with free water is held against: equal fugacities, the water that a gas can hold, and trials
+// of the phases that it lacks.
+
+#include <algorithm>
+#include <cmath>
+
+#include "flash/accept.hpp"
+#include "flash/wet_state.hpp"
+#include "support/mathkernels.hpp"
+
+namespace kestrune::flash {
+namespace {
+
+constexpr int kMostSteps = 150;
+constexpr double kSettled = 1e-24;        // sum of w g^2 of a trial that has settled
+constexpr double kGoingThere = 1e-7;      // the same of a trial that is on its way to a phase that is near
+constexpr double kSameFluid = 1e-3;       // difference of two phases, without their water, that are one
+constexpr double kWorthFollowing = 0.02;  // activity of a pure component from which on its trial is followed
+constexpr double kHardlyBoils = 1e-3;     // Wilson's coefficient
+constexpr double kGrows = 1e-8;           // ln of what a trial adds up to
+constexpr double kMostWater = 0.9999;     // in a trial liquid, where the limit is no limit
+constexpr double kLargestLogW = 300.0;
+constexpr double kNone = -1e5;   // ln of the fugacity of a component that is absent
+constexpr double kReach = 1.25;  // hydrocarbon liquids end somewhere above their pseudo-critical temperature
+
+double limit(const Wet& f) {
+  return f.m.solubility.value;
+}
+
+// Water of a trial liquid at the activity of the answer.
+double trial_water(const Wet& f) {
+  return std::min(limit(f) * f.answer.activity, kMostWater);
+}
+
+// What a trial ended on counts as what it was tried for only; and a gas beside a gas when it is the lighter
+// one, since the denser one would be the liquid, by other rules.
+bool is_of_kind(const Wet& f, Kind kind, const double* gas) {
+  const WetTrial& t = f.trial;
+  if (kind == Kind::liquid) return !loosely_packed(f, t.w, t.Z);
+  return like_a_gas(f, t.w, t.Z) && (gas == nullptr || lighter(*f.call.mixture, t.w, t.Z, gas, f.answer.Zy));
+}
+
+bool near_known(const Wet& f, const double* w, const double* const (&known)[2]) {
+  for (const double* k : known)
+    if (k != nullptr && dry_distance(f, w, k) < kSameFluid) return true;
+  return false;
+}
+
+// Composition of the trial from f.trial.log_w, and what it adds up to.
+void compose(Wet& f, bool liquid, double water) {
+  WetTrial& t = f.trial;
+  double sum = 0.0;
+  for (int i = 0; i < f.m.n; ++i) {
+    const bool free = f.z[i] > 0.0 && !(liquid && i == f.m.water);
+    t.log_w[i] = std::clamp(t.log_w[i], -kLargestLogW, kLargestLogW);
+    t.w[i] = free ? support::fast_exp(t.log_w[i]) : 0.0;
+    sum += t.w[i];
+  }
+  const double part = liquid ? 1.0 - water : 1.0;
+  for (int i = 0; i < f.m.n; ++i) t.w[i] *= part / sum;
+  if (liquid) t.w[f.m.water] = water;
+  t.ln_sum = std::log(sum / part);
+}
+
+// Follows f.trial by substitution, speeded up along its slowest direction.
+bool follow(Wet& f, Kind kind, const double* const (&known)[2]) {
+  const bool liquid = kind == Kind::liquid;
+  const double water = liquid ? trial_water(f) : 0.0;
+  WetTrial& t = f.trial;
+  t.Z = 0.0;
+  t.found = false;
+  ++f.m.counts.trials;
+  double along_before = 0.0;
+  for (int k = 0; k < kMostSteps; ++k) {
+    compose(f, liquid, water);
+    if (!(std::fabs(t.ln_sum) < 1e3)) return true;
+    if (!(liquid ? oil_fugacity(f, t.w, t.ln_phi, t.Z) : gas_fugacity(f, t.w, t.ln_phi, t.Z))) return false;
+    double norm = 0.0, along = 0.0;
+    for (int i = 0; i < f.m.n; ++i) {
+      if (!(f.z[i] > 0.0) || (liquid && i == f.m.water)) continue;
+      f.g[i] = f.answer.d[i] - t.ln_phi[i] - t.log_w[i];
+      norm += t.w[i] * f.g[i] * f.g[i];
+      along += t.w[i] * f.g[i] * f.before[i];
+    }
+    if (norm <= kGoingThere && k > 2 && near_known(f, t.w, known)) return true;
+    if (norm <= kSettled) {
+      t.found = !near_known(f, t.w, known) && is_of_kind(f, kind, known[0]);
+      return true;
+    }
+    // The eigenvalue of the slowest direction, by how much is left of the last change.
+    const double shrink = k % 4 == 3 && along_before > 0.0 ? along / along_before : 0.0;
+    const double factor = shrink > 0.3 && shrink < 0.98 ? 1.0 / (1.0 - shrink) : 1.0;
+    for (int i = 0; i < f.m.n; ++i) {
+      t.log_w[i] += std::clamp(factor * f.g[i], -8.0, 8.0);
+      f.before[i] = f.g[i];
+    }
+    along_before = norm;
+  }
+  // Slow, beside a critical point: it counts where it clearly grows.
+  t.found = t.ln_sum > 1e-6 && !near_known(f, t.w, known) && is_of_kind(f, kind, known[0]);
+  return true;
+}
+
+void remember(Wet& f, Kind kind) {
+  WetTrial& strongest = kind == Kind::liquid ? f.liquid : f.vapour;
+  if (f.trial.found && (!strongest.found || f.trial.ln_sum > strongest.ln_sum)) std::swap(f.trial, strongest);
+}
+
+// First substitution from component j alone. worth: whether it could be a phase of its own.
+bool start_pure(Wet& f, Kind kind, int j, bool& worth) {
+  const bool liquid = kind == Kind::liquid;
+  const double water = liquid ? trial_water(f) : 0.0;
+  std::fill_n(f.trial.w, f.m.ld, 0.0);
+  f.trial.w[j] = 1.0 - water;
+  if (liquid) f.trial.w[f.m.water] = water;
+  f.trial.Z = 0.0;
+  if (!(liquid ? oil_fugacity(f, f.trial.w, f.trial.ln_phi, f.trial.Z)
+               : gas_fugacity(f, f.trial.w, f.trial.ln_phi, f.trial.Z)))
+    return false;
+  for (int i = 0; i < f.m.n; ++i) f.trial.log_w[i] = f.answer.d[i] - f.trial.ln_phi[i];
+  worth = f.trial.log_w[j] > std::log(kWorthFollowing);
+  return true;
+}
+
+// ln(f_i/P) that the phases of the answer share.
+void set_plane(Wet& f, bool water_rich) {
+  WetAnswer& a = f.answer;
+  const int n = f.m.n, w = f.m.water;
+  const bool by_gas = a.has_gas() && (water_rich || a.beta > 0.5);
+  const double* const c = by_gas ? a.y : a.x;
+  const double* const phi = by_gas ? a.phi_y : a.phi_x;
+  for (int i = 0; i < n; ++i) a.d[i] = c[i] > 0.0 ? support::fast_log(c[i]) + phi[i] : kNone;
+  a.activity = support::fast_exp(a.d[w]) * f.m.P / f.m.psat.value;
+}
+
+}  // namespace
+
+bool gas_fugacity(Wet& f, const double* x, double* ln_phi, double& Z) {
+  f.status = plain_fugacity(f.m, x, Kind::gas, ln_phi, {}, Z);
+  return f.status == KV_OK;
+}
+
+bool oil_fugacity(Wet& f, const double* x, double* ln_phi, double& Z) {
+  f.m.branch = WaterBranch::below;
+  f.status = wet_liquid_fugacity(f.m, x, ln_phi, {}, Z);
+  f.m.branch = WaterBranch::by_amount;
+  return f.status == KV_OK;
+}
+
+bool loosely_packed(const Wet& f, const double* x, double Z) {
+  const double packing = Z > 0.0 ? covolume(*f.call.mixture, x) * f.m.P / (eos::kR * f.m.T * Z) : 1.0;
+  return packing * eos::kCriticalVolumeRatio < 1.0;
+}
+
+bool called_gas(const Wet& f, const double* x, double Z) {
+  return f.m.T > kReach * f.pseudo_critical || loosely_packed(f, x, Z);
+}
+
+bool like_a_gas(const Wet& f, const double* y, double Z) {
+  const double* Tc = f.call.mixture->table + static_cast<std::size_t>(KV_COL_TC - 1) * f.m.n;
+  double kay = 0.0;
+  for (int i = 0; i < f.m.n; ++i) kay += y[i] * Tc[i];
+  return f.m.T > kay || loosely_packed(f, y, Z);
+}
+
+bool is_liquid_water(const Wet& f, const double* y, double Z) {
+  constexpr double kAqueous = 0.5;
+  return y[f.m.water] > kAqueous && !like_a_gas(f, y, Z);
+}
+
+double dry_distance(const Wet& f, const double* a, const double* b) {
+  const int w = f.m.water;
+  const double ra = 1.0 / (1.0 - a[w]), rb = 1.0 / (1.0 - b[w]);
+  double most = 0.0;
+  for (int i = 0; i < f.m.n; ++i)
+    if (i != w) most = std::max(most, std::fabs(a[i] * ra - b[i] * rb));
+  return most;
+}
+
+bool look_for_missing(Wet& f, Kind kind, const double* const (&known)[2]) {
+  const bool liquid = kind == Kind::liquid;
+  const int n = f.m.n, w = f.m.water;
+  (liquid ? f.liquid : f.vapour).found = false;
+  const auto run = [&] {
+    if (!follow(f, kind, known)) return false;
+    remember(f, kind);
+    return true;
+  };
+  for (int i = 0; i < n; ++i) {
+    const double k = support::fast_log(f.wilson_k[i]);
+    f.trial.log_w[i] = support::fast_log(f.z[i]) + (liquid ? -k : k);
+  }
+  if (!run()) return false;
+  if (!liquid) {
+    std::copy_n(f.answer.d, n, f.trial.log_w);
+    if (!run()) return false;
+  }
+  const double* Tc = f.call.mixture->table + static_cast<std::size_t>(KV_COL_TC - 1) * n;
+  for (int j = 0; j < n; ++j) {
+    if (!(f.z[j] > 0.0) || j == w) continue;
+    // No liquid of a gas far above its critical temperature, no gas of what hardly boils.
+    if (liquid ? f.m.T > kReach * Tc[j] : f.wilson_k[j] < kHardlyBoils) continue;
+    bool worth = false;
+    if (!start_pure(f, kind, j, worth)) return false;
+    if (worth && !run()) return false;
+  }
+  return true;
+}
+
+bool accept(Wet& f, bool& third) {
+  WetAnswer& a = f.answer;
+  const int w = f.m.water;
+  third = f.exchanged = false;
+
+  f.liquid.found = f.vapour.found = false;
+  const double amounts[] = {1.0 - a.beta, a.beta};
+  const double* const phases[] = {a.x, a.y};
+  if (!is_split(f.m.n, f.z, 2, amounts, phases)) return false;
+  const bool gas = a.has_gas(), liquid = a.has_liquid(), water_rich = liquid && a.x[w] > kWaterRich;
+  a.Zx = a.Zy = 0.0;
+  if (gas && !gas_fugacity(f, a.y, a.phi_y, a.Zy)) return false;
+  if (liquid) {
+    f.status = wet_liquid_fugacity(f.m, a.x, a.phi_x, {}, a.Zx);
+    if (f.status != KV_OK) return false;
+  }
+  if (gas && liquid && !(fugacity_gap(f.m.n, f.z, {a.x, a.phi_x}, {a.y, a.phi_y}) <= kOwedFugacity))
+    return false;
+  set_plane(f, water_rich);
+  if (gas && support::fast_log(a.y[w]) + a.phi_y[w] + std::log(f.m.P / f.m.psat.value) > kOwedFugacity)
+    return false;
+  const bool oil = liquid && !water_rich;
+  if (gas && is_liquid_water(f, a.y, a.Zy)) return false;
+
+  if (!gas && water_rich) return true;
+  if (oil) {
+    // The hydrocarbons as the rules see them.
+    const bool free = a.x[w] > limit(f);
+    for (int i = 0; i < f.m.n; ++i) f.spare[i] = free ? f.m.modified[i] : a.x[i];
+    f.liquid_by_name = !called_gas(f, f.spare, a.Zx);
+
+    if (gas && dry_distance(f, f.spare, a.y) < kSameFluid) return false;
+    f.exchanged = gas && lighter(*f.call.mixture, f.spare, a.Zx, a.y, a.Zy);
+    if (f.exchanged) return false;
+  }
+  const double* const known[2] = {gas ? a.y : nullptr, oil ? a.x : nullptr};
+  if (!look_for_missing(f, Kind::liquid, known)) return false;
+  // Beside a gas that is one by its packing there is no lighter one.
+  if (!(gas && loosely_packed(f, a.y, a.Zy)) && !look_for_missing(f, Kind::gas, known)) return false;
+  const bool cut = (f.liquid.found && f.liquid.ln_sum > kGrows) || (f.vapour.found && f.vapour.ln_sum > kGrows);
+  third = cut && gas && oil;
+  return !cut;
+}
+
+}  // namespace kestrune::flash
