@@ -16,6 +16,8 @@ namespace kestrune::eos {
 namespace {
 
 constexpr double kTemperatureStep = 5e-6;
+// Relative difference of two pairs of points whose combination is good to about its square.
+constexpr double kPairsAgree = 3e-5;
 // Relative error at which the extrapolation ends early.
 constexpr double kGoodEnough = 1e-12;
 constexpr double kLargestStep = 0.01, kSmallestStep = 1e-8;
@@ -54,8 +56,10 @@ StatusCode entropy_at(const Middle& m, double T, double& S) {
   });
 }
 
-// dS/dT by four points, nearer ones where a root ends in between.
+// dS/dT by four points; nearer ones where a root ends in between, and where the inner and the outer pair
+// differ: beside the end of a root the slope has no bound.
 StatusCode temperature_slope(const Middle& m, double& slope) {
+  double error = DBL_MAX;
   for (double step = kTemperatureStep; step > 1e-10; step /= 16.0) {
     const double h = step * m.p.T;
     double S[4];
@@ -63,11 +67,17 @@ StatusCode temperature_slope(const Middle& m, double& slope) {
     constexpr double at[4] = {-2.0, -1.0, 1.0, 2.0};
     for (int k = 0; k < 4 && good; ++k) good = entropy_at(m, m.p.T + at[k] * h, S[k]) == m.root;
     if (!good) continue;
-    slope = (8.0 * (S[2] - S[1]) - (S[3] - S[0])) / (12.0 * h);
-    if (m.seen.water >= 0) slope += m.seen.x_water * liquid_water_entropy(m.p.T, m.p.P).d_dT;
-    return KV_OK;
+    const double inner = (S[2] - S[1]) / (2.0 * h), outer = (S[3] - S[0]) / (4.0 * h);
+    const double difference = std::fabs(inner - outer);
+    if (difference < error) {
+      error = difference;
+      slope = (4.0 * inner - outer) / 3.0;
+    }
+    if (difference <= kPairsAgree * std::fabs(slope)) break;
   }
-  return KV_NOT_FINITE;
+  if (!(error < DBL_MAX)) return KV_NOT_FINITE;
+  if (m.seen.water >= 0) slope += m.seen.x_water * liquid_water_entropy(m.p.T, m.p.P).d_dT;
+  return KV_OK;
 }
 
 // Slope of f(step, value) at 0; f returns false where it has no value. False without any estimate.

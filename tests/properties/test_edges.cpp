@@ -118,6 +118,24 @@ TEST(PropertyEdges, PhaseWithoutARootOfItsOwn) {
   }
 }
 
+// Beside the end of its root a liquid's heat capacity has no bound; a difference of fixed width steps over
+// that.
+TEST(PropertyEdges, SlopesBesideTheEndOfARoot) {
+  const Phase methane = Phase({"methane"}, {1.0}).at(0, 1e-5, KV_PHASE_LIQUID);
+  double liquid = 160, none = 180;
+  for (int k = 0; k < 60; ++k) {
+    const double T = 0.5 * (liquid + none);
+    (methane.at(T, methane.P, methane.kind).density().value > 0.01 ? liquid : none) = T;
+  }
+  for (const double distance : {1e-2, 1e-4, 1e-5, 1e-6, 1e-7}) {
+    const Phase p = methane.at(liquid * (1 - distance), methane.P, methane.kind);
+    const Derivatives h = p.derivatives('H'), s = p.derivatives('S');
+    EXPECT_EQ(s.status, KV_OK);
+    EXPECT_NEAR(s.dT / (h.dT / p.T), 1.0, 1e-6) << distance;
+    EXPECT_NEAR(s.dn[0], 0.0, 1e-10) << distance;
+  }
+}
+
 Phase flagged(Phase p) {
   p.m->record.flags = 0x81;
   p.m->record.solubility_a = 11.2;  // 5.4e-5 at 300 K
