@@ -2,8 +2,7 @@
 // closed form.
 //
 // [Rid82] C. J. F. Ridders, Advances in Engineering Software 4 (1982) 75-76: central differences with falling
-// steps,
-//         extrapolated, and ended when the error begins to grow.
+//         steps, extrapolated, and ended when the error begins to grow.
 
 #include <algorithm>
 #include <cfloat>
