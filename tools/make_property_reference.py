@@ -287,6 +287,7 @@ def wet_states():
         (["water"], [1.0], False, [(500, 10, 1), (320, 5, 2)]),
         (solution, [0.7, 0.3], False, [(300, 5, 2), (360, 40, 2)]),
         (solution, [0.2, 0.8], False, [(300, 50, 2), (450, 5, 1)]),
+        *((solution, x, False, [(300, 50, 2)]) for x in ([1.0, 0.0], [0.0, 1.0])),
         (["methane", "ammonia", "water"], [0.2, 0.3, 0.5], False, [(320, 100, 2)]),
     ]  # fmt: skip
 

@@ -15,6 +15,7 @@ namespace kestrune::eos {
 namespace {
 
 constexpr double kNormalTemperature = 273.15;
+constexpr double kNoStep = 1e-9;  // cal/mol, of the enthalpy of mixing of water and ammonia
 
 bool finite(double value) {
   return std::fabs(value) <= DBL_MAX;
@@ -42,13 +43,15 @@ struct WaterAmmonia {
   int water, ammonia;  // indices, -1: not both present
   double Mw, Ma;
 };
-WaterAmmonia find_water_ammonia(const MixtureRecord& m, const double* x) {
+// absent: also where one or both are absent.
+WaterAmmonia find_water_ammonia(const MixtureRecord& m, const double* x, bool absent = false) {
+  const double below = absent ? -DBL_MAX : 0.0;
   WaterAmmonia pair{-1, -1, 0.0, 0.0};
   if ((m.flags & FreeWaterFlag) != 0) return pair;
   const int w = frame::find_cas(m.count, m.table, frame::WaterCas) - 1;
-  if (w < 0 || !(x[w] > 0.0)) return pair;
+  if (w < 0 || !(x[w] > below)) return pair;
   const int a = frame::find_cas(m.count, m.table, frame::kAmmoniaCas) - 1;
-  if (a < 0 || !(x[a] > 0.0)) return pair;
+  if (a < 0 || !(x[a] > below)) return pair;
   const double* M = m.table + static_cast<std::size_t>(KV_COL_MOLAR_MASS - 1) * m.count;
   return {w, a, M[w], M[a]};
 }
@@ -220,11 +223,13 @@ namespace {
 void add_ideal_dn(const Phase& p, const IdealGas& ideal, double H_ideal, double* dn) {
   const int n = p.mixture->count;
   for (int i = 0; i < n; ++i) dn[i] += ideal.h[i] - H_ideal;
-  const WaterAmmonia pair = find_water_ammonia(*p.mixture, p.x);
+  const WaterAmmonia pair = find_water_ammonia(*p.mixture, p.x, true);
   if (pair.water < 0) return;
   const double xw = p.x[pair.water], xa = p.x[pair.ammonia];
   const WithSlope poly = mixing_polynomial(1.0 - 2.0 * xa);
   const double mass = xw * pair.Mw + xa * pair.Ma;
+  // Of one that is absent the limit of a trace, where the term begins without a step.
+  if (!(xw > 0.0 && xa > 0.0) && !(std::fabs(mass * poly.value) < kNoStep)) return;
   const double with_w = pair.Mw * poly.value;
   const double with_a = pair.Ma * poly.value - 2.0 * mass * poly.d_dT;  // slope: d/dy
   for (int i = 0; i < n; ++i) dn[i] -= with_w * ((i == pair.water) - xw) + with_a * ((i == pair.ammonia) - xa);
