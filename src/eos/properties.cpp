@@ -121,11 +121,15 @@ bool water_ammonia_pair(const MixtureRecord& mixture, const double* x) noexcept 
   return find_water_ammonia(mixture, x).water >= 0;
 }
 
-double water_ammonia_enthalpy(const Phase& p) noexcept {
+StatusCode water_ammonia_enthalpy(const Phase& p, double& H) noexcept {
   const WaterAmmonia pair = find_water_ammonia(*p.mixture, p.x);
-  if (pair.water < 0) return 0.0;
+  H = 0.0;
+  if (pair.water < 0) return KV_OK;
+  for (const double M : {pair.Mw, pair.Ma})
+    if (!(M > 0.0 && M <= DBL_MAX)) return KV_COMPONENT_DATA;
   const double xw = p.x[pair.water], xa = p.x[pair.ammonia];
-  return (xw * pair.Mw + xa * pair.Ma) * mixing_polynomial(1.0 - 2.0 * xa).value;
+  H = (xw * pair.Mw + xa * pair.Ma) * mixing_polynomial(1.0 - 2.0 * xa).value;
+  return KV_OK;
 }
 
 StatusCode molar_mass(const Phase& p, double& M) noexcept {
@@ -204,7 +208,10 @@ StatusCode enthalpy_and_entropy(const Phase& p, bool want_H, bool want_S, Calori
     }
     Caloric c;
     if (want_H) {
-      c.H = ideal_enthalpy(n, p.x, ideal) + seen.share * v.H_res - water_ammonia_enthalpy(p);
+      double mixing = 0.0;
+      const StatusCode known = water_ammonia_enthalpy(p, mixing);
+      if (known != KV_OK) return known;
+      c.H = ideal_enthalpy(n, p.x, ideal) + seen.share * v.H_res - mixing;
       if (seen.water >= 0) c.H += seen.x_water * water_enthalpy(p.T).value;
     }
     if (want_S) {
@@ -264,7 +271,10 @@ StatusCode enthalpy_derivatives(const Phase& p, int mask, WithDerivatives& out) 
     WithDerivatives d;
     const double H_ideal = ideal_enthalpy(n, p.x, ideal);
     const double excess = seen.share * v.H_res + seen.x_water * water.value;
-    d.value = H_ideal + seen.share * v.H_res - water_ammonia_enthalpy(p) + seen.x_water * water.value;
+    double mixing = 0.0;
+    const StatusCode known = water_ammonia_enthalpy(p, mixing);
+    if (known != KV_OK) return known;
+    d.value = H_ideal + seen.share * v.H_res - mixing + seen.x_water * water.value;
     if (with_T) d.dT = ideal_heat_capacity(n, p.x, ideal) + seen.share * v.Cp_res + seen.x_water * water.d_dT;
     if ((mask & KV_DERIV_P) != 0) d.dP = seen.share * shift * kCalPerCm3Atm;
     if (!finite(d.value) || !finite(d.dT) || !finite(d.dP)) return KV_NOT_FINITE;

@@ -68,8 +68,11 @@ StatusCode pure_residuals(const Phase& p, int water, support::Arena& arena, doub
 
 /* Whether x[count] holds both water and ammonia, and the option of free water does not keep them apart. */
 bool water_ammonia_pair(const MixtureRecord& mixture, const double* x) noexcept;
-/* Enthalpy of mixing of water and ammonia, cal/mol: what the enthalpy is decreased by. 0 without both. */
-double water_ammonia_enthalpy(const Phase& p) noexcept;
+/*
+ * Enthalpy of mixing of water and ammonia, cal/mol: what the enthalpy is decreased by. 0 without both. Its
+ * weights are the molar masses: KV_COMPONENT_DATA where one of the two is unusable.
+ */
+StatusCode water_ammonia_enthalpy(const Phase& p, double& H) noexcept;
 
 /* Molar mass, g/mol. KV_COMPONENT_DATA when that of a component that is present is unusable. */
 StatusCode molar_mass(const Phase& p, double& M) noexcept;

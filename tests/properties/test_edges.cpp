@@ -259,6 +259,12 @@ TEST(PropertyEdges, WaterWithAmmonia) {
   option.m->record.flags = FreeWaterFlag;
   const auto gas = [](const Phase& p) { return p.at(300, 1, KV_PHASE_GAS).H(); };
   EXPECT_NEAR(gas(option) - gas(half), 47.3943643 * half.molar_mass(), 1e-6);
+  for (const double M : {0.0, -18.0, static_cast<double>(NAN)}) {  // its weights are the molar masses
+    half.m->at(0, KV_COL_MOLAR_MASS) = M;
+    StatusCode status[2];
+    EXPECT_EQ(half.H(&status[0]) + half.G(&status[1]) + half.derivatives('H').dn[1], 0.0);
+    EXPECT_EQ(status[0] + status[1], 2 * KV_COMPONENT_DATA);
+  }
 }
 
 }  // namespace
