@@ -47,9 +47,9 @@ struct WaterAmmonia {
 WaterAmmonia find_water_ammonia(const MixtureRecord& m, const double* x, bool absent = false) {
   const double below = absent ? -DBL_MAX : 0.0;
   WaterAmmonia pair{-1, -1, 0.0, 0.0};
-  if ((m.flags & FreeWaterFlag) != 0) return pair;
   const int w = frame::find_cas(m.count, m.table, frame::WaterCas) - 1;
   if (w < 0 || !(x[w] > below)) return pair;
+  if ((m.flags & FreeWaterFlag) != 0 && x[w] >= kSmallestFraction) return pair;
   const int a = frame::find_cas(m.count, m.table, frame::kAmmoniaCas) - 1;
   if (a < 0 || !(x[a] > below)) return pair;
   const double* M = m.table + static_cast<std::size_t>(KV_COL_MOLAR_MASS - 1) * m.count;

@@ -165,8 +165,14 @@ TEST(PropertyEdges, AnyWaterInALiquidIsLiquidWater) {
     EXPECT_NEAR(p.S(), S, 1e-13 * std::fabs(S));
     EXPECT_NEAR(p.G(), H - T * S, 1e-13 * (std::fabs(H) + T * std::fabs(S)));
   }
-  for (const double w : {0.0, 5e-324, 1e-300, 9.9e-16})
+  const std::vector<std::string> ids{"methane", "ammonia", "water"};
+  const Phase brine(ids, {}), option = flagged(Phase(ids, {}));
+  for (const double w : {0.0, 5e-324, 1e-300, 9.9e-16}) {
+    wet.m->use();
     EXPECT_EQ(caloric(of(wet, w), KV_OK), caloric(of(plain, w), KV_OK)) << w;
+    brine.m->use();
+    EXPECT_EQ(caloric(of(option, w), KV_OK), caloric(of(brine, w), KV_OK)) << w;
+  }
 }
 
 // Traces beside water are the same phase as without it: their partial values are those of the dry liquid but
