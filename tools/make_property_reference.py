@@ -7,10 +7,14 @@ capacities, speed of sound and Joule-Thomson coefficient. Equation of state, mix
 of make_eos_reference.py; the ideal gas is the closed integral of the published equation in data/pure, used
 within its range only.
 
+With free water ("free_water" is 1) any water in a liquid is liquid water beside the others, from a fraction of
+1e-15 upwards.
+
 Every derivative is a central difference of the high-precision function. Columns that end in _size are the sum
 of the absolute parts that a value is the sum of: rounding in double precision is relative to them. Derivatives
-with mole numbers are those of the molar value for one mole in total, a function of normalised mole numbers; "nan"
-stands where the entropy has none. The output is the same on every run. Needs python3 and mpmath.
+with mole numbers are those of the molar value for one mole in total, a function of normalised mole numbers; for a
+component of less than 1e-15 they are the limit of a trace, for the entropy with ln x at 1e-15. The output is the same
+on every run. Needs python3 and mpmath.
 """
 
 import sys
@@ -24,6 +28,8 @@ from make_eos_reference import OUTER_STEP, R, ROOT, STEP, TO_CAL, Mixture, numbe
 R_IDEAL = mpf(1.9872)  # cal/(mol K), of the terms of the ideal gas
 T_ZERO = mpf(298.15)
 J_PER_KMOL = mpf(4184)  # per cal/mol
+TRACE = 1e-15  # mole fraction below which a component counts as absent
+LIMIT = mpf(10) ** -40  # mole fraction that stands for the limit of a trace
 
 HEAT_CAPACITY = {row["cas"]: row for row in eos.read_csv("pure/ideal_gas_heat_capacity.csv")}
 
@@ -104,22 +110,17 @@ def log_vapour_pressure(t):
 
 
 class State:
-    def __init__(self, mix, t, p, x, phase, water=None):
-        self.mix, self.t, self.p, self.phase, self.water = mix, mpf(t), mpf(p), phase, water
+    def __init__(self, mix, t, p, x, phase, flag=False):
+        self.mix, self.t, self.p, self.phase, self.flag = mix, mpf(t), mpf(p), phase, flag
         self.x = [mpf(v) for v in x]
-
-    def free_water(self, t, x):
-        """Index of the water that is a liquid of its own, or None."""
-        if self.water is None or self.phase != 2 or "water" not in self.mix.ids:
-            return None
-        index = self.mix.ids.index("water")
-        limit = min(mpf(1), mp.exp(mpf(self.water[0]) - mpf(self.water[1]) / t))
-        return index if x[index] >= limit else None
+        self.water = None  # index of the water that is a liquid of its own
+        if flag and phase == 2 and "water" in mix.ids and x[mix.ids.index("water")] >= TRACE:
+            self.water = mix.ids.index("water")
 
     def mixing_enthalpy(self, x):
         """Enthalpy that water and ammonia lose when they mix, in either phase, cal/mol."""
         ids = self.mix.ids
-        if self.water is not None or "ammonia" not in ids or "water" not in ids:
+        if self.flag or "ammonia" not in ids or "water" not in ids:
             return mpf(0)
         a, w = ids.index("ammonia"), ids.index("water")
         y = 1 - 2 * x[a]
@@ -130,14 +131,15 @@ class State:
     def parts(self, t, p, x):
         """Terms of the molar enthalpy and of the molar entropy."""
         h, s = ideal_parts(self.mix, t, p, x)
-        water = self.free_water(t, x)
+        water = self.water
         if water is None:
             residual = eos.residuals(self.mix, t, p, x, self.phase)
             return h + [residual[0], -self.mixing_enthalpy(x)], s + [residual[1]]
         xw, heat = x[water], vaporisation(t)
-        rest = 1 - xw
+        others = [mpf(0) if i == water else v for i, v in enumerate(x)]
+        rest = mp.fsum(others)  # 1 - x_w where the sum of x is 1; traces beside water need its digits
         if rest > 0:
-            others = [mpf(0) if i == water else v / rest for i, v in enumerate(x)]
+            others = [v / rest for v in others]
             residual = eos.residuals(self.mix, t, p, others, self.phase)
             h, s = h + [rest * residual[0]], s + [rest * residual[1]]
         saturation = log_vapour_pressure(t) - mp.log(p)
@@ -193,15 +195,16 @@ def caloric_columns(q):
     by_p = pair(q.caloric(t, p * (1 + d), x), q.caloric(t, p * (1 - d), x), 2 * d * p)
     by_n = []
     for j in range(len(x)):
-        # Of an absent component one-sided, and of the enthalpy only: the entropy has no finite limit.
-        h = d * x[j] if x[j] > 0 else d * d
+        absent = x[j] < TRACE
+        middle = x[:j] + [LIMIT if absent else x[j]] + x[j + 1 :]
+        h = d * middle[j]
         sides = []
-        for sign in (1, -1 if x[j] > 0 else 0):
-            n = [v + sign * h * (i == j) for i, v in enumerate(x)]
-            total = mp.fsum(n) / mp.fsum(x)
-            sides.append(q.caloric(t, p, [v / total for v in n]))
-        slopes = pair(*sides, 2 * h if x[j] > 0 else h)
-        by_n.append(slopes if x[j] > 0 else [slopes[0], mpf("nan")])
+        for sign in (1, -1):
+            n = [v + sign * h * (i == j) for i, v in enumerate(middle)]
+            sides.append(q.caloric(t, p, [v / mp.fsum(n) for v in n]))
+        by_n.append(pair(*sides, 2 * h))
+        if absent:
+            by_n[j][1] += R_IDEAL * mp.log(LIMIT / mpf(TRACE))
     for i, name in enumerate("HS"):
         columns[name + "_dT"], columns[name + "_dP"] = by_t[i], by_p[i]
         columns[name + "_dn"] = [v[i] for v in by_n]
@@ -244,16 +247,11 @@ def row(index, q):
         columns.update(gas_columns(q, columns["H_dT"]))
     chop = lambda value: number(value if not abs(value) < 1e-30 else 0)
     text = lambda v: "" if v is None else ";".join(map(chop, v)) if isinstance(v, list) else chop(v)
-    limit = numbers(q.water) if q.water else ""
-    head = ["p%03d" % (index + 1), ";".join(q.mix.ids), limit, number(q.t), number(q.p), q.phase, numbers(q.x)]
+    head = ["p%03d" % (index + 1), ";".join(q.mix.ids), int(q.flag), number(q.t), number(q.p), q.phase, numbers(q.x)]
     return head + [text(columns.get(name)) for name in COLUMNS]
 
 
 # ---- States -------------------------------------------------------------------------------------
-
-LIMIT = (11.2, 6290.0)  # solubility limit exp(A - B/T): 5e-5 at 298 K
-WIDE_LIMIT = (9.0, 3000.0)  # 0.15 at 275 K
-
 
 def dry_states():
     """(components, x, [(T, P, phase), ...])"""
@@ -272,30 +270,35 @@ def dry_states():
 
 
 def wet_states():
-    """(components, x, limit, [(T, P, phase), ...])"""
+    """(components, x, free water, [(T, P, phase), ...])"""
     oil = ["methane", "propane", "n_hexane", "water", "n_decane"]
-    solution = ["water", "ammonia"]
+    light, solution = ["methane", "n_hexane", "water"], ["water", "ammonia"]
+    wet = [0.1, 0.1, 0.3, 0.2, 0.3]
+    traces = [[0.6, 0.4 - 1e-9, 1e-9], [0.6, 0.4, 1e-15], [0.6, 0.4, 9e-16]]  # of water
+    rich = [[0.0015, 0.0015, 0.997], [2e-9, 1e-9, 1 - 3e-9], [0.0, 1e-12, 1 - 1e-12], [0.0, 0.0, 1.0]]
     return [
-        (oil, [0.1, 0.1, 0.3, 0.2, 0.3], LIMIT, [(280, 20, 2), (350, 60, 2), (450, 120, 2), (640, 300, 2)]),
-        (oil, [0.1, 0.1, 0.3, 0.2, 0.3], WIDE_LIMIT, [(275, 20, 2), (310, 20, 2)]),  # limit below, above 0.2
-        (oil, [0.3, 0.3, 0.1, 0.2, 0.1], LIMIT, [(450, 10, 1)]),
-        (oil, [0.1, 0.1, 0.3, 0.2, 0.3], None, [(350, 60, 2)]),
-        (["propane", "water"], [0.0, 1.0], LIMIT, [(300, 1, 2), (500, 80, 2)]),
-        (["water"], [1.0], LIMIT, [(640, 300, 2), (700, 400, 2)]),
-        (["water"], [1.0], None, [(500, 10, 1), (320, 5, 2)]),
-        (solution, [0.7, 0.3], None, [(300, 5, 2), (360, 40, 2)]),
-        (solution, [0.2, 0.8], None, [(300, 50, 2), (450, 5, 1)]),
-        (["methane", "ammonia", "water"], [0.2, 0.3, 0.5], None, [(320, 100, 2)]),
+        (oil, wet, True, [(280, 20, 2), (350, 60, 2), (450, 120, 2), (640, 300, 2), (275, 20, 2), (310, 20, 2)]),
+        (oil, [0.3, 0.3, 0.1, 0.2, 0.1], True, [(450, 10, 1)]),
+        (oil, wet, False, [(350, 60, 2)]),
+        *((light, x, True, [(300, 30, 2)]) for x in traces),
+        *((light, x, True, [(280, 30, 2), (400, 90, 2)]) for x in rich),
+        (["propane", "water"], [0.0, 1.0], True, [(300, 1, 2), (500, 80, 2)]),
+        (["water"], [1.0], True, [(640, 300, 2), (700, 400, 2)]),
+        (["water"], [1.0], False, [(500, 10, 1), (320, 5, 2)]),
+        (solution, [0.7, 0.3], False, [(300, 5, 2), (360, 40, 2)]),
+        (solution, [0.2, 0.8], False, [(300, 50, 2), (450, 5, 1)]),
+        *((solution, x, False, [(300, 50, 2)]) for x in ([1.0, 0.0], [0.0, 1.0])),
+        (["methane", "ammonia", "water"], [0.2, 0.3, 0.5], False, [(320, 100, 2)]),
     ]  # fmt: skip
 
 
 def main():
     folder = Path(sys.argv[1]) if len(sys.argv) > 1 else ROOT / "tests" / "data"
     states = []
-    for ids, x, limit, points in [(i, x, None, p) for i, x, p in dry_states()] + wet_states():
+    for ids, x, flag, points in [(i, x, False, p) for i, x, p in dry_states()] + wet_states():
         mix = Mixture("", ids)
-        states += [State(mix, t, p, x, phase, limit) for t, p, phase in points]
-    header = ["state", "ids", "solubility", "T_K", "P_atm", "phase", "x"] + COLUMNS
+        states += [State(mix, t, p, x, phase, flag) for t, p, phase in points]
+    header = ["state", "ids", "free_water", "T_K", "P_atm", "phase", "x"] + COLUMNS
     eos.write(folder, "property_reference.csv", header, [row(i, q) for i, q in enumerate(states)])
 
 

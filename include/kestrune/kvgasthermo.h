@@ -324,10 +324,13 @@ KV_API StatusCode KV_CALL GasDensity_PPR78(double T, double P, const double* x, 
  * Molar enthalpy and free enthalpy (H - T S), cal/mol; molar entropy, cal/(mol K). Zero point: every component
  * as an ideal gas at 298.15 K, for the entropy at 1 atm. 28 bytes.
  *
- * With the FreeWaterFlag set, a liquid whose water (family code 20) reaches the solubility limit of the record
- * is hydrocarbons and liquid water side by side: water has its enthalpy of vaporisation and its vapour
- * pressure, the equation of state sees the others alone. Without the flag, water and ammonia in one phase have
- * an enthalpy of mixing.
+ * With the FreeWaterFlag set, any water (family code 20) in a liquid, from a mole fraction of 1e-15 upwards, is
+ * liquid water beside the others: water has its enthalpy of vaporisation and its vapour pressure, the equation of
+ * state sees the others alone, their fractions divided by their sum. The solubility limit plays no part, so that
+ * H and S are continuous where water saturates. A phase with less water is the same with and without the flag.
+ *
+ * Without the flag, water and ammonia in one phase have an enthalpy of mixing, for which their molar masses are
+ * needed (KV_COMPONENT_DATA).
  */
 KV_API StatusCode KV_CALL LiquidMolarEnthalpy_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
                                                     double* value);
@@ -346,9 +349,11 @@ KV_API StatusCode KV_CALL GasMolarFreeEnthalpy_PPR78(double T, double P, const d
  * The same with derivatives as the mask asks (KvDerivative). d_dn[count] may be null without its bit: entry j
  * is the derivative of the molar value with n_j at constant T, P and other mole numbers for one mole in total,
  * so that value + d_dn[j] is the partial molar quantity and the sum of x[j] d_dn[j] is 0. For a component that
- * is absent it is the limit of a trace (for the entropy, whose limit is infinite, of a fraction of 1e-15); its
- * heat capacity is asked for only here, and counts as 0 when it is not known. Enthalpy: analytic. Entropy:
- * differences of the entropy, good to about 1e-9 relative. 44 bytes.
+ * is absent it is the limit of a trace (for the entropy, whose limit is infinite, with ln x at 1e-15); its heat
+ * capacity is asked for only here, and counts as 0 when it is not known. Beside liquid water (see above) with
+ * nothing else every trace is alone; water that is absent is a component like any other. The enthalpy and d_dn of
+ * the entropy are analytic; d_dT and d_dP of the entropy are differences of it, good to about 1e-9 relative, less
+ * within 1e-5 of T of the end of a root, and KV_NOT_FINITE where no step is small enough. 44 bytes.
  */
 KV_API StatusCode KV_CALL LiquidMolarEnthalpy_Derivatives_PPR78(double T, double P, const double* x,
                                                                 MixtureRecord* mixture, int32_t mask,

@@ -14,26 +14,23 @@
 namespace kestrune::eos {
 namespace {
 
-// Relative distance below the solubility limit at which water still counts as liquid water: a flash that ends
-// on the limit leaves rounding errors.
-constexpr double kLimitTolerance = 1e-9;
 constexpr double kNormalTemperature = 273.15;
+constexpr double kNoStep = 1e-9;  // cal/mol, of the enthalpy of mixing of water and ammonia
 
 bool finite(double value) {
   return std::fabs(value) <= DBL_MAX;
+}
+
+bool all_finite(int n, const double* values) {
+  bool good = true;
+  for (int i = 0; i < n; ++i) good &= finite(values[i]);
+  return good;
 }
 
 double* padded_copy(const Phase& p, support::Arena& arena) {
   double* x = arena.zeros(support::padded(p.mixture->count));
   std::copy_n(p.x, p.mixture->count, x);
   return x;
-}
-
-// Evaluates what the equation of state sees of the phase. Returns the status of the root, or why there is none.
-StatusCode residual(const Phase& p, const Temperature& t, const double* y, int level, double* work,
-                    PhaseValues& out) {
-  if (evaluate(t, frame::tools::bracub(), p.P, y, p.kind, level, nullptr, work, out)) return out.status;
-  return out.status == KV_NO_ROOT ? KV_NO_ROOT : KV_NOT_FINITE;
 }
 
 // Enthalpy of liquid water over the ideal gas.
@@ -46,15 +43,27 @@ struct WaterAmmonia {
   int water, ammonia;  // indices, -1: not both present
   double Mw, Ma;
 };
-WaterAmmonia find_water_ammonia(const MixtureRecord& m, const double* x) {
+// absent: also where one or both are absent.
+WaterAmmonia find_water_ammonia(const MixtureRecord& m, const double* x, bool absent = false) {
+  const double below = absent ? -DBL_MAX : 0.0;
   WaterAmmonia pair{-1, -1, 0.0, 0.0};
-  if ((m.flags & FreeWaterFlag) != 0) return pair;
   const int w = frame::find_cas(m.count, m.table, frame::WaterCas) - 1;
-  if (w < 0 || !(x[w] > 0.0)) return pair;
+  if (w < 0 || !(x[w] > below)) return pair;
+  if ((m.flags & FreeWaterFlag) != 0 && x[w] >= kSmallestFraction) return pair;
   const int a = frame::find_cas(m.count, m.table, frame::kAmmoniaCas) - 1;
-  if (a < 0 || !(x[a] > 0.0)) return pair;
+  if (a < 0 || !(x[a] > below)) return pair;
   const double* M = m.table + static_cast<std::size_t>(KV_COL_MOLAR_MASS - 1) * m.count;
   return {w, a, M[w], M[a]};
+}
+
+// Index of the water that is liquid water in the phase, -1: none.
+int liquid_water(const Phase& p) noexcept {
+  const MixtureRecord& m = *p.mixture;
+  if (p.kind != KV_PHASE_LIQUID || (m.flags & FreeWaterFlag) == 0) return -1;
+  const double* family = m.table + static_cast<std::size_t>(KV_COL_FAMILY - 1) * m.count;
+  for (int i = 0; i < m.count; ++i)
+    if (family[i] == KV_FAMILY_WATER && p.x[i] >= kSmallestFraction) return i;
+  return -1;
 }
 
 // Polynomial of the mixing enthalpy in y = 1 - 2 x_a, and its slope.
@@ -65,21 +74,22 @@ WithSlope mixing_polynomial(double y) {
 
 }  // namespace
 
-int liquid_water(const Phase& p) noexcept {
-  const MixtureRecord& m = *p.mixture;
-  if (p.kind != KV_PHASE_LIQUID || (m.flags & FreeWaterFlag) == 0) return -1;
-  const int w = find_water_family(m);
-  if (w < 0) return -1;
-  const double limit = water_solubility(p.T, m.solubility_a, m.solubility_b).value;
-  return p.x[w] > 0.0 && p.x[w] >= limit * (1.0 - kLimitTolerance) ? w : -1;
+Seen as_seen(const Phase& p, double* y) noexcept {
+  const int n = p.mixture->count, water = liquid_water(p);
+  if (water < 0) {
+    std::copy_n(p.x, n, y);
+    return {y, 1.0, -1, 0.0};
+  }
+  double share = 0.0;
+  for (int i = 0; i < n; ++i) share += i == water ? 0.0 : p.x[i];
+  for (int i = 0; i < n; ++i) y[i] = i == water || !(share > 0.0) ? 0.0 : p.x[i] / share;
+  return {y, std::max(share, 0.0), water, p.x[water]};
 }
 
-Seen as_seen(const Phase& p, int water, double* y) noexcept {
-  const int n = p.mixture->count;
-  const double rest = water < 0 ? 1.0 : 1.0 - p.x[water];
-  const double scale = water < 0 ? 1.0 : rest > 0.0 ? 1.0 / rest : 0.0;
-  for (int i = 0; i < n; ++i) y[i] = i == water ? 0.0 : p.x[i] * scale;
-  return {y, rest > 0.0 ? rest : 0.0, water};
+StatusCode residual(const Phase& p, const Temperature& t, const double* y, int level, double* work,
+                    PhaseValues& out) {
+  if (evaluate(t, frame::tools::bracub(), p.P, y, p.kind, level, nullptr, work, out)) return out.status;
+  return out.status == KV_NO_ROOT ? KV_NO_ROOT : KV_NOT_FINITE;
 }
 
 WithSlope liquid_water_entropy(double T, double P) noexcept {
@@ -88,14 +98,14 @@ WithSlope liquid_water_entropy(double T, double P) noexcept {
           (h.value / T - h.d_dT) / T - kCalR * psat.d_dT / psat.value};
 }
 
-StatusCode pure_residuals(const Phase& p, support::Arena& arena, double* H, double* S) {
-  const int n = p.mixture->count;
+StatusCode pure_residuals(const Phase& p, int water, support::Arena& arena, double* H, double* S) {
   Temperature t;
   const StatusCode prepared = prepare(p.T, *p.mixture, frame::state().group_data, 1, arena, t);
   if (prepared != KV_OK) return prepared;
   double* y = arena.zeros(t.ld);
   double* work = arena.take(3 * t.ld);
-  for (int j = 0; j < n; ++j) {
+  for (int j = 0; j < t.n; ++j) {
+    if (j == water) continue;
     y[j] = 1.0;
     PhaseValues v;
     const StatusCode root = residual(p, t, y, 7, work, v);
@@ -111,11 +121,15 @@ bool water_ammonia_pair(const MixtureRecord& mixture, const double* x) noexcept 
   return find_water_ammonia(mixture, x).water >= 0;
 }
 
-double water_ammonia_enthalpy(const Phase& p) noexcept {
+StatusCode water_ammonia_enthalpy(const Phase& p, double& H) noexcept {
   const WaterAmmonia pair = find_water_ammonia(*p.mixture, p.x);
-  if (pair.water < 0) return 0.0;
+  H = 0.0;
+  if (pair.water < 0) return KV_OK;
+  for (const double M : {pair.Mw, pair.Ma})
+    if (!(M > 0.0 && M <= DBL_MAX)) return KV_COMPONENT_DATA;
   const double xw = p.x[pair.water], xa = p.x[pair.ammonia];
-  return (xw * pair.Mw + xa * pair.Ma) * mixing_polynomial(1.0 - 2.0 * xa).value;
+  H = (xw * pair.Mw + xa * pair.Ma) * mixing_polynomial(1.0 - 2.0 * xa).value;
+  return KV_OK;
 }
 
 StatusCode molar_mass(const Phase& p, double& M) noexcept {
@@ -182,7 +196,7 @@ StatusCode enthalpy_and_entropy(const Phase& p, bool want_H, bool want_S, Calori
     const unsigned parts = (want_H ? kIdealH : 0u) | (want_S ? kIdealS : 0u);
     StatusCode status = ideal_gas(p.T, *p.mixture, p.x, parts, arena, ideal);
     if (!has_values(status)) return status;
-    const Seen seen = as_seen(p, liquid_water(p), arena.zeros(support::padded(n)));
+    const Seen seen = as_seen(p, arena.zeros(support::padded(n)));
     PhaseValues v;
     if (seen.share > 0.0) {
       Temperature t;
@@ -193,14 +207,16 @@ StatusCode enthalpy_and_entropy(const Phase& p, bool want_H, bool want_S, Calori
       status = graver(status, root);
     }
     Caloric c;
-    const double xw = seen.water < 0 ? 0.0 : p.x[seen.water];
     if (want_H) {
-      c.H = ideal_enthalpy(n, p.x, ideal) + seen.share * v.H_res - water_ammonia_enthalpy(p);
-      if (seen.water >= 0) c.H += xw * water_enthalpy(p.T).value;
+      double mixing = 0.0;
+      const StatusCode known = water_ammonia_enthalpy(p, mixing);
+      if (known != KV_OK) return known;
+      c.H = ideal_enthalpy(n, p.x, ideal) + seen.share * v.H_res - mixing;
+      if (seen.water >= 0) c.H += seen.x_water * water_enthalpy(p.T).value;
     }
     if (want_S) {
       c.S = ideal_entropy(n, p.x, p.P, ideal) + seen.share * v.S_res;
-      if (seen.water >= 0) c.S += xw * liquid_water_entropy(p.T, p.P).value;
+      if (seen.water >= 0) c.S += seen.x_water * liquid_water_entropy(p.T, p.P).value;
     }
     if (!finite(c.H) || !finite(c.S)) return KV_NOT_FINITE;
     out = c;
@@ -214,11 +230,13 @@ namespace {
 void add_ideal_dn(const Phase& p, const IdealGas& ideal, double H_ideal, double* dn) {
   const int n = p.mixture->count;
   for (int i = 0; i < n; ++i) dn[i] += ideal.h[i] - H_ideal;
-  const WaterAmmonia pair = find_water_ammonia(*p.mixture, p.x);
+  const WaterAmmonia pair = find_water_ammonia(*p.mixture, p.x, true);
   if (pair.water < 0) return;
   const double xw = p.x[pair.water], xa = p.x[pair.ammonia];
   const WithSlope poly = mixing_polynomial(1.0 - 2.0 * xa);
   const double mass = xw * pair.Mw + xa * pair.Ma;
+  // Of one that is absent the limit of a trace, where the term begins without a step.
+  if (!(xw > 0.0 && xa > 0.0) && !(std::fabs(mass * poly.value) < kNoStep)) return;
   const double with_w = pair.Mw * poly.value;
   const double with_a = pair.Ma * poly.value - 2.0 * mass * poly.d_dT;  // slope: d/dy
   for (int i = 0; i < n; ++i) dn[i] -= with_w * ((i == pair.water) - xw) + with_a * ((i == pair.ammonia) - xa);
@@ -233,7 +251,7 @@ StatusCode enthalpy_derivatives(const Phase& p, int mask, WithDerivatives& out) 
     IdealGas ideal;
     StatusCode status = ideal_gas(p.T, *p.mixture, p.x, kIdealH | (with_T ? kIdealCp : 0u), arena, ideal);
     if (!has_values(status)) return status;
-    const Seen seen = as_seen(p, liquid_water(p), arena.zeros(support::padded(n)));
+    const Seen seen = as_seen(p, arena.zeros(support::padded(n)));
     PhaseValues v;
     v.h_partial = arena.zeros(support::padded(n));
     double shift = 0.0;
@@ -246,16 +264,18 @@ StatusCode enthalpy_derivatives(const Phase& p, int mask, WithDerivatives& out) 
       status = graver(status, root);
       shift = slopes(v.a / v.b, v.da_dT / v.b, v.b, p.T, v.B / v.Z).shift;
     } else if (with_n) {
-      status = graver(status, pure_residuals(p, arena, v.h_partial, nullptr));
+      status = graver(status, pure_residuals(p, seen.water, arena, v.h_partial, nullptr));
       if (!has_values(status)) return status;
     }
     const WithSlope water = seen.water < 0 ? WithSlope{0.0, 0.0} : water_enthalpy(p.T);
-    const double xw = seen.water < 0 ? 0.0 : p.x[seen.water];
     WithDerivatives d;
     const double H_ideal = ideal_enthalpy(n, p.x, ideal);
-    const double excess = seen.share * v.H_res + xw * water.value;
-    d.value = H_ideal + excess - water_ammonia_enthalpy(p);
-    if (with_T) d.dT = ideal_heat_capacity(n, p.x, ideal) + seen.share * v.Cp_res + xw * water.d_dT;
+    const double excess = seen.share * v.H_res + seen.x_water * water.value;
+    double mixing = 0.0;
+    const StatusCode known = water_ammonia_enthalpy(p, mixing);
+    if (known != KV_OK) return known;
+    d.value = H_ideal + seen.share * v.H_res - mixing + seen.x_water * water.value;
+    if (with_T) d.dT = ideal_heat_capacity(n, p.x, ideal) + seen.share * v.Cp_res + seen.x_water * water.d_dT;
     if ((mask & KV_DERIV_P) != 0) d.dP = seen.share * shift * kCalPerCm3Atm;
     if (!finite(d.value) || !finite(d.dT) || !finite(d.dP)) return KV_NOT_FINITE;
     if (with_n) {
@@ -267,6 +287,7 @@ StatusCode enthalpy_derivatives(const Phase& p, int mask, WithDerivatives& out) 
       }
       for (int i = 0; i < n; ++i) out.dn[i] = (i == seen.water ? water.value : v.h_partial[i]) - excess;
       add_ideal_dn(p, ideal, H_ideal, out.dn);
+      if (!all_finite(n, out.dn)) return KV_NOT_FINITE;
     }
     d.dn = out.dn;
     out = d;

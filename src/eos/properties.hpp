@@ -33,34 +33,46 @@ inline StatusCode graver(StatusCode one, StatusCode other) {
 }
 
 /*
- * A liquid as the free-water option sees it: hydrocarbons, of composition y[ld], beside liquid water. Without
- * the option, in a gas, and below the solubility limit the equation of state sees all of it.
+ * A liquid as the free-water option sees it: any water in it, from kSmallestFraction upwards, is liquid water
+ * beside the others, of composition y. Without the option, without water and in a gas the equation of state
+ * sees all of it.
  */
 struct Seen {
   const double* y = nullptr;  // [ld] padded: what the equation of state sees
   double share = 1.0;         // of it in the phase
   int water = -1;             // index of the liquid water, -1: none
+  double x_water = 0.0;       // its fraction
 };
 
-/* Water counts as liquid water from the solubility limit of the record upwards (a relative 1e-9 below it
- * counts). */
-int liquid_water(const Phase& p) noexcept;
-/* Fills y[ld] for a liquid whose water (index, -1 none) was found by liquid_water. */
-Seen as_seen(const Phase& p, int water, double* y) noexcept;
+/*
+ * Fills y[ld], whose padding is zero. share is the sum of the others: that is 1 - x_w, with the digits of
+ * traces beside water, whose y still sums to one.
+ */
+Seen as_seen(const Phase& p, double* y) noexcept;
+
+/*
+ * Evaluates the composition y[ld] at the state of the phase. Returns the status of the root, or why there is
+ * none. work: as of evaluate.
+ */
+StatusCode residual(const Phase& p, const Temperature& t, const double* y, int level, double* work,
+                    PhaseValues& out);
 
 /* Entropy of liquid water over the ideal gas at P, cal/(mol K), and its slope in T. */
 WithSlope liquid_water_entropy(double T, double P) noexcept;
 
 /*
- * Residual enthalpies (cal/mol) and entropies (cal/(mol K)) of every component alone, [count], either may be
- * null: what a trace has that lies beside liquid water with nothing else. Statuses as above.
+ * Residual enthalpies (cal/mol) and entropies (cal/(mol K)) of every component alone but the water, [count],
+ * either may be null: what a trace has that lies beside liquid water with nothing else. Statuses as above.
  */
-StatusCode pure_residuals(const Phase& p, support::Arena& arena, double* H, double* S);
+StatusCode pure_residuals(const Phase& p, int water, support::Arena& arena, double* H, double* S);
 
 /* Whether x[count] holds both water and ammonia, and the option of free water does not keep them apart. */
 bool water_ammonia_pair(const MixtureRecord& mixture, const double* x) noexcept;
-/* Enthalpy of mixing of water and ammonia, cal/mol: what the enthalpy is decreased by. 0 without both. */
-double water_ammonia_enthalpy(const Phase& p) noexcept;
+/*
+ * Enthalpy of mixing of water and ammonia, cal/mol: what the enthalpy is decreased by. 0 without both. Its
+ * weights are the molar masses: KV_COMPONENT_DATA where one of the two is unusable.
+ */
+StatusCode water_ammonia_enthalpy(const Phase& p, double& H) noexcept;
 
 /* Molar mass, g/mol. KV_COMPONENT_DATA when that of a component that is present is unusable. */
 StatusCode molar_mass(const Phase& p, double& M) noexcept;
@@ -99,8 +111,9 @@ struct WithDerivatives {
 };
 StatusCode enthalpy_derivatives(const Phase& p, int mask, WithDerivatives& out);
 /*
- * The entropy by differences: temperature in relative steps of 5e-6, fourth order; pressure and mole numbers in
- * steps from 0.01 downwards, not below 1e-8, extrapolated to zero. [Rid82]
+ * The slopes in T and P by differences of the entropy: temperature in relative steps of 5e-6, fourth order;
+ * pressure in steps from 0.01 downwards, not below 1e-8, extrapolated to zero [Rid82]. Mole numbers in closed
+ * form.
  */
 StatusCode entropy_derivatives(const Phase& p, int mask, WithDerivatives& out);
 

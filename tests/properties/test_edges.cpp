@@ -1,5 +1,7 @@
 // Limits and corners of the property exports. (Refused arguments of every export:
 // tests/exports/test_refused.cpp.)
+#include <cfloat>
+
 #include "phase_calls.hpp"
 
 using namespace kestrune;
@@ -116,11 +118,100 @@ TEST(PropertyEdges, PhaseWithoutARootOfItsOwn) {
   }
 }
 
+// Beside the end of its root a liquid's heat capacity has no bound; a difference of fixed width steps over
+// that.
+TEST(PropertyEdges, SlopesBesideTheEndOfARoot) {
+  const Phase methane = Phase({"methane"}, {1.0}).at(0, 1e-5, KV_PHASE_LIQUID);
+  double liquid = 160, none = 180;
+  for (int k = 0; k < 60; ++k) {
+    const double T = 0.5 * (liquid + none);
+    (methane.at(T, methane.P, methane.kind).density().value > 0.01 ? liquid : none) = T;
+  }
+  for (const double distance : {1e-2, 1e-4, 1e-5, 1e-6, 1e-7}) {
+    const Phase p = methane.at(liquid * (1 - distance), methane.P, methane.kind);
+    const Derivatives h = p.derivatives('H'), s = p.derivatives('S');
+    EXPECT_EQ(s.status, KV_OK);
+    EXPECT_NEAR(s.dT / (h.dT / p.T), 1.0, 1e-6) << distance;
+    EXPECT_NEAR(s.dn[0], 0.0, 1e-10) << distance;
+  }
+}
+
 Phase flagged(Phase p) {
   p.m->record.flags = 0x81;
-  p.m->record.solubility_a = 11.2;
+  p.m->record.solubility_a = 11.2;  // 5.4e-5 at 300 K
   p.m->record.solubility_b = 6290;
   return p;
+}
+
+const std::vector<std::string> kWetOil{"methane", "n_hexane", "water"};
+
+// With the flag the solubility limit plays no part: whatever the fraction of water, a liquid is a sum of its
+// parts. Below 1e-15 it is no water at all.
+TEST(PropertyEdges, AnyWaterInALiquidIsLiquidWater) {
+  const double T = 300, P = 30, limit = std::exp(11.2 - 6290 / T);
+  const Phase wet = flagged(Phase(kWetOil, {})), plain(kWetOil, {});
+  const auto of = [&](const Phase& p, double w) {
+    Phase q = p.at(T, P, KV_PHASE_LIQUID);
+    q.x = {0.6 * (1 - w), 0.4 * (1 - w), w};
+    return q;
+  };
+  const Phase oil = of(plain, 0), water = of(wet, 1);
+  for (const double w : {1e-15, 1e-9, limit * (1 - 1e-6), limit * (1 + 1e-6), 0.3, 1 - 1e-9}) {
+    SCOPED_TRACE(w);
+    const Phase p = of(wet, w);
+    const double H = (1 - w) * oil.H() + w * water.H();
+    const double S = (1 - w) * (oil.S() - kCalR * std::log(1 - w)) + w * (water.S() - kCalR * std::log(w));
+    EXPECT_NEAR(p.H(), H, 1e-13 * std::fabs(H));
+    EXPECT_NEAR(p.S(), S, 1e-13 * std::fabs(S));
+    EXPECT_NEAR(p.G(), H - T * S, 1e-13 * (std::fabs(H) + T * std::fabs(S)));
+  }
+  const std::vector<std::string> ids{"methane", "ammonia", "water"};
+  const Phase brine(ids, {}), option = flagged(Phase(ids, {}));
+  for (const double w : {0.0, 5e-324, 1e-300, 9.9e-16}) {
+    wet.m->use();
+    EXPECT_EQ(caloric(of(wet, w), KV_OK), caloric(of(plain, w), KV_OK)) << w;
+    brine.m->use();
+    EXPECT_EQ(caloric(of(option, w), KV_OK), caloric(of(brine, w), KV_OK)) << w;
+  }
+}
+
+// Traces beside water are the same phase as without it: their partial values are those of the dry liquid but
+// for the mixing term. Sums that are 1 but for rounding, fractions below the threshold, and none at all.
+TEST(PropertyEdges, TracesBesideLiquidWater) {
+  const Phase wet = flagged(Phase(kWetOil, {})), plain(kWetOil, {});
+  const double just_below = 1 - DBL_EPSILON / 2, just_above = 1 + DBL_EPSILON;
+  const auto log_of = [](double fraction) { return std::log(std::max(fraction, 1e-15)); };
+  for (const std::vector<double>& x : std::vector<std::vector<double>>{{0.0015, 0.0015, 0.997},
+                                                                       {1e-9, 3e-9, 1 - 4e-9},
+                                                                       {0, 1e-12, 1 - 1e-12},
+                                                                       {2e-16, 3e-16, 1},
+                                                                       {1e-17, 1e-17, just_below},
+                                                                       {1e-300, 3e-300, 1},
+                                                                       {5e-324, 0, 1},
+                                                                       {0, 0, just_below},
+                                                                       {0, 0, just_above},
+                                                                       {0, 0, 1}})
+    for (const double T : {280.0, 400.0}) {
+      SCOPED_TRACE(testing::PrintToString(x) + " " + std::to_string(T));
+      Phase p = wet.at(T, 30, KV_PHASE_LIQUID);
+      p.x = x;
+      const Derivatives h = p.derivatives('H'), s = p.derivatives('S');
+      ASSERT_EQ(h.status + s.status, 2 * KV_OK);
+      EXPECT_EQ(h.value, p.H());
+      EXPECT_EQ(s.value, p.S());
+      const double others = x[0] + x[1];
+      for (const std::size_t j : {0u, 1u}) {
+        Phase dry = plain.at(T, 30, KV_PHASE_LIQUID);
+        dry.x = {j == 0 ? 1.0 : 0.0, j == 1 ? 1.0 : 0.0, 0};
+        if (others > 0) dry.x = {x[0] / others, x[1] / others, 0};
+        const Derivatives hd = dry.derivatives('H'), sd = dry.derivatives('S');
+        EXPECT_NEAR(h.value + h.dn[j], hd.value + hd.dn[j], 1e-9);
+        EXPECT_NEAR(s.value + s.dn[j] + kCalR * log_of(x[j]), sd.value + sd.dn[j] + kCalR * log_of(dry.x[j]),
+                    1e-11);
+      }
+      EXPECT_NEAR(x[0] * h.dn[0] + x[1] * h.dn[1] + x[2] * h.dn[2], 0.0, 1e-9);
+      EXPECT_NEAR(x[0] * s.dn[0] + x[1] * s.dn[1] + x[2] * s.dn[2], 0.0, 1e-11);
+    }
 }
 
 // Steam tables: heat of vaporisation (kJ/kg) at 25, 100, 200 and 300 C.
@@ -149,8 +240,7 @@ TEST(PropertyEdges, LiquidWaterAboveItsCriticalPoint) {
 }
 
 TEST(PropertyEdges, FreeWaterFlagStaysAndActsOnLiquidsOnly) {
-  const std::vector<std::string> ids{"methane", "n_hexane", "water"};
-  const Phase wet = flagged(Phase(ids, {0.5, 0.2, 0.3})), plain(ids, {0.5, 0.2, 0.3});
+  const Phase wet = flagged(Phase(kWetOil, {0.5, 0.2, 0.3})), plain(kWetOil, {0.5, 0.2, 0.3});
   for (const int kind : {KV_PHASE_GAS, KV_PHASE_LIQUID}) {
     const Phase p = wet.at(400, 40, kind), q = plain.at(400, 40, kind);
     EXPECT_EQ(p.H() == q.H(), kind == KV_PHASE_GAS);
@@ -162,12 +252,6 @@ TEST(PropertyEdges, FreeWaterFlagStaysAndActsOnLiquidsOnly) {
     for (const char property : {'H', 'S'}) EXPECT_EQ(p.derivatives(property).status, KV_OK);
     EXPECT_EQ(p.m->record.flags, 0x81);
   }
-  // A sum of the parts: the enthalpy of the hydrocarbons and that of the water.
-  const Phase oil = Phase({"methane", "n_hexane"}, {5.0 / 7, 2.0 / 7}).at(400, 40, KV_PHASE_LIQUID);
-  const double of_oil = oil.H();
-  const double of_water = flagged(Phase({"water"}, {1.0})).at(400, 40, KV_PHASE_LIQUID).H();
-  wet.m->use();
-  EXPECT_NEAR(wet.at(400, 40, KV_PHASE_LIQUID).H(), 0.7 * of_oil + 0.3 * of_water, 1e-8);
 }
 
 TEST(PropertyEdges, WaterWithAmmonia) {
@@ -179,8 +263,14 @@ TEST(PropertyEdges, WaterWithAmmonia) {
   // with the flag no mixing enthalpy: without it the phase is 47.4 cal/g poorer at equal fractions
   Phase half(ids, {0.5, 0.5}), option(ids, {0.5, 0.5});
   option.m->record.flags = FreeWaterFlag;
-  option.m->record.solubility_a = 10;  // a limit of 1: no free water
-  EXPECT_NEAR(H(option) - H(half), 47.3943643 * half.molar_mass(), 1e-6);
+  const auto gas = [](const Phase& p) { return p.at(300, 1, KV_PHASE_GAS).H(); };
+  EXPECT_NEAR(gas(option) - gas(half), 47.3943643 * half.molar_mass(), 1e-6);
+  for (const double M : {0.0, -18.0, static_cast<double>(NAN)}) {  // its weights are the molar masses
+    half.m->at(0, KV_COL_MOLAR_MASS) = M;
+    StatusCode status[2];
+    EXPECT_EQ(half.H(&status[0]) + half.G(&status[1]) + half.derivatives('H').dn[1], 0.0);
+    EXPECT_EQ(status[0] + status[1], 2 * KV_COMPONENT_DATA);
+  }
 }
 
 }  // namespace
