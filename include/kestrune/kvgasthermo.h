@@ -326,7 +326,7 @@ KV_API StatusCode KV_CALL GasDensity_PPR78(double T, double P, const double* x, 
  *
  * With the FreeWaterFlag set, any water (family code 20) in a liquid, from a mole fraction of 1e-15 upwards, is
  * liquid water beside the others: water has its enthalpy of vaporisation and its vapour pressure, the equation of
- * state sees the others alone, their fractions divided by their sum. The solubility limit plays no part, so that
+ * state sees the others alone, their fractions divided by 1 - x_w. The solubility limit plays no part, so that
  * H and S are continuous where water saturates. A phase with less water is the same with and without the flag.
  *
  * Without the flag, water and ammonia in one phase have an enthalpy of mixing, for which their molar masses are

@@ -80,8 +80,12 @@ Seen as_seen(const Phase& p, double* y) noexcept {
     std::copy_n(p.x, n, y);
     return {y, 1.0, -1, 0.0};
   }
+  // 1 - x_w; of a composition that sums to one by the sum of the others, which has the digits of traces.
+  constexpr double kRounding = 1e-12;
+  const double rest = 1.0 - p.x[water];
   double share = 0.0;
   for (int i = 0; i < n; ++i) share += i == water ? 0.0 : p.x[i];
+  if (rest > 0.0 && std::fabs(share - rest) > kRounding) share = rest;
   for (int i = 0; i < n; ++i) y[i] = i == water || !(share > 0.0) ? 0.0 : p.x[i] / share;
   return {y, std::max(share, 0.0), water, p.x[water]};
 }
