@@ -45,8 +45,8 @@ struct Seen {
 };
 
 /*
- * Fills y[ld], whose padding is zero. share is 1 - x_w, with the digits of traces beside water where the composition
- * sums to one.
+ * Fills y[ld], whose padding is zero. share is 1 - x_w, with the digits of traces beside water where the
+ * composition sums to one.
  */
 Seen as_seen(const Phase& p, double* y) noexcept;
 

@@ -103,7 +103,8 @@ void start_from_estimate(Flash& f);
 void start_from_trial(Flash& f, const Beside& other, Source source);
 
 /*
- * Iterates from the start that was chosen. True when it converged on something better than the feed. Of a feed
+ * Iterates from the start that was chosen. True when it converged on something better than the feed, and that
+ * passed the gate. Of a feed
  * that is known to be unstable any split is better, though close to a phase boundary by less than the rounding
  * of Gibbs energies.
  */

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "flash/accept.hpp"
 #include "flash/flash_state.hpp"
 #include "flash/trace_flash.hpp"
 #include "support/mathkernels.hpp"
@@ -20,6 +21,24 @@ Outcome iterate(Flash& f, bool compare) {
 void usual_kinds(Flash& f) {
   f.it.kind_x = Kind::liquid;
   f.it.kind_y = f.liquids_only() ? Kind::liquid : Kind::gas;
+}
+
+/*
+ * The gate of two phases: a split of the feed, and equal fugacities at the very compositions that are returned
+ * (by a host's routine as equal as its CRIT asks). The tangent plane of the tests that follow stands on these.
+ * False: it is none, or f.status.
+ */
+bool accept(Flash& f) {
+  Iterate& it = f.it;
+  f.status = fugacity(f.m, it.x, it.kind_x, it.ln_phi_x, nullptr, it.Zx);
+  if (f.status == KV_OK) f.status = fugacity(f.m, it.y, it.kind_y, it.ln_phi_y, nullptr, it.Zy);
+  if (f.status != KV_OK) return false;
+  const double amounts[] = {it.liquid, it.beta};
+  const double* const phases[] = {it.x, it.y};
+  const double owed =
+      f.m.routine != nullptr ? std::max(kOwedFugacity, std::sqrt(f.settings.CRIT)) : kOwedFugacity;
+  return is_split(f.m.n, it.z, 2, amounts, phases) &&
+         fugacity_gap(f.m.n, it.z, {it.x, it.ln_phi_x}, {it.y, it.ln_phi_y}) <= owed;
 }
 
 }  // namespace
@@ -61,7 +80,10 @@ void start_from_trial(Flash& f, const Beside& other, Source source) {
 bool good_split(Flash& f, bool unstable, Outcome& outcome) {
   outcome = iterate(f, !unstable);
   const double bound = f.feed_gibbs + (unstable ? kRounding : -kLowerGibbs);
-  return outcome == Outcome::converged && (f.m.free_water || f.it.gibbs < bound);
+  if (outcome != Outcome::converged || !(f.m.free_water || f.it.gibbs < bound)) return false;
+  if (accept(f)) return true;
+  outcome = f.status != KV_OK ? Outcome::routine : Outcome::broke_down;
+  return false;
 }
 
 }  // namespace kestrune::flash
