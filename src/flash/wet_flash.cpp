@@ -191,7 +191,7 @@ StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
     if (have_gas) start_from_trial(f, f.liquid, false);
     std::copy_n(f.log_k, f.m.n, gas_k);
   }
-  if (f.status != KV_OK) return write_answer(f, f.status);
+  if (f.status != KV_OK) return f.status;  // of the fugacity routine: the results keep what they held
   if (f.water <= kWaterRich) {
     feed_as_liquid(f);
     // A fluid that is stable as both goes by its name.
@@ -202,8 +202,8 @@ StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
     if (have_liquid) start_from_trial(f, gas ? f.vapour : f.liquid, true);
     std::copy_n(f.log_k, f.m.n, liquid_k);
   }
-  if (f.status != KV_OK) return write_answer(f, f.status);
-  if (good_gas) return feed_as_gas(f) && accept(f, third) ? finish(f) : write_answer(f, f.status);
+  if (f.status != KV_OK) return f.status;
+  if (good_gas && feed_as_gas(f) && accept(f, third)) return finish(f);
   if (given) {
     start_from_estimate(f);
     if (try_split(f, kept)) return finish(f);
@@ -218,7 +218,7 @@ StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
     start_from_wilson(f);
     if (try_split(f, kept)) return finish(f);
   }
-  if (f.status != KV_OK) return write_answer(f, f.status);
+  if (f.status != KV_OK) return f.status;
   // Oil that would be less than a ten-thousandth of the liquid is none: the gas beside water keeps it.
   if (lacks_oil && f.too_little_oil && feed_as_gas(f)) {
     accept(f, third);

@@ -40,9 +40,15 @@ bool is_of_kind(const Wet& f, Kind kind, const double* gas) {
   return like_a_gas(f, t.w, t.Z) && (gas == nullptr || lighter(*f.call.mixture, t.w, t.Z, gas, f.answer.Zy));
 }
 
-bool near_known(const Wet& f, const double* w, const double* const (&known)[2]) {
-  for (const double* k : known)
-    if (k != nullptr && dry_distance(f, w, k) < kSameFluid) return true;
+// One fluid: the same hydrocarbons, as loosely packed. Single hydrocarbons differ in the latter alone.
+bool same_fluid(const Wet& f, const double* a, double Za, const double* b, double Zb) {
+  constexpr double kSameZ = 0.1;
+  return dry_distance(f, a, b) < kSameFluid && std::fabs(Za - Zb) < kSameZ * std::max(Za, Zb);
+}
+
+bool near_known(const Wet& f, const Known (&known)[2]) {
+  for (const Known& k : known)
+    if (k.x != nullptr && same_fluid(f, f.trial.w, f.trial.Z, k.x, k.Z)) return true;
   return false;
 }
 
@@ -63,7 +69,7 @@ void compose(Wet& f, bool liquid, double water) {
 }
 
 // Follows f.trial by substitution, speeded up along its slowest direction.
-bool follow(Wet& f, Kind kind, const double* const (&known)[2]) {
+bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
   const bool liquid = kind == Kind::liquid;
   const double water = liquid ? trial_water(f) : 0.0;
   WetTrial& t = f.trial;
@@ -82,9 +88,9 @@ bool follow(Wet& f, Kind kind, const double* const (&known)[2]) {
       norm += t.w[i] * f.g[i] * f.g[i];
       along += t.w[i] * f.g[i] * f.before[i];
     }
-    if (norm <= kGoingThere && k > 2 && near_known(f, t.w, known)) return true;
+    if (norm <= kGoingThere && k > 2 && near_known(f, known)) return true;
     if (norm <= kSettled) {
-      t.found = !near_known(f, t.w, known) && is_of_kind(f, kind, known[0]);
+      t.found = !near_known(f, known) && is_of_kind(f, kind, known[0].x);
       return true;
     }
     // The eigenvalue of the slowest direction, by how much is left of the last change.
@@ -97,7 +103,7 @@ bool follow(Wet& f, Kind kind, const double* const (&known)[2]) {
     along_before = norm;
   }
   // Slow, beside a critical point: it counts where it clearly grows.
-  t.found = t.ln_sum > 1e-6 && !near_known(f, t.w, known) && is_of_kind(f, kind, known[0]);
+  t.found = t.ln_sum > 1e-6 && !near_known(f, known) && is_of_kind(f, kind, known[0].x);
   return true;
 }
 
@@ -177,7 +183,7 @@ double dry_distance(const Wet& f, const double* a, const double* b) {
   return most;
 }
 
-bool look_for_missing(Wet& f, Kind kind, const double* const (&known)[2]) {
+bool look_for_missing(Wet& f, Kind kind, const Known (&known)[2]) {
   const bool liquid = kind == Kind::liquid;
   const int n = f.m.n, w = f.m.water;
   (liquid ? f.liquid : f.vapour).found = false;
@@ -238,11 +244,11 @@ bool accept(Wet& f, bool& third) {
     for (int i = 0; i < f.m.n; ++i) f.spare[i] = free ? f.m.modified[i] : a.x[i];
     f.liquid_by_name = !called_gas(f, f.spare, a.Zx);
 
-    if (gas && dry_distance(f, f.spare, a.y) < kSameFluid) return false;
+    if (gas && same_fluid(f, f.spare, a.Zx, a.y, a.Zy)) return false;
     f.exchanged = gas && lighter(*f.call.mixture, f.spare, a.Zx, a.y, a.Zy);
     if (f.exchanged) return false;
   }
-  const double* const known[2] = {gas ? a.y : nullptr, oil ? a.x : nullptr};
+  const Known known[2] = {{gas ? a.y : nullptr, a.Zy}, {oil ? a.x : nullptr, a.Zx}};
   if (!look_for_missing(f, Kind::liquid, known)) return false;
   // Beside a gas that is one by its packing there is no lighter one.
   if (!(gas && loosely_packed(f, a.y, a.Zy)) && !look_for_missing(f, Kind::gas, known)) return false;

@@ -82,12 +82,18 @@ bool is_liquid_water(const Wet& f, const double* y, double Z);
 /* Largest difference of two phases without their water. */
 double dry_distance(const Wet& f, const double* a, const double* b);
 
+// A phase that an answer has, null without.
+struct Known {
+  const double* x;  // [ld]
+  double Z;
+};
+
 /*
  * Looks for a phase of the kind (gas, liquid) that the answer lacks, at its fugacities f.answer.d, among trials
- * from Wilson's coefficients, near-pure components and the ideal gas; known[2] are phases that it has, null
- * without. The strongest stands in f.vapour or f.liquid. False: f.status.
+ * from Wilson's coefficients, near-pure components and the ideal gas; known[2] are its gas and its liquid. The
+ * strongest stands in f.vapour or f.liquid. False: f.status.
  */
-bool look_for_missing(Wet& f, Kind kind, const double* const (&known)[2]);
+bool look_for_missing(Wet& f, Kind kind, const Known (&known)[2]);
 
 /*
  * The gate. Whether f.answer (beta, x, y) is one: a split, equal fugacities, no gas that holds more water than

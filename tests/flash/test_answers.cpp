@@ -204,35 +204,4 @@ TEST(SinglePhase, LabelFollowsThePackingAndTheIncipientPhaseIsStationary) {
   EXPECT_GE(incipient, 4);
 }
 
-TEST(FreeWater, SaturatedGasAndBalances) {
-  std::vector<std::string> ids = kLeanGas;
-  std::vector<double> z = kLeanGasFeed;
-  ids.push_back("water");
-  z.push_back(0.05);
-  const double sum = std::accumulate(z.begin(), z.end(), 0.0);
-  for (double& v : z) v /= sum;
-  Mixture m = mixture_of(ids);
-  m.use();
-  m.record.flags = FreeWaterFlag;
-  m.record.solubility_a = 5.0;  // less water than the gas takes up at any of these
-  m.record.solubility_b = 5000.0;
-  for (const Condition& c :
-       {Condition{300, 50}, Condition{280, 10}, Condition{350, 100}, Condition{320, 200}}) {
-    SCOPED_TRACE(testing::Message() << c.T << " K " << c.P << " atm");
-    const FlashResult r = flash(m, c.T, c.P, z);
-    ASSERT_EQ(r.status, KV_OK);
-    ASSERT_TRUE(r.two_phases());
-    const PhaseState gas = phase_state(m, c.T, c.P, r.y, KV_PHASE_GAS);
-    const double psat =
-        std::exp(73.649 - 7258.2 / c.T - 7.3037 * std::log(c.T) + 4.1653e-6 * c.T * c.T) / 101325;
-    EXPECT_NEAR(r.y[7] * std::exp(gas.ln_phi[7]) * c.P / psat, 1.0, 1e-8);
-    EXPECT_GT(r.x[7], 0.99);
-    for (std::size_t i = 0; i < z.size(); ++i)
-      EXPECT_NEAR((1 - r.beta) * r.x[i] + r.beta * r.y[i], z[i], 1e-12);
-    EXPECT_NEAR(std::accumulate(r.x.begin(), r.x.end(), 0.0), 1.0, 1e-12);
-    EXPECT_NEAR(std::accumulate(r.y.begin(), r.y.end(), 0.0), 1.0, 1e-12);
-  }
-  EXPECT_EQ(m.record.flags, FreeWaterFlag);
-}
-
 }  // namespace

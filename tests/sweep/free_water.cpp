@@ -28,16 +28,17 @@ struct Water {
   }
 
   // ln(f_i / P) in a vapour.
-  Composition vapour(const Composition& y) const {
+  Composition vapour(const Composition& y, double& Z) const {
     Phase<double> phase;
     evaluate(par, question.P, y.data(), Root::largest, false, phase);
     Composition ln_f(n);
     for (int i = 0; i < n; ++i) ln_f[i] = std::log(y[i]) + phase.ln_phi[i];
+    Z = phase.Z;
     return ln_f;
   }
 
   // ln(f_i / P) in a liquid, free water above the limit included.
-  Composition liquid(const Composition& x) const {
+  Composition liquid(const Composition& x, double& Z) const {
     Composition part = x;
     if (x[iw] >= s) {
       for (int i = 0; i < n; ++i) part[i] = i == iw ? s : x[i] * (1 - s) / (1 - x[iw]);
@@ -47,14 +48,20 @@ struct Water {
     Composition ln_f(n);
     for (int i = 0; i < n; ++i) ln_f[i] = std::log(part[i]) + phase.ln_phi[i];
     ln_f[iw] = std::log(psat / question.P * std::min(1.0, x[iw] / s));
+    Z = phase.Z;
     return ln_f;
   }
+};
+
+struct Known {
+  Composition x;
+  double Z;
 };
 
 // Successive substitution on a trial phase with ln(f_i / P) = d_i; true when it settles on a phase that is not
 // one of the known ones and whose unnormalised fractions sum to more than one: that phase is missing.
 bool phase_missing(const Water& water, const Composition& d, Composition w, bool trial_is_liquid,
-                   const std::vector<Composition>& known) {
+                   const std::vector<Known>& known) {
   Phase<double> phase;
   double total = 1;
   Composition next(water.n);
@@ -79,13 +86,13 @@ bool phase_missing(const Water& water, const Composition& d, Composition w, bool
   // what it was tried for, a liquid below and a vapour above the pseudo-critical volume.
   const double volume_ratio = phase.Z * 82.057 * water.par.T / (water.question.P * phase.b);
   if ((volume_ratio > vapour_volume_ratio) == trial_is_liquid) return false;
-  for (const Composition& base : known) {  // the same hydrocarbons as a phase that is already there
+  for (const auto& [base, Z] : known) {  // a phase that is already there: its hydrocarbons and its packing
     double distance = 0;
     for (int i = 0; i < water.n; ++i) {
       if (i != water.iw)
         distance = std::max(distance, std::abs(w[i] / (1 - w[water.iw]) - base[i] / (1 - base[water.iw])));
     }
-    if (distance < 1e-3) return false;
+    if (distance < 1e-3 && std::abs(phase.Z - Z) < 0.1 * std::max(phase.Z, Z)) return false;
   }
   return total > 1 + fugacity_tolerance;
 }
@@ -97,7 +104,7 @@ std::string message(const char* format, double value) {
 }
 
 // Trials of both kinds from Wilson's guesses and from the near-pure heaviest and lightest components.
-std::string missing_phase(const Water& water, const Composition& d, const std::vector<Composition>& known) {
+std::string missing_phase(const Water& water, const Composition& d, const std::vector<Known>& known) {
   const Components& c = *water.question.components;
   std::vector<Composition> starts;
   for (double sign : {1.0, -1.0}) {
@@ -127,12 +134,13 @@ std::string missing_phase(const Water& water, const Composition& d, const std::v
 void judge_rules(const Question& question, const Answer& answer, Verdict& verdict, bool point = false) {
   const Water water(question);
   const int n = water.n;
-  std::vector<Composition> known;
+  std::vector<Known> known;
   Composition d(n);
+  double liquid_Z = 0, vapour_Z = 0;
   const bool has_liquid = answer.beta < 1 || point, has_vapour = answer.beta > 0 || point;
   const bool water_rich = has_liquid && answer.x[water.iw] > 0.9999;
-  const Composition liquid = has_liquid ? water.liquid(answer.x) : Composition(n);
-  const Composition vapour = has_vapour ? water.vapour(answer.y) : Composition(n);
+  const Composition liquid = has_liquid ? water.liquid(answer.x, liquid_Z) : Composition(n);
+  const Composition vapour = has_vapour ? water.vapour(answer.y, vapour_Z) : Composition(n);
   for (int i = 0; i < n && has_liquid && has_vapour; ++i) {
     if (water_rich && i != water.iw) continue;  // what a water-rich phase dissolves is left open
     if (question.z[i] == 0) continue;
@@ -155,9 +163,9 @@ void judge_rules(const Question& question, const Answer& answer, Verdict& verdic
       verdict.reason = message("the vapour is supersaturated with water by %.3g", excess);
       return;
     }
-    known.push_back(answer.y);
+    known.push_back({answer.y, vapour_Z});
   }
-  if (has_liquid && !water_rich) known.push_back(answer.x);
+  if (has_liquid && !water_rich) known.push_back({answer.x, liquid_Z});
   d = has_vapour && (water_rich || answer.beta > 0.5) ? vapour : liquid;
   if (has_vapour || !water_rich) verdict.reason = missing_phase(water, d, known);
   if (verdict.reason.empty())
