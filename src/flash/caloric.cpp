@@ -2,6 +2,7 @@
 
 #include <cfloat>
 #include <cmath>
+#include <limits>
 
 namespace kestrune::flash {
 namespace {
@@ -11,13 +12,12 @@ constexpr double kResidualR = eos::kR * eos::kCalPerCm3Atm;  // cal/(mol K), of 
 using MolarRoutine = StatusCode(KV_CALL*)(double, double, const double*, MixtureRecord*, double*);
 
 // The host's routine for the property of a phase, null without one.
-MolarRoutine host_routine(const CaloricModel& c, int phase) {
-  if (c.routines == nullptr) return nullptr;
+MolarRoutine property_routine(const CaloricModel& c, int phase) {
   const bool gas = phase == KV_PHASE_GAS;
   const int entry = c.property == Property::enthalpy
                         ? (gas ? KV_ROUTINE_GAS_ENTHALPY : KV_ROUTINE_LIQUID_ENTHALPY)
                         : (gas ? KV_ROUTINE_GAS_ENTROPY : KV_ROUTINE_LIQUID_ENTROPY);
-  return reinterpret_cast<MolarRoutine>(c.routines->entry[entry - 1]);
+  return host_routine<MolarRoutine>(c.routines, entry);
 }
 
 // The root of the kind, and where it is not clearly the lower one, still that of its name: of two phases that
@@ -46,9 +46,9 @@ bool find_root(const CaloricModel& c, const eos::Mixture& m, Kind kind, double s
 
 bool CaloricModel::analytic() const {
   if (free_water || eos::water_ammonia_pair(*mixture, z)) return false;
-  return routines == nullptr ||
-         (routines->entry[KV_ROUTINE_FUGACITY - 1] == nullptr && host_routine(*this, KV_PHASE_GAS) == nullptr &&
-          host_routine(*this, KV_PHASE_LIQUID) == nullptr);
+  return host_routine<KvFugacityRoutine>(routines, KV_ROUTINE_FUGACITY) == nullptr &&
+         property_routine(*this, KV_PHASE_GAS) == nullptr &&
+         property_routine(*this, KV_PHASE_LIQUID) == nullptr;
 }
 
 void open_caloric(support::Arena& arena, CaloricModel& c) {
@@ -99,9 +99,11 @@ bool phase_caloric(CaloricModel& c, const double* x, Kind kind, PhaseCaloric& ou
 }
 
 StatusCode phase_value(const CaloricModel& c, double T, const double* x, int phase, double& value) {
-  if (const MolarRoutine routine = host_routine(c, phase)) {
-    const StatusCode status = routine(T, c.P, x, c.mixture, &value);
-    return eos::has_values(status) ? StatusCode{KV_OK} : status;
+  if (const MolarRoutine routine = property_routine(c, phase)) {
+    value = std::numeric_limits<double>::quiet_NaN();
+    const StatusCode status = call_host(*c.routines, [&] { return routine(T, c.P, x, c.mixture, &value); });
+    if (status != KV_OK || std::isfinite(value)) return status;
+    return end_flash(*c.routines, KV_NOT_FINITE);
   }
   eos::Caloric both;
   const bool H = c.property == Property::enthalpy;
