@@ -100,6 +100,7 @@ bool phase_caloric(CaloricModel& c, const double* x, Kind kind, PhaseCaloric& ou
 
 StatusCode phase_value(const CaloricModel& c, double T, const double* x, int phase, double& value) {
   if (const MolarRoutine routine = property_routine(c, phase)) {
+    if (!usable_state(T, c.P, c.mixture->count, x)) return KV_NOT_FINITE;
     value = std::numeric_limits<double>::quiet_NaN();
     const StatusCode status = call_host(*c.routines, [&] { return routine(T, c.P, x, c.mixture, &value); });
     if (status != KV_OK || std::isfinite(value)) return status;

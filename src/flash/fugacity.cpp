@@ -27,6 +27,7 @@ StatusCode host_phase(Model& m, const double* x, int phase, double* ln_phi, cons
   double* const dn = d.dn != nullptr ? m.square : nullptr;
   const std::size_t entries = dn != nullptr ? static_cast<std::size_t>(n) * n : 0;
   const int mask = (d.dT != nullptr ? KV_DERIV_T : 0) | KV_DERIV_P | (dn != nullptr ? KV_DERIV_N : 0);
+  if (!usable_state(m.T, m.P, n, x)) return KV_NOT_FINITE;
   std::fill_n(ln_phi, n, kUnwritten);
   std::fill_n(dP, n, kUnwritten);
   if (d.dT != nullptr) std::fill_n(d.dT, n, kUnwritten);

@@ -53,8 +53,8 @@ struct Model {
  * KV_OK, or why there is no model at this temperature. order 1 prepares temperature derivatives, which then may
  * be asked for.
  */
-StatusCode make_model(double T, double P, MixtureRecord* mixture, HostRoutines* routines,
-                      bool free_water, int order, support::Arena& arena, Model& m);
+StatusCode make_model(double T, double P, MixtureRecord* mixture, HostRoutines* routines, bool free_water,
+                      int order, support::Arena& arena, Model& m);
 
 /* Co-volume of a composition from the table, cm3/mol: a host's fugacity routine brings no prepared temperature.
  */

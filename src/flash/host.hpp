@@ -46,6 +46,15 @@ inline StatusCode end_flash(HostRoutines& host, StatusCode status) noexcept {
   return kHostStatus;
 }
 
+/*
+ * Whether a routine of a host may be asked at all: where a solver has run out of the numbers, the state is no
+ * fault of the routine's.
+ */
+inline bool usable_state(double T, double P, int n, const double* x) noexcept {
+  return std::isfinite(T) && T > 0.0 && std::isfinite(P) && P > 0.0 &&
+         std::all_of(x, x + n, [](double v) { return v >= 0.0 && std::isfinite(v); });
+}
+
 /* Calls a routine: KV_OK, or kHostStatus when it ends the flash or one before it did. */
 template <class Call>
 StatusCode call_host(HostRoutines& host, Call&& call) {

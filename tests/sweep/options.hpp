@@ -8,7 +8,7 @@
 
 namespace kestrune::sweep {
 
-enum class Mode { isothermal, saturation, caloric, three_phase, three_phase_caloric };
+enum class Mode { isothermal, saturation, caloric, three_phase, three_phase_caloric, own_routines };
 
 struct Options {
   Mode mode = Mode::isothermal;
@@ -32,6 +32,7 @@ int run_saturation(const Options& options, Library& library, std::FILE* failures
 int run_caloric(const Options& options, Library& library, std::FILE* failures);
 int run_three(const Options& options, Library& library, std::FILE* failures);
 int run_three_given(const Options& options, Library& library, std::FILE* failures);
+int run_routines(const Options& options, Library& library, std::FILE* failures);
 
 // Wrong answers by what is wrong, one line each.
 void print_groups(const std::map<std::string, int>& groups);
