@@ -1,5 +1,6 @@
 #include "flash/caloric.hpp"
 
+#include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <limits>
@@ -20,10 +21,12 @@ MolarRoutine property_routine(const CaloricModel& c, int phase) {
   return host_routine<MolarRoutine>(c.routines, entry);
 }
 
+// A root counts as the lower one from this difference of Gibbs energies over RT.
+constexpr double kClearlyLower = 1e-7;
+
 // The root of the kind, and where it is not clearly the lower one, still that of its name: of two phases that
 // are nearly one composition, as at the boiling point of a component, the Gibbs energy cannot tell.
 bool find_root(const CaloricModel& c, const eos::Mixture& m, Kind kind, double start, eos::Root& r) {
-  constexpr double kClearlyLower = 1e-7;
   const double rt = eos::kR * c.t.T, A = m.a * c.P / (rt * rt), B = m.b * c.P / rt;
   const auto bracub = frame::tools::bracub();
   if (kind == Kind::stable) return eos::stable_root(c.t, bracub, m, c.P, start, r) <= 50;
@@ -40,6 +43,30 @@ bool find_root(const CaloricModel& c, const eos::Mixture& m, Kind kind, double s
   eos::reduce(c.t, m, c.P, other_Z, other);
   if (eos::residual_gibbs(m, other) < eos::residual_gibbs(m, r) - kClearlyLower) r = other;
   return true;
+}
+
+/*
+ * The phase that a routine is asked for when a phase of x[n] goes by this name: the same rule by ln phi of
+ * both, so that the second of two liquids, which goes by the name of a vapour, is asked for as what it is.
+ */
+StatusCode own_phase(const CaloricModel& c, double T, const double* x, int& phase) {
+  const int n = c.mixture->count;
+  return support::with_arena<2, 20>(n, [&](support::Arena& arena) -> StatusCode {
+    Model m;
+    StatusCode status = make_model(T, c.P, c.mixture, c.routines, false, 0, arena, m);
+    double *const w = arena.zeros(m.ld), *const ln_phi = arena.zeros(m.ld);
+    std::copy_n(x, n, w);
+    double gibbs[2] = {}, Z[2] = {};
+    for (const Kind kind : {Kind::gas, Kind::liquid}) {
+      const int k = kind == Kind::gas ? 0 : 1;
+      if (status == KV_OK) status = fugacity(m, w, kind, ln_phi, nullptr, Z[k]);
+      for (int i = 0; i < n; ++i) gibbs[k] += w[i] * ln_phi[i];
+    }
+    if (status != KV_OK) return status;
+    const double lower = phase == KV_PHASE_GAS ? gibbs[0] - gibbs[1] : gibbs[1] - gibbs[0];
+    if (lower > kClearlyLower) phase = phase == KV_PHASE_GAS ? KV_PHASE_LIQUID : KV_PHASE_GAS;
+    return KV_OK;
+  });
 }
 
 }  // namespace
@@ -99,6 +126,10 @@ bool phase_caloric(CaloricModel& c, const double* x, Kind kind, PhaseCaloric& ou
 }
 
 StatusCode phase_value(const CaloricModel& c, double T, const double* x, int phase, double& value) {
+  if (!c.free_water) {
+    const StatusCode status = own_phase(c, T, x, phase);
+    if (status != KV_OK) return status;
+  }
   if (const MolarRoutine routine = property_routine(c, phase)) {
     if (!usable_state(T, c.P, c.mixture->count, x)) return KV_NOT_FINITE;
     value = std::numeric_limits<double>::quiet_NaN();

@@ -52,7 +52,8 @@ inline StatusCode end_flash(HostRoutines& host, StatusCode status) noexcept {
  */
 inline bool usable_state(double T, double P, int n, const double* x) noexcept {
   return std::isfinite(T) && T > 0.0 && std::isfinite(P) && P > 0.0 &&
-         std::all_of(x, x + n, [](double v) { return v >= 0.0 && std::isfinite(v); });
+         std::all_of(x, x + n, [](double v) { return v >= 0.0 && std::isfinite(v); }) &&
+         std::any_of(x, x + n, [](double v) { return v > 0.0; });
 }
 
 /* Calls a routine: KV_OK, or kHostStatus when it ends the flash or one before it did. */

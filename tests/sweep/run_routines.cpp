@@ -25,15 +25,16 @@ struct Row {
   void add(const Composition& part) { values.insert(values.end(), part.begin(), part.end()); }
 };
 
+// What stands beside a single phase is close to appearing at best, and may be any.
 Row row_of(const char* flash, const Answer& a) {
   Row row{flash, a.status, {}};
   row.add(a.beta);
+  if (a.beta == 0.0 || a.beta == 1.0) return row;
   row.add(a.x);
   row.add(a.y);
   return row;
 }
 
-// A vapour alone has a liquid beside it that is close to appearing, whichever that is.
 Row row_of(const char* flash, const ThreeAnswer& a) {
   Row row{flash, a.status, {}};
   row.add(a.beta);
