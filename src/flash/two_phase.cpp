@@ -204,6 +204,12 @@ bool phases_are_one(const Model& m, const Iterate& it) {
   return sum < kTrivialLogK2;
 }
 
+// A Gibbs energy from the coefficients of a host may be rounded too: where the residuals fell, the step was
+// good.
+bool closer(const Model& m, const Iterate& it, double error_before) {
+  return m.routine != nullptr && it.error < 0.25 * error_before;
+}
+
 /*
  * Whether the polish of an accepted answer has come to its end. The coefficients of a host may be rounded: what
  * meets CRIT is then as good as they allow.
@@ -260,7 +266,7 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
   it.count = 0;
   if (!split_feed(m, it)) return Outcome::one_phase;
   bool newton_taken = false, accepted = false;
-  double before = 0.0, factor = 1.0;
+  double before = 0.0, error_before = 0.0, factor = 1.0;
   Polish polish;
   int failures = 0, plain = 0;
   for (;;) {
@@ -274,7 +280,7 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
     // A Newton step that went uphill: in Gibbs energy it is cut from where it began; without one (free water)
     // it is taken back and a few substitutions go first.
     if (newton_taken && !m.free_water && it.gibbs > before + 1e-11 * (1.0 + std::fabs(before)) &&
-        factor > 1e-4) {
+        factor > 1e-4 && !closer(m, it, error_before)) {
       factor *= 0.25;
       if (!take_newton_step(m, factor, work, it)) return Outcome::one_phase;
       continue;
@@ -298,6 +304,7 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
     if (derivatives && newton_direction(m, work, it)) {
       const bool last =
           accepted && m.routine == nullptr && it.worst < kOneStepAway * std::min(it.smallest_pivot, 1.0);
+      error_before = it.error;
       before = m.free_water ? it.error : it.gibbs;
       factor = 1.0;
       if (!take_newton_step(m, 1.0, work, it)) return Outcome::one_phase;
