@@ -33,6 +33,12 @@ StatusCode write_found(Equilibrium& e, StatusCode status, const ThreePhaseResult
   return status != KV_OK ? status : written;
 }
 
+// From the phases in e.p; a start that leads to no answer is as good as none.
+StatusCode solve_from_phases(Equilibrium& e) {
+  const StatusCode status = find_equilibrium_from(e);
+  return status == KV_OK || status > KV_STATUS_CALL_BLOCK ? status : find_equilibrium(e);
+}
+
 // ---- the host's own flashes ----
 // What they return is a start: the answer is the library's, tested like any other.
 
@@ -105,7 +111,13 @@ StatusCode start_by_host(const ThreePhaseCall& c, Equilibrium& e, HostSplit& lv)
   StatusCode status = liquid_vapour(c, e, lv);
   if (status != KV_OK) return status;
   const double V = lv.part;
-  const double* const liquid = V > 0.0 ? lv.first : e.z;
+  // Traces at the bound of their distribution coefficient follow no fugacity and would make the liquid
+  // unstable.
+  double* const liquid = e.w.saved[0];
+  for (int i = 0; i < e.m.n; ++i) {
+    const double x = V > 0.0 ? lv.first[i] : e.z[i];
+    liquid[i] = x < kAbsent ? 0.0 : x;
+  }
   if (V < 1.0 && (status = liquid_liquid(c, liquid, ll)) != KV_OK) {
     if (!ll.failed) return status;
     return lv.failed ? StatusCode{KV_NO_START} : flash::end_flash(*c.routines, status);
@@ -130,7 +142,7 @@ StatusCode solve_with_host(const ThreePhaseCall& c, Equilibrium& e) {
   HostSplit lv{0.0, e.x, e.y, e.K};
   StatusCode status = start_by_host(c, e, lv);
   if (status != KV_OK) return status;
-  status = find_equilibrium_from(e);
+  status = solve_from_phases(e);
   return doubt(lv.failed, write_found(e, status, c.out));
 }
 
@@ -173,7 +185,7 @@ StatusCode solve(const ThreePhaseCall& c, support::Arena& arena) {
   const bool by_host =
       host_flash(c, KV_ROUTINE_LV_FLASH) != nullptr || host_flash(c, KV_ROUTINE_LL_FLASH) != nullptr;
   if (by_host && !given) return solve_with_host(c, e);
-  status = given ? find_equilibrium_from(e) : find_equilibrium(e);
+  status = given ? solve_from_phases(e) : find_equilibrium(e);
   return write_found(e, status, c.out);
 }
 
