@@ -402,15 +402,17 @@ TEST(Wrapper, ColdStartIsRetriedFromTheWaterEstimate) {
   Wrapped w(true);
   const FlashResult good = flash(w.m, 300, 50, w.z);
   ASSERT_TRUE(good.two_phases());
-  // The retry fails as well: its estimate is what is left.
-  host.fail_from = 1;
-  const FlashResult failed = flash(w.m, 300, 50, w.z, 1, &kRoutines, marked(8));
-  EXPECT_EQ(failed.status, kHostStatus);
-  EXPECT_EQ(host.flags, (std::vector<std::uint8_t>{Wrapped::kFlags, Wrapped::kFlags}));
-  EXPECT_DOUBLE_EQ(failed.beta, 1 - w.z[2]);
-  for (std::size_t i = 0; i < 8; ++i) {
-    EXPECT_EQ(failed.x[i], i == 2 ? 1.0 : 0.0);
-    EXPECT_DOUBLE_EQ(failed.y[i], i == 2 ? 0.0 : w.z[i] / (1 - w.z[2]));
+  // The retry fails as well, whatever the status says elsewhere: its estimate is what is left.
+  for (const StatusCode status : {kHostStatus, 95, 112, 9001}) {
+    host = {.fail_from = 1, .status = status};
+    const FlashResult failed = flash(w.m, 300, 50, w.z, 1, &kRoutines, marked(8));
+    EXPECT_EQ(failed.status, status);
+    EXPECT_EQ(host.flags, (std::vector<std::uint8_t>{Wrapped::kFlags, Wrapped::kFlags}));
+    EXPECT_DOUBLE_EQ(failed.beta, 1 - w.z[2]);
+    for (std::size_t i = 0; i < 8; ++i) {
+      EXPECT_EQ(failed.x[i], i == 2 ? 1.0 : 0.0);
+      EXPECT_DOUBLE_EQ(failed.y[i], i == 2 ? 0.0 : w.z[i] / (1 - w.z[2]));
+    }
   }
   // The retry succeeds.
   host = {};
