@@ -141,8 +141,9 @@ KV_API StatusCode KV_CALL FlashLVatWT(double W, double T, const double* z, Mixtu
  *
  * 0 = found: ln fugacities equal to 1e-10, and nothing splits off. 111: the feed does not sum to one within
  * sum_tolerance. 112, 114, 120: no answer, results hold the best state seen. 118: three phases, and a fourth
- * would split off. With flashes of the host (entries 1 and 2): 134, 135 as their status was not 0, 136 nothing
- * usable.
+ * would split off. With flashes of the host: 134, 135 an answer of two phases or one after a liquid-vapour
+ * flash (entry 2) with a status that ends flashes, 136 what a flash left was nothing to start from; such a
+ * status of the liquid-liquid flash (entry 1) is returned as it stands.
  */
 KV_API StatusCode KV_CALL FlashLLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                        const ModelRoutines* routines, int32_t options, double* beta, double* V,

@@ -83,7 +83,14 @@ typedef struct MixtureRecord {
 /*
  * Model routines record: fourteen routine addresses with the library's calling convention. The record may
  * be null and so may any entry; the library's own PPR78 routine then stands in its place, which is also
- * the fast path. entry[k - 1] is entry k; the entries that are not named here are not called.
+ * the fast path. entry[k - 1] is entry k; the entries that are not named here are not called. An entry that is
+ * the library's own export counts as null; behind a routine that forwards to it, it gives the same answers.
+ *
+ * Statuses of routines: at or below 50, 201, 202 and KV_PURE_RANGE go on with what was written; any other ends
+ * the flash at once and is what the flash returns, even where it is a number that the flash uses itself. What
+ * is written and is not finite ends it with KV_NOT_FINITE. A fugacity routine whose numbers are rounded is good
+ * for what CRIT asks of it. Flashes of the host (entries 1 and 2) are called with options 0 and zeroed results,
+ * and give a start: the answer is tested like any other. Their statuses: FlashLLVatTP.
  */
 enum KvRoutine {
   KV_ROUTINE_LL_FLASH = 1,         /* as FlashLLatTP */
@@ -111,7 +118,8 @@ enum KvDerivative { KV_DERIV_T = 1, KV_DERIV_P = 2, KV_DERIV_N = 4 };
  * A host's fugacity routine (entry 8). T in K, P in atm, x[count] mole fractions, phase 1 gas or 2 liquid,
  * option always 2, mask of KvDerivative. Writes ln phi[count]; d/dT[count] in 1/K; d/dP[count] in 1/atm;
  * d/dn[count * count]: entry (i, j) = d ln phi_i / d n_j at constant T, P and other mole numbers for one
- * mole in total, component i fastest. Returns a StatusCode, 0 for success.
+ * mole in total, component i fastest; left alone, they count as those of an ideal mixture, with which flashes
+ * are slow and may fail beside critical points. Returns a StatusCode, 0 for success.
  */
 typedef StatusCode(KV_CALL* KvFugacityRoutine)(double T, double P, const double* x, MixtureRecord* mixture,
                                                int32_t phase, int32_t option, int32_t mask, double* ln_phi,

@@ -206,7 +206,7 @@ StatusCode set_up(const EnvelopeCall& call, bool asked_P, bool asked_T, support:
   flash::seal_line(line);
   t.limits = {std::log(call.first_P), std::log(call.highest_P), std::log(call.lowest_T)};
   Spinodal spinodal;
-  if (call.routines == nullptr || call.routines->entry[KV_ROUTINE_FUGACITY - 1] == nullptr) {
+  if (flash::host_routine<void*>(call.routines, KV_ROUTINE_FUGACITY) == nullptr) {
     open_spinodal(second, *call.mixture, z, spinodal);
     t.spinodal = &spinodal;
   }

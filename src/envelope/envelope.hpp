@@ -2,14 +2,14 @@
 #ifndef KESTRUNE_ENVELOPE_ENVELOPE_HPP
 #define KESTRUNE_ENVELOPE_ENVELOPE_HPP
 
-#include "kestrune/records.h"
+#include "flash/host.hpp"
 
 namespace kestrune::envelope {
 
 struct EnvelopeCall {
   const double* z = nullptr;  // feed, need not sum to one
   MixtureRecord* mixture = nullptr;
-  const ModelRoutines* routines = nullptr;
+  flash::HostRoutines* routines = nullptr;
   double first_P = 0.0, highest_P = 0.0, lowest_T = 0.0;  // atm, atm, K; 0: 1, 2000, 50
   int points = 0;                                         // wanted; 0: as traced
   int capacity = 0;                                       // of the three arrays

@@ -1,7 +1,9 @@
 #include "flash/caloric.hpp"
 
+#include <algorithm>
 #include <cfloat>
 #include <cmath>
+#include <limits>
 
 namespace kestrune::flash {
 namespace {
@@ -11,19 +13,20 @@ constexpr double kResidualR = eos::kR * eos::kCalPerCm3Atm;  // cal/(mol K), of 
 using MolarRoutine = StatusCode(KV_CALL*)(double, double, const double*, MixtureRecord*, double*);
 
 // The host's routine for the property of a phase, null without one.
-MolarRoutine host_routine(const CaloricModel& c, int phase) {
-  if (c.routines == nullptr) return nullptr;
+MolarRoutine property_routine(const CaloricModel& c, int phase) {
   const bool gas = phase == KV_PHASE_GAS;
   const int entry = c.property == Property::enthalpy
                         ? (gas ? KV_ROUTINE_GAS_ENTHALPY : KV_ROUTINE_LIQUID_ENTHALPY)
                         : (gas ? KV_ROUTINE_GAS_ENTROPY : KV_ROUTINE_LIQUID_ENTROPY);
-  return reinterpret_cast<MolarRoutine>(c.routines->entry[entry - 1]);
+  return host_routine<MolarRoutine>(c.routines, entry);
 }
+
+// A root counts as the lower one from this difference of Gibbs energies over RT.
+constexpr double kClearlyLower = 1e-7;
 
 // The root of the kind, and where it is not clearly the lower one, still that of its name: of two phases that
 // are nearly one composition, as at the boiling point of a component, the Gibbs energy cannot tell.
 bool find_root(const CaloricModel& c, const eos::Mixture& m, Kind kind, double start, eos::Root& r) {
-  constexpr double kClearlyLower = 1e-7;
   const double rt = eos::kR * c.t.T, A = m.a * c.P / (rt * rt), B = m.b * c.P / rt;
   const auto bracub = frame::tools::bracub();
   if (kind == Kind::stable) return eos::stable_root(c.t, bracub, m, c.P, start, r) <= 50;
@@ -42,13 +45,37 @@ bool find_root(const CaloricModel& c, const eos::Mixture& m, Kind kind, double s
   return true;
 }
 
+/*
+ * The phase that a routine is asked for when a phase of x[n] goes by this name: the same rule by ln phi of
+ * both, so that the second of two liquids, which goes by the name of a vapour, is asked for as what it is.
+ */
+StatusCode own_phase(const CaloricModel& c, double T, const double* x, int& phase) {
+  const int n = c.mixture->count;
+  return support::with_arena<2, 20>(n, [&](support::Arena& arena) -> StatusCode {
+    Model m;
+    StatusCode status = make_model(T, c.P, c.mixture, c.routines, false, 0, arena, m);
+    double *const w = arena.zeros(m.ld), *const ln_phi = arena.zeros(m.ld);
+    std::copy_n(x, n, w);
+    double gibbs[2] = {}, Z[2] = {};
+    for (const Kind kind : {Kind::gas, Kind::liquid}) {
+      const int k = kind == Kind::gas ? 0 : 1;
+      if (status == KV_OK) status = fugacity(m, w, kind, ln_phi, nullptr, Z[k]);
+      for (int i = 0; i < n; ++i) gibbs[k] += w[i] * ln_phi[i];
+    }
+    if (status != KV_OK) return status;
+    const double lower = phase == KV_PHASE_GAS ? gibbs[0] - gibbs[1] : gibbs[1] - gibbs[0];
+    if (lower > kClearlyLower) phase = phase == KV_PHASE_GAS ? KV_PHASE_LIQUID : KV_PHASE_GAS;
+    return KV_OK;
+  });
+}
+
 }  // namespace
 
 bool CaloricModel::analytic() const {
   if (free_water || eos::water_ammonia_pair(*mixture, z)) return false;
-  return routines == nullptr ||
-         (routines->entry[KV_ROUTINE_FUGACITY - 1] == nullptr && host_routine(*this, KV_PHASE_GAS) == nullptr &&
-          host_routine(*this, KV_PHASE_LIQUID) == nullptr);
+  return host_routine<KvFugacityRoutine>(routines, KV_ROUTINE_FUGACITY) == nullptr &&
+         property_routine(*this, KV_PHASE_GAS) == nullptr &&
+         property_routine(*this, KV_PHASE_LIQUID) == nullptr;
 }
 
 void open_caloric(support::Arena& arena, CaloricModel& c) {
@@ -99,9 +126,16 @@ bool phase_caloric(CaloricModel& c, const double* x, Kind kind, PhaseCaloric& ou
 }
 
 StatusCode phase_value(const CaloricModel& c, double T, const double* x, int phase, double& value) {
-  if (const MolarRoutine routine = host_routine(c, phase)) {
-    const StatusCode status = routine(T, c.P, x, c.mixture, &value);
-    return eos::has_values(status) ? StatusCode{KV_OK} : status;
+  if (!c.free_water) {
+    const StatusCode status = own_phase(c, T, x, phase);
+    if (status != KV_OK) return status;
+  }
+  if (const MolarRoutine routine = property_routine(c, phase)) {
+    if (!usable_state(T, c.P, c.mixture->count, x)) return KV_NOT_FINITE;
+    value = std::numeric_limits<double>::quiet_NaN();
+    const StatusCode status = call_host(*c.routines, [&] { return routine(T, c.P, x, c.mixture, &value); });
+    if (status != KV_OK || std::isfinite(value)) return status;
+    return end_flash(*c.routines, KV_NOT_FINITE);
   }
   eos::Caloric both;
   const bool H = c.property == Property::enthalpy;

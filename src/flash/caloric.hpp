@@ -26,7 +26,7 @@ struct CaloricModel {
   double P = 0.0;
   const double* z = nullptr;  // [ld] feed: the components that are present
   MixtureRecord* mixture = nullptr;
-  const ModelRoutines* routines = nullptr;
+  HostRoutines* routines = nullptr;
   bool free_water = false;
   support::Arena* arena = nullptr;
   support::Arena::Mark base{};

@@ -12,7 +12,7 @@ struct EnergyCall {
   double P = 0.0;             // atm
   const double* z = nullptr;  // feed, need not sum to one
   MixtureRecord* mixture = nullptr;
-  const ModelRoutines* routines = nullptr;
+  HostRoutines* routines = nullptr;
   bool free_water = false;
   bool cold = true;     // else beta, x, y hold an estimate for the flash at *T
   double* T = nullptr;  // in/out, K; exactly 0 starts at 298.15

@@ -5,11 +5,63 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "flash/free_water.hpp"
 #include "support/mathkernels.hpp"
 
 namespace kestrune::flash {
+namespace {
+
+// One phase by the host's routine. What it writes is looked at before it is used; composition derivatives that
+// it leaves alone are those of an ideal mixture.
+StatusCode host_phase(Model& m, const double* x, int phase, double* ln_phi, const Derivatives& d, double& Z) {
+  constexpr double kUnwritten = std::numeric_limits<double>::quiet_NaN();
+  const int n = m.n;
+  // The pressure derivatives are always asked for: Z = 1 + P sum x_i d ln phi_i/dP tells gas from liquid.
+  double* const dP = d.dP != nullptr ? d.dP : m.row;
+  double* const dn = d.dn != nullptr ? m.square : nullptr;
+  const std::size_t entries = dn != nullptr ? static_cast<std::size_t>(n) * n : 0;
+  const int mask = (d.dT != nullptr ? KV_DERIV_T : 0) | KV_DERIV_P | (dn != nullptr ? KV_DERIV_N : 0);
+  if (!usable_state(m.T, m.P, n, x)) return KV_NOT_FINITE;
+  std::fill_n(ln_phi, n, kUnwritten);
+  std::fill_n(dP, n, kUnwritten);
+  if (d.dT != nullptr) std::fill_n(d.dT, n, kUnwritten);
+  std::fill_n(m.square, entries, 0.0);
+  ++m.counts.fugacities;
+  if (dn != nullptr) ++m.counts.matrices;
+  const StatusCode status = call_host(
+      *m.host, [&] { return m.routine(m.T, m.P, x, m.mixture, phase, 2, mask, ln_phi, d.dT, dP, dn); });
+  if (status != KV_OK) return status;
+  if (!all_finite(n, ln_phi) || !all_finite(n, dP) || (d.dT != nullptr && !all_finite(n, d.dT)) ||
+      !all_finite(static_cast<int>(entries), m.square))
+    return end_flash(*m.host, KV_NOT_FINITE);
+  double sum = 0.0;
+  for (int i = 0; i < n; ++i) sum += x[i] * dP[i];
+  Z = 1.0 + m.P * sum;
+  for (int j = 0; dn != nullptr && j < n; ++j)
+    std::copy_n(dn + static_cast<std::size_t>(j) * n, n, d.dn + static_cast<std::size_t>(j) * m.ld);
+  for (int i = n; i < m.ld; ++i) ln_phi[i] = 0.0;
+  return KV_OK;
+}
+
+// Both phases, and the one of lower Gibbs energy: two calls, three for a liquid with derivatives.
+StatusCode host_stable(Model& m, const double* x, double* ln_phi, const Derivatives& d, double& Z) {
+  double zl = 0.0, gas = 0.0, liquid = 0.0;
+  StatusCode status = host_phase(m, x, KV_PHASE_LIQUID, m.compared, {}, zl);
+  if (status == KV_OK) status = host_phase(m, x, KV_PHASE_GAS, ln_phi, d, Z);
+  if (status != KV_OK) return status;
+  for (int i = 0; i < m.n; ++i) gas += x[i] * ln_phi[i];
+  for (int i = 0; i < m.n; ++i) liquid += x[i] * m.compared[i];
+  if (gas <= liquid) return KV_OK;
+  if (d.dT != nullptr || d.dP != nullptr || d.dn != nullptr)
+    return host_phase(m, x, KV_PHASE_LIQUID, ln_phi, d, Z);
+  std::copy_n(m.compared, m.ld, ln_phi);
+  Z = zl;
+  return KV_OK;
+}
+
+}  // namespace
 
 double covolume(const MixtureRecord& mixture, const double* x) noexcept {
   const double* Tc = mixture.table + static_cast<std::size_t>(KV_COL_TC - 1) * mixture.count;
@@ -23,15 +75,15 @@ bool lighter(const MixtureRecord& mixture, const double* x, double Zx, const dou
   return covolume(mixture, x) * Zy < covolume(mixture, y) * Zx;
 }
 
-StatusCode make_model(double T, double P, MixtureRecord* mixture, const ModelRoutines* routines,
-                      bool free_water, int order, support::Arena& arena, Model& m) {
+StatusCode make_model(double T, double P, MixtureRecord* mixture, HostRoutines* routines, bool free_water,
+                      int order, support::Arena& arena, Model& m) {
   m.T = T;
   m.P = P;
   m.mixture = mixture;
   m.n = mixture->count;
   m.ld = support::padded(m.n);
-  void* const entry = routines != nullptr ? routines->entry[KV_ROUTINE_FUGACITY - 1] : nullptr;
-  m.routine = reinterpret_cast<KvFugacityRoutine>(entry);
+  m.host = routines;
+  m.routine = host_routine<KvFugacityRoutine>(routines, KV_ROUTINE_FUGACITY);
   m.s = arena.zeros(m.ld);
   m.row = arena.zeros(m.ld);
   m.water = free_water ? eos::find_water_family(*mixture) : -1;
@@ -92,35 +144,8 @@ StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_ph
 StatusCode plain_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,
                           double& Z) {
   if (m.routine == nullptr) return built_in_fugacity(m, x, kind, ln_phi, d, false, Z);
-  if (kind == Kind::stable) {
-    // Both phases, and the one of lower Gibbs energy.
-    double zg = 0.0, zl = 0.0;
-    StatusCode status = plain_fugacity(m, x, Kind::gas, m.compared, {}, zg);
-    if (status != KV_OK) return status;
-    double gas = 0.0, liquid = 0.0;
-    for (int i = 0; i < m.n; ++i) gas += x[i] * m.compared[i];
-    status = plain_fugacity(m, x, Kind::liquid, m.compared, {}, zl);
-    if (status != KV_OK) return status;
-    for (int i = 0; i < m.n; ++i) liquid += x[i] * m.compared[i];
-    Z = 0.0;
-    return plain_fugacity(m, x, gas <= liquid ? Kind::gas : Kind::liquid, ln_phi, d, Z);
-  }
-  const int phase = kind == Kind::gas ? KV_PHASE_GAS : KV_PHASE_LIQUID;
-  ++m.counts.fugacities;
-  // The pressure derivatives are always asked for: Z = 1 + P sum x_i d ln phi_i/dP tells gas from liquid.
-  double* dP = d.dP != nullptr ? d.dP : m.row;
-  const int mask = (d.dT ? KV_DERIV_T : 0) | KV_DERIV_P | (d.dn ? KV_DERIV_N : 0);
-  if (d.dn != nullptr) ++m.counts.matrices;
-  const StatusCode status =
-      m.routine(m.T, m.P, x, m.mixture, phase, 2, mask, ln_phi, d.dT, dP, d.dn ? m.square : nullptr);
-  if (status != KV_OK) return status;
-  double sum = 0.0;
-  for (int i = 0; i < m.n; ++i) sum += x[i] * dP[i];
-  Z = 1.0 + m.P * sum;
-  for (int j = 0; d.dn != nullptr && j < m.n; ++j)
-    std::copy_n(m.square + static_cast<std::size_t>(j) * m.n, m.n, d.dn + static_cast<std::size_t>(j) * m.ld);
-  for (int i = m.n; i < m.ld; ++i) ln_phi[i] = 0.0;
-  return KV_OK;
+  if (kind == Kind::stable) return host_stable(m, x, ln_phi, d, Z);
+  return host_phase(m, x, kind == Kind::gas ? KV_PHASE_GAS : KV_PHASE_LIQUID, ln_phi, d, Z);
 }
 
 StatusCode water_aware_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,

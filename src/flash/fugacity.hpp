@@ -4,6 +4,7 @@
 #define KESTRUNE_FLASH_FUGACITY_HPP
 
 #include "eos/phase.hpp"
+#include "flash/host.hpp"
 #include "flash/water.hpp"
 #include "kestrune/records.h"
 #include "support/arena.hpp"
@@ -34,6 +35,7 @@ struct Model {
   double T = 0.0, P = 0.0;
   int n = 0, ld = 0;
   MixtureRecord* mixture = nullptr;
+  HostRoutines* host = nullptr;
   KvFugacityRoutine routine = nullptr;  // of the host; null: the built-in equation of state
   frame::tools::KvBracub bracub = nullptr;
   eos::Temperature t;       // prepared when routine is null
@@ -44,7 +46,7 @@ struct Model {
   double* s = nullptr;             // [ld] work
   double* modified = nullptr;      // [ld] work of the free-water rules
   double* square = nullptr;        // [n * n] work for a host's composition derivatives
-  double* compared = nullptr;      // [ld] ln phi of a phase while a host's two are compared
+  double* compared = nullptr;      // [ld] ln phi of a liquid while a host's two phases are compared
   double* limit_dn = nullptr;      // [ld * n] work of the free-water rules, order 1
   double* row = nullptr;           // [ld] work
   Counts counts;
@@ -56,8 +58,8 @@ struct Model {
  * KV_OK, or why there is no model at this temperature. order 1 prepares temperature derivatives, which then may
  * be asked for.
  */
-StatusCode make_model(double T, double P, MixtureRecord* mixture, const ModelRoutines* routines,
-                      bool free_water, int order, support::Arena& arena, Model& m);
+StatusCode make_model(double T, double P, MixtureRecord* mixture, HostRoutines* routines, bool free_water,
+                      int order, support::Arena& arena, Model& m);
 
 /* Co-volume of a composition from the table, cm3/mol: a host's fugacity routine brings no prepared temperature.
  */

@@ -88,7 +88,8 @@ StatusCode split_from_trial(Flash& f) {
   }
   report_third(f);
   // On the boundary itself, or of traces alone: what splits off has no amount that could be told from rounding.
-  if (f.lowest.tm > -1e-8 || most_of(f.m.n, f.it.z, f.lowest.w) < kNoAmount) return finish_single_phase(f);
+  const double boundary = std::max(1e-8, host_slack(f.m, f.settings));
+  if (f.lowest.tm > -boundary || most_of(f.m.n, f.it.z, f.lowest.w) < kNoAmount) return finish_single_phase(f);
   return write_answer(f, outcome == Outcome::exhausted ? KV_NOT_CONVERGED : KV_TRIVIAL);
 }
 

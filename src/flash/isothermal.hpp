@@ -29,7 +29,7 @@ struct IsothermalCall {
   double T = 0.0, P = 0.0;    // K, atm
   const double* z = nullptr;  // feed, need not sum to one
   MixtureRecord* mixture = nullptr;
-  const ModelRoutines* routines = nullptr;
+  HostRoutines* routines = nullptr;
   bool free_water = false;
   Mode mode = Mode::liquid_vapour;
   Start start = Start::cold;

@@ -14,7 +14,7 @@ struct QualityCall {
   double given = 0.0;         // P (atm) or T (K)
   const double* z = nullptr;  // feed, need not sum to one
   MixtureRecord* mixture = nullptr;
-  const ModelRoutines* routines = nullptr;
+  HostRoutines* routines = nullptr;
   bool free_water = false;
   bool cold = true;           // else x, y and the unknown hold an estimate; an unusable one is ignored
   double* unknown = nullptr;  // in/out; not greater than 0: 298.15 K, 1 atm

@@ -19,7 +19,7 @@ struct QualityLine {
   const double* z = nullptr;  // [ld] feed with sum 1, padded
   double W = 0.0;             // of the phase y
   MixtureRecord* mixture = nullptr;
-  const ModelRoutines* routines = nullptr;
+  HostRoutines* routines = nullptr;
   bool free_water = false;
   bool stable_roots = false;  // each phase takes the root below, not that of its name
   Kind root_x = Kind::stable, root_y = Kind::stable;

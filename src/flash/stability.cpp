@@ -23,7 +23,8 @@ constexpr double kLargestLogW = 600.0;
 constexpr double kClearlyNegative = -1e-2, kClearGradient = 1e-3;
 constexpr double kTrivialDistance = 1e-1, kTrivialRatio = 0.2;
 constexpr double kKnownComposition = 0.01, kKnownExactly = 1e-4;
-constexpr double kConvex = 0.1;  // lowest eigenvalue of a reference that quick trials are good enough for
+constexpr double kConvex = 0.1;     // lowest eigenvalue of a reference that quick trials are good enough for
+constexpr double kSameRoot = 1e-9;  // relative difference of the Z of a host's two phases
 constexpr double kSameComposition = 1e-16, kNearComposition = 0.4;  // sum of (w - z)^2/(w + z)
 
 // ln phi of the trial, residuals r and tm.
@@ -240,8 +241,18 @@ StatusCode start_other_root(Model& m, const Reference& ref, const double* w, Tri
     kind = gas_stable ? Kind::liquid : Kind::gas;
     eos::ln_phi(m.t, mixed, gas_stable ? liquid : gas, m.s, t.ln_phi);
   } else {
-    const StatusCode status = fugacity(m, w, kind, t.ln_phi, nullptr, t.Z);
-    if (status != KV_OK) return status;
+    double Z = 0.0, gas = 0.0, liquid = 0.0;
+    StatusCode status = fugacity(m, w, Kind::gas, t.ln_phi, nullptr, Z);
+    for (int i = 0; i < m.n; ++i) gas += w[i] * t.ln_phi[i];
+    if (status == KV_OK) status = fugacity(m, w, Kind::liquid, t.ln_phi, nullptr, t.Z);
+    for (int i = 0; i < m.n; ++i) liquid += w[i] * t.ln_phi[i];
+    found = status == KV_OK && std::fabs(Z - t.Z) > kSameRoot * Z;
+    if (!found) return status;
+    if (liquid < gas) {
+      kind = Kind::gas;
+      status = fugacity(m, w, kind, t.ln_phi, nullptr, t.Z);
+      if (status != KV_OK) return status;
+    }
   }
   for (int i = 0; i < m.n; ++i) t.log_w[i] = ref.d[i] - t.ln_phi[i];
   return KV_OK;

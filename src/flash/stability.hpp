@@ -84,7 +84,7 @@ StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& trial);
 /*
  * First substitution from the composition w[ld] on the root that is not its stable one, which a liquid beside a
  * vapour of nearly its composition needs: the way from the stable root leads back to the vapour. kind is the
- * root to follow then. found false: there is no such root. With a host's routine the liquid is taken.
+ * root to follow then. found false: there is no such root; with a host's routine, its two phases have one Z.
  */
 StatusCode start_other_root(Model& m, const Reference& ref, const double* w, Trial& trial, Kind& kind,
                             bool& found);

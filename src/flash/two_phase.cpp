@@ -22,6 +22,7 @@ constexpr double kSmallestRelaxation = 0.1;
 constexpr double kFinished = 1e-10, kOneStepAway = 3e-6;
 constexpr double kOwed = 1e-8;
 constexpr int kPolishSteps = 60;
+constexpr int kStalledSteps = 6;  // in a row that leave more than half: a host's coefficients end there
 constexpr int kPlainSteps = 6, kMaxTakenBack = 200;
 constexpr double kSmallestPivot = 1e-14;
 constexpr double kFirstShift =
@@ -38,6 +39,12 @@ struct Progress {
   bool linearised = false;  // quasi-linearisation
   bool damped = false;      // the error rose: the next step of the global method is a damped one
   int limit;                // ITEMAX in force
+};
+
+// Steps after the answer met CRIT.
+struct Polish {
+  int steps = 0, stalled = 0;
+  double mark = 1e300;  // the largest residual when it last halved
 };
 
 // Fugacities of both phases, residuals and Gibbs energy.
@@ -197,6 +204,26 @@ bool phases_are_one(const Model& m, const Iterate& it) {
   return sum < kTrivialLogK2;
 }
 
+// A Gibbs energy from the coefficients of a host may be rounded too: where the residuals fell, the step was
+// good.
+bool closer(const Model& m, const Iterate& it, double error_before) {
+  return m.routine != nullptr && it.error < 0.25 * error_before;
+}
+
+/*
+ * Whether the polish of an accepted answer has come to its end. The coefficients of a host may be rounded: what
+ * meets CRIT is then as good as they allow.
+ */
+bool polished(const Model& m, const Settings& s, const Iterate& it, Polish& p) {
+  ++p.steps;
+  const bool halved = it.worst <= 0.5 * p.mark;
+  p.stalled = halved ? 0 : p.stalled + 1;
+  if (halved) p.mark = it.worst;
+  if (it.worst <= kFinished || (p.steps > kPolishSteps && it.worst <= kOwed)) return true;
+  const bool at_end = p.stalled >= kStalledSteps || p.steps > kPolishSteps;
+  return m.routine != nullptr && at_end && it.error <= s.CRIT;
+}
+
 void trace_pass(support::TraceWriter& trace, const Progress& p, const Iterate& it) {
   if (!trace) return;
   trace.text(p.linearised ? "METHODE = QUASI-LINEARISATION" : "METHODE = GLOBALE");
@@ -239,8 +266,9 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
   it.count = 0;
   if (!split_feed(m, it)) return Outcome::one_phase;
   bool newton_taken = false, accepted = false;
-  double before = 0.0, factor = 1.0;
-  int polish = 0, failures = 0, plain = 0;
+  double before = 0.0, error_before = 0.0, factor = 1.0;
+  Polish polish;
+  int failures = 0, plain = 0;
   for (;;) {
     ++it.count;
     ++m.counts.iterations;
@@ -252,7 +280,7 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
     // A Newton step that went uphill: in Gibbs energy it is cut from where it began; without one (free water)
     // it is taken back and a few substitutions go first.
     if (newton_taken && !m.free_water && it.gibbs > before + 1e-11 * (1.0 + std::fabs(before)) &&
-        factor > 1e-4) {
+        factor > 1e-4 && !closer(m, it, error_before)) {
       factor *= 0.25;
       if (!take_newton_step(m, factor, work, it)) return Outcome::one_phase;
       continue;
@@ -265,9 +293,8 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
     }
     if (plain > 0) --plain;
     if (!accepted && it.error <= settings.CRIT && it.count >= 2) accepted = true;
-    if (accepted && it.worst <= kFinished) return Outcome::converged;
-    if (accepted && ++polish > kPolishSteps)
-      return it.worst <= kOwed ? Outcome::converged : Outcome::broke_down;
+    if (accepted && polished(m, settings, it, polish)) return Outcome::converged;
+    if (polish.steps > kPolishSteps) return Outcome::broke_down;
     if (it.count >= 2 && phases_are_one(m, it)) return Outcome::trivial;
     if (plan.compare_with_feed && !accepted && it.count == kDecreasesBeforeSwitch &&
         !(it.gibbs < plan.feed_gibbs - 1e-10))
@@ -275,7 +302,9 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
     if (!accepted && !follow_rules(settings, p, it.error, it.count)) return Outcome::broke_down;
     newton_taken = false;
     if (derivatives && newton_direction(m, work, it)) {
-      const bool last = accepted && it.worst < kOneStepAway * std::min(it.smallest_pivot, 1.0);
+      const bool last =
+          accepted && m.routine == nullptr && it.worst < kOneStepAway * std::min(it.smallest_pivot, 1.0);
+      error_before = it.error;
       before = m.free_water ? it.error : it.gibbs;
       factor = 1.0;
       if (!take_newton_step(m, 1.0, work, it)) return Outcome::one_phase;

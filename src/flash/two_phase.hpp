@@ -2,6 +2,8 @@
 #ifndef KESTRUNE_FLASH_TWO_PHASE_HPP
 #define KESTRUNE_FLASH_TWO_PHASE_HPP
 
+#include <cmath>
+
 #include "flash/fugacity.hpp"
 #include "flash/settings.hpp"
 #include "support/trace.hpp"
@@ -62,6 +64,14 @@ struct IterationPlan {
 Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPlan& plan,
                            support::TraceWriter& trace, const TwoPhaseWork& work, Iterate& it,
                            StatusCode& status);
+
+/*
+ * What may be left of ln fugacities, and of a tangent-plane distance that no split was found for, where a
+ * host's routine rules: as much as CRIT allows. 0 for the built-in equation, which has bounds of its own.
+ */
+inline double host_slack(const Model& m, const Settings& s) {
+  return m.routine != nullptr ? std::sqrt(s.CRIT) : 0.0;
+}
 
 /* Phase fraction and compositions from it.k; false when only one phase is left. */
 bool split_feed(const Model& m, Iterate& it);

@@ -79,7 +79,8 @@ StatusCode two_phases(Equilibrium& e, bool warm) {
   if (evaluated != KV_OK || e.p.count < 2 || e.p.worst <= kLoose) return evaluated;
   // Beside a critical point: the last steps of the two-phase flash were not enough.
   StatusCode polished = KV_OK;
-  if (polish_phases(e.m, e.z, e.how, e.p, e.w, polished) != Ended::converged)
+  if (polish_phases(e.m, e.z, e.how, e.p, e.w, polished) != Ended::converged &&
+      !(e.p.worst <= flash::host_slack(e.m, e.how.settings)))
     return polished != KV_OK ? polished : KV_TRIVIAL;
   return test_equilibrium(e);
 }
@@ -179,7 +180,7 @@ StatusCode improve(Equilibrium& e) {
     if (!lower(status)) status = from_own_starts(e);
     if (status != KV_OK) {
       copy_phases(e.answer, e.p, e.m.ld);
-      if (distance > kClearlyCut) return KV_OK;
+      if (distance > std::min(kClearlyCut, -flash::host_slack(e.m, e.how.settings))) return KV_OK;
       return e.p.count == kMostPhases ? StatusCode{KV_FOURTH_PHASE} : status;
     }
   }

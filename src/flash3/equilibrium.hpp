@@ -12,7 +12,7 @@ namespace kestrune::flash3 {
 struct Equilibrium {
   double* z = nullptr;  // feed with sum 1; traces below 1e-15 are 0
   flash::Model m;
-  const ModelRoutines* routines = nullptr;
+  flash::HostRoutines* routines = nullptr;
   Iteration how;
   PhasesWork w;
   Phases p;             // the answer, in no order; of one phase it is the feed
@@ -32,7 +32,7 @@ struct EquilibriumCall {
   double T = 0.0, P = 0.0;    // K, atm
   const double* z = nullptr;  // [n] feed, need not sum to one
   MixtureRecord* mixture = nullptr;
-  const ModelRoutines* routines = nullptr;
+  flash::HostRoutines* routines = nullptr;
 };
 
 /*

@@ -1,6 +1,8 @@
 #include "flash3/liquid_liquid.hpp"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 #include <utility>
 
 #include "eos/properties.hpp"
@@ -35,15 +37,18 @@ bool is_pure(const LiquidLiquidCall& c) {
 
 }  // namespace
 
-DensityRoutine host_density(const ModelRoutines* routines) noexcept {
-  return routines != nullptr ? reinterpret_cast<DensityRoutine>(routines->entry[KV_ROUTINE_LIQUID_ORDER - 1])
-                             : nullptr;
+DensityRoutine host_density(const flash::HostRoutines* routines) noexcept {
+  return flash::host_routine<DensityRoutine>(routines, KV_ROUTINE_LIQUID_ORDER);
 }
 
 StatusCode density_of_liquid(const LiquidPhase& l, double& rho) {
   if (const DensityRoutine routine = host_density(l.routines)) {
     double d_dT = 0.0, d_dP = 0.0, d2_dTdP = 0.0;
-    return routine(l.T, l.P, l.x, l.mixture, &rho, &d_dT, &d_dP, &d2_dTdP);
+    rho = std::numeric_limits<double>::quiet_NaN();
+    const StatusCode status = flash::call_host(
+        *l.routines, [&] { return routine(l.T, l.P, l.x, l.mixture, &rho, &d_dT, &d_dP, &d2_dTdP); });
+    if (status != KV_OK || std::isfinite(rho)) return status;
+    return flash::end_flash(*l.routines, KV_NOT_FINITE);
   }
   eos::Density d{};
   const StatusCode status = eos::density({l.T, l.P, l.x, KV_PHASE_LIQUID, l.mixture}, d);

@@ -10,7 +10,7 @@ struct LiquidLiquidCall {
   double T = 0.0, P = 0.0;    // K, atm
   const double* z = nullptr;  // feed, need not sum to one
   MixtureRecord* mixture = nullptr;
-  const ModelRoutines* routines = nullptr;
+  flash::HostRoutines* routines = nullptr;
   bool free_water = false;
   bool estimate = false;                          // the results hold one; an unusable one is ignored
   double* beta = nullptr;                         // share of liquid 2
@@ -29,13 +29,13 @@ using DensityRoutine = StatusCode(KV_CALL*)(double, double, const double*, Mixtu
                                             double*, double*);
 
 /* The routine of a host that orders liquids (entry 10), null without one. */
-DensityRoutine host_density(const ModelRoutines* routines) noexcept;
+DensityRoutine host_density(const flash::HostRoutines* routines) noexcept;
 
 struct LiquidPhase {
   double T, P;  // K, atm
   const double* x;
   MixtureRecord* mixture;
-  const ModelRoutines* routines;
+  flash::HostRoutines* routines;
 };
 /* Mass density of a liquid, g/cm3, by the host's routine or by the library's. */
 StatusCode density_of_liquid(const LiquidPhase& liquid, double& rho);

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "flash/feed.hpp"
+#include "flash/two_phase.hpp"
 #include "flash/water.hpp"
 #include "flash3/trace_phases.hpp"
 #include "support/mathkernels.hpp"
@@ -252,7 +253,8 @@ Ended finish(Run& r) {
     slow = r.p.worst <= kOwed && r.p.worst > 0.5 * before ? slow + 1 : 0;
     if (slow >= kSlowSteps) break;  // rounding
   }
-  return r.p.worst <= kOwed ? Ended::converged : Ended::damped;
+  const double owed = std::max(kOwed, flash::host_slack(r.m, r.how.settings));
+  return r.p.worst <= owed ? Ended::converged : Ended::damped;
 }
 
 }  // namespace

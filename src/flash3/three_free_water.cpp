@@ -16,8 +16,8 @@ constexpr double kReached = 1e-11, kSameTemperature = 1e-13, kFirstStep = 0.1;
 StatusCode evaluate(const ThreeEnergyCall& c, const flash::CaloricModel& model, double& total) {
   const ThreePhaseResult& r = c.out;
   // The mark: all of the liquid is A.
-  const double A = *r.beta == 1.0 ? 1.0 - *r.V : *r.beta;
-  const double amounts[] = {A, 1.0 - A - *r.V, *r.V};
+  const bool mark = *r.beta == 1.0;
+  const double amounts[] = {mark ? 1.0 - *r.V : *r.beta, mark ? 0.0 : 1.0 - *r.beta - *r.V, *r.V};
   const double* const compositions[] = {r.xA, r.xB, r.y};
   double* const values[] = {c.A, c.B, c.vapour};
   total = 0.0;

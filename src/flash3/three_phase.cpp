@@ -14,103 +14,14 @@ namespace {
 using flash::kLargestK;
 using flash::kSmallestK;
 
+// Of a component that is present, in a phase that is given to start from.
+constexpr double kLeastFraction = 1e-300;
+
 using FlashRoutine = StatusCode(KV_CALL*)(double, double, const double*, MixtureRecord*, const ModelRoutines*,
                                           int32_t, double*, double*, double*, double*);
 
 FlashRoutine host_flash(const ThreePhaseCall& c, int entry) {
-  return c.routines != nullptr ? reinterpret_cast<FlashRoutine>(c.routines->entry[entry - 1]) : nullptr;
-}
-
-// ---- the host's own flashes ----
-
-/*
- * The host's liquid-vapour flash and its split of the liquid, or the library's where it has none, as the start.
- * True: there are two liquids and a vapour, in e.p; else it is an answer of one or two phases, in e.p.
- */
-bool start_by_host(const ThreePhaseCall& c, Equilibrium& e, StatusCode& lv_status, StatusCode& status) {
-  const int n = e.m.n;
-  const FlashRoutine lv = host_flash(c, KV_ROUTINE_LV_FLASH), ll = host_flash(c, KV_ROUTINE_LL_FLASH);
-  lv_status = status = KV_OK;
-  const auto keep = [&](int j, const double* x, double amount) {
-    std::copy_n(x, n, e.p.x[j]);
-    e.p.amount[j] = amount;
-  };
-  if (lv != nullptr) {
-    lv_status = lv(c.T, c.P, e.z, c.mixture, c.routines, 0, &e.beta, e.x, e.y, e.K);
-    if (lv_status == KV_SINGLE_PHASE) lv_status = KV_OK;
-    if (!(e.beta >= 0.0 && e.beta <= 1.0)) status = KV_NO_START;
-  } else {
-    status = find_equilibrium(e);
-    if (status == KV_OK && e.p.count == kMostPhases) return false;  // complete as it is
-    if (e.p.count == 2) e.beta = e.p.amount[1];
-    if (e.p.count == 1) e.beta = e.gas ? 1.0 : 0.0;
-  }
-  if (status != KV_OK) return false;
-  const double V = e.beta;
-  const double* const liquid = V > 0.0 ? e.x : e.z;
-  double share = 0.0;
-  double *const xA = e.w.moles[0], *const xB = e.w.moles[1];
-  if (V < 1.0) {
-    status =
-        ll != nullptr
-            ? ll(c.T, c.P, liquid, c.mixture, c.routines, 0, &share, xB, xA, e.K)
-            : liquid_liquid_flash({c.T, c.P, liquid, c.mixture, c.routines, false, false, &share, xB, xA, e.K});
-    if (status != KV_OK) return false;
-  }
-  e.p.count = 0;
-  if (share > 0.0 && share < 1.0) {
-    keep(e.p.count++, xA, (1.0 - V) * share);
-    keep(e.p.count++, xB, (1.0 - V) * (1.0 - share));
-  } else if (V < 1.0) {
-    keep(e.p.count++, liquid, 1.0 - V);
-  }
-  if (V > 0.0) keep(e.p.count++, V < 1.0 ? e.y : e.z, V);
-  e.gas = V == 1.0;
-  status = evaluate_phases(e.m, e.z, e.p, e.w, false);
-  return e.p.count == kMostPhases && status == KV_OK;
-}
-
-StatusCode solve_with_host(const ThreePhaseCall& c, Equilibrium& e) {
-  StatusCode lv_status = KV_OK, status = KV_OK;
-  if (start_by_host(c, e, lv_status, status)) {
-    e.how.index = 4;
-    status = find_equilibrium_from(e);
-  }
-  if (status != KV_OK) return lv_status != KV_OK ? StatusCode{KV_NO_START} : status;
-  status = write_phases(e, c.out);
-  if (lv_status == KV_OK) return status;
-  return status == KV_LV_ANSWER   ? KV_LV_ANSWER_DOUBTFUL
-         : status == KV_LL_ANSWER ? KV_LL_ANSWER_DOUBTFUL
-                                  : status;
-}
-
-// ---- free water ----
-
-StatusCode solve_with_free_water(const ThreePhaseCall& c, support::Arena& arena) {
-  const int n = c.mixture->count, ld = support::padded(n);
-  double *const x = arena.zeros(ld), *const y = arena.zeros(ld), *const K = arena.zeros(ld);
-  double V = 0.0;
-  StatusCode status;
-  if (const FlashRoutine lv = host_flash(c, KV_ROUTINE_LV_FLASH)) {
-    status = lv(c.T, c.P, c.z, c.mixture, c.routines, 1, &V, x, y, K);
-  } else {
-    flash::IsothermalCall call;
-    call.T = c.T;
-    call.P = c.P;
-    call.z = c.z;
-    call.mixture = c.mixture;
-    call.routines = c.routines;
-    call.free_water = true;
-    call.beta = &V;
-    call.x = x;
-    call.y = y;
-    call.K = K;
-    status = flash::isothermal_flash(call);
-  }
-  if (status != KV_OK && status != KV_SINGLE_PHASE) return status;
-  const bool split = split_free_water({c.T, c.P, c.mixture, V, x, y}, c.out);
-  if (!split) return KV_LV_ANSWER;
-  return V > 0.0 ? KV_OK : KV_LL_ANSWER;
+  return flash::host_routine<FlashRoutine>(c.routines, entry);
 }
 
 // The phases that were found, beside a status the last ones that were seen.
@@ -122,6 +33,147 @@ StatusCode write_found(Equilibrium& e, StatusCode status, const ThreePhaseResult
   return status != KV_OK ? status : written;
 }
 
+// From the phases in e.p; a start that leads to no answer is as good as none.
+StatusCode solve_from_phases(Equilibrium& e) {
+  const StatusCode status = find_equilibrium_from(e);
+  return status == KV_OK || status > KV_STATUS_CALL_BLOCK ? status : find_equilibrium(e);
+}
+
+// ---- the host's own flashes ----
+// What they return is a start: the answer is the library's, tested like any other.
+
+// A fraction of the second phase and two compositions [n].
+struct HostSplit {
+  double part = 0.0, *first = nullptr, *second = nullptr, *K = nullptr;
+  bool failed = false;  // its status was not one to go on with
+};
+
+/*
+ * A flash of the host for the feed z[n], as a cold start: nothing usable stands in its results. False: what it
+ * left is no fraction with compositions of the phases that have a part in it.
+ */
+bool call_flash(FlashRoutine routine, const ThreePhaseCall& c, const double* z, HostSplit& s,
+                StatusCode& status) {
+  const int n = c.mixture->count;
+  s.part = 0.0;
+  for (double* a : {s.first, s.second, s.K}) std::fill_n(a, n, 0.0);
+  status = routine(c.T, c.P, z, c.mixture, c.routines->record, 0, &s.part, s.first, s.second, s.K);
+  s.failed = !flash::goes_on(status);
+  if (s.part == 0.0 || s.part == 1.0) return true;
+  return s.part > 0.0 && s.part < 1.0 && flash::usable_compositions(n, s.first, s.second);
+}
+
+// The answer, doubtful where the liquid-vapour flash of the host had a status.
+StatusCode doubt(bool failed, StatusCode status) {
+  if (!failed) return status;
+  return status == KV_LV_ANSWER   ? KV_LV_ANSWER_DOUBTFUL
+         : status == KV_LL_ANSWER ? KV_LL_ANSWER_DOUBTFUL
+                                  : status;
+}
+
+// The liquid-vapour flash of the feed, the host's or the library's.
+StatusCode liquid_vapour(const ThreePhaseCall& c, Equilibrium& e, HostSplit& lv) {
+  StatusCode status = KV_OK;
+  if (const FlashRoutine routine = host_flash(c, KV_ROUTINE_LV_FLASH))
+    return call_flash(routine, c, e.z, lv, status) ? KV_OK : KV_NO_START;
+  flash::IsothermalCall call;
+  call.T = c.T;
+  call.P = c.P;
+  call.z = e.z;
+  call.mixture = c.mixture;
+  call.routines = c.routines;
+  call.beta = &lv.part;
+  call.x = lv.first;
+  call.y = lv.second;
+  call.K = lv.K;
+  call.model = &e.m;
+  status = flash::isothermal_flash(call);
+  return status == KV_SINGLE_PHASE ? StatusCode{KV_OK} : status;
+}
+
+// The split of the liquid, the host's or the library's; one that the library has not found is none.
+StatusCode liquid_liquid(const ThreePhaseCall& c, const double* liquid, HostSplit& ll) {
+  StatusCode status = KV_OK;
+  if (const FlashRoutine routine = host_flash(c, KV_ROUTINE_LL_FLASH)) {
+    const bool usable = call_flash(routine, c, liquid, ll, status);
+    return ll.failed ? status : usable ? StatusCode{KV_OK} : StatusCode{KV_NO_START};
+  }
+  status = liquid_liquid_flash(
+      {c.T, c.P, liquid, c.mixture, c.routines, false, false, &ll.part, ll.first, ll.second, ll.K});
+  if (status == flash::kHostStatus) return status;
+  if (status != KV_OK) ll.part = 0.0;
+  return KV_OK;
+}
+
+// One to three phases into e.p.
+StatusCode start_by_host(const ThreePhaseCall& c, Equilibrium& e, HostSplit& lv) {
+  HostSplit ll{0.0, e.w.moles[1], e.w.moles[0], e.w.moles[2]};
+  StatusCode status = liquid_vapour(c, e, lv);
+  if (status != KV_OK) return status;
+  const double V = lv.part;
+  // Traces at the bound of their distribution coefficient follow no fugacity and would make the liquid
+  // unstable.
+  double* const liquid = e.w.saved[0];
+  for (int i = 0; i < e.m.n; ++i) {
+    const double x = V > 0.0 ? lv.first[i] : e.z[i];
+    liquid[i] = x < kAbsent ? 0.0 : x;
+  }
+  if (V < 1.0 && (status = liquid_liquid(c, liquid, ll)) != KV_OK) {
+    if (!ll.failed) return status;
+    return lv.failed ? StatusCode{KV_NO_START} : flash::end_flash(*c.routines, status);
+  }
+  e.p.count = 0;
+  const auto keep = [&](const double* x, double amount) {
+    double* const phase = e.p.x[e.p.count];
+    for (int i = 0; i < e.m.n; ++i) phase[i] = e.z[i] > 0.0 ? std::max(x[i], kLeastFraction) : 0.0;
+    e.p.amount[e.p.count++] = amount;
+  };
+  if (ll.part > 0.0 && ll.part < 1.0) {
+    keep(ll.second, (1.0 - V) * ll.part);
+    keep(ll.first, (1.0 - V) * (1.0 - ll.part));
+  } else if (V < 1.0) {
+    keep(liquid, 1.0 - V);
+  }
+  if (V > 0.0) keep(V < 1.0 ? lv.second : e.z, V);
+  return KV_OK;
+}
+
+StatusCode solve_with_host(const ThreePhaseCall& c, Equilibrium& e) {
+  HostSplit lv{0.0, e.x, e.y, e.K};
+  StatusCode status = start_by_host(c, e, lv);
+  if (status != KV_OK) return status;
+  status = solve_from_phases(e);
+  return doubt(lv.failed, write_found(e, status, c.out));
+}
+
+// ---- free water ----
+
+StatusCode solve_with_free_water(const ThreePhaseCall& c, support::Arena& arena) {
+  const int n = c.mixture->count, ld = support::padded(n);
+  HostSplit lv{0.0, arena.zeros(ld), arena.zeros(ld), arena.zeros(ld)};
+  StatusCode status = KV_OK;
+  flash::IsothermalCall call;
+  call.T = c.T;
+  call.P = c.P;
+  call.z = c.z;
+  call.mixture = c.mixture;
+  call.routines = c.routines;
+  call.free_water = true;
+  if (const FlashRoutine routine = host_flash(c, KV_ROUTINE_LV_FLASH)) {
+    if (!call_flash(routine, c, c.z, lv, status)) return KV_NO_START;
+    call.start = flash::Start::warm;
+  }
+  call.beta = &lv.part;
+  call.x = lv.first;
+  call.y = lv.second;
+  call.K = lv.K;
+  status = flash::isothermal_flash(call);
+  if (status != KV_OK && status != KV_SINGLE_PHASE) return status;
+  if (!split_free_water({c.T, c.P, c.mixture, lv.part, lv.first, lv.second}, c.out))
+    return doubt(lv.failed, KV_LV_ANSWER);
+  return lv.part > 0.0 ? StatusCode{KV_OK} : doubt(lv.failed, KV_LL_ANSWER);
+}
+
 StatusCode solve(const ThreePhaseCall& c, support::Arena& arena) {
   if (c.free_water) return solve_with_free_water(c, arena);
   const flash::Settings settings = flash::copy_settings(*c.mixture);
@@ -129,10 +181,11 @@ StatusCode solve(const ThreePhaseCall& c, support::Arena& arena) {
   Equilibrium e;
   StatusCode status = open_equilibrium({c.T, c.P, c.z, c.mixture, c.routines}, 0, arena, trace, e);
   if (status != KV_OK) return status;
-  if (host_flash(c, KV_ROUTINE_LV_FLASH) != nullptr || host_flash(c, KV_ROUTINE_LL_FLASH) != nullptr)
-    return solve_with_host(c, e);
   const bool given = c.estimate && take_estimate(c.out, e);
-  status = given ? find_equilibrium_from(e) : find_equilibrium(e);
+  const bool by_host =
+      host_flash(c, KV_ROUTINE_LV_FLASH) != nullptr || host_flash(c, KV_ROUTINE_LL_FLASH) != nullptr;
+  if (by_host && !given) return solve_with_host(c, e);
+  status = given ? solve_from_phases(e) : find_equilibrium(e);
   return write_found(e, status, c.out);
 }
 
@@ -235,7 +288,8 @@ bool take_estimate(const ThreePhaseResult& given, Equilibrium& e) {
     if (!(amounts[j] >= 0.0 && amounts[j] <= 1.0)) return false;
     if (amounts[j] == 0.0) continue;
     if (!flash::usable_compositions(n, compositions[j], compositions[j])) return false;
-    for (int i = 0; i < n; ++i) e.p.x[e.p.count][i] = e.z[i] > 0.0 ? std::max(compositions[j][i], 1e-300) : 0.0;
+    for (int i = 0; i < n; ++i)
+      e.p.x[e.p.count][i] = e.z[i] > 0.0 ? std::max(compositions[j][i], kLeastFraction) : 0.0;
     e.p.amount[e.p.count++] = amounts[j];
   }
   return e.p.count >= 2;

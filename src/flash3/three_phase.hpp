@@ -17,7 +17,7 @@ struct ThreePhaseCall {
   double T = 0.0, P = 0.0;    // K, atm
   const double* z = nullptr;  // feed; its sum is checked against the record's tolerance
   MixtureRecord* mixture = nullptr;
-  const ModelRoutines* routines = nullptr;
+  flash::HostRoutines* routines = nullptr;
   bool free_water = false;
   bool estimate = false;  // the results hold one; an unusable one is ignored
   ThreePhaseResult out;

@@ -14,7 +14,7 @@ struct ThreeQualityCall {
   double given = 0.0;         // P (atm) or T (K)
   const double* z = nullptr;  // feed; its sum is checked against the record's tolerance
   MixtureRecord* mixture = nullptr;
-  const ModelRoutines* routines = nullptr;
+  flash::HostRoutines* routines = nullptr;
   bool free_water = false;
   bool estimate = false;      // the results and the unknown hold one; an unusable one is ignored
   double* unknown = nullptr;  // in/out, K or atm; not greater than 0: a start of the flash's own

@@ -36,6 +36,7 @@ Library::Library(const std::string& file) {
   resolve(handle, "GasMolarEnthalpy_PPR78", property_[0][1]);
   resolve(handle, "LiquidMolarEntropy_PPR78", property_[1][0]);
   resolve(handle, "GasMolarEntropy_PPR78", property_[1][1]);
+  find_own_routines(handle);
 }
 
 void Library::prepare(const Feed& feed, const Components& c) {
@@ -85,7 +86,7 @@ Answer Library::flash(const Feed& feed, double T, double P, const Answer* warm) 
   answer.y.resize(feed.z.size());
   answer.K.resize(feed.z.size());
   const uint8_t flags = record_.flags;
-  answer.status = flash_(T, P, feed.z.data(), &record_, nullptr, warm ? 0 : 1, &answer.beta, answer.x.data(),
+  answer.status = flash_(T, P, feed.z.data(), &record_, routines_, warm ? 0 : 1, &answer.beta, answer.x.data(),
                          answer.y.data(), answer.K.data());
   if (record_.flags != flags) throw std::runtime_error("the flags byte of the record was not put back");
   return answer;
@@ -101,7 +102,7 @@ SaturationAnswer Library::saturation(const Feed& feed, const SaturationQuestion&
   answer.K.resize(feed.z.size());
   const auto routine = q.given == Given::temperature ? at_temperature_ : at_pressure_;
   answer.seconds = timed([&] {
-    answer.status = routine(q.W, q.value, feed.z.data(), &record, nullptr, warm ? 0 : 1, &answer.found,
+    answer.status = routine(q.W, q.value, feed.z.data(), &record, routines_, warm ? 0 : 1, &answer.found,
                             answer.x.data(), answer.y.data(), answer.K.data());
   });
   check_flags(record);
@@ -120,7 +121,7 @@ CaloricAnswer Library::caloric(const Feed& feed, Quantity quantity, double value
   phases.K.resize(feed.z.size());
   answer.seconds = timed([&] {
     phases.status = caloric_[quantity == Quantity::entropy](
-        value, P, feed.z.data(), &record, nullptr, warm ? 0 : 1, &answer.T, &phases.beta, phases.x.data(),
+        value, P, feed.z.data(), &record, routines_, warm ? 0 : 1, &answer.T, &phases.beta, phases.x.data(),
         phases.y.data(), phases.K.data(), &answer.liquid, &answer.vapour);
   });
   check_flags(record);

@@ -20,6 +20,10 @@ double timed(const Call& call) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
+// What stands in the model routines record of the calls: nothing, or the library's own routines, as they are or
+// behind routines of the host that forward to them.
+enum class OwnRoutines { none, exports, properties, flashes, all };
+
 class Library {
  public:
   // Loads the shared library; empty: the one in the folder of this program. Throws std::runtime_error.
@@ -27,6 +31,9 @@ class Library {
 
   // Hands over the components and groups of one feed. Only one feed is in use at a time.
   void prepare(const Feed& feed, const Components& components);
+
+  // What later calls hand over as the model routines record.
+  void use(OwnRoutines which);
 
   // Cold start of the liquid-vapour flash, or a warm one from the answer given. One caller at a time.
   Answer flash(const Feed& feed, double T, double P, const Answer* warm = nullptr);
@@ -67,6 +74,10 @@ class Library {
   std::mutex one_caller_;
   std::vector<double> table_, buffers_[5];
   MixtureRecord record_{};
+  ModelRoutines own_[static_cast<int>(OwnRoutines::all) + 1] = {};
+  const ModelRoutines* routines_ = nullptr;
+  // Fills own_ with what the library of this handle exports.
+  void find_own_routines(void* handle);
 };
 
 }  // namespace kestrune::sweep

@@ -14,8 +14,8 @@ ThreeAnswer Library::three(double T, double P, const Composition& z, const Three
   ThreeAnswer s = estimate ? *estimate : ThreeAnswer{};
   size_arrays(s, z.size());
   s.seconds = timed([&] {
-    s.status = three_(T, P, z.data(), &record, nullptr, estimate ? 1 : 0, &s.beta, &s.V, s.a.data(), s.b.data(),
-                      s.y.data(), s.kll.data(), s.klv.data());
+    s.status = three_(T, P, z.data(), &record, routines_, estimate ? 1 : 0, &s.beta, &s.V, s.a.data(),
+                      s.b.data(), s.y.data(), s.kll.data(), s.klv.data());
   });
   check_flags(record);
   return s;
@@ -29,7 +29,7 @@ ThreeCaloricAnswer Library::three_caloric(Quantity quantity, double value, doubl
   size_arrays(s, z.size());
   s.seconds = timed([&] {
     s.status = three_caloric_[quantity == Quantity::entropy](
-        value, P, z.data(), &record, nullptr, estimate ? 1 : 0, &answer.T, &s.beta, &s.V, s.a.data(),
+        value, P, z.data(), &record, routines_, estimate ? 1 : 0, &answer.T, &s.beta, &s.V, s.a.data(),
         s.b.data(), s.y.data(), s.kll.data(), s.klv.data(), &answer.values[0], &answer.values[1],
         &answer.values[2]);
   });
@@ -45,7 +45,7 @@ ThreePoint Library::three_point(const SaturationQuestion& q, const Composition& 
   size_arrays(s, z.size());
   const auto routine = q.given == Given::temperature ? three_at_temperature_ : three_at_pressure_;
   s.seconds = timed([&] {
-    s.status = routine(q.W, q.value, z.data(), &record, nullptr, estimate ? 1 : 0, &point.found, &s.beta,
+    s.status = routine(q.W, q.value, z.data(), &record, routines_, estimate ? 1 : 0, &point.found, &s.beta,
                        s.a.data(), s.b.data(), s.y.data(), s.kll.data(), s.klv.data());
   });
   s.V = q.W;

@@ -12,8 +12,10 @@ const char* const usage =
     "  --three-phase    two liquids and a vapour at T and P, cold and warm\n"
     "  --three-phase-caloric  the same at enthalpy, entropy and vapour fraction\n"
     "  --free-water     all of these with free water, of random feeds\n"
+    "  --own-routines   every flash with the library's own routines in the record, against the null record\n"
     "  --sample         a small fixed sample for every build\n"
-    "  --states N       states in all (default 100000; saturation and caloric 50000, three-phase 30000, 6000)\n"
+    "  --states N       states in all (default 100000; saturation and caloric 50000, three-phase 30000, 6000, "
+    "own routines 600)\n"
     "  --jobs N         threads of the judge (default 1)\n"
     "  --seed N         another set of states (default 1)\n"
     "  --warm           ask every state a second time, warm from the answer of the state before it\n"
@@ -32,7 +34,7 @@ bool parse(int argc, char** argv, Options& o) {
     const std::string name = argv[i];
     if (name == "--sample" || name == "--warm" || name == "--times" || name == "--saturation" ||
         name == "--caloric" || name == "--three-phase" || name == "--three-phase-caloric" ||
-        name == "--free-water") {
+        name == "--free-water" || name == "--own-routines") {
       if (name == "--sample") sample = true;
       if (name == "--warm") o.warm = true;
       if (name == "--times") o.times = true;
@@ -41,6 +43,7 @@ bool parse(int argc, char** argv, Options& o) {
       if (name == "--three-phase") o.mode = Mode::three_phase;
       if (name == "--three-phase-caloric") o.mode = Mode::three_phase_caloric;
       if (name == "--free-water") o.mode = Mode::free_water;
+      if (name == "--own-routines") o.mode = Mode::own_routines;
       continue;
     }
     if (i + 1 >= argc) return false;
@@ -64,7 +67,8 @@ bool parse(int argc, char** argv, Options& o) {
   }
   if (sample) o.critical_steps = 14;
   if (o.states == 0) {
-    const int full[] = {100000, 50000, 50000, 30000, 6000, 50000}, few[] = {4000, 1500, 1500, 900, 240, 1500};
+    const int full[] = {100000, 50000, 50000, 30000, 6000, 50000, 600},
+              few[] = {4000, 1500, 1500, 900, 240, 1500, 60};
     o.states = (sample ? few : full)[static_cast<int>(o.mode)];
   }
   return true;

@@ -8,7 +8,7 @@
 
 namespace kestrune::sweep {
 
-enum class Mode { isothermal, saturation, caloric, three_phase, three_phase_caloric, free_water };
+enum class Mode { isothermal, saturation, caloric, three_phase, three_phase_caloric, free_water, own_routines };
 
 struct Options {
   Mode mode = Mode::isothermal;
@@ -33,6 +33,7 @@ int run_caloric(const Options& options, Library& library, std::FILE* failures);
 int run_three(const Options& options, Library& library, std::FILE* failures);
 int run_three_given(const Options& options, Library& library, std::FILE* failures);
 int run_wet(const Options& options, Library& library, std::FILE* failures);
+int run_routines(const Options& options, Library& library, std::FILE* failures);
 
 // Wrong answers by what is wrong, one line each.
 void print_groups(const std::map<std::string, int>& groups);

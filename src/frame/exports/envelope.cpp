@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "envelope/critical.hpp"
-#include "frame/boundary.hpp"
+#include "frame/exports/flash_wrapper.hpp"
 #include "kestrune/kvgasthermo.h"
 
 namespace {
@@ -37,9 +37,12 @@ KV_ENTRY StatusCode KV_CALL PhaseEnvelope(const double* z, MixtureRecord* mixtur
                                cricondentherm_P, cricondenbar_T, cricondenbar_P),
          frame::check_feed(z, mixture)});
     if (bad != KV_OK) return bad;
-    return envelope::phase_envelope({z, mixture, routines, first_P, max_P, min_T, points, capacity, fraction,
-                                     accuracy, T, P, kind, number_of_points, number_of_critical_points,
-                                     cricondentherm_T, cricondentherm_P, cricondenbar_T, cricondenbar_P});
+    flash::HostRoutines host = exports::foreign_routines(routines);
+    host.final = false;
+    return exports::told(
+        host, envelope::phase_envelope({z, mixture, &host, first_P, max_P, min_T, points, capacity, fraction,
+                                        accuracy, T, P, kind, number_of_points, number_of_critical_points,
+                                        cricondentherm_T, cricondentherm_P, cricondenbar_T, cricondenbar_P}));
   });
 }
 

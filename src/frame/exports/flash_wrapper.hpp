@@ -3,6 +3,7 @@
 #define KESTRUNE_FRAME_EXPORTS_FLASH_WRAPPER_HPP
 
 #include "flash/free_water.hpp"
+#include "flash/host.hpp"
 #include "frame/boundary.hpp"
 #include "frame/cas.hpp"
 
@@ -42,6 +43,31 @@ inline double water_critical_pressure(const MixtureRecord& mixture, std::int32_t
   return mixture.table[static_cast<std::size_t>(KV_COL_PC - 1) * mixture.count + (iw - 1)];
 }
 
+/*
+ * The routines of a host without those that are exports of this library: for them the built-in paths stand,
+ * which give the same answers.
+ */
+flash::HostRoutines foreign_routines(const ModelRoutines* record);
+
+/* Runs a core: kHostStatus when a routine of the host ended it, whatever the core made of that. */
+template <class Core>
+StatusCode run_core(flash::HostRoutines& host, Core&& core) {
+  host.status = KV_OK;
+  const StatusCode status = core();
+  return host.status != KV_OK ? flash::kHostStatus : status;
+}
+
+/* The status that the host is told: that of its own routine as it stood. */
+inline StatusCode told(const flash::HostRoutines& host, StatusCode status) {
+  return status == flash::kHostStatus ? host.status : status;
+}
+
+/* A core without a wrapper. */
+template <class Core>
+StatusCode run_and_tell(flash::HostRoutines& host, Core&& core) {
+  return told(host, run_core(host, core));
+}
+
 inline StatusCode hide_single_phase(StatusCode status) {
   return status == KV_SINGLE_PHASE ? KV_OK : status;
 }
@@ -56,21 +82,23 @@ struct TwoPhaseResult {
  * that the results hold the water-based estimate of the retry.
  */
 template <class Core>
-StatusCode two_phase_wrapper(double P, const double* z, MixtureRecord& mixture, std::int32_t options,
-                             const TwoPhaseResult& result, Core core) {
+StatusCode two_phase_wrapper(double P, const double* z, MixtureRecord& mixture, flash::HostRoutines& host,
+                             std::int32_t options, const TwoPhaseResult& result, Core core) {
   const FlagsKeeper keeper(mixture);
   const std::int32_t iw = locate_water(mixture, z);
-  const StatusCode status = core(false);
-  if (status == KV_SINGLE_PHASE || status == KV_OK || !free_water(mixture)) return hide_single_phase(status);
-  if (status > KV_STATUS_CALL_BLOCK) return status;  // nothing that a retry could mend
+  const auto run = [&](bool hint) { return hide_single_phase(run_core(host, [&] { return core(hint); })); };
+  const StatusCode status = run(false);
+  if (status == KV_OK || !free_water(mixture)) return told(host, status);
+  const bool hopeless = status > KV_STATUS_CALL_BLOCK && status != flash::kHostStatus;
+  if (hopeless) return status;  // nothing that a retry could mend
   if (P > water_critical_pressure(mixture, iw)) {
     mixture.flags = 0;
-    return hide_single_phase(core(false));
+    return told(host, run(false));
   }
   double sum = 0.0;
   for (std::int32_t i = 0; i < mixture.count; ++i) sum += z[i];
   const double w = z[iw - 1] / sum;
-  if ((options & 1) == 0 || w == 0.0) return status;
+  if ((options & 1) == 0 || w == 0.0) return told(host, status);
   // All the water in the liquid, all the rest in the vapour (nothing, for a feed of water).
   *result.beta = 1.0 - w;
   for (std::int32_t i = 0; i < mixture.count; ++i) {
@@ -79,7 +107,7 @@ StatusCode two_phase_wrapper(double P, const double* z, MixtureRecord& mixture, 
   }
   result.x[iw - 1] = 1.0;
   result.y[iw - 1] = 0.0;
-  return hide_single_phase(core(true));
+  return told(host, run(true));
 }
 
 }  // namespace kestrune::exports

@@ -31,28 +31,30 @@ StatusCode hide_vanished(StatusCode status) {
  * stands.
  */
 template <class Core>
-StatusCode three_phase_wrapper(double P, const double* z, MixtureRecord& mixture,
+StatusCode three_phase_wrapper(double P, const double* z, MixtureRecord& mixture, flash::HostRoutines& host,
                                const flash3::ThreePhaseResult& out, Core core) {
   const exports::FlagsKeeper keeper(mixture);
   const std::int32_t iw = exports::locate_water(mixture, z);
-  StatusCode status = hide_vanished(core());
+  StatusCode status = hide_vanished(exports::run_core(host, core));
   if (status != KV_OK && exports::free_water(mixture) && P > exports::water_critical_pressure(mixture, iw)) {
     mixture.flags = 0;
-    status = hide_vanished(core());
+    status = hide_vanished(exports::run_core(host, core));
   }
   if (status == KV_OK || status == KV_LV_ANSWER_DOUBTFUL) flash3::move_marked_liquid(mixture.count, out);
-  return status;
+  return exports::told(host, status);
 }
 
 // At enthalpy or entropy; free water is filled in here. The value of a liquid goes where the liquid goes.
-StatusCode energy_flash(flash3::ThreeEnergyCall call) {
+StatusCode energy_flash(flash3::ThreeEnergyCall call, const ModelRoutines* routines) {
   return frame::guarded([&]() -> StatusCode {
     const flash3::ThreePhaseResult& out = call.out;
     const StatusCode bad = check_flash(frame::check_specified(call.wanted), frame::check_pressure(call.P),
                                        call.z, call.mixture, call.T, out.beta, out.V, out.xA, out.xB, out.y,
                                        out.KLL, out.KLV, call.A, call.B, call.vapour);
     if (bad != KV_OK) return bad;
-    const StatusCode status = three_phase_wrapper(call.P, call.z, *call.mixture, out, [&] {
+    flash::HostRoutines host = exports::foreign_routines(routines);
+    call.routines = &host;
+    const StatusCode status = three_phase_wrapper(call.P, call.z, *call.mixture, host, out, [&] {
       call.free_water = exports::free_water(*call.mixture);
       return flash3::three_energy_flash(call);
     });
@@ -63,14 +65,16 @@ StatusCode energy_flash(flash3::ThreeEnergyCall call) {
 }
 
 // At vapour fraction.
-StatusCode quality_flash(StatusCode condition, flash3::ThreeQualityCall call) {
+StatusCode quality_flash(StatusCode condition, flash3::ThreeQualityCall call, const ModelRoutines* routines) {
   return frame::guarded([&]() -> StatusCode {
     const flash3::ThreePhaseResult& out = call.out;
     const StatusCode bad = check_flash(frame::check_specified(call.W), condition, call.z, call.mixture,
                                        call.unknown, out.beta, out.xA, out.xB, out.y, out.KLL, out.KLV);
     if (bad != KV_OK) return bad;
     const double P = call.find == flash::Find::temperature ? call.given : *call.unknown;
-    return three_phase_wrapper(P, call.z, *call.mixture, out, [&] {
+    flash::HostRoutines host = exports::foreign_routines(routines);
+    call.routines = &host;
+    return three_phase_wrapper(P, call.z, *call.mixture, host, out, [&] {
       call.free_water = exports::free_water(*call.mixture);
       return flash3::three_quality_flash(call);
     });
@@ -88,9 +92,10 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatTP(double T, double P, const double* z, Mi
                                        V, xA, xB, y, KLL, KLV);
     if (bad != KV_OK) return bad;
     const flash3::ThreePhaseResult out{beta, V, xA, xB, y, KLL, KLV};
-    return three_phase_wrapper(P, z, *mixture, out, [&] {
+    flash::HostRoutines host = exports::foreign_routines(routines);
+    return three_phase_wrapper(P, z, *mixture, host, out, [&] {
       return flash3::three_phase_flash(
-          {T, P, z, mixture, routines, exports::free_water(*mixture), (options & 1) != 0, out});
+          {T, P, z, mixture, &host, exports::free_water(*mixture), (options & 1) != 0, out});
     });
   });
 }
@@ -104,14 +109,15 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatHP(double H, double P, const double* z, Mi
                        P,
                        z,
                        mixture,
-                       routines,
+                       nullptr,
                        false,
                        (options & 1) != 0,
                        T,
                        {beta, V, xA, xB, y, KLL, KLV},
                        HA,
                        HB,
-                       HV});
+                       HV},
+                      routines);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatSP(double S, double P, const double* z, MixtureRecord* mixture,
@@ -123,14 +129,15 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatSP(double S, double P, const double* z, Mi
                        P,
                        z,
                        mixture,
-                       routines,
+                       nullptr,
                        false,
                        (options & 1) != 0,
                        T,
                        {beta, V, xA, xB, y, KLL, KLV},
                        SA,
                        SB,
-                       SV});
+                       SV},
+                      routines);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
@@ -138,16 +145,18 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatWP(double W, double P, const double* z, Mi
                                          double* beta, double* xA, double* xB, double* y, double* KLL,
                                          double* KLV) {
   double V = W;
-  return quality_flash(frame::check_pressure(P), {flash::Find::temperature,
-                                                  W,
-                                                  P,
-                                                  z,
-                                                  mixture,
-                                                  routines,
-                                                  false,
-                                                  (options & 1) != 0,
-                                                  T,
-                                                  {beta, &V, xA, xB, y, KLL, KLV}});
+  return quality_flash(frame::check_pressure(P),
+                       {flash::Find::temperature,
+                        W,
+                        P,
+                        z,
+                        mixture,
+                        nullptr,
+                        false,
+                        (options & 1) != 0,
+                        T,
+                        {beta, &V, xA, xB, y, KLL, KLV}},
+                       routines);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, MixtureRecord* mixture,
@@ -155,16 +164,18 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, Mi
                                          double* beta, double* xA, double* xB, double* y, double* KLL,
                                          double* KLV) {
   double V = W;
-  return quality_flash(frame::check_temperature(T), {flash::Find::pressure,
-                                                     W,
-                                                     T,
-                                                     z,
-                                                     mixture,
-                                                     routines,
-                                                     false,
-                                                     (options & 1) != 0,
-                                                     P,
-                                                     {beta, &V, xA, xB, y, KLL, KLV}});
+  return quality_flash(frame::check_temperature(T),
+                       {flash::Find::pressure,
+                        W,
+                        T,
+                        z,
+                        mixture,
+                        nullptr,
+                        false,
+                        (options & 1) != 0,
+                        P,
+                        {beta, &V, xA, xB, y, KLL, KLV}},
+                       routines);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, MixtureRecord* mixture,
@@ -177,7 +188,10 @@ KV_ENTRY StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, Mix
     if (bad != KV_OK) return bad;
     const exports::FlagsKeeper keeper(*mixture);
     exports::locate_water(*mixture, z);
-    return flash3::liquid_liquid_flash({T, P, z, mixture, routines, exports::free_water(*mixture),
-                                        (options & 1) != 0, beta, liquid1, liquid2, K});
+    flash::HostRoutines host = exports::foreign_routines(routines);
+    return exports::run_and_tell(host, [&] {
+      return flash3::liquid_liquid_flash({T, P, z, mixture, &host, exports::free_water(*mixture),
+                                          (options & 1) != 0, beta, liquid1, liquid2, K});
+    });
   });
 }

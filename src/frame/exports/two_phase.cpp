@@ -20,19 +20,37 @@ StatusCode check_flash(const double* z, const MixtureRecord* mixture, const Poin
 }
 
 // At enthalpy or entropy; free water and the start are filled in here.
-StatusCode energy_flash(flash::EnergyCall call, int32_t options) {
+StatusCode energy_flash(flash::EnergyCall call, const ModelRoutines* routines, int32_t options) {
   return guarded([&]() -> StatusCode {
     const StatusCode bad = first_failure({frame::check_specified(call.wanted), frame::check_pressure(call.P),
                                           check_flash(call.z, call.mixture, call.T, call.beta, call.x, call.y,
                                                       call.K, call.liquid, call.vapour)});
     if (bad != KV_OK) return bad;
+    flash::HostRoutines host = exports::foreign_routines(routines);
+    call.routines = &host;
     const auto core = [&](bool hint) {
       call.free_water = exports::free_water(*call.mixture);
       call.cold = (options & 1) != 0 && !hint;
       return flash::energy_flash(call);
     };
-    return exports::two_phase_wrapper(call.P, call.z, *call.mixture, options, {call.beta, call.x, call.y},
+    return exports::two_phase_wrapper(call.P, call.z, *call.mixture, host, options, {call.beta, call.x, call.y},
                                       core);
+  });
+}
+
+// At vapour fraction.
+StatusCode quality_flash(StatusCode condition, flash::QualityCall call, const ModelRoutines* routines) {
+  return guarded([&]() -> StatusCode {
+    const StatusCode bad =
+        first_failure({frame::check_specified(call.W), condition,
+                       check_flash(call.z, call.mixture, call.unknown, call.x, call.y, call.K)});
+    if (bad != KV_OK) return bad;
+    const exports::FlagsKeeper keeper(*call.mixture);
+    exports::locate_water(*call.mixture, call.z);
+    flash::HostRoutines host = exports::foreign_routines(routines);
+    call.routines = &host;
+    call.free_water = exports::free_water(*call.mixture);
+    return exports::run_and_tell(host, [&] { return flash::quality_flash(call); });
   });
 }
 
@@ -45,13 +63,14 @@ KV_ENTRY StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, Mix
     const StatusCode bad = first_failure(
         {frame::check_temperature(T), frame::check_pressure(P), check_flash(z, mixture, beta, x, y, K)});
     if (bad != KV_OK) return bad;
+    flash::HostRoutines host = exports::foreign_routines(routines);
     const auto core = [&](bool hint) {
       flash::IsothermalCall call;
       call.T = T;
       call.P = P;
       call.z = z;
       call.mixture = mixture;
-      call.routines = routines;
+      call.routines = &host;
       call.free_water = exports::free_water(*mixture);
       call.index = options & 1;
       call.start = hint ? flash::Start::cold_with_hint : (call.index ? flash::Start::cold : flash::Start::warm);
@@ -61,7 +80,7 @@ KV_ENTRY StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, Mix
       call.K = K;
       return flash::isothermal_flash(call);
     };
-    return exports::two_phase_wrapper(P, z, *mixture, options, {beta, x, y}, core);
+    return exports::two_phase_wrapper(P, z, *mixture, host, options, {beta, x, y}, core);
   });
 }
 
@@ -69,42 +88,30 @@ KV_ENTRY StatusCode KV_CALL FlashLVatHP(double H, double P, const double* z, Mix
                                         const ModelRoutines* routines, int32_t options, double* T, double* beta,
                                         double* x, double* y, double* K, double* HL, double* HV) {
   return energy_flash(
-      {flash::Property::enthalpy, H, P, z, mixture, routines, false, true, T, beta, x, y, K, HL, HV, nullptr},
-      options);
+      {flash::Property::enthalpy, H, P, z, mixture, nullptr, false, true, T, beta, x, y, K, HL, HV, nullptr},
+      routines, options);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLVatSP(double S, double P, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* T, double* beta,
                                         double* x, double* y, double* K, double* SL, double* SV) {
   return energy_flash(
-      {flash::Property::entropy, S, P, z, mixture, routines, false, true, T, beta, x, y, K, SL, SV, nullptr},
-      options);
+      {flash::Property::entropy, S, P, z, mixture, nullptr, false, true, T, beta, x, y, K, SL, SV, nullptr},
+      routines, options);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* T, double* x,
                                         double* y, double* K) {
-  return guarded([&]() -> StatusCode {
-    const StatusCode bad = first_failure(
-        {frame::check_specified(W), frame::check_pressure(P), check_flash(z, mixture, T, x, y, K)});
-    if (bad != KV_OK) return bad;
-    const exports::FlagsKeeper keeper(*mixture);
-    exports::locate_water(*mixture, z);
-    return flash::quality_flash({flash::Find::temperature, W, P, z, mixture, routines,
-                                 exports::free_water(*mixture), (options & 1) != 0, T, x, y, K});
-  });
+  return quality_flash(
+      frame::check_pressure(P),
+      {flash::Find::temperature, W, P, z, mixture, nullptr, false, (options & 1) != 0, T, x, y, K}, routines);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLVatWT(double W, double T, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* P, double* x,
                                         double* y, double* K) {
-  return guarded([&]() -> StatusCode {
-    const StatusCode bad = first_failure(
-        {frame::check_specified(W), frame::check_temperature(T), check_flash(z, mixture, P, x, y, K)});
-    if (bad != KV_OK) return bad;
-    const exports::FlagsKeeper keeper(*mixture);
-    exports::locate_water(*mixture, z);
-    return flash::quality_flash({flash::Find::pressure, W, T, z, mixture, routines,
-                                 exports::free_water(*mixture), (options & 1) != 0, P, x, y, K});
-  });
+  return quality_flash(
+      frame::check_temperature(T),
+      {flash::Find::pressure, W, T, z, mixture, nullptr, false, (options & 1) != 0, P, x, y, K}, routines);
 }

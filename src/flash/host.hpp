@@ -1,0 +1,73 @@
+// The routines of a host during one call of an export, and how one of them ended it. A routine's status travels
+// here, apart from the solvers' own: what a host returns as 95 or 112 is never taken for one of theirs.
+#ifndef KESTRUNE_FLASH_HOST_HPP
+#define KESTRUNE_FLASH_HOST_HPP
+
+#include <algorithm>
+#include <cmath>
+
+#include "kestrune/records.h"
+
+namespace kestrune::flash {
+
+// What a solver returns when a routine of the host ended the flash. In no list of statuses, never seen by a
+// host, and of the block that no solver tries to mend.
+inline constexpr StatusCode kHostStatus = 0x7ffffff0;
+
+struct HostRoutines {
+  const ModelRoutines* record = nullptr;  // as the host gave it: its own flashes are called with it
+  void* entry[KV_ROUTINE_COUNT] = {};     // null: the library's own stands in its place
+  StatusCode status = KV_OK;              // of the routine that ended the flash; from then on none is called
+  bool final = true;                      // false: a trace, which goes around the states that a routine refuses
+
+  HostRoutines() = default;
+  explicit HostRoutines(const ModelRoutines* given) : record(given) {
+    if (given != nullptr) std::copy_n(given->entry, KV_ROUTINE_COUNT, entry);
+  }
+};
+
+/* The routine of an entry (from 1), null without one. */
+template <class Routine>
+Routine host_routine(const HostRoutines* host, int number) noexcept {
+  return host != nullptr ? reinterpret_cast<Routine>(host->entry[number - 1]) : nullptr;
+}
+
+/*
+ * Whether a flash goes on with what a routine has written beside its status: warnings, the two that property
+ * exports hide, and a heat capacity continued beyond its range.
+ */
+inline bool goes_on(StatusCode status) noexcept {
+  return status <= 50 || status == 201 || status == 202 || status == KV_PURE_RANGE;
+}
+
+/* Ends the flash with a status that the host is to see. */
+inline StatusCode end_flash(HostRoutines& host, StatusCode status) noexcept {
+  host.status = status;
+  return kHostStatus;
+}
+
+/*
+ * Whether a routine of a host may be asked at all: where a solver has run out of the numbers, the state is no
+ * fault of the routine's.
+ */
+inline bool usable_state(double T, double P, int n, const double* x) noexcept {
+  return std::isfinite(T) && T > 0.0 && std::isfinite(P) && P > 0.0 &&
+         std::all_of(x, x + n, [](double v) { return v >= 0.0 && std::isfinite(v); }) &&
+         std::any_of(x, x + n, [](double v) { return v > 0.0; });
+}
+
+/* Calls a routine: KV_OK, or kHostStatus when it ends the flash or one before it did. */
+template <class Call>
+StatusCode call_host(HostRoutines& host, Call&& call) {
+  if (host.final && host.status != KV_OK) return kHostStatus;
+  const StatusCode status = call();
+  return goes_on(status) ? StatusCode{KV_OK} : end_flash(host, status);
+}
+
+inline bool all_finite(int n, const double* values) noexcept {
+  return std::all_of(values, values + n, [](double v) { return std::isfinite(v); });
+}
+
+}  // namespace kestrune::flash
+
+#endif
