@@ -181,7 +181,8 @@ KV_API StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, Mixt
 /*
  * Two liquids at T and P, without a vapour: each takes its liquid root. options bit 0 set: beta, liquid1 and
  * liquid2 hold an estimate. liquid1 is the denser, liquid2 the lighter one; beta is the share of liquid2, so
- * that z = (1 - beta) liquid1 + beta liquid2 and K = liquid2 / liquid1. 48 bytes.
+ * that z = (1 - beta) liquid1 + beta liquid2 and K = liquid2 / liquid1. With the FreeWaterFlag water beyond the
+ * solubility limit of the others is a liquid of its own. 48 bytes.
  */
 KV_API StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                       const ModelRoutines* routines, int32_t options, double* beta,

@@ -26,13 +26,21 @@ StatusCode order_liquids(const LiquidLiquidCall& c) {
   return KV_OK;
 }
 
-bool is_pure(const LiquidLiquidCall& c) {
-  const int n = c.mixture->count;
-  return support::with_arena<0, 4>(n, [&](support::Arena& arena) {
-    double* z = arena.take(n);
-    flash::normalise_feed(n, c.z, z);
-    return flash::single_component(n, z, flash::pure_tolerance(*c.mixture)) >= 0;
-  });
+// Free water: what the feed z[n], of sum 1, has beyond the solubility limit of its hydrocarbons is a liquid of
+// its own. False: there is not that much, or no limit.
+bool split_water(const LiquidLiquidCall& c, const double* z) {
+  const MixtureRecord& r = *c.mixture;
+  const int n = r.count, w = eos::find_water_family(r);
+  const double s = eos::water_solubility(c.T, r.solubility_a, r.solubility_b).value;
+  if (w < 0 || !(z[w] > s) || !(s < 1.0)) return false;
+  const double oil = (1.0 - z[w]) / (1.0 - s);
+  *c.beta = oil;
+  for (int i = 0; i < n; ++i) {
+    c.liquid1[i] = i == w ? 1.0 : 0.0;
+    c.liquid2[i] = i == w ? s : z[i] / oil;
+    c.K[i] = i == w ? std::max(s, flash::kSmallestK) : flash::kLargestK;
+  }
+  return true;
 }
 
 }  // namespace
@@ -58,13 +66,21 @@ StatusCode density_of_liquid(const LiquidPhase& l, double& rho) {
 
 StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
   const int n = c.mixture->count;
-  if (is_pure(c)) {
+  enum class Short { none, pure, water };
+  const Short way = support::with_arena<0, 4>(n, [&](support::Arena& arena) {
+    double* z = arena.take(n);
+    flash::normalise_feed(n, c.z, z);
+    if (flash::single_component(n, z, flash::pure_tolerance(*c.mixture)) < 0)
+      return c.free_water && split_water(c, z) ? Short::water : Short::none;
     *c.beta = 0.0;
-    std::copy_n(c.z, n, c.liquid1);
+    std::copy_n(z, n, c.liquid1);
     std::fill_n(c.liquid2, n, 0.0);
     std::fill_n(c.K, n, flash::kSmallestK);
-    return KV_OK;
-  }
+    return Short::pure;
+  });
+  if (way == Short::pure) return KV_OK;
+  if (way == Short::water) return order_liquids(c);
+
   flash::IsothermalCall call;
   call.T = c.T;
   call.P = c.P;
