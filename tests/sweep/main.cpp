@@ -13,8 +13,8 @@ int run(const Options& o) {
   Library library(o.library);
   std::FILE* failures = std::fopen(o.failures.c_str(), "w");
   if (!failures) throw std::runtime_error("cannot write " + o.failures);
-  const decltype(&run_isothermal) bodies[] = {run_isothermal, run_saturation, run_caloric, run_three,
-                                              run_three_given};
+  const decltype(&run_isothermal) bodies[] = {run_isothermal, run_saturation,  run_caloric,
+                                              run_three,      run_three_given, run_caloric};
   const int bad = bodies[static_cast<int>(o.mode)](o, library, failures);
   std::fclose(failures);
   if (bad > 0) std::printf("wrong answers: %s\n", o.failures.c_str());

@@ -9,10 +9,13 @@ const char* const usage =
     "kestrune_sweep [options]\n"
     "  --saturation     bubble, dew and quality points instead of the flash at T and P\n"
     "  --caloric        flashes at enthalpy and entropy instead\n"
+    "  --values         flashes at values of enthalpy and entropy on a grid, at several pressures\n"
     "  --three-phase    two liquids and a vapour at T and P, cold and warm\n"
     "  --three-phase-caloric  the same at enthalpy, entropy and vapour fraction\n"
     "  --sample         a small fixed sample for every build\n"
-    "  --states N       states in all (default 100000; saturation and caloric 50000, three-phase 30000, 6000)\n"
+    "  --states N       states in all (default 100000; saturation and caloric 50000, three-phase 30000, 6000; "
+    "values "
+    "50000)\n"
     "  --jobs N         threads of the judge (default 1)\n"
     "  --seed N         another set of states (default 1)\n"
     "  --warm           ask every state a second time, warm from the answer of the state before it\n"
@@ -30,12 +33,14 @@ bool parse(int argc, char** argv, Options& o) {
   for (int i = 1; i < argc; ++i) {
     const std::string name = argv[i];
     if (name == "--sample" || name == "--warm" || name == "--times" || name == "--saturation" ||
-        name == "--caloric" || name == "--three-phase" || name == "--three-phase-caloric") {
+        name == "--caloric" || name == "--values" || name == "--three-phase" ||
+        name == "--three-phase-caloric") {
       if (name == "--sample") sample = true;
       if (name == "--warm") o.warm = true;
       if (name == "--times") o.times = true;
       if (name == "--saturation") o.mode = Mode::saturation;
       if (name == "--caloric") o.mode = Mode::caloric;
+      if (name == "--values") o.mode = Mode::values;
       if (name == "--three-phase") o.mode = Mode::three_phase;
       if (name == "--three-phase-caloric") o.mode = Mode::three_phase_caloric;
       continue;
@@ -61,7 +66,7 @@ bool parse(int argc, char** argv, Options& o) {
   }
   if (sample) o.critical_steps = 14;
   if (o.states == 0) {
-    const int full[] = {100000, 50000, 50000, 30000, 6000}, few[] = {4000, 1500, 1500, 900, 240};
+    const int full[] = {100000, 50000, 50000, 30000, 6000, 50000}, few[] = {4000, 1500, 1500, 900, 240, 1500};
     o.states = (sample ? few : full)[static_cast<int>(o.mode)];
   }
   return true;

@@ -8,7 +8,7 @@
 
 namespace kestrune::sweep {
 
-enum class Mode { isothermal, saturation, caloric, three_phase, three_phase_caloric };
+enum class Mode { isothermal, saturation, caloric, three_phase, three_phase_caloric, values };
 
 struct Options {
   Mode mode = Mode::isothermal;
