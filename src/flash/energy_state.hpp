@@ -33,7 +33,7 @@ struct EnergyState {
 // Temperatures between which the value is crossed. The weights are those of the Illinois rule: an end that
 // stays twice counts half.
 struct EnergyBracket {
-  static constexpr double kSlack = 1e-9;
+  static constexpr double kSlack = 1e-4;
   double low = kColdest, high = kHottest;
   double f_low = 0.0, f_high = 0.0;
   double weight_low = 1.0, weight_high = 1.0;
@@ -59,7 +59,8 @@ struct EnergyBracket {
   }
   bool closed() const { return have_low && have_high; }
   bool inside(double T) const { return T > low && T < high; }
-  // Where the vapour fraction grows within a hair of T the ends are not known better than a flash is.
+  // Where the vapour fraction grows within a hair of T flashes see one phase only, and the ends are no better
+  // known than that.
   bool about(double T) const { return T > low * (1.0 - kSlack) && T < high * (1.0 + kSlack); }
   // A Newton step that leaves, or after some steps still is about as long as the bracket: it may go to and fro
   // for ever.
