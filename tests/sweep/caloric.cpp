@@ -51,6 +51,24 @@ bool phases_apart(const Reduced& r, double P, double T, const Composition& a, do
   return std::abs(first.Z / second.Z - 1) > 1e-3;
 }
 
+// The split of lowest Gibbs energy: the flash, and from what cuts the tangent plane of its liquid.
+Split lowest_split(const Reduced& r, double T, double P) {
+  const auto par = parameters_at<double>(r.components, T);
+  Split best = flash(r.components, par, P, r.z);
+  for (bool better = best.two_phase; better;) {
+    better = false;
+    const Plane plane = plane_of(par, P, best.x);
+    for (const Trial& trial :
+         search(par, P, plane, starting_points(r.components, par, P, r.z, plane), -1e-12, true).unstable) {
+      const Split other = split_from(par, P, r.z, trial.w);
+      if (!other.two_phase || !(other.gibbs < best.gibbs - 1e-13)) continue;
+      best = other;
+      better = true;
+    }
+  }
+  return best;
+}
+
 }  // namespace
 
 bool asks_gas(const Question& state, double T, const Answer& phases, bool vapour) {
@@ -65,8 +83,7 @@ bool asks_gas(const Question& state, double T, const Answer& phases, bool vapour
 bool lies_in_jump(const CaloricQuestion& q, const std::function<double(double, const Answer&)>& value_at) {
   const Reduced reduced(q.state);
   const auto state_at = [&](double T) {
-    const Split s =
-        flash(reduced.components, parameters_at<double>(reduced.components, T), q.state.P, reduced.z);
+    const Split s = lowest_split(reduced, T, q.state.P);
     Answer a{0, s.two_phase ? s.beta : 0, Composition(q.state.z.size()), Composition(q.state.z.size()), {}};
     for (size_t i = 0; i < reduced.keep.size(); ++i) {
       a.x[reduced.keep[i]] = s.two_phase ? s.x[i] : reduced.z[i];
@@ -75,7 +92,7 @@ bool lies_in_jump(const CaloricQuestion& q, const std::function<double(double, c
     return a;
   };
   double low = 10, high = 3000;
-  for (int k = 0; k < 60 && high - low > 1e-9 * high; ++k) {
+  for (int k = 0; k < 60 && high - low > 1e-7 * high; ++k) {
     const double T = 0.5 * (low + high);
     (value_at(T, state_at(T)) < q.value ? low : high) = T;
   }
@@ -83,7 +100,7 @@ bool lies_in_jump(const CaloricQuestion& q, const std::function<double(double, c
   const double jump = value_at(high, above) - value_at(low, below);
   const double unit = 1.9872 * (q.quantity == Quantity::enthalpy ? high : 1);
   const bool pairs = below.beta > 0 && below.beta < 1 && above.beta > 0 && above.beta < 1;
-  return pairs && jump > 1e-6 * unit &&
+  return pairs && jump > 1e-3 * unit &&
          (phases_apart(reduced, q.state.P, low, below.x, high, above.x) ||
           phases_apart(reduced, q.state.P, low, below.y, high, above.y));
 }
