@@ -22,20 +22,26 @@ bool equal_fugacities(Energy& e, const EnergyState& s, int component) {
     if (component >= 0 && i != component) z[i] = 0.0;
   double owed = kOwedFugacity;
   if (!e.model.analytic()) {
-    const support::Arena::Mark mark = e.model.arena->mark();
-    Model m;
-    double Zx = 0.0, Zy = 0.0;
-    e.status = make_model(s.T, e.call.P, &e.silent, e.call.routines, e.call.free_water, 0, *e.model.arena, m);
-    if (e.status == KV_OK) e.status = fugacity(m, s.x, Kind::liquid, e.a.ln_phi, nullptr, Zx);
-    if (e.status == KV_OK) e.status = fugacity(m, s.y, Kind::gas, e.b.ln_phi, nullptr, Zy);
-    if (m.routine != nullptr) owed = std::max(owed, std::sqrt(copy_settings(e.silent).CRIT));
-    e.model.arena->rewind(mark);
-    if (e.status != KV_OK) return false;
+    if (!fugacities_of(e, s.T, s.x, s.y)) return false;
+    const bool host = e.call.routines != nullptr && e.call.routines->entry[KV_ROUTINE_FUGACITY - 1] != nullptr;
+    if (host) owed = std::max(owed, std::sqrt(copy_settings(e.silent).CRIT));
   }
   return fugacity_gap(e.n, z, {s.x, e.a.ln_phi}, {s.y, e.b.ln_phi}) <= owed;
 }
 
 }  // namespace
+
+bool fugacities_of(Energy& e, double T, const double* x, const double* y) {
+  support::Arena& arena = *e.model.arena;
+  const support::Arena::Mark mark = arena.mark();
+  Model m;
+  double Zx = 0.0, Zy = 0.0;
+  e.status = make_model(T, e.call.P, &e.silent, e.call.routines, e.call.free_water, 0, arena, m);
+  if (e.status == KV_OK) e.status = fugacity(m, x, Kind::liquid, e.a.ln_phi, nullptr, Zx);
+  if (e.status == KV_OK) e.status = fugacity(m, y, Kind::gas, e.b.ln_phi, nullptr, Zy);
+  arena.rewind(mark);
+  return e.status == KV_OK;
+}
 
 bool accept(Energy& e, EnergyState& s, Found found, int component) {
   const double amounts[] = {1.0 - s.beta, s.beta};

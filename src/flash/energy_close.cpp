@@ -42,13 +42,7 @@ bool state_between(Energy& e, double part, EnergyState& s) {
   s.T = e.bracket.low + part * (e.bracket.high - e.bracket.low);
   double V = 0.0, L = 0.0;
   if (!a.two_phases() && !b.two_phases()) {
-    if (!e.model.analytic()) return false;
-    e.a.dn = e.b.dn = nullptr;
-    e.a.Z = e.b.Z = 0.0;
-    e.status = prepare_caloric(e.model, s.T);
-    if (e.status != KV_OK || !phase_caloric(e.model, e.z, Kind::liquid, e.a) ||
-        !phase_caloric(e.model, e.z, Kind::gas, e.b))
-      return false;
+    if (!fugacities_of(e, s.T, e.z, e.z)) return false;
     for (int i = 0; i < e.n; ++i) {
       const double K = std::exp(std::clamp(e.a.ln_phi[i] - e.b.ln_phi[i], -kLargestLogK, kLargestLogK));
       e.v[i] = e.z[i] * part * K / (1.0 - part + part * K);

@@ -20,6 +20,7 @@ namespace {
 
 constexpr int kMostFlashes = 60, kSecantFrom = 6, kCloseFrom = 12;
 constexpr int kRetreats = 6, kAdvances = 8;
+constexpr double kOtherStarts[] = {kDefaultTemperature, 200.0, 450.0, 700.0, 120.0};  // K
 constexpr double kAdvance = 1.08;  // of T, past where the flash has no answer
 constexpr double kSameTwo = 1e-6;  // fractions of phases that are the same
 
@@ -116,6 +117,16 @@ bool equilibrium_towards(Energy& e, double T) {
   return false;
 }
 
+// The first state that a flash has an answer at, from where the search is started.
+bool first_equilibrium(Energy& e) {
+  if (equilibrium_at(e, e.start_T, !e.call.cold, e.state)) return true;
+  for (const double T : kOtherStarts) {
+    if (e.status > kPureStatuses && e.status != KV_PURE_RANGE) return false;
+    if (T != e.start_T && equilibrium_at(e, T, false, e.state)) return true;
+  }
+  return false;
+}
+
 // Isothermal flashes and Newton's method at what they find, until the bracket is better closed by itself.
 StatusCode iterate(Energy& e) {
   // Without an estimate of the phases the first flash is where the feed as one phase would have the value.
@@ -124,11 +135,7 @@ StatusCode iterate(Energy& e) {
     if (solve_as_one_phase(e)) return KV_OK;
     if (e.flashes == 0 && plausible(e.spare.T)) e.start_T = e.spare.T;
   }
-  if (e.flashes == 0 || e.status != KV_OK) {
-    if (!equilibrium_at(e, e.start_T, !e.call.cold, e.state) &&
-        (e.start_T == kDefaultTemperature || !equilibrium_at(e, kDefaultTemperature, false, e.state)))
-      return e.status;
-  }
+  if ((e.flashes == 0 || e.status != KV_OK) && !first_equilibrium(e)) return e.status;
   while (e.flashes < kMostFlashes) {
     trace_energy_pass(e.trace, e.call, e.state.T, e.state.beta, e.state.liquid, e.state.vapour);
     add_to_bracket(e);

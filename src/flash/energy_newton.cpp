@@ -20,6 +20,7 @@ namespace {
 constexpr int kMostSteps = 25;
 constexpr double kLargestStep = 0.2;  // of T, relative
 constexpr double kFinished = 1e-7;    // relative step in T whose square is below rounding
+constexpr double kLeft = 1e-12;       // relative change of T that is left after a step of third order
 constexpr double kAmounts = 1e-6;     // relative step in the amounts of a phase, likewise
 constexpr double kSmallestPivot = 1e-15;
 constexpr double kEdge = 0.9;  // part of the way to a vanishing amount
@@ -123,11 +124,16 @@ Local solve_one_phase(Energy& e, EnergyState& s) {
     if (!phase_caloric(e.model, e.z, Kind::stable, e.b)) return Local::failed;
     const double f = e.b.value - e.call.wanted;
     seen.add(T, f);
-    const double step = bounded(T, -f / e.b.slope);
+    // The change of the slope since the last step makes the step one of third order.
+    const double change = k > 0 ? (e.b.slope - s.slope) / (T - s.T) : 0.0;
+    const double root = e.b.slope * e.b.slope - 2.0 * change * f;
+    const bool curved = k > 0 && std::fabs(e.b.slope - s.slope) < 0.3 * e.b.slope && root > 0.0;
+    const double step = bounded(T, curved ? -2.0 * f / (e.b.slope + std::sqrt(root)) : -f / e.b.slope);
+    const double left = curved ? step * step * (T - s.T) / (T * T * T) : 1.0;  // of the relative step after it
     s.T = T;
     s.value = e.b.value;
     s.slope = e.b.slope;
-    if (std::fabs(step) <= kFinished * T) {
+    if (std::fabs(step) <= kFinished * T || std::fabs(left) <= kLeft) {
       s.T = T + step;
       return Local::converged;
     }

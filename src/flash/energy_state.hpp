@@ -119,6 +119,11 @@ enum class Found {
  */
 bool accept(Energy& e, EnergyState& s, Found found, int component = -1);
 
+/* ln phi of a liquid x and a vapour y at T, by whatever gives fugacities here, into e.a and e.b. False:
+ * e.status.
+ */
+bool fugacities_of(Energy& e, double T, const double* x, const double* y);
+
 void copy_state(const Energy& e, const EnergyState& from, EnergyState& to);
 
 /* The equilibrium at T into s; warm: s holds the start. False: e.status, nothing usable. */

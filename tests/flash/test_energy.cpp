@@ -130,6 +130,7 @@ TEST(EnergyFlash, ValuesOverARange) {
       {{"propane", "n_butane"}, {1.0 - 1e-4, 1e-4}, {8.0}, -4500.0, 1500.0, 400.0},
       {{"propane", "n_butane"}, {1.0 - 2e-6, 2e-6}, {8.0}, -4500.0, 1500.0, 400.0},
       {{"propane", "n_butane"}, {1.0 - 1e-11, 1e-11}, {8.0}, -4500.0, 1500.0, 400.0},
+      {{"propane", "n_butane"}, {1.0 - 1e-8, 1e-8}, {0.073765821522003269}, -1728.6502555366651, -1728.0, 1.0},
       {{"carbon_dioxide", "ethane"}, {0.67, 0.33}, {5.0, 20.0}, -3500.0, 500.0, 400.0},
   };
   for (const Case& c : cases) {
@@ -150,7 +151,9 @@ TEST(EnergyFlash, RefusesOnlyInAJump) {
     bool entropy;
     double P, wanted;
   };
-  for (const Case& c : {Case{true, 1.4149522630205469, -32.566334872318016}, {false, 3.0, -7920.63}}) {
+  for (const Case& c : {Case{true, 1.4149522630205469, -32.566334872318016},
+                        {false, 3.0, -7920.63},
+                        {false, 0.089136407038798673, -9299.6674131928576}}) {
     const Energy e = energy_flash(m, c.entropy, c.wanted, c.P, z);
     EXPECT_EQ(e.status, KV_NOT_CONVERGED);
     for (const int side : {-1, 1}) {
@@ -208,6 +211,15 @@ TEST(EnergyFlash, FreeWater) {
   for (const Condition& c : {Condition{300, 20}, {400, 5}, {350, 60}, {290, 1}})
     for (const bool entropy : {false, true}) expect_round_trip(m, entropy, c.T, c.P, {0.6, 0.2, 0.2}, 0.0);
   EXPECT_EQ(m.record.flags, FreeWaterFlag);
+  // A heteroazeotrope boils at one temperature.
+  m.record.solubility_a = 11.2;
+  m.record.solubility_b = 6290.0;
+  for (const double H : {-6000.0, -3000.0}) {
+    const Energy e = energy_flash(m, false, H, 1.0, {0.0, 0.5, 0.5});
+    ASSERT_EQ(e.status, KV_OK) << H;
+    EXPECT_NEAR((1.0 - e.phases.beta) * e.liquid + e.phases.beta * e.vapour, H, 1e-5);
+    EXPECT_NEAR(e.T, 334.718, 1e-3);
+  }
 }
 
 int calls = 0;
@@ -229,6 +241,17 @@ TEST(EnergyFlash, RoutinesOfTheHostAreCalled) {
   for (const Condition& c : {Condition{250, 40}, {350, 30}})
     expect_round_trip(m, false, c.T, c.P, kRichGasFeed, 0.0, &routines);
   EXPECT_GT(calls, 4);
+  // An azeotrope: no slopes here, and no flash that sees the two phases.
+  Mixture azeotrope = mixture_of({"carbon_dioxide", "ethane"});
+  azeotrope.use();
+  const std::vector<double> z{0.67, 0.33};
+  for (const double H : {-3100.0, -1900.0, -1100.0}) {
+    const Energy own = energy_flash(azeotrope, false, H, 20.0, z);
+    const Energy by_host = energy_flash(azeotrope, false, H, 20.0, z, 0.0, 1, {}, &routines);
+    ASSERT_EQ(by_host.status, KV_OK) << H;
+    EXPECT_NEAR(by_host.T, own.T, 1e-7);
+    EXPECT_NEAR(by_host.phases.beta, own.phases.beta, 1e-6);
+  }
 }
 
 TEST(EnergyFlash, ValuesThatNoTemperatureHas) {
