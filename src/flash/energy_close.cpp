@@ -28,7 +28,7 @@ bool look_inside(Energy& e, double T) {
   for (const double part : kBeside) {
     const double t = T + part * width;
     if (e.bracket.inside(t) && equilibrium_at(e, t, false, e.state)) return true;
-    if (e.status > kPureStatuses && e.status != KV_NOT_FINITE) return false;
+    if (model_refuses(e)) return false;
   }
   return false;
 }

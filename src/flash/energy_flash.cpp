@@ -106,7 +106,7 @@ bool equilibrium_towards(Energy& e, double T) {
   double nearer = T;
   for (int k = 0; k < kRetreats; ++k, nearer = 0.5 * (nearer + good)) {
     if (equilibrium_at(e, nearer, false, e.state)) return true;
-    if (e.status > kPureStatuses && e.status != KV_NOT_FINITE) return false;
+    if (model_refuses(e)) return false;
   }
   double past = T;
   for (int k = 0; k < kAdvances; ++k) {
@@ -121,7 +121,7 @@ bool equilibrium_towards(Energy& e, double T) {
 bool first_equilibrium(Energy& e) {
   if (equilibrium_at(e, e.start_T, !e.call.cold, e.state)) return true;
   for (const double T : kOtherStarts) {
-    if (e.status > kPureStatuses && e.status != KV_PURE_RANGE) return false;
+    if (model_refuses(e)) return false;
     if (T != e.start_T && equilibrium_at(e, T, false, e.state)) return true;
   }
   return false;
@@ -155,7 +155,7 @@ StatusCode iterate(Energy& e) {
     if (equilibrium_towards(e, T)) continue;
     if (e.bracket.closed()) return close_bracket(e);
     // Not even close to where there was an answer: the model ends here.
-    if (e.status > kPureStatuses && e.status != KV_NOT_FINITE) return e.status;
+    if (model_refuses(e)) return e.status;
     e.limit = T > from ? kLimitReached : -kLimitReached;
     return KV_NOT_CONVERGED;
   }

@@ -149,7 +149,11 @@ void add_to_bracket(Energy& e);
 StatusCode close_bracket(Energy& e);
 
 inline constexpr double kLimitReached = 100.0;
-inline constexpr StatusCode kPureStatuses = 1000;  // from here on a status is not one of an iteration
+/* Whether e.status is of the model, and the same at any temperature. */
+inline bool model_refuses(const Energy& e) {
+  constexpr StatusCode kPureStatuses = 1000;  // from here on a status is not one of an iteration
+  return e.status > kPureStatuses && e.status != KV_NOT_FINITE;
+}
 inline constexpr StatusCode kNotApplicable = -1;
 /*
  * Single component j: saturation by equal fugacities, the lever rule between the two values, else one phase.
