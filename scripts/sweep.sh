@@ -5,6 +5,7 @@
 #   scripts/sweep.sh                    the flash at T and P: the full sweep, on all processors
 #   scripts/sweep.sh --saturation       bubble, dew and quality points at given T and at given P
 #   scripts/sweep.sh --caloric          flashes at given enthalpy and at given entropy
+#   scripts/sweep.sh --values           the same at values on a grid
 #   scripts/sweep.sh --three-phase      two liquids and a vapour at T and P
 #   scripts/sweep.sh --three-phase-caloric   the same at enthalpy, entropy and vapour fraction
 #   scripts/sweep.sh --sample           the fixed sample of the test suite, of any of them

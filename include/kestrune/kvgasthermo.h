@@ -84,11 +84,14 @@ KV_API StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, Mixtu
  *
  * T        in/out, K; exactly 0 becomes 298.15. An estimate outside 60 .. 2000 K is not started from
  * beta, x, y  in/out as FlashLVatTP; a warm start begins with the flash at T from this estimate
- * HL, HV   out: molar enthalpy (entropy) of the liquid and of the vapour, 0 for a phase that is absent
+ * HL, HV   out: molar enthalpy (entropy) of the liquid and of the vapour, 0 for a phase that is absent; at the
+ *          root of lower Gibbs energy, so that the lighter one of two liquids has a liquid's value
  *
- * 0 = found; the state is that of FlashLVatTP at the T returned. A single component is solved by the lever rule
- * between its saturated phases. 112: no temperature between 3 and 10 000 K has the value, or no convergence;
- * 113: the search behind the main solver ran out of damping. Temperatures outside the range of a heat-capacity
+ * 0 = found: T is such that the phases add up to the value within 1e-9 of it (of R T or R where that is more),
+ * and the state is that of FlashLVatTP there. Where the vapour grows at one temperature, or within a hair of one
+ * (single components, azeotropes), its fraction is found. 112: no temperature between 3 and 10 000 K has the
+ * value, it lies in the jump from one pair of phases to another (at a three-phase temperature), or no
+ * convergence; 113: the search behind the main solver ran out of damping. Temperatures outside the range of a heat-capacity
  * correlation are no failure (1003 does not appear); other statuses of the pure-component library come back as
  * 1000 + n. Where the record's host has routines of its own for enthalpy or entropy, these are called
  * (ModelRoutines). With a liquid that splits in two (three phases in all) the two phases of lowest Gibbs energy

@@ -1,6 +1,7 @@
 // The main solver. An isothermal flash says which phases there are at a temperature; Newton's method at these
 // phases says where the value would be reached; and the stability test says whether they are still the right
 // ones there. Every isothermal flash closes the bracket around the temperature, since the value rises with it.
+// Where that does not end soon the bracket is closed to its end, see energy_close.cpp.
 
 #include "flash/energy_flash.hpp"
 
@@ -11,58 +12,43 @@
 #include "flash/energy_state.hpp"
 #include "flash/feed.hpp"
 #include "flash/pure_saturation.hpp"
-#include "flash/quality_flash.hpp"
 #include "flash/settings.hpp"
 #include "flash/trace_flash.hpp"
 
 namespace kestrune::flash {
 namespace {
 
-constexpr int kMostFlashes = 60, kSecantFrom = 6;
-constexpr double kReached = 1e-10;  // relative change of T that is left
-// A bracket of this relative width across which the value jumps by more than this part of R T (or R) is a
-// region that T cannot resolve; one of the smaller width is an answer.
-constexpr double kNearlyIsothermal = 1e-8, kJump = 1e-4, kSameTemperature = 1e-12;
-constexpr double kSameTwo = 1e-9;  // relative change of T that is left when a flash repeats what Newton found
-constexpr double kStable = -1e-9;  // tangent-plane distance
-constexpr int kRetreats = 6;
-constexpr StatusCode kPureStatuses = 1000;  // from here on a status is not one of an iteration
+constexpr int kMostFlashes = 60, kSecantFrom = 6, kCloseFrom = 12;
+constexpr int kRetreats = 6, kAdvances = 8;
+constexpr double kOtherStarts[] = {kDefaultTemperature, 200.0, 450.0, 700.0, 120.0};  // K
+constexpr double kAdvance = 1.08;  // of T, past where the flash has no answer
+constexpr double kSameTwo = 1e-6;  // fractions of phases that are the same
 
 void take_state(support::Arena& arena, int ld, EnergyState& s) {
   for (double** a : {&s.x, &s.y, &s.K}) *a = arena.zeros(ld);
 }
 
-void copy_state(const Energy& e, const EnergyState& from, EnergyState& to) {
-  double *const x = to.x, *const y = to.y, *const K = to.K;
-  std::copy_n(from.x, e.ld, x);
-  std::copy_n(from.y, e.ld, y);
-  std::copy_n(from.K, e.ld, K);
-  to = from;
-  to.x = x;
-  to.y = y;
-  to.K = K;
+// The phase counted by beta is the less densely packed one.
+void order_phases(Energy& e, EnergyState& s) {
+  if (!lighter(*e.call.mixture, s.x, e.a.Z, s.y, e.b.Z)) return;
+  std::swap_ranges(s.x, s.x + e.ld, s.y);
+  s.beta = 1.0 - s.beta;
 }
 
-// How close T is to where it belongs, by the slope or the bracket.
-bool reached(const Energy& e, const EnergyState& s) {
-  const double f = std::fabs(e.f(s));
-  if (s.slope > 0.0) return f <= kReached * s.T * s.slope;
-  const double size = std::max(std::fabs(e.call.wanted), 1.0);
-  return f <= 1e-11 * size;
-}
-
-// Two phases found by Newton: K and stability.
-bool accept_two_phases(Energy& e, EnergyState& s) {
+void set_k_values(const Energy& e, EnergyState& s) {
   for (int i = 0; i < e.n; ++i) {
     const double d = e.a.ln_phi[i] - e.b.ln_phi[i];
     s.K[i] =
         s.x[i] > 0.0 && s.y[i] > 0.0 ? s.y[i] / s.x[i] : std::exp(std::clamp(d, -kLargestLogK, kLargestLogK));
     s.K[i] = std::clamp(s.K[i], kSmallestK, kLargestK);
   }
-  if (lighter(*e.call.mixture, s.x, e.a.Z, s.y, e.b.Z)) return false;
-  double distance = 0.0;
-  e.status = answer_stability(isothermal_call(e, s), distance);
-  return e.status == KV_OK && distance >= kStable && evaluate_state(e, s);
+}
+
+bool same_phases(const Energy& e, const EnergyState& a, const EnergyState& b) {
+  double apart = std::fabs(a.beta - b.beta);
+  for (int i = 0; i < e.n; ++i)
+    apart = std::max({apart, std::fabs(a.x[i] - b.x[i]), std::fabs(a.y[i] - b.y[i])});
+  return apart <= kSameTwo;
 }
 
 // Where to look next when Newton has no answer within the bracket.
@@ -78,64 +64,16 @@ double next_temperature(const Energy& e, const EnergyState& s) {
   return std::clamp(T, kColdest, kHottest);
 }
 
-// Temperature hardly changes while the value crosses: the vapour fraction is the unknown.
-StatusCode solve_for_fraction(Energy& e) {
-  const EnergyBracket& b = e.bracket;
-  EnergyState& s = e.state;
-  double low = 0.0, high = 1.0, W = std::clamp(-b.f_low / (b.f_high - b.f_low), 0.0, 1.0);
-  for (int k = 0; k < 60; ++k) {
-    QualityCall q;
-    q.W = W;
-    q.given = e.call.P;
-    q.z = e.z;
-    q.mixture = &e.silent;
-    q.routines = e.call.routines;
-    q.free_water = e.call.free_water;
-    q.cold = k == 0;
-    double T = 0.5 * (b.low + b.high);
-    q.unknown = &T;
-    q.x = s.x;
-    q.y = s.y;
-    q.K = s.K;
-    const StatusCode status = quality_flash(q);
-    if (status != KV_OK) return KV_NOT_CONVERGED;
-    s.T = T;
-    s.beta = W;
-    if (!evaluate_state(e, s)) return e.status;
-    const double f = e.f(s), range = s.vapour - s.liquid;
-    if (std::fabs(f) <= 1e-12 * std::max(std::fabs(e.call.wanted), std::fabs(range))) return KV_OK;
-    (f < 0.0 ? low : high) = W;
-    double next = W - f / range;
-    if (!(next > low && next < high)) next = 0.5 * (low + high);
-    if (std::fabs(next - W) < 1e-14) return KV_OK;
-    W = next;
-  }
-  return KV_NOT_CONVERGED;
-}
-
 /*
  * Newton on the feed as one phase from e.spare.T, and the flash at the temperature found, whose answer e.state
- * becomes. True: it is one phase there.
+ * becomes. True: it is one phase there, and the answer.
  */
 bool solve_as_one_phase(Energy& e) {
   EnergyState& s = e.spare;
   if (solve_one_phase(e, s) != Local::converged || !e.bracket.inside(s.T)) return false;
-  const double slope = s.slope;
-  IsothermalCall c = isothermal_call(e, s);
-  ++e.flashes;
-  e.status = isothermal_flash(c);
-  if (e.status == KV_SINGLE_PHASE) {  // the value is known
-    e.status = s.status = KV_OK;
-    s.value = e.call.wanted;
-    s.slope = slope;
-    s.liquid = s.beta < 1.0 ? s.value : 0.0;
-    s.vapour = s.beta > 0.0 ? s.value : 0.0;
-    copy_state(e, s, e.state);
-    return true;
-  }
-  if (e.status != KV_OK || !evaluate_state(e, s)) return false;
+  if (!equilibrium_at(e, s.T, false, s)) return false;
   copy_state(e, s, e.state);
-  return false;
+  return !s.two_phases() && accept(e, e.state, Found::flash);
 }
 
 // Newton at the phases that the state has. True: the state is the answer.
@@ -144,51 +82,52 @@ bool solve_locally(Energy& e) {
   EnergyState& s = e.spare;
   copy_state(e, e.state, s);
   if (s.two_phases()) {
-    const Local local = solve_two_phases(e, s);
-    if (local == Local::converged && e.bracket.inside(s.T)) {
-      const double slope = s.slope;
-      if (accept_two_phases(e, s)) {
-        copy_state(e, s, e.state);
-        return true;
-      }
-      if (e.status != KV_OK) return false;
+    const Local local = solve_phases(e, s);
+    if (local == Local::converged) return true;
+    if (e.status != KV_OK) return false;
+    if (local == Local::unstable) {
       // Something splits off: what the flash says there. Of a state with three phases it may be the same two.
-      if (!equilibrium_at(e, s.T, false, s)) return false;
+      if (!equilibrium_at(e, s.T, false, e.other)) return false;
+      copy_state(e, e.other, e.state);
+      if (!same_phases(e, s, e.other) || !accept(e, s, Found::flash)) return false;
+      set_k_values(e, s);
       copy_state(e, s, e.state);
-      return std::fabs(e.f(s)) <= kSameTwo * s.T * slope;
+      return true;
     }
-    if (local == Local::failed && e.status != KV_OK) return false;
-    s.T = local == Local::vanished ? s.T : e.state.T;
+    if (local != Local::vanished) s.T = e.state.T;
   }
   // One phase, or two of which one vanishes: where would the feed as one phase have the value?
   return solve_as_one_phase(e);
 }
 
-// An answer by the bracket alone: a jump that the vapour fraction resolves, or no width left. False: go on.
-bool ended_by_bracket(Energy& e, StatusCode& status) {
-  const EnergyBracket& b = e.bracket;
-  if (!b.closed()) return false;
-  const double unit = eos::kCalR * (e.call.property == Property::enthalpy ? b.high : 1.0);
-  const double width = b.high - b.low;
-  if (width <= kNearlyIsothermal * b.high && b.f_high - b.f_low > kJump * unit) {
-    status = solve_for_fraction(e);
-    return true;
-  }
-  if (width > kSameTemperature * b.high) return false;
-  status = KV_OK;
-  return true;
-}
-
-// As equilibrium_at, nearer and nearer to where there was an answer.
+// As equilibrium_at: nearer and nearer to where there was an answer, then past where there is none.
 bool equilibrium_towards(Energy& e, double T) {
   const double good = e.state.T;
-  for (int k = 0; k < kRetreats; ++k, T = 0.5 * (T + good)) {
-    if (equilibrium_at(e, T, false, e.state)) return true;
-    if (e.status > kPureStatuses && e.status != KV_NOT_FINITE) return false;
+  double nearer = T;
+  for (int k = 0; k < kRetreats; ++k, nearer = 0.5 * (nearer + good)) {
+    if (equilibrium_at(e, nearer, false, e.state)) return true;
+    if (model_refuses(e)) return false;
+  }
+  double past = T;
+  for (int k = 0; k < kAdvances; ++k) {
+    past = T > good ? past * kAdvance : past / kAdvance;
+    if (!e.bracket.inside(past)) return false;
+    if (equilibrium_at(e, past, false, e.state)) return true;
   }
   return false;
 }
 
+// The first state that a flash has an answer at, from where the search is started.
+bool first_equilibrium(Energy& e) {
+  if (equilibrium_at(e, e.start_T, !e.call.cold, e.state)) return true;
+  for (const double T : kOtherStarts) {
+    if (model_refuses(e)) return false;
+    if (T != e.start_T && equilibrium_at(e, T, false, e.state)) return true;
+  }
+  return false;
+}
+
+// Isothermal flashes and Newton's method at what they find, until the bracket is better closed by itself.
 StatusCode iterate(Energy& e) {
   // Without an estimate of the phases the first flash is where the feed as one phase would have the value.
   if (e.call.cold && e.model.analytic()) {
@@ -196,22 +135,17 @@ StatusCode iterate(Energy& e) {
     if (solve_as_one_phase(e)) return KV_OK;
     if (e.flashes == 0 && plausible(e.spare.T)) e.start_T = e.spare.T;
   }
-  if (e.flashes == 0 || e.status != KV_OK) {
-    if (!equilibrium_at(e, e.start_T, !e.call.cold, e.state) &&
-        (e.start_T == kDefaultTemperature || !equilibrium_at(e, kDefaultTemperature, false, e.state)))
-      return e.status;
-  }
-  StatusCode status = KV_OK;
+  if ((e.flashes == 0 || e.status != KV_OK) && !first_equilibrium(e)) return e.status;
   while (e.flashes < kMostFlashes) {
     trace_energy_pass(e.trace, e.call, e.state.T, e.state.beta, e.state.liquid, e.state.vapour);
-    if (reached(e, e.state)) return KV_OK;
-    e.bracket.add(e.state.T, e.f(e.state));
-    if (ended_by_bracket(e, status)) return status;
+    add_to_bracket(e);
+    if (has_value(e, e.state) && accept(e, e.state, Found::flash)) return KV_OK;
+    if (e.bracket.closed() && e.flashes >= kCloseFrom) return close_bracket(e);
     const int before = e.flashes;
     if (solve_locally(e)) return KV_OK;
-    if (e.status != KV_OK && e.status != KV_NOT_FINITE) return e.status;
+    if (e.status != KV_OK && e.status != KV_NOT_FINITE) return e.bracket.closed() ? close_bracket(e) : e.status;
     if (e.flashes != before && e.flashes < kSecantFrom) continue;  // a new state was looked at
-    if (e.flashes != before) e.bracket.add(e.state.T, e.f(e.state));
+    if (e.flashes != before) add_to_bracket(e);
     const double T = next_temperature(e, e.state);
     if (T == e.state.T && !e.bracket.closed()) {  // an end of the range
       e.limit = e.f(e.state) < 0.0 ? kLimitReached : -kLimitReached;
@@ -219,8 +153,9 @@ StatusCode iterate(Energy& e) {
     }
     const double from = e.state.T;
     if (equilibrium_towards(e, T)) continue;
+    if (e.bracket.closed()) return close_bracket(e);
     // Not even close to where there was an answer: the model ends here.
-    if (e.status > kPureStatuses && e.status != KV_NOT_FINITE) return e.status;
+    if (model_refuses(e)) return e.status;
     e.limit = T > from ? kLimitReached : -kLimitReached;
     return KV_NOT_CONVERGED;
   }
@@ -243,6 +178,19 @@ StatusCode write_state(Energy& e, StatusCode status) {
   return status;
 }
 
+// The search, which ends within CRIT of the value, and from there the main solver to the value itself.
+StatusCode search_and_prove(Energy& e, bool warm) {
+  const StatusCode status = search_temperature(e, warm);
+  e.state.T = *e.call.T;
+  if (status != KV_OK) return status;
+  e.bracket = {};
+  e.flashes = 1;
+  add_to_bracket(e);
+  if (has_value(e, e.state) && accept(e, e.state, Found::flash)) return KV_OK;
+  if (solve_locally(e)) return KV_OK;
+  return KV_NOT_CONVERGED;
+}
+
 // The driver: single component, main solver, search.
 StatusCode drive(Energy& e, support::Arena& arena) {
   const EnergyCall& c = e.call;
@@ -262,13 +210,14 @@ StatusCode drive(Energy& e, support::Arena& arena) {
   const int j = single_component(e.n, e.z, pure_tolerance(*c.mixture));
   if (j >= 0) {
     const StatusCode status = solve_single_component(e, j, arena);
-    if (status != kNotApplicable) return write_state(e, status);
+    if (status == KV_OK && accept(e, e.state, Found::component, j)) return write_state(e, KV_OK);
+    if (status != KV_OK && status != kNotApplicable) return write_state(e, status);
   }
   EnergyState saved = e.saved;
   if (!c.cold) copy_state(e, e.state, saved);
   StatusCode status = iterate(e);
   const bool search = (status == KV_SINGLE_PHASE || status == KV_NOT_CONVERGED || status == KV_DAMPING) &&
-                      std::fabs(e.limit) != kLimitReached;
+                      std::fabs(e.limit) != kLimitReached && !e.jump;
   if (!search) return write_state(e, status);
   *c.T = e.state.T;
   if (!c.cold) {
@@ -276,9 +225,7 @@ StatusCode drive(Energy& e, support::Arena& arena) {
     copy_state(e, saved, e.state);
     e.state.T = T;
   }
-  status = search_temperature(e, !c.cold);
-  e.state.T = *c.T;
-  return write_state(e, status);
+  return write_state(e, search_and_prove(e, !c.cold));
 }
 
 // Everything that a flash works with, then run(flash, arena).
@@ -300,17 +247,61 @@ StatusCode with_energy(const EnergyCall& call, support::Arena& arena, Run&& run)
   double* z = arena.zeros(e.ld);
   if (!normalise_feed(e.n, call.z, z)) return KV_COMPOSITION;
   e.z = model.z = z;
-  for (EnergyState* s : {&e.state, &e.spare, &e.saved}) take_state(arena, e.ld, *s);
+  for (EnergyState* s : {&e.state, &e.spare, &e.saved, &e.other, &e.low, &e.high}) take_state(arena, e.ld, *s);
   for (double** a : {&e.l, &e.v, &e.scale, &e.g, &e.w, &e.jg, &e.jw, &e.a.ln_phi, &e.a.dln_phi_dT, &e.b.ln_phi,
                      &e.b.dln_phi_dT})
     *a = arena.zeros(e.ld);
   const std::size_t square = static_cast<std::size_t>(e.ld) * e.n;
   for (double** a : {&e.a_dn, &e.b_dn, &e.system}) *a = arena.take(square);
   open_caloric(arena, model);
+  e.fugacities.P = call.P;
+  e.fugacities.mixture = &e.silent;
+  e.fugacities.n = e.n;
+  e.fugacities.ld = e.ld;
+  e.fugacities.bracub = frame::tools::bracub();
+  for (double** a : {&e.fugacities.s, &e.fugacities.row}) *a = arena.zeros(e.ld);
   model.base = arena.mark();
   const StatusCode status = run(e, arena);
   if (call.flashes != nullptr) *call.flashes = e.flashes;
   return status;
+}
+
+}  // namespace
+
+void copy_state(const Energy& e, const EnergyState& from, EnergyState& to) {
+  double *const x = to.x, *const y = to.y, *const K = to.K;
+  std::copy_n(from.x, e.ld, x);
+  std::copy_n(from.y, e.ld, y);
+  std::copy_n(from.K, e.ld, K);
+  to = from;
+  to.x = x;
+  to.y = y;
+  to.K = K;
+}
+
+Local solve_phases(Energy& e, EnergyState& s) {
+  const Local local = solve_two_phases(e, s);
+  if (local != Local::converged) return local;
+  if (!e.bracket.about(s.T)) return Local::failed;
+  order_phases(e, s);
+  if (!accept(e, s, Found::newton)) return e.status == KV_OK ? Local::unstable : Local::failed;
+  set_k_values(e, s);
+  copy_state(e, s, e.state);
+  return Local::converged;
+}
+
+namespace {
+
+/*
+ * As what a phase w that has a name is asked for its value: as the other one where that clearly has the lower
+ * Gibbs energy, as for the lighter one of two liquids. With free water the rules of water go by the name.
+ */
+int lower_phase(Energy& e, double T, const double* w, int name) {
+  constexpr double kClearlyLower = 1e-7;
+  if (e.call.free_water || !fugacities_of(e, T, w, w)) return name;
+  double less = 0.0;  // of the liquid than of the gas
+  for (int i = 0; i < e.n; ++i) less += w[i] * (e.b.ln_phi[i] - e.a.ln_phi[i]);
+  return std::fabs(less) <= kClearlyLower ? name : less > 0.0 ? KV_PHASE_LIQUID : KV_PHASE_GAS;
 }
 
 }  // namespace
@@ -327,6 +318,11 @@ IsothermalCall isothermal_call(Energy& e, EnergyState& s) {
   c.x = s.x;
   c.y = s.y;
   c.K = s.K;
+  if (e.model.analytic() && prepare_caloric(e.model, s.T) == KV_OK) {
+    e.fugacities.T = s.T;
+    e.fugacities.t = e.model.t;
+    c.model = &e.fugacities;
+  }
   return c;
 }
 
@@ -336,8 +332,10 @@ bool evaluate_state(Energy& e, EnergyState& s) {
   const double* x = s.beta > 0.0 ? s.x : e.z;
   const double* y = s.beta < 1.0 ? s.y : e.z;
   if (!e.model.analytic()) {
-    if (liquid) e.status = phase_value(e.model, s.T, x, KV_PHASE_LIQUID, s.liquid);
-    if (vapour && e.status == KV_OK) e.status = phase_value(e.model, s.T, y, KV_PHASE_GAS, s.vapour);
+    e.status = KV_OK;
+    if (liquid) e.status = phase_value(e.model, s.T, x, lower_phase(e, s.T, x, KV_PHASE_LIQUID), s.liquid);
+    if (vapour && e.status == KV_OK)
+      e.status = phase_value(e.model, s.T, y, lower_phase(e, s.T, y, KV_PHASE_GAS), s.vapour);
   } else {
     e.status = prepare_caloric(e.model, s.T);
     if (e.status != KV_OK) return false;
@@ -372,11 +370,7 @@ StatusCode energy_flash(const EnergyCall& call) {
 }
 
 StatusCode energy_search(const EnergyCall& call) {
-  const auto run = [](Energy& e, support::Arena&) {
-    const StatusCode status = search_temperature(e, false);
-    e.state.T = *e.call.T;
-    return write_state(e, status);
-  };
+  const auto run = [](Energy& e, support::Arena&) { return write_state(e, search_and_prove(e, false)); };
   return support::with_arena<12, 220>(call.mixture->count,
                                       [&](support::Arena& arena) { return with_energy(call, arena, run); });
 }

@@ -17,12 +17,14 @@ constexpr double kLargestChange = 50.0, kSmallestFactor = 1e-5, kSameTemperature
 struct Search {
   Energy& e;
   double scale, tolerance;
-  bool warm;  // the next flash starts from the last answer
+  bool warm;              // the next flash starts from the last answer
+  bool answered = false;  // the last flash had one
 
   // Residual at T; the answer stays in e.state.
   double residual(double T) {
     const bool had_answer = equilibrium_at(e, T, warm, e.state);
-    // What a flash without an answer left still counts; the next one starts cold.
+    answered = had_answer;
+    // What a flash without an answer left still shows the way, but is no end; the next one starts cold.
     if (!had_answer && e.state.status != KV_OK) evaluate_state(e, e.state);
     warm = had_answer && e.state.two_phases();
     return (e.call.wanted - e.state.value) / scale;
@@ -37,7 +39,7 @@ Pass run_pass(Search& s, double e, double& T) {
     if (iteration > 1 && std::fabs(T - before) < kSameTemperature && e >= kSmallestStep) e /= 10.0;
     before = T;
     const double r = s.residual(T);
-    if (r * r <= s.tolerance) return iteration < kPassLimit ? Pass::converged : Pass::failed;
+    if (r * r <= s.tolerance) return iteration < kPassLimit && s.answered ? Pass::converged : Pass::failed;
     if (!std::isfinite(r) || iteration > kPassLimit) return Pass::failed;
     const double beta = s.e.state.beta;
     const double size = std::min(e * T, kLargestShift);

@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "flash/accept.hpp"
 #include "flash/energy_flash.hpp"
 #include "flash/isothermal.hpp"
 #include "support/trace.hpp"
@@ -32,6 +33,7 @@ struct EnergyState {
 // Temperatures between which the value is crossed. The weights are those of the Illinois rule: an end that
 // stays twice counts half.
 struct EnergyBracket {
+  static constexpr double kSlack = 1e-4;
   double low = kColdest, high = kHottest;
   double f_low = 0.0, f_high = 0.0;
   double weight_low = 1.0, weight_high = 1.0;
@@ -57,6 +59,9 @@ struct EnergyBracket {
   }
   bool closed() const { return have_low && have_high; }
   bool inside(double T) const { return T > low && T < high; }
+  // Where the vapour fraction grows within a hair of T flashes see one phase only, and the ends are no better
+  // known than that.
+  bool about(double T) const { return T > low * (1.0 - kSlack) && T < high * (1.0 + kSlack); }
   // A Newton step that leaves, or after some steps still is about as long as the bracket: it may go to and fro
   // for ever.
   bool should_halve(int steps, double T, double next) const {
@@ -76,10 +81,13 @@ struct Energy {
   const double* z = nullptr;  // [ld], sum 1
   int n = 0, ld = 0;
   MixtureRecord silent;  // the record without its trace, for the flashes inside
-  EnergyState state, spare, saved;
+  Model fugacities;      // of those, where they can share the prepared temperature of the values
+  EnergyState state, spare, saved, other;
+  EnergyState low, high;  // the ends of the bracket, once it has them
   EnergyBracket bracket;
   double start_T = 0.0;
   double limit = 0.0;  // +100, -100: the value lies beyond the highest, lowest temperature
+  bool jump = false;   // the value lies between those of two different pairs of phases
   int flashes = 0;
   StatusCode status = KV_OK;
   // Work of the Newton steps.
@@ -89,7 +97,34 @@ struct Energy {
   double *a_dn = nullptr, *b_dn = nullptr, *system = nullptr;  // [ld * n]
 
   double f(const EnergyState& s) const { return s.value - call.wanted; }
+  // Of values at T: an enthalpy counts in parts of R T, an entropy of R, where the wanted one is smaller.
+  double value_scale(double T) const {
+    return std::fmax(std::fabs(call.wanted), eos::kCalR * (call.property == Property::enthalpy ? T : 1.0));
+  }
 };
+
+// What has found a state, and with that what is still to be shown of it.
+enum class Found {
+  flash,      // the isothermal flash at its temperature: its phases are proven
+  newton,     // Newton's method at given phases
+  between,    // the amounts, or the vapour fraction, between those of the ends of the bracket
+  component,  // the saturation of a single component, or one of its phases on its side of that
+};
+
+/*
+ * The gate: every answer leaves through it. Evaluates s and shows that it is a split of the feed, that its
+ * fugacities are equal, that it has the value and that its phases are those of equilibrium. What has come from
+ * the bracket alone needs no stability test beside the stable ends. component: the one whose fugacities count,
+ * -1 for all. False: it is none, or e.status says why that cannot be told.
+ */
+bool accept(Energy& e, EnergyState& s, Found found, int component = -1);
+
+/* ln phi of a liquid x and a vapour y at T, by whatever gives fugacities here, into e.a and e.b. False:
+ * e.status.
+ */
+bool fugacities_of(Energy& e, double T, const double* x, const double* y);
+
+void copy_state(const Energy& e, const EnergyState& from, EnergyState& to);
 
 /* The equilibrium at T into s; warm: s holds the start. False: e.status, nothing usable. */
 bool equilibrium_at(Energy& e, double T, bool warm, EnergyState& s);
@@ -100,7 +135,25 @@ bool evaluate_state(Energy& e, EnergyState& s);
 /* The isothermal flash of the feed at s.T with its answer in s. */
 IsothermalCall isothermal_call(Energy& e, EnergyState& s);
 
+/* Whether s has the value, as precisely as a flash can tell. */
+bool has_value(const Energy& e, const EnergyState& s);
+
+/* Takes e.state up into the bracket. */
+void add_to_bracket(Energy& e);
+
+/*
+ * Closes the bracket by isothermal flashes until a state inside is the answer or no width is left. KV_OK with
+ * it in e.state; 112 with e.jump where the value lies between two different pairs of phases. Others: of the
+ * model.
+ */
+StatusCode close_bracket(Energy& e);
+
 inline constexpr double kLimitReached = 100.0;
+/* Whether e.status is of the model, and the same at any temperature. */
+inline bool model_refuses(const Energy& e) {
+  constexpr StatusCode kPureStatuses = 1000;  // from here on a status is not one of an iteration
+  return e.status > kPureStatuses && e.status != KV_NOT_FINITE;
+}
 inline constexpr StatusCode kNotApplicable = -1;
 /*
  * Single component j: saturation by equal fugacities, the lever rule between the two values, else one phase.
@@ -111,6 +164,7 @@ StatusCode solve_single_component(Energy& e, int j, support::Arena& arena);
 enum class Local {
   converged,
   vanished,  // a phase is about to vanish; s.T is where
+  unstable,  // not what the gate wants
   failed
 };
 /*
@@ -120,6 +174,9 @@ enum class Local {
  */
 Local solve_one_phase(Energy& e, EnergyState& s);
 Local solve_two_phases(Energy& e, EnergyState& s);
+
+/* The same of two phases within the bracket, through the gate. On converged e.state is the answer. */
+Local solve_phases(Energy& e, EnergyState& s);
 
 /*
  * Scale of the residual of the search: the value itself within 1 .. 10000, +-1 below, and +10000 above whatever

@@ -34,10 +34,39 @@ bool energies_agree(const CaloricQuestion& q, const CaloricAnswer& a, const Phas
     return false;
   }
   const double total = (beta < 1 ? (1 - beta) * a.liquid : 0) + (beta > 0 ? beta * a.vapour : 0);
-  verdict.energy = std::abs(total - q.value) / std::max(1.0, std::abs(q.value));
+  const double unit = 1.9872 * (q.quantity == Quantity::enthalpy ? a.T : 1);
+  verdict.energy = std::abs(total - q.value) / std::max(unit, std::abs(q.value));
   if (verdict.energy <= caloric_balance_tolerance) return true;
   fail(verdict, "energy balance", text("the phases add up to %.12g of %.12g", total, q.value));
   return false;
+}
+
+// Whether two phases, the one at T and the other at its own, differ in composition or volume.
+bool phases_apart(const Reduced& r, double P, double T, const Composition& a, double T_b,
+                  const Composition& b) {
+  if (largest_difference(a, b) > 1e-3) return true;
+  Phase<double> first, second;
+  evaluate(parameters_at<double>(r.components, T), P, r.part(a).data(), Root::stable, false, first);
+  evaluate(parameters_at<double>(r.components, T_b), P, r.part(b).data(), Root::stable, false, second);
+  return std::abs(first.Z / second.Z - 1) > 1e-3;
+}
+
+// The split of lowest Gibbs energy: the flash, and from what cuts the tangent plane of its liquid.
+Split lowest_split(const Reduced& r, double T, double P) {
+  const auto par = parameters_at<double>(r.components, T);
+  Split best = flash(r.components, par, P, r.z);
+  for (bool better = best.two_phase; better;) {
+    better = false;
+    const Plane plane = plane_of(par, P, best.x);
+    for (const Trial& trial :
+         search(par, P, plane, starting_points(r.components, par, P, r.z, plane), -1e-12, true).unstable) {
+      const Split other = split_from(par, P, r.z, trial.w);
+      if (!other.two_phase || !(other.gibbs < best.gibbs - 1e-13)) continue;
+      best = other;
+      better = true;
+    }
+  }
+  return best;
 }
 
 }  // namespace
@@ -49,6 +78,31 @@ bool asks_gas(const Question& state, double T, const Answer& phases, bool vapour
   Phase<double> phase;
   evaluate(parameters_at<double>(*state.components, T), state.P, w.data(), Root::stable, false, phase);
   return phase.roots == 3 && phase.spread > 1e-8 ? phase.gas_side : vapour;
+}
+
+bool lies_in_jump(const CaloricQuestion& q, const std::function<double(double, const Answer&)>& value_at) {
+  const Reduced reduced(q.state);
+  const auto state_at = [&](double T) {
+    const Split s = lowest_split(reduced, T, q.state.P);
+    Answer a{0, s.two_phase ? s.beta : 0, Composition(q.state.z.size()), Composition(q.state.z.size()), {}};
+    for (size_t i = 0; i < reduced.keep.size(); ++i) {
+      a.x[reduced.keep[i]] = s.two_phase ? s.x[i] : reduced.z[i];
+      a.y[reduced.keep[i]] = s.two_phase ? s.y[i] : reduced.z[i];
+    }
+    return a;
+  };
+  double low = 10, high = 3000;
+  for (int k = 0; k < 60 && high - low > 1e-7 * high; ++k) {
+    const double T = 0.5 * (low + high);
+    (value_at(T, state_at(T)) < q.value ? low : high) = T;
+  }
+  const Answer below = state_at(low), above = state_at(high);
+  const double jump = value_at(high, above) - value_at(low, below);
+  const double unit = 1.9872 * (q.quantity == Quantity::enthalpy ? high : 1);
+  const bool pairs = below.beta > 0 && below.beta < 1 && above.beta > 0 && above.beta < 1;
+  return pairs && jump > 1e-3 * unit &&
+         (phases_apart(reduced, q.state.P, low, below.x, high, above.x) ||
+          phases_apart(reduced, q.state.P, low, below.y, high, above.y));
 }
 
 CaloricVerdict judge_caloric(const CaloricQuestion& q, const CaloricAnswer& a, const PhaseValues& values) {
@@ -71,6 +125,7 @@ CaloricVerdict judge_caloric(const CaloricQuestion& q, const CaloricAnswer& a, c
     return verdict;
   }
   if (!energies_agree(q, a, values, verdict)) return verdict;
+  if (q.given) return verdict;
   verdict.apart = std::abs(a.T - q.state.T);
   if (!(verdict.apart <= caloric_temperature_tolerance)) {
     verdict.other_state = q.state.free_water;

@@ -1,5 +1,6 @@
 // Judges flashes at given enthalpy or entropy by the round trip from temperature and back.
 #pragma once
+#include <functional>
 #include <string>
 
 #include "judge.hpp"
@@ -18,10 +19,12 @@ struct CaloricAnswer {
 
 // The question and what its right answer is known to be.
 struct CaloricQuestion {
-  Question state;     // with the temperature that the value was made from
-  double value = 0;   // cal/mol or cal/(mol K)
-  double beta = 0;    // vapour fraction that the value was made from
-  bool sharp = true;  // the temperature determines beta; else both have to come back
+  Quantity quantity = Quantity::enthalpy;
+  Question state;      // with the temperature that the value was made from
+  double value = 0;    // cal/mol or cal/(mol K)
+  double beta = 0;     // vapour fraction that the value was made from
+  bool sharp = true;   // the temperature determines beta; else both have to come back
+  bool given = false;  // a value that was not made from a state: any state that has it is right
 };
 
 // Whether the property exports are asked for a gas: where the phase w has two roots, the one of lower Gibbs
@@ -37,14 +40,19 @@ struct PhaseValues {
 struct CaloricVerdict : Verdict {
   std::string group;         // what is wrong, without numbers; empty when right
   double apart = 0;          // |T - T0|, K
-  double energy = 0;         // error of the balance over max(1, |value|)
+  double energy = 0;         // error of the balance over max(|value|, R T or R)
   bool other_state = false;  // another temperature with the same value, which only free water allows
 };
 
 inline constexpr double caloric_temperature_tolerance = 1e-6;  // K
-inline constexpr double caloric_balance_tolerance = 1e-7;
+inline constexpr double caloric_balance_tolerance = 1.1e-9;    // of the value or of R T or R
 
 CaloricVerdict judge_caloric(const CaloricQuestion& question, const CaloricAnswer& answer,
                              const PhaseValues& values);
+
+// Whether no temperature has the value: the two sides of it are states of different pairs of phases. value_at
+// is that of a state at T by the property exports.
+bool lies_in_jump(const CaloricQuestion& question,
+                  const std::function<double(double, const Answer&)>& value_at);
 
 }  // namespace kestrune::sweep

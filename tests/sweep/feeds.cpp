@@ -139,4 +139,24 @@ std::vector<Feed> all_feeds() {
   };
 }
 
+std::vector<Feed> value_feeds() {
+  return {
+      feed("light_gas", 100, 400,
+           {{"methane", 70},
+            {"ethane", 10},
+            {"propane", 7},
+            {"n_butane", 4},
+            {"n_pentane", 2},
+            {"n_hexane", 2},
+            {"nitrogen", 2},
+            {"carbon_dioxide", 3}}),
+      feed("carbon_dioxide_decane", 100, 600, {{"carbon_dioxide", 70}, {"n_decane", 30}}),
+      feed("sour_oil", 100, 500,
+           {{"methane", 35}, {"ethane", 10}, {"hydrogen_sulfide", 30}, {"n_butane", 15}, {"n_hexane", 10}}),
+      feed("azeotrope", 150, 310, {{"carbon_dioxide", 67}, {"ethane", 33}}),
+      feed("methane_water", 150, 600, {{"methane", 50}, {"n_hexane", 30}, {"water", 20}}),
+      feed("almost_propane", 150, 400, {{"propane", 1}, {"n_butane", 1e-8}}),
+  };
+}
+
 }  // namespace kestrune::sweep

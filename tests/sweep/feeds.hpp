@@ -16,4 +16,8 @@ struct Feed {
 
 std::vector<Feed> all_feeds();
 
+// Feeds that are hard at given values beside those: nearly pure, azeotropes, wide gaps in volatility, several
+// liquids.
+std::vector<Feed> value_feeds();
+
 }  // namespace kestrune::sweep

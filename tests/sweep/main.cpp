@@ -13,9 +13,7 @@ int run(const Options& o) {
   Library library(o.library);
   std::FILE* failures = std::fopen(o.failures.c_str(), "w");
   if (!failures) throw std::runtime_error("cannot write " + o.failures);
-  const decltype(&run_isothermal) bodies[] = {run_isothermal,  run_saturation, run_caloric, run_three,
-                                              run_three_given, run_wet,        run_routines};
-  const int bad = bodies[static_cast<int>(o.mode)](o, library, failures);
+  const int bad = run_of(o.mode).body(o, library, failures);
   std::fclose(failures);
   if (bad > 0) std::printf("wrong answers: %s\n", o.failures.c_str());
   return bad == 0 ? 0 : 1;
@@ -26,7 +24,7 @@ int run(const Options& o) {
 int main(int argc, char** argv) {
   Options options;
   if (!parse(argc, argv, options)) {
-    std::fputs(usage, stderr);
+    print_usage();
     return 2;
   }
   try {

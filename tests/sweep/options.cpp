@@ -2,29 +2,47 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 
 namespace kestrune::sweep {
 
-const char* const usage =
-    "kestrune_sweep [options]\n"
-    "  --saturation     bubble, dew and quality points instead of the flash at T and P\n"
-    "  --caloric        flashes at enthalpy and entropy instead\n"
-    "  --three-phase    two liquids and a vapour at T and P, cold and warm\n"
-    "  --three-phase-caloric  the same at enthalpy, entropy and vapour fraction\n"
-    "  --free-water     all of these with free water, of random feeds\n"
-    "  --own-routines   every flash with the library's own routines in the record, against the null record\n"
-    "  --sample         a small fixed sample for every build\n"
-    "  --states N       states in all (default 100000; saturation and caloric 50000, three-phase 30000, 6000, "
-    "own routines 600)\n"
-    "  --jobs N         threads of the judge (default 1)\n"
-    "  --seed N         another set of states (default 1)\n"
-    "  --warm           ask every state a second time, warm from the answer of the state before it\n"
-    "  --times          print the times of the calls (not of the flash at T and P)\n"
-    "  --mixture NAME   one mixture only\n"
-    "  --library FILE   shared library (default: beside this program)\n"
-    "  --data DIR       folder of the component data (default: KESTRUNE_DATA of the environment, else the "
-    "build's)\n"
-    "  --failures FILE  wrong answers with their conditions (default sweep_failures.csv)\n";
+const Run runs[] = {
+    {Mode::isothermal, "--isothermal", "the flash at T and P (the default)", run_isothermal, 100000, 4000},
+    {Mode::saturation, "--saturation", "bubble, dew and quality points", run_saturation, 50000, 1500},
+    {Mode::caloric, "--caloric", "flashes at enthalpy and entropy, there and back", run_caloric, 50000, 1500},
+    {Mode::values, "--values", "the same at values on a grid, at several pressures", run_caloric, 50000, 1500},
+    {Mode::three_phase, "--three-phase", "two liquids and a vapour at T and P, cold and warm", run_three, 30000,
+     900},
+    {Mode::three_phase_caloric, "--three-phase-caloric", "the same at enthalpy, entropy and vapour fraction",
+     run_three_given, 6000, 240},
+    {Mode::free_water, "--free-water", "two-phase flashes of random feeds with free water", run_wet, 50000,
+     1500},
+    {Mode::own_routines, "--own-routines", "the library's own routines in the record against the null record",
+     run_routines, 600, 60},
+};
+
+const Run& run_of(Mode mode) {
+  return *std::find_if(std::begin(runs), std::end(runs), [&](const Run& run) { return run.mode == mode; });
+}
+
+void print_usage() {
+  std::fputs("kestrune_sweep [run] [options]\n", stderr);
+  for (const Run& run : runs)
+    std::fprintf(stderr, "  %-24s %s: %d states, a sample %d\n", run.option, run.what, run.full, run.few);
+  std::fputs(
+      "  --sample         a small fixed sample for every build\n"
+      "  --states N       states in all\n"
+      "  --jobs N         threads of the judge (default 1)\n"
+      "  --seed N         another set of states (default 1)\n"
+      "  --warm           ask every state a second time, warm from the answer of the state before it\n"
+      "  --times          print the times of the calls (not of the flash at T and P)\n"
+      "  --mixture NAME   one mixture only\n"
+      "  --library FILE   shared library (default: beside this program)\n"
+      "  --data DIR       folder of the component data (default: KESTRUNE_DATA of the environment, else the "
+      "build's)\n"
+      "  --failures FILE  wrong answers with their conditions (default sweep_failures.csv)\n",
+      stderr);
+}
 
 bool parse(int argc, char** argv, Options& o) {
   const char* folder = std::getenv("KESTRUNE_DATA");
@@ -32,18 +50,14 @@ bool parse(int argc, char** argv, Options& o) {
   bool sample = false;
   for (int i = 1; i < argc; ++i) {
     const std::string name = argv[i];
-    if (name == "--sample" || name == "--warm" || name == "--times" || name == "--saturation" ||
-        name == "--caloric" || name == "--three-phase" || name == "--three-phase-caloric" ||
-        name == "--free-water" || name == "--own-routines") {
-      if (name == "--sample") sample = true;
-      if (name == "--warm") o.warm = true;
-      if (name == "--times") o.times = true;
-      if (name == "--saturation") o.mode = Mode::saturation;
-      if (name == "--caloric") o.mode = Mode::caloric;
-      if (name == "--three-phase") o.mode = Mode::three_phase;
-      if (name == "--three-phase-caloric") o.mode = Mode::three_phase_caloric;
-      if (name == "--free-water") o.mode = Mode::free_water;
-      if (name == "--own-routines") o.mode = Mode::own_routines;
+    const auto run =
+        std::find_if(std::begin(runs), std::end(runs), [&](const Run& r) { return name == r.option; });
+    if (run != std::end(runs)) {
+      o.mode = run->mode;
+      continue;
+    }
+    if (name == "--sample" || name == "--warm" || name == "--times") {
+      (name == "--sample" ? sample : name == "--warm" ? o.warm : o.times) = true;
       continue;
     }
     if (i + 1 >= argc) return false;
@@ -66,11 +80,7 @@ bool parse(int argc, char** argv, Options& o) {
       return false;
   }
   if (sample) o.critical_steps = 14;
-  if (o.states == 0) {
-    const int full[] = {100000, 50000, 50000, 30000, 6000, 50000, 600},
-              few[] = {4000, 1500, 1500, 900, 240, 1500, 60};
-    o.states = (sample ? few : full)[static_cast<int>(o.mode)];
-  }
+  if (o.states == 0) o.states = sample ? run_of(o.mode).few : run_of(o.mode).full;
   return true;
 }
 

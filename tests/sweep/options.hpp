@@ -8,7 +8,16 @@
 
 namespace kestrune::sweep {
 
-enum class Mode { isothermal, saturation, caloric, three_phase, three_phase_caloric, free_water, own_routines };
+enum class Mode {
+  isothermal,
+  saturation,
+  caloric,
+  values,
+  three_phase,
+  three_phase_caloric,
+  free_water,
+  own_routines
+};
 
 struct Options {
   Mode mode = Mode::isothermal;
@@ -21,12 +30,20 @@ struct Options {
   uint64_t seed_of(const Feed& feed) const;
 };
 
-extern const char* const usage;
+// One of the runs: prints a table and returns the number of wrong answers; -1 when nothing was asked.
+struct Run {
+  Mode mode;
+  const char *option, *what;
+  int (*body)(const Options& options, Library& library, std::FILE* failures);
+  int full, few;  // states of the whole run and of the sample
+};
+const Run& run_of(Mode mode);
+
+void print_usage();
 
 // False when the command line cannot be understood.
 bool parse(int argc, char** argv, Options& options);
 
-// Each prints a table and returns the number of wrong answers; -1 when nothing was asked.
 int run_isothermal(const Options& options, Library& library, std::FILE* failures);
 int run_saturation(const Options& options, Library& library, std::FILE* failures);
 int run_caloric(const Options& options, Library& library, std::FILE* failures);

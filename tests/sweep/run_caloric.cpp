@@ -1,4 +1,5 @@
-// Flashes at enthalpy and entropy: the round trip from temperature and back, asked at many states.
+// Flashes at enthalpy and entropy: the round trip from temperature and back, asked at many states, and values
+// on a grid that were made from no state.
 #include <algorithm>
 #include <cmath>
 
@@ -14,7 +15,7 @@ constexpr int starts = 4;
 const char* const start_names[starts] = {"none", "60 K off", "far", "warm"};
 
 struct Tally {
-  int trips = 0, single = 0, two = 0, three = 0, range = 0, other = 0, skipped = 0, wrong = 0;
+  int trips = 0, single = 0, two = 0, three = 0, range = 0, other = 0, skipped = 0, jump = 0, wrong = 0;
   double apart = 0, energy = 0, fugacity = 0, seconds = 0;
   std::map<std::string, int> groups;
 
@@ -26,6 +27,7 @@ struct Tally {
       ++groups[v.group + ", start " + start_names[start]];
       return;
     }
+    jump += a.phases.status == KV_NOT_CONVERGED;
     range += a.phases.status == KV_PURE_RANGE;
     other += v.other_state;
     single += v.outcome == Outcome::single_phase;
@@ -44,6 +46,7 @@ struct Tally {
     range += t.range;
     other += t.other;
     skipped += t.skipped;
+    jump += t.jump;
     wrong += t.wrong;
     apart = std::max(apart, t.apart);
     energy = std::max(energy, t.energy);
@@ -53,18 +56,22 @@ struct Tally {
   }
 
   void print(const char* name, bool times) const {
-    std::printf("%-26s %7d %7d %7d %6d %6d %6d %6d %6d  %8.1e %8.1e %8.1e", name, trips, single, two, three,
-                range, other, skipped, wrong, apart, energy, fugacity);
+    std::printf("%-26s %7d %7d %7d %6d %6d %6d %6d %6d %6d  %8.1e %8.1e %8.1e", name, trips, single, two, three,
+                range, other, skipped, jump, wrong, apart, energy, fugacity);
     if (times) std::printf(" %8.1f us", 1e6 * seconds / std::max(1, trips));
     std::printf("\n");
     std::fflush(stdout);
   }
 };
 
+struct GridPlan {
+  int rows, columns;
+  double shift;  // of the grid, in parts of its spacing
+};
+
 // One state, what was asked about it and what came back.
 struct Trip {
   bool usable = false;
-  Quantity quantity = Quantity::enthalpy;
   CaloricQuestion question;
   Answer base;  // of the state
   double T_start[starts] = {};
@@ -75,8 +82,12 @@ struct Trip {
 // Enthalpy or entropy of a phase by the property exports.
 bool value_of(Library& library, const Trip& trip, double T, const Answer& phases, bool vapour, double& value) {
   const Question& state = trip.question.state;
-  return library.property(trip.quantity, asks_gas(state, T, phases, vapour), T, state.P,
+  return library.property(trip.question.quantity, asks_gas(state, T, phases, vapour), T, state.P,
                           vapour ? phases.y : phases.x, value);
+}
+
+Question question_of(const Feed& feed, const Components& components, const State& state) {
+  return {&components, feed.z, state.T, state.P, feed.free_water, feed.solubility_a, feed.solubility_b};
 }
 
 // The state: by the flash at T and P, or where that cannot meet two phases (feeds of nearly one component,
@@ -85,7 +96,7 @@ void set_state(Library& library, const Sides& sides, const Components& component
                Trip& trip) {
   const Feed& feed = sides.feed;
   Question& q = trip.question.state;
-  q = {&components, feed.z, state.T, state.P, feed.free_water, feed.solubility_a, feed.solubility_b};
+  q = question_of(feed, components, state);
   if (sides.nearly_pure() && k % 2 == 1) {
     const double W = std::fmod(state.T * 7919, 1.0);
     const SaturationAnswer point = library.saturation(feed, {Given::pressure, W, state.P});
@@ -101,21 +112,68 @@ void set_state(Library& library, const Sides& sides, const Components& component
   if (q.free_water && q.P > critical_pressure_of_water) return;
   const double beta = trip.question.beta = trip.base.beta;
   double liquid = 0, vapour = 0;
-  trip.quantity = (k / 2) % 2 ? Quantity::entropy : Quantity::enthalpy;
+  trip.question.quantity = (k / 2) % 2 ? Quantity::entropy : Quantity::enthalpy;
   if (beta < 1 && !value_of(library, trip, q.T, trip.base, false, liquid)) return;
   if (beta > 0 && !value_of(library, trip, q.T, trip.base, true, vapour)) return;
   trip.question.value = (1 - beta) * liquid + beta * vapour;
   trip.usable = true;
 }
 
+double total_of(Library& library, const Trip& trip, double T, const Answer& phases) {
+  double liquid = 0, vapour = 0;
+  if (phases.beta < 1) value_of(library, trip, T, phases, false, liquid);
+  if (phases.beta > 0) value_of(library, trip, T, phases, true, vapour);
+  return (1 - phases.beta) * liquid + phases.beta * vapour;
+}
+
+// Value k of a grid: rows of one pressure each, the pressures evenly spaced in their logarithms, in a row the
+// values between those of the feed as one phase at the ends of the temperatures.
+void set_value(Library& library, const Feed& feed, const Components& components, int k, const GridPlan& plan,
+               Trip& trip) {
+  const int row = k / plan.columns;
+  const double P = 0.05 * std::pow(4000.0, (row + plan.shift) / plan.rows);
+  trip.question.quantity = row % 2 ? Quantity::entropy : Quantity::enthalpy;
+  trip.question.given = true;
+  double ends[2];
+  for (int end = 0; end < 2; ++end) {
+    const double T = end ? (feed.free_water ? 600 : 700) : (feed.free_water ? 250 : 100);
+    trip.question.state = question_of(feed, components, {T, P});
+    ends[end] = total_of(library, trip, T, {0, 0, feed.z, feed.z, feed.z});
+  }
+  trip.question.value = ends[0] + (ends[1] - ends[0]) * (k % plan.columns + plan.shift) / plan.columns;
+  const CaloricAnswer a = library.caloric(feed, trip.question.quantity, trip.question.value, P, 0);
+  trip.question.state.T = a.T;
+  trip.base = a.phases;
+  trip.usable = true;
+}
+
+// Of a value on a grid: refused where no temperature has it, and the same from everywhere.
+void judge_starts(Library& library, Trip& trip) {
+  int jump = -1;  // not known
+  for (int s = 0; s < starts; ++s) {
+    CaloricVerdict& verdict = trip.verdicts[s];
+    const CaloricAnswer& a = trip.answers[s];
+    if (a.phases.status == KV_NOT_CONVERGED && !trip.question.state.free_water) {
+      const auto value_at = [&](double T, const Answer& phases) { return total_of(library, trip, T, phases); };
+      if (jump < 0) jump = lies_in_jump(trip.question, value_at);
+      if (jump == 1) verdict = {};
+    } else if (verdict.group.empty() && !trip.question.state.free_water && trip.verdicts[0].group.empty() &&
+               !(std::fabs(a.T - trip.answers[0].T) <= caloric_temperature_tolerance)) {
+      verdict.group = "depends on the start";
+      verdict.reason = "T is " + std::to_string(trip.answers[0].T) + " from another start";
+    }
+  }
+}
+
 void ask(Library& library, const Feed& feed, int k, const Trip* before, Trip& trip) {
   const Question& state = trip.question.state;
   trip.T_start[1] = std::max(10.0, state.T + (k % 4 < 2 ? 60 : -60));
   trip.T_start[2] = k % 2 ? 5 : 5000;
+  if (before && before->base.status != 0 && before->base.status != KV_PURE_RANGE) before = nullptr;
   trip.T_start[3] = before ? before->question.state.T : 0;
   for (int s = 0; s < starts; ++s) {
     CaloricAnswer& a = trip.answers[s];
-    a = library.caloric(feed, trip.quantity, trip.question.value, state.P, trip.T_start[s],
+    a = library.caloric(feed, trip.question.quantity, trip.question.value, state.P, trip.T_start[s],
                         s == 3 && before ? &before->base : nullptr);
     PhaseValues values;
     if (a.phases.status == KV_OK || a.phases.status == KV_PURE_RANGE) {
@@ -124,14 +182,16 @@ void ask(Library& library, const Feed& feed, int k, const Trip* before, Trip& tr
     }
     trip.verdicts[s] = judge_caloric(trip.question, a, values);
   }
+  if (trip.question.given) judge_starts(library, trip);
 }
 
 void write_failure(std::FILE* file, const Feed& feed, const Trip& trip, int s) {
   const CaloricAnswer& a = trip.answers[s];
   std::fprintf(file, "%s,%s,%.17g,%.17g,%.17g,%.17g,%s,%.17g,%d,%.17g,%.17g,\"%s\",\"%s\",", feed.name.c_str(),
-               trip.quantity == Quantity::entropy ? "SP" : "HP", trip.question.value, trip.question.state.P,
-               trip.question.state.T, trip.question.beta, start_names[s], trip.T_start[s], a.phases.status, a.T,
-               a.phases.beta, trip.verdicts[s].group.c_str(), trip.verdicts[s].reason.c_str());
+               trip.question.quantity == Quantity::entropy ? "SP" : "HP", trip.question.value,
+               trip.question.state.P, trip.question.state.T, trip.question.beta, start_names[s],
+               trip.T_start[s], a.phases.status, a.T, a.phases.beta, trip.verdicts[s].group.c_str(),
+               trip.verdicts[s].reason.c_str());
   write_values(file, feed.z);
   std::fprintf(file, "\n");
   std::fflush(file);
@@ -140,13 +200,22 @@ void write_failure(std::FILE* file, const Feed& feed, const Trip& trip, int s) {
 Tally sweep_feed(const Options& o, Library& library, const Feed& feed, int count, std::FILE* failures) {
   const Components components = read_components(o.data, feed.ids);
   const Sides sides(feed, components);
-  const StatePlan plan{count, o.jobs, o.critical_steps, o.seed_of(feed)};
-  const std::vector<State> states = make_states(feed, components, plan);
   library.prepare(feed, components);
-  const int n = static_cast<int>(states.size());
-  std::vector<Trip> trips(n);
-  parallel_for(n, o.jobs, [&](int k) { set_state(library, sides, components, k, states[k], trips[k]); });
-  parallel_for(n, o.jobs, [&](int k) {
+  std::vector<Trip> trips;
+  if (o.mode == Mode::values) {
+    const int rows = std::max(2, static_cast<int>(std::sqrt(count / 2.0)));
+    const GridPlan plan{rows, count / rows + 1, o.seed_of(feed) % 1009 / 1009.0};
+    trips.resize(rows * plan.columns);
+    parallel_for(static_cast<int>(trips.size()), o.jobs,
+                 [&](int k) { set_value(library, feed, components, k, plan, trips[k]); });
+  } else {
+    const StatePlan plan{count, o.jobs, o.critical_steps, o.seed_of(feed)};
+    const std::vector<State> states = make_states(feed, components, plan);
+    trips.resize(states.size());
+    parallel_for(static_cast<int>(trips.size()), o.jobs,
+                 [&](int k) { set_state(library, sides, components, k, states[k], trips[k]); });
+  }
+  parallel_for(static_cast<int>(trips.size()), o.jobs, [&](int k) {
     if (trips[k].usable)
       ask(library, feed, k, k > 0 && trips[k - 1].usable ? &trips[k - 1] : nullptr, trips[k]);
   });
@@ -170,10 +239,12 @@ int run_caloric(const Options& o, Library& library, std::FILE* failures) {
   std::fprintf(
       failures,
       "mixture,export,value,P_atm,T_K,beta,start,T_start,status,answer_T,answer_beta,group,reason,z\n");
-  const std::vector<Feed> feeds = all_feeds();
+  std::vector<Feed> feeds = all_feeds();
+  if (o.mode == Mode::values)
+    for (Feed& feed : value_feeds()) feeds.push_back(std::move(feed));
   const int count = o.states / starts / static_cast<int>(feeds.size()) + 1;
-  std::printf("%-26s %7s %7s %7s %6s %6s %6s %6s %6s  %8s %8s %8s\n", "mixture", "trips", "single", "two",
-              "three", "range", "other", "skip", "wrong", "T", "balance", "ln f");
+  std::printf("%-26s %7s %7s %7s %6s %6s %6s %6s %6s %6s  %8s %8s %8s\n", "mixture", "trips", "single", "two",
+              "three", "range", "other", "skip", "jump", "wrong", "T", "balance", "ln f");
   Tally total;
   for (const Feed& feed : feeds) {
     if (!o.mixture.empty() && feed.name != o.mixture) continue;
