@@ -55,7 +55,6 @@ struct Tracer {
   support::SplineFit fit = support::SplineFit::good;
   int corners = 0;
   bool liquids = false;  // some part of it is that of two liquids
-  bool lost = false;     // some part of the outline is not stable and no other branch was found
   StatusCode status = KV_OK;
 
   bool boundary() const { return line.W == 1.0; }
@@ -110,6 +109,9 @@ bool stable_at(Tracer& t, flash::LinePoint& p);
  * its direction, phase the kind of its points. False: nothing was changed.
  */
 bool change_over(Tracer& t, int bad, double& sign, double& phase);
+
+/* Cuts off the parts that are not stable between two crossings of the line with itself. */
+void cut_loops(Tracer& t);
 
 /* The highest extreme of T or P (index) inside the lines, their ends left out; its node is added. */
 bool find_extreme(Tracer& t, int index, double& T, double& P);

@@ -165,7 +165,6 @@ void look_at_stability(Tracer& t, Stability& s, bool now, double& phase, double&
   if (change >= 0) s.good = !s.good;
   const int from = change >= 0 ? change : s.tested + 1;
   for (int k = from; k < t.count; ++k) t.node[k].stable = s.good;
-  t.lost |= !s.good;
   s.tested = t.count - 1;
 }
 
@@ -176,7 +175,6 @@ End follow(Tracer& t, double phase, double sign, bool stable, int seen) {
   keep_roots(t, t.here);
   if (!push(t, t.here, -1, t.boundary() ? phase : t.line.W)) return End::full;
   t.node[t.count - 1].stable = stable;
-  t.lost |= !stable;
   Stability stability{t.count - 1, stable};
   for (bool first = true;; first = false) {
     flash::LineStep made;

@@ -1,0 +1,154 @@
+// Loops of the outline: beside a critical end point the line of one phase can turn at two cusps and cross itself.
+// What lies between is not stable; the boundary turns at the crossing, where both phases begin to form at once.
+
+#include <algorithm>
+#include <cmath>
+
+#include "envelope/outline.hpp"
+
+namespace kestrune::envelope {
+namespace {
+
+using flash::LinePoint;
+
+constexpr int kChords = 24;       // of a step, in which crossings are looked for
+constexpr int kNeighbours = 2;    // steps on either side of the change of stability
+constexpr int kNewtonLimit = 15;
+constexpr double kMet = 1e-10;    // ln T and ln P of both points of the crossing
+constexpr double kBeyond = 0.1;   // part of a step by which Newton's method may leave it
+
+// A place on the outline: a part of the step to a node.
+struct Place {
+  int node;
+  double part;
+};
+
+struct Plane {
+  double T, P;
+};
+
+// A step of the outline as chords of its cubic, in 10 ln T and ln P.
+void chords(const Tracer& t, int k, Plane* at) {
+  const LinePoint a = point_of(t.node[k - 1]), b = point_of(t.node[k]);
+  const flash::Cubic T = flash::between(a, b, t.line.T_index(), t.node[k].held);
+  const flash::Cubic P = flash::between(a, b, t.line.P_index(), t.node[k].held);
+  for (int i = 0; i <= kChords; ++i) {
+    const double part = static_cast<double>(i) / kChords;
+    at[i] = {10.0 * T.at(part), P.at(part)};
+  }
+}
+
+// Where the chord a0 a1 crosses b0 b1, in parts of both.
+bool chords_cross(const Plane& a0, const Plane& a1, const Plane& b0, const Plane& b1, double& of_a,
+                  double& of_b) {
+  const double aT = a1.T - a0.T, aP = a1.P - a0.P, bT = b1.T - b0.T, bP = b1.P - b0.P;
+  const double dT = b0.T - a0.T, dP = b0.P - a0.P, det = bT * aP - aT * bP;
+  if (det == 0.0) return false;
+  of_a = (bT * dP - bP * dT) / det;
+  of_b = (aT * dP - aP * dT) / det;
+  return of_a >= 0.0 && of_a <= 1.0 && of_b >= 0.0 && of_b <= 1.0;
+}
+
+// The crossing of the steps to two nodes.
+bool steps_cross(const Tracer& t, int j, int k, Place& a, Place& b) {
+  Plane of_j[kChords + 1], of_k[kChords + 1];
+  chords(t, j, of_j);
+  chords(t, k, of_k);
+  for (int i = 0; i < kChords; ++i)
+    for (int l = kChords - 1; l >= 0; --l) {
+      if (j + 1 == k && i + 1 == kChords && l == 0) continue;  // their common node
+      double part_a, part_b;
+      if (!chords_cross(of_j[i], of_j[i + 1], of_k[l], of_k[l + 1], part_a, part_b)) continue;
+      a = {j, (i + part_a) / kChords};
+      b = {k, (l + part_b) / kChords};
+      return true;
+    }
+  return false;
+}
+
+// The point at a place, and how its ln T and ln P change with the part.
+bool point_at(Tracer& t, const Place& at, LinePoint& p, Plane& change) {
+  const Node &a = t.node[at.node - 1], &b = t.node[at.node];
+  keep_roots(t, b);
+  if (!solve_on_way(t, point_of(a), point_of(b), b.held, at.part, p)) return false;
+  const double length = (b.X[b.held] - a.X[b.held]) / p.slope[b.held];
+  change = {length * p.slope[t.line.T_index()], length * p.slope[t.line.P_index()]};
+  return true;
+}
+
+// Newton's method on both parts: the points of the two places, t.corner and t.branch, come to have T and P in
+// common.
+bool meet(Tracer& t, Place& a, Place& b) {
+  const int iT = t.line.T_index(), iP = t.line.P_index();
+  for (int k = 0; k < kNewtonLimit; ++k) {
+    Plane of_a, of_b;
+    if (!point_at(t, a, t.corner, of_a) || !point_at(t, b, t.branch, of_b)) return false;
+    const double dT = t.branch.X[iT] - t.corner.X[iT], dP = t.branch.X[iP] - t.corner.X[iP];
+    if (std::fabs(dT) < kMet && std::fabs(dP) < kMet) return true;
+    const double det = of_b.T * of_a.P - of_a.T * of_b.P;
+    const double step_a = (of_b.T * dP - of_b.P * dT) / det, step_b = (of_a.T * dP - of_a.P * dT) / det;
+    if (!(std::fabs(step_a) < 1e3 && std::fabs(step_b) < 1e3)) return false;
+    a.part = std::clamp(a.part + step_a, -kBeyond, 1.0 + kBeyond);
+    b.part = std::clamp(b.part + step_b, -kBeyond, 1.0 + kBeyond);
+  }
+  return false;
+}
+
+// Whether the crossing is a corner: two phases that differ, and nothing that splits off before them.
+bool is_corner(Tracer& t) {
+  constexpr double kApart = 1e-3;
+  double apart = 0.0;
+  for (int i = 0; i < t.line.n; ++i)
+    if (t.line.z[i] > 0.0) apart = std::max(apart, std::fabs(t.corner.X[i] - t.branch.X[i]));
+  if (apart < kApart) return false;
+  keep_roots(t, t.corner);
+  return stable_at(t, t.corner);
+}
+
+// Puts the corner and the start of what follows in place of the nodes from the step a to that of b.
+bool cut(Tracer& t, const Place& a, const Place& b) {
+  const double kind_a = t.node[a.node].critical ? t.node[a.node - 1].kind : t.node[a.node].kind;
+  const double kind_b = t.node[b.node].critical ? t.node[b.node - 1].kind : t.node[b.node].kind;
+  const int held = t.node[a.node].held, before = t.count;
+  keep_roots(t, t.corner);
+  if (!push(t, t.corner, held, kind_a)) return false;
+  keep_roots(t, t.branch);
+  if (!push(t, t.branch, -1, kind_b)) {
+    t.count = before;
+    return false;
+  }
+  t.node[before].corner = true;
+  // The two new ones go before node b, and what is between a and them to the end, which is dropped.
+  std::rotate(t.node + b.node, t.node + before, t.node + t.count);
+  std::rotate(t.node + a.node, t.node + b.node, t.node + t.count);
+  t.count -= b.node - a.node;
+  return true;
+}
+
+// The loop whose nodes from bad to last are not stable.
+bool cut_loop(Tracer& t, int bad, int last) {
+  int first = bad, end = last + 1;
+  while (first > bad - kNeighbours && first > 1 && t.node[first - 1].held >= 0) --first;
+  while (end < last + 1 + kNeighbours && end + 1 < t.count && t.node[end + 1].held >= 0) ++end;
+  for (int j = first; j <= last; ++j)
+    for (int k = end; k > std::max(j, bad); --k) {
+      Place a, b;
+      if (!steps_cross(t, j, k, a, b) || !meet(t, a, b)) continue;
+      if (is_corner(t)) return cut(t, a, b);
+    }
+  return false;
+}
+
+}  // namespace
+
+void cut_loops(Tracer& t) {
+  for (int k = 1; k < t.count; ++k) {
+    if (t.node[k].stable || t.node[k].held < 0) continue;
+    int last = k;
+    while (last + 1 < t.count && t.node[last + 1].held >= 0 && !t.node[last + 1].stable) ++last;
+    if (last + 1 < t.count && t.node[last + 1].held >= 0 && t.node[k - 1].stable) cut_loop(t, k, last);
+    k = last;
+  }
+}
+
+}  // namespace kestrune::envelope
