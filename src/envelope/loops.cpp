@@ -1,5 +1,6 @@
-// Loops of the outline: beside a critical end point the line of one phase can turn at two cusps and cross itself.
-// What lies between is not stable; the boundary turns at the crossing, where both phases begin to form at once.
+// Loops of the outline: beside a critical end point the line of one phase can turn at two cusps and cross
+// itself. What lies between is not stable; the boundary turns at the crossing, where both phases begin to form
+// at once.
 
 #include <algorithm>
 #include <cmath>
@@ -11,11 +12,12 @@ namespace {
 
 using flash::LinePoint;
 
-constexpr int kChords = 24;       // of a step, in which crossings are looked for
-constexpr int kNeighbours = 2;    // steps on either side of the change of stability
+constexpr int kChords = 24;     // of a step, in which crossings are looked for
+constexpr int kNeighbours = 8;  // steps on either side of the part that is known not to be stable
 constexpr int kNewtonLimit = 15;
-constexpr double kMet = 1e-10;    // ln T and ln P of both points of the crossing
-constexpr double kBeyond = 0.1;   // part of a step by which Newton's method may leave it
+constexpr double kMet = 1e-10;   // ln T and ln P of both points of the crossing
+constexpr double kNoise = 1e-6;  // of them beside a critical point
+constexpr double kBeyond = 0.1;  // part of a step by which Newton's method may leave it
 
 // A place on the outline: a part of the step to a node.
 struct Place {
@@ -76,20 +78,34 @@ bool point_at(Tracer& t, const Place& at, LinePoint& p, Plane& change) {
   return true;
 }
 
+// A place moved along its step, to the one beside it where it leaves it.
+void move(const Tracer& t, Place& at, double step) {
+  at.part += step;
+  if (at.part > 1.0 + kBeyond && at.node + 1 < t.count && t.node[at.node + 1].held >= 0)
+    at = {at.node + 1, 0.0};
+  else if (at.part < -kBeyond && at.node > 1 && t.node[at.node - 1].held >= 0)
+    at = {at.node - 1, 1.0};
+  else
+    at.part = std::clamp(at.part, -kBeyond, 1.0 + kBeyond);
+}
+
 // Newton's method on both parts: the points of the two places, t.corner and t.branch, come to have T and P in
 // common.
 bool meet(Tracer& t, Place& a, Place& b) {
   const int iT = t.line.T_index(), iP = t.line.P_index();
+  double before = 1e300;
   for (int k = 0; k < kNewtonLimit; ++k) {
     Plane of_a, of_b;
     if (!point_at(t, a, t.corner, of_a) || !point_at(t, b, t.branch, of_b)) return false;
     const double dT = t.branch.X[iT] - t.corner.X[iT], dP = t.branch.X[iP] - t.corner.X[iP];
-    if (std::fabs(dT) < kMet && std::fabs(dP) < kMet) return true;
+    const double gap = std::max(std::fabs(dT), std::fabs(dP));
+    if (gap < kMet || (gap < kNoise && gap > 0.5 * before)) return true;
+    before = gap;
     const double det = of_b.T * of_a.P - of_a.T * of_b.P;
     const double step_a = (of_b.T * dP - of_b.P * dT) / det, step_b = (of_a.T * dP - of_a.P * dT) / det;
     if (!(std::fabs(step_a) < 1e3 && std::fabs(step_b) < 1e3)) return false;
-    a.part = std::clamp(a.part + step_a, -kBeyond, 1.0 + kBeyond);
-    b.part = std::clamp(b.part + step_b, -kBeyond, 1.0 + kBeyond);
+    move(t, a, step_a);
+    move(t, b, step_b);
   }
   return false;
 }
@@ -105,23 +121,25 @@ bool is_corner(Tracer& t) {
   return stable_at(t, t.corner);
 }
 
-// Puts the corner and the start of what follows in place of the nodes from the step a to that of b.
+// Puts the corner and the start of what follows in place of the nodes between them.
 bool cut(Tracer& t, const Place& a, const Place& b) {
-  const double kind_a = t.node[a.node].critical ? t.node[a.node - 1].kind : t.node[a.node].kind;
-  const double kind_b = t.node[b.node].critical ? t.node[b.node - 1].kind : t.node[b.node].kind;
-  const int held = t.node[a.node].held, before = t.count;
+  const int end = a.node + (a.part > 1.0 ? 1 : a.part < 0.0 ? -1 : 0);
+  const int next = b.node + (b.part > 1.0 ? 1 : b.part < 0.0 ? -1 : 0);
+  const int before = t.count;
+  if (end < 1 || next <= end || next >= before || t.node[end].held < 0 || t.node[next].held < 0) return false;
+  const auto kind = [&](int k) { return t.node[k].critical ? t.node[k - 1].kind : t.node[k].kind; };
   keep_roots(t, t.corner);
-  if (!push(t, t.corner, held, kind_a)) return false;
+  if (!push(t, t.corner, t.node[end].held, kind(end))) return false;
   keep_roots(t, t.branch);
-  if (!push(t, t.branch, -1, kind_b)) {
+  if (!push(t, t.branch, -1, kind(next))) {
     t.count = before;
     return false;
   }
   t.node[before].corner = true;
-  // The two new ones go before node b, and what is between a and them to the end, which is dropped.
-  std::rotate(t.node + b.node, t.node + before, t.node + t.count);
-  std::rotate(t.node + a.node, t.node + b.node, t.node + t.count);
-  t.count -= b.node - a.node;
+  // The two new ones go before the node next, and what is between is dropped from the end.
+  std::rotate(t.node + next, t.node + before, t.node + t.count);
+  std::rotate(t.node + end, t.node + next, t.node + t.count);
+  t.count -= next - end;
   return true;
 }
 
@@ -146,8 +164,8 @@ void cut_loops(Tracer& t) {
     if (t.node[k].stable || t.node[k].held < 0) continue;
     int last = k;
     while (last + 1 < t.count && t.node[last + 1].held >= 0 && !t.node[last + 1].stable) ++last;
-    if (last + 1 < t.count && t.node[last + 1].held >= 0 && t.node[k - 1].stable) cut_loop(t, k, last);
-    k = last;
+    const bool ends = last + 1 < t.count && t.node[last + 1].held >= 0 && t.node[k - 1].stable;
+    k = ends && cut_loop(t, k, last) ? std::max(0, k - kNeighbours) : last;
   }
 }
 
