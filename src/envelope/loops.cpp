@@ -16,7 +16,7 @@ constexpr int kChords = 24;     // of a step, in which crossings are looked for
 constexpr int kNeighbours = 8;  // steps on either side of the part that is known not to be stable
 constexpr int kNewtonLimit = 15;
 constexpr double kMet = 1e-10;   // ln T and ln P of both points of the crossing
-constexpr double kNoise = 1e-6;  // of them beside a critical point
+constexpr double kClose = 1e-5;  // of them, from where the crossing is solved for by the temperature
 constexpr double kBeyond = 0.1;  // part of a step by which Newton's method may leave it
 
 // A place on the outline: a part of the step to a node.
@@ -89,18 +89,39 @@ void move(const Tracer& t, Place& at, double step) {
     at.part = std::clamp(at.part, -kBeyond, 1.0 + kBeyond);
 }
 
+/*
+ * The crossing beside a critical point, where the part says little of T and P: t.corner follows the temperature
+ * of the place b instead. Keeps the best that it comes to.
+ */
+bool meet_at_temperature(Tracer& t, const Place& a, Place& b) {
+  constexpr int kSteps = 6;
+  const int iT = t.line.T_index(), iP = t.line.P_index();
+  for (int k = 0; k < kSteps; ++k) {
+    Plane of_b;
+    if (!point_at(t, b, t.branch, of_b)) return false;
+    keep_roots(t, t.node[a.node]);
+    if (flash::solve_point(t.line, t.corner, iT, t.branch.X[iT], flash::kWalkNewtonLimit, true, t.status) !=
+        flash::Solved::yes)
+      return false;
+    const double gap = t.branch.X[iP] - t.corner.X[iP];
+    if (std::fabs(gap) < kMet) return true;
+    b.part -= gap / (of_b.P - t.corner.slope[iP] / t.corner.slope[iT] * of_b.T);
+    if (!(std::fabs(b.part - 0.5) < 0.5 + kBeyond)) return false;
+  }
+  return true;
+}
+
 // Newton's method on both parts: the points of the two places, t.corner and t.branch, come to have T and P in
 // common.
 bool meet(Tracer& t, Place& a, Place& b) {
   const int iT = t.line.T_index(), iP = t.line.P_index();
-  double before = 1e300;
   for (int k = 0; k < kNewtonLimit; ++k) {
     Plane of_a, of_b;
     if (!point_at(t, a, t.corner, of_a) || !point_at(t, b, t.branch, of_b)) return false;
     const double dT = t.branch.X[iT] - t.corner.X[iT], dP = t.branch.X[iP] - t.corner.X[iP];
     const double gap = std::max(std::fabs(dT), std::fabs(dP));
-    if (gap < kMet || (gap < kNoise && gap > 0.5 * before)) return true;
-    before = gap;
+    if (gap < kMet) return true;
+    if (gap < kClose && k > kNewtonLimit / 2) return meet_at_temperature(t, a, b);
     const double det = of_b.T * of_a.P - of_a.T * of_b.P;
     const double step_a = (of_b.T * dP - of_b.P * dT) / det, step_b = (of_a.T * dP - of_a.P * dT) / det;
     if (!(std::fabs(step_a) < 1e3 && std::fabs(step_b) < 1e3)) return false;
