@@ -103,6 +103,28 @@ bool find_corner(Tracer& t, const LinePoint& a, const LinePoint& b, int held, do
   return false;
 }
 
+/*
+ * Whether the corner that was found is one of the boundary: nothing splits off there, and nothing on the branch
+ * just behind it. At the corner itself both of its phases lie on the plane, and the test may come to rest at
+ * them.
+ */
+bool corner_stable(Tracer& t, const Node& bad, double direction) {
+  constexpr double kBehind = 1e-4;
+  flash::copy_point(t.line, t.corner, t.probe);
+  if (!stable_at(t, t.probe)) return false;
+  flash::copy_point(t.line, t.branch, t.probe);
+  keep_roots(t, t.probe);
+  const int iT = t.line.T_index(), iP = t.line.P_index();
+  const double steep = t.branch.slope[iP] / t.branch.slope[iT];
+  const int held = std::fabs(steep) > 1.0 ? iP : iT;
+  const double step = held == iP || steep > 0.0 ? direction * kBehind : -direction * kBehind;
+  const bool stable = flash::solve_point(t.line, t.probe, held, t.branch.X[held] + step, kNewtonLimit, true,
+                                         t.status) != Solved::yes ||
+                      stable_at(t, t.probe);
+  keep_roots(t, bad);
+  return stable;
+}
+
 // The corner from the node that is not stable, or from points closer and closer to it by halving.
 bool close_in(Tracer& t, const Node& stable, const Node& bad, double& direction) {
   constexpr int kHalvings = 14;
@@ -117,8 +139,7 @@ bool close_in(Tracer& t, const Node& stable, const Node& bad, double& direction)
     double at = high;
     for (const int common : {t.line.T_index(), t.line.P_index()}) {
       if (!find_corner(t, a, b, bad.held, high, common, at, direction)) continue;
-      flash::copy_point(t.line, t.corner, t.probe);
-      if (stable_at(t, t.probe)) return true;
+      if (corner_stable(t, bad, direction)) return true;
       break;
     }
     if (at > low && at < high) {
