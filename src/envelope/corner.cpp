@@ -125,6 +125,15 @@ bool corner_stable(Tracer& t, const Node& bad, double direction) {
   return stable;
 }
 
+// Whether the line turns round at a cusp between the point a and the corner: what was found is its own way
+// back.
+bool behind_cusp(const Tracer& t, const LinePoint& a, int held) {
+  const int iT = t.line.T_index(), iP = t.line.P_index();
+  const double of_T = t.corner.slope[iT] * a.slope[iT], of_P = t.corner.slope[iP] * a.slope[iP];
+  const double same = t.corner.slope[held] * a.slope[held];
+  return of_T * same < 0.0 && of_P * same < 0.0;
+}
+
 // The corner from the node that is not stable, or from points closer and closer to it by halving.
 bool close_in(Tracer& t, const Node& stable, const Node& bad, double& direction) {
   constexpr int kHalvings = 14;
@@ -139,6 +148,7 @@ bool close_in(Tracer& t, const Node& stable, const Node& bad, double& direction)
     double at = high;
     for (const int common : {t.line.T_index(), t.line.P_index()}) {
       if (!find_corner(t, a, b, bad.held, high, common, at, direction)) continue;
+      if (behind_cusp(t, a, bad.held)) return false;
       if (corner_stable(t, bad, direction)) return true;
       break;
     }

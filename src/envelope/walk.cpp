@@ -168,6 +168,22 @@ void look_at_stability(Tracer& t, Stability& s, bool now, double& phase, double&
   s.tested = t.count - 1;
 }
 
+/*
+ * Whether the unknown that the next step holds still changes as it did in the last one: behind an extreme of it
+ * the difference of two points says nothing of the way on. Else sign receives the direction in pressure in
+ * which the tangent goes on.
+ */
+bool goes_on(const Tracer& t, double& sign) {
+  const flash::QualityLine& line = t.line;
+  const int held = flash::most_sensitive(line, t.here);
+  double along = 0.0;
+  for (int i = 0; i < line.n + 2; ++i)
+    if (i >= line.n || line.z[i] > 0.0) along += t.here.slope[i] * (t.here.X[i] - t.last.X[i]);
+  if ((along * t.here.slope[held] > 0.0) == (t.here.X[held] >= t.last.X[held])) return true;
+  sign = along * t.here.slope[line.P_index()] > 0.0 ? 1.0 : -1.0;
+  return false;
+}
+
 // The walk itself.
 End follow(Tracer& t, double phase, double sign, bool stable, int seen) {
   double step = flash::kFirstStep;
@@ -178,8 +194,9 @@ End follow(Tracer& t, double phase, double sign, bool stable, int seen) {
   Stability stability{t.count - 1, stable};
   for (bool first = true;; first = false) {
     flash::LineStep made;
+    const bool by_last = have_last && goes_on(t, sign);
     const Solved solved =
-        flash::walk_on(t.line, have_last ? &t.last : nullptr, t.here, sign, step,
+        flash::walk_on(t.line, by_last ? &t.last : nullptr, t.here, sign, step,
                        phase == kLiquids ? kBoundsOfLiquids : kBounds, t.next, made, t.status);
     if (solved != Solved::yes) {
       look_at_stability(t, stability, true, phase, sign);
