@@ -169,6 +169,36 @@ bool close_in(Tracer& t, const Node& stable, const Node& bad, double& direction)
   return false;
 }
 
+/*
+ * The corner on steps before the node that is not stable: beside a critical point the tests are few. From the
+ * phase that splits off at the node, which t.trial_K holds. before receives the node in front of the corner.
+ */
+bool look_back(Tracer& t, int bad, double& direction, int& before) {
+  constexpr int kBack = 6;
+  std::copy_n(t.node[bad].X, t.line.n + 2, t.probe.X);
+  keep_roots(t, t.node[bad]);
+  if (stable_at(t, t.probe)) return false;
+  for (int k = bad - 1; k > std::max(bad - 1 - kBack, 0) && t.node[k].held >= 0; --k) {
+    before = t.node[k - 1].critical ? k - 2 : k - 1;
+    if (t.node[k].critical || before < 0) continue;
+    const LinePoint a = point_of(t.node[before]), b = point_of(t.node[k]);
+    keep_roots(t, t.node[k]);
+    double at = 1.0;
+    for (const int common : {t.line.T_index(), t.line.P_index()})
+      if (find_corner(t, a, b, t.node[k].held, 1.0, common, at, direction) && at >= 0.0)
+        return !behind_cusp(t, a, t.node[k].held) && corner_stable(t, t.node[k], direction);
+  }
+  return false;
+}
+
+// Whether a critical point lies between the point and the node: all ln K have changed their sign.
+bool other_side(const Tracer& t, const LinePoint& p, const Node& node) {
+  double sum = 0.0;
+  for (int i = 0; i < t.line.n; ++i)
+    if (t.line.z[i] > 0.0) sum += p.X[i] * node.X[i];
+  return sum < 0.0;
+}
+
 // Whether what begins to form is a liquid, packed like the feed, which is one.
 bool liquid_forms(const Tracer& t, const LinePoint& p) {
   constexpr double kLike = 0.5;
@@ -238,11 +268,15 @@ bool change_over(Tracer& t, int bad, double& sign, double& phase) {
   int before = bad - 1;
   // A critical point is no place to interpolate from.
   if (t.node[before].critical && before > 0 && t.node[before].held >= 0) --before;
-  const double kind = t.node[before].critical ? t.node[bad].kind : t.node[before].kind;
-  const int held = t.node[bad].held;
   double direction = 0.0;
-  if (!close_in(t, t.node[before], t.node[bad], direction)) return false;
-  t.count = before + 1;
+  if (!close_in(t, t.node[before], t.node[bad], direction) && !look_back(t, bad, direction, before))
+    return false;
+  // A critical point in between stays where the corner is behind it.
+  int last = before;
+  if (t.node[last + 1].critical && other_side(t, t.corner, t.node[last])) ++last;
+  const double kind = t.node[last].critical ? t.node[last + 1].kind : t.node[last].kind;
+  const int held = t.node[last + 1].held;
+  t.count = last + 1;
   if (!push(t, t.corner, held, kind)) return false;
   t.node[t.count - 1].corner = true;
   flash::copy_point(t.line, t.branch, t.here);

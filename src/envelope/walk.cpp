@@ -16,8 +16,10 @@ using flash::Solved;
 // as much.
 constexpr int kTestEvery = 1, kTestEveryCritical = 5;
 constexpr double kBesideCritical = 1.0;
-constexpr double kTooCloseToTest = 0.05;  // largest |ln K| beside a critical point
-constexpr double kJoined = 1e-3;          // of ln T and ln P
+constexpr double kTooCloseToTest = 0.05;         // largest |ln K| beside a critical point
+constexpr int kHardPoint = 7, kMostShorter = 4;  // Newton iterations of a point; steps that are cut for it
+constexpr double kShorter = 0.3;
+constexpr double kJoined = 1e-3;  // of ln T and ln P
 constexpr flash::StepBounds kBounds{0.8, 0.05, 0.4, true};
 constexpr flash::StepBounds kBoundsOfLiquids{0.8, 0.05, 0.8, true};  // steep lines, all but straight
 
@@ -195,9 +197,15 @@ End follow(Tracer& t, double phase, double sign, bool stable, int seen) {
   for (bool first = true;; first = false) {
     flash::LineStep made;
     const bool by_last = have_last && goes_on(t, sign);
-    const Solved solved =
-        flash::walk_on(t.line, by_last ? &t.last : nullptr, t.here, sign, step,
-                       phase == kLiquids ? kBoundsOfLiquids : kBounds, t.next, made, t.status);
+    const flash::StepBounds& bounds = phase == kLiquids ? kBoundsOfLiquids : kBounds;
+    Solved solved;
+    for (int shorter = 0;; ++shorter) {
+      solved = flash::walk_on(t.line, by_last ? &t.last : nullptr, t.here, sign, step, bounds, t.next, made,
+                              t.status);
+      // A point that was hard to find is far from where it was expected: the line turns in between.
+      if (solved != Solved::yes || t.next.passes <= kHardPoint || shorter == kMostShorter) break;
+      step = kShorter * std::fabs(made.change);
+    }
     if (solved != Solved::yes) {
       look_at_stability(t, stability, true, phase, sign);
       return End::broken;
