@@ -38,8 +38,9 @@ bool passes_critical(const Tracer& t, const LinePoint& a, const LinePoint& b) {
   return sum < 0.0;
 }
 
-// The exact critical state from the interpolated one. False: no such state close by.
-bool exact_critical(Tracer& t, const LinePoint& a, const LinePoint& b, double part, double& ln_T,
+// The exact critical state from the interpolated one, within the room in ln T; ten times as much in ln P.
+// False: no such state close by.
+bool exact_critical(Tracer& t, const LinePoint& a, const LinePoint& b, double part, double room, double& ln_T,
                     double& ln_P) {
   Spinodal& sp = *t.spinodal;
   const int n = t.line.n;
@@ -54,7 +55,8 @@ bool exact_critical(Tracer& t, const LinePoint& a, const LinePoint& b, double pa
   double T = std::exp(ln_T), eta = sp.b * std::exp(ln_P) / (Z * eos::kR * T);
   if (!(eta > 0.0 && eta < 1.0) || !solve_critical(sp, T, eta, t.status)) return false;
   const double P = pressure_at(sp, eta);
-  if (!(P > 0.0) || std::fabs(std::log(T) - ln_T) > 1e-3 || std::fabs(std::log(P) - ln_P) > 1e-2) return false;
+  if (!(P > 0.0) || std::fabs(std::log(T) - ln_T) > room || std::fabs(std::log(P) - ln_P) > 10.0 * room)
+    return false;
   ln_T = std::log(T);
   ln_P = std::log(P);
   return true;
@@ -62,7 +64,8 @@ bool exact_critical(Tracer& t, const LinePoint& a, const LinePoint& b, double pa
 
 // The critical point between t.here and t.next, added as a node.
 bool push_critical(Tracer& t, int held) {
-  const int n = t.line.n;
+  constexpr double kRoom = 1e-3;
+  const int n = t.line.n, iT = t.line.T_index(), iP = t.line.P_index();
   // The ln K that is largest tells where: the one held may be another one.
   int by = 0;
   double most = 0.0;
@@ -79,8 +82,16 @@ bool push_critical(Tracer& t, int held) {
     t.probe.X[i] = i < n ? 0.0 : along.at(part);
     t.probe.slope[i] = along.slope(part) / (t.next.X[held] - t.here.X[held]);
   }
-  if (t.spinodal != nullptr)
-    exact_critical(t, t.here, t.next, part, t.probe.X[t.line.T_index()], t.probe.X[t.line.P_index()]);
+  if (t.spinodal != nullptr && !exact_critical(t, t.here, t.next, part, kRoom, t.probe.X[iT], t.probe.X[iP])) {
+    // Slopes as close to the point as that may be noise: from the straight line.
+    const double share = t.here.X[by] / (t.here.X[by] - t.next.X[by]), h = t.next.X[held] - t.here.X[held];
+    for (const int i : {iT, iP}) {
+      t.probe.X[i] = t.here.X[i] + share * (t.next.X[i] - t.here.X[i]);
+      t.probe.slope[i] = (t.next.X[i] - t.here.X[i]) / h;
+    }
+    exact_critical(t, t.here, t.next, share, std::max(kRoom, std::fabs(t.next.X[iT] - t.here.X[iT])),
+                   t.probe.X[iT], t.probe.X[iP]);
+  }
   if (!push(t, t.probe, held, kCritical)) return false;
   t.node[t.count - 1].critical = true;
   return true;
