@@ -191,6 +191,53 @@ bool look_back(Tracer& t, int bad, double& direction, int& before) {
   return false;
 }
 
+/*
+ * The corner with a branch that is all but critical there: with T or P held its two phases would become one.
+ * Newton's method on the largest ln K of the branch and the part of the step to the node that is not stable,
+ * from the phase that splits off there.
+ */
+bool close_in_by_K(Tracer& t, const Node& stable, const Node& bad, double& direction) {
+  constexpr double kMostLogK = 0.3, kMostPart = 0.3, kLeastLogK = 1e-3;
+  const int n = t.line.n, iT = t.line.T_index(), iP = t.line.P_index();
+  const LinePoint a = point_of(stable), b = point_of(bad);
+  keep_roots(t, bad);
+  std::copy_n(b.X, n + 2, t.probe.X);
+  if (stable_at(t, t.probe)) return false;
+  start_from_trial(t);
+  t.branch.X[iT] = b.X[iT];
+  t.branch.X[iP] = b.X[iP];
+  int by = 0;
+  for (int i = 1; i < n; ++i)
+    if (t.line.z[i] > 0.0 && std::fabs(t.branch.X[i]) > std::fabs(t.branch.X[by])) by = i;
+  double part = 1.0, value = t.branch.X[by];
+  for (int k = 0; k < kSteps; ++k) {
+    keep_roots(t, bad);
+    if (!solve_on_way(t, a, b, bad.held, part, t.corner)) return false;
+    t.line.root_x = t.line.root_y = flash::Kind::stable;
+    if (flash::solve_point(t.line, t.branch, by, value, kNewtonLimit, true, t.status) != Solved::yes)
+      return false;
+    const double dT = t.branch.X[iT] - t.corner.X[iT], dP = t.branch.X[iP] - t.corner.X[iP];
+    if (std::fabs(dT) < kMet && std::fabs(dP) < kMet) {
+      if (std::fabs(value) < kLeastLogK) return false;
+      keep_roots(t, bad);
+      if (!solve_on_way(t, a, b, bad.held, part, t.corner)) return false;
+      direction = direction_of_branch(t);
+      return part > 0.0 && part < 1.0 && !behind_cusp(t, a, bad.held) && corner_stable(t, bad, direction);
+    }
+    const double length = (b.X[bad.held] - a.X[bad.held]) / t.corner.slope[bad.held];
+    const double aT = length * t.corner.slope[iT], aP = length * t.corner.slope[iP];
+    const double bT = t.branch.slope[iT] / t.branch.slope[by], bP = t.branch.slope[iP] / t.branch.slope[by];
+    const double determinant = aT * bP - bT * aP;
+    const double of_part = (dT * bP - dP * bT) / determinant, of_value = (dT * aP - dP * aT) / determinant;
+    const double size = std::max(std::fabs(of_part) / kMostPart, std::fabs(of_value) / kMostLogK);
+    if (!(size < 1e6)) return false;
+    const double factor = size > 1.0 ? 1.0 / size : 1.0;
+    part = std::clamp(part + factor * of_part, -0.2, 1.0);
+    value += factor * of_value;
+  }
+  return false;
+}
+
 // Whether a critical point lies between the point and the node: all ln K have changed their sign.
 bool other_side(const Tracer& t, const LinePoint& p, const Node& node) {
   double sum = 0.0;
@@ -269,7 +316,8 @@ bool change_over(Tracer& t, int bad, double& sign, double& phase) {
   // A critical point is no place to interpolate from.
   if (t.node[before].critical && before > 0 && t.node[before].held >= 0) --before;
   double direction = 0.0;
-  if (!close_in(t, t.node[before], t.node[bad], direction) && !look_back(t, bad, direction, before))
+  if (!close_in(t, t.node[before], t.node[bad], direction) &&
+      !close_in_by_K(t, t.node[before], t.node[bad], direction) && !look_back(t, bad, direction, before))
     return false;
   // A critical point in between stays where the corner is behind it.
   int last = before;
