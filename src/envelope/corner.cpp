@@ -331,7 +331,6 @@ bool change_over(Tracer& t, int bad, double& sign, double& phase) {
   keep_roots(t, t.here);
   sign = direction;
   phase = kind == kDew ? kDew : liquid_forms(t, t.branch) ? kLiquids : kBubble;
-  t.liquids |= phase == kLiquids;
   ++t.corners;
   return true;
 }

@@ -116,7 +116,10 @@ StatusCode trace(Tracer& t, const EnvelopeCall& call, bool asked_P, bool asked_T
       note(walk(t, kBubble, 1.0, stable, seen));
   }
   if (t.count == 0) return KV_NO_SATURATION;
-  if (t.boundary()) cut_loops(t);
+  if (t.boundary()) {
+    cut_loops(t);
+    name_branches(t);
+  }
   if (broken) return KV_ENVELOPE_BROKEN;
   for (int k = 0; k < t.count; ++k)
     if (!t.node[k].stable) return KV_ENVELOPE_UNSTABLE;

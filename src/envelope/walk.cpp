@@ -283,7 +283,7 @@ bool push(Tracer& t, const LinePoint& p, int held, double kind) {
   node.root_x = t.line.root_x;
   node.root_y = t.line.root_y;
   node.stable = true;
-  node.critical = node.corner = node.extreme = false;
+  node.critical = node.corner = node.extreme = node.lowest = node.liquids = false;
   return true;
 }
 
