@@ -231,7 +231,7 @@ KV_API StatusCode KV_CALL PhaseEnvelope(const double* z, MixtureRecord* mixture,
  * Critical temperature (K), pressure (atm), volume (cm3/mol) and compressibility factor of a mixture by the
  * equation of state; options 0. 28 bytes.
  *
- * 0 = found: of several critical points the stable one of highest pressure. A single component returns Tc, Pc
+ * 0 = found: of several stable critical points that of highest temperature. A single component returns Tc, Pc
  * and, where it is known, Vc of its table. 145: the mixture has no stable critical point. The results are
  * written for 0 only.
  */

@@ -103,13 +103,30 @@ void keep(const Spinodal& sp, double T, double eta, int capacity, Critical* foun
     if (std::fabs(found[k].T / T - 1.0) < 1e-7 && std::fabs(found[k].P / P - 1.0) < 1e-6) return;
   const double V = sp.b / eta;
   int at = count++;
-  for (; at > 0 && found[at - 1].P < P; --at) found[at] = found[at - 1];
+  for (; at > 0 && found[at - 1].T < T; --at) found[at] = found[at - 1];
   found[at] = {T, P, V, P * V / (eos::kR * T)};
 }
 
-// All critical points between two neighbours of the spinodal.
-void add_between(Spinodal& sp, const Node& a, const Node& b, int capacity, Critical* found, int& count,
-                 StatusCode& status) {
+// Where between two nodes the form comes close to zero and turns: it may have two zeros there that the cubic
+// misses.
+bool comes_close(const Node& a, const Node& b, double& where) {
+  constexpr double kClose = 0.5;  // of the smaller one at the ends
+  double least = kClose * std::min(std::fabs(a.form), std::fabs(b.form));
+  bool close = false;
+  for (int k = 1; k < kParts; ++k) {
+    const double t = static_cast<double>(k) / kParts, value = form_between(a, b, t);
+    if ((value > 0.0) != (a.form > 0.0)) return false;
+    if (std::fabs(value) > least) continue;
+    least = std::fabs(value);
+    where = t;
+    close = true;
+  }
+  return close && (a.form > 0.0) == (b.form > 0.0);
+}
+
+// All critical points between two neighbours of the spinodal that the cubic of the form shows.
+void add_roots(Spinodal& sp, const Node& a, const Node& b, int capacity, Critical* found, int& count,
+               StatusCode& status) {
   double before = a.form;
   for (int k = 1; k <= kParts; ++k) {
     const double t = static_cast<double>(k) / kParts, value = form_between(a, b, t);
@@ -123,6 +140,24 @@ void add_between(Spinodal& sp, const Node& a, const Node& b, int capacity, Criti
     }
     before = value;
   }
+}
+
+// All critical points between two neighbours of the spinodal. The border is that of b, before and after.
+void add_between(Spinodal& sp, const Node& a, const Node& b, int capacity, Critical* found, int& count,
+                 StatusCode& status) {
+  constexpr int kMostSplits = 3;
+  Node from = a, middle;
+  double where;
+  for (int k = 0; k < kMostSplits && comes_close(from, b, where); ++k) {
+    middle.eta = from.eta + where * (b.eta - from.eta);
+    middle.T = T_between(from, b, where);
+    if (!settle(sp, middle, status)) break;
+    add_roots(sp, from, middle, capacity, found, count, status);
+    from = middle;
+  }
+  Curvature c;
+  if (from.eta != a.eta && status == KV_OK) status = curvature(sp, b.T, b.eta, c);
+  if (status == KV_OK) add_roots(sp, from, b, capacity, found, count, status);
 }
 
 // Whether nothing splits off the feed at its critical state.
