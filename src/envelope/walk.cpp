@@ -62,7 +62,8 @@ bool exact_critical(Tracer& t, const LinePoint& a, const LinePoint& b, double pa
   return true;
 }
 
-// The critical point between t.here and t.next, added as a node.
+// The critical point between t.here and t.next, added as a node. With the built-in equation one that does not meet its
+// conditions is none. False: no room.
 bool push_critical(Tracer& t, int held) {
   constexpr double kRoom = 1e-3;
   const int n = t.line.n, iT = t.line.T_index(), iP = t.line.P_index();
@@ -89,8 +90,8 @@ bool push_critical(Tracer& t, int held) {
       t.probe.X[i] = t.here.X[i] + share * (t.next.X[i] - t.here.X[i]);
       t.probe.slope[i] = (t.next.X[i] - t.here.X[i]) / h;
     }
-    exact_critical(t, t.here, t.next, share, std::max(kRoom, std::fabs(t.next.X[iT] - t.here.X[iT])),
-                   t.probe.X[iT], t.probe.X[iP]);
+    const double room = std::max(kRoom, std::fabs(t.next.X[iT] - t.here.X[iT]));
+    if (!exact_critical(t, t.here, t.next, share, room, t.probe.X[iT], t.probe.X[iP])) return true;
   }
   if (!push(t, t.probe, held, kCritical)) return false;
   t.node[t.count - 1].critical = true;
