@@ -18,6 +18,14 @@ constexpr int kSteps = 30;
 constexpr double kMet = 1e-10;  // ln T or ln P between the two lines at the corner
 constexpr int kNewtonLimit = 25;
 
+// Whether t.branch is the line of p again, which would be no corner.
+bool same_phase(const Tracer& t, const LinePoint& p) {
+  constexpr double kApart = 0.02;
+  for (int i = 0; i < t.line.n; ++i)
+    if (t.line.z[i] > 0.0 && std::fabs(t.branch.X[i] - p.X[i]) > kApart) return false;
+  return true;
+}
+
 // The branch of the phase that splits off at the point p: t.branch with T or P of p. False: none close by.
 bool solve_branch(Tracer& t, const LinePoint& p, int held) {
   const flash::Kind root_x = t.line.root_x, root_y = t.line.root_y;
@@ -28,14 +36,11 @@ bool solve_branch(Tracer& t, const LinePoint& p, int held) {
   t.line.root_x = root_x;
   t.line.root_y = root_y;
   if (solved != Solved::yes) return false;
-  // The same branch again would be no corner, nor would the feed itself.
-  double apart = 0.0, own = 0.0;
-  for (int i = 0; i < t.line.n; ++i) {
-    if (!(t.line.z[i] > 0.0)) continue;
-    apart = std::max(apart, std::fabs(t.branch.X[i] - p.X[i]));
-    own = std::max(own, std::fabs(t.branch.X[i]));
-  }
-  return apart > 0.02 && own > 5e-3;
+  // Nor is the feed itself a phase that splits off.
+  double own = 0.0;
+  for (int i = 0; i < t.line.n; ++i)
+    if (t.line.z[i] > 0.0) own = std::max(own, std::fabs(t.branch.X[i]));
+  return own > 5e-3 && !same_phase(t, p);
 }
 
 void start_from_trial(Tracer& t) {
@@ -125,18 +130,38 @@ bool corner_stable(Tracer& t, const Node& bad, double direction) {
   return stable;
 }
 
-// Whether the line turns round at a cusp between the point a and the corner: what was found is its own way
-// back.
-bool behind_cusp(const Tracer& t, const LinePoint& a, int held) {
-  const int iT = t.line.T_index(), iP = t.line.P_index();
-  const double of_T = t.corner.slope[iT] * a.slope[iT], of_P = t.corner.slope[iP] * a.slope[iP];
-  const double same = t.corner.slope[held] * a.slope[held];
-  return of_T * same < 0.0 && of_P * same < 0.0;
+/*
+ * Whether the line turns round at a cusp on the way to the corner from node number before, or on the last steps
+ * before it: what was found is its own way back. T and P go on in the direction opposite to that of a node
+ * close by.
+ */
+bool behind_cusp(const Tracer& t, int before, const LinePoint& a, const LinePoint& b) {
+  constexpr int kBefore = 3;
+  constexpr double kCloseT = 0.01, kCloseP = 0.1;
+  const int n = t.line.n, iT = t.line.T_index(), iP = t.line.P_index();
+  const auto forward = [&](const double* slope, const double* from, const double* to) {
+    double along = 0.0;
+    for (int i = 0; i < n + 2; ++i)
+      if (i >= n || t.line.z[i] > 0.0) along += slope[i] * (to[i] - from[i]);
+    return along > 0.0 ? 1.0 : -1.0;
+  };
+  const double here = forward(t.corner.slope, a.X, b.X);
+  for (int k = before; k > 0 && k > before - kBefore; --k) {
+    const Node& node = t.node[k];
+    if (node.critical || node.held < 0 || std::fabs(node.X[iT] - t.corner.X[iT]) > kCloseT ||
+        std::fabs(node.X[iP] - t.corner.X[iP]) > kCloseP)
+      break;
+    const double same = here * forward(node.slope, t.node[k - 1].X, node.X);
+    if (same * t.corner.slope[iT] * node.slope[iT] < 0.0 && same * t.corner.slope[iP] * node.slope[iP] < 0.0)
+      return true;
+  }
+  return false;
 }
 
 // The corner from the node that is not stable, or from points closer and closer to it by halving.
-bool close_in(Tracer& t, const Node& stable, const Node& bad, double& direction) {
+bool close_in(Tracer& t, int before, const Node& bad, double& direction) {
   constexpr int kHalvings = 14;
+  const Node& stable = t.node[before];
   const LinePoint a = point_of(stable), b = point_of(bad);
   keep_roots(t, bad);
   double low = 0.0, high = 1.0;
@@ -148,7 +173,7 @@ bool close_in(Tracer& t, const Node& stable, const Node& bad, double& direction)
     double at = high;
     for (const int common : {t.line.T_index(), t.line.P_index()}) {
       if (!find_corner(t, a, b, bad.held, high, common, at, direction)) continue;
-      if (behind_cusp(t, a, bad.held)) return false;
+      if (behind_cusp(t, before, a, b)) return false;
       if (corner_stable(t, bad, direction)) return true;
       break;
     }
@@ -186,7 +211,7 @@ bool look_back(Tracer& t, int bad, double& direction, int& before) {
     double at = 1.0;
     for (const int common : {t.line.T_index(), t.line.P_index()})
       if (find_corner(t, a, b, t.node[k].held, 1.0, common, at, direction) && at >= 0.0)
-        return !behind_cusp(t, a, t.node[k].held) && corner_stable(t, t.node[k], direction);
+        return !behind_cusp(t, before, a, b) && corner_stable(t, t.node[k], direction);
   }
   return false;
 }
@@ -196,7 +221,8 @@ bool look_back(Tracer& t, int bad, double& direction, int& before) {
  * Newton's method on the largest ln K of the branch and the part of the step to the node that is not stable,
  * from the phase that splits off there.
  */
-bool close_in_by_K(Tracer& t, const Node& stable, const Node& bad, double& direction) {
+bool close_in_by_K(Tracer& t, int before, const Node& bad, double& direction) {
+  const Node& stable = t.node[before];
   constexpr double kMostLogK = 0.3, kMostPart = 0.3, kLeastLogK = 1e-3;
   const int n = t.line.n, iT = t.line.T_index(), iP = t.line.P_index();
   const LinePoint a = point_of(stable), b = point_of(bad);
@@ -218,11 +244,11 @@ bool close_in_by_K(Tracer& t, const Node& stable, const Node& bad, double& direc
       return false;
     const double dT = t.branch.X[iT] - t.corner.X[iT], dP = t.branch.X[iP] - t.corner.X[iP];
     if (std::fabs(dT) < kMet && std::fabs(dP) < kMet) {
-      if (std::fabs(value) < kLeastLogK) return false;
+      if (std::fabs(value) < kLeastLogK || same_phase(t, t.corner)) return false;
       keep_roots(t, bad);
       if (!solve_on_way(t, a, b, bad.held, part, t.corner)) return false;
       direction = direction_of_branch(t);
-      return part > 0.0 && part < 1.0 && !behind_cusp(t, a, bad.held) && corner_stable(t, bad, direction);
+      return part > 0.0 && part < 1.0 && !behind_cusp(t, before, a, b) && corner_stable(t, bad, direction);
     }
     const double length = (b.X[bad.held] - a.X[bad.held]) / t.corner.slope[bad.held];
     const double aT = length * t.corner.slope[iT], aP = length * t.corner.slope[iP];
@@ -316,8 +342,8 @@ bool change_over(Tracer& t, int bad, double& sign, double& phase) {
   // A critical point is no place to interpolate from.
   if (t.node[before].critical && before > 0 && t.node[before].held >= 0) --before;
   double direction = 0.0;
-  if (!close_in(t, t.node[before], t.node[bad], direction) &&
-      !close_in_by_K(t, t.node[before], t.node[bad], direction) && !look_back(t, bad, direction, before))
+  if (!close_in(t, before, t.node[bad], direction) && !close_in_by_K(t, before, t.node[bad], direction) &&
+      !look_back(t, bad, direction, before))
     return false;
   // A critical point in between stays where the corner is behind it.
   int last = before;
