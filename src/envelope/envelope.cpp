@@ -188,6 +188,31 @@ void take_nodes(support::Arena& arena, Tracer& t) {
   t.lengths = room;
 }
 
+// The component whose constants all others of the feed share (two entries of the same substance), or -1: such a
+// feed is a single component to the model.
+int shared_component(flash::QualityLine& line) {
+  constexpr double kSame = 1e-12, kAt[2] = {200.0, 400.0};  // K
+  const double* table = line.mixture->table;
+  const double* Tc = table + static_cast<std::size_t>(KV_COL_TC - 1) * line.n;
+  const double* Pc = table + static_cast<std::size_t>(KV_COL_PC - 1) * line.n;
+  int j = -1;
+  for (int i = 0; i < line.n; ++i) {
+    if (!(line.z[i] > 0.0)) continue;
+    if (j < 0) j = i;
+    if (Tc[i] != Tc[j] || Pc[i] != Pc[j]) return -1;
+  }
+  for (const double T : kAt) {
+    if (flash::line_model(line, T, 1.0) != KV_OK || !line.m.built_in()) return -1;
+    const double a = line.m.t.aij[static_cast<std::size_t>(j) * line.ld + j];
+    for (int i = 0; i < line.n; ++i)
+      for (int k = 0; k < line.n; ++k)
+        if (line.z[i] > 0.0 && line.z[k] > 0.0 &&
+            std::fabs(line.m.t.aij[static_cast<std::size_t>(k) * line.ld + i] / a - 1.0) > kSame)
+          return -1;
+  }
+  return j;
+}
+
 // Arenas of their own for the line and for the critical points, which rewind them, and for the nodes.
 StatusCode set_up(const EnvelopeCall& call, bool asked_P, bool asked_T, support::Arena& arena,
                   support::Arena& second, support::Arena& nodes) {
@@ -209,6 +234,8 @@ StatusCode set_up(const EnvelopeCall& call, bool asked_P, bool asked_T, support:
   t.trial_K = arena.zeros(line.ld);
   take_nodes(nodes, t);
   flash::seal_line(line);
+  const int shared = shared_component(line);
+  if (shared >= 0) return vapour_pressure_curve(call, shared);
   t.limits = {std::log(call.first_P), std::log(call.highest_P), std::log(call.lowest_T)};
   Spinodal spinodal;
   if (call.routines == nullptr || call.routines->entry[KV_ROUTINE_FUGACITY - 1] == nullptr) {

@@ -62,8 +62,8 @@ bool exact_critical(Tracer& t, const LinePoint& a, const LinePoint& b, double pa
   return true;
 }
 
-// The critical point between t.here and t.next, added as a node. With the built-in equation one that does not meet its
-// conditions is none. False: no room.
+// The critical point between t.here and t.next, added as a node. With the built-in equation one that does not
+// meet its conditions is none. False: no room.
 bool push_critical(Tracer& t, int held) {
   constexpr double kRoom = 1e-3;
   const int n = t.line.n, iT = t.line.T_index(), iP = t.line.P_index();
@@ -98,29 +98,43 @@ bool push_critical(Tracer& t, int held) {
   return true;
 }
 
-// The limit that was passed between t.here and t.next, as the unknown and its value; false for none.
-bool limit_passed(const Tracer& t, bool rising_start, int& index, double& value, End& end) {
+// Where a line ends: the value of an unknown, and what that is called.
+struct Limit {
+  int index;
+  double value;
+  End end;
+};
+
+// Whether ln T or ln P (index), falling there or rising, is beyond its limit at v, which then is noted.
+bool beyond(const Tracer& t, int index, bool falling, double v, Limit& limit) {
+  if (index == t.line.T_index())
+    limit = {index, t.limits.lowest_T, End::cold};
+  else if (falling)
+    limit = {index, t.limits.first_P, End::closed};
+  else
+    limit = {index, t.limits.highest_P, End::pressure};
+  return limit.end == End::pressure ? v >= limit.value : falling && v <= limit.value;
+}
+
+/*
+ * The limit that is passed first between t.here and t.next: at an extreme in between, which t.next becomes
+ * then, or at t.next. False for none.
+ */
+bool limit_passed(Tracer& t, bool first, int held, Limit& limit) {
   const int iT = t.line.T_index(), iP = t.line.P_index();
-  const double P = t.next.X[iP], T = t.next.X[iT];
-  if (P >= t.limits.highest_P) {
-    index = iP;
-    value = t.limits.highest_P;
-    end = End::pressure;
+  for (const int index : {iT, iP}) {
+    double part;
+    if (index == held || first) continue;
+    const flash::Cubic c = flash::between(t.here, t.next, index, held);
+    const bool falling = c.slope(0.0) < 0.0;
+    if (!support::cubic_extreme(c, part) || !beyond(t, index, falling, c.at(part), limit)) continue;
+    if (!solve_on_way(t, t.here, t.next, held, part, t.spare)) continue;
+    if (!beyond(t, index, falling, t.spare.X[index], limit)) continue;
+    flash::copy_point(t.line, t.spare, t.next);
     return true;
   }
-  if (P <= t.limits.first_P && P < t.here.X[iP] && !rising_start) {
-    index = iP;
-    value = t.limits.first_P;
-    end = End::closed;
-    return true;
-  }
-  if (T <= t.limits.lowest_T) {
-    index = iT;
-    value = t.limits.lowest_T;
-    end = End::cold;
-    return true;
-  }
-  return false;
+  return beyond(t, iP, !first && t.next.X[iP] < t.here.X[iP], t.next.X[iP], limit) ||
+         beyond(t, iT, true, t.next.X[iT], limit);
 }
 
 // Whether the point lies on a line between two of the first nodes.
@@ -228,13 +242,11 @@ End follow(Tracer& t, double phase, double sign, bool stable, int seen) {
       if (!t.boundary()) return End::closed;
       if (phase != kLiquids) phase = phase == kDew ? kBubble : kDew;
     }
-    int index;
-    double value;
-    End end = End::closed;
-    const bool ends = limit_passed(t, first, index, value, end);
+    Limit limit;
+    const bool ends = limit_passed(t, first, made.held, limit);
     if (ends) {
       // A critical point may have come in between: the step is that from t.here all the same.
-      if (!solve_between(t, t.here, t.next, made.held, index, value, t.branch)) return End::broken;
+      if (!solve_between(t, t.here, t.next, made.held, limit.index, limit.value, t.branch)) return End::broken;
       flash::copy_point(t.line, t.branch, t.next);
     }
     if (!push(t, t.next, made.held, t.boundary() ? phase : t.line.W)) return End::full;
@@ -252,7 +264,7 @@ End follow(Tracer& t, double phase, double sign, bool stable, int seen) {
     }
     t.line.root_x = root_x;
     t.line.root_y = root_y;
-    if (ends) return end;
+    if (ends) return limit.end;
     if (joined) return End::joined;
     flash::copy_point(t.line, t.here, t.last);
     flash::copy_point(t.line, t.next, t.here);
