@@ -16,7 +16,8 @@ using flash::Solved;
 // as much.
 constexpr int kTestEvery = 1, kTestEveryCritical = 5;
 constexpr double kBesideCritical = 1.0;
-constexpr double kTooCloseToTest = 0.05;         // largest |ln K| beside a critical point
+constexpr double kTooCloseToTest = 0.05;  // largest |ln K| beside a critical point
+constexpr double kOnePhase = 2e-3;        // largest |ln K| of a point that is none: both phases are the feed
 constexpr int kHardPoint = 7, kMostShorter = 4;  // Newton iterations of a point; steps that are cut for it
 constexpr double kShorter = 0.3;
 constexpr double kJoined = 1e-3;  // of ln T and ln P
@@ -232,7 +233,7 @@ End follow(Tracer& t, double phase, double sign, bool stable, int seen) {
       if (solved != Solved::yes || t.next.passes <= kHardPoint || shorter == kMostShorter) break;
       step = kShorter * std::fabs(made.change);
     }
-    if (solved != Solved::yes) {
+    if (solved != Solved::yes || largest_log_K(t, t.next.X) < kOnePhase) {
       look_at_stability(t, stability, true, phase, sign);
       return End::broken;
     }
