@@ -64,10 +64,22 @@ bool first_node(Spinodal& sp, double eta, Node& node, StatusCode& status) {
     stable = locally_stable(sp, T, eta, 0.0, status);
   }
   if (status != KV_OK) return false;
-  node.eta = eta;
-  node.T = stable ? 0.85 * T : T;
-  status = start_border(sp, node.T, eta);
-  return status == KV_OK && settle(sp, node, status);
+  // Newton's method may leave for another eigenvalue: from a closer bracket then.
+  constexpr int kBrackets = 5;
+  constexpr double kRoom = 0.02;
+  double low = stable ? 0.85 * T : T, high = stable ? T : T / 0.85;
+  for (int k = 0; k < kBrackets; ++k) {
+    node.eta = eta;
+    node.T = low;
+    status = start_border(sp, low, eta);
+    if (status != KV_OK) return false;
+    if (settle(sp, node, status) && node.T > (1.0 - kRoom) * low && node.T < (1.0 + kRoom) * high) return true;
+    if (status != KV_OK) return false;
+    const double middle = std::sqrt(low * high);
+    (locally_stable(sp, middle, eta, 0.0, status) ? high : low) = middle;
+    if (status != KV_OK) return false;
+  }
+  return false;
 }
 
 // Value at a part t of the way between two nodes, by the cubic of values and slopes.
