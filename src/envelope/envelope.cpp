@@ -129,6 +129,40 @@ StatusCode trace(Tracer& t, const EnvelopeCall& call, bool asked_P, bool asked_T
   return KV_OK;
 }
 
+/*
+ * The gate through which every outline leaves. Its points are converged and were tested on the way; what the
+ * steps could miss is looked at here: numbers, limits, and critical points close to a corner or to points that
+ * are not stable, which the test on the way leaves out.
+ */
+StatusCode accept(Tracer& t, StatusCode status) {
+  constexpr double kRounding = 1e-9;
+  constexpr int kClose = 3;
+  const int iT = t.line.T_index(), iP = t.line.P_index();
+  for (int k = 0; k < t.count; ++k) {
+    Node& node = t.node[k];
+    const double T = node.X[iT], P = node.X[iP];
+    // Written so that what is not a number fails.
+    if (!(T >= t.limits.lowest_T - kRounding && P >= t.limits.first_P - kRounding &&
+          P <= t.limits.highest_P + kRounding && T < 1e3)) {
+      t.count = k;
+      return KV_ENVELOPE_BROKEN;
+    }
+    if (!node.critical || !node.stable) continue;
+    bool sure = true;
+    for (int i = std::max(k - kClose, 0); i < std::min(k + kClose + 1, t.count); ++i)
+      sure = sure && t.node[i].stable && !t.node[i].corner;
+    if (sure) continue;
+    std::copy_n(node.X, t.line.n + 2, t.probe.X);
+    t.line.root_x = t.line.root_y = flash::Kind::stable;
+    node.stable = stable_at(t, t.probe);
+    if (node.stable) continue;
+    node.critical = false;
+    node.kind = t.node[std::max(k - 1, 0)].kind;
+    if (status != KV_ENVELOPE_BROKEN) status = KV_ENVELOPE_UNSTABLE;
+  }
+  return status;
+}
+
 // The text for knots that no spline goes through, for a host that looks at its trace.
 void report_fit(const MixtureRecord& mixture, support::SplineFit fit) {
   if (mixture.trace_flag == 0) return;
@@ -242,7 +276,7 @@ StatusCode set_up(const EnvelopeCall& call, bool asked_P, bool asked_T, support:
     open_spinodal(second, *call.mixture, z, spinodal);
     t.spinodal = &spinodal;
   }
-  const StatusCode status = trace(t, call, asked_P, asked_T);
+  const StatusCode status = accept(t, trace(t, call, asked_P, asked_T));
   return t.count > 0 ? write_outline(t, call, status) : status;
 }
 
