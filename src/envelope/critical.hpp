@@ -27,8 +27,8 @@ bool solve_critical(Spinodal& sp, double& T, double& eta, StatusCode& status);
 StatusCode critical_points(Spinodal& sp, int capacity, Critical* found, int& count);
 
 /*
- * The critical point of a feed z (need not sum to one): the stable one of highest temperature, by the test of the
- * feed against every phase that could split off. A single component returns its own Tc and Pc, with its Vc
+ * The critical point of a feed z (need not sum to one): the stable one of highest temperature, by the test of
+ * the feed against every phase that could split off. A single component returns its own Tc and Pc, with its Vc
  * where that is known and that of the equation of state where it is not.
  *
  * KV_OK; KV_NO_CRITICAL without a stable one; others of the model. Results are written on KV_OK only.
