@@ -57,6 +57,14 @@ MixtureCritical critical_point(const Exports& library, Mixture& mixture) {
   return c;
 }
 
+std::vector<CurvePlace> critical_places(const Curve& curve) {
+  std::vector<CurvePlace> places;
+  for (std::size_t k = 0; k < curve.points.size(); ++k)
+    if (is_critical(curve, k)) places.push_back({curve.points[k].T, curve.points[k].P});
+  std::sort(places.begin(), places.end(), [](const CurvePlace& a, const CurvePlace& b) { return a.T > b.T; });
+  return places;
+}
+
 bool curve_is_good(StatusCode status) {
   return status == KV_OK || status == KV_ENVELOPE_OPEN || status == KV_ENVELOPE_COLD ||
          status == KV_ENVELOPE_LIQUIDS;

@@ -43,6 +43,9 @@ Curve trace_curve(const Exports& library, Mixture& mixture, double fraction, con
 
 MixtureCritical critical_point(const Exports& library, Mixture& mixture);
 
+// The critical points on a curve, hottest first.
+std::vector<CurvePlace> critical_places(const Curve& curve);
+
 // Whether a status comes with a curve that is good for what it shows.
 bool curve_is_good(StatusCode status);
 

@@ -147,9 +147,11 @@ Chart envelope_chart(const EnvelopeReport& r, const std::vector<Overlay>& overla
   chart.x_title = "Temperature, " + degrees(r.units[Quantity::temperature].name);
   chart.y_title = fmt::format("Pressure, {}", r.units[Quantity::pressure].name);
   for (std::size_t k = 0; k < r.curves.size(); ++k) add_pieces(r, r.curves[k], k, chart);
+  const Curve& outline = r.curves.front();
   if (r.critical.status == KV_OK)
     add_mark(r, "Critical point", "#222222", Mark::disc, r.critical.T, r.critical.P, chart);
-  const Curve& outline = r.curves.front();
+  for (const CurvePlace& place : further_critical(r))
+    add_mark(r, "Further critical point", "#777777", Mark::disc, place.T, place.P, chart);
   if (outline.cricondentherm.found())
     add_mark(r, "Cricondentherm", kDewColour, Mark::triangle, outline.cricondentherm.T,
              outline.cricondentherm.P, chart);

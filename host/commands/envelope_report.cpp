@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cmath>
 #include <nlohmann/json.hpp>
 
 #include "commands/session.hpp"
@@ -35,6 +37,17 @@ ordered_json place_json(const CurvePlace& p) {
 
 }  // namespace
 
+std::vector<CurvePlace> further_critical(const EnvelopeReport& r) {
+  constexpr double kSame = 1e-6;
+  std::vector<CurvePlace> places = critical_places(r.curves.front());
+  const auto first = [&](const CurvePlace& p) {
+    return r.critical.status == KV_OK && std::fabs(p.T / r.critical.T - 1.0) < kSame &&
+           std::fabs(p.P / r.critical.P - 1.0) < kSame;
+  };
+  places.erase(std::remove_if(places.begin(), places.end(), first), places.end());
+  return places;
+}
+
 void print_envelope_text(const EnvelopeReport& r, std::ostream& out) {
   const Mixture& m = r.mixture;
   const Unit &T = r.units[Quantity::temperature], &P = r.units[Quantity::pressure];
@@ -48,6 +61,9 @@ void print_envelope_text(const EnvelopeReport& r, std::ostream& out) {
                             1e6 * r.critical.V, r.critical.Z)
               : status_text(r.critical.status))
       << '\n';
+  for (const CurvePlace& place : further_critical(r)) {
+    out << "  further one   " << place_in_words(r.units, place) << '\n';
+  }
   for (const Curve& curve : r.curves) {
     if (&curve == &r.curves.front()) {
       out << "Cricondentherm  " << place_in_words(r.units, curve.cricondentherm) << '\n'
@@ -81,6 +97,7 @@ void print_envelope_json(const EnvelopeReport& r, std::ostream& out) {
                     {"notes", remarks(r.mixture)},
                     {"critical_point", nullptr},
                     {"critical_point_status", r.critical.status},
+                    {"further_critical_points", ordered_json::array()},
                     {"cricondentherm", place_json(outline.cricondentherm)},
                     {"cricondenbar", place_json(outline.cricondenbar)},
                     {"curves", ordered_json::array()}};
@@ -89,6 +106,9 @@ void print_envelope_json(const EnvelopeReport& r, std::ostream& out) {
                               {"pressure_Pa", r.critical.P},
                               {"molar_volume_m3_mol", r.critical.V},
                               {"Z", r.critical.Z}};
+  }
+  for (const CurvePlace& place : further_critical(r)) {
+    root["further_critical_points"].push_back(place_json(place));
   }
   for (const Curve& curve : r.curves) {
     ordered_json points = ordered_json::array();

@@ -19,6 +19,9 @@ struct EnvelopeReport {
   MixtureCritical critical;
 };
 
+// The stable critical points of the outline other than the one that CriticalPoint returns, hottest first.
+std::vector<CurvePlace> further_critical(const EnvelopeReport& report);
+
 void print_envelope_text(const EnvelopeReport& report, std::ostream& out);
 void print_envelope_csv(const EnvelopeReport& report, std::ostream& out);
 void print_envelope_json(const EnvelopeReport& report, std::ostream& out);

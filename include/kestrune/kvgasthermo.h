@@ -199,22 +199,32 @@ KV_API StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, Mixtu
  *
  * options    0
  * first_P    first pressure, atm (0: 1)         max_P  highest pressure, atm (0: 2000)
- * min_T      lowest temperature, K (0: 50)      points wanted, evenly spaced in length of the curve with both
- *            axes (ln T, ln P) scaled to it; ends, critical points and extremes are among them; 0: as traced
- * capacity   of the three point arrays          fraction  1.0: bubble and dew; between 0 and 1: the line of
- * that vapour fraction, to the critical point accuracy   relative, of a point (0: 1e-8, not below 1e-10); every
- * point is converged to 1e-10 in ln fugacities T, P       [capacity] out, K and atm kind       [capacity]
- * out: 1.0 dew, 0.0 bubble, 0.5 critical point, the fraction on a quality line; 4.0: the feed is a liquid
- * beside which a second liquid begins to form. 2.0 more (3.0, 2.0, 6.0, 2.0 + fraction): another phase splits
- * off before the point, and no branch was found that bounds the one-phase region number_of_points,
- * number_of_critical_points  out cricondentherm_T, _P, cricondenbar_T, _P     out, K and atm: highest extreme
- * of T and of P along the curve, solved for; 0 where the curve has none between its ends
+ * min_T      lowest temperature, K (0: 50); no point lies outside these three
+ * points     wanted, evenly spaced in length of the curve with both axes (ln T, ln P) scaled to it; ends,
+ *            critical points and extremes are among them; 0: as traced
+ * capacity   of the three point arrays
+ * fraction   1.0: bubble and dew; between 0 and 1: the line of that vapour fraction, to the critical point
+ * accuracy   relative, of a point (0: 1e-8, not below 1e-10); all are converged to 1e-10 in ln fugacities
+ * T, P       [capacity] out, K and atm
+ * kind       [capacity] out: 1.0 dew, 0.0 bubble, 0.5 critical point, 4.0 two liquids (below), the fraction on
+ *            a quality line. 2.0 more (3.0, 2.0, 6.0, 2.0 + fraction): another phase splits off before the
+ *            point, and no branch was found that bounds the one-phase region
+ * number_of_points, number_of_critical_points  out
+ * cricondentherm_T, _P, cricondenbar_T, _P     out, K and atm: highest extreme of T and of P along the dew and
+ *            bubble branches (along the line, of a quality line), solved for; 0 where they have none between
+ *            their ends
  *
  * The curve begins with the dew point at first_P and passes through the critical points; where it does not come
  * back to first_P a second part begins with the bubble point there. Where a third phase splits off it goes on
- * along the branch of that phase. A single component has its vapour-pressure curve (kind: the fraction) up to
- * its critical point, which then is both extremes. With a host's fugacity routine critical points are
- * interpolated.
+ * along the branch of that phase. All stable critical points on the curve are listed; with a host's fugacity
+ * routine they are interpolated. A single component, or several entries of the same constants and groups, has
+ * its vapour-pressure curve (kind: the fraction) up to its critical point, which then is both extremes.
+ *
+ * kind 4.0: the feed is a dense fluid beside which a second dense fluid begins to form. It belongs to whole
+ * branches: from a corner, a critical point between two liquids or a pressure that is the lowest along the
+ * curve to the next of these or to the end, both phases are packed more densely than a pure component at its
+ * critical point (b/V above 1/3.95) at every point traced. As a rule such a line is steep and lies at low
+ * temperature. A dew or bubble branch has a thinner phase somewhere.
  *
  * 0 = the curve came back to first_P, or to a max_P or min_T that was given. 116: no point at first_P. 140,
  * 141: it ended at the default max_P (open) or min_T. 142: more points than capacity: the first ones of them as
@@ -236,7 +246,7 @@ KV_API StatusCode KV_CALL PhaseEnvelope(const double* z, MixtureRecord* mixture,
  * Critical temperature (K), pressure (atm), volume (cm3/mol) and compressibility factor of a mixture by the
  * equation of state; options 0. 28 bytes.
  *
- * 0 = found: of several critical points the stable one of highest pressure. A single component returns Tc, Pc
+ * 0 = found: of several stable critical points that of highest temperature. A single component returns Tc, Pc
  * and, where it is known, Vc of its table. 145: the mixture has no stable critical point. The results are
  * written for 0 only.
  */

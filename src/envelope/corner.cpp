@@ -18,6 +18,14 @@ constexpr int kSteps = 30;
 constexpr double kMet = 1e-10;  // ln T or ln P between the two lines at the corner
 constexpr int kNewtonLimit = 25;
 
+// Whether t.branch is the line of p again, which would be no corner.
+bool same_phase(const Tracer& t, const LinePoint& p) {
+  constexpr double kApart = 0.02;
+  for (int i = 0; i < t.line.n; ++i)
+    if (t.line.z[i] > 0.0 && std::fabs(t.branch.X[i] - p.X[i]) > kApart) return false;
+  return true;
+}
+
 // The branch of the phase that splits off at the point p: t.branch with T or P of p. False: none close by.
 bool solve_branch(Tracer& t, const LinePoint& p, int held) {
   const flash::Kind root_x = t.line.root_x, root_y = t.line.root_y;
@@ -28,14 +36,11 @@ bool solve_branch(Tracer& t, const LinePoint& p, int held) {
   t.line.root_x = root_x;
   t.line.root_y = root_y;
   if (solved != Solved::yes) return false;
-  // The same branch again would be no corner, nor would the feed itself.
-  double apart = 0.0, own = 0.0;
-  for (int i = 0; i < t.line.n; ++i) {
-    if (!(t.line.z[i] > 0.0)) continue;
-    apart = std::max(apart, std::fabs(t.branch.X[i] - p.X[i]));
-    own = std::max(own, std::fabs(t.branch.X[i]));
-  }
-  return apart > 0.02 && own > 5e-3;
+  // Nor is the feed itself a phase that splits off.
+  double own = 0.0;
+  for (int i = 0; i < t.line.n; ++i)
+    if (t.line.z[i] > 0.0) own = std::max(own, std::fabs(t.branch.X[i]));
+  return own > 5e-3 && !same_phase(t, p);
 }
 
 void start_from_trial(Tracer& t) {
@@ -103,9 +108,60 @@ bool find_corner(Tracer& t, const LinePoint& a, const LinePoint& b, int held, do
   return false;
 }
 
+/*
+ * Whether the corner that was found is one of the boundary: nothing splits off there, and nothing on the branch
+ * just behind it. At the corner itself both of its phases lie on the plane, and the test may come to rest at
+ * them.
+ */
+bool corner_stable(Tracer& t, const Node& bad, double direction) {
+  constexpr double kBehind = 1e-4;
+  flash::copy_point(t.line, t.corner, t.probe);
+  if (!stable_at(t, t.probe)) return false;
+  flash::copy_point(t.line, t.branch, t.probe);
+  keep_roots(t, t.probe);
+  const int iT = t.line.T_index(), iP = t.line.P_index();
+  const double steep = t.branch.slope[iP] / t.branch.slope[iT];
+  const int held = std::fabs(steep) > 1.0 ? iP : iT;
+  const double step = held == iP || steep > 0.0 ? direction * kBehind : -direction * kBehind;
+  const bool stable = flash::solve_point(t.line, t.probe, held, t.branch.X[held] + step, kNewtonLimit, true,
+                                         t.status) != Solved::yes ||
+                      stable_at(t, t.probe);
+  keep_roots(t, bad);
+  return stable;
+}
+
+/*
+ * Whether the line turns round at a cusp on the way to the corner from node number before, or on the last steps
+ * before it: what was found is its own way back. T and P go on in the direction opposite to that of a node
+ * close by.
+ */
+bool behind_cusp(const Tracer& t, int before, const LinePoint& a, const LinePoint& b) {
+  constexpr int kBefore = 3;
+  constexpr double kCloseT = 0.01, kCloseP = 0.1;
+  const int n = t.line.n, iT = t.line.T_index(), iP = t.line.P_index();
+  const auto forward = [&](const double* slope, const double* from, const double* to) {
+    double along = 0.0;
+    for (int i = 0; i < n + 2; ++i)
+      if (i >= n || t.line.z[i] > 0.0) along += slope[i] * (to[i] - from[i]);
+    return along > 0.0 ? 1.0 : -1.0;
+  };
+  const double here = forward(t.corner.slope, a.X, b.X);
+  for (int k = before; k > 0 && k > before - kBefore; --k) {
+    const Node& node = t.node[k];
+    if (node.critical || node.held < 0 || std::fabs(node.X[iT] - t.corner.X[iT]) > kCloseT ||
+        std::fabs(node.X[iP] - t.corner.X[iP]) > kCloseP)
+      break;
+    const double same = here * forward(node.slope, t.node[k - 1].X, node.X);
+    if (same * t.corner.slope[iT] * node.slope[iT] < 0.0 && same * t.corner.slope[iP] * node.slope[iP] < 0.0)
+      return true;
+  }
+  return false;
+}
+
 // The corner from the node that is not stable, or from points closer and closer to it by halving.
-bool close_in(Tracer& t, const Node& stable, const Node& bad, double& direction) {
+bool close_in(Tracer& t, int before, const Node& bad, double& direction) {
   constexpr int kHalvings = 14;
+  const Node& stable = t.node[before];
   const LinePoint a = point_of(stable), b = point_of(bad);
   keep_roots(t, bad);
   double low = 0.0, high = 1.0;
@@ -117,8 +173,8 @@ bool close_in(Tracer& t, const Node& stable, const Node& bad, double& direction)
     double at = high;
     for (const int common : {t.line.T_index(), t.line.P_index()}) {
       if (!find_corner(t, a, b, bad.held, high, common, at, direction)) continue;
-      flash::copy_point(t.line, t.corner, t.probe);
-      if (stable_at(t, t.probe)) return true;
+      if (behind_cusp(t, before, a, b)) return false;
+      if (corner_stable(t, bad, direction)) return true;
       break;
     }
     if (at > low && at < high) {
@@ -136,6 +192,84 @@ bool close_in(Tracer& t, const Node& stable, const Node& bad, double& direction)
     high = middle;
   }
   return false;
+}
+
+/*
+ * The corner on steps before the node that is not stable: beside a critical point the tests are few. From the
+ * phase that splits off at the node, which t.trial_K holds. before receives the node in front of the corner.
+ */
+bool look_back(Tracer& t, int bad, double& direction, int& before) {
+  constexpr int kBack = 6;
+  std::copy_n(t.node[bad].X, t.line.n + 2, t.probe.X);
+  keep_roots(t, t.node[bad]);
+  if (stable_at(t, t.probe)) return false;
+  for (int k = bad - 1; k > std::max(bad - 1 - kBack, 0) && t.node[k].held >= 0; --k) {
+    before = t.node[k - 1].critical ? k - 2 : k - 1;
+    if (t.node[k].critical || before < 0) continue;
+    const LinePoint a = point_of(t.node[before]), b = point_of(t.node[k]);
+    keep_roots(t, t.node[k]);
+    double at = 1.0;
+    for (const int common : {t.line.T_index(), t.line.P_index()})
+      if (find_corner(t, a, b, t.node[k].held, 1.0, common, at, direction) && at >= 0.0)
+        return !behind_cusp(t, before, a, b) && corner_stable(t, t.node[k], direction);
+  }
+  return false;
+}
+
+/*
+ * The corner with a branch that is all but critical there: with T or P held its two phases would become one.
+ * Newton's method on the largest ln K of the branch and the part of the step to the node that is not stable,
+ * from the phase that splits off there.
+ */
+bool close_in_by_K(Tracer& t, int before, const Node& bad, double& direction) {
+  const Node& stable = t.node[before];
+  constexpr double kMostLogK = 0.3, kMostPart = 0.3, kLeastLogK = 1e-3;
+  const int n = t.line.n, iT = t.line.T_index(), iP = t.line.P_index();
+  const LinePoint a = point_of(stable), b = point_of(bad);
+  keep_roots(t, bad);
+  std::copy_n(b.X, n + 2, t.probe.X);
+  if (stable_at(t, t.probe)) return false;
+  start_from_trial(t);
+  t.branch.X[iT] = b.X[iT];
+  t.branch.X[iP] = b.X[iP];
+  int by = 0;
+  for (int i = 1; i < n; ++i)
+    if (t.line.z[i] > 0.0 && std::fabs(t.branch.X[i]) > std::fabs(t.branch.X[by])) by = i;
+  double part = 1.0, value = t.branch.X[by];
+  for (int k = 0; k < kSteps; ++k) {
+    keep_roots(t, bad);
+    if (!solve_on_way(t, a, b, bad.held, part, t.corner)) return false;
+    t.line.root_x = t.line.root_y = flash::Kind::stable;
+    if (flash::solve_point(t.line, t.branch, by, value, kNewtonLimit, true, t.status) != Solved::yes)
+      return false;
+    const double dT = t.branch.X[iT] - t.corner.X[iT], dP = t.branch.X[iP] - t.corner.X[iP];
+    if (std::fabs(dT) < kMet && std::fabs(dP) < kMet) {
+      if (std::fabs(value) < kLeastLogK || same_phase(t, t.corner)) return false;
+      keep_roots(t, bad);
+      if (!solve_on_way(t, a, b, bad.held, part, t.corner)) return false;
+      direction = direction_of_branch(t);
+      return part > 0.0 && part < 1.0 && !behind_cusp(t, before, a, b) && corner_stable(t, bad, direction);
+    }
+    const double length = (b.X[bad.held] - a.X[bad.held]) / t.corner.slope[bad.held];
+    const double aT = length * t.corner.slope[iT], aP = length * t.corner.slope[iP];
+    const double bT = t.branch.slope[iT] / t.branch.slope[by], bP = t.branch.slope[iP] / t.branch.slope[by];
+    const double determinant = aT * bP - bT * aP;
+    const double of_part = (dT * bP - dP * bT) / determinant, of_value = (dT * aP - dP * aT) / determinant;
+    const double size = std::max(std::fabs(of_part) / kMostPart, std::fabs(of_value) / kMostLogK);
+    if (!(size < 1e6)) return false;
+    const double factor = size > 1.0 ? 1.0 / size : 1.0;
+    part = std::clamp(part + factor * of_part, -0.2, 1.0);
+    value += factor * of_value;
+  }
+  return false;
+}
+
+// Whether a critical point lies between the point and the node: all ln K have changed their sign.
+bool other_side(const Tracer& t, const LinePoint& p, const Node& node) {
+  double sum = 0.0;
+  for (int i = 0; i < t.line.n; ++i)
+    if (t.line.z[i] > 0.0) sum += p.X[i] * node.X[i];
+  return sum < 0.0;
 }
 
 // Whether what begins to form is a liquid, packed like the feed, which is one.
@@ -207,18 +341,22 @@ bool change_over(Tracer& t, int bad, double& sign, double& phase) {
   int before = bad - 1;
   // A critical point is no place to interpolate from.
   if (t.node[before].critical && before > 0 && t.node[before].held >= 0) --before;
-  const double kind = t.node[before].critical ? t.node[bad].kind : t.node[before].kind;
-  const int held = t.node[bad].held;
   double direction = 0.0;
-  if (!close_in(t, t.node[before], t.node[bad], direction)) return false;
-  t.count = before + 1;
+  if (!close_in(t, before, t.node[bad], direction) && !close_in_by_K(t, before, t.node[bad], direction) &&
+      !look_back(t, bad, direction, before))
+    return false;
+  // A critical point in between stays where the corner is behind it.
+  int last = before;
+  if (t.node[last + 1].critical && other_side(t, t.corner, t.node[last])) ++last;
+  const double kind = t.node[last].critical ? t.node[last + 1].kind : t.node[last].kind;
+  const int held = t.node[last + 1].held;
+  t.count = last + 1;
   if (!push(t, t.corner, held, kind)) return false;
   t.node[t.count - 1].corner = true;
   flash::copy_point(t.line, t.branch, t.here);
   keep_roots(t, t.here);
   sign = direction;
   phase = kind == kDew ? kDew : liquid_forms(t, t.branch) ? kLiquids : kBubble;
-  t.liquids |= phase == kLiquids;
   ++t.corners;
   return true;
 }

@@ -64,10 +64,22 @@ bool first_node(Spinodal& sp, double eta, Node& node, StatusCode& status) {
     stable = locally_stable(sp, T, eta, 0.0, status);
   }
   if (status != KV_OK) return false;
-  node.eta = eta;
-  node.T = stable ? 0.85 * T : T;
-  status = start_border(sp, node.T, eta);
-  return status == KV_OK && settle(sp, node, status);
+  // Newton's method may leave for another eigenvalue: from a closer bracket then.
+  constexpr int kBrackets = 5;
+  constexpr double kRoom = 0.02;
+  double low = stable ? 0.85 * T : T, high = stable ? T : T / 0.85;
+  for (int k = 0; k < kBrackets; ++k) {
+    node.eta = eta;
+    node.T = low;
+    status = start_border(sp, low, eta);
+    if (status != KV_OK) return false;
+    if (settle(sp, node, status) && node.T > (1.0 - kRoom) * low && node.T < (1.0 + kRoom) * high) return true;
+    if (status != KV_OK) return false;
+    const double middle = std::sqrt(low * high);
+    (locally_stable(sp, middle, eta, 0.0, status) ? high : low) = middle;
+    if (status != KV_OK) return false;
+  }
+  return false;
 }
 
 // Value at a part t of the way between two nodes, by the cubic of values and slopes.
@@ -103,13 +115,30 @@ void keep(const Spinodal& sp, double T, double eta, int capacity, Critical* foun
     if (std::fabs(found[k].T / T - 1.0) < 1e-7 && std::fabs(found[k].P / P - 1.0) < 1e-6) return;
   const double V = sp.b / eta;
   int at = count++;
-  for (; at > 0 && found[at - 1].P < P; --at) found[at] = found[at - 1];
+  for (; at > 0 && found[at - 1].T < T; --at) found[at] = found[at - 1];
   found[at] = {T, P, V, P * V / (eos::kR * T)};
 }
 
-// All critical points between two neighbours of the spinodal.
-void add_between(Spinodal& sp, const Node& a, const Node& b, int capacity, Critical* found, int& count,
-                 StatusCode& status) {
+// Where between two nodes the form comes close to zero and turns: it may have two zeros there that the cubic
+// misses.
+bool comes_close(const Node& a, const Node& b, double& where) {
+  constexpr double kClose = 0.5;  // of the smaller one at the ends
+  double least = kClose * std::min(std::fabs(a.form), std::fabs(b.form));
+  bool close = false;
+  for (int k = 1; k < kParts; ++k) {
+    const double t = static_cast<double>(k) / kParts, value = form_between(a, b, t);
+    if ((value > 0.0) != (a.form > 0.0)) return false;
+    if (std::fabs(value) > least) continue;
+    least = std::fabs(value);
+    where = t;
+    close = true;
+  }
+  return close && (a.form > 0.0) == (b.form > 0.0);
+}
+
+// All critical points between two neighbours of the spinodal that the cubic of the form shows.
+void add_roots(Spinodal& sp, const Node& a, const Node& b, int capacity, Critical* found, int& count,
+               StatusCode& status) {
   double before = a.form;
   for (int k = 1; k <= kParts; ++k) {
     const double t = static_cast<double>(k) / kParts, value = form_between(a, b, t);
@@ -123,6 +152,24 @@ void add_between(Spinodal& sp, const Node& a, const Node& b, int capacity, Criti
     }
     before = value;
   }
+}
+
+// All critical points between two neighbours of the spinodal. The border is that of b, before and after.
+void add_between(Spinodal& sp, const Node& a, const Node& b, int capacity, Critical* found, int& count,
+                 StatusCode& status) {
+  constexpr int kMostSplits = 3;
+  Node from = a, middle;
+  double where;
+  for (int k = 0; k < kMostSplits && comes_close(from, b, where); ++k) {
+    middle.eta = from.eta + where * (b.eta - from.eta);
+    middle.T = T_between(from, b, where);
+    if (!settle(sp, middle, status)) break;
+    add_roots(sp, from, middle, capacity, found, count, status);
+    from = middle;
+  }
+  Curvature c;
+  if (from.eta != a.eta && status == KV_OK) status = curvature(sp, b.T, b.eta, c);
+  if (status == KV_OK) add_roots(sp, from, b, capacity, found, count, status);
 }
 
 // Whether nothing splits off the feed at its critical state.

@@ -21,14 +21,14 @@ bool solve_critical(Spinodal& sp, double& T, double& eta, StatusCode& status);
 
 /*
  * Every critical point of positive pressure on the spinodal between packings of 0.06 and 0.72 (V/b 16 to 1.4),
- * highest pressure first, stable or not; at most capacity of them. Follows the spinodal from the thin end,
+ * highest temperature first, stable or not; at most capacity of them. Follows the spinodal from the thin end,
  * looking for changes of sign of the form. count receives their number. Status: of the model.
  */
 StatusCode critical_points(Spinodal& sp, int capacity, Critical* found, int& count);
 
 /*
- * The critical point of a feed z (need not sum to one): the stable one of highest pressure, by the test of the
- * feed against every phase that could split off. A single component returns its own Tc and Pc, with its Vc
+ * The critical point of a feed z (need not sum to one): the stable one of highest temperature, by the test of
+ * the feed against every phase that could split off. A single component returns its own Tc and Pc, with its Vc
  * where that is known and that of the equation of state where it is not.
  *
  * KV_OK; KV_NO_CRITICAL without a stable one; others of the model. Results are written on KV_OK only.

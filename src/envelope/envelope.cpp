@@ -116,12 +116,51 @@ StatusCode trace(Tracer& t, const EnvelopeCall& call, bool asked_P, bool asked_T
       note(walk(t, kBubble, 1.0, stable, seen));
   }
   if (t.count == 0) return KV_NO_SATURATION;
+  if (t.boundary()) {
+    cut_loops(t);
+    name_branches(t);
+  }
   if (broken) return KV_ENVELOPE_BROKEN;
-  if (t.lost) return KV_ENVELOPE_UNSTABLE;
+  for (int k = 0; k < t.count; ++k)
+    if (!t.node[k].stable) return KV_ENVELOPE_UNSTABLE;
   if (t.liquids) return KV_ENVELOPE_LIQUIDS;
   if (pressure && !asked_P) return KV_ENVELOPE_OPEN;
   if (cold && !asked_T) return KV_ENVELOPE_COLD;
   return KV_OK;
+}
+
+/*
+ * The gate through which every outline leaves. Its points are converged and were tested on the way; what the
+ * steps could miss is looked at here: numbers, limits, and critical points close to a corner or to points that
+ * are not stable, which the test on the way leaves out.
+ */
+StatusCode accept(Tracer& t, StatusCode status) {
+  constexpr double kRounding = 1e-9;
+  constexpr int kClose = 3;
+  const int iT = t.line.T_index(), iP = t.line.P_index();
+  for (int k = 0; k < t.count; ++k) {
+    Node& node = t.node[k];
+    const double T = node.X[iT], P = node.X[iP];
+    // Written so that what is not a number fails.
+    if (!(T >= t.limits.lowest_T - kRounding && P >= t.limits.first_P - kRounding &&
+          P <= t.limits.highest_P + kRounding && T < 1e3)) {
+      t.count = k;
+      return KV_ENVELOPE_BROKEN;
+    }
+    if (!node.critical || !node.stable) continue;
+    bool sure = true;
+    for (int i = std::max(k - kClose, 0); i < std::min(k + kClose + 1, t.count); ++i)
+      sure = sure && t.node[i].stable && !t.node[i].corner;
+    if (sure) continue;
+    std::copy_n(node.X, t.line.n + 2, t.probe.X);
+    t.line.root_x = t.line.root_y = flash::Kind::stable;
+    node.stable = stable_at(t, t.probe);
+    if (node.stable) continue;
+    node.critical = false;
+    node.kind = t.node[std::max(k - 1, 0)].kind;
+    if (status != KV_ENVELOPE_BROKEN) status = KV_ENVELOPE_UNSTABLE;
+  }
+  return status;
 }
 
 // The text for knots that no spline goes through, for a host that looks at its trace.
@@ -183,6 +222,31 @@ void take_nodes(support::Arena& arena, Tracer& t) {
   t.lengths = room;
 }
 
+// The component whose constants all others of the feed share (two entries of the same substance), or -1: such a
+// feed is a single component to the model.
+int shared_component(flash::QualityLine& line) {
+  constexpr double kSame = 1e-12, kAt[2] = {200.0, 400.0};  // K
+  const double* table = line.mixture->table;
+  const double* Tc = table + static_cast<std::size_t>(KV_COL_TC - 1) * line.n;
+  const double* Pc = table + static_cast<std::size_t>(KV_COL_PC - 1) * line.n;
+  int j = -1;
+  for (int i = 0; i < line.n; ++i) {
+    if (!(line.z[i] > 0.0)) continue;
+    if (j < 0) j = i;
+    if (Tc[i] != Tc[j] || Pc[i] != Pc[j]) return -1;
+  }
+  for (const double T : kAt) {
+    if (flash::line_model(line, T, 1.0) != KV_OK || !line.m.built_in()) return -1;
+    const double a = line.m.t.aij[static_cast<std::size_t>(j) * line.ld + j];
+    for (int i = 0; i < line.n; ++i)
+      for (int k = 0; k < line.n; ++k)
+        if (line.z[i] > 0.0 && line.z[k] > 0.0 &&
+            std::fabs(line.m.t.aij[static_cast<std::size_t>(k) * line.ld + i] / a - 1.0) > kSame)
+          return -1;
+  }
+  return j;
+}
+
 // Arenas of their own for the line and for the critical points, which rewind them, and for the nodes.
 StatusCode set_up(const EnvelopeCall& call, bool asked_P, bool asked_T, support::Arena& arena,
                   support::Arena& second, support::Arena& nodes) {
@@ -204,13 +268,15 @@ StatusCode set_up(const EnvelopeCall& call, bool asked_P, bool asked_T, support:
   t.trial_K = arena.zeros(line.ld);
   take_nodes(nodes, t);
   flash::seal_line(line);
+  const int shared = shared_component(line);
+  if (shared >= 0) return vapour_pressure_curve(call, shared);
   t.limits = {std::log(call.first_P), std::log(call.highest_P), std::log(call.lowest_T)};
   Spinodal spinodal;
   if (flash::host_routine<void*>(call.routines, KV_ROUTINE_FUGACITY) == nullptr) {
     open_spinodal(second, *call.mixture, z, spinodal);
     t.spinodal = &spinodal;
   }
-  const StatusCode status = trace(t, call, asked_P, asked_T);
+  const StatusCode status = accept(t, trace(t, call, asked_P, asked_T));
   return t.count > 0 ? write_outline(t, call, status) : status;
 }
 

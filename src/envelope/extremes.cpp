@@ -25,6 +25,8 @@ bool slope_at(Tracer& t, int segment, int index, double part, double& slope) {
   return true;
 }
 
+}  // namespace
+
 // The zero of the slope between two nodes: regula falsi on the slope, which is close to a straight line.
 bool solve_extreme(Tracer& t, int segment, int index) {
   const Node &a = t.node[segment - 1], &b = t.node[segment];
@@ -61,8 +63,6 @@ void insert_node(Tracer& t, int at, const flash::LinePoint& p, int held, double 
   t.node[at] = added;
 }
 
-}  // namespace
-
 bool find_extreme(Tracer& t, int index, double& T, double& P) {
   const int iT = t.line.T_index(), iP = t.line.P_index();
   int best = -1;
@@ -70,7 +70,7 @@ bool find_extreme(Tracer& t, int index, double& T, double& P) {
   double most = -1e300;
   for (int k = 1; k < t.count; ++k) {
     const Node& b = t.node[k];
-    if (b.held < 0 || !b.stable || !t.node[k - 1].stable) continue;
+    if (b.held < 0 || b.liquids || !b.stable || !t.node[k - 1].stable) continue;
     const flash::Cubic c = flash::between(point_of(t.node[k - 1]), point_of(b), index, b.held);
     double part;
     if (b.held != index && c.slope(0.0) > 0.0 && support::cubic_extreme(c, part) && c.at(part) > most) {

@@ -23,6 +23,8 @@ struct Node {
   flash::Kind root_x = flash::Kind::stable, root_y = flash::Kind::stable;
   bool stable = true;
   bool critical = false, corner = false, extreme = false;
+  bool lowest = false;   // pressure along the line
+  bool liquids = false;  // on a branch of two liquids
 };
 
 // Why a line ends.
@@ -55,7 +57,6 @@ struct Tracer {
   support::SplineFit fit = support::SplineFit::good;
   int corners = 0;
   bool liquids = false;  // some part of it is that of two liquids
-  bool lost = false;     // some part of the outline is not stable and no other branch was found
   StatusCode status = KV_OK;
 
   bool boundary() const { return line.W == 1.0; }
@@ -111,7 +112,23 @@ bool stable_at(Tracer& t, flash::LinePoint& p);
  */
 bool change_over(Tracer& t, int bad, double& sign, double& phase);
 
-/* The highest extreme of T or P (index) inside the lines, their ends left out; its node is added. */
+/* Cuts off the parts that are not stable between two crossings of the line with itself. */
+void cut_loops(Tracer& t);
+
+/*
+ * Names the kinds of all nodes by branches, and adds nodes at the lowest pressures between them. On a branch of
+ * two liquids both phases are packed more densely than a critical phase (b/V above 1/3.95) at every node.
+ */
+void name_branches(Tracer& t);
+
+/* The zero of the slope of T or P (index) on the step to a node, into t.probe. */
+bool solve_extreme(Tracer& t, int segment, int index);
+
+/* Adds p in front of node number at; nothing when there is no room. */
+void insert_node(Tracer& t, int at, const flash::LinePoint& p, int held, double kind);
+
+/* The highest extreme of T or P (index) inside the lines, their ends and those of two liquids left out; its
+ * node is added. */
 bool find_extreme(Tracer& t, int index, double& T, double& P);
 
 /* The node as a host's point. */

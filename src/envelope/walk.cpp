@@ -17,7 +17,10 @@ using flash::Solved;
 constexpr int kTestEvery = 1, kTestEveryCritical = 5;
 constexpr double kBesideCritical = 1.0;
 constexpr double kTooCloseToTest = 0.05;  // largest |ln K| beside a critical point
-constexpr double kJoined = 1e-3;          // of ln T and ln P
+constexpr double kOnePhase = 2e-3;        // largest |ln K| of a point that is none: both phases are the feed
+constexpr int kHardPoint = 7, kMostShorter = 4;  // Newton iterations of a point; steps that are cut for it
+constexpr double kShorter = 0.3;
+constexpr double kJoined = 1e-3;  // of ln T and ln P
 constexpr flash::StepBounds kBounds{0.8, 0.05, 0.4, true};
 constexpr flash::StepBounds kBoundsOfLiquids{0.8, 0.05, 0.8, true};  // steep lines, all but straight
 
@@ -36,8 +39,9 @@ bool passes_critical(const Tracer& t, const LinePoint& a, const LinePoint& b) {
   return sum < 0.0;
 }
 
-// The exact critical state from the interpolated one. False: no such state close by.
-bool exact_critical(Tracer& t, const LinePoint& a, const LinePoint& b, double part, double& ln_T,
+// The exact critical state from the interpolated one, within the room in ln T; ten times as much in ln P.
+// False: no such state close by.
+bool exact_critical(Tracer& t, const LinePoint& a, const LinePoint& b, double part, double room, double& ln_T,
                     double& ln_P) {
   Spinodal& sp = *t.spinodal;
   const int n = t.line.n;
@@ -52,15 +56,18 @@ bool exact_critical(Tracer& t, const LinePoint& a, const LinePoint& b, double pa
   double T = std::exp(ln_T), eta = sp.b * std::exp(ln_P) / (Z * eos::kR * T);
   if (!(eta > 0.0 && eta < 1.0) || !solve_critical(sp, T, eta, t.status)) return false;
   const double P = pressure_at(sp, eta);
-  if (!(P > 0.0) || std::fabs(std::log(T) - ln_T) > 1e-3 || std::fabs(std::log(P) - ln_P) > 1e-2) return false;
+  if (!(P > 0.0) || std::fabs(std::log(T) - ln_T) > room || std::fabs(std::log(P) - ln_P) > 10.0 * room)
+    return false;
   ln_T = std::log(T);
   ln_P = std::log(P);
   return true;
 }
 
-// The critical point between t.here and t.next, added as a node.
+// The critical point between t.here and t.next, added as a node. With the built-in equation one that does not
+// meet its conditions is none. False: no room.
 bool push_critical(Tracer& t, int held) {
-  const int n = t.line.n;
+  constexpr double kRoom = 1e-3;
+  const int n = t.line.n, iT = t.line.T_index(), iP = t.line.P_index();
   // The ln K that is largest tells where: the one held may be another one.
   int by = 0;
   double most = 0.0;
@@ -77,36 +84,58 @@ bool push_critical(Tracer& t, int held) {
     t.probe.X[i] = i < n ? 0.0 : along.at(part);
     t.probe.slope[i] = along.slope(part) / (t.next.X[held] - t.here.X[held]);
   }
-  if (t.spinodal != nullptr)
-    exact_critical(t, t.here, t.next, part, t.probe.X[t.line.T_index()], t.probe.X[t.line.P_index()]);
+  if (t.spinodal != nullptr && !exact_critical(t, t.here, t.next, part, kRoom, t.probe.X[iT], t.probe.X[iP])) {
+    // Slopes as close to the point as that may be noise: from the straight line.
+    const double share = t.here.X[by] / (t.here.X[by] - t.next.X[by]), h = t.next.X[held] - t.here.X[held];
+    for (const int i : {iT, iP}) {
+      t.probe.X[i] = t.here.X[i] + share * (t.next.X[i] - t.here.X[i]);
+      t.probe.slope[i] = (t.next.X[i] - t.here.X[i]) / h;
+    }
+    const double room = std::max(kRoom, std::fabs(t.next.X[iT] - t.here.X[iT]));
+    if (!exact_critical(t, t.here, t.next, share, room, t.probe.X[iT], t.probe.X[iP])) return true;
+  }
   if (!push(t, t.probe, held, kCritical)) return false;
   t.node[t.count - 1].critical = true;
   return true;
 }
 
-// The limit that was passed between t.here and t.next, as the unknown and its value; false for none.
-bool limit_passed(const Tracer& t, bool rising_start, int& index, double& value, End& end) {
+// Where a line ends: the value of an unknown, and what that is called.
+struct Limit {
+  int index;
+  double value;
+  End end;
+};
+
+// Whether ln T or ln P (index), falling there or rising, is beyond its limit at v, which then is noted.
+bool beyond(const Tracer& t, int index, bool falling, double v, Limit& limit) {
+  if (index == t.line.T_index())
+    limit = {index, t.limits.lowest_T, End::cold};
+  else if (falling)
+    limit = {index, t.limits.first_P, End::closed};
+  else
+    limit = {index, t.limits.highest_P, End::pressure};
+  return limit.end == End::pressure ? v >= limit.value : falling && v <= limit.value;
+}
+
+/*
+ * The limit that is passed first between t.here and t.next: at an extreme in between, which t.next becomes
+ * then, or at t.next. False for none.
+ */
+bool limit_passed(Tracer& t, bool first, int held, Limit& limit) {
   const int iT = t.line.T_index(), iP = t.line.P_index();
-  const double P = t.next.X[iP], T = t.next.X[iT];
-  if (P >= t.limits.highest_P) {
-    index = iP;
-    value = t.limits.highest_P;
-    end = End::pressure;
+  for (const int index : {iT, iP}) {
+    double part;
+    if (index == held || first) continue;
+    const flash::Cubic c = flash::between(t.here, t.next, index, held);
+    const bool falling = c.slope(0.0) < 0.0;
+    if (!support::cubic_extreme(c, part) || !beyond(t, index, falling, c.at(part), limit)) continue;
+    if (!solve_on_way(t, t.here, t.next, held, part, t.spare)) continue;
+    if (!beyond(t, index, falling, t.spare.X[index], limit)) continue;
+    flash::copy_point(t.line, t.spare, t.next);
     return true;
   }
-  if (P <= t.limits.first_P && P < t.here.X[iP] && !rising_start) {
-    index = iP;
-    value = t.limits.first_P;
-    end = End::closed;
-    return true;
-  }
-  if (T <= t.limits.lowest_T) {
-    index = iT;
-    value = t.limits.lowest_T;
-    end = End::cold;
-    return true;
-  }
-  return false;
+  return beyond(t, iP, !first && t.next.X[iP] < t.here.X[iP], t.next.X[iP], limit) ||
+         beyond(t, iT, true, t.next.X[iT], limit);
 }
 
 // Whether the point lies on a line between two of the first nodes.
@@ -165,8 +194,23 @@ void look_at_stability(Tracer& t, Stability& s, bool now, double& phase, double&
   if (change >= 0) s.good = !s.good;
   const int from = change >= 0 ? change : s.tested + 1;
   for (int k = from; k < t.count; ++k) t.node[k].stable = s.good;
-  t.lost |= !s.good;
   s.tested = t.count - 1;
+}
+
+/*
+ * Whether the unknown that the next step holds still changes as it did in the last one: behind an extreme of it
+ * the difference of two points says nothing of the way on. Else sign receives the direction in pressure in
+ * which the tangent goes on.
+ */
+bool goes_on(const Tracer& t, double& sign) {
+  const flash::QualityLine& line = t.line;
+  const int held = flash::most_sensitive(line, t.here);
+  double along = 0.0;
+  for (int i = 0; i < line.n + 2; ++i)
+    if (i >= line.n || line.z[i] > 0.0) along += t.here.slope[i] * (t.here.X[i] - t.last.X[i]);
+  if ((along * t.here.slope[held] > 0.0) == (t.here.X[held] >= t.last.X[held])) return true;
+  sign = along * t.here.slope[line.P_index()] > 0.0 ? 1.0 : -1.0;
+  return false;
 }
 
 // The walk itself.
@@ -176,14 +220,20 @@ End follow(Tracer& t, double phase, double sign, bool stable, int seen) {
   keep_roots(t, t.here);
   if (!push(t, t.here, -1, t.boundary() ? phase : t.line.W)) return End::full;
   t.node[t.count - 1].stable = stable;
-  t.lost |= !stable;
   Stability stability{t.count - 1, stable};
   for (bool first = true;; first = false) {
     flash::LineStep made;
-    const Solved solved =
-        flash::walk_on(t.line, have_last ? &t.last : nullptr, t.here, sign, step,
-                       phase == kLiquids ? kBoundsOfLiquids : kBounds, t.next, made, t.status);
-    if (solved != Solved::yes) {
+    const bool by_last = have_last && goes_on(t, sign);
+    const flash::StepBounds& bounds = phase == kLiquids ? kBoundsOfLiquids : kBounds;
+    Solved solved;
+    for (int shorter = 0;; ++shorter) {
+      solved = flash::walk_on(t.line, by_last ? &t.last : nullptr, t.here, sign, step, bounds, t.next, made,
+                              t.status);
+      // A point that was hard to find is far from where it was expected: the line turns in between.
+      if (solved != Solved::yes || t.next.passes <= kHardPoint || shorter == kMostShorter) break;
+      step = kShorter * std::fabs(made.change);
+    }
+    if (solved != Solved::yes || largest_log_K(t, t.next.X) < kOnePhase) {
       look_at_stability(t, stability, true, phase, sign);
       return End::broken;
     }
@@ -193,13 +243,11 @@ End follow(Tracer& t, double phase, double sign, bool stable, int seen) {
       if (!t.boundary()) return End::closed;
       if (phase != kLiquids) phase = phase == kDew ? kBubble : kDew;
     }
-    int index;
-    double value;
-    End end = End::closed;
-    const bool ends = limit_passed(t, first, index, value, end);
+    Limit limit;
+    const bool ends = limit_passed(t, first, made.held, limit);
     if (ends) {
       // A critical point may have come in between: the step is that from t.here all the same.
-      if (!solve_between(t, t.here, t.next, made.held, index, value, t.branch)) return End::broken;
+      if (!solve_between(t, t.here, t.next, made.held, limit.index, limit.value, t.branch)) return End::broken;
       flash::copy_point(t.line, t.branch, t.next);
     }
     if (!push(t, t.next, made.held, t.boundary() ? phase : t.line.W)) return End::full;
@@ -217,7 +265,7 @@ End follow(Tracer& t, double phase, double sign, bool stable, int seen) {
     }
     t.line.root_x = root_x;
     t.line.root_y = root_y;
-    if (ends) return end;
+    if (ends) return limit.end;
     if (joined) return End::joined;
     flash::copy_point(t.line, t.here, t.last);
     flash::copy_point(t.line, t.next, t.here);
@@ -249,7 +297,7 @@ bool push(Tracer& t, const LinePoint& p, int held, double kind) {
   node.root_x = t.line.root_x;
   node.root_y = t.line.root_y;
   node.stable = true;
-  node.critical = node.corner = node.extreme = false;
+  node.critical = node.corner = node.extreme = node.lowest = node.liquids = false;
   return true;
 }
 

@@ -1,6 +1,7 @@
 // CriticalPoint: published points, the approach to pure components, what has none.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "common/mixture.hpp"
@@ -80,23 +81,39 @@ TEST(CriticalPoint, NoneLeavesTheResultsAlone) {
   EXPECT_EQ(c.Z, -1.0);
 }
 
-// Two stable ones: vapour-liquid and liquid-liquid; that of the higher pressure counts.
-TEST(CriticalPoint, HighestPressureOfSeveral) {
+// Close to where it vanishes at a critical end point: the form has two zeros close to each other.
+TEST(CriticalPoint, BesideACriticalEndPoint) {
   Mixture m = mixture_of({"carbon_dioxide", "n_decane"});
-  const Critical c = critical(m, {0.9, 0.1});
-  ASSERT_EQ(c.status, KV_OK);
-  EXPECT_GT(c.P, 200.0);
-  double T[1000], P[1000], kind[1000], e[4];
-  std::int32_t count = 0, criticals = 0;
-  const std::vector<double> z{0.9, 0.1};
-  EXPECT_EQ(PhaseEnvelope(z.data(), &m.record, nullptr, 0, 0, 0, 0, 0, 1000, 1.0, 0, T, P, kind, &count,
-                          &criticals, e, e + 1, e + 2, e + 3),
-            KV_ENVELOPE_LIQUIDS);
-  EXPECT_EQ(criticals, 2);
-  bool there = false;
-  for (int k = 0; k < count; ++k)
-    there |= kind[k] == 0.5 && std::fabs(T[k] / c.T - 1.0) < 1e-8 && std::fabs(P[k] / c.P - 1.0) < 1e-8;
-  EXPECT_TRUE(there);
+  EXPECT_NEAR(critical(m, {0.92, 0.08}).T, 329.285, 0.01);
+}
+
+// Two stable ones, vapour-liquid and liquid-liquid: that of the higher temperature counts, the envelope lists
+// both.
+TEST(CriticalPoint, HighestTemperatureOfSeveral) {
+  Mixture m = mixture_of({"carbon_dioxide", "n_decane"});
+  for (const double x : {0.89, 0.9, 0.91}) {
+    SCOPED_TRACE(x);
+    const std::vector<double> z{x, 1.0 - x};
+    const Critical c = critical(m, z);
+    ASSERT_EQ(c.status, KV_OK);
+    double T[1000], P[1000], kind[1000], e[4];
+    std::int32_t count = 0, criticals = 0;
+    EXPECT_EQ(PhaseEnvelope(z.data(), &m.record, nullptr, 0, 0, 0, 0, 0, 1000, 1.0, 0, T, P, kind, &count,
+                            &criticals, e, e + 1, e + 2, e + 3),
+              KV_ENVELOPE_LIQUIDS);
+    ASSERT_EQ(criticals, 2);
+    double hottest = 0.0, coldest = 1e9;
+    for (int k = 0; k < count; ++k) {
+      if (kind[k] != 0.5) continue;
+      coldest = std::min(coldest, T[k]);
+      if (T[k] < hottest) continue;
+      hottest = T[k];
+      EXPECT_NEAR(P[k] / c.P, 1.0, 1e-8);
+    }
+    EXPECT_NEAR(hottest / c.T, 1.0, 1e-8);
+    EXPECT_LT(coldest, 0.9 * c.T);
+    EXPECT_LT(e[3], 200.0);  // the cricondenbar is that of vapour and liquid
+  }
 }
 
 }  // namespace

@@ -167,6 +167,89 @@ TEST(PhaseEnvelope, LimitsAndCapacity) {
   }
 }
 
+// What holds for every answer: numbers, limits, kinds, neighbours.
+void expect_sound(const Envelope& e, const Ask& ask) {
+  const double low = ask.first_P > 0.0 ? ask.first_P : 1.0, high = ask.max_P > 0.0 ? ask.max_P : 2000.0,
+               cold = ask.min_T > 0.0 ? ask.min_T : 50.0, tight = 1e-9;
+  const std::vector<double> kinds{1.0, 0.0, 0.5, 4.0, 2.0, 3.0, 6.0};
+  EXPECT_LE(e.T.size(), static_cast<std::size_t>(ask.capacity));
+  int apart = 0;
+  for (std::size_t k = 0; k < e.T.size(); ++k) {
+    SCOPED_TRACE(testing::Message() << k << ": " << e.T[k] << " K, " << e.P[k] << " atm");
+    EXPECT_TRUE(e.T[k] > cold * (1.0 - tight) && e.T[k] < 3000.0);
+    EXPECT_TRUE(e.P[k] > low * (1.0 - tight) && e.P[k] < high * (1.0 + tight));
+    EXPECT_NE(std::find(kinds.begin(), kinds.end(), e.kind[k]), kinds.end());
+    if (e.kind[k] == 4.0 && e.bar_P > 0.0) continue;
+    if (e.bar_P > 0.0) {
+      EXPECT_LT(e.P[k], 1.5 * e.bar_P);
+    }
+    if (k > 0) apart += std::fabs(std::log(e.T[k] / e.T[k - 1])) > 0.2;
+  }
+  if (e.status != KV_ENVELOPE_FULL) {
+    EXPECT_EQ(std::count(e.kind.begin(), e.kind.end(), 0.5), e.criticals);
+  }
+  if (ask.points == 0 && ask.capacity > 100) {
+    EXPECT_LE(apart, 1);  // where the second part begins
+  }
+}
+
+TEST(PhaseEnvelope, HostileFeedsAndArguments) {
+  struct Feed {
+    std::vector<std::string> ids;
+    std::vector<double> z;
+    StatusCode status;
+  };
+  std::vector<Feed> feeds{
+      {{"methane", "methane"}, {0.3, 0.7}, KV_OK},
+      {{"methane", "propane", "n_decane"}, {0.7, 0.3, 1e-12}, KV_OK},
+      {{"methane", "n_decane", "water"}, {0.9, 0.1, 1e-12}, KV_ENVELOPE_LIQUIDS},
+      {{"hydrogen", "methane", "n_hexane"}, {0.5, 0.4, 0.1}, KV_ENVELOPE_OPEN},
+      {{"helium", "nitrogen", "methane"}, {0.3, 0.4, 0.3}, KV_ENVELOPE_OPEN},
+      {{"water", "methane", "ethane", "propane"}, {0.02, 0.9, 0.05, 0.03}, KV_ENVELOPE_OPEN},
+      {{"carbon_dioxide", "hydrogen_sulfide"}, {0.5, 0.5}, KV_OK},
+      {{"methane", "n_eicosane"}, {0.7, 0.3}, KV_ENVELOPE_LIQUIDS}};
+  Feed many{{"nitrogen",     "carbon_dioxide", "hydrogen_sulfide", "methane",       "ethane",
+             "propane",      "isobutane",      "n_butane",         "isopentane",    "n_pentane",
+             "n_hexane",     "n_heptane",      "n_octane",         "n_nonane",      "n_decane",
+             "n_undecane",   "n_dodecane",     "n_tridecane",      "n_tetradecane", "n_pentadecane",
+             "n_hexadecane", "n_heptadecane",  "n_octadecane",     "n_nonadecane",  "n_eicosane",
+             "benzene",      "toluene",        "cyclohexane",      "cyclopentane",  "methylcyclohexane"},
+            {},
+            KV_ENVELOPE_LIQUIDS};
+  for (int i = 0; i < 30; ++i) many.z.push_back(i == 3 ? 0.85 : 0.04 * std::pow(0.8, i));
+  feeds.push_back(many);
+  std::vector<Ask> asks(6);
+  asks[1].points = 1;
+  asks[2].points = 2;
+  asks[3].points = asks[3].capacity = 3000;
+  asks[4].capacity = 3;
+  asks[5].first_P = 20.0, asks[5].max_P = 60.0, asks[5].min_T = 220.0;
+  for (std::size_t f = 0; f < feeds.size(); ++f) {
+    Mixture m = mixture_of(feeds[f].ids);
+    for (std::size_t a = 0; a < asks.size(); ++a) {
+      SCOPED_TRACE(testing::Message() << "feed " << f << ", arguments " << a);
+      const Envelope e = envelope(m, feeds[f].z, asks[a]);
+      expect_sound(e, asks[a]);
+      if (a < 4) {
+        EXPECT_EQ(e.status, feeds[f].status);
+      }
+      if (a == 1 || a == 2) {
+        EXPECT_EQ(e.T.size(), a);
+      }
+      if (a == 3) {
+        EXPECT_GT(e.T.size(), 2970u);
+      }
+      if (a == 4) {
+        EXPECT_EQ(e.status, KV_ENVELOPE_FULL);
+      }
+      if (a != 0) continue;
+      m.record.flags |= FreeWaterFlag;
+      EXPECT_EQ(envelope(m, feeds[f].z).T, e.T);
+      m.record.flags = 0;
+    }
+  }
+}
+
 TEST(PhaseEnvelope, AbsurdArguments) {
   Mixture m = mixture_of(kLeanGas);
   std::vector<Ask> all(12);

@@ -33,6 +33,12 @@ TEST(EnvelopeCurve, PiecesShareTheirEnds) {
   EXPECT_EQ(pieces[3].kind, Piece::Kind::not_stable);
   EXPECT_EQ(pieces[4].points.front().T, 150.0);  // begins elsewhere
   EXPECT_EQ(kind_in_words(curve, curve.points[2]), "critical");
+  // The critical point that the library returns is not shown twice.
+  Curve several = curve;
+  several.points.push_back({180, 4e6, 0.5});
+  const EnvelopeReport report{Mixture{}, unit_system("C,bar"), {several}, {KV_OK, 255.0, 3e5, 1e-4, 0.3}};
+  ASSERT_EQ(further_critical(report).size(), 1u);
+  EXPECT_EQ(further_critical(report)[0].T, 180.0);
   EXPECT_EQ(kind_in_words(curve, curve.points[5]), "bubble (not stable)");
 }
 
