@@ -5,6 +5,7 @@
 #include <cmath>
 #include <utility>
 
+#include "support/ldl.hpp"
 #include "support/lu.hpp"
 #include "support/mathkernels.hpp"
 
@@ -180,7 +181,8 @@ void copy_point(const QualityLine& line, const LinePoint& from, LinePoint& to) {
 }
 
 bool one_phase(const QualityLine& line, const LinePoint& p) {
-  constexpr double kTrivial = 2e-5;
+  constexpr double kTrivial = 2e-5, kSameDensity = 1e-3;
+  if (std::fabs(p.Zx - p.Zy) > kSameDensity * p.Zy) return false;  // an azeotrope
   for (int i = 0; i < line.n; ++i)
     if (line.z[i] > 0.0 && std::fabs(p.X[i]) > kTrivial) return false;
   return true;
@@ -206,6 +208,57 @@ bool compositions(const QualityLine& line, LinePoint& p, double tolerance) {
     p.y[i] /= sums.y;
   }
   return true;
+}
+
+bool share_out(const QualityLine& line, LinePoint& p) {
+  constexpr int kCorrections = 3;
+  constexpr double kEqual = 1e-14, kLargest = 1e-9;
+  Sums sums{};
+  amounts(line, p, sums.x, sums.y);
+  for (int k = 0; k < kCorrections && std::fabs(sums.y - sums.x) > kEqual; ++k) {
+    double slope = 0.0;  // of sum y - sum x with a common factor of the K
+    for (int i = 0; i < line.n; ++i)
+      if (line.z[i] > 0.0) slope += p.x[i] * p.y[i] / line.z[i];
+    const double factor = (sums.x - sums.y) / slope;
+    if (!(std::fabs(factor) <= kLargest)) return false;
+    for (int i = 0; i < line.n; ++i) p.X[i] += factor;
+    amounts(line, p, sums.x, sums.y);
+  }
+  return compositions(line, p, 10.0 * kEqual);
+}
+
+bool polish_point(QualityLine& line, LinePoint& p, int held, double* work, StatusCode& status) {
+  constexpr int kCorrections = 4;
+  constexpr double kHardly = 1e-3;   // change of an equation with a unit vector of unknowns
+  constexpr double kLargest = 1e-3;  // correction of something that is known
+  const int size = line.n + 2;
+  for (int k = 0; k < kCorrections; ++k) {
+    Sums sums;
+    status = evaluate(line, p, true, sums);
+    if (status != KV_OK) return false;
+    p.error = fill_system(line, p, sums, held, p.X[held]);
+    std::fill_n(line.system + static_cast<std::size_t>(held) * size, size, 0.0);
+    // Least squares of the equations and of the step, in the lower triangle.
+    double* const right = p.slope;
+    for (int j = 0; j < size; ++j) {
+      const double* a = line.system + static_cast<std::size_t>(j) * size;
+      right[j] = 0.0;
+      for (int r = 0; r < size; ++r) right[j] += a[r] * line.step[r];
+      for (int i = j; i < size; ++i) {
+        const double* b = line.system + static_cast<std::size_t>(i) * size;
+        double sum = i == j ? kHardly * kHardly : 0.0;
+        for (int r = 0; r < size; ++r) sum += a[r] * b[r];
+        work[static_cast<std::size_t>(j) * size + i] = sum;
+      }
+    }
+    if (!support::ldl_factor(size, size, work, 0.0)) return false;
+    support::ldl_solve(size, size, work, right);
+    for (int i = 0; i < size; ++i) {
+      if ((i >= line.n || line.z[i] > 0.0) && !(std::fabs(right[i]) <= kLargest)) return false;
+      p.X[i] = i < line.n ? std::clamp(p.X[i] + right[i], -kLargestLogK, kLargestLogK) : p.X[i] + right[i];
+    }
+  }
+  return compositions(line, p, kSameSums);
 }
 
 Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int limit, bool through_critical,

@@ -89,15 +89,38 @@ bool substitute(QualityLine& line, LinePoint& p, int unknown, StatusCode& status
 bool compositions(const QualityLine& line, LinePoint& p, double tolerance);
 
 /*
+ * x and y of p.X with sums and balance to the last digits: all ln K change by the same, 1e-9 at most (else
+ * false), until the two sums are equal.
+ */
+bool share_out(const QualityLine& line, LinePoint& p);
+
+/*
+ * For a point beside a critical one that is known but for its last digits: corrections of p.X with the unknown
+ * held as it stands. Directions in which the equations hardly change are left alone: they determine nothing but
+ * rounding. work[(n + 2)^2]. x and y are those of p.X, the slope is not. False: status of the fugacity routine,
+ * or no correction.
+ */
+bool polish_point(QualityLine& line, LinePoint& p, int held, double* work, StatusCode& status);
+
+// Whether a point that a walk has met is the one that is looked for.
+struct Wanted {
+  bool (*is)(void* who, const LinePoint& p) = nullptr;
+  void* who = nullptr;
+};
+
+/*
  * Follows the line from the converged point p in the direction of rising pressure, over critical points, until
- * the unknown target has the value for the first time with y as the vapour, or, when exchanged, with x as the
- * vapour: such a point belongs to the line of 1 - W. p is that point then. no: the line comes to an end of the
- * range first.
+ * the unknown target has the value with y as the vapour (or, when exchanged, with x as the vapour: such a point
+ * belongs to the line of 1 - W) and the point is wanted. yes: such a point was met. no: the line comes to an
+ * end of the range first. p is the last point of the walk.
  */
 Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, bool exchanged,
-                   StatusCode& status);
+                   const Wanted& wanted, StatusCode& status);
 
-/* The trivial solution: no component that is present, be it a trace, has a K that differs from 1. */
+/*
+ * The trivial solution: no component that is present, be it a trace, has a K that differs from 1, and the
+ * densities are the same.
+ */
 bool one_phase(const QualityLine& line, const LinePoint& p);
 
 /* The same point as one of the line of 1 - W, whose phases have the other names. */
