@@ -17,7 +17,7 @@ constexpr double kTop = 9.0;         // ln P: 8000 atm
 constexpr double kColdest = 3.0;     // ln T: 20 K
 // Beside a critical point, with all ln K below the first number, T and P follow from ln K with an error of
 // rounding over its square. At the second the points are still good, and near enough to each other for a cubic.
-constexpr double kBeside = 0.1, kBridge = 5e-3;
+constexpr double kBeside = 0.1, kBridge = 0.02;
 constexpr double kNearTarget = 1e-7;
 constexpr double kAside = 0.3, kFree = 0.02;  // room for a point beside its step, in parts of it and beyond
 
@@ -145,16 +145,30 @@ bool solve_between(Walk& w, const LinePoint& a, const LinePoint& b, int held) {
   return solve_by_halving(w, a, b, held);
 }
 
+// The two points about an extreme of the target at the part top of a step over a critical point: there lines of
+// 0 < W < 1 turn back.
+bool solve_on_bridge(Walk& w, int held, double top) {
+  const Cubic c = between(w.here, w.next, w.target, held);
+  for (const double end : {0.0, 1.0}) {
+    const double t = support::cubic_root(c, w.value, std::min(end, top), std::max(end, top));
+    point_between(w.line, w.here, w.next, held, t, w.found.X);
+    w.found.X[w.target] = w.value;
+    if (polish_point(w.line, w.found, w.target, w.square, w.status) && w.is_wanted(w.found)) return true;
+  }
+  return false;
+}
+
 // An extreme of the target between w.here and w.next that reaches the value: solves before it, then behind.
 bool solve_about_extreme(Walk& w, int held) {
   const Cubic c = between(w.here, w.next, w.target, held);
-  double low = 0.0;
-  if (!support::cubic_extreme(c, low)) return false;
-  const double reach = c.at(low), side = w.value - w.here.X[w.target];
-  if ((reach - w.here.X[w.target]) * side <= 0.0 ||
-      std::fabs(reach - w.here.X[w.target]) < 0.9 * std::fabs(side))
-    return false;
-  if (!solve_on_way(w, w.here, w.next, held, low, w.extreme) || !crossed(w, w.here, w.extreme)) return false;
+  double top = 0.0;
+  if (!support::cubic_extreme(c, top)) return false;
+  const double reach = c.at(top) - w.here.X[w.target], side = w.value - w.here.X[w.target];
+  if (reach * side <= 0.0) return false;
+  if (held < w.line.n && w.here.X[held] * w.next.X[held] < 0.0)
+    return std::fabs(reach) > std::fabs(side) && solve_on_bridge(w, held, top);
+  if (std::fabs(reach) < 0.9 * std::fabs(side)) return false;
+  if (!solve_on_way(w, w.here, w.next, held, top, w.extreme) || !crossed(w, w.here, w.extreme)) return false;
   return solve_between(w, w.here, w.extreme, held) || solve_between(w, w.extreme, w.next, held);
 }
 

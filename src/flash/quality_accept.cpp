@@ -18,7 +18,7 @@ constexpr double kStable = -1e-8;
 constexpr double kDensestVapour = 1.5;
 // Largest |ln K| of two phases that may be one in truth. Beside the spinodal of the feed a pair that differs by
 // d in ln K misses equilibrium by d^2 only, or d^3 halfway between: 1e-10 is met by 1e-5 and by 1e-3.
-constexpr double kClose = 0.05;
+constexpr double kClose = 0.05, kTrivial = 1e-3;
 constexpr double kCloseDensity = 0.05;  // relative, of their compressibility factors
 constexpr double kNoCurvature = 1e-9;   // rounding of an eigenvalue
 
@@ -27,8 +27,7 @@ StatusCode phases_at(Quality& q, Kind of_x, Kind of_y, double* d_x, double* d_y)
   QualityLine& line = q.line;
   LinePoint& p = q.point;
   p.Zx = p.Zy = 0.0;
-  const StatusCode status =
-      water_aware_fugacity(line.m, p.x, of_x, line.phi_x, {nullptr, nullptr, d_x}, p.Zx);
+  const StatusCode status = water_aware_fugacity(line.m, p.x, of_x, line.phi_x, {nullptr, nullptr, d_x}, p.Zx);
   if (status != KV_OK) return status;
   return water_aware_fugacity(line.m, p.y, of_y, line.phi_y, {nullptr, nullptr, d_y}, p.Zy);
 }
@@ -42,9 +41,9 @@ bool close_in_density(const LinePoint& p) {
   return std::fabs(p.Zx - p.Zy) <= kCloseDensity * p.Zy;
 }
 
-bool close_in_composition(const Quality& q) {
+bool log_K_within(const Quality& q, double bound) {
   for (int i = 0; i < q.line.n; ++i)
-    if (q.line.z[i] > 0.0 && std::fabs(q.point.X[i]) > kClose) return false;
+    if (q.line.z[i] > 0.0 && std::fabs(q.point.X[i]) > bound) return false;
   return true;
 }
 
@@ -57,7 +56,7 @@ bool equal_fugacities(Quality& q, bool& stable_roots) {
     return q.status == KV_OK && gap(q) <= kOwedFugacity;
   };
   stable_roots = false;
-  const bool named_first = q.line.free_water || close_in_composition(q);
+  const bool named_first = q.line.free_water || log_K_within(q, kClose);
   if (named_first && equal_on(Kind::liquid, Kind::gas) && (q.line.free_water || !close_in_density(q.point)))
     return true;
   if (q.line.free_water || q.status != KV_OK) return false;
@@ -110,10 +109,11 @@ bool convex(const Quality& q, const double* w, double* d) {
 }
 
 // Two phases that are close to each other are two where both are stable against small changes. Of a pair that
-// only looks like one the spinodal passes between them.
+// only looks like one the spinodal passes between them. What is closer than that can tell is two only where a
+// walk along the line has come over the critical point.
 bool truly_two(Quality& q) {
-  if (!close_in_density(q.point) || !close_in_composition(q)) return true;
-  if (one_phase(q.line, q.point)) return false;
+  if (!close_in_density(q.point) || !log_K_within(q, kClose)) return true;
+  if (one_phase(q.line, q.point) || (!q.walked && log_K_within(q, kTrivial))) return false;
   q.status = phases_at(q, Kind::stable, Kind::stable, q.line.d_x, q.line.d_y);
   return q.status == KV_OK && convex(q, q.point.x, q.line.d_x) && convex(q, q.point.y, q.line.d_y);
 }

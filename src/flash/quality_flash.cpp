@@ -157,6 +157,7 @@ bool solve_from_point(Quality& q, int substitutions, bool stable_roots) {
   const Solved solved =
       solve_point(line, q.point, q.given, std::log(q.call.given), kNewtonLimit, false, q.status);
   q.regular = solved == Solved::yes && is_regular(q);
+  q.walked = false;
   return solved == Solved::yes;
 }
 
@@ -217,7 +218,9 @@ bool take_met_point(void* who, const LinePoint& met) {
   const double W = line.W;
   copy_point(line, met, q.point);
   if (q.exchanged) exchange_phases(line, q.point);
+  q.walked = true;
   const bool good = settle(q, true);
+  q.walked = false;
   line.W = W;
   line.stable_roots = true;
   return good;
@@ -327,7 +330,8 @@ StatusCode solve(Quality& q) {
     const bool started = equation_stage(q, value);
     if (settle_on_branch(q, started && solve_from_point(q, 0, true), false)) return write_point(q, KV_OK);
   }
-  if (q.line.W > 0.5 && start_from_water(q) && settle_on_branch(q, solve_from_point(q, kSubstitutions + 1, true), false))
+  if (q.line.W > 0.5 && start_from_water(q) &&
+      settle_on_branch(q, solve_from_point(q, kSubstitutions + 1, true), false))
     return write_point(q, KV_OK);
   for (const bool beyond : {false, true}) {
     if (follow_from_low_pressure(q, by_wilson, beyond)) return write_point(q, KV_OK);

@@ -13,8 +13,10 @@ namespace kestrune::flash {
 namespace {
 
 constexpr double kConverged = 1e-10;
-// A Newton step that is smaller than this leaves errors of its square.
-constexpr double kLastStep = 1e-5;
+constexpr double kRounding = 1e-13, kStillFalling = 0.25;
+// A Newton step that is smaller than this leaves errors of its square; where the K are close to 1, of its
+// square over that of ln K.
+constexpr double kLastStep = 1e-5, kLastOfSquare = 1e-3;
 constexpr double kSameSums = 2e-10;  // of x and y; missed where a K is at its bound
 constexpr double kLargestLogKStep = 2.5, kLargestLogTStep = 0.12, kLargestLogPStep = 1.2;
 constexpr double kLowestT = 1.0, kHighestT = 2e4, kLowestP = 1e-30, kHighestP = 1e6;
@@ -105,6 +107,13 @@ double damping(const QualityLine& line) {
     if (line.z[i] > 0.0) factor = std::min(factor, kLargestLogKStep / std::max(std::fabs(line.step[i]), 1e-30));
   factor = std::min(factor, kLargestLogTStep / std::max(std::fabs(line.step[line.n]), 1e-30));
   return std::min(factor, kLargestLogPStep / std::max(std::fabs(line.step[line.n + 1]), 1e-30));
+}
+
+double last_step(const QualityLine& line, const LinePoint& p) {
+  double largest = 0.0;
+  for (int i = 0; i < line.n; ++i)
+    if (line.z[i] > 0.0) largest = std::max(largest, std::fabs(p.X[i]));
+  return std::min(kLastStep, kLastOfSquare * largest * largest);
 }
 
 void trace_pass(const QualityLine& line, const LinePoint& p, double factor) {
@@ -264,6 +273,7 @@ bool polish_point(QualityLine& line, LinePoint& p, int held, double* work, Statu
 Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int limit, bool through_critical,
                    StatusCode& status) {
   const int size = line.n + 2;
+  double before = DBL_MAX;
   p.X[held] = value;
   for (p.passes = 1; p.passes <= limit; ++p.passes) {
     Sums sums;
@@ -278,16 +288,19 @@ Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int 
     if (!(largest <= DBL_MAX)) return Solved::no;
     const double factor = damping(line);
     trace_pass(line, p, factor);
-    // Beside a critical point the last step of a point that has converged is noise, and may be a long one.
-    const bool converged = p.error <= kConverged;
-    if (!converged || largest <= kLastStep) {
+    // Beside a critical point small errors are long steps: as long as they are not noise they are taken.
+    const bool short_step = largest <= last_step(line, p);
+    const bool converged =
+        p.error <= kConverged && (short_step || p.error <= kRounding || p.error > kStillFalling * before);
+    before = p.error;
+    if (!converged || short_step) {
       for (int i = 0; i < size; ++i) p.X[i] += factor * line.step[i];
       p.X[held] = value;
       for (int i = 0; i < line.n; ++i) p.X[i] = std::clamp(p.X[i], -kLargestLogK, kLargestLogK);
     }
     if (!in_range(line, p)) return Solved::no;
     if (!through_critical && one_phase(line, p)) return Solved::trivial;
-    if (converged || largest <= kLastStep) {
+    if (converged || short_step) {
       std::fill_n(p.slope, size, 0.0);
       p.slope[size - 1] = 1.0;
       support::lu_solve(size, size, line.system, line.pivot, p.slope);

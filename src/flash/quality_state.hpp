@@ -25,6 +25,7 @@ struct Quality {
   LinePoint point, other, unstable, walker;
   bool have_other = false, have_unstable = false;
   bool regular = false;    // point lies on the branch that is reached first; as solved, before the gate
+  bool walked = false;     // point comes from a walk along the line
   bool exchanged = false;  // the walk follows the line of 1 - W
   double *wilson_k = nullptr, *trial = nullptr, *spare = nullptr;  // [ld]
   double start = 0.0;                                              // of the unknown
