@@ -16,11 +16,10 @@ constexpr double kStable = -1e-8;
 // Volume over co-volume of the densest fluid that is still called a vapour beside a liquid: liquids have 1.2
 // to 1.7, gases at hundreds of atmospheres 2 to 4.
 constexpr double kDensestVapour = 1.5;
-// Largest |ln K| of two phases that may be one in truth. Beside the spinodal of the feed a pair that differs by
-// d in ln K misses equilibrium by d^2 only, or d^3 halfway between: 1e-10 is met by 1e-5 and by 1e-3.
-constexpr double kClose = 0.05, kTrivial = 1e-3;
 constexpr double kCloseDensity = 0.05;  // relative, of their compressibility factors
-constexpr double kNoCurvature = 1e-9;   // rounding of an eigenvalue
+// What an eigenvalue may be below zero for a point next to a critical one that was found on the way over it: T
+// and P follow from that way, and are not exact to the last digit.
+constexpr double kNoCurvature = 1e-9;
 
 // Both phases on the roots asked for, at line.m: ln phi into line.phi_x and line.phi_y, Z into the point.
 StatusCode phases_at(Quality& q, Kind of_x, Kind of_y, double* d_x, double* d_y) {
@@ -41,12 +40,6 @@ bool close_in_density(const LinePoint& p) {
   return std::fabs(p.Zx - p.Zy) <= kCloseDensity * p.Zy;
 }
 
-bool log_K_within(const Quality& q, double bound) {
-  for (int i = 0; i < q.line.n; ++i)
-    if (q.line.z[i] > 0.0 && std::fabs(q.point.X[i]) > bound) return false;
-  return true;
-}
-
 // Whether the two are in equilibrium on their roots of lower Gibbs energy, or (stable_roots false) on those of
 // their names only, which comes first where their compositions hardly differ (azeotropes). q.status: of the
 // model, which makes it false.
@@ -56,7 +49,7 @@ bool equal_fugacities(Quality& q, bool& stable_roots) {
     return q.status == KV_OK && gap(q) <= kOwedFugacity;
   };
   stable_roots = false;
-  const bool named_first = q.line.free_water || log_K_within(q, kClose);
+  const bool named_first = q.line.free_water || close_in_composition(q);
   if (named_first && equal_on(Kind::liquid, Kind::gas) && (q.line.free_water || !close_in_density(q.point)))
     return true;
   if (q.line.free_water || q.status != KV_OK) return false;
@@ -103,17 +96,16 @@ bool convex(const Quality& q, const double* w, double* d) {
   for (int j = 0; j < n; ++j) {
     double* column = d + static_cast<std::size_t>(j) * ld;
     for (int i = 0; i < n; ++i) column[i] *= std::sqrt(w[i] * w[j]);
-    column[j] += 1.0 + kNoCurvature;
+    column[j] += q.walked ? 1.0 + kNoCurvature : 1.0;
   }
   return support::ldl_factor(n, ld, d, 0.0);
 }
 
 // Two phases that are close to each other are two where both are stable against small changes. Of a pair that
-// only looks like one the spinodal passes between them. What is closer than that can tell is two only where a
-// walk along the line has come over the critical point.
+// only looks like one the spinodal passes between them.
 bool truly_two(Quality& q) {
-  if (!close_in_density(q.point) || !log_K_within(q, kClose)) return true;
-  if (one_phase(q.line, q.point) || (!q.walked && log_K_within(q, kTrivial))) return false;
+  if (!close_in_density(q.point) || !close_in_composition(q)) return true;
+  if (one_phase(q.line, q.point)) return false;
   q.status = phases_at(q, Kind::stable, Kind::stable, q.line.d_x, q.line.d_y);
   return q.status == KV_OK && convex(q, q.point.x, q.line.d_x) && convex(q, q.point.y, q.line.d_y);
 }
@@ -155,6 +147,12 @@ bool is_answer(const Quality& q) {
 }
 
 }  // namespace
+
+bool close_in_composition(const Quality& q) {
+  for (int i = 0; i < q.line.n; ++i)
+    if (q.line.z[i] > 0.0 && std::fabs(q.point.X[i]) > kCloseLogK) return false;
+  return true;
+}
 
 Verdict accept(Quality& q) {
   QualityLine& line = q.line;

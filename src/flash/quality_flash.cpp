@@ -25,6 +25,7 @@ constexpr int kNewtonLimit = 30, kSubstitutions = 2, kRestarts = 3;
 constexpr double kNotInWater = 9.0;  // ln K of what water hardly dissolves, to start with
 // How far an estimate may be from the answer of its branch: changes of ln T and ln P.
 constexpr double kNearT = 0.1, kNearP = 0.5;
+constexpr double kCriticalNear = 0.02;  // either, beside a critical point
 // Pressures at which the line is begun, in parts of the pressure that is asked for.
 constexpr double kStartParts[] = {0.3, 0.03, 1e-3};
 
@@ -216,6 +217,7 @@ bool take_met_point(void* who, const LinePoint& met) {
   Quality& q = *static_cast<Quality*>(who);
   QualityLine& line = q.line;
   const double W = line.W;
+  if (q.only_near && std::fabs(met.X[q.unknown] - q.estimate) > kCriticalNear) return false;
   copy_point(line, met, q.point);
   if (q.exchanged) exchange_phases(line, q.point);
   q.walked = true;
@@ -244,6 +246,10 @@ bool follow_from_low_pressure(Quality& q, double value, bool beyond) {
   }
   line.W = W;
   return found;
+}
+
+bool walk_for_point(Quality& q, double value) {
+  return follow_from_low_pressure(q, value, false) || follow_from_low_pressure(q, value, true);
 }
 
 StatusCode write_point(Quality& q, StatusCode status) {
@@ -307,17 +313,30 @@ void start_from_estimate(Quality& q) {
       q.point.X[i] = std::clamp(support::fast_log(c.y[i] / c.x[i]), -kLargestLogK, kLargestLogK);
 }
 
+/*
+ * From the estimate, on its branch: its point, or the one that is reached first when it leads elsewhere. An
+ * estimate beside a critical point, where Newton's method may not come to its end, is looked for along the
+ * line.
+ */
+bool from_estimate(Quality& q) {
+  start_from_estimate(q);
+  q.estimate = q.point.X[q.unknown];
+  const bool critical = close_in_composition(q);
+  const bool solved = solve_from_point(q, 0, true);
+  const bool near = std::fabs(q.point.X[q.unknown] - q.estimate) < (q.of_T() ? kNearT : kNearP);
+  if (settle_on_branch(q, solved, near)) return true;
+  if (!critical) return false;
+  q.only_near = true;
+  const bool found = walk_for_point(q, *q.call.unknown);
+  q.only_near = false;
+  return found;
+}
+
 StatusCode solve(Quality& q) {
   set_up_start(q);
   const int j = single_component(q.line.n, q.line.z, pure_tolerance(*q.call.mixture));
   if (j >= 0) return solve_pure(q, j);
-  if (usable_estimate(q)) {
-    start_from_estimate(q);
-    const double from = q.point.X[q.unknown];
-    const bool solved = solve_from_point(q, 0, true);
-    const bool near = std::fabs(q.point.X[q.unknown] - from) < (q.of_T() ? kNearT : kNearP);
-    if (settle_on_branch(q, solved, near)) return write_point(q, KV_OK);
-  }
+  if (usable_estimate(q) && from_estimate(q)) return write_point(q, KV_OK);
   double value = 0.0;
   wilson_stage(q, value);
   const double by_wilson = value;
@@ -333,9 +352,7 @@ StatusCode solve(Quality& q) {
   if (q.line.W > 0.5 && start_from_water(q) &&
       settle_on_branch(q, solve_from_point(q, kSubstitutions + 1, true), false))
     return write_point(q, KV_OK);
-  for (const bool beyond : {false, true}) {
-    if (follow_from_low_pressure(q, by_wilson, beyond)) return write_point(q, KV_OK);
-  }
+  if (walk_for_point(q, by_wilson)) return write_point(q, KV_OK);
   if (q.have_other) {
     copy_point(q.line, q.other, q.point);
     return write_point(q, KV_OK);

@@ -27,8 +27,10 @@ struct Quality {
   bool regular = false;    // point lies on the branch that is reached first; as solved, before the gate
   bool walked = false;     // point comes from a walk along the line
   bool exchanged = false;  // the walk follows the line of 1 - W
+  bool only_near = false;  // the walk looks for a point close to the estimate
   double *wilson_k = nullptr, *trial = nullptr, *spare = nullptr;  // [ld]
   double start = 0.0;                                              // of the unknown
+  double estimate = 0.0;                                           // its logarithm, of a warm start
   int count = 0;                                                   // evaluations that count against ITEMAX
   int unknown, given;                                              // indices of the line
   StatusCode status = KV_OK;
@@ -38,6 +40,13 @@ struct Quality {
   double T() const { return temperature(line, point); }
   double P() const { return pressure(line, point); }
 };
+
+/*
+ * Largest |ln K| of two phases that may be one in truth: beside the spinodal of the feed a pair that differs by
+ * d in ln K misses equilibrium by d^2 only, or d^3 halfway between, and 1e-10 is met by 1e-5 and by 1e-3.
+ */
+inline constexpr double kCloseLogK = 0.05;
+bool close_in_composition(const Quality& q);
 
 enum class Verdict {
   good,
