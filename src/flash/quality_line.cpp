@@ -288,10 +288,13 @@ Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int 
     if (!(largest <= DBL_MAX)) return Solved::no;
     const double factor = damping(line);
     trace_pass(line, p, factor);
-    // Beside a critical point small errors are long steps: as long as they are not noise they are taken.
-    const bool short_step = largest <= last_step(line, p);
-    const bool converged =
-        p.error <= kConverged && (short_step || p.error <= kRounding || p.error > kStillFalling * before);
+    // Beside a critical point small errors are long steps: with a ln K held they are taken as long as they are
+    // not noise, and where the last one of a point that has converged is long, it is noise.
+    const bool exactly = held < line.n;
+    const bool short_step = largest <= (exactly ? last_step(line, p) : kLastStep);
+    const bool falling =
+        exactly && p.error > kRounding && p.error <= kStillFalling * before && p.passes < limit;
+    const bool converged = p.error <= kConverged && (short_step || !falling);
     before = p.error;
     if (!converged || short_step) {
       for (int i = 0; i < size; ++i) p.X[i] += factor * line.step[i];
