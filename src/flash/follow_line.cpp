@@ -11,6 +11,7 @@ namespace {
 
 constexpr int kMostPoints = 250, kNewtonLimit = kWalkNewtonLimit;
 constexpr int kCuts = 12;
+constexpr StepBounds kBounds{0.8, 0.05, 0.6, true};
 constexpr double kOnTarget = 1e-11;  // ln T or ln P
 constexpr double kBelowStart = 1.0;  // in ln P, where a walk that comes down again ends
 constexpr double kTop = 9.0;         // ln P: 8000 atm
@@ -187,7 +188,7 @@ Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, bo
   bool have_last = false;
   for (int count = 0; count < kMostPoints; ++count) {
     LineStep made;
-    const Solved solved = walk_on(line, have_last ? &last : nullptr, p, 1.0, step, {}, next, made, status);
+    const Solved solved = walk_on(line, have_last ? &last : nullptr, p, 1.0, step, kBounds, next, made, status);
     if (solved != Solved::yes) return solved;
     if (crossed(w, p, next) ? solve_between(w, p, next, made.held) : solve_about_extreme(w, made.held))
       return Solved::yes;

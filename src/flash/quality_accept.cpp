@@ -19,16 +19,16 @@ constexpr double kDensestVapour = 1.5;
 constexpr double kCloseDensity = 0.05;  // relative, of their compressibility factors
 // What an eigenvalue may be below zero for a point next to a critical one that was found on the way over it: T
 // and P follow from that way, and are not exact to the last digit.
-constexpr double kNoCurvature = 1e-9;
+constexpr double kNoCurvature = 1e-6;
 
 // Both phases on the roots asked for, at line.m: ln phi into line.phi_x and line.phi_y, Z into the point.
-StatusCode phases_at(Quality& q, Kind of_x, Kind of_y, double* d_x, double* d_y) {
+StatusCode phases_at(Quality& q, Kind of_x, Kind of_y) {
   QualityLine& line = q.line;
   LinePoint& p = q.point;
   p.Zx = p.Zy = 0.0;
-  const StatusCode status = water_aware_fugacity(line.m, p.x, of_x, line.phi_x, {nullptr, nullptr, d_x}, p.Zx);
+  const StatusCode status = water_aware_fugacity(line.m, p.x, of_x, line.phi_x, {}, p.Zx);
   if (status != KV_OK) return status;
-  return water_aware_fugacity(line.m, p.y, of_y, line.phi_y, {nullptr, nullptr, d_y}, p.Zy);
+  return water_aware_fugacity(line.m, p.y, of_y, line.phi_y, {}, p.Zy);
 }
 
 double gap(const Quality& q) {
@@ -45,7 +45,7 @@ bool close_in_density(const LinePoint& p) {
 // model, which makes it false.
 bool equal_fugacities(Quality& q, bool& stable_roots) {
   const auto equal_on = [&](Kind of_x, Kind of_y) {
-    q.status = phases_at(q, of_x, of_y, nullptr, nullptr);
+    q.status = phases_at(q, of_x, of_y);
     return q.status == KV_OK && gap(q) <= kOwedFugacity;
   };
   stable_roots = false;
@@ -89,25 +89,32 @@ bool vapour_and_liquid(const Quality& q) {
   return T > pseudo_critical || p.Zy * eos::kR * T / q.P() > kDensestVapour * covolume(m, p.y);
 }
 
-// Whether the phase w is stable against small changes of its composition: the matrix 1 + sqrt(w_i w_j) d ln
-// phi_i/d n_j, built in place of the derivatives d, has no eigenvalue below zero.
-bool convex(const Quality& q, const double* w, double* d) {
+// Whether a fluid w is stable against small changes of its composition: the matrix 1 + slack + sqrt(w_i w_j) d
+// ln phi_i/d n_j, built in place of the derivatives, has no eigenvalue below zero.
+bool convex(Quality& q, const double* w, double slack) {
   const int n = q.line.n, ld = q.line.ld;
+  double* const d = q.line.d_x;
+  double Z = 0.0;
+  q.status = water_aware_fugacity(q.line.m, w, Kind::stable, q.line.phi_x, {nullptr, nullptr, d}, Z);
+  if (q.status != KV_OK) return false;
   for (int j = 0; j < n; ++j) {
     double* column = d + static_cast<std::size_t>(j) * ld;
     for (int i = 0; i < n; ++i) column[i] *= std::sqrt(w[i] * w[j]);
-    column[j] += q.walked ? 1.0 + kNoCurvature : 1.0;
+    column[j] += 1.0 + slack;
   }
   return support::ldl_factor(n, ld, d, 0.0);
 }
 
-// Two phases that are close to each other are two where both are stable against small changes. Of a pair that
-// only looks like one the spinodal passes between them.
+// Two phases that are close to each other are two where both are stable against small changes, and what lies
+// halfway between is not: the spinodal passes between them twice. Between a pair that only looks like one it
+// passes once, or not at all.
 bool truly_two(Quality& q) {
   if (!close_in_density(q.point) || !close_in_composition(q)) return true;
   if (one_phase(q.line, q.point)) return false;
-  q.status = phases_at(q, Kind::stable, Kind::stable, q.line.d_x, q.line.d_y);
-  return q.status == KV_OK && convex(q, q.point.x, q.line.d_x) && convex(q, q.point.y, q.line.d_y);
+  const double slack = q.walked ? kNoCurvature : 0.0;
+  if (!convex(q, q.point.x, slack) || !convex(q, q.point.y, slack)) return false;
+  for (int i = 0; i < q.line.n; ++i) q.spare[i] = 0.5 * (q.point.x[i] + q.point.y[i]);
+  return !convex(q, q.spare, -slack) && q.status == KV_OK;
 }
 
 // A boundary point has a stable feed, a point between two stable phases.
@@ -177,7 +184,7 @@ Verdict accept_pure(Quality& q, int j) {
   QualityLine& line = q.line;
   if (!is_answer(q)) return Verdict::refused;
   q.status = line_model(line, q.T(), q.P());
-  if (q.status == KV_OK) q.status = phases_at(q, Kind::liquid, Kind::gas, nullptr, nullptr);
+  if (q.status == KV_OK) q.status = phases_at(q, Kind::liquid, Kind::gas);
   if (q.status != KV_OK) return Verdict::model;
   const bool equal = std::fabs(line.phi_x[j] - line.phi_y[j]) <= kOwedFugacity;
   return equal && (line.free_water || q.point.Zx <= q.point.Zy) ? Verdict::good : Verdict::refused;
