@@ -26,9 +26,9 @@ StatusCode phases_at(Quality& q, Kind of_x, Kind of_y) {
   QualityLine& line = q.line;
   LinePoint& p = q.point;
   p.Zx = p.Zy = 0.0;
-  const StatusCode status = water_aware_fugacity(line.m, p.x, of_x, line.phi_x, {}, p.Zx);
+  const StatusCode status = fugacity(line.m, p.x, of_x, line.phi_x, nullptr, p.Zx);
   if (status != KV_OK) return status;
-  return water_aware_fugacity(line.m, p.y, of_y, line.phi_y, {}, p.Zy);
+  return fugacity(line.m, p.y, of_y, line.phi_y, nullptr, p.Zy);
 }
 
 double gap(const Quality& q) {
@@ -165,7 +165,7 @@ Verdict accept(Quality& q) {
   QualityLine& line = q.line;
   q.status = KV_OK;
   if (!share_out(line, q.point) || !is_answer(q)) return Verdict::refused;
-  q.status = line_model(line, q.T(), q.P());
+  q.status = line_model(line, q.T(), q.P(), 0);
   if (q.status != KV_OK) return Verdict::model;
   bool stable_roots = true;
   if (!equal_fugacities(q, stable_roots) || !vapour_and_liquid(q)) return refused(q);
@@ -183,7 +183,7 @@ Verdict accept(Quality& q) {
 Verdict accept_pure(Quality& q, int j) {
   QualityLine& line = q.line;
   if (!is_answer(q)) return Verdict::refused;
-  q.status = line_model(line, q.T(), q.P());
+  q.status = line_model(line, q.T(), q.P(), 0);
   if (q.status == KV_OK) q.status = phases_at(q, Kind::liquid, Kind::gas);
   if (q.status != KV_OK) return Verdict::model;
   const bool equal = std::fabs(line.phi_x[j] - line.phi_y[j]) <= kOwedFugacity;

@@ -37,6 +37,17 @@ struct Sums {
   double x, y;
 };
 
+// Amounts to compositions. False when a sum is not usable, or the two differ by more than the tolerance.
+bool normalise(const QualityLine& line, LinePoint& p, const Sums& sums, double tolerance) {
+  if (!(sums.x > 0.0 && sums.x <= DBL_MAX && sums.y > 0.0 && sums.y <= DBL_MAX)) return false;
+  if (!(std::fabs(sums.x - sums.y) <= tolerance * sums.x)) return false;
+  for (int i = 0; i < line.n; ++i) {
+    p.x[i] /= sums.x;
+    p.y[i] /= sums.y;
+  }
+  return true;
+}
+
 // Both phases at the point, normalised, with the derivatives asked for.
 StatusCode evaluate(QualityLine& line, LinePoint& p, bool matrices, Sums& sums) {
   const double T = temperature(line, p), P = pressure(line, p);
@@ -132,17 +143,19 @@ bool in_range(const QualityLine& line, const LinePoint& p) {
 
 }  // namespace
 
-StatusCode line_model(QualityLine& line, double T, double P) {
-  if (T == line.prepared) {
+StatusCode line_model(QualityLine& line, double T, double P, int order) {
+  if (T == line.prepared && order <= line.prepared_order) {
     line.m.P = P;
     return KV_OK;
   }
   line.arena->rewind(line.base);
   line.prepared = 0.0;
   const StatusCode status =
-      make_model(T, P, line.mixture, line.routines, line.free_water, 1, *line.arena, line.m);
-  if (status == KV_OK) line.prepared = T;
-  return status;
+      make_model(T, P, line.mixture, line.routines, line.free_water, order, *line.arena, line.m);
+  if (status != KV_OK) return status;
+  line.prepared = T;
+  line.prepared_order = order;
+  return KV_OK;
 }
 
 double temperature(const QualityLine& line, const LinePoint& p) {
@@ -210,13 +223,7 @@ void exchange_phases(QualityLine& line, LinePoint& p) {
 bool compositions(const QualityLine& line, LinePoint& p, double tolerance) {
   Sums sums;
   amounts(line, p, sums.x, sums.y);
-  if (!(sums.x > 0.0 && sums.x <= DBL_MAX && sums.y > 0.0 && sums.y <= DBL_MAX)) return false;
-  if (!(std::fabs(sums.x - sums.y) <= tolerance * sums.x)) return false;
-  for (int i = 0; i < line.n; ++i) {
-    p.x[i] /= sums.x;
-    p.y[i] /= sums.y;
-  }
-  return true;
+  return normalise(line, p, sums, tolerance);
 }
 
 bool share_out(const QualityLine& line, LinePoint& p) {
@@ -233,7 +240,7 @@ bool share_out(const QualityLine& line, LinePoint& p) {
     for (int i = 0; i < line.n; ++i) p.X[i] += factor;
     amounts(line, p, sums.x, sums.y);
   }
-  return compositions(line, p, 10.0 * kEqual);
+  return normalise(line, p, sums, 10.0 * kEqual);
 }
 
 bool polish_point(QualityLine& line, LinePoint& p, int held, double* work, StatusCode& status) {

@@ -27,7 +27,8 @@ struct QualityLine {
   support::Arena* arena = nullptr;
   support::Arena::Mark base{};
   double prepared = 0.0;  // temperature of m
-  int passes = 0;         // evaluations of both phases
+  int prepared_order = 0;
+  int passes = 0;  // evaluations of both phases
   support::TraceWriter* trace = nullptr;
   int unknown = 0;  // T or P index, for the trace
   // Work.
@@ -60,8 +61,8 @@ void copy_point(const QualityLine& line, const LinePoint& from, LinePoint& to);
 double temperature(const QualityLine& line, const LinePoint& p);
 double pressure(const QualityLine& line, const LinePoint& p);
 
-/* Brings line.m to T and P; a temperature that it has already costs nothing. */
-StatusCode line_model(QualityLine& line, double T, double P);
+/* Brings line.m to T and P, order 1 with derivatives; a temperature that it has already costs nothing. */
+StatusCode line_model(QualityLine& line, double T, double P, int order = 1);
 
 enum class Solved { yes, trivial, no, model };
 
