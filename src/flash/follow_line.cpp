@@ -20,6 +20,7 @@ constexpr double kColdest = 3.0;     // ln T: 20 K
 // rounding over its square. At the second the points are still good, and near enough to each other for a cubic.
 constexpr double kBeside = 0.1, kBridge = 0.02;
 constexpr double kNearTarget = 1e-7;
+constexpr double kSolvable = 5e-3, kSame = 0.2;
 constexpr double kAside = 0.3, kFree = 0.02;  // room for a point beside its step, in parts of it and beyond
 
 struct Walk {
@@ -88,6 +89,24 @@ void cut_at_bridge(Walk& w, int by) {
   }
 }
 
+// Takes off what w.found, interpolated, is wrong by, with the target held: by Newton's method where it is far
+// enough from the critical point to come to the same point, but for its last digits.
+bool finish_beside_critical(Walk& w) {
+  w.found.X[w.target] = w.value;
+  if (!polish_point(w.line, w.found, w.target, w.square, w.status)) return false;
+  const double apart = largest_log_K(w, w.found);
+  if (apart > kSolvable) {
+    copy_point(w.line, w.found, w.to);
+    if (solve_point(w.line, w.to, w.target, w.value, kNewtonLimit, true, w.status) == Solved::yes) {
+      double moved = 0.0;
+      for (int i = 0; i < w.line.n; ++i)
+        if (w.line.z[i] > 0.0) moved = std::max(moved, std::fabs(w.to.X[i] - w.found.X[i]));
+      if (moved < kSame * apart) copy_point(w.line, w.to, w.found);
+    }
+  }
+  return w.is_wanted(w.found);
+}
+
 /*
  * The point between a and b, next to a critical point, where the target has the value. Held is the ln K that
  * changes most: along it the target runs smoothly through the critical point. On the bridge the cubic is better
@@ -107,8 +126,7 @@ bool solve_beside_critical(Walk& w, const LinePoint& a, const LinePoint& b) {
     if (off < kNearTarget) break;
   }
   point_between(w.line, w.from, w.to, by, t, w.found.X);
-  w.found.X[w.target] = w.value;
-  return polish_point(w.line, w.found, w.target, w.square, w.status) && w.is_wanted(w.found);
+  return finish_beside_critical(w);
 }
 
 // Close to an extreme of the target: halving, by the same unknown.
@@ -153,8 +171,7 @@ bool solve_on_bridge(Walk& w, int held, double top) {
   for (const double end : {0.0, 1.0}) {
     const double t = support::cubic_root(c, w.value, std::min(end, top), std::max(end, top));
     point_between(w.line, w.here, w.next, held, t, w.found.X);
-    w.found.X[w.target] = w.value;
-    if (polish_point(w.line, w.found, w.target, w.square, w.status) && w.is_wanted(w.found)) return true;
+    if (finish_beside_critical(w)) return true;
   }
   return false;
 }

@@ -135,6 +135,7 @@ void start_from_wilson(Quality& q, double value) {
  */
 bool is_regular(const Quality& q) {
   if (!q.boundary()) {
+    if (close_in_composition(q)) return false;  // rounding beside a critical point
     const double slope = slope_with_fraction(q.line, q.point, q.unknown);
     return q.of_T() ? slope > 0.0 : slope < 0.0;
   }
@@ -237,7 +238,7 @@ bool follow_from_low_pressure(Quality& q, double value, bool beyond) {
   bool found = false;
   for (const double part : kStartParts) {
     line.W = beyond ? 1.0 - W : W;
-    if (!solve_at_low_pressure(q, part * P, beyond) || !rising(q)) continue;
+    if (!solve_at_low_pressure(q, part * P, beyond) || !rising(q) || close_in_composition(q)) continue;
     q.exchanged = beyond;
     copy_point(line, q.point, q.walker);
     found = follow_line(line, q.walker, q.given, std::log(q.call.given), beyond, {take_met_point, &q},
