@@ -20,6 +20,9 @@ constexpr double kCloseDensity = 0.05;  // relative, of their compressibility fa
 // What an eigenvalue may be below zero for a point next to a critical one that was found on the way over it: T
 // and P follow from that way, and are not exact to the last digit.
 constexpr double kNoCurvature = 1e-6;
+// Beside a critical point equal fugacities alone leave T, P and ln K open: what Newton's method still asks for,
+// in parts of the largest ln K.
+constexpr double kSettled = 0.05;
 
 // Both phases on the roots asked for, at line.m: ln phi into line.phi_x and line.phi_y, Z into the point.
 StatusCode phases_at(Quality& q, Kind of_x, Kind of_y) {
@@ -34,6 +37,13 @@ StatusCode phases_at(Quality& q, Kind of_x, Kind of_y) {
 double gap(const Quality& q) {
   const QualityLine& line = q.line;
   return fugacity_gap(line.n, line.z, {q.point.x, line.phi_x}, {q.point.y, line.phi_y});
+}
+
+double largest_log_K(const Quality& q) {
+  double largest = 0.0;
+  for (int i = 0; i < q.line.n; ++i)
+    if (q.line.z[i] > 0.0) largest = std::max(largest, std::fabs(q.point.X[i]));
+  return largest;
 }
 
 bool close_in_density(const LinePoint& p) {
@@ -111,6 +121,7 @@ bool convex(Quality& q, const double* w, double slack) {
 bool truly_two(Quality& q) {
   if (!close_in_density(q.point) || !close_in_composition(q)) return true;
   if (one_phase(q.line, q.point)) return false;
+  if (!q.walked && q.point.left_over > kSettled * largest_log_K(q)) return false;
   const double slack = q.walked ? kNoCurvature : 0.0;
   if (!convex(q, q.point.x, slack) || !convex(q, q.point.y, slack)) return false;
   for (int i = 0; i < q.line.n; ++i) q.spare[i] = 0.5 * (q.point.x[i] + q.point.y[i]);
@@ -156,9 +167,7 @@ bool is_answer(const Quality& q) {
 }  // namespace
 
 bool close_in_composition(const Quality& q) {
-  for (int i = 0; i < q.line.n; ++i)
-    if (q.line.z[i] > 0.0 && std::fabs(q.point.X[i]) > kCloseLogK) return false;
-  return true;
+  return largest_log_K(q) <= kCloseLogK;
 }
 
 Verdict accept(Quality& q) {

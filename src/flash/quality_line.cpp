@@ -199,6 +199,7 @@ void copy_point(const QualityLine& line, const LinePoint& from, LinePoint& to) {
   to.Zx = from.Zx;
   to.Zy = from.Zy;
   to.error = from.error;
+  to.left_over = from.left_over;
   to.passes = from.passes;
 }
 
@@ -295,9 +296,10 @@ Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int 
     if (!(largest <= DBL_MAX)) return Solved::no;
     const double factor = damping(line);
     trace_pass(line, p, factor);
-    // Beside a critical point small errors are long steps: with a ln K held they are taken as long as they are
-    // not noise, and where the last one of a point that has converged is long, it is noise.
-    const bool exactly = held < line.n;
+    // Beside a critical point small errors are long steps: they are taken as long as they are not noise, but
+    // for T or P held on the way over it, and where the last one of a point that has converged is long, it is
+    // noise.
+    const bool exactly = held < line.n || !through_critical;
     const bool short_step = largest <= (exactly ? last_step(line, p) : kLastStep);
     const bool falling =
         exactly && p.error > kRounding && p.error <= kStillFalling * before && p.passes < limit;
@@ -311,6 +313,7 @@ Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int 
     if (!in_range(line, p)) return Solved::no;
     if (!through_critical && one_phase(line, p)) return Solved::trivial;
     if (converged || short_step) {
+      p.left_over = short_step ? 0.0 : largest;
       std::fill_n(p.slope, size, 0.0);
       p.slope[size - 1] = 1.0;
       support::lu_solve(size, size, line.system, line.pivot, p.slope);

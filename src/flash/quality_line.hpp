@@ -46,8 +46,9 @@ struct LinePoint {
   double* slope = nullptr;            // [n + 2] dX/dX[held] along the line
   double *x = nullptr, *y = nullptr;  // [ld] compositions
   double Zx = 0.0, Zy = 0.0;
-  double error = 0.0;  // largest |difference of ln fugacities|
-  int passes = 0;      // of the last solve
+  double error = 0.0;      // largest |difference of ln fugacities|
+  double left_over = 0.0;  // largest change of X that Newton's method still asked for, of no use for ln f
+  int passes = 0;          // of the last solve
 };
 
 /* Takes the work arrays; the arena must outlive the line and is used by no one else meanwhile but take_point.
