@@ -50,6 +50,10 @@ bool close_in_density(const LinePoint& p) {
   return std::fabs(p.Zx - p.Zy) <= kCloseDensity * p.Zy;
 }
 
+bool close_in_composition(const Quality& q) {
+  return largest_log_K(q) <= kCloseLogK;
+}
+
 // Whether the two are in equilibrium on their roots of lower Gibbs energy, or (stable_roots false) on those of
 // their names only, which comes first where their compositions hardly differ (azeotropes). q.status: of the
 // model, which makes it false.
@@ -119,7 +123,7 @@ bool convex(Quality& q, const double* w, double slack) {
 // halfway between is not: the spinodal passes between them twice. Between a pair that only looks like one it
 // passes once, or not at all.
 bool truly_two(Quality& q) {
-  if (!close_in_density(q.point) || !close_in_composition(q)) return true;
+  if (!close_phases(q)) return true;
   if (one_phase(q.line, q.point)) return false;
   if (!q.walked && q.point.left_over > kSettled * largest_log_K(q)) return false;
   const double slack = q.walked ? kNoCurvature : 0.0;
@@ -166,8 +170,8 @@ bool is_answer(const Quality& q) {
 
 }  // namespace
 
-bool close_in_composition(const Quality& q) {
-  return largest_log_K(q) <= kCloseLogK;
+bool close_phases(const Quality& q) {
+  return close_in_composition(q) && close_in_density(q.point);
 }
 
 Verdict accept(Quality& q) {

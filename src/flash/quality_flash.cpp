@@ -135,7 +135,7 @@ void start_from_wilson(Quality& q, double value) {
  */
 bool is_regular(const Quality& q) {
   if (!q.boundary()) {
-    if (close_in_composition(q)) return false;  // rounding beside a critical point
+    if (close_phases(q)) return false;  // rounding beside a critical point
     const double slope = slope_with_fraction(q.line, q.point, q.unknown);
     return q.of_T() ? slope > 0.0 : slope < 0.0;
   }
@@ -238,7 +238,7 @@ bool follow_from_low_pressure(Quality& q, double value, bool beyond) {
   bool found = false;
   for (const double part : kStartParts) {
     line.W = beyond ? 1.0 - W : W;
-    if (!solve_at_low_pressure(q, part * P, beyond) || !rising(q) || close_in_composition(q)) continue;
+    if (!solve_at_low_pressure(q, part * P, beyond) || !rising(q) || close_phases(q)) continue;
     q.exchanged = beyond;
     copy_point(line, q.point, q.walker);
     found = follow_line(line, q.walker, q.given, std::log(q.call.given), beyond, {take_met_point, &q},
@@ -322,7 +322,8 @@ void start_from_estimate(Quality& q) {
 bool from_estimate(Quality& q) {
   start_from_estimate(q);
   q.estimate = q.point.X[q.unknown];
-  const bool critical = close_in_composition(q);
+  q.point.Zx = q.point.Zy = 0.0;
+  const bool critical = close_phases(q);
   const bool solved = solve_from_point(q, 0, true);
   const bool near = std::fabs(q.point.X[q.unknown] - q.estimate) < (q.of_T() ? kNearT : kNearP);
   if (settle_on_branch(q, solved, near)) return true;

@@ -42,11 +42,12 @@ struct Quality {
 };
 
 /*
- * Largest |ln K| of two phases that may be one in truth: beside the spinodal of the feed a pair that differs by
- * d in ln K misses equilibrium by d^2 only, or d^3 halfway between, and 1e-10 is met by 1e-5 and by 1e-3.
+ * Whether two phases hardly differ in ln K nor in density, so that they may be one in truth: beside the
+ * spinodal of the feed a pair that differs by d in ln K misses equilibrium by d^2 only, or d^3 halfway between,
+ * and 1e-10 is met by 1e-5 and by 1e-3.
  */
 inline constexpr double kCloseLogK = 0.05;
-bool close_in_composition(const Quality& q);
+bool close_phases(const Quality& q);
 
 enum class Verdict {
   good,
