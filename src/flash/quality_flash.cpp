@@ -1,7 +1,7 @@
 // The way to a point of given vapour fraction. First with Wilson's coefficients, by bisection; then two
 // substitutions and Newton's method. Where that ends nowhere, on an unstable point or on a branch that is not
 // the first one, the temperature is bisected with the coefficients of the equation of state, and at last the
-// line is followed from low pressure.
+// line is followed from low pressure. Whatever is found leaves through accept().
 
 #include "flash/quality_flash.hpp"
 
@@ -194,8 +194,8 @@ bool settle_on_branch(Quality& q, bool solved, bool near) {
   return false;
 }
 
-// A point of the line at a low pressure, below what is given unless that lies behind a critical point: its
-// temperature by Wilson's coefficients.
+// A point of the line at a low pressure, below what is given unless that lies behind a critical point or is
+// looked for there only: its temperature by Wilson's coefficients.
 bool solve_at_low_pressure(Quality& q, double P, bool exchanged) {
   QualityLine& line = q.line;
   QualityCall low = q.call;
@@ -210,7 +210,8 @@ bool solve_at_low_pressure(Quality& q, double P, bool exchanged) {
   start_from_wilson(at_low, value);
   const bool solved = solve_from_point(at_low, kSubstitutions + 2, false);
   q.point = at_low.point;
-  return solved && (q.of_T() || exchanged || q.point.X[line.T_index()] < std::log(q.call.given));
+  const bool below = q.of_T() || exchanged || q.only_near || q.point.X[line.T_index()] < std::log(q.call.given);
+  return solved && below;
 }
 
 // A point that a walk has met, as one of the line that is asked for.
