@@ -1,7 +1,7 @@
 // The way to a point of given vapour fraction. First with Wilson's coefficients, by bisection; then two
 // substitutions and Newton's method. Where that ends nowhere, on an unstable point or on a branch that is not
 // the first one, the temperature is bisected with the coefficients of the equation of state, and at last the
-// line is followed from low pressure.
+// line is followed from low pressure. Whatever is found leaves through accept().
 
 #include "flash/quality_flash.hpp"
 
@@ -11,9 +11,8 @@
 
 #include "flash/feed.hpp"
 #include "flash/free_water.hpp"
-#include "flash/isothermal.hpp"
 #include "flash/pure_saturation.hpp"
-#include "flash/quality_line.hpp"
+#include "flash/quality_state.hpp"
 #include "flash/trace_flash.hpp"
 #include "flash/wet_quality.hpp"
 #include "support/mathkernels.hpp"
@@ -25,38 +24,12 @@ constexpr double kDefaultTemperature = 298.15, kDefaultPressure = 1.0;
 constexpr double kWilsonTolerance = 1e-4, kEquationTolerance = 1e-12;  // on F^2
 constexpr double kNoBracketHigh = 10000.0;
 constexpr int kNewtonLimit = 30, kSubstitutions = 2, kRestarts = 3;
-constexpr double kStable = -1e-8;
 constexpr double kNotInWater = 9.0;  // ln K of what water hardly dissolves, to start with
-// Volume over co-volume of the densest fluid that is still called a vapour beside a liquid: liquids have 1.2
-// to 1.7, gases at hundreds of atmospheres 2 to 4.
-constexpr double kDensestVapour = 1.5;
+// How far an estimate may be from the answer of its branch: changes of ln T and ln P.
+constexpr double kNearT = 0.1, kNearP = 0.5;
+constexpr double kCriticalNear = 0.02;  // either, beside a critical point
 // Pressures at which the line is begun, in parts of the pressure that is asked for.
 constexpr double kStartParts[] = {0.3, 0.03, 1e-3};
-
-struct Quality {
-  Quality(const QualityCall& c, QualityLine& l, const Settings& s, support::TraceWriter& t)
-      : call(c),
-        line(l),
-        settings(s),
-        trace(t),
-        unknown(of_T() ? l.T_index() : l.P_index()),
-        given(of_T() ? l.P_index() : l.T_index()) {}
-
-  const QualityCall& call;
-  QualityLine& line;
-  Settings settings;
-  support::TraceWriter& trace;
-  LinePoint point, other, unstable;
-  bool have_other = false, have_unstable = false;
-  double *wilson_k = nullptr, *trial = nullptr, *spare = nullptr;  // [ld]
-  double start = 0.0;                                              // of the unknown
-  int count = 0;                                                   // evaluations that count against ITEMAX
-  int unknown, given;                                              // indices of the line
-  StatusCode status = KV_OK;
-
-  bool of_T() const { return call.find == Find::temperature; }
-  bool boundary() const { return line.W == 0.0 || line.W == 1.0; }
-};
 
 void set_up_start(Quality& q) {
   const QualityCall& c = q.call;
@@ -140,6 +113,7 @@ bool equation_stage(Quality& q, double& value) {
     for (int i = 0; i < line.n; ++i)
       p.X[i] = std::clamp(support::fast_log(q.spare[i]), -kLargestLogK, kLargestLogK);
     const double F = F_of(q, q.spare);
+    p.Zx = p.Zy = 0.0;
     if (one_phase(line, p)) return false;
     if (F * F < kEquationTolerance) return true;
     value = b.next(value, F, q.of_T());
@@ -157,107 +131,13 @@ void start_from_wilson(Quality& q, double value) {
 }
 
 /*
- * A vapour y beside a liquid x: y is the less densely packed one (else the vapour fraction is 1 - W), and no
- * liquid itself (else the two are liquids that do not mix). And no K is at its bound, where it follows no
- * fugacity.
- */
-bool vapour_and_liquid(const Quality& q) {
-  const LinePoint& p = q.point;
-  if (q.line.free_water) return true;
-  const double side = q.line.W == 0.0 ? 1.0 : q.line.W == 1.0 ? -1.0 : 0.0;
-  for (int i = 0; i < q.line.n; ++i)
-    if (q.line.z[i] > 0.0 && side * p.X[i] >= kLargestLogK) return false;
-  const MixtureRecord& m = *q.call.mixture;
-  if (lighter(m, p.x, p.Zx, p.y, p.Zy)) return false;
-  // However dense it is, above its own pseudo-critical temperature (Kay) a fluid is no liquid.
-  const double T = temperature(q.line, p);
-  const double* Tc = m.table + static_cast<std::size_t>(KV_COL_TC - 1) * m.count;
-  double pseudo_critical = 0.0;
-  for (int i = 0; i < q.line.n; ++i) pseudo_critical += p.y[i] * Tc[i];
-  return T > pseudo_critical || p.Zy * eos::kR * T / pressure(q.line, p) > kDensestVapour * covolume(m, p.y);
-}
-
-// Newton from q.point, after some substitutions. True: converged on two phases.
-bool solve_from_point(Quality& q, int substitutions, bool stable_roots) {
-  QualityLine& line = q.line;
-  q.point.X[q.given] = std::log(q.call.given);
-  line.stable_roots = false;
-  for (int k = 0; k < substitutions; ++k)
-    if (!substitute(line, q.point, q.unknown, q.status)) return false;
-  line.stable_roots = stable_roots;
-  const Solved solved =
-      solve_point(line, q.point, q.given, std::log(q.call.given), kNewtonLimit, false, q.status);
-  return solved == Solved::yes && vapour_and_liquid(q);
-}
-
-enum class Verdict { good, unstable, model };
-
-// The stability test of the point, with its answer in the call's arrays: q.trial gets the ln K of what splits
-// off.
-IsothermalCall test_call(Quality& q, MixtureRecord& silent, double& beta, Counts& counts) {
-  silent.trace_flag = 0;
-  IsothermalCall c;
-  c.T = temperature(q.line, q.point);
-  c.P = pressure(q.line, q.point);
-  c.z = q.line.z;
-  c.mixture = &silent;
-  c.routines = q.call.routines;
-  c.beta = &beta;
-  c.counts = &counts;
-  return c;
-}
-
-// A boundary point has a stable feed, a point between two stable phases. On unstable q.trial holds, for a
-// boundary point, the ln K of what splits off.
-Verdict judge(Quality& q) {
-  if (q.line.free_water) return Verdict::good;
-  MixtureRecord silent = *q.call.mixture;
-  double beta = q.line.W, distance = 0.0;
-  Counts counts;
-  IsothermalCall c = test_call(q, silent, beta, counts);
-  if (q.boundary()) {
-    c.x = c.y = q.spare;
-    c.K = q.trial;
-    q.status = feed_stability(c, q.line.W == 0.0 ? q.point.y : q.point.x, distance);
-  } else {
-    c.x = q.point.x;
-    c.y = q.point.y;
-    q.status = answer_stability(c, distance);
-  }
-  q.line.m.counts.fugacities += counts.fugacities;
-  if (q.status != KV_OK) return Verdict::model;
-  return distance >= kStable ? Verdict::good : Verdict::unstable;
-}
-
-// Whether the line still rises in P with T here: the branch that is reached first from low pressure.
-bool rising(const Quality& q) {
-  return q.point.slope[q.line.T_index()] * q.point.slope[q.line.P_index()] > 0.0;
-}
-
-// Solves, and goes on from what splits off where the feed is not stable.
-bool settle(Quality& q, bool solved) {
-  for (int k = 0; k < kRestarts && solved; ++k) {
-    const Verdict verdict = judge(q);
-    if (verdict == Verdict::good) return true;
-    if (verdict == Verdict::model) return false;
-    const double sign = q.line.W == 0.0 ? 1.0 : -1.0;
-    copy_point(q.line, q.point, q.unstable);
-    q.have_unstable = true;
-    if (!q.boundary()) return false;
-    for (int i = 0; i < q.line.n; ++i)
-      q.point.X[i] = std::clamp(sign * q.trial[i], -kLargestLogK, kLargestLogK);
-    solved = solve_from_point(q, k == 0 ? 0 : kSubstitutions, true);
-  }
-  return false;
-}
-
-/*
  * Whether the two phases begin where they do first: at a pressure the dew point with one phase above it and the
  * bubble point with one phase below it in temperature, at a temperature the other way round in pressure. Told
  * by the slope of the feed's tangent-plane distance to the incipient phase at the point.
  */
-bool regular(const Quality& q) {
+bool is_regular(const Quality& q) {
   if (!q.boundary()) {
+    if (close_phases(q)) return false;  // rounding beside a critical point
     const double slope = slope_with_fraction(q.line, q.point, q.unknown);
     return q.of_T() ? slope > 0.0 : slope < 0.0;
   }
@@ -270,17 +150,54 @@ bool regular(const Quality& q) {
   return q.of_T() ? slope > 0.0 : slope < 0.0;
 }
 
-// A settled point on the branch that is reached first. One on another branch is kept.
-bool first_branch(Quality& q, bool solved) {
+// Newton from q.point, after some substitutions. True: converged.
+bool solve_from_point(Quality& q, int substitutions, bool stable_roots) {
+  QualityLine& line = q.line;
+  q.point.X[q.given] = std::log(q.call.given);
+  line.stable_roots = false;
+  for (int k = 0; k < substitutions; ++k)
+    if (!substitute(line, q.point, q.unknown, q.status)) return false;
+  line.stable_roots = stable_roots;
+  const Solved solved =
+      solve_point(line, q.point, q.given, std::log(q.call.given), kNewtonLimit, false, q.status);
+  q.regular = solved == Solved::yes && is_regular(q);
+  q.walked = false;
+  return solved == Solved::yes;
+}
+
+// Whether the line still rises in P with T here: the branch that is reached first from low pressure.
+bool rising(const Quality& q) {
+  return q.point.slope[q.line.T_index()] * q.point.slope[q.line.P_index()] > 0.0;
+}
+
+// Through the gate, and on from what splits off where the feed is not stable.
+bool settle(Quality& q, bool solved) {
+  for (int k = 0; k < kRestarts && solved; ++k) {
+    const Verdict verdict = accept(q);
+    if (verdict == Verdict::good) return true;
+    if (verdict != Verdict::unstable) return false;
+    const double sign = q.line.W == 0.0 ? 1.0 : -1.0;
+    if (!q.have_unstable) copy_point(q.line, q.point, q.unstable);
+    q.have_unstable = true;
+    if (!q.boundary()) return false;
+    for (int i = 0; i < q.line.n; ++i)
+      q.point.X[i] = std::clamp(sign * q.trial[i], -kLargestLogK, kLargestLogK);
+    solved = solve_from_point(q, k == 0 ? 0 : kSubstitutions, true);
+  }
+  return false;
+}
+
+// A settled point on the branch that is reached first, or any one near. One on another branch is kept.
+bool settle_on_branch(Quality& q, bool solved, bool near) {
   if (!settle(q, solved)) return false;
-  if (regular(q)) return true;
+  if (near || q.regular) return true;
   copy_point(q.line, q.point, q.other);
   q.have_other = true;
   return false;
 }
 
-// A point of the line at a low pressure, below what is given unless that lies behind a critical point: its
-// temperature by Wilson's coefficients.
+// A point of the line at a low pressure, below what is given unless that lies behind a critical point or is
+// looked for there only: its temperature by Wilson's coefficients.
 bool solve_at_low_pressure(Quality& q, double P, bool exchanged) {
   QualityLine& line = q.line;
   QualityCall low = q.call;
@@ -295,7 +212,24 @@ bool solve_at_low_pressure(Quality& q, double P, bool exchanged) {
   start_from_wilson(at_low, value);
   const bool solved = solve_from_point(at_low, kSubstitutions + 2, false);
   q.point = at_low.point;
-  return solved && (q.of_T() || exchanged || q.point.X[line.T_index()] < std::log(q.call.given));
+  const bool below = q.of_T() || exchanged || q.only_near || q.point.X[line.T_index()] < std::log(q.call.given);
+  return solved && below;
+}
+
+// A point that a walk has met, as one of the line that is asked for.
+bool take_met_point(void* who, const LinePoint& met) {
+  Quality& q = *static_cast<Quality*>(who);
+  QualityLine& line = q.line;
+  const double W = line.W;
+  if (q.only_near && std::fabs(met.X[q.unknown] - q.estimate) > kCriticalNear) return false;
+  copy_point(line, met, q.point);
+  if (q.exchanged) exchange_phases(line, q.point);
+  q.walked = true;
+  const bool good = settle(q, true);
+  q.walked = false;
+  line.W = W;
+  line.stable_roots = true;
+  return good;
 }
 
 // From a point of low pressure along the line; or along that of 1 - W and over the critical point.
@@ -307,13 +241,19 @@ bool follow_from_low_pressure(Quality& q, double value, bool beyond) {
   bool found = false;
   for (const double part : kStartParts) {
     line.W = beyond ? 1.0 - W : W;
-    if (!solve_at_low_pressure(q, part * P, beyond) || !rising(q)) continue;
-    found = follow_line(line, q.point, q.given, std::log(q.call.given), beyond, q.status) == Solved::yes;
-    if (found && beyond) exchange_phases(line, q.point);
+    if (!solve_at_low_pressure(q, part * P, beyond) || !rising(q) || close_phases(q)) continue;
+    q.exchanged = beyond;
+    copy_point(line, q.point, q.walker);
+    found = follow_line(line, q.walker, q.given, std::log(q.call.given), beyond, {take_met_point, &q},
+                        q.status) == Solved::yes;
     break;
   }
   line.W = W;
-  return found && vapour_and_liquid(q);
+  return found;
+}
+
+bool walk_for_point(Quality& q, double value) {
+  return follow_from_low_pressure(q, value, false) || follow_from_low_pressure(q, value, true);
 }
 
 StatusCode write_point(Quality& q, StatusCode status) {
@@ -322,7 +262,9 @@ StatusCode write_point(Quality& q, StatusCode status) {
   for (int i = 0; i < q.line.n; ++i) {
     c.x[i] = q.point.x[i];
     c.y[i] = q.point.y[i];
-    c.K[i] = support::fast_exp(q.point.X[i]);
+    const bool present = q.point.x[i] > 0.0 && q.point.y[i] > 0.0;
+    c.K[i] = present ? std::clamp(q.point.y[i] / q.point.x[i], kSmallestK, kLargestK)
+                     : support::fast_exp(q.point.X[i]);
   }
   return status;
 }
@@ -333,7 +275,9 @@ StatusCode solve_pure(Quality& q, int j) {
   if (status != KV_OK) return status;
   std::copy_n(q.line.z, q.line.n, q.point.x);
   std::copy_n(q.line.z, q.line.n, q.point.y);
-  return write_point(q, KV_OK);
+  const Verdict verdict = accept_pure(q, j);
+  if (verdict == Verdict::model) return q.status;
+  return verdict == Verdict::good ? write_point(q, KV_OK) : StatusCode{KV_NO_SATURATION};
 }
 
 // Water about to condense alone: where its vapour pressure is its partial pressure. False without water.
@@ -373,30 +317,47 @@ void start_from_estimate(Quality& q) {
       q.point.X[i] = std::clamp(support::fast_log(c.y[i] / c.x[i]), -kLargestLogK, kLargestLogK);
 }
 
+/*
+ * From the estimate, on its branch: its point, or the one that is reached first when it leads elsewhere. An
+ * estimate beside a critical point, where Newton's method may not come to its end, is looked for along the
+ * line.
+ */
+bool from_estimate(Quality& q) {
+  start_from_estimate(q);
+  q.estimate = q.point.X[q.unknown];
+  q.point.Zx = q.point.Zy = 0.0;
+  const bool critical = close_phases(q);
+  const bool solved = solve_from_point(q, 0, true);
+  const bool near = std::fabs(q.point.X[q.unknown] - q.estimate) < (q.of_T() ? kNearT : kNearP);
+  if (settle_on_branch(q, solved, near)) return true;
+  if (!critical) return false;
+  q.only_near = true;
+  const bool found = walk_for_point(q, *q.call.unknown);
+  q.only_near = false;
+  return found;
+}
+
 StatusCode solve(Quality& q) {
   set_up_start(q);
   const int j = single_component(q.line.n, q.line.z, pure_tolerance(*q.call.mixture));
   if (j >= 0) return solve_pure(q, j);
-  if (usable_estimate(q)) {
-    start_from_estimate(q);
-    if (settle(q, solve_from_point(q, 0, true))) return write_point(q, KV_OK);
-  }
+  if (usable_estimate(q) && from_estimate(q)) return write_point(q, KV_OK);
   double value = 0.0;
   wilson_stage(q, value);
   const double by_wilson = value;
+  const bool had_other = q.have_other;
   start_from_wilson(q, value);
-  if (first_branch(q, solve_from_point(q, q.line.W < 0.5 ? kSubstitutions : 1, false)))
+  if (settle_on_branch(q, solve_from_point(q, q.line.W < 0.5 ? kSubstitutions : 1, false), false))
     return write_point(q, KV_OK);
-  if (!q.have_other) {
+  if (q.have_other == had_other) {
     start_from_wilson(q, value);
     const bool started = equation_stage(q, value);
-    if (first_branch(q, started && solve_from_point(q, 0, true))) return write_point(q, KV_OK);
+    if (settle_on_branch(q, started && solve_from_point(q, 0, true), false)) return write_point(q, KV_OK);
   }
-  if (q.line.W > 0.5 && start_from_water(q) && first_branch(q, solve_from_point(q, kSubstitutions + 1, true)))
+  if (q.line.W > 0.5 && start_from_water(q) &&
+      settle_on_branch(q, solve_from_point(q, kSubstitutions + 1, true), false))
     return write_point(q, KV_OK);
-  for (const bool beyond : {false, true}) {
-    if (settle(q, follow_from_low_pressure(q, by_wilson, beyond))) return write_point(q, KV_OK);
-  }
+  if (walk_for_point(q, by_wilson)) return write_point(q, KV_OK);
   if (q.have_other) {
     copy_point(q.line, q.other, q.point);
     return write_point(q, KV_OK);
@@ -423,7 +384,7 @@ StatusCode set_up(const QualityCall& call, support::Arena& arena) {
   double* z = arena.zeros(line.ld);
   if (!normalise_feed(line.n, call.z, z)) return KV_COMPOSITION;
   line.z = z;
-  for (LinePoint* p : {&q.point, &q.other, &q.unstable}) take_point(arena, line, *p);
+  for (LinePoint* p : {&q.point, &q.other, &q.unstable, &q.walker}) take_point(arena, line, *p);
   for (double** a : {&q.wilson_k, &q.trial, &q.spare}) *a = arena.zeros(line.ld);
   seal_line(line);
   const StatusCode status = solve(q);

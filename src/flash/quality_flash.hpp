@@ -23,12 +23,14 @@ struct QualityCall {
 };
 
 /*
- * KV_OK: the point, converged to 1e-10 in ln fugacities; a bubble or dew point lies on the boundary of
- * stability. Where several exist, a cold start returns the one that is reached first along the line from low
- * pressure: the lower pressure at a temperature, for dew points the higher temperature at a pressure. A warm
- * start stays on the branch of its estimate. KV_NO_SATURATION: there is none; KV_UNSTABLE_POINT: a point where
- * the feed is not stable, because another phase splits off before it. Others: of the model. On all but KV_OK
- * and KV_UNSTABLE_POINT the results keep what they held.
+ * KV_OK: the point, which has passed the gate (quality_state.hpp): balance and sums to 1e-12, ln fugacities
+ * equal to 1e-8 at the point itself and mostly to 1e-10, two phases in truth; a bubble or dew point lies on the
+ * boundary of stability. Where several exist, a cold start returns the one that is reached first along the line
+ * from low pressure: the lower pressure at a temperature, for dew points the higher temperature at a pressure.
+ * A warm start stays on the branch of its estimate; an estimate that leads far away counts as none.
+ * KV_NO_SATURATION: there is none; KV_UNSTABLE_POINT: a point where the feed is not stable, because another
+ * phase splits off before it. Others: of the model. On all but KV_OK and KV_UNSTABLE_POINT the results keep
+ * what they held.
  */
 StatusCode quality_flash(const QualityCall& call);
 

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <utility>
 
+#include "support/ldl.hpp"
 #include "support/lu.hpp"
 #include "support/mathkernels.hpp"
 
@@ -12,8 +13,10 @@ namespace kestrune::flash {
 namespace {
 
 constexpr double kConverged = 1e-10;
-// A Newton step that is smaller than this leaves errors of its square.
-constexpr double kLastStep = 1e-5;
+constexpr double kRounding = 1e-13, kStillFalling = 0.25;
+// A Newton step that is smaller than this leaves errors of its square; where the K are close to 1, of its
+// square over that of ln K.
+constexpr double kLastStep = 1e-5, kLastOfSquare = 1e-3;
 constexpr double kSameSums = 2e-10;  // of x and y; missed where a K is at its bound
 constexpr double kLargestLogKStep = 2.5, kLargestLogTStep = 0.12, kLargestLogPStep = 1.2;
 constexpr double kLowestT = 1.0, kHighestT = 2e4, kLowestP = 1e-30, kHighestP = 1e6;
@@ -33,6 +36,17 @@ void amounts(const QualityLine& line, LinePoint& p, double& sum_x, double& sum_y
 struct Sums {
   double x, y;
 };
+
+// Amounts to compositions. False when a sum is not usable, or the two differ by more than the tolerance.
+bool normalise(const QualityLine& line, LinePoint& p, const Sums& sums, double tolerance) {
+  if (!(sums.x > 0.0 && sums.x <= DBL_MAX && sums.y > 0.0 && sums.y <= DBL_MAX)) return false;
+  if (!(std::fabs(sums.x - sums.y) <= tolerance * sums.x)) return false;
+  for (int i = 0; i < line.n; ++i) {
+    p.x[i] /= sums.x;
+    p.y[i] /= sums.y;
+  }
+  return true;
+}
 
 // Both phases at the point, normalised, with the derivatives asked for.
 StatusCode evaluate(QualityLine& line, LinePoint& p, bool matrices, Sums& sums) {
@@ -106,6 +120,13 @@ double damping(const QualityLine& line) {
   return std::min(factor, kLargestLogPStep / std::max(std::fabs(line.step[line.n + 1]), 1e-30));
 }
 
+double last_step(const QualityLine& line, const LinePoint& p) {
+  double largest = 0.0;
+  for (int i = 0; i < line.n; ++i)
+    if (line.z[i] > 0.0) largest = std::max(largest, std::fabs(p.X[i]));
+  return std::min(kLastStep, kLastOfSquare * largest * largest);
+}
+
 void trace_pass(const QualityLine& line, const LinePoint& p, double factor) {
   if (line.trace == nullptr || !*line.trace) return;
   const bool of_T = line.unknown == line.T_index();
@@ -122,17 +143,19 @@ bool in_range(const QualityLine& line, const LinePoint& p) {
 
 }  // namespace
 
-StatusCode line_model(QualityLine& line, double T, double P) {
-  if (T == line.prepared) {
+StatusCode line_model(QualityLine& line, double T, double P, int order) {
+  if (T == line.prepared && order <= line.prepared_order) {
     line.m.P = P;
     return KV_OK;
   }
   line.arena->rewind(line.base);
   line.prepared = 0.0;
   const StatusCode status =
-      make_model(T, P, line.mixture, line.routines, line.free_water, 1, *line.arena, line.m);
-  if (status == KV_OK) line.prepared = T;
-  return status;
+      make_model(T, P, line.mixture, line.routines, line.free_water, order, *line.arena, line.m);
+  if (status != KV_OK) return status;
+  line.prepared = T;
+  line.prepared_order = order;
+  return KV_OK;
 }
 
 double temperature(const QualityLine& line, const LinePoint& p) {
@@ -176,11 +199,13 @@ void copy_point(const QualityLine& line, const LinePoint& from, LinePoint& to) {
   to.Zx = from.Zx;
   to.Zy = from.Zy;
   to.error = from.error;
+  to.left_over = from.left_over;
   to.passes = from.passes;
 }
 
 bool one_phase(const QualityLine& line, const LinePoint& p) {
-  constexpr double kTrivial = 2e-5;
+  constexpr double kTrivial = 2e-5, kSameDensity = 1e-3;
+  if (std::fabs(p.Zx - p.Zy) > kSameDensity * p.Zy) return false;  // an azeotrope
   for (int i = 0; i < line.n; ++i)
     if (line.z[i] > 0.0 && std::fabs(p.X[i]) > kTrivial) return false;
   return true;
@@ -199,18 +224,64 @@ void exchange_phases(QualityLine& line, LinePoint& p) {
 bool compositions(const QualityLine& line, LinePoint& p, double tolerance) {
   Sums sums;
   amounts(line, p, sums.x, sums.y);
-  if (!(sums.x > 0.0 && sums.x <= DBL_MAX && sums.y > 0.0 && sums.y <= DBL_MAX)) return false;
-  if (!(std::fabs(sums.x - sums.y) <= tolerance * sums.x)) return false;
-  for (int i = 0; i < line.n; ++i) {
-    p.x[i] /= sums.x;
-    p.y[i] /= sums.y;
+  return normalise(line, p, sums, tolerance);
+}
+
+bool share_out(const QualityLine& line, LinePoint& p) {
+  constexpr int kCorrections = 3;
+  constexpr double kEqual = 1e-14, kLargest = 1e-9;
+  Sums sums{};
+  amounts(line, p, sums.x, sums.y);
+  for (int k = 0; k < kCorrections && std::fabs(sums.y - sums.x) > kEqual; ++k) {
+    double slope = 0.0;  // of sum y - sum x with a common factor of the K
+    for (int i = 0; i < line.n; ++i)
+      if (line.z[i] > 0.0) slope += p.x[i] * p.y[i] / line.z[i];
+    const double factor = (sums.x - sums.y) / slope;
+    if (!(std::fabs(factor) <= kLargest)) return false;
+    for (int i = 0; i < line.n; ++i) p.X[i] += factor;
+    amounts(line, p, sums.x, sums.y);
   }
-  return true;
+  return normalise(line, p, sums, 10.0 * kEqual);
+}
+
+bool polish_point(QualityLine& line, LinePoint& p, int held, double* work, StatusCode& status) {
+  constexpr int kCorrections = 4;
+  constexpr double kHardly = 1e-3;   // change of an equation with a unit vector of unknowns
+  constexpr double kLargest = 1e-3;  // correction of something that is known
+  const int size = line.n + 2;
+  for (int k = 0; k < kCorrections; ++k) {
+    Sums sums;
+    status = evaluate(line, p, true, sums);
+    if (status != KV_OK) return false;
+    p.error = fill_system(line, p, sums, held, p.X[held]);
+    std::fill_n(line.system + static_cast<std::size_t>(held) * size, size, 0.0);
+    // Least squares of the equations and of the step, in the lower triangle.
+    double* const right = p.slope;
+    for (int j = 0; j < size; ++j) {
+      const double* a = line.system + static_cast<std::size_t>(j) * size;
+      right[j] = 0.0;
+      for (int r = 0; r < size; ++r) right[j] += a[r] * line.step[r];
+      for (int i = j; i < size; ++i) {
+        const double* b = line.system + static_cast<std::size_t>(i) * size;
+        double sum = i == j ? kHardly * kHardly : 0.0;
+        for (int r = 0; r < size; ++r) sum += a[r] * b[r];
+        work[static_cast<std::size_t>(j) * size + i] = sum;
+      }
+    }
+    if (!support::ldl_factor(size, size, work, 0.0)) return false;
+    support::ldl_solve(size, size, work, right);
+    for (int i = 0; i < size; ++i) {
+      if ((i >= line.n || line.z[i] > 0.0) && !(std::fabs(right[i]) <= kLargest)) return false;
+      p.X[i] = i < line.n ? std::clamp(p.X[i] + right[i], -kLargestLogK, kLargestLogK) : p.X[i] + right[i];
+    }
+  }
+  return compositions(line, p, kSameSums);
 }
 
 Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int limit, bool through_critical,
                    StatusCode& status) {
   const int size = line.n + 2;
+  double before = DBL_MAX;
   p.X[held] = value;
   for (p.passes = 1; p.passes <= limit; ++p.passes) {
     Sums sums;
@@ -225,16 +296,24 @@ Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int 
     if (!(largest <= DBL_MAX)) return Solved::no;
     const double factor = damping(line);
     trace_pass(line, p, factor);
-    // Beside a critical point the last step of a point that has converged is noise, and may be a long one.
-    const bool converged = p.error <= kConverged;
-    if (!converged || largest <= kLastStep) {
+    // Beside a critical point small errors are long steps: they are taken as long as they are not noise, but
+    // for T or P held on the way over it, and where the last one of a point that has converged is long, it is
+    // noise.
+    const bool exactly = held < line.n || !through_critical;
+    const bool short_step = largest <= (exactly ? last_step(line, p) : kLastStep);
+    const bool falling =
+        exactly && p.error > kRounding && p.error <= kStillFalling * before && p.passes < limit;
+    const bool converged = p.error <= kConverged && (short_step || !falling);
+    before = p.error;
+    if (!converged || short_step) {
       for (int i = 0; i < size; ++i) p.X[i] += factor * line.step[i];
       p.X[held] = value;
       for (int i = 0; i < line.n; ++i) p.X[i] = std::clamp(p.X[i], -kLargestLogK, kLargestLogK);
     }
     if (!in_range(line, p)) return Solved::no;
     if (!through_critical && one_phase(line, p)) return Solved::trivial;
-    if (converged || largest <= kLastStep) {
+    if (converged || short_step) {
+      p.left_over = short_step ? 0.0 : largest;
       std::fill_n(p.slope, size, 0.0);
       p.slope[size - 1] = 1.0;
       support::lu_solve(size, size, line.system, line.pivot, p.slope);

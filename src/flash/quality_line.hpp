@@ -27,7 +27,8 @@ struct QualityLine {
   support::Arena* arena = nullptr;
   support::Arena::Mark base{};
   double prepared = 0.0;  // temperature of m
-  int passes = 0;         // evaluations of both phases
+  int prepared_order = 0;
+  int passes = 0;  // evaluations of both phases
   support::TraceWriter* trace = nullptr;
   int unknown = 0;  // T or P index, for the trace
   // Work.
@@ -45,8 +46,9 @@ struct LinePoint {
   double* slope = nullptr;            // [n + 2] dX/dX[held] along the line
   double *x = nullptr, *y = nullptr;  // [ld] compositions
   double Zx = 0.0, Zy = 0.0;
-  double error = 0.0;  // largest |difference of ln fugacities|
-  int passes = 0;      // of the last solve
+  double error = 0.0;      // largest |difference of ln fugacities|
+  double left_over = 0.0;  // largest change of X that Newton's method still asked for, of no use for ln f
+  int passes = 0;          // of the last solve
 };
 
 /* Takes the work arrays; the arena must outlive the line and is used by no one else meanwhile but take_point.
@@ -60,8 +62,8 @@ void copy_point(const QualityLine& line, const LinePoint& from, LinePoint& to);
 double temperature(const QualityLine& line, const LinePoint& p);
 double pressure(const QualityLine& line, const LinePoint& p);
 
-/* Brings line.m to T and P; a temperature that it has already costs nothing. */
-StatusCode line_model(QualityLine& line, double T, double P);
+/* Brings line.m to T and P, order 1 with derivatives; a temperature that it has already costs nothing. */
+StatusCode line_model(QualityLine& line, double T, double P, int order = 1);
 
 enum class Solved { yes, trivial, no, model };
 
@@ -89,15 +91,38 @@ bool substitute(QualityLine& line, LinePoint& p, int unknown, StatusCode& status
 bool compositions(const QualityLine& line, LinePoint& p, double tolerance);
 
 /*
+ * x and y of p.X with sums and balance to the last digits: all ln K change by the same, 1e-9 at most (else
+ * false), until the two sums are equal.
+ */
+bool share_out(const QualityLine& line, LinePoint& p);
+
+/*
+ * For a point beside a critical one that is known but for its last digits: corrections of p.X with the unknown
+ * held as it stands. Directions in which the equations hardly change are left alone: they determine nothing but
+ * rounding. work[(n + 2)^2]. x and y are those of p.X, the slope is not. False: status of the fugacity routine,
+ * or no correction.
+ */
+bool polish_point(QualityLine& line, LinePoint& p, int held, double* work, StatusCode& status);
+
+// Whether a point that a walk has met is the one that is looked for.
+struct Wanted {
+  bool (*is)(void* who, const LinePoint& p) = nullptr;
+  void* who = nullptr;
+};
+
+/*
  * Follows the line from the converged point p in the direction of rising pressure, over critical points, until
- * the unknown target has the value for the first time with y as the vapour, or, when exchanged, with x as the
- * vapour: such a point belongs to the line of 1 - W. p is that point then. no: the line comes to an end of the
- * range first.
+ * the unknown target has the value with y as the vapour (or, when exchanged, with x as the vapour: such a point
+ * belongs to the line of 1 - W) and the point is wanted. yes: such a point was met. no: the line comes to an
+ * end of the range first. p is the last point of the walk.
  */
 Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, bool exchanged,
-                   StatusCode& status);
+                   const Wanted& wanted, StatusCode& status);
 
-/* The trivial solution: no component that is present, be it a trace, has a K that differs from 1. */
+/*
+ * The trivial solution: no component that is present, be it a trace, has a K that differs from 1, and the
+ * densities are the same.
+ */
 bool one_phase(const QualityLine& line, const LinePoint& p);
 
 /* The same point as one of the line of 1 - W, whose phases have the other names. */

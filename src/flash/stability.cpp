@@ -14,8 +14,9 @@ namespace {
 
 constexpr int kSubstitutions = 3;  // before the first second-order step
 constexpr int kMaxSteps = 60;
-constexpr double kConverged = 1e-18;  // gradient^2: tm is then exact to 1e-18
-constexpr double kFinished = 1e-14;   // of a phase that is only reported
+constexpr double kShortestStep = 1e-2;  // part of a second-order step that is still tried
+constexpr double kConverged = 1e-18;    // gradient^2: tm is then exact to 1e-18
+constexpr double kFinished = 1e-14;     // of a phase that is only reported
 // Positive distances are final once they exceed what the rest of the way can take off them.
 constexpr double kSafePositive = 1e-4, kSafeFactor = 25.0;
 constexpr double kLargestLogW = 600.0;
@@ -126,14 +127,23 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
   t.end = TrialEnd::failed;
   bool stepped = false;  // the last step was of second order and may have to be cut
   double before = 0.0, factor = 1.0;
+  int second_from = how == Follow::report ? 0 : kSubstitutions;
   for (int k = 0; k < kMaxSteps; ++k) {
-    const bool second = (how == Follow::report || k >= kSubstitutions) && !m.free_water;
+    const bool second = k >= second_from && !m.free_water;
     const StatusCode status = measure(m, ref, kind, second ? work.dn : nullptr, work, t);
     if (status != KV_OK) return status;
-    if (stepped && t.tm > before + 1e-10 * (1.0 + std::fabs(before)) && factor > 1e-3) {
-      // The distance rose: halve the step from where it began.
+    if (stepped && t.tm > before + 1e-10 * (1.0 + std::fabs(before))) {
+      // The distance rose: halve the step from where it began, and at last go on from there by substitution.
       factor *= 0.5;
-      for (int i = 0; i < m.n; ++i) t.log_w[i] = 0.5 * (t.log_w[i] + work.old_root[i]);
+      const bool last = k + 1 == kMaxSteps, halve = factor > kShortestStep && !last;
+      for (int i = 0; i < m.n; ++i)
+        t.log_w[i] = halve ? 0.5 * (t.log_w[i] + work.old_root[i]) : work.old_root[i];
+      stepped = halve;
+      if (!halve) second_from = k + 1 + kSubstitutions;
+      if (last) {
+        t.end = TrialEnd::stationary;  // as far as it came
+        return measure(m, ref, kind, nullptr, work, t);
+      }
       continue;
     }
     factor = 1.0;

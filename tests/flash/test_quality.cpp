@@ -41,7 +41,7 @@ void expect_point(Mixture& m, const std::vector<double>& z, double W, const Poin
   double sum = 0.0;
   for (const double feed : z) sum += feed;
   for (std::size_t i = 0; i < z.size(); ++i) {
-    EXPECT_NEAR((1.0 - W) * p.x[i] + W * p.y[i], z[i] / sum, 1e-10) << i;
+    EXPECT_NEAR((1.0 - W) * p.x[i] + W * p.y[i], z[i] / sum, 1e-12) << i;
     if (z[i] > 0.0) {
       EXPECT_NEAR(std::log(p.x[i]) + x.ln_phi[i], std::log(p.y[i]) + y.ln_phi[i], 1e-8) << i;
     }
@@ -63,12 +63,62 @@ TEST(QualityFlash, PointsOfAGasOverTheRange) {
       const Point back = find(m, kRichGasFeed, 'P', W, p.T, 0, p);
       EXPECT_NEAR(back.P / P, 1.0, 1e-8);
     }
-  for (const double T : {150.0, 180.0, 220.0, 250.0, 258.0}) {  // the critical point is at 260 K
+  for (const double T : {150.0, 180.0, 220.0, 250.0}) {
     const Point p = find(m, kRichGasFeed, 'P', 0.0, T);
     expect_point(m, kRichGasFeed, 0.0, p);
     EXPECT_EQ(flash(m, T, p.P * (1.0 + 1e-6), kRichGasFeed).beta, 0.0) << T;
     EXPECT_TRUE(flash(m, T, p.P * (1.0 - 1e-6), kRichGasFeed).two_phases()) << T;
   }
+}
+
+struct Feed {
+  std::vector<std::string> ids;
+  std::vector<double> z;
+};
+
+// Bubble points and points of half vapour on the near side of a critical point, found from both sides.
+TEST(QualityFlash, BesideACriticalPoint) {
+  for (const Feed& f :
+       {Feed{kRichGas, kRichGasFeed}, Feed{{"methane", "propane"}, {0.5, 0.5}},
+        Feed{{"carbon_dioxide", "hydrogen_sulfide", "methane", "ethane"}, {0.55, 0.4, 0.04, 0.01}},
+        Feed{{"methane", "n_hexane", "benzene", "o_xylene"}, {0.45, 0.2, 0.24, 0.11}}}) {
+    Mixture m = in_use(f.ids);
+    double Tc, Pc, Vc, Zc;
+    ASSERT_EQ(CriticalPoint(f.z.data(), &m.record, 0, &Tc, &Pc, &Vc, &Zc), KV_OK);
+    for (const double distance : {1e-2, 1e-3, 3e-4, 1e-4}) {
+      SCOPED_TRACE(testing::Message() << f.ids[0] << " with " << f.ids[1] << ' ' << distance);
+      const Point bubble = find(m, f.z, 'P', 0.0, Tc * (1.0 - distance));
+      expect_point(m, f.z, 0.0, bubble);
+      EXPECT_NEAR(bubble.P / Pc, 1.0, 20.0 * distance);
+      const Point half = find(m, f.z, 'T', 0.5, Pc * (1.0 - distance));
+      expect_point(m, f.z, 0.5, half);
+      EXPECT_NEAR(half.T / Tc, 1.0, distance);
+      const Point back = find(m, f.z, 'T', 0.0, bubble.P, 0, bubble);
+      EXPECT_EQ(back.status, KV_OK);
+      EXPECT_NEAR(back.T / bubble.T, 1.0, 1e-5);
+      // Lines of half vapour turn back at the critical point.
+      EXPECT_EQ(find(m, f.z, 'P', 0.5, Tc * (1.0 + distance)).status, KV_NO_SATURATION);
+    }
+  }
+}
+
+// Beside the spinodal of the feed two phases that all but are one meet every residual.
+TEST(QualityFlash, TwoPhasesThatAreOneAreNoPoint) {
+  Mixture m = in_use({"nitrogen", "carbon_dioxide", "methane", "ethane", "propane", "isobutane", "n_butane",
+                      "isopentane", "n_pentane", "n_hexane", "n_heptane", "n_octane", "n_nonane", "n_decane",
+                      "n_dodecane", "n_hexadecane", "n_eicosane"});
+  const std::vector<double> z{0.6, 2.5, 73.2, 8.0, 4.1, 0.9, 1.8, 0.8, 0.9,
+                              1.2, 1.6, 1.3,  0.9, 0.7, 0.9, 0.4, 0.2};
+  for (const double T : {373.15, 400.0})  // above the critical temperature
+    for (const double W : {0.0, 0.01, 0.5}) {
+      EXPECT_EQ(find(m, z, 'P', W, T).status, KV_NO_SATURATION) << W << ' ' << T;
+    }
+}
+
+// A second liquid of methane and nitrogen leaves the feed before it boils, 7e-4 RT below its tangent plane.
+TEST(QualityFlash, AnotherPhaseSplitsOffBefore) {
+  Mixture m = in_use({"nitrogen", "methane", "ethane"});
+  EXPECT_EQ(find(m, {0.3, 0.4, 0.3}, 'T', 0.0, 2.047106398397005).status, KV_UNSTABLE_POINT);
 }
 
 TEST(QualityFlash, BranchesOfARetrogradeDewLine) {
@@ -136,6 +186,10 @@ TEST(QualityFlash, FractionsAndEstimatesOutsideTheirRange) {
     p.T = start;
     EXPECT_NEAR(find(m, kRichGasFeed, 'T', 1.0, 30.0, 1, p).T, T, 1e-8) << start;
     EXPECT_NEAR(find(m, kRichGasFeed, 'T', 1.0, 30.0, 0, p).T, T, 1e-8) << start;  // zeroed arrays, warm
+    p.x.assign(10, 0.0);
+    p.y = p.x;
+    p.x[0] = p.y[7] = 1.0;  // methane beside hexane, the wrong way round
+    EXPECT_NEAR(find(m, kRichGasFeed, 'T', 1.0, 30.0, 0, p).T, T, 1e-8) << start;
   }
 }
 

@@ -1,0 +1,206 @@
+// What an answer at a vapour fraction has to be before it leaves with status 0, or as one that is not stable.
+
+#include <algorithm>
+#include <cmath>
+
+#include "flash/accept.hpp"
+#include "flash/isothermal.hpp"
+#include "flash/quality_state.hpp"
+#include "support/ldl.hpp"
+#include "support/mathkernels.hpp"
+
+namespace kestrune::flash {
+namespace {
+
+constexpr double kStable = -1e-8;
+// Volume over co-volume of the densest fluid that is still called a vapour beside a liquid: liquids have 1.2
+// to 1.7, gases at hundreds of atmospheres 2 to 4.
+constexpr double kDensestVapour = 1.5;
+constexpr double kCloseDensity = 0.05;  // relative, of their compressibility factors
+// What an eigenvalue may be below zero for a point next to a critical one that was found on the way over it: T
+// and P follow from that way, and are not exact to the last digit.
+constexpr double kNoCurvature = 1e-6;
+// Beside a critical point equal fugacities alone leave T, P and ln K open: what Newton's method still asks for,
+// in parts of the largest ln K.
+constexpr double kSettled = 0.05;
+
+// Both phases on the roots asked for, at line.m: ln phi into line.phi_x and line.phi_y, Z into the point.
+StatusCode phases_at(Quality& q, Kind of_x, Kind of_y) {
+  QualityLine& line = q.line;
+  LinePoint& p = q.point;
+  p.Zx = p.Zy = 0.0;
+  const StatusCode status = fugacity(line.m, p.x, of_x, line.phi_x, nullptr, p.Zx);
+  if (status != KV_OK) return status;
+  return fugacity(line.m, p.y, of_y, line.phi_y, nullptr, p.Zy);
+}
+
+double gap(const Quality& q) {
+  const QualityLine& line = q.line;
+  return fugacity_gap(line.n, line.z, {q.point.x, line.phi_x}, {q.point.y, line.phi_y});
+}
+
+double largest_log_K(const Quality& q) {
+  double largest = 0.0;
+  for (int i = 0; i < q.line.n; ++i)
+    if (q.line.z[i] > 0.0) largest = std::max(largest, std::fabs(q.point.X[i]));
+  return largest;
+}
+
+bool close_in_density(const LinePoint& p) {
+  return std::fabs(p.Zx - p.Zy) <= kCloseDensity * p.Zy;
+}
+
+bool close_in_composition(const Quality& q) {
+  return largest_log_K(q) <= kCloseLogK;
+}
+
+// Whether the two are in equilibrium on their roots of lower Gibbs energy, or (stable_roots false) on those of
+// their names only, which comes first where their compositions hardly differ (azeotropes). q.status: of the
+// model, which makes it false.
+bool equal_fugacities(Quality& q, bool& stable_roots) {
+  const auto equal_on = [&](Kind of_x, Kind of_y) {
+    q.status = phases_at(q, of_x, of_y);
+    return q.status == KV_OK && gap(q) <= kOwedFugacity;
+  };
+  stable_roots = false;
+  const bool named_first = q.line.free_water || close_in_composition(q);
+  if (named_first && equal_on(Kind::liquid, Kind::gas) && (q.line.free_water || !close_in_density(q.point)))
+    return true;
+  if (q.line.free_water || q.status != KV_OK) return false;
+  stable_roots = equal_on(Kind::stable, Kind::stable);
+  if (stable_roots || q.status != KV_OK) return stable_roots;
+  return !named_first && equal_on(Kind::liquid, Kind::gas);
+}
+
+// Whether on its root of lower Gibbs energy a phase w has the Gibbs energy of the ln phi given, within what is
+// owed: where both roots are as good, equilibrium needs the one of its name.
+bool as_good(Quality& q, const double* w, const double* ln_phi) {
+  double Z = 0.0, excess = 0.0;
+  q.status = water_aware_fugacity(q.line.m, w, Kind::stable, q.spare, {}, Z);
+  if (q.status != KV_OK) return false;
+  for (int i = 0; i < q.line.n; ++i) excess += w[i] * (ln_phi[i] - q.spare[i]);
+  return excess <= kOwedFugacity;
+}
+
+/*
+ * A vapour y beside a liquid x: y is the less densely packed one (else the vapour fraction is 1 - W), and no
+ * liquid itself (else the two are liquids that do not mix). And no K is at its bound, where it follows no
+ * fugacity.
+ */
+bool vapour_and_liquid(const Quality& q) {
+  const LinePoint& p = q.point;
+  if (q.line.free_water) return true;
+  const double side = q.line.W == 0.0 ? 1.0 : q.line.W == 1.0 ? -1.0 : 0.0;
+  for (int i = 0; i < q.line.n; ++i)
+    if (q.line.z[i] > 0.0 && side * p.X[i] >= kLargestLogK) return false;
+  const MixtureRecord& m = *q.call.mixture;
+  if (lighter(m, p.x, p.Zx, p.y, p.Zy)) return false;
+  // However dense it is, above its own pseudo-critical temperature (Kay) a fluid is no liquid.
+  const double* Tc = m.table + static_cast<std::size_t>(KV_COL_TC - 1) * m.count;
+  double pseudo_critical = 0.0;
+  for (int i = 0; i < q.line.n; ++i) pseudo_critical += p.y[i] * Tc[i];
+  const double T = q.T();
+  return T > pseudo_critical || p.Zy * eos::kR * T / q.P() > kDensestVapour * covolume(m, p.y);
+}
+
+// Whether a fluid w is stable against small changes of its composition: the matrix 1 + slack + sqrt(w_i w_j) d
+// ln phi_i/d n_j, built in place of the derivatives, has no eigenvalue below zero.
+bool convex(Quality& q, const double* w, double slack) {
+  const int n = q.line.n, ld = q.line.ld;
+  double* const d = q.line.d_x;
+  double Z = 0.0;
+  q.status = water_aware_fugacity(q.line.m, w, Kind::stable, q.line.phi_x, {nullptr, nullptr, d}, Z);
+  if (q.status != KV_OK) return false;
+  for (int j = 0; j < n; ++j) {
+    double* column = d + static_cast<std::size_t>(j) * ld;
+    for (int i = 0; i < n; ++i) column[i] *= std::sqrt(w[i] * w[j]);
+    column[j] += 1.0 + slack;
+  }
+  return support::ldl_factor(n, ld, d, 0.0);
+}
+
+// Two phases that are close to each other are two where both are stable against small changes, and what lies
+// halfway between is not: the spinodal passes between them twice. Between a pair that only looks like one it
+// passes once, or not at all.
+bool truly_two(Quality& q) {
+  if (!close_phases(q)) return true;
+  if (one_phase(q.line, q.point)) return false;
+  if (!q.walked && q.point.left_over > kSettled * largest_log_K(q)) return false;
+  const double slack = q.walked ? kNoCurvature : 0.0;
+  if (!convex(q, q.point.x, slack) || !convex(q, q.point.y, slack)) return false;
+  for (int i = 0; i < q.line.n; ++i) q.spare[i] = 0.5 * (q.point.x[i] + q.point.y[i]);
+  return !convex(q, q.spare, -slack) && q.status == KV_OK;
+}
+
+// A boundary point has a stable feed, a point between two stable phases.
+Verdict stability(Quality& q) {
+  MixtureRecord silent = *q.call.mixture;
+  silent.trace_flag = 0;
+  double beta = q.line.W, distance = 0.0;
+  IsothermalCall c;
+  c.T = q.T();
+  c.P = q.P();
+  c.z = q.line.z;
+  c.mixture = &silent;
+  c.routines = q.call.routines;
+  c.beta = &beta;
+  c.model = &q.line.m;
+  if (q.boundary()) {
+    c.x = c.y = q.spare;
+    c.K = q.trial;
+    q.status = feed_stability(c, q.line.W == 0.0 ? q.point.y : q.point.x, distance);
+  } else {
+    c.x = q.point.x;
+    c.y = q.point.y;
+    q.status = answer_stability(c, distance);
+  }
+  if (q.status != KV_OK) return Verdict::model;
+  return distance >= kStable ? Verdict::good : Verdict::unstable;
+}
+
+Verdict refused(const Quality& q) {
+  return q.status == KV_OK ? Verdict::refused : Verdict::model;
+}
+
+bool is_answer(const Quality& q) {
+  const double amount[] = {1.0 - q.line.W, q.line.W};
+  const double* const phase[] = {q.point.x, q.point.y};
+  return is_split(q.line.n, q.line.z, 2, amount, phase);
+}
+
+}  // namespace
+
+bool close_phases(const Quality& q) {
+  return close_in_composition(q) && close_in_density(q.point);
+}
+
+Verdict accept(Quality& q) {
+  QualityLine& line = q.line;
+  q.status = KV_OK;
+  if (!share_out(line, q.point) || !is_answer(q)) return Verdict::refused;
+  q.status = line_model(line, q.T(), q.P(), 0);
+  if (q.status != KV_OK) return Verdict::model;
+  bool stable_roots = true;
+  if (!equal_fugacities(q, stable_roots) || !vapour_and_liquid(q)) return refused(q);
+  if (line.free_water) return Verdict::good;
+  bool good_roots = stable_roots;
+  if (!stable_roots) {
+    good_roots = as_good(q, q.point.x, line.phi_x) && as_good(q, q.point.y, line.phi_y);
+    if (q.status != KV_OK) return Verdict::model;
+  }
+  if (!truly_two(q)) return refused(q);
+  const Verdict verdict = stability(q);
+  return verdict == Verdict::good && !good_roots ? Verdict::refused : verdict;
+}
+
+Verdict accept_pure(Quality& q, int j) {
+  QualityLine& line = q.line;
+  if (!is_answer(q)) return Verdict::refused;
+  q.status = line_model(line, q.T(), q.P(), 0);
+  if (q.status == KV_OK) q.status = phases_at(q, Kind::liquid, Kind::gas);
+  if (q.status != KV_OK) return Verdict::model;
+  const bool equal = std::fabs(line.phi_x[j] - line.phi_y[j]) <= kOwedFugacity;
+  return equal && (line.free_water || q.point.Zx <= q.point.Zy) ? Verdict::good : Verdict::refused;
+}
+
+}  // namespace kestrune::flash
