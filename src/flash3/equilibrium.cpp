@@ -270,21 +270,6 @@ StatusCode improve(Equilibrium& e) {
   return e.third.found ? KV_NOT_CONVERGED : KV_OK;
 }
 
-/*
- * The gate of every answer: the feed is split among e.p to the precision that is owed, all fugacities are
- * equal, and nothing cuts the tangent plane, as the test that e.p has just passed through says.
- */
-bool accept(const Equilibrium& e) {
-  const Phases& p = e.p;
-  if (!flash::is_split(e.m.n, e.z, p.count, p.amount, p.x)) return false;
-  for (int j = 0; j < p.count; ++j)
-    for (int k = 0; k < j; ++k)
-      if (!(flash::fugacity_gap(e.m.n, e.z, {p.x[k], p.ln_phi[k]}, {p.x[j], p.ln_phi[j]}) <=
-            flash::kOwedFugacity))
-        return false;
-  return !e.third.found || e.third.distance > kClearlyCut;
-}
-
 // What does not pass is no answer; the solver's own starts are the last resort.
 StatusCode leave(Equilibrium& e, StatusCode status) {
   if (status != KV_OK || accept(e)) return status;
@@ -349,6 +334,17 @@ StatusCode test_equilibrium(Equilibrium& e) {
   const StatusCode status = flash::phases_stability(isothermal_call(e), e.p.count, e.p.x);
   weigh_cut(e);
   return status;
+}
+
+bool accept(const Equilibrium& e) {
+  const Phases& p = e.p;
+  if (!flash::is_split(e.m.n, e.z, p.count, p.amount, p.x)) return false;
+  for (int j = 0; j < p.count; ++j)
+    for (int k = 0; k < j; ++k)
+      if (!(flash::fugacity_gap(e.m.n, e.z, {p.x[k], p.ln_phi[k]}, {p.x[j], p.ln_phi[j]}) <=
+            flash::kOwedFugacity))
+        return false;
+  return !e.third.found || e.third.distance > kClearlyCut;
 }
 
 int lightest_phase(const Equilibrium& e) {

@@ -357,7 +357,7 @@ bool join_phases(int n, int ld, const double* z, const Phases& a, const Phases& 
       joined.amount[known] += part * b.amount[j];
       continue;
     }
-    if (joined.count == kMostPhases) return false;
+    if (joined.count == kRoom) return false;
     joined.amount[joined.count] = part * b.amount[j];
     std::copy_n(b.x[j], ld, joined.x[joined.count]);
     std::copy_n(b.ln_phi[j], ld, joined.ln_phi[joined.count]);

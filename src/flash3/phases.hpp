@@ -78,7 +78,7 @@ void take_step(int n, int ld, double part, Phases& p, const PhasesWork& w);
 
 /*
  * The phases of two states of one feed in one list, those of b as a part of the whole: phases that both have
- * count once. False: there would be more than three, or one.
+ * count once. False: there would be more than four, or one.
  */
 bool join_phases(int n, int ld, const double* z, const Phases& a, const Phases& b, double part, Phases& joined);
 

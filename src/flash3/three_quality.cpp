@@ -130,6 +130,7 @@ struct Sides {
   double below = 0.0, above = 0.0;  // of states with too little and too much vapour
   bool have_below = false, have_above = false;
   Phases little, much;  // these states
+  Phases joined;        // of both
   bool closed() const { return have_below && have_above; }
   double V_little = 0.0, V_much = 1.0;
   void add(const Search& q, double u, double f) {
@@ -141,14 +142,20 @@ struct Sides {
   }
 };
 
-// All phases that are seen on the two sides: those between them where the unknown stands still, and a phase
-// that is about to appear.
-bool solve_between_sides(Search& q, const Sides& sides) {
+// All phases that are seen on the two sides, and of four all sets of three: those between them where the unknown
+// stands still, and a phase that is about to appear.
+bool solve_between_sides(Search& q, Sides& sides) {
   const double u = std::sqrt(sides.below * sides.above);
   const double range = sides.V_much - sides.V_little;
   const double part = range > 0.0 ? std::clamp((q.W - sides.V_little) / range, 0.0, 1.0) : 0.5;
-  return join_phases(q.e.m.n, q.e.m.ld, q.e.z, sides.little, sides.much, part, q.e.p) && move_to(q, u) &&
-         solve_at_phases(q, u, q.W) && confirm(q);
+  Phases& joined = sides.joined;
+  if (!join_phases(q.e.m.n, q.e.m.ld, q.e.z, sides.little, sides.much, part, joined)) return false;
+  for (int without = joined.count == kRoom ? 0 : kMostPhases; without < kRoom; ++without) {
+    copy_phases(joined, q.e.p, q.e.m.ld);
+    if (without < joined.count) drop_phase(q.e.p, without);
+    if (move_to(q, u) && solve_at_phases(q, u, q.W) && confirm(q)) return true;
+  }
+  return false;
 }
 
 // Walks that may still fail, from states with two and three phases: they cost more than the state itself.
@@ -329,7 +336,7 @@ StatusCode with_search(const ThreeQualityCall& c, support::Arena& arena, support
   q.s.find_pressure = !q.of_T;
   take_specified(arena, n, ld, q.s);
   Sides sides;
-  for (Phases* p : {&q.reached, &q.incipient, &sides.little, &sides.much}) take_phases(arena, ld, *p);
+  for (Phases* p : {&q.reached, &q.incipient, &sides.little, &sides.much, &sides.joined}) take_phases(arena, ld, *p);
   const double start = *c.unknown > 0.0 ? *c.unknown : q.of_T ? kDefaultT : kDefaultP;
   const StatusCode opened = open_equilibrium({T_of(q, start), P_of(q, start), c.z, c.mixture, c.routines}, 1,
                                              model_arena, silent, q.e);
