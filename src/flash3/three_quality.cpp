@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "flash/accept.hpp"
 #include "flash/pure_saturation.hpp"
 #include "flash3/specified.hpp"
 #include "flash3/three_free_water.hpp"
@@ -20,8 +21,19 @@ constexpr double kShortestWalk = 1e-4, kShorter = 0.3;
 constexpr double kFirstStep = 0.02, kLonger = 1.6, kLongestStepT = 0.06,
                  kLongestStepP = 0.3;  // in ln of the unknown
 constexpr double kClosed = 1e-12;      // width of a bracket that is an answer
+constexpr double kSameState = 1e-8;    // sum of (x - y)^2/(x + y)
+constexpr int kDeepest = 10, kMostFailed = 3;
+constexpr double kNarrowT = 3e-4, kNarrowP = 3e-3;  // ln u: a change of phases is resolved to here
+constexpr double kNearT = 0.02, kNearP = 0.3;       // ln u: an estimate leads no further than here
 constexpr double kDefaultT = 298.15, kDefaultP = 1.0;
 constexpr double kLowestT = 40.0, kHighestT = 2000.0, kLowestP = 1e-6, kHighestP = 1e4;
+
+// A state on the way: the unknown, the vapour less W, and the phases.
+struct Node {
+  double u = 0.0, f = 0.0;
+  Phases p;
+  double V(double W) const { return std::clamp(f + W, 0.0, 1.0); }
+};
 
 struct Search {
   const ThreeQualityCall& call;
@@ -33,6 +45,10 @@ struct Search {
   StatusCode status = KV_OK;
   Phases incipient;  // the phases of the answer with the one of no amount
   Phases reached;    // where a walk has got to
+  Phases joined;     // of two nodes
+  // The outermost nodes to both sides, the next one, and those between two of them, by depth; the last two are
+  // the ends of a bracket that closes.
+  Node outer[2], fresh, between[kDeepest + 2];
 };
 
 double T_of(const Search& q, double u) {
@@ -52,7 +68,9 @@ bool move_to(Search& q, double u) {
 bool state_at(Search& q, double u, double& f) {
   if (!move_to(q, u)) return false;
   q.status = find_equilibrium(q.e);
-  if (q.status != KV_OK) return false;  // also beside a fourth phase: nothing is followed further there
+  // Where there are four phases the three that were found lead on.
+  if (q.status == KV_FOURTH_PHASE) q.status = KV_OK;
+  if (q.status != KV_OK) return false;
   const int v = find_vapour(q.e);
   const double V = v < 0 ? 0.0 : q.e.p.amount[v];
   f = V - q.W;
@@ -86,19 +104,18 @@ bool solve_at_phases(Search& q, double u, double W) {
   return false;
 }
 
-// Whether the phase that has the part W is the least densely packed one: beyond a critical point it is not.
-bool vapour_has_its_part(const Search& q) {
-  return std::fabs(q.e.p.amount[lightest_phase(q.e)] - q.W) <= 1e-9;
-}
-
-// Whether nothing cuts the solution that was just found.
-bool confirm(Search& q) {
-  if (!move_to(q, q.u)) return false;
-  q.status = evaluate_phases(q.e.m, q.e.z, q.e.p, q.e.w, false);
-  if (q.status != KV_OK || !vapour_has_its_part(q)) return false;
-  copy_phases(q.e.p, q.incipient, q.e.m.ld);
-  q.status = test_equilibrium(q.e);
-  return q.status == KV_OK && !q.e.third.found;
+/*
+ * The gate: e.p at u is an equilibrium that nothing cuts, of which the least densely packed phase, the vapour,
+ * has the part W. Beyond a critical point it is another one that has it.
+ */
+bool accept(Search& q) {
+  Equilibrium& e = q.e;
+  if (!(q.u > 0.0 && q.u < 1e300) || !move_to(q, q.u)) return false;
+  q.status = evaluate_phases(e.m, e.z, e.p, e.w, false);
+  if (q.status != KV_OK || std::fabs(e.p.amount[lightest_phase(e)] - q.W) > flash::kOwedBalance) return false;
+  copy_phases(e.p, q.incipient, e.m.ld);
+  q.status = test_equilibrium(e);
+  return q.status == KV_OK && accept(e) && !e.third.found;
 }
 
 /*
@@ -125,131 +142,184 @@ bool walk_to_fraction(Search& q, double u, int most) {
   return false;
 }
 
-// Unknowns between which the part of the vapour is crossed.
-struct Sides {
-  double below = 0.0, above = 0.0;  // of states with too little and too much vapour
-  bool have_below = false, have_above = false;
-  Phases little, much;  // these states
-  Phases joined;        // of both
-  bool closed() const { return have_below && have_above; }
-  double V_little = 0.0, V_much = 1.0;
-  void add(const Search& q, double u, double f) {
-    if (closed() && !((u - below) * (u - above) < 0.0)) return;  // outside of what is known
-    (f < 0.0 ? V_little : V_much) = std::clamp(f + q.W, 0.0, 1.0);
-    (f < 0.0 ? below : above) = u;
-    (f < 0.0 ? have_below : have_above) = true;
-    copy_phases(q.e.p, f < 0.0 ? little : much, q.e.m.ld);
-  }
-};
+double width(const Node& a, const Node& b) {
+  return std::fabs(std::log(a.u / b.u));
+}
 
-// All phases that are seen on the two sides, and of four all sets of three: those between them where the unknown
-// stands still, and a phase that is about to appear.
-bool solve_between_sides(Search& q, Sides& sides) {
-  const double u = std::sqrt(sides.below * sides.above);
-  const double range = sides.V_much - sides.V_little;
-  const double part = range > 0.0 ? std::clamp((q.W - sides.V_little) / range, 0.0, 1.0) : 0.5;
-  Phases& joined = sides.joined;
-  if (!join_phases(q.e.m.n, q.e.m.ld, q.e.z, sides.little, sides.much, part, joined)) return false;
-  for (int without = joined.count == kRoom ? 0 : kMostPhases; without < kRoom; ++without) {
-    copy_phases(joined, q.e.p, q.e.m.ld);
-    if (without < joined.count) drop_phase(q.e.p, without);
-    if (move_to(q, u) && solve_at_phases(q, u, q.W) && confirm(q)) return true;
-  }
-  return false;
+void keep_node(const Search& q, double u, double f, Node& node) {
+  node.u = u;
+  node.f = f;
+  copy_phases(q.e.p, node.p, q.e.m.ld);
 }
 
 // Walks that may still fail, from states with two and three phases: they cost more than the state itself.
 struct Walks {
-  int two, three;
+  int two, three, most;
 };
 
-// A state at u: into the sides, and the place to walk from when it has both vapour and liquid.
+// A state at u, into the node, and a walk from there when it has both vapour and liquid.
 enum class Step { solved, missed, failed };
-Step look_at(Search& q, Sides& sides, double u, Walks& walks, double& f) {
+Step look_at(Search& q, double u, Walks& walks, Node& node) {
+  double f = 0.0;
   if (!state_at(q, u, f)) return Step::failed;
-  const bool was_closed = sides.closed();
-  sides.add(q, u, f);
+  keep_node(q, u, f, node);
   for (int detour = 0; detour < kMostDetours; ++detour) {
     int& left = q.e.p.count == kMostPhases ? walks.three : walks.two;
     if (q.e.p.count < 2 || left <= 0) return Step::missed;
-    if (!walk_to_fraction(q, q.u, was_closed ? 1 : kMostWalks)) {
+    if (!walk_to_fraction(q, q.u, walks.most)) {
       --left;
       return Step::missed;
     }
     const double there = q.u;
-    if (confirm(q)) return Step::solved;
+    if (accept(q)) return Step::solved;
     // What is there instead is the next state to walk from.
     if (!state_at(q, there, f)) return Step::missed;
-    sides.add(q, there, f);
   }
   return Step::missed;
 }
 
-constexpr Walks kFailedWalks{1, 3};
+// The phases in q.joined, which two nodes have together, and of four of them all sets of three, where the
+// vapour has its part: between the nodes, where the unknown stands still, or where a phase is about to appear.
+bool solve_joined(Search& q, double u) {
+  for (int without = q.joined.count == kRoom ? 0 : kMostPhases; without < kRoom; ++without) {
+    copy_phases(q.joined, q.e.p, q.e.m.ld);
+    if (without < q.joined.count) drop_phase(q.e.p, without);
+    if (move_to(q, u) && solve_at_phases(q, u, q.W) && accept(q)) return true;
+  }
+  return false;
+}
 
-// From the first guess of the unknown outwards to both sides, until its vapour is crossed.
-StatusCode bracket(Search& q, Sides& sides, Walks& walks) {
+// Whether the phases of a node, led on to where another node is, are those of the other node.
+bool lead_on(Search& q, const Node& from, const Node& to) {
+  Equilibrium& e = q.e;
+  if (!move_to(q, to.u)) return false;
+  copy_phases(from.p, e.p, e.m.ld);
+  StatusCode status = evaluate_phases(e.m, e.z, e.p, e.w, false);
+  if (status != KV_OK || polish_phases(e.m, e.z, e.how, e.p, e.w, status) != Ended::converged) return false;
+  for (int j = 0; j < e.p.count; ++j)
+    if (!same_phase(e.m.n, e.z, e.p.x[j], to.p.x[j], kSameState)) return false;
+  return true;
+}
+
+// Whether something happens between two nodes: the vapour's part is crossed, or the phases that end from one
+// side are others than those that end from the other.
+struct Between {
+  bool crossed = false, changed = false;
+};
+Between look_between(Search& q, const Node& a, const Node& b) {
+  Between there;
+  there.crossed = (a.f < 0.0) != (b.f < 0.0);
+  if (!there.crossed && a.p.count == b.p.count && a.p.count > 1 && a.f + q.W > 0.0)
+    there.changed = !lead_on(q, a, b);
+  return there;
+}
+
+// The phases of both nodes, into q.joined.
+bool join_nodes(Search& q, const Node& a, const Node& b) {
+  const double range = b.V(q.W) - a.V(q.W);
+  const double part = range != 0.0 ? std::clamp((q.W - a.V(q.W)) / range, 0.0, 1.0) : 0.5;
+  return join_phases(q.e.m.n, q.e.m.ld, q.e.z, a.p, b.p, part, q.joined);
+}
+
+// Halves a bracket of the vapour's part until it has no width.
+bool close_in(Search& q, const Node& first, const Node& second) {
+  Node &a = q.between[kDeepest], &b = q.between[kDeepest + 1];
+  const auto copy = [&](const Node& from, Node& to) {
+    to.u = from.u;
+    to.f = from.f;
+    copy_phases(from.p, to.p, q.e.m.ld);
+  };
+  copy(first, a);
+  copy(second, b);
+  for (int k = 0; k < kMostHalvings && width(a, b) > kClosed; ++k) {
+    Walks walks{1, 1, 1};
+    const Step step = look_at(q, std::sqrt(a.u * b.u), walks, q.fresh);
+    if (step == Step::solved) return true;
+    if (step == Step::failed) return false;
+    copy(q.fresh, (q.fresh.f < 0.0) == (a.f < 0.0) ? a : b);
+    if (join_nodes(q, a, b) && solve_joined(q, std::sqrt(a.u * b.u))) return true;
+    if (a.p.count == 1 && b.p.count == 1) return false;  // a fluid that changes its name
+  }
+  return false;
+}
+
+/*
+ * Looks for the point between two nodes: with the phases of both, and on both sides of the middle as long as
+ * something happens there. True: it is in e.p at q.u.
+ */
+bool search_between(Search& q, const Node& a, const Node& b, int depth) {
+  const Between there = look_between(q, a, b);
+  if (!there.crossed && !there.changed) return false;
+  const double middle = std::sqrt(a.u * b.u), narrow = q.of_T ? kNarrowT : kNarrowP;
+  if (join_nodes(q, a, b) && solve_joined(q, middle)) return true;
+  if (depth >= kDeepest || width(a, b) < narrow) return there.crossed && close_in(q, a, b);
+  Walks walks{1, 1, 1};
+  Node& node = q.between[depth];
+  const Step step = look_at(q, middle, walks, node);
+  if (step != Step::missed) return step == Step::solved;
+  return search_between(q, a, node, depth + 1) || search_between(q, node, b, depth + 1);
+}
+
+// From the first guess of the unknown outwards to both sides.
+StatusCode search_from(Search& q, double first) {
   // The vapour's part rises with temperature and falls with pressure, as a rule; beside critical points it need
   // not.
   const double rising = q.of_T ? 1.0 : -1.0;
   const double least = q.of_T ? kLowestT : kLowestP, most = q.of_T ? kHighestT : kHighestP;
   const double longest = q.of_T ? kLongestStepT : kLongestStepP;
-  double f = 0.0, first = q.u, step = kFirstStep;
-  Step step_to = look_at(q, sides, first, walks, f);
+  Walks walks{1, 3, kMostWalks};
+  Step step_to = look_at(q, first, walks, q.outer[0]);
   if (step_to == Step::solved) return KV_OK;
   if (step_to == Step::failed) return q.status > KV_STATUS_CALL_BLOCK ? q.status : StatusCode{KV_NO_START};
-  const double towards = f < 0.0 ? rising : -rising;
-  double ends[] = {first, first};
-  bool open[] = {true, true};
-  for (int k = 0; k < kMostStates && (open[0] || open[1]) && !sides.closed(); ++k) {
+  Node& start = q.outer[1];
+  start.u = first;
+  start.f = q.outer[0].f;
+  copy_phases(q.outer[0].p, start.p, q.e.m.ld);
+  const double towards = start.f < 0.0 ? rising : -rising;
+  double ends[] = {first, first}, step = kFirstStep;
+  int open[] = {kMostFailed, kMostFailed};  // failures that a side may still have
+  for (int k = 0; k < kMostStates && (open[0] > 0 || open[1] > 0); ++k) {
     const int side = k % 2;  // the likely one first
-    if (k > 1 && (side == 0 || !open[0])) step = std::min(kLonger * step, longest);
-    if (!open[side]) continue;
-    const double u = ends[side] * std::exp((side == 0 ? towards : -towards) * step);
-    open[side] = u > least && u < most;
-    if (!open[side]) continue;
+    if (k > 1 && (side == 0 || open[0] == 0)) step = std::min(kLonger * step, longest);
+    if (open[side] == 0) continue;
+    const double way = side == 0 ? towards : -towards;
+    const double u = ends[side] * std::exp(way * step);
+    if (!(u > least && u < most)) {
+      open[side] = 0;
+      continue;
+    }
     ends[side] = u;
-    step_to = look_at(q, sides, u, walks, f);
+    Node& outer = q.outer[side];
+    step_to = look_at(q, u, walks, q.fresh);
     if (step_to == Step::solved) return KV_OK;
+    if (step_to == Step::failed) {
+      if (q.status > KV_STATUS_CALL_BLOCK) return q.status;
+      --open[side];
+      continue;
+    }
     // All vapour on the way to more of it: there is nothing further on this side.
-    const bool to_vapour = ((side == 0 ? towards : -towards) > 0.0) == (rising > 0.0);
-    open[side] = step_to != Step::failed && !(to_vapour && q.e.p.count == 1 && q.e.gas);
+    if (way * rising > 0.0 && q.fresh.p.count == 1 && q.e.gas) open[side] = 0;
+    Node& next = q.between[0];
+    std::swap(next, q.fresh);
+    if (search_between(q, outer, next, 1)) return KV_OK;
+    std::swap(outer, next);
   }
   return KV_NO_SATURATION;
 }
 
-// Between the sides, with a look from each state.
-StatusCode close_in(Search& q, Sides& sides) {
-  double f = 0.0;
-  for (int k = 0; k < kMostHalvings; ++k) {
-    if (std::fabs(sides.below - sides.above) <= kClosed * sides.above) return KV_NO_SATURATION;
-    if (solve_between_sides(q, sides)) return KV_OK;
-    Walks walks{1, 1};
-    const Step step = look_at(q, sides, std::sqrt(sides.below * sides.above), walks, f);
-    if (step == Step::solved) return KV_OK;
-    if (step == Step::failed) return q.status;
-  }
-  return KV_NOT_CONVERGED;
-}
-
-StatusCode search(Search& q, Sides& sides) {
+StatusCode search(Search& q) {
   // From the two-phase point; and where that ends at a fluid that changes its name, from an ordinary state.
   const double usual[] = {q.of_T ? kDefaultT : kDefaultP, q.of_T ? 200.0 : 10.0, q.of_T ? 450.0 : 100.0};
   const double starts[] = {q.u, usual[0], usual[1], usual[2]};
-  StatusCode status = KV_NO_SATURATION;
   int tried = 0;
   for (const double start : starts) {
     // Two whole searches are enough; one that could not even begin was none.
     if (tried >= 2) break;
-    sides.have_below = sides.have_above = false;
-    q.u = start;
-    Walks walks = kFailedWalks;
-    status = bracket(q, sides, walks);
-    if (status != KV_OK && sides.closed()) status = close_in(q, sides);
+    const StatusCode status = search_from(q, start);
     if (status == KV_OK || status > KV_STATUS_CALL_BLOCK) return status;
     tried += status == KV_NO_START ? 0 : 1;
   }
-  return status == KV_NOT_CONVERGED ? status : StatusCode{KV_NO_SATURATION};
+  return KV_NO_SATURATION;
 }
 
 // The answer of the two-phase flash into e.p. KV_OK, or why there is none.
@@ -279,25 +349,26 @@ StatusCode write_answer(Search& q) {
 }
 
 // Solutions start from where the caller or the two-phase flash says.
-StatusCode solve(Search& q, Sides& sides) {
+StatusCode solve(Search& q) {
   const ThreeQualityCall& c = q.call;
   const bool given = c.estimate && *c.unknown > 0.0 && take_estimate(c.out, q.e);
   if (given) {
     q.u = *c.unknown;
     if (move_to(q, q.u) && evaluate_phases(q.e.m, q.e.z, q.e.p, q.e.w, false) == KV_OK &&
-        solve_at_phases(q, q.u, q.W) && confirm(q))
+        solve_at_phases(q, q.u, q.W) && std::fabs(std::log(q.u / *c.unknown)) < (q.of_T ? kNearT : kNearP) &&
+        accept(q))
       return KV_OK;
   }
   const StatusCode status = two_phase_point(q);
   if (status == KV_OK) {
-    if (confirm(q)) return KV_OK;
+    if (accept(q)) return KV_OK;
     if (q.status != KV_OK) return q.status;
   } else if (status > KV_STATUS_CALL_BLOCK) {
     return status;
   } else {
     q.u = *c.unknown > 0.0 ? *c.unknown : q.of_T ? kDefaultT : kDefaultP;
   }
-  return search(q, sides);
+  return search(q);
 }
 
 // ---- a single component ----
@@ -327,7 +398,7 @@ StatusCode single_component(const ThreeQualityCall& c) {
 StatusCode with_search(const ThreeQualityCall& c, support::Arena& arena, support::Arena& model_arena) {
   const int n = c.mixture->count, ld = support::padded(n);
   support::TraceWriter silent(false, 0);
-  Search q{c, {}, {}, 0.0, true, 0.0, KV_OK, {}, {}};
+  Search q{c, {}, {}, 0.0, true, 0.0, KV_OK, {}, {}, {}, {}, {}, {}};
   q.W = std::clamp(c.W, 0.0, 1.0);
   q.of_T = c.find == flash::Find::temperature;
   q.s.e = &q.e;
@@ -335,13 +406,14 @@ StatusCode with_search(const ThreeQualityCall& c, support::Arena& arena, support
   q.s.wanted = q.W;
   q.s.find_pressure = !q.of_T;
   take_specified(arena, n, ld, q.s);
-  Sides sides;
-  for (Phases* p : {&q.reached, &q.incipient, &sides.little, &sides.much, &sides.joined}) take_phases(arena, ld, *p);
+  for (Phases* p : {&q.reached, &q.incipient, &q.joined, &q.outer[0].p, &q.outer[1].p, &q.fresh.p})
+    take_phases(arena, ld, *p);
+  for (Node& node : q.between) take_phases(arena, ld, node.p);
   const double start = *c.unknown > 0.0 ? *c.unknown : q.of_T ? kDefaultT : kDefaultP;
   const StatusCode opened = open_equilibrium({T_of(q, start), P_of(q, start), c.z, c.mixture, c.routines}, 1,
                                              model_arena, silent, q.e);
   if (opened != KV_OK) return opened;
-  const StatusCode status = solve(q, sides);
+  const StatusCode status = solve(q);
   return status == KV_OK ? write_answer(q) : status;
 }
 
@@ -352,7 +424,7 @@ StatusCode three_quality_flash(const ThreeQualityCall& c) {
   if (const StatusCode bad = check_sum(c.z, *c.mixture); bad != KV_OK) return bad;
   if (flash::single_component(n, c.z, flash::pure_tolerance(*c.mixture)) >= 0) return single_component(c);
   if (c.free_water) return three_quality_free_water(c);
-  return support::with_arena<6, 60>(n, [&](support::Arena& arena) {
+  return support::with_arena<6, 180>(n, [&](support::Arena& arena) {
     return support::with_arena<12, 80>(n, [&](support::Arena& model) { return with_search(c, arena, model); });
   });
 }
