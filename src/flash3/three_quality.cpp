@@ -24,6 +24,7 @@ constexpr double kClosed = 1e-12;      // width of a bracket that is an answer
 constexpr double kSameState = 1e-8;    // sum of (x - y)^2/(x + y)
 constexpr int kDeepest = 10, kMostFailed = 3;
 constexpr double kNarrowT = 3e-4, kNarrowP = 3e-3;  // ln u: a change of phases is resolved to here
+constexpr double kShortT = 0.01, kShortP = 0.05;    // ln u: phases that lead on over it are the same
 constexpr double kNearT = 0.02, kNearP = 0.3;       // ln u: an estimate leads no further than here
 constexpr double kDefaultT = 298.15, kDefaultP = 1.0;
 constexpr double kLowestT = 40.0, kHighestT = 2000.0, kLowestP = 1e-6, kHighestP = 1e4;
@@ -201,16 +202,29 @@ bool lead_on(Search& q, const Node& from, const Node& to) {
   return true;
 }
 
+// Part of the least densely packed phase of a node, whatever it is called.
+double lightest_part(const Search& q, const Node& node) {
+  int v = 0;
+  for (int j = 1; j < node.p.count; ++j)
+    if (flash::lighter(*q.e.m.mixture, node.p.x[j], node.p.Z[j], node.p.x[v], node.p.Z[v])) v = j;
+  return node.p.amount[v];
+}
+
 // Whether something happens between two nodes: the vapour's part is crossed, or the phases that end from one
-// side are others than those that end from the other.
+// side are others than those that end from the other. A vapour that only changes its name crosses nothing.
 struct Between {
   bool crossed = false, changed = false;
 };
 Between look_between(Search& q, const Node& a, const Node& b) {
   Between there;
   there.crossed = (a.f < 0.0) != (b.f < 0.0);
-  if (!there.crossed && a.p.count == b.p.count && a.p.count > 1 && a.f + q.W > 0.0)
-    there.changed = !lead_on(q, a, b);
+  const bool alike = a.p.count == b.p.count && a.p.count > 1;
+  if (there.crossed && alike && width(a, b) < (q.of_T ? kShortT : kShortP)) {
+    const bool below = lightest_part(q, a) < q.W;
+    there.crossed = below != (lightest_part(q, b) < q.W) || !lead_on(q, a, b) || !lead_on(q, b, a);
+  } else if (!there.crossed && alike && a.f + q.W > 0.0) {
+    there.changed = !lead_on(q, a, b) || !lead_on(q, b, a);
+  }
   return there;
 }
 
