@@ -20,8 +20,10 @@ constexpr int kMostWalks = 12, kMostDetours = 3, kMostHalvings = 45;
 constexpr double kShortestWalk = 1e-4, kShorter = 0.3;
 constexpr double kFirstStep = 0.02, kLonger = 1.6, kLongestStepT = 0.06,
                  kLongestStepP = 0.3;  // in ln of the unknown
-constexpr double kClosed = 1e-12;      // width of a bracket that is an answer
+constexpr double kClosed = 1e-8;       // ln u: a bracket of this width holds nothing
 constexpr double kSameState = 1e-8;    // sum of (x - y)^2/(x + y)
+constexpr double kSameZ = 0.25;        // ln Z of a vapour that is the same on both sides of a step
+constexpr int kMostChanges = 60;       // states that are looked at for no more than other phases
 constexpr int kDeepest = 10, kMostFailed = 3;
 constexpr double kNarrowT = 3e-4, kNarrowP = 3e-3;  // ln u: a change of phases is resolved to here
 constexpr double kShortT = 0.01, kShortP = 0.05;    // ln u: phases that lead on over it are the same
@@ -50,6 +52,7 @@ struct Search {
   // The outermost nodes to both sides, the next one, and those between two of them, by depth; the last two are
   // the ends of a bracket that closes.
   Node outer[2], fresh, between[kDeepest + 2];
+  int changes = kMostChanges;
 };
 
 double T_of(const Search& q, double u) {
@@ -202,12 +205,12 @@ bool lead_on(Search& q, const Node& from, const Node& to) {
   return true;
 }
 
-// Part of the least densely packed phase of a node, whatever it is called.
-double lightest_part(const Search& q, const Node& node) {
+// The least densely packed phase of a node, whatever it is called.
+int lightest_of(const Search& q, const Phases& p) {
   int v = 0;
-  for (int j = 1; j < node.p.count; ++j)
-    if (flash::lighter(*q.e.m.mixture, node.p.x[j], node.p.Z[j], node.p.x[v], node.p.Z[v])) v = j;
-  return node.p.amount[v];
+  for (int j = 1; j < p.count; ++j)
+    if (flash::lighter(*q.e.m.mixture, p.x[j], p.Z[j], p.x[v], p.Z[v])) v = j;
+  return v;
 }
 
 // Whether something happens between two nodes: the vapour's part is crossed, or the phases that end from one
@@ -218,12 +221,17 @@ struct Between {
 Between look_between(Search& q, const Node& a, const Node& b) {
   Between there;
   there.crossed = (a.f < 0.0) != (b.f < 0.0);
-  const bool alike = a.p.count == b.p.count && a.p.count > 1;
-  if (there.crossed && alike && width(a, b) < (q.of_T ? kShortT : kShortP)) {
-    const bool below = lightest_part(q, a) < q.W;
-    there.crossed = below != (lightest_part(q, b) < q.W) || !lead_on(q, a, b) || !lead_on(q, b, a);
-  } else if (!there.crossed && alike && a.f + q.W > 0.0) {
-    there.changed = !lead_on(q, a, b) || !lead_on(q, b, a);
+  if (a.p.count != b.p.count || a.p.count < 2) return there;
+  const bool close = width(a, b) < (q.of_T ? kShortT : kShortP);
+  const int va = lightest_of(q, a.p), vb = lightest_of(q, b.p);
+  if (there.crossed && close) {
+    const bool below = a.p.amount[va] < q.W;
+    there.crossed = below != (b.p.amount[vb] < q.W) || !lead_on(q, a, b) || !lead_on(q, b, a);
+  } else if (!there.crossed && a.f + q.W > 0.0) {
+    // A dense fluid may end in a gas without another phase in between, or with one, from which each of them
+    // leads on to the other.
+    const double apart = std::fabs(std::log(a.p.Z[va] / b.p.Z[vb]));
+    there.changed = !(apart < kSameZ) || !lead_on(q, a, b) || !lead_on(q, b, a);
   }
   return there;
 }
@@ -263,9 +271,10 @@ bool close_in(Search& q, const Node& first, const Node& second) {
  */
 bool search_between(Search& q, const Node& a, const Node& b, int depth) {
   const Between there = look_between(q, a, b);
-  if (!there.crossed && !there.changed) return false;
+  if (!there.crossed && !(there.changed && q.changes-- > 0)) return false;
   const double middle = std::sqrt(a.u * b.u), narrow = q.of_T ? kNarrowT : kNarrowP;
-  if (join_nodes(q, a, b) && solve_joined(q, middle)) return true;
+  const bool close = width(a, b) < (q.of_T ? kShortT : kShortP);
+  if (join_nodes(q, a, b) && (close || q.joined.count < kRoom) && solve_joined(q, middle)) return true;
   if (depth >= kDeepest || width(a, b) < narrow) return there.crossed && close_in(q, a, b);
   Walks walks{1, 1, 1};
   Node& node = q.between[depth];
@@ -322,18 +331,11 @@ StatusCode search_from(Search& q, double first) {
 }
 
 StatusCode search(Search& q) {
-  // From the two-phase point; and where that ends at a fluid that changes its name, from an ordinary state.
+  // From the two-phase point; where a search cannot even begin, from an ordinary state. One covers the range.
   const double usual[] = {q.of_T ? kDefaultT : kDefaultP, q.of_T ? 200.0 : 10.0, q.of_T ? 450.0 : 100.0};
-  const double starts[] = {q.u, usual[0], usual[1], usual[2]};
-  int tried = 0;
-  for (const double start : starts) {
-    // Two whole searches are enough; one that could not even begin was none.
-    if (tried >= 2) break;
-    const StatusCode status = search_from(q, start);
-    if (status == KV_OK || status > KV_STATUS_CALL_BLOCK) return status;
-    tried += status == KV_NO_START ? 0 : 1;
-  }
-  return KV_NO_SATURATION;
+  StatusCode status = search_from(q, q.u);
+  for (int k = 0; k < 3 && status == KV_NO_START; ++k) status = search_from(q, usual[k]);
+  return status == KV_NO_START ? StatusCode{KV_NO_SATURATION} : status;
 }
 
 // The answer of the two-phase flash into e.p. KV_OK, or why there is none.
@@ -380,7 +382,7 @@ StatusCode solve(Search& q) {
   } else if (status > KV_STATUS_CALL_BLOCK) {
     return status;
   } else {
-    q.u = *c.unknown > 0.0 ? *c.unknown : q.of_T ? kDefaultT : kDefaultP;
+    q.u = q.of_T ? kDefaultT : kDefaultP;  // whatever the caller gave: the answer is not to depend on it
   }
   return search(q);
 }
@@ -423,7 +425,7 @@ StatusCode with_search(const ThreeQualityCall& c, support::Arena& arena, support
   for (Phases* p : {&q.reached, &q.incipient, &q.joined, &q.outer[0].p, &q.outer[1].p, &q.fresh.p})
     take_phases(arena, ld, *p);
   for (Node& node : q.between) take_phases(arena, ld, node.p);
-  const double start = *c.unknown > 0.0 ? *c.unknown : q.of_T ? kDefaultT : kDefaultP;
+  const double start = q.of_T ? kDefaultT : kDefaultP;
   const StatusCode opened = open_equilibrium({T_of(q, start), P_of(q, start), c.z, c.mixture, c.routines}, 1,
                                              model_arena, silent, q.e);
   if (opened != KV_OK) return opened;
