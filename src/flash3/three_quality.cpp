@@ -224,14 +224,14 @@ Between look_between(Search& q, const Node& a, const Node& b) {
   if (a.p.count != b.p.count || a.p.count < 2) return there;
   const bool close = width(a, b) < (q.of_T ? kShortT : kShortP);
   const int va = lightest_of(q, a.p), vb = lightest_of(q, b.p);
-  if (there.crossed && close) {
+  // A dense fluid may end in a gas without another phase in between, or with one, from which each of them leads
+  // on to the other.
+  const bool alike = std::fabs(std::log(a.p.Z[va] / b.p.Z[vb])) < kSameZ;
+  if (there.crossed && close && alike) {
     const bool below = a.p.amount[va] < q.W;
     there.crossed = below != (b.p.amount[vb] < q.W) || !lead_on(q, a, b) || !lead_on(q, b, a);
   } else if (!there.crossed && a.f + q.W > 0.0) {
-    // A dense fluid may end in a gas without another phase in between, or with one, from which each of them
-    // leads on to the other.
-    const double apart = std::fabs(std::log(a.p.Z[va] / b.p.Z[vb]));
-    there.changed = !(apart < kSameZ) || !lead_on(q, a, b) || !lead_on(q, b, a);
+    there.changed = !alike || !lead_on(q, a, b) || !lead_on(q, b, a);
   }
   return there;
 }
