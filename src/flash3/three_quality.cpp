@@ -156,9 +156,10 @@ void keep_node(const Search& q, double u, double f, Node& node) {
   copy_phases(q.e.p, node.p, q.e.m.ld);
 }
 
-// Walks that may still fail, from states with two and three phases: they cost more than the state itself.
+// Walks that may still fail, from states with two and three phases, and their steps: they cost more than the
+// state itself.
 struct Walks {
-  int two, three, most;
+  int two, three, steps_two, steps_three;
 };
 
 // A state at u, into the node, and a walk from there when it has both vapour and liquid.
@@ -168,9 +169,10 @@ Step look_at(Search& q, double u, Walks& walks, Node& node) {
   if (!state_at(q, u, f)) return Step::failed;
   keep_node(q, u, f, node);
   for (int detour = 0; detour < kMostDetours; ++detour) {
-    int& left = q.e.p.count == kMostPhases ? walks.three : walks.two;
+    const bool three = q.e.p.count == kMostPhases;
+    int& left = three ? walks.three : walks.two;
     if (q.e.p.count < 2 || left <= 0) return Step::missed;
-    if (!walk_to_fraction(q, q.u, walks.most)) {
+    if (!walk_to_fraction(q, q.u, three ? walks.steps_three : walks.steps_two)) {
       --left;
       return Step::missed;
     }
@@ -221,17 +223,17 @@ struct Between {
 Between look_between(Search& q, const Node& a, const Node& b) {
   Between there;
   there.crossed = (a.f < 0.0) != (b.f < 0.0);
-  if (a.p.count != b.p.count || a.p.count < 2) return there;
-  const bool close = width(a, b) < (q.of_T ? kShortT : kShortP);
+  if (a.p.count < 2 || b.p.count < 2) return there;
+  const bool close = width(a, b) < (q.of_T ? kShortT : kShortP), same_number = a.p.count == b.p.count;
   const int va = lightest_of(q, a.p), vb = lightest_of(q, b.p);
   // A dense fluid may end in a gas without another phase in between, or with one, from which each of them leads
   // on to the other.
   const bool alike = std::fabs(std::log(a.p.Z[va] / b.p.Z[vb])) < kSameZ;
-  if (there.crossed && close && alike) {
+  if (there.crossed && close && alike && same_number) {
     const bool below = a.p.amount[va] < q.W;
     there.crossed = below != (b.p.amount[vb] < q.W) || !lead_on(q, a, b) || !lead_on(q, b, a);
   } else if (!there.crossed && a.f + q.W > 0.0) {
-    there.changed = !alike || !lead_on(q, a, b) || !lead_on(q, b, a);
+    there.changed = !alike || (same_number && (!lead_on(q, a, b) || !lead_on(q, b, a)));
   }
   return there;
 }
@@ -254,7 +256,7 @@ bool close_in(Search& q, const Node& first, const Node& second) {
   copy(first, a);
   copy(second, b);
   for (int k = 0; k < kMostHalvings && width(a, b) > kClosed; ++k) {
-    Walks walks{1, 1, 1};
+    Walks walks{1, 1, 1, 1};
     const Step step = look_at(q, std::sqrt(a.u * b.u), walks, q.fresh);
     if (step == Step::solved) return true;
     if (step == Step::failed) return false;
@@ -276,7 +278,7 @@ bool search_between(Search& q, const Node& a, const Node& b, int depth) {
   const bool close = width(a, b) < (q.of_T ? kShortT : kShortP);
   if (join_nodes(q, a, b) && (close || q.joined.count < kRoom) && solve_joined(q, middle)) return true;
   if (depth >= kDeepest || width(a, b) < narrow) return there.crossed && close_in(q, a, b);
-  Walks walks{1, 1, 1};
+  Walks walks{1, 1, 1, kMostWalks};
   Node& node = q.between[depth];
   const Step step = look_at(q, middle, walks, node);
   if (step != Step::missed) return step == Step::solved;
@@ -290,7 +292,7 @@ StatusCode search_from(Search& q, double first) {
   const double rising = q.of_T ? 1.0 : -1.0;
   const double least = q.of_T ? kLowestT : kLowestP, most = q.of_T ? kHighestT : kHighestP;
   const double longest = q.of_T ? kLongestStepT : kLongestStepP;
-  Walks walks{1, 3, kMostWalks};
+  Walks walks{1, 3, kMostWalks, kMostWalks};
   Step step_to = look_at(q, first, walks, q.outer[0]);
   if (step_to == Step::solved) return KV_OK;
   if (step_to == Step::failed) return q.status > KV_STATUS_CALL_BLOCK ? q.status : StatusCode{KV_NO_START};
