@@ -23,11 +23,12 @@ constexpr double kFirstStep = 0.02, kLonger = 1.6, kLongestStepT = 0.06,
 constexpr double kClosed = 1e-8;       // ln u: a bracket of this width holds nothing
 constexpr double kSameState = 1e-8;    // sum of (x - y)^2/(x + y)
 constexpr double kSameZ = 0.25;        // ln Z of a vapour that is the same on both sides of a step
+constexpr double kLargeChange = 0.1;   // of the vapour's part where a liquid appears
 constexpr int kMostChanges = 60;       // states that are looked at for no more than other phases
 constexpr int kDeepest = 10, kMostFailed = 3;
-constexpr double kNarrowT = 3e-4, kNarrowP = 3e-3;  // ln u: a change of phases is resolved to here
-constexpr double kShortT = 0.01, kShortP = 0.05;    // ln u: phases that lead on over it are the same
-constexpr double kNearT = 0.02, kNearP = 0.3;       // ln u: an estimate leads no further than here
+constexpr double kNarrow = 3e-4;                  // ln u: a change of phases is resolved to here
+constexpr double kShortT = 0.01, kShortP = 0.05;  // ln u: phases that lead on over it are the same
+constexpr double kNearT = 0.02, kNearP = 0.3;     // ln u: an estimate leads no further than here
 constexpr double kDefaultT = 298.15, kDefaultP = 1.0;
 constexpr double kLowestT = 40.0, kHighestT = 2000.0, kLowestP = 1e-6, kHighestP = 1e4;
 
@@ -233,7 +234,8 @@ Between look_between(Search& q, const Node& a, const Node& b) {
     const bool below = a.p.amount[va] < q.W;
     there.crossed = below != (b.p.amount[vb] < q.W) || !lead_on(q, a, b) || !lead_on(q, b, a);
   } else if (!there.crossed && a.f + q.W > 0.0) {
-    there.changed = !alike || (same_number && (!lead_on(q, a, b) || !lead_on(q, b, a)));
+    there.changed =
+        !alike || (same_number ? !lead_on(q, a, b) || !lead_on(q, b, a) : std::fabs(a.f - b.f) > kLargeChange);
   }
   return there;
 }
@@ -274,10 +276,10 @@ bool close_in(Search& q, const Node& first, const Node& second) {
 bool search_between(Search& q, const Node& a, const Node& b, int depth) {
   const Between there = look_between(q, a, b);
   if (!there.crossed && !(there.changed && q.changes-- > 0)) return false;
-  const double middle = std::sqrt(a.u * b.u), narrow = q.of_T ? kNarrowT : kNarrowP;
+  const double middle = std::sqrt(a.u * b.u);
   const bool close = width(a, b) < (q.of_T ? kShortT : kShortP);
   if (join_nodes(q, a, b) && (close || q.joined.count < kRoom) && solve_joined(q, middle)) return true;
-  if (depth >= kDeepest || width(a, b) < narrow) return there.crossed && close_in(q, a, b);
+  if (depth >= kDeepest || width(a, b) < kNarrow) return there.crossed && close_in(q, a, b);
   Walks walks{1, 1, 1, kMostWalks};
   Node& node = q.between[depth];
   const Step step = look_at(q, middle, walks, node);
