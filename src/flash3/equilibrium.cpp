@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "flash/accept.hpp"
 #include "flash/feed.hpp"
 #include "support/mathkernels.hpp"
 
@@ -14,10 +15,11 @@ namespace kestrune::flash3 {
 namespace {
 
 constexpr int kMostRounds = 12;
+constexpr int kRoundsOfFour = 4, kPassesOfFour = 40, kFirstPasses = 5;  // with four phases
 constexpr double kLowerGibbs = 1e-13;
 // Tangent-plane distance from which on a phase is missing; and from which on, though no amount of it can be
 // found.
-constexpr double kCut = -1e-9, kClearlyCut = -5e-9;
+constexpr double kCut = -1e-9, kClearlyCut = -8e-9;
 constexpr double kLoose = 1e-9;  // difference of ln fugacities that is left to do
 constexpr double kNoAmount = 1e-13;
 constexpr double kFirstAmount = 0.1;  // of a phase that is added
@@ -112,6 +114,12 @@ StatusCode settle(Equilibrium& e, bool patient) {
   }
 }
 
+// Phases of any number brought to equilibrium and tested.
+StatusCode settle_any(Equilibrium& e) {
+  if (e.p.count == kMostPhases) return settle(e, true);
+  return e.p.count == 2 ? finish_two(e) : two_phases(e, false);
+}
+
 // Adds what cuts e.p to it. Two phases become three, and one becomes two.
 StatusCode add_phase(Equilibrium& e, bool patient) {
   Phases& p = e.p;
@@ -121,28 +129,101 @@ StatusCode add_phase(Equilibrium& e, bool patient) {
   return p.count == 3 ? settle(e, patient) : finish_two(e);
 }
 
-// Keeps e.p with its test when it is lower than e.best.
-void keep_if_lower(Equilibrium& e, bool& improved, bool& cut) {
-  if (!(e.p.gibbs < e.best.gibbs - kLowerGibbs)) return;
-  copy_phases(e.p, e.best, e.m.ld);
-  std::copy_n(e.cut, e.m.n, e.best_cut);
-  cut = e.third.found;
-  improved = true;
+// The answer of three phases and what cuts it, into e.p.
+void put_four(Equilibrium& e) {
+  Phases& p = e.p;
+  copy_phases(e.answer, p, e.m.ld);
+  for (int j = 0; j < kMostPhases; ++j) p.amount[j] *= 1.0 - kFirstAmount;
+  set_phase(e, kMostPhases, e.added, kFirstAmount, p);
+  p.count = kRoom;
 }
+
+// The best of several attempts at an answer lower than e.answer.
+struct Attempts {
+  Equilibrium& e;
+  bool improved = false, cut = true;
+  double distance = 0.0;
+
+  explicit Attempts(Equilibrium& equilibrium) : e(equilibrium) { copy_phases(e.answer, e.best, e.m.ld); }
+  void settle_next() {
+    if (settle_any(e) != KV_OK || !(e.p.gibbs < e.best.gibbs - kLowerGibbs)) return;
+    copy_phases(e.p, e.best, e.m.ld);
+    std::copy_n(e.cut, e.m.n, e.best_cut);
+    cut = e.third.found;
+    distance = e.third.distance;
+    improved = true;
+  }
+  StatusCode take_best() {
+    copy_phases(e.best, e.p, e.m.ld);
+    std::copy_n(e.best_cut, e.m.n, e.cut);
+    e.third.found = cut;
+    e.third.distance = distance;
+    return improved ? KV_OK : KV_NOT_CONVERGED;
+  }
+};
 
 // Three phases that are cut: what cuts takes the place of each in turn, and the lowest stands.
 StatusCode replace_phase(Equilibrium& e) {
-  copy_phases(e.answer, e.best, e.m.ld);
-  bool improved = false, cut = true;
+  Attempts attempts(e);
   for (int j = 0; j < kMostPhases; ++j) {
     copy_phases(e.answer, e.p, e.m.ld);
     set_phase(e, j, e.added, e.answer.amount[j], e.p);
-    if (settle(e, true) == KV_OK) keep_if_lower(e, improved, cut);
+    attempts.settle_next();
   }
-  copy_phases(e.best, e.p, e.m.ld);
-  std::copy_n(e.best_cut, e.m.n, e.cut);
-  e.third.found = cut;
-  return improved ? KV_OK : KV_NOT_CONVERGED;
+  return attempts.take_best();
+}
+
+// The same with all pairs of the four.
+StatusCode try_pairs(Equilibrium& e) {
+  Attempts attempts(e);
+  for (int j = 1; j < kRoom; ++j)
+    for (int k = 0; k < j; ++k) {
+      put_four(e);
+      drop_phase(e.p, j);
+      drop_phase(e.p, k);
+      attempts.settle_next();
+    }
+  return attempts.take_best();
+}
+
+// Substitutions of four phases in e.p; one that the convex split leaves no amount of is taken out.
+StatusCode substitute_four(Equilibrium& e, const PhasesWork& w) {
+  Phases& p = e.p;
+  StatusCode status = evaluate_phases(e.m, e.z, p, w, false);
+  for (int pass = 0; pass < kPassesOfFour && status == KV_OK; ++pass) {
+    if (!split_between(e.m.n, e.z, p, w)) return KV_NOT_FINITE;
+    for (int j = p.count - 1; j >= 0 && pass >= kFirstPasses; --j)
+      if (p.amount[j] <= kNoAmount && p.count > 1) drop_phase(p, j);
+    status = evaluate_phases(e.m, e.z, p, w, false);
+    if (p.count <= kMostPhases) break;
+  }
+  return status;
+}
+
+/*
+ * Three phases that are cut together with what cuts them: the convex split takes out the one that the others
+ * leave no amount of, whichever that is, or Newton's method does. KV_OK: what is left was settled and tested.
+ * KV_FOURTH_PHASE: all four stay.
+ */
+StatusCode settle_four(Equilibrium& e) {
+  Phases& p = e.p;
+  put_four(e);
+  Ended ended = Ended::damped;
+  const StatusCode status = support::with_arena<14, 40>(e.m.n, [&](support::Arena& arena) {
+    PhasesWork w;
+    take_work(arena, e.m.n, e.m.ld, kRoom, w);
+    StatusCode found = KV_OK;
+    for (int round = 0; round < kRoundsOfFour && found == KV_OK; ++round) {
+      found = substitute_four(e, w);
+      if (found != KV_OK || p.count <= kMostPhases) break;
+      ended = polish_phases(e.m, e.z, e.how, p, w, found);
+      if (ended != Ended::damped || p.count <= kMostPhases) break;
+    }
+    return found;
+  });
+  if (status != KV_OK) return status;
+  if (p.count <= kMostPhases) return settle_any(e);
+  return ended == Ended::converged ? KV_FOURTH_PHASE : KV_NOT_CONVERGED;
 }
 
 // The solver's own starts, when nothing better leads anywhere.
@@ -169,6 +250,8 @@ StatusCode improve(Equilibrium& e) {
     StatusCode status = KV_NOT_CONVERGED;
     if (e.p.count == kMostPhases) {
       status = replace_phase(e);
+      if (!lower(status)) status = settle_four(e);
+      if (status != KV_FOURTH_PHASE && !lower(status)) status = try_pairs(e);
     } else {
       status = add_phase(e, false);
       if (!lower(status)) {  // a small phase may have been taken for a vanished one
@@ -177,14 +260,25 @@ StatusCode improve(Equilibrium& e) {
         status = add_phase(e, true);
       }
     }
-    if (!lower(status)) status = from_own_starts(e);
+    if (status != KV_FOURTH_PHASE && !lower(status)) status = from_own_starts(e);
     if (status != KV_OK) {
       copy_phases(e.answer, e.p, e.m.ld);
+      e.third.distance = distance;
       if (distance > std::min(kClearlyCut, -flash::host_slack(e.m, e.how.settings))) return KV_OK;
-      return e.p.count == kMostPhases ? StatusCode{KV_FOURTH_PHASE} : status;
+      return status;
     }
   }
   return e.third.found ? KV_NOT_CONVERGED : KV_OK;
+}
+
+// What does not pass is no answer; the solver's own starts are the last resort.
+StatusCode leave(Equilibrium& e, StatusCode status) {
+  if (status != KV_OK || accept(e)) return status;
+  copy_phases(e.p, e.answer, e.m.ld);
+  e.answer.gibbs = 1e300;
+  status = from_own_starts(e);
+  if (status == KV_OK) status = improve(e);
+  return status != KV_OK || accept(e) ? status : StatusCode{KV_NOT_CONVERGED};
 }
 
 }  // namespace
@@ -200,7 +294,7 @@ StatusCode open_equilibrium(const EquilibriumCall& call, int order, support::Are
   take_phases(arena, ld, e.p);
   take_phases(arena, ld, e.best);
   take_phases(arena, ld, e.answer);
-  take_work(arena, n, ld, e.w);
+  take_work(arena, n, ld, kMostPhases, e.w);
   e.how.settings = flash::copy_settings(*call.mixture);
   e.how.trace = &trace;
   e.arena = &arena;
@@ -224,7 +318,7 @@ StatusCode set_conditions(double T, double P, Equilibrium& e) {
 StatusCode find_equilibrium(Equilibrium& e) {
   e.how.index = 4;
   const StatusCode status = two_phases(e, false);
-  return status == KV_OK ? improve(e) : status;
+  return leave(e, status == KV_OK ? improve(e) : status);
 }
 
 StatusCode find_equilibrium_from(Equilibrium& e) {
@@ -232,7 +326,8 @@ StatusCode find_equilibrium_from(Equilibrium& e) {
   e.how.index = 0;
   if (e.p.count == 3) status = settle(e, false);
   if (e.p.count == 2 && status != KV_OK) status = finish_two(e);
-  return status == KV_OK ? improve(e) : find_equilibrium(e);
+  if (status == KV_OK) status = improve(e);
+  return status == KV_FOURTH_PHASE || (status == KV_OK && accept(e)) ? status : find_equilibrium(e);
 }
 
 StatusCode test_equilibrium(Equilibrium& e) {
@@ -240,6 +335,17 @@ StatusCode test_equilibrium(Equilibrium& e) {
   const StatusCode status = flash::phases_stability(isothermal_call(e), e.p.count, e.p.x);
   weigh_cut(e);
   return status;
+}
+
+bool accept(const Equilibrium& e) {
+  const double owed = std::max(flash::kOwedFugacity, flash::host_slack(e.m, e.how.settings));
+  const Phases& p = e.p;
+  if (!flash::is_split(e.m.n, e.z, p.count, p.amount, p.x)) return false;
+  for (int j = 0; j < p.count; ++j)
+    for (int k = 0; k < j; ++k)
+      if (!(flash::fugacity_gap(e.m.n, e.z, {p.x[k], p.ln_phi[k]}, {p.x[j], p.ln_phi[j]}) <= owed))
+        return false;
+  return !e.third.found || e.third.distance > kClearlyCut;
 }
 
 int lightest_phase(const Equilibrium& e) {

@@ -58,6 +58,12 @@ StatusCode find_equilibrium_from(Equilibrium& e);
 /* Tests the answer e.p of one to three phases: e.third.found when something cuts its tangent plane. */
 StatusCode test_equilibrium(Equilibrium& e);
 
+/*
+ * The gate of every answer: the feed is split among e.p to the precision that is owed, the fugacities that were
+ * last evaluated are equal between all phases, and nothing cuts their tangent plane, as the last test said.
+ */
+bool accept(const Equilibrium& e);
+
 /* Index of the least densely packed phase of e.p. */
 int lightest_phase(const Equilibrium& e);
 

@@ -35,7 +35,7 @@ struct SplitFunction {
       if (z[i] > 0.0) f -= z[i] * support::fast_log(sum(a, i));
     return f;
   }
-  void derivatives(const double* a, double* g, double (*H)[kMostPhases]) const {
+  void derivatives(const double* a, double* g, double (*H)[kRoom]) const {
     for (int j = 0; j < count; ++j) {
       g[j] = 1.0;
       for (int k = 0; k <= j; ++k) H[j][k] = 0.0;
@@ -56,9 +56,9 @@ struct SplitFunction {
 
 // Newton step d of the phases that are free; the others stay. Gaussian elimination with a little on the
 // diagonal.
-void free_step(int count, const bool* is_free, const double* g, const double (*H)[kMostPhases], double* d) {
-  double A[kMostPhases][kMostPhases + 1];
-  int index[kMostPhases], size = 0;
+void free_step(int count, const bool* is_free, const double* g, const double (*H)[kRoom], double* d) {
+  double A[kRoom][kRoom + 1];
+  int index[kRoom], size = 0;
   for (int j = 0; j < count; ++j) {
     d[j] = 0.0;
     if (is_free[j]) index[size++] = j;
@@ -90,8 +90,8 @@ void fixed_point_step(int count, const double* g, double* a) {
 
 // One step of the split: true when it is done.
 bool split_step(const SplitFunction& f, double* a) {
-  double g[kMostPhases], H[kMostPhases][kMostPhases], d[kMostPhases], next[kMostPhases];
-  bool is_free[kMostPhases];
+  double g[kRoom], H[kRoom][kRoom], d[kRoom], next[kRoom];
+  bool is_free[kRoom];
   f.derivatives(a, g, H);
   double left = 0.0;
   for (int j = 0; j < f.count; ++j) {
@@ -173,22 +173,23 @@ void newton_matrix(int n, int ld, const Phases& p, const PhasesWork& w) {
 }  // namespace
 
 void take_phases(support::Arena& arena, int ld, Phases& p) {
-  for (int j = 0; j < kMostPhases; ++j) {
+  for (int j = 0; j < kRoom; ++j) {
     p.x[j] = arena.zeros(ld);
     p.ln_phi[j] = arena.zeros(ld);
   }
 }
 
-void take_work(support::Arena& arena, int n, int ld, PhasesWork& w) {
-  for (int j = 0; j < kMostPhases; ++j) {
-    w.e[j] = arena.zeros(ld);
+void take_work(support::Arena& arena, int n, int ld, int most, PhasesWork& w) {
+  for (double*& e : w.e) e = arena.zeros(ld);
+  for (int j = 0; j < most; ++j) {
     w.dn[j] = arena.take(static_cast<std::size_t>(ld) * n);
     w.moles[j] = arena.zeros(ld);
     w.saved[j] = arena.zeros(ld);
   }
-  w.step = arena.zeros(2 * static_cast<std::size_t>(ld));
-  w.scale = arena.zeros(2 * static_cast<std::size_t>(ld));
-  w.system = arena.take(4 * static_cast<std::size_t>(ld) * ld);
+  const std::size_t unknowns = static_cast<std::size_t>(most - 1) * ld;
+  w.step = arena.zeros(unknowns);
+  w.scale = arena.zeros(unknowns);
+  w.system = arena.take(unknowns * unknowns);
   w.home = arena.take_ints(ld);
 }
 
@@ -196,7 +197,7 @@ void copy_phases(const Phases& from, Phases& to, int ld) {
   to.count = from.count;
   to.gibbs = from.gibbs;
   to.worst = from.worst;
-  for (int j = 0; j < kMostPhases; ++j) {
+  for (int j = 0; j < kRoom; ++j) {
     to.amount[j] = from.amount[j];
     to.Z[j] = from.Z[j];
     std::copy_n(from.x[j], ld, to.x[j]);
@@ -262,7 +263,7 @@ bool split_between(int n, const double* z, Phases& p, const PhasesWork& w) {
     for (int j = 0; j < p.count; ++j) w.e[j][i] = support::fast_exp(least - p.ln_phi[j][i]);
   }
   const SplitFunction f{n, p.count, z, w.e};
-  double a[kMostPhases];
+  double a[kRoom];
   for (int j = 0; j < p.count; ++j) a[j] = std::max(p.amount[j], 0.02);
   for (int k = 0; k < kMostSplitSteps && !split_step(f, a); ++k) {
   }
@@ -356,7 +357,7 @@ bool join_phases(int n, int ld, const double* z, const Phases& a, const Phases& 
       joined.amount[known] += part * b.amount[j];
       continue;
     }
-    if (joined.count == kMostPhases) return false;
+    if (joined.count == kRoom) return false;
     joined.amount[joined.count] = part * b.amount[j];
     std::copy_n(b.x[j], ld, joined.x[joined.count]);
     std::copy_n(b.ln_phi[j], ld, joined.ln_phi[joined.count]);

@@ -14,30 +14,34 @@ namespace kestrune::flash3 {
 
 inline constexpr int kMostPhases = 3;
 
+/* Room for one more, which is on trial beside three. */
+inline constexpr int kRoom = kMostPhases + 1;
+
 /* Components below this mole fraction count as absent. */
 inline constexpr double kAbsent = 1e-15;
 
 // Arrays [ld], padded with zeros; z has sum 1.
 struct Phases {
   int count = 0;
-  double amount[kMostPhases] = {};  // parts of the feed, sum 1
-  double* x[kMostPhases] = {};      // compositions, sum 1
-  double* ln_phi[kMostPhases] = {};
-  double Z[kMostPhases] = {};
+  double amount[kRoom] = {};  // parts of the feed, sum 1
+  double* x[kRoom] = {};      // compositions, sum 1
+  double* ln_phi[kRoom] = {};
+  double Z[kRoom] = {};
   double gibbs = 0.0;  // over RT, relative to pure gases
   double worst = 0.0;  // largest difference of ln fugacities, of mole fractions from kAbsent
 };
 
 struct PhasesWork {
-  double *e[kMostPhases], *dn[kMostPhases];         // [ld], [ld * n]
-  double *moles[kMostPhases], *saved[kMostPhases];  // [ld]
-  double *step, *scale;                             // [2 ld]
-  double* system;                                   // [4 ld ld]
-  int* home;                                        // [n] the phase that holds most of a component
+  double *e[kRoom], *dn[kRoom];         // [ld], [ld * n]
+  double *moles[kRoom], *saved[kRoom];  // [ld]
+  double *step, *scale;                 // [(most - 1) ld]
+  double* system;                       // [(most - 1)^2 ld ld]
+  int* home;                            // [n] the phase that holds most of a component
 };
 
 void take_phases(support::Arena& arena, int ld, Phases& p);
-void take_work(support::Arena& arena, int n, int ld, PhasesWork& w);
+/* most: phases that a Newton step is to be made with; e is there for all. */
+void take_work(support::Arena& arena, int n, int ld, int most, PhasesWork& w);
 void copy_phases(const Phases& from, Phases& to, int ld);
 void exchange_phases(Phases& p, int j, int k);
 /* Takes phase j out; its amount goes to the others in proportion. */
@@ -74,7 +78,7 @@ void take_step(int n, int ld, double part, Phases& p, const PhasesWork& w);
 
 /*
  * The phases of two states of one feed in one list, those of b as a part of the whole: phases that both have
- * count once. False: there would be more than three, or one.
+ * count once. False: there would be more than four, or one.
  */
 bool join_phases(int n, int ld, const double* z, const Phases& a, const Phases& b, double part, Phases& joined);
 

@@ -8,6 +8,7 @@
 #include <cfloat>
 #include <cmath>
 
+#include "flash/accept.hpp"
 #include "flash/energy_state.hpp"
 #include "flash/pure_saturation.hpp"
 #include "flash3/specified.hpp"
@@ -25,7 +26,7 @@ constexpr int kMostStates = 80, kMostDropped = 2, kRetreats = 6;
 constexpr double kReached = 1e-11;          // of the value's size
 constexpr double kNear = 1e-9;              // relative change of T that is left of a single phase
 constexpr double kSameTemperature = 1e-13;  // relative width of a bracket that is an answer
-constexpr double kJump = 1e-6;              // in R T or R: a bracket without width may hide no more
+constexpr double kBeside = 1e-8;            // relative distance from a bracket whose ends are this uncertain
 
 // Phases of an equilibrium that are kept, with its temperature.
 struct KeptState {
@@ -40,6 +41,7 @@ struct Search {
   flash::CaloricModel caloric;
   Specified s;
   KeptState low, high;  // the closest states below and above the value
+  Phases joined;        // of both
   flash::EnergyBracket bracket;
   double value = 0.0;  // of e.p at e.m.T
   double slope = 0.0;  // at constant amounts
@@ -124,12 +126,27 @@ bool solve_at_phases(Search& q, double T) {
   return false;
 }
 
+double size_of_value(const Search& q) {
+  return std::max(std::fabs(q.call.wanted), 1.0);
+}
+
+// The gate: e.p is an equilibrium, and at its temperature it has the value.
+bool accept(Search& q) {
+  Equilibrium& e = q.e;
+  q.status = evaluate_phases(e.m, e.z, e.p, e.w, false);
+  return q.status == KV_OK && accept(e) && evaluate(q) &&
+         std::fabs(off(q)) <= flash::kOwedValue * size_of_value(q) && e.m.T >= kColdest && e.m.T <= kHottest;
+}
+
 /*
  * Whether what Newton found is the equilibrium at its temperature. If not, e.p is what is, and the bracket
  * knows it.
  */
 bool confirm(Search& q) {
-  if (!(q.bracket.inside(q.s.T) || q.bracket.low == q.s.T || q.bracket.high == q.s.T)) return false;
+  // The value of three phases of two components is any along their line: an end of the bracket that was met
+  // there may lie on the wrong side of it.
+  const double beside = kBeside * q.s.T;
+  if (!(q.s.T >= q.bracket.low - beside && q.s.T <= q.bracket.high + beside)) return false;
   q.status = set_conditions(q.s.T, q.call.P, q.e);
   if (q.status != KV_OK) return false;
   const int count = q.e.p.count;
@@ -141,24 +158,32 @@ bool confirm(Search& q) {
   if (q.status != KV_OK) return false;
   if (!q.e.third.found) {
     q.state_status = KV_OK;
-    return evaluate(q);
+    return accept(q);
   }
   state_at(q, q.s.T, true);
   return q.status == KV_OK && q.state_status == KV_FOURTH_PHASE && q.e.p.count == count &&
-         std::fabs(off(q)) <= 1e-9 * std::max(std::fabs(q.call.wanted), 1.0);
+         std::fabs(off(q)) <= flash::kOwedValue * size_of_value(q);
 }
 
-// All phases that are seen on the two sides of the bracket: those between them, where temperature stands still.
+/*
+ * The phases that are seen on the two sides of the bracket, and of four of them all sets of three: those
+ * between the sides, where temperature stands still.
+ */
 bool solve_between_sides(Search& q) {
   if (!q.low.known || !q.high.known) return false;
   const double part = q.bracket.f_low / (q.bracket.f_low - q.bracket.f_high);
-  return join_phases(q.e.m.n, q.e.m.ld, q.e.z, q.low.p, q.high.p, part, q.e.p) &&
-         solve_at_phases(q, 0.5 * (q.bracket.low + q.bracket.high)) && confirm(q);
+  if (!join_phases(q.e.m.n, q.e.m.ld, q.e.z, q.low.p, q.high.p, part, q.joined)) return false;
+  const double T = 0.5 * (q.bracket.low + q.bracket.high);
+  for (int without = q.joined.count == kRoom ? 0 : kMostPhases; without < kRoom; ++without) {
+    copy_phases(q.joined, q.e.p, q.e.m.ld);
+    if (without < q.joined.count) drop_phase(q.e.p, without);
+    if (solve_at_phases(q, T) && confirm(q)) return true;
+  }
+  return false;
 }
 
 bool reached(const Search& q) {
-  const double size = std::max(std::fabs(q.call.wanted), 1.0);
-  return std::fabs(off(q)) <= kReached * size;
+  return std::fabs(off(q)) <= kReached * size_of_value(q);
 }
 
 double next_temperature(const Search& q, double T, int count) {
@@ -180,8 +205,10 @@ StatusCode search(Search& q) {
     const double T = q.e.m.T;
     const double width = q.bracket.high - q.bracket.low;
     if (q.bracket.closed() && width <= kSameTemperature * T) {
-      const double unit = eos::kCalR * (q.call.property == flash::Property::enthalpy ? T : 1.0);
-      return q.bracket.f_high - q.bracket.f_low <= kJump * unit ? q.state_status : StatusCode{KV_NOT_CONVERGED};
+      q.status = KV_OK;
+      if (solve_between_sides(q)) return q.state_status;
+      return std::fabs(off(q)) <= flash::kOwedValue * size_of_value(q) ? q.state_status
+                                                                       : StatusCode{KV_NOT_CONVERGED};
     }
     const double next = next_temperature(q, T, count);
     // Newton at the phases here; what it finds is confirmed, or else looked at as one more state.
@@ -250,7 +277,7 @@ StatusCode with_search(const ThreeEnergyCall& c, support::Arena& arena, support:
   const int n = c.mixture->count, ld = support::padded(n);
   const flash::Settings settings = flash::copy_settings(*c.mixture);
   support::TraceWriter trace(settings.trace, settings.trace_unit);
-  Search q{c, {}, {}, {}, {}, {}, {}};
+  Search q{c, {}, {}, {}, {}, {}, {}, {}};
   q.s.e = &q.e;
   q.s.caloric = &q.caloric;
   q.s.what = c.property == flash::Property::enthalpy ? Specify::enthalpy : Specify::entropy;
@@ -258,6 +285,7 @@ StatusCode with_search(const ThreeEnergyCall& c, support::Arena& arena, support:
   take_specified(arena, n, ld, q.s);
   take_phases(arena, ld, q.low.p);
   take_phases(arena, ld, q.high.p);
+  take_phases(arena, ld, q.joined);
   const double start = plausible(*c.T) ? *c.T : kDefaultTemperature;
   StatusCode status = open_equilibrium({start, c.P, c.z, c.mixture, c.routines}, 0, model_arena, trace, q.e);
   if (status != KV_OK) return status;

@@ -1,4 +1,4 @@
-// The amounts of two or three phases from their fugacity coefficients: the conditions of the minimum, which
+// The amounts of two to four phases from their fugacity coefficients: the conditions of the minimum, which
 // hold nowhere else because the function is convex.
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@ namespace {
 void expect_minimum(int n, const double* z, Phases& p, const PhasesWork& w) {
   for (int j = 0; j < p.count; ++j) p.amount[j] = 1.0 / p.count;
   ASSERT_TRUE(split_between(n, z, p, w));
-  double slope[kMostPhases] = {1.0, 1.0, 1.0}, sum = 0.0;
+  double slope[kRoom] = {1.0, 1.0, 1.0, 1.0}, sum = 0.0;
   for (int i = 0; i < n; ++i) {
     double E = 0.0, found = 0.0;
     for (int j = 0; j < p.count; ++j) {
@@ -47,8 +47,8 @@ TEST(Split, MinimumForRandomCoefficients) {
       Phases p;
       PhasesWork w;
       take_phases(arena, ld, p);
-      take_work(arena, n, ld, w);
-      p.count = 2 + k % 2;
+      take_work(arena, n, ld, kMostPhases, w);
+      p.count = 2 + k % 3;
       double* const z = arena.zeros(ld);
       const double spread = std::pow(10.0, -3.0 + 4.5 * unit(random));
       double sum = 0.0;

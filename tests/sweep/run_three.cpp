@@ -1,4 +1,4 @@
-// The three-phase flash at T and P: every state from a cold start and from four estimates.
+// The three-phase flash at T and P: every state from a cold start and from five estimates.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -13,10 +13,12 @@ namespace {
 
 using namespace kestrune::sweep;
 
-// Where the answer comes from: nothing, itself, the answers at 1.002 T and at 1.01 P, that of the state before.
-constexpr int starts = 5;
-const char* const start_names[starts] = {"cold", "warm, itself", "warm, T * 1.002", "warm, P * 1.01",
-                                         "warm, state before"};
+// Where the answer comes from: nothing, itself, the answer at 1.002 T and 1.01 P, that of the state before, the
+// answer with liquid A and vapour exchanged, and one with the fractions of other components.
+constexpr int starts = 6;
+const char* const start_names[starts] = {
+    "cold",       "warm, itself", "warm, T * 1.002, P * 1.01", "warm, state before", "warm, exchanged",
+    "warm, false"};
 constexpr double warm_tolerance = 1e-7;
 
 struct Judged {
@@ -122,9 +124,12 @@ Judged ask_all(Library& library, const Components& components, const ThreeState&
     if (judged.four) judged.verdicts[0] = {};
   }
   if (cold.status != 0) return judged;
-  const ThreeAnswer hot = library.three(state.T * 1.002, state.P, state.z);
-  const ThreeAnswer high = library.three(state.T, state.P * 1.01, state.z);
-  const ThreeAnswer* estimates[starts] = {nullptr, &cold, &hot, &high, &before.answer};
+  const ThreeAnswer near = library.three(state.T * 1.002, state.P * 1.01, state.z);
+  ThreeAnswer exchanged = cold, wrong = cold;
+  std::swap(exchanged.a, exchanged.y);
+  std::swap(exchanged.beta, exchanged.V);
+  for (Composition* w : {&wrong.a, &wrong.b, &wrong.y}) std::rotate(w->begin(), w->begin() + 1, w->end());
+  const ThreeAnswer* estimates[starts] = {nullptr, &cold, &near, &before.answer, &exchanged, &wrong};
   for (int s = 1; s < starts; ++s) {
     judged.answers[s] = library.three(state.T, state.P, state.z, estimates[s]);
     compare_warm(question, cold, s, judged);

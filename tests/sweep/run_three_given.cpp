@@ -1,24 +1,16 @@
-// The three-phase flashes at enthalpy, entropy and vapour fraction: from the flash at T and P and back.
+// The three-phase flashes at enthalpy, entropy and vapour fraction: from the flash at T and P and back, and at
+// values on a grid.
 #include <algorithm>
 #include <cmath>
 
 #include "options.hpp"
 #include "states.hpp"
 #include "tables.hpp"
-#include "three_states.hpp"
+#include "three_ask.hpp"
 
 namespace {
 
 using namespace kestrune::sweep;
-
-// One call and what came of it.
-struct Trip {
-  const char* name = "HP";  // of the export, with the start
-  double value = 0, expected = 0, found = 0;
-  ThreeAnswer phases;
-  GivenVerdict verdict;
-  bool none = false;  // no bubble or dew point, and none is known
-};
 
 struct Tally {
   int states = 0, trips = 0, other = 0, none = 0, wrong = 0;
@@ -80,133 +72,6 @@ struct Tally {
   }
 };
 
-// What the trips of one system share.
-struct Asker {
-  Library& library;
-  const System& system;
-  const Components& components;
-
-  Question question(const ThreeState& s, double T, double P) const { return {&components, s.z, T, P}; }
-
-  ThreeValues values(Quantity quantity, const Question& q, const ThreeAnswer& answer) const {
-    ThreeValues result;
-    for (const PresentPhase& phase : present_phases(q, Reduced(q), answer)) {
-      const int k = phase.name == 'A' ? 0 : phase.name == 'B' ? 1 : 2;
-      const Composition& w = k == 0 ? answer.a : k == 1 ? answer.b : answer.y;
-      result.known[k] = library.property(quantity, is_gas(phase), q.T, q.P, w, result.value[k]);
-    }
-    return result;
-  }
-
-  double total(Quantity quantity, const ThreeState& s) const {
-    const ThreeValues parts = values(quantity, question(s, s.T, s.P), s.answer);
-    return s.answer.beta * parts.value[0] + s.answer.rest() * parts.value[1] + s.answer.V * parts.value[2];
-  }
-
-  Trip caloric(const char* name, Quantity quantity, double value, double T_low, double T_high,
-               const ThreeState& s, double start, const ThreeAnswer* estimate) const {
-    Trip trip{name, value, T_low, 0, {}, {}};
-    const ThreeCaloricAnswer answer = library.three_caloric(quantity, value, s.P, s.z, start, estimate);
-    trip.found = answer.T;
-    trip.phases = answer.phases;
-    ThreeValues parts;
-    const bool usable = layout_of(answer.phases) != Layout::none && answer.T > 0 && answer.T < 1e5;
-    if (usable) parts = values(quantity, question(s, answer.T, s.P), answer.phases);
-    trip.verdict = judge_three_caloric({question(s, 0, s.P), value, T_low, T_high}, answer, parts);
-    return trip;
-  }
-
-  Trip point(const char* name, double W, bool at_pressure, const ThreeState& s, double start,
-             const ThreeAnswer* estimate) const {
-    Trip trip{name, W, at_pressure ? s.T : s.P, 0, {}, {}};
-    const SaturationQuestion q{at_pressure ? Given::pressure : Given::temperature, W, at_pressure ? s.P : s.T};
-    const ThreePoint answer = library.three_point(q, s.z, start, estimate);
-    trip.found = answer.found;
-    trip.phases = answer.phases;
-    const Question state = at_pressure ? question(s, answer.found, s.P) : question(s, s.T, answer.found);
-    static_cast<ThreeVerdict&>(trip.verdict) = judge_three_point(state, W, answer);
-    trip.verdict.apart = std::abs(answer.found - trip.expected) / (at_pressure ? 1 : trip.expected);
-    trip.verdict.other = trip.verdict.apart > 1e-6;
-    return trip;
-  }
-
-  // Where the share of the vapour reaches W = 0 or 1 without a jump on the way from the state to the end of the
-  // system's range; 0 when it does not.
-  double end_of_vapour(double W, bool at_pressure, const ThreeState& s) const {
-    const double from = at_pressure ? s.T : s.P;
-    const double to = at_pressure ? (W == 0 ? system.feed.T_low : system.feed.T_high)
-                                  : (W == 0 ? system.P_high : system.P_low);
-    const auto reached = [&](double at, double& V) {
-      const ThreeAnswer answer = at_pressure ? library.three(at, s.P, s.z) : library.three(s.T, at, s.z);
-      V = answer.status == 0 ? answer.V : 0.5;
-      return answer.status == 0 && V == W;
-    };
-    double a = from, b = from, V = 0, last = s.answer.V;
-    for (int k = 1; k <= 12 && b == from; ++k) {
-      const double at = from + (to - from) * k / 12;
-      if (reached(at, V)) {
-        b = at;
-      } else {
-        a = at;
-        last = V;
-      }
-    }
-    if (b == from) return 0;
-    for (int k = 0; k < 45; ++k) {
-      const double middle = 0.5 * (a + b);
-      if (reached(middle, V)) {
-        b = middle;
-      } else {
-        a = middle;
-        last = V;
-      }
-    }
-    return std::abs(last - W) < 1e-6 ? b : 0;
-  }
-
-  // Bubble or dew point; a missing one is a fault where the share of the vapour shows that it exists.
-  Trip end(const char* name, double W, bool at_pressure, const ThreeState& s) const {
-    Trip trip = point(name, W, at_pressure, s, 0, nullptr);
-    trip.verdict.apart = 0;
-    trip.verdict.other = false;
-    if (trip.phases.status == 0) return trip;
-    const double known = end_of_vapour(W, at_pressure, s);
-    trip.expected = known;
-    trip.none = known == 0 && trip.phases.status == KV_NO_SATURATION;
-    if (trip.none) trip.verdict = GivenVerdict{};
-    if (known > 0) trip.verdict.reason += text(", but there is a point at %.10g", known);
-    return trip;
-  }
-
-  // Everything that is asked about state k; before: the state before it, or null.
-  std::vector<Trip> ask(int k, const ThreeState& s, const ThreeState* before) const {
-    std::vector<Trip> trips;
-    const bool entropy = k / 2 % 2 == 1;
-    const Quantity quantity = entropy ? Quantity::entropy : Quantity::enthalpy;
-    const double value = total(quantity, s);
-    trips.push_back(caloric(entropy ? "SP cold" : "HP cold", quantity, value, s.T, s.T, s, 0, nullptr));
-    if (before)
-      trips.push_back(
-          caloric(entropy ? "SP warm" : "HP warm", quantity, value, s.T, s.T, s, s.T + 3, &before->answer));
-    if (before && before->P == s.P && before->z == s.z && before->T != s.T) {
-      const double middle = 0.5 * (value + total(quantity, *before));
-      trips.push_back(caloric(entropy ? "SP between" : "HP between", quantity, middle, std::min(s.T, before->T),
-                              std::max(s.T, before->T), s, 0, nullptr));
-    }
-    const double V = s.answer.V;
-    if (V > 0 && V < 1) {
-      trips.push_back(point("WP cold", V, true, s, 0, nullptr));
-      trips.push_back(point("WT cold", V, false, s, 0, nullptr));
-      trips.push_back(point("WP warm", V, true, s, s.T * 1.005, &s.answer));
-      trips.push_back(point("WT warm", V, false, s, s.P * 1.02, &s.answer));
-      const double W = k % 2;
-      trips.push_back(end(W == 0 ? "WP bubble" : "WP dew", W, true, s));
-      trips.push_back(end(W == 0 ? "WT bubble" : "WT dew", W, false, s));
-    }
-    return trips;
-  }
-};
-
 void write_failure(std::FILE* file, const System& system, const ThreeState& s, const Trip& trip) {
   const ThreeAnswer& a = trip.phases;
   std::fprintf(file, "%s,%s,%s,%.17g,%.17g,%.17g,%.17g,%d,%.17g,%.17g,%.17g,\"%s\",\"%s\"",
@@ -246,6 +111,14 @@ Tally sweep_system(const Options& o, Library& library, const System& system, int
       if (!trip.verdict.group.empty()) write_failure(failures, system, sample.states[k], trip);
     }
   }
+  const std::vector<ThreeState> drawn = draw_states(system, count / 3 + 1, o.seed_of(system.feed) + 1);
+  trips.assign(drawn.size(), {});
+  parallel_for(static_cast<int>(drawn.size()), o.jobs, [&](int k) { trips[k] = asker.grid(k, drawn[k]); });
+  for (size_t k = 0; k < drawn.size(); ++k)
+    for (const Trip& trip : trips[k]) {
+      tally.add(trip);
+      if (!trip.verdict.group.empty()) write_failure(failures, system, drawn[k], trip);
+    }
   tally.print(system.feed.name.c_str());
   return tally;
 }

@@ -57,7 +57,7 @@ void share_out(const Composition& z, const std::vector<Phase<double>>& phases, s
 bool settle(const Parameters<double>& par, double P, const Composition& z, std::vector<Composition>& w,
             std::vector<double>& share) {
   const int n = par.n;
-  for (int round = 0; round < 1500; ++round) {
+  for (int round = 0; round < 60000; ++round) {
     std::vector<Phase<double>> phases(w.size());
     for (size_t k = 0; k < w.size(); ++k) evaluate(par, P, w[k].data(), Root::stable, false, phases[k]);
     share_out(z, phases, share);

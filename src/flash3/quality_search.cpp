@@ -1,0 +1,306 @@
+// Equilibria outwards from a first guess to both sides, each with a walk from it along the line of its phases;
+// and between two of them wherever the vapour's part is crossed or the phases are others.
+
+#include "flash3/quality_search.hpp"
+
+#include <cmath>
+
+#include "flash/accept.hpp"
+
+namespace kestrune::flash3 {
+namespace {
+
+constexpr int kMostStates = 80, kMostDropped = 2;
+constexpr int kMostWalks = 12, kMostDetours = 3, kMostHalvings = 45;
+constexpr double kShortestWalk = 1e-4, kShorter = 0.3;
+constexpr double kFirstStep = 0.02, kLonger = 1.6, kLongestStepT = 0.06,
+                 kLongestStepP = 0.3;             // in ln of the unknown
+constexpr double kClosed = 1e-8;                  // ln u: a bracket of this width holds nothing
+constexpr double kSameState = 1e-8;               // sum of (x - y)^2/(x + y)
+constexpr double kSameZ = 0.25;                   // ln Z of a vapour that is the same on both sides of a step
+constexpr double kLargeChange = 0.1;              // of the vapour's part where a liquid appears
+constexpr int kMostFailed = 3;                    // states without an answer, to each side
+constexpr double kNarrow = 3e-4;                  // ln u: a change of phases is resolved to here
+constexpr double kShortT = 0.01, kShortP = 0.05;  // ln u: phases that lead on over it are the same
+constexpr double kLowestT = 40.0, kHighestT = 2000.0, kLowestP = 1e-6, kHighestP = 1e4;
+
+}  // namespace
+
+bool move_to(QualitySearch& q, double u) {
+  q.u = u;
+  q.status = set_conditions(q.T_of(u), q.P_of(u), q.e);
+  return q.status == KV_OK;
+}
+
+bool solve_at_phases(QualitySearch& q, double u, double W) {
+  q.s.wanted = W;
+  q.s.T = q.T_of(u);
+  q.s.P = q.P_of(u);
+  for (int dropped = 0; dropped <= kMostDropped && q.e.p.count > 1; ++dropped) {
+    const int v = find_vapour(q.e);
+    if (v < 0) return false;
+    Phases& p = q.e.p;
+    q.s.vapour = v;
+    // The amounts as they are wanted.
+    const double others = 1.0 - p.amount[v];
+    for (int j = 0; j < p.count; ++j)
+      p.amount[j] = j == v ? W : others > 0.0 ? p.amount[j] / others * (1.0 - W) : (1.0 - W) / (p.count - 1);
+    StatusCode status = KV_OK;
+    const Found found = solve_specified(q.s, status);
+    q.u = q.of_T ? q.s.T : q.s.P;
+    if (found == Found::yes) return true;
+    if (found != Found::negative) return false;
+    drop_least(p, q.e.z, q.e.m.ld);
+  }
+  return false;
+}
+
+bool accept(QualitySearch& q) {
+  Equilibrium& e = q.e;
+  if (!(q.u > 0.0 && q.u < 1e300) || !move_to(q, q.u)) return false;
+  q.status = evaluate_phases(e.m, e.z, e.p, e.w, false);
+  if (q.status != KV_OK || std::fabs(e.p.amount[lightest_phase(e)] - q.W) > flash::kOwedBalance) return false;
+  copy_phases(e.p, q.incipient, e.m.ld);
+  q.status = test_equilibrium(e);
+  return q.status == KV_OK && accept(e) && !e.third.found;
+}
+
+namespace {
+
+// The equilibrium at u and its vapour less W; at the ends a whole phase that is not there counts as beyond.
+bool state_at(QualitySearch& q, double u, double& f) {
+  if (!move_to(q, u)) return false;
+  q.status = find_equilibrium(q.e);
+  // Where there are four phases the three that were found lead on.
+  if (q.status == KV_FOURTH_PHASE) q.status = KV_OK;
+  if (q.status != KV_OK) return false;
+  const int v = find_vapour(q.e);
+  const double V = v < 0 ? 0.0 : q.e.p.amount[v];
+  f = V - q.W;
+  if (q.W == 0.0 && V == 0.0) f = -1.0;
+  if (q.W == 1.0 && v >= 0 && q.e.p.count == 1) f = 1.0;
+  return true;
+}
+
+/*
+ * From the equilibrium e.p at u, which has vapour and liquid, along the line of these phases to where the
+ * vapour has its part: at once, or in shorter and shorter steps. True: e.p at q.u is that point.
+ */
+bool walk_to_fraction(QualitySearch& q, double u, int most) {
+  const int v = find_vapour(q.e);
+  if (v < 0 || q.e.p.count < 2) return false;
+  double from = q.e.p.amount[v], goal = q.W;
+  copy_phases(q.e.p, q.reached, q.e.m.ld);
+  for (int k = 0; k < most && (k == 0 || std::fabs(goal - from) > kShortestWalk); ++k) {
+    if (solve_at_phases(q, u, goal)) {
+      if (goal == q.W) return true;
+      from = goal;
+      u = q.u;
+      copy_phases(q.e.p, q.reached, q.e.m.ld);
+      goal = q.W;
+    } else {
+      copy_phases(q.reached, q.e.p, q.e.m.ld);
+      goal = from + kShorter * (goal - from);
+    }
+  }
+  return false;
+}
+
+double width(const Node& a, const Node& b) {
+  return std::fabs(std::log(a.u / b.u));
+}
+
+void keep_node(const QualitySearch& q, double u, double f, Node& node) {
+  node.u = u;
+  node.f = f;
+  copy_phases(q.e.p, node.p, q.e.m.ld);
+}
+
+// Walks that may still fail, from states with two and three phases, and their steps: they cost more than the
+// state itself.
+struct Walks {
+  int two, three, steps_two, steps_three;
+};
+
+// A state at u, into the node, and a walk from there when it has both vapour and liquid.
+enum class Step { solved, missed, failed };
+Step look_at(QualitySearch& q, double u, Walks& walks, Node& node) {
+  double f = 0.0;
+  if (!state_at(q, u, f)) return Step::failed;
+  keep_node(q, u, f, node);
+  for (int detour = 0; detour < kMostDetours; ++detour) {
+    const bool three = q.e.p.count == kMostPhases;
+    int& left = three ? walks.three : walks.two;
+    if (q.e.p.count < 2 || left <= 0) return Step::missed;
+    if (!walk_to_fraction(q, q.u, three ? walks.steps_three : walks.steps_two)) {
+      --left;
+      return Step::missed;
+    }
+    const double there = q.u;
+    if (accept(q)) return Step::solved;
+    // What is there instead is the next state to walk from.
+    if (!state_at(q, there, f)) return Step::missed;
+  }
+  return Step::missed;
+}
+
+// The phases in q.joined, which two nodes have together, and of four of them all sets of three, where the
+// vapour has its part: between the nodes, where the unknown stands still, or where a phase is about to appear.
+bool solve_joined(QualitySearch& q, double u) {
+  for (int without = q.joined.count == kRoom ? 0 : kMostPhases; without < kRoom; ++without) {
+    copy_phases(q.joined, q.e.p, q.e.m.ld);
+    if (without < q.joined.count) drop_phase(q.e.p, without);
+    if (move_to(q, u) && solve_at_phases(q, u, q.W) && accept(q)) return true;
+  }
+  return false;
+}
+
+// Whether the phases of a node, led on to where another node is, are those of the other node.
+bool lead_on(QualitySearch& q, const Node& from, const Node& to) {
+  Equilibrium& e = q.e;
+  if (!move_to(q, to.u)) return false;
+  copy_phases(from.p, e.p, e.m.ld);
+  StatusCode status = evaluate_phases(e.m, e.z, e.p, e.w, false);
+  if (status != KV_OK || polish_phases(e.m, e.z, e.how, e.p, e.w, status) != Ended::converged) return false;
+  for (int j = 0; j < e.p.count; ++j)
+    if (!same_phase(e.m.n, e.z, e.p.x[j], to.p.x[j], kSameState)) return false;
+  return true;
+}
+
+// The least densely packed phase of a node, whatever it is called.
+int lightest_of(const QualitySearch& q, const Phases& p) {
+  int v = 0;
+  for (int j = 1; j < p.count; ++j)
+    if (flash::lighter(*q.e.m.mixture, p.x[j], p.Z[j], p.x[v], p.Z[v])) v = j;
+  return v;
+}
+
+// Whether something happens between two nodes: the vapour's part is crossed, or the phases that end from one
+// side are others than those that end from the other. A vapour that only changes its name crosses nothing.
+struct Between {
+  bool crossed = false, changed = false;
+};
+Between look_between(QualitySearch& q, const Node& a, const Node& b) {
+  Between there;
+  there.crossed = (a.f < 0.0) != (b.f < 0.0);
+  if (a.p.count < 2 || b.p.count < 2) return there;
+  const bool close = width(a, b) < (q.of_T ? kShortT : kShortP), same_number = a.p.count == b.p.count;
+  const int va = lightest_of(q, a.p), vb = lightest_of(q, b.p);
+  // A dense fluid may end in a gas without another phase in between, or with one, from which each of them leads
+  // on to the other.
+  const bool alike = std::fabs(std::log(a.p.Z[va] / b.p.Z[vb])) < kSameZ;
+  if (there.crossed && close && alike && same_number) {
+    const bool below = a.p.amount[va] < q.W;
+    there.crossed = below != (b.p.amount[vb] < q.W) || !lead_on(q, a, b) || !lead_on(q, b, a);
+  } else if (!there.crossed && a.f + q.W > 0.0) {
+    there.changed =
+        !alike || (same_number ? !lead_on(q, a, b) || !lead_on(q, b, a) : std::fabs(a.f - b.f) > kLargeChange);
+  }
+  return there;
+}
+
+// The phases of both nodes, into q.joined.
+bool join_nodes(QualitySearch& q, const Node& a, const Node& b) {
+  const double range = b.V(q.W) - a.V(q.W);
+  const double part = range != 0.0 ? std::clamp((q.W - a.V(q.W)) / range, 0.0, 1.0) : 0.5;
+  return join_phases(q.e.m.n, q.e.m.ld, q.e.z, a.p, b.p, part, q.joined);
+}
+
+// Halves a bracket of the vapour's part until it has no width.
+bool close_in(QualitySearch& q, const Node& first, const Node& second) {
+  Node &a = q.between[kDeepest], &b = q.between[kDeepest + 1];
+  const auto copy = [&](const Node& from, Node& to) {
+    to.u = from.u;
+    to.f = from.f;
+    copy_phases(from.p, to.p, q.e.m.ld);
+  };
+  copy(first, a);
+  copy(second, b);
+  for (int k = 0; k < kMostHalvings && width(a, b) > kClosed; ++k) {
+    Walks walks{1, 1, 1, 1};
+    const Step step = look_at(q, std::sqrt(a.u * b.u), walks, q.fresh);
+    if (step == Step::solved) return true;
+    if (step == Step::failed) return false;
+    copy(q.fresh, (q.fresh.f < 0.0) == (a.f < 0.0) ? a : b);
+    if (join_nodes(q, a, b) && solve_joined(q, std::sqrt(a.u * b.u))) return true;
+    if (a.p.count == 1 && b.p.count == 1) return false;  // a fluid that changes its name
+  }
+  return false;
+}
+
+/*
+ * Looks for the point between two nodes: with the phases of both, and on both sides of the middle as long as
+ * something happens there. True: it is in e.p at q.u.
+ */
+bool search_between(QualitySearch& q, const Node& a, const Node& b, int depth) {
+  const Between there = look_between(q, a, b);
+  if (!there.crossed && !(there.changed && q.changes-- > 0)) return false;
+  const double middle = std::sqrt(a.u * b.u);
+  const bool close = width(a, b) < (q.of_T ? kShortT : kShortP);
+  if (join_nodes(q, a, b) && (close || q.joined.count < kRoom) && solve_joined(q, middle)) return true;
+  if (depth >= kDeepest || width(a, b) < kNarrow) return there.crossed && close_in(q, a, b);
+  Walks walks{1, 1, 1, kMostWalks};
+  Node& node = q.between[depth];
+  const Step step = look_at(q, middle, walks, node);
+  if (step != Step::missed) return step == Step::solved;
+  return search_between(q, a, node, depth + 1) || search_between(q, node, b, depth + 1);
+}
+
+// From the first guess of the unknown outwards to both sides.
+StatusCode search_from(QualitySearch& q, double first) {
+  // The vapour's part rises with temperature and falls with pressure, as a rule; beside critical points it need
+  // not.
+  const double rising = q.of_T ? 1.0 : -1.0;
+  const double least = q.of_T ? kLowestT : kLowestP, most = q.of_T ? kHighestT : kHighestP;
+  const double longest = q.of_T ? kLongestStepT : kLongestStepP;
+  Walks walks{1, 3, kMostWalks, kMostWalks};
+  Step step_to = look_at(q, first, walks, q.outer[0]);
+  if (step_to == Step::solved) return KV_OK;
+  if (step_to == Step::failed) return q.status > KV_STATUS_CALL_BLOCK ? q.status : StatusCode{KV_NO_START};
+  Node& start = q.outer[1];
+  start.u = first;
+  start.f = q.outer[0].f;
+  copy_phases(q.outer[0].p, start.p, q.e.m.ld);
+  const double towards = start.f < 0.0 ? rising : -rising;
+  double ends[] = {first, first}, step = kFirstStep;
+  int open[] = {kMostFailed, kMostFailed};  // failures that a side may still have
+  for (int k = 0; k < kMostStates && (open[0] > 0 || open[1] > 0); ++k) {
+    const int side = k % 2;  // the likely one first
+    if (k > 1 && (side == 0 || open[0] == 0)) step = std::min(kLonger * step, longest);
+    if (open[side] == 0) continue;
+    const double way = side == 0 ? towards : -towards;
+    const double u = ends[side] * std::exp(way * step);
+    if (!(u > least && u < most)) {
+      open[side] = 0;
+      continue;
+    }
+    ends[side] = u;
+    Node& outer = q.outer[side];
+    step_to = look_at(q, u, walks, q.fresh);
+    if (step_to == Step::solved) return KV_OK;
+    if (step_to == Step::failed) {
+      if (q.status > KV_STATUS_CALL_BLOCK) return q.status;
+      --open[side];
+      continue;
+    }
+    // All vapour on the way to more of it: there is nothing further on this side.
+    if (way * rising > 0.0 && q.fresh.p.count == 1 && q.e.gas) open[side] = 0;
+    Node& next = q.between[0];
+    std::swap(next, q.fresh);
+    if (search_between(q, outer, next, 1)) return KV_OK;
+    std::swap(outer, next);
+  }
+  return KV_NO_SATURATION;
+}
+
+}  // namespace
+
+StatusCode search(QualitySearch& q) {
+  // From the two-phase point; where a search cannot even begin, from an ordinary state. One covers the range.
+  const double usual[] = {q.of_T ? kDefaultT : kDefaultP, q.of_T ? 200.0 : 10.0, q.of_T ? 450.0 : 100.0};
+  StatusCode status = search_from(q, q.u);
+  for (int k = 0; k < 3 && status == KV_NO_START; ++k) status = search_from(q, usual[k]);
+  return status == KV_NO_START ? StatusCode{KV_NO_SATURATION} : status;
+}
+
+}  // namespace kestrune::flash3
