@@ -23,6 +23,13 @@ constexpr double kNone = -1e5;
 constexpr double kDilutePacking = 0.04;
 // Parts of the second of two phases in the mixtures of them that trials start from.
 constexpr double kBetween[] = {0.1, 0.25, 0.5, 0.75};
+// How much less than Wilson's coefficients say the logarithm of an activity may be and still be looked at.
+// Far below the critical temperature they say nothing.
+constexpr double kWilsonMargin = 1.0, kWilsonReach = 0.33;
+constexpr double kNearCritical = 1.25, kMostOfLiquid = 0.85;
+// Difference of the Gibbs energies of two roots, over RT, up to which the upper one may begin a phase of
+// another composition.
+constexpr double kRootReach = 0.3;
 // Length of a first step along the direction of lowest curvature, in sqrt(W).
 constexpr double kAlong = 0.2;
 constexpr double kGasPacking = 0.5 / eos::kCriticalVolumeRatio;
@@ -65,11 +72,12 @@ class StrictTrials {
   Follow before_;
 };
 
-// A trial from a composition [ld] on its other root, where it has one.
+// A trial from a composition [ld] on its other root, where it has one that is not far above.
 bool other_root_trial(Flash& f, const Reference& ref, const double* w) {
+  const double reach = f.thorough() ? 1e300 : kRootReach;
   Kind kind = Kind::liquid;
   bool found = false;
-  f.status = start_other_root(f.m, ref, w, f.trial, kind, found);
+  f.status = start_other_root(f.m, ref, w, reach, f.trial, kind, found);
   if (f.status != KV_OK || !found) return f.status == KV_OK;
   const StrictTrials strict(f);
   return run_trial(f, ref, kind);
@@ -95,6 +103,14 @@ bool trials_between(Flash& f, const Reference& ref, const double* a, const doubl
     if (!run_trial(f, ref, liquid_kind(f)) || !other_root_trial(f, ref, f.between)) return false;
   }
   return true;
+}
+
+// Wilson's coefficient without its bounds.
+double wilson_log_k(const Flash& f, int j) {
+  const MixtureRecord& r = *f.call.mixture;
+  const auto column = [&](int k) { return r.table[static_cast<std::size_t>(k - 1) * r.count + j]; };
+  return 5.37 * (1.0 + column(KV_COL_OMEGA)) * (1.0 - column(KV_COL_TC) / f.call.T) +
+         support::fast_log(column(KV_COL_PC) / f.call.P);
 }
 
 // Near-pure trials: the component that Wilson's coefficients favour most, light gases, water, the heaviest.
@@ -124,8 +140,10 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
       if (!other_root_trial(f, ref, f.between)) return false;
       continue;
     }
-    if (!(f.call.every_component || j == heaviest || j == favoured || j == water || Tc[j] < kLightGas ||
-          Pc[j] > kCohesive))
+    // Wilson's coefficient stands for the fugacity of the pure liquid where that need not be asked for.
+    const bool usual = j == heaviest || j == favoured || j == water || Tc[j] < kLightGas || Pc[j] > kCohesive;
+    if (!usual && !f.call.every_component && f.call.T > kWilsonReach * Tc[j] &&
+        ref.d[j] < wilson_log_k(f, j) - kWilsonMargin)
       continue;
     // Above its critical temperature a component that a phase consists of has no second phase of its own.
     if (f.call.T > Tc[j] && (ref.z[j] > 0.5 || (ref.other != nullptr && ref.other[j] > 0.5))) continue;
@@ -133,8 +151,28 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
     if (f.status != KV_OK) return false;
     const double least = j == heaviest ? kHeaviestWorthFollowing : kWorthFollowing;
     if (f.trial.log_w[j] < std::log(least)) continue;
+    // Just below its vapour pressure it is a liquid as well.
+    const bool gas = f.m.built_in() && packing(f, f.m.t.b[j], f.trial.Z) < kGasPacking;
+    if (gas && !f.liquids_only() && f.call.T < Tc[j]) {
+      for (int i = 0; i < n; ++i) f.between[i] = i == j ? 1.0 : 0.0;
+      if (!other_root_trial(f, ref, f.between)) return false;
+      if (have_gas) continue;
+    }
+    // Beside a liquid a gas near its critical temperature may be most of a second liquid, though it is none
+    // alone.
+    if (gas && !have_gas && f.call.T < kNearCritical * Tc[j]) {
+      for (int i = 0; i < f.m.ld; ++i) f.between[i] = (1.0 - kMostOfLiquid) * ref.z[i];
+      f.between[j] += kMostOfLiquid;
+      f.trial.Z = 0.0;
+      f.status = fugacity(f.m, f.between, Kind::liquid, f.trial.ln_phi, nullptr, f.trial.Z);
+      if (f.status != KV_OK) return false;
+      for (int i = 0; i < n; ++i) f.trial.log_w[i] = ref.d[i] - f.trial.ln_phi[i];
+      if (!run_trial(f, ref, liquid_kind(f))) return false;
+      f.status = start_near_pure(f.m, ref, j, f.trial);
+      if (f.status != KV_OK) return false;
+    }
     // A gas beside a gas: it would be the one that is there already.
-    if (have_gas && f.m.built_in() && packing(f, f.m.t.b[j], f.trial.Z) < kGasPacking) continue;
+    if (have_gas && gas) continue;
     if (!run_trial(f, ref, liquid_kind(f))) return false;
   }
   return true;
@@ -244,7 +282,7 @@ bool test_feed(Flash& f) {
   if (f.feed_kind == Kind::liquid && f.trial.end == TrialEnd::trivial) {
     if (!start_trial(f, ref, kIdealGas) || !run_trial(f, ref, vapour_kind(f))) return false;
   }
-  if (f.thorough() && !other_root_trial(f, ref, f.it.z)) return false;
+  if (!f.liquids_only() && !other_root_trial(f, ref, f.it.z)) return false;
   return near_pure_trials(f, ref, f.feed_kind == Kind::gas);
 }
 
@@ -272,7 +310,7 @@ bool test_answer(Flash& f, bool& stable) {
     return false;
   if (!near_pure_trials(f, plane, have_gas)) return false;
   if (f.thorough() && f.third.x == nullptr && !trials_between(f, plane, f.it.y, f.it.x)) return false;
-  if (f.thorough())
+  if (!f.liquids_only())
     for (const double* phase :
          {static_cast<const double*>(f.it.x), static_cast<const double*>(f.it.y), f.third.x})
       if (phase != nullptr && !other_root_trial(f, plane, phase)) return false;

@@ -230,7 +230,7 @@ StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& t) {
   return KV_OK;
 }
 
-StatusCode start_other_root(Model& m, const Reference& ref, const double* w, Trial& t, Kind& kind,
+StatusCode start_other_root(Model& m, const Reference& ref, const double* w, double reach, Trial& t, Kind& kind,
                             bool& found) {
   found = true;
   kind = Kind::liquid;
@@ -247,7 +247,11 @@ StatusCode start_other_root(Model& m, const Reference& ref, const double* w, Tri
     eos::Root gas, liquid;
     eos::reduce(m.t, mixed, m.P, Z[KV_PHASE_GAS - 1], gas);
     eos::reduce(m.t, mixed, m.P, Z[KV_PHASE_LIQUID - 1], liquid);
-    const bool gas_stable = eos::residual_gibbs(mixed, gas) <= eos::residual_gibbs(mixed, liquid);
+    const double higher = eos::residual_gibbs(mixed, liquid) - eos::residual_gibbs(mixed, gas);
+    const bool gas_stable = higher >= 0.0;
+    found = std::fabs(higher) <= reach;
+    if (!found) return KV_OK;
+
     kind = gas_stable ? Kind::liquid : Kind::gas;
     eos::ln_phi(m.t, mixed, gas_stable ? liquid : gas, m.s, t.ln_phi);
   } else {
@@ -256,7 +260,7 @@ StatusCode start_other_root(Model& m, const Reference& ref, const double* w, Tri
     for (int i = 0; i < m.n; ++i) gas += w[i] * t.ln_phi[i];
     if (status == KV_OK) status = fugacity(m, w, Kind::liquid, t.ln_phi, nullptr, t.Z);
     for (int i = 0; i < m.n; ++i) liquid += w[i] * t.ln_phi[i];
-    found = status == KV_OK && std::fabs(Z - t.Z) > kSameRoot * Z;
+    found = status == KV_OK && std::fabs(Z - t.Z) > kSameRoot * Z && std::fabs(gas - liquid) <= reach;
     if (!found) return status;
     if (liquid < gas) {
       kind = Kind::gas;

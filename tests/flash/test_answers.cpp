@@ -204,4 +204,54 @@ TEST(SinglePhase, LabelFollowsThePackingAndTheIncipientPhaseIsStationary) {
   EXPECT_GE(incipient, 4);
 }
 
+// Phases that only one start leads to: a liquid of a gas near its critical temperature, a liquid beside a
+// vapour of almost its composition, a near-azeotrope, a trace that is all but insoluble. Each state has two
+// phases, and the composition given does not lower its Gibbs energy.
+TEST(Answers, PhasesThatAreEasilyMissed) {
+  struct Case {
+    std::vector<std::string> ids;
+    std::vector<double> z;
+    double T, P;
+    std::vector<double> w;
+  };
+  const std::vector<std::string> cold{"nitrogen", "methane", "ethane"};
+  const Case cases[] = {{cold,
+                         {0.34689673914970137, 0.13635206970074257, 0.51675119114955603},
+                         122.70,
+                         26.0783698,
+                         {.86449, .088509, .047}},
+                        {cold,
+                         {0.37054448485863778, 0.17622456056095381, 0.45323095458040830},
+                         129.147,
+                         31.1637599,
+                         {.8286, .1198, .0516}},
+                        {cold, {0.3, 0.4, 0.3}, 60.85, 0.068, {0.98, 0.015, 0.005}},
+                        {{"carbon_dioxide", "n_decane"}, {0.7, 0.3}, 250.366, 17.6483, {0.9904, 0.0096}},
+                        {{"ethane", "n_heptane"}, {0.6, 0.4}, 113.234, 1.3832e-3, {0.995, 0.005}},
+                        {{"carbon_dioxide", "ethane"}, {0.67, 0.33}, 248.3004, 20.0, {0.67, 0.33}},
+                        {{"methane", "propane", "n_butane", "benzene"},
+                         {0.9, 0.09, 0.01, 1e-12},
+                         76.0,
+                         1.0,
+                         {1e-9, 1e-9, 1e-9, 1.0}}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.ids[0] + " " + std::to_string(c.T) + " K");
+    Mixture m = mixture_of(c.ids);
+    m.use();
+    const FlashResult r = flash(m, c.T, c.P, c.z);
+    ASSERT_EQ(r.status, KV_OK);
+    EXPECT_TRUE(r.two_phases());
+    const PhaseState x = phase_state(m, c.T, c.P, r.x), y = phase_state(m, c.T, c.P, r.y);
+    for (const int root : {KV_PHASE_GAS, KV_PHASE_LIQUID}) {
+      const PhaseState w = phase_state(m, c.T, c.P, c.w, root);
+      double distance = 0.0;
+      for (std::size_t i = 0; i < c.w.size(); ++i) {
+        const double plane = r.y[i] > r.x[i] ? std::log(r.y[i]) + y.ln_phi[i] : std::log(r.x[i]) + x.ln_phi[i];
+        distance += c.w[i] * (std::log(c.w[i]) + w.ln_phi[i] - plane);
+      }
+      EXPECT_GT(distance, -1e-8);
+    }
+  }
+}
+
 }  // namespace

@@ -132,7 +132,8 @@ TEST(SaturationJudge, JudgesTheWayBack) {
 TEST(CaloricJudge, FindsPlantedErrors) {
   const Case c("rich_gas", 230, 30), gas("rich_gas", 400, 5);
   const double beta = c.split.beta;
-  const CaloricQuestion q{{&c.components, c.feed.z, c.T, c.P}, -3000 * (1 - beta) - 700 * beta, beta};
+  const CaloricQuestion q{
+      Quantity::enthalpy, {&c.components, c.feed.z, c.T, c.P}, -3000 * (1 - beta) - 700 * beta, beta};
   const PhaseValues values{true, true, -3000, -700};
   const CaloricAnswer right{c.T, {0, beta, c.split.x, c.split.y, {}}, -3000, -700, 0};
   EXPECT_EQ(judge_caloric(q, right, values).group, "");
@@ -149,7 +150,7 @@ TEST(CaloricJudge, FindsPlantedErrors) {
   wrong.phases.status = 112;
   EXPECT_EQ(judge_caloric(q, wrong, values).group, "status 112");
 
-  const CaloricQuestion single{{&gas.components, gas.feed.z, gas.T, gas.P}, 900, 1};
+  const CaloricQuestion single{Quantity::enthalpy, {&gas.components, gas.feed.z, gas.T, gas.P}, 900, 1};
   CaloricAnswer answer{gas.T, {0, 1, gas.feed.z, gas.feed.z, {}}, 0, 900, 0};
   EXPECT_EQ(judge_caloric(single, answer, {false, true, 0, 900}).group, "");
   answer.T += 2e-6;
