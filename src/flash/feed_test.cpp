@@ -26,7 +26,7 @@ constexpr double kBetween[] = {0.1, 0.25, 0.5, 0.75};
 // How much less than Wilson's coefficients say the logarithm of an activity may be and still be looked at.
 // Far below the critical temperature they say nothing.
 constexpr double kWilsonMargin = 1.0, kWilsonReach = 0.33;
-constexpr double kNearCritical = 1.25, kMostOfLiquid = 0.85;
+constexpr double kNearCritical = 1.12, kMostOfLiquid = 0.85;
 // Difference of the Gibbs energies of two roots, over RT, up to which the upper one may begin a phase of
 // another composition.
 constexpr double kRootReach = 0.3;
@@ -113,6 +113,22 @@ double wilson_log_k(const Flash& f, int j) {
          support::fast_log(column(KV_COL_PC) / f.call.P);
 }
 
+// Liquids of a component that is a gas alone: on its other root just below its vapour pressure; and near its
+// critical temperature mixed with some of what is there.
+bool liquid_of_gas_trials(Flash& f, const Reference& ref, int j, bool has_liquid) {
+  if (has_liquid) {
+    for (int i = 0; i < f.m.ld; ++i) f.between[i] = i == j ? 1.0 : 0.0;
+    if (!other_root_trial(f, ref, f.between)) return false;
+  }
+  for (int i = 0; i < f.m.ld; ++i) f.between[i] = (1.0 - kMostOfLiquid) * ref.z[i];
+  f.between[j] += kMostOfLiquid;
+  f.trial.Z = 0.0;
+  f.status = fugacity(f.m, f.between, Kind::liquid, f.trial.ln_phi, nullptr, f.trial.Z);
+  if (f.status != KV_OK) return false;
+  for (int i = 0; i < f.m.n; ++i) f.trial.log_w[i] = ref.d[i] - f.trial.ln_phi[i];
+  return run_trial(f, ref, liquid_kind(f));
+}
+
 // Near-pure trials: the component that Wilson's coefficients favour most, light gases, water, the heaviest.
 bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
   const int n = f.m.n;
@@ -145,29 +161,22 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
     if (!usual && !f.call.every_component && f.call.T > kWilsonReach * Tc[j] &&
         ref.d[j] < wilson_log_k(f, j) - kWilsonMargin)
       continue;
-    // Above its critical temperature a component that a phase consists of has no second phase of its own.
-    if (f.call.T > Tc[j] && (ref.z[j] > 0.5 || (ref.other != nullptr && ref.other[j] > 0.5))) continue;
+    // Above its critical temperature a component that a phase consists of has no second phase of its own; near
+    // it there may be a liquid beside a gas.
+    if (f.call.T > Tc[j] && (ref.z[j] > 0.5 || (ref.other != nullptr && ref.other[j] > 0.5))) {
+      if (have_gas && ref.other != nullptr && !f.liquids_only() && f.call.T < kNearCritical * Tc[j] &&
+          !liquid_of_gas_trials(f, ref, j, false))
+        return false;
+      continue;
+    }
     f.status = start_near_pure(f.m, ref, j, f.trial);
     if (f.status != KV_OK) return false;
     const double least = j == heaviest ? kHeaviestWorthFollowing : kWorthFollowing;
     if (f.trial.log_w[j] < std::log(least)) continue;
-    // Just below its vapour pressure it is a liquid as well.
     const bool gas = f.m.built_in() && packing(f, f.m.t.b[j], f.trial.Z) < kGasPacking;
-    if (gas && !f.liquids_only() && f.call.T < Tc[j]) {
-      for (int i = 0; i < n; ++i) f.between[i] = i == j ? 1.0 : 0.0;
-      if (!other_root_trial(f, ref, f.between)) return false;
+    if (gas && !f.liquids_only() && f.call.T < kNearCritical * Tc[j]) {
+      if (!liquid_of_gas_trials(f, ref, j, f.call.T < Tc[j])) return false;
       if (have_gas) continue;
-    }
-    // Beside a liquid a gas near its critical temperature may be most of a second liquid, though it is none
-    // alone.
-    if (gas && !have_gas && f.call.T < kNearCritical * Tc[j]) {
-      for (int i = 0; i < f.m.ld; ++i) f.between[i] = (1.0 - kMostOfLiquid) * ref.z[i];
-      f.between[j] += kMostOfLiquid;
-      f.trial.Z = 0.0;
-      f.status = fugacity(f.m, f.between, Kind::liquid, f.trial.ln_phi, nullptr, f.trial.Z);
-      if (f.status != KV_OK) return false;
-      for (int i = 0; i < n; ++i) f.trial.log_w[i] = ref.d[i] - f.trial.ln_phi[i];
-      if (!run_trial(f, ref, liquid_kind(f))) return false;
       f.status = start_near_pure(f.m, ref, j, f.trial);
       if (f.status != KV_OK) return false;
     }
