@@ -25,7 +25,7 @@ constexpr double kDilutePacking = 0.04;
 constexpr double kBetween[] = {0.1, 0.25, 0.5, 0.75};
 // How much less than Wilson's coefficients say the logarithm of an activity may be and still be looked at.
 // Far below the critical temperature they say nothing.
-constexpr double kWilsonMargin = 1.0, kWilsonReach = 0.33;
+constexpr double kWilsonMargin = 1.0, kWilsonReach = 0.4;
 constexpr double kNearCritical = 1.12, kMostOfLiquid = 0.85;
 // Difference of the Gibbs energies of two roots, over RT, up to which the upper one may begin a phase of
 // another composition.
@@ -113,13 +113,15 @@ double wilson_log_k(const Flash& f, int j) {
          support::fast_log(column(KV_COL_PC) / f.call.P);
 }
 
+bool other_root_trial_of_pure(Flash& f, const Reference& ref, int j) {
+  for (int i = 0; i < f.m.ld; ++i) f.between[i] = i == j ? 1.0 : 0.0;
+  return other_root_trial(f, ref, f.between);
+}
+
 // Liquids of a component that is a gas alone: on its other root just below its vapour pressure; and near its
 // critical temperature mixed with some of what is there.
 bool liquid_of_gas_trials(Flash& f, const Reference& ref, int j, bool has_liquid) {
-  if (has_liquid) {
-    for (int i = 0; i < f.m.ld; ++i) f.between[i] = i == j ? 1.0 : 0.0;
-    if (!other_root_trial(f, ref, f.between)) return false;
-  }
+  if (has_liquid && !other_root_trial_of_pure(f, ref, j)) return false;
   for (int i = 0; i < f.m.ld; ++i) f.between[i] = (1.0 - kMostOfLiquid) * ref.z[i];
   f.between[j] += kMostOfLiquid;
   f.trial.Z = 0.0;
@@ -152,8 +154,9 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
     if (f.thorough()) {
       f.status = start_near_pure(f.m, ref, j, f.trial);
       if (f.status != KV_OK || !run_trial(f, ref, liquid_kind(f))) return false;
-      for (int i = 0; i < n; ++i) f.between[i] = i == j ? 1.0 : 0.0;
-      if (!other_root_trial(f, ref, f.between)) return false;
+      const bool near = f.m.built_in() && f.call.T < kNearCritical * Tc[j];
+      if (near ? !liquid_of_gas_trials(f, ref, j, f.call.T < Tc[j]) : !other_root_trial_of_pure(f, ref, j))
+        return false;
       continue;
     }
     // Wilson's coefficient stands for the fugacity of the pure liquid where that need not be asked for.

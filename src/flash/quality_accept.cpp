@@ -119,6 +119,18 @@ bool convex(Quality& q, const double* w, double slack) {
   return support::ldl_factor(n, ld, d, 0.0);
 }
 
+// Whether the phases are the two roots of what lies halfway between them (q.spare): of an almost pure feed,
+// whose compositions tell nothing.
+bool two_roots(Quality& q) {
+  constexpr double kNear = 0.25;  // of a root to its phase, in parts of their distance
+  double Zx = 0.0, Zy = 0.0;
+  q.status = water_aware_fugacity(q.line.m, q.spare, Kind::liquid, q.line.phi_x, {}, Zx);
+  if (q.status == KV_OK) q.status = water_aware_fugacity(q.line.m, q.spare, Kind::gas, q.line.phi_x, {}, Zy);
+  const double apart = q.point.Zy - q.point.Zx;
+  return q.status == KV_OK && apart > 0.0 && std::fabs(Zx - q.point.Zx) < kNear * apart &&
+         std::fabs(Zy - q.point.Zy) < kNear * apart;
+}
+
 // Two phases that are close to each other are two where both are stable against small changes, and what lies
 // halfway between is not: the spinodal passes between them twice. Between a pair that only looks like one it
 // passes once, or not at all.
@@ -129,6 +141,7 @@ bool truly_two(Quality& q) {
   const double slack = q.walked ? kNoCurvature : 0.0;
   if (!convex(q, q.point.x, slack) || !convex(q, q.point.y, slack)) return false;
   for (int i = 0; i < q.line.n; ++i) q.spare[i] = 0.5 * (q.point.x[i] + q.point.y[i]);
+  if (two_roots(q)) return true;
   return !convex(q, q.spare, -slack) && q.status == KV_OK;
 }
 

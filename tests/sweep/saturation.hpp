@@ -54,7 +54,8 @@ struct Sharpness {
 };
 Sharpness sharpness_at(const Question& point, const Answer& phases);
 
-// Whether a point exists at 0.001 .. 3000 atm (given T) or 40 .. 900 K (given P), by a dense scan of the
+// Whether a point exists at 0.001 .. 3000 atm (given T) or from 40 K, or two fifths of
+// where the phase boundaries are, to 900 K (given P), by a dense scan of the
 // judge's own stability test (W 0 or 1) or flash (between); found: one of them. liquids: only points of two
 // liquids.
 enum class Existence { no, liquids, yes };

@@ -19,7 +19,8 @@ struct Line {
   // Where to look: over the whole range, and closer where the envelope of the feed is.
   std::vector<double> places(int points) const {
     const bool of_P = q.given == Given::temperature;
-    const double low = of_P ? std::log(0.001) : 40, high = of_P ? std::log(3000.0) : 900;
+    const double low = of_P ? std::log(0.001) : std::max(40.0, 0.4 * sides.feed.T_low),
+                 high = of_P ? std::log(3000.0) : 900;
     const double from = of_P ? 0 : sides.feed.T_low, to = of_P ? std::log(500.0) : sides.feed.T_high;
     std::vector<double> all;
     for (int k = 0; k <= points; ++k) {
@@ -48,10 +49,14 @@ struct Line {
                                                                                  : Existence::yes;
   }
 
-  // The state where the vapour fraction is W.
+  // The state where the vapour fraction is W; what differs by less than a thousandth is one phase.
   Existence state(double u, double& found) const {
     const auto par = parameters_at<double>(sides.components, T(u));
     const Split split = flash(sides.components, par, P(u), sides.z);
+    double apart = 0;
+    for (size_t i = 0; i < sides.z.size(); ++i)
+      apart = std::max(apart, std::abs(std::log(split.y[i] / split.x[i])));
+    if (!(apart > 1e-3)) return Existence::no;
     found = at(u);
     return is_liquid(sides, T(u), P(u), split.y) ? Existence::liquids : Existence::yes;
   }
