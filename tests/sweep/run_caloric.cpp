@@ -136,7 +136,10 @@ void set_value(Library& library, const Feed& feed, const Components& components,
   trip.question.given = true;
   double ends[2];
   for (int end = 0; end < 2; ++end) {
-    const double T = end ? (feed.free_water ? 600 : 700) : (feed.free_water ? 250 : 100);
+    // With free water up to where a fifth of a liquid at its limit is water: beyond, the rules describe no
+    // liquid.
+    const double wet = feed.solubility_b / (feed.solubility_a - std::log(0.2));
+    const double T = end ? (feed.free_water ? wet : 700) : (feed.free_water ? 250 : 100);
     trip.question.state = question_of(feed, components, {T, P});
     ends[end] = total_of(library, trip, T, {0, 0, feed.z, feed.z, feed.z});
   }
