@@ -72,8 +72,14 @@ KV_API StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const dou
  * pseudo-critical one of the mixture, 3.9514 b, else the liquid (beta 0). With the FreeWaterFlag x is the whole
  * liquid: hydrocarbons with water up to the solubility limit, and all free water. Above 1.25 times the
  * pseudo-critical temperature (Kay) of the dry feed, hydrocarbons beside free water count as vapour however
- * dense they are. 112, 120: no answer; the results hold the last iterate. Others: the status of the fugacity
- * routine.
+ * dense they are; a fluid that is stable as one of the two only is called that. A feed with less than 1e-15 of
+ * water is treated as with the flag clear, to the last bit. Of three phases the two of lowest Gibbs energy are
+ * returned (with the flag, where hydrocarbons would form two liquids, one of the pairs). What is returned with 0
+ * balances to 1e-12 and has ln fugacities equal to 1e-8 (a host's routine: to the square root of CRIT).
+ *
+ * 112, 120: no answer; the results hold the last iterate. With the flag also where the rules of free water have no
+ * state: solubility limits above about a fifth, hydrocarbons near their critical point. Others: the status of the
+ * fugacity routine.
  */
 KV_API StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                       const ModelRoutines* routines, int32_t options, double* beta, double* x,
@@ -108,12 +114,12 @@ KV_API StatusCode KV_CALL FlashLVatSP(double S, double P, const double* z, Mixtu
  * At vapour fraction W (0 bubble, 1 dew; below 0 counts as 0, above 1 as 1) and pressure, T in/out; or at W and
  * temperature, P in/out. An estimate that is not greater than 0 becomes 298.15 K or 1 atm. 48 bytes.
  *
- * 0 = found: ln fugacities equal to 1e-10, and nothing splits off. Where several points exist a cold start
+ * 0 = found: ln fugacities equal to 1e-8, and nothing splits off. Where several points exist a cold start
  * returns the one that is reached first from low pressure: the lower of two pressures, and of two dew
  * temperatures the higher. A warm start (estimate of T or P, x, y) stays on the branch of its estimate. 116: no
  * temperature (pressure) has this vapour fraction with a vapour and a liquid; T or P, x, y, K stay as they
  * were. 117: a point was found and is returned, but another phase splits off before it: a second liquid at low
- * temperature, mostly. With the FreeWaterFlag the point is one of the free-water rules, not tested further.
+ * temperature, mostly. With the FreeWaterFlag x is the whole liquid, and at W = 1 the incipient liquid may be water.
  */
 KV_API StatusCode KV_CALL FlashLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
                                       const ModelRoutines* routines, int32_t options, double* T, double* x,
@@ -134,17 +140,18 @@ KV_API StatusCode KV_CALL FlashLVatWT(double W, double T, const double* z, Mixtu
  *   three phases        0 < beta, 0 < V, beta + V < 1; A is the lighter liquid, B the denser one
  *   vapour, one liquid  beta 0, the liquid in B whatever it is, xA and KLL zero, KLV = y/xB
  *   two liquids         V 0, y and KLV zero
- *   one liquid          V 0; beta 0 and the liquid in B with KLL 1e15; with free water beta 1 and the liquid in
- * A a vapour alone      V 1, beta 0, KLV 1e15; xB holds a liquid close to appearing, or the feed
+ *   one liquid          V 0; beta 0 and the liquid in B with KLL 1e15; with free water beta 1, the liquid in A
+ *   a vapour alone      V 1, beta 0, KLV 1e15; xB holds a liquid close to appearing, or the feed
  *
  * Of two phases the less densely packed one (b/v) is called vapour above the critical volume of the equation
  * (3.9514 b) or its own pseudo-critical temperature (1.25 times that beside an aqueous liquid), else it is a
  * liquid. With the FreeWaterFlag the liquid of FlashLVatTP is taken apart: A hydrocarbons at their solubility
  * limit, B water.
  *
- * 0 = found: ln fugacities equal to 1e-10, and nothing splits off. 111: the feed does not sum to one within
+ * 0 = found: ln fugacities equal to 1e-8, and nothing splits off. 111: the feed does not sum to one within
  * sum_tolerance. 112, 114, 120: no answer, results hold the best state seen. 118: three phases, and a fourth
- * would split off. With flashes of the host: 134, 135 an answer of two phases or one after a liquid-vapour
+ * would split off; with the FreeWaterFlag also where hydrocarbons would form two liquids, of which its rules know
+ * one. With flashes of the host: 134, 135 an answer of two phases or one after a liquid-vapour
  * flash (entry 2) with a status that ends flashes, 136 what a flash left was nothing to start from; such a
  * status of the liquid-liquid flash (entry 1) is returned as it stands.
  */
@@ -172,7 +179,7 @@ KV_API StatusCode KV_CALL FlashLLVatSP(double S, double P, const double* z, Mixt
  * At vapour fraction W and pressure (T in/out, K), or temperature (P in/out, atm); phases as above with V = W.
  * W = 0: bubble point, y is the vapour about to appear over one liquid (beta 1, in A) or two; W = 1: dew point,
  * B is the liquid about to appear. 116: no such state was met; 112: not found; the results then stay as they
- * were. 60 bytes.
+ * were. 117: with the FreeWaterFlag, as of FlashLVatWP. 60 bytes.
  */
 KV_API StatusCode KV_CALL FlashLLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
                                        const ModelRoutines* routines, int32_t options, double* T, double* beta,

@@ -29,7 +29,8 @@ typedef int32_t StatusCode;
   X(KV_RELAXATION, 114, "the relaxation factor fell below its limit")                                        \
   X(KV_ZERO_SLOPE, 115, "the derivative of the residual is zero")                                            \
   X(KV_NO_SATURATION, 116, "no temperature or pressure has this vapour fraction with two phases")            \
-  X(KV_UNSTABLE_POINT, 117, "a bubble or dew point was found, but another phase splits off before it")       \
+  X(KV_UNSTABLE_POINT, 117,                                                                                  \
+    "a point of this vapour fraction was found, but another phase splits off before it")                     \
   X(KV_FOURTH_PHASE, 118, "three phases were found, but a fourth would split off; results hold these three") \
   X(KV_TRIVIAL, 120, "the iteration ended on two identical phases or broke down")                            \
   X(KV_TRIVIAL_LV, 121, "the vapour and the second liquid became the same phase")                            \

@@ -290,22 +290,6 @@ Local solve_phases(Energy& e, EnergyState& s) {
   return Local::converged;
 }
 
-namespace {
-
-/*
- * As what a phase w that has a name is asked for its value: as the other one where that clearly has the lower
- * Gibbs energy, as for the lighter one of two liquids. With free water the rules of water go by the name.
- */
-int lower_phase(Energy& e, double T, const double* w, int name) {
-  constexpr double kClearlyLower = 1e-7;
-  if (e.call.free_water || !fugacities_of(e, T, w, w)) return name;
-  double less = 0.0;  // of the liquid than of the gas
-  for (int i = 0; i < e.n; ++i) less += w[i] * (e.b.ln_phi[i] - e.a.ln_phi[i]);
-  return std::fabs(less) <= kClearlyLower ? name : less > 0.0 ? KV_PHASE_LIQUID : KV_PHASE_GAS;
-}
-
-}  // namespace
-
 IsothermalCall isothermal_call(Energy& e, EnergyState& s) {
   IsothermalCall c;
   c.T = s.T;
@@ -333,9 +317,8 @@ bool evaluate_state(Energy& e, EnergyState& s) {
   const double* y = s.beta < 1.0 ? s.y : e.z;
   if (!e.model.analytic()) {
     e.status = KV_OK;
-    if (liquid) e.status = phase_value(e.model, s.T, x, lower_phase(e, s.T, x, KV_PHASE_LIQUID), s.liquid);
-    if (vapour && e.status == KV_OK)
-      e.status = phase_value(e.model, s.T, y, lower_phase(e, s.T, y, KV_PHASE_GAS), s.vapour);
+    if (liquid) e.status = phase_value(e.model, s.T, x, KV_PHASE_LIQUID, s.liquid);
+    if (vapour && e.status == KV_OK) e.status = phase_value(e.model, s.T, y, KV_PHASE_GAS, s.vapour);
   } else {
     e.status = prepare_caloric(e.model, s.T);
     if (e.status != KV_OK) return false;

@@ -38,7 +38,7 @@ struct IsothermalCall {
   double *x = nullptr, *y = nullptr, *K = nullptr;
   Counts* counts = nullptr;      // may be null
   Model* model = nullptr;        // prepared for this call; null: the flash makes its own
-  ThirdPhase* third = nullptr;   // may be null; not with free water
+  ThirdPhase* third = nullptr;   // may be null; with free water only whether there is one
   bool every_component = false;  // feed_stability: near-pure trials of all components, not of the usual ones
 };
 

@@ -50,6 +50,15 @@ int single_component(int n, const double* z, double tolerance) noexcept {
   return -1;
 }
 
+int single_component_of_feed(int n, const double* z, double tolerance) noexcept {
+  double sum = 0.0;
+  for (int i = 0; i < n; ++i) sum += z[i];
+  if (n == 1) return 0;
+  for (int i = 0; i < n; ++i)
+    if (z[i] > (1.0 - tolerance) * sum) return i;
+  return -1;
+}
+
 StatusCode pure_saturation(QualityLine& line, LinePoint& p, int j, int unknown) {
   const MixtureRecord& r = *line.mixture;
   const double Tc = r.table[static_cast<std::size_t>(KV_COL_TC - 1) * r.count + j];

@@ -10,6 +10,8 @@ namespace kestrune::flash {
  * Index of the component that makes up the whole feed z[n] (sum 1): the only one, or the first whose fraction
  * is strictly greater than 1 - tolerance. -1 without one.
  */
+/* The same of a feed z[n] that need not sum to one. */
+int single_component_of_feed(int n, const double* z, double tolerance) noexcept;
 int single_component(int n, const double* z, double tolerance) noexcept;
 
 /*

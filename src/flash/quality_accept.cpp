@@ -39,6 +39,11 @@ double gap(const Quality& q) {
   return fugacity_gap(line.n, line.z, {q.point.x, line.phi_x}, {q.point.y, line.phi_y});
 }
 
+// What is owed, by the rules of a host where its routine rules.
+double owed(const Quality& q) {
+  return std::max(kOwedFugacity, host_slack(q.line.m, q.settings));
+}
+
 double largest_log_K(const Quality& q) {
   double largest = 0.0;
   for (int i = 0; i < q.line.n; ++i)
@@ -60,7 +65,7 @@ bool close_in_composition(const Quality& q) {
 bool equal_fugacities(Quality& q, bool& stable_roots) {
   const auto equal_on = [&](Kind of_x, Kind of_y) {
     q.status = phases_at(q, of_x, of_y);
-    return q.status == KV_OK && gap(q) <= kOwedFugacity;
+    return q.status == KV_OK && gap(q) <= owed(q);
   };
   stable_roots = false;
   const bool named_first = q.line.free_water || close_in_composition(q);
@@ -79,7 +84,7 @@ bool as_good(Quality& q, const double* w, const double* ln_phi) {
   q.status = water_aware_fugacity(q.line.m, w, Kind::stable, q.spare, {}, Z);
   if (q.status != KV_OK) return false;
   for (int i = 0; i < q.line.n; ++i) excess += w[i] * (ln_phi[i] - q.spare[i]);
-  return excess <= kOwedFugacity;
+  return excess <= owed(q);
 }
 
 /*
@@ -168,7 +173,7 @@ Verdict stability(Quality& q) {
     q.status = answer_stability(c, distance);
   }
   if (q.status != KV_OK) return Verdict::model;
-  return distance >= kStable ? Verdict::good : Verdict::unstable;
+  return distance >= std::min(kStable, -host_slack(q.line.m, q.settings)) ? Verdict::good : Verdict::unstable;
 }
 
 Verdict refused(const Quality& q) {

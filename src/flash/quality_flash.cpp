@@ -399,7 +399,7 @@ StatusCode set_up(const QualityCall& call, support::Arena& arena) {
 
 StatusCode quality_flash(const QualityCall& call) {
   if (call.free_water && has_free_water(*call.mixture, call.z) &&
-      single_component(call.mixture->count, call.z, pure_tolerance(*call.mixture)) < 0)
+      single_component_of_feed(call.mixture->count, call.z, pure_tolerance(*call.mixture)) < 0)
     return wet_quality(call);
   return support::with_arena<8, 160>(call.mixture->count,
                                      [&](support::Arena& arena) { return set_up(call, arena); });

@@ -228,6 +228,7 @@ StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
     f.answer.beta = kept.beta;
     std::copy_n(kept.x, f.m.n, f.answer.x);
     std::copy_n(kept.y, f.m.n, f.answer.y);
+    if (f.call.third != nullptr) f.call.third->found = true;
     return write_answer(f, KV_OK);
   }
   return write_answer(f, KV_TRIVIAL);
@@ -294,6 +295,13 @@ StatusCode check_wet(const IsothermalCall& call, bool& good, bool& third) {
     std::copy_n(call.y, f.m.n, f.answer.y);
     wilson(f.call.T, f.call.P, *f.call.mixture, true, f.wilson_k, nullptr);
     good = accept(f, third);
+    // The dew point of what is a liquid by its name, and stable as one, is none.
+    if (good && *call.beta == 1.0 && f.water <= kWaterRich && !called_gas(f, f.answer.y, f.answer.Zy)) {
+      bool cut = false;
+      f.answer.boundary = false;
+      feed_as_liquid(f);
+      good = !(accept(f, cut) && f.liquid_by_name);
+    }
     return f.status;
   });
 }

@@ -223,16 +223,17 @@ bool accept(Wet& f, bool& third) {
   const double* const phases[] = {a.x, a.y};
   if (!is_split(f.m.n, f.z, 2, amounts, phases)) return false;
   const bool gas = a.has_gas(), liquid = a.has_liquid(), water_rich = liquid && a.x[w] > kWaterRich;
+  const double owed = std::max(kOwedFugacity, host_slack(f.m, f.settings));
   a.Zx = a.Zy = 0.0;
   if (gas && !gas_fugacity(f, a.y, a.phi_y, a.Zy)) return false;
   if (liquid) {
     f.status = wet_liquid_fugacity(f.m, a.x, a.phi_x, {}, a.Zx);
     if (f.status != KV_OK) return false;
   }
-  if (gas && liquid && !(fugacity_gap(f.m.n, f.z, {a.x, a.phi_x}, {a.y, a.phi_y}) <= kOwedFugacity))
-    return false;
+  if (gas && liquid && !(fugacity_gap(f.m.n, f.z, {a.x, a.phi_x}, {a.y, a.phi_y}) <= owed)) return false;
   set_plane(f, water_rich);
-  if (gas && support::fast_log(a.y[w]) + a.phi_y[w] + std::log(f.m.P / f.m.psat.value) > kOwedFugacity)
+  if (gas && a.y[w] > kSmallestK &&
+      support::fast_log(a.y[w]) + a.phi_y[w] + std::log(f.m.P / f.m.psat.value) > owed)
     return false;
   const bool oil = liquid && !water_rich;
   if (gas && is_liquid_water(f, a.y, a.Zy)) return false;
@@ -252,7 +253,8 @@ bool accept(Wet& f, bool& third) {
   if (!look_for_missing(f, Kind::liquid, known)) return false;
   // Beside a gas that is one by its packing there is no lighter one.
   if (!(gas && loosely_packed(f, a.y, a.Zy)) && !look_for_missing(f, Kind::gas, known)) return false;
-  const bool cut = (f.liquid.found && f.liquid.ln_sum > kGrows) || (f.vapour.found && f.vapour.ln_sum > kGrows);
+  const bool cut = (f.liquid.found && f.liquid.ln_sum > std::max(kGrows, owed)) ||
+                   (f.vapour.found && f.vapour.ln_sum > std::max(kGrows, owed));
   third = cut && gas && oil;
   return !cut;
 }

@@ -231,7 +231,10 @@ bool split_two(Wet& f) {
   bool short_of_water = false;
   if (f.m.solubility.value < 1.0 && split_saturated(f, short_of_water)) return true;
   if (f.status != KV_OK) return false;
-  if (!short_of_water) std::copy_n(f.spare, n, f.log_k);
+  // From where the split beside water ended; and, where that leads nowhere, from where it began.
+  if (short_of_water && split_unsaturated(f)) return true;
+  if (f.status != KV_OK) return false;
+  std::copy_n(f.spare, n, f.log_k);
   return split_unsaturated(f);
 }
 

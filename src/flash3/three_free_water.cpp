@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "flash/accept.hpp"
 #include "flash/energy_state.hpp"
 #include "flash/pure_saturation.hpp"
 
@@ -58,7 +59,9 @@ StatusCode search(const ThreeEnergyCall& c, const flash::CaloricModel& model) {
     }
     if (bracket.high - bracket.low <= kSameTemperature * T) {
       const double jump = bracket.f_high - bracket.f_low;
-      return jump <= 1e-6 * std::max(std::fabs(c.wanted), 1.0) ? kind : StatusCode{KV_NOT_CONVERGED};
+      const double unit = eos::kCalR * (c.property == flash::Property::enthalpy ? T : 1.0);
+      return jump <= flash::kOwedValue * std::max(std::fabs(c.wanted), unit) ? kind
+                                                                             : StatusCode{KV_NOT_CONVERGED};
     }
     T = k % 5 == 4 || !bracket.inside(bracket.secant()) ? 0.5 * (bracket.low + bracket.high) : bracket.secant();
   }

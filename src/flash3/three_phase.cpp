@@ -167,10 +167,14 @@ StatusCode solve_with_free_water(const ThreePhaseCall& c, support::Arena& arena)
   call.x = lv.first;
   call.y = lv.second;
   call.K = lv.K;
+  flash::ThirdPhase third;
+  call.third = &third;
   status = flash::isothermal_flash(call);
   if (status != KV_OK && status != KV_SINGLE_PHASE) return status;
-  if (!split_free_water({c.T, c.P, c.mixture, lv.part, lv.first, lv.second}, c.out))
-    return doubt(lv.failed, KV_LV_ANSWER);
+  const bool split = split_free_water({c.T, c.P, c.mixture, lv.part, lv.first, lv.second}, c.out);
+  // Hydrocarbons that would form two liquids, of which the rules of free water know one.
+  if (third.found) return KV_FOURTH_PHASE;
+  if (!split) return doubt(lv.failed, KV_LV_ANSWER);
   return lv.part > 0.0 ? StatusCode{KV_OK} : doubt(lv.failed, KV_LL_ANSWER);
 }
 

@@ -158,8 +158,9 @@ void judge_rules(const Question& question, const Answer& answer, Verdict& verdic
     return;
   }
   if (has_vapour) {
+    // At the bound of its K it follows no vapour pressure.
     const double excess = vapour[water.iw] + std::log(question.P / water.psat);
-    if (excess > fugacity_tolerance) {
+    if (excess > fugacity_tolerance && answer.y[water.iw] > 1e-15) {
       verdict.reason = message("the vapour is supersaturated with water by %.3g", excess);
       return;
     }
