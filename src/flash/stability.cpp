@@ -125,7 +125,7 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
   const bool quick = how == Follow::quick;
   ++m.counts.trials;
   t.end = TrialEnd::failed;
-  bool stepped = false;  // the last step was of second order and may have to be cut
+  bool stepped = false;  // the last step may have to be cut
   double before = 0.0, factor = 1.0;
   int second_from = how == Follow::report ? 0 : kSubstitutions;
   for (int k = 0; k < kMaxSteps; ++k) {
@@ -165,10 +165,14 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
       return KV_OK;
     }
     before = t.tm;
-    stepped = second && second_order(m, work, t);
-    if (stepped) {
+    const bool newton = second && second_order(m, work, t);
+    // A substitution overshoots where unlike molecules attract each other strongly; the first one has far to
+    // go.
+    stepped = newton || k > 0;
+    if (newton) {
       take_step(m.n, factor, work, t);
     } else {
+      std::copy_n(t.log_w, m.n, work.old_root);
       for (int i = 0; i < m.n; ++i) t.log_w[i] -= work.r[i];
     }
   }

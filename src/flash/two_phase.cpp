@@ -123,6 +123,38 @@ void substitute(const Model& m, double relaxation, Iterate& it) {
   for (int i = 0; i < m.ld; ++i) it.k[i] = support::fast_exp(it.log_k[i]);
 }
 
+// Gives the coefficients a common factor with which there are two phases: sum z K and sum z/K become equal, and
+// their product is above 1. False: all K are one.
+bool centre_coefficients(const Model& m, Iterate& it) {
+  double up = 0.0, down = 0.0;
+  for (int i = 0; i < m.n; ++i) {
+    up += it.z[i] * it.k[i];
+    down += it.z[i] / it.k[i];
+  }
+  const double shift = 0.5 * support::fast_log(down / up);
+  for (int i = 0; i < m.n; ++i) it.log_k[i] = std::clamp(it.log_k[i] + shift, -kLargestLogK, kLargestLogK);
+  for (int i = 0; i < m.ld; ++i) it.k[i] = support::fast_exp(it.log_k[i]);
+  return split_feed(m, it);
+}
+
+// The same with the split that follows. Of a feed that is known to be unstable the step is cut until both
+// phases are there: where unlike molecules attract each other strongly, a whole one overshoots. False: one
+// phase.
+bool substitute_within(const Model& m, const IterationPlan& plan, double relaxation, const TwoPhaseWork& work,
+                       Iterate& it) {
+  std::copy_n(it.log_k, m.n, work.old_log_k);
+  substitute(m, relaxation, it);
+  if (split_feed(m, it)) return true;
+  if (plan.compare_with_feed) return false;
+  for (int k = 0; k < kStepCuts; ++k) {
+    relaxation *= 0.5;
+    std::copy_n(work.old_log_k, m.n, it.log_k);
+    substitute(m, relaxation, it);
+    if (split_feed(m, it)) return true;
+  }
+  return false;
+}
+
 // The Newton system on (ln K, beta), reduced to the vapour amounts v_i = beta y_i: with beta liquid = VL
 //   S = D [diag(z/(x y)) - 1 + L M_y + V M_x] D,  D_i = sqrt(x_i y_i/z_i),  S u = VL D r,  dv = D u.
 // S is symmetric positive definite next to a minimum of the Gibbs energy.
@@ -264,7 +296,7 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
   for (int i = m.n; i < m.ld; ++i) it.x[i] = it.y[i] = it.log_k[i] = it.r[i] = 0.0;
   it.Zx = it.Zy = 0.0;
   it.count = 0;
-  if (!split_feed(m, it)) return Outcome::one_phase;
+  if (!split_feed(m, it) && (plan.compare_with_feed || !centre_coefficients(m, it))) return Outcome::one_phase;
   bool newton_taken = false, accepted = false;
   double before = 0.0, error_before = 0.0, factor = 1.0;
   Polish polish;
@@ -314,8 +346,7 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
       continue;
     }
     if (derivatives && ++failures > kMaxTakenBack) return Outcome::broke_down;
-    substitute(m, derivatives ? 1.0 : p.relaxation, it);
-    if (!split_feed(m, it)) return Outcome::one_phase;
+    if (!substitute_within(m, plan, derivatives ? 1.0 : p.relaxation, work, it)) return Outcome::one_phase;
   }
 }
 

@@ -205,7 +205,8 @@ TEST(SinglePhase, LabelFollowsThePackingAndTheIncipientPhaseIsStationary) {
 }
 
 // Phases that only one start leads to: a liquid of a gas near its critical temperature, a liquid beside a
-// vapour of almost its composition, a near-azeotrope, a trace that is all but insoluble. Each state has two
+// vapour of almost its composition, a near-azeotrope, unlike molecules that attract each
+// other strongly, a trace that is all but insoluble. Each state has two
 // phases, and the composition given does not lower its Gibbs energy.
 TEST(Answers, PhasesThatAreEasilyMissed) {
   struct Case {
@@ -229,6 +230,17 @@ TEST(Answers, PhasesThatAreEasilyMissed) {
                         {{"carbon_dioxide", "n_decane"}, {0.7, 0.3}, 250.366, 17.6483, {0.9904, 0.0096}},
                         {{"ethane", "n_heptane"}, {0.6, 0.4}, 113.234, 1.3832e-3, {0.995, 0.005}},
                         {{"carbon_dioxide", "ethane"}, {0.67, 0.33}, 248.3004, 20.0, {0.67, 0.33}},
+                        {{"water", "ammonia"},
+                         {0.11067361527942, 0.88932638472058},
+                         260.4585075,
+                         0.2209931415,
+                         {0.11067, 0.88933}},
+                        {{"ammonia", "n_undecane"},
+                         {0.99863006831398, 0.00136993168602},
+                         348.743484927,
+                         31.313658978,
+                         {0.99863, 0.00137}},
+                        {{"methyl_mercaptan", "ethane"}, {0.01, 0.99}, 165.0, 0.1254, {0.4, 0.6}},
                         {{"methane", "propane", "n_butane", "benzene"},
                          {0.9, 0.09, 0.01, 1e-12},
                          76.0,
