@@ -8,6 +8,8 @@
 #   scripts/sweep.sh --values           the same at values on a grid
 #   scripts/sweep.sh --three-phase      two liquids and a vapour at T and P
 #   scripts/sweep.sh --three-phase-caloric   the same at enthalpy, entropy and vapour fraction
+#   scripts/sweep.sh --free-water       all two-phase flashes of random feeds with free water
+#   scripts/sweep.sh --own-routines     the library's own routines in the record against the null record
 #   scripts/sweep.sh --sample           the fixed sample of the test suite, of any of them
 #   scripts/sweep.sh --seed 7 --warm    other states, every one asked a second time from a warm start
 #
