@@ -16,8 +16,10 @@ using flash::Solved;
 // as much.
 constexpr int kTestEvery = 1, kTestEveryCritical = 5;
 constexpr double kBesideCritical = 1.0;
-constexpr double kTooCloseToTest = 0.05;  // largest |ln K| beside a critical point
-constexpr double kOnePhase = 2e-3;        // largest |ln K| of a point that is none: both phases are the feed
+constexpr double kTooCloseToTest = 0.05;  // |ln K| beside a critical point, in parts of the walk's largest
+// A point that is none, both phases of which are the feed: largest |ln K|, and what Newton's method leaves
+// between the densities.
+constexpr double kOnePhase = 2e-3, kSameDensity = 1e-5;
 constexpr int kHardPoint = 7, kMostShorter = 4;  // Newton iterations of a point; steps that are cut for it
 constexpr double kShorter = 0.3;
 constexpr double kJoined = 1e-3;  // of ln T and ln P
@@ -31,8 +33,21 @@ double largest_log_K(const Tracer& t, const double* X) {
   return largest;
 }
 
-// All ln K change their sign between two points.
+// How far the densities of both phases are apart. Small ln K alone do not say that phases are close to each
+// other: those of components that boil close together are small everywhere, and those of an azeotrope vanish.
+double between_densities(const LinePoint& p) {
+  return std::fabs(p.Zx - p.Zy) / p.Zy;
+}
+
+// Whether both phases of a point are the feed.
+bool all_feed(const Tracer& t, const LinePoint& p) {
+  return largest_log_K(t, p.X) < kOnePhase && between_densities(p) < kSameDensity;
+}
+
+// All ln K change their sign between two points, and so do the densities; at an azeotrope these stay apart.
 bool passes_critical(const Tracer& t, const LinePoint& a, const LinePoint& b) {
+  const auto apart = [&](const LinePoint& p) { return between_densities(p) > largest_log_K(t, p.X); };
+  if ((a.Zx > a.Zy) == (b.Zx > b.Zy) && apart(a) && apart(b)) return false;
   double sum = 0.0;
   for (int i = 0; i < t.line.n; ++i)
     if (t.line.z[i] > 0.0) sum += a.X[i] * b.X[i];
@@ -154,8 +169,9 @@ bool on_earlier_line(const Tracer& t, const LinePoint& p, int seen) {
   return false;
 }
 
-// Tests the nodes after number tested. Returns the first one that differs from what the walk believes.
-int first_change(Tracer& t, int tested, bool believed) {
+// Tests the nodes after number tested, if not as close as that to a critical point. Returns the first one that
+// differs from what the walk believes.
+int first_change(Tracer& t, int tested, bool believed, double too_close) {
   const int last = t.count - 1;
   const auto test = [&](int k) {
     keep_roots(t, t.node[k]);
@@ -164,7 +180,7 @@ int first_change(Tracer& t, int tested, bool believed) {
   };
   if (test(last) == believed) return -1;
   for (int k = tested + 1; k < last; ++k)
-    if (!t.node[k].critical && largest_log_K(t, t.node[k].X) > kTooCloseToTest && test(k) != believed) return k;
+    if (!t.node[k].critical && largest_log_K(t, t.node[k].X) > too_close && test(k) != believed) return k;
   test(last);
   return last;
 }
@@ -174,6 +190,7 @@ struct Stability {
   int tested;            // last node that was tested
   bool good = true;      // its result
   bool renewed = false;  // the walk goes on from another branch
+  double largest = 0.0;  // |ln K| so far, at most 1
 };
 
 // Tests when it is time to and acts on a change.
@@ -181,9 +198,11 @@ void look_at_stability(Tracer& t, Stability& s, bool now, double& phase, double&
   const int last = t.count - 1;
   s.renewed = false;
   const double largest = largest_log_K(t, t.node[last].X);
+  s.largest = std::clamp(largest, s.largest, 1.0);
+  const double too_close = kTooCloseToTest * s.largest;
   const int every = largest < kBesideCritical ? kTestEveryCritical : kTestEvery;
-  if (!now && (last - s.tested < every || largest < kTooCloseToTest)) return;
-  const int change = first_change(t, s.tested, s.good);
+  if (!now && (last - s.tested < every || largest < too_close)) return;
+  const int change = first_change(t, s.tested, s.good, too_close);
   if (change >= 0 && s.good && t.boundary()) {
     if (change_over(t, change, sign, phase)) {
       s.tested = t.count - 1;
@@ -205,9 +224,14 @@ void look_at_stability(Tracer& t, Stability& s, bool now, double& phase, double&
 bool goes_on(const Tracer& t, double& sign) {
   const flash::QualityLine& line = t.line;
   const int held = flash::most_sensitive(line, t.here);
+  // Beside a critical point T and P may turn back as at a cusp; the ln K go on however small they are.
+  const double largest = std::max({largest_log_K(t, t.here.X), largest_log_K(t, t.last.X),
+                                   between_densities(t.here), between_densities(t.last)});
+  const double of_log_K = 1.0 / std::min(largest * largest, 1.0);
   double along = 0.0;
   for (int i = 0; i < line.n + 2; ++i)
-    if (i >= line.n || line.z[i] > 0.0) along += t.here.slope[i] * (t.here.X[i] - t.last.X[i]);
+    if (i >= line.n || line.z[i] > 0.0)
+      along += (i < line.n ? of_log_K : 1.0) * t.here.slope[i] * (t.here.X[i] - t.last.X[i]);
   if ((along * t.here.slope[held] > 0.0) == (t.here.X[held] >= t.last.X[held])) return true;
   sign = along * t.here.slope[line.P_index()] > 0.0 ? 1.0 : -1.0;
   return false;
@@ -229,11 +253,14 @@ End follow(Tracer& t, double phase, double sign, bool stable, int seen) {
     for (int shorter = 0;; ++shorter) {
       solved = flash::walk_on(t.line, by_last ? &t.last : nullptr, t.here, sign, step, bounds, t.next, made,
                               t.status);
-      // A point that was hard to find is far from where it was expected: the line turns in between.
-      if (solved != Solved::yes || t.next.passes <= kHardPoint || shorter == kMostShorter) break;
+      if (solved != Solved::yes || shorter == kMostShorter) break;
+      // A point that was hard to find is far from where it was expected: the line turns in between. Behind a
+      // critical point T and P turn back, and with one of them held the line before it is as close.
+      const bool back = have_last && passes_critical(t, t.last, t.here) && passes_critical(t, t.here, t.next);
+      if (t.next.passes <= kHardPoint && !back) break;
       step = kShorter * std::fabs(made.change);
     }
-    if (solved != Solved::yes || largest_log_K(t, t.next.X) < kOnePhase) {
+    if (solved != Solved::yes || all_feed(t, t.next)) {
       look_at_stability(t, stability, true, phase, sign);
       return End::broken;
     }

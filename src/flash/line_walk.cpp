@@ -108,7 +108,8 @@ Solved walk_on(QualityLine& line, const LinePoint* last, const LinePoint& here, 
   else if (!(here.slope[line.P_index()] / here.slope[held] > 0.0))
     sign = -sign;
   double h = bounded(line, here, held, sign * step, bounds);
-  if (held < line.n && here.X[held] * (here.X[held] + h) < kBesideCritical * kBesideCritical &&
+  if (held < line.n && here.X[held] * h < 0.0 &&
+      here.X[held] * (here.X[held] + h) < kBesideCritical * kBesideCritical &&
       std::fabs(here.X[held] + h) < kBesideCritical && std::fabs(here.X[held]) > 0.0)
     h = (here.X[held] > 0.0 ? -1.0 : 1.0) * kBesideCritical - here.X[held];  // over the critical point
   Solved solved = Solved::no;

@@ -207,7 +207,13 @@ TEST(PhaseEnvelope, HostileFeedsAndArguments) {
       {{"helium", "nitrogen", "methane"}, {0.3, 0.4, 0.3}, KV_ENVELOPE_OPEN},
       {{"water", "methane", "ethane", "propane"}, {0.02, 0.9, 0.05, 0.03}, KV_ENVELOPE_OPEN},
       {{"carbon_dioxide", "hydrogen_sulfide"}, {0.5, 0.5}, KV_OK},
-      {{"methane", "n_eicosane"}, {0.7, 0.3}, KV_ENVELOPE_LIQUIDS}};
+      {{"methane", "n_eicosane"}, {0.7, 0.3}, KV_ENVELOPE_LIQUIDS},
+      // Boiling close together, with small ln K everywhere; with an azeotrope on the way.
+      {{"ethane", "ethylene"}, {0.5, 0.5}, KV_OK},
+      {{"n_butane", "isobutane"}, {0.5, 0.5}, KV_OK},
+      {{"n_pentadecane", "n_hexadecane"}, {0.5, 0.5}, KV_OK},
+      {{"carbon_dioxide", "ethylene"}, {0.5, 0.5}, KV_OK},
+      {{"carbon_dioxide", "ethane"}, {0.7, 0.3}, KV_ENVELOPE_LIQUIDS}};
   Feed many{{"nitrogen",     "carbon_dioxide", "hydrogen_sulfide", "methane",       "ethane",
              "propane",      "isobutane",      "n_butane",         "isopentane",    "n_pentane",
              "n_hexane",     "n_heptane",      "n_octane",         "n_nonane",      "n_decane",
