@@ -20,6 +20,7 @@ constexpr double kTooCloseToTest = 0.05;  // |ln K| beside a critical point, in 
 // A point that is none, both phases of which are the feed: largest |ln K|, and what Newton's method leaves
 // between the densities.
 constexpr double kOnePhase = 2e-3, kSameDensity = 1e-5;
+constexpr double kNoDifference = 1e-12;          // rounding of either
 constexpr int kHardPoint = 7, kMostShorter = 4;  // Newton iterations of a point; steps that are cut for it
 constexpr double kShorter = 0.3;
 constexpr double kJoined = 1e-3;  // of ln T and ln P
@@ -226,7 +227,7 @@ bool goes_on(const Tracer& t, double& sign) {
   const int held = flash::most_sensitive(line, t.here);
   // Beside a critical point T and P may turn back as at a cusp; the ln K go on however small they are.
   const double largest = std::max({largest_log_K(t, t.here.X), largest_log_K(t, t.last.X),
-                                   between_densities(t.here), between_densities(t.last)});
+                                   between_densities(t.here), between_densities(t.last), kNoDifference});
   const double of_log_K = 1.0 / std::min(largest * largest, 1.0);
   double along = 0.0;
   for (int i = 0; i < line.n + 2; ++i)
