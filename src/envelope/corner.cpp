@@ -315,13 +315,8 @@ bool stable_at(Tracer& t, LinePoint& p) {
   MixtureRecord silent = *line.mixture;
   silent.trace_flag = 0;
   double beta = line.W, distance = 0.0;
-  flash::IsothermalCall call;
-  call.T = flash::temperature(line, p);
-  call.P = flash::pressure(line, p);
-  call.z = line.z;
-  call.mixture = &silent;
-  call.routines = line.routines;
-  call.beta = &beta;
+  flash::IsothermalCall call{
+      flash::temperature(line, p), flash::pressure(line, p), line.z, &silent, line.routines, &beta};
   call.every_component = true;
   if (t.boundary()) {
     call.x = call.y = t.trial;

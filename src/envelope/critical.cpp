@@ -177,15 +177,9 @@ bool stable_feed(MixtureRecord& mixture, const double* z, const Critical& c, dou
   MixtureRecord silent = mixture;
   silent.trace_flag = 0;
   double beta = 0.0, distance = 0.0;
-  flash::IsothermalCall call;
-  call.T = c.T;
-  call.P = c.P;
-  call.z = z;
-  call.mixture = &silent;
-  call.beta = &beta;
-  call.x = call.y = work;
-  call.K = work + mixture.count;
-  status = flash::feed_stability(call, z, distance);  // its own incipient phase
+  double* const K = work + mixture.count;
+  status = flash::feed_stability({c.T, c.P, z, &silent, nullptr, &beta, work, work, K}, z,
+                                 distance);  // its own incipient phase
   return status == KV_OK && distance >= kStable;
 }
 

@@ -291,17 +291,8 @@ Local solve_phases(Energy& e, EnergyState& s) {
 }
 
 IsothermalCall isothermal_call(Energy& e, EnergyState& s) {
-  IsothermalCall c;
-  c.T = s.T;
-  c.P = e.call.P;
-  c.z = e.z;
-  c.mixture = &e.silent;
-  c.routines = e.call.routines;
+  IsothermalCall c{s.T, e.call.P, e.z, &e.silent, e.call.routines, &s.beta, s.x, s.y, s.K};
   c.free_water = e.call.free_water;
-  c.beta = &s.beta;
-  c.x = s.x;
-  c.y = s.y;
-  c.K = s.K;
   if (e.model.analytic() && prepare_caloric(e.model, s.T) == KV_OK) {
     e.fugacities.T = s.T;
     e.fugacities.t = e.model.t;

@@ -17,10 +17,10 @@ constexpr double kLightGas = 310.0;
 // Small strongly cohesive molecules (hydrogen sulphide, sulphur dioxide, ammonia, water, methanol), which like
 // to keep to themselves: critical pressure above this, atm. No hydrocarbon comes near it.
 constexpr double kCohesive = 60.0;
-// b/v of a dilute gas: half the critical packing.
 // ln of the fugacity of a component that is absent: no coefficient brings it back.
 constexpr double kNone = -1e5;
-constexpr double kDilutePacking = 0.04;
+// b/v of a dilute gas; and of a gas that is one beyond doubt, half the critical packing.
+constexpr double kDilutePacking = 0.04, kGasPacking = 0.5 / eos::kCriticalVolumeRatio;
 // Parts of the second of two phases in the mixtures of them that trials start from.
 constexpr double kBetween[] = {0.1, 0.25, 0.5, 0.75};
 // How much less than Wilson's coefficients say the logarithm of an activity may be and still be looked at.
@@ -32,7 +32,6 @@ constexpr double kNearCritical = 1.12, kMostOfLiquid = 0.85;
 constexpr double kRootReach = 0.3;
 // Length of a first step along the direction of lowest curvature, in sqrt(W).
 constexpr double kAlong = 0.2;
-constexpr double kGasPacking = 0.5 / eos::kCriticalVolumeRatio;
 
 double packing(const Flash& f, double b, double Z) {
   return b * f.m.P / (eos::kR * f.m.T * Z);
@@ -100,7 +99,7 @@ bool trials_between(Flash& f, const Reference& ref, const double* a, const doubl
     f.status = fugacity(f.m, f.between, Kind::stable, f.trial.ln_phi, nullptr, f.trial.Z);
     if (f.status != KV_OK) return false;
     for (int i = 0; i < f.m.n; ++i) f.trial.log_w[i] = ref.d[i] - f.trial.ln_phi[i];
-    if (!run_trial(f, ref, liquid_kind(f)) || !other_root_trial(f, ref, f.between)) return false;
+    if (!run_trial(f, ref, trial_kind(f)) || !other_root_trial(f, ref, f.between)) return false;
   }
   return true;
 }
@@ -128,7 +127,7 @@ bool liquid_of_gas_trials(Flash& f, const Reference& ref, int j, bool has_liquid
   f.status = fugacity(f.m, f.between, Kind::liquid, f.trial.ln_phi, nullptr, f.trial.Z);
   if (f.status != KV_OK) return false;
   for (int i = 0; i < f.m.n; ++i) f.trial.log_w[i] = ref.d[i] - f.trial.ln_phi[i];
-  return run_trial(f, ref, liquid_kind(f));
+  return run_trial(f, ref, trial_kind(f));
 }
 
 // Near-pure trials: the component that Wilson's coefficients favour most, light gases, water, the heaviest.
@@ -153,7 +152,7 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
     if (!(f.it.z[j] > 0.0) || (j == water && k >= 0)) continue;
     if (f.thorough()) {
       f.status = start_near_pure(f.m, ref, j, f.trial);
-      if (f.status != KV_OK || !run_trial(f, ref, liquid_kind(f))) return false;
+      if (f.status != KV_OK || !run_trial(f, ref, trial_kind(f))) return false;
       const bool near = f.m.built_in() && f.call.T < kNearCritical * Tc[j];
       if (near ? !liquid_of_gas_trials(f, ref, j, f.call.T < Tc[j]) : !other_root_trial_of_pure(f, ref, j))
         return false;
@@ -185,7 +184,7 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
     }
     // A gas beside a gas: it would be the one that is there already.
     if (have_gas && gas) continue;
-    if (!run_trial(f, ref, liquid_kind(f))) return false;
+    if (!run_trial(f, ref, trial_kind(f))) return false;
   }
   return true;
 }
@@ -193,7 +192,7 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
 // Trials from Wilson's coefficients: a liquid z/K and a vapour z K. Both run, the lower one wins.
 bool wilson_trials(Flash& f, const Reference& ref) {
   for (const int number : {kWilsonLiquid, kWilsonVapour}) {
-    if (!start_trial(f, ref, number) || !run_trial(f, ref, kind_of_trial(f, number))) return false;
+    if (!start_trial(f, ref, number) || !run_trial(f, ref, trial_kind(f))) return false;
   }
   return true;
 }
@@ -208,15 +207,14 @@ bool trials_along(Flash& f, const Reference& ref) {
       const double next = std::max(root + sign * kAlong * f.direction[i], 0.1 * root);
       f.trial.log_w[i] = 2.0 * support::fast_log(next);
     }
-    if (!run_trial(f, ref, liquid_kind(f))) return false;
+    if (!run_trial(f, ref, trial_kind(f))) return false;
   }
   return true;
 }
 
 // Trials out of a phase that is not clearly convex.
 bool test_curvature(Flash& f, const Reference& ref) {
-  if (clearly_convex(f.m, ref, liquid_kind(f), f.work, f.trial, f.direction, f.status))
-    return f.status == KV_OK;
+  if (clearly_convex(f.m, ref, trial_kind(f), f.work, f.trial, f.direction, f.status)) return f.status == KV_OK;
   f.how = Follow::strict;
   return trials_along(f, ref);
 }
@@ -229,17 +227,11 @@ bool dilute(const Flash& f) {
 }  // namespace
 
 Kind kind_of(const Flash& f, const double* composition, double Z) {
-  if (!(Z > 0.0)) return Kind::liquid;
-  return packing(f, covolume(*f.call.mixture, composition), Z) * eos::kCriticalVolumeRatio < 1.0 ? Kind::gas
-                                                                                                 : Kind::liquid;
+  return loosely_packed(*f.call.mixture, f.m.T, f.m.P, composition, Z) ? Kind::gas : Kind::liquid;
 }
 
-Kind liquid_kind(const Flash& f) {
+Kind trial_kind(const Flash& f) {
   return f.liquids_only() ? Kind::liquid : Kind::stable;
-}
-
-Kind vapour_kind(const Flash& f) {
-  return liquid_kind(f);
 }
 
 bool start_trial(Flash& f, const Reference& ref, int number) {
@@ -260,14 +252,10 @@ bool start_trial(Flash& f, const Reference& ref, int number) {
   }
 }
 
-Kind kind_of_trial(const Flash& f, int number) {
-  return number == kWilsonVapour || number == kIdealGas ? vapour_kind(f) : liquid_kind(f);
-}
-
 bool evaluate_feed(Flash& f) {
   const int n = f.m.n;
   double Z = 0.0;
-  f.status = fugacity(f.m, f.it.z, liquid_kind(f), f.feed_phi, nullptr, Z);
+  f.status = fugacity(f.m, f.it.z, trial_kind(f), f.feed_phi, nullptr, Z);
   if (f.status != KV_OK) return false;
   f.feed_kind = f.liquids_only() ? Kind::liquid : kind_of(f, f.it.z, Z);
   f.feed_Z = Z;
@@ -284,7 +272,7 @@ bool test_feed(Flash& f) {
   f.how = Follow::quick;
   bool near_critical = false;
   if (!f.m.free_water && !dilute(f)) {
-    near_critical = !clearly_convex(f.m, ref, liquid_kind(f), f.work, f.trial, f.direction, f.status);
+    near_critical = !clearly_convex(f.m, ref, trial_kind(f), f.work, f.trial, f.direction, f.status);
     if (f.status != KV_OK) return false;
     if (near_critical) f.how = Follow::strict;
   }
@@ -292,7 +280,7 @@ bool test_feed(Flash& f) {
   if (near_critical && !trials_along(f, ref)) return false;
   if (f.have_lowest && f.lowest.tm < kUnstable) return true;
   if (f.feed_kind == Kind::liquid && f.trial.end == TrialEnd::trivial) {
-    if (!start_trial(f, ref, kIdealGas) || !run_trial(f, ref, vapour_kind(f))) return false;
+    if (!start_trial(f, ref, kIdealGas) || !run_trial(f, ref, trial_kind(f))) return false;
   }
   if (!f.liquids_only() && !other_root_trial(f, ref, f.it.z)) return false;
   return near_pure_trials(f, ref, f.feed_kind == Kind::gas);
@@ -316,9 +304,9 @@ bool test_answer(Flash& f, bool& stable) {
   const Reference plane{f.it.x, f.answer_d, f.it.y, nullptr, 0, f.third.x};
   const bool have_gas = kind_of(f, f.it.y, f.it.Zy) == Kind::gas || kind_of(f, f.it.x, f.it.Zx) == Kind::gas ||
                         (f.third.x != nullptr && kind_of(f, f.third.x, f.third.Z) == Kind::gas);
-  if (!start_trial(f, plane, kWilsonLiquid) || !run_trial(f, plane, liquid_kind(f))) return false;
+  if (!start_trial(f, plane, kWilsonLiquid) || !run_trial(f, plane, trial_kind(f))) return false;
   if ((!have_gas || f.thorough()) && !f.liquids_only() &&
-      (!start_trial(f, plane, kWilsonVapour) || !run_trial(f, plane, vapour_kind(f))))
+      (!start_trial(f, plane, kWilsonVapour) || !run_trial(f, plane, trial_kind(f))))
     return false;
   if (!near_pure_trials(f, plane, have_gas)) return false;
   if (f.thorough() && f.third.x == nullptr && !trials_between(f, plane, f.it.y, f.it.x)) return false;
@@ -336,7 +324,7 @@ bool test_answer(Flash& f, bool& stable) {
 }
 
 bool finish_lowest(Flash& f) {
-  f.status = follow_trial(f.m, {f.it.z, f.d}, liquid_kind(f), Follow::report, f.work, f.lowest);
+  f.status = follow_trial(f.m, {f.it.z, f.d}, trial_kind(f), Follow::report, f.work, f.lowest);
   return f.status == KV_OK;
 }
 

@@ -57,9 +57,8 @@ struct Flash {
  */
 Kind kind_of(const Flash& f, const double* composition, double Z);
 
-/* The roots that a liquid-like and a vapour-like trial or phase is asked for. */
-Kind liquid_kind(const Flash& f);
-Kind vapour_kind(const Flash& f);
+/* The root that a trial and a single phase are asked for. */
+Kind trial_kind(const Flash& f);
 
 // The starts of trials, by number: the two of Wilson's coefficients, the ideal-gas-like one, and component j
 // almost pure as kNearPure + j.
@@ -67,9 +66,6 @@ enum TrialNumber { kWilsonLiquid, kWilsonVapour, kIdealGas, kNearPure };
 
 /* Puts the start of a trial into f.trial. False: f.status. */
 bool start_trial(Flash& f, const Reference& ref, int number);
-
-/* The root that a trial is asked for. */
-Kind kind_of_trial(const Flash& f, int number);
 
 /* ln phi, Gibbs energy and kind of the feed as one phase. False: f.status. */
 bool evaluate_feed(Flash& f);

@@ -75,6 +75,17 @@ bool lighter(const MixtureRecord& mixture, const double* x, double Zx, const dou
   return covolume(mixture, x) * Zy < covolume(mixture, y) * Zx;
 }
 
+bool loosely_packed(const MixtureRecord& mixture, double T, double P, const double* x, double Z) noexcept {
+  return Z > 0.0 && covolume(mixture, x) * P / (eos::kR * T * Z) * eos::kCriticalVolumeRatio < 1.0;
+}
+
+double pseudo_critical_temperature(const MixtureRecord& mixture, const double* x) noexcept {
+  const double* Tc = mixture.table + static_cast<std::size_t>(KV_COL_TC - 1) * mixture.count;
+  double sum = 0.0;
+  for (int i = 0; i < mixture.count; ++i) sum += x[i] * Tc[i];
+  return sum;
+}
+
 StatusCode make_model(double T, double P, MixtureRecord* mixture, HostRoutines* routines, bool free_water,
                       int order, support::Arena& arena, Model& m) {
   m.T = T;

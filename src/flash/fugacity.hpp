@@ -71,6 +71,15 @@ double covolume(const MixtureRecord& mixture, const double* x) noexcept;
  */
 bool lighter(const MixtureRecord& mixture, const double* x, double Zx, const double* y, double Zy) noexcept;
 
+/*
+ * Whether a phase x[count] of compressibility factor Z at T (K) and P (atm) is packed less densely than the
+ * critical volume of the equation, 3.9514 b. False without a Z.
+ */
+bool loosely_packed(const MixtureRecord& mixture, double T, double P, const double* x, double Z) noexcept;
+
+/* Kay's pseudo-critical temperature of x[count], K. */
+double pseudo_critical_temperature(const MixtureRecord& mixture, const double* x) noexcept;
+
 // Derivatives beside ln phi; null = not wanted. dn has column j at j * ld and n rows.
 struct Derivatives {
   double* dT = nullptr;  // [n] 1/K

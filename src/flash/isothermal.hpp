@@ -24,18 +24,21 @@ struct ThirdPhase {
   double distance = 0.0;
 };
 
-/* One flash: what goes in and where the answer goes. Arrays [n] of the caller. */
+/*
+ * One flash: what goes in and where the answer goes, in the order in which calls are written; what is seldom
+ * asked for stands last. Arrays [n] of the caller.
+ */
 struct IsothermalCall {
   double T = 0.0, P = 0.0;    // K, atm
   const double* z = nullptr;  // feed, need not sum to one
   MixtureRecord* mixture = nullptr;
   HostRoutines* routines = nullptr;
+  double* beta = nullptr;  // vapour (second liquid) fraction
+  double *x = nullptr, *y = nullptr, *K = nullptr;
   bool free_water = false;
   Mode mode = Mode::liquid_vapour;
   Start start = Start::cold;
-  int index = 1;           // initialisation index, for the trace
-  double* beta = nullptr;  // vapour (second liquid) fraction
-  double *x = nullptr, *y = nullptr, *K = nullptr;
+  int index = 1;                 // initialisation index, for the trace
   Counts* counts = nullptr;      // may be null
   Model* model = nullptr;        // prepared for this call; null: the flash makes its own
   ThirdPhase* third = nullptr;   // may be null; with free water only whether there is one

@@ -39,7 +39,7 @@ bool try_all_trials(Flash& f, Reference ref, std::initializer_list<Beside> phase
     if (number >= kNearPure && !(f.it.z[number - kNearPure] > 0.0)) continue;
     if (!start_trial(f, ref, number)) return false;
     f.trial.Z = 0.0;
-    f.status = follow_trial(f.m, ref, kind_of_trial(f, number), Follow::strict, f.work, f.trial);
+    f.status = follow_trial(f.m, ref, trial_kind(f), Follow::strict, f.work, f.trial);
     if (f.status != KV_OK) return false;
     if (f.trial.end != TrialEnd::stationary || !(f.trial.tm < kUnstable)) continue;
     if (ref.known_count < kTried) std::copy_n(f.trial.w, f.m.ld, f.tried + ref.known_count++ * f.m.ld);

@@ -68,10 +68,9 @@ bool equal_fugacities(Quality& q, bool& stable_roots) {
     return q.status == KV_OK && gap(q) <= owed(q);
   };
   stable_roots = false;
-  const bool named_first = q.line.free_water || close_in_composition(q);
-  if (named_first && equal_on(Kind::liquid, Kind::gas) && (q.line.free_water || !close_in_density(q.point)))
-    return true;
-  if (q.line.free_water || q.status != KV_OK) return false;
+  const bool named_first = close_in_composition(q);
+  if (named_first && equal_on(Kind::liquid, Kind::gas) && !close_in_density(q.point)) return true;
+  if (q.status != KV_OK) return false;
   stable_roots = equal_on(Kind::stable, Kind::stable);
   if (stable_roots || q.status != KV_OK) return stable_roots;
   return !named_first && equal_on(Kind::liquid, Kind::gas);
@@ -94,18 +93,15 @@ bool as_good(Quality& q, const double* w, const double* ln_phi) {
  */
 bool vapour_and_liquid(const Quality& q) {
   const LinePoint& p = q.point;
-  if (q.line.free_water) return true;
   const double side = q.line.W == 0.0 ? 1.0 : q.line.W == 1.0 ? -1.0 : 0.0;
   for (int i = 0; i < q.line.n; ++i)
     if (q.line.z[i] > 0.0 && side * p.X[i] >= kLargestLogK) return false;
   const MixtureRecord& m = *q.call.mixture;
   if (lighter(m, p.x, p.Zx, p.y, p.Zy)) return false;
   // However dense it is, above its own pseudo-critical temperature (Kay) a fluid is no liquid.
-  const double* Tc = m.table + static_cast<std::size_t>(KV_COL_TC - 1) * m.count;
-  double pseudo_critical = 0.0;
-  for (int i = 0; i < q.line.n; ++i) pseudo_critical += p.y[i] * Tc[i];
   const double T = q.T();
-  return T > pseudo_critical || p.Zy * eos::kR * T / q.P() > kDensestVapour * covolume(m, p.y);
+  return T > pseudo_critical_temperature(m, p.y) ||
+         p.Zy * eos::kR * T / q.P() > kDensestVapour * covolume(m, p.y);
 }
 
 // Whether a fluid w is stable against small changes of its composition: the matrix 1 + slack + sqrt(w_i w_j) d
@@ -155,13 +151,7 @@ Verdict stability(Quality& q) {
   MixtureRecord silent = *q.call.mixture;
   silent.trace_flag = 0;
   double beta = q.line.W, distance = 0.0;
-  IsothermalCall c;
-  c.T = q.T();
-  c.P = q.P();
-  c.z = q.line.z;
-  c.mixture = &silent;
-  c.routines = q.call.routines;
-  c.beta = &beta;
+  IsothermalCall c{q.T(), q.P(), q.line.z, &silent, q.call.routines, &beta};
   c.model = &q.line.m;
   if (q.boundary()) {
     c.x = c.y = q.spare;
@@ -200,7 +190,6 @@ Verdict accept(Quality& q) {
   if (q.status != KV_OK) return Verdict::model;
   bool stable_roots = true;
   if (!equal_fugacities(q, stable_roots) || !vapour_and_liquid(q)) return refused(q);
-  if (line.free_water) return Verdict::good;
   bool good_roots = stable_roots;
   if (!stable_roots) {
     good_roots = as_good(q, q.point.x, line.phi_x) && as_good(q, q.point.y, line.phi_y);

@@ -63,9 +63,8 @@ StatusCode water_alone(Wet& f) {
   a.Zy = 0.0;
   if (!gas_fugacity(f, f.z, a.phi_y, a.Zy)) return f.status;
   const double over = std::log(f.water * f.m.P / f.m.psat.value) + a.phi_y[f.m.water];
-  const double packing = covolume(*f.call.mixture, f.z) * f.m.P / (eos::kR * f.m.T * a.Zy);
   feed_as_liquid(f);
-  if (over <= 0.0 && (!(a.Zy > 0.0) || packing * eos::kCriticalVolumeRatio < 1.0)) a.beta = 1.0;
+  if (over <= 0.0 && (!(a.Zy > 0.0) || loosely_packed(f, f.z, a.Zy))) a.beta = 1.0;
   return write_answer(f, KV_SINGLE_PHASE);
 }
 
@@ -120,18 +119,10 @@ void start_from_estimate(Wet& f) {
 bool start_from_dry_feed(Wet& f) {
   MixtureRecord silent = *f.call.mixture;
   silent.trace_flag = 0;
-  IsothermalCall dry;
   double beta = 0.0;
-  dry.T = f.call.T;
-  dry.P = f.call.P;
-  dry.z = f.dry;
-  dry.mixture = &silent;
-  dry.routines = f.call.routines;
-  dry.beta = &beta;
-  dry.x = f.it.x;
-  dry.y = f.it.y;
-  dry.K = f.it.k;
-  if (isothermal_flash(dry) != KV_OK) return false;
+  if (isothermal_flash({f.call.T, f.call.P, f.dry, &silent, f.call.routines, &beta, f.it.x, f.it.y, f.it.k}) !=
+      KV_OK)
+    return false;
   for (int i = 0; i < f.m.n; ++i) f.log_k[i] = support::fast_log(f.it.k[i]);
   f.log_k[f.m.water] = std::min(saturated_gas_water(f, 0.0), std::log(0.9));
   trace_internal_index(f.trace, kFromDryFeed);
@@ -257,12 +248,9 @@ StatusCode with_wet(const IsothermalCall& call, Body&& body) {
     f.dry = arena.zeros(ld);
     f.water = z[m.water];
     f.rest = 0.0;
-    const double* Tc = call.mixture->table + static_cast<std::size_t>(KV_COL_TC - 1) * n;
     for (int i = 0; i < n; ++i) f.rest += i == m.water ? 0.0 : z[i];
-    for (int i = 0; i < n; ++i) {
-      f.dry[i] = i == m.water || !(f.rest > 0.0) ? 0.0 : z[i] / f.rest;
-      f.pseudo_critical += f.dry[i] * Tc[i];
-    }
+    for (int i = 0; i < n; ++i) f.dry[i] = i == m.water || !(f.rest > 0.0) ? 0.0 : z[i] / f.rest;
+    f.pseudo_critical = pseudo_critical_temperature(*call.mixture, f.dry);
     WetAnswer& a = f.answer;
     for (double** p : {&f.wilson_k, &f.log_k, &f.g, &f.before, &f.spare, &a.x, &a.y, &a.phi_x, &a.phi_y, &a.d})
       *p = arena.zeros(ld);

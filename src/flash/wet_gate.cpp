@@ -76,7 +76,7 @@ bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
   t.Z = 0.0;
   t.found = false;
   ++f.m.counts.trials;
-  double along_before = 0.0;
+  double before = 0.0;
   for (int k = 0; k < kMostSteps; ++k) {
     compose(f, liquid, water);
     if (!(std::fabs(t.ln_sum) < 1e3)) return true;
@@ -93,14 +93,12 @@ bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
       t.found = !near_known(f, known) && is_of_kind(f, kind, known[0].x);
       return true;
     }
-    // The eigenvalue of the slowest direction, by how much is left of the last change.
-    const double shrink = k % 4 == 3 && along_before > 0.0 ? along / along_before : 0.0;
-    const double factor = shrink > 0.3 && shrink < 0.98 ? 1.0 / (1.0 - shrink) : 1.0;
+    const double factor = speed_up(k, along, before);
     for (int i = 0; i < f.m.n; ++i) {
       t.log_w[i] += std::clamp(factor * f.g[i], -8.0, 8.0);
       f.before[i] = f.g[i];
     }
-    along_before = norm;
+    before = norm;
   }
   // Slow, beside a critical point: it counts where it clearly grows.
   t.found = t.ln_sum > 1e-6 && !near_known(f, known) && is_of_kind(f, kind, known[0].x);
@@ -154,8 +152,7 @@ bool oil_fugacity(Wet& f, const double* x, double* ln_phi, double& Z) {
 }
 
 bool loosely_packed(const Wet& f, const double* x, double Z) {
-  const double packing = Z > 0.0 ? covolume(*f.call.mixture, x) * f.m.P / (eos::kR * f.m.T * Z) : 1.0;
-  return packing * eos::kCriticalVolumeRatio < 1.0;
+  return loosely_packed(*f.call.mixture, f.m.T, f.m.P, x, Z);
 }
 
 bool called_gas(const Wet& f, const double* x, double Z) {
@@ -163,15 +160,18 @@ bool called_gas(const Wet& f, const double* x, double Z) {
 }
 
 bool like_a_gas(const Wet& f, const double* y, double Z) {
-  const double* Tc = f.call.mixture->table + static_cast<std::size_t>(KV_COL_TC - 1) * f.m.n;
-  double kay = 0.0;
-  for (int i = 0; i < f.m.n; ++i) kay += y[i] * Tc[i];
-  return f.m.T > kay || loosely_packed(f, y, Z);
+  return f.m.T > pseudo_critical_temperature(*f.call.mixture, y) || loosely_packed(f, y, Z);
 }
 
 bool is_liquid_water(const Wet& f, const double* y, double Z) {
   constexpr double kAqueous = 0.5;
   return y[f.m.water] > kAqueous && !like_a_gas(f, y, Z);
+}
+
+double speed_up(int k, double along, double before) noexcept {
+  constexpr double kLeast = 0.3, kMost = 0.98;  // eigenvalues: hardly worth it; too uncertain
+  const double eigenvalue = k % 4 == 3 && before > 0.0 ? along / before : 0.0;
+  return eigenvalue > kLeast && eigenvalue < kMost ? 1.0 / (1.0 - eigenvalue) : 1.0;
 }
 
 double dry_distance(const Wet& f, const double* a, const double* b) {

@@ -57,17 +57,8 @@ struct WetSearch {
 };
 
 IsothermalCall call_at(WetSearch& q, double u, double& beta, double* x, double* y, double* K) {
-  IsothermalCall c;
-  c.T = q.T(u);
-  c.P = q.P(u);
-  c.z = q.line.z;
-  c.mixture = &q.silent;
-  c.routines = q.call.routines;
+  IsothermalCall c{q.T(u), q.P(u), q.line.z, &q.silent, q.call.routines, &beta, x, y, K};
   c.free_water = true;
-  c.beta = &beta;
-  c.x = x;
-  c.y = y;
-  c.K = K;
   c.counts = &q.counts;
   return c;
 }

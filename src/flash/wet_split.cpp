@@ -104,8 +104,7 @@ bool substitute_saturated(Wet& f, Saturated& s, int most) {
       now += f.z[i] * f.g[i] * f.g[i];
       along += f.z[i] * f.g[i] * f.before[i];
     }
-    const double shrink = k % 4 == 3 && before > 0.0 ? along / before : 0.0;
-    const double factor = shrink > 0.3 && shrink < 0.98 ? 1.0 / (1.0 - shrink) : 1.0;
+    const double factor = speed_up(k, along, before);
     for (int i = 0; i < f.m.n; ++i) {
       f.log_k[i] += std::clamp(factor * f.g[i], -5.0, 5.0);
       f.before[i] = f.g[i];

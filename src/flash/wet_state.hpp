@@ -79,6 +79,13 @@ bool like_a_gas(const Wet& f, const double* y, double Z);
  * point. */
 bool is_liquid_water(const Wet& f, const double* y, double Z);
 
+/*
+ * Factor of the change of substitution k, every fourth of which goes as far as all later ones together would:
+ * by the eigenvalue of the slowest direction, which is how much of the last change is left. along: the last
+ * change times this one; before: the square of the last.
+ */
+double speed_up(int k, double along, double before) noexcept;
+
 /* Largest difference of two phases without their water. */
 double dry_distance(const Wet& f, const double* a, const double* b);
 

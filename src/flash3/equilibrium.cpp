@@ -25,16 +25,7 @@ constexpr double kNoAmount = 1e-13;
 constexpr double kFirstAmount = 0.1;  // of a phase that is added
 
 flash::IsothermalCall isothermal_call(Equilibrium& e) {
-  flash::IsothermalCall c;
-  c.T = e.m.T;
-  c.P = e.m.P;
-  c.z = e.z;
-  c.mixture = e.m.mixture;
-  c.routines = e.routines;
-  c.beta = &e.beta;
-  c.x = e.x;
-  c.y = e.y;
-  c.K = e.K;
+  flash::IsothermalCall c{e.m.T, e.m.P, e.z, e.m.mixture, e.routines, &e.beta, e.x, e.y, e.K};
   c.model = &e.m;
   c.third = &e.third;
   e.third = {e.cut, false, 0.0};
@@ -364,14 +355,10 @@ int find_vapour(const Equilibrium& e) {
   if (p.count == kMostPhases) return v;
   if (p.count == 1) return e.gas ? 0 : -1;
   if (!(p.Z[v] > 0.0)) return -1;
-  const double volume = p.Z[v] * eos::kR * e.m.T / e.m.P;
-  if (volume > eos::kCriticalVolumeRatio * flash::covolume(r, p.x[v])) return v;
-  const double* Tc = r.table + static_cast<std::size_t>(KV_COL_TC - 1) * r.count;
-  double kay = 0.0;
-  for (int i = 0; i < r.count; ++i) kay += p.x[v][i] * Tc[i];
+  if (flash::loosely_packed(r, e.m.T, e.m.P, p.x[v], p.Z[v])) return v;
   const int water = eos::find_water_family(r);
   const bool aqueous = water >= 0 && p.x[1 - v][water] > kAqueous;
-  return e.m.T > (aqueous ? kBesideWater : 1.0) * kay ? v : -1;
+  return e.m.T > (aqueous ? kBesideWater : 1.0) * flash::pseudo_critical_temperature(r, p.x[v]) ? v : -1;
 }
 
 }  // namespace kestrune::flash3

@@ -81,20 +81,11 @@ StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
   if (way == Short::pure) return KV_OK;
   if (way == Short::water) return order_liquids(c);
 
-  flash::IsothermalCall call;
-  call.T = c.T;
-  call.P = c.P;
-  call.z = c.z;
-  call.mixture = c.mixture;
-  call.routines = c.routines;
+  flash::IsothermalCall call{c.T, c.P, c.z, c.mixture, c.routines, c.beta, c.liquid1, c.liquid2, c.K};
   call.free_water = c.free_water;
   call.mode = flash::Mode::liquid_liquid;
   call.start = c.estimate ? flash::Start::warm : flash::Start::cold;
   call.index = c.estimate ? 0 : 1;
-  call.beta = c.beta;
-  call.x = c.liquid1;
-  call.y = c.liquid2;
-  call.K = c.K;
   const StatusCode status = flash::isothermal_flash(call);
   if (status != KV_OK && status != KV_SINGLE_PHASE) return status;
   if (*c.beta == 0.0) {

@@ -76,16 +76,7 @@ StatusCode liquid_vapour(const ThreePhaseCall& c, Equilibrium& e, HostSplit& lv)
   StatusCode status = KV_OK;
   if (const FlashRoutine routine = host_flash(c, KV_ROUTINE_LV_FLASH))
     return call_flash(routine, c, e.z, lv, status) ? KV_OK : KV_NO_START;
-  flash::IsothermalCall call;
-  call.T = c.T;
-  call.P = c.P;
-  call.z = e.z;
-  call.mixture = c.mixture;
-  call.routines = c.routines;
-  call.beta = &lv.part;
-  call.x = lv.first;
-  call.y = lv.second;
-  call.K = lv.K;
+  flash::IsothermalCall call{c.T, c.P, e.z, c.mixture, c.routines, &lv.part, lv.first, lv.second, lv.K};
   call.model = &e.m;
   status = flash::isothermal_flash(call);
   return status == KV_SINGLE_PHASE ? StatusCode{KV_OK} : status;
@@ -152,21 +143,12 @@ StatusCode solve_with_free_water(const ThreePhaseCall& c, support::Arena& arena)
   const int n = c.mixture->count, ld = support::padded(n);
   HostSplit lv{0.0, arena.zeros(ld), arena.zeros(ld), arena.zeros(ld)};
   StatusCode status = KV_OK;
-  flash::IsothermalCall call;
-  call.T = c.T;
-  call.P = c.P;
-  call.z = c.z;
-  call.mixture = c.mixture;
-  call.routines = c.routines;
+  flash::IsothermalCall call{c.T, c.P, c.z, c.mixture, c.routines, &lv.part, lv.first, lv.second, lv.K};
   call.free_water = true;
   if (const FlashRoutine routine = host_flash(c, KV_ROUTINE_LV_FLASH)) {
     if (!call_flash(routine, c, c.z, lv, status)) return KV_NO_START;
     call.start = flash::Start::warm;
   }
-  call.beta = &lv.part;
-  call.x = lv.first;
-  call.y = lv.second;
-  call.K = lv.K;
   flash::ThirdPhase third;
   call.third = &third;
   status = flash::isothermal_flash(call);

@@ -65,19 +65,10 @@ KV_ENTRY StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, Mix
     if (bad != KV_OK) return bad;
     flash::HostRoutines host = exports::foreign_routines(routines);
     const auto core = [&](bool hint) {
-      flash::IsothermalCall call;
-      call.T = T;
-      call.P = P;
-      call.z = z;
-      call.mixture = mixture;
-      call.routines = &host;
+      flash::IsothermalCall call{T, P, z, mixture, &host, beta, x, y, K};
       call.free_water = exports::free_water(*mixture);
       call.index = options & 1;
       call.start = hint ? flash::Start::cold_with_hint : (call.index ? flash::Start::cold : flash::Start::warm);
-      call.beta = beta;
-      call.x = x;
-      call.y = y;
-      call.K = K;
       return flash::isothermal_flash(call);
     };
     return exports::two_phase_wrapper(P, z, *mixture, host, options, {beta, x, y}, core);
