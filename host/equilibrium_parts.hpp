@@ -2,14 +2,12 @@
 #pragma once
 
 #include <algorithm>
-#include <limits>
 #include <vector>
 
 #include "equilibrium.hpp"
 
 namespace kestrune::host {
 
-inline constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 inline constexpr double kAqueous = 0.5;       // mole fraction of water above which a liquid is aqueous
 inline constexpr double kWaterRich = 0.9999;  // from here on the library takes a liquid for free water
 

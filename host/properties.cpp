@@ -1,14 +1,12 @@
 #include "properties.hpp"
 
 #include <cmath>
-#include <limits>
 
 namespace kestrune::host {
 
 namespace {
 
 constexpr double kGasConstant = 82.057;  // cm3 atm/(mol K), the value of the calculation library
-constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
 using Prop = Property;
 using Q = Quantity;

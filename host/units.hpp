@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +15,9 @@ inline constexpr double kPsiInPa = 0.45359237 * 9.80665 / (0.0254 * 0.0254);
 inline constexpr double kZeroCelsius = 273.15;     // K
 inline constexpr double kZeroFahrenheit = 459.67;  // R
 inline constexpr double kCalInJ = 4.184;
+
+// The value of what does not exist; shown as "-".
+inline constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
 // What a unit measures, with the base unit that all calculations of the host and its data formats use.
 enum class Quantity {

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "commands/states.hpp"
 #include "error.hpp"
@@ -24,7 +23,6 @@ struct StateNumber {
   std::string_view name, key;
   double (*value)(const Equilibrium&);
 };
-constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 constexpr StateNumber kStateNumbers[] = {
     {"T", "temperature_K", [](const Equilibrium& s) { return s.T; }},
     {"P", "pressure_Pa", [](const Equilibrium& s) { return s.P; }},

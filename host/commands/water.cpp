@@ -3,7 +3,6 @@
 
 #include <CLI/CLI.hpp>
 #include <cmath>
-#include <limits>
 
 #include "commands/points.hpp"
 #include "error.hpp"
@@ -13,7 +12,6 @@ namespace kestrune::host {
 
 namespace {
 
-constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 constexpr double kWaterMass = 18.01528;  // g/mol
 constexpr std::int32_t kWaterCas = 7732185;
 // Moles in a volume of ideal gas: 1 m3 at 0 C and 1 atm, 10^6 ft3 at 60 F and 14.696 psia.

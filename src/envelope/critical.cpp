@@ -159,7 +159,7 @@ void add_between(Spinodal& sp, const Node& a, const Node& b, int capacity, Criti
                  StatusCode& status) {
   constexpr int kMostSplits = 3;
   Node from = a, middle;
-  double where;
+  double where = 0.0;
   for (int k = 0; k < kMostSplits && comes_close(from, b, where); ++k) {
     middle.eta = from.eta + where * (b.eta - from.eta);
     middle.T = T_between(from, b, where);
