@@ -74,12 +74,12 @@ KV_API StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const dou
  * pseudo-critical temperature (Kay) of the dry feed, hydrocarbons beside free water count as vapour however
  * dense they are; a fluid that is stable as one of the two only is called that. A feed with less than 1e-15 of
  * water is treated as with the flag clear, to the last bit. Of three phases the two of lowest Gibbs energy are
- * returned (with the flag, where hydrocarbons would form two liquids, one of the pairs). What is returned with 0
- * balances to 1e-12 and has ln fugacities equal to 1e-8 (a host's routine: to the square root of CRIT).
+ * returned (with the flag, where hydrocarbons would form two liquids, one of the pairs). What is returned with
+ * 0 balances to 1e-12 and has ln fugacities equal to 1e-8 (a host's routine: to the square root of CRIT).
  *
- * 112, 120: no answer; the results hold the last iterate. With the flag also where the rules of free water have no
- * state: solubility limits above about a fifth, hydrocarbons near their critical point. Others: the status of the
- * fugacity routine.
+ * 112, 120: no answer; the results hold the last iterate. With the flag also where the rules of free water have
+ * no state: solubility limits above about a fifth, hydrocarbons near their critical point. Others: the status
+ * of the fugacity routine.
  */
 KV_API StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                       const ModelRoutines* routines, int32_t options, double* beta, double* x,
@@ -94,14 +94,14 @@ KV_API StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, Mixtu
  *          root of lower Gibbs energy, so that the lighter one of two liquids has a liquid's value
  *
  * 0 = found: T is such that the phases add up to the value within 1e-9 of it (of R T or R where that is more),
- * and the state is that of FlashLVatTP there. Where the vapour grows at one temperature, or within a hair of one
- * (single components, azeotropes), its fraction is found. 112: no temperature between 3 and 10 000 K has the
- * value, it lies in the jump from one pair of phases to another (at a three-phase temperature), or no
- * convergence; 113: the search behind the main solver ran out of damping. Temperatures outside the range of a heat-capacity
- * correlation are no failure (1003 does not appear); other statuses of the pure-component library come back as
- * 1000 + n. Where the record's host has routines of its own for enthalpy or entropy, these are called
- * (ModelRoutines). With a liquid that splits in two (three phases in all) the two phases of lowest Gibbs energy
- * count, and an answer exists only where their enthalpy passes through the value.
+ * and the state is that of FlashLVatTP there. Where the vapour grows at one temperature, or within a hair of
+ * one (single components, azeotropes), its fraction is found. 112: no temperature between 3 and 10 000 K has
+ * the value, it lies in the jump from one pair of phases to another (at a three-phase temperature), or no
+ * convergence; 113: the search behind the main solver ran out of damping. Temperatures outside the range of a
+ * heat-capacity correlation are no failure (1003 does not appear); other statuses of the pure-component library
+ * come back as 1000 + n. Where the record's host has routines of its own for enthalpy or entropy, these are
+ * called (ModelRoutines). With a liquid that splits in two (three phases in all) the two phases of lowest Gibbs
+ * energy count, and an answer exists only where their enthalpy passes through the value.
  */
 KV_API StatusCode KV_CALL FlashLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
                                       const ModelRoutines* routines, int32_t options, double* T, double* beta,
@@ -119,7 +119,8 @@ KV_API StatusCode KV_CALL FlashLVatSP(double S, double P, const double* z, Mixtu
  * temperatures the higher. A warm start (estimate of T or P, x, y) stays on the branch of its estimate. 116: no
  * temperature (pressure) has this vapour fraction with a vapour and a liquid; T or P, x, y, K stay as they
  * were. 117: a point was found and is returned, but another phase splits off before it: a second liquid at low
- * temperature, mostly. With the FreeWaterFlag x is the whole liquid, and at W = 1 the incipient liquid may be water.
+ * temperature, mostly. With the FreeWaterFlag x is the whole liquid, and at W = 1 the incipient liquid may be
+ * water.
  */
 KV_API StatusCode KV_CALL FlashLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
                                       const ModelRoutines* routines, int32_t options, double* T, double* x,
@@ -150,10 +151,10 @@ KV_API StatusCode KV_CALL FlashLVatWT(double W, double T, const double* z, Mixtu
  *
  * 0 = found: ln fugacities equal to 1e-8, and nothing splits off. 111: the feed does not sum to one within
  * sum_tolerance. 112, 114, 120: no answer, results hold the best state seen. 118: three phases, and a fourth
- * would split off; with the FreeWaterFlag also where hydrocarbons would form two liquids, of which its rules know
- * one. With flashes of the host: 134, 135 an answer of two phases or one after a liquid-vapour
- * flash (entry 2) with a status that ends flashes, 136 what a flash left was nothing to start from; such a
- * status of the liquid-liquid flash (entry 1) is returned as it stands.
+ * would split off; with the FreeWaterFlag also where hydrocarbons would form two liquids, of which its rules
+ * know one. With flashes of the host: 134, 135 an answer of two phases or one after a liquid-vapour flash
+ * (entry 2) with a status that ends flashes, 136 what a flash left was nothing to start from; such a status of
+ * the liquid-liquid flash (entry 1) is returned as it stands.
  */
 KV_API StatusCode KV_CALL FlashLLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                        const ModelRoutines* routines, int32_t options, double* beta, double* V,
@@ -347,9 +348,10 @@ KV_API StatusCode KV_CALL GasDensity_PPR78(double T, double P, const double* x, 
  * as an ideal gas at 298.15 K, for the entropy at 1 atm. 28 bytes.
  *
  * With the FreeWaterFlag set, any water (family code 20) in a liquid, from a mole fraction of 1e-15 upwards, is
- * liquid water beside the others: water has its enthalpy of vaporisation and its vapour pressure, the equation of
- * state sees the others alone, their fractions divided by 1 - x_w. The solubility limit plays no part, so that
- * H and S are continuous where water saturates. A phase with less water is the same with and without the flag.
+ * liquid water beside the others: water has its enthalpy of vaporisation and its vapour pressure, the equation
+ * of state sees the others alone, their fractions divided by 1 - x_w. The solubility limit plays no part, so
+ * that H and S are continuous where water saturates. A phase with less water is the same with and without the
+ * flag.
  *
  * Without the flag, water and ammonia in one phase have an enthalpy of mixing, for which their molar masses are
  * needed (KV_COMPONENT_DATA).
@@ -373,9 +375,9 @@ KV_API StatusCode KV_CALL GasMolarFreeEnthalpy_PPR78(double T, double P, const d
  * so that value + d_dn[j] is the partial molar quantity and the sum of x[j] d_dn[j] is 0. For a component that
  * is absent it is the limit of a trace (for the entropy, whose limit is infinite, with ln x at 1e-15); its heat
  * capacity is asked for only here, and counts as 0 when it is not known. Beside liquid water (see above) with
- * nothing else every trace is alone; water that is absent is a component like any other. The enthalpy and d_dn of
- * the entropy are analytic; d_dT and d_dP of the entropy are differences of it, good to about 1e-9 relative, less
- * within 1e-5 of T of the end of a root, and KV_NOT_FINITE where no step is small enough. 44 bytes.
+ * nothing else every trace is alone; water that is absent is a component like any other. The enthalpy and d_dn
+ * of the entropy are analytic; d_dT and d_dP of the entropy are differences of it, good to about 1e-9 relative,
+ * less within 1e-5 of T of the end of a root, and KV_NOT_FINITE where no step is small enough. 44 bytes.
  */
 KV_API StatusCode KV_CALL LiquidMolarEnthalpy_Derivatives_PPR78(double T, double P, const double* x,
                                                                 MixtureRecord* mixture, int32_t mask,
