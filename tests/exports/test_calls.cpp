@@ -266,10 +266,10 @@ TEST_F(Calls, WhoTriesAgainAfterWhat) {
       const Answer r = ask(flash_named(name), {scale == 1.0 ? z.data() : twice.data(), &wet.record, &host});
       EXPECT_EQ(r.status, 9999);
       EXPECT_EQ(seen_flags, (std::vector<int>{0x81, 0x81}));
-      EXPECT_EQ(r.beta, 1.0 - 0.1 * scale);
+      EXPECT_DOUBLE_EQ(r.beta, 1.0 - 0.1 * scale);
       EXPECT_EQ(std::vector<double>(r.array[0].begin(), r.array[0].begin() + 3),
                 (std::vector<double>{0, 0, 1}));
-      EXPECT_EQ(r.array[1][1], 0.3 * scale / (1.0 - 0.1 * scale));
+      EXPECT_DOUBLE_EQ(r.array[1][1], 0.3 * scale / (1.0 - 0.1 * scale));
     }
   int headers = 0;
   for (const std::string& line : lines_of("fort.47"))
