@@ -261,9 +261,8 @@ StatusCode single_component(const ThreeEnergyCall& c, support::Arena& arena) {
   const int n = c.mixture->count;
   double beta = 0.0, liquid = 0.0, vapour = 0.0;
   double *const x = arena.zeros(n), *const y = arena.zeros(n), *const K = arena.zeros(n);
-  const StatusCode status =
-      flash::energy_flash({c.property, c.wanted, c.P, c.z, c.mixture, c.routines, c.free_water, true, c.T,
-                           &beta, x, y, K, &liquid, &vapour, nullptr});
+  const StatusCode status = flash::energy_flash({c.property, c.wanted, c.P, c.z, c.mixture, c.T, &beta, x, y, K,
+                                                 &liquid, &vapour, c.routines, c.free_water});
   if (status != KV_OK) return status;
   const bool split = split_free_water({*c.T, c.P, c.mixture, beta, x, y}, c.out);
   *c.A = split ? 0.0 : liquid;
@@ -308,7 +307,7 @@ StatusCode with_search(const ThreeEnergyCall& c, support::Arena& arena, support:
 
 StatusCode three_energy_flash(const ThreeEnergyCall& c) {
   const int n = c.mixture->count;
-  if (const StatusCode bad = check_sum(c.z, *c.mixture); bad != KV_OK) return bad;
+  if (const StatusCode bad = flash::check_feed_sum(c.z, *c.mixture); bad != KV_OK) return bad;
   if (*c.T == 0.0) *c.T = kDefaultTemperature;
   const bool pure = flash::single_component(n, c.z, flash::pure_tolerance(*c.mixture)) >= 0;
   if (pure)

@@ -4,6 +4,7 @@
 #include <cfloat>
 #include <cmath>
 
+#include "flash/settings.hpp"
 #include "water/content.hpp"
 
 namespace kestrune::water {
@@ -25,15 +26,12 @@ constexpr double kLineLowestPressure = 1.0, kLineHighestPressure = 200.0;  // at
 constexpr double kNarrow = 1e-14;  // relative width of an interval of temperatures
 
 int iteration_limit(const MixtureRecord& m) noexcept {
-  return m.ITEMAX > 0 ? m.ITEMAX : KV_DEFAULT_ITEMAX;
+  return flash::copy_settings(m).ITEMAX;
 }
 
 StatusCode check(const DewCall& call, Method& method) noexcept {
-  const MixtureRecord& m = *call.mixture;
-  double sum = 0.0;
-  for (int i = 0; i < m.count; ++i) sum += call.z[i];
-  const double tolerance = m.sum_tolerance != 0.0 ? m.sum_tolerance : KV_DEFAULT_SUM_TOLERANCE;
-  if (std::fabs(sum - 1.0) > tolerance) return KV_FEED_SUM;
+  const StatusCode sum = flash::check_feed_sum(call.z, *call.mixture);
+  if (sum != KV_OK) return sum;
   return method_by_number(call.method, method) ? KV_OK : KV_SPECIFICATION;
 }
 
