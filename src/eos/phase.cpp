@@ -98,6 +98,8 @@ void reduce(const Temperature& t, const Mixture& m, double P, double Z, Root& r)
   }
 }
 
+static constexpr double kAsGood = 3e-10;  // difference of Gibbs energies over RT
+
 int stable_root(const Temperature& t, frame::tools::KvBracub bracub, const Mixture& m, double P, double start,
                 Root& r) noexcept {
   const double rt = kR * t.T, A = m.a * P / (rt * rt), B = m.b * P / rt;
@@ -112,7 +114,9 @@ int stable_root(const Temperature& t, frame::tools::KvBracub bracub, const Mixtu
     return status;
   Root other;
   reduce(t, m, P, liquid, other);
-  if (residual_gibbs(m, other) < residual_gibbs(m, r)) r = other;
+  const double gain = residual_gibbs(m, r) - residual_gibbs(m, other);
+  const bool as_good = warm && std::fabs(gain) < kAsGood;
+  if (as_good ? std::fabs(other.Z - start) < std::fabs(r.Z - start) : gain > 0.0) r = other;
   return status;
 }
 

@@ -65,6 +65,7 @@ bool evaluate(Search& q) {
       flash::PhaseCaloric c;
       c.ln_phi = q.s.raw[j];
       c.dln_phi_dT = q.s.dtau[j];
+      c.Z = p.Z[j];
       if (!flash::phase_caloric(q.caloric, p.x[j], flash::Kind::stable, c)) q.status = KV_NOT_FINITE;
       q.phase[j] = c.value;
       q.slope += p.amount[j] * c.slope;
@@ -270,6 +271,40 @@ StatusCode search(Search& q) {
   return KV_NOT_CONVERGED;
 }
 
+// Whether another way may lead to an answer where one has ended with this status.
+bool is_mended(StatusCode status) {
+  return status == KV_NOT_CONVERGED || status == KV_NOT_FINITE;
+}
+
+/*
+ * From the answer of the two-phase flash, which follows a vapour that grows all at once: it stands where
+ * nothing cuts it, else it is where the search goes on.
+ */
+StatusCode search_from_two_phases(Search& q) {
+  const ThreeEnergyCall& c = q.call;
+  Equilibrium& e = q.e;
+  double T = 0.0, beta = 0.0, values[2];
+  MixtureRecord silent = *c.mixture;
+  silent.trace_flag = 0;
+  const StatusCode status = flash::energy_flash({c.property, c.wanted, c.P, e.z, &silent, c.routines, false,
+                                                 true, &T, &beta, e.x, e.y, e.K, values, values + 1, nullptr});
+  if (status != KV_OK) return status;
+  q.bracket = {};
+  q.low.known = q.high.known = false;
+  q.attempted = 1.0;
+  const bool two = beta > 0.0 && beta < 1.0;
+  e.p.count = two ? 2 : 1;
+  std::copy_n(two ? e.x : e.z, e.m.ld, e.p.x[0]);
+  std::copy_n(e.y, e.m.ld, e.p.x[1]);
+  e.p.amount[0] = two ? 1.0 - beta : 1.0;
+  e.p.amount[1] = beta;
+  e.p.Z[0] = e.p.Z[1] = 0.0;
+  q.s.T = T;
+  q.status = KV_OK;
+  if (two ? confirm(q) : state_at(q, T, false) && accept(q)) return q.state_status;
+  return q.status == KV_OK && (q.low.known || q.high.known) ? search(q) : StatusCode{KV_NOT_CONVERGED};
+}
+
 // Values by place: A, B and vapour, in the order that write_phases has just given to e.p.
 StatusCode write_answer(Search& q, StatusCode found) {
   const ThreeEnergyCall& c = q.call;
@@ -341,9 +376,13 @@ StatusCode with_search(const ThreeEnergyCall& c, support::Arena& arena, support:
   flash::open_caloric(arena, q.caloric);
   q.caloric.base = arena.mark();
   const bool given = c.estimate && take_estimate(c.out, q.e);
-  if (!state_at(q, start, given) && (start == kDefaultTemperature || !state_at(q, kDefaultTemperature, false)))
-    return q.status;
-  status = search(q);
+  const bool started =
+      state_at(q, start, given) || (start != kDefaultTemperature && state_at(q, kDefaultTemperature, false));
+  status = started ? search(q) : q.status;
+  if (is_mended(status)) {
+    const StatusCode other = search_from_two_phases(q);
+    if (other == KV_OK || other == KV_FOURTH_PHASE) status = other;
+  }
   const bool answer = status == KV_OK || status == KV_FOURTH_PHASE;
   return answer ? write_answer(q, status) : status;
 }

@@ -108,6 +108,39 @@ TEST(ThreePhaseLine, AmountsMeetTheValueWhereTemperatureStandsStill) {
   EXPECT_GT(above - below, 100.0);  // cal/mol at one temperature
 }
 
+// A vapour and a liquid of nearly one composition: a component that boils almost pure, or beside another one
+// that hardly mixes with it.
+TEST(ThreePhaseLine, AlmostPureComponentsBoil) {
+  const std::vector<std::string> wet{"methane", "water"}, oil{"carbon_dioxide", "n_decane"},
+      heavy{"carbon_dioxide", "methane", "n_hexadecane"};
+  const double trace = 8.43679557554251e-09;
+  const struct {
+    const std::vector<std::string>& ids;
+    Vector z;
+    double P;
+    bool entropy;
+    double value;
+  } cases[] = {{oil, {1.0 - 3.623e-11, 3.623e-11}, 0.4514102737, false, -2632.8186},
+               {oil, {1.0 - 5.975e-11, 5.975e-11}, 17.96361812, true, -17.9096974875},
+               {heavy, {1.0 - trace, 3e-11, trace}, 0.1089892766, true, -15.4462805338},
+               {wet, {0.9, 0.1}, 20.0, true, -15.8782815689},
+               {wet, {0.9, 0.1}, 1.0, false, -4500.0},
+               {wet, {0.99854286, 0.00145714}, 0.9043848026, true, -11.8782815689}};
+  const ModelRoutines routines = forwarded_properties();
+  for (const auto& c : cases)
+    for (const ModelRoutines* by : {static_cast<const ModelRoutines*>(nullptr), &routines}) {
+      SCOPED_TRACE(testing::Message() << c.P << " atm, " << c.value << (by != nullptr ? ", by a host" : ""));
+      Mixture m = mixture_of(c.ids);
+      m.use();
+      const Given g = at_energy(m, c.entropy, c.value, c.P, c.z, 0, {}, by);
+      ASSERT_TRUE(g.status == KV_OK || g.status == KV_LV_ANSWER) << g.status;
+      EXPECT_NEAR(g.sum(), c.value, 1e-9 * std::fabs(c.value));
+      expect_balance(g, c.z);
+      EXPECT_LT(flash3(m, g.T * (1.0 - 1e-7), c.P, c.z).V, g.V);
+      EXPECT_GT(flash3(m, g.T * (1.0 + 1e-7), c.P, c.z).V, g.V);
+    }
+}
+
 // The ends of the vapour fraction: an incipient vapour over two liquids, an incipient liquid below a gas.
 TEST(ThreePhaseFraction, EndsHaveTheIncipientPhase) {
   Mixture m = mixture_of({"methane", "propane", "n_heptane", "water"});
