@@ -70,8 +70,11 @@ bool evaluate(Search& q) {
       q.phase[j] = c.value;
       q.slope += p.amount[j] * c.slope;
     } else {
+      // Of the phase as it will be written: what a trace adds to the value need not vanish with it.
+      double* const x = q.s.D;
+      for (int i = 0; i < q.e.m.ld; ++i) x[i] = p.x[j][i] < kAbsent ? 0.0 : p.x[j][i];
       const int phase = j == find_vapour(q.e) ? KV_PHASE_GAS : KV_PHASE_LIQUID;
-      q.status = flash::phase_value(q.caloric, q.e.m.T, p.x[j], phase, q.phase[j]);
+      q.status = flash::phase_value(q.caloric, q.e.m.T, x, phase, q.phase[j]);
     }
     q.value += p.amount[j] * q.phase[j];
   }

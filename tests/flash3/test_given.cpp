@@ -141,6 +141,29 @@ TEST(ThreePhaseLine, AlmostPureComponentsBoil) {
     }
 }
 
+// Water and ammonia together have an enthalpy of mixing that does not vanish with a trace of one of them: what
+// counts are the phases as they are written, in which a fraction below 1e-15 is 0.
+TEST(ThreePhaseValues, AreThoseOfThePhasesAsWritten) {
+  Mixture m = mixture_of({"carbon_dioxide", "methane", "n_butane", "water", "ammonia"});
+  m.use();
+  const struct {
+    double P, H;
+    Vector z;
+  } cases[] = {
+      {8.475417872, -2745.73733097, {0.217511283, 0.2185097704, 0.4201437754, 3.79835967e-12, 0.1438351712}},
+      {1.084790143, -3100.528946, {0.0412874638, 0.2586323897, 0.6180143348, 1.76252e-09, 0.0820658099}},
+      {12.15438529, -2666.923103, {0.6300136293, 0.0847604121, 0.2283715418, 1.9356758e-12, 0.0568544168}}};
+  for (const auto& c : cases) {
+    const Given g = at_energy(m, false, c.H, c.P, c.z);
+    ASSERT_EQ(g.status, KV_OK);
+    double B = 0.0, V = 0.0;
+    LiquidMolarEnthalpy_PPR78(g.T, c.P, g.xB.data(), &m.record, &B);
+    GasMolarEnthalpy_PPR78(g.T, c.P, g.y.data(), &m.record, &V);
+    EXPECT_EQ(g.beta, 0.0);
+    EXPECT_NEAR((1.0 - g.V) * B + g.V * V, c.H, 1e-9 * std::fabs(c.H));
+  }
+}
+
 // The ends of the vapour fraction: an incipient vapour over two liquids, an incipient liquid below a gas.
 TEST(ThreePhaseFraction, EndsHaveTheIncipientPhase) {
   Mixture m = mixture_of({"methane", "propane", "n_heptane", "water"});
