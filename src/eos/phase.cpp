@@ -120,6 +120,7 @@ bool may_have_root_within(const Temperature& t, double b, double P, double Z, do
 
 int stable_root(const Temperature& t, frame::tools::KvBracub bracub, const Mixture& m, double P, double start,
                 Root& r) noexcept {
+  constexpr double kAsGood = 3e-10;  // difference of Gibbs energies over RT
   const double rt = kR * t.T, A = m.a * P / (rt * rt), B = m.b * P / rt;
   const bool warm = start > 0.0;
   double gas = start, liquid = start;
@@ -132,7 +133,9 @@ int stable_root(const Temperature& t, frame::tools::KvBracub bracub, const Mixtu
   if (second == 1 || !has_root(second)) return status;
   Root other;
   reduce(t, m, P, liquid, other);
-  if (residual_gibbs(m, other) < residual_gibbs(m, r)) r = other;
+  const double gain = residual_gibbs(m, r) - residual_gibbs(m, other);
+  const bool as_good = warm && std::fabs(gain) < kAsGood;
+  if (as_good ? std::fabs(other.Z - start) < std::fabs(r.Z - start) : gain > 0.0) r = other;
   return status;
 }
 

@@ -81,8 +81,9 @@ inline double residual_gibbs(const Mixture& m, const Root& r) noexcept {
 bool may_have_root_within(const Temperature& t, double b, double P, double Z, double reach) noexcept;
 
 /*
- * The root of lower Gibbs energy in reduced form. start: a value to begin from where it is positive. Returns
- * the status of solve_root; without a root r is left alone.
+ * The root of lower Gibbs energy in reduced form. start: a value to begin from where it is positive; of two
+ * that are equally good, as where a component boils, the one that is nearer to it. Returns the status of
+ * solve_root; without a root r is left alone.
  */
 int stable_root(const Temperature& t, frame::tools::KvBracub bracub, const Mixture& m, double P, double start,
                 Root& r) noexcept;

@@ -47,7 +47,12 @@ const Grid kGrids[] = {
     {{"methane", "ethane", "propane", "carbon_dioxide", "hydrogen_sulfide"},
      {{0.5, 0.1, 0.05, 0.05, 0.3}, {0.7, 0.02, 0.01, 0.02, 0.25}},
      {165, 175, 185, 195, 205},
-     {10, 20, 30, 40, 55}}};
+     {10, 20, 30, 40, 55}},
+    // A little of an aqueous phase that takes ammonia out of the others.
+    {{"carbon_dioxide", "methane", "n_butane", "water", "ammonia"},
+     {{0.7805, 0.0502, 0.1532, 0.0002, 0.0159}},
+     {210, 220, 230, 240},
+     {3.25}}};
 
 TEST(ThreePhase, EquilibriumOfLowestGibbsEnergyOverGrids) {
   int count[4] = {};
