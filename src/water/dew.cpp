@@ -25,11 +25,16 @@ constexpr double kSlopeOfLnY = -5300.0;  // d ln y/d(1/T), K: the heat of vapori
 constexpr double kLineLowestPressure = 1.0, kLineHighestPressure = 200.0;  // atm
 constexpr double kNarrow = 1e-14;  // relative width of an interval of temperatures
 
+int iteration_limit(const MixtureRecord& m) noexcept {
+  return flash::copy_settings(m).ITEMAX;
+}
+
 StatusCode check(const DewCall& call, Method& method) noexcept {
   const MixtureRecord& m = *call.mixture;
   double sum = 0.0;
   for (int i = 0; i < m.count; ++i) sum += call.z[i];
-  if (!(std::fabs(sum - 1.0) <= flash::sum_tolerance(m))) return KV_FEED_SUM;
+  const double tolerance = m.sum_tolerance != 0.0 ? m.sum_tolerance : KV_DEFAULT_SUM_TOLERANCE;
+  if (std::fabs(sum - 1.0) > tolerance) return KV_FEED_SUM;
   return method_by_number(call.method, method) ? KV_OK : KV_SPECIFICATION;
 }
 
@@ -265,7 +270,7 @@ StatusCode with_gas(const DewCall& call, Body&& body) {
 }
 
 StatusCode temperature_at(const DewCall& call, const Gas& gas, support::Arena& arena, double P, double& T) {
-  TemperatureSearch t{gas, arena, call.z[gas.water], P, flash::copy_settings(*call.mixture).ITEMAX, 0.0, 0.0};
+  TemperatureSearch t{gas, arena, call.z[gas.water], P, iteration_limit(*call.mixture), 0.0, 0.0};
   return temperature_range(gas, t.lowest, t.highest) ? find_temperature(t, T) : StatusCode{KV_WATER_RANGE};
 }
 
@@ -278,7 +283,7 @@ StatusCode dew_pressure(const DewCall& call, double T, double& P) {
     const StatusCode status = prepare_saturation(gas, T, arena, s);
     if (status != KV_OK) return status;
     PressureSearch p{s, call.z[gas.water]};
-    p.limit = flash::copy_settings(*call.mixture).ITEMAX;
+    p.limit = iteration_limit(*call.mixture);
     return find_pressure(p, P);
   });
 }

@@ -55,23 +55,6 @@ TEST_F(Dilute, WithoutACorrelationTheCurvesAreRightInSize) {
   }
 }
 
-// Water is told by its family code: without it, it takes the term that hydrocarbons have.
-TEST_F(Dilute, ConductivityOfWaterHasNoTermOfHydrocarbons) {
-  m = tests::mixture_of({"methane", "hydrogen", "water"});
-  m.at(2, KV_COL_CAS) = 1.0;  // no correlation
-  const eos::Critical c = constants(2);
-  const double Tr = 400.0 / c.Tc, P = 1.01325 * c.Pc;
-  const double shape = 8.757 * (std::exp(0.0464 * Tr) - std::exp(-0.2412 * Tr));
-  const double inverse = 210.0 * std::pow(c.Tc * std::pow(c.M, 3) / std::pow(P, 4), 1.0 / 6.0);
-  const double C = (0.003458 * c.M + 0.01688) * c.M - 0.03098;
-  const double term = C * (-0.152 * Tr + 1.191 * Tr * Tr - 0.039 * Tr * Tr * Tr);
-  for (const double family : {KV_FAMILY_WATER, 0.0}) {
-    m.at(2, KV_COL_FAMILY) = family;
-    const double expected = (shape + (family == 0.0 ? term : 0.0)) / inverse;
-    EXPECT_NEAR(eos::dilute_conductivity(400.0, m.record, 2, c) / expected, 1.0, 1e-12) << family;
-  }
-}
-
 TEST_F(Dilute, NoJumpWhereACorrelationEnds) {
   for (int i = 0; i < 3; ++i) {
     const eos::Critical c = constants(i);
