@@ -86,7 +86,8 @@ bool two_liquids(Equilibrium& e) {
   std::copy_n(p.x[kA], e.m.n, e.y);
   e.beta = p.amount[kA];
   flash::IsothermalCall c = isothermal_call(e);
-  c.third = nullptr;
+  flash::ThirdPhase tested_later;
+  c.third = &tested_later;
   c.mode = flash::Mode::liquid_liquid;
   c.start = flash::Start::warm;
   c.index = 0;

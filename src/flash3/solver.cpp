@@ -146,7 +146,7 @@ void take_part(Run& r) {
     double sum = 0.0;
     for (int i = 0; i < r.m.n; ++i) {
       const double before = r.w.saved[j][i], after = r.p.amount[j] * r.p.x[j][i];
-      sum += r.w.moles[j][i] = before + r.factor * (after - before);
+      sum += r.w.moles[j][i] = std::max(before + r.factor * (after - before), 0.0);
     }
     r.p.amount[j] = sum;
     for (int i = 0; i < r.m.n && sum > 0.0; ++i) r.p.x[j][i] = r.w.moles[j][i] / sum;
