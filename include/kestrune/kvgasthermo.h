@@ -162,7 +162,7 @@ KV_API StatusCode KV_CALL FlashLVatWT(double W, double T, const double* z, Mixtu
  *   vapour, one liquid  beta 0, the liquid in B whatever it is, xA and KLL zero, KLV = y/xB
  *   two liquids         V 0, y and KLV zero
  *   one liquid          V 0; beta 0 and the liquid in B with KLL 1e15; with free water beta 1, the liquid in A
- *   a vapour alone      V 1, beta 0, KLV 1e15; xB holds a liquid close to appearing, or the feed
+ *   a vapour alone      V 1, beta 0, xA and xB zero, KLV 1e15
  *
  * Of two phases the less densely packed one (b/v) is called vapour above the critical volume of the equation
  * (3.9514 b) or its own pseudo-critical temperature (1.25 times that beside an aqueous liquid), else it is a
@@ -173,8 +173,8 @@ KV_API StatusCode KV_CALL FlashLVatWT(double W, double T, const double* z, Mixtu
  * sum_tolerance. 112, 114, 120: no answer, results hold the best state seen. 118: three phases, and a fourth
  * would split off; with the FreeWaterFlag also where hydrocarbons would form two liquids, of which its rules
  * know one. With flashes of the host: 134, 135 an answer of two phases or one after a liquid-vapour flash
- * (entry 2) with a status that ends flashes, 136 what a flash left was nothing to start from; such a status of
- * the liquid-liquid flash (entry 1) is returned as it stands.
+ * (entry 2) with a status that ends flashes, 136 what a flash left was nothing to start from, or the
+ * liquid-liquid flash (entry 1) had such a status.
  */
 KV_API StatusCode KV_CALL FlashLLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                        const ModelRoutines* routines, int32_t options, double* beta, double* V,
@@ -226,7 +226,7 @@ KV_API StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, Mixt
  * beta     in/out share of liquid 2: z = (1 - beta) liquid1 + beta liquid2
  * liquid1  [count] in/out the denser one
  * liquid2  [count] in/out the lighter one
- * K        [count] out liquid2 / liquid1
+ * K        [count] out liquid2 / liquid1, 1e15 where liquid1 lacks a component
  *
  * With the FreeWaterFlag water beyond the solubility limit of the others is a liquid of its own.
  */
@@ -311,7 +311,7 @@ KV_API StatusCode KV_CALL CriticalPoint(const double* z, MixtureRecord* mixture,
  * KV_NO_WATER without a component that is water (CAS 7732-18-5); KV_NO_WATER_LIMIT (4) where the gas takes up
  * any amount of water; KV_WATER_RANGE outside the range of the method. Dew points: KV_FEED_SUM where the feed,
  * an empty one among them, does not sum to one, and KV_NO_WATER, in front of the checks of the conditions;
- * KV_NOT_CONVERGED after ITEMAX + 1 updates and where there is no solution.
+ * KV_NOT_CONVERGED after ITEMAX + 1 updates; this or KV_ZERO_SLOPE where there is no solution.
  */
 /* Dew temperature at P. T in: a start, where it is in range; out: the result, or the last temperature. 36
  * bytes. */

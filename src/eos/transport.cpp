@@ -4,6 +4,7 @@
 #include <cfloat>
 #include <cmath>
 
+#include "eos/water.hpp"
 #include "frame/cas.hpp"
 #include "frame/provider.hpp"
 #include "frame/tools_bridge.hpp"
@@ -199,11 +200,12 @@ StatusCode dilute_viscosity(double T, const MixtureRecord& mixture, int i, const
   return status;
 }
 
-double corresponding_conductivity(double T, const Critical& c) noexcept {
+double corresponding_conductivity(double T, const Critical& c, bool water) noexcept {
   // Translational part, and the internal part C f(Tr) of hydrocarbons with C by molar mass; both stay where
   // they are above Tr = 20, where f has its maximum.
   const double Tr = std::min(T / c.Tc, 20.0);
   const double translational = 8.757 * (std::exp(0.0464 * Tr) - std::exp(-0.2412 * Tr));
+  if (water) return translational / inverse_conductivity(c);
   const double C = c.M < 40.0 ? (0.003458 * c.M + 0.01688) * c.M - 0.03098 : 0.3013 * c.M - 5.8749;
   const double f = Tr * (-0.152 + Tr * (1.191 - 0.039 * Tr));
   return (translational + std::max(C, 0.0) * std::max(f, 0.0)) / inverse_conductivity(c);
@@ -211,7 +213,8 @@ double corresponding_conductivity(double T, const Critical& c) noexcept {
 
 StatusCode dilute_conductivity(double T, const MixtureRecord& mixture, int i, const Critical& c,
                                double& lambda) noexcept {
-  const auto curve = [&](double t) { return corresponding_conductivity(t, c); };
+  const bool water = is_water_family(mixture, i);
+  const auto curve = [&](double t) { return corresponding_conductivity(t, c, water); };
   return dilute_value(PureProperty::GasThermalConductivity, T, cas_number(mixture, i), curve, lambda);
 }
 

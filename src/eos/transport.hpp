@@ -41,11 +41,12 @@ StatusCode dilute_viscosity(double T, const MixtureRecord& mixture, int i, const
 
 /*
  * Low-pressure conductivity of component i, W/(m K), in the same way; the curve is the one of the reduced
- * inverse conductivity 210 (Tc M^3/Pc^4)^(1/6) with Pc in bar. [Roy68]
+ * inverse conductivity 210 (Tc M^3/Pc^4)^(1/6) with Pc in bar. [Roy68] Water, by its family code, has no term of
+ * the inner degrees of freedom of hydrocarbons.
  */
 StatusCode dilute_conductivity(double T, const MixtureRecord& mixture, int i, const Critical& c,
                                double& lambda) noexcept;
-double corresponding_conductivity(double T, const Critical& c) noexcept;
+double corresponding_conductivity(double T, const Critical& c, bool water) noexcept;
 
 /* What the density adds, as a function of the reduced density: viscosity times Tc^(1/6)/(sqrt(M) Pc^(2/3)) in
  * cP [Jos62]; conductivity times 210 (Tc M^3/Pc^4)^(1/6) Zc^5 [Sti64]. 0 at 0, continuous. */

@@ -41,9 +41,8 @@ WithSlope water_vaporisation_enthalpy(double T) noexcept {
 }
 
 int find_water_family(const MixtureRecord& mixture) noexcept {
-  const double* family = mixture.table + static_cast<std::size_t>(KV_COL_FAMILY - 1) * mixture.count;
   for (int i = 0; i < mixture.count; ++i)
-    if (family[i] == KV_FAMILY_WATER) return i;
+    if (is_water_family(mixture, i)) return i;
   return -1;
 }
 

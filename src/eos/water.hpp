@@ -3,6 +3,8 @@
 #ifndef KESTRUNE_EOS_WATER_HPP
 #define KESTRUNE_EOS_WATER_HPP
 
+#include <cstddef>
+
 #include "kestrune/records.h"
 
 namespace kestrune::eos {
@@ -34,6 +36,11 @@ WithSlope water_vaporisation_enthalpy(double T) noexcept;
 
 /* Index from 0 of the first component of the water family, -1 when there is none. */
 int find_water_family(const MixtureRecord& mixture) noexcept;
+
+/* Whether component i (from 0) has the family code of water. */
+inline bool is_water_family(const MixtureRecord& mixture, int i) noexcept {
+  return mixture.table[static_cast<std::size_t>(KV_COL_FAMILY - 1) * mixture.count + i] == KV_FAMILY_WATER;
+}
 
 }  // namespace kestrune::eos
 

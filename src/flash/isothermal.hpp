@@ -19,7 +19,7 @@ enum class Start {
  * returned as it is, and every component present is tried as a phase of its own.
  */
 struct ThirdPhase {
-  double* w = nullptr;  // [n] composition of what cuts the answer's tangent plane
+  double* w = nullptr;  // [n] composition of what cuts the answer's tangent plane; null: the caller tests later
   bool found = false;   // it does; also when the split of an unstable feed failed
   double distance = 0.0;
 };

@@ -78,6 +78,25 @@ StatusCode two_phases(Equilibrium& e, bool warm) {
   return test_equilibrium(e);
 }
 
+// The same with two liquids, A and B, whatever vapour there may be: the test that follows looks for one. False:
+// they are none, or become one.
+bool two_liquids(Equilibrium& e) {
+  Phases& p = e.p;
+  std::copy_n(p.x[kB], e.m.n, e.x);
+  std::copy_n(p.x[kA], e.m.n, e.y);
+  e.beta = p.amount[kA];
+  flash::IsothermalCall c = isothermal_call(e);
+  flash::ThirdPhase tested_later;
+  c.third = &tested_later;
+  c.mode = flash::Mode::liquid_liquid;
+  c.start = flash::Start::warm;
+  c.index = 0;
+  if (flash::isothermal_flash(c) != KV_OK) return false;
+  set_phase(e, 0, e.x, 1.0 - e.beta, p);
+  set_phase(e, 1, e.y, e.beta, p);
+  return evaluate(e) == KV_OK && p.worst <= kLoose;
+}
+
 // Two phases that the three-phase iteration left, finished and tested by the two-phase flash.
 StatusCode finish_two(Equilibrium& e) {
   std::copy_n(e.p.x[0], e.m.n, e.x);
@@ -101,7 +120,9 @@ StatusCode settle(Equilibrium& e, bool patient) {
     case Ended::converged:
       return test_equilibrium(e);
     default:
-      return e.p.count == 2 ? finish_two(e) : two_phases(e, false);
+      if (e.p.count != 2) return two_phases(e, false);
+      if (ended != Ended::vapour_vanished) return finish_two(e);
+      return two_liquids(e) ? test_equilibrium(e) : finish_two(e);
   }
 }
 
@@ -239,13 +260,16 @@ StatusCode settle_four(Equilibrium& e) {
 // The solver's own starts, when nothing better leads anywhere.
 StatusCode from_own_starts(Equilibrium& e) {
   StatusCode status = KV_NOT_CONVERGED;
-  for (const int index : {2, 1}) {
+  bool lower = false;
+  for (const int index : {2, 1, 3, 5}) {
     e.how.index = index;
     if (start_by_index(e.m, e.z, index, e.p) != KV_OK) continue;
     status = settle(e, true);
-    if (status == KV_OK && e.p.gibbs < e.answer.gibbs - kLowerGibbs) return KV_OK;
+    lower = status == KV_OK && e.p.gibbs < e.answer.gibbs - kLowerGibbs;
+    if (lower) break;
   }
-  return status == KV_OK ? KV_NOT_CONVERGED : status;
+  e.how.index = 4;
+  return lower || status != KV_OK ? status : StatusCode{KV_NOT_CONVERGED};
 }
 
 // From an answer that was just tested to one that nothing cuts.
@@ -286,14 +310,19 @@ StatusCode improve(Equilibrium& e) {
   return e.third.found ? KV_NOT_CONVERGED : KV_OK;
 }
 
-// What does not pass is no answer; the solver's own starts are the last resort.
+// What does not pass is no answer; the solver's own starts are the last resort. Of three phases that ended
+// nowhere it is told when two of them have become alike.
 StatusCode leave(Equilibrium& e, StatusCode status) {
-  if (status != KV_OK || accept(e)) return status;
+  const bool failed = status == KV_NOT_CONVERGED || status == KV_TRIVIAL;
+  if (e.started ? status != KV_OK || accept(e) : !failed) return status;
   copy_phases(e.p, e.answer, e.m.ld);
   e.answer.gibbs = 1e300;
   status = from_own_starts(e);
   if (status == KV_OK) status = improve(e);
-  return status != KV_OK || accept(e) ? status : StatusCode{KV_NOT_CONVERGED};
+  if (status == KV_OK && accept(e)) return status;
+  if (status != KV_OK && status != KV_NOT_CONVERGED && status != KV_RELAXATION) return status;
+  const StatusCode alike = phases_alike(e.m.n, e.z, e.p, e.how.settings.CRIT);
+  return alike != KV_OK ? alike : status != KV_OK ? status : StatusCode{KV_NOT_CONVERGED};
 }
 
 }  // namespace
@@ -333,6 +362,7 @@ StatusCode set_conditions(double T, double P, Equilibrium& e) {
 StatusCode find_equilibrium(Equilibrium& e) {
   e.how.index = 4;
   const StatusCode status = two_phases(e, false);
+  e.started = status == KV_OK;
   return leave(e, status == KV_OK ? improve(e) : status);
 }
 

@@ -20,6 +20,7 @@ struct Equilibrium {
   double *x = nullptr, *y = nullptr, *K = nullptr;  // results of the two-phase flash: the incipient phase too
   double beta = 0.0;
   bool gas = false;                              // of a single phase
+  bool started = false;                          // the two-phase flash of the feed had an answer
   double* cut = nullptr;                         // composition of the phase that cuts e.p
   double *added = nullptr, *best_cut = nullptr;  // that of the answer that is improved on, and of the best
   flash::ThirdPhase third;
@@ -47,8 +48,8 @@ StatusCode set_conditions(double T, double P, Equilibrium& e);
 
 /*
  * Solves from nothing. KV_OK: e.p. KV_FOURTH_PHASE: e.p is the lowest state of three phases, and a fourth would
- * split off. 112, 114, 120: no answer that passes the test was found, e.p is the best one
- * seen. Others: of the model.
+ * split off. 112, 114: no answer that passes the test was found, e.p is the best one seen; 120, 121 when two of
+ * its phases are alike. Others: of the model.
  */
 StatusCode find_equilibrium(Equilibrium& e);
 

@@ -9,20 +9,45 @@
 #include "flash/feed.hpp"
 #include "flash/pure_saturation.hpp"
 #include "flash/settings.hpp"
+#include "flash3/phases.hpp"
 
 namespace kestrune::flash3 {
 namespace {
 
-// The denser liquid first.
-StatusCode order_liquids(const LiquidLiquidCall& c) {
-  double first = 0.0, second = 0.0;
-  StatusCode status = density_of_liquid({c.T, c.P, c.liquid1, c.mixture, c.routines}, first);
-  if (status == KV_OK) status = density_of_liquid({c.T, c.P, c.liquid2, c.mixture, c.routines}, second);
-  if (status != KV_OK || !(first < second)) return status;
+using DensityRoutine = StatusCode(KV_CALL*)(double, double, const double*, MixtureRecord*, double*, double*,
+                                            double*, double*);
+
+// First output of the host's routine, not finite where it has written none.
+double host_value(DensityRoutine routine, const LiquidPair& p, const double* x) {
+  double value = std::numeric_limits<double>::quiet_NaN(), d_dT = 0.0, d_dP = 0.0, d2_dTdP = 0.0;
+  routine(p.T, p.P, x, p.mixture, &value, &d_dT, &d_dP, &d2_dTdP);
+  return value;
+}
+
+// Mass density, g/cm3, from Z where there is one; NaN where the library has none.
+double own_density(const LiquidPair& p, const double* x, double Z) {
+  const MixtureRecord& r = *p.mixture;
+  if (Z > 0.0) {
+    const double* M = r.table + static_cast<std::size_t>(KV_COL_MOLAR_MASS - 1) * r.count;
+    double mass = 0.0;
+    for (int i = 0; i < r.count; ++i) mass += x[i] * M[i];
+    return mass * p.P / (Z * eos::kR * p.T);
+  }
+  eos::Density d{};
+  const StatusCode status = eos::density({p.T, p.P, x, KV_PHASE_LIQUID, p.mixture}, d);
+  return eos::has_values(status) ? d.rho : std::numeric_limits<double>::quiet_NaN();
+}
+
+// The denser liquid first, no traces of what is absent, and the K of that.
+StatusCode write_two(const LiquidLiquidCall& c) {
   const int n = c.mixture->count;
-  std::swap_ranges(c.liquid1, c.liquid1 + n, c.liquid2);
-  *c.beta = 1.0 - *c.beta;
-  for (int i = 0; i < n; ++i) c.K[i] = 1.0 / c.K[i];
+  if (!denser_first({c.T, c.P, c.liquid1, c.liquid2, c.mixture, c.routines})) {
+    std::swap_ranges(c.liquid1, c.liquid1 + n, c.liquid2);
+    *c.beta = 1.0 - *c.beta;
+  }
+  drop_traces(n, c.liquid1);
+  drop_traces(n, c.liquid2);
+  ratios_of(n, c.liquid2, c.liquid1, c.K);
   return KV_OK;
 }
 
@@ -38,48 +63,38 @@ bool split_water(const LiquidLiquidCall& c, const double* z) {
   for (int i = 0; i < n; ++i) {
     c.liquid1[i] = i == w ? 1.0 : 0.0;
     c.liquid2[i] = i == w ? s : z[i] / oil;
-    c.K[i] = i == w ? std::max(s, flash::kSmallestK) : flash::kLargestK;
   }
   return true;
 }
 
 }  // namespace
 
-DensityRoutine host_density(const flash::HostRoutines* routines) noexcept {
-  return flash::host_routine<DensityRoutine>(routines, KV_ROUTINE_LIQUID_ORDER);
-}
-
-StatusCode density_of_liquid(const LiquidPhase& l, double& rho) {
-  if (const DensityRoutine routine = host_density(l.routines)) {
-    double d_dT = 0.0, d_dP = 0.0, d2_dTdP = 0.0;
-    rho = std::numeric_limits<double>::quiet_NaN();
-    const StatusCode status = flash::call_host(
-        *l.routines, [&] { return routine(l.T, l.P, l.x, l.mixture, &rho, &d_dT, &d_dP, &d2_dTdP); });
-    if (status != KV_OK || std::isfinite(rho)) return status;
-    return flash::end_flash(*l.routines, KV_NOT_FINITE);
+bool denser_first(const LiquidPair& p) {
+  const auto routine = flash::host_routine<DensityRoutine>(p.routines, KV_ROUTINE_LIQUID_ORDER);
+  if (routine != nullptr) {
+    const double first = host_value(routine, p, p.first), second = host_value(routine, p, p.second);
+    if (std::isfinite(first) && std::isfinite(second)) return !(first < second);
   }
-  eos::Density d{};
-  const StatusCode status = eos::density({l.T, l.P, l.x, KV_PHASE_LIQUID, l.mixture}, d);
-  rho = d.rho;
-  return eos::has_values(status) ? StatusCode{KV_OK} : status;
+  return !(own_density(p, p.first, p.Z_first) < own_density(p, p.second, p.Z_second));
 }
 
 StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
   const int n = c.mixture->count;
   enum class Short { none, pure, water };
   const Short way = support::with_arena<0, 4>(n, [&](support::Arena& arena) {
-    double* z = arena.take(n);
-    flash::normalise_feed(n, c.z, z);
-    if (flash::single_component(n, z, flash::pure_tolerance(*c.mixture)) < 0)
+    if (flash::single_component(n, c.z, flash::pure_tolerance(*c.mixture)) < 0) {
+      double* z = arena.take(n);
+      flash::normalise_feed(n, c.z, z);
       return c.free_water && split_water(c, z) ? Short::water : Short::none;
+    }
     *c.beta = 0.0;
-    std::copy_n(z, n, c.liquid1);
+    std::copy_n(c.z, n, c.liquid1);
     std::fill_n(c.liquid2, n, 0.0);
     std::fill_n(c.K, n, flash::kSmallestK);
     return Short::pure;
   });
   if (way == Short::pure) return KV_OK;
-  if (way == Short::water) return order_liquids(c);
+  if (way == Short::water) return write_two(c);
 
   flash::IsothermalCall call{c.T, c.P, c.z, c.mixture, c.routines, c.beta, c.liquid1, c.liquid2, c.K};
   call.free_water = c.free_water;
@@ -89,16 +104,18 @@ StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
   const StatusCode status = flash::isothermal_flash(call);
   if (status != KV_OK && status != KV_SINGLE_PHASE) return status;
   if (*c.beta == 0.0) {
+    drop_traces(n, c.liquid1);
     std::fill_n(c.liquid2, n, 0.0);
     std::fill_n(c.K, n, 0.0);
     return KV_OK;
   }
   if (*c.beta == 1.0) {
+    drop_traces(n, c.liquid2);
     std::fill_n(c.liquid1, n, 0.0);
     std::fill_n(c.K, n, flash::kLargestK);
     return KV_OK;
   }
-  return order_liquids(c);
+  return write_two(c);
 }
 
 }  // namespace kestrune::flash3

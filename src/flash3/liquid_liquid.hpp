@@ -19,26 +19,28 @@ struct LiquidLiquidCall {
 };
 
 /*
- * KV_OK: one liquid or two. A feed of a single component is not split: beta 0, liquid 2 all zero, K 1e-15. One
- * liquid: beta 0, liquid 2 and K all zero. Two are ordered by the density routine of the host (entry 10), or by
- * the library's. Others: of the isothermal solver and of the density routine.
+ * KV_OK: one liquid or two. A feed of which one entry, as it is given, is above 1 less the tolerance of the
+ * record is not split: beta 0, liquid 1 the feed, liquid 2 all zero, K 1e-15. One liquid: beta 0, liquid 2 and
+ * K all zero. Two stand as denser_first orders them. Fractions below 1e-15 are 0, and K is 1e15 where liquid 1
+ * lacks a component. Others: of the isothermal solver.
  */
 StatusCode liquid_liquid_flash(const LiquidLiquidCall& call);
 
-using DensityRoutine = StatusCode(KV_CALL*)(double, double, const double*, MixtureRecord*, double*, double*,
-                                            double*, double*);
-
-/* The routine of a host that orders liquids (entry 10), null without one. */
-DensityRoutine host_density(const flash::HostRoutines* routines) noexcept;
-
-struct LiquidPhase {
+// Two liquids of n components; Z where it is known, else 0.
+struct LiquidPair {
   double T, P;  // K, atm
-  const double* x;
+  const double *first, *second;
   MixtureRecord* mixture;
-  flash::HostRoutines* routines;
+  const flash::HostRoutines* routines;
+  double Z_first = 0.0, Z_second = 0.0;
 };
-/* Mass density of a liquid, g/cm3, by the host's routine or by the library's. */
-StatusCode density_of_liquid(const LiquidPhase& liquid, double& rho);
+
+/*
+ * Whether the liquids stand in their order: the first output of the host's routine (entry 10) is no smaller for
+ * the first one. Its status says nothing. Without a routine, and where it leaves no finite number for one of
+ * them, the mass densities of the library decide; liquids that have none stay where they are.
+ */
+bool denser_first(const LiquidPair& pair);
 
 }  // namespace kestrune::flash3
 

@@ -367,6 +367,17 @@ bool join_phases(int n, int ld, const double* z, const Phases& a, const Phases& 
   return joined.count >= 2;
 }
 
+void drop_traces(int n, double* x) {
+  for (int i = 0; i < n; ++i)
+    if (x[i] < kAbsent) x[i] = 0.0;
+}
+
+void ratios_of(int n, const double* above, const double* below, double* K) {
+  for (int i = 0; i < n; ++i)
+    K[i] = below[i] > 0.0 ? std::clamp(above[i] / below[i], flash::kSmallestK, flash::kLargestK)
+                          : flash::kLargestK;
+}
+
 bool same_phase(int n, const double* z, const double* a, const double* b, double tolerance) {
   double sum = 0.0;
   for (int i = 0; i < n; ++i) {

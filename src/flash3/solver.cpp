@@ -102,6 +102,7 @@ struct Run {
   StatusCode status = KV_OK;
   double factor = 1.0;
   bool newton = false, accepted = false;
+  bool balanced = false;  // the phases hold the feed, which those of a start need not
   int failures = 0, recovery = 0;
 };
 
@@ -134,17 +135,36 @@ bool newton_step(Run& r) {
       if (r.p.gibbs <= before + kSteepest * (1.0 + std::fabs(before))) break;
     }
   }
-  // The next pass begins with this factor; one that was good at once has done its duty.
-  if (!r.accepted) r.factor = factor < r.factor ? factor : 1.0;
+  // The next pass begins with this factor.
+  if (!r.accepted) r.factor = factor;
   return factor >= kSmallestRelaxation;
 }
 
-// Substitution: amounts by the convex split. False: r.status or nothing usable.
+// What every phase has of every component, between the saved amounts and those of p.
+void take_part(Run& r) {
+  for (int j = 0; j < r.p.count; ++j) {
+    double sum = 0.0;
+    for (int i = 0; i < r.m.n; ++i) {
+      const double before = r.w.saved[j][i], after = r.p.amount[j] * r.p.x[j][i];
+      sum += r.w.moles[j][i] = std::max(before + r.factor * (after - before), 0.0);
+    }
+    r.p.amount[j] = sum;
+    for (int i = 0; i < r.m.n && sum > 0.0; ++i) r.p.x[j][i] = r.w.moles[j][i] / sum;
+  }
+}
+
+// Substitution: amounts by the convex split, of which a factor below 1 takes a part. False: r.status or nothing
+// usable.
 bool substitute(Run& r) {
+  const bool whole = !r.balanced || r.accepted || r.factor == 1.0;
+  for (int j = 0; j < r.p.count && !whole; ++j)
+    for (int i = 0; i < r.m.n; ++i) r.w.saved[j][i] = r.p.amount[j] * r.p.x[j][i];
   if (!split_between(r.m.n, r.z, r.p, r.w)) {
     r.status = KV_NOT_FINITE;
     return false;
   }
+  if (!whole) take_part(r);
+  r.balanced = true;
   r.status = evaluate_phases(r.m, r.z, r.p, r.w, r.newton && has_all_amounts(r));
   return r.status == KV_OK;
 }
@@ -210,6 +230,7 @@ Ended iterate(Run& r) {
     if (r.failures >= kFailures) return Ended::damped;
     if (!r.newton && (pass >= substitutions || stagnant)) {
       r.newton = true;
+      r.factor = 1.0;
       r.status = evaluate_phases(r.m, r.z, r.p, r.w, true);
       if (r.status != KV_OK) return Ended::routine;
     }
@@ -258,6 +279,25 @@ Ended finish(Run& r) {
   return r.p.worst <= owed ? Ended::converged : Ended::damped;
 }
 
+// Trials of the starts: a liquid almost pure in the last component that is present, one in the first, the feed.
+void almost_pure(int n, const double* z, Phases& p) {
+  constexpr double kAlmostPure = 0.99, kOthers = 0.01;
+  int first = -1, last = -1;
+  for (int i = 0; i < n; ++i) {
+    if (!(z[i] > 0.0)) continue;
+    if (first < 0) first = i;
+    last = i;
+  }
+  for (const int j : {kA, kB}) {
+    const int most = j == kA ? last : first;
+    double sum = 0.0;
+    for (int i = 0; i < n; ++i)
+      sum += p.x[j][i] = !(z[i] > 0.0) ? 0.0 : i == most ? kAlmostPure : kOthers / (n - 1);
+    for (int i = 0; i < n; ++i) p.x[j][i] /= sum;
+  }
+  std::copy_n(z, n, p.x[kV]);
+}
+
 }  // namespace
 
 Ended iterate_phases(flash::Model& m, const double* z, const Iteration& how, Phases& p, const PhasesWork& w,
@@ -274,7 +314,9 @@ Ended iterate_phases(flash::Model& m, const double* z, const Iteration& how, Pha
   if (r.status == KV_OK && (how.descend || substitute(r))) ended = iterate(r);
   // Newton's method lets a trace grow by so much a step; one substitution puts it right.
   if (ended == Ended::converged && how.descend && !substitute(r)) ended = Ended::routine;
-  if (ended == Ended::converged) ended = finish(r);
+  // Short steps have used up the passes: on with whole ones.
+  const bool tired = ended == Ended::exhausted && r.factor < 1.0;
+  if (ended == Ended::converged || tired) ended = finish(r);
   // Stuck beside the end of a phase: without it.
   if (ended == Ended::damped || ended == Ended::exhausted) drop_negligible(r, kNegligibleAmount, ended);
   status = r.status;
@@ -289,42 +331,56 @@ Ended polish_phases(flash::Model& m, const double* z, const Iteration& how, Phas
   return ended;
 }
 
-StatusCode start_by_index(flash::Model& m, const double* z, int index, Phases& p) {
-  constexpr double kAlmostPure = 0.99, kOthers = 0.01;
-  const int n = m.n;
-  int first = -1, last = -1, present = 0;
-  for (int i = 0; i < n; ++i) {
-    if (!(z[i] > 0.0)) continue;
-    if (first < 0) first = i;
-    last = i;
-    ++present;
-  }
-  const auto almost_pure = [&](double* x, int j) {
-    for (int i = 0; i < n; ++i) x[i] = !(z[i] > 0.0) ? 0.0 : i == j ? kAlmostPure : kOthers / (present - 1);
+StatusCode phases_alike(int n, const double* z, const Phases& p, double CRIT) {
+  if (p.count != kMostPhases || n == 1) return KV_OK;
+  const double bound = std::exp(std::log(CRIT) / 3.0);
+  const auto alike = [&](int j, int k) {
+    for (int i = 0; i < n; ++i)
+      if (z[i] > 0.0 && !(std::fabs(p.x[j][i] - p.x[k][i]) < bound * p.x[k][i])) return false;
+    return true;
   };
+  if (alike(kA, kB) || alike(kV, kA)) return KV_TRIVIAL;
+  return alike(kV, kB) ? KV_TRIVIAL_LV : KV_OK;
+}
+
+StatusCode start_by_index(flash::Model& m, const double* z, int index, Phases& p) {
+  const int n = m.n;
   p.count = kMostPhases;
   for (double& a : p.amount) a = 1.0 / kMostPhases;
-  double* const K = p.ln_phi[kV];
-  flash::wilson(m.T, m.P, *m.mixture, false, K, nullptr);
-  if (index != 5) std::copy_n(z, n, p.x[kV]);
-  almost_pure(p.x[kA], last);
-  almost_pure(p.x[kB], first);
-  if (index == 2 || index == 3) {
-    // A liquid in equilibrium with the feed as a vapour, or for 2 the vapour of the feed as a liquid.
-    double sum = 0.0;
-    double* const x = index == 2 ? p.x[kV] : p.x[kA];
-    for (int i = 0; i < n; ++i) sum += x[i] = index == 2 ? z[i] * K[i] : z[i] / K[i];
-    for (int i = 0; i < n; ++i) x[i] /= sum;
-    if (index == 2) std::copy_n(z, n, p.x[kB]);
-  } else if (index == 5) {
-    double Z = 0.0;
-    const StatusCode status = flash::fugacity(m, p.x[kA], flash::Kind::stable, p.ln_phi[kA], nullptr, Z);
-    if (status != KV_OK) return status;
-    double sum = 0.0;
-    for (int i = 0; i < n; ++i)
-      sum += p.x[kV][i] = p.x[kA][i] * support::fast_exp(std::min(p.ln_phi[kA][i], flash::kLargestLogK));
-    for (int i = 0; i < n; ++i) p.x[kV][i] /= sum;
+  // ln phi of the trials in their places; where Wilson's coefficients stand for them, 0 and ln K.
+  double *const A = p.ln_phi[kA], *const B = p.ln_phi[kB], *const V = p.ln_phi[kV];
+  const auto wilson = [&](double* log_k) {
+    flash::wilson(m.T, m.P, *m.mixture, false, log_k, nullptr);
+    for (int i = 0; i < n; ++i) log_k[i] = support::fast_log(log_k[i]);
+  };
+  if (index == 2) {
+    wilson(A);
+    for (int i = 0; i < n; ++i) B[i] = 2.0 * A[i];
+    std::fill_n(V, n, 0.0);
+  } else {
+    almost_pure(n, z, p);
+    for (const int j : {kA, kB, kV}) {
+      if (j == kV && index != 1) continue;
+      p.Z[j] = 0.0;
+      const StatusCode status = flash::fugacity(m, p.x[j], flash::Kind::stable, p.ln_phi[j], nullptr, p.Z[j]);
+      if (status != KV_OK) return status;
+    }
+    if (index == 3) wilson(V);
+    for (int i = 0; i < n && index != 1; ++i) V[i] = index == 3 ? A[i] - V[i] : 0.0;
   }
+  const auto coefficient = [](double above, double below) {
+    return support::fast_exp(std::clamp(below - above, -flash::kLargestLogK, flash::kLargestLogK));
+  };
+  double sum[kMostPhases] = {};
+  for (int i = 0; i < n; ++i) {
+    const double KLL = coefficient(A[i], B[i]), KLV = coefficient(V[i], A[i]);
+    p.x[kB][i] = z[i] / ((1.0 + KLL + KLV * KLL) / kMostPhases);
+    p.x[kA][i] = KLL * p.x[kB][i];
+    p.x[kV][i] = KLV * p.x[kA][i];
+    for (int j = 0; j < kMostPhases; ++j) sum[j] += p.x[j][i];
+  }
+  for (int j = 0; j < kMostPhases; ++j)
+    for (int i = 0; i < n; ++i) p.x[j][i] /= sum[j];
   return KV_OK;
 }
 

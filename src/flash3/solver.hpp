@@ -44,10 +44,18 @@ Ended polish_phases(flash::Model& m, const double* z, const Iteration& how, Phas
                     StatusCode& status);
 
 /*
- * The solver's own starts for p (its slots, amounts 1/3 each) by initialisation index: 2 the coefficients of
- * Wilson, the second liquid almost pure in the last component; others: two liquids almost pure in the last and
- * the first component, and the feed as the vapour (not for 5), with Wilson's coefficients between liquid and
- * vapour for 3 and those of the fugacity routine else. Components are counted among those that are present.
+ * KV_TRIVIAL or KV_TRIVIAL_LV when of three phases in their slots the two liquids or the vapour and A, or the
+ * vapour and B, are one phase: every distribution coefficient between them within CRIT^(1/3) of 1. KV_OK else,
+ * and for a single component.
+ */
+StatusCode phases_alike(int n, const double* z, const Phases& p, double CRIT);
+
+/*
+ * The solver's own starts for p (its slots, amounts 1/3 each) by initialisation index: 2 with Wilson's
+ * coefficients from B to A and from A to the vapour; others: those between a liquid almost pure in the last
+ * component that is present, A, and one almost pure in the first, B, and towards the vapour those of Wilson for
+ * 3, else those of the fugacity routine with the feed as the vapour, for 5 with an ideal gas. Compositions
+ * follow from the coefficients and the balance.
  */
 StatusCode start_by_index(flash::Model& m, const double* z, int index, Phases& p);
 

@@ -108,7 +108,7 @@ StatusCode three_quality_free_water(const ThreeQualityCall& c) {
     *c.unknown = unknown;
     const bool of_T = c.find == flash::Find::temperature;
     const bool split =
-        split_free_water({of_T ? unknown : c.given, of_T ? c.given : unknown, c.mixture, W, x, y}, c.out);
+        split_free_water({of_T ? unknown : c.given, of_T ? c.given : unknown, c.mixture, W, x, y, true}, c.out);
     if (W == 0.0) keep_incipient_vapour(n, y, c.out);
     if (status != KV_OK) return status;
     return split ? StatusCode{KV_OK} : StatusCode{KV_LV_ANSWER};

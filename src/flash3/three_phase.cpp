@@ -6,13 +6,16 @@
 #include "flash/feed.hpp"
 #include "flash/settings.hpp"
 #include "flash3/liquid_liquid.hpp"
+#include "flash3/trace_phases.hpp"
 #include "support/mathkernels.hpp"
 
 namespace kestrune::flash3 {
 namespace {
 
 using flash::kLargestK;
-using flash::kSmallestK;
+
+// Part of the feed from which on a liquid of a split counts as one beside the other.
+constexpr double kLeastLiquid = 1e-6;
 
 // Of a component that is present, in a phase that is given to start from.
 constexpr double kLeastFraction = 1e-300;
@@ -24,10 +27,19 @@ FlashRoutine host_flash(const ThreePhaseCall& c, int entry) {
   return flash::host_routine<FlashRoutine>(c.routines, entry);
 }
 
+// Amounts of A, B and vapour that an estimate stands for: where beta is more than the vapour leaves, it is the
+// part of the liquids that is A; the mark of one liquid is one of these.
+struct Amounts {
+  double of[kMostPhases];
+  Amounts(double beta, double V)
+      : of{beta + V >= 1.0 ? (1.0 - V) * beta : beta,
+           beta + V >= 1.0 ? (1.0 - V) * (1.0 - beta) : 1.0 - beta - V, V} {}
+};
+
 // The phases that were found, beside a status the last ones that were seen.
 StatusCode write_found(Equilibrium& e, StatusCode status, const ThreePhaseResult& out) {
   const bool seen = status == KV_FOURTH_PHASE || status == KV_NOT_CONVERGED || status == KV_RELAXATION ||
-                    status == KV_TRIVIAL;
+                    status == KV_TRIVIAL || status == KV_TRIVIAL_LV;
   if (status != KV_OK && !(seen && e.p.count > 0)) return status;
   const StatusCode written = write_phases(e, out);
   return status != KV_OK ? status : written;
@@ -45,20 +57,20 @@ StatusCode solve_from_phases(Equilibrium& e) {
 // A fraction of the second phase and two compositions [n].
 struct HostSplit {
   double part = 0.0, *first = nullptr, *second = nullptr, *K = nullptr;
-  bool failed = false;  // its status was not one to go on with
+  bool failed = false;  // its status was not one to go on with; 95 says that there is one phase
 };
 
 /*
  * A flash of the host for the feed z[n], as a cold start: nothing usable stands in its results. False: what it
  * left is no fraction with compositions of the phases that have a part in it.
  */
-bool call_flash(FlashRoutine routine, const ThreePhaseCall& c, const double* z, HostSplit& s,
-                StatusCode& status) {
+bool call_flash(FlashRoutine routine, const ThreePhaseCall& c, const double* z, HostSplit& s) {
   const int n = c.mixture->count;
   s.part = 0.0;
   for (double* a : {s.first, s.second, s.K}) std::fill_n(a, n, 0.0);
-  status = routine(c.T, c.P, z, c.mixture, c.routines->record, 0, &s.part, s.first, s.second, s.K);
-  s.failed = !flash::goes_on(status);
+  const StatusCode status =
+      routine(c.T, c.P, z, c.mixture, c.routines->record, 0, &s.part, s.first, s.second, s.K);
+  s.failed = !flash::goes_on(status) && status != KV_SINGLE_PHASE;
   if (s.part == 0.0 || s.part == 1.0) return true;
   return s.part > 0.0 && s.part < 1.0 && flash::usable_compositions(n, s.first, s.second);
 }
@@ -71,25 +83,27 @@ StatusCode doubt(bool failed, StatusCode status) {
                                   : status;
 }
 
-// The liquid-vapour flash of the feed, the host's or the library's.
-StatusCode liquid_vapour(const ThreePhaseCall& c, Equilibrium& e, HostSplit& lv) {
-  StatusCode status = KV_OK;
-  if (const FlashRoutine routine = host_flash(c, KV_ROUTINE_LV_FLASH))
-    return call_flash(routine, c, e.z, lv, status) ? KV_OK : KV_NO_START;
-  flash::IsothermalCall call{c.T, c.P, e.z, c.mixture, c.routines, &lv.part, lv.first, lv.second, lv.K};
-  call.model = &e.m;
-  status = flash::isothermal_flash(call);
-  return status == KV_SINGLE_PHASE ? StatusCode{KV_OK} : status;
+// A liquid-vapour flash that failed by itself leaves nothing to start from; one phase is no failure.
+StatusCode no_start(StatusCode status) {
+  if (status == KV_SINGLE_PHASE) return KV_OK;
+  return status == KV_NOT_CONVERGED || status == KV_RELAXATION || status == KV_TRIVIAL ? KV_NO_START : status;
 }
 
-// The split of the liquid, the host's or the library's; one that the library has not found is none.
+// The liquid-vapour flash of the feed, the host's or the library's.
+StatusCode liquid_vapour(const ThreePhaseCall& c, Equilibrium& e, HostSplit& lv) {
+  if (const FlashRoutine routine = host_flash(c, KV_ROUTINE_LV_FLASH))
+    return call_flash(routine, c, e.z, lv) ? KV_OK : KV_NO_START;
+  flash::IsothermalCall call{c.T, c.P, e.z, c.mixture, c.routines, &lv.part, lv.first, lv.second, lv.K};
+  call.model = &e.m;
+  return no_start(flash::isothermal_flash(call));
+}
+
+// The split of the liquid, the host's or the library's; one that the library has not found is none, one that
+// the host has not found is the end.
 StatusCode liquid_liquid(const ThreePhaseCall& c, const double* liquid, HostSplit& ll) {
-  StatusCode status = KV_OK;
-  if (const FlashRoutine routine = host_flash(c, KV_ROUTINE_LL_FLASH)) {
-    const bool usable = call_flash(routine, c, liquid, ll, status);
-    return ll.failed ? status : usable ? StatusCode{KV_OK} : StatusCode{KV_NO_START};
-  }
-  status = liquid_liquid_flash(
+  if (const FlashRoutine routine = host_flash(c, KV_ROUTINE_LL_FLASH))
+    return call_flash(routine, c, liquid, ll) && !ll.failed ? KV_OK : KV_NO_START;
+  const StatusCode status = liquid_liquid_flash(
       {c.T, c.P, liquid, c.mixture, c.routines, false, false, &ll.part, ll.first, ll.second, ll.K});
   if (status == flash::kHostStatus) return status;
   if (status != KV_OK) ll.part = 0.0;
@@ -109,18 +123,17 @@ StatusCode start_by_host(const ThreePhaseCall& c, Equilibrium& e, HostSplit& lv)
     const double x = V > 0.0 ? lv.first[i] : e.z[i];
     liquid[i] = x < kAbsent ? 0.0 : x;
   }
-  if (V < 1.0 && (status = liquid_liquid(c, liquid, ll)) != KV_OK) {
-    if (!ll.failed) return status;
-    return lv.failed ? StatusCode{KV_NO_START} : flash::end_flash(*c.routines, status);
-  }
+  if (V < 1.0 && (status = liquid_liquid(c, liquid, ll)) != KV_OK) return status;
   e.p.count = 0;
   const auto keep = [&](const double* x, double amount) {
     double* const phase = e.p.x[e.p.count];
     for (int i = 0; i < e.m.n; ++i) phase[i] = e.z[i] > 0.0 ? std::max(x[i], kLeastFraction) : 0.0;
     e.p.amount[e.p.count++] = amount;
   };
-  if (ll.part > 0.0 && ll.part < 1.0) {
-    keep(ll.second, (1.0 - V) * ll.part);
+  const double beta = (1.0 - V) * ll.part;
+  const bool two_liquids = ll.part < 1.0 && beta >= kLeastLiquid && beta <= 1.0 - kLeastLiquid;
+  if (two_liquids) {
+    keep(ll.second, beta);
     keep(ll.first, (1.0 - V) * (1.0 - ll.part));
   } else if (V < 1.0) {
     keep(liquid, 1.0 - V);
@@ -139,21 +152,53 @@ StatusCode solve_with_host(const ThreePhaseCall& c, Equilibrium& e) {
 
 // ---- free water ----
 
+// An estimate as two phases, its liquids in one. False: it is unusable.
+bool join_estimate(const ThreePhaseCall& c, HostSplit& lv) {
+  const int n = c.mixture->count;
+  const auto [A, B, V] = Amounts(*c.out.beta, *c.out.V).of;
+  if (!(V > 0.0 && V < 1.0 && A >= 0.0 && B >= 0.0)) return false;
+  lv.part = V;
+  for (int i = 0; i < n; ++i) {
+    lv.first[i] = ((A > 0.0 ? A * c.out.xA[i] : 0.0) + (B > 0.0 ? B * c.out.xB[i] : 0.0)) / (1.0 - V);
+    lv.second[i] = c.out.y[i];
+  }
+  return flash::usable_compositions(n, lv.first, lv.second);
+}
+
+// The header of the three phases and the table of what they start from, which with free water is the answer.
+void trace_free_water(const ThreePhaseCall& c, bool given) {
+  Iteration how;
+  how.settings = flash::copy_settings(*c.mixture);
+  how.index = given ? 0 : 4;
+  support::TraceWriter trace(how.settings.trace, how.settings.trace_unit);
+  Phases p;
+  p.count = kMostPhases;
+  p.amount[kA] = *c.out.beta;
+  p.amount[kV] = *c.out.V;
+  p.x[kA] = c.out.xA;
+  p.x[kB] = c.out.xB;
+  p.x[kV] = c.out.y;
+  trace_start(trace, how, c.mixture->count, c.z, p);
+}
+
 StatusCode solve_with_free_water(const ThreePhaseCall& c, support::Arena& arena) {
   const int n = c.mixture->count, ld = support::padded(n);
   HostSplit lv{0.0, arena.zeros(ld), arena.zeros(ld), arena.zeros(ld)};
-  StatusCode status = KV_OK;
   flash::IsothermalCall call{c.T, c.P, c.z, c.mixture, c.routines, &lv.part, lv.first, lv.second, lv.K};
   call.free_water = true;
-  if (const FlashRoutine routine = host_flash(c, KV_ROUTINE_LV_FLASH)) {
-    if (!call_flash(routine, c, c.z, lv, status)) return KV_NO_START;
+  const bool given = c.estimate && join_estimate(c, lv);
+  const FlashRoutine routine = given ? nullptr : host_flash(c, KV_ROUTINE_LV_FLASH);
+  if (routine != nullptr && !call_flash(routine, c, c.z, lv)) return KV_NO_START;
+  if (given || routine != nullptr) {
     call.start = flash::Start::warm;
+    call.index = 0;
   }
   flash::ThirdPhase third;
   call.third = &third;
-  status = flash::isothermal_flash(call);
-  if (status != KV_OK && status != KV_SINGLE_PHASE) return status;
+  const StatusCode status = no_start(flash::isothermal_flash(call));
+  if (status != KV_OK) return status;
   const bool split = split_free_water({c.T, c.P, c.mixture, lv.part, lv.first, lv.second}, c.out);
+  trace_free_water(c, given);
   // Hydrocarbons that would form two liquids, of which the rules of free water know one.
   if (third.found) return KV_FOURTH_PHASE;
   if (!split) return doubt(lv.failed, KV_LV_ANSWER);
@@ -172,22 +217,10 @@ StatusCode solve(const ThreePhaseCall& c, support::Arena& arena) {
       host_flash(c, KV_ROUTINE_LV_FLASH) != nullptr || host_flash(c, KV_ROUTINE_LL_FLASH) != nullptr;
   if (by_host && !given) return solve_with_host(c, e);
   status = given ? solve_from_phases(e) : find_equilibrium(e);
-  return write_found(e, status, c.out);
+  return write_found(e, e.started ? status : no_start(status), c.out);
 }
 
 // ---- names ----
-
-// Mass density of a phase that is a liquid, by the host's routine or from its Z.
-StatusCode liquid_density(const Equilibrium& e, int j, double& rho) {
-  const MixtureRecord& r = *e.m.mixture;
-  if (host_density(e.routines) != nullptr || !(e.p.Z[j] > 0.0))
-    return density_of_liquid({e.m.T, e.m.P, e.p.x[j], e.m.mixture, e.routines}, rho);
-  const double* M = r.table + static_cast<std::size_t>(KV_COL_MOLAR_MASS - 1) * r.count;
-  double mass = 0.0;
-  for (int i = 0; i < r.count; ++i) mass += e.p.x[j][i] * M[i];
-  rho = mass * e.m.P / (e.p.Z[j] * eos::kR * e.m.T);
-  return KV_OK;
-}
 
 // The least densely packed phase last.
 void put_lightest_last(Equilibrium& e) {
@@ -195,35 +228,23 @@ void put_lightest_last(Equilibrium& e) {
 }
 
 // The lighter of the first two phases before the denser one.
-StatusCode order_liquids(Equilibrium& e) {
-  double first = 0.0, second = 0.0;
-  StatusCode status = liquid_density(e, 0, first);
-  if (status == KV_OK) status = liquid_density(e, 1, second);
-  if (status == KV_OK && second < first) exchange_phases(e.p, 0, 1);
-  return status;
-}
-
-// Puts the vapour last when there is one, and the lighter liquid before the denser one. liquids: their number.
-StatusCode order_phases(Equilibrium& e, int& liquids) {
-  Phases& p = e.p;
-  put_lightest_last(e);
-  liquids = find_vapour(e) >= 0 ? p.count - 1 : p.count;
-  return liquids < 2 ? StatusCode{KV_OK} : order_liquids(e);
-}
-
-// Ratios of two phases by composition, and where both hold next to nothing by their fugacity coefficients.
-void ratios(const Equilibrium& e, int above, int below, double* K) {
+void order_liquids(Equilibrium& e) {
   const Phases& p = e.p;
-  for (int i = 0; i < e.m.n; ++i) {
-    const double a = p.x[above][i], b = p.x[below][i];
-    double k = support::fast_exp(p.ln_phi[below][i] - p.ln_phi[above][i]);
-    if (e.z[i] > 0.0) k = b < kAbsent ? kLargestK : a < kAbsent ? kSmallestK : a / b;
-    K[i] = std::clamp(k, kSmallestK, kLargestK);
-  }
+  if (!denser_first({e.m.T, e.m.P, p.x[1], p.x[0], e.m.mixture, e.routines, p.Z[1], p.Z[0]}))
+    exchange_phases(e.p, 0, 1);
+}
+
+// Puts the vapour last when there is one, and the lighter liquid before the denser one. Number of liquids.
+int order_phases(Equilibrium& e) {
+  put_lightest_last(e);
+  const int liquids = find_vapour(e) >= 0 ? e.p.count - 1 : e.p.count;
+  if (liquids == 2) order_liquids(e);
+  return liquids;
 }
 
 void write_composition(const Equilibrium& e, const double* x, double* out) {
-  for (int i = 0; i < e.m.n; ++i) out[i] = x[i] < kAbsent ? 0.0 : x[i];
+  std::copy_n(x, e.m.n, out);
+  drop_traces(e.m.n, out);
 }
 
 StatusCode write_vapour_and_liquid(Equilibrium& e, const ThreePhaseResult& out) {
@@ -231,15 +252,17 @@ StatusCode write_vapour_and_liquid(Equilibrium& e, const ThreePhaseResult& out) 
   const Phases& p = e.p;
   *out.V = p.count == 1 ? 1.0 : p.amount[1];
   *out.beta = 1.0;
-  // Of a gas alone the liquid is the incipient one.
-  write_composition(e, p.count == 1 ? e.x : p.x[0], out.xA);
+  if (p.count == 1)
+    std::fill_n(out.xA, n, 0.0);
+  else
+    write_composition(e, p.x[0], out.xA);
   write_composition(e, p.x[p.count - 1], out.y);
   std::fill_n(out.xB, n, 0.0);
   std::fill_n(out.KLL, n, 0.0);
   if (p.count == 1)
     std::fill_n(out.KLV, n, kLargestK);
   else
-    ratios(e, 1, 0, out.KLV);
+    ratios_of(n, out.y, out.xA, out.KLV);
   return KV_LV_ANSWER;
 }
 
@@ -259,7 +282,7 @@ StatusCode write_liquids(Equilibrium& e, const ThreePhaseResult& out) {
   *out.beta = p.amount[0];
   write_composition(e, p.x[0], out.xA);
   write_composition(e, p.x[1], out.xB);
-  ratios(e, 0, 1, out.KLL);
+  ratios_of(n, out.xA, out.xB, out.KLL);
   return KV_LL_ANSWER;
 }
 
@@ -267,24 +290,23 @@ StatusCode write_liquids(Equilibrium& e, const ThreePhaseResult& out) {
 
 bool take_estimate(const ThreePhaseResult& given, Equilibrium& e) {
   const int n = e.m.n;
-  const double amounts[] = {*given.beta, 1.0 - *given.beta - *given.V, *given.V};
+  const Amounts amounts(*given.beta, *given.V);
   const double* const compositions[] = {given.xA, given.xB, given.y};
   e.p.count = 0;
   for (int j = 0; j < kMostPhases; ++j) {
-    if (!(amounts[j] >= 0.0 && amounts[j] <= 1.0)) return false;
-    if (amounts[j] == 0.0) continue;
+    const double amount = amounts.of[j];
+    if (!(amount >= 0.0 && amount <= 1.0)) return false;
+    if (amount == 0.0) continue;
     if (!flash::usable_compositions(n, compositions[j], compositions[j])) return false;
     for (int i = 0; i < n; ++i)
       e.p.x[e.p.count][i] = e.z[i] > 0.0 ? std::max(compositions[j][i], kLeastFraction) : 0.0;
-    e.p.amount[e.p.count++] = amounts[j];
+    e.p.amount[e.p.count++] = amount;
   }
   return e.p.count >= 2;
 }
 
 StatusCode write_phases(Equilibrium& e, const ThreePhaseResult& out) {
-  int liquids = 0;
-  const StatusCode status = order_phases(e, liquids);
-  if (status != KV_OK) return status;
+  const int liquids = order_phases(e), n = e.m.n;
   const Phases& p = e.p;
   if (liquids == p.count) return write_liquids(e, out);
   if (liquids < 2) return write_vapour_and_liquid(e, out);
@@ -293,8 +315,8 @@ StatusCode write_phases(Equilibrium& e, const ThreePhaseResult& out) {
   write_composition(e, p.x[kA], out.xA);
   write_composition(e, p.x[kB], out.xB);
   write_composition(e, p.x[kV], out.y);
-  ratios(e, kA, kB, out.KLL);
-  ratios(e, kV, kA, out.KLV);
+  ratios_of(n, out.xA, out.xB, out.KLL);
+  ratios_of(n, out.y, out.xA, out.KLV);
   return KV_OK;
 }
 
@@ -302,13 +324,12 @@ StatusCode write_quality_phases(Equilibrium& e, double W, const ThreePhaseResult
   Phases& p = e.p;
   const int n = e.m.n;
   put_lightest_last(e);  // the vapour, whatever it would be called alone
-  const StatusCode status = p.count == kMostPhases ? order_liquids(e) : StatusCode{KV_OK};
-  if (status != KV_OK) return status;
+  if (p.count == kMostPhases) order_liquids(e);
   const int vapour = p.count - 1;
   *out.V = W;
   write_composition(e, p.x[vapour], out.y);
   write_composition(e, p.x[0], out.xA);
-  ratios(e, vapour, 0, out.KLV);
+  ratios_of(n, out.y, out.xA, out.KLV);
   if (p.count == 2) {
     *out.beta = 1.0;
     std::fill_n(out.xB, n, 0.0);
@@ -317,7 +338,7 @@ StatusCode write_quality_phases(Equilibrium& e, double W, const ThreePhaseResult
   }
   *out.beta = p.amount[kA];
   write_composition(e, p.x[kB], out.xB);
-  ratios(e, kA, kB, out.KLL);
+  ratios_of(n, out.xA, out.xB, out.KLL);
   return KV_OK;
 }
 
@@ -328,15 +349,19 @@ bool split_free_water(const LiquidVapour& a, const ThreePhaseResult& out) {
   const double w = iw >= 0 ? a.x[iw] : 0.0;
   *out.V = a.V;
   std::copy_n(a.y, n, out.y);
+  drop_traces(n, out.y);
   if (iw < 0 || w <= s || w > kAllWater || a.V == 1.0) {
     *out.beta = 1.0;
     std::copy_n(a.x, n, out.xA);
+    drop_traces(n, out.xA);
+    if (a.V == 0.0 || a.V == 1.0)
+      std::fill_n(out.KLV, n, a.V == 0.0 ? 0.0 : kLargestK);
+    else
+      ratios_of(n, out.y, out.xA, out.KLV);
+    if (!a.incipient && a.V == 0.0) std::fill_n(out.y, n, 0.0);
+    if (!a.incipient && a.V == 1.0) std::fill_n(out.xA, n, 0.0);
     std::fill_n(out.xB, n, 0.0);
     std::fill_n(out.KLL, n, 0.0);
-    for (int i = 0; i < n; ++i)
-      out.KLV[i] = a.V == 0.0   ? 0.0
-                   : a.V == 1.0 ? kLargestK
-                                : std::clamp(a.x[i] > 0.0 ? a.y[i] / a.x[i] : kLargestK, kSmallestK, kLargestK);
     return false;
   }
   const double r = (1.0 - w) / (1.0 - s);  // of the liquid that is A
@@ -345,8 +370,9 @@ bool split_free_water(const LiquidVapour& a, const ThreePhaseResult& out) {
     out.xB[i] = i == iw ? 1.0 : 0.0;
     out.xA[i] = i == iw ? s : a.x[i] / r;
     out.KLL[i] = i == iw ? s : kLargestK;
-    out.KLV[i] = std::clamp(out.xA[i] == 0.0 ? kLargestK : out.y[i] / out.xA[i], kSmallestK, kLargestK);
   }
+  drop_traces(n, out.xA);
+  ratios_of(n, out.y, out.xA, out.KLV);
   if (a.V > 0.0) return true;
   std::fill_n(out.y, n, 0.0);
   std::fill_n(out.KLV, n, 0.0);
@@ -354,12 +380,9 @@ bool split_free_water(const LiquidVapour& a, const ThreePhaseResult& out) {
 }
 
 void keep_incipient_vapour(int n, const double* y, const ThreePhaseResult& out) {
-  const bool in_A = *out.beta > 0.0;
-  for (int i = 0; i < n; ++i) {
-    const double liquid = in_A ? out.xA[i] : out.xB[i];
-    out.y[i] = y[i] < kAbsent ? 0.0 : y[i];
-    out.KLV[i] = std::clamp(liquid < kAbsent ? kLargestK : y[i] / liquid, kSmallestK, kLargestK);
-  }
+  std::copy_n(y, n, out.y);
+  drop_traces(n, out.y);
+  ratios_of(n, out.y, *out.beta > 0.0 ? out.xA : out.xB, out.KLV);
 }
 
 bool move_marked_liquid(int n, const ThreePhaseResult& out) {

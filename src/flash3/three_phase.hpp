@@ -26,10 +26,11 @@ struct ThreePhaseCall {
 /*
  * KV_OK: three phases. KV_LV_ANSWER (130): a vapour and one liquid, or one of them alone; the liquid stands in
  * A, with beta exactly 1 as a mark, B and KLL zero. KV_LL_ANSWER (131): no vapour; two liquids, or one in B
- * with beta 0 and KLL 1e15. 134, 135: the same, when the liquid-vapour flash of the host had a status. 111: the
- * feed does not sum to one. KV_FOURTH_PHASE (118): three phases, and a fourth would split off. 136: no answer
- * that passes the test was found, and the liquid-vapour flash failed; 112, 114, 120: no answer was found.
- * Others: of the model.
+ * with beta 0 and KLL 1e15. 134, 135: the same, when the liquid-vapour flash of the host had a status. Phases
+ * that are absent, and fractions below 1e-15, are 0; K is 1e15 where the phase below lacks a component. 111:
+ * the feed does not sum to one. KV_FOURTH_PHASE (118): three phases, and a fourth would split off. 136: the
+ * liquid-vapour flash, or the host's split of the liquid, has left nothing to start from; 112, 114: no answer
+ * was found, 120, 121: nor by phases that became the same. Others: of the model.
  */
 StatusCode three_phase_flash(const ThreePhaseCall& call);
 
@@ -38,7 +39,7 @@ bool take_estimate(const ThreePhaseResult& given, Equilibrium& e);
 
 /*
  * Names the phases of e.p (vapour, lighter liquid A, denser liquid B) and writes them out, with the marks
- * above. KV_OK, 130, 131, or the status of the host's density routine.
+ * above. KV_OK, 130, 131.
  */
 StatusCode write_phases(Equilibrium& e, const ThreePhaseResult& out);
 
@@ -59,6 +60,7 @@ struct LiquidVapour {
   const MixtureRecord* mixture;
   double V;
   const double *x, *y;
+  bool incipient = false;
 };
 bool split_free_water(const LiquidVapour& answer, const ThreePhaseResult& out);
 

@@ -14,7 +14,7 @@ constexpr double kLargestStart = 1e10;  // atm
 constexpr double kConverged = 1e-16;    // of F^2
 constexpr double kSlopeStep = 1e-4;     // relative step of the slope in P
 constexpr double kSearchFactor = 1.3;   // from one pressure of the search to the next
-constexpr int kNewtonLimit = 60;        // updates after which Newton's method is taken to turn in circles
+constexpr int kEnough = 60;             // updates that Newton's method needs nowhere: it turns in circles
 constexpr int kRefinements = 12;
 constexpr double kClosed = 1e-4;  // relative width at which an interval of pressures is refined
 constexpr double kGood = 1e-10;   // of ln y: a solution
@@ -45,42 +45,33 @@ struct PressureSearch {
   int limit = 0;
 };
 
+// At and below the vapour pressure the gas takes up any amount of water: it is saturated when it is all water.
+// The same stands for pressures beyond the method, so that no step ends there, nor leads on from there.
 StatusCode residual(PressureSearch& p, double P, double& F) noexcept {
-  const StatusCode status = saturated_fraction(p.s, P, p.y);
+  const bool inside = P > p.s.lowest_pressure() && P <= p.s.highest_pressure();
+  StatusCode status = inside ? saturated_fraction(p.s, P, p.y) : StatusCode{KV_NO_WATER_LIMIT};
+  if (status == KV_NO_WATER_LIMIT) {
+    p.y = 1.0;
+    status = KV_OK;
+  }
   F = p.y - p.water;
   return status;
 }
 
-// The model stops Newton's method for a pressure that it cannot work with, not for what is wrong at any
-// pressure.
-bool pressure_to_blame(StatusCode status) noexcept {
-  return status == KV_NO_WATER_LIMIT || status == KV_WATER_RANGE || status == KV_NOT_CONVERGED ||
-         status == KV_NOT_FINITE || status == KV_NO_ROOT;
-}
-
-enum class Newton { converged, failed, left, flat, out_of_updates };
-
-// P in: the start; out: the last pressure at which the model had a value, or the start.
-Newton newton(PressureSearch& p, double& P, bool& at_start, StatusCode& status) noexcept {
-  double next = P;
+// Newton's method from P. 115: the content does not change with pressure; 112: out of updates; others of the
+// model. P holds the last pressure. at_start: it converged where it began.
+StatusCode newton(PressureSearch& p, double& P, bool& at_start) noexcept {
   for (at_start = true;; at_start = false) {
     double F = 0.0, ahead = 0.0;
-    status = residual(p, next, F);
-    if (status == KV_OK) P = next;
-    if (status == KV_OK && F * F < kConverged) return Newton::converged;
-    const double step = next / 10000.0;
-    if (status == KV_OK) status = residual(p, next + step, ahead);
-    if (status != KV_OK) return pressure_to_blame(status) ? Newton::left : Newton::failed;
+    StatusCode status = residual(p, P, F);
+    if (status != KV_OK || F * F < kConverged) return status;
+    const double step = P / 10000.0;
+    status = residual(p, P + step, ahead);
+    if (status != KV_OK) return status;
     const double slope = (ahead - F) / step;
-    if (slope == 0.0) return Newton::flat;
-    ++p.updates;
-    next -= F / slope;
-    const bool in_range = next > 0.0 && next <= kLargestStart;
-    if (p.updates > p.limit) {
-      if (in_range) P = next;
-      return Newton::out_of_updates;
-    }
-    if (!in_range || p.updates > kNewtonLimit) return Newton::left;
+    if (slope == 0.0) return KV_ZERO_SLOPE;
+    P -= F / slope;
+    if (++p.updates > p.limit) return KV_NOT_CONVERGED;
   }
 }
 
@@ -110,9 +101,8 @@ void close_interval(PressureSearch& p, double low, double high, double& P) noexc
   P = std::sqrt(low * high);
   while (high > low * (1.0 + kClosed) && p.updates++ <= p.limit) {
     double F = 0.0;
-    const StatusCode status = residual(p, P, F);
-    if (status != KV_OK && status != KV_NO_WATER_LIMIT) return;
-    (status == KV_NO_WATER_LIMIT || F > 0.0 ? low : high) = P;
+    if (residual(p, P, F) != KV_OK) return;
+    (F > 0.0 ? low : high) = P;
     P = std::sqrt(low * high);
   }
 }
@@ -140,20 +130,19 @@ bool search(PressureSearch& p, double& P) noexcept {
   return false;
 }
 
+// What Newton's method found, more exactly. Behind its failure, which is no host's wish to end early, the
+// search with a limit of its own.
 StatusCode find_pressure(PressureSearch& p, double& P) noexcept {
   bool at_start = false;
-  StatusCode status = KV_OK;
-  const Newton end = newton(p, P, at_start, status);
-  if (end == Newton::failed) return status;
-  if (end == Newton::out_of_updates) return KV_NOT_CONVERGED;
-  if (end == Newton::converged && (at_start || !(p.water > 0.0) || refine(p, P))) return KV_OK;
-  // Converged by F^2 alone, where the content hardly depends on the pressure: a true solution may lie
-  // elsewhere.
+  const StatusCode status = newton(p, P, at_start);
+  if (status == KV_OK && !at_start && p.water > 0.0) refine(p, P);
+  const bool in_circles = status == KV_NOT_CONVERGED && p.limit >= kEnough;
+  if (!in_circles && (status != KV_ZERO_SLOPE || p.limit <= 0)) return status;
+  p.updates = 0;
   double elsewhere = P;
-  const bool found = search(p, elsewhere);
-  if (found || end != Newton::converged) P = elsewhere;
-  if (found || end == Newton::converged) return KV_OK;
-  return end == Newton::flat ? KV_ZERO_SLOPE : KV_NOT_CONVERGED;
+  if (!search(p, elsewhere)) return status;
+  P = elsewhere;
+  return KV_OK;
 }
 
 // ---- Temperature at a pressure --------------------------------------------------------------------
@@ -201,36 +190,67 @@ double next_temperature(const Bracket& b, double T, double G, double slope) noex
   return b.high_known ? middle : b.high;
 }
 
-StatusCode find_temperature(const TemperatureSearch& t, double& T) {
-  if (!(t.water > 0.0)) return KV_NOT_CONVERGED;
+// Secants of ln y over 1/T as they come, within the range of the method. 115: the content does not change with
+// temperature; 112: out of updates, or held by an end of the range; others of the model. T holds the last
+// temperature.
+StatusCode secants(const TemperatureSearch& t, double& T) {
+  double last_u = 0.0, last_G = 0.0;
+  for (int updates = 0;;) {
+    double G = 0.0;
+    const StatusCode status = residual(t, T, G);
+    if (status != KV_OK || std::fabs(G) < kExact) return status;
+    const double u = 1.0 / T, slope = updates > 0 ? (G - last_G) / (u - last_u) : kSlopeOfLnY;
+    if (!std::isfinite(G) || slope == 0.0) return KV_ZERO_SLOPE;
+    const double next_u = u - G / slope;
+    const double next = next_u > 0.0 ? std::clamp(1.0 / next_u, t.lowest, t.highest) : t.highest;
+    const bool last = updates > 0 && std::fabs(G) < kAlmost, held = next == T;
+    last_u = u;
+    last_G = G;
+    T = next;
+    if (last) return KV_OK;
+    if (held || ++updates > t.limit) return KV_NOT_CONVERGED;
+  }
+}
+
+// The same kept within the interval in which the sign changes. True when it ends on a solution.
+bool bracketed_secants(const TemperatureSearch& t, double& T) {
   double next = T;
-  if (!(next >= t.lowest && next <= t.highest))
-    next = std::clamp(ideal_temperature(t.water * t.P), t.lowest, t.highest);
   Bracket b{t.lowest, t.highest};
   for (int k = 0; k <= t.limit; ++k) {
     double G = 0.0;
     const StatusCode status = residual(t, next, G);
-    if (status != KV_OK) return status;
+    if (status != KV_OK) return false;
     T = next;
-    if (std::fabs(G) < kExact) return KV_OK;
+    if (std::fabs(G) < kExact) return true;
     (G < 0.0 ? b.low : b.high) = T;
     (G < 0.0 ? b.low_known : b.high_known) = true;
-    if ((G < 0.0 && T >= t.highest) || (G > 0.0 && T <= t.lowest)) return KV_NOT_CONVERGED;
+    if ((G < 0.0 && T >= t.highest) || (G > 0.0 && T <= t.lowest)) return false;
     double slope = std::isfinite(b.G) && std::isfinite(G) ? (G - b.G) / (1.0 / T - b.u) : kSlopeOfLnY;
     const bool secant = std::isfinite(b.G) && slope < 0.0;
     if (!(slope < 0.0)) slope = kSlopeOfLnY;
     next = next_temperature(b, T, G, slope);
     if (secant && std::fabs(G) < kAlmost) {
       T = next;
-      return KV_OK;
+      return true;
     }
-    if (b.high - b.low < kNarrow * T) return KV_NOT_CONVERGED;  // the content jumps
+    if (b.high - b.low < kNarrow * T) return false;  // the content jumps
     if (std::isfinite(G)) {
       b.u = 1.0 / T;
       b.G = G;
     }
   }
-  return KV_NOT_CONVERGED;
+  return false;
+}
+
+StatusCode find_temperature(const TemperatureSearch& t, double& T) {
+  if (!(t.water > 0.0)) return KV_NOT_CONVERGED;
+  if (!(T >= t.lowest && T <= t.highest)) T = std::clamp(ideal_temperature(t.water * t.P), t.lowest, t.highest);
+  const StatusCode status = secants(t, T);
+  if ((status != KV_NOT_CONVERGED && status != KV_ZERO_SLOPE) || t.limit <= 0) return status;
+  double elsewhere = T;
+  if (!bracketed_secants(t, elsewhere)) return status;
+  T = elsewhere;
+  return KV_OK;
 }
 
 template <class Body>

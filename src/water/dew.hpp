@@ -19,20 +19,22 @@ struct DewCall {
 /*
  * Pressure (atm) of the dew point at T (K); P holds a start. Newton's method on F = y_saturated(T, P) - y_water
  * with a slope over P/10000, converged where F^2 < 1e-16: a start that is converged is not changed, any other
- * point is refined to the digits of the model. A start that is not in 0 .. 1e10 counts as 1.
+ * point is refined to the digits of the model. A start that is not in 0 .. 1e10 counts as 1. y_saturated is 1
+ * at and below the vapour pressure of water, where a gas takes up any amount, and beyond the pressures of the
+ * method.
  *
- * Where Newton's method leaves the range of the model, finds a slope of 0 or turns in circles, the pressures
- * from saturation upwards are searched for the first change of sign, within the same iteration limit.
- *
- * KV_FEED_SUM, KV_NO_WATER, KV_SPECIFICATION for an unknown method: P is not touched. KV_ZERO_SLOPE,
- * KV_NOT_CONVERGED after ITEMAX + 1 updates or where there is no dew point, and the statuses of the model: P
- * holds the last pressure.
+ * KV_FEED_SUM, KV_NO_WATER, KV_SPECIFICATION for an unknown method: P is not touched. A status of the model
+ * ends the iteration as it stands, KV_ZERO_SLOPE where F does not change, KV_NOT_CONVERGED after ITEMAX + 1
+ * updates: P holds the last pressure. Behind the two, the second from an ITEMAX of 60 on, the pressures from
+ * saturation upwards are searched for the first change of sign, within ITEMAX steps; what that finds is
+ * returned with KV_OK.
  */
 StatusCode dew_pressure(const DewCall& call, double T, double& P);
 
 /*
  * Temperature (K) of the dew point at P (atm); T holds a start, which counts where the method has a value.
- * Secants of ln y over 1/T, kept within the interval where the sign changes, to 1e-12 of y. Statuses as above.
+ * Secants of ln y over 1/T, to 1e-12 of y, and behind KV_ZERO_SLOPE and KV_NOT_CONVERGED the same kept within
+ * the interval where the sign changes. Statuses as above.
  */
 StatusCode dew_temperature(const DewCall& call, double P, double& T);
 

@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "flash3/phases.hpp"
+#include "flash3/solver.hpp"
 
 using namespace kestrune;
 using namespace kestrune::flash3;
@@ -64,6 +64,29 @@ TEST(Split, MinimumForRandomCoefficients) {
             -std::log(part * std::exp(-p.ln_phi[0][i]) + (1.0 - part) * std::exp(-p.ln_phi[1][i]));
       expect_minimum(n, z, p, w);
     });
+  }
+}
+
+// Which of three phases are one: every K between them within CRIT^(1/3) of 1.
+TEST(Alike, ByTheDistributionCoefficients) {
+  double A[] = {0.3, 0.7, 0.0}, B[] = {0.3, 0.7, 0.0}, V[] = {0.3, 0.7, 0.0};
+  const double z[] = {0.3, 0.7, 0.0};
+  Phases p;
+  p.count = kMostPhases;
+  p.x[kA] = A;
+  p.x[kB] = B;
+  p.x[kV] = V;
+  const struct {
+    double KLL, KLV, CRIT;  // of the first component
+    StatusCode status;
+  } cases[] = {{1.0005, 2.0, 1e-9, KV_TRIVIAL},    {1.002, 2.0, 1e-9, KV_OK},
+               {1.002, 2.0, 1e-8, KV_TRIVIAL},     {0.5, 0.9995, 1e-9, KV_TRIVIAL},
+               {0.5, 2.0005, 1e-9, KV_TRIVIAL_LV}, {0.5, 2.003, 1e-9, KV_OK}};
+  for (const auto& c : cases) {
+    A[0] = B[0] * c.KLL;
+    V[0] = A[0] * c.KLV;
+    EXPECT_EQ(phases_alike(3, z, p, c.CRIT), c.status) << c.KLL << ' ' << c.KLV;
+    EXPECT_EQ(phases_alike(1, z, p, c.CRIT), KV_OK);
   }
 }
 

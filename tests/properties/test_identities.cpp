@@ -177,4 +177,22 @@ TEST(PropertyIdentities, InversionOfTheJouleThomsonEffect) {
   EXPECT_NEAR(p.derivatives('H').dP, 0.0, 1e-9);
 }
 
+// Beyond its correlation a conductivity goes on along a curve. Water, by its family code, has the translational
+// part of it alone; all else has a term for the inner degrees of freedom of hydrocarbons too.
+TEST(PropertyIdentities, CurveOfTheConductivityOfWater) {
+  const Phase steam({"water"}, {1.0});
+  const double Tc = steam.m->at(0, KV_COL_TC), M = steam.m->at(0, KV_COL_MOLAR_MASS);
+  for (const double family : {KV_FAMILY_WATER, 0.0}) {
+    steam.m->at(0, KV_COL_FAMILY) = family;
+    const auto curve = [&](double T) {
+      const double Tr = T / Tc, C = (0.003458 * M + 0.01688) * M - 0.03098;
+      const double inner = family == 0.0 ? C * Tr * (-0.152 + Tr * (1.191 - 0.039 * Tr)) : 0.0;
+      return 8.757 * (std::exp(0.0464 * Tr) - std::exp(-0.2412 * Tr)) + inner;
+    };
+    const double hot = steam.at(3000, 1e-6, KV_PHASE_GAS).conductivity();
+    const double warm = steam.at(2200, 1e-6, KV_PHASE_GAS).conductivity();
+    EXPECT_NEAR(hot / warm, curve(3000) / curve(2200), 1e-6) << family;
+  }
+}
+
 }  // namespace
