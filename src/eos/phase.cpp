@@ -104,12 +104,12 @@ int stable_root(const Temperature& t, frame::tools::KvBracub bracub, const Mixtu
   const bool warm = start > 0.0;
   double gas = start, liquid = start;
   const int status = solve_root(bracub, A, B, KV_PHASE_GAS, warm, gas);
-  if (status > 50) return status;
+  if (!has_root(status)) return status;
   reduce(t, m, P, gas, r);
   // Status 1 says that the only root is the liquid's.
-  if (status == 1 || !may_have_three_roots(A, B) ||
-      solve_root(bracub, A, B, KV_PHASE_LIQUID, warm, liquid) != 0)
-    return status;
+  if (status == 1 || !may_have_three_roots(A, B)) return status;
+  const int second = solve_root(bracub, A, B, KV_PHASE_LIQUID, warm, liquid);
+  if (second == 1 || !has_root(second)) return status;
   Root other;
   reduce(t, m, P, liquid, other);
   if (residual_gibbs(m, other) < residual_gibbs(m, r)) r = other;

@@ -54,6 +54,11 @@ inline constexpr double kWarmRoot[8] = {0.0, 1.0};
  */
 int solve_root(frame::tools::KvBracub bracub, double A, double B, int phase, bool warm, double& Z) noexcept;
 
+/* Whether a status of the root solver comes with a root: the warnings, and 201 and 202 with them. */
+inline bool has_root(int status) noexcept {
+  return status <= 50 || status == 201 || status == 202;
+}
+
 /* True when the cubic may have three real roots, by its coefficients alone (false is certain). */
 inline bool may_have_three_roots(double A, double B) noexcept {
   const double c1 = (kU - 1.0) * B - 1.0;
@@ -71,7 +76,7 @@ inline double residual_gibbs(const Mixture& m, const Root& r) noexcept {
 
 /*
  * The root of lower Gibbs energy in reduced form. start: a value to begin from where it is positive. Returns
- * the status of solve_root; above 50 r is left alone.
+ * the status of solve_root; without a root r is left alone.
  */
 int stable_root(const Temperature& t, frame::tools::KvBracub bracub, const Mixture& m, double P, double start,
                 Root& r) noexcept;

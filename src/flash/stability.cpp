@@ -222,7 +222,7 @@ StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& t) {
     const eos::Mixture pure = eos::mix_pure(m.t, j, &s);
     eos::Root r;
     const int status = eos::stable_root(m.t, m.bracub, pure, m.P, 0.0, r);
-    if (status > 50) return status;
+    if (!eos::has_root(status)) return status;
     t.Z = r.Z;
     eos::ln_phi(m.t, pure, r, s, t.ln_phi);
   } else {
