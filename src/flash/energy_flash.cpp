@@ -36,12 +36,7 @@ void order_phases(Energy& e, EnergyState& s) {
 }
 
 void set_k_values(const Energy& e, EnergyState& s) {
-  for (int i = 0; i < e.n; ++i) {
-    const double d = e.a.ln_phi[i] - e.b.ln_phi[i];
-    s.K[i] =
-        s.x[i] > 0.0 && s.y[i] > 0.0 ? s.y[i] / s.x[i] : std::exp(std::clamp(d, -kLargestLogK, kLargestLogK));
-    s.K[i] = std::clamp(s.K[i], kSmallestK, kLargestK);
-  }
+  for (int i = 0; i < e.n; ++i) s.K[i] = ratio_of(s.y[i], s.x[i]);
 }
 
 bool same_phases(const Energy& e, const EnergyState& a, const EnergyState& b) {
@@ -170,11 +165,12 @@ StatusCode write_state(Energy& e, StatusCode status) {
   for (int i = 0; i < e.n; ++i) {
     c.x[i] = s.x[i];
     c.y[i] = s.y[i];
-    c.K[i] = s.K[i];
+    c.K[i] = ratio_of(s.y[i], s.x[i]);
   }
   *c.liquid = s.beta < 1.0 ? s.liquid : 0.0;
   *c.vapour = s.beta > 0.0 ? s.vapour : 0.0;
-  trace_energy_result(e.trace, c);
+  trace_energy_pass(e.trace, c, *c.T, *c.beta, *c.liquid, *c.vapour);
+  if (e.trace) trace_energy_result(e.trace, c, lowest_temperature(*c.mixture));
   return status;
 }
 
@@ -196,7 +192,7 @@ StatusCode drive(Energy& e, support::Arena& arena) {
   const EnergyCall& c = e.call;
   if (*c.T == 0.0) *c.T = kDefaultTemperature;
   e.start_T = plausible(*c.T) ? *c.T : kDefaultTemperature;
-  trace_energy_header(e.trace, c, copy_settings(*c.mixture), lowest_temperature(*c.mixture));
+  if (e.trace) trace_energy_header(e.trace, c, copy_settings(*c.mixture), e.start_T);
   e.state.T = e.start_T;
   if (!c.cold) {
     e.state.beta = *c.beta;
@@ -331,6 +327,7 @@ bool equilibrium_at(Energy& e, double T, bool warm, EnergyState& s) {
   IsothermalCall c = isothermal_call(e, s);
   c.start = warm ? Start::warm : Start::cold;
   c.index = warm ? 0 : 1;
+  c.trace = &e.trace;
   ++e.flashes;
   s.status = isothermal_flash(c);
   if (s.status == KV_SINGLE_PHASE) s.status = KV_OK;
