@@ -35,10 +35,6 @@ void order_phases(Energy& e, EnergyState& s) {
   s.beta = 1.0 - s.beta;
 }
 
-void set_k_values(const Energy& e, EnergyState& s) {
-  for (int i = 0; i < e.n; ++i) s.K[i] = ratio_of(s.y[i], s.x[i]);
-}
-
 bool same_phases(const Energy& e, const EnergyState& a, const EnergyState& b) {
   double apart = std::fabs(a.beta - b.beta);
   for (int i = 0; i < e.n; ++i)
@@ -85,7 +81,6 @@ bool solve_locally(Energy& e) {
       if (!equilibrium_at(e, s.T, false, e.other)) return false;
       copy_state(e, e.other, e.state);
       if (!same_phases(e, s, e.other) || !accept(e, s, Found::flash)) return false;
-      set_k_values(e, s);
       copy_state(e, s, e.state);
       return true;
     }
@@ -281,7 +276,6 @@ Local solve_phases(Energy& e, EnergyState& s) {
   if (!e.bracket.about(s.T)) return Local::failed;
   order_phases(e, s);
   if (!accept(e, s, Found::newton)) return e.status == KV_OK ? Local::unstable : Local::failed;
-  set_k_values(e, s);
   copy_state(e, s, e.state);
   return Local::converged;
 }

@@ -57,7 +57,6 @@ void fill_pure(Energy& e, double beta) {
   s.beta = beta;
   std::copy_n(e.z, e.ld, s.x);
   std::copy_n(e.z, e.ld, s.y);
-  for (int i = 0; i < e.n; ++i) s.K[i] = ratio_of(s.y[i], s.x[i]);
 }
 
 }  // namespace

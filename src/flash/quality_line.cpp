@@ -297,6 +297,7 @@ Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int 
                    StatusCode& status, double criterion) {
   const int size = line.n + 2;
   double before = DBL_MAX;
+  const bool main = criterion >= 0.0;
   bool accepted = false;
   p.X[held] = value;
   for (p.passes = 1; p.passes <= limit; ++p.passes) {
@@ -311,7 +312,7 @@ Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int 
       if (i >= line.n || line.z[i] > 0.0) largest = std::max(largest, std::fabs(line.step[i]));
     if (!(largest <= DBL_MAX)) return Solved::no;
     const double factor = damping(line);
-    if (criterion > 0.0 && !accepted) trace_pass(line, p, p.passes, factor);
+    if (main && !accepted) trace_pass(line, p, p.passes, factor);
     if (p.error * p.error <= criterion) {
       accepted = true;
       limit = std::max(limit, kNewtonLimit);
@@ -334,9 +335,9 @@ Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int 
     if (!through_critical && one_phase(line, p)) return Solved::trivial;
     // A step as short as that leaves its square: no evaluation is spent on seeing it, but for the trace.
     const bool enough =
-        accepted || criterion == 0.0 || (short_step && p.passes < limit && std::pow(largest, 4) <= criterion);
+        accepted || !main || (short_step && p.passes < limit && std::pow(largest, 4) <= criterion);
     if (((converged || short_step) && enough) || (accepted && p.passes == limit)) {
-      if (!accepted && criterion > 0.0 && !trace_last(line, p, status)) return Solved::model;
+      if (main && !accepted && !trace_last(line, p, status)) return Solved::model;
       p.left_over = short_step ? 0.0 : largest;
       std::fill_n(p.slope, size, 0.0);
       p.slope[size - 1] = 1.0;

@@ -180,6 +180,20 @@ TEST(Trace, InitialStateIsWhatTheIterationTakes) {
       EXPECT_GT(t.find(kInternal), t.find(" METHODE"));
     }
   }
+  // Free water: of several starts the number of one.
+  Mixture wet = mixture_of({"methane", "n_butane", "n_hexane", "water"});
+  wet.use();
+  wet.record.flags = FreeWaterFlag;
+  wet.record.solubility_a = 11.2;
+  wet.record.solubility_b = 6290.0;
+  for (const double T : {280.0, 320.0, 380.0})
+    for (const double P : {2.0, 30.0, 120.0}) {
+      const Traced t = traced(wet, [&] { return flash(wet, T, P, {0.4, 0.2, 0.2, 0.2}); });
+      EXPECT_EQ(t.result.status, KV_OK);
+      EXPECT_LE(t.count(kInternal), 1) << T << ' ' << P;
+      EXPECT_GE(t.count(kInitial), 1);
+    }
+  m.use();
   // Nothing to iterate: the feed.
   const Traced gas = traced(m, 500, 1);
   EXPECT_EQ(gas.count(kInitial), 1);
