@@ -98,6 +98,26 @@ void reduce(const Temperature& t, const Mixture& m, double P, double Z, Root& r)
   }
 }
 
+bool may_have_root_within(const Temperature& t, double b, double P, double Z, double reach) noexcept {
+  constexpr double kMargin = 1e-6;  // rounding of what follows, in Z and in Gibbs energies
+  const double rt = kR * t.T, B = b * P / rt, eta = B / Z;
+  // The cohesion that gives this root; then the cubic divided by its factor.
+  const double psi = eta / (1.0 + eta * (kU + kW * eta));
+  const double q = (eta / (1.0 - eta) - (Z - 1.0)) / psi, A = q * B;
+  if (!may_have_three_roots(A, B)) return false;
+  const double p = (kU - 1.0) * B - 1.0 + Z;
+  const double discriminant = 0.25 * p * p - (A + (kW - kU) * B * B - kU * B + p * Z);
+  if (discriminant < -kMargin) return false;
+  const double half = std::sqrt(std::fmax(discriminant, 0.0));
+  const double other = Z < -0.5 * p ? -0.5 * p + half : -0.5 * p - half;
+  if (!(other > B)) return false;
+  const Mixture m{q * b * rt, b, q};
+  Root here, there;
+  reduce(t, m, P, Z, here);
+  reduce(t, m, P, other, there);
+  return !(std::fabs(residual_gibbs(m, there) - residual_gibbs(m, here)) > reach + kMargin);
+}
+
 int stable_root(const Temperature& t, frame::tools::KvBracub bracub, const Mixture& m, double P, double start,
                 Root& r) noexcept {
   const double rt = kR * t.T, A = m.a * P / (rt * rt), B = m.b * P / rt;

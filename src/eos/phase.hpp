@@ -75,6 +75,12 @@ inline double residual_gibbs(const Mixture& m, const Root& r) noexcept {
 }
 
 /*
+ * Whether a phase of covolume b whose root is Z may have another one, of a Gibbs energy (over RT) within reach
+ * of its own. From the root alone, without the sums over the components; false is certain but for rounding.
+ */
+bool may_have_root_within(const Temperature& t, double b, double P, double Z, double reach) noexcept;
+
+/*
  * The root of lower Gibbs energy in reduced form. start: a value to begin from where it is positive. Returns
  * the status of solve_root; without a root r is left alone.
  */
