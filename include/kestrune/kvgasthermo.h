@@ -73,8 +73,8 @@ KV_API StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const dou
  * beta     in/out vapour fraction, 0 .. 1 of the feed
  * x, y     [count] in/out liquid and vapour; a phase that is absent holds the incipient phase, the one of
  *          lowest tangent-plane distance (the feed again where no second phase can be told apart)
- * K        [count] out y[i] / x[i], within 1e-15 .. 1e15; of a single phase the ratio of the fugacity
- * coefficients, which is y[i] / x[i] but for a factor that all components share
+ * K        [count] out y[i] / x[i] of the arrays returned, of a single phase too, within 1e-15 .. 1e15; the latter
+ *          also where x[i] is 0
  *
  * 0 = equilibrium found, one or two phases. Of two phases the vapour is the one that is packed less densely
  * (smaller co-volume over volume). A single phase is the vapour (beta 1) when its molar volume is above the
@@ -84,7 +84,8 @@ KV_API StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const dou
  * dense they are; a fluid that is stable as one of the two only is called that. A feed with less than 1e-15 of
  * water is treated as with the flag clear, to the last bit. Of three phases the two of lowest Gibbs energy are
  * returned (with the flag, where hydrocarbons would form two liquids, one of the pairs). What is returned with
- * 0 balances to 1e-12 and has ln fugacities equal to 1e-8 (a host's routine: to the square root of CRIT).
+ * 0 balances to 1e-12 and has ln fugacities equal to 1e-8 (by a host's routine, and where what met CRIT could
+ * not be made better: to the square root of CRIT).
  *
  * 112, 120: no answer; the results hold the last iterate. With the flag also where the rules of free water have
  * no state: solubility limits above about a fifth, hydrocarbons near their critical point. Others: the status
@@ -124,7 +125,8 @@ KV_API StatusCode KV_CALL FlashLVatSP(double S, double P, const double* z, Mixtu
  * At vapour fraction and pressure or temperature. 48 bytes.
  *
  * W        vapour fraction: 0 bubble point, 1 dew point; below 0 counts as 0, above 1 as 1
- * P, T     the first one given, > 0; the other in/out, an estimate not greater than 0 becomes 298.15 K or 1 atm
+ * P, T     the first one given, > 0; the other in/out, an estimate not greater than 0 becomes 298.15 K or 1
+ *          atm, as does a temperature below the least of column 11 of the components (200 K at most)
  * x, y, K  as of FlashLVatTP
  *
  * These two, and the two of three phases, look for water by its family code alone and know no retry.

@@ -60,7 +60,6 @@ bool state_between(Energy& e, double part, EnergyState& s) {
   for (int i = 0; i < e.n; ++i) {
     s.y[i] = e.v[i] / V;
     s.x[i] = (e.z[i] - e.v[i]) / L;
-    s.K[i] = s.x[i] > 0.0 ? std::clamp(s.y[i] / s.x[i], kSmallestK, kLargestK) : kLargestK;
   }
   return true;
 }

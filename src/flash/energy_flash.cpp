@@ -35,15 +35,6 @@ void order_phases(Energy& e, EnergyState& s) {
   s.beta = 1.0 - s.beta;
 }
 
-void set_k_values(const Energy& e, EnergyState& s) {
-  for (int i = 0; i < e.n; ++i) {
-    const double d = e.a.ln_phi[i] - e.b.ln_phi[i];
-    s.K[i] =
-        s.x[i] > 0.0 && s.y[i] > 0.0 ? s.y[i] / s.x[i] : std::exp(std::clamp(d, -kLargestLogK, kLargestLogK));
-    s.K[i] = std::clamp(s.K[i], kSmallestK, kLargestK);
-  }
-}
-
 bool same_phases(const Energy& e, const EnergyState& a, const EnergyState& b) {
   double apart = std::fabs(a.beta - b.beta);
   for (int i = 0; i < e.n; ++i)
@@ -90,7 +81,6 @@ bool solve_locally(Energy& e) {
       if (!equilibrium_at(e, s.T, false, e.other)) return false;
       copy_state(e, e.other, e.state);
       if (!same_phases(e, s, e.other) || !accept(e, s, Found::flash)) return false;
-      set_k_values(e, s);
       copy_state(e, s, e.state);
       return true;
     }
@@ -170,11 +160,12 @@ StatusCode write_state(Energy& e, StatusCode status) {
   for (int i = 0; i < e.n; ++i) {
     c.x[i] = s.x[i];
     c.y[i] = s.y[i];
-    c.K[i] = s.K[i];
+    c.K[i] = ratio_of(s.y[i], s.x[i]);
   }
   *c.liquid = s.beta < 1.0 ? s.liquid : 0.0;
   *c.vapour = s.beta > 0.0 ? s.vapour : 0.0;
-  trace_energy_result(e.trace, c);
+  trace_energy_pass(e.trace, c, *c.T, *c.beta, *c.liquid, *c.vapour);
+  if (e.trace) trace_energy_result(e.trace, c, lowest_temperature(*c.mixture));
   return status;
 }
 
@@ -196,7 +187,7 @@ StatusCode drive(Energy& e, support::Arena& arena) {
   const EnergyCall& c = e.call;
   if (*c.T == 0.0) *c.T = kDefaultTemperature;
   e.start_T = plausible(*c.T) ? *c.T : kDefaultTemperature;
-  trace_energy_header(e.trace, c, copy_settings(*c.mixture), lowest_temperature(*c.mixture));
+  if (e.trace) trace_energy_header(e.trace, c, copy_settings(*c.mixture), e.start_T);
   e.state.T = e.start_T;
   if (!c.cold) {
     e.state.beta = *c.beta;
@@ -285,7 +276,6 @@ Local solve_phases(Energy& e, EnergyState& s) {
   if (!e.bracket.about(s.T)) return Local::failed;
   order_phases(e, s);
   if (!accept(e, s, Found::newton)) return e.status == KV_OK ? Local::unstable : Local::failed;
-  set_k_values(e, s);
   copy_state(e, s, e.state);
   return Local::converged;
 }
@@ -331,6 +321,7 @@ bool equilibrium_at(Energy& e, double T, bool warm, EnergyState& s) {
   IsothermalCall c = isothermal_call(e, s);
   c.start = warm ? Start::warm : Start::cold;
   c.index = warm ? 0 : 1;
+  c.trace = &e.trace;
   ++e.flashes;
   s.status = isothermal_flash(c);
   if (s.status == KV_SINGLE_PHASE) s.status = KV_OK;

@@ -52,12 +52,11 @@ StatusCode solve_pure_phase(Energy& e, Kind kind, double low, double high) {
 }
 
 // Phases of the feed as such: both have its composition.
-void fill_pure(Energy& e, double beta, const double* log_k) {
+void fill_pure(Energy& e, double beta) {
   EnergyState& s = e.state;
   s.beta = beta;
   std::copy_n(e.z, e.ld, s.x);
   std::copy_n(e.z, e.ld, s.y);
-  for (int i = 0; i < e.n; ++i) s.K[i] = log_k == nullptr ? 1.0 : std::exp(log_k[i]);
 }
 
 }  // namespace
@@ -85,13 +84,13 @@ StatusCode solve_single_component(Energy& e, int j, support::Arena& arena) {
     IsothermalCall c = isothermal_call(e, s);  // only for its name
     const StatusCode named = isothermal_flash(c);
     if (named != KV_SINGLE_PHASE && named != KV_OK) return named;
-    fill_pure(e, s.beta >= 0.5 ? 1.0 : 0.0, nullptr);
+    fill_pure(e, s.beta >= 0.5 ? 1.0 : 0.0);
     s.liquid = s.beta == 0.0 ? s.value : 0.0;
     s.vapour = s.beta == 1.0 ? s.value : 0.0;
     return KV_OK;
   }
   s.T = temperature(line, p);
-  fill_pure(e, 0.5, p.X);
+  fill_pure(e, 0.5);
   if (!evaluate_state(e, s)) return e.status;
   const double range = s.vapour - s.liquid, over = e.call.wanted - s.liquid;
   if (over >= 0.0 && over <= range) {
@@ -106,7 +105,7 @@ StatusCode solve_single_component(Energy& e, int j, support::Arena& arena) {
   s.liquid = s.vapour = 0.0;
   const StatusCode status =
       liquid ? solve_pure_phase(e, Kind::liquid, kColdest, Ts) : solve_pure_phase(e, Kind::gas, Ts, kHottest);
-  fill_pure(e, liquid ? 0.0 : 1.0, p.X);
+  fill_pure(e, liquid ? 0.0 : 1.0);
   return status;
 }
 

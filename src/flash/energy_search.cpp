@@ -6,6 +6,7 @@
 
 #include "flash/energy_state.hpp"
 #include "flash/settings.hpp"
+#include "flash/trace_flash.hpp"
 
 namespace kestrune::flash {
 namespace {
@@ -39,6 +40,7 @@ Pass run_pass(Search& s, double e, double& T) {
     if (iteration > 1 && std::fabs(T - before) < kSameTemperature && e >= kSmallestStep) e /= 10.0;
     before = T;
     const double r = s.residual(T);
+    trace_energy_pass(s.e.trace, s.e.call, T, s.e.state.beta, s.e.state.liquid, s.e.state.vapour);
     if (r * r <= s.tolerance) return iteration < kPassLimit && s.answered ? Pass::converged : Pass::failed;
     if (!std::isfinite(r) || iteration > kPassLimit) return Pass::failed;
     const double beta = s.e.state.beta;
@@ -49,8 +51,9 @@ Pass run_pass(Search& s, double e, double& T) {
     while (std::fabs(f * change) > kLargestChange && f > kSmallestFactor) f *= 0.5;
     if (!(f > kSmallestFactor) || !std::isfinite(change))
       return iteration < kPassLimit ? Pass::damping : Pass::failed;
-    T -= f * change;
-    if (!(T > kColdest && T < kHottest)) return Pass::failed;
+    const double next = T - f * change;
+    if (!(next > kColdest && next < kHottest)) return Pass::failed;  // T is the last one within the range
+    T = next;
   }
   return Pass::failed;
 }

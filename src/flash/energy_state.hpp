@@ -7,12 +7,12 @@
 #include "flash/accept.hpp"
 #include "flash/energy_flash.hpp"
 #include "flash/isothermal.hpp"
+#include "flash/settings.hpp"
 #include "support/trace.hpp"
 
 namespace kestrune::flash {
 
-// Where a flash starts without an estimate, and between which an estimate is started from, K.
-inline constexpr double kDefaultTemperature = 298.15;
+// Whether a temperature given is one to start from, K.
 inline bool plausible(double T) {
   return T >= 60.0 && T <= 2000.0;
 }

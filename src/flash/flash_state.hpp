@@ -11,13 +11,13 @@ namespace kestrune::flash {
 inline constexpr int kTried = 6;
 
 struct Flash {
-  Flash(const IsothermalCall& c, Model& model, const Settings& s, support::TraceWriter& t)
+  Flash(const IsothermalCall& c, Model& model, const Settings& s, FlashTrace& t)
       : call(c), m(model), settings(s), trace(t) {}
 
   const IsothermalCall& call;
   Model& m;
   Settings settings;
-  support::TraceWriter& trace;
+  FlashTrace& trace;
 
   Iterate it;            // the two-phase iteration; it.z is the normalised feed
   Iterate best, answer;  // the best answer, and the one under test, while others are tried
@@ -76,8 +76,8 @@ bool evaluate_feed(Flash& f);
  */
 bool test_feed(Flash& f);
 
-// How the solver chose its own starting point; shown in the trace.
-enum class Source { wilson = 1, estimate = 2, trial = 3, other_answer = 4 };
+// Starts of the solver's own, by the numbers that the trace shows.
+enum class Source { wilson = 1, trial = 3, other_answer = 4 };
 
 // A phase beside which a split is tried.
 struct Beside {
@@ -100,9 +100,8 @@ void start_from_trial(Flash& f, const Beside& other, Source source);
 
 /*
  * Iterates from the start that was chosen. True when it converged on something better than the feed, and that
- * passed the gate. Of a feed
- * that is known to be unstable any split is better, though close to a phase boundary by less than the rounding
- * of Gibbs energies.
+ * passed the gate. Of a feed that is known to be unstable any split is better, though close to a phase boundary
+ * by less than the rounding of Gibbs energies.
  */
 bool good_split(Flash& f, bool unstable, Outcome& outcome);
 

@@ -3,6 +3,8 @@
 #ifndef KESTRUNE_FLASH_FUGACITY_HPP
 #define KESTRUNE_FLASH_FUGACITY_HPP
 
+#include <cmath>
+
 #include "eos/phase.hpp"
 #include "flash/host.hpp"
 #include "flash/water.hpp"
@@ -117,6 +119,11 @@ inline StatusCode fugacity(Model& m, const double* x, Kind kind, double* ln_phi,
 /* Bounds of distribution coefficients and of their logarithms. */
 inline constexpr double kLargestK = 1e15, kSmallestK = 1e-15;
 inline constexpr double kLargestLogK = 34.538776394910684;
+
+/* That of a component of which the denominator phase has x and the other y; the largest where it has none. */
+inline double ratio_of(double y, double x) noexcept {
+  return x > 0.0 ? std::fmin(std::fmax(y / x, kSmallestK), kLargestK) : kLargestK;
+}
 
 /*
  * K-value evaluation: K_i = phi_i(liquid x)/phi_i(vapour y) within 1e-15 .. 1e15, K[n]; on request (not null)

@@ -35,7 +35,6 @@ void order_phases(Flash& f) {
   if (!lighter(*f.call.mixture, f.it.x, f.it.Zx, f.it.y, f.it.Zy)) return;
   std::swap(f.it.x, f.it.y);
   std::swap(f.it.beta, f.it.liquid);
-  for (int i = 0; i < f.m.n; ++i) f.it.k[i] = 1.0 / f.it.k[i];
 }
 
 StatusCode write_answer(Flash& f, StatusCode status) {
@@ -44,9 +43,9 @@ StatusCode write_answer(Flash& f, StatusCode status) {
   for (int i = 0; i < f.m.n; ++i) {
     c.x[i] = f.it.x[i];
     c.y[i] = f.it.y[i];
-    c.K[i] = std::clamp(f.it.k[i], kSmallestK, kLargestK);
+    c.K[i] = ratio_of(c.y[i], c.x[i]);
   }
-  trace_result(f.trace, c);
+  trace_result(f.trace, c, f.it);
   return status;
 }
 
@@ -66,10 +65,6 @@ StatusCode finish_single_phase(Flash& f) {
   const double* other = incipient ? f.lowest.w : f.it.z;
   std::copy_n(vapour ? other : f.it.z, n, f.it.x);
   std::copy_n(vapour ? f.it.z : other, n, f.it.y);
-  for (int i = 0; i < n; ++i) {
-    const double e = incipient ? f.feed_phi[i] - f.lowest.ln_phi[i] : 0.0;
-    f.it.k[i] = support::fast_exp(std::clamp(vapour ? -e : e, -kLargestLogK, kLargestLogK));
-  }
   f.it.beta = vapour ? 1.0 : 0.0;
   f.it.liquid = 1.0 - f.it.beta;
   return write_answer(f, KV_SINGLE_PHASE);
@@ -98,10 +93,6 @@ StatusCode solve(Flash& f) {
   if (!evaluate_feed(f)) return f.status;
   wilson(f.call.T, f.call.P, *f.call.mixture, f.m.free_water, f.wilson_k, nullptr);
   const bool given = f.call.start != Start::cold && usable_estimate(f.call, f.m.n);
-  if (given)
-    trace_initial(f.trace, f.call, *f.call.beta, f.call.x, f.call.y, f.it.z);
-  else
-    trace_initial(f.trace, f.call, 0.0, f.it.z, f.it.z, f.it.z);
 
   Outcome outcome = Outcome::one_phase;
   if (given) {
@@ -135,7 +126,9 @@ StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& 
   Model& m = call.model != nullptr ? *call.model : own;
   Settings settings = copy_settings(*call.mixture);
   apply_robust_settings(kModelOptions, settings);
-  support::TraceWriter trace(settings.trace, settings.trace_unit);
+  if (call.mode == Mode::liquid_liquid) apply_liquid_settings(kModelOptions, call.index, settings);
+  support::TraceWriter writer(settings.trace, settings.trace_unit);
+  FlashTrace trace{call.trace != nullptr ? *call.trace : writer, call.mode};
   Flash f(call, m, settings, trace);
   const std::size_t ld = m.ld, square = ld * m.n;
   double* z = arena.zeros(ld);

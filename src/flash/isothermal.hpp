@@ -38,18 +38,19 @@ struct IsothermalCall {
   bool free_water = false;
   Mode mode = Mode::liquid_vapour;
   Start start = Start::cold;
-  int index = 1;                 // initialisation index, for the trace
+  int index = 1;                 // initialisation index, for the trace; of two liquids see settings.hpp
   Counts* counts = nullptr;      // may be null
   Model* model = nullptr;        // prepared for this call; null: the flash makes its own
   ThirdPhase* third = nullptr;   // may be null; with free water only whether there is one
   bool every_component = false;  // feed_stability: near-pure trials of all components, not of the usual ones
+  support::TraceWriter* trace = nullptr;  // of the flash that runs this one; null: as the record says
 };
 
 /*
  * Solves. KV_OK: two phases. KV_SINGLE_PHASE (95): one, with beta 0 or 1; x, y and K then hold the incipient
  * phase of lowest tangent-plane distance, or the feed twice. 112: iteration limit, also after the restart with
  * the robust settings. 120: the iteration broke down. Others: of the model. On failure the arrays hold the last
- * iterate.
+ * iterate. K is y/x of the arrays returned, see ratio_of.
  */
 StatusCode isothermal_flash(const IsothermalCall& call);
 

@@ -20,10 +20,10 @@
 namespace kestrune::flash {
 namespace {
 
-constexpr double kDefaultTemperature = 298.15, kDefaultPressure = 1.0;
+constexpr double kDefaultPressure = 1.0;
 constexpr double kWilsonTolerance = 1e-4, kEquationTolerance = 1e-12;  // on F^2
 constexpr double kNoBracketHigh = 10000.0;
-constexpr int kNewtonLimit = 30, kSubstitutions = 2, kRestarts = 3;
+constexpr int kSubstitutions = 2, kRestarts = 3;
 constexpr double kNotInWater = 9.0;  // ln K of what water hardly dissolves, to start with
 // How far an estimate may be from the answer of its branch: changes of ln T and ln P.
 constexpr double kNearT = 0.1, kNearP = 0.5;
@@ -32,21 +32,8 @@ constexpr double kCriticalNear = 0.02;  // either, beside a critical point
 constexpr double kStartParts[] = {0.3, 0.03, 1e-3};
 
 constexpr double kColdest = 1.0, kHottest = 9000.0, kThinnest = 1e-40, kDensest = 1e5;
-bool within_range(const Quality& q, double value) {
-  return q.of_T() ? value > kColdest && value < kHottest : value > kThinnest && value < kDensest;
-}
-
-void set_up_start(Quality& q) {
-  const QualityCall& c = q.call;
-  q.start = *c.unknown;
-  if (!within_range(q, q.start)) q.start = q.of_T() ? kDefaultTemperature : kDefaultPressure;
-  if (q.of_T() && q.start < lowest_temperature(*c.mixture)) q.start = kDefaultTemperature;
-  if (c.cold) {
-    q.settings.ITEMAX = q.settings.ITEMAX > 100000000 ? q.settings.ITEMAX : 10 * q.settings.ITEMAX;
-    q.settings.relaxation /= 10.0;
-  }
-  trace_quality_header(q.trace, q.of_T(), q.line.W, c.cold ? 1 : 0, q.settings);
-  trace_quality_start(q.trace, q.of_T(), q.start, c.mixture->count, c.x, c.y);
+bool within_range(bool of_T, double value) {
+  return of_T ? value > kColdest && value < kHottest : value > kThinnest && value < kDensest;
 }
 
 double F_of(const Quality& q, const double* K) {
@@ -91,7 +78,7 @@ bool wilson_stage(Quality& q, double& value) {
     // Wilson's K go with 1/P: a bubble or dew pressure is one step away.
     const bool exact = !q.of_T() && q.boundary() && !b.closed;
     value = !exact ? next : q.line.W == 0.0 ? value * (1.0 - F) : value / (1.0 + F);
-    if (!within_range(q, value) || (b.closed && b.high - b.low < 1e-12 * b.high)) break;
+    if (!within_range(q.of_T(), value) || (b.closed && b.high - b.low < 1e-12 * b.high)) break;
   }
   value = std::clamp(value, q.of_T() ? 20.0 : 1e-12, q.of_T() ? 3000.0 : 1000.0);
   return false;
@@ -117,7 +104,7 @@ bool equation_stage(Quality& q, double& value) {
     if (one_phase(line, p)) return false;
     if (F * F < kEquationTolerance) return true;
     value = b.next(value, F, q.of_T());
-    if (!within_range(q, value)) return false;
+    if (!within_range(q.of_T(), value)) return false;
     if (b.closed && b.high - b.low < 1e-10 * b.high) return true;
   }
   return true;
@@ -158,8 +145,9 @@ bool solve_from_point(Quality& q, int substitutions, bool stable_roots) {
   for (int k = 0; k < substitutions; ++k)
     if (!substitute(line, q.point, q.unknown, q.status)) return false;
   line.stable_roots = stable_roots;
+  const int limit = std::min(kNewtonLimit, q.settings.ITEMAX);
   const Solved solved =
-      solve_point(line, q.point, q.given, std::log(q.call.given), kNewtonLimit, false, q.status);
+      solve_point(line, q.point, q.given, std::log(q.call.given), limit, false, q.status, q.settings.CRIT);
   q.regular = solved == Solved::yes && is_regular(q);
   q.walked = false;
   return solved == Solved::yes;
@@ -262,9 +250,7 @@ StatusCode write_point(Quality& q, StatusCode status) {
   for (int i = 0; i < q.line.n; ++i) {
     c.x[i] = q.point.x[i];
     c.y[i] = q.point.y[i];
-    const bool present = q.point.x[i] > 0.0 && q.point.y[i] > 0.0;
-    c.K[i] = present ? std::clamp(q.point.y[i] / q.point.x[i], kSmallestK, kLargestK)
-                     : support::fast_exp(q.point.X[i]);
+    c.K[i] = ratio_of(c.y[i], c.x[i]);
   }
   return status;
 }
@@ -303,45 +289,51 @@ bool start_from_water(Quality& q) {
 
 bool usable_estimate(const Quality& q) {
   const QualityCall& c = q.call;
-  if (c.cold || !(*c.unknown > 0.0 && within_range(q, *c.unknown))) return false;
+  if (c.cold || !(*c.unknown > 0.0 && within_range(q.of_T(), *c.unknown))) return false;
   double difference = 0.0;
   for (int i = 0; i < q.line.n; ++i) difference = std::max(difference, std::fabs(c.x[i] - c.y[i]));
   return usable_compositions(q.line.n, c.x, c.y) && difference > 1e-6;
 }
 
-void start_from_estimate(Quality& q) {
+void start_from_estimate(Quality& q, double start) {
   const QualityCall& c = q.call;
-  start_from_wilson(q, *c.unknown);
+  start_from_wilson(q, start);
   for (int i = 0; i < q.line.n; ++i)
     if (c.x[i] > 0.0 && c.y[i] > 0.0)
       q.point.X[i] = std::clamp(support::fast_log(c.y[i] / c.x[i]), -kLargestLogK, kLargestLogK);
 }
 
 /*
- * From the estimate, on its branch: its point, or the one that is reached first when it leads elsewhere. An
- * estimate beside a critical point, where Newton's method may not come to its end, is looked for along the
- * line.
+ * From the phases of the estimate and a start of the unknown, on its branch: its point, or from the estimate's
+ * own unknown the one that is reached first when it leads elsewhere. An estimate beside a critical point, where
+ * Newton's method may not come to its end, is looked for along the line.
  */
-bool from_estimate(Quality& q) {
-  start_from_estimate(q);
-  q.estimate = q.point.X[q.unknown];
+bool from_estimate(Quality& q, double start) {
+  start_from_estimate(q, start);
+  q.estimate = std::log(*q.call.unknown);
   q.point.Zx = q.point.Zy = 0.0;
   const bool critical = close_phases(q);
   const bool solved = solve_from_point(q, 0, true);
   const bool near = std::fabs(q.point.X[q.unknown] - q.estimate) < (q.of_T() ? kNearT : kNearP);
-  if (settle_on_branch(q, solved, near)) return true;
-  if (!critical) return false;
+  const bool own = start == *q.call.unknown;
+  if (settle_on_branch(q, solved && (near || own), near)) return true;
+  if (!critical || !own) return false;
   q.only_near = true;
-  const bool found = walk_for_point(q, *q.call.unknown);
+  const bool found = walk_for_point(q, start);
   q.only_near = false;
   return found;
 }
 
 StatusCode solve(Quality& q) {
-  set_up_start(q);
+  q.start = set_up_quality(q.call, q.line.W, q.settings, q.trace);
   const int j = single_component(q.line.n, q.line.z, pure_tolerance(*q.call.mixture));
   if (j >= 0) return solve_pure(q, j);
-  if (usable_estimate(q) && from_estimate(q)) return write_point(q, KV_OK);
+  if (usable_estimate(q)) {
+    // A temperature that was replaced is the start; where it leads away from the estimate, that one itself is.
+    const double given = *q.call.unknown;
+    if (from_estimate(q, q.start) || (q.start != given && from_estimate(q, given)))
+      return write_point(q, KV_OK);
+  }
   double value = 0.0;
   wilson_stage(q, value);
   const double by_wilson = value;
@@ -396,6 +388,17 @@ StatusCode set_up(const QualityCall& call, support::Arena& arena) {
 }
 
 }  // namespace
+
+double set_up_quality(const QualityCall& c, double W, Settings& settings, support::TraceWriter& trace) {
+  const bool of_T = c.find == Find::temperature;
+  double start = *c.unknown;
+  if (!within_range(of_T, start)) start = of_T ? kDefaultTemperature : kDefaultPressure;
+  if (of_T) start = starting_temperature(kModelOptions, *c.mixture, c.z, start);
+  apply_quality_settings(kModelOptions, W, c.cold, settings);
+  trace_quality_header(trace, of_T, W, c.cold ? 1 : 0, settings);
+  trace_quality_start(trace, of_T, start, c.mixture->count, c.x, c.y);
+  return start;
+}
 
 StatusCode quality_flash(const QualityCall& call) {
   if (call.free_water && has_free_water(*call.mixture, call.z) &&

@@ -127,13 +127,28 @@ double last_step(const QualityLine& line, const LinePoint& p) {
   return std::min(kLastStep, kLastOfSquare * largest * largest);
 }
 
-void trace_pass(const QualityLine& line, const LinePoint& p, double factor) {
+void trace_pass(const QualityLine& line, const LinePoint& p, int pass, double factor) {
   if (line.trace == nullptr || !*line.trace) return;
   const bool of_T = line.unknown == line.T_index();
   line.trace->real(of_T ? "TEMPERATURE :" : "PRESSION :", of_T ? line.m.T : line.m.P);
-  line.trace->integer("ITERATION :", line.passes);
+  line.trace->integer("ITERATION :", pass);
   line.trace->real("CRITERE :", p.error * p.error);
   line.trace->real("FACTEUR DE RELAXATION :", factor);
+}
+
+// The pass that shows what the last step has left. False: status of the fugacity routine.
+bool trace_last(QualityLine& line, LinePoint& p, StatusCode& status) {
+  if (line.trace == nullptr || !*line.trace) return true;
+  Sums sums;
+  status = evaluate(line, p, false, sums);
+  if (status != KV_OK) return false;
+  p.error = std::fabs(sums.x - sums.y) / sums.x;
+  for (int i = 0; i < line.n; ++i) {
+    const double d = std::clamp(line.phi_x[i] - line.phi_y[i], -kLargestLogK, kLargestLogK);
+    if (line.z[i] > 0.0) p.error = std::max(p.error, std::fabs(d - p.X[i]));
+  }
+  trace_pass(line, p, p.passes + 1, 1.0);
+  return true;
 }
 
 bool in_range(const QualityLine& line, const LinePoint& p) {
@@ -279,9 +294,11 @@ bool polish_point(QualityLine& line, LinePoint& p, int held, double* work, Statu
 }
 
 Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int limit, bool through_critical,
-                   StatusCode& status) {
+                   StatusCode& status, double criterion) {
   const int size = line.n + 2;
   double before = DBL_MAX;
+  const bool main = criterion >= 0.0;
+  bool accepted = false;
   p.X[held] = value;
   for (p.passes = 1; p.passes <= limit; ++p.passes) {
     Sums sums;
@@ -295,7 +312,11 @@ Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int 
       if (i >= line.n || line.z[i] > 0.0) largest = std::max(largest, std::fabs(line.step[i]));
     if (!(largest <= DBL_MAX)) return Solved::no;
     const double factor = damping(line);
-    trace_pass(line, p, factor);
+    if (main && !accepted) trace_pass(line, p, p.passes, factor);
+    if (p.error * p.error <= criterion) {
+      accepted = true;
+      limit = std::max(limit, kNewtonLimit);
+    }
     // Beside a critical point small errors are long steps: they are taken as long as they are not noise, but
     // for T or P held on the way over it, and where the last one of a point that has converged is long, it is
     // noise.
@@ -312,7 +333,11 @@ Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int 
     }
     if (!in_range(line, p)) return Solved::no;
     if (!through_critical && one_phase(line, p)) return Solved::trivial;
-    if (converged || short_step) {
+    // A step as short as that leaves its square: no evaluation is spent on seeing it, but for the trace.
+    const bool enough =
+        accepted || !main || (short_step && p.passes < limit && std::pow(largest, 4) <= criterion);
+    if (((converged || short_step) && enough) || (accepted && p.passes == limit)) {
+      if (main && !accepted && !trace_last(line, p, status)) return Solved::model;
       p.left_over = short_step ? 0.0 : largest;
       std::fill_n(p.slope, size, 0.0);
       p.slope[size - 1] = 1.0;

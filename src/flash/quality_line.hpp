@@ -67,13 +67,19 @@ StatusCode line_model(QualityLine& line, double T, double P, int order = 1);
 
 enum class Solved { yes, trivial, no, model };
 
+// Passes of Newton's method that a point may take.
+inline constexpr int kNewtonLimit = 30;
+
 /*
  * Newton's method from p.X with the unknown held held at value. On yes the point is converged to 1e-10 in ln
  * fugacities, with compositions and slope. trivial: the phases became one (not looked for when
- * through_critical). model: status says what the fugacity routine returned.
+ * through_critical). model: status says what the fugacity routine returned. With a criterion, in the
+ * main iteration of a flash, the point is accepted when the square of its largest residual is that at most,
+ * which the limit is for and the trace shows; it is finished within kNewtonLimit passes, and stands then in any
+ * case.
  */
 Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int limit, bool through_critical,
-                   StatusCode& status);
+                   StatusCode& status, double criterion = -1.0);
 
 /*
  * d X[unknown]/dW at the point that solve_point has just found, the other of T and P fixed. For 0 < W < 1 only:

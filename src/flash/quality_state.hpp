@@ -29,7 +29,7 @@ struct Quality {
   bool exchanged = false;  // the walk follows the line of 1 - W
   bool only_near = false;  // the walk looks for a point close to the estimate
   double *wilson_k = nullptr, *trial = nullptr, *spare = nullptr;  // [ld]
-  double start = 0.0;                                              // of the unknown
+  double start = 0.0;                                              // of the unknown, by the set-up rules
   double estimate = 0.0;                                           // its logarithm, of a warm start
   int count = 0;                                                   // evaluations that count against ITEMAX
   int unknown, given;                                              // indices of the line
@@ -40,6 +40,12 @@ struct Quality {
   double T() const { return temperature(line, point); }
   double P() const { return pressure(line, point); }
 };
+
+/*
+ * The set-up rules of a flash at a vapour fraction: the settings of a cold start, and the value of the unknown
+ * that it starts from. Writes the header of the trace.
+ */
+double set_up_quality(const QualityCall& call, double W, Settings& settings, support::TraceWriter& trace);
 
 /*
  * Whether two phases hardly differ in ln K nor in density, so that they may be one in truth: beside the

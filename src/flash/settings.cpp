@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 
 namespace kestrune::flash {
 namespace {
@@ -65,6 +66,25 @@ double lowest_temperature(const MixtureRecord& mixture) noexcept {
   return std::fmin(least, 200.0);
 }
 
+namespace {
+
+// Mean of a temperature of each component that has one, weighted with the feed; 0 without any.
+double mean_temperature(const MixtureRecord& mixture, const double* z) {
+  const auto usable_T = [](double T) { return T > 0.0 && T < 1e20; };
+  const double* boiling = mixture.table + static_cast<std::size_t>(KV_COL_BOILING_POINT - 1) * mixture.count;
+  const double* critical = mixture.table + static_cast<std::size_t>(KV_COL_TC - 1) * mixture.count;
+  double sum = 0.0, weights = 0.0;
+  for (int i = 0; i < mixture.count; ++i) {
+    const double T = usable_T(boiling[i]) ? boiling[i] : usable_T(critical[i]) ? 0.7 * critical[i] : 0.0;
+    if (T == 0.0) continue;
+    sum += z[i] * T;
+    weights += z[i];
+  }
+  return weights > 0.0 ? sum / weights : 0.0;
+}
+
+}  // namespace
+
 void apply_robust_settings(const ModelOptions& model, Settings& s) noexcept {
   const bool wanted =
       model.first == 7 || model.first == 8 || (model.second != 0 && model_predicate(model.second));
@@ -72,6 +92,34 @@ void apply_robust_settings(const ModelOptions& model, Settings& s) noexcept {
   s.relaxation = std::fmin(s.relaxation, kRobustRelaxation);
   if (s.ITEMAX < kRobustIterations) s.ITEMAX = kRobustIterations;
   s.robust = true;
+}
+
+void apply_liquid_settings(const ModelOptions& model, int index, Settings& s) noexcept {
+  if (index != 1 || !careful_liquids(model)) return;
+  s.relaxation = kRobustRelaxation;
+  s.ITEMAX = kRobustIterations;
+}
+
+void apply_quality_settings(const ModelOptions& model, double W, bool cold, Settings& s) noexcept {
+  constexpr int kLeastIterations = 200, kTimes = 10;
+  const int given = s.ITEMAX;
+  const bool wanted = model.first == 7 || model.first == 8 || model.first == 11 || model.first == 12 ||
+                      model.second == 40 || (model.second != 0 && model_predicate(model.second));
+  if (s.relaxation == 1.0 && wanted) {
+    s.robust = true;
+    if (s.ITEMAX < kLeastIterations) s.ITEMAX = kLeastIterations;
+    s.relaxation = 1.0 - 0.9 * W;
+  }
+  if (!cold) return;
+  s.relaxation /= kTimes;
+  s.ITEMAX = given > INT32_MAX / kTimes ? INT32_MAX : kTimes * given;
+}
+
+double starting_temperature(const ModelOptions& model, const MixtureRecord& mixture, const double* z,
+                            double estimate) noexcept {
+  double T = model.first == 4 ? kColdStartTemperature : estimate;
+  if (estimate == 0.0 && (model.first == 7 || model.second == 40)) T = mean_temperature(mixture, z);
+  return T < lowest_temperature(mixture) ? kDefaultTemperature : T;
 }
 
 }  // namespace kestrune::flash

@@ -18,6 +18,13 @@ inline constexpr bool model_predicate(int code) {
   return code < 0;
 }
 
+// Whether two liquids of a model are begun carefully when the host gives the initialisation index 1: those of a
+// model without difficulties of its own, as PPR78, for which that index means an estimate that is to be kept
+// to.
+inline constexpr bool careful_liquids(const ModelOptions& model) {
+  return model.first == 0 && model.second == 0;
+}
+
 struct Settings {
   double CRIT, CLIM, EPS;
   double loose;  // CRIT^0.33, the second, looser level
@@ -57,6 +64,28 @@ double lowest_temperature(const MixtureRecord& mixture) noexcept;
 
 /* Applies the robust settings where the model asks for them. */
 void apply_robust_settings(const ModelOptions& model, Settings& s) noexcept;
+
+/* Two liquids: exactly the robust factor and limit with the initialisation index 1, where the model asks for
+ * it. */
+void apply_liquid_settings(const ModelOptions& model, int index, Settings& s) noexcept;
+
+/*
+ * A flash at vapour fraction W. Where the factor is exactly 1 and the model asks for it: robust, 1 - 0.9 W, and
+ * 200 iterations at least. A cold start takes a tenth of the factor and ten times the iterations of the record.
+ */
+void apply_quality_settings(const ModelOptions& model, double W, bool cold, Settings& s) noexcept;
+
+// Where a search for a temperature starts without an estimate, K; and the first option code 4.
+inline constexpr double kDefaultTemperature = 298.15, kColdStartTemperature = 25.0;
+
+/*
+ * The temperature (K) at which a flash at a vapour fraction starts: the estimate; for the first option code 4
+ * always the same one; without an estimate (0), for the first code 7 and the second 40, the mean of the boiling
+ * points of the feed z (0.7 of the critical temperature where there is none); 298.15 K instead of one below
+ * TMIN.
+ */
+double starting_temperature(const ModelOptions& model, const MixtureRecord& mixture, const double* z,
+                            double estimate) noexcept;
 
 }  // namespace kestrune::flash
 

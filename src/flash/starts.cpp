@@ -5,7 +5,6 @@
 
 #include "flash/accept.hpp"
 #include "flash/flash_state.hpp"
-#include "flash/trace_flash.hpp"
 #include "support/mathkernels.hpp"
 
 namespace kestrune::flash {
@@ -25,8 +24,8 @@ void usual_kinds(Flash& f) {
 
 /*
  * The gate of two phases: a split of the feed, and equal fugacities at the very compositions that are returned
- * (by a host's routine as equal as its CRIT asks). The tangent plane of the tests that follow stands on these.
- * False: it is none, or f.status.
+ * (by a host's routine, and where no more was to be had, as equal as CRIT asks). The tangent plane of the tests
+ * that follow stands on these. False: it is none, or f.status.
  */
 bool accept(Flash& f) {
   Iterate& it = f.it;
@@ -35,8 +34,8 @@ bool accept(Flash& f) {
   if (f.status != KV_OK) return false;
   const double amounts[] = {it.liquid, it.beta};
   const double* const phases[] = {it.x, it.y};
-  const double owed =
-      f.m.routine != nullptr ? std::max(kOwedFugacity, std::sqrt(f.settings.CRIT)) : kOwedFugacity;
+  const double owed = f.m.routine != nullptr || it.stalled ? std::max(kOwedFugacity, std::sqrt(f.settings.CRIT))
+                                                           : kOwedFugacity;
   return is_split(f.m.n, it.z, 2, amounts, phases) &&
          fugacity_gap(f.m.n, it.z, {it.x, it.ln_phi_x}, {it.y, it.ln_phi_y}) <= owed;
 }
@@ -47,7 +46,7 @@ void start_from_wilson(Flash& f) {
   usual_kinds(f);
   for (int i = 0; i < f.m.ld; ++i) f.it.log_k[i] = support::fast_log(f.wilson_k[i]);
   f.it.beta = 0.5;
-  trace_internal_index(f.trace, static_cast<int>(Source::wilson));
+  f.it.source = static_cast<int>(Source::wilson);
 }
 
 void start_from_estimate(Flash& f) {
@@ -61,7 +60,7 @@ void start_from_estimate(Flash& f) {
     f.it.log_k[i] = std::clamp(support::fast_log(k), -kLargestLogK, kLargestLogK);
   }
   f.it.beta = *c.beta;
-  trace_internal_index(f.trace, static_cast<int>(Source::estimate));
+  f.it.source = 0;
 }
 
 void start_from_trial(Flash& f, const Beside& other, Source source) {
@@ -74,7 +73,7 @@ void start_from_trial(Flash& f, const Beside& other, Source source) {
   f.it.kind_y = vapour ? kind : other.kind;
   f.it.kind_x = vapour ? other.kind : kind;
   f.it.beta = vapour ? 0.05 : 0.95;
-  trace_internal_index(f.trace, static_cast<int>(source));
+  f.it.source = static_cast<int>(source);
 }
 
 bool good_split(Flash& f, bool unstable, Outcome& outcome) {

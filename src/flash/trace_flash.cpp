@@ -13,6 +13,16 @@ void table(support::TraceWriter& trace, const char* const (&heads)[4], int n, co
   }
 }
 
+void initial_state(FlashTrace& trace, int n, double beta, const double* x, const double* y, const double* z) {
+  trace.started = true;
+  const bool vapour = trace.mode == Mode::liquid_vapour;
+  trace.writer.real(vapour ? "TAUX DE VAPORISATION  :" : "TAUX DE PARTAGE       :", beta);
+  if (vapour)
+    table(trace.writer, {"NO", "XL", "YV", "ZF"}, n, x, y, z);
+  else
+    table(trace.writer, {"NO", "XL1", "XL2", "ZF"}, n, x, y, z);
+}
+
 void initialisation(support::TraceWriter& trace, const char* title, int index, const Settings& settings) {
   trace.text(title);
   trace.text(kStars);
@@ -28,10 +38,10 @@ void initialisation(support::TraceWriter& trace, const char* title, int index, c
 
 }  // namespace
 
-void trace_header(support::TraceWriter& trace, const IsothermalCall& call, const Settings& settings) {
+void trace_header(FlashTrace& trace, const IsothermalCall& call, const Settings& settings) {
   if (!trace) return;
-  const bool vapour = call.mode == Mode::liquid_vapour;
-  initialisation(trace, vapour ? "FLASH T,P LIQUIDE-VAPEUR" : "FLASH T,P LIQUIDE-LIQUIDE", call.index,
+  const bool vapour = trace.mode == Mode::liquid_vapour;
+  initialisation(trace.writer, vapour ? "FLASH T,P LIQUIDE-VAPEUR" : "FLASH T,P LIQUIDE-LIQUIDE", call.index,
                  settings);
 }
 
@@ -57,14 +67,11 @@ void trace_quality_start(support::TraceWriter& trace, bool of_T, double start, i
 }
 
 void trace_energy_header(support::TraceWriter& trace, const EnergyCall& call, const Settings& settings,
-                         double T_low) {
+                         double start) {
   if (!trace) return;
   const bool H = call.property == Property::enthalpy;
   initialisation(trace, H ? "FLASH H,P" : "FLASH S,P", call.index, settings);
-  trace.real("T (K)  =", *call.T);
-  trace.real(" TMIN (K)    = ", T_low);
-  trace.real("P (ATM)=", call.P);
-  trace.real(H ? " HF (CAL/MOL)=" : " SF (CAL/MOL/K)=", call.wanted);
+  trace.real("T (K)  =", start);
 }
 
 void trace_energy_pass(support::TraceWriter& trace, const EnergyCall& call, double T, double beta,
@@ -78,40 +85,38 @@ void trace_energy_pass(support::TraceWriter& trace, const EnergyCall& call, doub
   trace.real(H ? "HV  :" : "SV  :", vapour);
 }
 
-void trace_energy_result(support::TraceWriter& trace, const EnergyCall& call) {
+void trace_energy_result(support::TraceWriter& trace, const EnergyCall& call, double T_low) {
   if (!trace) return;
   trace.real("T (K)  =", *call.T);
+  trace.real(" TMIN (K)    = ", T_low);
   trace.real("P (ATM)=", call.P);
   trace.real(call.property == Property::enthalpy ? " HF (CAL/MOL)=" : " SF (CAL/MOL/K)=", call.wanted);
   trace.real(" TVAP=", *call.beta);
 }
 
-void trace_initial(support::TraceWriter& trace, const IsothermalCall& call, double beta, const double* x,
-                   const double* y, const double* z) {
-  if (!trace) return;
-  const int n = call.mixture->count;
-  if (call.mode == Mode::liquid_vapour) {
-    trace.real("TAUX DE VAPORISATION  :", beta);
-    table(trace, {"NO", "XL", "YV", "ZF"}, n, x, y, z);
-  } else {
-    trace.real("TAUX DE PARTAGE       :", beta);
-    table(trace, {"NO", "XL1", "XL2", "ZF"}, n, x, y, z);
-  }
+void trace_initial(FlashTrace& trace, int n, const Iterate& it) {
+  if (trace) initial_state(trace, n, it.beta, it.x, it.y, it.z);
 }
 
-void trace_internal_index(support::TraceWriter& trace, int index) {
-  if (trace) trace.integer("INDICE INITIALISATION INTERNE AU FLASH :", index);
+void trace_pass(FlashTrace& trace, bool linearised, double factor, const Iterate& it) {
+  if (!trace) return;
+  trace.writer.text(linearised ? "METHODE = QUASI-LINEARISATION" : "METHODE = GLOBALE");
+  trace.writer.real("FACTEUR DE RELAXATION :", factor);
+  trace.writer.integer("ITERATION :", it.count);
+  trace.writer.real("CRITERE :", it.error);
 }
 
-void trace_result(support::TraceWriter& trace, const IsothermalCall& call) {
+void trace_result(FlashTrace& trace, const IsothermalCall& call, const Iterate& it) {
   if (!trace) return;
   const int n = call.mixture->count;
-  if (call.mode == Mode::liquid_vapour) {
-    trace.real("TAUX DE VAPORISATION :", *call.beta);
-    table(trace, {"NO", "XL", "YV", "AK"}, n, call.x, call.y, call.K);
+  if (!trace.started) initial_state(trace, n, *call.beta, it.z, it.z, it.z);
+  if (it.source != 0) trace.writer.integer("INDICE INITIALISATION INTERNE AU FLASH :", it.source);
+  if (trace.mode == Mode::liquid_vapour) {
+    trace.writer.real("TAUX DE VAPORISATION :", *call.beta);
+    table(trace.writer, {"NO", "XL", "YV", "AK"}, n, call.x, call.y, call.K);
   } else {
-    trace.real("TAUX DE PARTAGE      :", *call.beta);
-    table(trace, {"NO", "XL1", "XL2", "AKL"}, n, call.x, call.y, call.K);
+    trace.writer.real("TAUX DE PARTAGE      :", *call.beta);
+    table(trace.writer, {"NO", "XL1", "XL2", "AKL"}, n, call.x, call.y, call.K);
   }
 }
 

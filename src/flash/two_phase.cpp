@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "flash/rachford_rice.hpp"
+#include "flash/trace_flash.hpp"
 #include "support/ldl.hpp"
 #include "support/mathkernels.hpp"
 
@@ -31,6 +32,19 @@ constexpr double kLargestNewtonStep = 5.0;  // in ln K
 constexpr int kStepCuts = 12;               // until both phases are there
 constexpr double kTrivialLogK2 = 1e-11;     // sum of z (ln K)^2 of two phases that are one
 
+// Compositions from the coefficients and the fractions, from the side of the smaller one: no difference of
+// near-equal numbers.
+void compose_phases(const Model& m, Iterate& it) {
+  const double V = it.beta, L = it.liquid;
+  if (V <= 0.5) {
+    for (int i = 0; i < m.n; ++i) it.x[i] = it.z[i] / (1.0 + V * (it.k[i] - 1.0));
+    for (int i = 0; i < m.n; ++i) it.y[i] = it.k[i] * it.x[i];
+  } else {
+    for (int i = 0; i < m.n; ++i) it.x[i] = it.z[i] / (it.k[i] + L * (1.0 - it.k[i]));
+    for (int i = 0; i < m.n; ++i) it.y[i] = it.k[i] * it.x[i];
+  }
+}
+
 // What the rules of the global method remember.
 struct Progress {
   double errors[3] = {1e300, 1e300, 1e300};  // the last three, latest last
@@ -44,7 +58,8 @@ struct Progress {
 // Steps after the answer met CRIT.
 struct Polish {
   int steps = 0, stalled = 0;
-  double mark = 1e300;  // the largest residual when it last halved
+  double mark = 1e300;                            // the largest residual when it last halved
+  double best = 1e300, beta = 0.0, liquid = 1.0;  // the smallest one so far, and the phase fractions there
 };
 
 // Fugacities of both phases, residuals and Gibbs energy.
@@ -242,26 +257,35 @@ bool closer(const Model& m, const Iterate& it, double error_before) {
   return m.routine != nullptr && it.error < 0.25 * error_before;
 }
 
-/*
- * Whether the polish of an accepted answer has come to its end. The coefficients of a host may be rounded: what
- * meets CRIT is then as good as they allow.
- */
-bool polished(const Model& m, const Settings& s, const Iterate& it, Polish& p) {
+// Whether the polish of an accepted answer has come to its end: with the full precision, or stalled. The
+// coefficients of a host may be rounded, and then there is no more to be had soon.
+enum class Polished { no, yes, stalled };
+Polished polish(const Model& m, const Settings& s, Iterate& it, Polish& p) {
   ++p.steps;
   const bool halved = it.worst <= 0.5 * p.mark;
   p.stalled = halved ? 0 : p.stalled + 1;
   if (halved) p.mark = it.worst;
-  if (it.worst <= kFinished || (p.steps > kPolishSteps && it.worst <= kOwed)) return true;
-  const bool at_end = p.stalled >= kStalledSteps || p.steps > kPolishSteps;
-  return m.routine != nullptr && at_end && it.error <= s.CRIT;
+  if (it.worst <= kFinished || (p.steps > kPolishSteps && it.worst <= kOwed)) return Polished::yes;
+  if (it.worst < p.best && it.error <= s.CRIT) {
+    p.best = it.worst;
+    p.beta = it.beta;
+    p.liquid = it.liquid;
+    std::copy_n(it.log_k, m.n, it.accepted_log_k);
+  }
+  const bool at_end = p.steps > kPolishSteps || (m.routine != nullptr && p.stalled >= kStalledSteps);
+  return at_end ? Polished::stalled : Polished::no;
 }
 
-void trace_pass(support::TraceWriter& trace, const Progress& p, const Iterate& it) {
-  if (!trace) return;
-  trace.text(p.linearised ? "METHODE = QUASI-LINEARISATION" : "METHODE = GLOBALE");
-  trace.real("FACTEUR DE RELAXATION :", p.relaxation);
-  trace.integer("ITERATION :", it.count);
-  trace.real("CRITERE :", it.error);
+// Back to the best iterate that met CRIT, to the last bit.
+Outcome take_accepted(Model& m, const TwoPhaseWork& work, const Polish& p, Iterate& it, StatusCode& status) {
+  std::copy_n(it.accepted_log_k, m.n, it.log_k);
+  for (int i = 0; i < m.ld; ++i) it.k[i] = support::fast_exp(it.log_k[i]);
+  it.beta = p.beta;
+  it.liquid = p.liquid;
+  it.stalled = true;
+  compose_phases(m, it);
+  status = evaluate_phases(m, work, false, it);
+  return status == KV_OK ? Outcome::converged : Outcome::routine;
 }
 
 }  // namespace
@@ -275,20 +299,12 @@ bool split_feed(const Model& m, Iterate& it) {
   }
   it.beta = f.beta;
   it.liquid = f.liquid;
-  // From the side of the smaller fraction: no difference of near-equal numbers.
-  if (f.beta <= 0.5) {
-    for (int i = 0; i < m.n; ++i) it.x[i] = it.z[i] / (1.0 + f.beta * (it.k[i] - 1.0));
-    for (int i = 0; i < m.n; ++i) it.y[i] = it.k[i] * it.x[i];
-  } else {
-    for (int i = 0; i < m.n; ++i) it.x[i] = it.z[i] / (it.k[i] + f.liquid * (1.0 - it.k[i]));
-    for (int i = 0; i < m.n; ++i) it.y[i] = it.k[i] * it.x[i];
-  }
+  compose_phases(m, it);
   return true;
 }
 
-Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPlan& plan,
-                           support::TraceWriter& trace, const TwoPhaseWork& work, Iterate& it,
-                           StatusCode& status) {
+Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPlan& plan, FlashTrace& trace,
+                           const TwoPhaseWork& work, Iterate& it, StatusCode& status) {
   Progress p;
   p.relaxation = settings.relaxation;
   p.limit = settings.ITEMAX;
@@ -296,11 +312,17 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
   for (int i = m.n; i < m.ld; ++i) it.x[i] = it.y[i] = it.log_k[i] = it.r[i] = 0.0;
   it.Zx = it.Zy = 0.0;
   it.count = 0;
+  it.stalled = false;
   if (!split_feed(m, it) && (plan.compare_with_feed || !centre_coefficients(m, it))) return Outcome::one_phase;
+  trace_initial(trace, m.n, it);
   bool newton_taken = false, accepted = false;
   double before = 0.0, error_before = 0.0, factor = 1.0;
-  Polish polish;
+  Polish progress;
   int failures = 0, plain = 0;
+  // No way on: where CRIT was met that is the answer.
+  const auto stop = [&](Outcome outcome) {
+    return accepted ? take_accepted(m, work, progress, it, status) : outcome;
+  };
   for (;;) {
     ++it.count;
     ++m.counts.iterations;
@@ -308,25 +330,30 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
     const bool derivatives = (p.linearised || p.damped || accepted) && plain == 0;
     status = evaluate_phases(m, work, derivatives, it);
     if (status != KV_OK) return Outcome::routine;
-    if (!accepted) trace_pass(trace, p, it);
+    if (!accepted) {
+      trace_pass(trace, p.linearised, p.relaxation, it);
+      accepted = it.error <= settings.CRIT && it.count >= 2;
+    }
+    if (accepted) {
+      const Polished end = polish(m, settings, it, progress);
+      if (end == Polished::yes) return Outcome::converged;
+      if (end == Polished::stalled) return stop(Outcome::broke_down);
+    }
     // A Newton step that went uphill: in Gibbs energy it is cut from where it began; without one (free water)
     // it is taken back and a few substitutions go first.
     if (newton_taken && !m.free_water && it.gibbs > before + 1e-11 * (1.0 + std::fabs(before)) &&
         factor > 1e-4 && !closer(m, it, error_before)) {
       factor *= 0.25;
-      if (!take_newton_step(m, factor, work, it)) return Outcome::one_phase;
+      if (!take_newton_step(m, factor, work, it)) return stop(Outcome::one_phase);
       continue;
     }
     if (newton_taken && m.free_water && it.error > before) {
       newton_taken = false;
       plain = kPlainSteps;
-      if (++failures > kMaxTakenBack || !take_newton_step(m, 0.0, work, it)) return Outcome::broke_down;
+      if (++failures > kMaxTakenBack || !take_newton_step(m, 0.0, work, it)) return stop(Outcome::broke_down);
       continue;
     }
     if (plain > 0) --plain;
-    if (!accepted && it.error <= settings.CRIT && it.count >= 2) accepted = true;
-    if (accepted && polished(m, settings, it, polish)) return Outcome::converged;
-    if (polish.steps > kPolishSteps) return Outcome::broke_down;
     if (it.count >= 2 && phases_are_one(m, it)) return Outcome::trivial;
     if (plan.compare_with_feed && !accepted && it.count == kDecreasesBeforeSwitch &&
         !(it.gibbs < plan.feed_gibbs - 1e-10))
@@ -339,14 +366,15 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
       error_before = it.error;
       before = m.free_water ? it.error : it.gibbs;
       factor = 1.0;
-      if (!take_newton_step(m, 1.0, work, it)) return Outcome::one_phase;
+      if (!take_newton_step(m, 1.0, work, it)) return stop(Outcome::one_phase);
       // One Newton step from here is beyond the precision owed: no evaluation is spent on seeing it.
       if (last) return Outcome::converged;
       newton_taken = true;
       continue;
     }
-    if (derivatives && ++failures > kMaxTakenBack) return Outcome::broke_down;
-    if (!substitute_within(m, plan, derivatives ? 1.0 : p.relaxation, work, it)) return Outcome::one_phase;
+    if (derivatives && ++failures > kMaxTakenBack) return stop(Outcome::broke_down);
+    if (!substitute_within(m, plan, derivatives ? 1.0 : p.relaxation, work, it))
+      return stop(Outcome::one_phase);
   }
 }
 

@@ -15,8 +15,8 @@
 namespace kestrune::flash {
 namespace {
 
-// How the flash chose its own starting point; shown in the trace.
-enum Source { kFromWilson = 1, kFromEstimate = 2, kFromTrial = 3, kFromDryFeed = 5 };
+// Starts of the flash's own, by the numbers that the trace shows.
+enum Source { kFromWilson = 1, kFromTrial = 3, kFromDryFeed = 5 };
 
 StatusCode write_answer(Wet& f, StatusCode status) {
   const IsothermalCall& c = f.call;
@@ -25,9 +25,9 @@ StatusCode write_answer(Wet& f, StatusCode status) {
   for (int i = 0; i < f.m.n; ++i) {
     c.x[i] = a.x[i];
     c.y[i] = a.y[i];
-    c.K[i] = a.x[i] > 0.0 ? std::clamp(a.y[i] / a.x[i], kSmallestK, kLargestK) : a.y[i] > 0.0 ? kLargestK : 1.0;
+    c.K[i] = ratio_of(a.y[i], a.x[i]);
   }
-  trace_result(f.trace, c);
+  trace_result(f.trace, c, f.it);
   return status;
 }
 
@@ -92,13 +92,13 @@ void start_from_trial(Wet& f, const WetTrial& t, bool trial_is_gas) {
         std::clamp(trial_is_gas ? ln_phi - t.ln_phi[i] : t.ln_phi[i] - ln_phi, -kLargestLogK, kLargestLogK);
   }
   f.log_k[f.m.water] = saturated_gas_water(f, trial_is_gas ? t.ln_phi[f.m.water] : f.answer.phi_y[f.m.water]);
-  trace_internal_index(f.trace, kFromTrial);
+  f.it.source = kFromTrial;
 }
 
 void start_from_wilson(Wet& f) {
   for (int i = 0; i < f.m.n; ++i) f.log_k[i] = support::fast_log(f.wilson_k[i]);
   f.log_k[f.m.water] = std::min(saturated_gas_water(f, 0.0), std::log(0.9));
-  trace_internal_index(f.trace, kFromWilson);
+  f.it.source = kFromWilson;
 }
 
 // From an estimate whose liquid may hold free water.
@@ -112,7 +112,7 @@ void start_from_estimate(Wet& f) {
     f.log_k[i] = std::clamp(std::log(k), -kLargestLogK, kLargestLogK);
   }
   f.log_k[w] = c.y[w] > 0.0 ? std::log(c.y[w]) : saturated_gas_water(f, 0.0);
-  trace_internal_index(f.trace, kFromEstimate);
+  f.it.source = 0;
 }
 
 // From the flash of the feed without its water. False: it is one phase.
@@ -125,7 +125,7 @@ bool start_from_dry_feed(Wet& f) {
     return false;
   for (int i = 0; i < f.m.n; ++i) f.log_k[i] = support::fast_log(f.it.k[i]);
   f.log_k[f.m.water] = std::min(saturated_gas_water(f, 0.0), std::log(0.9));
-  trace_internal_index(f.trace, kFromDryFeed);
+  f.it.source = kFromDryFeed;
   return true;
 }
 
@@ -166,10 +166,6 @@ StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
   trace_header(f.trace, f.call, f.settings);
   wilson(f.call.T, f.call.P, *f.call.mixture, true, f.wilson_k, nullptr);
   const bool given = usable_estimate(f);
-  if (given)
-    trace_initial(f.trace, f.call, *f.call.beta, f.call.x, f.call.y, f.z);
-  else
-    trace_initial(f.trace, f.call, 0.0, f.z, f.z, f.z);
   if (f.water > 1.0 - KV_DEFAULT_PURE_TOLERANCE) return water_alone(f);
   // One fluid, or a gas beside water; what is missing is kept as a start.
   bool third = false, have_gas = false, have_liquid = false, good_gas = false, lacks_oil = false;
@@ -201,6 +197,7 @@ StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
   }
   for (const auto& [have, k] : {std::pair{have_gas, gas_k}, std::pair{have_liquid, liquid_k}}) {
     if (!have || f.status != KV_OK) continue;
+    f.it.source = kFromTrial;
     std::copy_n(k, f.m.n, f.log_k);
     if (try_split(f, kept)) return finish(f);
   }
@@ -238,7 +235,8 @@ StatusCode with_wet(const IsothermalCall& call, Body&& body) {
     if (status != KV_OK) return status;
     Settings settings = copy_settings(*call.mixture);
     apply_robust_settings(kModelOptions, settings);
-    support::TraceWriter trace(settings.trace, settings.trace_unit);
+    support::TraceWriter writer(settings.trace, settings.trace_unit);
+    FlashTrace trace{call.trace != nullptr ? *call.trace : writer};
     Wet f(call, m, settings, trace);
     const int n = m.n;
     const std::size_t ld = m.ld, square = ld * n;

@@ -12,8 +12,7 @@
 #include "flash/feed.hpp"
 #include "flash/free_water.hpp"
 #include "flash/isothermal.hpp"
-#include "flash/quality_line.hpp"
-#include "flash/settings.hpp"
+#include "flash/quality_state.hpp"
 #include "flash/trace_flash.hpp"
 #include "flash/wet_flash.hpp"
 #include "support/mathkernels.hpp"
@@ -21,11 +20,10 @@
 namespace kestrune::flash {
 namespace {
 
-constexpr double kDefaultT = 298.15, kDefaultP = 1.0;
 constexpr double kLowestT = 100.0, kHighestT = 1200.0, kLowestP = 1e-8, kHighestP = 1e4;
 constexpr double kFirstStep = 0.01, kLongestT = 0.05, kLongestP = 0.3, kLonger = 1.7;  // in ln of the unknown
 constexpr double kAllGasT = 800.0, kAllGasP = 0.01;  // where that search begins
-constexpr int kMostStates = 120, kMostHalvings = 60, kNewtonLimit = 30;
+constexpr int kMostStates = 120, kMostHalvings = 60;
 constexpr double kNoWidth = 1e-8;  // of a bracket, in ln of the unknown: a fluid changes its name there
 constexpr double kEvenT = 0.03, kEvenP = 0.2;  // steps of a search from the gas, in ln of the unknown
 
@@ -38,13 +36,14 @@ struct WetPoint {
 };
 
 struct WetSearch {
-  explicit WetSearch(const QualityCall& c) : call(c), silent(*c.mixture) {}
+  explicit WetSearch(const QualityCall& c) : call(c), silent(*c.mixture), settings(copy_settings(*c.mixture)) {}
   const QualityCall& call;
   QualityLine line;
   LinePoint point, unstable;
   WetPoint little, much;  // the nearest states with too little and too much gas
   WetPoint here;
   MixtureRecord silent;
+  Settings settings;
   double W = 0.0;
   bool of_T = true, have_unstable = false;
   StatusCode status = KV_OK;  // that ends the flash
@@ -117,7 +116,9 @@ bool solve_from(WetSearch& q, double u, const double* K) {
   p.X[q.given()] = std::log(q.call.given);
   StatusCode status = KV_OK;
   q.line.stable_roots = false;
-  return solve_point(q.line, p, q.given(), p.X[q.given()], kNewtonLimit, false, status) == Solved::yes &&
+  const int limit = std::min(kNewtonLimit, q.settings.ITEMAX);
+  return solve_point(q.line, p, q.given(), p.X[q.given()], limit, false, status, q.settings.CRIT) ==
+             Solved::yes &&
          accept(q);
 }
 
@@ -216,7 +217,7 @@ StatusCode write_point(WetSearch& q, const LinePoint& p, StatusCode status) {
   for (int i = 0; i < q.line.n; ++i) {
     c.x[i] = p.x[i];
     c.y[i] = p.y[i];
-    c.K[i] = std::clamp(p.x[i] > 0.0 ? p.y[i] / p.x[i] : kLargestK, kSmallestK, kLargestK);
+    c.K[i] = ratio_of(p.y[i], p.x[i]);
   }
   return status;
 }
@@ -226,15 +227,13 @@ bool usable_estimate(const WetSearch& q) {
   return !c.cold && *c.unknown > 0.0 && *c.unknown <= 1e6 && usable_compositions(q.line.n, c.x, c.y);
 }
 
-StatusCode solve(WetSearch& q, const Settings& settings, support::TraceWriter& trace) {
+StatusCode solve(WetSearch& q, support::TraceWriter& trace) {
   const QualityCall& c = q.call;
-  const double start = *c.unknown > 0.0 && *c.unknown <= DBL_MAX ? *c.unknown : q.of_T ? kDefaultT : kDefaultP;
-  trace_quality_header(trace, q.of_T, q.W, c.cold ? 1 : 0, settings);
-  trace_quality_start(trace, q.of_T, start, q.line.n, c.x, c.y);
+  const double start = set_up_quality(c, q.W, q.settings, trace);
   if (usable_estimate(q)) {
     for (int i = 0; i < q.line.n; ++i)
       q.here.K[i] = c.x[i] > 0.0 && c.y[i] > 0.0 ? c.y[i] / c.x[i] : c.y[i] > 0.0 ? kLargestK : 1.0;
-    if (solve_from(q, std::log(*c.unknown), q.here.K)) return write_point(q, q.point, KV_OK);
+    if (solve_from(q, std::log(start), q.here.K)) return write_point(q, q.point, KV_OK);
   }
   // From Wilson's guess; then from all gas, past places where a fluid only changes its name.
   double u = by_wilson(q);
@@ -253,9 +252,8 @@ StatusCode solve(WetSearch& q, const Settings& settings, support::TraceWriter& t
 
 StatusCode wet_quality(const QualityCall& call) {
   return support::with_arena<8, 160>(call.mixture->count, [&](support::Arena& arena) -> StatusCode {
-    const Settings settings = copy_settings(*call.mixture);
-    support::TraceWriter trace(settings.trace, settings.trace_unit);
     WetSearch q(call);
+    support::TraceWriter trace(q.settings.trace, q.settings.trace_unit);
     q.silent.trace_flag = 0;
     q.W = std::clamp(call.W, 0.0, 1.0);
     q.of_T = call.find == Find::temperature;
@@ -274,7 +272,7 @@ StatusCode wet_quality(const QualityCall& call) {
     for (WetPoint* p : {&q.little, &q.much, &q.here})
       for (double** a : {&p->x, &p->y, &p->K}) *a = arena.zeros(line.ld);
     seal_line(line);
-    const StatusCode status = solve(q, settings, trace);
+    const StatusCode status = solve(q, trace);
     if (call.counts != nullptr) {
       *call.counts = line.m.counts;
       call.counts->iterations = line.passes;

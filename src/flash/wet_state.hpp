@@ -34,13 +34,13 @@ struct WetAnswer {
 };
 
 struct Wet {
-  Wet(const IsothermalCall& c, Model& model, const Settings& s, support::TraceWriter& t)
+  Wet(const IsothermalCall& c, Model& model, const Settings& s, FlashTrace& t)
       : call(c), m(model), settings(s), trace(t) {}
 
   const IsothermalCall& call;
   Model& m;
   Settings settings;
-  support::TraceWriter& trace;
+  FlashTrace& trace;
 
   const double* z = nullptr;       // [ld] feed, sum 1
   double* dry = nullptr;           // [ld] the feed without its water, sum 1

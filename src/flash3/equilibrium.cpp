@@ -28,6 +28,7 @@ flash::IsothermalCall isothermal_call(Equilibrium& e) {
   flash::IsothermalCall c{e.m.T, e.m.P, e.z, e.m.mixture, e.routines, &e.beta, e.x, e.y, e.K};
   c.model = &e.m;
   c.third = &e.third;
+  if (*e.how.trace) c.trace = e.how.trace;
   e.third = {e.cut, false, 0.0};
   return c;
 }

@@ -100,7 +100,7 @@ StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
   call.free_water = c.free_water;
   call.mode = flash::Mode::liquid_liquid;
   call.start = c.estimate ? flash::Start::warm : flash::Start::cold;
-  call.index = c.estimate ? 0 : 1;
+  call.index = c.estimate ? 1 : 0;  // the option of this flash, which has the other sense
   const StatusCode status = flash::isothermal_flash(call);
   if (status != KV_OK && status != KV_SINGLE_PHASE) return status;
   if (*c.beta == 0.0) {

@@ -3,12 +3,12 @@
 namespace kestrune::support {
 
 TraceWriter::~TraceWriter() {
-  if (file_ == nullptr) return;
-  if (file_ == stdout || file_ == stderr) {
-    std::fflush(file_);
-  } else {
-    std::fclose(file_);
-  }
+  if (file_ != nullptr && file_ != stdout && file_ != stderr) std::fclose(file_);
+}
+
+void TraceWriter::end_record(std::FILE* f) {
+  std::fputc('\n', f);
+  std::fflush(f);
 }
 
 std::FILE* TraceWriter::stream() {
@@ -27,15 +27,24 @@ std::FILE* TraceWriter::stream() {
 }
 
 void TraceWriter::text(const char* line) {
-  if (std::FILE* f = stream()) std::fprintf(f, " %s\n", line);
+  std::FILE* f = stream();
+  if (f == nullptr) return;
+  std::fprintf(f, " %s", line);
+  end_record(f);
 }
 
 void TraceWriter::integer(const char* label, int value) {
-  if (std::FILE* f = stream()) std::fprintf(f, " %s %10d\n", label, value);
+  std::FILE* f = stream();
+  if (f == nullptr) return;
+  std::fprintf(f, " %s %10d", label, value);
+  end_record(f);
 }
 
 void TraceWriter::real(const char* label, double value) {
-  if (std::FILE* f = stream()) std::fprintf(f, " %s %18.10E\n", label, value);
+  std::FILE* f = stream();
+  if (f == nullptr) return;
+  std::fprintf(f, " %s %18.10E", label, value);
+  end_record(f);
 }
 
 void TraceWriter::heads(const char* const* names, int columns) {
@@ -43,7 +52,7 @@ void TraceWriter::heads(const char* const* names, int columns) {
   if (f == nullptr) return;
   std::fprintf(f, " %5s", names[0]);
   for (int k = 1; k < columns; ++k) std::fprintf(f, " %18s", names[k]);
-  std::fputc('\n', f);
+  end_record(f);
 }
 
 void TraceWriter::row(int number, const double* values, int columns) {
@@ -51,7 +60,7 @@ void TraceWriter::row(int number, const double* values, int columns) {
   if (f == nullptr) return;
   std::fprintf(f, " %5d", number);
   for (int k = 0; k < columns; ++k) std::fprintf(f, " %18.10E", values[k]);
-  std::fputc('\n', f);
+  end_record(f);
 }
 
 }  // namespace kestrune::support

@@ -8,8 +8,9 @@ namespace kestrune::support {
 
 /*
  * One call's trace. Unit 6 is standard output, 0 standard error, any other positive number n the file "fort.n"
- * in the current folder, opened on the first record for appending and closed with the writer. Everything is
- * flushed when the writer goes, at the end of the call. A unit that cannot be opened is silent.
+ * in the current folder, opened on the first record for appending and closed with the writer. Every record is
+ * on the unit before the next one begins, so that what a routine of the host writes there on the way, by a
+ * flash of its own, stands between whole records and in order. A unit that cannot be opened is silent.
  */
 class TraceWriter {
  public:
@@ -29,6 +30,7 @@ class TraceWriter {
 
  private:
   std::FILE* stream();
+  static void end_record(std::FILE* f);
 
   bool on_;
   int unit_;

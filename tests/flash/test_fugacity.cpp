@@ -185,4 +185,31 @@ TEST(KValues, ClampsAndDerivatives) {
   EXPECT_NEAR(bounded[0] / 1e15, 1.0, 1e-14);
 }
 
+int root_status = 0;
+void KV_CALL with_status(const double* c0, const double* c1, const double* c2, const double* c3, double* Z,
+                         std::int32_t* status, const std::int32_t* phase, const double* u, const double* w,
+                         const double* A, const double* B, const double* settings) {
+  frame::tools::bracub()(c0, c1, c2, c3, Z, status, phase, u, w, A, B, settings);
+  *status = root_status;
+}
+
+// What the root solver says beside a root goes on with it: up to 50, and 201 and 202.
+TEST(Fugacity, StatusesOfTheRootSolver) {
+  const double x[kN] = {0.3, 0.3, 0.1, 0.3};
+  for (const Kind kind : {Kind::gas, Kind::liquid, Kind::stable}) {
+    Prepared p(kT, kP, false);
+    double plain[kN], other[kN], Z = 0.0;
+    ASSERT_EQ(flash::water_aware_fugacity(p.model, x, kind, plain, {}, Z), KV_OK);
+    p.model.bracub = with_status;
+    for (root_status = 0; root_status < 300; ++root_status) {
+      const bool good = root_status <= 50 || root_status == 201 || root_status == 202;
+      Z = 0.0;
+      EXPECT_EQ(flash::water_aware_fugacity(p.model, x, kind, other, {}, Z), good ? KV_OK : root_status);
+      if (root_status == 0 || root_status > 200) {
+        for (int i = 0; i < kN && good; ++i) EXPECT_EQ(other[i], plain[i]) << root_status;
+      }
+    }
+  }
+}
+
 }  // namespace
