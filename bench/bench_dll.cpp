@@ -310,7 +310,7 @@ std::vector<Case> property_cases() {
                         [](const double* x, M* m, double T, double P, double* o, double* n) {
                           GasMolarEnthalpy_Derivatives_PPR78(T, P, x, m, 7, o, o + 1, o + 2, n);
                         }),
-          property_case("entropy_dn", "GasMolarEntropy_Derivatives_PPR78, all of them, by differences", 0.0,
+          property_case("entropy_dn", "GasMolarEntropy_Derivatives_PPR78, all of them; T and P by differences", 0.0,
                         [](const double* x, M* m, double T, double P, double* o, double* n) {
                           GasMolarEntropy_Derivatives_PPR78(T, P, x, m, 7, o, o + 1, o + 2, n);
                         }),

@@ -131,8 +131,9 @@ StatusCode PropertyValues::first_failure() const {
 }
 
 bool PropertyValues::extrapolated() const {
-  for (const StatusCode s : statuses) {
-    if (s == KV_PURE_RANGE) return true;
+  for (const PropertyInfo& p : kProperties) {
+    const bool transport = p.property == Prop::viscosity || p.property == Prop::conductivity;
+    if (!transport && status(p.property) == KV_PURE_RANGE) return true;
   }
   return false;
 }

@@ -58,7 +58,7 @@ struct PropertyInfo {
 // In the order of Property.
 std::span<const PropertyInfo> all_properties();
 
-// A status that comes with a value: success, or a heat capacity continued beyond its range.
+// A status that comes with a value: success, or a correlation continued beyond its range.
 inline bool has_value(StatusCode status) {
   return status == KV_OK || status == KV_PURE_RANGE;
 }

@@ -7,7 +7,8 @@
  * as it is given.
  *
  * Every export but ConvertPPR78GroupData returns a StatusCode (status.h). Arguments that cannot be worked
- * with end the call at once with a status of the 9000 block. Nothing thrown leaves the library, and the
+ * with end the call at once with a status of the 9000 block, unless a status of its own is said below to belong
+ * to them (111 for a feed that does not sum to one). Nothing thrown leaves the library, and the
  * floating-point environment of the host (x87 control word, MXCSR) is the same before and after a call. The one
  * exception is a sibling library that is missing: after a message the call ends with the non-continuable system
  * exception 0xEFFFFFFF, and a host that survives it has to restore its floating-point environment itself.
@@ -16,6 +17,14 @@
  * Threads: calls may run at the same time on different MixtureRecords. A flash writes the flags byte of its
  * own record during the call. ConvertPPR78GroupData changes what every later call reads: never run it
  * while another call is under way.
+ *
+ * "48 bytes" is what the arguments of an export take on the stack of a 32-bit process and the export removes from
+ * it: 8 for a double by value, 4 for an integer or an address. For FlashLVatTP 2 * 8 + 8 * 4:
+ *
+ *   offset   0  8   16   20       24        28       32    36  40  44
+ *            T  P   z    mixture  routines  options  beta  x   y   K
+ *
+ * A declaration in another language is right when its arguments add up to the number.
  *
  * "options" of the two-phase flashes: bit 0 set = cold start; clear = warm start from the result arguments
  * (an unusable estimate counts as a cold start). Of the three-phase flashes: bit 0 set = the result
@@ -48,8 +57,8 @@ KV_API void KV_CALL ConvertPPR78GroupData(int32_t nC, int32_t nG, const int32_t*
                                           const double* B, double* const* storage);
 
 /*
- * Molar mass of a mixture: sum of x[i] * M[i] in the unit of M; 0 for nc < 1. Returns 0 (or a status of the
- * 9000 block for a null pointer or a count above 10000). 16 bytes.
+ * Molar mass of a mixture: sum of x[i] * M[i] in the unit of M; 0 for nc < 1, and where x or M is null. Always
+ * returns 0. 16 bytes.
  */
 KV_API StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const double* M, double* out);
 
@@ -59,7 +68,7 @@ KV_API StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const dou
  * Liquid and vapour at temperature and pressure. 48 bytes.
  *
  * T        temperature, K, > 0              P  pressure, atm, > 0
- * z        [count] feed
+ * z        [count] feed                      mixture  its record
  * routines may be null                       options  bit 0: 1 cold start, 0 warm start
  * beta     in/out vapour fraction, 0 .. 1 of the feed
  * x, y     [count] in/out liquid and vapour; a phase that is absent holds the incipient phase, the one of
@@ -74,12 +83,12 @@ KV_API StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const dou
  * pseudo-critical temperature (Kay) of the dry feed, hydrocarbons beside free water count as vapour however
  * dense they are; a fluid that is stable as one of the two only is called that. A feed with less than 1e-15 of
  * water is treated as with the flag clear, to the last bit. Of three phases the two of lowest Gibbs energy are
- * returned (with the flag, where hydrocarbons would form two liquids, one of the pairs). What is returned with 0
- * balances to 1e-12 and has ln fugacities equal to 1e-8 (a host's routine: to the square root of CRIT).
+ * returned (with the flag, where hydrocarbons would form two liquids, one of the pairs). What is returned with
+ * 0 balances to 1e-12 and has ln fugacities equal to 1e-8 (a host's routine: to the square root of CRIT).
  *
- * 112, 120: no answer; the results hold the last iterate. With the flag also where the rules of free water have no
- * state: solubility limits above about a fifth, hydrocarbons near their critical point. Others: the status of the
- * fugacity routine.
+ * 112, 120: no answer; the results hold the last iterate. With the flag also where the rules of free water have
+ * no state: solubility limits above about a fifth, hydrocarbons near their critical point. Others: the status
+ * of the fugacity routine.
  */
 KV_API StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                       const ModelRoutines* routines, int32_t options, double* beta, double* x,
@@ -88,20 +97,21 @@ KV_API StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, Mixtu
 /*
  * At enthalpy (cal/mol) or entropy (cal/(mol K)) of one mole of feed and pressure. 60 bytes.
  *
+ * H, S     of one mole of feed               P  pressure, atm, > 0
  * T        in/out, K; exactly 0 becomes 298.15. An estimate outside 60 .. 2000 K is not started from
  * beta, x, y  in/out as FlashLVatTP; a warm start begins with the flash at T from this estimate
  * HL, HV   out: molar enthalpy (entropy) of the liquid and of the vapour, 0 for a phase that is absent; at the
  *          root of lower Gibbs energy, so that the lighter one of two liquids has a liquid's value
  *
  * 0 = found: T is such that the phases add up to the value within 1e-9 of it (of R T or R where that is more),
- * and the state is that of FlashLVatTP there. Where the vapour grows at one temperature, or within a hair of one
- * (single components, azeotropes), its fraction is found. 112: no temperature between 3 and 10 000 K has the
- * value, it lies in the jump from one pair of phases to another (at a three-phase temperature), or no
- * convergence; 113: the search behind the main solver ran out of damping. Temperatures outside the range of a heat-capacity
- * correlation are no failure (1003 does not appear); other statuses of the pure-component library come back as
- * 1000 + n. Where the record's host has routines of its own for enthalpy or entropy, these are called
- * (ModelRoutines). With a liquid that splits in two (three phases in all) the two phases of lowest Gibbs energy
- * count, and an answer exists only where their enthalpy passes through the value.
+ * and the state is that of FlashLVatTP there. Where the vapour grows at one temperature, or within a hair of
+ * one (single components, azeotropes), its fraction is found. 112: no temperature between 3 and 10 000 K has
+ * the value, it lies in the jump from one pair of phases to another (at a three-phase temperature), or no
+ * convergence; 113: the search behind the main solver ran out of damping. Temperatures outside the range of a
+ * heat-capacity correlation are no failure (1003 does not appear); other statuses of the pure-component library
+ * come back as 1000 + n. Where the record's host has routines of its own for enthalpy or entropy, these are
+ * called (ModelRoutines). With a liquid that splits in two (three phases in all) the two phases of lowest Gibbs
+ * energy count, and an answer exists only where their enthalpy passes through the value.
  */
 KV_API StatusCode KV_CALL FlashLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
                                       const ModelRoutines* routines, int32_t options, double* T, double* beta,
@@ -111,15 +121,21 @@ KV_API StatusCode KV_CALL FlashLVatSP(double S, double P, const double* z, Mixtu
                                       double* x, double* y, double* K, double* SL, double* SV);
 
 /*
- * At vapour fraction W (0 bubble, 1 dew; below 0 counts as 0, above 1 as 1) and pressure, T in/out; or at W and
- * temperature, P in/out. An estimate that is not greater than 0 becomes 298.15 K or 1 atm. 48 bytes.
+ * At vapour fraction and pressure or temperature. 48 bytes.
+ *
+ * W        vapour fraction: 0 bubble point, 1 dew point; below 0 counts as 0, above 1 as 1
+ * P, T     the first one given, > 0; the other in/out, an estimate not greater than 0 becomes 298.15 K or 1 atm
+ * x, y, K  as of FlashLVatTP
+ *
+ * These two, and the two of three phases, look for water by its family code alone and know no retry.
  *
  * 0 = found: ln fugacities equal to 1e-8, and nothing splits off. Where several points exist a cold start
  * returns the one that is reached first from low pressure: the lower of two pressures, and of two dew
  * temperatures the higher. A warm start (estimate of T or P, x, y) stays on the branch of its estimate. 116: no
  * temperature (pressure) has this vapour fraction with a vapour and a liquid; T or P, x, y, K stay as they
  * were. 117: a point was found and is returned, but another phase splits off before it: a second liquid at low
- * temperature, mostly. With the FreeWaterFlag x is the whole liquid, and at W = 1 the incipient liquid may be water.
+ * temperature, mostly. With the FreeWaterFlag x is the whole liquid, and at W = 1 the incipient liquid may be
+ * water.
  */
 KV_API StatusCode KV_CALL FlashLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
                                       const ModelRoutines* routines, int32_t options, double* T, double* x,
@@ -132,10 +148,15 @@ KV_API StatusCode KV_CALL FlashLVatWT(double W, double T, const double* z, Mixtu
 
 /*
  * Up to two liquids and a vapour at T and P (Michelsen 1982, 1994): the state of lowest Gibbs energy among one,
- * two and three fluid phases. beta: share of the feed in liquid A (xA[count]), V: in the vapour (y), the rest
- * is liquid B (xB). KLL = xA/xB, KLV = y/xA, within 1e-15 .. 1e15, which also stands where the phase below has
- * none of a component; mole fractions below 1e-15 are written as 0. options bit 0 set: the results hold an
- * estimate, an unusable one is ignored. 60 bytes.
+ * two and three fluid phases. 60 bytes.
+ *
+ * T, P       temperature, K, and pressure, atm, > 0
+ * z          [count] feed; its sum is tested (111)
+ * options    bit 0 set: the results hold an estimate, an unusable one is ignored
+ * beta, V    in/out share of the feed in liquid A and in the vapour; the rest is liquid B
+ * xA, xB, y  [count] in/out liquid A, liquid B, vapour; mole fractions below 1e-15 are written as 0
+ * KLL, KLV   [count] out xA/xB and y/xA, within 1e-15 .. 1e15, which also stands where the phase below has none
+ *            of a component
  *
  *   three phases        0 < beta, 0 < V, beta + V < 1; A is the lighter liquid, B the denser one
  *   vapour, one liquid  beta 0, the liquid in B whatever it is, xA and KLL zero, KLV = y/xB
@@ -150,9 +171,9 @@ KV_API StatusCode KV_CALL FlashLVatWT(double W, double T, const double* z, Mixtu
  *
  * 0 = found: ln fugacities equal to 1e-8, and nothing splits off. 111: the feed does not sum to one within
  * sum_tolerance. 112, 114, 120: no answer, results hold the best state seen. 118: three phases, and a fourth
- * would split off; with the FreeWaterFlag also where hydrocarbons would form two liquids, of which its rules know
- * one. With flashes of the host: 134, 135 an answer of two phases or one after a liquid-vapour
- * flash (entry 2) with a status that ends flashes, 136 what a flash left was nothing to start from, or the
+ * would split off; with the FreeWaterFlag also where hydrocarbons would form two liquids, of which its rules
+ * know one. With flashes of the host: 134, 135 an answer of two phases or one after a liquid-vapour flash
+ * (entry 2) with a status that ends flashes, 136 what a flash left was nothing to start from, or the
  * liquid-liquid flash (entry 1) had such a status.
  */
 KV_API StatusCode KV_CALL FlashLLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
@@ -160,11 +181,16 @@ KV_API StatusCode KV_CALL FlashLLVatTP(double T, double P, const double* z, Mixt
                                        double* xA, double* xB, double* y, double* KLL, double* KLV);
 
 /*
- * At enthalpy (cal/mol) or entropy (cal/(mol K)) of one mole of feed and pressure, phases as above; the last
- * three outputs are the molar values of A, B and the vapour, 0 for a phase that is absent. T in/out, K, 0 =
- * 298.15. Where temperature stands still while the value changes, as beside three phases of two components, the
+ * At enthalpy (cal/mol) or entropy (cal/(mol K)) of one mole of feed and pressure. 76 bytes.
+ *
+ * H, S        of one mole of feed             P  pressure, atm, > 0
+ * T           in/out, K; 0 becomes 298.15
+ * beta .. KLV as of FlashLLVatTP
+ * HA, HB, HV  out: molar value of A, B and the vapour, 0 for a phase that is absent
+ *
+ * Where temperature stands still while the value changes, as beside three phases of two components, the
  * amounts are what is solved for. 112: no temperature between 3 and 10 000 K has the value, or it was not
- * found. 76 bytes.
+ * found.
  */
 KV_API StatusCode KV_CALL FlashLLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
                                        const ModelRoutines* routines, int32_t options, double* T, double* beta,
@@ -176,10 +202,15 @@ KV_API StatusCode KV_CALL FlashLLVatSP(double S, double P, const double* z, Mixt
                                        double* SA, double* SB, double* SV);
 
 /*
- * At vapour fraction W and pressure (T in/out, K), or temperature (P in/out, atm); phases as above with V = W.
- * W = 0: bubble point, y is the vapour about to appear over one liquid (beta 1, in A) or two; W = 1: dew point,
- * B is the liquid about to appear. 116: no such state was met; 112: not found; the results then stay as they
- * were. 117: with the FreeWaterFlag, as of FlashLVatWP. 60 bytes.
+ * At vapour fraction and pressure or temperature. 60 bytes.
+ *
+ * W           vapour fraction; 0: bubble point, y is the vapour about to appear over one liquid (beta 1, in A) or
+ *             two; 1: dew point, B is the liquid about to appear
+ * P, T        the first one given, > 0; the other in/out, an estimate not greater than 0 counts as none
+ * beta .. KLV as of FlashLLVatTP with V = W
+ *
+ * 116: no such state was met; 112: not found; the results then stay as they were. 117: with the FreeWaterFlag, as
+ * of FlashLVatWP.
  */
 KV_API StatusCode KV_CALL FlashLLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
                                        const ModelRoutines* routines, int32_t options, double* T, double* beta,
@@ -189,10 +220,15 @@ KV_API StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, Mixt
                                        double* xA, double* xB, double* y, double* KLL, double* KLV);
 
 /*
- * Two liquids at T and P, without a vapour: each takes its liquid root. options bit 0 set: beta, liquid1 and
- * liquid2 hold an estimate. liquid1 is the denser, liquid2 the lighter one; beta is the share of liquid2, so
- * that z = (1 - beta) liquid1 + beta liquid2 and K = liquid2 / liquid1, 1e15 where liquid1 lacks a component.
- * With the FreeWaterFlag water beyond the solubility limit of the others is a liquid of its own. 48 bytes.
+ * Two liquids at T and P, without a vapour: each takes its liquid root. 48 bytes.
+ *
+ * options  bit 0 set: beta, liquid1 and liquid2 hold an estimate
+ * beta     in/out share of liquid 2: z = (1 - beta) liquid1 + beta liquid2
+ * liquid1  [count] in/out the denser one
+ * liquid2  [count] in/out the lighter one
+ * K        [count] out liquid2 / liquid1, 1e15 where liquid 1 lacks a component
+ *
+ * With the FreeWaterFlag water beyond the solubility limit of the others is a liquid of its own.
  */
 KV_API StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                       const ModelRoutines* routines, int32_t options, double* beta,
@@ -250,8 +286,11 @@ KV_API StatusCode KV_CALL PhaseEnvelope(const double* z, MixtureRecord* mixture,
                                         double* cricondenbar_P);
 
 /*
- * Critical temperature (K), pressure (atm), volume (cm3/mol) and compressibility factor of a mixture by the
- * equation of state; options 0. 28 bytes.
+ * Critical point of a mixture by the equation of state. 28 bytes.
+ *
+ * options  0
+ * Tc, Pc   out, K and atm
+ * Vc, Zc   out, cm3/mol, and the compressibility factor
  *
  * 0 = found: of several stable critical points that of highest temperature. A single component returns Tc, Pc
  * and, where it is known, Vc of its table. 145: the mixture has no stable critical point. The results are
@@ -263,13 +302,15 @@ KV_API StatusCode KV_CALL CriticalPoint(const double* z, MixtureRecord* mixture,
 /* ---- Water and hydrates ----------------------------------------------------------------------- */
 
 /*
- * method 1 (or 0): balance of fugacities of water in the gas (PPR78; k_ij of water for a gas: Soreide and
- * Whitson 1992) and in liquid water with dissolved CO2 and H2S, or ice; 150 to 640 K, to 2000 atm. 2: chart
- * correlation with acid-gas correction (Bukacek 1955, Maddox 1974); 233.15 to 510.93 K, to 680.46 atm. Others:
- * KV_SPECIFICATION. routes: 0. "unused" words are not read.
+ * method  1 (or 0): balance of fugacities of water in the gas (PPR78; k_ij of water for a gas: Soreide and
+ *         Whitson 1992) and in liquid water with dissolved CO2 and H2S, or ice; 150 to 640 K, to 2000 atm
+ *         2: chart correlation with acid-gas correction (Bukacek 1955, Maddox 1974); 233.15 to 510.93 K, to
+ *         680.46 atm; others: KV_SPECIFICATION
+ * routes  0                                   unused  not read
  *
  * KV_NO_WATER without a component that is water (CAS 7732-18-5); KV_NO_WATER_LIMIT (4) where the gas takes up
- * any amount of water; KV_WATER_RANGE outside the range of the method. Dew points: KV_FEED_SUM;
+ * any amount of water; KV_WATER_RANGE outside the range of the method. Dew points: KV_FEED_SUM where the feed,
+ * an empty one among them, does not sum to one, and KV_NO_WATER, in front of the checks of the conditions;
  * KV_NOT_CONVERGED after ITEMAX + 1 updates; this or KV_ZERO_SLOPE where there is no solution.
  */
 /* Dew temperature at P. T in: a start, where it is in range; out: the result, or the last temperature. 36
@@ -307,10 +348,16 @@ KV_API StatusCode KV_CALL WetGasComposition(double T, double P, const double* z,
                                             int32_t method, int32_t routes, MixtureRecord* mixture,
                                             int32_t reserved, double* wet);
 /*
- * Hydrate formation curve of a gas by its gravity, 253.15 K to 200 atm without inhibitor; kind 0 none, 1
- * methanol, 2 NaCl, 3 KCl, 4 CaCl2, 5 of molar mass M (g/mol; KV_INHIBITOR_MASS where it is not positive);
- * percent by mass of the aqueous solution; T (K), P (atm) [points]. Towler and Mokhatab 2005, Hammerschmidt
- * 1934. 44 bytes.
+ * Hydrate formation curve of a gas by its gravity, 253.15 K to 200 atm without inhibitor. Towler and Mokhatab
+ * 2005, Hammerschmidt 1934. 44 bytes.
+ *
+ * kind     0 none, 1 methanol, 2 NaCl, 3 KCl, 4 CaCl2, 5 of molar mass M
+ * M        g/mol, of kind 5 only; KV_INHIBITOR_MASS where it is not positive
+ * percent  by mass of the inhibitor in the aqueous solution
+ * points   0 or less: nothing is read or written
+ * T, P     [points] out, K and atm
+ *
+ * Nothing else is checked: what the formula gives for a gas without a gravity is written, though no number.
  */
 KV_API StatusCode KV_CALL HydrateLine(const double* z, int32_t kind, double M, double percent, int32_t points,
                                       MixtureRecord* mixture, int32_t unused, double* T, double* P);
@@ -321,14 +368,17 @@ KV_API StatusCode KV_CALL HydrateLine(const double* z, int32_t kind, double M, d
  * Where the phase asked for (Gas.., Liquid..) has no root of its own, the only root there is serves.
  *
  * Ideal-gas parts come from the pure-component library, for the components that are present (mole fraction
- * above 1e-15) and for no others. Its statuses come back as 1000 + n: with 1003 (temperature outside the range
- * of a heat capacity, which is then continued safely) the outputs are filled all the same; with 1001, 1002 and
- * 1004 they are 0.
+ * above 1e-15) and for no others; so do the low-pressure viscosities and conductivities. Its statuses come back as
+ * 1000 + n: with 1003 (temperature outside the range of a correlation, which is then continued safely) the outputs
+ * are filled all the same; with 1001, 1002 and 1004 they are 0.
  */
 
 /*
- * Gas at T, P against the normal state (0 C, 1 atm): Z, Z_normal, density_normal in kg/m3, normal m3 in one
- * m3 at T and P. 40 bytes.
+ * Gas at T, P against the normal state (0 C, 1 atm). 40 bytes.
+ *
+ * Z, Z_normal     compressibility factors at T and P and at the normal state
+ * density_normal  kg/m3 at the normal state; 0 with KV_COMPONENT_DATA without a molar mass, the others being filled
+ * normal_volume   normal m3 in one m3 at T and P
  */
 KV_API StatusCode KV_CALL GasN(double T, double P, const double* x, MixtureRecord* mixture, double* Z,
                                double* Z_normal, double* density_normal, double* normal_volume);
@@ -347,9 +397,10 @@ KV_API StatusCode KV_CALL GasDensity_PPR78(double T, double P, const double* x, 
  * as an ideal gas at 298.15 K, for the entropy at 1 atm. 28 bytes.
  *
  * With the FreeWaterFlag set, any water (family code 20) in a liquid, from a mole fraction of 1e-15 upwards, is
- * liquid water beside the others: water has its enthalpy of vaporisation and its vapour pressure, the equation of
- * state sees the others alone, their fractions divided by 1 - x_w. The solubility limit plays no part, so that
- * H and S are continuous where water saturates. A phase with less water is the same with and without the flag.
+ * liquid water beside the others: water has its enthalpy of vaporisation and its vapour pressure, the equation
+ * of state sees the others alone, their fractions divided by 1 - x_w. The solubility limit plays no part, so
+ * that H and S are continuous where water saturates. A phase with less water is the same with and without the
+ * flag.
  *
  * Without the flag, water and ammonia in one phase have an enthalpy of mixing, for which their molar masses are
  * needed (KV_COMPONENT_DATA).
@@ -373,9 +424,9 @@ KV_API StatusCode KV_CALL GasMolarFreeEnthalpy_PPR78(double T, double P, const d
  * so that value + d_dn[j] is the partial molar quantity and the sum of x[j] d_dn[j] is 0. For a component that
  * is absent it is the limit of a trace (for the entropy, whose limit is infinite, with ln x at 1e-15); its heat
  * capacity is asked for only here, and counts as 0 when it is not known. Beside liquid water (see above) with
- * nothing else every trace is alone; water that is absent is a component like any other. The enthalpy and d_dn of
- * the entropy are analytic; d_dT and d_dP of the entropy are differences of it, good to about 1e-9 relative, less
- * within 1e-5 of T of the end of a root, and KV_NOT_FINITE where no step is small enough. 44 bytes.
+ * nothing else every trace is alone; water that is absent is a component like any other. The enthalpy and d_dn
+ * of the entropy are analytic; d_dT and d_dP of the entropy are differences of it, good to about 1e-9 relative,
+ * less within 1e-5 of T of the end of a root, and KV_NOT_FINITE where no step is small enough. 44 bytes.
  */
 KV_API StatusCode KV_CALL LiquidMolarEnthalpy_Derivatives_PPR78(double T, double P, const double* x,
                                                                 MixtureRecord* mixture, int32_t mask,
@@ -405,7 +456,14 @@ KV_API StatusCode KV_CALL GasPhi_Derivatives_PPR78(double T, double P, const dou
                                                    int32_t option, int32_t mask, double* ln_phi, double* d_dT,
                                                    double* d_dP, double* d_dn);
 
-/* Cp and Cv, cal/(mol K); speed of sound, m/s; Joule-Thomson coefficient, K/atm. 40 bytes. */
+/*
+ * Heat capacities of a gas and what follows from them. 40 bytes.
+ *
+ * Cp, Cv          cal/(mol K)
+ * speed_of_sound  m/s; 0 with KV_COMPONENT_DATA without a molar mass and with KV_NOT_FINITE where it is imaginary,
+ *                 the others being filled
+ * joule_thomson   K/atm
+ */
 KV_API StatusCode KV_CALL GasSpecificHeat_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
                                                 double* Cp, double* Cv, double* speed_of_sound,
                                                 double* joule_thomson);
@@ -413,8 +471,7 @@ KV_API StatusCode KV_CALL GasSpecificHeat_PPR78(double T, double P, const double
 /*
  * Viscosity in cP and thermal conductivity in W/(m K) of a gas: low-pressure values of the components from the
  * pure-component library, mixed, and a correction for the density. Outside the range of a component's
- * correlation its corresponding-states curve continues it; without a correlation that curve stands alone. 28
- * bytes.
+ * correlation (1003) its corresponding-states curve continues it. 28 bytes.
  */
 KV_API StatusCode KV_CALL GasDynamicViscosity_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
                                                     double* viscosity);

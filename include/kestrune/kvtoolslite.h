@@ -19,8 +19,8 @@ KV_EXTERN_C_BEGIN
  * status 0: the phase asked for has a root of its own (three real roots above B, or the only one lies on the
  * side asked for: above the inflection point of the cubic for a gas, below it for a liquid);
  * 1: only one real root above B and it belongs to the other phase, that root is returned;
- * 51: no root above B (B not positive, a value that is not finite, or constants with 1 + u + w <= 0 that leave
- * none), Z is left alone.
+ * 51: no root above B (B not positive, c0 = 0, a value that is not finite, or constants with 1 + u + w <= 0
+ * that leave none), Z is left alone.
  */
 KV_API void KV_CALL BRACUB(const double* c0, const double* c1, const double* c2, const double* c3, double* Z,
                            int32_t* status, const int32_t* phase, const double* u, const double* w,

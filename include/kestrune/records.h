@@ -57,20 +57,26 @@ typedef struct MixtureRecord {
   double solubility_a;    /*  17  water solubility limit in the hydrocarbon liquid */
   double solubility_b;    /*  25  s(T) = exp(solubility_a - solubility_b / T), capped at 1; B in K */
   uint8_t reserved33[28]; /* 33  not read */
-  double CRIT;            /*  61  convergence criterion on the iteration error (a sum of squares); 0: default */
-  double CLIM;            /*  69  error level below which the method may be changed; 0: default */
-  double EPS;             /*  77  stagnation tolerance on the relative change of the error; 0: default */
-  int32_t ITEMAX;         /*  85  iteration limit; 0: default */
+  double CRIT;            /*  61  convergence criterion on the iteration error (a sum of squares) */
+  double CLIM;            /*  69  error level below which the method may be changed, 0 = never */
+  double EPS;             /*  77  stagnation tolerance on the relative change of the error */
+  int32_t ITEMAX;         /*  85  iteration limit, up to KV_MOST_ITERATIONS */
   int32_t NEW;            /*  89  iterations granted to the global method, in units of (count + 1) */
   int32_t trace_flag;     /*  93  non-zero: write the trace; 1 is the short trace of the three-phase flash */
   int32_t trace_unit;     /*  97  6 standard output, 0 standard error, n the file fort.n */
-  double relaxation;      /* 101  factor of the successive-substitution update, 1 = full step; 0: default */
+  double relaxation;      /* 101  factor of the successive-substitution update, 1 = full step */
   double pure_tolerance;  /* 109 a feed with one fraction above 1 - pure_tolerance counts as pure */
-  double sum_tolerance;   /* 117  largest |sum of the feed - 1| where a calculation tests it */
+  double sum_tolerance;   /* 117  largest |sum of the feed - 1| where a calculation tests it, 0 = exact */
 } MixtureRecord;
 #pragma pack(pop)
 
-/* Settings that a careful host uses; they are also what a field that is 0 or unusable is replaced by. */
+/*
+ * Settings that a careful host uses. They are also the settings of a block (bytes 61 to 124) that is zero
+ * throughout, as in a record that was only cleared; any other block is taken as it stands. Two things are not:
+ * more iterations than KV_MOST_ITERATIONS count as that many, and a relaxation factor or sum_tolerance that is
+ * not finite counts as its default.
+ */
+#define KV_MOST_ITERATIONS 10000
 #define KV_DEFAULT_CRIT 1e-12
 #define KV_DEFAULT_CLIM 1e10
 #define KV_DEFAULT_EPS 1e-6

@@ -22,7 +22,6 @@ typedef int32_t StatusCode;
   X(KV_INHIBITOR_MASS, 1, "the molar mass of a user-defined inhibitor is not positive")                      \
   X(KV_NO_WATER_LIMIT, 4, "the gas takes up any amount of water at this temperature and pressure")           \
   X(KV_NO_ROOT, 51, "the equation of state has no root above the co-volume")                                 \
-  X(KV_SINGLE_PHASE, 95, "one phase only (reaches a host as 0)")                                             \
   X(KV_FEED_SUM, 111, "the feed mole fractions do not sum to one within the tolerance of the record")        \
   X(KV_NOT_CONVERGED, 112, "no convergence within the iteration limit; results hold the last iterate")       \
   X(KV_DAMPING, 113, "the damping of the Newton step is exhausted")                                          \
@@ -34,8 +33,6 @@ typedef int32_t StatusCode;
   X(KV_FOURTH_PHASE, 118, "three phases were found, but a fourth would split off; results hold these three") \
   X(KV_TRIVIAL, 120, "the iteration ended on two identical phases or broke down")                            \
   X(KV_TRIVIAL_LV, 121, "the vapour and the second liquid became the same phase")                            \
-  X(KV_LV_ANSWER, 130, "one liquid and a vapour remain (reaches a host as 0)")                               \
-  X(KV_LL_ANSWER, 131, "no vapour remains (reaches a host as 0)")                                            \
   X(KV_LV_ANSWER_DOUBTFUL, 134, "one liquid and a vapour remain; the flash that said so had a status")       \
   X(KV_LL_ANSWER_DOUBTFUL, 135, "no vapour remains; the flash that said so had a status")                    \
   X(KV_NO_START, 136, "no starting point for three phases could be built")                                   \
@@ -51,7 +48,6 @@ typedef int32_t StatusCode;
   X(KV_PURE_NO_CORRELATION, 1002, "pure-component library: no correlation for this property")                \
   X(KV_PURE_RANGE, 1003, "pure-component library: temperature outside the range of the correlation")         \
   X(KV_PURE_ARGUMENT, 1004, "pure-component library: an argument is not finite")                             \
-  X(KV_NOT_AVAILABLE, 9001, "not available in this build")                                                   \
   X(KV_NULL_ARGUMENT, 9002, "an argument that is read or written is a null pointer")                         \
   X(KV_COMPONENT_COUNT, 9003, "the number of components is below 1 or above 10000")                          \
   X(KV_TEMPERATURE, 9004, "the temperature is not finite or not positive")                                   \

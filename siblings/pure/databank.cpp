@@ -80,8 +80,7 @@ Result integrate(Over over, Property property, std::int32_t cas, double t, doubl
   if (row == nullptr) return {rows.n == 0 ? missing_status(cas) : status_no_correlation, 0.0};
   const double from = std::clamp(a, t_lowest, t_highest);
   const double to = std::clamp(t, t_lowest, t_highest);
-  const std::int32_t status = outside(*row, t) || outside(*row, a) ? status_range : status_good;
-  return {status, b + heat_capacity_integral(over, *row, from, to)};
+  return {outside(*row, t) ? status_range : status_good, b + heat_capacity_integral(over, *row, from, to)};
 }
 
 Result chemical_exergy(Phase phase, std::int32_t cas, std::int32_t equation) noexcept {

@@ -37,7 +37,7 @@ std::int32_t missing_status(std::int32_t cas) noexcept;
 // Value of a property at t, K, > 0, in the unit of the property.
 Result evaluate(Property property, std::int32_t cas, double t, std::int32_t equation) noexcept;
 
-// b + integral from a to t (K, both > 0) of a heat capacity; status_range when either bound is outside.
+// b + integral from a to t (K, both > 0) of a heat capacity; status_range when t is outside.
 Result integrate(Over over, Property property, std::int32_t cas, double t, double a, double b,
                  std::int32_t equation) noexcept;
 

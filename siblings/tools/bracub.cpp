@@ -147,7 +147,7 @@ double small_start(const Cubic& c) {
 int solve_cubic(const Cubic& c, bool usual, double A, double B, bool gas, double tolerance, bool started,
                 double& Z) {
   // f(B) = -(1 + u + w) B^2: with the usual constants there is always a root above B.
-  if (!(B > 0.0 && std::isfinite(A)) || (!usual && !(c.at(B) < 0.0))) return kNoRoot;
+  if (!(B > 0.0 && std::isfinite(B) && std::isfinite(A)) || (!usual && !(c.at(B) < 0.0))) return kNoRoot;
   const double z0 = -c.c1 / 3.0;
   const double d = c.c1 * c.c1 - 3.0 * c.c2;
   const double f0 = c.at(z0);
@@ -174,6 +174,11 @@ KV_ENTRY void KV_CALL BRACUB(const double* c0, const double* c1, const double* c
   if (*c0 != 1.0) {
     const double s = 1.0 / *c0;
     c = {*c1 * s, *c2 * s, *c3 * s};
+  }
+  // No cubic: c0 is 0, or a coefficient is not finite, as given or in units of c0.
+  if (!(std::isfinite(*c0) && std::isfinite(c.c1) && std::isfinite(c.c2) && std::isfinite(c.c3))) {
+    *status = kestrune::tools::kNoRoot;
+    return;
   }
   const double tolerance = settings ? settings[0] : 0.0;
   const bool started = settings && settings[1] != 0.0;

@@ -12,6 +12,7 @@
 #include "flash/settings.hpp"
 #include "flash/two_phase.hpp"
 #include "frame/messages.hpp"
+#include "frame/platform.hpp"
 
 namespace kestrune::envelope {
 namespace {
@@ -163,17 +164,16 @@ StatusCode accept(Tracer& t, StatusCode status) {
   return status;
 }
 
-// The text for knots that no spline goes through, for a host that looks at its trace.
-void report_fit(const MixtureRecord& mixture, support::SplineFit fit) {
-  if (mixture.trace_flag == 0) return;
+// The text for knots that no spline goes through.
+void report_fit(support::SplineFit fit) {
   const char* text = fit == support::SplineFit::too_few ? "Phase envelope: too few points for a spline."
                      : fit == support::SplineFit::not_increasing
                          ? "Phase envelope: two points of the curve coincide; points as traced are returned."
                          : "Phase envelope: a point of the curve is not finite; points as traced are returned.";
   constexpr char kCaption[] = "Kestrune";
-  void* const owner = nullptr;
   const std::int32_t style = frame::kMessageStyleError, further = 1;
-  frame::ShowLibraryMessage(owner, text, std::strlen(text), kCaption, sizeof kCaption - 1, style, further);
+  frame::ShowLibraryMessage(platform::active_window(), text, std::strlen(text), kCaption, sizeof kCaption - 1,
+                            style, further);
 }
 
 // Points as traced. False when there is not room for all of them.
@@ -197,7 +197,7 @@ StatusCode write_outline(Tracer& t, const EnvelopeCall& call, StatusCode status)
     room = call.points <= call.capacity;
     *call.number = even_points(t, std::min(call.points, call.capacity), call.T, call.P, call.kind);
     if (t.fit != support::SplineFit::good) {
-      report_fit(*call.mixture, t.fit);
+      report_fit(t.fit);
       room = write_nodes(t, call);
     }
   } else {

@@ -98,21 +98,44 @@ void reduce(const Temperature& t, const Mixture& m, double P, double Z, Root& r)
   }
 }
 
+bool may_have_root_within(const Temperature& t, double b, double P, double Z, double reach) noexcept {
+  constexpr double kMargin = 1e-6;  // rounding of what follows, in Z and in Gibbs energies
+  const double rt = kR * t.T, B = b * P / rt, eta = B / Z;
+  // The cohesion that gives this root; then the cubic divided by its factor.
+  const double psi = eta / (1.0 + eta * (kU + kW * eta));
+  const double q = (eta / (1.0 - eta) - (Z - 1.0)) / psi, A = q * B;
+  if (!may_have_three_roots(A, B)) return false;
+  const double p = (kU - 1.0) * B - 1.0 + Z;
+  const double discriminant = 0.25 * p * p - (A + (kW - kU) * B * B - kU * B + p * Z);
+  if (discriminant < -kMargin) return false;
+  const double half = std::sqrt(std::fmax(discriminant, 0.0));
+  const double other = Z < -0.5 * p ? -0.5 * p + half : -0.5 * p - half;
+  if (!(other > B)) return false;
+  const Mixture m{q * b * rt, b, q};
+  Root here, there;
+  reduce(t, m, P, Z, here);
+  reduce(t, m, P, other, there);
+  return !(std::fabs(residual_gibbs(m, there) - residual_gibbs(m, here)) > reach + kMargin);
+}
+
 int stable_root(const Temperature& t, frame::tools::KvBracub bracub, const Mixture& m, double P, double start,
                 Root& r) noexcept {
+  constexpr double kAsGood = 3e-10;  // difference of Gibbs energies over RT
   const double rt = kR * t.T, A = m.a * P / (rt * rt), B = m.b * P / rt;
   const bool warm = start > 0.0;
   double gas = start, liquid = start;
   const int status = solve_root(bracub, A, B, KV_PHASE_GAS, warm, gas);
-  if (status > 50) return status;
+  if (!has_root(status)) return status;
   reduce(t, m, P, gas, r);
   // Status 1 says that the only root is the liquid's.
-  if (status == 1 || !may_have_three_roots(A, B) ||
-      solve_root(bracub, A, B, KV_PHASE_LIQUID, warm, liquid) != 0)
-    return status;
+  if (status == 1 || !may_have_three_roots(A, B)) return status;
+  const int second = solve_root(bracub, A, B, KV_PHASE_LIQUID, warm, liquid);
+  if (second == 1 || !has_root(second)) return status;
   Root other;
   reduce(t, m, P, liquid, other);
-  if (residual_gibbs(m, other) < residual_gibbs(m, r)) r = other;
+  const double gain = residual_gibbs(m, r) - residual_gibbs(m, other);
+  const bool as_good = warm && std::fabs(gain) < kAsGood;
+  if (as_good ? std::fabs(other.Z - start) < std::fabs(r.Z - start) : gain > 0.0) r = other;
   return status;
 }
 

@@ -54,6 +54,11 @@ inline constexpr double kWarmRoot[8] = {0.0, 1.0};
  */
 int solve_root(frame::tools::KvBracub bracub, double A, double B, int phase, bool warm, double& Z) noexcept;
 
+/* Whether a status of the root solver comes with a root: the warnings, and 201 and 202 with them. */
+inline bool has_root(int status) noexcept {
+  return status <= 50 || status == 201 || status == 202;
+}
+
 /* True when the cubic may have three real roots, by its coefficients alone (false is certain). */
 inline bool may_have_three_roots(double A, double B) noexcept {
   const double c1 = (kU - 1.0) * B - 1.0;
@@ -70,8 +75,15 @@ inline double residual_gibbs(const Mixture& m, const Root& r) noexcept {
 }
 
 /*
- * The root of lower Gibbs energy in reduced form. start: a value to begin from where it is positive. Returns
- * the status of solve_root; above 50 r is left alone.
+ * Whether a phase of covolume b whose root is Z may have another one, of a Gibbs energy (over RT) within reach
+ * of its own. From the root alone, without the sums over the components; false is certain but for rounding.
+ */
+bool may_have_root_within(const Temperature& t, double b, double P, double Z, double reach) noexcept;
+
+/*
+ * The root of lower Gibbs energy in reduced form. start: a value to begin from where it is positive; of two
+ * that are equally good, as where a component boils, the one that is nearer to it. Returns the status of
+ * solve_root; without a root r is left alone.
  */
 int stable_root(const Temperature& t, frame::tools::KvBracub bracub, const Mixture& m, double P, double start,
                 Root& r) noexcept;

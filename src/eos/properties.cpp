@@ -304,10 +304,8 @@ StatusCode specific_heat(const Phase& p, int selector, SpecificHeat& out) {
   const bool all = selector == -1, last = selector == 6;
   const auto wanted = [&](int k) { return all || (last ? k == 6 : k <= selector); };
   double M = 0.0;
-  if (wanted(3)) {
-    const StatusCode mass = molar_mass(p, M);
-    if (mass != KV_OK) return mass;
-  }
+  // What the speed of sound lacks is no reason to keep back the others.
+  StatusCode sound = wanted(3) ? molar_mass(p, M) : StatusCode{KV_OK};
   return support::with_arena<4, 60>(n, [&](support::Arena& arena) -> StatusCode {
     StatusCode status = KV_OK;
     double Cp_ideal = 0.0;
@@ -331,22 +329,27 @@ StatusCode specific_heat(const Phase& p, int selector, SpecificHeat& out) {
     if (wanted(0)) c.Cp_res = v.Cp_res;
     if (wanted(1)) c.Cp = Cp;
     if (wanted(2)) c.Cv = Cv;
-    if (wanted(3)) c.speed_of_sound = std::sqrt(1.01325 * (Cp / Cv) * s.K * kR * p.T / M) * 10.0;
+    if (wanted(3) && sound == KV_OK) {
+      const double square = 1.01325 * (Cp / Cv) * s.K * kR * p.T / M;
+      if (square >= 0.0 && square <= DBL_MAX)
+        c.speed_of_sound = std::sqrt(square) * 10.0;
+      else
+        sound = KV_NOT_FINITE;
+    }
     if (wanted(4)) c.joule_thomson = -s.shift * kCalPerCm3Atm / Cp;
     if (wanted(5)) c.compressibility = v.v / (s.K * kR * p.T);
     if (wanted(6)) c.pressure_coefficient = s.L / (v.Z * p.T);
     for (const double value :
-         {c.Cp_res, c.Cp, c.Cv, c.speed_of_sound, c.joule_thomson, c.compressibility, c.pressure_coefficient})
+         {c.Cp_res, c.Cp, c.Cv, c.joule_thomson, c.compressibility, c.pressure_coefficient})
       if (!finite(value)) return KV_NOT_FINITE;
     out = c;
-    return graver(status, root);
+    return sound != KV_OK ? sound : graver(status, root);
   });
 }
 
 StatusCode normal_state(const Phase& p, NormalState& out) {
   double M = 0.0;
   const StatusCode mass = molar_mass(p, M);
-  if (mass != KV_OK) return mass;
   Phase normal = p;
   normal.T = kNormalTemperature;
   normal.P = 1.0;
@@ -355,10 +358,11 @@ StatusCode normal_state(const Phase& p, NormalState& out) {
   if (!has_values(status)) return status;
   if (!has_values(status_normal)) return status_normal;
   const double v_normal = there.Z * kR * kNormalTemperature;  // cm3/mol at 1 atm
-  const NormalState s{here.Z, there.Z, 1000.0 * M / v_normal, v_normal * p.P / (here.Z * kR * p.T)};
-  if (!finite(s.normal_volume)) return KV_NOT_FINITE;
+  const double density = mass == KV_OK ? 1000.0 * M / v_normal : 0.0;
+  const NormalState s{here.Z, there.Z, density, v_normal * p.P / (here.Z * kR * p.T)};
+  if (!finite(s.density_normal) || !finite(s.normal_volume)) return KV_NOT_FINITE;
   out = s;
-  return graver(status, status_normal);
+  return mass != KV_OK ? mass : graver(status, status_normal);
 }
 
 }  // namespace kestrune::eos

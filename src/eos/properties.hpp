@@ -3,8 +3,9 @@
 // cm3/mol, densities g/cm3.
 //
 // Statuses of all routines: KV_OK; that of the root (1: the only root belongs to the other phase and serves;
-// 51: none, nothing is filled); 1000 + n of the pure-component library, of which 1003 leaves good values;
-// KV_COMPONENT_DATA, KV_GROUP_DATA, KV_NOT_FINITE, with nothing filled.
+// 201, 202: filled like it; 51: none, nothing is filled); 1000 + n of the pure-component library, of which 1003
+// leaves good values; KV_COMPONENT_DATA, KV_GROUP_DATA, KV_NOT_FINITE, with nothing filled but where a routine
+// says so.
 #ifndef KESTRUNE_EOS_PROPERTIES_HPP
 #define KESTRUNE_EOS_PROPERTIES_HPP
 
@@ -25,7 +26,7 @@ struct Phase {
 
 // True for the statuses that come with values.
 inline bool has_values(StatusCode status) {
-  return status <= 50 || status == KV_PURE_RANGE;
+  return has_root(status) || status == KV_PURE_RANGE;
 }
 // Of two statuses with values the one that a host has to see.
 inline StatusCode graver(StatusCode one, StatusCode other) {
@@ -127,8 +128,9 @@ struct SpecificHeat {
   double pressure_coefficient = 0.0;  // (dP/dT)_v / P, 1/K
 };
 /*
- * selector: -1 all; k = 0 .. 5 down to output k in the order of the record; 6 the last one only. The molar mass
- * is needed where the speed of sound is.
+ * selector: -1 all; k = 0 .. 5 down to output k in the order of the record; 6 the last one only.
+ * KV_COMPONENT_DATA without a molar mass and KV_NOT_FINITE where the speed of sound would be imaginary: it is 0
+ * then, and the others are filled.
  */
 StatusCode specific_heat(const Phase& p, int selector, SpecificHeat& out);
 
@@ -138,6 +140,7 @@ struct NormalState {
   double density_normal;  // kg/m3
   double normal_volume;   // normal m3 in one m3 at T and P
 };
+/* KV_COMPONENT_DATA without a molar mass: the density is 0 then, and the others are filled. */
 StatusCode normal_state(const Phase& p, NormalState& out);
 
 }  // namespace kestrune::eos

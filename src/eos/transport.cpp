@@ -60,22 +60,23 @@ double inverse_conductivity(const Critical& c) {
 
 /*
  * A low-pressure property of a component: the correlation within its range; beyond an end the value there,
- * continued along curve(T); without a correlation standalone(T).
+ * continued along curve(T), with KV_PURE_RANGE. Other statuses have no value.
  */
-template <class Curve, class Standalone>
-double dilute_value(PureProperty property, double T, std::int32_t cas, Curve&& curve, Standalone&& standalone) {
+template <class Curve>
+StatusCode dilute_value(PureProperty property, double T, std::int32_t cas, Curve&& curve, double& value) {
   StatusCode status = KV_OK;
-  const double value = frame::pure_value(property, cas, T, status);
-  if (status == KV_OK && usable(value)) return value;
-  if (status != KV_PURE_RANGE || !usable(value)) return standalone(T);
+  value = frame::pure_value(property, cas, T, status);
+  if (status != KV_PURE_RANGE) return status;
   const std::int32_t number = static_cast<std::int32_t>(property) + 1, equation = 1;
   double low = 0.0, high = 0.0;
   char unit[frame::kUnitLength], source[60];
-  if (frame::pure_correlation_info(&cas, &number, &equation, &low, &high, unit, source) != KV_OK) return value;
+  if (frame::pure_correlation_info(&cas, &number, &equation, &low, &high, unit, source) != KV_OK) return status;
   const double end = std::clamp(T, low, high);
-  const double at_end = frame::pure_value(property, cas, end, status);
+  StatusCode inside = KV_OK;
+  const double at_end = frame::pure_value(property, cas, end, inside);
   const double continued = at_end * curve(T) / curve(end);
-  return usable(continued) ? continued : value;
+  if (usable(continued)) value = continued;
+  return status;
 }
 
 // The components that are present, side by side, and their pseudo-critical mixture.
@@ -147,18 +148,23 @@ StatusCode gas_property(const Phase& p, Mean&& mean, Dense&& dense, double& out)
     PhaseValues gas;
     const StatusCode root = volume(p, gas);
     if (!has_values(root)) return root;
-    const double value = mean(c, arena) + dense(c.mixture, c.mixture.Vc / gas.v);
+    double value = 0.0;
+    const StatusCode known = mean(c, arena, value);
+    if (!has_values(known)) return known;
+    value += dense(c.mixture, c.mixture.Vc / gas.v);
     if (!usable(value)) return KV_NOT_FINITE;
     out = value;
-    return root;
+    return graver(known, root);
   });
 }
 
-double* dilute_viscosities(const Phase& p, const Present& c, support::Arena& arena) {
-  double* mu = arena.take(c.count);
+// mu[count]; the gravest status of the components, of one without a value at once.
+StatusCode dilute_viscosities(const Phase& p, const Present& c, support::Arena& arena, double* mu) {
   double* alone = arena.zeros(p.mixture->count);
-  for (int k = 0; k < c.count; ++k) mu[k] = dilute_viscosity(p.T, *p.mixture, c.index[k], c.at(k), alone);
-  return mu;
+  StatusCode all = KV_OK;
+  for (int k = 0; k < c.count && has_values(all); ++k)
+    all = graver(all, dilute_viscosity(p.T, *p.mixture, c.index[k], c.at(k), alone, mu[k]));
+  return all;
 }
 
 }  // namespace
@@ -185,18 +191,13 @@ double corresponding_viscosity(double T, const MixtureRecord& mixture, const dou
   return f * std::sqrt(c.M) * root * root / std::pow(c.Tc, kSixth) * 1e-05 / 1000.0;
 }
 
-double dilute_viscosity(double T, const MixtureRecord& mixture, int i, const Critical& c,
-                        double* alone) noexcept {
+StatusCode dilute_viscosity(double T, const MixtureRecord& mixture, int i, const Critical& c, double* alone,
+                            double& mu) noexcept {
   alone[i] = 1.0;
   const auto shape = [&](double t) { return corresponding_viscosity(t, mixture, alone, c); };
-  // The same with the scale of the critical pressure, which is right in size.
-  const auto absolute = [&](double t) {
-    const double root = std::cbrt(0.5 * (kR * c.Zc * c.Tc / c.Pc + c.Vc));
-    return shape(t) * 1000.0 * viscosity_scale(c) * std::pow(c.Tc, kSixth) / (std::sqrt(c.M) * root * root);
-  };
-  const double mu = dilute_value(PureProperty::GasViscosity, T, cas_number(mixture, i), shape, absolute);
+  const StatusCode status = dilute_value(PureProperty::GasViscosity, T, cas_number(mixture, i), shape, mu);
   alone[i] = 0.0;
-  return mu;
+  return status;
 }
 
 double corresponding_conductivity(double T, const Critical& c, bool water) noexcept {
@@ -210,10 +211,11 @@ double corresponding_conductivity(double T, const Critical& c, bool water) noexc
   return (translational + std::max(C, 0.0) * std::max(f, 0.0)) / inverse_conductivity(c);
 }
 
-double dilute_conductivity(double T, const MixtureRecord& mixture, int i, const Critical& c) noexcept {
+StatusCode dilute_conductivity(double T, const MixtureRecord& mixture, int i, const Critical& c,
+                               double& lambda) noexcept {
   const bool water = is_water_family(mixture, i);
   const auto curve = [&](double t) { return corresponding_conductivity(t, c, water); };
-  return dilute_value(PureProperty::GasThermalConductivity, T, cas_number(mixture, i), curve, curve);
+  return dilute_value(PureProperty::GasThermalConductivity, T, cas_number(mixture, i), curve, lambda);
 }
 
 double dense_viscosity(double rho_r) noexcept {
@@ -233,9 +235,11 @@ double dense_conductivity(double rho_r) noexcept {
 }
 
 StatusCode gas_viscosity(const Phase& p, double& viscosity) {
-  const auto mean = [&](const Present& c, support::Arena& arena) {
-    const double* mu = dilute_viscosities(p, c, arena);
-    return weighted_mean(c, mu, mu, arena.take(c.count), arena.take(c.count));
+  const auto mean = [&](const Present& c, support::Arena& arena, double& value) {
+    double* mu = arena.take(c.count);
+    const StatusCode status = dilute_viscosities(p, c, arena, mu);
+    if (has_values(status)) value = weighted_mean(c, mu, mu, arena.take(c.count), arena.take(c.count));
+    return status;
   };
   const auto dense = [](const Critical& m, double rho_r) {
     return dense_viscosity(rho_r) * viscosity_scale(m);
@@ -244,11 +248,13 @@ StatusCode gas_viscosity(const Phase& p, double& viscosity) {
 }
 
 StatusCode gas_conductivity(const Phase& p, double& conductivity) {
-  const auto mean = [&](const Present& c, support::Arena& arena) {
-    double* lambda = arena.take(c.count);
-    for (int k = 0; k < c.count; ++k) lambda[k] = dilute_conductivity(p.T, *p.mixture, c.index[k], c.at(k));
-    const double* mu = dilute_viscosities(p, c, arena);
-    return weighted_mean(c, lambda, mu, arena.take(c.count), arena.take(c.count));
+  const auto mean = [&](const Present& c, support::Arena& arena, double& value) {
+    double *lambda = arena.take(c.count), *mu = arena.take(c.count);
+    StatusCode status = dilute_viscosities(p, c, arena, mu);
+    for (int k = 0; k < c.count && has_values(status); ++k)
+      status = graver(status, dilute_conductivity(p.T, *p.mixture, c.index[k], c.at(k), lambda[k]));
+    if (has_values(status)) value = weighted_mean(c, lambda, mu, arena.take(c.count), arena.take(c.count));
+    return status;
   };
   const auto dense = [](const Critical& m, double rho_r) {
     const double Z2 = m.Zc * m.Zc;

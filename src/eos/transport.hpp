@@ -33,19 +33,19 @@ double corresponding_viscosity(double T, const MixtureRecord& mixture, const dou
                                const Critical& c) noexcept;
 
 /*
- * Low-pressure viscosity of component i (from 0), cP. Never fails: beyond the range of the correlation the
- * curve continues it, without a correlation it stands alone with the scale sqrt(M) Pc^(2/3)/Tc^(1/6).
- * alone[count]: all 0.
+ * Low-pressure viscosity of component i (from 0), cP: the correlation, continued along the curve beyond its
+ * range with KV_PURE_RANGE. Other statuses of the pure-component library have no value. alone[count]: all 0.
  */
-double dilute_viscosity(double T, const MixtureRecord& mixture, int i, const Critical& c,
-                        double* alone) noexcept;
+StatusCode dilute_viscosity(double T, const MixtureRecord& mixture, int i, const Critical& c, double* alone,
+                            double& mu) noexcept;
 
 /*
- * Low-pressure conductivity of component i, W/(m K), by the reduced inverse conductivity 210 (Tc
- * M^3/Pc^4)^(1/6) with Pc in bar where there is no correlation, and beyond its range. [Roy68] Water, by its
- * family code, has no term of the inner degrees of freedom of hydrocarbons.
+ * Low-pressure conductivity of component i, W/(m K), in the same way; the curve is the one of the reduced
+ * inverse conductivity 210 (Tc M^3/Pc^4)^(1/6) with Pc in bar. [Roy68] Water, by its family code, has no term of
+ * the inner degrees of freedom of hydrocarbons.
  */
-double dilute_conductivity(double T, const MixtureRecord& mixture, int i, const Critical& c) noexcept;
+StatusCode dilute_conductivity(double T, const MixtureRecord& mixture, int i, const Critical& c,
+                               double& lambda) noexcept;
 double corresponding_conductivity(double T, const Critical& c, bool water) noexcept;
 
 /* What the density adds, as a function of the reduced density: viscosity times Tc^(1/6)/(sqrt(M) Pc^(2/3)) in
@@ -53,8 +53,7 @@ double corresponding_conductivity(double T, const Critical& c, bool water) noexc
 double dense_viscosity(double rho_r) noexcept;
 double dense_conductivity(double rho_r) noexcept;
 
-/* Viscosity in cP, conductivity in W/(m K). Statuses: eos/properties.hpp, none of the pure-component library.
- */
+/* Viscosity in cP, conductivity in W/(m K). Statuses: eos/properties.hpp. */
 StatusCode gas_viscosity(const Phase& p, double& viscosity);
 StatusCode gas_conductivity(const Phase& p, double& conductivity);
 

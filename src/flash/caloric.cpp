@@ -29,11 +29,11 @@ constexpr double kClearlyLower = 1e-7;
 bool find_root(const CaloricModel& c, const eos::Mixture& m, Kind kind, double start, eos::Root& r) {
   const double rt = eos::kR * c.t.T, A = m.a * c.P / (rt * rt), B = m.b * c.P / rt;
   const auto bracub = frame::tools::bracub();
-  if (kind == Kind::stable) return eos::stable_root(c.t, bracub, m, c.P, start, r) <= 50;
+  if (kind == Kind::stable) return eos::has_root(eos::stable_root(c.t, bracub, m, c.P, start, r));
   const int phase = kind == Kind::liquid ? KV_PHASE_LIQUID : KV_PHASE_GAS;
   double Z = start;
   const int status = eos::solve_root(bracub, A, B, phase, start > 0.0, Z);
-  if (status > 50) return false;
+  if (!eos::has_root(status)) return false;
   eos::reduce(c.t, m, c.P, Z, r);
   if (status != 0 || !eos::may_have_three_roots(A, B)) return true;
   double other_Z = 0.0;

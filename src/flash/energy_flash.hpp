@@ -12,14 +12,15 @@ struct EnergyCall {
   double P = 0.0;             // atm
   const double* z = nullptr;  // feed, need not sum to one
   MixtureRecord* mixture = nullptr;
-  HostRoutines* routines = nullptr;
-  bool free_water = false;
-  bool cold = true;     // else beta, x, y hold an estimate for the flash at *T
   double* T = nullptr;  // in/out, K; exactly 0 starts at 298.15
   double* beta = nullptr;
   double *x = nullptr, *y = nullptr, *K = nullptr;
   double *liquid = nullptr, *vapour = nullptr;  // value of each phase; 0 for one that is absent
-  int* flashes = nullptr;                       // may be null: isothermal flashes that were run
+  HostRoutines* routines = nullptr;
+  bool free_water = false;
+  bool cold = true;        // else beta, x, y hold an estimate for the flash at *T
+  int index = 1;           // initialisation index, for the trace
+  int* flashes = nullptr;  // may be null: isothermal flashes that were run
 };
 
 /*

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "flash/flash_state.hpp"
 #include "support/mathkernels.hpp"
@@ -71,12 +72,13 @@ class StrictTrials {
   Follow before_;
 };
 
-// A trial from a composition [ld] on its other root, where it has one that is not far above.
-bool other_root_trial(Flash& f, const Reference& ref, const double* w) {
+// A trial from a composition [ld] on its other root, where it has one that is not far above. Z: that of the
+// root it has, 0 where that is not known.
+bool other_root_trial(Flash& f, const Reference& ref, const double* w, double Z = 0.0) {
   const double reach = f.thorough() ? 1e300 : kRootReach;
   Kind kind = Kind::liquid;
   bool found = false;
-  f.status = start_other_root(f.m, ref, w, reach, f.trial, kind, found);
+  f.status = start_other_root(f.m, ref, w, Z, reach, f.trial, kind, found);
   if (f.status != KV_OK || !found) return f.status == KV_OK;
   const StrictTrials strict(f);
   return run_trial(f, ref, kind);
@@ -282,7 +284,7 @@ bool test_feed(Flash& f) {
   if (f.feed_kind == Kind::liquid && f.trial.end == TrialEnd::trivial) {
     if (!start_trial(f, ref, kIdealGas) || !run_trial(f, ref, trial_kind(f))) return false;
   }
-  if (!f.liquids_only() && !other_root_trial(f, ref, f.it.z)) return false;
+  if (!f.liquids_only() && !other_root_trial(f, ref, f.it.z, f.feed_Z)) return false;
   return near_pure_trials(f, ref, f.feed_kind == Kind::gas);
 }
 
@@ -311,9 +313,9 @@ bool test_answer(Flash& f, bool& stable) {
   if (!near_pure_trials(f, plane, have_gas)) return false;
   if (f.thorough() && f.third.x == nullptr && !trials_between(f, plane, f.it.y, f.it.x)) return false;
   if (!f.liquids_only())
-    for (const double* phase :
-         {static_cast<const double*>(f.it.x), static_cast<const double*>(f.it.y), f.third.x})
-      if (phase != nullptr && !other_root_trial(f, plane, phase)) return false;
+    for (const auto& [phase, Z] :
+         {std::pair<const double*, double>{f.it.x, f.it.Zx}, {f.it.y, f.it.Zy}, {f.third.x, f.third.Z}})
+      if (phase != nullptr && !other_root_trial(f, plane, phase, Z)) return false;
   // A trial came back to a phase of the answer: that settles it only where the phase is clearly convex.
   if (f.came_back && !(f.have_lowest && f.lowest.tm < kUnstable) &&
       !(test_curvature(f, plane) && test_curvature(f, {f.it.y, f.answer_d, f.it.x, nullptr, 0, f.third.x}) &&

@@ -123,14 +123,14 @@ StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_ph
   eos::Root r;
   if (kind == Kind::stable) {
     const int status = eos::stable_root(t, m.bracub, mixed, m.P, Z, r);
-    if (status > 50) return status;
+    if (!eos::has_root(status)) return status;
     Z = r.Z;
   } else {
     const double rt = eos::kR * t.T;
     const int phase = kind == Kind::liquid ? KV_PHASE_LIQUID : KV_PHASE_GAS;
     const int status =
         eos::solve_root(m.bracub, mixed.a * m.P / (rt * rt), mixed.b * m.P / rt, phase, Z > 0.0, Z);
-    if (status > 50) return status;
+    if (!eos::has_root(status)) return status;
     eos::reduce(t, mixed, m.P, Z, r);
   }
   eos::ln_phi(t, mixed, r, m.s, ln_phi);

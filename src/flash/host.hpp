@@ -8,6 +8,15 @@
 
 #include "kestrune/records.h"
 
+namespace kestrune {
+
+// Statuses by which the solvers tell one another which phases they ended with. They reach a host as 0.
+inline constexpr StatusCode KV_SINGLE_PHASE = 95;  // one phase only
+inline constexpr StatusCode KV_LV_ANSWER = 130;    // one liquid and a vapour remain
+inline constexpr StatusCode KV_LL_ANSWER = 131;    // no vapour remains
+
+}  // namespace kestrune
+
 namespace kestrune::flash {
 
 // What a solver returns when a routine of the host ended the flash. In no list of statuses, never seen by a

@@ -31,10 +31,15 @@ constexpr double kCriticalNear = 0.02;  // either, beside a critical point
 // Pressures at which the line is begun, in parts of the pressure that is asked for.
 constexpr double kStartParts[] = {0.3, 0.03, 1e-3};
 
+constexpr double kColdest = 1.0, kHottest = 9000.0, kThinnest = 1e-40, kDensest = 1e5;
+bool within_range(const Quality& q, double value) {
+  return q.of_T() ? value > kColdest && value < kHottest : value > kThinnest && value < kDensest;
+}
+
 void set_up_start(Quality& q) {
   const QualityCall& c = q.call;
   q.start = *c.unknown;
-  if (!(q.start > 0.0 && q.start <= DBL_MAX)) q.start = q.of_T() ? kDefaultTemperature : kDefaultPressure;
+  if (!within_range(q, q.start)) q.start = q.of_T() ? kDefaultTemperature : kDefaultPressure;
   if (q.of_T() && q.start < lowest_temperature(*c.mixture)) q.start = kDefaultTemperature;
   if (c.cold) {
     q.settings.ITEMAX = q.settings.ITEMAX > 100000000 ? q.settings.ITEMAX : 10 * q.settings.ITEMAX;
@@ -72,11 +77,6 @@ struct Bracket {
     return (F > 0.0) == of_T ? value * step : value / step;
   }
 };
-
-constexpr double kColdest = 1.0, kHottest = 9000.0, kThinnest = 1e-40, kDensest = 1e5;
-bool within_range(const Quality& q, double value) {
-  return q.of_T() ? value > kColdest && value < kHottest : value > kThinnest && value < kDensest;
-}
 
 // First stage: Wilson's coefficients.
 bool wilson_stage(Quality& q, double& value) {

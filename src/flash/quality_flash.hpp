@@ -14,11 +14,11 @@ struct QualityCall {
   double given = 0.0;         // P (atm) or T (K)
   const double* z = nullptr;  // feed, need not sum to one
   MixtureRecord* mixture = nullptr;
-  HostRoutines* routines = nullptr;
-  bool free_water = false;
-  bool cold = true;           // else x, y and the unknown hold an estimate; an unusable one is ignored
   double* unknown = nullptr;  // in/out; not greater than 0: 298.15 K, 1 atm
   double *x = nullptr, *y = nullptr, *K = nullptr;
+  HostRoutines* routines = nullptr;
+  bool free_water = false;
+  bool cold = true;          // else x, y and the unknown hold an estimate; an unusable one is ignored
   Counts* counts = nullptr;  // may be null
 };
 

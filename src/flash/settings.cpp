@@ -1,26 +1,41 @@
 #include "flash/settings.hpp"
 
-#include <cfloat>
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 namespace kestrune::flash {
 namespace {
-double usable(double value, double otherwise) {
-  return value > 0.0 && value <= DBL_MAX ? value : otherwise;
+
+// A block of settings in which every byte is zero: a host that has filled none.
+bool none_given(const MixtureRecord& mixture) {
+  constexpr std::size_t first = offsetof(MixtureRecord, CRIT);
+  const auto* bytes = reinterpret_cast<const unsigned char*>(&mixture);
+  return std::all_of(bytes + first, bytes + sizeof mixture, [](unsigned char byte) { return byte == 0; });
 }
+
 }  // namespace
 
 Settings copy_settings(const MixtureRecord& mixture) noexcept {
   Settings s{};
-  s.CRIT = usable(mixture.CRIT, KV_DEFAULT_CRIT);
-  s.CLIM = usable(mixture.CLIM, KV_DEFAULT_CLIM);
-  s.EPS = usable(mixture.EPS, KV_DEFAULT_EPS);
+  if (none_given(mixture)) {
+    s.CRIT = KV_DEFAULT_CRIT;
+    s.CLIM = KV_DEFAULT_CLIM;
+    s.EPS = KV_DEFAULT_EPS;
+    s.ITEMAX = KV_DEFAULT_ITEMAX;
+    s.NEW = KV_DEFAULT_NEW;
+    s.relaxation = KV_DEFAULT_RELAXATION;
+  } else {
+    s.CRIT = mixture.CRIT;
+    s.CLIM = mixture.CLIM;
+    s.EPS = mixture.EPS;
+    s.ITEMAX = std::clamp(mixture.ITEMAX, 0, KV_MOST_ITERATIONS);
+    s.NEW = mixture.NEW;
+    s.relaxation = std::isfinite(mixture.relaxation) ? mixture.relaxation : KV_DEFAULT_RELAXATION;
+  }
   s.loose = std::pow(s.CRIT, 0.33);
-  s.ITEMAX = mixture.ITEMAX > 0 ? mixture.ITEMAX : KV_DEFAULT_ITEMAX;
-  s.NEW = mixture.NEW > 0 ? mixture.NEW : 0;
   const double budget = static_cast<double>(s.NEW) * (static_cast<double>(mixture.count) + 1.0);
-  s.global_budget = budget < 1e9 ? static_cast<int>(budget) : 1000000000;
-  s.relaxation = usable(mixture.relaxation, KV_DEFAULT_RELAXATION);
+  s.global_budget = static_cast<int>(std::clamp(budget, 0.0, 1e9));
   s.robust = false;
   s.trace = mixture.trace_flag != 0;
   s.trace_unit = mixture.trace_unit;
@@ -28,11 +43,18 @@ Settings copy_settings(const MixtureRecord& mixture) noexcept {
 }
 
 double pure_tolerance(const MixtureRecord& mixture) noexcept {
-  return usable(mixture.pure_tolerance, KV_DEFAULT_PURE_TOLERANCE);
+  return none_given(mixture) ? KV_DEFAULT_PURE_TOLERANCE : mixture.pure_tolerance;
 }
 
 double sum_tolerance(const MixtureRecord& mixture) noexcept {
-  return usable(mixture.sum_tolerance, KV_DEFAULT_SUM_TOLERANCE);
+  if (none_given(mixture) || !std::isfinite(mixture.sum_tolerance)) return KV_DEFAULT_SUM_TOLERANCE;
+  return mixture.sum_tolerance;
+}
+
+StatusCode check_feed_sum(const double* z, const MixtureRecord& mixture) noexcept {
+  double sum = 0.0;
+  for (int i = 0; i < mixture.count; ++i) sum += z[i];
+  return std::fabs(sum - 1.0) > sum_tolerance(mixture) ? KV_FEED_SUM : KV_OK;
 }
 
 double lowest_temperature(const MixtureRecord& mixture) noexcept {

@@ -33,14 +33,24 @@ struct Settings {
 inline constexpr double kRobustRelaxation = 0.1;
 inline constexpr int kRobustIterations = 1000;
 
-/* Copies the settings of the record; a field that is zero or unusable takes its default (records.h). */
+/*
+ * Copies the settings of the record: the defaults (records.h) for a block that is zero throughout, else what
+ * stands there, ITEMAX up to KV_MOST_ITERATIONS and a relaxation factor that is not finite as 1.
+ */
 Settings copy_settings(const MixtureRecord& mixture) noexcept;
 
 /* Distance from 1 within which one fraction makes a feed a single component. */
 double pure_tolerance(const MixtureRecord& mixture) noexcept;
 
-/* Largest |sum of the feed - 1| where a flash tests it. */
+/*
+ * Largest |sum of the feed - 1| where a calculation tests it: as it stands, 0 being exact; not finite counts as
+ * the default.
+ */
 double sum_tolerance(const MixtureRecord& mixture) noexcept;
+
+/* KV_FEED_SUM where z does not sum to one within that, as of an empty feed; else KV_OK, also when it is no
+ * number. */
+StatusCode check_feed_sum(const double* z, const MixtureRecord& mixture) noexcept;
 
 /* TMIN: the smallest of the lower temperatures of the components, from 1000 and never above 200 K. */
 double lowest_temperature(const MixtureRecord& mixture) noexcept;

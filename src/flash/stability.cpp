@@ -222,7 +222,7 @@ StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& t) {
     const eos::Mixture pure = eos::mix_pure(m.t, j, &s);
     eos::Root r;
     const int status = eos::stable_root(m.t, m.bracub, pure, m.P, 0.0, r);
-    if (status > 50) return status;
+    if (!eos::has_root(status)) return status;
     t.Z = r.Z;
     eos::ln_phi(m.t, pure, r, s, t.ln_phi);
   } else {
@@ -234,8 +234,14 @@ StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& t) {
   return KV_OK;
 }
 
-StatusCode start_other_root(Model& m, const Reference& ref, const double* w, double reach, Trial& t, Kind& kind,
-                            bool& found) {
+StatusCode start_other_root(Model& m, const Reference& ref, const double* w, double Z, double reach, Trial& t,
+                            Kind& kind, bool& found) {
+  if (m.built_in() && Z > 0.0) {
+    double b = 0.0;
+    for (int i = 0; i < m.n; ++i) b += w[i] * m.t.b[i];
+    found = eos::may_have_root_within(m.t, b, m.P, Z, reach);
+    if (!found) return KV_OK;
+  }
   found = true;
   kind = Kind::liquid;
   t.Z = 0.0;
@@ -243,14 +249,14 @@ StatusCode start_other_root(Model& m, const Reference& ref, const double* w, dou
     const eos::Mixture mixed = eos::mix(m.t, w, m.s);
     const double rt = eos::kR * m.T, A = mixed.a * m.P / (rt * rt), B = mixed.b * m.P / rt;
     found = eos::may_have_three_roots(A, B);
-    double Z[2] = {};
+    double both[2] = {};
     for (const int phase : {KV_PHASE_GAS, KV_PHASE_LIQUID})
-      found = found && eos::solve_root(m.bracub, A, B, phase, false, Z[phase - 1]) == 0;
+      found = found && eos::solve_root(m.bracub, A, B, phase, false, both[phase - 1]) == 0;
     if (!found) return KV_OK;
     ++m.counts.fugacities;
     eos::Root gas, liquid;
-    eos::reduce(m.t, mixed, m.P, Z[KV_PHASE_GAS - 1], gas);
-    eos::reduce(m.t, mixed, m.P, Z[KV_PHASE_LIQUID - 1], liquid);
+    eos::reduce(m.t, mixed, m.P, both[KV_PHASE_GAS - 1], gas);
+    eos::reduce(m.t, mixed, m.P, both[KV_PHASE_LIQUID - 1], liquid);
     const double higher = eos::residual_gibbs(mixed, liquid) - eos::residual_gibbs(mixed, gas);
     const bool gas_stable = higher >= 0.0;
     found = std::fabs(higher) <= reach;
@@ -259,12 +265,12 @@ StatusCode start_other_root(Model& m, const Reference& ref, const double* w, dou
     kind = gas_stable ? Kind::liquid : Kind::gas;
     eos::ln_phi(m.t, mixed, gas_stable ? liquid : gas, m.s, t.ln_phi);
   } else {
-    double Z = 0.0, gas = 0.0, liquid = 0.0;
-    StatusCode status = fugacity(m, w, Kind::gas, t.ln_phi, nullptr, Z);
+    double gas_Z = 0.0, gas = 0.0, liquid = 0.0;
+    StatusCode status = fugacity(m, w, Kind::gas, t.ln_phi, nullptr, gas_Z);
     for (int i = 0; i < m.n; ++i) gas += w[i] * t.ln_phi[i];
     if (status == KV_OK) status = fugacity(m, w, Kind::liquid, t.ln_phi, nullptr, t.Z);
     for (int i = 0; i < m.n; ++i) liquid += w[i] * t.ln_phi[i];
-    found = status == KV_OK && std::fabs(Z - t.Z) > kSameRoot * Z && std::fabs(gas - liquid) <= reach;
+    found = status == KV_OK && std::fabs(gas_Z - t.Z) > kSameRoot * gas_Z && std::fabs(gas - liquid) <= reach;
     if (!found) return status;
     if (liquid < gas) {
       kind = Kind::gas;

@@ -83,12 +83,13 @@ StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& trial);
 
 /*
  * First substitution from the composition w[ld] on the root that is not its stable one, which a liquid beside a
- * vapour of nearly its composition needs: the way from the stable root leads back to the vapour. kind is the
- * root to follow then. found false: there is no such root, or its Gibbs energy over RT is higher by more than
- * reach; with a host's routine, its two phases have one Z.
+ * vapour of nearly its composition needs: the way from the stable root leads back to the vapour. Z: of the root
+ * it has, which spares most of the work, or 0. kind is the root to follow then. found false: there is no such
+ * root, or its Gibbs energy over RT is higher by more than reach; with a host's routine, its two phases have
+ * one Z.
  */
-StatusCode start_other_root(Model& m, const Reference& ref, const double* w, double reach, Trial& trial,
-                            Kind& kind, bool& found);
+StatusCode start_other_root(Model& m, const Reference& ref, const double* w, double Z, double reach,
+                            Trial& trial, Kind& kind, bool& found);
 
 }  // namespace kestrune::flash
 

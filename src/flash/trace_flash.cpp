@@ -60,7 +60,7 @@ void trace_energy_header(support::TraceWriter& trace, const EnergyCall& call, co
                          double T_low) {
   if (!trace) return;
   const bool H = call.property == Property::enthalpy;
-  initialisation(trace, H ? "FLASH H,P" : "FLASH S,P", call.cold ? 1 : 0, settings);
+  initialisation(trace, H ? "FLASH H,P" : "FLASH S,P", call.index, settings);
   trace.real("T (K)  =", *call.T);
   trace.real(" TMIN (K)    = ", T_low);
   trace.real("P (ATM)=", call.P);

@@ -170,7 +170,7 @@ StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
     trace_initial(f.trace, f.call, *f.call.beta, f.call.x, f.call.y, f.z);
   else
     trace_initial(f.trace, f.call, 0.0, f.z, f.z, f.z);
-  if (f.water > 1.0 - pure_tolerance(*f.call.mixture)) return water_alone(f);
+  if (f.water > 1.0 - KV_DEFAULT_PURE_TOLERANCE) return water_alone(f);
   // One fluid, or a gas beside water; what is missing is kept as a start.
   bool third = false, have_gas = false, have_liquid = false, good_gas = false, lacks_oil = false;
   if (feed_as_gas(f)) {

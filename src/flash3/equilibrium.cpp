@@ -141,6 +141,25 @@ StatusCode add_phase(Equilibrium& e, bool patient) {
   return p.count == 3 ? settle(e, patient) : finish_two(e);
 }
 
+/*
+ * The same of a small amount, of which Newton's method makes more: a phase that draws on something scarce,
+ * water on ammonia, takes more of it in a substitution than there is, and is gone after the next.
+ */
+StatusCode grow_phase(Equilibrium& e) {
+  constexpr double kPart = 0.3;  // of what is there of its scarcest component
+  Phases& p = e.p;
+  double amount = kFirstAmount;
+  for (int i = 0; i < e.m.n; ++i)
+    if (e.cut[i] > 0.0) amount = std::min(amount, kPart * e.z[i] / e.cut[i]);
+  for (int j = 0; j < p.count; ++j) p.amount[j] *= 1.0 - amount;
+  set_phase(e, p.count, e.cut, amount, p);
+  ++p.count;
+  e.how.descend = true;
+  const StatusCode status = settle(e, true);
+  e.how.descend = false;
+  return status;
+}
+
 // The answer of three phases and what cuts it, into e.p.
 void put_four(Equilibrium& e) {
   Phases& p = e.p;
@@ -273,6 +292,11 @@ StatusCode improve(Equilibrium& e) {
         copy_phases(e.answer, e.p, e.m.ld);
         std::copy_n(e.added, e.m.n, e.cut);
         status = add_phase(e, true);
+      }
+      if (!lower(status) && e.answer.count == 2) {
+        copy_phases(e.answer, e.p, e.m.ld);
+        std::copy_n(e.added, e.m.n, e.cut);
+        status = grow_phase(e);
       }
     }
     if (status != KV_FOURTH_PHASE && !lower(status)) status = from_own_starts(e);

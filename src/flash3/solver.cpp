@@ -217,7 +217,8 @@ Ended iterate(Run& r) {
     const double error = criterion(r.z, r.m.n, r.p, r.w.home);
     trace_pass(*r.how.trace, {pass, error, r.factor, r.newton && r.recovery == 0}, r.m.n, r.p,
                s.trace && r.m.mixture->trace_flag != 1);
-    if (error <= s.CRIT && pass > 1 && has_all_amounts(r)) return Ended::converged;
+    const bool reached = error <= s.CRIT || (r.how.descend && r.p.worst <= kOwed);
+    if (reached && pass > 1 && has_all_amounts(r)) return Ended::converged;
     if (merge_identical(r)) return Ended::identical;
     Ended which;
     if (vanishing.count(r.p, which)) {
@@ -304,11 +305,15 @@ Ended iterate_phases(flash::Model& m, const double* z, const Iteration& how, Pha
   Run r{m, z, how, p, w};
   r.factor = std::min(how.settings.relaxation, 1.0);
   for (int j = 0; j < p.count; ++j) p.Z[j] = 0.0;
+  r.newton = how.descend;
   r.status = evaluate_phases(m, z, p, w, false);
   put_in_slots(m, p);
   trace_start(*how.trace, how, m.n, z, p);
   Ended ended = Ended::routine;
-  if (r.status == KV_OK && substitute(r)) ended = iterate(r);
+  if (how.descend && r.status == KV_OK) r.status = evaluate_phases(m, z, p, w, true);
+  if (r.status == KV_OK && (how.descend || substitute(r))) ended = iterate(r);
+  // Newton's method lets a trace grow by so much a step; one substitution puts it right.
+  if (ended == Ended::converged && how.descend && !substitute(r)) ended = Ended::routine;
   // Short steps have used up the passes: on with whole ones.
   const bool tired = ended == Ended::exhausted && r.factor < 1.0;
   if (ended == Ended::converged || tired) ended = finish(r);

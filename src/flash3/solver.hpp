@@ -24,7 +24,9 @@ enum class Ended {
 };
 
 struct Iteration {
-  int index = 0;         // initialisation index, for the trace
+  int index = 0;  // initialisation index, for the trace
+  bool descend =
+      false;  // Newton's method from the start: where substitutions overshoot, Gibbs energy may not rise
   bool patient = false;  // a phase counts as vanished only when its amount is exactly 0
   flash::Settings settings;
   support::TraceWriter* trace = nullptr;

@@ -19,6 +19,7 @@ constexpr double kMostAmount = 0.7;
 constexpr double kTrace = 1e-8;
 constexpr double kFarT = 2.0, kFarP = 50.0;
 constexpr double kSame = 1e-10;                              // sum of (x - y)^2/(x + y) of phases that are one
+constexpr double kAlike = 1e-6, kApart = 0.1;                // compositions, and relative Z, of two roots
 constexpr double kResidualR = eos::kR * eos::kCalPerCm3Atm;  // cal/(mol K)
 
 int order_of(const Phases& p, int n) {
@@ -36,6 +37,23 @@ void put_largest_first(Specified& s) {
     s.vapour = 0;
   else if (s.vapour == 0)
     s.vapour = largest;
+}
+
+bool roots_apart(const Phases& p, int j, int k) {
+  return std::fabs(p.Z[j] - p.Z[k]) > kApart * std::max(p.Z[j], p.Z[k]);
+}
+
+// Phases of nearly one composition differ by their root alone, as where a component boils beside one that
+// hardly mixes with it; by Gibbs energy both would take the same.
+void name_roots(Specified& s) {
+  const Phases& p = s.e->p;
+  std::fill_n(s.kind, kMostPhases, flash::Kind::stable);
+  for (int j = 0; j < p.count; ++j)
+    for (int k = 0; k < p.count; ++k)
+      if (p.Z[j] > p.Z[k] && roots_apart(p, j, k) && same_phase(s.e->m.n, s.e->z, p.x[j], p.x[k], kAlike)) {
+        s.kind[j] = flash::Kind::gas;
+        s.kind[k] = flash::Kind::liquid;
+      }
 }
 
 // ln K from the compositions, for traces from the fugacity coefficients.
@@ -86,8 +104,7 @@ StatusCode evaluate(Specified& s, Values& v) {
       flash::Derivatives d;
       (s.find_pressure ? d.dP : d.dT) = s.dtau[j];
       d.dn = e.w.dn[j];
-      const StatusCode status =
-          flash::water_aware_fugacity(e.m, p.x[j], flash::Kind::stable, p.ln_phi[j], d, p.Z[j]);
+      const StatusCode status = flash::water_aware_fugacity(e.m, p.x[j], s.kind[j], p.ln_phi[j], d, p.Z[j]);
       if (status != KV_OK) return status;
     }
     return KV_OK;
@@ -100,7 +117,7 @@ StatusCode evaluate(Specified& s, Values& v) {
     c.dln_phi_dT = s.dtau[j];
     c.dn = e.w.dn[j];
     c.Z = p.Z[j];
-    if (!flash::phase_caloric(*s.caloric, p.x[j], flash::Kind::stable, c)) return KV_NOT_FINITE;
+    if (!flash::phase_caloric(*s.caloric, p.x[j], s.kind[j], c)) return KV_NOT_FINITE;
     p.Z[j] = c.Z;
     v.phase[j] = c.value;
     v.total += p.amount[j] * c.value;
@@ -254,7 +271,9 @@ bool some_are_one(const Specified& s) {
   const Phases& p = s.e->p;
   for (int j = 0; j < p.count; ++j)
     for (int k = j + 1; k < p.count; ++k)
-      if (same_phase(s.e->m.n, s.e->z, p.x[j], p.x[k], kSame)) return true;
+      if (same_phase(s.e->m.n, s.e->z, p.x[j], p.x[k], kSame) &&
+          (s.kind[j] == s.kind[k] || !roots_apart(p, j, k)))
+        return true;
   return false;
 }
 
@@ -304,9 +323,10 @@ void take_specified(support::Arena& arena, int n, int ld, Specified& s) {
 Found solve_specified(Specified& s, StatusCode& status) {
   Equilibrium& e = *s.e;
   status = KV_OK;
+  if (e.p.count > 1) put_largest_first(s);
+  name_roots(s);
   for (double& Z : e.p.Z) Z = 0.0;
   if (e.p.count == 1) return s.what == Specify::vapour ? Found::no : solve_single(s, status);
-  put_largest_first(s);
   start_coefficients(s);
   if (!split(s)) return Found::no;
   const int size = order_of(e.p, e.m.n);

@@ -27,6 +27,9 @@ constexpr double kReached = 1e-11;          // of the value's size
 constexpr double kNear = 1e-9;              // relative change of T that is left of a single phase
 constexpr double kSameTemperature = 1e-13;  // relative width of a bracket that is an answer
 constexpr double kBeside = 1e-8;            // relative distance from a bracket whose ends are this uncertain
+constexpr double kNarrow = 1e-3;            // relative width, and shrinking, at which an amount is the unknown
+constexpr int kMostSecants = 8;
+constexpr double kOtherAmount = 0.1;  // from the first amount to the second
 
 // Phases of an equilibrium that are kept, with its temperature.
 struct KeptState {
@@ -46,6 +49,7 @@ struct Search {
   double value = 0.0;  // of e.p at e.m.T
   double slope = 0.0;  // at constant amounts
   double phase[kMostPhases] = {};
+  double attempted = 1.0;           // relative width of the bracket at the last attempt with an amount
   StatusCode status = KV_OK;        // of what failed
   StatusCode state_status = KV_OK;  // of the equilibrium: KV_OK or KV_FOURTH_PHASE
 };
@@ -61,12 +65,16 @@ bool evaluate(Search& q) {
       flash::PhaseCaloric c;
       c.ln_phi = q.s.raw[j];
       c.dln_phi_dT = q.s.dtau[j];
+      c.Z = p.Z[j];
       if (!flash::phase_caloric(q.caloric, p.x[j], flash::Kind::stable, c)) q.status = KV_NOT_FINITE;
       q.phase[j] = c.value;
       q.slope += p.amount[j] * c.slope;
     } else {
+      // Of the phase as it will be written: what a trace adds to the value need not vanish with it.
+      double* const x = q.s.D;
+      for (int i = 0; i < q.e.m.ld; ++i) x[i] = p.x[j][i] < kAbsent ? 0.0 : p.x[j][i];
       const int phase = j == find_vapour(q.e) ? KV_PHASE_GAS : KV_PHASE_LIQUID;
-      q.status = flash::phase_value(q.caloric, q.e.m.T, p.x[j], phase, q.phase[j]);
+      q.status = flash::phase_value(q.caloric, q.e.m.T, x, phase, q.phase[j]);
     }
     q.value += p.amount[j] * q.phase[j];
   }
@@ -75,6 +83,10 @@ bool evaluate(Search& q) {
 
 double off(const Search& q) {
   return q.value - q.call.wanted;
+}
+
+double size_of_value(const Search& q) {
+  return std::max(std::fabs(q.call.wanted), 1.0);
 }
 
 void keep(Search& q) {
@@ -126,10 +138,6 @@ bool solve_at_phases(Search& q, double T) {
   return false;
 }
 
-double size_of_value(const Search& q) {
-  return std::max(std::fabs(q.call.wanted), 1.0);
-}
-
 // The gate: e.p is an equilibrium, and at its temperature it has the value.
 bool accept(Search& q) {
   Equilibrium& e = q.e;
@@ -166,18 +174,54 @@ bool confirm(Search& q) {
 }
 
 /*
+ * The same without slopes of the value: an amount is the unknown, and equal fugacities say what temperature and
+ * phases go with it. Along a line where temperature stands still the value is linear in the amount. The phase
+ * is the last one, which is there on one side of the bracket only.
+ */
+bool solve_for_amount(Search& q, double T) {
+  Specified& s = q.s;
+  const Specify of_value = s.what;
+  s.what = Specify::vapour;
+  s.T = T;
+  s.P = q.call.P;
+  s.vapour = q.e.p.count - 1;
+  double W = q.e.p.amount[s.vapour], last_W = W, last_off = 0.0;
+  bool solved = false;
+  for (int k = 0; k < kMostSecants && !solved; ++k) {
+    s.wanted = W;
+    const Found found = solve_specified(s, q.status);
+    if (found == Found::no || found == Found::model) break;
+    q.status = set_conditions(s.T, s.P, q.e);
+    if (q.status != KV_OK || !evaluate(q)) break;
+    solved = found == Found::yes && std::fabs(off(q)) <= kReached * size_of_value(q);
+    const double slope = (off(q) - last_off) / (W - last_W);
+    last_W = W;
+    last_off = off(q);
+    W = k == 0 ? W + (W < 0.5 ? kOtherAmount : -kOtherAmount) : std::clamp(W - off(q) / slope, -1.0, 2.0);
+    if (!std::isfinite(W)) break;
+  }
+  s.what = of_value;
+  s.wanted = q.call.wanted;
+  return solved;
+}
+
+/*
  * The phases that are seen on the two sides of the bracket, and of four of them all sets of three: those
  * between the sides, where temperature stands still.
  */
 bool solve_between_sides(Search& q) {
   if (!q.low.known || !q.high.known) return false;
+  const double width = (q.bracket.high - q.bracket.low) / q.bracket.high;
+  const bool analytic = q.caloric.analytic();
+  if (!analytic && !(width <= kNarrow * q.attempted)) return false;
+  if (!analytic) q.attempted = width;
   const double part = q.bracket.f_low / (q.bracket.f_low - q.bracket.f_high);
   if (!join_phases(q.e.m.n, q.e.m.ld, q.e.z, q.low.p, q.high.p, part, q.joined)) return false;
   const double T = 0.5 * (q.bracket.low + q.bracket.high);
   for (int without = q.joined.count == kRoom ? 0 : kMostPhases; without < kRoom; ++without) {
     copy_phases(q.joined, q.e.p, q.e.m.ld);
     if (without < q.joined.count) drop_phase(q.e.p, without);
-    if (solve_at_phases(q, T) && confirm(q)) return true;
+    if ((analytic ? solve_at_phases(q, T) : solve_for_amount(q, T)) && confirm(q)) return true;
   }
   return false;
 }
@@ -230,6 +274,40 @@ StatusCode search(Search& q) {
   return KV_NOT_CONVERGED;
 }
 
+// Whether another way may lead to an answer where one has ended with this status.
+bool is_mended(StatusCode status) {
+  return status == KV_NOT_CONVERGED || status == KV_NOT_FINITE;
+}
+
+/*
+ * From the answer of the two-phase flash, which follows a vapour that grows all at once: it stands where
+ * nothing cuts it, else it is where the search goes on.
+ */
+StatusCode search_from_two_phases(Search& q) {
+  const ThreeEnergyCall& c = q.call;
+  Equilibrium& e = q.e;
+  double T = 0.0, beta = 0.0, values[2];
+  MixtureRecord silent = *c.mixture;
+  silent.trace_flag = 0;
+  const StatusCode status = flash::energy_flash(
+      {c.property, c.wanted, c.P, e.z, &silent, &T, &beta, e.x, e.y, e.K, values, values + 1, c.routines});
+  if (status != KV_OK) return status;
+  q.bracket = {};
+  q.low.known = q.high.known = false;
+  q.attempted = 1.0;
+  const bool two = beta > 0.0 && beta < 1.0;
+  e.p.count = two ? 2 : 1;
+  std::copy_n(two ? e.x : e.z, e.m.ld, e.p.x[0]);
+  std::copy_n(e.y, e.m.ld, e.p.x[1]);
+  e.p.amount[0] = two ? 1.0 - beta : 1.0;
+  e.p.amount[1] = beta;
+  e.p.Z[0] = e.p.Z[1] = 0.0;
+  q.s.T = T;
+  q.status = KV_OK;
+  if (two ? confirm(q) : state_at(q, T, false) && accept(q)) return q.state_status;
+  return q.status == KV_OK && (q.low.known || q.high.known) ? search(q) : StatusCode{KV_NOT_CONVERGED};
+}
+
 // Values by place: A, B and vapour, in the order that write_phases has just given to e.p.
 StatusCode write_answer(Search& q, StatusCode found) {
   const ThreeEnergyCall& c = q.call;
@@ -261,9 +339,8 @@ StatusCode single_component(const ThreeEnergyCall& c, support::Arena& arena) {
   const int n = c.mixture->count;
   double beta = 0.0, liquid = 0.0, vapour = 0.0;
   double *const x = arena.zeros(n), *const y = arena.zeros(n), *const K = arena.zeros(n);
-  const StatusCode status =
-      flash::energy_flash({c.property, c.wanted, c.P, c.z, c.mixture, c.routines, c.free_water, true, c.T,
-                           &beta, x, y, K, &liquid, &vapour, nullptr});
+  const StatusCode status = flash::energy_flash({c.property, c.wanted, c.P, c.z, c.mixture, c.T, &beta, x, y, K,
+                                                 &liquid, &vapour, c.routines, c.free_water});
   if (status != KV_OK) return status;
   const bool split = split_free_water({*c.T, c.P, c.mixture, beta, x, y}, c.out);
   *c.A = split ? 0.0 : liquid;
@@ -287,19 +364,27 @@ StatusCode with_search(const ThreeEnergyCall& c, support::Arena& arena, support:
   take_phases(arena, ld, q.high.p);
   take_phases(arena, ld, q.joined);
   const double start = plausible(*c.T) ? *c.T : kDefaultTemperature;
-  StatusCode status = open_equilibrium({start, c.P, c.z, c.mixture, c.routines}, 0, model_arena, trace, q.e);
-  if (status != KV_OK) return status;
   q.caloric.property = c.property;
   q.caloric.P = c.P;
-  q.caloric.z = q.e.z;
+  q.caloric.z = c.z;
   q.caloric.mixture = c.mixture;
   q.caloric.routines = c.routines;
+  // Where the value has no slopes those of the fugacities are needed.
+  const int order = q.caloric.analytic() ? 0 : 1;
+  StatusCode status =
+      open_equilibrium({start, c.P, c.z, c.mixture, c.routines}, order, model_arena, trace, q.e);
+  if (status != KV_OK) return status;
+  q.caloric.z = q.e.z;
   flash::open_caloric(arena, q.caloric);
   q.caloric.base = arena.mark();
   const bool given = c.estimate && take_estimate(c.out, q.e);
-  if (!state_at(q, start, given) && (start == kDefaultTemperature || !state_at(q, kDefaultTemperature, false)))
-    return q.status;
-  status = search(q);
+  const bool started =
+      state_at(q, start, given) || (start != kDefaultTemperature && state_at(q, kDefaultTemperature, false));
+  status = started ? search(q) : q.status;
+  if (is_mended(status)) {
+    const StatusCode other = search_from_two_phases(q);
+    if (other == KV_OK || other == KV_FOURTH_PHASE) status = other;
+  }
   const bool answer = status == KV_OK || status == KV_FOURTH_PHASE;
   return answer ? write_answer(q, status) : status;
 }
@@ -308,14 +393,14 @@ StatusCode with_search(const ThreeEnergyCall& c, support::Arena& arena, support:
 
 StatusCode three_energy_flash(const ThreeEnergyCall& c) {
   const int n = c.mixture->count;
-  if (const StatusCode bad = check_sum(c.z, *c.mixture); bad != KV_OK) return bad;
+  if (const StatusCode bad = flash::check_feed_sum(c.z, *c.mixture); bad != KV_OK) return bad;
   if (*c.T == 0.0) *c.T = kDefaultTemperature;
   const bool pure = flash::single_component(n, c.z, flash::pure_tolerance(*c.mixture)) >= 0;
   if (pure)
     return support::with_arena<0, 4>(n, [&](support::Arena& arena) { return single_component(c, arena); });
   if (c.free_water) return three_energy_free_water(c);
   return support::with_arena<12, 100>(n, [&](support::Arena& arena) {
-    return support::with_arena<12, 60>(n, [&](support::Arena& model) { return with_search(c, arena, model); });
+    return support::with_arena<12, 80>(n, [&](support::Arena& model) { return with_search(c, arena, model); });
   });
 }
 

@@ -76,8 +76,8 @@ StatusCode three_energy_free_water(const ThreeEnergyCall& c) {
     const int ld = support::padded(n);
     double *const x = arena.zeros(ld), *const y = arena.zeros(ld), *const K = arena.zeros(ld);
     double beta = 0.0, liquid = 0.0, vapour = 0.0;
-    const StatusCode status = flash::energy_flash({c.property, c.wanted, c.P, c.z, c.mixture, c.routines, true,
-                                                   true, c.T, &beta, x, y, K, &liquid, &vapour, nullptr});
+    const StatusCode status = flash::energy_flash(
+        {c.property, c.wanted, c.P, c.z, c.mixture, c.T, &beta, x, y, K, &liquid, &vapour, c.routines, true});
     if (status != KV_OK) return status;
     const bool split = split_free_water({*c.T, c.P, c.mixture, beta, x, y}, c.out);
     flash::CaloricModel model;
@@ -102,8 +102,8 @@ StatusCode three_quality_free_water(const ThreeQualityCall& c) {
     double *const x = arena.zeros(ld), *const y = arena.zeros(ld), *const K = arena.zeros(ld);
     const double W = std::clamp(c.W, 0.0, 1.0);
     double unknown = *c.unknown;
-    const StatusCode status = flash::quality_flash(
-        {c.find, W, c.given, c.z, c.mixture, c.routines, true, true, &unknown, x, y, K, nullptr});
+    const StatusCode status =
+        flash::quality_flash({c.find, W, c.given, c.z, c.mixture, &unknown, x, y, K, c.routines, true});
     if (status != KV_OK && status != KV_UNSTABLE_POINT) return status;
     *c.unknown = unknown;
     const bool of_T = c.find == flash::Find::temperature;

@@ -305,12 +305,6 @@ bool take_estimate(const ThreePhaseResult& given, Equilibrium& e) {
   return e.p.count >= 2;
 }
 
-StatusCode check_sum(const double* z, const MixtureRecord& mixture) noexcept {
-  double sum = 0.0;
-  for (int i = 0; i < mixture.count; ++i) sum += z[i];
-  return std::fabs(sum - 1.0) <= flash::sum_tolerance(mixture) ? KV_OK : KV_FEED_SUM;
-}
-
 StatusCode write_phases(Equilibrium& e, const ThreePhaseResult& out) {
   const int liquids = order_phases(e), n = e.m.n;
   const Phases& p = e.p;
@@ -391,15 +385,16 @@ void keep_incipient_vapour(int n, const double* y, const ThreePhaseResult& out) 
   ratios_of(n, out.y, *out.beta > 0.0 ? out.xA : out.xB, out.KLV);
 }
 
-void move_marked_liquid(int n, const ThreePhaseResult& out) {
-  if (!(*out.V > 0.0) || *out.beta != 1.0) return;
+bool move_marked_liquid(int n, const ThreePhaseResult& out) {
+  if (!(*out.V > 0.0) || *out.beta != 1.0) return false;
   *out.beta = 0.0;
-  std::swap_ranges(out.xA, out.xA + n, out.xB);
+  for (int i = 0; i < n; ++i) std::swap(out.xA[i], out.xB[i]);
+  return true;
 }
 
 StatusCode three_phase_flash(const ThreePhaseCall& c) {
   const int n = c.mixture->count;
-  if (const StatusCode bad = check_sum(c.z, *c.mixture); bad != KV_OK) return bad;
+  if (const StatusCode bad = flash::check_feed_sum(c.z, *c.mixture); bad != KV_OK) return bad;
   return support::with_arena<10, 80>(n, [&](support::Arena& arena) { return solve(c, arena); });
 }
 

@@ -37,9 +37,6 @@ StatusCode three_phase_flash(const ThreePhaseCall& call);
 /* The phases of an estimate into e.p: two or three of them. False: it is unusable. */
 bool take_estimate(const ThreePhaseResult& given, Equilibrium& e);
 
-/* KV_OK, or KV_FEED_SUM where the feed does not sum to one within the tolerance of the record. */
-StatusCode check_sum(const double* z, const MixtureRecord& mixture) noexcept;
-
 /*
  * Names the phases of e.p (vapour, lighter liquid A, denser liquid B) and writes them out, with the marks
  * above. KV_OK, 130, 131.
@@ -70,8 +67,11 @@ bool split_free_water(const LiquidVapour& answer, const ThreePhaseResult& out);
 /* At a bubble point: the vapour that appears, y[n], beside the liquids that have been written. */
 void keep_incipient_vapour(int n, const double* y, const ThreePhaseResult& out);
 
-/* After the fact, kept as hosts know it: a vapour with the mark beta = 1 has its liquid in B and beta 0. */
-void move_marked_liquid(int n, const ThreePhaseResult& out);
+/*
+ * After the fact, kept as hosts know it: a vapour with the mark beta = 1 has its liquid in B and beta 0. True
+ * where that was so.
+ */
+bool move_marked_liquid(int n, const ThreePhaseResult& out);
 
 }  // namespace kestrune::flash3
 

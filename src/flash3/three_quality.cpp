@@ -21,8 +21,8 @@ StatusCode two_phase_point(QualitySearch& q) {
   const ThreeQualityCall& c = q.call;
   Equilibrium& e = q.e;
   double unknown = *c.unknown;
-  const StatusCode status = flash::quality_flash(
-      {c.find, q.W, c.given, e.z, c.mixture, c.routines, false, true, &unknown, e.x, e.y, e.K, nullptr});
+  const StatusCode status =
+      flash::quality_flash({c.find, q.W, c.given, e.z, c.mixture, &unknown, e.x, e.y, e.K, c.routines});
   if (status != KV_OK && status != KV_UNSTABLE_POINT) return status;
   q.u = unknown;
   e.p.count = 2;
@@ -73,8 +73,8 @@ StatusCode single_component(const ThreeQualityCall& c) {
     double *const x = arena.zeros(n), *const y = arena.zeros(n), *const K = arena.zeros(n);
     double unknown = *c.unknown;
     const double W = std::clamp(c.W, 0.0, 1.0);
-    const StatusCode status = flash::quality_flash(
-        {c.find, W, c.given, c.z, c.mixture, c.routines, c.free_water, true, &unknown, x, y, K, nullptr});
+    const StatusCode status =
+        flash::quality_flash({c.find, W, c.given, c.z, c.mixture, &unknown, x, y, K, c.routines, c.free_water});
     if (status != KV_OK) return status;
     *c.unknown = unknown;
     *c.out.V = W;
@@ -111,16 +111,24 @@ StatusCode with_search(const ThreeQualityCall& c, support::Arena& arena, support
   return status == KV_OK ? write_answer(q) : status;
 }
 
-}  // namespace
-
-StatusCode three_quality_flash(const ThreeQualityCall& c) {
+// The point with the marks of three_phase_flash.
+StatusCode find_point(const ThreeQualityCall& c) {
   const int n = c.mixture->count;
-  if (const StatusCode bad = check_sum(c.z, *c.mixture); bad != KV_OK) return bad;
+  if (const StatusCode bad = flash::check_feed_sum(c.z, *c.mixture); bad != KV_OK) return bad;
   if (flash::single_component(n, c.z, flash::pure_tolerance(*c.mixture)) >= 0) return single_component(c);
   if (c.free_water) return three_quality_free_water(c);
   return support::with_arena<6, 180>(n, [&](support::Arena& arena) {
     return support::with_arena<12, 80>(n, [&](support::Arena& model) { return with_search(c, arena, model); });
   });
+}
+
+}  // namespace
+
+StatusCode three_quality_flash(const ThreeQualityCall& c) {
+  const StatusCode status = find_point(c);
+  const bool found = status == KV_OK || status == KV_LV_ANSWER;
+  if (found || status == KV_UNSTABLE_POINT) move_marked_liquid(c.mixture->count, c.out);
+  return found ? StatusCode{KV_OK} : status;
 }
 
 }  // namespace kestrune::flash3

@@ -14,19 +14,19 @@ struct ThreeQualityCall {
   double given = 0.0;         // P (atm) or T (K)
   const double* z = nullptr;  // feed; its sum is checked against the record's tolerance
   MixtureRecord* mixture = nullptr;
-  flash::HostRoutines* routines = nullptr;
-  bool free_water = false;
-  bool estimate = false;      // the results and the unknown hold one; an unusable one is ignored
   double* unknown = nullptr;  // in/out, K or atm; not greater than 0: a start of the flash's own
   ThreePhaseResult out;       // V receives W
+  bool estimate = false;      // the results and the unknown hold one; an unusable one is ignored
+  flash::HostRoutines* routines = nullptr;
+  bool free_water = false;
 };
 
 /*
- * The equilibrium of a vapour of fraction W with one or two liquids: KV_OK two liquids, 130 one liquid, with
- * the marks of three_phase_flash. W = 0: a bubble point, with the incipient vapour over one liquid or two; W =
- * 1: a dew point, with the incipient liquid. Where several exist, the one that is nearest to the first
- * two-phase point from low pressure. KV_NO_SATURATION: none was met among states of up to three phases; 112: it
- * was not found. Others: of the model. On failure the results keep what they held.
+ * The equilibrium of a vapour of fraction W with one or two liquids: KV_OK, without marks. W = 0: a bubble
+ * point, with the incipient vapour over one liquid or two; W = 1: a dew point, with the incipient liquid. Where
+ * several exist, the one that is nearest to the first two-phase point from low pressure. KV_NO_SATURATION: none
+ * was met among states of up to three phases; 112: it was not found. Others: of the model. On failure the
+ * results keep what they held.
  */
 StatusCode three_quality_flash(const ThreeQualityCall& call);
 

@@ -46,21 +46,24 @@ constexpr Conversion kConversions[] = {
 // the databank use SI with kmol; the other numbers are those of databanks that use units of their own.
 constexpr UnitRow kPressure[] = {{1, "Pa             "},   {10, "Pa             "},  {99, "mmHg           "},
                                  {101, "Pa             "}, {115, "Pa             "}, {300, "atm            "}};
-constexpr UnitRow kHenry[] = {{1, "Pa             "}, {101, "Pa             "}, {300, "mol/l/atm      "}};
+constexpr UnitRow kMelting[] = {{1, "Pa             "}, {295, "Pa             "}, {300, "Pa             "}};
+constexpr UnitRow kHenry[] = {
+    {1, "Pa             "}, {101, "Pa             "}, {294, "Pa             "}, {300, "mol/l/atm      "}};
 constexpr UnitRow kHeatCapacity[] = {
     {1, "J/kmol/K       "},   {16, "J/kmol/K       "},  {99, "cal/mol/K      "},  {100, "J/kmol/K       "},
     {107, "J/kmol/K       "}, {114, "J/kmol/K       "}, {127, "J/kmol/K       "}, {300, "J/mol/K        "}};
 constexpr UnitRow kEnthalpy[] = {{1, "J/kmol         "}, {99, "cal/mol        "}, {106, "J/kmol         "}};
+constexpr UnitRow kHeatIntegral[] = {
+    {1, "J/kmol         "},   {16, "J/kmol         "},  {99, "cal/mol        "}, {100, "J/kmol         "},
+    {107, "J/kmol         "}, {114, "J/kmol         "}, {127, "J/kmol         "}};
 constexpr UnitRow kMolarDensity[] = {{1, "kmol/m3        "},
                                      {100, "kmol/m3        "},
                                      {105, "kmol/m3        "},
                                      {118, "kg/m3          "},
                                      {119, "kmol/m3        "}};
-constexpr UnitRow kMolarVolume[] = {{1, "m3/kmol        "},
-                                    {99, "cm3/mol        "},
-                                    {100, "m3/kmol        "},
-                                    {104, "m3/kmol        "},
-                                    {105, "m3/kmol        "}};
+constexpr UnitRow kMolarVolume[] = {{1, "m3/kmol        "},   {99, "cm3/mol        "},
+                                    {100, "m3/kmol        "}, {104, "m3/kmol        "},
+                                    {105, "m3/kmol        "}, {119, "m3/kmol        "}};
 constexpr UnitRow kConductivity[] = {
     {1, "W/m/K          "},   {16, "W/m/K          "},  {100, "W/m/K          "}, {101, "W/m/K          "},
     {102, "W/m/K          "}, {294, "microcal/s/cm/K"}, {295, "cal/s/cm/K     "}};
@@ -93,6 +96,7 @@ constexpr PropertyUnits property_units(PureProperty property) {
     case PureProperty::HenryConstant:
       return units(kHenry, WorkingUnit::atm);
     case PureProperty::MeltingPressure:
+      return units(kMelting, WorkingUnit::atm);
     case PureProperty::SublimationPressure:
     case PureProperty::VaporPressure:
       return units(kPressure, WorkingUnit::atm);
@@ -105,11 +109,12 @@ constexpr PropertyUnits property_units(PureProperty property) {
       return units(kMolarVolume, WorkingUnit::cm3_mol);
     case PureProperty::SurfaceTension:
       return units(kSurfaceTension, WorkingUnit::N_m);
-    case PureProperty::VaporizationEnthalpy:
     case PureProperty::IdealGasSpecificHeatIT:
     case PureProperty::LiquidSpecificHeatIT:
     case PureProperty::SolidSpecificHeatIT:
     case PureProperty::LiquidSpecificHeatInfiniteDilutionIT:
+      return units(kHeatIntegral, WorkingUnit::cal_mol);
+    case PureProperty::VaporizationEnthalpy:
     case PureProperty::StdVaporChemicalExergy:
     case PureProperty::StdLiquidChemicalExergy:
     case PureProperty::StdSolidChemicalExergy:

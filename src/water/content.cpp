@@ -28,7 +28,7 @@ StatusCode steam(const Saturation& s, double P, double& log_phi) noexcept {
   const eos::Mixture m = eos::mix_pure(s.t, kWater, &column);
   double Z = 0.0;
   const int status = eos::solve_root(s.bracub, m.a * P / (rt * rt), m.b * P / rt, KV_PHASE_GAS, false, Z);
-  if (status > 50) return status;
+  if (!eos::has_root(status)) return status;
   eos::Root r;
   eos::reduce(s.t, m, P, Z, r);
   log_phi = eos::residual_gibbs(m, r);
@@ -68,7 +68,7 @@ StatusCode balance(const Saturation& s, double P, double u, Balance& out) noexce
   const double rt = s.condensed.rt;
   double Z = 0.0;
   const int status = eos::solve_root(s.bracub, m.a * P / (rt * rt), m.b * P / rt, KV_PHASE_GAS, false, Z);
-  if (status > 50) return status;
+  if (!eos::has_root(status)) return status;
   eos::Root r;
   eos::reduce(s.t, m, P, Z, r);
   eos::ln_phi(s.t, m, r, sums, log_phi);

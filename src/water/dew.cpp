@@ -30,11 +30,8 @@ int iteration_limit(const MixtureRecord& m) noexcept {
 }
 
 StatusCode check(const DewCall& call, Method& method) noexcept {
-  const MixtureRecord& m = *call.mixture;
-  double sum = 0.0;
-  for (int i = 0; i < m.count; ++i) sum += call.z[i];
-  const double tolerance = m.sum_tolerance != 0.0 ? m.sum_tolerance : KV_DEFAULT_SUM_TOLERANCE;
-  if (std::fabs(sum - 1.0) > tolerance) return KV_FEED_SUM;
+  const StatusCode sum = flash::check_feed_sum(call.z, *call.mixture);
+  if (sum != KV_OK) return sum;
   return method_by_number(call.method, method) ? KV_OK : KV_SPECIFICATION;
 }
 

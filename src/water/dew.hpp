@@ -8,7 +8,7 @@ namespace kestrune::water {
 
 /*
  * What all three share. method: see method_by_number. The feed must sum to one within the sum_tolerance of the
- * record (where that is 0: the default).
+ * record.
  */
 struct DewCall {
   const double* z = nullptr;  // [count] with water

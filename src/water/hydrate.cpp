@@ -24,9 +24,8 @@ double depression(int kind, double M, double W) noexcept {
 
 }  // namespace
 
-StatusCode hydrate_line(const double* z, int kind, double M, double percent, int points,
-                        const MixtureRecord& mixture, double* T, double* P) noexcept {
-  if (kind == 5 && !(M > 0.0)) return KV_INHIBITOR_MASS;
+void hydrate_line(const double* z, int kind, double M, double percent, int points, const MixtureRecord& mixture,
+                  double* T, double* P) noexcept {
   const double shift = depression(kind, M, percent);
   const double* masses = mixture.table + static_cast<std::size_t>(KV_COL_MOLAR_MASS - 1) * mixture.count;
   double mass = 0.0;
@@ -43,7 +42,6 @@ StatusCode hydrate_line(const double* z, int kind, double M, double percent, int
     P[j] = std::exp((t * 9.0 / 5.0 + b) / a) / kPsiaPerAtm;
     t += step;
   }
-  return KV_OK;
 }
 
 }  // namespace kestrune::water

@@ -20,8 +20,8 @@ namespace kestrune::water {
  * - 1.675 ln(P/psia) ln g - 20.35, g the gravity to air. E. G. Hammerschmidt, Ind. Eng. Chem. 26 (1934) 851:
  * depression K W/(M (100 - W)), K 2335 F for kind 5 and fitted for the others.
  */
-StatusCode hydrate_line(const double* z, int kind, double M, double percent, int points,
-                        const MixtureRecord& mixture, double* T, double* P) noexcept;
+void hydrate_line(const double* z, int kind, double M, double percent, int points, const MixtureRecord& mixture,
+                  double* T, double* P) noexcept;
 
 }  // namespace kestrune::water
 

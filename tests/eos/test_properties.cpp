@@ -6,6 +6,9 @@
 
 #include "eos/transport.hpp"
 #include "eos_case.hpp"
+#include "flash/isothermal.hpp"
+#include "frame/exports/property_frame.hpp"
+#include "frame/provider.hpp"
 
 namespace {
 
@@ -44,24 +47,14 @@ class Dilute : public testing::Test {
   }
 };
 
-TEST_F(Dilute, WithoutACorrelationTheCurvesAreRightInSize) {
-  for (const int i : {0, 2}) {  // hydrogen has a curve of its own, by its number
-    const eos::Critical c = constants(i);
-    const double viscosity = eos::dilute_viscosity(400.0, m.record, i, c, alone);
-    const double conductivity = eos::dilute_conductivity(400.0, m.record, i, c);
-    m.at(i, KV_COL_CAS) = 1.0;
-    EXPECT_NEAR(eos::dilute_viscosity(400.0, m.record, i, c, alone) / viscosity, 1.0, 0.05) << i;
-    EXPECT_NEAR(eos::dilute_conductivity(400.0, m.record, i, c) / conductivity, 1.0, 0.25) << i;
-  }
-}
-
 TEST_F(Dilute, NoJumpWhereACorrelationEnds) {
   for (int i = 0; i < 3; ++i) {
     const eos::Critical c = constants(i);
     double before_mu = 0.0, before_lambda = 0.0;
     for (double T = 20.0; T < 3000.0; T *= 1.002) {
-      const double mu = eos::dilute_viscosity(T, m.record, i, c, alone);
-      const double lambda = eos::dilute_conductivity(T, m.record, i, c);
+      double mu = 0.0, lambda = 0.0;
+      EXPECT_TRUE(eos::has_values(eos::dilute_viscosity(T, m.record, i, c, alone, mu)));
+      EXPECT_TRUE(eos::has_values(eos::dilute_conductivity(T, m.record, i, c, lambda)));
       EXPECT_GT(mu, before_mu) << T;
       EXPECT_GT(lambda, before_lambda * 0.98) << T;
       if (before_mu > 0.0) {
@@ -83,6 +76,91 @@ TEST(DenseTerms, ContinuousFromZero) {
     EXPECT_GT(eos::dense_viscosity(r), eos::dense_viscosity(r - 0.05));
     EXPECT_GT(eos::dense_conductivity(r), eos::dense_conductivity(r - 0.05));
   }
+}
+
+// The tools library in front of a root solver that has something to say about its root.
+frame::tools::KvBracub true_solver = nullptr;
+std::int32_t said = 0;
+void KV_CALL remarking_solver(const double* c0, const double* c1, const double* c2, const double* c3, double* Z,
+                              std::int32_t* status, const std::int32_t* phase, const double* u, const double* w,
+                              const double* A, const double* B, const double* settings) {
+  true_solver(c0, c1, c2, c3, Z, status, phase, u, w, A, B, settings);
+  *status = said;
+}
+
+TEST(RootStatus, TwoOfThemComeWithARootEverywhere) {
+  tests::Mixture m = tests::mixture_of(tests::kLeanGas);
+  frame::state().group_data = tests::converted(m);
+  true_solver = frame::tools::bracub();
+  auto& slot = frame::state().tools_entries[static_cast<std::size_t>(frame::ToolsEntry::BRACUB)];
+  slot = reinterpret_cast<void*>(&remarking_solver);
+  const double* z = tests::kLeanGasFeed.data();
+  const eos::Phase p{300.0, 60.0, z, KV_PHASE_GAS, &m.record};
+  double beta = 0.0, x[7], y[7], K[7];
+  for (const std::int32_t status : {0, 1, 50, 51, 52, 200, 201, 202, 203}) {
+    SCOPED_TRACE(status);
+    said = status;
+    const bool good = status <= 50 || status == 201 || status == 202;
+    eos::Density d{};
+    eos::Caloric c;
+    eos::WithDerivatives s;
+    eos::SpecificHeat heat;
+    EXPECT_EQ(eos::density(p, d), status);
+    EXPECT_EQ(eos::enthalpy_and_entropy(p, true, true, c), status);
+    EXPECT_EQ(eos::entropy_derivatives(p, KV_DERIV_T | KV_DERIV_P, s), status);
+    EXPECT_EQ(eos::specific_heat(p, -1, heat), status);
+    for (const double value : {d.rho, c.H, c.S, s.dT, heat.Cp}) EXPECT_EQ(value != 0.0, good);
+    EXPECT_EQ(exports::mapped(status), good ? StatusCode{KV_OK} : status);
+    const StatusCode of_flash = flash::isothermal_flash({200.0, 40.0, z, &m.record, nullptr, &beta, x, y, K});
+    EXPECT_EQ(of_flash, good ? StatusCode{KV_OK} : status);
+  }
+  slot = reinterpret_cast<void*>(true_solver);
+}
+
+// The unit of every equation that the pure-component library has is that of its row.
+TEST(UnitTables, AgreeWithTheSibling) {
+  const double T = 320.0, a = 298.15, b = 0.0;
+  constexpr std::int32_t kPlain = 20, kFamilies = 4;  // of the integrals: two for each heat capacity
+  const std::int32_t heat_capacity[kFamilies] = {
+      static_cast<std::int32_t>(frame::PureProperty::IdealGasSpecificHeat),
+      static_cast<std::int32_t>(frame::PureProperty::LiquidSpecificHeat),
+      static_cast<std::int32_t>(frame::PureProperty::SolidSpecificHeat),
+      static_cast<std::int32_t>(frame::PureProperty::LiquidSpecificHeatInfiniteDilution)};
+  int rows = 0;
+  const auto agree = [&](std::int32_t property, std::int32_t cas, std::int32_t equation) {
+    const auto which = static_cast<frame::PureProperty>(property);
+    char unit[16] = {};
+    double value = 0.0;
+    StatusCode status = 0;
+    frame::pure_evaluate(which, &cas, &T, &a, &b, &equation, &status, &value, unit);
+    if (!eos::has_values(status)) return;
+    const frame::UnitTable table = frame::unit_table(which);
+    const frame::UnitRow* row = table.rows;
+    while (row != table.rows + table.count && row->equation != equation) ++row;
+    ++rows;
+    if (row == table.rows + table.count)
+      ADD_FAILURE() << "property " << property << " equation " << equation << " has no row, " << unit;
+    else
+      EXPECT_STREQ(row->unit, unit) << "property " << property << " equation " << equation;
+  };
+  for (const tests::Row& component : tests::rows("components.csv", KESTRUNE_DATA)) {
+    const auto cas = static_cast<std::int32_t>(tests::number(component, "cas_number"));
+    for (std::int32_t property = 0; property < kPlain; ++property) {
+      std::int32_t equations[32] = {31}, number = property + 1;
+      if (frame::pure_available_correlations(&cas, &number, equations) != 0) continue;
+      agree(property, cas, 1);
+      for (int k = 1; k <= equations[0]; ++k) {
+        agree(property, cas, equations[k]);
+        for (std::int32_t f = 0; f < kFamilies; ++f)
+          for (const std::int32_t integral : {2 * f, 2 * f + 1})
+            if (property == heat_capacity[f]) agree(kPlain + integral, cas, equations[k]);
+      }
+    }
+    for (std::int32_t exergy = kPlain + 2 * kFamilies; exergy < static_cast<int>(frame::PureProperty::count);
+         ++exergy)
+      agree(exergy, cas, 1);
+  }
+  EXPECT_GT(rows, 1000);
 }
 
 TEST(SpecificHeat, SelectorDecidesHowFarDownTheListItGoes) {

@@ -20,9 +20,14 @@ struct Slot {
 // What the outputs hold after a call that could not be worked with.
 enum class Refused {
   untouched,
-  zeroed,   // the property exports: the value and the asked derivatives
-  envelope  // arrays up to the capacity
+  zeroed,         // the property exports: the value and the asked derivatives
+  per_component,  // ln phi and its derivatives: arrays of the count, where it can be read
+  envelope        // arrays up to the capacity
 };
+
+// What a feed that cannot be worked with ends with: the status of its check, KV_FEED_SUM where it does not sum
+// to one, the same but for KV_NO_WATER in front of the checks, or nothing at all.
+enum class Feed { checked, summed, watered, any };
 
 struct Export {
   const char* name;
@@ -34,6 +39,7 @@ struct Export {
   std::function<StatusCode(const std::vector<Slot>&)> call;
   StatusCode good;  // of good arguments for a mixture without water
   bool model;       // evaluates the equation of state of that mixture
+  Feed feed;
 };
 
 template <class A>
@@ -66,7 +72,7 @@ StatusCode apply_slots(StatusCode(KV_CALL* f)(A...), const std::vector<Slot>& sl
 
 template <class... A>
 Export described(const char* name, StatusCode(KV_CALL* f)(A...), const char* roles, Refused outputs,
-                 StatusCode good = KV_OK, bool model = true) {
+                 StatusCode good = KV_OK, bool model = true, Feed feed = Feed::checked) {
   return {name,
           roles,
           outputs,
@@ -74,32 +80,33 @@ Export described(const char* name, StatusCode(KV_CALL* f)(A...), const char* rol
           reinterpret_cast<void*>(f),
           [f](const std::vector<Slot>& s) { return apply_slots(f, s, std::index_sequence_for<A...>{}); },
           good,
-          model};
+          model,
+          feed};
 }
 
 // All of them but MolecularWeight and ConvertPPR78GroupData, which know no record.
 inline std::vector<Export> export_table() {
 #define KV_ROW(name, ...) described(#name, name, __VA_ARGS__)
-  constexpr Refused keep = Refused::untouched, zero = Refused::zeroed;
+  constexpr Refused keep = Refused::untouched, zero = Refused::zeroed, each = Refused::per_component;
   return {KV_ROW(FlashLVatTP, "TP", keep),
           KV_ROW(FlashLVatHP, "sP", keep),
           KV_ROW(FlashLVatSP, "sP", keep),
           KV_ROW(FlashLVatWP, "sP", keep),
           KV_ROW(FlashLVatWT, "sT", keep),
-          KV_ROW(FlashLLVatTP, "TP", keep),
-          KV_ROW(FlashLLVatHP, "sP", keep),
-          KV_ROW(FlashLLVatSP, "sP", keep),
-          KV_ROW(FlashLLVatWP, "sP", keep),
-          KV_ROW(FlashLLVatWT, "sT", keep),
+          KV_ROW(FlashLLVatTP, "TP", keep, KV_OK, true, Feed::summed),
+          KV_ROW(FlashLLVatHP, "sP", keep, KV_OK, true, Feed::summed),
+          KV_ROW(FlashLLVatSP, "sP", keep, KV_OK, true, Feed::summed),
+          KV_ROW(FlashLLVatWP, "sP", keep, KV_OK, true, Feed::summed),
+          KV_ROW(FlashLLVatWT, "sT", keep, KV_OK, true, Feed::summed),
           KV_ROW(FlashLLatTP, "TP", keep),
           KV_ROW(PhaseEnvelope, "ooowo", Refused::envelope),
           KV_ROW(CriticalPoint, "", keep),
-          KV_ROW(WaterDewTemperature, "P", keep, KV_NO_WATER, false),
-          KV_ROW(WaterDewPressure, "T", keep, KV_NO_WATER, false),
-          KV_ROW(WaterDewLine, "--", keep, KV_NO_WATER, false),
+          KV_ROW(WaterDewTemperature, "P", keep, KV_NO_WATER, false, Feed::watered),
+          KV_ROW(WaterDewPressure, "T", keep, KV_NO_WATER, false, Feed::watered),
+          KV_ROW(WaterDewLine, "--", keep, KV_NO_WATER, false, Feed::watered),
           KV_ROW(Humidity, "TP", zero, KV_NO_WATER, false),
           KV_ROW(WetGasComposition, "TP", keep, KV_NO_WATER, false),
-          KV_ROW(HydrateLine, "--", keep, KV_OK, false),
+          KV_ROW(HydrateLine, "--", keep, KV_OK, false, Feed::any),
           KV_ROW(GasN, "TP", zero),
           KV_ROW(LiquidDensity_PPR78, "TP", zero),
           KV_ROW(GasDensity_PPR78, "TP", zero),
@@ -113,8 +120,8 @@ inline std::vector<Export> export_table() {
           KV_ROW(GasMolarEnthalpy_Derivatives_PPR78, "TP", zero),
           KV_ROW(LiquidMolarEntropy_Derivatives_PPR78, "TP", zero),
           KV_ROW(GasMolarEntropy_Derivatives_PPR78, "TP", zero),
-          KV_ROW(LiquidPhi_Derivatives_PPR78, "TP", keep),
-          KV_ROW(GasPhi_Derivatives_PPR78, "TP", keep),
+          KV_ROW(LiquidPhi_Derivatives_PPR78, "TP", each),
+          KV_ROW(GasPhi_Derivatives_PPR78, "TP", each),
           KV_ROW(GasSpecificHeat_PPR78, "TP", zero),
           KV_ROW(GasDynamicViscosity_PPR78, "TP", zero),
           KV_ROW(GasThermalConductivity_PPR78, "TP", zero)};

@@ -31,15 +31,19 @@ class Refusals : public testing::Test {
       return;
     }
     const bool derivatives = std::string(e.name).find("_Derivatives_") != std::string::npos;
+    bool readable = m.record.table != nullptr && m.record.count >= 1 && m.record.count <= KV_MAX_COMPONENTS;
+    for (const Slot& s : a.slots) readable = readable && (s.kind != 'm' || s.address != nullptr);
+    const auto n = static_cast<std::size_t>(readable ? m.n : 0);
     std::size_t output = 0;
     for (const Slot& s : a.slots) {
       if (s.kind != 'o') continue;
       ++output;
       const auto* values = static_cast<const double*>(s.address);
       if (values == nullptr) continue;
-      // Zeros: one, the whole capacity, or for d/dn one for each component where their count could be read.
+      // Zeros: one, the whole capacity, or one for each component where their count could be read.
       std::size_t zeros = e.outputs == Refused::envelope && output <= 3 ? kInteger : 1;
-      if (derivatives && output == 4) zeros = values[0] == kMark ? 0 : static_cast<std::size_t>(m.n);
+      if (derivatives && output == 4) zeros = n;
+      if (e.outputs == Refused::per_component) zeros = output == 4 ? n * n : n;
       for (std::size_t i = 0; i < kOutputSize; ++i)
         EXPECT_EQ(values[i], i < zeros ? 0.0 : kMark) << output << ' ' << i;
     }
@@ -83,7 +87,8 @@ TEST_F(Refusals, ConditionsAndSpecifications) {
         SCOPED_TRACE(testing::Message() << e.name << " argument " << k + 1 << " = " << bad);
         Arguments a(e, m, z);
         a.slots[k].number = bad;
-        expect_refused(e, a, role == 'T' ? KV_TEMPERATURE : role == 'P' ? KV_PRESSURE : KV_SPECIFICATION);
+        const StatusCode check = role == 'T' ? KV_TEMPERATURE : role == 'P' ? KV_PRESSURE : KV_SPECIFICATION;
+        expect_refused(e, a, e.feed == Feed::watered ? StatusCode{KV_NO_WATER} : check);
       }
     }
   }
@@ -92,13 +97,19 @@ TEST_F(Refusals, ConditionsAndSpecifications) {
 TEST_F(Refusals, CompositionsCountsAndTables) {
   const double nan = NAN, inf = std::numeric_limits<double>::infinity();
   const std::vector<std::vector<double>> compositions{
-      {0.5, nan, 0.1}, {0.5, -1e-9, 0.5}, {0, 0, 0}, {inf, 0.1, 0.1}};
+      {0.5, nan, 0.1}, {0.5, -1e-3, 0.5}, {0, 0, 0}, {inf, 0.1, 0.1}};
   for (const Export& e : table) {
     SCOPED_TRACE(e.name);
-    for (std::vector<double> bad : compositions) expect_refused(e, Arguments(e, m, bad), KV_COMPOSITION);
+    const bool summed = e.feed == Feed::summed || e.feed == Feed::watered;
+    for (std::vector<double> bad : compositions) {
+      const bool number = !std::isnan(bad[1]);
+      const StatusCode check = e.feed == Feed::watered ? KV_NO_WATER : KV_COMPOSITION;
+      if (e.feed != Feed::any) expect_refused(e, Arguments(e, m, bad), summed && number ? KV_FEED_SUM : check);
+    }
     for (const std::int32_t count : {0, -1, 10001}) {
       m.record.count = count;
-      expect_refused(e, Arguments(e, m, z), KV_COMPONENT_COUNT);
+      const bool empty = summed && count < 1;
+      if (e.feed != Feed::any) expect_refused(e, Arguments(e, m, z), empty ? KV_FEED_SUM : KV_COMPONENT_COUNT);
     }
     m.record.count = 3;
     m.record.table = nullptr;
@@ -151,24 +162,6 @@ TEST_F(Refusals, ComponentAndGroupData) {
     m.use();
     EXPECT_EQ(e.call(Arguments(e, m, z).slots), KV_OK);
   }
-}
-
-TEST(MolecularWeight, SumsAndRules) {
-  const double x[] = {0.5, 0.25, 0.25}, M[] = {16.0, 44.0, NAN};
-  double out = kMark;
-  EXPECT_EQ(MolecularWeight(2, x, M, &out), KV_OK);
-  EXPECT_EQ(out, 19.0);
-  EXPECT_EQ(MolecularWeight(1, x, M, &out), KV_OK);
-  EXPECT_EQ(out, 8.0);
-  for (const std::int32_t none : {0, -5}) {
-    out = kMark;
-    EXPECT_EQ(MolecularWeight(none, nullptr, nullptr, &out), KV_OK);
-    EXPECT_EQ(out, 0.0);
-  }
-  EXPECT_EQ(MolecularWeight(2, nullptr, M, &out), KV_NULL_ARGUMENT);
-  EXPECT_EQ(MolecularWeight(2, x, nullptr, &out), KV_NULL_ARGUMENT);
-  EXPECT_EQ(MolecularWeight(2, x, M, nullptr), KV_NULL_ARGUMENT);
-  EXPECT_EQ(MolecularWeight(10001, x, M, &out), KV_COMPONENT_COUNT);
 }
 
 }  // namespace

@@ -26,10 +26,9 @@ TEST(EnergySearch, FindsWhatTheMainSolverFinds) {
     for (const auto property : {flash::Property::enthalpy, flash::Property::entropy}) {
       double T[2] = {0.0, 260.0}, beta, x[10], y[10], K[10], liquid, vapour;
       const double value = property == flash::Property::enthalpy ? wanted : -8.0 + wanted / 500.0;
-      flash::EnergyCall call{property,  value,   20.0,    tests::kRichGasFeed.data(),
-                             &m.record, nullptr, false,   true,
-                             &T[0],     &beta,   x,       y,
-                             K,         &liquid, &vapour, nullptr};
+      flash::EnergyCall call{property,  value, 20.0,    tests::kRichGasFeed.data(),
+                             &m.record, &T[0], &beta,   x,
+                             y,         K,     &liquid, &vapour};
       ASSERT_EQ(flash::energy_flash(call), KV_OK);
       call.T = &T[1];
       EXPECT_EQ(flash::energy_search(call), KV_OK);
@@ -46,17 +45,13 @@ TEST(EnergySearch, EndsWithoutAnAnswer) {
                                20.0,
                                tests::kLeanGasFeed.data(),
                                &m.record,
-                               nullptr,
-                               false,
-                               true,
                                &T,
                                &beta,
                                x,
                                y,
                                K,
                                &liquid,
-                               &vapour,
-                               nullptr};
+                               &vapour};
   EXPECT_NE(flash::energy_search(call), KV_OK);
   EXPECT_TRUE(std::isfinite(T));
 }

@@ -475,14 +475,4 @@ TEST(Wrapper, PureWaterLeavesNumbersBehind) {
   for (const double v : r.y) EXPECT_TRUE(std::isfinite(v)) << v;
 }
 
-TEST(Wrapper, TheEstimateIsOfTheNormalisedFeed) {
-  Wrapped w(true);
-  std::vector<double> z = w.z;
-  for (double& v : z) v *= 100.0;
-  host.fail_from = 1;
-  const FlashResult r = flash(w.m, 300, 50, z, 1, &kRoutines, marked(8));
-  EXPECT_NEAR(r.beta, 1 - w.z[2], 1e-12);
-  EXPECT_NEAR(r.y[0], w.z[0] / (1 - w.z[2]), 1e-12);
-}
-
 }  // namespace

@@ -191,6 +191,15 @@ TEST(QualityFlash, FractionsAndEstimatesOutsideTheirRange) {
     p.x[0] = p.y[7] = 1.0;  // methane beside hexane, the wrong way round
     EXPECT_NEAR(find(m, kRichGasFeed, 'T', 1.0, 30.0, 0, p).T, T, 1e-8) << start;
   }
+  Mixture oil = in_use({"carbon_dioxide", "n_decane"});
+  const Point at_T = find(oil, {0.3, 0.7}, 'P', 1.0, 352.55),
+              at_P = find(oil, {0.875, 0.125}, 'T', 0.78, 6.165);
+  for (const double start : {1e-300, 1e-20, 9000.0, 1e20, 1e300}) {
+    Point p;
+    p.T = p.P = start;
+    EXPECT_NEAR(find(oil, {0.3, 0.7}, 'P', 1.0, 352.55, 1, p).P, at_T.P, 1e-8) << start;
+    EXPECT_NEAR(find(oil, {0.875, 0.125}, 'T', 0.78, 6.165, 1, p).T, at_P.T, 1e-8) << start;
+  }
 }
 
 TEST(QualityFlash, SingleComponents) {

@@ -12,43 +12,39 @@ using namespace kestrune::flash;
 
 namespace {
 
-TEST(Settings, UnusableFieldsTakeTheirDefaults) {
+TEST(Settings, ABlockOfZerosTakesTheDefaultsAnyOtherStands) {
   MixtureRecord r{};
   r.count = 9;
-  for (const double bad : {0.0, -1.0, static_cast<double>(NAN), static_cast<double>(INFINITY)}) {
-    r.CRIT = r.CLIM = r.EPS = r.relaxation = bad;
-    r.ITEMAX = r.NEW = bad < 0 ? -5 : 0;
+  const Settings none = copy_settings(r);
+  EXPECT_EQ(none.CRIT, KV_DEFAULT_CRIT);
+  EXPECT_EQ(none.CLIM, KV_DEFAULT_CLIM);
+  EXPECT_EQ(none.EPS, KV_DEFAULT_EPS);
+  EXPECT_EQ(none.ITEMAX, KV_DEFAULT_ITEMAX);
+  EXPECT_EQ(none.relaxation, KV_DEFAULT_RELAXATION);
+  EXPECT_EQ(pure_tolerance(r), KV_DEFAULT_PURE_TOLERANCE);
+  EXPECT_EQ(sum_tolerance(r), KV_DEFAULT_SUM_TOLERANCE);
+  for (const double given : {0.0, -1.0, 1e-9, static_cast<double>(INFINITY)}) {
+    r.CRIT = r.CLIM = r.EPS = r.relaxation = r.pure_tolerance = r.sum_tolerance = given;
+    r.ITEMAX = r.NEW =
+        given > 0.0 ? 2147483647 : static_cast<int>(given);  // NEW (n + 1) has no room in 32 bits
+    r.trace_flag = -1;
+    r.trace_unit = 33;
     const Settings s = copy_settings(r);
-    EXPECT_EQ(s.CRIT, KV_DEFAULT_CRIT);
-    EXPECT_EQ(s.CLIM, KV_DEFAULT_CLIM);
-    EXPECT_EQ(s.EPS, KV_DEFAULT_EPS);
-    EXPECT_EQ(s.relaxation, KV_DEFAULT_RELAXATION);
-    EXPECT_EQ(s.ITEMAX, KV_DEFAULT_ITEMAX);
-    EXPECT_EQ(s.global_budget, 0);
-    EXPECT_FALSE(s.trace);
+    EXPECT_EQ(s.CRIT, given);
+    EXPECT_EQ(s.CLIM, given);
+    EXPECT_EQ(s.EPS, given);
+    EXPECT_EQ(s.relaxation, given < 1.0 ? given : KV_DEFAULT_RELAXATION);
+    EXPECT_EQ(s.ITEMAX, given > 0.0 ? KV_MOST_ITERATIONS : 0);
+    EXPECT_EQ(s.global_budget, given > 0.0 ? 1000000000 : 0);
+    EXPECT_EQ(pure_tolerance(r), given);
+    EXPECT_EQ(sum_tolerance(r), given < 1.0 ? given : KV_DEFAULT_SUM_TOLERANCE);
+    EXPECT_TRUE(s.trace);
+    EXPECT_EQ(s.trace_unit, 33);
   }
-  r = MixtureRecord{};
-  r.count = 9;
   r.CRIT = 1e-9;
-  r.CLIM = 2.0;
-  r.EPS = 1e-3;
-  r.ITEMAX = 7;
   r.NEW = 4;
-  r.relaxation = 0.6;
-  r.trace_flag = -1;
-  r.trace_unit = 33;
-  const Settings s = copy_settings(r);
-  EXPECT_EQ(s.CRIT, 1e-9);
-  EXPECT_DOUBLE_EQ(s.loose, std::pow(1e-9, 0.33));
-  EXPECT_EQ(s.CLIM, 2.0);
-  EXPECT_EQ(s.EPS, 1e-3);
-  EXPECT_EQ(s.ITEMAX, 7);
-  EXPECT_EQ(s.global_budget, 40);
-  EXPECT_EQ(s.relaxation, 0.6);
-  EXPECT_TRUE(s.trace);
-  EXPECT_EQ(s.trace_unit, 33);
-  r.NEW = 2147483647;  // the product has no room in 32 bits
-  EXPECT_GE(copy_settings(r).global_budget, 1000000000);
+  EXPECT_DOUBLE_EQ(copy_settings(r).loose, std::pow(1e-9, 0.33));
+  EXPECT_EQ(copy_settings(r).global_budget, 40);
 }
 
 TEST(Settings, RobustModels) {

@@ -126,7 +126,7 @@ KV_API StatusCode KV_CALL GasSpecificHeat_PPR78(double T, double, const double*,
 KV_API StatusCode KV_CALL GasDynamicViscosity_PPR78(double, double P, const double*, MixtureRecord*,
                                                     double* viscosity) {
   *viscosity = 0.011;
-  return P > fake::kHighest ? KV_NOT_AVAILABLE : KV_OK;
+  return P > fake::kHighest ? KV_PURE_NO_CORRELATION : KV_OK;
 }
 
 KV_API StatusCode KV_CALL GasThermalConductivity_PPR78(double, double, const double*, MixtureRecord*,

@@ -9,6 +9,18 @@
 
 namespace kestrune::exports {
 
+/*
+ * Whether the arguments of a calculation can be read at all: for those whose further checks give way to a
+ * result that their feed has.
+ */
+template <class... Pointers>
+StatusCode check_readable(const double* z, const MixtureRecord* mixture, const Pointers*... outputs) {
+  const StatusCode status = frame::check_pointers(z, mixture, outputs...);
+  if (status != KV_OK || mixture->count < 1) return status;
+  return mixture->count > KV_MAX_COMPONENTS ? StatusCode{KV_COMPONENT_COUNT}
+                                            : frame::check_pointers(mixture->table);
+}
+
 // Puts the host's flags byte back on every way out of a call.
 class FlagsKeeper {
  public:
@@ -62,10 +74,16 @@ inline StatusCode told(const flash::HostRoutines& host, StatusCode status) {
   return status == flash::kHostStatus ? host.status : status;
 }
 
-/* A core without a wrapper. */
+/* A core without a wrapper: the status is its own. */
 template <class Core>
 StatusCode run_and_tell(flash::HostRoutines& host, Core&& core) {
   return told(host, run_core(host, core));
+}
+
+/* Whether a flash that ended with this status may end better without free water or from another start. */
+inline bool worth_a_retry(StatusCode status) {
+  const bool of_arguments = status > KV_STATUS_CALL_BLOCK && status <= KV_SPECIFICATION;
+  return status != KV_OK && !of_arguments;
 }
 
 inline StatusCode hide_single_phase(StatusCode status) {
@@ -88,22 +106,19 @@ StatusCode two_phase_wrapper(double P, const double* z, MixtureRecord& mixture, 
   const std::int32_t iw = locate_water(mixture, z);
   const auto run = [&](bool hint) { return hide_single_phase(run_core(host, [&] { return core(hint); })); };
   const StatusCode status = run(false);
-  if (status == KV_OK || !free_water(mixture)) return told(host, status);
-  const bool hopeless = status > KV_STATUS_CALL_BLOCK && status != flash::kHostStatus;
-  if (hopeless) return status;  // nothing that a retry could mend
+  if (!free_water(mixture) || !worth_a_retry(status)) return told(host, status);
   if (P > water_critical_pressure(mixture, iw)) {
     mixture.flags = 0;
     return told(host, run(false));
   }
-  double sum = 0.0;
-  for (std::int32_t i = 0; i < mixture.count; ++i) sum += z[i];
-  const double w = z[iw - 1] / sum;
+  const double w = z[iw - 1];
   if ((options & 1) == 0 || w == 0.0) return told(host, status);
-  // All the water in the liquid, all the rest in the vapour (nothing, for a feed of water).
+  // All the water in the liquid, all the rest in the vapour (nothing, for a feed of water). Of a feed that does
+  // not sum to one that is no estimate, and the flash takes it as none.
   *result.beta = 1.0 - w;
   for (std::int32_t i = 0; i < mixture.count; ++i) {
     result.x[i] = 0.0;
-    result.y[i] = w < 1.0 ? z[i] / sum / (1.0 - w) : 0.0;
+    result.y[i] = w != 1.0 ? z[i] / (1.0 - w) : 0.0;
   }
   result.x[iw - 1] = 1.0;
   result.y[iw - 1] = 0.0;

@@ -16,17 +16,34 @@ using frame::guarded;
 using exports::check_state;
 using exports::mapped;
 
+// [count] each, dn [count * count]; null for what is not asked for.
 struct PhiOutputs {
   double *ln_phi, *dT, *dP, *dn;
 };
 
-StatusCode phi_core(double T, double P, const double* x, MixtureRecord& mixture, int phase, int mask,
+void zero(std::size_t n, const PhiOutputs& out) {
+  for (double* array : {out.ln_phi, out.dT, out.dP})
+    if (array != nullptr) std::fill_n(array, n, 0.0);
+  if (out.dn != nullptr) std::fill_n(out.dn, n * n, 0.0);
+}
+
+bool all_finite(std::size_t n, const PhiOutputs& out) {
+  bool good = true;
+  const auto look = [&](const double* array, std::size_t size) {
+    for (std::size_t i = 0; array != nullptr && i < size; ++i) good &= std::fabs(array[i]) <= DBL_MAX;
+  };
+  for (const double* array : {out.ln_phi, out.dT, out.dP}) look(array, n);
+  look(out.dn, n * n);
+  return good;
+}
+
+StatusCode phi_core(double T, double P, const double* x, MixtureRecord& mixture, int phase,
                     const PhiOutputs& out) {
   const int n = mixture.count;
   return support::with_arena<4, 60>(n, [&](support::Arena& arena) -> StatusCode {
     eos::Temperature t;
-    const bool with_T = (mask & KV_DERIV_T) != 0;
-    const StatusCode status = eos::prepare(T, mixture, frame::state().group_data, with_T ? 1 : 0, arena, t);
+    const StatusCode status =
+        eos::prepare(T, mixture, frame::state().group_data, out.dT != nullptr ? 1 : 0, arena, t);
     if (status != KV_OK) return status;
     double* padded = arena.zeros(t.ld);
     std::copy_n(x, n, padded);
@@ -37,39 +54,42 @@ StatusCode phi_core(double T, double P, const double* x, MixtureRecord& mixture,
     double Z = 0.0;
     const int root =
         eos::solve_root(frame::tools::bracub(), m.a * P / (rt * rt), m.b * P / rt, phase, false, Z);
-    if (root > 50) return root;
+    if (!eos::has_root(root)) return root;
     eos::Root r;
     eos::reduce(t, m, P, Z, r);
     eos::ln_phi(t, m, r, s, row);
     std::copy_n(row, n, out.ln_phi);
     const eos::Mechanics k = eos::mechanics(t, m, r);
-    if ((mask & KV_DERIV_P) != 0) {
+    if (out.dP != nullptr) {
       eos::p_dln_phi_dP(t, k, r, s, row);
       for (int i = 0; i < n; ++i) out.dP[i] = row[i] / P;
     }
-    if (with_T) eos::dln_phi_dT(t, m, r, k, padded, s, row + t.ld, out.dT);
-    if ((mask & KV_DERIV_N) != 0) eos::dln_phi_dn(t, m, r, k, s, out.dn, n, n, false);
-    for (int i = 0; i < n; ++i)
-      if (!(std::fabs(out.ln_phi[i]) <= DBL_MAX)) return KV_NOT_FINITE;
-    return root;
+    if (out.dT != nullptr) eos::dln_phi_dT(t, m, r, k, padded, s, row + t.ld, out.dT);
+    if (out.dn != nullptr) eos::dln_phi_dn(t, m, r, k, s, out.dn, n, n, false);
+    return all_finite(static_cast<std::size_t>(n), out) ? root : KV_NOT_FINITE;
   });
 }
 
 StatusCode phi_derivatives(double T, double P, const double* x, MixtureRecord* mixture, int phase, int mask,
-                           const PhiOutputs& out) {
+                           PhiOutputs out) {
   return guarded([&]() -> StatusCode {
-    const StatusCode status = check_state(T, P, x, mixture);
-    if (status != KV_OK) return status;
-    const bool missing = out.ln_phi == nullptr || ((mask & KV_DERIV_T) && out.dT == nullptr) ||
-                         ((mask & KV_DERIV_P) && out.dP == nullptr) ||
-                         ((mask & KV_DERIV_N) && out.dn == nullptr);
-    if (missing) return KV_NULL_ARGUMENT;
+    const StatusCode readable = frame::check_record(mixture);
+    if (readable != KV_OK) return readable;
+    bool missing = out.ln_phi == nullptr;
+    const auto asked = [&](int bit, double*& array) {
+      if ((mask & bit) == 0) array = nullptr;
+      missing = missing || ((mask & bit) != 0 && array == nullptr);
+    };
+    asked(KV_DERIV_T, out.dT);
+    asked(KV_DERIV_P, out.dP);
+    asked(KV_DERIV_N, out.dn);
     const auto n = static_cast<std::size_t>(mixture->count);
-    std::fill_n(out.ln_phi, n, 0.0);
-    if (mask & KV_DERIV_T) std::fill_n(out.dT, n, 0.0);
-    if (mask & KV_DERIV_P) std::fill_n(out.dP, n, 0.0);
-    if (mask & KV_DERIV_N) std::fill_n(out.dn, n * n, 0.0);
-    return mapped(phi_core(T, P, x, *mixture, phase, mask, out));
+    zero(n, out);
+    if (missing) return KV_NULL_ARGUMENT;
+    StatusCode status = check_state(T, P, x, mixture);
+    if (status == KV_OK) status = mapped(phi_core(T, P, x, *mixture, phase, out));
+    if (status != KV_OK) zero(n, out);
+    return status;
   });
 }
 

@@ -2,6 +2,7 @@
 #ifndef KESTRUNE_FRAME_EXPORTS_PROPERTY_FRAME_HPP
 #define KESTRUNE_FRAME_EXPORTS_PROPERTY_FRAME_HPP
 
+#include "eos/phase.hpp"
 #include "frame/boundary.hpp"
 
 namespace kestrune::exports {
@@ -11,9 +12,9 @@ inline StatusCode check_state(double T, double P, const double* x, const Mixture
       {frame::check_temperature(T), frame::check_pressure(P), frame::check_feed(x, mixture)});
 }
 
-// Statuses of the cores that a host sees: warnings up to 50 and 201, 202 are none.
+// Statuses of the cores that a host sees: those that come with a root are none.
 inline StatusCode mapped(StatusCode status) {
-  return status <= 50 || status == 201 || status == 202 ? KV_OK : status;
+  return eos::has_root(status) ? StatusCode{KV_OK} : status;
 }
 
 }  // namespace kestrune::exports

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "flash/settings.hpp"
 #include "flash3/liquid_liquid.hpp"
 #include "flash3/three_energy.hpp"
 #include "flash3/three_quality.hpp"
@@ -12,12 +13,15 @@ namespace {
 
 using namespace kestrune;
 
-// The first unusable argument of a flash, or KV_OK.
+// The first unusable argument of a flash, or KV_OK. A feed that does not sum to one, an empty one among them,
+// has its status before what is wrong with the rest.
 template <class... Pointers>
 StatusCode check_flash(StatusCode first, StatusCode second, const double* z, const MixtureRecord* mixture,
                        const Pointers*... outputs) {
-  const StatusCode bad = frame::first_failure({first, second, frame::check_pointers(z, mixture, outputs...)});
-  return bad != KV_OK ? bad : frame::check_feed(z, mixture);
+  const StatusCode readable = exports::check_readable(z, mixture, outputs...);
+  if (readable != KV_OK) return readable;
+  return frame::first_failure(
+      {flash::check_feed_sum(z, *mixture), first, second, frame::check_feed(z, mixture)});
 }
 
 // A phase that vanished is no failure.
@@ -27,57 +31,52 @@ StatusCode hide_vanished(StatusCode status) {
 
 /*
  * The wrapper of the three-phase flashes: flags byte, water, one retry without free water above water's
- * critical pressure, and the liquid that is marked moved to B. core() runs the flash with the record as it then
- * stands.
+ * critical pressure, and, whatever the status, the liquid that is marked moved to B, with the values A and B of
+ * the liquids where there are any. core() runs the flash with the record as it then stands.
  */
 template <class Core>
 StatusCode three_phase_wrapper(double P, const double* z, MixtureRecord& mixture, flash::HostRoutines& host,
-                               const flash3::ThreePhaseResult& out, Core core) {
+                               const flash3::ThreePhaseResult& out, double* A, double* B, Core core) {
   const exports::FlagsKeeper keeper(mixture);
   const std::int32_t iw = exports::locate_water(mixture, z);
   StatusCode status = hide_vanished(exports::run_core(host, core));
-  if (status != KV_OK && exports::free_water(mixture) && P > exports::water_critical_pressure(mixture, iw)) {
+  if (exports::free_water(mixture) && exports::worth_a_retry(status) &&
+      P > exports::water_critical_pressure(mixture, iw)) {
     mixture.flags = 0;
     status = hide_vanished(exports::run_core(host, core));
   }
-  if (status == KV_OK || status == KV_LV_ANSWER_DOUBTFUL) flash3::move_marked_liquid(mixture.count, out);
+  if (flash3::move_marked_liquid(mixture.count, out) && A != nullptr) std::swap(*A, *B);
   return exports::told(host, status);
 }
 
-// At enthalpy or entropy; free water is filled in here. The value of a liquid goes where the liquid goes.
+// At enthalpy or entropy; routines and free water are filled in here.
 StatusCode energy_flash(flash3::ThreeEnergyCall call, const ModelRoutines* routines) {
   return frame::guarded([&]() -> StatusCode {
     const flash3::ThreePhaseResult& out = call.out;
     const StatusCode bad = check_flash(frame::check_specified(call.wanted), frame::check_pressure(call.P),
                                        call.z, call.mixture, call.T, out.beta, out.V, out.xA, out.xB, out.y,
                                        out.KLL, out.KLV, call.A, call.B, call.vapour);
-    if (bad != KV_OK) return bad;
+    if (bad != KV_OK && bad != KV_FEED_SUM) return bad;
     flash::HostRoutines host = exports::foreign_routines(routines);
     call.routines = &host;
-    const StatusCode status = three_phase_wrapper(call.P, call.z, *call.mixture, host, out, [&] {
+    return three_phase_wrapper(call.P, call.z, *call.mixture, host, out, call.A, call.B, [&] {
       call.free_water = exports::free_water(*call.mixture);
-      return flash3::three_energy_flash(call);
+      return bad != KV_OK ? bad : flash3::three_energy_flash(call);
     });
-    if (status == KV_OK && *out.beta == 0.0 && *out.V > 0.0 && *call.A != 0.0 && *call.B == 0.0)
-      std::swap(*call.A, *call.B);
-    return status;
   });
 }
 
-// At vapour fraction.
+// At vapour fraction: the core alone, which finds water by itself.
 StatusCode quality_flash(StatusCode condition, flash3::ThreeQualityCall call, const ModelRoutines* routines) {
   return frame::guarded([&]() -> StatusCode {
     const flash3::ThreePhaseResult& out = call.out;
     const StatusCode bad = check_flash(frame::check_specified(call.W), condition, call.z, call.mixture,
                                        call.unknown, out.beta, out.xA, out.xB, out.y, out.KLL, out.KLV);
     if (bad != KV_OK) return bad;
-    const double P = call.find == flash::Find::temperature ? call.given : *call.unknown;
     flash::HostRoutines host = exports::foreign_routines(routines);
     call.routines = &host;
-    return three_phase_wrapper(P, call.z, *call.mixture, host, out, [&] {
-      call.free_water = exports::free_water(*call.mixture);
-      return flash3::three_quality_flash(call);
-    });
+    call.free_water = exports::free_water(*call.mixture) && flash::has_free_water(*call.mixture, call.z);
+    return exports::run_and_tell(host, [&] { return flash3::three_quality_flash(call); });
   });
 }
 
@@ -90,12 +89,13 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatTP(double T, double P, const double* z, Mi
   return frame::guarded([&]() -> StatusCode {
     const StatusCode bad = check_flash(frame::check_temperature(T), frame::check_pressure(P), z, mixture, beta,
                                        V, xA, xB, y, KLL, KLV);
-    if (bad != KV_OK) return bad;
+    if (bad != KV_OK && bad != KV_FEED_SUM) return bad;
     const flash3::ThreePhaseResult out{beta, V, xA, xB, y, KLL, KLV};
     flash::HostRoutines host = exports::foreign_routines(routines);
-    return three_phase_wrapper(P, z, *mixture, host, out, [&] {
-      return flash3::three_phase_flash(
-          {T, P, z, mixture, &host, exports::free_water(*mixture), (options & 1) != 0, out});
+    return three_phase_wrapper(P, z, *mixture, host, out, nullptr, nullptr, [&] {
+      return bad != KV_OK ? bad
+                          : flash3::three_phase_flash({T, P, z, mixture, &host, exports::free_water(*mixture),
+                                                       (options & 1) != 0, out});
     });
   });
 }
@@ -104,19 +104,8 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatHP(double H, double P, const double* z, Mi
                                          const ModelRoutines* routines, int32_t options, double* T,
                                          double* beta, double* V, double* xA, double* xB, double* y,
                                          double* KLL, double* KLV, double* HA, double* HB, double* HV) {
-  return energy_flash({flash::Property::enthalpy,
-                       H,
-                       P,
-                       z,
-                       mixture,
-                       nullptr,
-                       false,
-                       (options & 1) != 0,
-                       T,
-                       {beta, V, xA, xB, y, KLL, KLV},
-                       HA,
-                       HB,
-                       HV},
+  const flash3::ThreePhaseResult out{beta, V, xA, xB, y, KLL, KLV};
+  return energy_flash({flash::Property::enthalpy, H, P, z, mixture, T, out, HA, HB, HV, (options & 1) != 0},
                       routines);
 }
 
@@ -124,19 +113,8 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatSP(double S, double P, const double* z, Mi
                                          const ModelRoutines* routines, int32_t options, double* T,
                                          double* beta, double* V, double* xA, double* xB, double* y,
                                          double* KLL, double* KLV, double* SA, double* SB, double* SV) {
-  return energy_flash({flash::Property::entropy,
-                       S,
-                       P,
-                       z,
-                       mixture,
-                       nullptr,
-                       false,
-                       (options & 1) != 0,
-                       T,
-                       {beta, V, xA, xB, y, KLL, KLV},
-                       SA,
-                       SB,
-                       SV},
+  const flash3::ThreePhaseResult out{beta, V, xA, xB, y, KLL, KLV};
+  return energy_flash({flash::Property::entropy, S, P, z, mixture, T, out, SA, SB, SV, (options & 1) != 0},
                       routines);
 }
 
@@ -145,18 +123,9 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatWP(double W, double P, const double* z, Mi
                                          double* beta, double* xA, double* xB, double* y, double* KLL,
                                          double* KLV) {
   double V = W;
+  const flash3::ThreePhaseResult out{beta, &V, xA, xB, y, KLL, KLV};
   return quality_flash(frame::check_pressure(P),
-                       {flash::Find::temperature,
-                        W,
-                        P,
-                        z,
-                        mixture,
-                        nullptr,
-                        false,
-                        (options & 1) != 0,
-                        T,
-                        {beta, &V, xA, xB, y, KLL, KLV}},
-                       routines);
+                       {flash::Find::temperature, W, P, z, mixture, T, out, (options & 1) != 0}, routines);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, MixtureRecord* mixture,
@@ -164,18 +133,9 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, Mi
                                          double* beta, double* xA, double* xB, double* y, double* KLL,
                                          double* KLV) {
   double V = W;
+  const flash3::ThreePhaseResult out{beta, &V, xA, xB, y, KLL, KLV};
   return quality_flash(frame::check_temperature(T),
-                       {flash::Find::pressure,
-                        W,
-                        T,
-                        z,
-                        mixture,
-                        nullptr,
-                        false,
-                        (options & 1) != 0,
-                        P,
-                        {beta, &V, xA, xB, y, KLL, KLV}},
-                       routines);
+                       {flash::Find::pressure, W, T, z, mixture, P, out, (options & 1) != 0}, routines);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, MixtureRecord* mixture,

@@ -30,7 +30,8 @@ StatusCode energy_flash(flash::EnergyCall call, const ModelRoutines* routines, i
     call.routines = &host;
     const auto core = [&](bool hint) {
       call.free_water = exports::free_water(*call.mixture);
-      call.cold = (options & 1) != 0 && !hint;
+      call.index = options & 1;
+      call.cold = call.index != 0 && !hint;  // a hint is started from, which makes no warm start of it
       return flash::energy_flash(call);
     };
     return exports::two_phase_wrapper(call.P, call.z, *call.mixture, host, options, {call.beta, call.x, call.y},
@@ -38,18 +39,18 @@ StatusCode energy_flash(flash::EnergyCall call, const ModelRoutines* routines, i
   });
 }
 
-// At vapour fraction.
-StatusCode quality_flash(StatusCode condition, flash::QualityCall call, const ModelRoutines* routines) {
+// At vapour fraction: the core alone, which finds water by itself.
+StatusCode quality_flash(StatusCode condition, flash::QualityCall call, const ModelRoutines* routines,
+                         int32_t options) {
   return guarded([&]() -> StatusCode {
     const StatusCode bad =
         first_failure({frame::check_specified(call.W), condition,
                        check_flash(call.z, call.mixture, call.unknown, call.x, call.y, call.K)});
     if (bad != KV_OK) return bad;
-    const exports::FlagsKeeper keeper(*call.mixture);
-    exports::locate_water(*call.mixture, call.z);
     flash::HostRoutines host = exports::foreign_routines(routines);
     call.routines = &host;
-    call.free_water = exports::free_water(*call.mixture);
+    call.cold = (options & 1) != 0;
+    call.free_water = exports::free_water(*call.mixture) && flash::has_free_water(*call.mixture, call.z);
     return exports::run_and_tell(host, [&] { return flash::quality_flash(call); });
   });
 }
@@ -78,31 +79,27 @@ KV_ENTRY StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, Mix
 KV_ENTRY StatusCode KV_CALL FlashLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* T, double* beta,
                                         double* x, double* y, double* K, double* HL, double* HV) {
-  return energy_flash(
-      {flash::Property::enthalpy, H, P, z, mixture, nullptr, false, true, T, beta, x, y, K, HL, HV, nullptr},
-      routines, options);
+  return energy_flash({flash::Property::enthalpy, H, P, z, mixture, T, beta, x, y, K, HL, HV}, routines,
+                      options);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLVatSP(double S, double P, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* T, double* beta,
                                         double* x, double* y, double* K, double* SL, double* SV) {
-  return energy_flash(
-      {flash::Property::entropy, S, P, z, mixture, nullptr, false, true, T, beta, x, y, K, SL, SV, nullptr},
-      routines, options);
+  return energy_flash({flash::Property::entropy, S, P, z, mixture, T, beta, x, y, K, SL, SV}, routines,
+                      options);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* T, double* x,
                                         double* y, double* K) {
-  return quality_flash(
-      frame::check_pressure(P),
-      {flash::Find::temperature, W, P, z, mixture, nullptr, false, (options & 1) != 0, T, x, y, K}, routines);
+  return quality_flash(frame::check_pressure(P), {flash::Find::temperature, W, P, z, mixture, T, x, y, K},
+                       routines, options);
 }
 
 KV_ENTRY StatusCode KV_CALL FlashLVatWT(double W, double T, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* P, double* x,
                                         double* y, double* K) {
-  return quality_flash(
-      frame::check_temperature(T),
-      {flash::Find::pressure, W, T, z, mixture, nullptr, false, (options & 1) != 0, P, x, y, K}, routines);
+  return quality_flash(frame::check_temperature(T), {flash::Find::pressure, W, T, z, mixture, P, x, y, K},
+                       routines, options);
 }

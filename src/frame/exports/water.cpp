@@ -1,6 +1,8 @@
 // Exports: water dew points, humidity and hydrates.
 
-#include "frame/boundary.hpp"
+#include "flash/settings.hpp"
+#include "frame/cas.hpp"
+#include "frame/exports/flash_wrapper.hpp"
 #include "kestrune/kvgasthermo.h"
 #include "water/dew.hpp"
 #include "water/hydrate.hpp"
@@ -19,6 +21,21 @@ StatusCode check(StatusCode condition, const double* z, const MixtureRecord* mix
   return first_failure({condition, frame::check_pointers(outputs...), frame::check_feed(z, mixture)});
 }
 
+/*
+ * Of a dew point: what could not be read at all, then a feed that does not sum to one, as an empty one, then
+ * one without water, then the rest.
+ */
+template <class... Pointers>
+StatusCode check_dew(StatusCode condition, const double* z, const MixtureRecord* mixture,
+                     const Pointers*... outputs) {
+  const StatusCode readable = exports::check_readable(z, mixture, outputs...);
+  if (readable != KV_OK) return readable;
+  const StatusCode sum = flash::check_feed_sum(z, *mixture);
+  if (sum != KV_OK) return sum;
+  if (frame::find_cas(mixture->count, mixture->table, frame::WaterCas) == 0) return KV_NO_WATER;
+  return check(condition, z, mixture);
+}
+
 StatusCode check_TP(double T, double P) {
   return first_failure({frame::check_temperature(T), frame::check_pressure(P)});
 }
@@ -32,7 +49,7 @@ void zero(double* value) {
 KV_ENTRY StatusCode KV_CALL WaterDewTemperature(double P, const double* z, int32_t method, int32_t, int32_t,
                                                 MixtureRecord* mixture, int32_t, double* T) {
   return guarded([&]() -> StatusCode {
-    const StatusCode bad = check(frame::check_pressure(P), z, mixture, T);
+    const StatusCode bad = check_dew(frame::check_pressure(P), z, mixture, T);
     return bad != KV_OK ? bad : water::dew_temperature({z, method, mixture}, P, *T);
   });
 }
@@ -40,7 +57,7 @@ KV_ENTRY StatusCode KV_CALL WaterDewTemperature(double P, const double* z, int32
 KV_ENTRY StatusCode KV_CALL WaterDewPressure(double T, const double* z, int32_t method, int32_t, int32_t,
                                              MixtureRecord* mixture, int32_t, double* P) {
   return guarded([&]() -> StatusCode {
-    const StatusCode bad = check(frame::check_temperature(T), z, mixture, P);
+    const StatusCode bad = check_dew(frame::check_temperature(T), z, mixture, P);
     return bad != KV_OK ? bad : water::dew_pressure({z, method, mixture}, T, *P);
   });
 }
@@ -50,7 +67,7 @@ KV_ENTRY StatusCode KV_CALL WaterDewLine(const double* z, int32_t method, int32_
                                          int32_t points, double* T, double* P, int32_t* status,
                                          int32_t* found) {
   return guarded([&]() -> StatusCode {
-    const StatusCode bad = check(KV_OK, z, mixture, T, P, status, found);
+    const StatusCode bad = check_dew(KV_OK, z, mixture, T, P, status, found);
     return bad != KV_OK ? bad
                         : water::dew_line({z, method, mixture}, min_P, max_P, points, T, P, status, *found);
   });
@@ -83,7 +100,11 @@ KV_ENTRY StatusCode KV_CALL WetGasComposition(double T, double P, const double* 
 KV_ENTRY StatusCode KV_CALL HydrateLine(const double* z, int32_t kind, double M, double percent, int32_t points,
                                         MixtureRecord* mixture, int32_t, double* T, double* P) {
   return guarded([&]() -> StatusCode {
-    const StatusCode bad = check(KV_OK, z, mixture, T, P);
-    return bad != KV_OK ? bad : water::hydrate_line(z, kind, M, percent, points, *mixture, T, P);
+    if (kind == 5 && !(M > 0.0)) return KV_INHIBITOR_MASS;
+    if (points <= 0) return KV_OK;
+    StatusCode bad = frame::check_pointers(mixture, T, P);
+    if (bad == KV_OK && mixture->count > 0) bad = frame::check_pointers(z, mixture->table);
+    if (bad == KV_OK) water::hydrate_line(z, kind, M, percent, points, *mixture, T, P);
+    return bad;
   });
 }

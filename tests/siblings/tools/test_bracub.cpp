@@ -1,6 +1,7 @@
 // BRACUB against roots of 25 digits (tests/data/cubic_roots.csv, made by tools/make_cubic_reference.py).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -127,6 +128,27 @@ TEST(Bracub, LooseToleranceKeepsRootAndStatus) {
     EXPECT_TRUE(agrees(a, r.first, 1e-5 * r.first.Z)) << describe(r, a);
     EXPECT_GT(a.Z, r.B) << describe(r, a);
   }
+}
+
+// No cubic, no root: whatever stands where a number should, and a leading coefficient of 0.
+TEST(Bracub, WhatIsNoCubicLeavesZAlone) {
+  constexpr double inf = std::numeric_limits<double>::infinity(),
+                   nan = std::numeric_limits<double>::quiet_NaN();
+  const double good[] = {1.0, -0.9, 0.3, -0.02, 0.4, 0.1};  // c0 .. c3, A, B
+  const double u = 2.0, w = -1.0, settings[8] = {};
+  for (int place = 0; place < 6; ++place)
+    for (const double bad : {nan, inf, -inf, 0.0})
+      for (const std::int32_t phase : {1, 2}) {
+        if (bad == 0.0 && place != 0) continue;
+        double c[6];
+        std::copy(good, good + 6, c);
+        c[place] = bad;
+        double Z = -77.0;
+        std::int32_t status = -1;
+        BRACUB(c, c + 1, c + 2, c + 3, &Z, &status, &phase, &u, &w, c + 4, c + 5, settings);
+        EXPECT_EQ(status, 51) << place << ' ' << bad;
+        EXPECT_EQ(Z, -77.0) << place << ' ' << bad;
+      }
 }
 
 }  // namespace
