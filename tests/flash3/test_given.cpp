@@ -133,7 +133,7 @@ TEST(ThreePhaseLine, AlmostPureComponentsBoil) {
       Mixture m = mixture_of(c.ids);
       m.use();
       const Given g = at_energy(m, c.entropy, c.value, c.P, c.z, 0, {}, by);
-      ASSERT_TRUE(g.status == KV_OK || g.status == KV_LV_ANSWER) << g.status;
+      ASSERT_EQ(g.status, KV_OK);
       EXPECT_NEAR(g.sum(), c.value, 1e-9 * std::fabs(c.value));
       expect_balance(g, c.z);
       EXPECT_LT(flash3(m, g.T * (1.0 - 1e-7), c.P, c.z).V, g.V);
