@@ -228,7 +228,7 @@ TEST(HostFlashes, TheirStatusesAreNotLost) {
   expect_equilibrium(m, 300, 20, kThree, through_host(m, 300, 20, kThree, r, bad_lv));
   for (const Host& unusable : {bad, bad_ll, silent, mute})
     EXPECT_EQ(through_host(m, 300, 20, kThree, r, unusable).status, KV_NO_START);
-  const Host single{.ll_status = KV_SINGLE_PHASE};
+  const Host single{.ll_status = 95};
   expect_equilibrium(m, 300, 20, kThree, through_host(m, 300, 20, kThree, r, single));
   for (const double share : {0.0, 1e-7, 1.0 - 1e-7}) {  // one liquid
     a = through_host(m, 300, 150, {0.1, 0.9, 0.0}, r, {.lv_status = 112, .ll_share = share});
