@@ -76,15 +76,15 @@ double saturated_gas_water(const Wet& f, double ln_phi_w) {
 
 // Mole fractions of the hydrocarbons that hold water up to their limit, in those of a liquid with this much
 // water.
-double oil_scale(const Wet& f, double xw) {
-  const double s = f.m.solubility.value;
-  return xw > s && xw < 1.0 ? (1.0 - s) / (1.0 - xw) : 1.0;
+double oil_scale(const Wet& f, const double* x) {
+  const double s = f.m.solubility.value, oil = oil_of(f.m.n, f.m.water, x);
+  return x[f.m.water] > s && oil > 0.0 ? (1.0 - s) / oil : 1.0;
 }
 
 // From what was missing beside the answer of which it was.
 void start_from_trial(Wet& f, const WetTrial& t, bool trial_is_gas) {
   const double* const other = trial_is_gas ? f.answer.x : f.answer.y;
-  const double scale = trial_is_gas ? oil_scale(f, other[f.m.water]) : 1.0;
+  const double scale = trial_is_gas ? oil_scale(f, other) : 1.0;
   for (int i = 0; i < f.m.n; ++i) {
     // ln phi of the answer's phase by the fugacity and its composition, of hydrocarbons without free water.
     const double ln_phi = f.answer.d[i] - support::fast_log(scale * other[i]);
@@ -105,7 +105,7 @@ void start_from_wilson(Wet& f) {
 void start_from_estimate(Wet& f) {
   const IsothermalCall& c = f.call;
   const int w = f.m.water;
-  const double scale = oil_scale(f, c.x[w]);
+  const double scale = oil_scale(f, c.x);
   for (int i = 0; i < f.m.n; ++i) {
     double k = f.wilson_k[i];
     if (c.x[i] > 0.0 && c.y[i] > 0.0) k = c.y[i] / (scale * c.x[i]);
@@ -177,22 +177,20 @@ StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
     good_gas = accept(f, third);
     lacks_oil = !good_gas && f.liquid.found && !(f.vapour.found && f.vapour.ln_sum > kOwedFugacity);
     // A fluid that is a liquid by its name comes second.
-    if (good_gas && (f.water > kWaterRich || called_gas(f, f.answer.y, f.answer.Zy))) return finish(f);
+    if (good_gas && called_gas(f, f.answer.y, f.answer.Zy)) return finish(f);
     have_gas = f.liquid.found && f.liquid.ln_sum > 0.0;
     if (have_gas) start_from_trial(f, f.liquid, false);
     std::copy_n(f.log_k, f.m.n, gas_k);
   }
   if (f.status != KV_OK) return f.status;  // of the fugacity routine: the results keep what they held
-  if (f.water <= kWaterRich) {
-    feed_as_liquid(f);
-    // A fluid that is stable as both goes by its name.
-    if (accept(f, third) && (!good_gas || f.liquid_by_name)) return finish(f);
-    // A gas, or another liquid in its place.
-    const bool gas = f.vapour.found && f.vapour.ln_sum > 0.0;
-    have_liquid = gas || (f.liquid.found && f.liquid.ln_sum > 0.0);
-    if (have_liquid) start_from_trial(f, gas ? f.vapour : f.liquid, true);
-    std::copy_n(f.log_k, f.m.n, liquid_k);
-  }
+  feed_as_liquid(f);
+  // A fluid that is stable as both goes by its name.
+  if (accept(f, third) && (!good_gas || f.liquid_by_name)) return finish(f);
+  // A gas, or another liquid in its place.
+  const bool gas = f.vapour.found && f.vapour.ln_sum > 0.0;
+  have_liquid = gas || (f.liquid.found && f.liquid.ln_sum > 0.0);
+  if (have_liquid) start_from_trial(f, gas ? f.vapour : f.liquid, true);
+  std::copy_n(f.log_k, f.m.n, liquid_k);
   if (f.status != KV_OK) return f.status;
   if (good_gas && feed_as_gas(f) && accept(f, third)) return finish(f);
   if (given) {
@@ -210,7 +208,7 @@ StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
     if (try_split(f, kept)) return finish(f);
   }
   if (f.status != KV_OK) return f.status;
-  // Oil that would be less than a ten-thousandth of the liquid is none: the gas beside water keeps it.
+  // Oil that would be next to nothing of the liquid is none: the gas beside water keeps it.
   if (lacks_oil && f.too_little_oil && feed_as_gas(f)) {
     accept(f, third);
     if (f.status == KV_OK) return finish(f);
@@ -236,6 +234,7 @@ StatusCode with_wet(const IsothermalCall& call, Body&& body) {
     Model m;
     const StatusCode status = make_model(call.T, call.P, call.mixture, call.routines, true, 0, arena, m);
     if (status != KV_OK) return status;
+    m.branch = WaterBranch::by_content;
     Settings settings = copy_settings(*call.mixture);
     apply_robust_settings(kModelOptions, settings);
     support::TraceWriter trace(settings.trace, settings.trace_unit);
@@ -284,7 +283,7 @@ StatusCode check_wet(const IsothermalCall& call, bool& good, bool& third) {
     wilson(f.call.T, f.call.P, *f.call.mixture, true, f.wilson_k, nullptr);
     good = accept(f, third);
     // The dew point of what is a liquid by its name, and stable as one, is none.
-    if (good && *call.beta == 1.0 && f.water <= kWaterRich && !called_gas(f, f.answer.y, f.answer.Zy)) {
+    if (good && *call.beta == 1.0 && !called_gas(f, f.answer.y, f.answer.Zy)) {
       bool cut = false;
       f.answer.boundary = false;
       feed_as_liquid(f);

@@ -147,7 +147,7 @@ bool gas_fugacity(Wet& f, const double* x, double* ln_phi, double& Z) {
 bool oil_fugacity(Wet& f, const double* x, double* ln_phi, double& Z) {
   f.m.branch = WaterBranch::below;
   f.status = wet_liquid_fugacity(f.m, x, ln_phi, {}, Z);
-  f.m.branch = WaterBranch::by_amount;
+  f.m.branch = WaterBranch::by_content;
   return f.status == KV_OK;
 }
 
@@ -176,7 +176,7 @@ double speed_up(int k, double along, double before) noexcept {
 
 double dry_distance(const Wet& f, const double* a, const double* b) {
   const int w = f.m.water;
-  const double ra = 1.0 / (1.0 - a[w]), rb = 1.0 / (1.0 - b[w]);
+  const double ra = 1.0 / oil_of(f.m.n, w, a), rb = 1.0 / oil_of(f.m.n, w, b);
   double most = 0.0;
   for (int i = 0; i < f.m.n; ++i)
     if (i != w) most = std::max(most, std::fabs(a[i] * ra - b[i] * rb));
@@ -222,7 +222,8 @@ bool accept(Wet& f, bool& third) {
   const double amounts[] = {1.0 - a.beta, a.beta};
   const double* const phases[] = {a.x, a.y};
   if (!is_split(f.m.n, f.z, 2, amounts, phases)) return false;
-  const bool gas = a.has_gas(), liquid = a.has_liquid(), water_rich = liquid && a.x[w] > kWaterRich;
+  const bool gas = a.has_gas(), liquid = a.has_liquid();
+  const bool water_rich = liquid && a.x[w] > kWaterRich && oil_of(f.m.n, w, a.x) < kLeastOil;
   const double owed = std::max(kOwedFugacity, host_slack(f.m, f.settings));
   a.Zx = a.Zy = 0.0;
   if (gas && !gas_fugacity(f, a.y, a.phi_y, a.Zy)) return false;

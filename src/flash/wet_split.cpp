@@ -120,7 +120,7 @@ bool finish(Wet& f, WaterBranch branch) {
   f.it.kind_x = Kind::liquid;
   f.it.kind_y = Kind::gas;
   const Outcome outcome = iterate_two_phases(f.m, f.settings, {}, f.trace, f.two, f.it, f.status);
-  f.m.branch = WaterBranch::by_amount;
+  f.m.branch = WaterBranch::by_content;
   return outcome == Outcome::converged;
 }
 
@@ -143,7 +143,7 @@ bool split_saturated(Wet& f, bool& short_of_water) {
   short_of_water = left() <= 0.0;
   if (short_of_water) return false;
   const double whole = 1.0 - s.gas;  // of the liquid
-  if ((f.water - s.gas * f.answer.y[w]) > kWaterRich * whole) {
+  if (s.oil * (1.0 - f.m.solubility.value) < kLeastOil * whole) {
     f.too_little_oil = true;
     return false;
   }

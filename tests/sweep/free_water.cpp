@@ -27,6 +27,13 @@ struct Water {
     }
   }
 
+  // All but water, also where that is next to nothing.
+  double rest(const Composition& x) const {
+    double sum = 0;
+    for (int i = 0; i < n; ++i) sum += i == iw ? 0 : x[i];
+    return sum;
+  }
+
   // ln(f_i / P) in a vapour.
   Composition vapour(const Composition& y, double& Z) const {
     Phase<double> phase;
@@ -41,7 +48,7 @@ struct Water {
   Composition liquid(const Composition& x, double& Z) const {
     Composition part = x;
     if (x[iw] >= s) {
-      for (int i = 0; i < n; ++i) part[i] = i == iw ? s : x[i] * (1 - s) / (1 - x[iw]);
+      for (int i = 0; i < n; ++i) part[i] = i == iw ? s : x[i] * (1 - s) / rest(x);
     }
     Phase<double> phase;
     evaluate(par, question.P, part.data(), Root::smallest, false, phase);
@@ -90,7 +97,7 @@ bool phase_missing(const Water& water, const Composition& d, Composition w, bool
     double distance = 0;
     for (int i = 0; i < water.n; ++i) {
       if (i != water.iw)
-        distance = std::max(distance, std::abs(w[i] / (1 - w[water.iw]) - base[i] / (1 - base[water.iw])));
+        distance = std::max(distance, std::abs(w[i] / water.rest(w) - base[i] / water.rest(base)));
     }
     if (distance < 1e-3 && std::abs(phase.Z - Z) < 0.1 * std::max(phase.Z, Z)) return false;
   }
@@ -131,6 +138,17 @@ std::string missing_phase(const Water& water, const Composition& d, const std::v
   return {};
 }
 
+// Whether what a water-rich liquid holds beside water is an oil in equilibrium with the vapour: then it is one.
+bool holds_oil(const Water& water, const Answer& answer, const Composition& liquid, const Composition& vapour) {
+  int compared = 0;
+  for (int i = 0; i < water.n; ++i) {
+    if (i == water.iw || !(answer.x[i] > 1e-15)) continue;
+    ++compared;
+    if (!(std::abs(liquid[i] - vapour[i]) <= fugacity_tolerance)) return false;
+  }
+  return compared > 0;
+}
+
 void judge_rules(const Question& question, const Answer& answer, Verdict& verdict, bool point = false) {
   const Water water(question);
   const int n = water.n;
@@ -138,9 +156,10 @@ void judge_rules(const Question& question, const Answer& answer, Verdict& verdic
   Composition d(n);
   double liquid_Z = 0, vapour_Z = 0;
   const bool has_liquid = answer.beta < 1 || point, has_vapour = answer.beta > 0 || point;
-  const bool water_rich = has_liquid && answer.x[water.iw] > 0.9999;
   const Composition liquid = has_liquid ? water.liquid(answer.x, liquid_Z) : Composition(n);
   const Composition vapour = has_vapour ? water.vapour(answer.y, vapour_Z) : Composition(n);
+  const bool water_rich = has_liquid && answer.x[water.iw] > 0.9999 &&
+                          !(has_vapour && holds_oil(water, answer, liquid, vapour));
   for (int i = 0; i < n && has_liquid && has_vapour; ++i) {
     if (water_rich && i != water.iw) continue;  // what a water-rich phase dissolves is left open
     if (question.z[i] == 0) continue;
