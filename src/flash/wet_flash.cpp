@@ -172,10 +172,9 @@ StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
     trace_initial(f.trace, f.call, 0.0, f.z, f.z, f.z);
   if (f.water > 1.0 - pure_tolerance(*f.call.mixture)) return water_alone(f);
   // One fluid, or a gas beside water; what is missing is kept as a start.
-  bool third = false, have_gas = false, have_liquid = false, good_gas = false, lacks_oil = false;
+  bool third = false, have_gas = false, have_liquid = false, good_gas = false;
   if (feed_as_gas(f)) {
     good_gas = accept(f, third);
-    lacks_oil = !good_gas && f.liquid.found && !(f.vapour.found && f.vapour.ln_sum > kOwedFugacity);
     // A fluid that is a liquid by its name comes second.
     if (good_gas && called_gas(f, f.answer.y, f.answer.Zy)) return finish(f);
     have_gas = f.liquid.found && f.liquid.ln_sum > 0.0;
@@ -197,22 +196,21 @@ StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
     start_from_estimate(f);
     if (try_split(f, kept)) return finish(f);
   }
-  for (const auto& [have, k] : {std::pair{have_gas, gas_k}, std::pair{have_liquid, liquid_k}}) {
-    if (!have || f.status != KV_OK) continue;
-    std::copy_n(k, f.m.n, f.log_k);
-    if (try_split(f, kept)) return finish(f);
-  }
-  if (f.status == KV_OK && start_from_dry_feed(f) && try_split(f, kept)) return finish(f);
-  if (f.status == KV_OK) {
+  const auto two_fluids = [&] {
+    for (const auto& [have, k] : {std::pair{have_gas, gas_k}, std::pair{have_liquid, liquid_k}}) {
+      if (!have || f.status != KV_OK) continue;
+      std::copy_n(k, f.m.n, f.log_k);
+      if (try_split(f, kept)) return true;
+    }
+    if (f.status == KV_OK && start_from_dry_feed(f) && try_split(f, kept)) return true;
+    if (f.status != KV_OK) return false;
     start_from_wilson(f);
-    if (try_split(f, kept)) return finish(f);
-  }
+    return try_split(f, kept);
+  };
+  if (two_fluids()) return finish(f);
+  f.either_way = f.two_liquids;
+  if (f.status == KV_OK && f.either_way && two_fluids()) return finish(f);
   if (f.status != KV_OK) return f.status;
-  // Oil that would be next to nothing of the liquid is none: the gas beside water keeps it.
-  if (lacks_oil && f.too_little_oil && feed_as_gas(f)) {
-    accept(f, third);
-    if (f.status == KV_OK) return finish(f);
-  }
   if (kept.any) {
     f.answer.beta = kept.beta;
     std::copy_n(kept.x, f.m.n, f.answer.x);

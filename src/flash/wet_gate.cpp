@@ -21,6 +21,7 @@ constexpr double kGrows = 1e-8;           // ln of what a trial adds up to
 constexpr double kMostWater = 0.9999;     // in a trial liquid, where the limit is no limit
 constexpr double kLargestLogW = 300.0;
 constexpr double kNone = -1e5;   // ln of the fugacity of a component that is absent
+constexpr double kThin = 0.5;    // of a gas of more than twice the critical volume: it does not come apart
 constexpr double kReach = 1.25;  // hydrocarbon liquids end somewhere above their pseudo-critical temperature
 
 double limit(const Wet& f) {
@@ -32,12 +33,15 @@ double trial_water(const Wet& f) {
   return std::min(limit(f) * f.answer.activity, kMostWater);
 }
 
-// What a trial ended on counts as what it was tried for only; and a gas beside a gas when it is the lighter
-// one, since the denser one would be the liquid, by other rules.
+// What a trial ended on counts as what it was tried for only. Beside a gas, another gas is the lighter one, since
+// the denser one would be the liquid, by other rules; and a liquid is the denser one: a lighter one is that gas
+// itself, which by the rules of a liquid holds other water. Not where the gas is one of two liquids.
 bool is_of_kind(const Wet& f, Kind kind, const double* gas) {
   const WetTrial& t = f.trial;
-  if (kind == Kind::liquid) return !loosely_packed(f, t.w, t.Z);
-  return like_a_gas(f, t.w, t.Z) && (gas == nullptr || lighter(*f.call.mixture, t.w, t.Z, gas, f.answer.Zy));
+  const auto lighter_than_gas = [&] { return lighter(*f.call.mixture, t.w, t.Z, gas, f.answer.Zy); };
+  if (kind == Kind::liquid)
+    return !loosely_packed(f, t.w, t.Z) && (gas == nullptr || f.exchanged || !lighter_than_gas());
+  return like_a_gas(f, t.w, t.Z) && (gas == nullptr || lighter_than_gas());
 }
 
 // One fluid: the same hydrocarbons, as loosely packed. Single hydrocarbons differ in the latter alone.
@@ -134,6 +138,9 @@ void set_plane(Wet& f, bool water_rich) {
   const double* const c = by_gas ? a.y : a.x;
   const double* const phi = by_gas ? a.phi_y : a.phi_x;
   for (int i = 0; i < n; ++i) a.d[i] = c[i] > 0.0 ? support::fast_log(c[i]) + phi[i] : kNone;
+  // A trace at the bound of its coefficient follows no fugacity: the other phase has it.
+  if (by_gas && a.has_liquid() && c[w] <= kSmallestK && a.x[w] > kSmallestK)
+    a.d[w] = support::fast_log(a.x[w]) + a.phi_x[w];
   a.activity = support::fast_exp(a.d[w]) * f.m.P / f.m.psat.value;
 }
 
@@ -248,12 +255,14 @@ bool accept(Wet& f, bool& third) {
 
     if (gas && same_fluid(f, f.spare, a.Zx, a.y, a.Zy)) return false;
     f.exchanged = gas && lighter(*f.call.mixture, f.spare, a.Zx, a.y, a.Zy);
-    if (f.exchanged) return false;
+    const bool liquids = f.exchanged && !loosely_packed(f, f.spare, a.Zx);
+    if (liquids) f.two_liquids = true;
+    if (f.exchanged && !(liquids && f.either_way)) return false;
   }
   const Known known[2] = {{gas ? a.y : nullptr, a.Zy}, {oil ? a.x : nullptr, a.Zx}};
   if (!look_for_missing(f, Kind::liquid, known)) return false;
-  // Beside a gas that is one by its packing there is no lighter one.
-  if (!(gas && loosely_packed(f, a.y, a.Zy)) && !look_for_missing(f, Kind::gas, known)) return false;
+  // Beside a thin gas there is no lighter one.
+  if (!(gas && loosely_packed(f, a.y, kThin * a.Zy)) && !look_for_missing(f, Kind::gas, known)) return false;
   const bool cut = (f.liquid.found && f.liquid.ln_sum > std::max(kGrows, owed)) ||
                    (f.vapour.found && f.vapour.ln_sum > std::max(kGrows, owed));
   third = cut && gas && oil;

@@ -53,7 +53,8 @@ struct Wet {
   double *g = nullptr, *before = nullptr, *spare = nullptr;  // [ld] work
   bool liquid_by_name = true;   // what the gate looked at last as hydrocarbon liquid
   bool exchanged = false;       // the gate found the liquid packed less densely than the gas
-  bool too_little_oil = false;  // a split left less of it beside free water than counts as a liquid
+  bool two_liquids = false;     // and that it was a liquid all the same
+  bool either_way = false;      // of two such liquids the gate takes either for the one that holds the water
   Iterate it;
   TwoPhaseWork two;
   StatusCode status = KV_OK;  // of the fugacity routine

@@ -34,6 +34,12 @@ struct Water {
     return sum;
   }
 
+  double covolume(const Composition& x) const {
+    double b = 0;
+    for (int i = 0; i < n; ++i) b += x[i] * par.b[i];
+    return b;
+  }
+
   // ln(f_i / P) in a vapour.
   Composition vapour(const Composition& y, double& Z) const {
     Phase<double> phase;
@@ -44,12 +50,16 @@ struct Water {
     return ln_f;
   }
 
+  // The hydrocarbons of a liquid with the water that they hold.
+  Composition oil(const Composition& x) const {
+    Composition part = x;
+    for (int i = 0; i < n && x[iw] >= s; ++i) part[i] = i == iw ? s : x[i] * (1 - s) / rest(x);
+    return part;
+  }
+
   // ln(f_i / P) in a liquid, free water above the limit included.
   Composition liquid(const Composition& x, double& Z) const {
-    Composition part = x;
-    if (x[iw] >= s) {
-      for (int i = 0; i < n; ++i) part[i] = i == iw ? s : x[i] * (1 - s) / rest(x);
-    }
+    const Composition part = oil(x);
     Phase<double> phase;
     evaluate(par, question.P, part.data(), Root::smallest, false, phase);
     Composition ln_f(n);
@@ -63,6 +73,7 @@ struct Water {
 struct Known {
   Composition x;
   double Z;
+  bool vapour;  // the lighter phase, or the only one
 };
 
 // Successive substitution on a trial phase with ln(f_i / P) = d_i; true when it settles on a phase that is not
@@ -93,13 +104,15 @@ bool phase_missing(const Water& water, const Composition& d, Composition w, bool
   // what it was tried for, a liquid below and a vapour above the pseudo-critical volume.
   const double volume_ratio = phase.Z * 82.057 * water.par.T / (water.question.P * phase.b);
   if ((volume_ratio > vapour_volume_ratio) == trial_is_liquid) return false;
-  for (const auto& [base, Z] : known) {  // a phase that is already there: its hydrocarbons and its packing
+  for (const auto& [base, Z, vapour] : known) {  // a phase that is already there: its hydrocarbons and its packing
     double distance = 0;
     for (int i = 0; i < water.n; ++i) {
       if (i != water.iw)
         distance = std::max(distance, std::abs(w[i] / water.rest(w) - base[i] / water.rest(base)));
     }
     if (distance < 1e-3 && std::abs(phase.Z - Z) < 0.1 * std::max(phase.Z, Z)) return false;
+    // Lighter than the vapour it is no liquid beside it, but that vapour with the water that a liquid would hold.
+    if (vapour && trial_is_liquid && phase.Z / phase.b > Z / water.covolume(base)) return false;
   }
   return total > 1 + fugacity_tolerance;
 }
@@ -183,10 +196,15 @@ void judge_rules(const Question& question, const Answer& answer, Verdict& verdic
       verdict.reason = message("the vapour is supersaturated with water by %.3g", excess);
       return;
     }
-    known.push_back({answer.y, vapour_Z});
+    const bool lighter = !has_liquid || water_rich ||
+                         vapour_Z / water.covolume(answer.y) > liquid_Z / water.covolume(water.oil(answer.x));
+    known.push_back({answer.y, vapour_Z, lighter});
   }
-  if (has_liquid && !water_rich) known.push_back({answer.x, liquid_Z});
-  d = has_vapour && (water_rich || answer.beta > 0.5) ? vapour : liquid;
+  if (has_liquid && !water_rich) known.push_back({answer.x, liquid_Z, false});
+  const bool by_vapour = has_vapour && (water_rich || answer.beta > 0.5);
+  d = by_vapour ? vapour : liquid;
+  // Water at the bound of its K follows no fugacity where it is a trace: the liquid has it.
+  if (by_vapour && has_liquid && answer.y[water.iw] <= 1e-15) d[water.iw] = liquid[water.iw];
   if (has_vapour || !water_rich) verdict.reason = missing_phase(water, d, known);
   if (verdict.reason.empty())
     verdict.outcome = has_liquid && has_vapour ? Outcome::two_phase : Outcome::single_phase;
