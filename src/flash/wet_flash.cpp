@@ -136,10 +136,25 @@ bool usable_estimate(const Wet& f) {
 
 // An answer of two phases that a third one cuts, kept in case nothing better is found.
 struct Kept {
-  bool any = false;
+  bool any = false, liquids = false;
   double beta = 0.0;
   double *x, *y;
+  double* log_k;  // where the split into its liquid and the one that cuts starts
 };
+
+// What was missing as the liquid, and the liquid beside the gas in the gas's place, by the equation of state. False:
+// f.status.
+bool keep_two_liquids(Wet& f, Kept& kept) {
+  const int n = f.m.n, w = f.m.water;
+  const double scale = oil_scale(f, f.answer.x), s = std::min(f.m.solubility.value, f.answer.x[w]);
+  for (int i = 0; i < n; ++i) f.spare[i] = i == w ? s : scale * f.answer.x[i];
+  double Z = 0.0;
+  if (!gas_fugacity(f, f.spare, f.g, Z)) return false;
+  for (int i = 0; i < n; ++i) kept.log_k[i] = f.liquid.ln_phi[i] - f.g[i];
+  kept.log_k[w] = saturated_gas_water(f, f.g[w]);
+  kept.liquids = true;
+  return true;
+}
 
 bool try_split(Wet& f, Kept& kept) {
   bool third = false;
@@ -154,6 +169,7 @@ bool try_split(Wet& f, Kept& kept) {
   }
 
   if (third && !kept.any) {
+    if (f.liquid.found && !keep_two_liquids(f, kept)) return false;
     kept.any = true;
     kept.beta = f.answer.beta;
     std::copy_n(f.answer.x, f.m.n, kept.x);
@@ -208,8 +224,12 @@ StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
     return try_split(f, kept);
   };
   if (two_fluids()) return finish(f);
-  f.either_way = f.two_liquids;
-  if (f.status == KV_OK && f.either_way && two_fluids()) return finish(f);
+  f.either_way = f.two_liquids || kept.liquids;
+  if (f.status == KV_OK && kept.liquids) {
+    std::copy_n(kept.log_k, f.m.n, f.log_k);
+    if (try_split(f, kept)) return finish(f);
+  }
+  if (f.status == KV_OK && f.two_liquids && two_fluids()) return finish(f);
   if (f.status != KV_OK) return f.status;
   if (kept.any) {
     f.answer.beta = kept.beta;
@@ -228,7 +248,7 @@ void take_trial(support::Arena& arena, int ld, WetTrial& t) {
 // Everything that a flash works with, then body(flash, arena).
 template <class Body>
 StatusCode with_wet(const IsothermalCall& call, Body&& body) {
-  return support::with_arena<5, 80>(call.mixture->count, [&](support::Arena& arena) -> StatusCode {
+  return support::with_arena<5, 81>(call.mixture->count, [&](support::Arena& arena) -> StatusCode {
     Model m;
     const StatusCode status = make_model(call.T, call.P, call.mixture, call.routines, true, 0, arena, m);
     if (status != KV_OK) return status;
@@ -268,6 +288,7 @@ StatusCode wet_flash(const IsothermalCall& call) {
     Kept kept;
     kept.x = arena.zeros(f.m.ld);
     kept.y = arena.zeros(f.m.ld);
+    kept.log_k = arena.zeros(f.m.ld);
     return solve(f, kept, arena.zeros(f.m.ld), arena.zeros(f.m.ld));
   });
 }

@@ -33,15 +33,16 @@ double trial_water(const Wet& f) {
   return std::min(limit(f) * f.answer.activity, kMostWater);
 }
 
-// What a trial ended on counts as what it was tried for only. Beside a gas, another gas is the lighter one, since
-// the denser one would be the liquid, by other rules; and a liquid is the denser one: a lighter one is that gas
-// itself, which by the rules of a liquid holds other water. Not where the gas is one of two liquids.
+// What a trial ended on counts as what it was tried for only. Beside a gas, another one is the lighter one, since
+// the denser one would be the liquid, by other rules; and a liquid is the denser one: a lighter one is looked for as
+// a gas, for it may be the gas that is there with the water that a liquid would hold. Not where the gas is one of two
+// liquids.
 bool is_of_kind(const Wet& f, Kind kind, const double* gas) {
   const WetTrial& t = f.trial;
   const auto lighter_than_gas = [&] { return lighter(*f.call.mixture, t.w, t.Z, gas, f.answer.Zy); };
   if (kind == Kind::liquid)
     return !loosely_packed(f, t.w, t.Z) && (gas == nullptr || f.exchanged || !lighter_than_gas());
-  return like_a_gas(f, t.w, t.Z) && (gas == nullptr || lighter_than_gas());
+  return gas != nullptr ? lighter_than_gas() : like_a_gas(f, t.w, t.Z);
 }
 
 // One fluid: the same hydrocarbons, as loosely packed. Single hydrocarbons differ in the latter alone.

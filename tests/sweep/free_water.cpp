@@ -83,7 +83,8 @@ bool phase_missing(const Water& water, const Composition& d, Composition w, bool
   Phase<double> phase;
   double total = 1;
   Composition next(water.n);
-  for (int k = 0; k < 300; ++k) {
+  bool settled = false;
+  for (int k = 0; k < 1000 && !settled; ++k) {
     evaluate(water.par, water.question.P, w.data(), trial_is_liquid ? Root::smallest : Root::largest, false,
              phase);
     total = 0;
@@ -97,13 +98,13 @@ bool phase_missing(const Water& water, const Composition& d, Composition w, bool
       change = std::max(change, std::abs(next[i] / total - w[i]));
       w[i] = next[i] / total;
     }
-    if (change < 1e-12) break;
-    if (k == 299) return false;
+    settled = change < 1e-12;
   }
   // The equation of state lets a liquid hold another amount of water than the rules do: a trial counts only as
   // what it was tried for, a liquid below and a vapour above the pseudo-critical volume.
   const double volume_ratio = phase.Z * 82.057 * water.par.T / (water.question.P * phase.b);
-  if ((volume_ratio > vapour_volume_ratio) == trial_is_liquid) return false;
+  const bool thin = volume_ratio > vapour_volume_ratio;
+  bool lighter = false;  // than the vapour that is there
   for (const auto& [base, Z, vapour] : known) {  // a phase that is already there: its hydrocarbons and its packing
     double distance = 0;
     for (int i = 0; i < water.n; ++i) {
@@ -111,10 +112,11 @@ bool phase_missing(const Water& water, const Composition& d, Composition w, bool
         distance = std::max(distance, std::abs(w[i] / water.rest(w) - base[i] / water.rest(base)));
     }
     if (distance < 1e-3 && std::abs(phase.Z - Z) < 0.1 * std::max(phase.Z, Z)) return false;
-    // Lighter than the vapour it is no liquid beside it, but that vapour with the water that a liquid would hold.
-    if (vapour && trial_is_liquid && phase.Z / phase.b > Z / water.covolume(base)) return false;
+    if (vapour && phase.Z / phase.b > Z / water.covolume(base)) lighter = true;
   }
-  return total > 1 + fugacity_tolerance;
+  // Lighter than the vapour it is no liquid beside it, but that vapour with the water that a liquid would hold.
+  if (trial_is_liquid ? thin || lighter : !thin && !lighter) return false;
+  return total > 1 + (settled ? fugacity_tolerance : 1e-6);  // slow beside a critical point
 }
 
 std::string message(const char* format, double value) {
@@ -138,11 +140,18 @@ std::string missing_phase(const Water& water, const Composition& d, const std::v
     for (double& v : w) v /= total;
     starts.push_back(w);
   }
+  Composition ideal(water.n);
+  double sum = 0;
+  for (int i = 0; i < water.n; ++i) sum += ideal[i] = std::exp(std::clamp(d[i], -300.0, 300.0));
+  for (double& v : ideal) v /= sum;
+  starts.push_back(ideal);
   for (int k = 0; k < water.n; ++k) {
     if (k == water.iw) continue;
-    Composition w(water.n);
+    Composition w(water.n), between(water.n);
     for (int i = 0; i < water.n; ++i) w[i] = i == k ? 0.999 : 0.001 / (water.n - 1);
+    for (int i = 0; i < water.n; ++i) between[i] = 0.5 * (w[i] + ideal[i]);
     starts.push_back(w);
+    starts.push_back(between);
   }
   for (const Composition& start : starts) {
     if (phase_missing(water, d, start, true, known)) return "a liquid is missing";
