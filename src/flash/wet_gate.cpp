@@ -33,16 +33,16 @@ double trial_water(const Wet& f) {
   return std::min(limit(f) * f.answer.activity, kMostWater);
 }
 
-// What a trial ended on counts as what it was tried for only. Beside a gas, another one is the lighter one, since
-// the denser one would be the liquid, by other rules; and a liquid is the denser one: a lighter one is looked for as
-// a gas, for it may be the gas that is there with the water that a liquid would hold. Not where the gas is one of two
-// liquids.
-bool is_of_kind(const Wet& f, Kind kind, const double* gas) {
+bool lighter_than_gas(const Wet& f, const Known& gas) {
+  return gas.x != nullptr && lighter(*f.call.mixture, f.trial.w, f.trial.Z, gas.x, gas.Z);
+}
+
+// What a trial ended on counts as what it was tried for only; and a gas beside a gas when it is the lighter
+// one, since the denser one would be the liquid, by other rules.
+bool is_of_kind(const Wet& f, Kind kind, const Known& gas) {
   const WetTrial& t = f.trial;
-  const auto lighter_than_gas = [&] { return lighter(*f.call.mixture, t.w, t.Z, gas, f.answer.Zy); };
-  if (kind == Kind::liquid)
-    return !loosely_packed(f, t.w, t.Z) && (gas == nullptr || f.exchanged || !lighter_than_gas());
-  return gas != nullptr ? lighter_than_gas() : like_a_gas(f, t.w, t.Z);
+  if (kind == Kind::liquid) return !loosely_packed(f, t.w, t.Z);
+  return gas.x != nullptr ? lighter_than_gas(f, gas) : like_a_gas(f, t.w, t.Z);
 }
 
 // One fluid: the same hydrocarbons, as loosely packed. Single hydrocarbons differ in the latter alone.
@@ -95,7 +95,7 @@ bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
     }
     if (norm <= kGoingThere && k > 2 && near_known(f, known)) return true;
     if (norm <= kSettled) {
-      t.found = !near_known(f, known) && is_of_kind(f, kind, known[0].x);
+      t.found = !near_known(f, known) && is_of_kind(f, kind, known[0]);
       return true;
     }
     const double factor = speed_up(k, along, before);
@@ -106,7 +106,20 @@ bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
     before = norm;
   }
   // Slow, beside a critical point: it counts where it clearly grows.
-  t.found = t.ln_sum > 1e-6 && !near_known(f, known) && is_of_kind(f, kind, known[0].x);
+  t.found = t.ln_sum > 1e-6 && !near_known(f, known) && is_of_kind(f, kind, known[0]);
+  return true;
+}
+
+// A liquid lighter than the gas beside it may be that gas with the water that a liquid would hold: by the rules of a
+// gas it comes to it then, and is not missing. False: f.status.
+bool tell_from_gas(Wet& f, const Known (&known)[2]) {
+  if (!f.trial.found || f.exchanged || !lighter_than_gas(f, known[0])) return true;
+  std::swap(f.trial, f.vapour);
+  std::copy_n(f.vapour.log_w, f.m.ld, f.trial.log_w);
+  if (!follow(f, Kind::gas, known)) return false;
+  std::swap(f.trial, f.vapour);
+  f.vapour.found = false;
+  f.trial.found = !same_fluid(f, f.vapour.w, f.vapour.Z, known[0].x, known[0].Z);
   return true;
 }
 
@@ -196,7 +209,7 @@ bool look_for_missing(Wet& f, Kind kind, const Known (&known)[2]) {
   const int n = f.m.n, w = f.m.water;
   (liquid ? f.liquid : f.vapour).found = false;
   const auto run = [&] {
-    if (!follow(f, kind, known)) return false;
+    if (!follow(f, kind, known) || (liquid && !tell_from_gas(f, known))) return false;
     remember(f, kind);
     return true;
   };

@@ -28,6 +28,7 @@ constexpr double kAllGasT = 800.0, kAllGasP = 0.01;  // where that search begins
 constexpr int kMostStates = 120, kMostHalvings = 60, kNewtonLimit = 30;
 constexpr double kNoWidth = 1e-8;  // of a bracket, in ln of the unknown: a fluid changes its name there
 constexpr double kEvenT = 0.03, kEvenP = 0.2;  // steps of a search from the gas, in ln of the unknown
+constexpr double kLeastPart = 0.1;             // of such a step
 
 // A state of the flash at T and P. Arrays [ld].
 struct WetPoint {
@@ -183,8 +184,11 @@ bool first_crossing(WetSearch& q, double& u) {
       if (q.status != KV_OK) return false;
       continue;
     }
-    if (look_at(q, u + step) && q.little.known) return true;
+    // Where there is no state that far, nearer ones may know.
+    double part = 1.0;
+    while (!look_at(q, u + part * step) && q.status == KV_OK && part > kLeastPart) part *= 0.5;
     if (q.status != KV_OK) return false;
+    if (q.little.known) return true;
   }
   return false;
 }

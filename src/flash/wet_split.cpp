@@ -193,9 +193,8 @@ bool feed_as_gas(Wet& f) {
   // The water that it can hold: the excess rises with it, as long as it is a gas.
   double high = whole, f_high = excess, low = -1e3, f_low = 0.0;
   // From what the equation takes for liquid water no step leads to the gas.
-  double u = excess > 0.0 && !is_liquid_water(f, a.y, a.Zy) ? whole - excess
-                                                            : std::min(std::log(f.m.psat.value / f.m.P), whole);
-  bool have_low = false, have_high = excess > 0.0;
+  bool have_low = false, have_high = excess > 0.0 && !is_liquid_water(f, a.y, a.Zy);
+  double u = have_high ? whole - excess : std::min(std::log(f.m.psat.value / f.m.P), whole);
   for (int k = 0; k < kMostRoots; ++k) {
     if (!excess_water(f, u, excess)) return false;
     if (std::fabs(excess) <= kSettled) break;

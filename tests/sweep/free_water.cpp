@@ -76,12 +76,10 @@ struct Known {
   bool vapour;  // the lighter phase, or the only one
 };
 
-// Successive substitution on a trial phase with ln(f_i / P) = d_i; true when it settles on a phase that is not
-// one of the known ones and whose unnormalised fractions sum to more than one: that phase is missing.
-bool phase_missing(const Water& water, const Composition& d, Composition w, bool trial_is_liquid,
-                   const std::vector<Known>& known) {
-  Phase<double> phase;
-  double total = 1;
+// Successive substitution on a trial phase w with ln(f_i / P) = d_i; total: what its fractions add up to. True when it
+// settles.
+bool settle(const Water& water, const Composition& d, bool trial_is_liquid, Composition& w, Phase<double>& phase,
+            double& total) {
   Composition next(water.n);
   bool settled = false;
   for (int k = 0; k < 1000 && !settled; ++k) {
@@ -100,22 +98,43 @@ bool phase_missing(const Water& water, const Composition& d, Composition w, bool
     }
     settled = change < 1e-12;
   }
+  return settled;
+}
+
+// One fluid: its hydrocarbons and its packing.
+bool same(const Water& water, const Composition& w, double Z, const Known& other) {
+  double distance = 0;
+  for (int i = 0; i < water.n; ++i) {
+    if (i != water.iw)
+      distance = std::max(distance, std::abs(w[i] / water.rest(w) - other.x[i] / water.rest(other.x)));
+  }
+  return distance < 1e-3 && std::abs(Z - other.Z) < 0.1 * std::max(Z, other.Z);
+}
+
+// Whether a trial settles on a phase that is not one of the known ones and grows: that phase is missing.
+bool phase_missing(const Water& water, const Composition& d, Composition w, bool trial_is_liquid,
+                   const std::vector<Known>& known) {
+  Phase<double> phase;
+  double total = 1;
+  const bool settled = settle(water, d, trial_is_liquid, w, phase, total);
   // The equation of state lets a liquid hold another amount of water than the rules do: a trial counts only as
   // what it was tried for, a liquid below and a vapour above the pseudo-critical volume.
   const double volume_ratio = phase.Z * 82.057 * water.par.T / (water.question.P * phase.b);
   const bool thin = volume_ratio > vapour_volume_ratio;
-  bool lighter = false;  // than the vapour that is there
-  for (const auto& [base, Z, vapour] : known) {  // a phase that is already there: its hydrocarbons and its packing
-    double distance = 0;
-    for (int i = 0; i < water.n; ++i) {
-      if (i != water.iw)
-        distance = std::max(distance, std::abs(w[i] / water.rest(w) - base[i] / water.rest(base)));
-    }
-    if (distance < 1e-3 && std::abs(phase.Z - Z) < 0.1 * std::max(phase.Z, Z)) return false;
-    if (vapour && phase.Z / phase.b > Z / water.covolume(base)) lighter = true;
+  const Known* lighter = nullptr;  // the vapour, when it is denser than the trial
+  for (const Known& k : known) {
+    if (same(water, w, phase.Z, k)) return false;
+    if (k.vapour && phase.Z / phase.b > k.Z / water.covolume(k.x)) lighter = &k;
   }
-  // Lighter than the vapour it is no liquid beside it, but that vapour with the water that a liquid would hold.
-  if (trial_is_liquid ? thin || lighter : !thin && !lighter) return false;
+  if (trial_is_liquid ? thin : !thin && lighter == nullptr) return false;
+  if (trial_is_liquid && lighter != nullptr) {
+    // It may be that vapour, with the water that a liquid would hold: by the rules of a vapour it comes to it then.
+    Composition v = w;
+    Phase<double> there;
+    double sum = 1;
+    settle(water, d, false, v, there, sum);
+    if (same(water, v, there.Z, *lighter)) return false;
+  }
   return total > 1 + (settled ? fugacity_tolerance : 1e-6);  // slow beside a critical point
 }
 
