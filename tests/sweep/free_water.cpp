@@ -166,11 +166,14 @@ std::string missing_phase(const Water& water, const Composition& d, const std::v
   starts.push_back(ideal);
   for (int k = 0; k < water.n; ++k) {
     if (k == water.iw) continue;
-    Composition w(water.n), between(water.n);
+    Composition w(water.n);
     for (int i = 0; i < water.n; ++i) w[i] = i == k ? 0.999 : 0.001 / (water.n - 1);
-    for (int i = 0; i < water.n; ++i) between[i] = 0.5 * (w[i] + ideal[i]);
     starts.push_back(w);
-    starts.push_back(between);
+    for (const double part : {0.5, 0.1}) {
+      Composition between(water.n);
+      for (int i = 0; i < water.n; ++i) between[i] = part * w[i] + (1 - part) * ideal[i];
+      starts.push_back(between);
+    }
   }
   for (const Composition& start : starts) {
     if (phase_missing(water, d, start, true, known)) return "a liquid is missing";

@@ -130,16 +130,34 @@ Answer ask_isothermal(Sweep& s, const Draw& d, const Components& c, const Answer
   return cold;
 }
 
+// Whether the answer has a vapour or is one fluid: of two liquids the one in the vapour's place is no less dense.
+bool has_vapour(const Draw& d, const Components& c, const Answer& a, double T, double P) {
+  if (!(a.beta > 0 && a.beta < 1)) return true;
+  const size_t w = d.feed.ids.size() - 1;
+  const double s = water_solubility(d.feed.solubility_a, d.feed.solubility_b, T);
+  const auto par = parameters_at<double>(c, T);
+  Composition oil = a.x;
+  double rest = 0;
+  for (size_t i = 0; i < w; ++i) rest += oil[i];
+  if (rest < 1e-12) return true;
+  for (size_t i = 0; i <= w && a.x[w] > s; ++i) oil[i] = i == w ? s : oil[i] * (1 - s) / rest;
+  Phase<double> liquid, vapour;
+  evaluate(par, P, oil.data(), Root::smallest, false, liquid);
+  evaluate(par, P, a.y.data(), Root::largest, false, vapour);
+  return vapour.Z / vapour.b > liquid.Z / liquid.b;
+}
+
 // Whether the flash has states with less and more gas than W next to each other, and not by a change of name
 // alone.
-bool crossed(Sweep& s, const Draw& d, Given given, double W) {
+bool crossed(Sweep& s, const Draw& d, const Components& c, Given given, double W) {
   constexpr int points = 60;
   const bool of_T = given == Given::pressure;
   const double low = std::log(of_T ? 220 : 1e-3), high = std::log(of_T ? hottest(d) : 1e3);
   const auto excess = [&](double u, double& f) {
-    const Answer a = s.library.flash(d.feed, of_T ? std::exp(u) : d.T, of_T ? d.P : std::exp(u));
+    const double T = of_T ? std::exp(u) : d.T, P = of_T ? d.P : std::exp(u);
+    const Answer a = s.library.flash(d.feed, T, P);
     f = W == 0 && a.beta == 0 ? -1 : W == 1 && a.beta == 1 ? 1 : a.beta - W;
-    return a.status == 0;
+    return a.status == 0 && has_vapour(d, c, a, T, P);
   };
   double before = 0, f = 0;
   bool known = false;
@@ -171,7 +189,7 @@ void ask_fraction(Sweep& s, const Draw& d, const Components& c, Given given, dou
   const std::string what = given == Given::pressure ? "W,P" : "W,T";
   std::string reason;
   if (a.status == 116) {
-    if (crossed(s, d, given, W)) reason = "a point exists";
+    if (crossed(s, d, c, given, W)) reason = "a point exists";
   } else if (a.status != 0 && a.status != 117) {
     reason = no_answer(a.status);
   } else {

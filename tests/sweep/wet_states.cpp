@@ -146,6 +146,7 @@ struct Pair {
     for (int i = 0; i < n; ++i) apart = std::max(apart, i == w ? 0 : std::abs(x[i] - y[i]));
     const double packing = 82.057 * question.T / (question.P * vapour_volume_ratio);  // of b/Z
     if (apart < 1e-4 || (b_over_Z[0] < b_over_Z[1] && b_over_Z[0] < packing)) return false;
+    if (y[w] > 0.5 && b_over_Z[1] > packing) return false;  // liquid water, which has rules of its own
     if (!(beta >= 0 && beta <= 1)) return false;
     a.x = x;
     a.y = y;
