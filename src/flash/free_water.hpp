@@ -10,8 +10,9 @@
 namespace kestrune::flash {
 
 /*
- * A liquid with more water than this is water: nothing else is looked at in it. The flashes, whose liquid is all
- * liquid there is, take it by its content: with this much of hydrocarbons it is oil beside water, however few.
+ * A liquid with more water than this is water: nothing else is looked at in it. The flashes, whose liquid is
+ * all liquid there is, take it by its content: with this much of hydrocarbons it is oil beside water, however
+ * few.
  */
 inline constexpr double kWaterRich = 0.9999;
 inline constexpr double kLeastOil = 1e-12;

@@ -142,8 +142,8 @@ struct Kept {
   double* log_k;  // where the split into its liquid and the one that cuts starts
 };
 
-// What was missing as the liquid, and the liquid beside the gas in the gas's place, by the equation of state. False:
-// f.status.
+// What was missing as the liquid, and the liquid beside the gas in the gas's place, by the equation of state.
+// False: f.status.
 bool keep_two_liquids(Wet& f, Kept& kept) {
   const int n = f.m.n, w = f.m.water;
   const double scale = oil_scale(f, f.answer.x), s = std::min(f.m.solubility.value, f.answer.x[w]);

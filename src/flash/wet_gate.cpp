@@ -110,8 +110,8 @@ bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
   return true;
 }
 
-// A liquid lighter than the gas beside it may be that gas with the water that a liquid would hold: by the rules of a
-// gas it comes to it then, and is not missing. False: f.status.
+// A liquid lighter than the gas beside it may be that gas with the water that a liquid would hold: by the rules
+// of a gas it comes to it then, and is not missing. False: f.status.
 bool tell_from_gas(Wet& f, const Known (&known)[2]) {
   if (!f.trial.found || f.exchanged || !lighter_than_gas(f, known[0])) return true;
   std::swap(f.trial, f.vapour);

@@ -176,8 +176,8 @@ bool bracket(WetSearch& q, double u, bool& solved) {
   return solved || (q.little.known && q.much.known);
 }
 
-// Where two fluids end before u + step, without the other side: their gas may have grown to all or dwindled, and what
-// is left then have its name. By halves towards that end; true when the other side was met.
+// Where two fluids end before u + step, without the other side: their gas may have grown to all or dwindled,
+// and what is left then have its name. By halves towards that end; true when the other side was met.
 bool end_of_two(WetSearch& q, double u, double step) {
   for (int k = 0; k < kMostEnds; ++k) {
     step *= 0.5;
@@ -207,7 +207,8 @@ bool first_crossing(WetSearch& q, double& u, bool& solved) {
     if (q.status != KV_OK) return false;
     if (q.little.known && q.much.known) return true;
     const bool still_two = q.here.known && q.here.beta > 0.0 && q.here.beta < 1.0;
-    if (two != still_two && q.here.known && (two ? end_of_two(q, u, step) : end_of_two(q, u + step, -step))) return true;
+    if (two != still_two && q.here.known && (two ? end_of_two(q, u, step) : end_of_two(q, u + step, -step)))
+      return true;
     if (q.status != KV_OK) return false;
   }
   return false;

@@ -167,12 +167,33 @@ TEST(FreeWater, StatesThatAreHardToFind) {
         4.6256741370177796e-4, 7.0892249605720504e-5, 0.997},
        1,
        1},
-      {"two hydrocarbon liquids beside water", carbonic, 12.5, 6000, 241.67578694309313, 25.022459538431889,
-       {0.64740510928079842, 0.25259489071920166, 0.1}, 0.2, 0.3},
-      {"two hydrocarbon liquids, where a gas would have a second one", carbonic, 12.5, 6000, 242.24200403565118,
-       13.747698391806461, {0.36802148711165561, 0.23197851288834437, 0.4}, 0.9, 0.92},
-      {"carbon dioxide as a liquid and an oil, almost dry", carbonic, 12.5, 6000, 256.72935171420488,
-       23.530437153344529, {0.94645216578156355, 0.053547834217436502, 1e-12}, 0, 1e-11},
+      {"two hydrocarbon liquids beside water",
+       carbonic,
+       12.5,
+       6000,
+       241.67578694309313,
+       25.022459538431889,
+       {0.64740510928079842, 0.25259489071920166, 0.1},
+       0.2,
+       0.3},
+      {"two hydrocarbon liquids, where a gas would have a second one",
+       carbonic,
+       12.5,
+       6000,
+       242.24200403565118,
+       13.747698391806461,
+       {0.36802148711165561, 0.23197851288834437, 0.4},
+       0.9,
+       0.92},
+      {"carbon dioxide as a liquid and an oil, almost dry",
+       carbonic,
+       12.5,
+       6000,
+       256.72935171420488,
+       23.530437153344529,
+       {0.94645216578156355, 0.053547834217436502, 1e-12},
+       0,
+       1e-11},
   };
   for (const Hard& s : states) {
     SCOPED_TRACE(s.what);
@@ -212,19 +233,29 @@ TEST(FreeWater, VapourFractions) {
     double A, B, W, T, P;
     std::vector<double> z;
   };
-  const Point points[] = {
-      {{"methane", "carbon_dioxide", "hydrogen_sulfide", "n_butane", "water"}, 8, 5000, 0.9, 391.09956499605926, 0,
-       {0.095826762185685491, 0.13414668888452014, 0.21632612423376862, 0.54870042469602587, 0.0050000000000000001}},
-      {{"methane", "n_butane", "water"}, 11.2, 6290, 0.1, 0, 1.1039006667734783,
-       {0.081328819423093807, 0.018671180576906171, 0.9}}};
+  const Point points[] = {{{"methane", "carbon_dioxide", "hydrogen_sulfide", "n_butane", "water"},
+                           8,
+                           5000,
+                           0.9,
+                           391.09956499605926,
+                           0,
+                           {0.095826762185685491, 0.13414668888452014, 0.21632612423376862, 0.54870042469602587,
+                            0.0050000000000000001}},
+                          {{"methane", "n_butane", "water"},
+                           11.2,
+                           6290,
+                           0.1,
+                           0,
+                           1.1039006667734783,
+                           {0.081328819423093807, 0.018671180576906171, 0.9}}};
   for (const Point& p : points) {
     Mixture m = wet(p.ids, p.A, p.B);
     FlashResult r = flash(m, 320.0, 20.0, p.z);
     double T = p.T, P = p.P;
     const bool of_T = p.T == 0.0;
     auto* const routine = of_T ? FlashLVatWP : FlashLVatWT;
-    ASSERT_EQ(routine(p.W, of_T ? P : T, p.z.data(), &m.record, nullptr, 1, of_T ? &T : &P, r.x.data(), r.y.data(),
-                      r.K.data()),
+    ASSERT_EQ(routine(p.W, of_T ? P : T, p.z.data(), &m.record, nullptr, 1, of_T ? &T : &P, r.x.data(),
+                      r.y.data(), r.K.data()),
               KV_OK);
     expect_rules(m, T, P, r, true, true);
     EXPECT_NEAR(flash(m, T, P, p.z).beta, p.W, 1e-6);
@@ -301,9 +332,9 @@ TEST(FreeWater, LiquidLiquid) {
           const std::vector<double> z{part * (1 - water), (1 - part) * (1 - water), water};
           FlashResult r = flash(two, T, P, z);
           SCOPED_TRACE(testing::Message() << T << " K " << P << " atm, " << part << ", water " << wet_part);
-          ASSERT_EQ(FlashLLatTP(T, P, z.data(), &two.record, nullptr, 0, &r.beta, r.x.data(), r.y.data(),
-                                r.K.data()),
-                    KV_OK);
+          ASSERT_EQ(
+              FlashLLatTP(T, P, z.data(), &two.record, nullptr, 0, &r.beta, r.x.data(), r.y.data(), r.K.data()),
+              KV_OK);
           if (!r.two_phases()) continue;
           ++split;
           const PhaseState a = phase_state(two, T, P, r.x, KV_PHASE_LIQUID),

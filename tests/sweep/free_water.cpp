@@ -76,10 +76,10 @@ struct Known {
   bool vapour;  // the lighter phase, or the only one
 };
 
-// Successive substitution on a trial phase w with ln(f_i / P) = d_i; total: what its fractions add up to. True when it
-// settles.
-bool settle(const Water& water, const Composition& d, bool trial_is_liquid, Composition& w, Phase<double>& phase,
-            double& total) {
+// Successive substitution on a trial phase w with ln(f_i / P) = d_i; total: what its fractions add up to. True
+// when it settles.
+bool settle(const Water& water, const Composition& d, bool trial_is_liquid, Composition& w,
+            Phase<double>& phase, double& total) {
   Composition next(water.n);
   bool settled = false;
   for (int k = 0; k < 1000 && !settled; ++k) {
@@ -128,7 +128,8 @@ bool phase_missing(const Water& water, const Composition& d, Composition w, bool
   }
   if (trial_is_liquid ? thin : !thin && lighter == nullptr) return false;
   if (trial_is_liquid && lighter != nullptr) {
-    // It may be that vapour, with the water that a liquid would hold: by the rules of a vapour it comes to it then.
+    // It may be that vapour, with the water that a liquid would hold: by the rules of a vapour it comes to it
+    // then.
     Composition v = w;
     Phase<double> there;
     double sum = 1;
@@ -202,8 +203,8 @@ void judge_rules(const Question& question, const Answer& answer, Verdict& verdic
   const bool has_liquid = answer.beta < 1 || point, has_vapour = answer.beta > 0 || point;
   const Composition liquid = has_liquid ? water.liquid(answer.x, liquid_Z) : Composition(n);
   const Composition vapour = has_vapour ? water.vapour(answer.y, vapour_Z) : Composition(n);
-  const bool water_rich = has_liquid && answer.x[water.iw] > 0.9999 &&
-                          !(has_vapour && holds_oil(water, answer, liquid, vapour));
+  const bool water_rich =
+      has_liquid && answer.x[water.iw] > 0.9999 && !(has_vapour && holds_oil(water, answer, liquid, vapour));
   for (int i = 0; i < n && has_liquid && has_vapour; ++i) {
     if (water_rich && i != water.iw) continue;  // what a water-rich phase dissolves is left open
     if (question.z[i] == 0) continue;

@@ -94,7 +94,8 @@ Question question_at(const Draw& d, const Components& c, double T, double P) {
   return {&c, d.feed.z, T, P, true, d.feed.solubility_a, d.feed.solubility_b};
 }
 
-// Why an answer is wrong; not when a phase is missing beside it, or the flash refused, and the rules have no state.
+// Why an answer is wrong; not when a phase is missing beside it, or the flash refused, and the rules have no
+// state.
 std::string blame(Sweep& s, const std::string& what, const Question& question, const std::string& reason) {
   if (reason.find("missing") == std::string::npos && reason.find("120") == std::string::npos) return reason;
   if (wet_state_exists(question)) return reason;
@@ -130,7 +131,8 @@ Answer ask_isothermal(Sweep& s, const Draw& d, const Components& c, const Answer
   return cold;
 }
 
-// Whether the answer has a vapour or is one fluid: of two liquids the one in the vapour's place is no less dense.
+// Whether the answer has a vapour or is one fluid: of two liquids the one in the vapour's place is no less
+// dense.
 bool has_vapour(const Draw& d, const Components& c, const Answer& a, double T, double P) {
   if (!(a.beta > 0 && a.beta < 1)) return true;
   const size_t w = d.feed.ids.size() - 1;
@@ -306,7 +308,8 @@ int run_wet(const Options& o, Library& library, std::FILE* failures) {
     all += count;
   }
   for (const auto& [what, count] : s.wrong) bad += count;
-  for (const auto& [what, count] : s.stateless) std::printf("%-12s %8d without a state by the rules\n", what.c_str(), count);
+  for (const auto& [what, count] : s.stateless)
+    std::printf("%-12s %8d without a state by the rules\n", what.c_str(), count);
   print_groups(s.wrong);
   if (o.times) std::printf("%.1f us a call\n", 1e6 * s.seconds / std::max(1, all));
   std::printf("%d passed, %d failed\n", all - bad, bad);
