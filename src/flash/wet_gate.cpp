@@ -11,7 +11,7 @@
 namespace kestrune::flash {
 namespace {
 
-constexpr int kMostSteps = 150;
+constexpr int kMostSteps = 600;           // beside critical points a trial comes to a known phase late
 constexpr double kSettled = 1e-24;        // sum of w g^2 of a trial that has settled
 constexpr double kGoingThere = 1e-7;      // the same of a trial that is on its way to a phase that is near
 constexpr double kSameFluid = 1e-3;       // difference of two phases, without their water, that are one
