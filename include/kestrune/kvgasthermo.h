@@ -83,9 +83,10 @@ KV_API StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const dou
  * pseudo-critical temperature (Kay) of the dry feed, hydrocarbons beside free water count as vapour however
  * dense they are; a fluid that is stable as one of the two only is called that. A feed with less than 1e-15 of
  * water is treated as with the flag clear, to the last bit. Of three phases the two of lowest Gibbs energy are
- * returned (with the flag, where hydrocarbons would form two liquids, one of the pairs). What is returned with
- * 0 balances to 1e-12 and has ln fugacities equal to 1e-8 (by a host's routine, and where what met CRIT could
- * not be made better: to the square root of CRIT).
+ * returned (with the flag, where hydrocarbons would form two liquids, one of the pairs; two liquids without a gas
+ * are x and y in the order in which the rules have a state, not by packing). What is returned with 0 balances to
+ * 1e-12 and has ln fugacities equal to 1e-8 (by a host's routine, and where what met CRIT could not be made
+ * better: to the square root of CRIT).
  *
  * 112, 120: no answer; the results hold the last iterate. With the flag also where the rules of free water have
  * no state: solubility limits above about a fifth, hydrocarbons near their critical point. Others: the status

@@ -30,17 +30,17 @@ void water_rich(const Model& m, double xw, double* ln_phi, const Derivatives& d)
 
 // Composition derivatives of the others when they see the liquid at its solubility limit: in terms of the
 // amounts n_j of the hydrocarbons alone, with s/(1 - s) moles of water for each mole of them.
-void at_limit_dn(const Model& m, double s, double xw, double* dn) {
+void at_limit_dn(const Model& m, double s, double oil, double* dn) {
   const int w = m.water;
-  const double total = (1.0 - xw) / (1.0 - s);  // moles of the modified phase in one mole of the whole
+  const double total = oil / (1.0 - s);  // moles of the modified phase in one mole of the whole
   const double ratio = s / (1.0 - s);
   const double* water_column = dn + static_cast<std::size_t>(w) * m.ld;
   for (int j = 0; j < m.n; ++j) {
     double* column = dn + static_cast<std::size_t>(j) * m.ld;
     if (j == w) continue;
     for (int i = 0; i < m.n; ++i) {
-      // + ln(x'_i/x_i) = ln((1 - s)/(1 - x_w)): 1 - 1/(1 - x_w) per mole of a hydrocarbon
-      if (i != w) column[i] = (column[i] + ratio * water_column[i]) / total + 1.0 - 1.0 / (1.0 - xw);
+      // + ln(x'_i/x_i) = ln((1 - s)/oil): 1 - 1/oil per mole of a hydrocarbon
+      if (i != w) column[i] = (column[i] + ratio * water_column[i]) / total + 1.0 - 1.0 / oil;
     }
   }
   double* own = dn + static_cast<std::size_t>(w) * m.ld;
@@ -74,6 +74,12 @@ void set_water(const Model& m, double xw, bool below, double* ln_phi, const Deri
 
 }  // namespace
 
+double oil_of(int n, int water, const double* x) noexcept {
+  double oil = 0.0;
+  for (int i = 0; i < n; ++i) oil += i == water ? 0.0 : x[i];
+  return oil;
+}
+
 bool has_free_water(const MixtureRecord& mixture, const double* z) noexcept {
   const int w = eos::find_water_family(mixture);
   if (w < 0) return false;
@@ -85,16 +91,19 @@ bool has_free_water(const MixtureRecord& mixture, const double* z) noexcept {
 StatusCode wet_liquid_fugacity(Model& m, const double* x, double* ln_phi, const Derivatives& d,
                                double& Z) noexcept {
   const double xw = x[m.water], s = m.solubility.value;
-  if (xw > kWaterRich && m.branch == WaterBranch::by_amount) {
+  const double oil = xw > kWaterRich ? oil_of(m.n, m.water, x) : 1.0 - xw;
+  if (xw > kWaterRich &&
+      (m.branch == WaterBranch::by_amount || (m.branch == WaterBranch::by_content && oil < kLeastOil))) {
     ++m.counts.fugacities;
     Z = 0.0;
     water_rich(m, xw, ln_phi, d);
     return KV_OK;
   }
   const double* composition = x;
-  const bool below = m.branch == WaterBranch::by_amount ? xw < s : m.branch == WaterBranch::below;
+  const bool by_x = m.branch == WaterBranch::by_amount || m.branch == WaterBranch::by_content;
+  const bool below = by_x ? xw < s : m.branch == WaterBranch::below;
   const bool at_limit = !below && s < 1.0;
-  const double scale = at_limit ? (1.0 - s) / (1.0 - xw) : 1.0;
+  const double scale = at_limit ? (1.0 - s) / oil : 1.0;
   if (at_limit) {
     for (int i = 0; i < m.n; ++i) m.modified[i] = scale * x[i];
     m.modified[m.water] = s;
@@ -109,7 +118,7 @@ StatusCode wet_liquid_fugacity(Model& m, const double* x, double* ln_phi, const 
     const double correction = std::log(scale);  // ln x'_i - ln x_i
     for (int i = 0; i < m.n; ++i)
       if (i != m.water) ln_phi[i] += correction;
-    if (d.dn != nullptr) at_limit_dn(m, s, xw, d.dn);
+    if (d.dn != nullptr) at_limit_dn(m, s, oil, d.dn);
   }
   set_water(m, xw, below, ln_phi, d);
   return KV_OK;

@@ -9,8 +9,16 @@
 
 namespace kestrune::flash {
 
-/* A liquid with more water than this is water: nothing else is looked at in it. */
+/*
+ * A liquid with more water than this is water: nothing else is looked at in it. The flashes, whose liquid is
+ * all liquid there is, take it by its content: with this much of hydrocarbons it is oil beside water, however
+ * few.
+ */
 inline constexpr double kWaterRich = 0.9999;
+inline constexpr double kLeastOil = 1e-12;
+
+/* Hydrocarbons of a liquid x[n], all but component water: also where they are next to nothing. */
+double oil_of(int n, int water, const double* x) noexcept;
 
 /* Less water in a feed of sum 1 than this is none: the feed is treated as without the option, to the last bit.
  */

@@ -26,8 +26,9 @@ struct Counts {
 };
 
 // Which side of its solubility limit free water is on: as there is more or less than the limit, or as an
-// iteration has decided, so that what it follows is smooth.
-enum class WaterBranch { by_amount, below, at_limit };
+// iteration has decided, so that what it follows is smooth. A liquid of almost nothing but water is water, or,
+// by content, what hydrocarbons there are beside the water (free_water.hpp).
+enum class WaterBranch { by_amount, by_content, below, at_limit };
 
 /*
  * Everything a flash at one T and P remembers about its model. Built by make_model, on the caller's stack;

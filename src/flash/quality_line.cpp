@@ -168,6 +168,7 @@ StatusCode line_model(QualityLine& line, double T, double P, int order) {
   const StatusCode status =
       make_model(T, P, line.mixture, line.routines, line.free_water, order, *line.arena, line.m);
   if (status != KV_OK) return status;
+  line.m.branch = WaterBranch::by_content;
   line.prepared = T;
   line.prepared_order = order;
   return KV_OK;

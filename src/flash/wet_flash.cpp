@@ -76,15 +76,15 @@ double saturated_gas_water(const Wet& f, double ln_phi_w) {
 
 // Mole fractions of the hydrocarbons that hold water up to their limit, in those of a liquid with this much
 // water.
-double oil_scale(const Wet& f, double xw) {
-  const double s = f.m.solubility.value;
-  return xw > s && xw < 1.0 ? (1.0 - s) / (1.0 - xw) : 1.0;
+double oil_scale(const Wet& f, const double* x) {
+  const double s = f.m.solubility.value, oil = oil_of(f.m.n, f.m.water, x);
+  return x[f.m.water] > s && oil > 0.0 ? (1.0 - s) / oil : 1.0;
 }
 
 // From what was missing beside the answer of which it was.
 void start_from_trial(Wet& f, const WetTrial& t, bool trial_is_gas) {
   const double* const other = trial_is_gas ? f.answer.x : f.answer.y;
-  const double scale = trial_is_gas ? oil_scale(f, other[f.m.water]) : 1.0;
+  const double scale = trial_is_gas ? oil_scale(f, other) : 1.0;
   for (int i = 0; i < f.m.n; ++i) {
     // ln phi of the answer's phase by the fugacity and its composition, of hydrocarbons without free water.
     const double ln_phi = f.answer.d[i] - support::fast_log(scale * other[i]);
@@ -105,7 +105,7 @@ void start_from_wilson(Wet& f) {
 void start_from_estimate(Wet& f) {
   const IsothermalCall& c = f.call;
   const int w = f.m.water;
-  const double scale = oil_scale(f, c.x[w]);
+  const double scale = oil_scale(f, c.x);
   for (int i = 0; i < f.m.n; ++i) {
     double k = f.wilson_k[i];
     if (c.x[i] > 0.0 && c.y[i] > 0.0) k = c.y[i] / (scale * c.x[i]);
@@ -136,10 +136,25 @@ bool usable_estimate(const Wet& f) {
 
 // An answer of two phases that a third one cuts, kept in case nothing better is found.
 struct Kept {
-  bool any = false;
+  bool any = false, liquids = false;
   double beta = 0.0;
   double *x, *y;
+  double* log_k;  // where the split into its liquid and the one that cuts starts
 };
+
+// What was missing as the liquid, and the liquid beside the gas in the gas's place, by the equation of state.
+// False: f.status.
+bool keep_two_liquids(Wet& f, Kept& kept) {
+  const int n = f.m.n, w = f.m.water;
+  const double scale = oil_scale(f, f.answer.x), s = std::min(f.m.solubility.value, f.answer.x[w]);
+  for (int i = 0; i < n; ++i) f.spare[i] = i == w ? s : scale * f.answer.x[i];
+  double Z = 0.0;
+  if (!gas_fugacity(f, f.spare, f.g, Z)) return false;
+  for (int i = 0; i < n; ++i) kept.log_k[i] = f.liquid.ln_phi[i] - f.g[i];
+  kept.log_k[w] = saturated_gas_water(f, f.g[w]);
+  kept.liquids = true;
+  return true;
+}
 
 bool try_split(Wet& f, Kept& kept) {
   bool third = false;
@@ -154,6 +169,7 @@ bool try_split(Wet& f, Kept& kept) {
   }
 
   if (third && !kept.any) {
+    if (f.liquid.found && !keep_two_liquids(f, kept)) return false;
     kept.any = true;
     kept.beta = f.answer.beta;
     std::copy_n(f.answer.x, f.m.n, kept.x);
@@ -168,50 +184,50 @@ StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
   const bool given = usable_estimate(f);
   if (f.water > 1.0 - KV_DEFAULT_PURE_TOLERANCE) return water_alone(f);
   // One fluid, or a gas beside water; what is missing is kept as a start.
-  bool third = false, have_gas = false, have_liquid = false, good_gas = false, lacks_oil = false;
+  bool third = false, have_gas = false, have_liquid = false, good_gas = false;
   if (feed_as_gas(f)) {
     good_gas = accept(f, third);
-    lacks_oil = !good_gas && f.liquid.found && !(f.vapour.found && f.vapour.ln_sum > kOwedFugacity);
     // A fluid that is a liquid by its name comes second.
-    if (good_gas && (f.water > kWaterRich || called_gas(f, f.answer.y, f.answer.Zy))) return finish(f);
+    if (good_gas && called_gas(f, f.answer.y, f.answer.Zy)) return finish(f);
     have_gas = f.liquid.found && f.liquid.ln_sum > 0.0;
     if (have_gas) start_from_trial(f, f.liquid, false);
     std::copy_n(f.log_k, f.m.n, gas_k);
   }
   if (f.status != KV_OK) return f.status;  // of the fugacity routine: the results keep what they held
-  if (f.water <= kWaterRich) {
-    feed_as_liquid(f);
-    // A fluid that is stable as both goes by its name.
-    if (accept(f, third) && (!good_gas || f.liquid_by_name)) return finish(f);
-    // A gas, or another liquid in its place.
-    const bool gas = f.vapour.found && f.vapour.ln_sum > 0.0;
-    have_liquid = gas || (f.liquid.found && f.liquid.ln_sum > 0.0);
-    if (have_liquid) start_from_trial(f, gas ? f.vapour : f.liquid, true);
-    std::copy_n(f.log_k, f.m.n, liquid_k);
-  }
+  feed_as_liquid(f);
+  // A fluid that is stable as both goes by its name.
+  if (accept(f, third) && (!good_gas || f.liquid_by_name)) return finish(f);
+  // A gas, or another liquid in its place.
+  const bool gas = f.vapour.found && f.vapour.ln_sum > 0.0;
+  have_liquid = gas || (f.liquid.found && f.liquid.ln_sum > 0.0);
+  if (have_liquid) start_from_trial(f, gas ? f.vapour : f.liquid, true);
+  std::copy_n(f.log_k, f.m.n, liquid_k);
   if (f.status != KV_OK) return f.status;
   if (good_gas && feed_as_gas(f) && accept(f, third)) return finish(f);
   if (given) {
     start_from_estimate(f);
     if (try_split(f, kept)) return finish(f);
   }
-  for (const auto& [have, k] : {std::pair{have_gas, gas_k}, std::pair{have_liquid, liquid_k}}) {
-    if (!have || f.status != KV_OK) continue;
-    f.it.source = kFromTrial;
-    std::copy_n(k, f.m.n, f.log_k);
-    if (try_split(f, kept)) return finish(f);
-  }
-  if (f.status == KV_OK && start_from_dry_feed(f) && try_split(f, kept)) return finish(f);
-  if (f.status == KV_OK) {
+  const auto two_fluids = [&] {
+    for (const auto& [have, k] : {std::pair{have_gas, gas_k}, std::pair{have_liquid, liquid_k}}) {
+      if (!have || f.status != KV_OK) continue;
+      f.it.source = kFromTrial;
+      std::copy_n(k, f.m.n, f.log_k);
+      if (try_split(f, kept)) return true;
+    }
+    if (f.status == KV_OK && start_from_dry_feed(f) && try_split(f, kept)) return true;
+    if (f.status != KV_OK) return false;
     start_from_wilson(f);
+    return try_split(f, kept);
+  };
+  if (two_fluids()) return finish(f);
+  f.either_way = f.two_liquids || kept.liquids;
+  if (f.status == KV_OK && kept.liquids) {
+    std::copy_n(kept.log_k, f.m.n, f.log_k);
     if (try_split(f, kept)) return finish(f);
   }
+  if (f.status == KV_OK && f.two_liquids && two_fluids()) return finish(f);
   if (f.status != KV_OK) return f.status;
-  // Oil that would be less than a ten-thousandth of the liquid is none: the gas beside water keeps it.
-  if (lacks_oil && f.too_little_oil && feed_as_gas(f)) {
-    accept(f, third);
-    if (f.status == KV_OK) return finish(f);
-  }
   if (kept.any) {
     f.answer.beta = kept.beta;
     std::copy_n(kept.x, f.m.n, f.answer.x);
@@ -229,10 +245,11 @@ void take_trial(support::Arena& arena, int ld, WetTrial& t) {
 // Everything that a flash works with, then body(flash, arena).
 template <class Body>
 StatusCode with_wet(const IsothermalCall& call, Body&& body) {
-  return support::with_arena<5, 80>(call.mixture->count, [&](support::Arena& arena) -> StatusCode {
+  return support::with_arena<5, 81>(call.mixture->count, [&](support::Arena& arena) -> StatusCode {
     Model m;
     const StatusCode status = make_model(call.T, call.P, call.mixture, call.routines, true, 0, arena, m);
     if (status != KV_OK) return status;
+    m.branch = WaterBranch::by_content;
     Settings settings = copy_settings(*call.mixture);
     apply_robust_settings(kModelOptions, settings);
     support::TraceWriter writer(settings.trace, settings.trace_unit);
@@ -269,6 +286,7 @@ StatusCode wet_flash(const IsothermalCall& call) {
     Kept kept;
     kept.x = arena.zeros(f.m.ld);
     kept.y = arena.zeros(f.m.ld);
+    kept.log_k = arena.zeros(f.m.ld);
     return solve(f, kept, arena.zeros(f.m.ld), arena.zeros(f.m.ld));
   });
 }
@@ -282,7 +300,7 @@ StatusCode check_wet(const IsothermalCall& call, bool& good, bool& third) {
     wilson(f.call.T, f.call.P, *f.call.mixture, true, f.wilson_k, nullptr);
     good = accept(f, third);
     // The dew point of what is a liquid by its name, and stable as one, is none.
-    if (good && *call.beta == 1.0 && f.water <= kWaterRich && !called_gas(f, f.answer.y, f.answer.Zy)) {
+    if (good && *call.beta == 1.0 && !called_gas(f, f.answer.y, f.answer.Zy)) {
       bool cut = false;
       f.answer.boundary = false;
       feed_as_liquid(f);

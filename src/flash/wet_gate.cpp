@@ -11,7 +11,7 @@
 namespace kestrune::flash {
 namespace {
 
-constexpr int kMostSteps = 150;
+constexpr int kMostSteps = 600;           // beside critical points a trial comes to a known phase late
 constexpr double kSettled = 1e-24;        // sum of w g^2 of a trial that has settled
 constexpr double kGoingThere = 1e-7;      // the same of a trial that is on its way to a phase that is near
 constexpr double kSameFluid = 1e-3;       // difference of two phases, without their water, that are one
@@ -21,6 +21,7 @@ constexpr double kGrows = 1e-8;           // ln of what a trial adds up to
 constexpr double kMostWater = 0.9999;     // in a trial liquid, where the limit is no limit
 constexpr double kLargestLogW = 300.0;
 constexpr double kNone = -1e5;   // ln of the fugacity of a component that is absent
+constexpr double kThin = 0.5;    // of a gas of more than twice the critical volume: it does not come apart
 constexpr double kReach = 1.25;  // hydrocarbon liquids end somewhere above their pseudo-critical temperature
 
 double limit(const Wet& f) {
@@ -32,12 +33,16 @@ double trial_water(const Wet& f) {
   return std::min(limit(f) * f.answer.activity, kMostWater);
 }
 
+bool lighter_than_gas(const Wet& f, const Known& gas) {
+  return gas.x != nullptr && lighter(*f.call.mixture, f.trial.w, f.trial.Z, gas.x, gas.Z);
+}
+
 // What a trial ended on counts as what it was tried for only; and a gas beside a gas when it is the lighter
 // one, since the denser one would be the liquid, by other rules.
-bool is_of_kind(const Wet& f, Kind kind, const double* gas) {
+bool is_of_kind(const Wet& f, Kind kind, const Known& gas) {
   const WetTrial& t = f.trial;
   if (kind == Kind::liquid) return !loosely_packed(f, t.w, t.Z);
-  return like_a_gas(f, t.w, t.Z) && (gas == nullptr || lighter(*f.call.mixture, t.w, t.Z, gas, f.answer.Zy));
+  return gas.x != nullptr ? lighter_than_gas(f, gas) : like_a_gas(f, t.w, t.Z);
 }
 
 // One fluid: the same hydrocarbons, as loosely packed. Single hydrocarbons differ in the latter alone.
@@ -90,7 +95,7 @@ bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
     }
     if (norm <= kGoingThere && k > 2 && near_known(f, known)) return true;
     if (norm <= kSettled) {
-      t.found = !near_known(f, known) && is_of_kind(f, kind, known[0].x);
+      t.found = !near_known(f, known) && is_of_kind(f, kind, known[0]);
       return true;
     }
     const double factor = speed_up(k, along, before);
@@ -101,7 +106,20 @@ bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
     before = norm;
   }
   // Slow, beside a critical point: it counts where it clearly grows.
-  t.found = t.ln_sum > 1e-6 && !near_known(f, known) && is_of_kind(f, kind, known[0].x);
+  t.found = t.ln_sum > 1e-6 && !near_known(f, known) && is_of_kind(f, kind, known[0]);
+  return true;
+}
+
+// A liquid lighter than the gas beside it may be that gas with the water that a liquid would hold: by the rules
+// of a gas it comes to it then, and is not missing. False: f.status.
+bool tell_from_gas(Wet& f, const Known (&known)[2]) {
+  if (!f.trial.found || f.exchanged || !lighter_than_gas(f, known[0])) return true;
+  std::swap(f.trial, f.vapour);
+  std::copy_n(f.vapour.log_w, f.m.ld, f.trial.log_w);
+  if (!follow(f, Kind::gas, known)) return false;
+  std::swap(f.trial, f.vapour);
+  f.vapour.found = false;
+  f.trial.found = !same_fluid(f, f.vapour.w, f.vapour.Z, known[0].x, known[0].Z);
   return true;
 }
 
@@ -134,6 +152,9 @@ void set_plane(Wet& f, bool water_rich) {
   const double* const c = by_gas ? a.y : a.x;
   const double* const phi = by_gas ? a.phi_y : a.phi_x;
   for (int i = 0; i < n; ++i) a.d[i] = c[i] > 0.0 ? support::fast_log(c[i]) + phi[i] : kNone;
+  // A trace at the bound of its coefficient follows no fugacity: the other phase has it.
+  if (by_gas && a.has_liquid() && c[w] <= kSmallestK && a.x[w] > kSmallestK)
+    a.d[w] = support::fast_log(a.x[w]) + a.phi_x[w];
   a.activity = support::fast_exp(a.d[w]) * f.m.P / f.m.psat.value;
 }
 
@@ -147,7 +168,7 @@ bool gas_fugacity(Wet& f, const double* x, double* ln_phi, double& Z) {
 bool oil_fugacity(Wet& f, const double* x, double* ln_phi, double& Z) {
   f.m.branch = WaterBranch::below;
   f.status = wet_liquid_fugacity(f.m, x, ln_phi, {}, Z);
-  f.m.branch = WaterBranch::by_amount;
+  f.m.branch = WaterBranch::by_content;
   return f.status == KV_OK;
 }
 
@@ -176,7 +197,7 @@ double speed_up(int k, double along, double before) noexcept {
 
 double dry_distance(const Wet& f, const double* a, const double* b) {
   const int w = f.m.water;
-  const double ra = 1.0 / (1.0 - a[w]), rb = 1.0 / (1.0 - b[w]);
+  const double ra = 1.0 / oil_of(f.m.n, w, a), rb = 1.0 / oil_of(f.m.n, w, b);
   double most = 0.0;
   for (int i = 0; i < f.m.n; ++i)
     if (i != w) most = std::max(most, std::fabs(a[i] * ra - b[i] * rb));
@@ -188,7 +209,7 @@ bool look_for_missing(Wet& f, Kind kind, const Known (&known)[2]) {
   const int n = f.m.n, w = f.m.water;
   (liquid ? f.liquid : f.vapour).found = false;
   const auto run = [&] {
-    if (!follow(f, kind, known)) return false;
+    if (!follow(f, kind, known) || (liquid && !tell_from_gas(f, known))) return false;
     remember(f, kind);
     return true;
   };
@@ -222,7 +243,8 @@ bool accept(Wet& f, bool& third) {
   const double amounts[] = {1.0 - a.beta, a.beta};
   const double* const phases[] = {a.x, a.y};
   if (!is_split(f.m.n, f.z, 2, amounts, phases)) return false;
-  const bool gas = a.has_gas(), liquid = a.has_liquid(), water_rich = liquid && a.x[w] > kWaterRich;
+  const bool gas = a.has_gas(), liquid = a.has_liquid();
+  const bool water_rich = liquid && a.x[w] > kWaterRich && oil_of(f.m.n, w, a.x) < kLeastOil;
   const double owed = std::max(kOwedFugacity, host_slack(f.m, f.settings));
   a.Zx = a.Zy = 0.0;
   if (gas && !gas_fugacity(f, a.y, a.phi_y, a.Zy)) return false;
@@ -247,12 +269,14 @@ bool accept(Wet& f, bool& third) {
 
     if (gas && same_fluid(f, f.spare, a.Zx, a.y, a.Zy)) return false;
     f.exchanged = gas && lighter(*f.call.mixture, f.spare, a.Zx, a.y, a.Zy);
-    if (f.exchanged) return false;
+    const bool liquids = f.exchanged && !loosely_packed(f, f.spare, a.Zx);
+    if (liquids) f.two_liquids = true;
+    if (f.exchanged && !(liquids && f.either_way)) return false;
   }
   const Known known[2] = {{gas ? a.y : nullptr, a.Zy}, {oil ? a.x : nullptr, a.Zx}};
   if (!look_for_missing(f, Kind::liquid, known)) return false;
-  // Beside a gas that is one by its packing there is no lighter one.
-  if (!(gas && loosely_packed(f, a.y, a.Zy)) && !look_for_missing(f, Kind::gas, known)) return false;
+  // Beside a thin gas there is no lighter one.
+  if (!(gas && loosely_packed(f, a.y, kThin * a.Zy)) && !look_for_missing(f, Kind::gas, known)) return false;
   const bool cut = (f.liquid.found && f.liquid.ln_sum > std::max(kGrows, owed)) ||
                    (f.vapour.found && f.vapour.ln_sum > std::max(kGrows, owed));
   third = cut && gas && oil;

@@ -26,6 +26,9 @@ constexpr double kAllGasT = 800.0, kAllGasP = 0.01;  // where that search begins
 constexpr int kMostStates = 120, kMostHalvings = 60;
 constexpr double kNoWidth = 1e-8;  // of a bracket, in ln of the unknown: a fluid changes its name there
 constexpr double kEvenT = 0.03, kEvenP = 0.2;  // steps of a search from the gas, in ln of the unknown
+constexpr double kLeastPart = 0.1;             // of such a step
+constexpr double kNearFraction = 0.15;         // of gas, from which Newton's method is tried on the way
+constexpr int kMostEnds = 8;                   // halvings of a step towards the end of two fluids
 
 // A state of the flash at T and P. Arrays [ld].
 struct WetPoint {
@@ -174,17 +177,39 @@ bool bracket(WetSearch& q, double u, bool& solved) {
   return solved || (q.little.known && q.much.known);
 }
 
-// From where all is gas towards the liquid: the first place where there is too little gas. u is the state
-// before.
-bool first_crossing(WetSearch& q, double& u) {
+// Where two fluids end before u + step, without the other side: their gas may have grown to all or dwindled,
+// and what is left then have its name. By halves towards that end; true when the other side was met.
+bool end_of_two(WetSearch& q, double u, double step) {
+  for (int k = 0; k < kMostEnds; ++k) {
+    step *= 0.5;
+    if (!look_at(q, u + step)) return false;
+    if (q.little.known && q.much.known) return true;
+    if (q.here.beta > 0.0 && q.here.beta < 1.0) u += step;
+  }
+  return false;
+}
+
+// From where all is gas towards the liquid: the first place with too much gas on one side and too little on the
+// other, or the point itself. u is the state before.
+bool first_crossing(WetSearch& q, double& u, bool& solved) {
   const double step = q.of_T ? -kEvenT : kEvenP;
   for (; u > least(q) && u < most(q); u += step) {
     q.little.known = q.much.known = false;
-    if (!look_at(q, u) || !q.much.known) {
+    if (!look_at(q, u)) {
       if (q.status != KV_OK) return false;
       continue;
     }
-    if (look_at(q, u + step) && q.little.known) return true;
+    const bool two = q.here.beta > 0.0 && q.here.beta < 1.0;
+    solved = two && std::fabs(q.here.beta - q.W) < kNearFraction && solve_from(q, q.here);
+    if (solved) return true;
+    // Where there is no state that far, nearer ones may know.
+    double part = 1.0;
+    while (!look_at(q, u + part * step) && q.status == KV_OK && part > kLeastPart) part *= 0.5;
+    if (q.status != KV_OK) return false;
+    if (q.little.known && q.much.known) return true;
+    const bool still_two = q.here.known && q.here.beta > 0.0 && q.here.beta < 1.0;
+    if (two != still_two && q.here.known && (two ? end_of_two(q, u, step) : end_of_two(q, u + step, -step)))
+      return true;
     if (q.status != KV_OK) return false;
   }
   return false;
@@ -240,8 +265,8 @@ StatusCode solve(WetSearch& q, support::TraceWriter& trace) {
   bool solved = false;
   if (bracket(q, u, solved) && (solved || close_in(q))) return write_point(q, q.point, KV_OK);
   u = std::log(q.of_T ? kAllGasT : kAllGasP);
-  while (q.status == KV_OK && first_crossing(q, u)) {
-    if (close_in(q)) return write_point(q, q.point, KV_OK);
+  while (q.status == KV_OK && first_crossing(q, u, solved)) {
+    if (solved || close_in(q)) return write_point(q, q.point, KV_OK);
     u += q.of_T ? -kEvenT : kEvenP;
   }
   if (q.status != KV_OK) return q.status;

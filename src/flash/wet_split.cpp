@@ -120,7 +120,7 @@ bool finish(Wet& f, WaterBranch branch) {
   f.it.kind_x = Kind::liquid;
   f.it.kind_y = Kind::gas;
   const Outcome outcome = iterate_two_phases(f.m, f.settings, {}, f.trace, f.two, f.it, f.status);
-  f.m.branch = WaterBranch::by_amount;
+  f.m.branch = WaterBranch::by_content;
   return outcome == Outcome::converged;
 }
 
@@ -143,10 +143,7 @@ bool split_saturated(Wet& f, bool& short_of_water) {
   short_of_water = left() <= 0.0;
   if (short_of_water) return false;
   const double whole = 1.0 - s.gas;  // of the liquid
-  if ((f.water - s.gas * f.answer.y[w]) > kWaterRich * whole) {
-    f.too_little_oil = true;
-    return false;
-  }
+  if (s.oil * (1.0 - f.m.solubility.value) < kLeastOil * whole) return false;
 
   for (int i = 0; i < n; ++i) {
     const double x = i == w ? (f.water - s.gas * f.answer.y[w]) / whole : s.oil * f.answer.x[i] / whole;
@@ -195,8 +192,9 @@ bool feed_as_gas(Wet& f) {
   if (excess <= 0.0 && !is_liquid_water(f, a.y, a.Zy)) return true;
   // The water that it can hold: the excess rises with it, as long as it is a gas.
   double high = whole, f_high = excess, low = -1e3, f_low = 0.0;
-  double u = excess > 0.0 ? whole - excess : std::min(std::log(f.m.psat.value / f.m.P), whole);
-  bool have_low = false, have_high = excess > 0.0;
+  // From what the equation takes for liquid water no step leads to the gas.
+  bool have_low = false, have_high = excess > 0.0 && !is_liquid_water(f, a.y, a.Zy);
+  double u = have_high ? whole - excess : std::min(std::log(f.m.psat.value / f.m.P), whole);
   for (int k = 0; k < kMostRoots; ++k) {
     if (!excess_water(f, u, excess)) return false;
     if (std::fabs(excess) <= kSettled) break;

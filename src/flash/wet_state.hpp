@@ -51,9 +51,10 @@ struct Wet {
   WetTrial trial, liquid, vapour;  // the trial that runs, and the strongest of each kind
   double* log_k = nullptr;         // [ld] where a split starts: ln y_i/x_i, water's being ln y_w in the gas
   double *g = nullptr, *before = nullptr, *spare = nullptr;  // [ld] work
-  bool liquid_by_name = true;   // what the gate looked at last as hydrocarbon liquid
-  bool exchanged = false;       // the gate found the liquid packed less densely than the gas
-  bool too_little_oil = false;  // a split left less of it beside free water than counts as a liquid
+  bool liquid_by_name = true;  // what the gate looked at last as hydrocarbon liquid
+  bool exchanged = false;      // the gate found the liquid packed less densely than the gas
+  bool two_liquids = false;    // and that it was a liquid all the same
+  bool either_way = false;     // of two such liquids the gate takes either for the one that holds the water
   Iterate it;
   TwoPhaseWork two;
   StatusCode status = KV_OK;  // of the fugacity routine

@@ -101,7 +101,14 @@ StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
   call.mode = flash::Mode::liquid_liquid;
   call.start = c.estimate ? flash::Start::warm : flash::Start::cold;
   call.index = c.estimate ? 1 : 0;  // the option of this flash, which has the other sense
-  const StatusCode status = flash::isothermal_flash(call);
+  StatusCode status = flash::isothermal_flash(call);
+  if (status == KV_TRIVIAL && c.free_water) {
+    // By the rules the two hold the same water: the split by the equation of state alone is close.
+    call.free_water = false;
+    if (flash::isothermal_flash(call) == KV_OK) call.start = flash::Start::warm;
+    call.free_water = true;
+    status = flash::isothermal_flash(call);
+  }
   if (status != KV_OK && status != KV_SINGLE_PHASE) return status;
   if (*c.beta == 0.0) {
     drop_traces(n, c.liquid1);

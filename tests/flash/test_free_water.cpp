@@ -31,13 +31,15 @@ void expect_rules(Mixture& m, double T, double P, const FlashResult& r, bool liq
   const std::size_t n = r.x.size(), w = n - 1;
   const double s = limit(m, T);
   std::vector<double> oil = r.x;
-  for (std::size_t i = 0; i < n && r.x[w] > s; ++i) oil[i] = i == w ? s : r.x[i] * (1 - s) / (1 - r.x[w]);
+  double rest = 0.0;
+  for (std::size_t i = 0; i < w; ++i) rest += r.x[i];
+  for (std::size_t i = 0; i < n && r.x[w] > s; ++i) oil[i] = i == w ? s : r.x[i] * (1 - s) / rest;
   const PhaseState y = gas ? phase_state(m, T, P, r.y, KV_PHASE_GAS) : PhaseState{};
   const double water = gas ? r.y[w] * std::exp(y.ln_phi[w]) * P : 0.0;
   EXPECT_LE(water, psat(T) * (1 + 1e-8));
   if (!gas || !liquid) return;
   EXPECT_NEAR(water / (psat(T) * std::min(1.0, r.x[w] / s)), 1.0, 1e-8);
-  if (r.x[w] > 0.9999) return;
+  if (rest < 1e-12) return;
   const PhaseState x = phase_state(m, T, P, oil, KV_PHASE_LIQUID);
   for (std::size_t i = 0; i < w; ++i)
     EXPECT_NEAR(std::log(oil[i]) + x.ln_phi[i], std::log(r.y[i]) + y.ln_phi[i], 1e-8) << i;
@@ -134,6 +136,77 @@ TEST(FreeWater, StatesByTheRulesColdAndWarm) {
   }
 }
 
+struct Hard {
+  const char* what;
+  std::vector<std::string> ids;
+  double A, B, T, P;
+  std::vector<double> z;
+  double least, most;  // water of the liquid
+};
+
+// Where a phase, or the state as a whole, is easily missed.
+TEST(FreeWater, StatesThatAreHardToFind) {
+  const std::vector<std::string> carbonic{"carbon_dioxide", "n_decane", "water"};
+  const Hard states[] = {
+      {"oil of a few millionths beside water",
+       {"propane", "n_heptane", "water"},
+       12.5,
+       6000,
+       318.36891589371163,
+       4.0367327273631224,
+       {0.0028302195098447004, 0.00016978049015530202, 0.997},
+       0.9999,
+       0.9999999},
+      {"gas beside hot water that the equation takes for a gas as well",
+       {"methane", "ethane", "propane", "n_butane", "n_hexane", "carbon_dioxide", "water"},
+       11.2,
+       6290,
+       412.3393632214474,
+       70.085793652887645,
+       {1.183938982873186e-4, 1.0074725641309151e-3, 1.1808514971081759e-3, 1.5982237716609464e-4,
+        4.6256741370177796e-4, 7.0892249605720504e-5, 0.997},
+       1,
+       1},
+      {"two hydrocarbon liquids beside water",
+       carbonic,
+       12.5,
+       6000,
+       241.67578694309313,
+       25.022459538431889,
+       {0.64740510928079842, 0.25259489071920166, 0.1},
+       0.2,
+       0.3},
+      {"two hydrocarbon liquids, where a gas would have a second one",
+       carbonic,
+       12.5,
+       6000,
+       242.24200403565118,
+       13.747698391806461,
+       {0.36802148711165561, 0.23197851288834437, 0.4},
+       0.9,
+       0.92},
+      {"carbon dioxide as a liquid and an oil, almost dry",
+       carbonic,
+       12.5,
+       6000,
+       256.72935171420488,
+       23.530437153344529,
+       {0.94645216578156355, 0.053547834217436502, 1e-12},
+       0,
+       1e-11},
+  };
+  for (const Hard& s : states) {
+    SCOPED_TRACE(s.what);
+    Mixture m = wet(s.ids, s.A, s.B);
+    const FlashResult r = flash(m, s.T, s.P, s.z);
+    ASSERT_EQ(r.status, KV_OK);
+    EXPECT_TRUE(r.two_phases());
+    EXPECT_GE(r.x.back(), s.least);
+    EXPECT_LE(r.x.back(), s.most);
+    expect_rules(m, s.T, s.P, r, true, true);
+  }
+}
+
 // The state at a vapour fraction is one that the flash at its temperature and pressure knows as well.
 TEST(FreeWater, VapourFractions) {
   const std::vector<double> z{0.5, 0.15, 0.15, 0.2};
@@ -153,6 +226,39 @@ TEST(FreeWater, VapourFractions) {
       EXPECT_GE(flash(m, of_T ? more : T, of_T ? P : more, z).beta, W - 1e-9);
       EXPECT_LE(flash(m, of_T ? less : T, of_T ? P : less, z).beta, W + 1e-9);
     }
+  }
+  // Beside pressures where the rules have no state; and where next to no oil is left beside the water.
+  struct Point {
+    std::vector<std::string> ids;
+    double A, B, W, T, P;
+    std::vector<double> z;
+  };
+  const Point points[] = {{{"methane", "carbon_dioxide", "hydrogen_sulfide", "n_butane", "water"},
+                           8,
+                           5000,
+                           0.9,
+                           391.09956499605926,
+                           0,
+                           {0.095826762185685491, 0.13414668888452014, 0.21632612423376862, 0.54870042469602587,
+                            0.0050000000000000001}},
+                          {{"methane", "n_butane", "water"},
+                           11.2,
+                           6290,
+                           0.1,
+                           0,
+                           1.1039006667734783,
+                           {0.081328819423093807, 0.018671180576906171, 0.9}}};
+  for (const Point& p : points) {
+    Mixture m = wet(p.ids, p.A, p.B);
+    FlashResult r = flash(m, 320.0, 20.0, p.z);
+    double T = p.T, P = p.P;
+    const bool of_T = p.T == 0.0;
+    auto* const routine = of_T ? FlashLVatWP : FlashLVatWT;
+    ASSERT_EQ(routine(p.W, of_T ? P : T, p.z.data(), &m.record, nullptr, 1, of_T ? &T : &P, r.x.data(),
+                      r.y.data(), r.K.data()),
+              KV_OK);
+    expect_rules(m, T, P, r, true, true);
+    EXPECT_NEAR(flash(m, T, P, p.z).beta, p.W, 1e-6);
   }
   // Gas, one hydrocarbon liquid and water of two components: the temperature stands still while the gas grows.
   Mixture m = wet({"propane", "water"});
@@ -215,6 +321,32 @@ TEST(FreeWater, LiquidLiquid) {
     EXPECT_EQ(r.K[0], 1e15);
     EXPECT_NEAR(r.K[2], s, 1e-15);
   }
+  // Below the limit two hydrocarbon liquids hold the same water.
+  Mixture two = wet({"carbon_dioxide", "n_decane", "water"});
+  int split = 0;
+  for (double T = 228.0; T < 250.0; T += 1.5) {
+    for (const double P : {30.0, 60.0, 150.0}) {
+      for (const double part : {0.3, 0.6, 0.75, 0.9}) {
+        for (const double wet_part : {1e-6, 0.1, 0.999}) {
+          const double water = wet_part * limit(two, T);
+          const std::vector<double> z{part * (1 - water), (1 - part) * (1 - water), water};
+          FlashResult r = flash(two, T, P, z);
+          SCOPED_TRACE(testing::Message() << T << " K " << P << " atm, " << part << ", water " << wet_part);
+          ASSERT_EQ(
+              FlashLLatTP(T, P, z.data(), &two.record, nullptr, 0, &r.beta, r.x.data(), r.y.data(), r.K.data()),
+              KV_OK);
+          if (!r.two_phases()) continue;
+          ++split;
+          const PhaseState a = phase_state(two, T, P, r.x, KV_PHASE_LIQUID),
+                           b = phase_state(two, T, P, r.y, KV_PHASE_LIQUID);
+          EXPECT_NEAR(r.x[2], r.y[2], 1e-8 * water);
+          for (std::size_t i = 0; i < 2; ++i)
+            EXPECT_NEAR(std::log(r.x[i]) + a.ln_phi[i], std::log(r.y[i]) + b.ln_phi[i], 1e-8) << i;
+        }
+      }
+    }
+  }
+  EXPECT_GT(split, 100);
 }
 
 }  // namespace

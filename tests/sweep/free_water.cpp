@@ -27,6 +27,19 @@ struct Water {
     }
   }
 
+  // All but water, also where that is next to nothing.
+  double rest(const Composition& x) const {
+    double sum = 0;
+    for (int i = 0; i < n; ++i) sum += i == iw ? 0 : x[i];
+    return sum;
+  }
+
+  double covolume(const Composition& x) const {
+    double b = 0;
+    for (int i = 0; i < n; ++i) b += x[i] * par.b[i];
+    return b;
+  }
+
   // ln(f_i / P) in a vapour.
   Composition vapour(const Composition& y, double& Z) const {
     Phase<double> phase;
@@ -37,12 +50,16 @@ struct Water {
     return ln_f;
   }
 
+  // The hydrocarbons of a liquid with the water that they hold.
+  Composition oil(const Composition& x) const {
+    Composition part = x;
+    for (int i = 0; i < n && x[iw] >= s; ++i) part[i] = i == iw ? s : x[i] * (1 - s) / rest(x);
+    return part;
+  }
+
   // ln(f_i / P) in a liquid, free water above the limit included.
   Composition liquid(const Composition& x, double& Z) const {
-    Composition part = x;
-    if (x[iw] >= s) {
-      for (int i = 0; i < n; ++i) part[i] = i == iw ? s : x[i] * (1 - s) / (1 - x[iw]);
-    }
+    const Composition part = oil(x);
     Phase<double> phase;
     evaluate(par, question.P, part.data(), Root::smallest, false, phase);
     Composition ln_f(n);
@@ -56,16 +73,16 @@ struct Water {
 struct Known {
   Composition x;
   double Z;
+  bool vapour;  // the lighter phase, or the only one
 };
 
-// Successive substitution on a trial phase with ln(f_i / P) = d_i; true when it settles on a phase that is not
-// one of the known ones and whose unnormalised fractions sum to more than one: that phase is missing.
-bool phase_missing(const Water& water, const Composition& d, Composition w, bool trial_is_liquid,
-                   const std::vector<Known>& known) {
-  Phase<double> phase;
-  double total = 1;
+// Successive substitution on a trial phase w with ln(f_i / P) = d_i; total: what its fractions add up to. True
+// when it settles.
+bool settle(const Water& water, const Composition& d, bool trial_is_liquid, Composition& w,
+            Phase<double>& phase, double& total) {
   Composition next(water.n);
-  for (int k = 0; k < 300; ++k) {
+  bool settled = false;
+  for (int k = 0; k < 1000 && !settled; ++k) {
     evaluate(water.par, water.question.P, w.data(), trial_is_liquid ? Root::smallest : Root::largest, false,
              phase);
     total = 0;
@@ -79,22 +96,47 @@ bool phase_missing(const Water& water, const Composition& d, Composition w, bool
       change = std::max(change, std::abs(next[i] / total - w[i]));
       w[i] = next[i] / total;
     }
-    if (change < 1e-12) break;
-    if (k == 299) return false;
+    settled = change < 1e-12;
   }
+  return settled;
+}
+
+// One fluid: its hydrocarbons and its packing.
+bool same(const Water& water, const Composition& w, double Z, const Known& other) {
+  double distance = 0;
+  for (int i = 0; i < water.n; ++i) {
+    if (i != water.iw)
+      distance = std::max(distance, std::abs(w[i] / water.rest(w) - other.x[i] / water.rest(other.x)));
+  }
+  return distance < 1e-3 && std::abs(Z - other.Z) < 0.1 * std::max(Z, other.Z);
+}
+
+// Whether a trial settles on a phase that is not one of the known ones and grows: that phase is missing.
+bool phase_missing(const Water& water, const Composition& d, Composition w, bool trial_is_liquid,
+                   const std::vector<Known>& known) {
+  Phase<double> phase;
+  double total = 1;
+  const bool settled = settle(water, d, trial_is_liquid, w, phase, total);
   // The equation of state lets a liquid hold another amount of water than the rules do: a trial counts only as
   // what it was tried for, a liquid below and a vapour above the pseudo-critical volume.
   const double volume_ratio = phase.Z * 82.057 * water.par.T / (water.question.P * phase.b);
-  if ((volume_ratio > vapour_volume_ratio) == trial_is_liquid) return false;
-  for (const auto& [base, Z] : known) {  // a phase that is already there: its hydrocarbons and its packing
-    double distance = 0;
-    for (int i = 0; i < water.n; ++i) {
-      if (i != water.iw)
-        distance = std::max(distance, std::abs(w[i] / (1 - w[water.iw]) - base[i] / (1 - base[water.iw])));
-    }
-    if (distance < 1e-3 && std::abs(phase.Z - Z) < 0.1 * std::max(phase.Z, Z)) return false;
+  const bool thin = volume_ratio > vapour_volume_ratio;
+  const Known* lighter = nullptr;  // the vapour, when it is denser than the trial
+  for (const Known& k : known) {
+    if (same(water, w, phase.Z, k)) return false;
+    if (k.vapour && phase.Z / phase.b > k.Z / water.covolume(k.x)) lighter = &k;
   }
-  return total > 1 + fugacity_tolerance;
+  if (trial_is_liquid ? thin : !thin && lighter == nullptr) return false;
+  if (trial_is_liquid && lighter != nullptr) {
+    // It may be that vapour, with the water that a liquid would hold: by the rules of a vapour it comes to it
+    // then.
+    Composition v = w;
+    Phase<double> there;
+    double sum = 1;
+    settle(water, d, false, v, there, sum);
+    if (same(water, v, there.Z, *lighter)) return false;
+  }
+  return total > 1 + (settled ? fugacity_tolerance : 1e-6);  // slow beside a critical point
 }
 
 std::string message(const char* format, double value) {
@@ -118,17 +160,38 @@ std::string missing_phase(const Water& water, const Composition& d, const std::v
     for (double& v : w) v /= total;
     starts.push_back(w);
   }
+  Composition ideal(water.n);
+  double sum = 0;
+  for (int i = 0; i < water.n; ++i) sum += ideal[i] = std::exp(std::clamp(d[i], -300.0, 300.0));
+  for (double& v : ideal) v /= sum;
+  starts.push_back(ideal);
   for (int k = 0; k < water.n; ++k) {
     if (k == water.iw) continue;
     Composition w(water.n);
     for (int i = 0; i < water.n; ++i) w[i] = i == k ? 0.999 : 0.001 / (water.n - 1);
     starts.push_back(w);
+    for (const double part : {0.5, 0.1}) {
+      Composition between(water.n);
+      for (int i = 0; i < water.n; ++i) between[i] = part * w[i] + (1 - part) * ideal[i];
+      starts.push_back(between);
+    }
   }
   for (const Composition& start : starts) {
     if (phase_missing(water, d, start, true, known)) return "a liquid is missing";
     if (phase_missing(water, d, start, false, known)) return "a vapour is missing";
   }
   return {};
+}
+
+// Whether what a water-rich liquid holds beside water is an oil in equilibrium with the vapour: then it is one.
+bool holds_oil(const Water& water, const Answer& answer, const Composition& liquid, const Composition& vapour) {
+  int compared = 0;
+  for (int i = 0; i < water.n; ++i) {
+    if (i == water.iw || !(answer.x[i] > 1e-15)) continue;
+    ++compared;
+    if (!(std::abs(liquid[i] - vapour[i]) <= fugacity_tolerance)) return false;
+  }
+  return compared > 0;
 }
 
 void judge_rules(const Question& question, const Answer& answer, Verdict& verdict, bool point = false) {
@@ -138,9 +201,10 @@ void judge_rules(const Question& question, const Answer& answer, Verdict& verdic
   Composition d(n);
   double liquid_Z = 0, vapour_Z = 0;
   const bool has_liquid = answer.beta < 1 || point, has_vapour = answer.beta > 0 || point;
-  const bool water_rich = has_liquid && answer.x[water.iw] > 0.9999;
   const Composition liquid = has_liquid ? water.liquid(answer.x, liquid_Z) : Composition(n);
   const Composition vapour = has_vapour ? water.vapour(answer.y, vapour_Z) : Composition(n);
+  const bool water_rich =
+      has_liquid && answer.x[water.iw] > 0.9999 && !(has_vapour && holds_oil(water, answer, liquid, vapour));
   for (int i = 0; i < n && has_liquid && has_vapour; ++i) {
     if (water_rich && i != water.iw) continue;  // what a water-rich phase dissolves is left open
     if (question.z[i] == 0) continue;
@@ -164,10 +228,15 @@ void judge_rules(const Question& question, const Answer& answer, Verdict& verdic
       verdict.reason = message("the vapour is supersaturated with water by %.3g", excess);
       return;
     }
-    known.push_back({answer.y, vapour_Z});
+    const bool lighter = !has_liquid || water_rich ||
+                         vapour_Z / water.covolume(answer.y) > liquid_Z / water.covolume(water.oil(answer.x));
+    known.push_back({answer.y, vapour_Z, lighter});
   }
-  if (has_liquid && !water_rich) known.push_back({answer.x, liquid_Z});
-  d = has_vapour && (water_rich || answer.beta > 0.5) ? vapour : liquid;
+  if (has_liquid && !water_rich) known.push_back({answer.x, liquid_Z, false});
+  const bool by_vapour = has_vapour && (water_rich || answer.beta > 0.5);
+  d = by_vapour ? vapour : liquid;
+  // Water at the bound of its K follows no fugacity where it is a trace: the liquid has it.
+  if (by_vapour && has_liquid && answer.y[water.iw] <= 1e-15) d[water.iw] = liquid[water.iw];
   if (has_vapour || !water_rich) verdict.reason = missing_phase(water, d, known);
   if (verdict.reason.empty())
     verdict.outcome = has_liquid && has_vapour ? Outcome::two_phase : Outcome::single_phase;
