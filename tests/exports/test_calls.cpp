@@ -271,12 +271,15 @@ TEST_F(Calls, WhoTriesAgainAfterWhat) {
                 (std::vector<double>{0, 0, 1}));
       EXPECT_DOUBLE_EQ(r.array[1][1], 0.3 * scale / (1.0 - 0.1 * scale));
     }
+  // Inside H,P and S,P stand flashes at T and P, which have an index of their own.
   int headers = 0;
-  for (const std::string& line : lines_of("fort.47"))
-    if (line.find("INDICE INITIALISATION :") != std::string::npos) {
-      ++headers;
-      EXPECT_EQ(std::stoi(line.substr(line.find(':') + 1)), 1) << line;
-    }
+  bool own = true;
+  for (const std::string& line : lines_of("fort.47")) {
+    if (line.find("FLASH ") != std::string::npos) own = headers < 4 || line.find("T,P") == std::string::npos;
+    if (!own || line.find("INDICE INITIALISATION :") == std::string::npos) continue;
+    ++headers;
+    EXPECT_EQ(std::stoi(line.substr(line.find(':') + 1)), 1) << line;
+  }
   EXPECT_EQ(headers, 12);
 }
 

@@ -397,7 +397,7 @@ TEST(ThreePhaseTrace, EveryStartIsTried) {
   m.record.ITEMAX = 1;
   const Trace trace(m, 300, 20, {0.4, 0.4, 0.2, 0.0}, 1);
   EXPECT_EQ(trace.answer.status, KV_NOT_CONVERGED);
-  EXPECT_EQ(trace.indices, (Vector{4, 4, 2, 1, 3, 5}));
+  EXPECT_EQ(trace.indices, (Vector{4, 4, 4, 2, 1, 3, 5}));
 }
 
 // K is 1e15 where the phase below lacks a component, be it absent or a trace below 1e-15, which counts as 0.
