@@ -73,7 +73,8 @@ struct Water {
 struct Known {
   Composition x;
   double Z;
-  bool vapour;  // the lighter phase, or the only one
+  double volume;  // over the covolume, in P/(R T)
+  bool vapour;    // the lighter phase, or the only one
 };
 
 // Successive substitution on a trial phase w with ln(f_i / P) = d_i; total: what its fractions add up to. True
@@ -121,12 +122,15 @@ bool phase_missing(const Water& water, const Composition& d, Composition w, bool
   // what it was tried for, a liquid below and a vapour above the pseudo-critical volume.
   const double volume_ratio = phase.Z * 82.057 * water.par.T / (water.question.P * phase.b);
   const bool thin = volume_ratio > vapour_volume_ratio;
-  const Known* lighter = nullptr;  // the vapour, when it is denser than the trial
+  const Known* lighter = nullptr;    // the vapour, when it is denser than the trial
+  bool lightest = known.size() > 1;  // of two fluids in equilibrium both are denser than the trial
   for (const Known& k : known) {
     if (same(water, w, phase.Z, k)) return false;
-    if (k.vapour && phase.Z / phase.b > k.Z / water.covolume(k.x)) lighter = &k;
+    const bool denser = phase.Z / phase.b > k.volume;
+    if (k.vapour && denser) lighter = &k;
+    lightest = lightest && denser;
   }
-  if (trial_is_liquid ? thin : !thin && lighter == nullptr) return false;
+  if (trial_is_liquid ? thin : !thin && lighter == nullptr && !lightest) return false;
   if (trial_is_liquid && lighter != nullptr) {
     // It may be that vapour, with the water that a liquid would hold: by the rules of a vapour it comes to it
     // then.
@@ -228,11 +232,12 @@ void judge_rules(const Question& question, const Answer& answer, Verdict& verdic
       verdict.reason = message("the vapour is supersaturated with water by %.3g", excess);
       return;
     }
-    const bool lighter = !has_liquid || water_rich ||
-                         vapour_Z / water.covolume(answer.y) > liquid_Z / water.covolume(water.oil(answer.x));
-    known.push_back({answer.y, vapour_Z, lighter});
+    const double volume = vapour_Z / water.covolume(answer.y);
+    const bool lighter = !has_liquid || water_rich || volume > liquid_Z / water.covolume(water.oil(answer.x));
+    known.push_back({answer.y, vapour_Z, volume, lighter});
   }
-  if (has_liquid && !water_rich) known.push_back({answer.x, liquid_Z, false});
+  if (has_liquid && !water_rich)
+    known.push_back({answer.x, liquid_Z, liquid_Z / water.covolume(water.oil(answer.x)), false});
   const bool by_vapour = has_vapour && (water_rich || answer.beta > 0.5);
   d = by_vapour ? vapour : liquid;
   // Water at the bound of its K follows no fugacity where it is a trace: the liquid has it.
