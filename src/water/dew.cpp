@@ -135,9 +135,11 @@ bool search(PressureSearch& p, double& P) noexcept {
 StatusCode find_pressure(PressureSearch& p, double& P) noexcept {
   bool at_start = false;
   const StatusCode status = newton(p, P, at_start);
-  if (status == KV_OK && !at_start && p.water > 0.0) refine(p, P);
+  const bool exact = status == KV_OK && (at_start || !(p.water > 0.0) || refine(p, P));
+  if (exact || p.limit <= 0) return status;
+  // Converged without being a solution, where the content hardly changes with pressure: one may lie elsewhere.
   const bool in_circles = status == KV_NOT_CONVERGED && p.limit >= kEnough;
-  if (!in_circles && (status != KV_ZERO_SLOPE || p.limit <= 0)) return status;
+  if (status != KV_OK && !in_circles && status != KV_ZERO_SLOPE) return status;
   p.updates = 0;
   double elsewhere = P;
   if (!search(p, elsewhere)) return status;
