@@ -107,6 +107,29 @@ void close_interval(PressureSearch& p, double low, double high, double& P) noexc
   }
 }
 
+// Whether the content dips below what is there between two pressures where it is higher: golden section, as
+// long as it may. P: a pressure where it is lower.
+bool dips(PressureSearch& p, double low, double high, double& P) noexcept {
+  constexpr double kGolden = 0.6180339887498949;
+  constexpr int kMostCuts = 40;
+  double a = std::log(low), c = std::log(high), Fl = 0.0, Fr = 0.0;
+  double left = c - kGolden * (c - a), right = a + kGolden * (c - a);
+  bool have_left = false, have_right = false;
+  for (int k = 0; k < kMostCuts && p.updates++ <= p.limit; ++k) {
+    if (!have_left && residual(p, std::exp(left), Fl) != KV_OK) return false;
+    if (!have_right && residual(p, std::exp(right), Fr) != KV_OK) return false;
+    P = std::exp(Fl < Fr ? left : right);
+    if (std::min(Fl, Fr) < 0.0) return true;
+    have_right = Fl < Fr;
+    have_left = !have_right;
+    (have_right ? c : a) = have_right ? right : left;
+    (have_right ? right : left) = have_right ? left : right;
+    (have_right ? Fr : Fl) = have_right ? Fl : Fr;
+    (have_right ? left : right) = have_right ? c - kGolden * (c - a) : a + kGolden * (c - a);
+  }
+  return false;
+}
+
 // The first change of sign from saturation upwards. P holds the last pressure; true when it is a solution.
 bool search(PressureSearch& p, double& P) noexcept {
   if (!(p.water > 0.0)) return false;
@@ -114,16 +137,22 @@ bool search(PressureSearch& p, double& P) noexcept {
   double low = p.s.lowest_pressure();
   // The content is not far below that of an ideal gas: up to there nothing has to be looked at.
   double high = std::fmax(low, 0.5 * low / p.water) * kSearchFactor;
+  double lower = low, F_low = 1e300, F_lower = 1e300;  // the two pressures before
   while (low < highest && p.updates++ <= p.limit) {
     high = std::fmin(high, highest);
     double F = 0.0;
     if (residual(p, high, F) == KV_OK) {
       P = high;
-      if (F < 0.0) {
-        close_interval(p, low, high, P);
+      const bool turns = F >= F_low && F_lower >= F_low && F_low < 1e300;
+      if (F < 0.0 || (turns && dips(p, lower, high, P))) {
+        close_interval(p, F < 0.0 ? low : lower, P, P);
         return refine(p, P);
       }
+      F_lower = F_low;
+      F_low = F;
+      P = high;
     }
+    lower = low;
     low = high;
     high *= kSearchFactor;
   }
