@@ -183,6 +183,14 @@ void expect_near(const Row& a, const Row& b, double tolerance) {
     EXPECT_NEAR(a.values[i], b.values[i], tolerance * std::max(1.0, std::fabs(b.values[i]))) << i;
 }
 
+// The library knows its exports by their addresses. In a program that imports them an address may be that of a
+// jump to the export, which is a routine that passes calls on.
+#ifdef _WIN32
+constexpr double kOwnTolerance = 1e-9;
+#else
+constexpr double kOwnTolerance = 0.0;
+#endif
+
 TEST(HostRoutines, OwnRoutinesGiveTheAnswersOfTheNullRecord) {
   Mixture m = mixture_of(kThreePhases);
   m.use();
@@ -201,7 +209,8 @@ TEST(HostRoutines, OwnRoutinesGiveTheAnswersOfTheNullRecord) {
                      << "Flash" << kFlashes[k] << " flag " << int{flag} << ' ' << s.P << " atm");
         m.record.flags = flag;
         const Row expected = ask(k, m, s, nullptr);
-        for (const ModelRoutines* record : {&own, &empty}) EXPECT_TRUE(ask(k, m, s, record) == expected);
+        EXPECT_TRUE(ask(k, m, s, &empty) == expected);
+        expect_near(ask(k, m, s, &own), expected, kOwnTolerance);
         for (const int entry : {0, 1, 2, 8, 10, 11, 12, 13, 14}) {
           SCOPED_TRACE(entry);
           host = {};
