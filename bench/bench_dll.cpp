@@ -290,38 +290,39 @@ Case property_case(const char* name, const char* what, double target, Call call)
 
 std::vector<Case> property_cases() {
   using M = MixtureRecord;
-  return {property_case("density", "GasDensity_PPR78 with its derivatives", 3000.0,
-                        [](const double* x, M* m, double T, double P, double* o, double*) {
-                          GasDensity_PPR78(T, P, x, m, o, o + 1, o + 2, o + 3);
-                        }),
-          property_case("enthalpy", "GasMolarEnthalpy_PPR78", 3000.0,
-                        [](const double* x, M* m, double T, double P, double* o, double*) {
-                          GasMolarEnthalpy_PPR78(T, P, x, m, o);
-                        }),
-          property_case("free_enthalpy", "GasMolarFreeEnthalpy_PPR78 (H and S)", 3000.0,
-                        [](const double* x, M* m, double T, double P, double* o, double*) {
-                          GasMolarFreeEnthalpy_PPR78(T, P, x, m, o);
-                        }),
-          property_case("specific_heat", "GasSpecificHeat_PPR78", 5000.0,
-                        [](const double* x, M* m, double T, double P, double* o, double*) {
-                          GasSpecificHeat_PPR78(T, P, x, m, o, o + 1, o + 2, o + 3);
-                        }),
-          property_case("enthalpy_dn", "GasMolarEnthalpy_Derivatives_PPR78, all of them", 0.0,
-                        [](const double* x, M* m, double T, double P, double* o, double* n) {
-                          GasMolarEnthalpy_Derivatives_PPR78(T, P, x, m, 7, o, o + 1, o + 2, n);
-                        }),
-          property_case("entropy_dn", "GasMolarEntropy_Derivatives_PPR78, all of them; T and P by differences", 0.0,
-                        [](const double* x, M* m, double T, double P, double* o, double* n) {
-                          GasMolarEntropy_Derivatives_PPR78(T, P, x, m, 7, o, o + 1, o + 2, n);
-                        }),
-          property_case("viscosity", "GasDynamicViscosity_PPR78", 0.0,
-                        [](const double* x, M* m, double T, double P, double* o, double*) {
-                          GasDynamicViscosity_PPR78(T, P, x, m, o);
-                        }),
-          property_case("conductivity", "GasThermalConductivity_PPR78", 0.0,
-                        [](const double* x, M* m, double T, double P, double* o, double*) {
-                          GasThermalConductivity_PPR78(T, P, x, m, o);
-                        })};
+  return {
+      property_case("density", "GasDensity_PPR78 with its derivatives", 3000.0,
+                    [](const double* x, M* m, double T, double P, double* o, double*) {
+                      GasDensity_PPR78(T, P, x, m, o, o + 1, o + 2, o + 3);
+                    }),
+      property_case("enthalpy", "GasMolarEnthalpy_PPR78", 3000.0,
+                    [](const double* x, M* m, double T, double P, double* o, double*) {
+                      GasMolarEnthalpy_PPR78(T, P, x, m, o);
+                    }),
+      property_case("free_enthalpy", "GasMolarFreeEnthalpy_PPR78 (H and S)", 3000.0,
+                    [](const double* x, M* m, double T, double P, double* o, double*) {
+                      GasMolarFreeEnthalpy_PPR78(T, P, x, m, o);
+                    }),
+      property_case("specific_heat", "GasSpecificHeat_PPR78", 5000.0,
+                    [](const double* x, M* m, double T, double P, double* o, double*) {
+                      GasSpecificHeat_PPR78(T, P, x, m, o, o + 1, o + 2, o + 3);
+                    }),
+      property_case("enthalpy_dn", "GasMolarEnthalpy_Derivatives_PPR78, all of them", 0.0,
+                    [](const double* x, M* m, double T, double P, double* o, double* n) {
+                      GasMolarEnthalpy_Derivatives_PPR78(T, P, x, m, 7, o, o + 1, o + 2, n);
+                    }),
+      property_case("entropy_dn", "GasMolarEntropy_Derivatives_PPR78, all of them; T and P by differences", 0.0,
+                    [](const double* x, M* m, double T, double P, double* o, double* n) {
+                      GasMolarEntropy_Derivatives_PPR78(T, P, x, m, 7, o, o + 1, o + 2, n);
+                    }),
+      property_case("viscosity", "GasDynamicViscosity_PPR78", 0.0,
+                    [](const double* x, M* m, double T, double P, double* o, double*) {
+                      GasDynamicViscosity_PPR78(T, P, x, m, o);
+                    }),
+      property_case("conductivity", "GasThermalConductivity_PPR78", 0.0,
+                    [](const double* x, M* m, double T, double P, double* o, double*) {
+                      GasThermalConductivity_PPR78(T, P, x, m, o);
+                    })};
 }
 
 // Water dew points of the lean gas with 1e-5 .. 1e-2 of water, cold.

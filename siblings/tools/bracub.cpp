@@ -161,6 +161,7 @@ int solve_cubic(const Cubic& c, bool usual, double A, double B, bool gas, double
     if (!inside(start)) start = 0.5 * (choice.e.lo + choice.e.hi);
   }
   const double root = polish(c, choice.e, start, tolerance > 1e-17 ? tolerance : 1e-17);
+  if (!(root > B * (1.0 - 1e-9))) return kNoRoot;    // coefficients that do not belong to A and B
   Z = root > B ? root : std::nextafter(B, 2.0 * B);  // Z - B below the resolution of B
   return choice.status;
 }

@@ -198,7 +198,7 @@ StatusCode drive(Energy& e, support::Arena& arena) {
     }
     copy_state(e, e.state, e.spare);
   }
-  const int j = single_component(e.n, e.z, pure_tolerance(*c.mixture));
+  const int j = single_component_of_feed(e.n, c.z, pure_tolerance(*c.mixture));
   if (j >= 0) {
     const StatusCode status = solve_single_component(e, j, arena);
     if (status == KV_OK && accept(e, e.state, Found::component, j)) return write_state(e, KV_OK);

@@ -63,8 +63,11 @@ StatusCode finish_single_phase(Flash& f) {
   if (f.have_lowest && !finish_lowest(f)) return write_answer(f, f.status);
   const bool incipient = f.have_lowest && f.lowest.end == TrialEnd::stationary;
   const double* other = incipient ? f.lowest.w : f.it.z;
-  std::copy_n(vapour ? other : f.it.z, n, f.it.x);
-  std::copy_n(vapour ? f.it.z : other, n, f.it.y);
+  double *const whole = vapour ? f.it.y : f.it.x, *const beside = vapour ? f.it.x : f.it.y;
+  std::copy_n(f.it.z, n, whole);
+  // Within the bounds of K, so that K is the ratio of what is returned.
+  for (int i = 0; i < n; ++i)
+    beside[i] = f.it.z[i] > 0.0 ? std::clamp(other[i], kSmallestK * f.it.z[i], kLargestK * f.it.z[i]) : 0.0;
   f.it.beta = vapour ? 1.0 : 0.0;
   f.it.liquid = 1.0 - f.it.beta;
   return write_answer(f, KV_SINGLE_PHASE);

@@ -53,9 +53,10 @@ int single_component(int n, const double* z, double tolerance) noexcept {
 int single_component_of_feed(int n, const double* z, double tolerance) noexcept {
   double sum = 0.0;
   for (int i = 0; i < n; ++i) sum += z[i];
-  if (n == 1) return 0;
+  const int j = single_component(n, z, tolerance);
+  if (j >= 0 && (n == 1 || z[j] > (1.0 - tolerance) * sum)) return j;
   for (int i = 0; i < n; ++i)
-    if (z[i] > (1.0 - tolerance) * sum) return i;
+    if (z[i] == sum && sum > 0.0) return i;
   return -1;
 }
 

@@ -10,9 +10,13 @@ namespace kestrune::flash {
  * Index of the component that makes up the whole feed z[n] (sum 1): the only one, or the first whose fraction
  * is strictly greater than 1 - tolerance. -1 without one.
  */
-/* The same of a feed z[n] that need not sum to one. */
-int single_component_of_feed(int n, const double* z, double tolerance) noexcept;
 int single_component(int n, const double* z, double tolerance) noexcept;
+
+/*
+ * The same of a feed z[n] as it is given, which need not sum to one: the fraction counts as it stands, and has to
+ * be as large a part of the sum; a component without any other beside it counts in any amount.
+ */
+int single_component_of_feed(int n, const double* z, double tolerance) noexcept;
 
 /*
  * Solves for T at P or P at T (unknown: T or P index of the line; its start and the given one stand in p.X)

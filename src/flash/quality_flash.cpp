@@ -326,8 +326,12 @@ bool from_estimate(Quality& q, double start) {
 
 StatusCode solve(Quality& q) {
   q.start = set_up_quality(q.call, q.line.W, q.settings, q.trace);
-  const int j = single_component(q.line.n, q.line.z, pure_tolerance(*q.call.mixture));
-  if (j >= 0) return solve_pure(q, j);
+  const int j = single_component_of_feed(q.line.n, q.call.z, pure_tolerance(*q.call.mixture));
+  if (j >= 0) {
+    // With a wide tolerance there may be enough of the others to make two compositions of it.
+    const StatusCode status = solve_pure(q, j);
+    if (status != KV_NO_SATURATION || q.line.z[j] == 1.0) return status;
+  }
   if (usable_estimate(q)) {
     // A temperature that was replaced is the start; where it leads away from the estimate, that one itself is.
     const double given = *q.call.unknown;
@@ -387,6 +391,25 @@ StatusCode set_up(const QualityCall& call, support::Arena& arena) {
   return status;
 }
 
+// The start with its phases: the estimate, or those of Wilson's coefficients.
+void trace_start(const QualityCall& c, double W, double start, support::TraceWriter& trace) {
+  const bool of_T = c.find == Find::temperature;
+  const int n = c.mixture->count;
+  if (!c.cold && usable_compositions(n, c.x, c.y)) return trace_quality_start(trace, of_T, start, n, c.x, c.y);
+  support::with_arena<0, 6>(n, [&](support::Arena& arena) {
+    const std::size_t ld = support::padded(n);
+    double *const z = arena.zeros(ld), *const x = arena.zeros(ld), *const y = arena.zeros(ld);
+    normalise_feed(n, c.z, z);
+    wilson(of_T ? start : c.given, of_T ? c.given : start, *c.mixture, c.free_water, y, nullptr);
+    for (int i = 0; i < n; ++i) {
+      x[i] = z[i] / (1.0 + W * (y[i] - 1.0));
+      y[i] *= x[i];
+    }
+    trace_quality_start(trace, of_T, start, n, x, y);
+    return KV_OK;
+  });
+}
+
 }  // namespace
 
 double set_up_quality(const QualityCall& c, double W, Settings& settings, support::TraceWriter& trace) {
@@ -396,7 +419,7 @@ double set_up_quality(const QualityCall& c, double W, Settings& settings, suppor
   if (of_T) start = starting_temperature(kModelOptions, *c.mixture, c.z, start);
   apply_quality_settings(kModelOptions, W, c.cold, settings);
   trace_quality_header(trace, of_T, W, c.cold ? 1 : 0, settings);
-  trace_quality_start(trace, of_T, start, c.mixture->count, c.x, c.y);
+  if (trace) trace_start(c, W, start, trace);
   return start;
 }
 

@@ -100,9 +100,15 @@ StatusCode liquid_vapour(const ThreePhaseCall& c, Equilibrium& e, HostSplit& lv)
 
 // The split of the liquid, the host's or the library's; one that the library has not found is none, one that
 // the host has not found is the end.
-StatusCode liquid_liquid(const ThreePhaseCall& c, const double* liquid, HostSplit& ll) {
-  if (const FlashRoutine routine = host_flash(c, KV_ROUTINE_LL_FLASH))
-    return call_flash(routine, c, liquid, ll) && !ll.failed ? KV_OK : KV_NO_START;
+StatusCode liquid_liquid(const ThreePhaseCall& c, const double* liquid, double V, HostSplit& ll) {
+  if (const FlashRoutine routine = host_flash(c, KV_ROUTINE_LL_FLASH)) {
+    const bool usable = call_flash(routine, c, liquid, ll);
+    const double beta = (1.0 - V) * ll.part;
+    // One liquid: the composition of the other is not looked at.
+    const bool one = (ll.part >= 0.0 && beta < kLeastLiquid) || (beta > 1.0 - kLeastLiquid && ll.part <= 1.0);
+    if (one) ll.part = 0.0;
+    return (usable || one) && !ll.failed ? KV_OK : KV_NO_START;
+  }
   const StatusCode status = liquid_liquid_flash(
       {c.T, c.P, liquid, c.mixture, c.routines, false, false, &ll.part, ll.first, ll.second, ll.K});
   if (status == flash::kHostStatus) return status;
@@ -123,7 +129,7 @@ StatusCode start_by_host(const ThreePhaseCall& c, Equilibrium& e, HostSplit& lv)
     const double x = V > 0.0 ? lv.first[i] : e.z[i];
     liquid[i] = x < kAbsent ? 0.0 : x;
   }
-  if (V < 1.0 && (status = liquid_liquid(c, liquid, ll)) != KV_OK) return status;
+  if (V < 1.0 && (status = liquid_liquid(c, liquid, V, ll)) != KV_OK) return status;
   e.p.count = 0;
   const auto keep = [&](const double* x, double amount) {
     double* const phase = e.p.x[e.p.count];
@@ -354,7 +360,7 @@ bool split_free_water(const LiquidVapour& a, const ThreePhaseResult& out) {
     *out.beta = 1.0;
     std::copy_n(a.x, n, out.xA);
     drop_traces(n, out.xA);
-    if (a.V == 0.0 || a.V == 1.0)
+    if (!a.incipient && (a.V == 0.0 || a.V == 1.0))
       std::fill_n(out.KLV, n, a.V == 0.0 ? 0.0 : kLargestK);
     else
       ratios_of(n, out.y, out.xA, out.KLV);
@@ -369,7 +375,7 @@ bool split_free_water(const LiquidVapour& a, const ThreePhaseResult& out) {
   for (int i = 0; i < n; ++i) {
     out.xB[i] = i == iw ? 1.0 : 0.0;
     out.xA[i] = i == iw ? s : a.x[i] / r;
-    out.KLL[i] = i == iw ? s : kLargestK;
+    out.KLL[i] = i == iw ? std::max(s, flash::kSmallestK) : kLargestK;
   }
   drop_traces(n, out.xA);
   ratios_of(n, out.y, out.xA, out.KLV);

@@ -171,7 +171,8 @@ StatusCode find_pressure(PressureSearch& p, double& P) noexcept {
   if (status != KV_OK && !in_circles && status != KV_ZERO_SLOPE) return status;
   p.updates = 0;
   double elsewhere = P;
-  if (!search(p, elsewhere)) return status;
+  const bool outside = !(P > p.s.lowest_pressure() && P <= p.s.highest_pressure());
+  if (!search(p, elsewhere)) return status == KV_OK && outside ? StatusCode{KV_NOT_CONVERGED} : status;
   P = elsewhere;
   return KV_OK;
 }
@@ -190,7 +191,7 @@ struct TemperatureSearch {
 StatusCode residual(const TemperatureSearch& t, double T, double& G) {
   Saturation s;
   StatusCode status = prepare_saturation(t.gas, T, t.arena, s);
-  double y = t.water;
+  double y = 0.0;  // from the vapour: the fraction that is looked for may lead to the liquid's root
   if (status == KV_OK) status = saturated_fraction(s, t.P, y);
   G = status == KV_NO_WATER_LIMIT ? HUGE_VAL : std::log(y / t.water);
   return status == KV_NO_WATER_LIMIT ? StatusCode{KV_OK} : status;
@@ -305,8 +306,8 @@ StatusCode temperature_at(const DewCall& call, const Gas& gas, support::Arena& a
 }  // namespace
 
 StatusCode dew_pressure(const DewCall& call, double T, double& P) {
+  if (!(P > 0.0 && P <= kLargestStart)) P = 1.0;
   return with_gas(call, [&](const Gas& gas, support::Arena& arena) -> StatusCode {
-    if (!(P > 0.0 && P <= kLargestStart)) P = 1.0;
     Saturation s;
     const StatusCode status = prepare_saturation(gas, T, arena, s);
     if (status != KV_OK) return status;

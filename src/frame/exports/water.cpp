@@ -103,6 +103,7 @@ KV_ENTRY StatusCode KV_CALL HydrateLine(const double* z, int32_t kind, double M,
     if (kind == 5 && !(M > 0.0)) return KV_INHIBITOR_MASS;
     if (points <= 0) return KV_OK;
     StatusCode bad = frame::check_pointers(mixture, T, P);
+    if (bad == KV_OK && mixture->count > KV_MAX_COMPONENTS) bad = KV_COMPONENT_COUNT;
     if (bad == KV_OK && mixture->count > 0) bad = frame::check_pointers(z, mixture->table);
     if (bad == KV_OK) water::hydrate_line(z, kind, M, percent, points, *mixture, T, P);
     return bad;
