@@ -21,13 +21,14 @@ constexpr double kCohesive = 60.0;
 // ln of the fugacity of a component that is absent: no coefficient brings it back.
 constexpr double kNone = -1e5;
 // b/v of a dilute gas; and of a gas that is one beyond doubt, half the critical packing.
-constexpr double kDilutePacking = 0.04, kGasPacking = 0.5 / eos::kCriticalVolumeRatio;
+constexpr double kDilutePacking = 0.04, kCriticalPacking = 1.0 / eos::kCriticalVolumeRatio;
+constexpr double kGasPacking = 0.5 * kCriticalPacking;
 // Parts of the second of two phases in the mixtures of them that trials start from.
 constexpr double kBetween[] = {0.1, 0.25, 0.5, 0.75};
 // How much less than Wilson's coefficients say the logarithm of an activity may be and still be looked at.
 // Far below the critical temperature they say nothing.
 constexpr double kWilsonMargin = 1.0, kWilsonReach = 0.4;
-constexpr double kNearCritical = 1.12, kMostOfLiquid = 0.85;
+constexpr double kNearCritical = 1.12, kMostOfLiquid = 0.85, kAlmostAllOfLiquid = 0.96;
 // Difference of the Gibbs energies of two roots, over RT, up to which the upper one may begin a phase of
 // another composition.
 constexpr double kRootReach = 0.3;
@@ -123,13 +124,18 @@ bool other_root_trial_of_pure(Flash& f, const Reference& ref, int j) {
 // critical temperature mixed with some of what is there.
 bool liquid_of_gas_trials(Flash& f, const Reference& ref, int j, bool has_liquid) {
   if (has_liquid && !other_root_trial_of_pure(f, ref, j)) return false;
-  for (int i = 0; i < f.m.ld; ++i) f.between[i] = (1.0 - kMostOfLiquid) * ref.z[i];
-  f.between[j] += kMostOfLiquid;
-  f.trial.Z = 0.0;
-  f.status = fugacity(f.m, f.between, Kind::liquid, f.trial.ln_phi, nullptr, f.trial.Z);
-  if (f.status != KV_OK) return false;
-  for (int i = 0; i < f.m.n; ++i) f.trial.log_w[i] = ref.d[i] - f.trial.ln_phi[i];
-  return run_trial(f, ref, trial_kind(f));
+  // Beside a gas of almost this component alone the liquid holds little else.
+  for (const double most : {kMostOfLiquid, kAlmostAllOfLiquid}) {
+    if (most == kAlmostAllOfLiquid && ref.other == nullptr) break;
+    for (int i = 0; i < f.m.ld; ++i) f.between[i] = (1.0 - most) * ref.z[i];
+    f.between[j] += most;
+    f.trial.Z = 0.0;
+    f.status = fugacity(f.m, f.between, Kind::liquid, f.trial.ln_phi, nullptr, f.trial.Z);
+    if (f.status != KV_OK) return false;
+    for (int i = 0; i < f.m.n; ++i) f.trial.log_w[i] = ref.d[i] - f.trial.ln_phi[i];
+    if (!run_trial(f, ref, trial_kind(f))) return false;
+  }
+  return true;
 }
 
 // Near-pure trials: the component that Wilson's coefficients favour most, light gases, water, the heaviest.
@@ -168,7 +174,7 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
     // Above its critical temperature a component that a phase consists of has no second phase of its own; near
     // it there may be a liquid beside a gas.
     if (f.call.T > Tc[j] && (ref.z[j] > 0.5 || (ref.other != nullptr && ref.other[j] > 0.5))) {
-      if (have_gas && ref.other != nullptr && !f.liquids_only() && f.call.T < kNearCritical * Tc[j] &&
+      if (ref.other != nullptr && !f.liquids_only() && f.call.T < kNearCritical * Tc[j] &&
           !liquid_of_gas_trials(f, ref, j, false))
         return false;
       continue;
@@ -177,10 +183,11 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
     if (f.status != KV_OK) return false;
     const double least = j == heaviest ? kHeaviestWorthFollowing : kWorthFollowing;
     if (f.trial.log_w[j] < std::log(least)) continue;
-    const bool gas = f.m.built_in() && packing(f, f.m.t.b[j], f.trial.Z) < kGasPacking;
-    if (gas && !f.liquids_only() && f.call.T < kNearCritical * Tc[j]) {
+    const double dense = f.m.built_in() ? packing(f, f.m.t.b[j], f.trial.Z) : 1.0;
+    const bool gas = dense < kGasPacking;
+    if (dense < kCriticalPacking && !f.liquids_only() && f.call.T < kNearCritical * Tc[j]) {
       if (!liquid_of_gas_trials(f, ref, j, f.call.T < Tc[j])) return false;
-      if (have_gas) continue;
+      if (have_gas && gas) continue;
       f.status = start_near_pure(f.m, ref, j, f.trial);
       if (f.status != KV_OK) return false;
     }
