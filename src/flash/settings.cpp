@@ -30,7 +30,8 @@ Settings copy_settings(const MixtureRecord& mixture) noexcept {
     s.CRIT = mixture.CRIT;
     s.CLIM = mixture.CLIM;
     s.EPS = mixture.EPS;
-    s.ITEMAX = std::clamp(mixture.ITEMAX, 0, KV_MOST_ITERATIONS);
+    const int iterations = mixture.ITEMAX;  // a copy: the record is packed
+    s.ITEMAX = std::clamp(iterations, 0, KV_MOST_ITERATIONS);
     s.NEW = mixture.NEW;
     s.relaxation = std::isfinite(mixture.relaxation) ? mixture.relaxation : KV_DEFAULT_RELAXATION;
   }
