@@ -84,7 +84,7 @@ bool solve_for_fraction(Energy& e, EnergyState& s) {
     q.unknown = &T;
     q.x = s.x;
     q.y = s.y;
-    q.K = s.K;
+    q.K = e.K;
     if (quality_flash(q) != KV_OK || !e.bracket.about(T)) return false;
     s.T = T;
     s.beta = W;

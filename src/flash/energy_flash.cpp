@@ -25,7 +25,7 @@ constexpr double kAdvance = 1.08;  // of T, past where the flash has no answer
 constexpr double kSameTwo = 1e-6;  // fractions of phases that are the same
 
 void take_state(support::Arena& arena, int ld, EnergyState& s) {
-  for (double** a : {&s.x, &s.y, &s.K}) *a = arena.zeros(ld);
+  for (double** a : {&s.x, &s.y}) *a = arena.zeros(ld);
 }
 
 // The phase counted by beta is the less densely packed one.
@@ -165,7 +165,7 @@ StatusCode write_state(Energy& e, StatusCode status) {
   *c.liquid = s.beta < 1.0 ? s.liquid : 0.0;
   *c.vapour = s.beta > 0.0 ? s.vapour : 0.0;
   trace_energy_pass(e.trace, c, *c.T, *c.beta, *c.liquid, *c.vapour);
-  if (e.trace) trace_energy_result(e.trace, c, lowest_temperature(*c.mixture));
+  trace_energy_result(e.trace, c);
   return status;
 }
 
@@ -187,14 +187,13 @@ StatusCode drive(Energy& e, support::Arena& arena) {
   const EnergyCall& c = e.call;
   if (*c.T == 0.0) *c.T = kDefaultTemperature;
   e.start_T = plausible(*c.T) ? *c.T : kDefaultTemperature;
-  if (e.trace) trace_energy_header(e.trace, c, copy_settings(*c.mixture), e.start_T);
+  trace_energy_header(e.trace, c, e.start_T);
   e.state.T = e.start_T;
   if (!c.cold) {
     e.state.beta = *c.beta;
     for (int i = 0; i < e.n; ++i) {
       e.state.x[i] = c.x[i];
       e.state.y[i] = c.y[i];
-      e.state.K[i] = c.K[i];
     }
     copy_state(e, e.state, e.spare);
   }
@@ -239,8 +238,8 @@ StatusCode with_energy(const EnergyCall& call, support::Arena& arena, Run&& run)
   if (!normalise_feed(e.n, call.z, z)) return KV_COMPOSITION;
   e.z = model.z = z;
   for (EnergyState* s : {&e.state, &e.spare, &e.saved, &e.other, &e.low, &e.high}) take_state(arena, e.ld, *s);
-  for (double** a : {&e.l, &e.v, &e.scale, &e.g, &e.w, &e.jg, &e.jw, &e.a.ln_phi, &e.a.dln_phi_dT, &e.b.ln_phi,
-                     &e.b.dln_phi_dT})
+  for (double** a : {&e.l, &e.v, &e.scale, &e.g, &e.w, &e.jg, &e.jw, &e.K, &e.a.ln_phi, &e.a.dln_phi_dT,
+                     &e.b.ln_phi, &e.b.dln_phi_dT})
     *a = arena.zeros(e.ld);
   const std::size_t square = static_cast<std::size_t>(e.ld) * e.n;
   for (double** a : {&e.a_dn, &e.b_dn, &e.system}) *a = arena.take(square);
@@ -260,14 +259,12 @@ StatusCode with_energy(const EnergyCall& call, support::Arena& arena, Run&& run)
 }  // namespace
 
 void copy_state(const Energy& e, const EnergyState& from, EnergyState& to) {
-  double *const x = to.x, *const y = to.y, *const K = to.K;
+  double *const x = to.x, *const y = to.y;
   std::copy_n(from.x, e.ld, x);
   std::copy_n(from.y, e.ld, y);
-  std::copy_n(from.K, e.ld, K);
   to = from;
   to.x = x;
   to.y = y;
-  to.K = K;
 }
 
 Local solve_phases(Energy& e, EnergyState& s) {
@@ -281,7 +278,7 @@ Local solve_phases(Energy& e, EnergyState& s) {
 }
 
 IsothermalCall isothermal_call(Energy& e, EnergyState& s) {
-  IsothermalCall c{s.T, e.call.P, e.z, &e.silent, e.call.routines, &s.beta, s.x, s.y, s.K};
+  IsothermalCall c{s.T, e.call.P, e.z, &e.silent, e.call.routines, &s.beta, s.x, s.y, e.K};
   c.free_water = e.call.free_water;
   if (e.model.analytic() && prepare_caloric(e.model, s.T) == KV_OK) {
     e.fugacities.T = s.T;

@@ -22,7 +22,7 @@ inline constexpr double kColdest = 3.0, kHottest = 10000.0;  // K, the range tha
 // The equilibrium at one temperature. Arrays [ld].
 struct EnergyState {
   double T = 0.0, beta = 0.0;
-  double *x = nullptr, *y = nullptr, *K = nullptr;
+  double *x = nullptr, *y = nullptr;
   double liquid = 0.0, vapour = 0.0;  // values of the phases, 0 for one that is absent
   double value = 0.0;                 // of the whole
   double slope = 0.0;                 // d value/dT along the equilibrium where it is known, else 0
@@ -94,6 +94,7 @@ struct Energy {
   PhaseCaloric a, b;
   double *l = nullptr, *v = nullptr, *scale = nullptr, *g = nullptr, *w = nullptr, *jg = nullptr,
          *jw = nullptr;                                        // [ld]
+  double* K = nullptr;                                         // [ld] where flashes inside write theirs
   double *a_dn = nullptr, *b_dn = nullptr, *system = nullptr;  // [ld * n]
 
   double f(const EnergyState& s) const { return s.value - call.wanted; }

@@ -85,6 +85,15 @@ bool other_root_trial(Flash& f, const Reference& ref, const double* w, double Z 
   return run_trial(f, ref, kind);
 }
 
+// A trial from the composition f.between on this root.
+bool trial_from_between(Flash& f, const Reference& ref, Kind root) {
+  f.trial.Z = 0.0;
+  f.status = fugacity(f.m, f.between, root, f.trial.ln_phi, nullptr, f.trial.Z);
+  if (f.status != KV_OK) return false;
+  for (int i = 0; i < f.m.n; ++i) f.trial.log_w[i] = ref.d[i] - f.trial.ln_phi[i];
+  return run_trial(f, ref, trial_kind(f));
+}
+
 // Trials from mixtures of two phases of an answer, on both roots: what lies between them, or close to one.
 bool trials_between(Flash& f, const Reference& ref, const double* a, const double* b) {
   const StrictTrials strict(f);
@@ -98,11 +107,7 @@ bool trials_between(Flash& f, const Reference& ref, const double* a, const doubl
       sum += f.between[i];
     }
     for (int i = 0; i < f.m.ld; ++i) f.between[i] /= sum;
-    f.trial.Z = 0.0;
-    f.status = fugacity(f.m, f.between, Kind::stable, f.trial.ln_phi, nullptr, f.trial.Z);
-    if (f.status != KV_OK) return false;
-    for (int i = 0; i < f.m.n; ++i) f.trial.log_w[i] = ref.d[i] - f.trial.ln_phi[i];
-    if (!run_trial(f, ref, trial_kind(f)) || !other_root_trial(f, ref, f.between)) return false;
+    if (!trial_from_between(f, ref, Kind::stable) || !other_root_trial(f, ref, f.between)) return false;
   }
   return true;
 }
@@ -124,18 +129,13 @@ bool other_root_trial_of_pure(Flash& f, const Reference& ref, int j) {
 // critical temperature mixed with some of what is there.
 bool liquid_of_gas_trials(Flash& f, const Reference& ref, int j, bool has_liquid) {
   if (has_liquid && !other_root_trial_of_pure(f, ref, j)) return false;
-  // Beside a gas of almost this component alone the liquid holds little else.
-  for (const double most : {kMostOfLiquid, kAlmostAllOfLiquid}) {
-    if (most == kAlmostAllOfLiquid && ref.other == nullptr) break;
+  const auto mixed = [&](double most) {
     for (int i = 0; i < f.m.ld; ++i) f.between[i] = (1.0 - most) * ref.z[i];
     f.between[j] += most;
-    f.trial.Z = 0.0;
-    f.status = fugacity(f.m, f.between, Kind::liquid, f.trial.ln_phi, nullptr, f.trial.Z);
-    if (f.status != KV_OK) return false;
-    for (int i = 0; i < f.m.n; ++i) f.trial.log_w[i] = ref.d[i] - f.trial.ln_phi[i];
-    if (!run_trial(f, ref, trial_kind(f))) return false;
-  }
-  return true;
+    return trial_from_between(f, ref, Kind::liquid);
+  };
+  // Beside a gas of almost this component alone the liquid holds little else.
+  return mixed(kMostOfLiquid) && (ref.other == nullptr || mixed(kAlmostAllOfLiquid));
 }
 
 // Near-pure trials: the component that Wilson's coefficients favour most, light gases, water, the heaviest.

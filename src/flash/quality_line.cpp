@@ -335,8 +335,8 @@ Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int 
     if (!in_range(line, p)) return Solved::no;
     if (!through_critical && one_phase(line, p)) return Solved::trivial;
     // A step as short as that leaves its square: no evaluation is spent on seeing it, but for the trace.
-    const bool enough =
-        accepted || !main || (short_step && p.passes < limit && std::pow(largest, 4) <= criterion);
+    const bool enough = accepted || !main ||
+                        (short_step && p.passes < limit && largest * largest * largest * largest <= criterion);
     if (((converged || short_step) && enough) || (accepted && p.passes == limit)) {
       if (main && !accepted && !trace_last(line, p, status)) return Solved::model;
       p.left_over = short_step ? 0.0 : largest;

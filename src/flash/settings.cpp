@@ -15,6 +15,21 @@ bool none_given(const MixtureRecord& mixture) {
   return std::all_of(bytes + first, bytes + sizeof mixture, [](unsigned char byte) { return byte == 0; });
 }
 
+// Mean of a temperature of each component that has one, weighted with the feed; 0 without any.
+double mean_temperature(const MixtureRecord& mixture, const double* z) {
+  const auto usable_T = [](double T) { return T > 0.0 && T < 1e20; };
+  const double* boiling = mixture.table + static_cast<std::size_t>(KV_COL_BOILING_POINT - 1) * mixture.count;
+  const double* critical = mixture.table + static_cast<std::size_t>(KV_COL_TC - 1) * mixture.count;
+  double sum = 0.0, weights = 0.0;
+  for (int i = 0; i < mixture.count; ++i) {
+    const double T = usable_T(boiling[i]) ? boiling[i] : usable_T(critical[i]) ? 0.7 * critical[i] : 0.0;
+    if (T == 0.0) continue;
+    sum += z[i] * T;
+    weights += z[i];
+  }
+  return weights > 0.0 ? sum / weights : 0.0;
+}
+
 }  // namespace
 
 Settings copy_settings(const MixtureRecord& mixture) noexcept {
@@ -66,25 +81,6 @@ double lowest_temperature(const MixtureRecord& mixture) noexcept {
     if (low[i] > 0.0 && low[i] <= 1e20) least = std::fmin(least, low[i]);
   return std::fmin(least, 200.0);
 }
-
-namespace {
-
-// Mean of a temperature of each component that has one, weighted with the feed; 0 without any.
-double mean_temperature(const MixtureRecord& mixture, const double* z) {
-  const auto usable_T = [](double T) { return T > 0.0 && T < 1e20; };
-  const double* boiling = mixture.table + static_cast<std::size_t>(KV_COL_BOILING_POINT - 1) * mixture.count;
-  const double* critical = mixture.table + static_cast<std::size_t>(KV_COL_TC - 1) * mixture.count;
-  double sum = 0.0, weights = 0.0;
-  for (int i = 0; i < mixture.count; ++i) {
-    const double T = usable_T(boiling[i]) ? boiling[i] : usable_T(critical[i]) ? 0.7 * critical[i] : 0.0;
-    if (T == 0.0) continue;
-    sum += z[i] * T;
-    weights += z[i];
-  }
-  return weights > 0.0 ? sum / weights : 0.0;
-}
-
-}  // namespace
 
 void apply_robust_settings(const ModelOptions& model, Settings& s) noexcept {
   const bool wanted =

@@ -66,11 +66,10 @@ void trace_quality_start(support::TraceWriter& trace, bool of_T, double start, i
   }
 }
 
-void trace_energy_header(support::TraceWriter& trace, const EnergyCall& call, const Settings& settings,
-                         double start) {
+void trace_energy_header(support::TraceWriter& trace, const EnergyCall& call, double start) {
   if (!trace) return;
   const bool H = call.property == Property::enthalpy;
-  initialisation(trace, H ? "FLASH H,P" : "FLASH S,P", call.index, settings);
+  initialisation(trace, H ? "FLASH H,P" : "FLASH S,P", call.index, copy_settings(*call.mixture));
   trace.real("T (K)  =", start);
 }
 
@@ -85,10 +84,10 @@ void trace_energy_pass(support::TraceWriter& trace, const EnergyCall& call, doub
   trace.real(H ? "HV  :" : "SV  :", vapour);
 }
 
-void trace_energy_result(support::TraceWriter& trace, const EnergyCall& call, double T_low) {
+void trace_energy_result(support::TraceWriter& trace, const EnergyCall& call) {
   if (!trace) return;
   trace.real("T (K)  =", *call.T);
-  trace.real(" TMIN (K)    = ", T_low);
+  trace.real(" TMIN (K)    = ", lowest_temperature(*call.mixture));
   trace.real("P (ATM)=", call.P);
   trace.real(call.property == Property::enthalpy ? " HF (CAL/MOL)=" : " SF (CAL/MOL/K)=", call.wanted);
   trace.real(" TVAP=", *call.beta);

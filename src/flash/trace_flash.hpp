@@ -25,11 +25,10 @@ void trace_quality_start(support::TraceWriter& trace, bool of_T, double start, i
  * Records of the flashes at enthalpy or entropy: header with the temperature that is started from, one state,
  * the summary with the lowest temperature of the components.
  */
-void trace_energy_header(support::TraceWriter& trace, const EnergyCall& call, const Settings& settings,
-                         double start);
+void trace_energy_header(support::TraceWriter& trace, const EnergyCall& call, double start);
 void trace_energy_pass(support::TraceWriter& trace, const EnergyCall& call, double T, double beta,
                        double liquid, double vapour);
-void trace_energy_result(support::TraceWriter& trace, const EnergyCall& call, double T_low);
+void trace_energy_result(support::TraceWriter& trace, const EnergyCall& call);
 
 }  // namespace kestrune::flash
 

@@ -63,9 +63,7 @@ StatusCode two_phases(Equilibrium& e, bool warm) {
     e.p.count = 1;
     set_phase(e, 0, e.z, 1.0, e.p);
   } else if (status == KV_OK) {
-    e.p.count = 2;
-    set_phase(e, 0, e.x, 1.0 - e.beta, e.p);
-    set_phase(e, 1, e.y, e.beta, e.p);
+    put_two_phases(e, e.beta);
   } else {
     return status;
   }
@@ -93,8 +91,7 @@ bool two_liquids(Equilibrium& e) {
   c.start = flash::Start::warm;
   c.index = 0;
   if (flash::isothermal_flash(c) != KV_OK) return false;
-  set_phase(e, 0, e.x, 1.0 - e.beta, p);
-  set_phase(e, 1, e.y, e.beta, p);
+  put_two_phases(e, e.beta);
   return evaluate(e) == KV_OK && p.worst <= kLoose;
 }
 
@@ -358,6 +355,12 @@ StatusCode set_conditions(double T, double P, Equilibrium& e) {
   const StatusCode status = flash::make_model(T, P, mixture, e.routines, false, e.order, *e.arena, e.m);
   e.m.counts = counts;
   return status;
+}
+
+void put_two_phases(Equilibrium& e, double beta) {
+  e.p.count = 2;
+  set_phase(e, 0, e.x, 1.0 - beta, e.p);
+  set_phase(e, 1, e.y, beta, e.p);
 }
 
 StatusCode find_equilibrium(Equilibrium& e) {

@@ -46,6 +46,9 @@ StatusCode open_equilibrium(const EquilibriumCall& call, int order, support::Are
 /* The same problem at another temperature and pressure. Another pressure alone costs nothing. */
 StatusCode set_conditions(double T, double P, Equilibrium& e);
 
+/* The phases e.x and e.y of a two-phase flash, beta of the feed in the latter, into e.p. */
+void put_two_phases(Equilibrium& e, double beta);
+
 /*
  * Solves from nothing. KV_OK: e.p. KV_FOURTH_PHASE: e.p is the lowest state of three phases, and a fourth would
  * split off. 112, 114: no answer that passes the test was found, e.p is the best one seen; 120, 121 when two of

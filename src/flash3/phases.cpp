@@ -373,9 +373,7 @@ void drop_traces(int n, double* x) {
 }
 
 void ratios_of(int n, const double* above, const double* below, double* K) {
-  for (int i = 0; i < n; ++i)
-    K[i] = below[i] > 0.0 ? std::clamp(above[i] / below[i], flash::kSmallestK, flash::kLargestK)
-                          : flash::kLargestK;
+  for (int i = 0; i < n; ++i) K[i] = flash::ratio_of(above[i], below[i]);
 }
 
 bool same_phase(int n, const double* z, const double* a, const double* b, double tolerance) {

@@ -24,9 +24,8 @@ enum class Ended {
 };
 
 struct Iteration {
-  int index = 0;  // initialisation index, for the trace
-  bool descend =
-      false;  // Newton's method from the start: where substitutions overshoot, Gibbs energy may not rise
+  int index = 0;         // initialisation index, for the trace
+  bool descend = false;  // Newton's method from the start: for phases that substitution overshoots
   bool patient = false;  // a phase counts as vanished only when its amount is exactly 0
   flash::Settings settings;
   support::TraceWriter* trace = nullptr;

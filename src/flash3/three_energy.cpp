@@ -72,7 +72,8 @@ bool evaluate(Search& q) {
     } else {
       // Of the phase as it will be written: what a trace adds to the value need not vanish with it.
       double* const x = q.s.D;
-      for (int i = 0; i < q.e.m.ld; ++i) x[i] = p.x[j][i] < kAbsent ? 0.0 : p.x[j][i];
+      std::copy_n(p.x[j], q.e.m.ld, x);
+      drop_traces(q.e.m.n, x);
       const int phase = j == find_vapour(q.e) ? KV_PHASE_GAS : KV_PHASE_LIQUID;
       q.status = flash::phase_value(q.caloric, q.e.m.T, x, phase, q.phase[j]);
     }
@@ -295,15 +296,10 @@ StatusCode search_from_two_phases(Search& q) {
   q.bracket = {};
   q.low.known = q.high.known = false;
   q.attempted = 1.0;
-  const bool two = beta > 0.0 && beta < 1.0;
-  e.p.count = two ? 2 : 1;
-  std::copy_n(two ? e.x : e.z, e.m.ld, e.p.x[0]);
-  std::copy_n(e.y, e.m.ld, e.p.x[1]);
-  e.p.amount[0] = two ? 1.0 - beta : 1.0;
-  e.p.amount[1] = beta;
-  e.p.Z[0] = e.p.Z[1] = 0.0;
   q.s.T = T;
   q.status = KV_OK;
+  const bool two = beta > 0.0 && beta < 1.0;
+  if (two) put_two_phases(e, beta);
   if (two ? confirm(q) : state_at(q, T, false) && accept(q)) return q.state_status;
   return q.status == KV_OK && (q.low.known || q.high.known) ? search(q) : StatusCode{KV_NOT_CONVERGED};
 }

@@ -125,10 +125,8 @@ StatusCode start_by_host(const ThreePhaseCall& c, Equilibrium& e, HostSplit& lv)
   // Traces at the bound of their distribution coefficient follow no fugacity and would make the liquid
   // unstable.
   double* const liquid = e.w.saved[0];
-  for (int i = 0; i < e.m.n; ++i) {
-    const double x = V > 0.0 ? lv.first[i] : e.z[i];
-    liquid[i] = x < kAbsent ? 0.0 : x;
-  }
+  std::copy_n(V > 0.0 ? lv.first : e.z, e.m.n, liquid);
+  drop_traces(e.m.n, liquid);
   if (V < 1.0 && (status = liquid_liquid(c, liquid, V, ll)) != KV_OK) return status;
   e.p.count = 0;
   const auto keep = [&](const double* x, double amount) {

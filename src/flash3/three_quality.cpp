@@ -25,12 +25,7 @@ StatusCode two_phase_point(QualitySearch& q) {
       flash::quality_flash({c.find, q.W, c.given, e.z, c.mixture, &unknown, e.x, e.y, e.K, c.routines});
   if (status != KV_OK && status != KV_UNSTABLE_POINT) return status;
   q.u = unknown;
-  e.p.count = 2;
-  std::copy_n(e.x, e.m.n, e.p.x[0]);
-  std::copy_n(e.y, e.m.n, e.p.x[1]);
-  e.p.amount[0] = 1.0 - q.W;
-  e.p.amount[1] = q.W;
-  e.p.Z[0] = e.p.Z[1] = 0.0;
+  put_two_phases(e, q.W);
   return KV_OK;
 }
 

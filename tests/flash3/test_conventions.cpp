@@ -389,11 +389,6 @@ TEST(ThreePhaseTrace, RelaxationFactor) {
 TEST(ThreePhaseTrace, EveryStartIsTried) {
   Mixture m = mixture_of({"methane", "n_butane", "water", "propane"});
   m.use();
-  m.record.CRIT = KV_DEFAULT_CRIT;
-  m.record.CLIM = KV_DEFAULT_CLIM;
-  m.record.EPS = KV_DEFAULT_EPS;
-  m.record.relaxation = KV_DEFAULT_RELAXATION;
-  m.record.sum_tolerance = KV_DEFAULT_SUM_TOLERANCE;
   m.record.ITEMAX = 1;
   const Trace trace(m, 300, 20, {0.4, 0.4, 0.2, 0.0}, 1);
   EXPECT_EQ(trace.answer.status, KV_NOT_CONVERGED);

@@ -157,8 +157,7 @@ std::string missing_phase(const Water& water, const Composition& d, const std::v
     Composition w(water.n);
     double total = 0;
     for (int i = 0; i < water.n; ++i) {
-      const double e = 5.37 * (1 + c.omega[i]) * (1 - c.tc[i] / water.question.T);
-      const double ln_k = std::log(c.pc[i] / water.question.P) + e;
+      const double ln_k = std::log(c.pc[i] / water.question.P) + wilson_exponent(c, i, water.question.T);
       total += w[i] = i == water.iw ? 1e-9 : water.question.z[i] * std::exp(sign * ln_k);
     }
     for (double& v : w) v /= total;

@@ -247,6 +247,10 @@ Components subset(const Components& all, const std::vector<int>& keep) {
   return part;
 }
 
+double wilson_exponent(const Components& c, int i, double T) {
+  return 5.37 * (1 + c.omega[i]) * (1 - c.tc[i] / T);
+}
+
 double water_vapour_pressure(double T) {
   if (T > 647.096) return std::exp(12.778500904682147 - 4789.269321502071 / T);
   return std::exp(73.649 - 7258.2 / T - 7.3037 * std::log(T) + 4.1653e-6 * T * T) / 101325.0;

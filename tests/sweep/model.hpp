@@ -50,6 +50,9 @@ void evaluate(const Parameters<Real>& parameters, Real P, const Real* x, Root ro
 // The components listed in keep, in that order.
 Components subset(const Components& all, const std::vector<int>& keep);
 
+// ln of Wilson's coefficient of component i, without ln(Pc/P).
+double wilson_exponent(const Components& c, int i, double T);
+
 // Vapour pressure of water, atm, and the solubility limit of water in a liquid.
 double water_vapour_pressure(double T);
 double water_solubility(double A, double B, double T);

@@ -58,7 +58,7 @@ std::vector<Composition> heavy_trials(const Sides& sides, double T, double P, co
   const auto heavier = std::max_element(c.tc.begin(), c.tc.end()) - c.tc.begin();
   double total = 0, rest = 0;
   for (int i = 0; i < c.n; ++i) {
-    const double e = 5.37 * (1 + c.omega[i]) * (1 - c.tc[i] / T) + std::log(c.pc[i] / P);
+    const double e = wilson_exponent(c, i, T) + std::log(c.pc[i] / P);
     total += heavy[i] = sides.z[i] * std::exp(std::clamp(-e, -200.0, 200.0));
     rest += heaviest[i] = i == heavier ? 0.999 : 0.001 * sides.z[i];
   }

@@ -122,7 +122,7 @@ void add_wilson(const Components& c, double T, double P, const Composition& z,
                 std::vector<Composition>& starts) {
   Composition light(c.n), heavy(c.n);
   for (int i = 0; i < c.n; ++i) {
-    const double e = std::clamp(5.37 * (1 + c.omega[i]) * (1 - c.tc[i] / T), -200.0, 200.0);
+    const double e = std::clamp(wilson_exponent(c, i, T), -200.0, 200.0);
     const double K = c.pc[i] / P * std::exp(e);
     light[i] = z[i] * K;
     heavy[i] = z[i] / K;

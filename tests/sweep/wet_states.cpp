@@ -213,8 +213,7 @@ bool wet_state_exists(const Question& question, Answer* found) {
       Composition u(n);
       const double scale = k < 8 ? (k % 2 ? -0.25 : 0.25) * (1 + k / 2) : 1.2 * normal(random);
       for (int i = 0; i < n; ++i) {
-        const double wilson =
-            std::log(c.pc[i] / question.P) + 5.37 * (1 + c.omega[i]) * (1 - c.tc[i] / question.T);
+        const double wilson = std::log(c.pc[i] / question.P) + wilson_exponent(c, i, question.T);
         u[i] = scale * wilson + (k < 8 ? 0 : 0.6 * normal(random));
       }
       const double ln_k = std::log(pair.psat / question.P) - (saturated ? 0 : std::log(pair.s));

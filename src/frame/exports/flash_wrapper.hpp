@@ -38,6 +38,11 @@ inline bool free_water(const MixtureRecord& mixture) {
   return (mixture.flags & FreeWaterFlag) != 0;
 }
 
+/* Whether the host asks for free water and the feed z has some, by its family code alone. */
+inline bool wet_feed(const MixtureRecord& mixture, const double* z) {
+  return free_water(mixture) && flash::has_free_water(mixture, z);
+}
+
 /*
  * Number of the water component (from 1) when the host asks for free water and the feed z has some; without
  * that the flags byte is cleared for the call and the result is 0. Water is what has its CAS number here and

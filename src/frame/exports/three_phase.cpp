@@ -13,15 +13,14 @@ namespace {
 
 using namespace kestrune;
 
-// The first unusable argument of a flash, or KV_OK. A feed that does not sum to one, an empty one among them,
-// has its status before what is wrong with the rest.
+// The first unusable argument of a flash, or KV_OK. A feed that does not sum to one, an empty one among them, is
+// passed on: its status comes from the flash, before what is wrong with the rest.
 template <class... Pointers>
 StatusCode check_flash(StatusCode first, StatusCode second, const double* z, const MixtureRecord* mixture,
                        const Pointers*... outputs) {
   const StatusCode readable = exports::check_readable(z, mixture, outputs...);
-  if (readable != KV_OK) return readable;
-  return frame::first_failure(
-      {flash::check_feed_sum(z, *mixture), first, second, frame::check_feed(z, mixture)});
+  if (readable != KV_OK || flash::check_feed_sum(z, *mixture) != KV_OK) return readable;
+  return frame::first_failure({first, second, frame::check_feed(z, mixture)});
 }
 
 // A phase that vanished is no failure.
@@ -56,12 +55,12 @@ StatusCode energy_flash(flash3::ThreeEnergyCall call, const ModelRoutines* routi
     const StatusCode bad = check_flash(frame::check_specified(call.wanted), frame::check_pressure(call.P),
                                        call.z, call.mixture, call.T, out.beta, out.V, out.xA, out.xB, out.y,
                                        out.KLL, out.KLV, call.A, call.B, call.vapour);
-    if (bad != KV_OK && bad != KV_FEED_SUM) return bad;
+    if (bad != KV_OK) return bad;
     flash::HostRoutines host = exports::foreign_routines(routines);
     call.routines = &host;
     return three_phase_wrapper(call.P, call.z, *call.mixture, host, out, call.A, call.B, [&] {
       call.free_water = exports::free_water(*call.mixture);
-      return bad != KV_OK ? bad : flash3::three_energy_flash(call);
+      return flash3::three_energy_flash(call);
     });
   });
 }
@@ -75,7 +74,7 @@ StatusCode quality_flash(StatusCode condition, flash3::ThreeQualityCall call, co
     if (bad != KV_OK) return bad;
     flash::HostRoutines host = exports::foreign_routines(routines);
     call.routines = &host;
-    call.free_water = exports::free_water(*call.mixture) && flash::has_free_water(*call.mixture, call.z);
+    call.free_water = exports::wet_feed(*call.mixture, call.z);
     return exports::run_and_tell(host, [&] { return flash3::three_quality_flash(call); });
   });
 }
@@ -89,13 +88,12 @@ KV_ENTRY StatusCode KV_CALL FlashLLVatTP(double T, double P, const double* z, Mi
   return frame::guarded([&]() -> StatusCode {
     const StatusCode bad = check_flash(frame::check_temperature(T), frame::check_pressure(P), z, mixture, beta,
                                        V, xA, xB, y, KLL, KLV);
-    if (bad != KV_OK && bad != KV_FEED_SUM) return bad;
+    if (bad != KV_OK) return bad;
     const flash3::ThreePhaseResult out{beta, V, xA, xB, y, KLL, KLV};
     flash::HostRoutines host = exports::foreign_routines(routines);
     return three_phase_wrapper(P, z, *mixture, host, out, nullptr, nullptr, [&] {
-      return bad != KV_OK ? bad
-                          : flash3::three_phase_flash({T, P, z, mixture, &host, exports::free_water(*mixture),
-                                                       (options & 1) != 0, out});
+      return flash3::three_phase_flash(
+          {T, P, z, mixture, &host, exports::free_water(*mixture), (options & 1) != 0, out});
     });
   });
 }

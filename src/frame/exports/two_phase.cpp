@@ -50,7 +50,7 @@ StatusCode quality_flash(StatusCode condition, flash::QualityCall call, const Mo
     flash::HostRoutines host = exports::foreign_routines(routines);
     call.routines = &host;
     call.cold = (options & 1) != 0;
-    call.free_water = exports::free_water(*call.mixture) && flash::has_free_water(*call.mixture, call.z);
+    call.free_water = exports::wet_feed(*call.mixture, call.z);
     return exports::run_and_tell(host, [&] { return flash::quality_flash(call); });
   });
 }
