@@ -3,40 +3,15 @@
 
 #include <cstring>
 
+#include "common/environment.hpp"
 #include "common/flash_call.hpp"
 
-#if defined(__i386__) || defined(__x86_64__)
-#include <xmmintrin.h>
+#if defined(KV_TESTS_X86)
 
 using namespace kestrune;
 using namespace kestrune::tests;
 
 namespace {
-
-struct Words {
-  std::uint16_t control, status;
-  std::uint32_t mxcsr;
-  bool operator==(const Words&) const = default;
-};
-
-Words read_words() {
-  Words w;
-  __asm__ __volatile__("fnstcw %0" : "=m"(w.control));
-  __asm__ __volatile__("fnstsw %0" : "=m"(w.status));
-  w.status &= 0xB8FF;  // the four condition bits are anyone's
-  w.mxcsr = _mm_getcsr();
-  return w;
-}
-
-void set_words(std::uint16_t control, std::uint32_t mxcsr) {
-  __asm__ __volatile__("fldcw %0" : : "m"(control));
-  _mm_setcsr(mxcsr);
-}
-
-void default_words() {
-  __asm__ __volatile__("fninit");
-  _mm_setcsr(0x1F80);
-}
 
 struct Outputs {
   FlashResult two, one;
@@ -79,16 +54,7 @@ TEST(Environment, TrapsPrecisionAndRoundingOfTheHostDoNotMatterAndComeBack) {
   Words before, after;
   const Outputs reference = calls(m, 0x037F, 0x1F80, before, after);
   EXPECT_TRUE(reference.two == warm_up);
-  const struct {
-    const char* what;
-    std::uint16_t control;
-    std::uint32_t mxcsr;
-  } hosts[] = {{"traps unmasked", 0x0360, 0x0000},
-               {"24 bits", 0x007F, 0x1F80},
-               {"53 bits, traps", 0x0262, 0x0100},
-               {"rounding up, flush to zero", 0x0B7F, 0xDFC0},
-               {"rounding to zero, sticky", 0x0F7F, 0x7FBF}};
-  for (const auto& h : hosts) {
+  for (const HostWords& h : kHosts) {
     SCOPED_TRACE(h.what);
     const Outputs o = calls(m, h.control, h.mxcsr, before, after);
     EXPECT_TRUE(before == after) << std::hex << before.control << ' ' << before.status << ' ' << before.mxcsr

@@ -1,0 +1,143 @@
+#include "routines.hpp"
+
+#include <algorithm>
+
+namespace kestrune::fuzz {
+namespace {
+
+enum Manner { works, nan, huge, negative, doubled, silent, fails };
+constexpr const char* kManners[] = {"work",          "write NaN", "write 1e300", "write negative numbers",
+                                    "write doubles", "write nothing", "fail"};
+
+struct Behaviour {
+  Manner manner = works;
+  StatusCode status = 0;  // of a routine that fails
+  int good_calls = 0;     // before it sets in
+  bool own_address = false;
+  int calls = 0;
+  bool failed = false, abused = false;
+
+  bool begin(double T, double P, const double* x, int n) {
+    double sum = 0.0;
+    for (int i = 0; i < n; ++i) sum += x[i] >= 0.0 ? x[i] : NAN;
+    abused = abused || !(std::abs(sum - 1.0) < 1e-6) || !(T > 0.0 && T < 1e300) || !(P > 0.0 && P < 1e300);
+    return ++calls > good_calls;
+  }
+  void spoil(double* values, int count) const {
+    if (values == nullptr) return;
+    for (int i = 0; i < count; ++i)
+      values[i] = manner == nan ? NAN : manner == huge ? 1e300 : manner == negative ? -values[i] - 0.5 : 2.0 * values[i];
+  }
+  StatusCode end(StatusCode status_of_library) {
+    failed = failed || manner == fails;
+    return manner == fails ? status : status_of_library;
+  }
+};
+Behaviour behaviour;  // one call at a time
+
+template <bool liquids>
+StatusCode KV_CALL two_phases(double T, double P, const double* z, MixtureRecord* m, const ModelRoutines*,
+                              std::int32_t options, double* beta, double* x, double* y, double* K) {
+  const bool bad = behaviour.begin(T, P, z, m->count);
+  if (bad && behaviour.manner == silent) return KV_OK;
+  const StatusCode status = (liquids ? FlashLLatTP : FlashLVatTP)(T, P, z, m, nullptr, options, beta, x, y, K);
+  if (!bad || behaviour.manner == works) return status;
+  if (behaviour.calls % 2 == 0) behaviour.spoil(beta, 1);
+  if (behaviour.calls % 3 != 0) behaviour.spoil(behaviour.calls % 4 < 2 ? x : y, m->count);
+  behaviour.spoil(K, m->count);
+  return behaviour.end(status);
+}
+
+StatusCode KV_CALL fugacity(double T, double P, const double* x, MixtureRecord* m, std::int32_t phase,
+                            std::int32_t option, std::int32_t mask, double* ln_phi, double* dT, double* dP, double* dn) {
+  const bool bad = behaviour.begin(T, P, x, m->count);
+  if (bad && behaviour.manner == silent) return KV_OK;
+  const auto library = phase == KV_PHASE_GAS ? GasPhi_Derivatives_PPR78 : LiquidPhi_Derivatives_PPR78;
+  const StatusCode status = library(T, P, x, m, option, mask, ln_phi, dT, dP, dn);
+  if (!bad || behaviour.manner == works) return status;
+  behaviour.spoil(ln_phi, m->count);
+  if (mask & KV_DERIV_T) behaviour.spoil(dT, m->count);
+  if (mask & KV_DERIV_N) behaviour.spoil(dn, m->count * m->count);
+  return behaviour.end(status);
+}
+
+StatusCode KV_CALL density(double T, double P, const double* x, MixtureRecord* m, double* value, double* dT, double* dP,
+                           double* dTdP) {
+  const bool bad = behaviour.begin(T, P, x, m->count);
+  if (bad && behaviour.manner == silent) return KV_OK;
+  const StatusCode status = LiquidDensity_PPR78(T, P, x, m, value, dT, dP, dTdP);
+  if (!bad || behaviour.manner == works) return status;
+  for (double* v : {value, dT, dP, dTdP}) behaviour.spoil(v, 1);
+  return behaviour.end(status);
+}
+
+template <int entry>
+StatusCode KV_CALL property(double T, double P, const double* x, MixtureRecord* m, double* value) {
+  const bool bad = behaviour.begin(T, P, x, m->count);
+  if (bad && behaviour.manner == silent) return KV_OK;
+  const auto library = entry == KV_ROUTINE_GAS_ENTHALPY      ? GasMolarEnthalpy_PPR78
+                       : entry == KV_ROUTINE_GAS_ENTROPY     ? GasMolarEntropy_PPR78
+                       : entry == KV_ROUTINE_LIQUID_ENTHALPY ? LiquidMolarEnthalpy_PPR78
+                                                             : LiquidMolarEntropy_PPR78;
+  const StatusCode status = library(T, P, x, m, value);
+  if (!bad || behaviour.manner == works) return status;
+  behaviour.spoil(value, 1);
+  return behaviour.end(status);
+}
+
+struct Routine {
+  int entry;
+  void *own, *library;
+};
+#define KV_ADDRESS(f) reinterpret_cast<void*>(&(f))
+const Routine kRoutines[] = {
+    {KV_ROUTINE_FUGACITY, KV_ADDRESS(fugacity), nullptr},
+    {KV_ROUTINE_LV_FLASH, KV_ADDRESS(two_phases<false>), KV_ADDRESS(FlashLVatTP)},
+    {KV_ROUTINE_LL_FLASH, KV_ADDRESS(two_phases<true>), KV_ADDRESS(FlashLLatTP)},
+    {KV_ROUTINE_LIQUID_ORDER, KV_ADDRESS(density), KV_ADDRESS(LiquidDensity_PPR78)},
+    {KV_ROUTINE_GAS_ENTHALPY, KV_ADDRESS(property<KV_ROUTINE_GAS_ENTHALPY>), KV_ADDRESS(GasMolarEnthalpy_PPR78)},
+    {KV_ROUTINE_GAS_ENTROPY, KV_ADDRESS(property<KV_ROUTINE_GAS_ENTROPY>), KV_ADDRESS(GasMolarEntropy_PPR78)},
+    {KV_ROUTINE_LIQUID_ENTHALPY, KV_ADDRESS(property<KV_ROUTINE_LIQUID_ENTHALPY>), KV_ADDRESS(LiquidMolarEnthalpy_PPR78)},
+    {KV_ROUTINE_LIQUID_ENTROPY, KV_ADDRESS(property<KV_ROUTINE_LIQUID_ENTROPY>), KV_ADDRESS(LiquidMolarEntropy_PPR78)}};
+
+}  // namespace
+
+bool draw_routines(Choices& choices, ModelRoutines& routines) {
+  behaviour = Behaviour{};
+  behaviour.own_address = choices.chance(15);
+  bool any = false;
+  const bool all = choices.chance(20);
+  const int one = choices.below(static_cast<int>(std::size(kRoutines)));
+  for (int k = 0; k < static_cast<int>(std::size(kRoutines)); ++k) {
+    if (!all && k != one && !choices.chance(15)) continue;
+    const Routine& r = kRoutines[k];
+    routines.entry[r.entry - 1] = behaviour.own_address ? r.library : r.own;
+    any = true;
+  }
+  if (!behaviour.own_address) behaviour.manner = static_cast<Manner>(choices.pick<int>({works, works, nan, huge, negative, doubled, silent, fails}));
+  behaviour.status = choices.pick<StatusCode>({112, -1, 50, 51, 95, 130, 201, 1003, 9001, 9012, 120, 116, 117, INT32_MIN, INT32_MAX});
+  behaviour.good_calls = choices.pick({0, 0, 0, 1, 5, 20});
+  return any;
+}
+
+void start_routines() {
+  behaviour.calls = 0;
+  behaviour.failed = behaviour.abused = false;
+}
+
+bool routines_were_abused() { return behaviour.abused; }
+bool routines_are_faithful() { return behaviour.manner == works; }
+StatusCode status_of_routines() { return behaviour.failed ? behaviour.status : KV_OK; }
+
+std::string routines_text(const ModelRoutines& routines) {
+  std::string text = "routines";
+  for (int k = 0; k < KV_ROUTINE_COUNT; ++k)
+    if (routines.entry[k] != nullptr) text += " " + std::to_string(k + 1);
+  if (behaviour.own_address) return text + " are the library's exports";
+  text += std::string(" ") + kManners[behaviour.manner];
+  if (behaviour.manner == fails) text += " with " + std::to_string(behaviour.status);
+  if (behaviour.manner != works) text += " after " + std::to_string(behaviour.good_calls) + " calls";
+  return text;
+}
+
+}  // namespace kestrune::fuzz
