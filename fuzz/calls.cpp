@@ -174,7 +174,7 @@ const Slot& Call::slot(char word, int k) const {
 }
 
 std::size_t Call::size_of(std::size_t argument) const {
-  const auto n = static_cast<std::size_t>(scenario.n());
+  const auto n = static_cast<std::size_t>(count());
   switch (entry.words[argument]) {
     case 'X': case 'K': case 'D': case 'z': return n;
     case 'N': return n * n;

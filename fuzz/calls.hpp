@@ -52,6 +52,11 @@ struct Call {
   // Numbers behind a pointer; of the derivatives the last three are 0 where the mask does not ask for them.
   std::size_t size_of(std::size_t argument) const;
   bool asked(std::size_t argument) const;
+  // Components as the record says it, where it can be believed.
+  int count() const {
+    const std::int32_t n = scenario.record->count;
+    return n >= 1 && n <= scenario.n() ? n : scenario.n();
+  }
   bool sound() const { return scenario.flaw.empty() && flaw.empty(); }
   std::string text() const;
 

@@ -12,16 +12,19 @@ namespace {
 Progress own_progress{};
 constexpr std::uint64_t kShownOfAKind = 5;
 
-// Flashes are drawn twice as often as properties; the envelope, which takes as long as a hundred of them, rarely.
+// Flashes are drawn twice as often as properties. What takes as long as a hundred flashes, the envelope and points at
+// a given vapour fraction, is drawn rarely.
 std::size_t draw_entry(Choices& choices) {
   const auto& all = entries();
-  if (progress->only != nullptr) {
+  if (progress->only != nullptr)
     for (std::size_t k = 0; k < all.size(); ++k)
       if (std::string_view(all[k].name) == progress->only) return k;
+  for (;;) {
+    const bool flash = choices.chance(45);
+    const auto k = static_cast<std::size_t>(choices.below(flash ? 11 : static_cast<int>(all.size())));
+    const bool long_one = all[k].family == Family::envelope || all[k].words[0] == 'W';
+    if (!long_one || choices.empty() || choices.chance(25)) return k;
   }
-  if (choices.chance(45)) return static_cast<std::size_t>(choices.below(11));
-  const auto k = static_cast<std::size_t>(choices.below(static_cast<int>(all.size())));
-  return all[k].family == Family::envelope && choices.chance(60) ? 0 : k;
 }
 
 void count_time(Tally& t, const Call& c) {
