@@ -58,4 +58,12 @@ grep -rnE '^[[:space:]]*#[[:space:]]*include[[:space:]]*["<]' include src siblin
       if (count == 0) { print "no includes found: nothing was checked"; exit 1 }
       print count " includes, " bad + 0 " against the layers"
       exit bad > 0
-    }'
+    }' || exit 1
+
+# An export is one expression behind the guard: nothing stands in front of it.
+entries=$(grep -h 'KV_ENTRY' src/frame/exports/*.cpp | wc -l)
+guards=$(grep -h 'KV_GUARDS' src/frame/exports/*.cpp | wc -l)
+if [ "$entries" = 0 ] || [ "$entries" != "$guards" ]; then
+  echo "$entries exports, $guards of them behind the guard"
+  exit 1
+fi

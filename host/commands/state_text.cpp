@@ -105,7 +105,7 @@ void print_properties(const StateReport& report, const Equilibrium& s, std::span
 void print_notes(std::span<const Equilibrium> states, std::ostream& out) {
   // Titles of the missing properties of a phase, by phase and status; one bit per property.
   std::map<std::pair<PhaseKind, StatusCode>, unsigned> missing;
-  bool extrapolated = false;
+  bool extrapolated = false, negative = false;
   for (const Equilibrium& s : states) {
     extrapolated = extrapolated || s.extrapolated();
     for (const PhaseState& p : s.phases) {
@@ -113,10 +113,12 @@ void print_notes(std::span<const Equilibrium> states, std::ostream& out) {
         const StatusCode status = p.properties.status(info.property);
         if (!has_value(status)) missing[{p.kind, status}] |= 1u << static_cast<unsigned>(info.property);
       }
+      negative = negative || p.properties[Property::Cp] < 0.0 || p.properties[Property::Cv] < 0.0;
     }
   }
-  if (extrapolated || !missing.empty()) out << '\n';
+  if (extrapolated || negative || !missing.empty()) out << '\n';
   if (extrapolated) out << "* " << kExtrapolatedText << '\n';
+  if (negative) out << kNegativeHeatText << '\n';
   for (const auto& [where, properties] : missing) {
     std::vector<std::string> titles;
     for (const PropertyInfo& info : all_properties()) {

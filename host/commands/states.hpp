@@ -62,6 +62,9 @@ void print_numbers(const StateReport& report, const std::vector<std::string>& na
 inline constexpr const char* kExtrapolatedText =
     "temperature outside the range of the ideal-gas heat capacity of at least one component: continued beyond "
     "it";
+inline constexpr const char* kNegativeHeatText =
+    "negative heat capacity: the model's own, where its k_ij change steeply with temperature; no property of a "
+    "fluid";
 
 // "success", or number and text
 std::string status_in_words(StatusCode status);

@@ -466,6 +466,9 @@ KV_API StatusCode KV_CALL GasPhi_Derivatives_PPR78(double T, double P, const dou
  * speed_of_sound  m/s; 0 with KV_COMPONENT_DATA without a molar mass and with KV_NOT_FINITE where it is imaginary,
  *                 the others being filled
  * joule_thomson   K/atm
+ *
+ * Where the k_ij change steeply with temperature (water in dense hydrocarbons) the model's Cp or Cv can be negative.
+ * Such values are returned as they are, with status 0.
  */
 KV_API StatusCode KV_CALL GasSpecificHeat_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
                                                 double* Cp, double* Cv, double* speed_of_sound,

@@ -82,13 +82,12 @@ StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
   const int n = c.mixture->count;
   enum class Short { none, pure, water };
   const Short way = support::with_arena<0, 4>(n, [&](support::Arena& arena) {
-    if (flash::single_component(n, c.z, flash::pure_tolerance(*c.mixture)) < 0) {
-      double* z = arena.take(n);
-      flash::normalise_feed(n, c.z, z);
+    double* z = arena.take(n);
+    flash::normalise_feed(n, c.z, z);
+    if (flash::single_component(n, c.z, flash::pure_tolerance(*c.mixture)) < 0)
       return c.free_water && split_water(c, z) ? Short::water : Short::none;
-    }
     *c.beta = 0.0;
-    std::copy_n(c.z, n, c.liquid1);
+    std::copy_n(z, n, c.liquid1);
     std::fill_n(c.liquid2, n, 0.0);
     std::fill_n(c.K, n, flash::kSmallestK);
     return Short::pure;

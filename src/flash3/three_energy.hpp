@@ -14,7 +14,7 @@ struct ThreeEnergyCall {
   const double* z = nullptr;  // feed; its sum is checked against the record's tolerance
   MixtureRecord* mixture = nullptr;
   double* T = nullptr;  // in/out, K; exactly 0 starts at 298.15
-  ThreePhaseResult out;
+  ThreePhaseResult out = {};
   double *A = nullptr, *B = nullptr, *vapour = nullptr;  // value of each phase; 0 for one that is absent
   bool estimate = false;  // the results hold the phases at *T; unusable ones are ignored
   flash::HostRoutines* routines = nullptr;

@@ -20,7 +20,7 @@ struct ThreePhaseCall {
   flash::HostRoutines* routines = nullptr;
   bool free_water = false;
   bool estimate = false;  // the results hold one; an unusable one is ignored
-  ThreePhaseResult out;
+  ThreePhaseResult out = {};
 };
 
 /*

@@ -15,7 +15,7 @@ struct ThreeQualityCall {
   const double* z = nullptr;  // feed; its sum is checked against the record's tolerance
   MixtureRecord* mixture = nullptr;
   double* unknown = nullptr;  // in/out, K or atm; not greater than 0: a start of the flash's own
-  ThreePhaseResult out;       // V receives W
+  ThreePhaseResult out = {};  // V receives W
   bool estimate = false;      // the results and the unknown hold one; an unusable one is ignored
   flash::HostRoutines* routines = nullptr;
   bool free_water = false;

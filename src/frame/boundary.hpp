@@ -23,8 +23,20 @@
 #else
 #define KV_REALIGN
 #endif
-// In front of the definition of an export: KV_ENTRY StatusCode KV_CALL Name(...) { ... }
+// An export is KV_ENTRY StatusCode KV_CALL Name(parameters) KV_GUARDS(expression); its whole body is the one
+// expression, evaluated behind the guard. There is no place in front of it where an argument could be touched.
+// The assertion takes the semicolon.
 #define KV_ENTRY extern "C" KV_API KV_REALIGN
+#define KV_GUARDS(...)                                                                \
+  {                                                                                   \
+    return ::kestrune::frame::guarded([&]() -> ::StatusCode { return __VA_ARGS__; }); \
+  }                                                                                   \
+  static_assert(true)
+#define KV_GUARDS_VOID(...)                                                    \
+  {                                                                            \
+    ::kestrune::frame::guarded([&]() -> ::StatusCode { return __VA_ARGS__; }); \
+  }                                                                            \
+  static_assert(true)
 
 namespace kestrune::frame {
 

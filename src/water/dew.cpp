@@ -333,7 +333,7 @@ StatusCode dew_line(const DewCall& call, double lowest, double highest, int poin
     double start = 0.0;
     for (int k = 0; k < points; ++k) {
       const double share = points > 1 ? static_cast<double>(k) / (points - 1) : 0.0;
-      P[k] = k == points - 1 && k > 0 ? highest : lowest * std::pow(highest / lowest, share);
+      P[k] = k == points - 1 && k > 0 ? highest : std::pow(lowest, 1.0 - share) * std::pow(highest, share);
       T[k] = start;
       status[k] = temperature_at(call, gas, arena, P[k], T[k]);
       if (status[k] == KV_OK) {

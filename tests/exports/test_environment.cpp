@@ -5,6 +5,7 @@
 
 #include "common/environment.hpp"
 #include "common/flash_call.hpp"
+#include "export_table.hpp"
 
 #if defined(KV_TESTS_X86)
 
@@ -63,6 +64,30 @@ TEST(Environment, TrapsPrecisionAndRoundingOfTheHostDoNotMatterAndComeBack) {
     EXPECT_EQ(after.mxcsr, h.mxcsr);
     EXPECT_TRUE(o == reference);
   }
+}
+
+// Nothing is done with an argument before the host's traps are masked.
+TEST(Environment, NoArgumentTraps) {
+  Mixture m = mixture_of({"methane", "propane", "n_hexane"});
+  std::vector<double> z{0.6, 0.3, 0.1}, bad{NAN, 5e-324, INFINITY};
+  m.use();
+  for (const Export& e : export_table())
+    for (std::size_t k = 0; k < e.kinds.size(); ++k)
+      for (const double value : {double{NAN}, 5e-324, double{INFINITY}, 1e308}) {
+        Arguments a(e, m, z);
+        if (e.kinds[k] == 'z')
+          a.slots[k].address = bad.data();
+        else if (e.kinds[k] == 'd')
+          a.slots[k].number = value;
+        else
+          continue;
+        SCOPED_TRACE(testing::Message() << e.name << ", argument " << k + 1 << " = " << value);
+        _mm_setcsr(0x0000);
+        e.call(a.slots);
+        const std::uint32_t after = _mm_getcsr();
+        default_words();
+        EXPECT_EQ(after, 0u);
+      }
 }
 
 TEST(Environment, TheSameCallGivesTheSameBitsWhateverCameBefore) {

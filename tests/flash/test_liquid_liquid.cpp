@@ -107,7 +107,7 @@ TEST(LiquidLiquid, OneLiquidAndPureFeeds) {
       EXPECT_EQ(pure.status, KV_OK);
       EXPECT_EQ(pure.beta, 0.0);
       EXPECT_EQ(pure.K[0], share > 0.75 ? 1e-15 : 0.0);
-      EXPECT_EQ(pure.first[0], share > 0.75 ? share : share / (share + rest));
+      EXPECT_EQ(pure.first[0], share / (share + rest));
     }
 }
 

@@ -152,6 +152,8 @@ TEST(DewLine, EveryPointHasItsStatus) {
   EXPECT_EQ(found, 0);
   EXPECT_EQ(line(1, 5.0, 10.0, 1), KV_OK);
   EXPECT_EQ(P[0], 5.0);
+  EXPECT_EQ(line(1, 1e-310, 100.0, n), KV_OK);  // the ratio of the pressures is no number
+  for (const double p : P) EXPECT_TRUE(p >= 1e-310 && p <= 100.0) << p;
 }
 
 }  // namespace

@@ -11,10 +11,43 @@
 namespace {
 
 using namespace kestrune;
-using frame::guarded;
 
-void zero(double* value) {
-  if (value != nullptr) *value = 0.0;
+// The outputs are empty whatever comes of the call.
+void clear(const envelope::EnvelopeCall& c) {
+  for (double* array : {c.T, c.P, c.kind})
+    if (array != nullptr && c.capacity > 0) std::fill_n(array, c.capacity, 0.0);
+  for (double* value : {c.therm_T, c.therm_P, c.bar_T, c.bar_P})
+    if (value != nullptr) *value = 0.0;
+  for (int32_t* count : {c.number, c.criticals})
+    if (count != nullptr) *count = 0;
+}
+
+StatusCode phase_envelope(envelope::EnvelopeCall call, const ModelRoutines* routines) {
+  clear(call);
+  const StatusCode bad =
+      frame::first_failure({frame::check_pointers(call.T, call.P, call.kind, call.number, call.criticals,
+                                                  call.therm_T, call.therm_P, call.bar_T, call.bar_P),
+                            frame::check_feed(call.z, call.mixture)});
+  if (bad != KV_OK) return bad;
+  flash::HostRoutines host = exports::foreign_routines(routines);
+  host.final = false;
+  call.routines = &host;
+  return exports::told(host, envelope::phase_envelope(call));
+}
+
+StatusCode critical_point(const double* z, MixtureRecord* mixture, double* Tc, double* Pc, double* Vc,
+                          double* Zc) {
+  const StatusCode bad =
+      frame::first_failure({frame::check_pointers(Tc, Pc, Vc, Zc), frame::check_feed(z, mixture)});
+  if (bad != KV_OK) return bad;
+  envelope::Critical point;
+  const StatusCode status = envelope::critical_point(*mixture, z, point);
+  if (status != KV_OK) return status;
+  *Tc = point.T;
+  *Pc = point.P;
+  *Vc = point.V;
+  *Zc = point.Z;
+  return KV_OK;
 }
 
 }  // namespace
@@ -25,40 +58,12 @@ KV_ENTRY StatusCode KV_CALL PhaseEnvelope(const double* z, MixtureRecord* mixtur
                                           double accuracy, double* T, double* P, double* kind,
                                           int32_t* number_of_points, int32_t* number_of_critical_points,
                                           double* cricondentherm_T, double* cricondentherm_P,
-                                          double* cricondenbar_T, double* cricondenbar_P) {
-  for (double* array : {T, P, kind})
-    if (array != nullptr && capacity > 0) std::fill_n(array, capacity, 0.0);
-  for (double* value : {cricondentherm_T, cricondentherm_P, cricondenbar_T, cricondenbar_P}) zero(value);
-  for (int32_t* count : {number_of_points, number_of_critical_points})
-    if (count != nullptr) *count = 0;
-  return guarded([&]() -> StatusCode {
-    const StatusCode bad = frame::first_failure(
-        {frame::check_pointers(T, P, kind, number_of_points, number_of_critical_points, cricondentherm_T,
-                               cricondentherm_P, cricondenbar_T, cricondenbar_P),
-         frame::check_feed(z, mixture)});
-    if (bad != KV_OK) return bad;
-    flash::HostRoutines host = exports::foreign_routines(routines);
-    host.final = false;
-    return exports::told(
-        host, envelope::phase_envelope({z, mixture, &host, first_P, max_P, min_T, points, capacity, fraction,
-                                        accuracy, T, P, kind, number_of_points, number_of_critical_points,
-                                        cricondentherm_T, cricondentherm_P, cricondenbar_T, cricondenbar_P}));
-  });
-}
+                                          double* cricondenbar_T, double* cricondenbar_P)
+    KV_GUARDS(phase_envelope({z, mixture, nullptr, first_P, max_P, min_T, points, capacity, fraction, accuracy,
+                              T, P, kind, number_of_points, number_of_critical_points, cricondentherm_T,
+                              cricondentherm_P, cricondenbar_T, cricondenbar_P},
+                             routines));
 
 KV_ENTRY StatusCode KV_CALL CriticalPoint(const double* z, MixtureRecord* mixture, int32_t, double* Tc,
-                                          double* Pc, double* Vc, double* Zc) {
-  return guarded([&]() -> StatusCode {
-    const StatusCode bad =
-        frame::first_failure({frame::check_pointers(Tc, Pc, Vc, Zc), frame::check_feed(z, mixture)});
-    if (bad != KV_OK) return bad;
-    envelope::Critical point;
-    const StatusCode status = envelope::critical_point(*mixture, z, point);
-    if (status != KV_OK) return status;
-    *Tc = point.T;
-    *Pc = point.P;
-    *Vc = point.V;
-    *Zc = point.Z;
-    return KV_OK;
-  });
-}
+                                          double* Pc, double* Vc, double* Zc)
+    KV_GUARDS(critical_point(z, mixture, Tc, Pc, Vc, Zc));

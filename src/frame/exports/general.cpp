@@ -5,32 +5,39 @@
 #include "frame/state.hpp"
 #include "kestrune/kvgasthermo.h"
 
+namespace {
+
 using namespace kestrune;
 
-KV_ENTRY void KV_CALL ConvertPPR78GroupData(int32_t nC, int32_t nG, const int32_t* counts, const double* A,
-                                            const double* B, double* const* storage) {
-  frame::guarded([&]() -> StatusCode {
-    frame::GroupData& data = frame::state().group_data;
-    data = {};
-    // Nothing that could be worked with: later calls answer that there are no group data.
-    if (storage == nullptr || counts == nullptr || A == nullptr || B == nullptr) return KV_NULL_ARGUMENT;
-    if (nC > KV_MAX_COMPONENTS || nG > KV_MAX_COMPONENTS) return KV_COMPONENT_COUNT;
-    for (int slot = 1; slot <= 5; ++slot)
-      if (storage[slot] == nullptr) return KV_NULL_ARGUMENT;
-    data = {nC, nG, storage[1], storage[2], storage[3], storage[4], storage[5]};
-    eos::convert_group_data(nC, nG, counts, A, B, data);
-    return KV_OK;
-  });
+StatusCode convert(int nC, int nG, const int32_t* counts, const double* A, const double* B,
+                   double* const* storage) {
+  frame::GroupData& data = frame::state().group_data;
+  data = {};
+  // Nothing that could be worked with: later calls answer that there are no group data.
+  if (storage == nullptr || counts == nullptr || A == nullptr || B == nullptr) return KV_NULL_ARGUMENT;
+  if (nC > KV_MAX_COMPONENTS || nG > KV_MAX_COMPONENTS) return KV_COMPONENT_COUNT;
+  for (int slot = 1; slot <= 5; ++slot)
+    if (storage[slot] == nullptr) return KV_NULL_ARGUMENT;
+  data = {nC, nG, storage[1], storage[2], storage[3], storage[4], storage[5]};
+  eos::convert_group_data(nC, nG, counts, A, B, data);
+  return KV_OK;
 }
 
-KV_ENTRY StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const double* M, double* out) {
-  return frame::guarded([&]() -> StatusCode {
-    // There is no status but 0: what cannot be read counts as nothing.
-    if (out == nullptr) return KV_OK;
-    double sum = 0.0;
-    if (x != nullptr && M != nullptr)
-      for (int32_t i = 0; i < nc; ++i) sum += x[i] * M[i];
-    *out = sum;
-    return KV_OK;
-  });
+// There is no status but 0: what cannot be read counts as nothing.
+StatusCode molecular_weight(int n, const double* x, const double* M, double* out) {
+  if (out == nullptr) return KV_OK;
+  double sum = 0.0;
+  if (x != nullptr && M != nullptr)
+    for (int i = 0; i < n; ++i) sum += x[i] * M[i];
+  *out = sum;
+  return KV_OK;
 }
+
+}  // namespace
+
+KV_ENTRY void KV_CALL ConvertPPR78GroupData(int32_t nC, int32_t nG, const int32_t* counts, const double* A,
+                                            const double* B, double* const* storage)
+    KV_GUARDS_VOID(convert(nC, nG, counts, A, B, storage));
+
+KV_ENTRY StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const double* M, double* out)
+    KV_GUARDS(molecular_weight(nc, x, M, out));

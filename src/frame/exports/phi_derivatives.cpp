@@ -11,8 +11,6 @@
 namespace {
 
 using namespace kestrune;
-using frame::guarded;
-
 using exports::check_state;
 using exports::mapped;
 
@@ -72,25 +70,23 @@ StatusCode phi_core(double T, double P, const double* x, MixtureRecord& mixture,
 
 StatusCode phi_derivatives(double T, double P, const double* x, MixtureRecord* mixture, int phase, int mask,
                            PhiOutputs out) {
-  return guarded([&]() -> StatusCode {
-    const StatusCode readable = frame::check_record(mixture);
-    if (readable != KV_OK) return readable;
-    bool missing = out.ln_phi == nullptr;
-    const auto asked = [&](int bit, double*& array) {
-      if ((mask & bit) == 0) array = nullptr;
-      missing = missing || ((mask & bit) != 0 && array == nullptr);
-    };
-    asked(KV_DERIV_T, out.dT);
-    asked(KV_DERIV_P, out.dP);
-    asked(KV_DERIV_N, out.dn);
-    const auto n = static_cast<std::size_t>(mixture->count);
-    zero(n, out);
-    if (missing) return KV_NULL_ARGUMENT;
-    StatusCode status = check_state(T, P, x, mixture);
-    if (status == KV_OK) status = mapped(phi_core(T, P, x, *mixture, phase, out));
-    if (status != KV_OK) zero(n, out);
-    return status;
-  });
+  const StatusCode readable = frame::check_record(mixture);
+  if (readable != KV_OK) return readable;
+  bool missing = out.ln_phi == nullptr;
+  const auto asked = [&](int bit, double*& array) {
+    if ((mask & bit) == 0) array = nullptr;
+    missing = missing || ((mask & bit) != 0 && array == nullptr);
+  };
+  asked(KV_DERIV_T, out.dT);
+  asked(KV_DERIV_P, out.dP);
+  asked(KV_DERIV_N, out.dn);
+  const auto n = static_cast<std::size_t>(mixture->count);
+  zero(n, out);
+  if (missing) return KV_NULL_ARGUMENT;
+  StatusCode status = check_state(T, P, x, mixture);
+  if (status == KV_OK) status = mapped(phi_core(T, P, x, *mixture, phase, out));
+  if (status != KV_OK) zero(n, out);
+  return status;
 }
 
 }  // namespace
@@ -98,11 +94,9 @@ StatusCode phi_derivatives(double T, double P, const double* x, MixtureRecord* m
 KV_ENTRY StatusCode KV_CALL LiquidPhi_Derivatives_PPR78(double T, double P, const double* x,
                                                         MixtureRecord* mixture, int32_t, int32_t mask,
                                                         double* ln_phi, double* d_dT, double* d_dP,
-                                                        double* d_dn) {
-  return phi_derivatives(T, P, x, mixture, KV_PHASE_LIQUID, mask, {ln_phi, d_dT, d_dP, d_dn});
-}
+                                                        double* d_dn)
+    KV_GUARDS(phi_derivatives(T, P, x, mixture, KV_PHASE_LIQUID, mask, {ln_phi, d_dT, d_dP, d_dn}));
 KV_ENTRY StatusCode KV_CALL GasPhi_Derivatives_PPR78(double T, double P, const double* x,
                                                      MixtureRecord* mixture, int32_t, int32_t mask,
-                                                     double* ln_phi, double* d_dT, double* d_dP, double* d_dn) {
-  return phi_derivatives(T, P, x, mixture, KV_PHASE_GAS, mask, {ln_phi, d_dT, d_dP, d_dn});
-}
+                                                     double* ln_phi, double* d_dT, double* d_dP, double* d_dn)
+    KV_GUARDS(phi_derivatives(T, P, x, mixture, KV_PHASE_GAS, mask, {ln_phi, d_dT, d_dP, d_dn}));

@@ -13,18 +13,15 @@ namespace {
 
 using namespace kestrune;
 using eos::Phase;
-using frame::guarded;
 
 // Zeroes the outputs, checks the call and runs core(phase).
 template <class Core, class... Outputs>
 StatusCode property(const Phase& p, Core&& core, Outputs*... outputs) {
   ((outputs != nullptr ? void(*outputs = 0.0) : void()), ...);
-  return guarded([&]() -> StatusCode {
-    const StatusCode pointers = frame::check_pointers(outputs...);
-    if (pointers != KV_OK) return pointers;
-    const StatusCode status = exports::check_state(p.T, p.P, p.x, p.mixture);
-    return status != KV_OK ? status : exports::mapped(core());
-  });
+  const StatusCode pointers = frame::check_pointers(outputs...);
+  if (pointers != KV_OK) return pointers;
+  const StatusCode status = exports::check_state(p.T, p.P, p.x, p.mixture);
+  return status != KV_OK ? status : exports::mapped(core());
 }
 
 StatusCode density(const Phase& p, double* rho, double* d_dT, double* d_dP, double* d2_dTdP) {
@@ -86,11 +83,8 @@ StatusCode with_derivatives(const Phase& p, DerivativeCore core, int mask, doubl
       value, d_dT, d_dP);
 }
 
-}  // namespace
-
-KV_ENTRY StatusCode KV_CALL GasN(double T, double P, const double* x, MixtureRecord* mixture, double* Z,
-                                 double* Z_normal, double* density_normal, double* normal_volume) {
-  const Phase p{T, P, x, KV_PHASE_GAS, mixture};
+StatusCode normal_state(const Phase& p, double* Z, double* Z_normal, double* density_normal,
+                        double* normal_volume) {
   return property(
       p,
       [&] {
@@ -105,40 +99,8 @@ KV_ENTRY StatusCode KV_CALL GasN(double T, double P, const double* x, MixtureRec
       Z, Z_normal, density_normal, normal_volume);
 }
 
-#define KV_DENSITY(name, phase)                                                                              \
-  KV_ENTRY StatusCode KV_CALL name(double T, double P, const double* x, MixtureRecord* mixture, double* rho, \
-                                   double* d_dT, double* d_dP, double* d2_dTdP) {                            \
-    return density({T, P, x, phase, mixture}, rho, d_dT, d_dP, d2_dTdP);                                     \
-  }
-KV_DENSITY(LiquidDensity_PPR78, KV_PHASE_LIQUID)
-KV_DENSITY(GasDensity_PPR78, KV_PHASE_GAS)
-
-#define KV_VALUE(name, phase, wanted)                                                           \
-  KV_ENTRY StatusCode KV_CALL name(double T, double P, const double* x, MixtureRecord* mixture, \
-                                   double* value) {                                             \
-    return molar_value({T, P, x, phase, mixture}, Wanted::wanted, value);                       \
-  }
-KV_VALUE(LiquidMolarEnthalpy_PPR78, KV_PHASE_LIQUID, H)
-KV_VALUE(GasMolarEnthalpy_PPR78, KV_PHASE_GAS, H)
-KV_VALUE(LiquidMolarEntropy_PPR78, KV_PHASE_LIQUID, S)
-KV_VALUE(GasMolarEntropy_PPR78, KV_PHASE_GAS, S)
-KV_VALUE(LiquidMolarFreeEnthalpy_PPR78, KV_PHASE_LIQUID, G)
-KV_VALUE(GasMolarFreeEnthalpy_PPR78, KV_PHASE_GAS, G)
-
-#define KV_VALUE_DERIVATIVES(name, phase, core)                                                               \
-  KV_ENTRY StatusCode KV_CALL name(double T, double P, const double* x, MixtureRecord* mixture, int32_t mask, \
-                                   double* value, double* d_dT, double* d_dP, double* d_dn) {                 \
-    return with_derivatives({T, P, x, phase, mixture}, eos::core, mask, value, d_dT, d_dP, d_dn);             \
-  }
-KV_VALUE_DERIVATIVES(LiquidMolarEnthalpy_Derivatives_PPR78, KV_PHASE_LIQUID, enthalpy_derivatives)
-KV_VALUE_DERIVATIVES(GasMolarEnthalpy_Derivatives_PPR78, KV_PHASE_GAS, enthalpy_derivatives)
-KV_VALUE_DERIVATIVES(LiquidMolarEntropy_Derivatives_PPR78, KV_PHASE_LIQUID, entropy_derivatives)
-KV_VALUE_DERIVATIVES(GasMolarEntropy_Derivatives_PPR78, KV_PHASE_GAS, entropy_derivatives)
-
-KV_ENTRY StatusCode KV_CALL GasSpecificHeat_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
-                                                  double* Cp, double* Cv, double* speed_of_sound,
-                                                  double* joule_thomson) {
-  const Phase p{T, P, x, KV_PHASE_GAS, mixture};
+StatusCode specific_heat(const Phase& p, double* Cp, double* Cv, double* speed_of_sound,
+                         double* joule_thomson) {
   return property(
       p,
       [&] {
@@ -153,16 +115,54 @@ KV_ENTRY StatusCode KV_CALL GasSpecificHeat_PPR78(double T, double P, const doub
       Cp, Cv, speed_of_sound, joule_thomson);
 }
 
-KV_ENTRY StatusCode KV_CALL GasDynamicViscosity_PPR78(double T, double P, const double* x,
-                                                      MixtureRecord* mixture, double* viscosity) {
-  const Phase p{T, P, x, KV_PHASE_GAS, mixture};
+using TransportCore = StatusCode (*)(const Phase&, double&);
+
+StatusCode transport(const Phase& p, TransportCore core, double* value) {
   return property(
-      p, [&] { return eos::gas_viscosity(p, *viscosity); }, viscosity);
+      p, [&] { return core(p, *value); }, value);
 }
 
+}  // namespace
+
+KV_ENTRY StatusCode KV_CALL GasN(double T, double P, const double* x, MixtureRecord* mixture, double* Z,
+                                 double* Z_normal, double* density_normal, double* normal_volume)
+    KV_GUARDS(normal_state({T, P, x, KV_PHASE_GAS, mixture}, Z, Z_normal, density_normal, normal_volume));
+
+#define KV_DENSITY(name, phase)                                                                              \
+  KV_ENTRY StatusCode KV_CALL name(double T, double P, const double* x, MixtureRecord* mixture, double* rho, \
+                                   double* d_dT, double* d_dP, double* d2_dTdP)                              \
+      KV_GUARDS(density({T, P, x, phase, mixture}, rho, d_dT, d_dP, d2_dTdP))
+KV_DENSITY(LiquidDensity_PPR78, KV_PHASE_LIQUID);
+KV_DENSITY(GasDensity_PPR78, KV_PHASE_GAS);
+
+#define KV_VALUE(name, phase, wanted)                                                                          \
+  KV_ENTRY StatusCode KV_CALL name(double T, double P, const double* x, MixtureRecord* mixture, double* value) \
+      KV_GUARDS(molar_value({T, P, x, phase, mixture}, Wanted::wanted, value))
+KV_VALUE(LiquidMolarEnthalpy_PPR78, KV_PHASE_LIQUID, H);
+KV_VALUE(GasMolarEnthalpy_PPR78, KV_PHASE_GAS, H);
+KV_VALUE(LiquidMolarEntropy_PPR78, KV_PHASE_LIQUID, S);
+KV_VALUE(GasMolarEntropy_PPR78, KV_PHASE_GAS, S);
+KV_VALUE(LiquidMolarFreeEnthalpy_PPR78, KV_PHASE_LIQUID, G);
+KV_VALUE(GasMolarFreeEnthalpy_PPR78, KV_PHASE_GAS, G);
+
+#define KV_VALUE_DERIVATIVES(name, phase, core)                                                               \
+  KV_ENTRY StatusCode KV_CALL name(double T, double P, const double* x, MixtureRecord* mixture, int32_t mask, \
+                                   double* value, double* d_dT, double* d_dP, double* d_dn)                   \
+      KV_GUARDS(with_derivatives({T, P, x, phase, mixture}, eos::core, mask, value, d_dT, d_dP, d_dn))
+KV_VALUE_DERIVATIVES(LiquidMolarEnthalpy_Derivatives_PPR78, KV_PHASE_LIQUID, enthalpy_derivatives);
+KV_VALUE_DERIVATIVES(GasMolarEnthalpy_Derivatives_PPR78, KV_PHASE_GAS, enthalpy_derivatives);
+KV_VALUE_DERIVATIVES(LiquidMolarEntropy_Derivatives_PPR78, KV_PHASE_LIQUID, entropy_derivatives);
+KV_VALUE_DERIVATIVES(GasMolarEntropy_Derivatives_PPR78, KV_PHASE_GAS, entropy_derivatives);
+
+KV_ENTRY StatusCode KV_CALL GasSpecificHeat_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
+                                                  double* Cp, double* Cv, double* speed_of_sound,
+                                                  double* joule_thomson)
+    KV_GUARDS(specific_heat({T, P, x, KV_PHASE_GAS, mixture}, Cp, Cv, speed_of_sound, joule_thomson));
+
+KV_ENTRY StatusCode KV_CALL GasDynamicViscosity_PPR78(double T, double P, const double* x,
+                                                      MixtureRecord* mixture, double* viscosity)
+    KV_GUARDS(transport({T, P, x, KV_PHASE_GAS, mixture}, eos::gas_viscosity, viscosity));
+
 KV_ENTRY StatusCode KV_CALL GasThermalConductivity_PPR78(double T, double P, const double* x,
-                                                         MixtureRecord* mixture, double* conductivity) {
-  const Phase p{T, P, x, KV_PHASE_GAS, mixture};
-  return property(
-      p, [&] { return eos::gas_conductivity(p, *conductivity); }, conductivity);
-}
+                                                         MixtureRecord* mixture, double* conductivity)
+    KV_GUARDS(transport({T, P, x, KV_PHASE_GAS, mixture}, eos::gas_conductivity, conductivity));

@@ -49,107 +49,116 @@ StatusCode three_phase_wrapper(double P, const double* z, MixtureRecord& mixture
 }
 
 // At enthalpy or entropy; routines and free water are filled in here.
-StatusCode energy_flash(flash3::ThreeEnergyCall call, const ModelRoutines* routines) {
-  return frame::guarded([&]() -> StatusCode {
-    const flash3::ThreePhaseResult& out = call.out;
-    const StatusCode bad = check_flash(frame::check_specified(call.wanted), frame::check_pressure(call.P),
-                                       call.z, call.mixture, call.T, out.beta, out.V, out.xA, out.xB, out.y,
-                                       out.KLL, out.KLV, call.A, call.B, call.vapour);
-    if (bad != KV_OK) return bad;
-    flash::HostRoutines host = exports::foreign_routines(routines);
-    call.routines = &host;
-    return three_phase_wrapper(call.P, call.z, *call.mixture, host, out, call.A, call.B, [&] {
-      call.free_water = exports::free_water(*call.mixture);
-      return flash3::three_energy_flash(call);
-    });
+struct Values {
+  double *A, *B, *vapour;
+};
+
+StatusCode energy_flash(flash3::ThreeEnergyCall call, const flash3::ThreePhaseResult& out, const Values& values,
+                        const ModelRoutines* routines, int32_t options) {
+  const StatusCode bad = check_flash(frame::check_specified(call.wanted), frame::check_pressure(call.P), call.z,
+                                     call.mixture, call.T, out.beta, out.V, out.xA, out.xB, out.y, out.KLL,
+                                     out.KLV, values.A, values.B, values.vapour);
+  if (bad != KV_OK) return bad;
+  flash::HostRoutines host = exports::foreign_routines(routines);
+  call.routines = &host;
+  call.out = out;
+  call.A = values.A;
+  call.B = values.B;
+  call.vapour = values.vapour;
+  call.estimate = (options & 1) != 0;
+  return three_phase_wrapper(call.P, call.z, *call.mixture, host, out, values.A, values.B, [&] {
+    call.free_water = exports::free_water(*call.mixture);
+    return flash3::three_energy_flash(call);
   });
 }
 
 // At vapour fraction: the core alone, which finds water by itself.
-StatusCode quality_flash(StatusCode condition, flash3::ThreeQualityCall call, const ModelRoutines* routines) {
-  return frame::guarded([&]() -> StatusCode {
-    const flash3::ThreePhaseResult& out = call.out;
-    const StatusCode bad = check_flash(frame::check_specified(call.W), condition, call.z, call.mixture,
-                                       call.unknown, out.beta, out.xA, out.xB, out.y, out.KLL, out.KLV);
-    if (bad != KV_OK) return bad;
-    flash::HostRoutines host = exports::foreign_routines(routines);
-    call.routines = &host;
-    call.free_water = exports::wet_feed(*call.mixture, call.z);
-    return exports::run_and_tell(host, [&] { return flash3::three_quality_flash(call); });
+StatusCode quality_flash(flash3::ThreeQualityCall call, flash3::ThreePhaseResult out,
+                         const ModelRoutines* routines, int32_t options) {
+  double V = call.W;
+  out.V = &V;
+  const StatusCode condition = call.find == flash::Find::temperature ? frame::check_pressure(call.given)
+                                                                     : frame::check_temperature(call.given);
+  const StatusCode bad = check_flash(frame::check_specified(call.W), condition, call.z, call.mixture,
+                                     call.unknown, out.beta, out.xA, out.xB, out.y, out.KLL, out.KLV);
+  if (bad != KV_OK) return bad;
+  flash::HostRoutines host = exports::foreign_routines(routines);
+  call.routines = &host;
+  call.out = out;
+  call.estimate = (options & 1) != 0;
+  call.free_water = exports::wet_feed(*call.mixture, call.z);
+  return exports::run_and_tell(host, [&] { return flash3::three_quality_flash(call); });
+}
+
+// At temperature and pressure.
+StatusCode isothermal_flash(flash3::ThreePhaseCall call, const flash3::ThreePhaseResult& out,
+                            const ModelRoutines* routines, int32_t options) {
+  const StatusCode bad = check_flash(frame::check_temperature(call.T), frame::check_pressure(call.P), call.z,
+                                     call.mixture, out.beta, out.V, out.xA, out.xB, out.y, out.KLL, out.KLV);
+  if (bad != KV_OK) return bad;
+  flash::HostRoutines host = exports::foreign_routines(routines);
+  call.routines = &host;
+  call.out = out;
+  call.estimate = (options & 1) != 0;
+  return three_phase_wrapper(call.P, call.z, *call.mixture, host, out, nullptr, nullptr, [&] {
+    call.free_water = exports::free_water(*call.mixture);
+    return flash3::three_phase_flash(call);
   });
+}
+
+// Two liquids.
+StatusCode liquid_liquid_flash(flash3::LiquidLiquidCall call, const ModelRoutines* routines) {
+  const StatusCode bad = frame::first_failure(
+      {frame::check_temperature(call.T), frame::check_pressure(call.P),
+       frame::check_pointers(call.z, call.mixture, call.beta, call.liquid1, call.liquid2, call.K),
+       frame::check_feed(call.z, call.mixture)});
+  if (bad != KV_OK) return bad;
+  const exports::FlagsKeeper keeper(*call.mixture);
+  exports::locate_water(*call.mixture, call.z);
+  flash::HostRoutines host = exports::foreign_routines(routines);
+  call.routines = &host;
+  call.free_water = exports::free_water(*call.mixture);
+  return exports::run_and_tell(host, [&] { return flash3::liquid_liquid_flash(call); });
 }
 
 }  // namespace
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines* routines, int32_t options, double* beta,
-                                         double* V, double* xA, double* xB, double* y, double* KLL,
-                                         double* KLV) {
-  return frame::guarded([&]() -> StatusCode {
-    const StatusCode bad = check_flash(frame::check_temperature(T), frame::check_pressure(P), z, mixture, beta,
-                                       V, xA, xB, y, KLL, KLV);
-    if (bad != KV_OK) return bad;
-    const flash3::ThreePhaseResult out{beta, V, xA, xB, y, KLL, KLV};
-    flash::HostRoutines host = exports::foreign_routines(routines);
-    return three_phase_wrapper(P, z, *mixture, host, out, nullptr, nullptr, [&] {
-      return flash3::three_phase_flash(
-          {T, P, z, mixture, &host, exports::free_water(*mixture), (options & 1) != 0, out});
-    });
-  });
-}
+                                         double* V, double* xA, double* xB, double* y, double* KLL, double* KLV)
+    KV_GUARDS(isothermal_flash({T, P, z, mixture}, {beta, V, xA, xB, y, KLL, KLV}, routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines* routines, int32_t options, double* T,
                                          double* beta, double* V, double* xA, double* xB, double* y,
-                                         double* KLL, double* KLV, double* HA, double* HB, double* HV) {
-  const flash3::ThreePhaseResult out{beta, V, xA, xB, y, KLL, KLV};
-  return energy_flash({flash::Property::enthalpy, H, P, z, mixture, T, out, HA, HB, HV, (options & 1) != 0},
-                      routines);
-}
+                                         double* KLL, double* KLV, double* HA, double* HB, double* HV)
+    KV_GUARDS(energy_flash({flash::Property::enthalpy, H, P, z, mixture, T}, {beta, V, xA, xB, y, KLL, KLV},
+                           {HA, HB, HV}, routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatSP(double S, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines* routines, int32_t options, double* T,
                                          double* beta, double* V, double* xA, double* xB, double* y,
-                                         double* KLL, double* KLV, double* SA, double* SB, double* SV) {
-  const flash3::ThreePhaseResult out{beta, V, xA, xB, y, KLL, KLV};
-  return energy_flash({flash::Property::entropy, S, P, z, mixture, T, out, SA, SB, SV, (options & 1) != 0},
-                      routines);
-}
+                                         double* KLL, double* KLV, double* SA, double* SB, double* SV)
+    KV_GUARDS(energy_flash({flash::Property::entropy, S, P, z, mixture, T}, {beta, V, xA, xB, y, KLL, KLV},
+                           {SA, SB, SV}, routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines* routines, int32_t options, double* T,
                                          double* beta, double* xA, double* xB, double* y, double* KLL,
-                                         double* KLV) {
-  double V = W;
-  const flash3::ThreePhaseResult out{beta, &V, xA, xB, y, KLL, KLV};
-  return quality_flash(frame::check_pressure(P),
-                       {flash::Find::temperature, W, P, z, mixture, T, out, (options & 1) != 0}, routines);
-}
+                                         double* KLV)
+    KV_GUARDS(quality_flash({flash::Find::temperature, W, P, z, mixture, T},
+                            {beta, nullptr, xA, xB, y, KLL, KLV}, routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines* routines, int32_t options, double* P,
                                          double* beta, double* xA, double* xB, double* y, double* KLL,
-                                         double* KLV) {
-  double V = W;
-  const flash3::ThreePhaseResult out{beta, &V, xA, xB, y, KLL, KLV};
-  return quality_flash(frame::check_temperature(T),
-                       {flash::Find::pressure, W, T, z, mixture, P, out, (options & 1) != 0}, routines);
-}
+                                         double* KLV)
+    KV_GUARDS(quality_flash({flash::Find::pressure, W, T, z, mixture, P}, {beta, nullptr, xA, xB, y, KLL, KLV},
+                            routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* beta,
-                                        double* liquid1, double* liquid2, double* K) {
-  return frame::guarded([&]() -> StatusCode {
-    const StatusCode bad = frame::first_failure({frame::check_temperature(T), frame::check_pressure(P),
-                                                 frame::check_pointers(z, mixture, beta, liquid1, liquid2, K),
-                                                 frame::check_feed(z, mixture)});
-    if (bad != KV_OK) return bad;
-    const exports::FlagsKeeper keeper(*mixture);
-    exports::locate_water(*mixture, z);
-    flash::HostRoutines host = exports::foreign_routines(routines);
-    return exports::run_and_tell(host, [&] {
-      return flash3::liquid_liquid_flash({T, P, z, mixture, &host, exports::free_water(*mixture),
-                                          (options & 1) != 0, beta, liquid1, liquid2, K});
-    });
-  });
-}
+                                        double* liquid1, double* liquid2, double* K)
+    KV_GUARDS(liquid_liquid_flash({T, P, z, mixture, nullptr, false, (options & 1) != 0, beta, liquid1, liquid2,
+                                   K},
+                                  routines));

@@ -10,7 +10,6 @@ namespace {
 
 using namespace kestrune;
 using frame::first_failure;
-using frame::guarded;
 
 // The first unusable argument of a flash, or KV_OK.
 template <class... Pointers>
@@ -21,85 +20,79 @@ StatusCode check_flash(const double* z, const MixtureRecord* mixture, const Poin
 
 // At enthalpy or entropy; free water and the start are filled in here.
 StatusCode energy_flash(flash::EnergyCall call, const ModelRoutines* routines, int32_t options) {
-  return guarded([&]() -> StatusCode {
-    const StatusCode bad = first_failure({frame::check_specified(call.wanted), frame::check_pressure(call.P),
-                                          check_flash(call.z, call.mixture, call.T, call.beta, call.x, call.y,
-                                                      call.K, call.liquid, call.vapour)});
-    if (bad != KV_OK) return bad;
-    flash::HostRoutines host = exports::foreign_routines(routines);
-    call.routines = &host;
-    const auto core = [&](bool hint) {
-      call.free_water = exports::free_water(*call.mixture);
-      call.index = options & 1;
-      call.cold = call.index != 0 && !hint;  // a hint is started from, which makes no warm start of it
-      return flash::energy_flash(call);
-    };
-    return exports::two_phase_wrapper(call.P, call.z, *call.mixture, host, options, {call.beta, call.x, call.y},
-                                      core);
-  });
+  const StatusCode bad = first_failure(
+      {frame::check_specified(call.wanted), frame::check_pressure(call.P),
+       check_flash(call.z, call.mixture, call.T, call.beta, call.x, call.y, call.K, call.liquid, call.vapour)});
+  if (bad != KV_OK) return bad;
+  flash::HostRoutines host = exports::foreign_routines(routines);
+  call.routines = &host;
+  const auto core = [&](bool hint) {
+    call.free_water = exports::free_water(*call.mixture);
+    call.index = options & 1;
+    call.cold = call.index != 0 && !hint;  // a hint is started from, which makes no warm start of it
+    return flash::energy_flash(call);
+  };
+  return exports::two_phase_wrapper(call.P, call.z, *call.mixture, host, options, {call.beta, call.x, call.y},
+                                    core);
 }
 
 // At vapour fraction: the core alone, which finds water by itself.
-StatusCode quality_flash(StatusCode condition, flash::QualityCall call, const ModelRoutines* routines,
-                         int32_t options) {
-  return guarded([&]() -> StatusCode {
-    const StatusCode bad =
-        first_failure({frame::check_specified(call.W), condition,
-                       check_flash(call.z, call.mixture, call.unknown, call.x, call.y, call.K)});
-    if (bad != KV_OK) return bad;
-    flash::HostRoutines host = exports::foreign_routines(routines);
-    call.routines = &host;
-    call.cold = (options & 1) != 0;
-    call.free_water = exports::wet_feed(*call.mixture, call.z);
-    return exports::run_and_tell(host, [&] { return flash::quality_flash(call); });
-  });
+StatusCode quality_flash(flash::QualityCall call, const ModelRoutines* routines, int32_t options) {
+  const StatusCode condition = call.find == flash::Find::temperature ? frame::check_pressure(call.given)
+                                                                     : frame::check_temperature(call.given);
+  const StatusCode bad =
+      first_failure({frame::check_specified(call.W), condition,
+                     check_flash(call.z, call.mixture, call.unknown, call.x, call.y, call.K)});
+  if (bad != KV_OK) return bad;
+  flash::HostRoutines host = exports::foreign_routines(routines);
+  call.routines = &host;
+  call.cold = (options & 1) != 0;
+  call.free_water = exports::wet_feed(*call.mixture, call.z);
+  return exports::run_and_tell(host, [&] { return flash::quality_flash(call); });
+}
+
+// At temperature and pressure.
+StatusCode isothermal_flash(flash::IsothermalCall call, const ModelRoutines* routines, int32_t options) {
+  const StatusCode bad = first_failure({frame::check_temperature(call.T), frame::check_pressure(call.P),
+                                        check_flash(call.z, call.mixture, call.beta, call.x, call.y, call.K)});
+  if (bad != KV_OK) return bad;
+  flash::HostRoutines host = exports::foreign_routines(routines);
+  call.routines = &host;
+  call.index = options & 1;
+  const auto core = [&](bool hint) {
+    call.free_water = exports::free_water(*call.mixture);
+    call.start = hint ? flash::Start::cold_with_hint : (call.index ? flash::Start::cold : flash::Start::warm);
+    return flash::isothermal_flash(call);
+  };
+  return exports::two_phase_wrapper(call.P, call.z, *call.mixture, host, options, {call.beta, call.x, call.y},
+                                    core);
 }
 
 }  // namespace
 
 KV_ENTRY StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* beta, double* x,
-                                        double* y, double* K) {
-  return guarded([&]() -> StatusCode {
-    const StatusCode bad = first_failure(
-        {frame::check_temperature(T), frame::check_pressure(P), check_flash(z, mixture, beta, x, y, K)});
-    if (bad != KV_OK) return bad;
-    flash::HostRoutines host = exports::foreign_routines(routines);
-    const auto core = [&](bool hint) {
-      flash::IsothermalCall call{T, P, z, mixture, &host, beta, x, y, K};
-      call.free_water = exports::free_water(*mixture);
-      call.index = options & 1;
-      call.start = hint ? flash::Start::cold_with_hint : (call.index ? flash::Start::cold : flash::Start::warm);
-      return flash::isothermal_flash(call);
-    };
-    return exports::two_phase_wrapper(P, z, *mixture, host, options, {beta, x, y}, core);
-  });
-}
+                                        double* y, double* K)
+    KV_GUARDS(isothermal_flash({T, P, z, mixture, nullptr, beta, x, y, K}, routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* T, double* beta,
-                                        double* x, double* y, double* K, double* HL, double* HV) {
-  return energy_flash({flash::Property::enthalpy, H, P, z, mixture, T, beta, x, y, K, HL, HV}, routines,
-                      options);
-}
+                                        double* x, double* y, double* K, double* HL, double* HV)
+    KV_GUARDS(energy_flash({flash::Property::enthalpy, H, P, z, mixture, T, beta, x, y, K, HL, HV}, routines,
+                           options));
 
 KV_ENTRY StatusCode KV_CALL FlashLVatSP(double S, double P, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* T, double* beta,
-                                        double* x, double* y, double* K, double* SL, double* SV) {
-  return energy_flash({flash::Property::entropy, S, P, z, mixture, T, beta, x, y, K, SL, SV}, routines,
-                      options);
-}
+                                        double* x, double* y, double* K, double* SL, double* SV)
+    KV_GUARDS(energy_flash({flash::Property::entropy, S, P, z, mixture, T, beta, x, y, K, SL, SV}, routines,
+                           options));
 
 KV_ENTRY StatusCode KV_CALL FlashLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* T, double* x,
-                                        double* y, double* K) {
-  return quality_flash(frame::check_pressure(P), {flash::Find::temperature, W, P, z, mixture, T, x, y, K},
-                       routines, options);
-}
+                                        double* y, double* K)
+    KV_GUARDS(quality_flash({flash::Find::temperature, W, P, z, mixture, T, x, y, K}, routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLVatWT(double W, double T, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* P, double* x,
-                                        double* y, double* K) {
-  return quality_flash(frame::check_temperature(T), {flash::Find::pressure, W, T, z, mixture, P, x, y, K},
-                       routines, options);
-}
+                                        double* y, double* K)
+    KV_GUARDS(quality_flash({flash::Find::pressure, W, T, z, mixture, P, x, y, K}, routines, options));

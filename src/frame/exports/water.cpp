@@ -12,7 +12,6 @@ namespace {
 
 using namespace kestrune;
 using frame::first_failure;
-using frame::guarded;
 
 // The first unusable argument, or KV_OK.
 template <class... Pointers>
@@ -40,72 +39,75 @@ StatusCode check_TP(double T, double P) {
   return first_failure({frame::check_temperature(T), frame::check_pressure(P)});
 }
 
-void zero(double* value) {
-  if (value != nullptr) *value = 0.0;
+StatusCode dew_temperature(double P, const water::DewCall& call, double* T) {
+  const StatusCode bad = check_dew(frame::check_pressure(P), call.z, call.mixture, T);
+  return bad != KV_OK ? bad : water::dew_temperature(call, P, *T);
+}
+
+StatusCode dew_pressure(double T, const water::DewCall& call, double* P) {
+  const StatusCode bad = check_dew(frame::check_temperature(T), call.z, call.mixture, P);
+  return bad != KV_OK ? bad : water::dew_pressure(call, T, *P);
+}
+
+StatusCode dew_line(const water::DewCall& call, double min_P, double max_P, int points, double* T, double* P,
+                    int32_t* status, int32_t* found) {
+  const StatusCode bad = check_dew(KV_OK, call.z, call.mixture, T, P, status, found);
+  return bad != KV_OK ? bad : water::dew_line(call, min_P, max_P, points, T, P, status, *found);
+}
+
+StatusCode humidity(double T, double P, int method, const double* z, MixtureRecord* mixture,
+                    double* water_fraction, double* water_content) {
+  for (double* value : {water_fraction, water_content})
+    if (value != nullptr) *value = 0.0;
+  const StatusCode bad = check(check_TP(T, P), z, mixture, water_fraction, water_content);
+  return bad != KV_OK ? bad : water::humidity(T, P, method, z, *mixture, *water_fraction, *water_content);
+}
+
+// With the switch on, the equation of state is the first method and the chart the second.
+StatusCode wet_gas(double T, double P, const double* z, bool both, int method, MixtureRecord* mixture,
+                   double* wet) {
+  const StatusCode bad = check(check_TP(T, P), z, mixture, wet);
+  if (bad != KV_OK) return bad;
+  const StatusCode first = water::wet_gas(T, P, both ? 1 : method, z, *mixture, wet);
+  const bool final_status = first == -1 || first == 0 || first == 1 || first == 4;
+  return both && !final_status ? water::wet_gas(T, P, 2, z, *mixture, wet) : first;
+}
+
+StatusCode hydrate_line(const double* z, int kind, double M, double percent, int points, MixtureRecord* mixture,
+                        double* T, double* P) {
+  if (kind == 5 && !(M > 0.0)) return KV_INHIBITOR_MASS;
+  if (points <= 0) return KV_OK;
+  StatusCode bad = frame::check_pointers(mixture, T, P);
+  if (bad == KV_OK && mixture->count > KV_MAX_COMPONENTS) bad = KV_COMPONENT_COUNT;
+  if (bad == KV_OK && mixture->count > 0) bad = frame::check_pointers(z, mixture->table);
+  if (bad == KV_OK) water::hydrate_line(z, kind, M, percent, points, *mixture, T, P);
+  return bad;
 }
 
 }  // namespace
 
 KV_ENTRY StatusCode KV_CALL WaterDewTemperature(double P, const double* z, int32_t method, int32_t, int32_t,
-                                                MixtureRecord* mixture, int32_t, double* T) {
-  return guarded([&]() -> StatusCode {
-    const StatusCode bad = check_dew(frame::check_pressure(P), z, mixture, T);
-    return bad != KV_OK ? bad : water::dew_temperature({z, method, mixture}, P, *T);
-  });
-}
+                                                MixtureRecord* mixture, int32_t, double* T)
+    KV_GUARDS(dew_temperature(P, {z, method, mixture}, T));
 
 KV_ENTRY StatusCode KV_CALL WaterDewPressure(double T, const double* z, int32_t method, int32_t, int32_t,
-                                             MixtureRecord* mixture, int32_t, double* P) {
-  return guarded([&]() -> StatusCode {
-    const StatusCode bad = check_dew(frame::check_temperature(T), z, mixture, P);
-    return bad != KV_OK ? bad : water::dew_pressure({z, method, mixture}, T, *P);
-  });
-}
+                                             MixtureRecord* mixture, int32_t, double* P)
+    KV_GUARDS(dew_pressure(T, {z, method, mixture}, P));
 
 KV_ENTRY StatusCode KV_CALL WaterDewLine(const double* z, int32_t method, int32_t, int32_t,
                                          MixtureRecord* mixture, int32_t, double min_P, double max_P,
-                                         int32_t points, double* T, double* P, int32_t* status,
-                                         int32_t* found) {
-  return guarded([&]() -> StatusCode {
-    const StatusCode bad = check_dew(KV_OK, z, mixture, T, P, status, found);
-    return bad != KV_OK ? bad
-                        : water::dew_line({z, method, mixture}, min_P, max_P, points, T, P, status, *found);
-  });
-}
+                                         int32_t points, double* T, double* P, int32_t* status, int32_t* found)
+    KV_GUARDS(dew_line({z, method, mixture}, min_P, max_P, points, T, P, status, found));
 
 KV_ENTRY StatusCode KV_CALL Humidity(double T, double P, int32_t method, const double* z,
-                                     MixtureRecord* mixture, double* water_fraction, double* water_content) {
-  zero(water_fraction);
-  zero(water_content);
-  return guarded([&]() -> StatusCode {
-    const StatusCode bad = check(check_TP(T, P), z, mixture, water_fraction, water_content);
-    return bad != KV_OK ? bad : water::humidity(T, P, method, z, *mixture, *water_fraction, *water_content);
-  });
-}
+                                     MixtureRecord* mixture, double* water_fraction, double* water_content)
+    KV_GUARDS(humidity(T, P, method, z, mixture, water_fraction, water_content));
 
 KV_ENTRY StatusCode KV_CALL WetGasComposition(double T, double P, const double* z, int32_t method_switch,
                                               int32_t method, int32_t, MixtureRecord* mixture, int32_t,
-                                              double* wet) {
-  return guarded([&]() -> StatusCode {
-    const StatusCode bad = check(check_TP(T, P), z, mixture, wet);
-    if (bad != KV_OK) return bad;
-    // With the switch on, the equation of state is the first method and the chart the second.
-    const bool both = method_switch == 1;
-    const StatusCode first = water::wet_gas(T, P, both ? 1 : method, z, *mixture, wet);
-    const bool final_status = first == -1 || first == 0 || first == 1 || first == 4;
-    return both && !final_status ? water::wet_gas(T, P, 2, z, *mixture, wet) : first;
-  });
-}
+                                              double* wet)
+    KV_GUARDS(wet_gas(T, P, z, method_switch == 1, method, mixture, wet));
 
 KV_ENTRY StatusCode KV_CALL HydrateLine(const double* z, int32_t kind, double M, double percent, int32_t points,
-                                        MixtureRecord* mixture, int32_t, double* T, double* P) {
-  return guarded([&]() -> StatusCode {
-    if (kind == 5 && !(M > 0.0)) return KV_INHIBITOR_MASS;
-    if (points <= 0) return KV_OK;
-    StatusCode bad = frame::check_pointers(mixture, T, P);
-    if (bad == KV_OK && mixture->count > KV_MAX_COMPONENTS) bad = KV_COMPONENT_COUNT;
-    if (bad == KV_OK && mixture->count > 0) bad = frame::check_pointers(z, mixture->table);
-    if (bad == KV_OK) water::hydrate_line(z, kind, M, percent, points, *mixture, T, P);
-    return bad;
-  });
-}
+                                        MixtureRecord* mixture, int32_t, double* T, double* P)
+    KV_GUARDS(hydrate_line(z, kind, M, percent, points, mixture, T, P));
