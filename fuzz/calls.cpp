@@ -74,6 +74,7 @@ Call::Call(Choices& choices, Scenario& s, const Entry& e) : scenario(s), entry(e
   if (has('H') || has('S')) draw_energy(choices);
   if (flaw.empty() && choices.chance(25)) draw_flaw(choices);
   if (has('r') && choices.chance(25)) own_routines = draw_routines(choices, routines);
+  zones.seal();
   if (choices.chance(30)) words_ = tests::kHosts[choices.below(static_cast<int>(std::size(tests::kHosts)))];
 }
 
@@ -192,8 +193,9 @@ bool Call::run() {
   if (own_routines && slot('r').address == nullptr) slots[entry.words.find('r')].address = &routines;
   const ModelRoutines given = routines;
   start_routines();
-  zones.seal();
   scenario.zones.seal();
+  scenario.zones.guard(true);
+  zones.guard(true);
   const auto begin = std::chrono::steady_clock::now();
   tests::set_words(words_.control, words_.mxcsr);
   const tests::Words before = tests::read_words();
@@ -201,8 +203,8 @@ bool Call::run() {
   const tests::Words after = tests::read_words();
   tests::default_words();
   milliseconds = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
-  zones.open();
-  scenario.zones.open();
+  zones.guard(false);
+  scenario.zones.guard(false);
   status = returned;
   const auto note = [this](bool good, const char* what) {
     if (!good && harm.empty()) harm = what;
@@ -210,15 +212,25 @@ bool Call::run() {
   note(before == after, "floating-point words changed");
   note(zones.red_zones_whole(), "a red zone around an array was written");
   note(scenario.zones.red_zones_whole(), "a red zone around the record or the table was written");
-  note(scenario.zones.of(scenario.record)->unchanged(), "the record was changed");
-  note(scenario.zones.of(scenario.table)->unchanged(), "the component table was changed");
+  note(scenario.zones.unchanged(scenario.record), "the record was changed");
+  note(scenario.zones.unchanged(scenario.table), "the component table was changed");
   note(std::equal(given.entry, given.entry + KV_ROUTINE_COUNT, routines.entry), "the routines record was changed");
   for (std::size_t k = 0; k < slots.size(); ++k)
     if (entry.words[k] == 'z' && slots[k].address != nullptr)
-      note(zones.of(slots[k].address)->unchanged(), "the composition of the host was changed");
+      note(zones.unchanged(slots[k].address), "the composition of the host was changed");
   note(!routines_were_abused(), "a routine of the host was called with arguments that are no state");
   return harm.empty();
 }
+
+namespace {
+
+std::string list_of(const double* values, std::size_t count) {
+  std::string text = "{";
+  for (std::size_t i = 0; i < count && i < 16; ++i) text += (i > 0 ? " " : "") + shown(values[i]);
+  return text + (count > 16 ? " ..}" : "}");
+}
+
+}  // namespace
 
 std::string Call::text() const {
   std::string text = std::string(entry.name) + "(";
@@ -233,12 +245,7 @@ std::string Call::text() const {
     } else if (s.address == nullptr) {
       text += word == 'r' ? "no routines" : "null";
     } else if (word == 'z' || word == 'E' || word == 'B' || word == 'X') {
-      const auto* values = static_cast<const double*>(s.address);
-      if (const Zone* zone = const_cast<Zones&>(zones).of(s.address); zone != nullptr && zone->before() != nullptr)
-        values = static_cast<const double*>(zone->before());
-      text += std::string(1, word) + "{";
-      for (std::size_t i = 0; i < size_of(k) && i < 16; ++i) text += (i > 0 ? " " : "") + shown(values[i]);
-      text += size_of(k) > 16 ? " ..}" : "}";
+      text += word + list_of(zones.before<double>(s.address), size_of(k));
     } else {
       text += word;
     }
@@ -248,6 +255,14 @@ std::string Call::text() const {
   if (words_.control != tests::kDefaultWords.control) text += std::string(" [") + words_.what + "]";
   if (!flaw.empty()) text += " FLAW " + flaw;
   return text + "\n      mixture " + scenario.text();
+}
+
+std::string Call::results() const {
+  std::string text = "status " + std::to_string(status);
+  for (std::size_t k = 0; k < slots.size(); ++k)
+    if (slots[k].address != nullptr && std::string_view("EBXvKD").find(entry.words[k]) != std::string_view::npos)
+      text += std::string(" ") + entry.words[k] + list_of(static_cast<const double*>(slots[k].address), size_of(k));
+  return text;
 }
 
 }  // namespace kestrune::fuzz

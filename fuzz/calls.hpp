@@ -58,7 +58,8 @@ struct Call {
     return n >= 1 && n <= scenario.n() ? n : scenario.n();
   }
   bool sound() const { return scenario.flaw.empty() && flaw.empty(); }
-  std::string text() const;
+  std::string text() const;     // the arguments
+  std::string results() const;  // after the call
 
   Scenario& scenario;
   const Entry& entry;

@@ -27,7 +27,7 @@ void for_each_output(const Call& c, Visit visit) {
 }
 
 bool untouched(const Call& c, std::size_t argument) {
-  return const_cast<Call&>(c).zones.of(c.slots[argument].address)->unchanged();
+  return c.zones.unchanged(c.slots[argument].address);
 }
 
 // ---- Statuses and the outputs of calls without an answer ----

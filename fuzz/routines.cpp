@@ -20,7 +20,7 @@ struct Behaviour {
   bool begin(double T, double P, const double* x, int n) {
     double sum = 0.0;
     for (int i = 0; i < n; ++i) sum += x[i] >= 0.0 ? x[i] : NAN;
-    abused = abused || !(std::abs(sum - 1.0) < 1e-6) || !(T > 0.0 && T < 1e300) || !(P > 0.0 && P < 1e300);
+    abused = abused || !(std::abs(sum - 1.0) < 1e-6) || !(T > 0.0 && std::isfinite(T)) || !(P > 0.0 && std::isfinite(P));
     return ++calls > good_calls;
   }
   void spoil(double* values, int count) const {

@@ -73,7 +73,7 @@ int one_run(const std::uint8_t* data, std::size_t size) {
       std::fflush(stdout);
     }
     call.run();
-    if (progress->narrate) std::printf("      status %d, %.3f ms\n", call.status, call.milliseconds);
+    if (progress->narrate) std::printf("      %s, %.3f ms\n", call.results().c_str(), call.milliseconds);
     Tally& tally = progress->tally[which];
     ++tally.calls;
     tally.answers += call.status == KV_OK ? 1 : 0;
@@ -84,7 +84,7 @@ int one_run(const std::uint8_t* data, std::size_t size) {
     ++faults;
     ++tally.faults;
     count_fault(call.entry.name, finding.what.c_str(),
-                (finding.numbers + " (status " + std::to_string(call.status) + ")\n      " + call.text()).c_str());
+                (finding.numbers + "\n      " + call.text() + "\n      gave " + call.results()).c_str());
   }
   return faults;
 }

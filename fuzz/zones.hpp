@@ -34,13 +34,21 @@ class Zone {
   Zone& operator=(const Zone&) = delete;
   ~Zone() { guard(false); }
 
+  const void* data() const { return bytes_.data() + at_; }
   void* data() { return bytes_.data() + at_; }
-  // Remembers the content; the red zones may not be touched any more, where a sanitizer can see to that.
-  void seal() {
-    before_.assign(bytes_.begin() + static_cast<std::ptrdiff_t>(at_), bytes_.end() - kRed);
-    guard(true);
+  // Remembers the content.
+  void seal() { before_.assign(bytes_.begin() + static_cast<std::ptrdiff_t>(at_), bytes_.end() - kRed); }
+  // Where a sanitizer can see to it, the red zones may not be touched while they are guarded.
+  void guard([[maybe_unused]] bool on) {
+#if defined(KV_FUZZ_ASAN)
+    if (on) {
+      ASAN_POISON_MEMORY_REGION(bytes_.data(), at_ & ~std::size_t{7});
+      ASAN_POISON_MEMORY_REGION(bytes_.data() + at_ + size_, kRed);
+    } else {
+      ASAN_UNPOISON_MEMORY_REGION(bytes_.data(), bytes_.size());
+    }
+#endif
   }
-  void open() { guard(false); }
   bool unchanged() const { return std::memcmp(before_.data(), bytes_.data() + at_, size_) == 0; }
   const void* before() const { return before_.data(); }
   bool red_zones_whole() const {
@@ -53,16 +61,6 @@ class Zone {
 
  private:
   static std::uint8_t mark(std::size_t k) { return static_cast<std::uint8_t>(0xA5 ^ (k * 29)); }
-  void guard([[maybe_unused]] bool on) {
-#if defined(KV_FUZZ_ASAN)
-    if (on) {
-      ASAN_POISON_MEMORY_REGION(bytes_.data(), at_ & ~std::size_t{7});
-      ASAN_POISON_MEMORY_REGION(bytes_.data() + at_ + size_, kRed);
-    } else {
-      ASAN_UNPOISON_MEMORY_REGION(bytes_.data(), bytes_.size());
-    }
-#endif
-  }
 
   std::size_t size_, at_;
   std::vector<std::uint8_t> bytes_, before_;
@@ -78,20 +76,24 @@ class Zones {
   void seal() {
     for (Zone& z : zones_) z.seal();
   }
-  void open() {
-    for (Zone& z : zones_) z.open();
+  void guard(bool on) {
+    for (Zone& z : zones_) z.guard(on);
   }
   bool red_zones_whole() const {
     return std::all_of(zones_.begin(), zones_.end(), [](const Zone& z) { return z.red_zones_whole(); });
   }
-  // The zone of an array of this call.
-  const Zone* of(const void* address) {
-    for (Zone& z : zones_)
-      if (z.data() == address) return &z;
-    return nullptr;
+  // The array at this address holds what it held when it was sealed.
+  bool unchanged(const void* address) const { return of(address).unchanged(); }
+  template <class Value>
+  const Value* before(const void* address) const {
+    return static_cast<const Value*>(of(address).before());
   }
 
  private:
+  const Zone& of(const void* address) const {
+    return *std::find_if(zones_.begin(), zones_.end(), [=](const Zone& z) { return z.data() == address; });
+  }
+
   std::deque<Zone> zones_;
 };
 
