@@ -68,6 +68,10 @@ const std::vector<Entry>& entries() {
   return all;
 }
 
+const Entry& entry_of(std::string_view name) {
+  return *std::find_if(entries().begin(), entries().end(), [=](const Entry& e) { return name == e.name; });
+}
+
 Call::Call(Choices& choices, Scenario& s, const Entry& e) : scenario(s), entry(e), slots(e.words.size()), z(s.mixture.z) {
   if (choices.chance(12)) z = spoiled(choices, z, flaw);
   for (std::size_t k = 0; k < slots.size(); ++k) draw_slot(choices, entry.words[k], slots[k]);
@@ -75,7 +79,7 @@ Call::Call(Choices& choices, Scenario& s, const Entry& e) : scenario(s), entry(e
   if (flaw.empty() && choices.chance(25)) draw_flaw(choices);
   if (has('r') && choices.chance(25)) own_routines = draw_routines(choices, routines);
   zones.seal();
-  if (choices.chance(30)) words_ = tests::kHosts[choices.below(static_cast<int>(std::size(tests::kHosts)))];
+  if (choices.chance(30)) host = tests::kHosts[choices.below(static_cast<int>(std::size(tests::kHosts)))];
 }
 
 void Call::draw_slot(Choices& choices, char word, Slot& slot) {
@@ -91,7 +95,7 @@ void Call::draw_slot(Choices& choices, char word, Slot& slot) {
     case 'M': slot.number = choices.between(20.0, 200.0); return;
     case '%': slot.number = choices.between(0.0, 60.0); return;
     case 'o': slot.integer = choices.pick({1, 0, 1, 0, 2, 3}); return;
-    case 'k': slot.integer = mask_ = choices.below(8); return;
+    case 'k': slot.integer = choices.below(8); return;
     case '2': slot.integer = 2; return;
     case 'e': slot.integer = choices.pick({1, 2, 0, 1, 2, 3}); return;
     case 's': slot.integer = choices.below(3); return;
@@ -161,7 +165,7 @@ void Call::draw_flaw(Choices& choices) {
       points_ = 0;
       break;
     case 'n': slot.integer = choices.pick({0, -1, INT32_MIN, 1}); break;
-    case 'k': slot.integer |= choices.absurd_integer(); mask_ = slot.integer; break;
+    case 'k': slot.integer |= choices.absurd_integer(); break;
     case 'o': case '2': case '0': case 'e': case 's': case 'h': case 'w': slot.integer = choices.absurd_integer(); break;
     case 'r': return;
     default: slot.address = nullptr;
@@ -186,7 +190,7 @@ std::size_t Call::size_of(std::size_t argument) const {
 
 bool Call::asked(std::size_t argument) const {
   if (!has('k') || argument + 3 < slots.size()) return true;
-  return (mask_ >> (argument + 3 - slots.size()) & 1) != 0;
+  return (slot('k').integer >> (argument + 3 - slots.size()) & 1) != 0;
 }
 
 bool Call::run() {
@@ -197,7 +201,7 @@ bool Call::run() {
   scenario.zones.guard(true);
   zones.guard(true);
   const auto begin = std::chrono::steady_clock::now();
-  tests::set_words(words_.control, words_.mxcsr);
+  tests::set_words(host.control, host.mxcsr);
   const tests::Words before = tests::read_words();
   const StatusCode returned = entry.call(slots);
   const tests::Words after = tests::read_words();
@@ -252,7 +256,7 @@ std::string Call::text() const {
   }
   text += ")";
   if (own_routines) text += " " + routines_text(routines);
-  if (words_.control != tests::kDefaultWords.control) text += std::string(" [") + words_.what + "]";
+  if (host.control != tests::kDefaultWords.control) text += std::string(" [") + host.what + "]";
   if (!flaw.empty()) text += " FLAW " + flaw;
   return text + "\n      mixture " + scenario.text();
 }

@@ -36,6 +36,7 @@ struct Entry {
 };
 
 const std::vector<Entry>& entries();
+const Entry& entry_of(std::string_view name);
 
 struct Call {
   Call(Choices& choices, Scenario& scenario, const Entry& entry);
@@ -46,6 +47,7 @@ struct Call {
   bool has(char word) const { return entry.words.find(word) != std::string_view::npos; }
   // The k-th argument of this word.
   const Slot& slot(char word, int k = 0) const;
+  Slot& slot(char word) { return slots[entry.words.find(word)]; }
   double number(char word) const { return slot(word).number; }
   const double* array(char word, int k = 0) const { return static_cast<const double*>(slot(word, k).address); }
   double value(char word, int k = 0) const { return *array(word, k); }
@@ -72,6 +74,7 @@ struct Call {
   StatusCode status = 0;
   double milliseconds = 0.0;
   std::string harm;
+  tests::HostWords host = tests::kDefaultWords;
 
  private:
   void draw_slot(Choices& choices, char word, Slot& slot);
@@ -79,8 +82,7 @@ struct Call {
   void draw_energy(Choices& choices);
   void draw_flaw(Choices& choices);
 
-  std::int32_t points_ = 0, mask_ = 7;
-  tests::HostWords words_ = tests::kDefaultWords;
+  std::int32_t points_ = 0;
 };
 
 }  // namespace kestrune::fuzz

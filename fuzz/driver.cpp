@@ -1,8 +1,8 @@
 // The plain driver: runs of random bytes, the same ones for the same seed on every machine.
 //
-//   fuzz_exports [--seed S] [--first K] [--runs N | --run K] [--minutes M] [--export NAME]
+//   fuzz_exports | fuzz_readers [--seed S] [--first K] [--runs N | --run K] [--minutes M] [--only NAME]
 //
-// --run K makes run K alone and prints every call before it is made. Natively the runs are made in a process of
+// The known cases come first, where the runs are not only some of them. --run K makes run K alone and prints every call before it is made. Natively the runs are made in a process of
 // their own: one that crashes or hangs is a fault, and the next one goes on behind it.
 #include <chrono>
 #include <cstdio>
@@ -11,7 +11,7 @@
 #include <new>
 #include <string>
 
-#include "run.hpp"
+#include "report.hpp"
 
 #if defined(_WIN32)
 #include <windows.h>
@@ -50,8 +50,9 @@ void fill(std::uint64_t seed, std::uint64_t run, std::uint8_t* bytes) {
 }
 
 // Makes the runs from progress->run on.
-void make_runs(const Options& o, Clock::time_point end) {
+void runs_from_here(const Options& o, Clock::time_point end) {
   std::uint8_t bytes[kBytes];
+  for (; progress->known < known_cases(); ++progress->known) known_case(progress->known);
   for (; progress->run < progress->first + o.runs; ++progress->run) {
     if (o.minutes > 0.0 && Clock::now() > end) return;
 #if !defined(_WIN32)
@@ -76,7 +77,7 @@ LONG WINAPI on_exception(EXCEPTION_POINTERS* e) {
 
 void all_runs(const Options& o, Clock::time_point end) {
   SetUnhandledExceptionFilter(on_exception);
-  make_runs(o, end);
+  runs_from_here(o, end);
 }
 
 #else
@@ -89,7 +90,7 @@ void all_runs(const Options& o, Clock::time_point end) {
     std::fflush(stdout);
     const pid_t child = fork();
     if (child == 0) {
-      make_runs(o, end);
+      runs_from_here(o, end);
       std::fflush(stdout);
       _exit(0);
     }
@@ -98,14 +99,14 @@ void all_runs(const Options& o, Clock::time_point end) {
     if (WIFEXITED(state) && WEXITSTATUS(state) == 0) return;
     const std::string text = WIFSIGNALED(state) ? std::string(" signal ") + strsignal(WTERMSIG(state)) : " exit";
     count_fault("process", WIFSIGNALED(state) && WTERMSIG(state) == SIGALRM ? "hung" : "ended", text.c_str());
-    ++progress->run;
+    ++(progress->known < known_cases() ? progress->known : progress->run);
   }
 }
 
 #endif
 
 int usage() {
-  std::fprintf(stderr, "fuzz_exports [--seed S] [--first K] [--runs N | --run K] [--minutes M] [--export NAME]\n");
+  std::fprintf(stderr, "options: [--seed S] [--first K] [--runs N | --run K] [--minutes M] [--only NAME]\n");
   return 2;
 }
 
@@ -132,7 +133,7 @@ int main(int argc, char** argv) {
       runs_given = progress->narrate = true;
     } else if (option == "--minutes") {
       o.minutes = std::strtod(value, nullptr);
-    } else if (option == "--export") {
+    } else if (option == "--only") {
       progress->only = value;
     } else {
       return usage();
@@ -140,6 +141,7 @@ int main(int argc, char** argv) {
   }
   if (o.minutes > 0.0 && !runs_given) o.runs = UINT64_MAX / 2;
   progress->run = progress->first;
+  if (progress->first > 0 || progress->narrate || progress->only != nullptr) progress->known = known_cases();
   std::printf("seed %llu\n", static_cast<unsigned long long>(progress->seed));
   all_runs(o, Clock::now() + std::chrono::milliseconds(static_cast<long long>(60000.0 * o.minutes)));
   if (!progress->narrate) print_table(*progress);

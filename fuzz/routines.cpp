@@ -120,6 +120,14 @@ bool draw_routines(Choices& choices, ModelRoutines& routines) {
   return any;
 }
 
+void set_routines(ModelRoutines& routines, std::initializer_list<int> wanted, std::string_view manner, int good_calls) {
+  behaviour = Behaviour{};
+  behaviour.good_calls = good_calls;
+  while (kManners[behaviour.manner] != manner) behaviour.manner = static_cast<Manner>(behaviour.manner + 1);
+  for (const Routine& r : kRoutines)
+    if (std::find(wanted.begin(), wanted.end(), r.entry) != wanted.end()) routines.entry[r.entry - 1] = r.own;
+}
+
 void start_routines() {
   behaviour.calls = 0;
   behaviour.failed = behaviour.abused = false;

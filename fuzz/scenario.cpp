@@ -43,13 +43,39 @@ std::string shown(double value) {
 
 Scenario::Scenario(Choices& choices)
     : mixture(host::build_mixture(draw_components(choices), host::interaction_set(choices.chance(10) ? "original" : "2022"))) {
-  record = static_cast<MixtureRecord*>(zones.bytes(sizeof(MixtureRecord), choices.chance(30) ? 3 : 0));
-  table = zones.array<double>(mixture.table.size());
-  std::copy(mixture.table.begin(), mixture.table.end(), table);
+  lay_out(choices);
   draw_feed(choices);
   draw_settings(choices);
   if (choices.chance(20)) draw_flaw(choices);
-  hand_over(choices);
+  int converted = n();
+  if (flaw.empty() && choices.chance(1)) {
+    sound_model = false;
+    converted = choices.pick({0, -1, INT32_MIN});
+    flaw = "group data converted for " + std::to_string(converted) + " components";
+  }
+  hand_over(converted);
+}
+
+Scenario::Scenario(const host::Composition& composition, std::uint8_t flags)
+    : mixture(host::build_mixture(composition, host::interaction_set("2022"))) {
+  Choices none(nullptr, 0);
+  lay_out(none);
+  *record = mixture.record;
+  record->table = table;
+  record->flags = flags;
+  mixture.z = composition.amounts;
+  find_water();
+}
+
+void Scenario::lay_out(Choices& choices) {
+  record = static_cast<MixtureRecord*>(zones.bytes(sizeof(MixtureRecord), choices.chance(30) ? 3 : 0));
+  table = zones.array<double>(mixture.table.size());
+  std::copy(mixture.table.begin(), mixture.table.end(), table);
+}
+
+void Scenario::find_water() {
+  for (int i = 0; i < n(); ++i)
+    if (at(i, KV_COL_FAMILY) == KV_FAMILY_WATER) water_fraction += mixture.z[static_cast<std::size_t>(i)];
 }
 
 Scenario::~Scenario() {
@@ -69,8 +95,7 @@ void Scenario::draw_feed(Choices& choices) {
   double sum = std::accumulate(z.begin(), z.end(), 0.0);
   if (!(sum > 0.0)) sum = z[0] = 1.0;
   for (double& v : z) v /= sum;
-  for (int i = 0; i < n(); ++i)
-    if (at(i, KV_COL_FAMILY) == KV_FAMILY_WATER) water_fraction += z[static_cast<std::size_t>(i)];
+  find_water();
 }
 
 void Scenario::draw_settings(Choices& choices) {
@@ -80,6 +105,10 @@ void Scenario::draw_settings(Choices& choices) {
   if (choices.chance(70)) {
     record->solubility_a = choices.between(-2.0, 25.0);
     record->solubility_b = choices.between(0.0, 8000.0);
+  }
+  if (choices.chance(1)) {
+    record->trace_flag = choices.pick({1, 2});
+    record->trace_unit = choices.pick({99, -1, INT32_MIN});
   }
   const int manner = choices.below(10);
   if (manner == 6 || manner == 7) std::memset(reinterpret_cast<std::uint8_t*>(record) + 61, 0, sizeof *record - 61);
@@ -140,18 +169,13 @@ void Scenario::draw_flaw(Choices& choices) {
   }
 }
 
-void Scenario::hand_over(Choices& choices) {
+void Scenario::hand_over(int components) {
   const auto nC = static_cast<std::size_t>(n()), nG = mixture.groups.size();
   const std::size_t sizes[6] = {0, nG * nG, nG * nG, nC * nG, nG * nG, nG * nC * nC};
   double* storage[6];
   for (int k = 0; k < 6; ++k) storage[k] = buffers.array<double>(sizes[k]);
-  int converted = n();
-  if (flaw.empty() && choices.chance(1)) {
-    sound_model = false;
-    converted = choices.pick({0, -1, INT32_MIN});
-    flaw = "group data converted for " + std::to_string(converted) + " components";
-  }
-  ConvertPPR78GroupData(converted, mixture.group_count(), mixture.counts.data(), mixture.A.data(), mixture.B.data(), storage);
+  ConvertPPR78GroupData(components, mixture.group_count(), mixture.counts.data(), mixture.A.data(), mixture.B.data(),
+                        storage);
 }
 
 std::string Scenario::text() const {

@@ -14,6 +14,8 @@ namespace kestrune::fuzz {
 
 struct Scenario {
   explicit Scenario(Choices& choices);
+  // A given composition in a sound record with given flags; what is changed in it holds after hand_over.
+  Scenario(const host::Composition& composition, std::uint8_t flags);
   Scenario(const Scenario&) = delete;
   Scenario& operator=(const Scenario&) = delete;
   ~Scenario();
@@ -24,6 +26,8 @@ struct Scenario {
                  static_cast<std::size_t>(component)];
   }
   bool free_water() const { return (record->flags & FreeWaterFlag) != 0 && water_fraction > 0.0; }
+  // Converts the group data, for so many components.
+  void hand_over(int components);
   // The mixture on one line.
   std::string text() const;
 
@@ -36,10 +40,11 @@ struct Scenario {
   bool sound_model = true;      // the flaw does not touch the equation of state
 
  private:
+  void lay_out(Choices& choices);
+  void find_water();
   void draw_feed(Choices& choices);
   void draw_settings(Choices& choices);
   void draw_flaw(Choices& choices);
-  void hand_over(Choices& choices);
 };
 
 // Feeds of a call: the sound one of the scenario, or with one thing wrong with it.

@@ -12,7 +12,7 @@ export DEBIAN_FRONTEND=noninteractive
 
 required="cmake ninja-build g++ g++-mingw-w64-i686-posix libgtest-dev googletest libbenchmark-dev
   libcli11-dev nlohmann-json3-dev libfmt-dev python3"
-optional="clang-format gnuplot-nox"
+optional="clang-format gnuplot-nox clang"
 wine="wine wine32:i386"
 
 # The packages of "$@" that are not installed, on one line.

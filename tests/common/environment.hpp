@@ -47,7 +47,9 @@ inline void default_words() {
   _mm_setcsr(kDefaultWords.mxcsr);
 }
 #else
-inline Words read_words() { return {}; }
+inline Words read_words() {
+  return {};
+}
 inline void set_words(std::uint16_t, std::uint32_t) {}
 inline void default_words() {}
 #endif
