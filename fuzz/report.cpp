@@ -9,6 +9,8 @@ namespace {
 
 Progress own_progress{};
 constexpr std::uint64_t kShownOfAKind = 5;
+constexpr int kUsualSize = 40;
+constexpr double kSlow = 50.0;  // ms
 
 unsigned long long integer(std::uint64_t value) {
   return value;
@@ -27,6 +29,7 @@ void Tally::count(double ms, int size, bool answered, bool is_sound) {
   answers += answered ? 1 : 0;
   total_ms += ms;
   if (ms > any.ms) any = {ms, progress->run, size};
+  slow += is_sound && size <= kUsualSize && ms > kSlow ? 1 : 0;
   if (is_sound && ms > sound.ms) sound = {ms, progress->run, size};
 }
 
@@ -55,15 +58,15 @@ void count_fault(const char* of, const std::string& what, const std::string& det
 }
 
 void print_table(const Progress& p) {
-  std::printf("%-38s %10s %8s %6s %9s  %s\n", "", "calls", "answers", "faults", "mean ms",
+  std::printf("%-38s %10s %8s %6s %9s %7s  %s\n", "", "calls", "answers", "faults", "mean ms", "> 50 ms",
               "slowest sound: ms, size, run    slowest of all");
   std::uint64_t calls = 0;
   for (const Tally& t : p.tallies) {
     if (t.calls == 0) continue;
     calls += t.calls;
     const auto n = static_cast<double>(t.calls);
-    std::printf("%-38s %10llu %6.1f %% %6llu %9.3f", t.name, integer(t.calls),
-                100.0 * static_cast<double>(t.answers) / n, integer(t.faults), t.total_ms / n);
+    std::printf("%-38s %10llu %6.1f %% %6llu %9.3f %7llu", t.name, integer(t.calls),
+                100.0 * static_cast<double>(t.answers) / n, integer(t.faults), t.total_ms / n, integer(t.slow));
     print_slowest(t.sound);
     print_slowest(t.any);
     std::printf("\n");

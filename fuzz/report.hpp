@@ -19,6 +19,7 @@ struct Slowest {
 struct Tally {
   char name[48];
   std::uint64_t calls, answers, faults;
+  std::uint64_t slow;  // sound calls of up to 40 components above 50 ms
   double total_ms;
   Slowest sound, any;
 

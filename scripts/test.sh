@@ -150,6 +150,8 @@ if has_target native test_reentrancy; then
   fi
 fi
 
+check fuzz sh scripts/fuzz.sh 2
+
 check layers sh scripts/check_layers.sh
 check exports check_all_exports
 check state check_all_state
