@@ -77,7 +77,7 @@ struct Call {
   tests::HostWords host = tests::kDefaultWords;
 
  private:
-  void draw_slot(Choices& choices, char word, Slot& slot);
+  void draw_slot(Choices& choices, std::size_t argument);
   void draw_start(Choices& choices, char word, double* values, std::size_t count);
   void draw_energy(Choices& choices);
   void draw_flaw(Choices& choices);

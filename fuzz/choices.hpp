@@ -32,8 +32,10 @@ class Choices {
 
   double absurd() {
     constexpr double inf = std::numeric_limits<double>::infinity();
-    return pick<double>({NAN, 0.0, -1.0, inf, -inf, 1e300, DBL_MAX, -1e300, 5e-324, 1e-310, DBL_MIN, -0.0, 1e-300, 1e-30, 1e-10,
-                 1e10, 1e30, 1e100, -1e-300, std::numeric_limits<double>::signaling_NaN()});
+    return pick<double>({NAN,     0.0,     -1.0,   inf,     -inf,
+                         1e300,   DBL_MAX, -1e300, 5e-324,  1e-310,
+                         DBL_MIN, -0.0,    1e-300, 1e-30,   1e-10,
+                         1e10,    1e30,    1e100,  -1e-300, std::numeric_limits<double>::signaling_NaN()});
   }
   std::int32_t absurd_integer() {
     return pick({-1, 0, 1, 2, 3, 7, 100, 10001, INT32_MIN, INT32_MAX, INT32_MIN + 1, 65536, 1 << 30});

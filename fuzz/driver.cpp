@@ -97,7 +97,8 @@ void all_runs(const Options& o, Clock::time_point end) {
     int state = 0;
     if (child < 0 || waitpid(child, &state, 0) != child) std::abort();
     if (WIFEXITED(state) && WEXITSTATUS(state) == 0) return;
-    const std::string text = WIFSIGNALED(state) ? std::string(" signal ") + strsignal(WTERMSIG(state)) : " exit";
+    const std::string text =
+        WIFSIGNALED(state) ? std::string(" signal ") + strsignal(WTERMSIG(state)) : " exit";
     count_fault("process", WIFSIGNALED(state) && WTERMSIG(state) == SIGALRM ? "hung" : "ended", text.c_str());
     ++(progress->known < known_cases() ? progress->known : progress->run);
   }

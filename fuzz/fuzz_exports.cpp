@@ -3,7 +3,6 @@
 #include <string_view>
 
 #include "invariants.hpp"
-#include "known.hpp"
 #include "report.hpp"
 
 namespace kestrune::fuzz {
@@ -13,11 +12,11 @@ namespace {
 // a given vapour fraction, is drawn rarely.
 const Entry& draw_entry(Choices& choices) {
   const auto& all = entries();
-  if (progress->only != nullptr)
-    return entry_of(progress->only);
+  if (progress->only != nullptr) return entry_of(progress->only);
   for (;;) {
     const bool flash = choices.chance(45);
-    const Entry& entry = all[static_cast<std::size_t>(choices.below(flash ? 11 : static_cast<int>(all.size())))];
+    const Entry& entry =
+        all[static_cast<std::size_t>(choices.below(flash ? 11 : static_cast<int>(all.size())))];
     const bool long_one = entry.family == Family::envelope || entry.words[0] == 'W';
     if (!long_one || choices.empty() || choices.chance(25)) return entry;
   }

@@ -1,8 +1,8 @@
 // Runs over what the command line reads: mixtures, conditions, units, names, whole command lines. Texts are samples
 // with a few bytes changed. A reader returns, or throws the host's own error with a text; what it understood, written
 // down again, is read the same.
-#include <chrono>
 #include <cctype>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -33,18 +33,26 @@ const Texts kLines{"# gas\nname, amount\nmethane, 0.9\nethane; 0.05\n\"n-butane\
 const Texts kJson{R"({"name": "gas", "basis": "mass", "components": {"methane": 0.7, "ethane": "30%"}})",
                   R"({"components": [{"name": "methane", "amount": 0.7}, {"name": "N2", "fraction": 1e-3}]})",
                   R"({"methane": 0.7, "water": 0.3})"};
-const Texts kConditions{"25", "25 C", "200,220,250 K", "0:100:10 C", "1:10:1 bar, 20 barg, 1 atm", "-5 kJ/kg", "0.5", "1e5 Pa, 14.7 psia"};
+const Texts kConditions{"25",       "25 C", "200,220,250 K",    "0:100:10 C", "1:10:1 bar, 20 barg, 1 atm",
+                        "-5 kJ/kg", "0.5",  "1e5 Pa, 14.7 psia"};
 const Texts kUnits{"engineering", "si", "field", "K,atm", "C, bar", "kJ/(kg K)", "BTU/lb", "psig", "mPa s"};
-const Texts kNames{"n-butane", "2,2-dimethylbutane", "7732-18-5", "Normal Butane", "o-xylene", "metahne", "H2O"};
-const Texts kNumbers{"1e308", "-1", "nan", "inf", "1e-320", "0x10", "", "1e999", "0", "-0", "1e-400", "123456789012345678901234567890", "%"};
-const Texts kCommands{"flash --z methane=0.95,n-butane=0.05 -T 25C -P 1bar",
-                      "flash --z methane=0.6,n-butane=0.3,water=0.1 -P 40bar --beta 0.5 --free-water --three-phase",
-                      "flash --z methane=0.6,n-butane=0.4 -H -10kJ/kg -P 40bar --format json",
-                      "props --z methane=1 -T 300K -P 1atm --units si --format csv",
-                      "envelope --z methane=0.9,n-butane=0.1 --units K,atm --format csv",
-                      "kij methane ethane -T 0C", "components butane --format json", "water --z methane=.9,water=.1 -P 50bar",
-                      "hydrate --z methane=0.9,ethane=0.1 --inhibitor methanol --percent 10",
-                      "flash -m fuzz_mixture.txt -T 25,30 -P 1,2 --settings ITEMAX=50,CRIT=1e-9 --print T,P,beta", "--help"};
+const Texts kNames{"n-butane", "2,2-dimethylbutane", "7732-18-5", "Normal Butane", "o-xylene", "metahne",
+                   "H2O"};
+const Texts kNumbers{"1e308", "-1",    "nan", "inf", "1e-320", "0x10",
+                     "",      "1e999", "0",   "-0",  "1e-400", "123456789012345678901234567890",
+                     "%"};
+const Texts kCommands{
+    "flash --z methane=0.95,n-butane=0.05 -T 25C -P 1bar",
+    "flash --z methane=0.6,n-butane=0.3,water=0.1 -P 40bar --beta 0.5 --free-water --three-phase",
+    "flash --z methane=0.6,n-butane=0.4 -H -10kJ/kg -P 40bar --format json",
+    "props --z methane=1 -T 300K -P 1atm --units si --format csv",
+    "envelope --z methane=0.9,n-butane=0.1 --units K,atm --format csv",
+    "kij methane ethane -T 0C",
+    "components butane --format json",
+    "water --z methane=.9,water=.1 -P 50bar",
+    "hydrate --z methane=0.9,ethane=0.1 --inhibitor methanol --percent 10",
+    "flash -m fuzz_mixture.txt -T 25,30 -P 1,2 --settings ITEMAX=50,CRIT=1e-9 --print T,P,beta",
+    "--help"};
 
 const std::string& any_of(Choices& choices, const Texts& texts) {
   return texts[static_cast<std::size_t>(choices.below(static_cast<int>(texts.size())))];
@@ -55,13 +63,27 @@ void mutate(Choices& choices, std::string& text, const Texts& samples) {
   static const std::string special = ",;=:%\"{}[]#\n\t .eE+-0\\/()_\xEF\xBB\xBF\xFF";
   const std::size_t here = at();
   switch (choices.below(7)) {
-    case 0: text.erase(here, static_cast<std::size_t>(1 + choices.below(4))); break;
-    case 1: text.insert(here, 1, special[static_cast<std::size_t>(choices.below(static_cast<int>(special.size())))]); break;
-    case 2: text.insert(here, 1, static_cast<char>(choices.below(256))); break;
-    case 3: text.insert(here, any_of(choices, kNumbers)); break;
-    case 4: text.insert(here, text.substr(at(), 40)); break;
-    case 5: text = text.substr(0, here) + any_of(choices, samples); break;
-    default: text.insert(here, static_cast<std::size_t>(choices.below(2000)), choices.pick({'[', '{', '9', ' ', '"', ',', 'a'}));
+    case 0:
+      text.erase(here, static_cast<std::size_t>(1 + choices.below(4)));
+      break;
+    case 1:
+      text.insert(here, 1, special[static_cast<std::size_t>(choices.below(static_cast<int>(special.size())))]);
+      break;
+    case 2:
+      text.insert(here, 1, static_cast<char>(choices.below(256)));
+      break;
+    case 3:
+      text.insert(here, any_of(choices, kNumbers));
+      break;
+    case 4:
+      text.insert(here, text.substr(at(), 40));
+      break;
+    case 5:
+      text = text.substr(0, here) + any_of(choices, samples);
+      break;
+    default:
+      text.insert(here, static_cast<std::size_t>(choices.below(2000)),
+                  choices.pick({'[', '{', '9', ' ', '"', ',', 'a'}));
   }
 }
 
@@ -98,11 +120,14 @@ std::string read_again(const Composition& c) {
   host::read_lines("name, amount\n" + lines, from_lines);
   host::read_json("{\"components\": {" + json + "}}", from_json);
   host::read_inline(one_line, from_line, false);
-  if (!same(c, from_lines) || !same(c, from_json) || !same(c, from_line)) return "a mixture is not read again as it was";
+  if (!same(c, from_lines) || !same(c, from_json) || !same(c, from_line))
+    return "a mixture is not read again as it was";
   const host::Mixture m = host::build_mixture(c, host::interaction_set("2022"));
   double sum = 0.0;
   for (const double v : m.z) sum += v >= 0.0 ? v : NAN;
-  return std::abs(sum - 1.0) < 1e-9 && m.molar_mass > 0.0 && std::isfinite(m.molar_mass) ? "" : "a mixture has no fractions";
+  return std::abs(sum - 1.0) < 1e-9 && m.molar_mass > 0.0 && std::isfinite(m.molar_mass)
+             ? ""
+             : "a mixture has no fractions";
 }
 
 std::string mixture(const std::string& text, int form) {
@@ -116,7 +141,8 @@ std::string mixture(const std::string& text, int form) {
 std::string conditions(const std::string& text, int which) {
   const auto quantity = static_cast<host::Quantity>(which % static_cast<int>(host::kQuantityCount));
   const host::UnitSystem si = host::unit_system("si");
-  const std::vector<double> values = host::parse_conditions(quantity, text, host::unit_system("engineering")[quantity], 20.0);
+  const std::vector<double> values =
+      host::parse_conditions(quantity, text, host::unit_system("engineering")[quantity], 20.0);
   std::string again;
   for (const double v : values) {
     if (!std::isfinite(v)) return "a condition that is not finite";
@@ -124,7 +150,8 @@ std::string conditions(const std::string& text, int which) {
   }
   const std::vector<double> second = host::parse_conditions(quantity, again, si[quantity], 20.0);
   for (std::size_t k = 0; k < values.size(); ++k)
-    if (second.size() != values.size() || std::abs(second[k] - values[k]) > 1e-12 * std::abs(values[k])) return "conditions are not read again as they were";
+    if (second.size() != values.size() || std::abs(second[k] - values[k]) > 1e-12 * std::abs(values[k]))
+      return "conditions are not read again as they were";
   return values.empty() ? "no condition" : "";
 }
 
@@ -140,7 +167,9 @@ std::string names(const std::string& text) {
 
 // "nan" as a word of its own.
 bool shows_nan(const std::string& text) {
-  const auto letter = [&](std::size_t k) { return k < text.size() && std::isalpha(static_cast<unsigned char>(text[k])) != 0; };
+  const auto letter = [&](std::size_t k) {
+    return k < text.size() && std::isalpha(static_cast<unsigned char>(text[k])) != 0;
+  };
   for (std::size_t at = text.find("nan"); at != std::string::npos; at = text.find("nan", at + 1))
     if (!letter(at - 1) && !letter(at + 3)) return true;
   return false;
@@ -172,7 +201,9 @@ const Reader kReaders[] = {
 const Reader& draw_reader(Choices& choices) {
   for (;;) {
     const Reader& r = kReaders[choices.below(static_cast<int>(std::size(kReaders)))];
-    if (progress->only != nullptr ? r.name == std::string(progress->only) : &r.samples != &kCommands || choices.chance(10)) return r;
+    if (progress->only != nullptr ? r.name == std::string(progress->only)
+                                  : &r.samples != &kCommands || choices.chance(10))
+      return r;
   }
 }
 
@@ -183,7 +214,9 @@ void one_run(const std::uint8_t* data, std::size_t size) {
   const Reader& reader = draw_reader(choices);
   const int which = choices.below(20);
   const std::string text = draw_text(choices, reader.samples);
-  if (&reader.samples == &kCommands) std::ofstream("fuzz_mixture.txt", std::ios::binary) << draw_text(choices, choices.chance(50) ? kJson : kLines);
+  if (&reader.samples == &kCommands)
+    std::ofstream("fuzz_mixture.txt", std::ios::binary)
+        << draw_text(choices, choices.chance(50) ? kJson : kLines);
   if (progress->narrate) std::printf("%s %d: \"%s\"\n", reader.name, which, text.c_str());
   std::fflush(stdout);
   const auto begin = std::chrono::steady_clock::now();

@@ -15,15 +15,22 @@ void rule(bool holds, const char* what, std::initializer_list<double> numbers = 
   throw Finding{what, text};
 }
 
-double sum_of(const double* x, int n) { return std::accumulate(x, x + n, 0.0); }
+double sum_of(const double* x, int n) {
+  return std::accumulate(x, x + n, 0.0);
+}
 
-bool is_output(char word) { return std::string_view("EBXvKDNAIj").find(word) != std::string_view::npos; }
-bool is_integer(char word) { return word == 'I' || word == 'j'; }
+bool is_output(char word) {
+  return std::string_view("EBXvKDNAIj").find(word) != std::string_view::npos;
+}
+bool is_integer(char word) {
+  return word == 'I' || word == 'j';
+}
 
 template <class Visit>
 void for_each_output(const Call& c, Visit visit) {
   for (std::size_t k = 0; k < c.slots.size(); ++k)
-    if (is_output(c.entry.words[k]) && c.slots[k].address != nullptr) visit(k, c.entry.words[k], c.slots[k].address);
+    if (is_output(c.entry.words[k]) && c.slots[k].address != nullptr)
+      visit(k, c.entry.words[k], c.slots[k].address);
 }
 
 bool untouched(const Call& c, std::size_t argument) {
@@ -34,18 +41,21 @@ bool untouched(const Call& c, std::size_t argument) {
 
 void check_status(const Call& c) {
   const std::string text = kv_status_text(c.status);
-  rule(text.find("unknown") != 0 && text != "pure-component library: error" ? true : c.status == status_of_routines(),
+  rule(text.find("unknown") != 0 && text != "pure-component library: error" ? true
+                                                                            : c.status == status_of_routines(),
        "a status that stands in no list", {double(c.status)});
   rule(c.status != KV_INTERNAL || c.status == status_of_routines(), "KV_INTERNAL");
   const StatusCode host = status_of_routines();
   const bool goes_on = host <= 50 || host == 201 || host == 202 || host == KV_PURE_RANGE;
   if (host != KV_OK && !goes_on && c.entry.family == Family::two_phases)
-    rule(c.status == host, "the status of a host's routine did not end the flash", {double(host), double(c.status)});
+    rule(c.status == host, "the status of a host's routine did not end the flash",
+         {double(host), double(c.status)});
 }
 
 // Of the property exports zeros, of the others what was there, where the call could not be worked with.
 void check_refused(const Call& c) {
-  const bool refused = c.status >= KV_NULL_ARGUMENT && c.status <= KV_COMPOSITION && status_of_routines() == KV_OK;
+  const bool refused =
+      c.status >= KV_NULL_ARGUMENT && c.status <= KV_COMPOSITION && status_of_routines() == KV_OK;
   const bool has_zeros = c.entry.family == Family::property || c.entry.family == Family::envelope;
   const bool partly = c.status == KV_PURE_RANGE || c.entry.name == std::string_view("GasN") ||
                       c.entry.name == std::string_view("GasSpecificHeat_PPR78");
@@ -55,7 +65,8 @@ void check_refused(const Call& c) {
     if (c.entry.family != Family::property || partly) return;
     const auto* values = static_cast<const double*>(address);
     const bool one = word == 'v';
-    if (!c.asked(k) || (!one && (c.scenario.record->count != c.count() || c.slot('m').address == nullptr))) return;
+    if (!c.asked(k) || (!one && (c.scenario.record->count != c.count() || c.slot('m').address == nullptr)))
+      return;
     for (std::size_t i = 0; i < (one ? 1 : c.size_of(k)); ++i)
       rule(values[i] == 0.0, "an output is not zero where the call failed", {double(k + 1), values[i]});
   });
@@ -70,7 +81,8 @@ void check_finite(const Call& c) {
     if (is_integer(word) || c.entry.family == Family::hydrate) return;
     const auto* values = static_cast<const double*>(address);
     for (std::size_t i = 0; i < c.size_of(k); ++i)
-      rule(std::isfinite(values[i]), "an output is not finite with status 0", {double(k + 1), double(i + 1), values[i]});
+      rule(std::isfinite(values[i]), "an output is not finite with status 0",
+           {double(k + 1), double(i + 1), values[i]});
   });
 }
 
@@ -100,9 +112,11 @@ void check_phases(const Call& c, const std::vector<PhasePart>& phases) {
   const double feed = sum_of(c.z.data(), n);
   for (const PhasePart& p : phases) {
     rule(p.amount >= -1e-12 && p.amount <= 1.0 + 1e-12, "an amount of a phase is outside 0 .. 1", {p.amount});
-    for (int i = 0; i < n; ++i) rule(p.x[i] >= 0.0 && p.x[i] <= 1.0 + 1e-12, "a mole fraction is outside 0 .. 1", {p.x[i]});
+    for (int i = 0; i < n; ++i)
+      rule(p.x[i] >= 0.0 && p.x[i] <= 1.0 + 1e-12, "a mole fraction is outside 0 .. 1", {p.x[i]});
     const double sum = sum_of(p.x, n);
-    rule(p.is_absent(n) || std::abs(sum - 1.0) < 1e-9, "a composition does not sum to one", {sum - 1.0, p.amount});
+    rule(p.is_absent(n) || std::abs(sum - 1.0) < 1e-9, "a composition does not sum to one",
+         {sum - 1.0, p.amount});
     rule(!p.is_absent(n) || std::abs(p.amount) < 1e-12, "a phase has an amount but no composition", {p.amount});
   }
   for (int i = 0; i < n; ++i) {
@@ -150,7 +164,8 @@ void check_fugacities(const Call& c, const std::vector<PhasePart>& phases, doubl
   for (const PhasePart& p : phases) {
     if (p.is_absent(n) || (!c.has('W') && (p.amount < 1e-13 || p.amount > 1.0 - 1e-13))) continue;
     Root here[2] = {root_of(c, T, P, p.x, true), root_of(c, T, P, p.x, false)};
-    rule(here[0].status == KV_OK && here[1].status == KV_OK, "the model has no fugacities at the answer", {double(here[0].status)});
+    rule(here[0].status == KV_OK && here[1].status == KV_OK, "the model has no fugacities at the answer",
+         {double(here[0].status)});
     if (here[1].gibbs < here[0].gibbs) std::swap(here[0], here[1]);
     if (reference == nullptr) {
       reference = p.x;
@@ -183,7 +198,8 @@ void check_energy(const Call& c, const std::vector<PhasePart>& phases, double T)
     liquid(T, P, phases[k].x, c.scenario.record, values + 1);
     if (known != KV_OK && known != KV_PURE_RANGE) continue;
     const double off = std::min(std::abs(values[0] - own), std::abs(values[1] - own));
-    rule(off < 1e-6 * scale, "a phase's value is not that of the property exports", {double(k + 1), own, values[0], values[1]});
+    rule(off < 1e-6 * scale, "a phase's value is not that of the property exports",
+         {double(k + 1), own, values[0], values[1]});
   }
 }
 
@@ -204,7 +220,8 @@ void check_flash(const Call& c) {
   if (!c.scenario.sound_model) return;
   if (c.has('H') || c.has('S')) check_energy(c, phases, T);
   // The liquids of FlashLLatTP are on the liquid's root; those of free water follow rules of their own.
-  if (!c.scenario.free_water() && routines_are_faithful() && c.entry.family != Family::liquids) check_fugacities(c, phases, T, P);
+  if (!c.scenario.free_water() && routines_are_faithful() && c.entry.family != Family::liquids)
+    check_fugacities(c, phases, T, P);
 }
 
 // ---- The others ----
@@ -222,21 +239,25 @@ void check_envelope(const Call& c) {
   int marked = 0;
   for (int i = 0; i < capacity; ++i) {
     if (i >= *count) {
-      rule(T[i] == 0.0 && P[i] == 0.0 && kind[i] == 0.0, "an entry behind the last point is not zero", {T[i], P[i], kind[i]});
+      rule(T[i] == 0.0 && P[i] == 0.0 && kind[i] == 0.0, "an entry behind the last point is not zero",
+           {T[i], P[i], kind[i]});
       continue;
     }
     const double k = kind[i] >= 2.0 && kind[i] != 4.0 ? kind[i] - 2.0 : kind[i];
     rule(k == 0.0 || k == 1.0 || k == 0.5 || k == 4.0 || k == fraction, "kind of a point", {kind[i]});
     marked += kind[i] == 0.5 && fraction != 0.5 ? 1 : 0;
-    rule(P[i] >= limit(0, 1.0) * (1.0 - 1e-6) && P[i] <= limit(1, 2000.0) * (1.0 + 1e-6) && T[i] >= limit(2, 50.0) * (1.0 - 1e-6),
+    rule(P[i] >= limit(0, 1.0) * (1.0 - 1e-6) && P[i] <= limit(1, 2000.0) * (1.0 + 1e-6) &&
+             T[i] >= limit(2, 50.0) * (1.0 - 1e-6),
          "a point outside the limits", {T[i], P[i]});
   }
-  if (c.status == KV_OK && fraction != 0.5) rule(marked == *criticals, "number of critical points", {double(marked), double(*criticals)});
+  if (c.status == KV_OK && fraction != 0.5)
+    rule(marked == *criticals, "number of critical points", {double(marked), double(*criticals)});
 }
 
 void check_property(const Call& c) {
   const std::string_view name = c.entry.name;
-  if (name == "Humidity") rule(c.value('v') >= 0.0 && c.value('v') <= 1.0 && c.value('v', 1) >= 0.0, "water content", {c.value('v')});
+  if (name == "Humidity")
+    rule(c.value('v') >= 0.0 && c.value('v') <= 1.0 && c.value('v', 1) >= 0.0, "water content", {c.value('v')});
   if (!c.sound()) return;
   if (name.find("Density") != name.npos || name == "GasN" || name.find("Viscosity") != name.npos ||
       name.find("Conductivity") != name.npos)
@@ -250,7 +271,8 @@ void check_property(const Call& c) {
         sum += c.z[static_cast<std::size_t>(j)] * dn[j * n + i];
         scale = std::max(scale, std::abs(dn[j * n + i]));
       }
-      rule(std::abs(sum) < 1e-6 * scale, "derivatives with mole numbers along the composition", {double(i + 1), sum, scale});
+      rule(std::abs(sum) < 1e-6 * scale, "derivatives with mole numbers along the composition",
+           {double(i + 1), sum, scale});
     }
   }
 }
@@ -259,34 +281,45 @@ void check_water(const Call& c) {
   if (!c.has('X') || c.entry.name != std::string_view("WetGasComposition")) return;
   const double* wet = c.array('X');
   const int n = c.count();
-  for (int i = 0; i < n; ++i) rule(wet[i] >= 0.0 && wet[i] <= 1.0, "a mole fraction is outside 0 .. 1", {wet[i]});
+  for (int i = 0; i < n; ++i)
+    rule(wet[i] >= 0.0 && wet[i] <= 1.0, "a mole fraction is outside 0 .. 1", {wet[i]});
   rule(std::abs(sum_of(wet, n) - 1.0) < 1e-9, "a composition does not sum to one", {sum_of(wet, n) - 1.0});
 }
 
 // Statuses with which there is an answer.
 bool answered(const Call& c) {
   switch (c.entry.family) {
-    case Family::envelope: return c.status == KV_OK || (c.status >= KV_ENVELOPE_OPEN && c.status <= KV_ENVELOPE_LIQUIDS);
-    case Family::two_phases: return c.status == KV_OK || (c.status == KV_UNSTABLE_POINT && status_of_routines() == KV_OK);
-    case Family::property: return c.status == KV_OK || c.status == KV_PURE_RANGE;
-    default: return c.status == KV_OK;
+    case Family::envelope:
+      return c.status == KV_OK || (c.status >= KV_ENVELOPE_OPEN && c.status <= KV_ENVELOPE_LIQUIDS);
+    case Family::two_phases:
+      return c.status == KV_OK || (c.status == KV_UNSTABLE_POINT && status_of_routines() == KV_OK);
+    case Family::property:
+      return c.status == KV_OK || c.status == KV_PURE_RANGE;
+    default:
+      return c.status == KV_OK;
   }
 }
 
 void check_answer(const Call& c) {
   for (std::size_t k = 0; k < c.slots.size(); ++k)
-    rule(c.slots[k].address != nullptr || std::string_view("zmgEBXvKDNAIj").find(c.entry.words[k]) == std::string_view::npos ||
+    rule(c.slots[k].address != nullptr ||
+             std::string_view("zmgEBXvKDNAIj").find(c.entry.words[k]) == std::string_view::npos ||
              !c.asked(k) || c.entry.family == Family::hydrate || c.has('n'),
          "an answer with a null pointer", {double(k + 1)});
   check_finite(c);
   switch (c.entry.family) {
     case Family::two_phases:
     case Family::three_phases:
-    case Family::liquids: return check_flash(c);
-    case Family::envelope: return check_envelope(c);
-    case Family::property: return check_property(c);
-    case Family::water: return check_water(c);
-    default: return;
+    case Family::liquids:
+      return check_flash(c);
+    case Family::envelope:
+      return check_envelope(c);
+    case Family::property:
+      return check_property(c);
+    case Family::water:
+      return check_water(c);
+    default:
+      return;
   }
 }
 

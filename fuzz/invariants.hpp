@@ -14,6 +14,9 @@ struct Finding {
 };
 Finding broken_rule(const Call& call);
 
+// Makes a call, counts it and the rule that it broke.
+void make_call(Call& call);
+
 }  // namespace kestrune::fuzz
 
 #endif

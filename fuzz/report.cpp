@@ -52,7 +52,8 @@ void count_fault(const char* of, const std::string& what, const std::string& det
   if (progress->known < known_cases())
     std::printf("FAULT known case %llu", integer(progress->known));
   else
-    std::printf("FAULT --seed %llu --run %llu call %d", integer(progress->seed), integer(progress->run), progress->call);
+    std::printf("FAULT --seed %llu --run %llu call %d", integer(progress->seed), integer(progress->run),
+                progress->call);
   std::printf("  %s%s\n", key.c_str(), details.c_str());
   std::fflush(stdout);
 }

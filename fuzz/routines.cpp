@@ -6,7 +6,7 @@ namespace kestrune::fuzz {
 namespace {
 
 enum Manner { works, nan, huge, negative, doubled, silent, fails };
-constexpr const char* kManners[] = {"work",          "write NaN", "write 1e300", "write negative numbers",
+constexpr const char* kManners[] = {"work",          "write NaN",     "write 1e300", "write negative numbers",
                                     "write doubles", "write nothing", "fail"};
 
 struct Behaviour {
@@ -20,13 +20,17 @@ struct Behaviour {
   bool begin(double T, double P, const double* x, int n) {
     double sum = 0.0;
     for (int i = 0; i < n; ++i) sum += x[i] >= 0.0 ? x[i] : NAN;
-    abused = abused || !(std::abs(sum - 1.0) < 1e-6) || !(T > 0.0 && std::isfinite(T)) || !(P > 0.0 && std::isfinite(P));
+    abused = abused || !(std::abs(sum - 1.0) < 1e-6) || !(T > 0.0 && std::isfinite(T)) ||
+             !(P > 0.0 && std::isfinite(P));
     return ++calls > good_calls;
   }
   void spoil(double* values, int count) const {
     if (values == nullptr) return;
     for (int i = 0; i < count; ++i)
-      values[i] = manner == nan ? NAN : manner == huge ? 1e300 : manner == negative ? -values[i] - 0.5 : 2.0 * values[i];
+      values[i] = manner == nan        ? NAN
+                  : manner == huge     ? 1e300
+                  : manner == negative ? -values[i] - 0.5
+                                       : 2.0 * values[i];
   }
   StatusCode end(StatusCode status_of_library) {
     failed = failed || manner == fails;
@@ -49,7 +53,8 @@ StatusCode KV_CALL two_phases(double T, double P, const double* z, MixtureRecord
 }
 
 StatusCode KV_CALL fugacity(double T, double P, const double* x, MixtureRecord* m, std::int32_t phase,
-                            std::int32_t option, std::int32_t mask, double* ln_phi, double* dT, double* dP, double* dn) {
+                            std::int32_t option, std::int32_t mask, double* ln_phi, double* dT, double* dP,
+                            double* dn) {
   const bool bad = behaviour.begin(T, P, x, m->count);
   if (bad && behaviour.manner == silent) return KV_OK;
   const auto library = phase == KV_PHASE_GAS ? GasPhi_Derivatives_PPR78 : LiquidPhi_Derivatives_PPR78;
@@ -61,8 +66,8 @@ StatusCode KV_CALL fugacity(double T, double P, const double* x, MixtureRecord* 
   return behaviour.end(status);
 }
 
-StatusCode KV_CALL density(double T, double P, const double* x, MixtureRecord* m, double* value, double* dT, double* dP,
-                           double* dTdP) {
+StatusCode KV_CALL density(double T, double P, const double* x, MixtureRecord* m, double* value, double* dT,
+                           double* dP, double* dTdP) {
   const bool bad = behaviour.begin(T, P, x, m->count);
   if (bad && behaviour.manner == silent) return KV_OK;
   const StatusCode status = LiquidDensity_PPR78(T, P, x, m, value, dT, dP, dTdP);
@@ -95,10 +100,13 @@ const Routine kRoutines[] = {
     {KV_ROUTINE_LV_FLASH, KV_ADDRESS(two_phases<false>), KV_ADDRESS(FlashLVatTP)},
     {KV_ROUTINE_LL_FLASH, KV_ADDRESS(two_phases<true>), KV_ADDRESS(FlashLLatTP)},
     {KV_ROUTINE_LIQUID_ORDER, KV_ADDRESS(density), KV_ADDRESS(LiquidDensity_PPR78)},
-    {KV_ROUTINE_GAS_ENTHALPY, KV_ADDRESS(property<KV_ROUTINE_GAS_ENTHALPY>), KV_ADDRESS(GasMolarEnthalpy_PPR78)},
+    {KV_ROUTINE_GAS_ENTHALPY, KV_ADDRESS(property<KV_ROUTINE_GAS_ENTHALPY>),
+     KV_ADDRESS(GasMolarEnthalpy_PPR78)},
     {KV_ROUTINE_GAS_ENTROPY, KV_ADDRESS(property<KV_ROUTINE_GAS_ENTROPY>), KV_ADDRESS(GasMolarEntropy_PPR78)},
-    {KV_ROUTINE_LIQUID_ENTHALPY, KV_ADDRESS(property<KV_ROUTINE_LIQUID_ENTHALPY>), KV_ADDRESS(LiquidMolarEnthalpy_PPR78)},
-    {KV_ROUTINE_LIQUID_ENTROPY, KV_ADDRESS(property<KV_ROUTINE_LIQUID_ENTROPY>), KV_ADDRESS(LiquidMolarEntropy_PPR78)}};
+    {KV_ROUTINE_LIQUID_ENTHALPY, KV_ADDRESS(property<KV_ROUTINE_LIQUID_ENTHALPY>),
+     KV_ADDRESS(LiquidMolarEnthalpy_PPR78)},
+    {KV_ROUTINE_LIQUID_ENTROPY, KV_ADDRESS(property<KV_ROUTINE_LIQUID_ENTROPY>),
+     KV_ADDRESS(LiquidMolarEntropy_PPR78)}};
 
 }  // namespace
 
@@ -114,13 +122,17 @@ bool draw_routines(Choices& choices, ModelRoutines& routines) {
     routines.entry[r.entry - 1] = behaviour.own_address ? r.library : r.own;
     any = true;
   }
-  if (!behaviour.own_address) behaviour.manner = static_cast<Manner>(choices.pick<int>({works, works, nan, huge, negative, doubled, silent, fails}));
-  behaviour.status = choices.pick<StatusCode>({112, -1, 50, 51, 95, 130, 201, 1003, 9001, 9012, 120, 116, 117, INT32_MIN, INT32_MAX});
+  if (!behaviour.own_address)
+    behaviour.manner =
+        static_cast<Manner>(choices.pick<int>({works, works, nan, huge, negative, doubled, silent, fails}));
+  behaviour.status = choices.pick<StatusCode>(
+      {112, -1, 50, 51, 95, 130, 201, 1003, 9001, 9012, 120, 116, 117, INT32_MIN, INT32_MAX});
   behaviour.good_calls = choices.pick({0, 0, 0, 1, 5, 20});
   return any;
 }
 
-void set_routines(ModelRoutines& routines, std::initializer_list<int> wanted, std::string_view manner, int good_calls) {
+void set_routines(ModelRoutines& routines, std::initializer_list<int> wanted, std::string_view manner,
+                  int good_calls) {
   behaviour = Behaviour{};
   behaviour.good_calls = good_calls;
   while (kManners[behaviour.manner] != manner) behaviour.manner = static_cast<Manner>(behaviour.manner + 1);
@@ -133,9 +145,15 @@ void start_routines() {
   behaviour.failed = behaviour.abused = false;
 }
 
-bool routines_were_abused() { return behaviour.abused; }
-bool routines_are_faithful() { return behaviour.manner == works; }
-StatusCode status_of_routines() { return behaviour.failed ? behaviour.status : KV_OK; }
+bool routines_were_abused() {
+  return behaviour.abused;
+}
+bool routines_are_faithful() {
+  return behaviour.manner == works;
+}
+StatusCode status_of_routines() {
+  return behaviour.failed ? behaviour.status : KV_OK;
+}
 
 std::string routines_text(const ModelRoutines& routines) {
   std::string text = "routines";

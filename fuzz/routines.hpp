@@ -14,7 +14,8 @@ namespace kestrune::fuzz {
 // Fills some entries and decides how they behave. True when there is one.
 bool draw_routines(Choices& choices, ModelRoutines& routines);
 // The same with given entries: manner as routines_text says it.
-void set_routines(ModelRoutines& routines, std::initializer_list<int> entries, std::string_view manner, int good_calls);
+void set_routines(ModelRoutines& routines, std::initializer_list<int> entries, std::string_view manner,
+                  int good_calls);
 // Before a call: nothing has been called yet.
 void start_routines();
 // A routine got a state that is none: not finite, or no composition.

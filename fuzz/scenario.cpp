@@ -8,6 +8,21 @@ namespace {
 
 constexpr int kLightComponents = 24;  // the first ones of the databank: gases, water, light hydrocarbons
 
+// Fields of the record by their offsets: a packed record knows no references.
+struct Setting {
+  const char* name;
+  std::size_t offset;
+  bool integer = false;
+};
+#define KV_SETTING(field, ...) \
+  { #field, offsetof(MixtureRecord, field) __VA_OPT__(, ) __VA_ARGS__ }
+constexpr Setting kSettings[] = {
+    KV_SETTING(CRIT),           KV_SETTING(CLIM),          KV_SETTING(EPS),
+    KV_SETTING(ITEMAX, true),   KV_SETTING(NEW, true),     KV_SETTING(relaxation),
+    KV_SETTING(pure_tolerance), KV_SETTING(sum_tolerance), KV_SETTING(solubility_a),
+    KV_SETTING(solubility_b)};
+#undef KV_SETTING
+
 int draw_count(Choices& choices) {
   const int share = choices.below(256);
   if (share < 226) return 1 + choices.below(12);
@@ -42,7 +57,8 @@ std::string shown(double value) {
 }
 
 Scenario::Scenario(Choices& choices)
-    : mixture(host::build_mixture(draw_components(choices), host::interaction_set(choices.chance(10) ? "original" : "2022"))) {
+    : mixture(host::build_mixture(draw_components(choices),
+                                  host::interaction_set(choices.chance(10) ? "original" : "2022"))) {
   lay_out(choices);
   draw_feed(choices);
   draw_settings(choices);
@@ -89,7 +105,8 @@ void Scenario::draw_feed(Choices& choices) {
   for (double& v : z) {
     v = manner == 0 ? 0.05 + choices.unit() : -std::log1p(-choices.unit());
     if (manner == 5 && choices.chance(40)) v = 0.0;
-    if (manner == 6 && choices.chance(40)) v = choices.pick({1e-6, 1e-9, 1e-12, 1e-15, 1e-16, 1e-20, 1e-100, 1e-300});
+    if (manner == 6 && choices.chance(40))
+      v = choices.pick({1e-6, 1e-9, 1e-12, 1e-15, 1e-16, 1e-20, 1e-100, 1e-300});
   }
   if (manner == 7) z[static_cast<std::size_t>(choices.below(n()))] += choices.pick({1e3, 1e6, 1e9, 1e12, 1e15});
   double sum = std::accumulate(z.begin(), z.end(), 0.0);
@@ -111,7 +128,8 @@ void Scenario::draw_settings(Choices& choices) {
     record->trace_unit = choices.pick({99, -1, INT32_MIN});
   }
   const int manner = choices.below(10);
-  if (manner == 6 || manner == 7) std::memset(reinterpret_cast<std::uint8_t*>(record) + 61, 0, sizeof *record - 61);
+  if (manner == 6 || manner == 7)
+    std::memset(reinterpret_cast<std::uint8_t*>(record) + 61, 0, sizeof *record - 61);
   if (manner < 8) return;
   record->CRIT = choices.even_in_logarithm(1e-18, 1e-6);
   record->CLIM = choices.pick({1e10, 0.0, 1.0, 1e-3});
@@ -124,46 +142,34 @@ void Scenario::draw_settings(Choices& choices) {
 }
 
 void Scenario::draw_flaw(Choices& choices) {
-  const int kind = choices.below(6);
-  const int component = choices.below(n());
+  const int kind = choices.below(6), component = choices.below(n());
+  sound_model = kind == 2;
   if (kind <= 1) {
-    const int column = choices.pick<int>({KV_COL_TC, KV_COL_PC, KV_COL_OMEGA, KV_COL_VC, KV_COL_ZC, KV_COL_MOLAR_MASS,
-                                          KV_COL_FAMILY, KV_COL_CAS, KV_COL_MELTING_POINT, KV_COL_BOILING_POINT,
-                                          KV_COL_TMIN_PSAT, KV_COL_DIPOLE});
+    const int column = choices.pick<int>({KV_COL_TC, KV_COL_PC, KV_COL_OMEGA, KV_COL_VC, KV_COL_ZC,
+                                          KV_COL_MOLAR_MASS, KV_COL_FAMILY, KV_COL_CAS, KV_COL_MELTING_POINT,
+                                          KV_COL_BOILING_POINT, KV_COL_TMIN_PSAT, KV_COL_DIPOLE});
     double& value = at(component, column);
     value = choices.chance(40) ? value * choices.pick({0.5, 2.0, 1e-3, 1e3, 1e-9, 1e9}) : choices.absurd();
     sound_model = column > KV_COL_OMEGA || column < KV_COL_TC;
-    flaw = "column " + std::to_string(column) + " of component " + std::to_string(component + 1) + " = " + shown(value);
+    flaw = "column " + std::to_string(column) + " of component " + std::to_string(component + 1) + " = " +
+           shown(value);
   } else if (kind == 2) {
+    const Setting& s = kSettings[choices.below(static_cast<int>(std::size(kSettings)))];
     const double value = choices.absurd();
     const std::int32_t integer = choices.absurd_integer();
-    const int field = choices.below(10);
-    switch (field) {
-      case 0: record->CRIT = value; break;
-      case 1: record->CLIM = value; break;
-      case 2: record->EPS = value; break;
-      case 3: record->ITEMAX = integer; break;
-      case 4: record->NEW = integer; break;
-      case 5: record->relaxation = value; break;
-      case 6: record->pure_tolerance = value; break;
-      case 7: record->sum_tolerance = value; break;
-      case 8: record->solubility_a = value; break;
-      default: record->solubility_b = value; break;
-    }
-    flaw = "setting " + std::to_string(field) + " = " + (field == 3 || field == 4 ? std::to_string(integer) : shown(value));
+    auto* const place = reinterpret_cast<std::uint8_t*>(record) + s.offset;
+    s.integer ? std::memcpy(place, &integer, sizeof integer) : std::memcpy(place, &value, sizeof value);
+    flaw = s.name;
   } else if (kind == 3) {
-    sound_model = false;
     std::vector<double>& data = choices.chance(50) ? mixture.A : mixture.B;
     const auto entry = static_cast<std::size_t>(choices.below(static_cast<int>(data.size())));
     data[entry] = choices.absurd();
     flaw = std::string(&data == &mixture.A ? "A[" : "B[") + std::to_string(entry) + "] = " + shown(data[entry]);
   } else if (kind == 4) {
-    sound_model = false;
     const auto entry = static_cast<std::size_t>(choices.below(static_cast<int>(mixture.counts.size())));
     mixture.counts[entry] = choices.absurd_integer();
     flaw = "counts[" + std::to_string(entry) + "] = " + std::to_string(mixture.counts[entry]);
   } else {
-    sound_model = false;
     record->count = choices.pick({0, -1, INT32_MIN, INT32_MAX, 10001, n() > 1 ? n() - 1 : 0});
     flaw = "count = " + std::to_string(record->count);
   }
@@ -174,8 +180,8 @@ void Scenario::hand_over(int components) {
   const std::size_t sizes[6] = {0, nG * nG, nG * nG, nC * nG, nG * nG, nG * nC * nC};
   double* storage[6];
   for (int k = 0; k < 6; ++k) storage[k] = buffers.array<double>(sizes[k]);
-  ConvertPPR78GroupData(components, mixture.group_count(), mixture.counts.data(), mixture.A.data(), mixture.B.data(),
-                        storage);
+  ConvertPPR78GroupData(components, mixture.group_count(), mixture.counts.data(), mixture.A.data(),
+                        mixture.B.data(), storage);
 }
 
 std::string Scenario::text() const {
@@ -183,14 +189,18 @@ std::string Scenario::text() const {
   for (int i = 0; i < n(); ++i)
     text += (i > 0 ? "," : "") + std::string(mixture.components[static_cast<std::size_t>(i)].id);
   if (mixture.set_name != "2022") text += " set=" + std::string(mixture.set_name);
-  text += " flags=" + std::to_string(record->flags) + " A=" + shown(record->solubility_a) + " B=" + shown(record->solubility_b);
-  MixtureRecord usual = mixture.record;
-  if (record->ITEMAX != usual.ITEMAX || record->CRIT != usual.CRIT || record->CLIM != usual.CLIM || record->EPS != usual.EPS ||
-      record->NEW != usual.NEW || record->relaxation != usual.relaxation ||
-      record->pure_tolerance != usual.pure_tolerance || record->sum_tolerance != usual.sum_tolerance)
-    text += " CRIT=" + shown(record->CRIT) + " CLIM=" + shown(record->CLIM) + " EPS=" + shown(record->EPS) +
-            " ITEMAX=" + std::to_string(record->ITEMAX) + " NEW=" + std::to_string(record->NEW) + " relaxation=" +
-            shown(record->relaxation) + " pure=" + shown(record->pure_tolerance) + " sum=" + shown(record->sum_tolerance);
+  text += " flags=" + std::to_string(record->flags);
+  for (const Setting& s : kSettings) {
+    const auto* const place = reinterpret_cast<const std::uint8_t*>(record) + s.offset;
+    if (std::memcmp(place, reinterpret_cast<const std::uint8_t*>(&mixture.record) + s.offset,
+                    s.integer ? 4 : 8) == 0)
+      continue;
+    double value;
+    std::int32_t integer;
+    std::memcpy(&value, place, sizeof value);
+    std::memcpy(&integer, place, sizeof integer);
+    text += std::string(" ") + s.name + "=" + shown(s.integer ? integer : value);
+  }
   if (!flaw.empty()) text += " FLAW " + flaw;
   return text;
 }

@@ -8,88 +8,73 @@
 #include <deque>
 #include <vector>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define KV_FUZZ_ASAN 1
-#elif defined(__has_feature)
+#if defined(__has_feature)
 #if __has_feature(address_sanitizer)
-#define KV_FUZZ_ASAN 1
-#endif
-#endif
-#if defined(KV_FUZZ_ASAN)
 #include <sanitizer/asan_interface.h>
+#endif
+#endif
+#if !defined(ASAN_POISON_MEMORY_REGION)
+#define ASAN_POISON_MEMORY_REGION(address, size) static_cast<void>(address)
+#define ASAN_UNPOISON_MEMORY_REGION(address, size) static_cast<void>(address)
 #endif
 
 namespace kestrune::fuzz {
 
-// `size` bytes with kRed bytes on either side, at an address that is `shift` off a multiple of 8.
-class Zone {
- public:
-  static constexpr std::size_t kRed = 64;
-
-  explicit Zone(std::size_t size, std::size_t shift = 0) : size_(size), at_(kRed + shift), bytes_(at_ + size + kRed) {
-    for (std::size_t k = 0; k < at_; ++k) bytes_[k] = mark(k);
-    for (std::size_t k = at_ + size; k < bytes_.size(); ++k) bytes_[k] = mark(k);
-  }
-  Zone(const Zone&) = delete;
-  Zone& operator=(const Zone&) = delete;
-  ~Zone() { guard(false); }
-
-  const void* data() const { return bytes_.data() + at_; }
-  void* data() { return bytes_.data() + at_; }
-  // Remembers the content.
-  void seal() { before_.assign(bytes_.begin() + static_cast<std::ptrdiff_t>(at_), bytes_.end() - kRed); }
-  // Where a sanitizer can see to it, the red zones may not be touched while they are guarded.
-  void guard([[maybe_unused]] bool on) {
-#if defined(KV_FUZZ_ASAN)
-    if (on) {
-      ASAN_POISON_MEMORY_REGION(bytes_.data(), at_ & ~std::size_t{7});
-      ASAN_POISON_MEMORY_REGION(bytes_.data() + at_ + size_, kRed);
-    } else {
-      ASAN_UNPOISON_MEMORY_REGION(bytes_.data(), bytes_.size());
-    }
-#endif
-  }
-  bool unchanged() const { return std::memcmp(before_.data(), bytes_.data() + at_, size_) == 0; }
-  const void* before() const { return before_.data(); }
-  bool red_zones_whole() const {
-    for (std::size_t k = 0; k < at_; ++k)
-      if (bytes_[k] != mark(k)) return false;
-    for (std::size_t k = at_ + size_; k < bytes_.size(); ++k)
-      if (bytes_[k] != mark(k)) return false;
-    return true;
-  }
-
- private:
-  static std::uint8_t mark(std::size_t k) { return static_cast<std::uint8_t>(0xA5 ^ (k * 29)); }
-
-  std::size_t size_, at_;
-  std::vector<std::uint8_t> bytes_, before_;
-};
-
 class Zones {
  public:
+  ~Zones() { guard(false); }
+
+  // Zeros, at an address that is shift off a multiple of 8.
+  void* bytes(std::size_t size, std::size_t shift = 0) { return zones_.emplace_back(size, shift).data(); }
   template <class Value>
   Value* array(std::size_t count) {
-    return static_cast<Value*>(zones_.emplace_back(count * sizeof(Value)).data());
+    return static_cast<Value*>(bytes(count * sizeof(Value)));
   }
-  void* bytes(std::size_t count, std::size_t shift) { return zones_.emplace_back(count, shift).data(); }
+  // Remembers what the arrays hold.
   void seal() {
-    for (Zone& z : zones_) z.seal();
+    for (Zone& z : zones_) z.before.assign(z.data(), z.data() + z.size);
   }
+  // Where a sanitizer can see to it, the red zones may not be touched while they are guarded.
   void guard(bool on) {
-    for (Zone& z : zones_) z.guard(on);
+    for (Zone& z : zones_) {
+      ASAN_UNPOISON_MEMORY_REGION(z.all.data(), z.all.size());
+      if (!on) continue;
+      ASAN_POISON_MEMORY_REGION(z.all.data(), z.at & ~std::size_t{7});
+      ASAN_POISON_MEMORY_REGION(z.data() + z.size, kRed);
+    }
   }
   bool red_zones_whole() const {
-    return std::all_of(zones_.begin(), zones_.end(), [](const Zone& z) { return z.red_zones_whole(); });
+    const auto red = [](std::uint8_t b) { return b == kMark; };
+    return std::all_of(zones_.begin(), zones_.end(), [&](const Zone& z) {
+      return std::all_of(z.all.data(), z.data(), red) &&
+             std::all_of(z.data() + z.size, z.data() + z.size + kRed, red);
+    });
   }
   // The array at this address holds what it held when it was sealed.
-  bool unchanged(const void* address) const { return of(address).unchanged(); }
+  bool unchanged(const void* address) const {
+    const Zone& z = of(address);
+    return std::equal(z.before.begin(), z.before.end(), z.data());
+  }
   template <class Value>
   const Value* before(const void* address) const {
-    return static_cast<const Value*>(of(address).before());
+    return reinterpret_cast<const Value*>(of(address).before.data());
   }
 
  private:
+  static constexpr std::size_t kRed = 64;
+  static constexpr std::uint8_t kMark = 0xA5;
+
+  struct Zone {
+    Zone(std::size_t bytes, std::size_t shift) : size(bytes), at(kRed + shift), all(at + size + kRed, kMark) {
+      std::memset(data(), 0, size);
+    }
+    std::uint8_t* data() { return all.data() + at; }
+    const std::uint8_t* data() const { return all.data() + at; }
+
+    std::size_t size, at;
+    std::vector<std::uint8_t> all, before;
+  };
+
   const Zone& of(const void* address) const {
     return *std::find_if(zones_.begin(), zones_.end(), [=](const Zone& z) { return z.data() == address; });
   }
