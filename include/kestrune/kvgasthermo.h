@@ -18,6 +18,14 @@
  * own record during the call. ConvertPPR78GroupData changes what every later call reads: never run it
  * while another call is under way.
  *
+ * Stack: a call needs at most 256 kB of the stack of its thread, whatever the mixture; what a host's own routines
+ * need comes on top of it.
+ *
+ * Time: a flash may spend 4e7/(count + 8)^2 evaluations of ln phi, not more than 150 000 and not less than 8 000,
+ * the three-phase flashes at a vapour fraction twice and an envelope four times as many, a retry half of it again;
+ * settings cannot raise that. One with composition derivatives counts as three, a new temperature as six. A flash
+ * that has spent it ends with 112, one at a vapour fraction with 116.
+ *
  * "48 bytes" is what the arguments of an export take on the stack of a 32-bit process and the export removes from
  * it: 8 for a double by value, 4 for an integer or an address. For FlashLVatTP 2 * 8 + 8 * 4:
  *

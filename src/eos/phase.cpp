@@ -98,8 +98,7 @@ void reduce(const Temperature& t, const Mixture& m, double P, double Z, Root& r)
   }
 }
 
-bool may_have_root_within(const Temperature& t, double b, double P, double Z, double reach) noexcept {
-  constexpr double kMargin = 1e-6;  // rounding of what follows, in Z and in Gibbs energies
+bool has_other_root(const Temperature& t, double b, double P, double Z, double& higher) noexcept {
   const double rt = kR * t.T, B = b * P / rt, eta = B / Z;
   // The cohesion that gives this root; then the cubic divided by its factor.
   const double psi = eta / (1.0 + eta * (kU + kW * eta));
@@ -107,7 +106,7 @@ bool may_have_root_within(const Temperature& t, double b, double P, double Z, do
   if (!may_have_three_roots(A, B)) return false;
   const double p = (kU - 1.0) * B - 1.0 + Z;
   const double discriminant = 0.25 * p * p - (A + (kW - kU) * B * B - kU * B + p * Z);
-  if (discriminant < -kMargin) return false;
+  if (discriminant < -kOtherRootMargin) return false;
   const double half = std::sqrt(std::fmax(discriminant, 0.0));
   const double other = Z < -0.5 * p ? -0.5 * p + half : -0.5 * p - half;
   if (!(other > B)) return false;
@@ -115,7 +114,8 @@ bool may_have_root_within(const Temperature& t, double b, double P, double Z, do
   Root here, there;
   reduce(t, m, P, Z, here);
   reduce(t, m, P, other, there);
-  return !(std::fabs(residual_gibbs(m, there) - residual_gibbs(m, here)) > reach + kMargin);
+  higher = residual_gibbs(m, there) - residual_gibbs(m, here);
+  return true;
 }
 
 int stable_root(const Temperature& t, frame::tools::KvBracub bracub, const Mixture& m, double P, double start,

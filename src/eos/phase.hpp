@@ -75,10 +75,11 @@ inline double residual_gibbs(const Mixture& m, const Root& r) noexcept {
 }
 
 /*
- * Whether a phase of covolume b whose root is Z may have another one, of a Gibbs energy (over RT) within reach
- * of its own. From the root alone, without the sums over the components; false is certain but for rounding.
+ * Whether a phase of covolume b whose root is Z has another one, and how much higher its Gibbs energy over RT is.
+ * From the root alone, without the sums over the components: exact but for rounding, in Z and in the energies.
  */
-bool may_have_root_within(const Temperature& t, double b, double P, double Z, double reach) noexcept;
+bool has_other_root(const Temperature& t, double b, double P, double Z, double& higher) noexcept;
+inline constexpr double kOtherRootMargin = 1e-6;  // more than that rounding
 
 /*
  * The root of lower Gibbs energy in reduced form. start: a value to begin from where it is positive; of two

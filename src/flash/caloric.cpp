@@ -86,10 +86,12 @@ void open_caloric(support::Arena& arena, CaloricModel& c) {
 
 StatusCode prepare_caloric(CaloricModel& c, double T) {
   if (T == c.prepared) return KV_OK;
+  StatusCode status = spend(c.routines, kTemperatureWork);
+  if (status != KV_OK) return status;
   c.arena->rewind(c.base);
   c.prepared = 0.0;
   const unsigned parts = (c.property == Property::enthalpy ? eos::kIdealH : eos::kIdealS) | eos::kIdealCp;
-  StatusCode status = eos::ideal_gas(T, *c.mixture, c.z, parts, *c.arena, c.ideal);
+  status = eos::ideal_gas(T, *c.mixture, c.z, parts, *c.arena, c.ideal);
   if (!eos::has_values(status)) return status;
   status = eos::prepare(T, *c.mixture, frame::state().group_data, 2, *c.arena, c.t);
   if (status == KV_OK) c.prepared = T;
@@ -99,6 +101,7 @@ StatusCode prepare_caloric(CaloricModel& c, double T) {
 bool phase_caloric(CaloricModel& c, const double* x, Kind kind, PhaseCaloric& out) {
   const eos::Temperature& t = c.t;
   const double T = t.T, rt = eos::kR * T;
+  if (spend(c.routines, kMatrixWork) != KV_OK) return false;
   const eos::Mixture m = eos::mix(t, x, c.s);
   eos::Root r;
   if (!find_root(c, m, kind, out.Z, r)) return false;
@@ -137,6 +140,8 @@ StatusCode phase_value(const CaloricModel& c, double T, const double* x, int pha
     if (status != KV_OK || std::isfinite(value)) return status;
     return end_flash(*c.routines, KV_NOT_FINITE);
   }
+  const StatusCode spent = spend(c.routines, kTemperatureWork);
+  if (spent != KV_OK) return spent;
   eos::Caloric both;
   const bool H = c.property == Property::enthalpy;
   const StatusCode status = eos::enthalpy_and_entropy({T, c.P, x, phase, c.mixture}, H, !H, both);

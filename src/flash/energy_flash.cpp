@@ -246,6 +246,7 @@ StatusCode with_energy(const EnergyCall& call, support::Arena& arena, Run&& run)
   open_caloric(arena, model);
   e.fugacities.P = call.P;
   e.fugacities.mixture = &e.silent;
+  e.fugacities.host = call.routines;
   e.fugacities.n = e.n;
   e.fugacities.ld = e.ld;
   e.fugacities.bracub = frame::tools::bracub();

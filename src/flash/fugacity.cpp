@@ -30,8 +30,10 @@ StatusCode host_phase(Model& m, const double* x, int phase, double* ln_phi, cons
   std::fill_n(m.square, entries, 0.0);
   ++m.counts.fugacities;
   if (dn != nullptr) ++m.counts.matrices;
-  const StatusCode status = call_host(
-      *m.host, [&] { return m.routine(m.T, m.P, x, m.mixture, phase, 2, mask, ln_phi, d.dT, dP, dn); });
+  StatusCode status = spend(m.host, dn != nullptr ? kMatrixWork : 1);
+  if (status == KV_OK)
+    status = call_host(*m.host,
+                       [&] { return m.routine(m.T, m.P, x, m.mixture, phase, 2, mask, ln_phi, d.dT, dP, dn); });
   if (status != KV_OK) return status;
   if (!all_finite(n, ln_phi) || !all_finite(n, dP) || (d.dT != nullptr && !all_finite(n, d.dT)) ||
       !all_finite(static_cast<int>(entries), m.square))
@@ -112,6 +114,8 @@ StatusCode make_model(double T, double P, MixtureRecord* mixture, HostRoutines* 
     return KV_OK;
   }
   m.bracub = frame::tools::bracub();
+  const StatusCode spent = spend(routines, kTemperatureWork);
+  if (spent != KV_OK) return spent;
   return eos::prepare(T, *mixture, frame::state().group_data, order, arena, m.t);
 }
 
@@ -119,6 +123,8 @@ StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_ph
                              bool lower, double& Z) noexcept {
   const eos::Temperature& t = m.t;
   ++m.counts.fugacities;
+  const StatusCode spent = spend(m.host, d.dn != nullptr ? kMatrixWork : 1);
+  if (spent != KV_OK) return spent;
   const eos::Mixture mixed = eos::mix(t, x, m.s);
   eos::Root r;
   if (kind == Kind::stable) {

@@ -25,6 +25,10 @@ struct Counts {
   int trials = 0;      // of the stability test
 };
 
+// Work in evaluations of ln phi: one with composition derivatives (and what is done with them), one at a new
+// temperature. Measured with 10 and with 40 components.
+inline constexpr int kMatrixWork = 3, kTemperatureWork = 6;
+
 // Which side of its solubility limit free water is on: as there is more or less than the limit, or as an
 // iteration has decided, so that what it follows is smooth. A liquid of almost nothing but water is water, or,
 // by content, what hydrocarbons there are beside the water (free_water.hpp).

@@ -5,8 +5,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 #include "kestrune/records.h"
+#include "kestrune/status.h"
 
 namespace kestrune {
 
@@ -19,6 +21,18 @@ inline constexpr StatusCode KV_LL_ANSWER = 131;    // no vapour remains
 
 namespace kestrune::flash {
 
+/*
+ * Work that one call may take with this many components, in evaluations of ln phi. An evaluation grows with the
+ * square of the components, so that a call stays below 50 ms up to 40 of them on the machine it was measured on.
+ * Flashes that find what they look for take a hundredth of it, as a rule.
+ */
+inline constexpr double kWorkOfSquares = 4e7;
+inline constexpr std::int64_t kMostWork = 150'000, kLeastWork = 8'000;
+inline std::int64_t allowed_work(std::int32_t count) noexcept {
+  const double n = count + 8.0;
+  return std::clamp(static_cast<std::int64_t>(kWorkOfSquares / (n * n)), kLeastWork, kMostWork);
+}
+
 // What a solver returns when a routine of the host ended the flash. In no list of statuses, never seen by a
 // host, and of the block that no solver tries to mend.
 inline constexpr StatusCode kHostStatus = 0x7ffffff0;
@@ -28,6 +42,8 @@ struct HostRoutines {
   void* entry[KV_ROUTINE_COUNT] = {};     // null: the library's own stands in its place
   StatusCode status = KV_OK;              // of the routine that ended the flash; from then on none is called
   bool final = true;                      // false: a trace, which goes around the states that a routine refuses
+  std::int64_t spent = 0;                 // work of this call so far, in evaluations of ln phi
+  std::int64_t allowed = INT64_MAX;       // work after which it ends
 
   HostRoutines() = default;
   explicit HostRoutines(const ModelRoutines* given) : record(given) {
@@ -53,6 +69,15 @@ inline bool goes_on(StatusCode status) noexcept {
 inline StatusCode end_flash(HostRoutines& host, StatusCode status) noexcept {
   host.status = status;
   return kHostStatus;
+}
+
+/*
+ * Counts work of a call. One that has spent all that it is allowed ends as not converged, by the way of a
+ * routine's status, which no solver tries to mend.
+ */
+inline StatusCode spend(HostRoutines* host, int work) noexcept {
+  if (host == nullptr || (host->spent += work) <= host->allowed) return KV_OK;
+  return host->final || host->status == KV_OK ? end_flash(*host, KV_NOT_CONVERGED) : kHostStatus;
 }
 
 /*

@@ -65,9 +65,11 @@ StatusCode finish_single_phase(Flash& f) {
   const double* other = incipient ? f.lowest.w : f.it.z;
   double *const whole = vapour ? f.it.y : f.it.x, *const beside = vapour ? f.it.x : f.it.y;
   std::copy_n(f.it.z, n, whole);
-  // Within the bounds of K, so that K is the ratio of what is returned.
+  // Not below the bound of K, so that K is the ratio of what is returned; and a composition.
+  double sum = 0.0;
   for (int i = 0; i < n; ++i)
-    beside[i] = f.it.z[i] > 0.0 ? std::clamp(other[i], kSmallestK * f.it.z[i], kLargestK * f.it.z[i]) : 0.0;
+    sum += beside[i] = f.it.z[i] > 0.0 ? std::max(other[i], kSmallestK * f.it.z[i]) : 0.0;
+  for (int i = 0; i < n; ++i) beside[i] /= sum;
   f.it.beta = vapour ? 1.0 : 0.0;
   f.it.liquid = 1.0 - f.it.beta;
   return write_answer(f, KV_SINGLE_PHASE);

@@ -218,6 +218,8 @@ StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& t) {
   t.Z = 0.0;
   if (m.built_in()) {
     ++m.counts.fugacities;
+    const StatusCode spent = spend(m.host, 1);
+    if (spent != KV_OK) return spent;
     const double* s = nullptr;
     const eos::Mixture pure = eos::mix_pure(m.t, j, &s);
     eos::Root r;
@@ -239,7 +241,8 @@ StatusCode start_other_root(Model& m, const Reference& ref, const double* w, dou
   if (m.built_in() && Z > 0.0) {
     double b = 0.0;
     for (int i = 0; i < m.n; ++i) b += w[i] * m.t.b[i];
-    found = eos::may_have_root_within(m.t, b, m.P, Z, reach);
+    double higher = 0.0;
+    found = eos::has_other_root(m.t, b, m.P, Z, higher) && !(std::fabs(higher) > reach + eos::kOtherRootMargin);
     if (!found) return KV_OK;
   }
   found = true;
@@ -254,6 +257,8 @@ StatusCode start_other_root(Model& m, const Reference& ref, const double* w, dou
       found = found && eos::solve_root(m.bracub, A, B, phase, false, both[phase - 1]) == 0;
     if (!found) return KV_OK;
     ++m.counts.fugacities;
+    const StatusCode spent = spend(m.host, 1);
+    if (spent != KV_OK) return spent;
     eos::Root gas, liquid;
     eos::reduce(m.t, mixed, m.P, both[KV_PHASE_GAS - 1], gas);
     eos::reduce(m.t, mixed, m.P, both[KV_PHASE_LIQUID - 1], liquid);

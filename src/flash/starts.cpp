@@ -22,6 +22,18 @@ void usual_kinds(Flash& f) {
   f.it.kind_y = f.liquids_only() ? Kind::liquid : Kind::gas;
 }
 
+// Whether a phase of the iterate is on its upper root: a gas by the root that it was iterated on, say, of a
+// composition that is a liquid.
+bool on_upper_root(const Flash& f) {
+  if (!f.m.built_in() || f.liquids_only()) return false;
+  const auto upper = [&](const double* x, double Z) {
+    double b = 0.0, higher = 0.0;
+    for (int i = 0; i < f.m.n; ++i) b += x[i] * f.m.t.b[i];
+    return Z > 0.0 && eos::has_other_root(f.m.t, b, f.m.P, Z, higher) && higher < -eos::kOtherRootMargin;
+  };
+  return upper(f.it.x, f.it.Zx) || upper(f.it.y, f.it.Zy);
+}
+
 /*
  * The gate of two phases: a split of the feed, and equal fugacities at the very compositions that are returned
  * (by a host's routine, and where no more was to be had, as equal as CRIT asks). The tangent plane of the tests
@@ -31,7 +43,7 @@ bool accept(Flash& f) {
   Iterate& it = f.it;
   f.status = fugacity(f.m, it.x, it.kind_x, it.ln_phi_x, nullptr, it.Zx);
   if (f.status == KV_OK) f.status = fugacity(f.m, it.y, it.kind_y, it.ln_phi_y, nullptr, it.Zy);
-  if (f.status != KV_OK) return false;
+  if (f.status != KV_OK || on_upper_root(f)) return false;
   const double amounts[] = {it.liquid, it.beta};
   const double* const phases[] = {it.x, it.y};
   const double owed = f.m.routine != nullptr || it.stalled ? std::max(kOwedFugacity, std::sqrt(f.settings.CRIT))
@@ -78,6 +90,10 @@ void start_from_trial(Flash& f, const Beside& other, Source source) {
 
 bool good_split(Flash& f, bool unstable, Outcome& outcome) {
   outcome = iterate(f, !unstable);
+  if (outcome == Outcome::converged && on_upper_root(f)) {
+    f.it.kind_x = f.it.kind_y = Kind::stable;
+    outcome = iterate(f, !unstable);
+  }
   const double bound = f.feed_gibbs + (unstable ? kRounding : -kLowerGibbs);
   if (outcome != Outcome::converged || !(f.m.free_water || f.it.gibbs < bound)) return false;
   if (accept(f)) return true;

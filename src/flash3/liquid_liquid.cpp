@@ -57,8 +57,10 @@ bool split_water(const LiquidLiquidCall& c, const double* z) {
   const MixtureRecord& r = *c.mixture;
   const int n = r.count, w = eos::find_water_family(r);
   const double s = eos::water_solubility(c.T, r.solubility_a, r.solubility_b).value;
-  if (w < 0 || !(z[w] > s) || !(s < 1.0)) return false;
-  const double oil = (1.0 - z[w]) / (1.0 - s);
+  double dry = 0.0;
+  for (int i = 0; i < n; ++i) dry += i == w ? 0.0 : z[i];
+  if (w < 0 || !(z[w] > s) || !(s < 1.0) || dry < kAbsent) return false;
+  const double oil = dry / (1.0 - s);
   *c.beta = oil;
   for (int i = 0; i < n; ++i) {
     c.liquid1[i] = i == w ? 1.0 : 0.0;

@@ -42,6 +42,12 @@ StatusCode state_at(const ThreeEnergyCall& c, const flash::CaloricModel& model, 
   return evaluate(c, model, total);
 }
 
+// What the value may miss.
+double owed(const ThreeEnergyCall& c, double T) {
+  const double unit = eos::kCalR * (c.property == flash::Property::enthalpy ? T : 1.0);
+  return flash::kOwedValue * std::max(std::fabs(c.wanted), unit);
+}
+
 StatusCode search(const ThreeEnergyCall& c, const flash::CaloricModel& model) {
   flash::EnergyBracket bracket;
   double T = *c.T, step = kFirstStep, total = 0.0;
@@ -58,10 +64,7 @@ StatusCode search(const ThreeEnergyCall& c, const flash::CaloricModel& model) {
       continue;
     }
     if (bracket.high - bracket.low <= kSameTemperature * T) {
-      const double jump = bracket.f_high - bracket.f_low;
-      const double unit = eos::kCalR * (c.property == flash::Property::enthalpy ? T : 1.0);
-      return jump <= flash::kOwedValue * std::max(std::fabs(c.wanted), unit) ? kind
-                                                                             : StatusCode{KV_NOT_CONVERGED};
+      return bracket.f_high - bracket.f_low <= owed(c, T) ? kind : StatusCode{KV_NOT_CONVERGED};
     }
     T = k % 5 == 4 || !bracket.inside(bracket.secant()) ? 0.5 * (bracket.low + bracket.high) : bracket.secant();
   }
@@ -89,9 +92,9 @@ StatusCode three_energy_free_water(const ThreeEnergyCall& c) {
     double total = 0.0;
     const StatusCode evaluated = evaluate(c, model, total);
     if (evaluated != KV_OK) return evaluated;
-    if (!split || c.property == flash::Property::enthalpy)
-      return !split ? KV_LV_ANSWER : *c.out.V > 0.0 ? KV_OK : KV_LL_ANSWER;
-    return search(c, model);
+    // Water on its own has another entropy than in the liquid; and where traces are dropped, what they add.
+    if (std::fabs(total - c.wanted) > owed(c, *c.T)) return search(c, model);
+    return !split ? KV_LV_ANSWER : *c.out.V > 0.0 ? KV_OK : KV_LL_ANSWER;
   });
 }
 

@@ -77,8 +77,12 @@ class Arena {
   std::unique_ptr<Chunk> heap_;
 };
 
-// Largest mixture that is worked on without touching the heap.
-inline constexpr int kStackComponents = 32;
+// Every mixture up to this many components is worked on without touching the heap; a block that stays small is
+// made for up to twice as many.
+inline constexpr std::size_t kStackComponents = 16;
+// Bytes of a block for more than that. Blocks of nested calls add up, and what a call needs in all has to fit
+// the stack that a host's thread may have (a quarter of a megabyte).
+inline constexpr std::size_t kLargestBlock = 48 * 1024;
 
 namespace detail {
 template <std::size_t Bytes, class Body>
@@ -90,15 +94,18 @@ template <std::size_t Bytes, class Body>
 }  // namespace detail
 
 // Runs body(Arena&) with room on the stack for "matrices" n x n matrices and "vectors" n-vectors when n is at
-// most kStackComponents; beyond that the heap adds what is missing. Two block sizes: small mixtures stay within
-// a few pages, and several large blocks on top of each other within the stack that a thread of a host may have.
+// most kStackComponents, or what a block of kLargestBlock holds; beyond that the heap adds what is missing.
 template <int Matrices, int Vectors, class Body>
 auto with_arena(int n, Body&& body) {
   constexpr auto bytes = [](std::size_t m) {
     return (Matrices * m * m + Vectors * m) * sizeof(double) + 64 * kAlignment;
   };
-  if (n <= 16) return detail::on_stack<bytes(16)>(body);
-  return detail::on_stack<bytes(kStackComponents)>(body);
+  constexpr auto largest = [bytes](std::size_t m) {
+    while (m > kStackComponents && bytes(m) > kLargestBlock) m -= 4;
+    return bytes(m);
+  }(2 * kStackComponents);
+  if (n <= static_cast<int>(kStackComponents)) return detail::on_stack<bytes(kStackComponents)>(body);
+  return detail::on_stack<largest>(body);
 }
 
 }  // namespace kestrune::support

@@ -1,4 +1,4 @@
-// A host may call from a thread with little stack: half a megabyte has to be enough, whatever the mixture.
+// A host may call from a thread with little stack: a quarter of a megabyte has to be enough, whatever the mixture.
 #include <gtest/gtest.h>
 
 #if !defined(_WIN32) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
@@ -14,7 +14,7 @@ using namespace kestrune::tests;
 
 namespace {
 
-constexpr std::size_t kStack = 512 * 1024;
+constexpr std::size_t kStack = 256 * 1024;
 
 void* call(void* body) {
   (*static_cast<std::function<void()>*>(body))();
@@ -31,7 +31,7 @@ void on_small_stack(std::function<void()> body) {
   pthread_attr_destroy(&attributes);
 }
 
-TEST(Stack, HalfAMegabyteIsEnough) {
+TEST(Stack, AQuarterOfAMegabyteIsEnough) {
   const std::vector<std::string> all{
       "nitrogen",     "carbon_dioxide", "hydrogen_sulfide", "water",           "methane",
       "ethane",       "propane",        "n_butane",         "n_pentane",       "n_hexane",

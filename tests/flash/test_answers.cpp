@@ -154,7 +154,8 @@ TEST(Answers, KIsTheRatioOfTheArraysReturned) {
   for (const Case& c : {Case{kRichGas, kRichGasFeed, false},
                         Case{{"methane", "n_hexane", "n_butane", "water"}, {0.6, 0.2, 0.0, 0.2}, true},
                         Case{{"methane", "n_hexane", "water"}, {0.999, 0.0, 0.001}, true},
-                        Case{{"propane", "n_butane"}, {1.0 - 1e-13, 1e-13}, false}}) {
+                        Case{{"propane", "n_butane"}, {1.0 - 1e-13, 1e-13}, false},
+                        Case{{"n_dodecane", "water", "nitrogen"}, {1.0 - 4e-15, 1.5e-16, 3.8e-15}, false}}) {
     Mixture m = mixture_of(c.ids);
     m.use();
     m.record.flags = c.free_water ? FreeWaterFlag : 0;
@@ -163,6 +164,7 @@ TEST(Answers, KIsTheRatioOfTheArraysReturned) {
     const auto look = [&](const char* name, const FlashResult& r) {
       SCOPED_TRACE(testing::Message() << c.ids[1] << ' ' << name << " beta " << r.beta);
       if (r.status != KV_OK) return;
+      for (const auto* w : {&r.x, &r.y}) EXPECT_NEAR(std::accumulate(w->begin(), w->end(), 0.0), 1.0, 1e-12);
       for (std::size_t i = 0; i < c.z.size(); ++i) {
         EXPECT_EQ(r.K[i], r.x[i] > 0.0 ? std::clamp(r.y[i] / r.x[i], 1e-15, 1e15) : 1e15) << i;
         absent += c.z[i] == 0.0;
@@ -285,6 +287,12 @@ TEST(Answers, PhasesThatAreEasilyMissed) {
        31.313658978,
        {0.99863, 0.00137}},
       {{"methyl_mercaptan", "ethane"}, {0.01, 0.99}, 165.0, 0.1254, {0.4, 0.6}},
+      // A split that began as two liquids, of which one has become a gas.
+      {{"water", "n_butane", "sulfur_dioxide"},
+       {0.069564812281585175, 0.063982412884698733, 0.86645277483371608},
+       282.74472244083881,
+       2.7777153474151177,
+       {0.00162, 0.23918, 0.7592}},
       {{"nitrogen", "ethane"}, {0.5, 0.5}, 124.98624512117, 30.402680253585, {0.97738, 0.02262}},
       {{"nitrogen", "ethane"},
        {0.4363118908648675, 0.5636881091351325},

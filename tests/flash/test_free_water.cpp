@@ -321,6 +321,14 @@ TEST(FreeWater, LiquidLiquid) {
     EXPECT_EQ(r.K[0], 1e15);
     EXPECT_NEAR(r.K[2], s, 1e-15);
   }
+  // Water alone, in a feed that does not sum to one, has nothing to split from.
+  const std::vector<double> nothing_else{0.0, 0.0, 0.6};
+  FlashResult alone = flash(m, 300.0, 150.0, nothing_else);
+  ASSERT_EQ(FlashLLatTP(300.0, 150.0, nothing_else.data(), &m.record, nullptr, 0, &alone.beta, alone.x.data(),
+                        alone.y.data(), alone.K.data()),
+            KV_OK);
+  EXPECT_EQ(alone.x, (std::vector<double>{0, 0, 1}));
+  EXPECT_EQ(alone.y, (std::vector<double>{0, 0, 0}));
   // Below the limit two hydrocarbon liquids hold the same water.
   Mixture two = wet({"carbon_dioxide", "n_decane", "water"});
   int split = 0;

@@ -347,6 +347,28 @@ TEST(HostRoutines, RoundedCoefficientsAndNoDerivatives) {
     }
 }
 
+// A routine that no search can work with, and settings that would let it run on for days.
+TEST(HostRoutines, WorkHasALimit) {
+  Mixture m = mixture_of(kThreePhases);
+  m.use();
+  Asked s = three_phases(m);
+  m.record.ITEMAX = INT32_MAX;
+  m.record.CRIT = 0.0;
+  m.record.CLIM = 0.0;
+  for (const double grid : {0.0, 1e-6, 0.3, 5.0})
+    for (const bool sense : {true, false}) {
+      if (!sense) s = {310, 2000, -1e5, -300, 0.99, {0.4, 0.4, 0.2}};
+      for (int flash = 0; flash < 11; ++flash) {
+        host = {};
+        host.grid = grid;
+        SCOPED_TRACE(testing::Message()
+                     << kFlashes[flash] << " rounded to " << grid << (sense ? "" : ", absurd"));
+        ask(flash, m, s, &kRoutines);
+        EXPECT_LT(host.calls, flash < 9 ? 225'000 : 450'000);
+      }
+    }
+}
+
 TEST(HostRoutine, ItsStatusReachesTheHostFromWhereverItComes) {
   Mixture m = mixture_of(kRichGas);
   m.use();

@@ -2,6 +2,8 @@
 #ifndef KESTRUNE_FRAME_EXPORTS_FLASH_WRAPPER_HPP
 #define KESTRUNE_FRAME_EXPORTS_FLASH_WRAPPER_HPP
 
+#include <algorithm>
+
 #include "flash/free_water.hpp"
 #include "flash/host.hpp"
 #include "frame/boundary.hpp"
@@ -66,10 +68,21 @@ inline double water_critical_pressure(const MixtureRecord& mixture, std::int32_t
  */
 flash::HostRoutines foreign_routines(const ModelRoutines* record);
 
-/* Runs a core: kHostStatus when a routine of the host ended it, whatever the core made of that. */
+/* The same for a call with this many components, with a multiple of the work that a flash may take. */
+inline flash::HostRoutines routines_of_call(const ModelRoutines* record, std::int32_t count, int times = 1) {
+  flash::HostRoutines host = foreign_routines(record);
+  host.allowed = times * flash::allowed_work(count);
+  return host;
+}
+
+/*
+ * Runs a core: kHostStatus when a routine of the host ended it, or its work did, whatever the core made of that. A
+ * retry has at least half of the work of a call.
+ */
 template <class Core>
 StatusCode run_core(flash::HostRoutines& host, Core&& core) {
   host.status = KV_OK;
+  host.spent = std::min(host.spent, host.allowed / 2);
   const StatusCode status = core();
   return host.status != KV_OK ? flash::kHostStatus : status;
 }
@@ -83,6 +96,13 @@ inline StatusCode told(const flash::HostRoutines& host, StatusCode status) {
 template <class Core>
 StatusCode run_and_tell(flash::HostRoutines& host, Core&& core) {
   return told(host, run_core(host, core));
+}
+
+/* The same for points of given vapour fraction: a search that has used up its work has met none. */
+template <class Core>
+StatusCode run_search(flash::HostRoutines& host, Core&& core) {
+  const StatusCode status = run_and_tell(host, core);
+  return status == KV_NOT_CONVERGED && host.spent > host.allowed ? StatusCode{KV_NO_SATURATION} : status;
 }
 
 /* Whether a flash that ended with this status may end better without free water or from another start. */

@@ -59,7 +59,7 @@ StatusCode energy_flash(flash3::ThreeEnergyCall call, const flash3::ThreePhaseRe
                                      call.mixture, call.T, out.beta, out.V, out.xA, out.xB, out.y, out.KLL,
                                      out.KLV, values.A, values.B, values.vapour);
   if (bad != KV_OK) return bad;
-  flash::HostRoutines host = exports::foreign_routines(routines);
+  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count);
   call.routines = &host;
   call.out = out;
   call.A = values.A;
@@ -82,12 +82,12 @@ StatusCode quality_flash(flash3::ThreeQualityCall call, flash3::ThreePhaseResult
   const StatusCode bad = check_flash(frame::check_specified(call.W), condition, call.z, call.mixture,
                                      call.unknown, out.beta, out.xA, out.xB, out.y, out.KLL, out.KLV);
   if (bad != KV_OK) return bad;
-  flash::HostRoutines host = exports::foreign_routines(routines);
+  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count, 2);
   call.routines = &host;
   call.out = out;
   call.estimate = (options & 1) != 0;
   call.free_water = exports::wet_feed(*call.mixture, call.z);
-  return exports::run_and_tell(host, [&] { return flash3::three_quality_flash(call); });
+  return exports::run_search(host, [&] { return flash3::three_quality_flash(call); });
 }
 
 // At temperature and pressure.
@@ -96,7 +96,7 @@ StatusCode isothermal_flash(flash3::ThreePhaseCall call, const flash3::ThreePhas
   const StatusCode bad = check_flash(frame::check_temperature(call.T), frame::check_pressure(call.P), call.z,
                                      call.mixture, out.beta, out.V, out.xA, out.xB, out.y, out.KLL, out.KLV);
   if (bad != KV_OK) return bad;
-  flash::HostRoutines host = exports::foreign_routines(routines);
+  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count);
   call.routines = &host;
   call.out = out;
   call.estimate = (options & 1) != 0;
@@ -115,7 +115,7 @@ StatusCode liquid_liquid_flash(flash3::LiquidLiquidCall call, const ModelRoutine
   if (bad != KV_OK) return bad;
   const exports::FlagsKeeper keeper(*call.mixture);
   exports::locate_water(*call.mixture, call.z);
-  flash::HostRoutines host = exports::foreign_routines(routines);
+  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count);
   call.routines = &host;
   call.free_water = exports::free_water(*call.mixture);
   return exports::run_and_tell(host, [&] { return flash3::liquid_liquid_flash(call); });

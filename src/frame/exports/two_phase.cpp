@@ -24,7 +24,7 @@ StatusCode energy_flash(flash::EnergyCall call, const ModelRoutines* routines, i
       {frame::check_specified(call.wanted), frame::check_pressure(call.P),
        check_flash(call.z, call.mixture, call.T, call.beta, call.x, call.y, call.K, call.liquid, call.vapour)});
   if (bad != KV_OK) return bad;
-  flash::HostRoutines host = exports::foreign_routines(routines);
+  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count);
   call.routines = &host;
   const auto core = [&](bool hint) {
     call.free_water = exports::free_water(*call.mixture);
@@ -44,11 +44,11 @@ StatusCode quality_flash(flash::QualityCall call, const ModelRoutines* routines,
       first_failure({frame::check_specified(call.W), condition,
                      check_flash(call.z, call.mixture, call.unknown, call.x, call.y, call.K)});
   if (bad != KV_OK) return bad;
-  flash::HostRoutines host = exports::foreign_routines(routines);
+  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count);
   call.routines = &host;
   call.cold = (options & 1) != 0;
   call.free_water = exports::wet_feed(*call.mixture, call.z);
-  return exports::run_and_tell(host, [&] { return flash::quality_flash(call); });
+  return exports::run_search(host, [&] { return flash::quality_flash(call); });
 }
 
 // At temperature and pressure.
@@ -56,7 +56,7 @@ StatusCode isothermal_flash(flash::IsothermalCall call, const ModelRoutines* rou
   const StatusCode bad = first_failure({frame::check_temperature(call.T), frame::check_pressure(call.P),
                                         check_flash(call.z, call.mixture, call.beta, call.x, call.y, call.K)});
   if (bad != KV_OK) return bad;
-  flash::HostRoutines host = exports::foreign_routines(routines);
+  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count);
   call.routines = &host;
   call.index = options & 1;
   const auto core = [&](bool hint) {
