@@ -18,7 +18,7 @@ const Entry& draw_entry(Choices& choices) {
     const Entry& entry =
         all[static_cast<std::size_t>(choices.below(flash ? 11 : static_cast<int>(all.size())))];
     const bool long_one = entry.family == Family::envelope || entry.words[0] == 'W';
-    if (!long_one || choices.empty() || choices.chance(25)) return entry;
+    if (!long_one || choices.empty() || choices.chance(15)) return entry;
   }
 }
 

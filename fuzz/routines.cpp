@@ -16,78 +16,73 @@ struct Behaviour {
   bool own_address = false;
   int calls = 0;
   bool failed = false, abused = false;
-
-  bool begin(double T, double P, const double* x, int n) {
-    double sum = 0.0;
-    for (int i = 0; i < n; ++i) sum += x[i] >= 0.0 ? x[i] : NAN;
-    abused = abused || !(std::abs(sum - 1.0) < 1e-6) || !(T > 0.0 && std::isfinite(T)) ||
-             !(P > 0.0 && std::isfinite(P));
-    return ++calls > good_calls;
-  }
-  void spoil(double* values, int count) const {
-    if (values == nullptr) return;
-    for (int i = 0; i < count; ++i)
-      values[i] = manner == nan        ? NAN
-                  : manner == huge     ? 1e300
-                  : manner == negative ? -values[i] - 0.5
-                                       : 2.0 * values[i];
-  }
-  StatusCode end(StatusCode status_of_library) {
-    failed = failed || manner == fails;
-    return manner == fails ? status : status_of_library;
-  }
 };
 Behaviour behaviour;  // one call at a time
+
+struct Output {
+  double* values;
+  int count;
+};
+
+// What a routine does with the library's answer: hands it on, or spoils two outputs of three.
+template <class Library>
+StatusCode behave(double T, double P, const double* x, const MixtureRecord* m,
+                  std::initializer_list<Output> outputs, Library library) {
+  Behaviour& b = behaviour;
+  double sum = 0.0;
+  for (int i = 0; i < m->count; ++i) sum += x[i] >= 0.0 ? x[i] : NAN;
+  b.abused =
+      b.abused || !(std::abs(sum - 1.0) < 1e-6 && T > 0.0 && std::isfinite(T) && P > 0.0 && std::isfinite(P));
+  const bool bad = ++b.calls > b.good_calls && b.manner != works;
+  if (bad && b.manner == silent) return KV_OK;
+  const StatusCode status = library();
+  if (!bad) return status;
+  int place = b.calls;
+  for (const Output& o : outputs) {
+    const bool spared = o.values == nullptr || (outputs.size() > 1 && ++place % 3 == 0);
+    for (int i = 0; i < o.count && !spared; ++i) {
+      double& v = o.values[i];
+      v = b.manner == nan ? NAN : b.manner == huge ? 1e300 : b.manner == negative ? -v - 0.5 : 2.0 * v;
+    }
+  }
+  b.failed = b.failed || b.manner == fails;
+  return b.manner == fails ? b.status : status;
+}
 
 template <bool liquids>
 StatusCode KV_CALL two_phases(double T, double P, const double* z, MixtureRecord* m, const ModelRoutines*,
                               std::int32_t options, double* beta, double* x, double* y, double* K) {
-  const bool bad = behaviour.begin(T, P, z, m->count);
-  if (bad && behaviour.manner == silent) return KV_OK;
-  const StatusCode status = (liquids ? FlashLLatTP : FlashLVatTP)(T, P, z, m, nullptr, options, beta, x, y, K);
-  if (!bad || behaviour.manner == works) return status;
-  if (behaviour.calls % 2 == 0) behaviour.spoil(beta, 1);
-  if (behaviour.calls % 3 != 0) behaviour.spoil(behaviour.calls % 4 < 2 ? x : y, m->count);
-  behaviour.spoil(K, m->count);
-  return behaviour.end(status);
+  const int n = m->count;
+  return behave(T, P, z, m, {{beta, 1}, {x, n}, {y, n}, {K, n}}, [&] {
+    return (liquids ? FlashLLatTP : FlashLVatTP)(T, P, z, m, nullptr, options, beta, x, y, K);
+  });
 }
 
 StatusCode KV_CALL fugacity(double T, double P, const double* x, MixtureRecord* m, std::int32_t phase,
                             std::int32_t option, std::int32_t mask, double* ln_phi, double* dT, double* dP,
                             double* dn) {
-  const bool bad = behaviour.begin(T, P, x, m->count);
-  if (bad && behaviour.manner == silent) return KV_OK;
+  const int n = m->count;
+  const auto asked = [=](int bit, double* values) { return mask & bit ? values : nullptr; };
   const auto library = phase == KV_PHASE_GAS ? GasPhi_Derivatives_PPR78 : LiquidPhi_Derivatives_PPR78;
-  const StatusCode status = library(T, P, x, m, option, mask, ln_phi, dT, dP, dn);
-  if (!bad || behaviour.manner == works) return status;
-  behaviour.spoil(ln_phi, m->count);
-  if (mask & KV_DERIV_T) behaviour.spoil(dT, m->count);
-  if (mask & KV_DERIV_N) behaviour.spoil(dn, m->count * m->count);
-  return behaviour.end(status);
+  return behave(
+      T, P, x, m,
+      {{ln_phi, n}, {asked(KV_DERIV_T, dT), n}, {asked(KV_DERIV_P, dP), n}, {asked(KV_DERIV_N, dn), n * n}},
+      [&] { return library(T, P, x, m, option, mask, ln_phi, dT, dP, dn); });
 }
 
 StatusCode KV_CALL density(double T, double P, const double* x, MixtureRecord* m, double* value, double* dT,
                            double* dP, double* dTdP) {
-  const bool bad = behaviour.begin(T, P, x, m->count);
-  if (bad && behaviour.manner == silent) return KV_OK;
-  const StatusCode status = LiquidDensity_PPR78(T, P, x, m, value, dT, dP, dTdP);
-  if (!bad || behaviour.manner == works) return status;
-  for (double* v : {value, dT, dP, dTdP}) behaviour.spoil(v, 1);
-  return behaviour.end(status);
+  return behave(T, P, x, m, {{value, 1}, {dT, 1}, {dP, 1}, {dTdP, 1}},
+                [&] { return LiquidDensity_PPR78(T, P, x, m, value, dT, dP, dTdP); });
 }
 
 template <int entry>
 StatusCode KV_CALL property(double T, double P, const double* x, MixtureRecord* m, double* value) {
-  const bool bad = behaviour.begin(T, P, x, m->count);
-  if (bad && behaviour.manner == silent) return KV_OK;
   const auto library = entry == KV_ROUTINE_GAS_ENTHALPY      ? GasMolarEnthalpy_PPR78
                        : entry == KV_ROUTINE_GAS_ENTROPY     ? GasMolarEntropy_PPR78
                        : entry == KV_ROUTINE_LIQUID_ENTHALPY ? LiquidMolarEnthalpy_PPR78
                                                              : LiquidMolarEntropy_PPR78;
-  const StatusCode status = library(T, P, x, m, value);
-  if (!bad || behaviour.manner == works) return status;
-  behaviour.spoil(value, 1);
-  return behaviour.end(status);
+  return behave(T, P, x, m, {{value, 1}}, [&] { return library(T, P, x, m, value); });
 }
 
 struct Routine {

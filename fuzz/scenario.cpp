@@ -25,9 +25,9 @@ constexpr Setting kSettings[] = {
 
 int draw_count(Choices& choices) {
   const int share = choices.below(256);
-  if (share < 226) return 1 + choices.below(12);
+  if (share < 236) return 1 + choices.below(12);
   if (share < 255) return 13 + choices.below(28);
-  return choices.chance(20) ? 200 : 41 + choices.below(40);
+  return choices.chance(5) ? 200 : 41 + choices.below(40);
 }
 
 const host::Component& draw_component(Choices& choices) {
