@@ -67,10 +67,16 @@ bool accept(QualitySearch& q) {
 
 namespace {
 
-// The equilibrium at u and its vapour less W; at the ends a whole phase that is not there counts as beyond.
-bool state_at(QualitySearch& q, double u, double& f) {
+// The equilibrium at u, from the phases of one near it where those are given, and its vapour less W; at the ends a
+// whole phase that is not there counts as beyond.
+bool state_at(QualitySearch& q, double u, double& f, const Phases* near) {
   if (!move_to(q, u)) return false;
-  q.status = find_equilibrium(q.e);
+  if (near != nullptr && near->count > 1) {
+    copy_phases(*near, q.e.p, q.e.m.ld);
+    q.status = find_equilibrium_from(q.e);
+  } else {
+    q.status = find_equilibrium(q.e);
+  }
   // Where there are four phases the three that were found lead on.
   if (q.status == KV_FOURTH_PHASE) q.status = KV_OK;
   if (q.status != KV_OK) return false;
@@ -124,9 +130,9 @@ struct Walks {
 
 // A state at u, into the node, and a walk from there when it has both vapour and liquid.
 enum class Step { solved, missed, failed };
-Step look_at(QualitySearch& q, double u, Walks& walks, Node& node) {
+Step look_at(QualitySearch& q, double u, Walks& walks, const Phases* near, Node& node) {
   double f = 0.0;
-  if (!state_at(q, u, f)) return Step::failed;
+  if (!state_at(q, u, f, near)) return Step::failed;
   keep_node(q, u, f, node);
   for (int detour = 0; detour < kMostDetours; ++detour) {
     const bool three = q.e.p.count == kMostPhases;
@@ -139,7 +145,7 @@ Step look_at(QualitySearch& q, double u, Walks& walks, Node& node) {
     const double there = q.u;
     if (accept(q)) return Step::solved;
     // What is there instead is the next state to walk from.
-    if (!state_at(q, there, f)) return Step::missed;
+    if (!state_at(q, there, f, nullptr)) return Step::missed;
   }
   return Step::missed;
 }
@@ -218,7 +224,7 @@ bool close_in(QualitySearch& q, const Node& first, const Node& second) {
   copy(second, b);
   for (int k = 0; k < kMostHalvings && width(a, b) > kClosed; ++k) {
     Walks walks{1, 1, 1, 1};
-    const Step step = look_at(q, std::sqrt(a.u * b.u), walks, q.fresh);
+    const Step step = look_at(q, std::sqrt(a.u * b.u), walks, &a.p, q.fresh);
     if (step == Step::solved) return true;
     if (step == Step::failed) return false;
     copy(q.fresh, (q.fresh.f < 0.0) == (a.f < 0.0) ? a : b);
@@ -241,7 +247,7 @@ bool search_between(QualitySearch& q, const Node& a, const Node& b, int depth) {
   if (depth >= kDeepest || width(a, b) < kNarrow) return there.crossed && close_in(q, a, b);
   Walks walks{1, 1, 1, kMostWalks};
   Node& node = q.between[depth];
-  const Step step = look_at(q, middle, walks, node);
+  const Step step = look_at(q, middle, walks, &a.p, node);
   if (step != Step::missed) return step == Step::solved;
   return search_between(q, a, node, depth + 1) || search_between(q, node, b, depth + 1);
 }
@@ -254,7 +260,7 @@ StatusCode search_from(QualitySearch& q, double first) {
   const double least = q.of_T ? kLowestT : kLowestP, most = q.of_T ? kHighestT : kHighestP;
   const double longest = q.of_T ? kLongestStepT : kLongestStepP;
   Walks walks{1, 3, kMostWalks, kMostWalks};
-  Step step_to = look_at(q, first, walks, q.outer[0]);
+  Step step_to = look_at(q, first, walks, nullptr, q.outer[0]);
   if (step_to == Step::solved) return KV_OK;
   if (step_to == Step::failed) return q.status > KV_STATUS_CALL_BLOCK ? q.status : StatusCode{KV_NO_START};
   Node& start = q.outer[1];
@@ -276,7 +282,7 @@ StatusCode search_from(QualitySearch& q, double first) {
     }
     ends[side] = u;
     Node& outer = q.outer[side];
-    step_to = look_at(q, u, walks, q.fresh);
+    step_to = look_at(q, u, walks, &outer.p, q.fresh);
     if (step_to == Step::solved) return KV_OK;
     if (step_to == Step::failed) {
       if (q.status > KV_STATUS_CALL_BLOCK) return q.status;
