@@ -69,7 +69,7 @@ namespace {
 
 // The equilibrium at u, from the phases of one near it where those are given, and its vapour less W; at the ends a
 // whole phase that is not there counts as beyond.
-bool state_at(QualitySearch& q, double u, double& f, const Phases* near) {
+bool state_at(QualitySearch& q, double u, double& f, const Phases* near, bool& cut) {
   if (!move_to(q, u)) return false;
   if (near != nullptr && near->count > 1) {
     copy_phases(*near, q.e.p, q.e.m.ld);
@@ -78,7 +78,8 @@ bool state_at(QualitySearch& q, double u, double& f, const Phases* near) {
     q.status = find_equilibrium(q.e);
   }
   // Where there are four phases the three that were found lead on.
-  if (q.status == KV_FOURTH_PHASE) q.status = KV_OK;
+  cut = q.status == KV_FOURTH_PHASE;
+  if (cut) q.status = KV_OK;
   if (q.status != KV_OK) return false;
   const int v = find_vapour(q.e);
   const double V = v < 0 ? 0.0 : q.e.p.amount[v];
@@ -116,9 +117,10 @@ double width(const Node& a, const Node& b) {
   return std::fabs(std::log(a.u / b.u));
 }
 
-void keep_node(const QualitySearch& q, double u, double f, Node& node) {
+void keep_node(const QualitySearch& q, double u, double f, bool cut, Node& node) {
   node.u = u;
   node.f = f;
+  node.cut = cut;
   copy_phases(q.e.p, node.p, q.e.m.ld);
 }
 
@@ -132,8 +134,9 @@ struct Walks {
 enum class Step { solved, missed, failed };
 Step look_at(QualitySearch& q, double u, Walks& walks, const Phases* near, Node& node) {
   double f = 0.0;
-  if (!state_at(q, u, f, near)) return Step::failed;
-  keep_node(q, u, f, node);
+  bool cut = false;
+  if (!state_at(q, u, f, near, cut)) return Step::failed;
+  keep_node(q, u, f, cut, node);
   for (int detour = 0; detour < kMostDetours; ++detour) {
     const bool three = q.e.p.count == kMostPhases;
     int& left = three ? walks.three : walks.two;
@@ -145,7 +148,7 @@ Step look_at(QualitySearch& q, double u, Walks& walks, const Phases* near, Node&
     const double there = q.u;
     if (accept(q)) return Step::solved;
     // What is there instead is the next state to walk from.
-    if (!state_at(q, there, f, nullptr)) return Step::missed;
+    if (!state_at(q, there, f, nullptr, cut) || cut) return Step::missed;
   }
   return Step::missed;
 }
@@ -191,6 +194,8 @@ Between look_between(QualitySearch& q, const Node& a, const Node& b) {
   there.crossed = (a.f < 0.0) != (b.f < 0.0);
   if (a.p.count < 2 || b.p.count < 2) return there;
   const bool close = width(a, b) < (q.of_T ? kShortT : kShortP), same_number = a.p.count == b.p.count;
+  // Three phases that a fourth cuts on both sides have the vapour's part where it cuts them too.
+  if (close && a.cut && b.cut) return {};
   const int va = lightest_of(q, a.p), vb = lightest_of(q, b.p);
   // A dense fluid may end in a gas without another phase in between, or with one, from which each of them leads
   // on to the other.
@@ -218,6 +223,7 @@ bool close_in(QualitySearch& q, const Node& first, const Node& second) {
   const auto copy = [&](const Node& from, Node& to) {
     to.u = from.u;
     to.f = from.f;
+    to.cut = from.cut;
     copy_phases(from.p, to.p, q.e.m.ld);
   };
   copy(first, a);
@@ -266,6 +272,7 @@ StatusCode search_from(QualitySearch& q, double first) {
   Node& start = q.outer[1];
   start.u = first;
   start.f = q.outer[0].f;
+  start.cut = q.outer[0].cut;
   copy_phases(q.outer[0].p, start.p, q.e.m.ld);
   const double towards = start.f < 0.0 ? rising : -rising;
   double ends[] = {first, first}, step = kFirstStep;
