@@ -67,12 +67,19 @@ bool accept(QualitySearch& q) {
 
 namespace {
 
-// The equilibrium at u and its vapour less W; at the ends a whole phase that is not there counts as beyond.
-bool state_at(QualitySearch& q, double u, double& f) {
+// The equilibrium at u, from the phases of one near it where those are given, and its vapour less W; at the ends a
+// whole phase that is not there counts as beyond.
+bool state_at(QualitySearch& q, double u, double& f, const Phases* near, bool& cut) {
   if (!move_to(q, u)) return false;
-  q.status = find_equilibrium(q.e);
+  if (near != nullptr && near->count > 1) {
+    copy_phases(*near, q.e.p, q.e.m.ld);
+    q.status = find_equilibrium_from(q.e);
+  } else {
+    q.status = find_equilibrium(q.e);
+  }
   // Where there are four phases the three that were found lead on.
-  if (q.status == KV_FOURTH_PHASE) q.status = KV_OK;
+  cut = q.status == KV_FOURTH_PHASE;
+  if (cut) q.status = KV_OK;
   if (q.status != KV_OK) return false;
   const int v = find_vapour(q.e);
   const double V = v < 0 ? 0.0 : q.e.p.amount[v];
@@ -110,9 +117,10 @@ double width(const Node& a, const Node& b) {
   return std::fabs(std::log(a.u / b.u));
 }
 
-void keep_node(const QualitySearch& q, double u, double f, Node& node) {
+void keep_node(const QualitySearch& q, double u, double f, bool cut, Node& node) {
   node.u = u;
   node.f = f;
+  node.cut = cut;
   copy_phases(q.e.p, node.p, q.e.m.ld);
 }
 
@@ -124,10 +132,11 @@ struct Walks {
 
 // A state at u, into the node, and a walk from there when it has both vapour and liquid.
 enum class Step { solved, missed, failed };
-Step look_at(QualitySearch& q, double u, Walks& walks, Node& node) {
+Step look_at(QualitySearch& q, double u, Walks& walks, const Phases* near, Node& node) {
   double f = 0.0;
-  if (!state_at(q, u, f)) return Step::failed;
-  keep_node(q, u, f, node);
+  bool cut = false;
+  if (!state_at(q, u, f, near, cut)) return Step::failed;
+  keep_node(q, u, f, cut, node);
   for (int detour = 0; detour < kMostDetours; ++detour) {
     const bool three = q.e.p.count == kMostPhases;
     int& left = three ? walks.three : walks.two;
@@ -139,7 +148,7 @@ Step look_at(QualitySearch& q, double u, Walks& walks, Node& node) {
     const double there = q.u;
     if (accept(q)) return Step::solved;
     // What is there instead is the next state to walk from.
-    if (!state_at(q, there, f)) return Step::missed;
+    if (!state_at(q, there, f, nullptr, cut) || cut) return Step::missed;
   }
   return Step::missed;
 }
@@ -185,6 +194,8 @@ Between look_between(QualitySearch& q, const Node& a, const Node& b) {
   there.crossed = (a.f < 0.0) != (b.f < 0.0);
   if (a.p.count < 2 || b.p.count < 2) return there;
   const bool close = width(a, b) < (q.of_T ? kShortT : kShortP), same_number = a.p.count == b.p.count;
+  // Three phases that a fourth cuts on both sides have the vapour's part where it cuts them too.
+  if (close && a.cut && b.cut) return {};
   const int va = lightest_of(q, a.p), vb = lightest_of(q, b.p);
   // A dense fluid may end in a gas without another phase in between, or with one, from which each of them leads
   // on to the other.
@@ -212,13 +223,14 @@ bool close_in(QualitySearch& q, const Node& first, const Node& second) {
   const auto copy = [&](const Node& from, Node& to) {
     to.u = from.u;
     to.f = from.f;
+    to.cut = from.cut;
     copy_phases(from.p, to.p, q.e.m.ld);
   };
   copy(first, a);
   copy(second, b);
   for (int k = 0; k < kMostHalvings && width(a, b) > kClosed; ++k) {
     Walks walks{1, 1, 1, 1};
-    const Step step = look_at(q, std::sqrt(a.u * b.u), walks, q.fresh);
+    const Step step = look_at(q, std::sqrt(a.u * b.u), walks, &a.p, q.fresh);
     if (step == Step::solved) return true;
     if (step == Step::failed) return false;
     copy(q.fresh, (q.fresh.f < 0.0) == (a.f < 0.0) ? a : b);
@@ -241,7 +253,7 @@ bool search_between(QualitySearch& q, const Node& a, const Node& b, int depth) {
   if (depth >= kDeepest || width(a, b) < kNarrow) return there.crossed && close_in(q, a, b);
   Walks walks{1, 1, 1, kMostWalks};
   Node& node = q.between[depth];
-  const Step step = look_at(q, middle, walks, node);
+  const Step step = look_at(q, middle, walks, &a.p, node);
   if (step != Step::missed) return step == Step::solved;
   return search_between(q, a, node, depth + 1) || search_between(q, node, b, depth + 1);
 }
@@ -254,12 +266,13 @@ StatusCode search_from(QualitySearch& q, double first) {
   const double least = q.of_T ? kLowestT : kLowestP, most = q.of_T ? kHighestT : kHighestP;
   const double longest = q.of_T ? kLongestStepT : kLongestStepP;
   Walks walks{1, 3, kMostWalks, kMostWalks};
-  Step step_to = look_at(q, first, walks, q.outer[0]);
+  Step step_to = look_at(q, first, walks, nullptr, q.outer[0]);
   if (step_to == Step::solved) return KV_OK;
   if (step_to == Step::failed) return q.status > KV_STATUS_CALL_BLOCK ? q.status : StatusCode{KV_NO_START};
   Node& start = q.outer[1];
   start.u = first;
   start.f = q.outer[0].f;
+  start.cut = q.outer[0].cut;
   copy_phases(q.outer[0].p, start.p, q.e.m.ld);
   const double towards = start.f < 0.0 ? rising : -rising;
   double ends[] = {first, first}, step = kFirstStep;
@@ -276,7 +289,7 @@ StatusCode search_from(QualitySearch& q, double first) {
     }
     ends[side] = u;
     Node& outer = q.outer[side];
-    step_to = look_at(q, u, walks, q.fresh);
+    step_to = look_at(q, u, walks, &outer.p, q.fresh);
     if (step_to == Step::solved) return KV_OK;
     if (step_to == Step::failed) {
       if (q.status > KV_STATUS_CALL_BLOCK) return q.status;

@@ -17,6 +17,7 @@ inline constexpr int kMostChanges = 60;  // states that are looked at for no mor
 // A state on the way: the unknown, the vapour less W, and the phases.
 struct Node {
   double u = 0.0, f = 0.0;
+  bool cut = false;  // by a fourth phase
   Phases p;
   double V(double W) const { return std::clamp(f + W, 0.0, 1.0); }
 };

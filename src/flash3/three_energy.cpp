@@ -310,8 +310,14 @@ StatusCode write_answer(Search& q, StatusCode found) {
   *c.T = q.e.m.T;
   const StatusCode written = write_phases(q.e, c.out);
   if (written != KV_OK && written != KV_LV_ANSWER && written != KV_LL_ANSWER) return written;
-  if (!evaluate(q)) return q.status;
-  const int count = q.e.p.count;
+  if (!evaluate(q)) return q.status != KV_OK ? q.status : StatusCode{KV_NOT_FINITE};
+  // The values as they leave, by routines of a host that may have changed their mind.
+  const Phases& p = q.e.p;
+  const double unit = eos::kCalR * (c.property == flash::Property::enthalpy ? q.e.m.T : 1.0);
+  const bool met = std::fabs(off(q)) <= flash::kOwedValue * std::max(size_of_value(q), unit);
+  if (found == KV_OK && !(met && flash::is_split(q.e.m.n, q.e.z, p.count, p.amount, p.x)))
+    return KV_NOT_CONVERGED;
+  const int count = p.count;
   double A = 0.0, B = 0.0, vapour = 0.0;
   if (written == KV_OK || (written == KV_LL_ANSWER && count == 2)) {
     A = q.phase[0];
@@ -338,7 +344,7 @@ StatusCode single_component(const ThreeEnergyCall& c, support::Arena& arena) {
   const StatusCode status = flash::energy_flash({c.property, c.wanted, c.P, c.z, c.mixture, c.T, &beta, x, y, K,
                                                  &liquid, &vapour, c.routines, c.free_water});
   if (status != KV_OK) return status;
-  const bool split = split_free_water({*c.T, c.P, c.mixture, beta, x, y}, c.out);
+  const bool split = split_free_water({*c.T, c.P, c.mixture, beta, x, y, false, c.free_water}, c.out);
   *c.A = split ? 0.0 : liquid;
   *c.B = split ? liquid : 0.0;
   *c.vapour = vapour;
@@ -391,8 +397,9 @@ StatusCode three_energy_flash(const ThreeEnergyCall& c) {
   const int n = c.mixture->count;
   if (const StatusCode bad = flash::check_feed_sum(c.z, *c.mixture); bad != KV_OK) return bad;
   if (*c.T == 0.0) *c.T = kDefaultTemperature;
-  const bool pure = flash::single_component(n, c.z, flash::pure_tolerance(*c.mixture)) >= 0;
-  if (pure)
+  const int j = flash::single_component(n, c.z, flash::pure_tolerance(*c.mixture));
+  // Of a feed of hardly anything but another component the water that it has is a liquid of its own.
+  if (j >= 0 && (!c.free_water || j == eos::find_water_family(*c.mixture)))
     return support::with_arena<0, 4>(n, [&](support::Arena& arena) { return single_component(c, arena); });
   if (c.free_water) return three_energy_free_water(c);
   return support::with_arena<12, 100>(n, [&](support::Arena& arena) {

@@ -354,7 +354,7 @@ bool split_free_water(const LiquidVapour& a, const ThreePhaseResult& out) {
   *out.V = a.V;
   std::copy_n(a.y, n, out.y);
   drop_traces(n, out.y);
-  if (iw < 0 || w <= s || w > kAllWater || a.V == 1.0) {
+  if (iw < 0 || !a.free_water || w <= s || w > kAllWater || a.V == 1.0) {
     *out.beta = 1.0;
     std::copy_n(a.x, n, out.xA);
     drop_traces(n, out.xA);

@@ -53,7 +53,7 @@ StatusCode write_quality_phases(Equilibrium& e, double W, const ThreePhaseResult
  * Free water: splits the liquid x[n] of a liquid-vapour answer (fractions V and 1 - V) into hydrocarbons at
  * their solubility limit, A, and water, B, where there is more water than that. False: there is not, and the
  * answer has been written with the mark, liquid A being x. incipient: V is 1, and the liquid that would appear
- * first is written as well.
+ * first is written as well. Without free_water water is a component like the others, and nothing is split.
  */
 struct LiquidVapour {
   double T, P;
@@ -61,6 +61,7 @@ struct LiquidVapour {
   double V;
   const double *x, *y;
   bool incipient = false;
+  bool free_water = true;
 };
 bool split_free_water(const LiquidVapour& answer, const ThreePhaseResult& out);
 

@@ -221,6 +221,7 @@ TEST_F(Calls, MolecularWeightAlwaysReturnsZero) {
               {-5, nullptr, nullptr, 0.0},
               {2, nullptr, M.data(), 0.0},
               {2, x.data(), nullptr, 0.0},
+              {3, x.data(), M.data(), 0.0},
               {10001, many.data(), many.data(), 10001 * 1e-8}};
   for (const auto& row : rows) {
     double out = kMark;

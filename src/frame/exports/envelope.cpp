@@ -3,6 +3,7 @@
 #include "envelope/envelope.hpp"
 
 #include <algorithm>
+#include <cmath>
 
 #include "envelope/critical.hpp"
 #include "frame/exports/flash_wrapper.hpp"
@@ -43,6 +44,8 @@ StatusCode critical_point(const double* z, MixtureRecord* mixture, double* Tc, d
   envelope::Critical point;
   const StatusCode status = envelope::critical_point(*mixture, z, point);
   if (status != KV_OK) return status;
+  for (const double value : {point.T, point.P, point.V, point.Z})
+    if (!std::isfinite(value)) return KV_NOT_FINITE;
   *Tc = point.T;
   *Pc = point.P;
   *Vc = point.V;

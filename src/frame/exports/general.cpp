@@ -1,5 +1,7 @@
 // Exports: group data and molar mass.
 
+#include <cmath>
+
 #include "eos/group_data.hpp"
 #include "frame/boundary.hpp"
 #include "frame/state.hpp"
@@ -23,13 +25,13 @@ StatusCode convert(int nC, int nG, const int32_t* counts, const double* A, const
   return KV_OK;
 }
 
-// There is no status but 0: what cannot be read counts as nothing.
+// There is no status but 0: what cannot be read, and a sum that is no number, counts as nothing.
 StatusCode molecular_weight(int n, const double* x, const double* M, double* out) {
   if (out == nullptr) return KV_OK;
   double sum = 0.0;
   if (x != nullptr && M != nullptr)
     for (int i = 0; i < n; ++i) sum += x[i] * M[i];
-  *out = sum;
+  *out = std::isfinite(sum) ? sum : 0.0;
   return KV_OK;
 }
 
