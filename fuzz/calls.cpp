@@ -215,6 +215,13 @@ std::size_t Call::size_of(std::size_t argument) const {
   return is_one_of(word, "XKDz") ? n : word == 'N' ? n * n : 1;
 }
 
+bool Call::free_water() const {
+  bool water = false;
+  for (int i = 0; i < count(); ++i)
+    water = water || (scenario.at(i, KV_COL_FAMILY) == KV_FAMILY_WATER && z[static_cast<std::size_t>(i)] > 0.0);
+  return water && (scenario.record->flags & FreeWaterFlag) != 0;
+}
+
 bool Call::asked(std::size_t argument) const {
   if (!has('k') || argument + 3 < slots.size()) return true;
   return (slot('k').integer >> (argument + 3 - slots.size()) & 1) != 0;

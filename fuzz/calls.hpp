@@ -59,6 +59,8 @@ struct Call {
     const std::int32_t n = scenario.record->count;
     return n >= 1 && n <= scenario.n() ? n : scenario.n();
   }
+  // Water may form a phase of its own.
+  bool free_water() const;
   bool sound() const { return scenario.flaw.empty() && flaw.empty(); }
   std::string text() const;     // the arguments
   std::string results() const;  // after the call

@@ -187,7 +187,7 @@ void check_energy(const Call& c, const std::vector<PhasePart>& phases, double T)
   double sum = 0.0;
   for (std::size_t k = 0; k < phases.size(); ++k) sum += phases[k].amount * c.value('v', static_cast<int>(k));
   rule(std::abs(sum - given) < 1e-6 * scale, "the phases do not add up to what was given", {sum, given});
-  if (c.own_routines || c.scenario.free_water()) return;
+  if (c.own_routines || c.free_water()) return;
   for (std::size_t k = 0; k < phases.size(); ++k) {
     if (phases[k].amount < 1e-12) continue;
     const double own = c.value('v', static_cast<int>(k));
@@ -220,7 +220,7 @@ void check_flash(const Call& c) {
   if (!c.scenario.sound_model) return;
   if (c.has('H') || c.has('S')) check_energy(c, phases, T);
   // The liquids of FlashLLatTP are on the liquid's root; those of free water follow rules of their own.
-  if (!c.scenario.free_water() && routines_are_faithful() && c.entry.family != Family::liquids)
+  if (!c.free_water() && routines_are_faithful() && c.entry.family != Family::liquids)
     check_fugacities(c, phases, T, P);
 }
 

@@ -80,23 +80,12 @@ Scenario::Scenario(const host::Composition& composition, std::uint8_t flags)
   record->table = table;
   record->flags = flags;
   mixture.z = composition.amounts;
-  find_water();
 }
 
 void Scenario::lay_out(Choices& choices) {
   record = static_cast<MixtureRecord*>(zones.bytes(sizeof(MixtureRecord), choices.chance(30) ? 3 : 0));
   table = zones.array<double>(mixture.table.size());
   std::copy(mixture.table.begin(), mixture.table.end(), table);
-}
-
-void Scenario::find_water() {
-  for (int i = 0; i < n(); ++i)
-    if (at(i, KV_COL_FAMILY) == KV_FAMILY_WATER) water_fraction += mixture.z[static_cast<std::size_t>(i)];
-}
-
-Scenario::~Scenario() {
-  // The library keeps the addresses of the buffers: take them away before the buffers go.
-  ConvertPPR78GroupData(0, 0, nullptr, nullptr, nullptr, nullptr);
 }
 
 void Scenario::draw_feed(Choices& choices) {
@@ -112,7 +101,6 @@ void Scenario::draw_feed(Choices& choices) {
   double sum = std::accumulate(z.begin(), z.end(), 0.0);
   if (!(sum > 0.0)) sum = z[0] = 1.0;
   for (double& v : z) v /= sum;
-  find_water();
 }
 
 void Scenario::draw_settings(Choices& choices) {

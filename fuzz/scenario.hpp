@@ -25,7 +25,6 @@ struct Scenario {
     return table[static_cast<std::size_t>(column - 1) * static_cast<std::size_t>(n()) +
                  static_cast<std::size_t>(component)];
   }
-  bool free_water() const { return (record->flags & FreeWaterFlag) != 0 && water_fraction > 0.0; }
   // Converts the group data, for so many components.
   void hand_over(int components);
   // The mixture on one line.
@@ -35,13 +34,11 @@ struct Scenario {
   Zones zones, buffers;  // record and table; group data
   MixtureRecord* record = nullptr;
   double* table = nullptr;
-  double water_fraction = 0.0;  // of the sound feed mixture.z
-  std::string flaw;             // what is wrong with the mixture; empty: nothing
-  bool sound_model = true;      // the flaw does not touch the equation of state
+  std::string flaw;         // what is wrong with the mixture; empty: nothing
+  bool sound_model = true;  // the flaw does not touch the equation of state
 
  private:
   void lay_out(Choices& choices);
-  void find_water();
   void draw_feed(Choices& choices);
   void draw_settings(Choices& choices);
   void draw_flaw(Choices& choices);

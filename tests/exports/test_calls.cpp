@@ -215,14 +215,10 @@ TEST_F(Calls, MolecularWeightAlwaysReturnsZero) {
     int nc;
     const double *x, *M;
     double out;
-  } rows[] = {{2, x.data(), M.data(), 19.0},
-              {1, x.data(), M.data(), 8.0},
-              {0, nullptr, nullptr, 0.0},
-              {-5, nullptr, nullptr, 0.0},
-              {2, nullptr, M.data(), 0.0},
-              {2, x.data(), nullptr, 0.0},
-              {3, x.data(), M.data(), 0.0},
-              {10001, many.data(), many.data(), 10001 * 1e-8}};
+  } rows[] = {{2, x.data(), M.data(), 19.0}, {1, x.data(), M.data(), 8.0},
+              {0, nullptr, nullptr, 0.0},    {-5, nullptr, nullptr, 0.0},
+              {2, nullptr, M.data(), 0.0},   {2, x.data(), nullptr, 0.0},
+              {3, x.data(), M.data(), 0.0},  {10001, many.data(), many.data(), 10001 * 1e-8}};
   for (const auto& row : rows) {
     double out = kMark;
     EXPECT_EQ(MolecularWeight(row.nc, row.x, row.M, &out), KV_OK);
