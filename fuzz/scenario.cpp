@@ -88,6 +88,11 @@ void Scenario::lay_out(Choices& choices) {
   std::copy(mixture.table.begin(), mixture.table.end(), table);
 }
 
+Scenario::~Scenario() {
+  // The library keeps the addresses of the buffers: take them away before the buffers go.
+  ConvertPPR78GroupData(0, 0, nullptr, nullptr, nullptr, nullptr);
+}
+
 void Scenario::draw_feed(Choices& choices) {
   std::vector<double>& z = mixture.z;
   const int manner = choices.below(8);  // 0 .. 4 anything, 5 with absent ones, 6 with traces, 7 nearly pure

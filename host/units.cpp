@@ -163,6 +163,8 @@ void check_range(Quantity quantity, double base, double value, const Unit& unit)
     throw InputError(
         fmt::format("the vapour fraction {} is not between 0 (bubble point) and 1 (dew point)", value));
   }
+  if (!std::isfinite(base))
+    throw InputError(fmt::format("the {} {} {} is too large", info(quantity).name, value, unit.name));
   if (base > 0.0 || (quantity != Quantity::temperature && quantity != Quantity::pressure)) return;
   throw InputError(fmt::format("the {} {} {} is not above {}", info(quantity).name, value, unit.name,
                                quantity == Quantity::temperature ? "absolute zero" : "vacuum"));

@@ -77,7 +77,7 @@ inline StatusCode end_flash(HostRoutines& host, StatusCode status) noexcept {
  */
 inline StatusCode spend(HostRoutines* host, int work) noexcept {
   if (host == nullptr || (host->spent += work) <= host->allowed) return KV_OK;
-  return host->final || host->status == KV_OK ? end_flash(*host, KV_NOT_CONVERGED) : kHostStatus;
+  return host->status == KV_OK ? end_flash(*host, KV_NOT_CONVERGED) : kHostStatus;
 }
 
 /*

@@ -122,6 +122,8 @@ TEST(units, wrong_conditions_are_refused_with_the_reason) {
         error_of([&] { parse_conditions(Quantity::temperature, text, unit(Quantity::temperature, "C")); });
     EXPECT_TRUE(contains(error, part)) << text << ": " << error;
   }
+  const auto huge = [] { parse_conditions(Quantity::pressure, "1e308", unit(Quantity::pressure, "bar")); };
+  EXPECT_TRUE(contains(error_of(huge), "too large"));
   EXPECT_TRUE(contains(error_of([] { unit_system("imperial"); }), "field"));
   EXPECT_EQ(unit_system("K,atm")[Quantity::pressure].name, "atm");
 }
