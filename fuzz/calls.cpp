@@ -11,6 +11,8 @@ StatusCode through_slots(StatusCode(KV_CALL* address)(A...), const std::vector<S
   return tests::apply_slots(address, slots, std::index_sequence_for<A...>{});
 }
 
+constexpr double kCasOfWater = 7732185.0;
+
 double draw_temperature(Choices& choices) {
   const int share = choices.below(10);
   if (share == 9) return choices.between(5.0, 3000.0);
@@ -218,7 +220,9 @@ std::size_t Call::size_of(std::size_t argument) const {
 bool Call::free_water() const {
   bool water = false;
   for (int i = 0; i < count(); ++i)
-    water = water || (scenario.at(i, KV_COL_FAMILY) == KV_FAMILY_WATER && z[static_cast<std::size_t>(i)] > 0.0);
+    water = water ||
+            (z[static_cast<std::size_t>(i)] > 0.0 &&
+             (scenario.at(i, KV_COL_FAMILY) == KV_FAMILY_WATER || scenario.at(i, KV_COL_CAS) == kCasOfWater));
   return water && (scenario.record->flags & FreeWaterFlag) != 0;
 }
 
