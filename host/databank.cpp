@@ -81,7 +81,9 @@ std::vector<const Component*> search_components(std::string_view text) {
 }
 
 std::vector<std::string> similar_names(std::string_view text) {
+  constexpr std::size_t kLongest = 60;  // no name comes near
   const std::string key = search_key(text);
+  if (key.size() > kLongest) return {};
   const int limit = key.size() <= 3 ? 1 : std::max(2, static_cast<int>(key.size()) / 3);
   std::vector<std::pair<int, const Component*>> near;
   for (const Component& c : all_components()) {
