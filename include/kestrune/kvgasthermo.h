@@ -21,10 +21,10 @@
  * Stack: a call needs at most 256 kB of the stack of its thread, whatever the mixture; what a host's own routines
  * need comes on top of it.
  *
- * Time: a flash may spend 4e7/(count + 8)^2 evaluations of ln phi, not more than 150 000 and not less than 8 000,
- * the three-phase flashes at a vapour fraction twice and an envelope four times as many, a retry half of it again;
- * settings cannot raise that. One with composition derivatives counts as three, a new temperature as six. A flash
- * that has spent it ends with 112, one at a vapour fraction with 116.
+ * Time: a flash may spend 8e7/(count + 8)^2 evaluations of ln phi, not more than 200 000 and not less than 4 000,
+ * one of three phases at a vapour fraction half as many again and an envelope twice as many; settings cannot raise that. One with composition derivatives counts as three (of many
+ * components as more), a new temperature as six. A flash that has spent it ends with 112, one at a vapour fraction
+ * with 116. Critical points and the water exports are bounded by their iterations alone.
  *
  * "48 bytes" is what the arguments of an export take on the stack of a 32-bit process and the export removes from
  * it: 8 for a double by value, 4 for an integer or an address. For FlashLVatTP 2 * 8 + 8 * 4:
@@ -316,7 +316,7 @@ KV_API StatusCode KV_CALL CriticalPoint(const double* z, MixtureRecord* mixture,
  * method  1 (or 0): balance of fugacities of water in the gas (PPR78; k_ij of water for a gas: Soreide and
  *         Whitson 1992) and in liquid water with dissolved CO2 and H2S, or ice; 150 to 640 K, to 2000 atm
  *         2: chart correlation with acid-gas correction (Bukacek 1955, Maddox 1974); 233.15 to 510.93 K, to
- *         680.46 atm; others: KV_SPECIFICATION
+ *         680.46 atm, and without group data; others: KV_SPECIFICATION
  * routes  0                                   unused  not read
  *
  * KV_NO_WATER without a component that is water (CAS 7732-18-5); KV_NO_WATER_LIMIT (4) where the gas takes up

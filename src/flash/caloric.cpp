@@ -101,7 +101,7 @@ StatusCode prepare_caloric(CaloricModel& c, double T) {
 bool phase_caloric(CaloricModel& c, const double* x, Kind kind, PhaseCaloric& out) {
   const eos::Temperature& t = c.t;
   const double T = t.T, rt = eos::kR * T;
-  if (spend(c.routines, kMatrixWork) != KV_OK) return false;
+  if (spend(c.routines, matrix_work(t.n)) != KV_OK) return false;
   const eos::Mixture m = eos::mix(t, x, c.s);
   eos::Root r;
   if (!find_root(c, m, kind, out.Z, r)) return false;

@@ -30,7 +30,7 @@ StatusCode host_phase(Model& m, const double* x, int phase, double* ln_phi, cons
   std::fill_n(m.square, entries, 0.0);
   ++m.counts.fugacities;
   if (dn != nullptr) ++m.counts.matrices;
-  StatusCode status = spend(m.host, dn != nullptr ? kMatrixWork : 1);
+  StatusCode status = spend(m.host, dn != nullptr ? matrix_work(n) : 1);
   if (status == KV_OK)
     status = call_host(*m.host,
                        [&] { return m.routine(m.T, m.P, x, m.mixture, phase, 2, mask, ln_phi, d.dT, dP, dn); });
@@ -123,7 +123,7 @@ StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_ph
                              bool lower, double& Z) noexcept {
   const eos::Temperature& t = m.t;
   ++m.counts.fugacities;
-  const StatusCode spent = spend(m.host, d.dn != nullptr ? kMatrixWork : 1);
+  const StatusCode spent = spend(m.host, d.dn != nullptr ? matrix_work(m.n) : 1);
   if (spent != KV_OK) return spent;
   const eos::Mixture mixed = eos::mix(t, x, m.s);
   eos::Root r;

@@ -25,9 +25,12 @@ struct Counts {
   int trials = 0;      // of the stability test
 };
 
-// Work in evaluations of ln phi: one with composition derivatives (and what is done with them), one at a new
-// temperature. Measured with 10 and with 40 components.
-inline constexpr int kMatrixWork = 3, kTemperatureWork = 6;
+// Work in evaluations of ln phi: one with composition derivatives and what is done with them, which grows with one
+// power more of the components; one at a new temperature. Measured with 10 and with 40 components.
+inline int matrix_work(int n) noexcept {
+  return 3 + n / 64;
+}
+inline constexpr int kTemperatureWork = 6;
 
 // Which side of its solubility limit free water is on: as there is more or less than the limit, or as an
 // iteration has decided, so that what it follows is smooth. A liquid of almost nothing but water is water, or,

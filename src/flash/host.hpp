@@ -26,8 +26,8 @@ namespace kestrune::flash {
  * square of the components, so that a call stays below 50 ms up to 40 of them on the machine it was measured on.
  * Flashes that find what they look for take a hundredth of it, as a rule.
  */
-inline constexpr double kWorkOfSquares = 4e7;
-inline constexpr std::int64_t kMostWork = 150'000, kLeastWork = 8'000;
+inline constexpr double kWorkOfSquares = 8e7;
+inline constexpr std::int64_t kMostWork = 200'000, kLeastWork = 4'000;
 inline std::int64_t allowed_work(std::int32_t count) noexcept {
   const double n = count + 8.0;
   return std::clamp(static_cast<std::int64_t>(kWorkOfSquares / (n * n)), kLeastWork, kMostWork);

@@ -24,8 +24,9 @@ StatusCode write_answer(Wet& f, StatusCode status) {
   *c.beta = a.beta;
   for (int i = 0; i < f.m.n; ++i) {
     c.x[i] = a.x[i];
-    c.y[i] = a.y[i];
-    c.K[i] = ratio_of(a.y[i], a.x[i]);
+    // Not below the bound of K, so that K is the ratio of what is returned.
+    c.y[i] = std::max(a.y[i], kSmallestK * a.x[i]);
+    c.K[i] = ratio_of(c.y[i], c.x[i]);
   }
   trace_result(f.trace, c, f.it);
   return status;

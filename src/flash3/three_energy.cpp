@@ -345,7 +345,8 @@ StatusCode single_component(const ThreeEnergyCall& c, support::Arena& arena) {
                                                  &liquid, &vapour, c.routines, c.free_water});
   if (status != KV_OK) return status;
   const bool split = split_free_water({*c.T, c.P, c.mixture, beta, x, y, false, c.free_water}, c.out);
-  *c.A = split ? 0.0 : liquid;
+  // Of hardly anything but water: what else there is has the value of the whole liquid.
+  *c.A = liquid;
   *c.B = split ? liquid : 0.0;
   *c.vapour = vapour;
   return KV_LV_ANSWER;

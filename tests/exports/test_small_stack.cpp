@@ -50,29 +50,45 @@ TEST(Stack, AQuarterOfAMegabyteIsEnough) {
     double beta = 0.0, V = 0.0, t = 0.0, p = 0.0, x[4];
     std::int32_t points = 0, criticals = 0;
     MixtureRecord* r = &m.record;
-    on_small_stack([&] {
-      EXPECT_EQ(FlashLVatTP(300.0, 20.0, z.data(), r, nullptr, 1, &beta, a.data(), b.data(), c.data()), KV_OK);
-      EXPECT_EQ(FlashLVatHP(-3000.0, 20.0, z.data(), r, nullptr, 1, &t, &beta, a.data(), b.data(), c.data(), x,
-                            x + 1),
-                KV_OK);
-      FlashLVatWP(0.5, 20.0, z.data(), r, nullptr, 1, &t, a.data(), b.data(), c.data());
-      EXPECT_EQ(FlashLLVatTP(300.0, 20.0, z.data(), r, nullptr, 0, &beta, &V, a.data(), b.data(), c.data(),
-                             d.data(), e.data()),
-                KV_OK);
-      t = 0.0;
-      EXPECT_EQ(FlashLLVatHP(-3000.0, 20.0, z.data(), r, nullptr, 0, &t, &beta, &V, a.data(), b.data(),
-                             c.data(), d.data(), e.data(), x, x + 1, x + 2),
-                KV_OK);
-      t = 0.0;
-      EXPECT_EQ(FlashLLVatWP(0.5, 20.0, z.data(), r, nullptr, 0, &t, &beta, a.data(), b.data(), c.data(),
-                             d.data(), e.data()),
-                KV_OK);
-      PhaseEnvelope(z.data(), r, nullptr, 0, 0.0, 0.0, 0.0, 0, 400, 1.0, 0.0, T.data(), P.data(), kind.data(),
-                    &points, &criticals, x, x + 1, x + 2, x + 3);
-      CriticalPoint(z.data(), r, 0, x, x + 1, x + 2, x + 3);
-      p = 0.0;
-      WaterDewPressure(300.0, z.data(), 1, 0, 0, r, 0, &p);
-    });
+    r->solubility_a = 12.6;
+    r->solubility_b = 6115.0;
+    for (const std::uint8_t flags : {std::uint8_t{0}, std::uint8_t{FreeWaterFlag}})
+      on_small_stack([&] {
+        r->flags = flags;
+        t = 0.0;
+        EXPECT_EQ(FlashLVatTP(300.0, 20.0, z.data(), r, nullptr, 1, &beta, a.data(), b.data(), c.data()),
+                  KV_OK);
+        EXPECT_EQ(FlashLVatHP(-3000.0, 20.0, z.data(), r, nullptr, 1, &t, &beta, a.data(), b.data(), c.data(),
+                              x, x + 1),
+                  KV_OK);
+        t = 0.0;
+        FlashLVatSP(-30.0, 20.0, z.data(), r, nullptr, 1, &t, &beta, a.data(), b.data(), c.data(), x, x + 1);
+        t = p = 0.0;
+        FlashLVatWP(0.5, 20.0, z.data(), r, nullptr, 1, &t, a.data(), b.data(), c.data());
+        FlashLVatWT(0.5, 300.0, z.data(), r, nullptr, 1, &p, a.data(), b.data(), c.data());
+        FlashLLatTP(300.0, 20.0, z.data(), r, nullptr, 0, &beta, a.data(), b.data(), c.data());
+        EXPECT_EQ(FlashLLVatTP(300.0, 20.0, z.data(), r, nullptr, 0, &beta, &V, a.data(), b.data(), c.data(),
+                               d.data(), e.data()),
+                  KV_OK);
+        t = 0.0;
+        EXPECT_EQ(FlashLLVatHP(-3000.0, 20.0, z.data(), r, nullptr, 0, &t, &beta, &V, a.data(), b.data(),
+                               c.data(), d.data(), e.data(), x, x + 1, x + 2),
+                  KV_OK);
+        t = 0.0;
+        EXPECT_EQ(FlashLLVatWP(0.5, 20.0, z.data(), r, nullptr, 0, &t, &beta, a.data(), b.data(), c.data(),
+                               d.data(), e.data()),
+                  KV_OK);
+        t = p = 0.0;
+        FlashLLVatSP(-30.0, 20.0, z.data(), r, nullptr, 0, &t, &beta, &V, a.data(), b.data(), c.data(),
+                     d.data(), e.data(), x, x + 1, x + 2);
+        FlashLLVatWT(0.5, 300.0, z.data(), r, nullptr, 0, &p, &beta, a.data(), b.data(), c.data(), d.data(),
+                     e.data());
+        PhaseEnvelope(z.data(), r, nullptr, 0, 0.0, 0.0, 0.0, 0, 400, 1.0, 0.0, T.data(), P.data(), kind.data(),
+                      &points, &criticals, x, x + 1, x + 2, x + 3);
+        CriticalPoint(z.data(), r, 0, x, x + 1, x + 2, x + 3);
+        p = 0.0;
+        WaterDewPressure(300.0, z.data(), 1, 0, 0, r, 0, &p);
+      });
   }
 }
 

@@ -69,9 +69,10 @@ inline double water_critical_pressure(const MixtureRecord& mixture, std::int32_t
 flash::HostRoutines foreign_routines(const ModelRoutines* record);
 
 /* The same for a call with this many components, with a multiple of the work that a flash may take. */
-inline flash::HostRoutines routines_of_call(const ModelRoutines* record, std::int32_t count, int times = 1) {
+inline flash::HostRoutines routines_of_call(const ModelRoutines* record, std::int32_t count,
+                                            double times = 1.0) {
   flash::HostRoutines host = foreign_routines(record);
-  host.allowed = times * flash::allowed_work(count);
+  host.allowed = static_cast<std::int64_t>(times * static_cast<double>(flash::allowed_work(count)));
   return host;
 }
 
@@ -105,10 +106,13 @@ StatusCode run_search(flash::HostRoutines& host, Core&& core) {
   return status == KV_NOT_CONVERGED && host.spent > host.allowed ? StatusCode{KV_NO_SATURATION} : status;
 }
 
-/* Whether a flash that ended with this status may end better without free water or from another start. */
-inline bool worth_a_retry(StatusCode status) {
+/*
+ * Whether a flash that ended with this status may end better without free water or from another start. One that
+ * ran out of work may not: it has not been told that there is no answer, and another model has another one.
+ */
+inline bool worth_a_retry(const flash::HostRoutines& host, StatusCode status) {
   const bool of_arguments = status > KV_STATUS_CALL_BLOCK && status <= KV_SPECIFICATION;
-  return status != KV_OK && !of_arguments;
+  return status != KV_OK && !of_arguments && host.spent <= host.allowed;
 }
 
 inline StatusCode hide_single_phase(StatusCode status) {
@@ -131,7 +135,7 @@ StatusCode two_phase_wrapper(double P, const double* z, MixtureRecord& mixture, 
   const std::int32_t iw = locate_water(mixture, z);
   const auto run = [&](bool hint) { return hide_single_phase(run_core(host, [&] { return core(hint); })); };
   const StatusCode status = run(false);
-  if (!free_water(mixture) || !worth_a_retry(status)) return told(host, status);
+  if (!free_water(mixture) || !worth_a_retry(host, status)) return told(host, status);
   if (P > water_critical_pressure(mixture, iw)) {
     mixture.flags = 0;
     return told(host, run(false));

@@ -4,6 +4,7 @@
 #include "eos/properties.hpp"
 
 #include <algorithm>
+#include <cmath>
 
 #include "eos/transport.hpp"
 #include "frame/exports/property_frame.hpp"
@@ -47,7 +48,9 @@ StatusCode molar_value(const Phase& p, Wanted wanted, double* value) {
       [&] {
         eos::Caloric c;
         const StatusCode status = eos::enthalpy_and_entropy(p, wanted != Wanted::S, wanted != Wanted::H, c);
-        *value = wanted == Wanted::H ? c.H : wanted == Wanted::S ? c.S : c.H - p.T * c.S;
+        const double v = wanted == Wanted::H ? c.H : wanted == Wanted::S ? c.S : c.H - p.T * c.S;
+        if (!std::isfinite(v)) return eos::has_values(status) ? StatusCode{KV_NOT_FINITE} : status;
+        *value = v;
         return status;
       },
       value);

@@ -39,7 +39,7 @@ StatusCode three_phase_wrapper(double P, const double* z, MixtureRecord& mixture
   const exports::FlagsKeeper keeper(mixture);
   const std::int32_t iw = exports::locate_water(mixture, z);
   StatusCode status = hide_vanished(exports::run_core(host, core));
-  if (exports::free_water(mixture) && exports::worth_a_retry(status) &&
+  if (exports::free_water(mixture) && exports::worth_a_retry(host, status) &&
       P > exports::water_critical_pressure(mixture, iw)) {
     mixture.flags = 0;
     status = hide_vanished(exports::run_core(host, core));
@@ -82,7 +82,7 @@ StatusCode quality_flash(flash3::ThreeQualityCall call, flash3::ThreePhaseResult
   const StatusCode bad = check_flash(frame::check_specified(call.W), condition, call.z, call.mixture,
                                      call.unknown, out.beta, out.xA, out.xB, out.y, out.KLL, out.KLV);
   if (bad != KV_OK) return bad;
-  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count, 2);
+  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count, 1.5);
   call.routines = &host;
   call.out = out;
   call.estimate = (options & 1) != 0;
