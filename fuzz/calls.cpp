@@ -231,7 +231,7 @@ bool Call::asked(std::size_t argument) const {
   return (slot('k').integer >> (argument + 3 - slots.size()) & 1) != 0;
 }
 
-bool Call::run() {
+void Call::run() {
   if (own_routines && slot('r').address == nullptr) slots[entry.words.find('r')].address = &routines;
   const ModelRoutines given = routines;
   start_routines();
@@ -262,7 +262,6 @@ bool Call::run() {
     if (entry.words[k] == 'z' && slots[k].address != nullptr)
       note(zones.unchanged(slots[k].address), "the composition of the host was changed");
   note(!routines_were_abused(), "a routine of the host was called with arguments that are no state");
-  return harm.empty();
 }
 
 namespace {

@@ -41,8 +41,8 @@ const Entry& entry_of(std::string_view name);
 struct Call {
   Call(Choices& choices, Scenario& scenario, const Entry& entry);
 
-  // Calls; false where the floating-point words of the host, a red zone or an input came back changed (see harm).
-  bool run();
+  // Calls, and notes in harm what came back changed that may not: words, red zones, inputs.
+  void run();
 
   bool has(char word) const { return entry.words.find(word) != std::string_view::npos; }
   // The k-th argument of this word.
