@@ -188,11 +188,13 @@ void trace_free_water(const ThreePhaseCall& c, bool given) {
 StatusCode solve_with_free_water(const ThreePhaseCall& c, support::Arena& arena) {
   const int n = c.mixture->count, ld = support::padded(n);
   HostSplit lv{0.0, arena.zeros(ld), arena.zeros(ld), arena.zeros(ld)};
+  double* const z = arena.zeros(ld);  // what a flash of the host's is to get
+  if (!flash::normalise_feed(n, c.z, z)) return KV_COMPOSITION;
   flash::IsothermalCall call{c.T, c.P, c.z, c.mixture, c.routines, &lv.part, lv.first, lv.second, lv.K};
   call.free_water = true;
   const bool given = c.estimate && join_estimate(c, lv);
   const FlashRoutine routine = given ? nullptr : host_flash(c, KV_ROUTINE_LV_FLASH);
-  if (routine != nullptr && !call_flash(routine, c, c.z, lv)) return KV_NO_START;
+  if (routine != nullptr && !call_flash(routine, c, z, lv)) return KV_NO_START;
   if (given || routine != nullptr) {
     call.start = flash::Start::warm;
     call.index = 0;
