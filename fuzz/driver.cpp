@@ -2,8 +2,9 @@
 //
 //   fuzz_exports | fuzz_readers [--seed S] [--first K] [--runs N | --run K] [--minutes M] [--only NAME]
 //
-// The known cases come first, where the runs are not only some of them. --run K makes run K alone and prints every call before it is made. Natively the runs are made in a process of
-// their own: one that crashes or hangs is a fault, and the next one goes on behind it.
+// The known cases come first, where the runs are not only some of them. --run K makes run K alone and prints every
+// call before it is made. Natively the runs are made in a process of their own: one that crashes or hangs is a fault,
+// and the next one goes on behind it.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>

@@ -28,8 +28,8 @@ build() {
   }
 }
 
-# part NUMBER: that share of the minutes of a target
-part() {
+# minutes_of NUMBER: that share of the minutes of a target
+minutes_of() {
   awk "BEGIN { print $share * $1 }"
 }
 
@@ -61,12 +61,12 @@ for target in "$@"; do
       build native
       k=0
       while [ $k -lt "$(nproc)" ]; do
-        run "native_exports_$k" "$(part 0.85)" "$repo/build/native/bin/fuzz_exports" --seed $((seed + 1000 * k)) \
-          --minutes "$(part 0.85)"
+        run "native_exports_$k" "$(minutes_of 0.85)" "$repo/build/native/bin/fuzz_exports" --seed $((seed + 1000 * k)) \
+          --minutes "$(minutes_of 0.85)"
         k=$((k + 1))
       done
       finish
-      run native_readers "$(part 0.15)" "$repo/build/native/bin/fuzz_readers" --seed "$seed" --minutes "$(part 0.15)"
+      run native_readers "$(minutes_of 0.15)" "$repo/build/native/bin/fuzz_readers" --seed "$seed" --minutes "$(minutes_of 0.15)"
       ;;
     win32)
       build win32

@@ -313,8 +313,7 @@ StatusCode write_answer(Search& q, StatusCode found) {
   if (!evaluate(q)) return q.status != KV_OK ? q.status : StatusCode{KV_NOT_FINITE};
   // The values as they leave, by routines of a host that may have changed their mind.
   const Phases& p = q.e.p;
-  const double unit = eos::kCalR * (c.property == flash::Property::enthalpy ? q.e.m.T : 1.0);
-  const bool met = std::fabs(off(q)) <= flash::kOwedValue * std::max(size_of_value(q), unit);
+  const bool met = std::fabs(off(q)) <= owed(c, q.e.m.T);
   if (found == KV_OK && !(met && flash::is_split(q.e.m.n, q.e.z, p.count, p.amount, p.x)))
     return KV_NOT_CONVERGED;
   const int count = p.count;

@@ -42,12 +42,6 @@ StatusCode state_at(const ThreeEnergyCall& c, const flash::CaloricModel& model, 
   return evaluate(c, model, total);
 }
 
-// What the value may miss.
-double owed(const ThreeEnergyCall& c, double T) {
-  const double unit = eos::kCalR * (c.property == flash::Property::enthalpy ? T : 1.0);
-  return flash::kOwedValue * std::max(std::fabs(c.wanted), unit);
-}
-
 StatusCode search(const ThreeEnergyCall& c, const flash::CaloricModel& model) {
   flash::EnergyBracket bracket;
   double T = *c.T, step = kFirstStep, total = 0.0;
@@ -72,6 +66,11 @@ StatusCode search(const ThreeEnergyCall& c, const flash::CaloricModel& model) {
 }
 
 }  // namespace
+
+double owed(const ThreeEnergyCall& c, double T) {
+  const double unit = eos::kCalR * (c.property == flash::Property::enthalpy ? T : 1.0);
+  return flash::kOwedValue * std::max(std::fabs(c.wanted), unit);
+}
 
 StatusCode three_energy_free_water(const ThreeEnergyCall& c) {
   const int n = c.mixture->count;

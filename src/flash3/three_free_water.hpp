@@ -8,6 +8,9 @@
 
 namespace kestrune::flash3 {
 
+/* What the value of an answer at T (K) may miss of the one that was given. */
+double owed(const ThreeEnergyCall& call, double T);
+
 /*
  * The value is the sum over the phases. Of enthalpies that is the liquid-vapour flash's; entropies of the two
  * liquids hold no mixing with each other, so that the temperature is searched from there. Statuses as in

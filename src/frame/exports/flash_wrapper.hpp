@@ -76,6 +76,18 @@ inline flash::HostRoutines routines_of_call(const ModelRoutines* record, std::in
   return host;
 }
 
+/* Whether the work of a call has ended it. */
+inline bool out_of_work(const flash::HostRoutines& host) {
+  return host.spent > host.allowed;
+}
+
+/* The check of the condition that a point of given vapour fraction is looked for at. */
+template <class Call>
+StatusCode check_given(const Call& call) {
+  return call.find == decltype(call.find)::temperature ? frame::check_pressure(call.given)
+                                                       : frame::check_temperature(call.given);
+}
+
 /*
  * Runs a core: kHostStatus when a routine of the host ended it, or its work did, whatever the core made of that. A
  * retry has at least half of the work of a call.
@@ -103,7 +115,7 @@ StatusCode run_and_tell(flash::HostRoutines& host, Core&& core) {
 template <class Core>
 StatusCode run_search(flash::HostRoutines& host, Core&& core) {
   const StatusCode status = run_and_tell(host, core);
-  return status == KV_NOT_CONVERGED && host.spent > host.allowed ? StatusCode{KV_NO_SATURATION} : status;
+  return status == KV_NOT_CONVERGED && out_of_work(host) ? StatusCode{KV_NO_SATURATION} : status;
 }
 
 /*
@@ -112,7 +124,7 @@ StatusCode run_search(flash::HostRoutines& host, Core&& core) {
  */
 inline bool worth_a_retry(const flash::HostRoutines& host, StatusCode status) {
   const bool of_arguments = status > KV_STATUS_CALL_BLOCK && status <= KV_SPECIFICATION;
-  return status != KV_OK && !of_arguments && host.spent <= host.allowed;
+  return status != KV_OK && !of_arguments && !out_of_work(host);
 }
 
 inline StatusCode hide_single_phase(StatusCode status) {

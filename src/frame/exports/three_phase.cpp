@@ -77,10 +77,9 @@ StatusCode quality_flash(flash3::ThreeQualityCall call, flash3::ThreePhaseResult
                          const ModelRoutines* routines, int32_t options) {
   double V = call.W;
   out.V = &V;
-  const StatusCode condition = call.find == flash::Find::temperature ? frame::check_pressure(call.given)
-                                                                     : frame::check_temperature(call.given);
-  const StatusCode bad = check_flash(frame::check_specified(call.W), condition, call.z, call.mixture,
-                                     call.unknown, out.beta, out.xA, out.xB, out.y, out.KLL, out.KLV);
+  const StatusCode bad =
+      check_flash(frame::check_specified(call.W), exports::check_given(call), call.z, call.mixture,
+                  call.unknown, out.beta, out.xA, out.xB, out.y, out.KLL, out.KLV);
   if (bad != KV_OK) return bad;
   flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count, 1.5);
   call.routines = &host;

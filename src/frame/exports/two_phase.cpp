@@ -38,10 +38,8 @@ StatusCode energy_flash(flash::EnergyCall call, const ModelRoutines* routines, i
 
 // At vapour fraction: the core alone, which finds water by itself.
 StatusCode quality_flash(flash::QualityCall call, const ModelRoutines* routines, int32_t options) {
-  const StatusCode condition = call.find == flash::Find::temperature ? frame::check_pressure(call.given)
-                                                                     : frame::check_temperature(call.given);
   const StatusCode bad =
-      first_failure({frame::check_specified(call.W), condition,
+      first_failure({frame::check_specified(call.W), exports::check_given(call),
                      check_flash(call.z, call.mixture, call.unknown, call.x, call.y, call.K)});
   if (bad != KV_OK) return bad;
   flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count);
