@@ -201,12 +201,30 @@ StatusCode flash_once(Gas& g, double T, double P, FlashResult& to, flash::Counts
   return flash::isothermal_flash(call);
 }
 
+// Evaluations of a flash by its steps, for the states of one outcome.
+struct StepCounts {
+  const char* outcome;
+  int states = 0;
+  double evaluations[flash::kSteps] = {};
+};
+
+void print_steps(const char* name, const StepCounts& c) {
+  static const char* const kNames[flash::kSteps] = {
+      "feed",  "split", "gate", "curvature", "feed trials", "near-pure", "answer trials", "answer near-pure",
+      "report"};
+  std::printf("steps_%s_%s\t%d states:", name, c.outcome, c.states);
+  for (int k = 0; k < flash::kSteps; ++k)
+    std::printf("%s %s %.2f", k > 0 ? "," : "", kNames[k], c.evaluations[k] / c.states);
+  std::printf("\n");
+}
+
 void print_flash_counts(const char* name) {
   const auto g = gas(name);
   use(g->mixture);
   FlashResult result(g->mixture.n);
   double fugacities = 0.0, matrices = 0.0, factorisations = 0.0, iterations = 0.0, trials = 0.0;
   int failed = 0;
+  StepCounts steps[] = {{"gas"}, {"liquid"}, {"two_phases"}};
   for_each_state([&](double T, double P) {
     flash::Counts c;
     const StatusCode status = flash_once(*g, T, P, result, &c);
@@ -216,12 +234,16 @@ void print_flash_counts(const char* name) {
     factorisations += c.factorisations;
     iterations += c.iterations;
     trials += c.trials;
+    StepCounts& s = steps[status != KV_SINGLE_PHASE ? 2 : result.beta > 0.5 ? 0 : 1];
+    ++s.states;
+    for (int k = 0; k < flash::kSteps; ++k) s.evaluations[k] += c.by_step[k];
   });
   std::printf("flash_%s\t%.2f fugacities (%.2f with d/dn), %.2f factorisations, %.2f iterations, %.2f trials",
               name, fugacities / kGridSize, matrices / kGridSize, factorisations / kGridSize,
               iterations / kGridSize, trials / kGridSize);
   if (failed != 0) std::printf(", %d failed", failed);
   std::printf("\n");
+  for (const StepCounts& s : steps) print_steps(name, s);
 }
 
 }  // namespace

@@ -1,9 +1,9 @@
 // Front end for Google Benchmark. Its own options work (--benchmark_filter=..., --benchmark_repetitions=...);
-// --counts prints the counts instead.
+// --counts and --passes N NAME
+// time nothing (cases.hpp).
 
 #include <benchmark/benchmark.h>
 
-#include <cstring>
 #include <exception>
 
 #include "cases.hpp"
@@ -37,10 +37,7 @@ class Rows : public benchmark::BenchmarkReporter {
 }  // namespace
 
 int main(int argc, char** argv) try {
-  if (argc > 1 && std::strcmp(argv[1], "--counts") == 0) {
-    print_counts();
-    return 0;
-  }
+  if (run_untimed(argc, argv)) return 0;
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   const std::vector<Case> all = cases();

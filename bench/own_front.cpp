@@ -35,11 +35,8 @@ void run(const Case& c) {
 }  // namespace
 
 int main(int argc, char** argv) try {
+  if (run_untimed(argc, argv)) return 0;
   const char* part = argc > 1 ? argv[1] : "";
-  if (std::strcmp(part, "--counts") == 0) {
-    print_counts();
-    return 0;
-  }
   for (const Case& c : cases())
     if (c.name.find(part) != std::string::npos) run(c);
   return 0;

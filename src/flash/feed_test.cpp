@@ -23,6 +23,8 @@ constexpr double kNone = -1e5;
 // b/v of a dilute gas; and of a gas that is one beyond doubt, half the critical packing.
 constexpr double kDilutePacking = 0.04, kCriticalPacking = 1.0 / eos::kCriticalVolumeRatio;
 constexpr double kGasPacking = 0.5 * kCriticalPacking;
+// Difference of two phases, at most 2, from which on nothing lies between them: gas and water, say.
+constexpr double kNothingInCommon = 1.8;
 // Parts of the second of two phases in the mixtures of them that trials start from.
 constexpr double kBetween[] = {0.1, 0.25, 0.5, 0.75};
 // How much less than Wilson's coefficients say the logarithm of an activity may be and still be looked at.
@@ -138,6 +140,15 @@ bool liquid_of_gas_trials(Flash& f, const Reference& ref, int j, bool has_liquid
   return mixed(kMostOfLiquid) && (ref.other == nullptr || mixed(kAlmostAllOfLiquid));
 }
 
+// Whether a component that has one phase alone, being well above its critical temperature, is a gas there: the
+// pressure is below the one at which it would be packed as densely as a gas may be.
+bool gas_alone(const Flash& f, int j) {
+  const eos::Temperature& t = f.m.t;
+  const double a = t.aij[static_cast<std::size_t>(j) * t.ld + j], rt = eos::kR * t.T, eta = kGasPacking;
+  const double psi = eta / (1.0 + eta * (eos::kU + eos::kW * eta));
+  return f.m.P * t.b[j] < rt * eta * (1.0 / (1.0 - eta) - a / (t.b[j] * rt) * psi);
+}
+
 // Near-pure trials: the component that Wilson's coefficients favour most, light gases, water, the heaviest.
 bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
   const int n = f.m.n;
@@ -160,8 +171,10 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
     if (!(f.it.z[j] > 0.0) || (j == water && k >= 0)) continue;
     if (f.thorough()) {
       f.status = start_near_pure(f.m, ref, j, f.trial);
-      if (f.status != KV_OK || !run_trial(f, ref, trial_kind(f))) return false;
-      const bool near = f.m.built_in() && f.call.T < kNearCritical * Tc[j];
+      if (f.status != KV_OK) return false;
+      const bool near = f.m.built_in() && f.call.T < kNearCritical * Tc[j] &&
+                        packing(f, f.m.t.b[j], f.trial.Z) < kCriticalPacking;
+      if (!run_trial(f, ref, trial_kind(f))) return false;
       if (near ? !liquid_of_gas_trials(f, ref, j, f.call.T < Tc[j]) : !other_root_trial_of_pure(f, ref, j))
         return false;
       continue;
@@ -179,6 +192,8 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
         return false;
       continue;
     }
+    // A gas beside a gas: it would be the one that is there already.
+    if (have_gas && f.m.built_in() && f.call.T >= kNearCritical * Tc[j] && gas_alone(f, j)) continue;
     f.status = start_near_pure(f.m, ref, j, f.trial);
     if (f.status != KV_OK) return false;
     const double least = j == heaviest ? kHeaviestWorthFollowing : kWorthFollowing;
@@ -191,7 +206,6 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
       f.status = start_near_pure(f.m, ref, j, f.trial);
       if (f.status != KV_OK) return false;
     }
-    // A gas beside a gas: it would be the one that is there already.
     if (have_gas && gas) continue;
     if (!run_trial(f, ref, trial_kind(f))) return false;
   }
@@ -200,10 +214,11 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
 
 // Trials from Wilson's coefficients: a liquid z/K and a vapour z K. Both run, the lower one wins.
 bool wilson_trials(Flash& f, const Reference& ref) {
-  for (const int number : {kWilsonLiquid, kWilsonVapour}) {
-    if (!start_trial(f, ref, number) || !run_trial(f, ref, trial_kind(f))) return false;
-  }
-  return true;
+  if (!start_trial(f, ref, kWilsonLiquid) || !run_trial(f, ref, trial_kind(f))) return false;
+  Reference lighter = ref;
+  if (f.m.built_in() && f.how == Follow::quick && f.feed_kind == Kind::gas && f.feed.root.eta < kGasPacking)
+    lighter.gas_packing = kGasPacking;
+  return start_trial(f, ref, kWilsonVapour) && run_trial(f, lighter, trial_kind(f));
 }
 
 // Trials from the reference along the direction of lowest curvature, both ways: where a critical point is
@@ -223,7 +238,8 @@ bool trials_along(Flash& f, const Reference& ref) {
 
 // Trials out of a phase that is not clearly convex.
 bool test_curvature(Flash& f, const Reference& ref) {
-  if (clearly_convex(f.m, ref, trial_kind(f), f.work, f.trial, f.direction, f.status)) return f.status == KV_OK;
+  if (clearly_convex(f.m, ref, trial_kind(f), nullptr, f.work, f.trial, f.direction, f.status))
+    return f.status == KV_OK;
   f.how = Follow::strict;
   return trials_along(f, ref);
 }
@@ -264,7 +280,9 @@ bool start_trial(Flash& f, const Reference& ref, int number) {
 bool evaluate_feed(Flash& f) {
   const int n = f.m.n;
   double Z = 0.0;
-  f.status = fugacity(f.m, f.it.z, trial_kind(f), f.feed_phi, nullptr, Z);
+  f.m.counts.step = Step::feed;
+  f.status = f.m.built_in() ? built_in_fugacity(f.m, f.it.z, trial_kind(f), f.feed_phi, {}, true, Z, &f.feed)
+                            : fugacity(f.m, f.it.z, trial_kind(f), f.feed_phi, nullptr, Z);
   if (f.status != KV_OK) return false;
   f.feed_kind = f.liquids_only() ? Kind::liquid : kind_of(f, f.it.z, Z);
   f.feed_Z = Z;
@@ -281,10 +299,13 @@ bool test_feed(Flash& f) {
   f.how = Follow::quick;
   bool near_critical = false;
   if (!f.m.free_water && !dilute(f)) {
-    near_critical = !clearly_convex(f.m, ref, trial_kind(f), f.work, f.trial, f.direction, f.status);
+    f.m.counts.step = Step::curvature;
+    const Evaluated* at = f.m.built_in() ? &f.feed : nullptr;
+    near_critical = !clearly_convex(f.m, ref, trial_kind(f), at, f.work, f.trial, f.direction, f.status);
     if (f.status != KV_OK) return false;
     if (near_critical) f.how = Follow::strict;
   }
+  f.m.counts.step = Step::feed_trials;
   if (!wilson_trials(f, ref)) return false;
   if (near_critical && !trials_along(f, ref)) return false;
   if (f.have_lowest && f.lowest.tm < kUnstable) return true;
@@ -292,6 +313,7 @@ bool test_feed(Flash& f) {
     if (!start_trial(f, ref, kIdealGas) || !run_trial(f, ref, trial_kind(f))) return false;
   }
   if (!f.liquids_only() && !other_root_trial(f, ref, f.it.z, f.feed_Z)) return false;
+  f.m.counts.step = Step::near_pure;
   return near_pure_trials(f, ref, f.feed_kind == Kind::gas);
 }
 
@@ -310,6 +332,13 @@ bool test_answer(Flash& f, bool& stable) {
   f.how = Follow::quick;
   f.came_back = false;
   stable = true;
+  // The trials take the place of what the iteration has left.
+  f.m.counts.step = Step::curvature;
+  const bool convex = f.it.derivatives && f.m.built_in() &&
+                      convex_with(f.m, f.it.x, f.two.dx, kConvex, f.work) &&
+                      convex_with(f.m, f.it.y, f.two.dy, kConvex, f.work);
+  f.it.derivatives = false;
+  f.m.counts.step = Step::answer_trials;
   const Reference plane{f.it.x, f.answer_d, f.it.y, nullptr, 0, f.third.x};
   const bool have_gas = kind_of(f, f.it.y, f.it.Zy) == Kind::gas || kind_of(f, f.it.x, f.it.Zx) == Kind::gas ||
                         (f.third.x != nullptr && kind_of(f, f.third.x, f.third.Z) == Kind::gas);
@@ -317,14 +346,19 @@ bool test_answer(Flash& f, bool& stable) {
   if ((!have_gas || f.thorough()) && !f.liquids_only() &&
       (!start_trial(f, plane, kWilsonVapour) || !run_trial(f, plane, trial_kind(f))))
     return false;
+  f.m.counts.step = Step::answer_near_pure;
   if (!near_pure_trials(f, plane, have_gas)) return false;
-  if (f.thorough() && f.third.x == nullptr && !trials_between(f, plane, f.it.y, f.it.x)) return false;
+  f.m.counts.step = Step::answer_trials;
+  if (f.thorough() && f.third.x == nullptr && spread(f.it.x, f.it.y, f.m.n) < kNothingInCommon &&
+      !trials_between(f, plane, f.it.y, f.it.x))
+    return false;
   if (!f.liquids_only())
     for (const auto& [phase, Z] :
          {std::pair<const double*, double>{f.it.x, f.it.Zx}, {f.it.y, f.it.Zy}, {f.third.x, f.third.Z}})
       if (phase != nullptr && !other_root_trial(f, plane, phase, Z)) return false;
   // A trial came back to a phase of the answer: that settles it only where the phase is clearly convex.
-  if (f.came_back && !(f.have_lowest && f.lowest.tm < kUnstable) &&
+  f.m.counts.step = Step::curvature;
+  if (f.came_back && !convex && !(f.have_lowest && f.lowest.tm < kUnstable) &&
       !(test_curvature(f, plane) && test_curvature(f, {f.it.y, f.answer_d, f.it.x, nullptr, 0, f.third.x}) &&
         (f.third.x == nullptr || test_curvature(f, {f.third.x, f.answer_d, f.it.x, nullptr, 0, f.it.y}))))
     return false;

@@ -32,6 +32,7 @@ struct Flash {
 
   double* wilson_k = nullptr;   // [ld]
   double* feed_phi = nullptr;   // [ld] ln phi of the feed as one phase
+  Evaluated feed;               // of the same, by the built-in equation
   double* d = nullptr;          // [ld] ln z + ln phi of it
   double* answer_d = nullptr;   // [ld] the same of a phase of an answer under test
   double* direction = nullptr;  // [ld] of lowest curvature at the feed

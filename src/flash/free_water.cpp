@@ -94,7 +94,7 @@ StatusCode wet_liquid_fugacity(Model& m, const double* x, double* ln_phi, const 
   const double oil = xw > kWaterRich ? oil_of(m.n, m.water, x) : 1.0 - xw;
   if (xw > kWaterRich &&
       (m.branch == WaterBranch::by_amount || (m.branch == WaterBranch::by_content && oil < kLeastOil))) {
-    ++m.counts.fugacities;
+    m.counts.evaluated();
     Z = 0.0;
     water_rich(m, xw, ln_phi, d);
     return KV_OK;

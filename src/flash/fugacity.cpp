@@ -28,7 +28,7 @@ StatusCode host_phase(Model& m, const double* x, int phase, double* ln_phi, cons
   std::fill_n(dP, n, kUnwritten);
   if (d.dT != nullptr) std::fill_n(d.dT, n, kUnwritten);
   std::fill_n(m.square, entries, 0.0);
-  ++m.counts.fugacities;
+  m.counts.evaluated();
   if (dn != nullptr) ++m.counts.matrices;
   StatusCode status = spend(m.host, dn != nullptr ? matrix_work(n) : 1);
   if (status == KV_OK)
@@ -120,12 +120,13 @@ StatusCode make_model(double T, double P, MixtureRecord* mixture, HostRoutines* 
 }
 
 StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,
-                             bool lower, double& Z) noexcept {
+                             bool lower, double& Z, Evaluated* keep) noexcept {
   const eos::Temperature& t = m.t;
-  ++m.counts.fugacities;
+  double* const s = keep != nullptr ? keep->s : m.s;
+  m.counts.evaluated();
   const StatusCode spent = spend(m.host, d.dn != nullptr ? matrix_work(m.n) : 1);
   if (spent != KV_OK) return spent;
-  const eos::Mixture mixed = eos::mix(t, x, m.s);
+  const eos::Mixture mixed = eos::mix(t, x, s);
   eos::Root r;
   if (kind == Kind::stable) {
     const int status = eos::stable_root(t, m.bracub, mixed, m.P, Z, r);
@@ -139,23 +140,35 @@ StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_ph
     if (!eos::has_root(status)) return status;
     eos::reduce(t, mixed, m.P, Z, r);
   }
-  eos::ln_phi(t, mixed, r, m.s, ln_phi);
+  eos::ln_phi(t, mixed, r, s, ln_phi);
+  if (keep != nullptr) {
+    keep->mixed = mixed;
+    keep->root = r;
+  }
   if (d.dn == nullptr && d.dP == nullptr && d.dT == nullptr)
     return std::fabs(ln_phi[0]) < 1e300 ? KV_OK : KV_NOT_FINITE;
   const eos::Mechanics k = eos::mechanics(t, mixed, r);
   if (d.dn != nullptr) {
     ++m.counts.matrices;
-    eos::dln_phi_dn(t, mixed, r, k, m.s, d.dn, m.ld, m.ld, lower);
+    eos::dln_phi_dn(t, mixed, r, k, s, d.dn, m.ld, m.ld, lower);
   }
   if (d.dP != nullptr) {
-    eos::p_dln_phi_dP(t, k, r, m.s, m.row);
+    eos::p_dln_phi_dP(t, k, r, s, m.row);
     for (int i = 0; i < m.n; ++i) d.dP[i] = m.row[i] / m.P;
   }
   if (d.dT != nullptr) {
     if (t.order < 1) return KV_INTERNAL;
-    eos::dln_phi_dT(t, mixed, r, k, x, m.s, m.row, d.dT);
+    eos::dln_phi_dT(t, mixed, r, k, x, s, m.row, d.dT);
   }
   return std::fabs(ln_phi[0]) < 1e300 ? KV_OK : KV_NOT_FINITE;
+}
+
+StatusCode composition_derivatives(Model& m, const Evaluated& at, double* dn) noexcept {
+  ++m.counts.matrices;
+  const StatusCode spent = spend(m.host, matrix_work(m.n) - 1);
+  if (spent != KV_OK) return spent;
+  eos::dln_phi_dn(m.t, at.mixed, at.root, eos::mechanics(m.t, at.mixed, at.root), at.s, dn, m.ld, m.ld, true);
+  return KV_OK;
 }
 
 StatusCode plain_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,

@@ -16,13 +16,34 @@ namespace kestrune::flash {
 // Which root of the cubic: that of a phase, or the one of lower Gibbs energy.
 enum class Kind { gas, liquid, stable };
 
+// Steps of a flash at T and P, by which its evaluations are counted.
+enum class Step {
+  feed,
+  split,
+  gate,
+  curvature,
+  feed_trials,
+  near_pure,
+  answer_trials,
+  answer_near_pure,
+  report
+};
+inline constexpr int kSteps = 9;
+
 // Work done, for benchmarks: counts do not depend on the machine.
 struct Counts {
   int fugacities = 0;  // evaluations of ln phi of one phase
-  int matrices = 0;    // of them, with composition derivatives
+  int by_step[kSteps] = {};
+  Step step = Step::feed;
+  int matrices = 0;  // of them, with composition derivatives
   int factorisations = 0;
   int iterations = 0;  // of the two-phase iteration
   int trials = 0;      // of the stability test
+
+  void evaluated() {
+    ++fugacities;
+    ++by_step[static_cast<int>(step)];
+  }
 };
 
 // Work in evaluations of ln phi: one with composition derivatives and what is done with them, which grows with one
@@ -109,12 +130,22 @@ StatusCode water_aware_fugacity(Model& m, const double* x, Kind kind, double* ln
 StatusCode plain_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,
                           double& Z);
 
+// What an evaluation of the built-in equation leaves for the derivatives of the same phase.
+struct Evaluated {
+  double* s = nullptr;  // [ld] sum_j x_j a_ij
+  eos::Mixture mixed;
+  eos::Root root;
+};
+
 /*
  * The built-in equation of state, no detour: what the above does when m.built_in(). lower: only the lower
- * triangle of dn is wanted.
+ * triangle of dn is wanted. keep (may be null) takes what composition_derivatives needs.
  */
 StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,
-                             bool lower, double& Z) noexcept;
+                             bool lower, double& Z, Evaluated* keep = nullptr) noexcept;
+
+/* d ln phi_i/d n_j, dn[ld * n], lower triangle, of a phase that built_in_fugacity has evaluated. */
+StatusCode composition_derivatives(Model& m, const Evaluated& at, double* dn) noexcept;
 
 /* As the solvers need it: dn (may be null) at least in its lower triangle, which is all where it is symmetric.
  */

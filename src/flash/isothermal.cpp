@@ -57,6 +57,7 @@ StatusCode finish_two_phases(Flash& f) {
 
 // One phase: the feed, with the incipient phase beside it where there is one.
 StatusCode finish_single_phase(Flash& f) {
+  f.m.counts.step = Step::report;
   const Situation s = f.feed_kind == Kind::gas ? Situation::vapour : Situation::liquid;
   const bool vapour = s == Situation::vapour;
   const int n = f.m.n;
@@ -148,11 +149,14 @@ StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& 
   f.trial.log_w = arena.zeros(ld);
   f.trial.w = arena.zeros(ld);
   f.trial.ln_phi = arena.zeros(ld);
+  f.trial.at.s = arena.zeros(ld);
   f.lowest.log_w = arena.zeros(ld);
   f.lowest.w = arena.zeros(ld);
   f.lowest.ln_phi = arena.zeros(ld);
+  f.lowest.at.s = arena.zeros(ld);
   f.wilson_k = arena.zeros(ld);
   f.feed_phi = arena.zeros(ld);
+  f.feed.s = arena.zeros(ld);
   f.d = arena.zeros(ld);
   f.answer_d = arena.zeros(ld);
   f.direction = arena.zeros(ld);

@@ -13,6 +13,7 @@ constexpr int kMaxOtherAnswers = 8;
 void copy_answer(const Iterate& from, Iterate& to, int ld) {
   Iterate copy = from;
   copy.z = to.z;
+  copy.derivatives = false;
   for (const auto array : kIterateArrays) {
     std::copy_n(from.*array, ld, to.*array);
     copy.*array = to.*array;
@@ -39,6 +40,7 @@ bool try_all_trials(Flash& f, Reference ref, std::initializer_list<Beside> phase
     if (number >= kNearPure && !(f.it.z[number - kNearPure] > 0.0)) continue;
     if (!start_trial(f, ref, number)) return false;
     f.trial.Z = 0.0;
+    f.m.counts.step = Step::answer_trials;
     f.status = follow_trial(f.m, ref, trial_kind(f), Follow::strict, f.work, f.trial);
     if (f.status != KV_OK) return false;
     if (f.trial.end != TrialEnd::stationary || !(f.trial.tm < kUnstable)) continue;
@@ -66,12 +68,11 @@ bool look_for_better(Flash& f) {
     const Beside feed_phase{f.feed_phi, f.feed_Z, f.feed_kind};
     const Beside phases[] = {{answer.ln_phi_x, answer.Zx, answer.kind_x},
                              {answer.ln_phi_y, answer.Zy, answer.kind_y}};
-    // From what cuts the plane, then from all that does.
+    // From what cuts the plane, and where that leads nowhere from all that does.
     for (const Beside& phase : phases)
       if (!try_other(f, phase, improved)) return false;
-
-    if (!try_all_trials(f, plane, {phases[0], phases[1]}, improved) ||
-        !try_all_trials(f, feed, {feed_phase}, improved))
+    if (!improved && (!try_all_trials(f, plane, {phases[0], phases[1]}, improved) ||
+                      !try_all_trials(f, feed, {feed_phase}, improved)))
       return false;
     copy_answer(f.best, f.it, f.m.ld);
     if (!improved) return true;

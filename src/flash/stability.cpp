@@ -17,6 +17,8 @@ constexpr int kMaxSteps = 60;
 constexpr double kShortestStep = 1e-2;  // part of a second-order step that is still tried
 constexpr double kConverged = 1e-18;    // gradient^2: tm is then exact to 1e-18
 constexpr double kFinished = 1e-14;     // of a phase that is only reported
+// From here a step ends there: what it leaves, which goes with its square, need not be looked at.
+constexpr double kNearlyFinished = 1e-10, kShortChange = 1e-4;
 // Positive distances are final once they exceed what the rest of the way can take off them.
 constexpr double kSafePositive = 1e-4, kSafeFactor = 25.0;
 constexpr double kLargestLogW = 600.0;
@@ -24,12 +26,24 @@ constexpr double kLargestLogW = 600.0;
 constexpr double kClearlyNegative = -1e-2, kClearGradient = 1e-3;
 constexpr double kTrivialDistance = 1e-1, kTrivialRatio = 0.2;
 constexpr double kKnownComposition = 0.01, kKnownExactly = 1e-4;
-constexpr double kConvex = 0.1;     // lowest eigenvalue of a reference that quick trials are good enough for
 constexpr double kSameRoot = 1e-9;  // relative difference of the Z of a host's two phases
 constexpr double kSameComposition = 1e-16, kNearComposition = 0.4;  // sum of (w - z)^2/(w + z)
 
-// ln phi of the trial, residuals r and tm.
-StatusCode measure(Model& m, const Reference& ref, Kind kind, double* dn, const TrialWork& work, Trial& t) {
+// Residuals r, tm and its gradient from ln phi.
+void compare(const Model& m, const Reference& ref, const TrialWork& work, Trial& t) {
+  double wr = 0.0, g = 0.0;
+  for (int i = 0; i < m.n; ++i) {
+    const double r = t.log_w[i] + t.ln_phi[i] - ref.d[i];
+    work.r[i] = r;
+    wr += t.w[i] * r;
+    g += t.w[i] * r * r;
+  }
+  t.tm = 1.0 - t.sum + t.sum * wr;
+  t.gradient2 = t.sum * g;
+}
+
+// The composition of the amounts.
+void compose(const Model& m, Trial& t) {
   double sum = 0.0;
   for (int i = 0; i < m.ld; ++i) {
     t.log_w[i] = t.log_w[i] < kLargestLogW ? t.log_w[i] : kLargestLogW;
@@ -40,27 +54,18 @@ StatusCode measure(Model& m, const Reference& ref, Kind kind, double* dn, const 
   t.sum = sum;
   const double scale = 1.0 / sum;
   for (int i = 0; i < m.ld; ++i) t.w[i] *= scale;
-  const StatusCode status = fugacity(m, t.w, kind, t.ln_phi, dn, t.Z);
-  if (status != KV_OK) return status;
-  double wr = 0.0, g = 0.0;
-  for (int i = 0; i < m.n; ++i) {
-    const double r = t.log_w[i] + t.ln_phi[i] - ref.d[i];
-    work.r[i] = r;
-    wr += t.w[i] * r;
-    g += t.w[i] * r * r;
-  }
-  t.tm = 1.0 - sum + sum * wr;
-  t.gradient2 = sum * g;
-  return KV_OK;
 }
 
-double spread(const double* w, const double* z, int n) {
-  double sum = 0.0;
-  for (int i = 0; i < n; ++i) {
-    const double gap = w[i] - z[i];
-    sum += gap * gap / (w[i] + z[i] + 1e-300);
-  }
-  return sum;
+// ln phi of the trial, and what follows from it.
+StatusCode measure(Model& m, const Reference& ref, Kind kind, double* dn, const TrialWork& work, Trial& t) {
+  compose(m, t);
+  const StatusCode status =
+      m.built_in() ? built_in_fugacity(m, t.w, kind, t.ln_phi, {nullptr, nullptr, dn}, true, t.Z, &t.at)
+                   : fugacity(m, t.w, kind, t.ln_phi, dn, t.Z);
+  if (status != KV_OK) return status;
+  compare(m, ref, work, t);
+  t.current = true;
+  return KV_OK;
 }
 
 // Is the trial on its way back to a phase of composition z on the same plane? Then the distance behaves as the
@@ -74,10 +79,10 @@ bool returns_to(const double* z, int n, bool quick, const TrialWork& work, const
          std::fabs(2.0 * t.tm - towards) < kTrivialRatio * towards;
 }
 
-// work.hessian = sqrt(w_i w_j) d ln phi_i/d n_j in its lower triangle, from work.root and work.dn.
-void scaled_derivatives(int n, int ld, const TrialWork& work) {
+// work.hessian = sqrt(w_i w_j) d ln phi_i/d n_j in its lower triangle, from work.root and dn.
+void scaled_derivatives(int n, int ld, const double* dn, const TrialWork& work) {
   for (int j = 0; j < n; ++j) {
-    const double* __restrict column = work.dn + static_cast<std::size_t>(j) * ld;
+    const double* __restrict column = dn + static_cast<std::size_t>(j) * ld;
     double* __restrict h = work.hessian + static_cast<std::size_t>(j) * ld;
     const double rj = work.root[j];
     for (int i = j & ~1; i < ld; ++i) h[i] = rj * work.root[i] * column[i];
@@ -89,7 +94,7 @@ bool second_order(Model& m, const TrialWork& work, Trial& t) {
   const int n = m.n, ld = m.ld;
   const double sum = t.sum;
   for (int i = 0; i < ld; ++i) work.root[i] = std::sqrt(t.w[i]);
-  scaled_derivatives(n, ld, work);
+  scaled_derivatives(n, ld, work.dn, work);
   for (int j = 0; j < n; ++j) work.hessian[static_cast<std::size_t>(j) * ld + j] += 1.0 + 0.5 * work.r[j];
   ++m.counts.factorisations;
   if (!support::ldl_factor(n, ld, work.hessian, 1e-8)) return false;
@@ -100,8 +105,10 @@ bool second_order(Model& m, const TrialWork& work, Trial& t) {
   return true;
 }
 
-// W from sqrt(W) + factor * step/2, each amount kept within a factor of 100 of what it was.
-void take_step(int n, double factor, const TrialWork& work, Trial& t) {
+// W from sqrt(W) + factor * step/2, each amount kept within a factor of 100 of what it was. Returns the largest
+// change of ln W.
+double take_step(int n, double factor, const TrialWork& work, Trial& t) {
+  double largest = 0.0;
   for (int i = 0; i < n; ++i) {
     const double old = work.root[i];
     const double next = std::clamp(old + 0.5 * factor * work.step[i], 0.1 * old, 10.0 * old);
@@ -109,7 +116,9 @@ void take_step(int n, double factor, const TrialWork& work, Trial& t) {
     const double change = old > 1e-100 ? 2.0 * support::fast_log(next / old) : -work.r[i];
     work.old_root[i] = t.log_w[i];
     t.log_w[i] += change;
+    largest = std::max(largest, std::fabs(change));
   }
+  return largest;
 }
 
 bool is_known(const Reference& ref, const Model& m, double limit, const Trial& t) {
@@ -119,6 +128,15 @@ bool is_known(const Reference& ref, const Model& m, double limit, const Trial& t
 }
 
 }  // namespace
+
+double spread(const double* w, const double* z, int n) {
+  double sum = 0.0;
+  for (int i = 0; i < n; ++i) {
+    const double gap = w[i] - z[i];
+    sum += gap * gap / (w[i] + z[i] + 1e-300);
+  }
+  return sum;
+}
 
 StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work,
                         Trial& t) {
@@ -130,7 +148,13 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
   int second_from = how == Follow::report ? 0 : kSubstitutions;
   for (int k = 0; k < kMaxSteps; ++k) {
     const bool second = k >= second_from && !m.free_water;
-    const StatusCode status = measure(m, ref, kind, second ? work.dn : nullptr, work, t);
+    StatusCode status = KV_OK;
+    if (k == 0 && second && t.current && m.built_in()) {
+      status = composition_derivatives(m, t.at, work.dn);
+      compare(m, ref, work, t);
+    } else {
+      status = measure(m, ref, kind, second ? work.dn : nullptr, work, t);
+    }
     if (status != KV_OK) return status;
     if (stepped && t.tm > before + 1e-10 * (1.0 + std::fabs(before))) {
       // The distance rose: halve the step from where it began, and at last go on from there by substitution.
@@ -147,6 +171,10 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
       continue;
     }
     factor = 1.0;
+    if (k == 0 && ref.gas_packing > 0.0 && t.at.root.eta < ref.gas_packing) {
+      t.end = TrialEnd::trivial;
+      return KV_OK;
+    }
     if (k >= 1 && std::fabs(t.tm) < kTrivialDistance &&
         (returns_to(ref.z, m.n, quick, work, t) ||
          (ref.other != nullptr && returns_to(ref.other, m.n, quick, work, t)) ||
@@ -166,11 +194,17 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
     }
     before = t.tm;
     const bool newton = second && second_order(m, work, t);
+    t.current = false;
     // A substitution overshoots where unlike molecules attract each other strongly; the first one has far to
     // go.
     stepped = newton || k > 0;
     if (newton) {
-      take_step(m.n, factor, work, t);
+      const double change = take_step(m.n, factor, work, t);
+      if (how == Follow::report && t.gradient2 < kNearlyFinished && change < kShortChange) {
+        compose(m, t);
+        t.end = TrialEnd::stationary;
+        return KV_OK;
+      }
     } else {
       std::copy_n(t.log_w, m.n, work.old_root);
       for (int i = 0; i < m.n; ++i) t.log_w[i] -= work.r[i];
@@ -180,26 +214,24 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
   return KV_OK;
 }
 
-bool clearly_convex(Model& m, const Reference& ref, Kind kind, const TrialWork& work, Trial& t, double* lowest,
-                    StatusCode& status) {
+bool convex_with(Model& m, const double* x, const double* dn, double margin, const TrialWork& work) {
+  const int n = m.n, ld = m.ld;
+  for (int i = 0; i < ld; ++i) work.root[i] = i < n ? std::sqrt(x[i]) : 0.0;
+  scaled_derivatives(n, ld, dn, work);
+  for (int j = 0; j < n; ++j) work.hessian[static_cast<std::size_t>(j) * ld + j] += 1.0 - margin;
+  ++m.counts.factorisations;
+  return support::ldl_factor(n, ld, work.hessian, 1e-10);
+}
+
+bool clearly_convex(Model& m, const Reference& ref, Kind kind, const Evaluated* at, const TrialWork& work,
+                    Trial& t, double* lowest, StatusCode& status) {
   const int n = m.n, ld = m.ld;
   t.Z = 0.0;
-  status = fugacity(m, ref.z, kind, t.ln_phi, work.dn, t.Z);
-  if (status != KV_OK) return true;
-  for (int i = 0; i < ld; ++i) work.root[i] = i < n ? std::sqrt(ref.z[i]) : 0.0;
-  // Factor with the threshold taken off; when that fails, with a shift that makes it succeed, for inverse
-  // iteration.
-  double shift = -kConvex;
-  for (int attempt = 0; attempt < 12; ++attempt) {
-    scaled_derivatives(n, ld, work);
-    for (int j = 0; j < n; ++j) work.hessian[static_cast<std::size_t>(j) * ld + j] += 1.0 + shift;
-    ++m.counts.factorisations;
-    if (support::ldl_factor(n, ld, work.hessian, 1e-10)) {
-      if (attempt == 0) return true;
-      break;
-    }
-    shift = shift < 0.0 ? 1e-6 : 10.0 * shift;
-  }
+  status = at != nullptr ? composition_derivatives(m, *at, work.dn)
+                         : fugacity(m, ref.z, kind, t.ln_phi, work.dn, t.Z);
+  if (status != KV_OK || convex_with(m, ref.z, work.dn, kConvex, work)) return true;
+  // With a shift that makes the factorisation succeed, for inverse iteration.
+  for (double shift = 1e-6; shift < 1e5 && !convex_with(m, ref.z, work.dn, -shift, work);) shift *= 10.0;
   // Two inverse iterations from a vector without symmetries, orthogonal to sqrt(z) (the amount of the phase).
   for (int i = 0; i < n; ++i) lowest[i] = (i % 2 == 0 ? 1.0 : -1.0) + 0.3 * i / n;
   for (int k = 0; k < 3; ++k) {
@@ -217,7 +249,7 @@ bool clearly_convex(Model& m, const Reference& ref, Kind kind, const TrialWork& 
 StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& t) {
   t.Z = 0.0;
   if (m.built_in()) {
-    ++m.counts.fugacities;
+    m.counts.evaluated();
     const StatusCode spent = spend(m.host, 1);
     if (spent != KV_OK) return spent;
     const double* s = nullptr;
@@ -256,7 +288,7 @@ StatusCode start_other_root(Model& m, const Reference& ref, const double* w, dou
     for (const int phase : {KV_PHASE_GAS, KV_PHASE_LIQUID})
       found = found && eos::solve_root(m.bracub, A, B, phase, false, both[phase - 1]) == 0;
     if (!found) return KV_OK;
-    ++m.counts.fugacities;
+    m.counts.evaluated();
     const StatusCode spent = spend(m.host, 1);
     if (spent != KV_OK) return spent;
     eos::Root gas, liquid;

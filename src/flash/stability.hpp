@@ -20,6 +20,8 @@ struct Reference {
   const double* known = nullptr;  // [ld * known_count]
   int known_count = 0;
   const double* third = nullptr;  // [ld] a third phase that touches the plane
+  // A trial that begins as a gas packed less densely than this is the reference itself; 0 where none is.
+  double gas_packing = 0.0;
 };
 
 // How a trial ended.
@@ -41,6 +43,8 @@ struct Trial {
   double sum = 0.0;          // sum of W
   double gradient2 = 0.0;    // sum of W r^2
   double Z = 0.0;
+  Evaluated at;          // by the built-in equation
+  bool current = false;  // all of this belongs to log_w
   TrialEnd end = TrialEnd::failed;
 };
 
@@ -67,13 +71,25 @@ enum class Follow {
 StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work,
                         Trial& trial);
 
+/* How different two compositions are: sum of (w - z)^2/(w + z), at most 2. */
+double spread(const double* w, const double* z, int n);
+
+// Lowest eigenvalue of the curvature of a phase that quick trials are good enough for.
+inline constexpr double kConvex = 0.1;
+
 /*
- * Curvature of the distance at the reference itself, the matrix 1 + sqrt(z_i z_j) d ln phi_i/d n_j: true when
- * its lowest eigenvalue is safely above zero, so that no other minimum can be close. Else lowest[ld] is a unit
- * vector near the lowest eigenvector. status: of the fugacity routine, which makes the result true.
+ * Whether the curvature of the distance at a phase x[ld], the matrix 1 + sqrt(x_i x_j) d ln phi_i/d n_j, has no
+ * eigenvalue below margin. dn[ld * n]: its derivatives, lower triangle. The factors stay in work.hessian.
  */
-bool clearly_convex(Model& m, const Reference& ref, Kind kind, const TrialWork& work, Trial& trial,
-                    double* lowest, StatusCode& status);
+bool convex_with(Model& m, const double* x, const double* dn, double margin, const TrialWork& work);
+
+/*
+ * The same at the reference with the margin kConvex: true when no other minimum can be close. Else lowest[ld]
+ * is a unit vector near the lowest eigenvector. at: what is known of the reference, null where nothing is.
+ * status: of the fugacity routine, which makes the result true.
+ */
+bool clearly_convex(Model& m, const Reference& ref, Kind kind, const Evaluated* at, const TrialWork& work,
+                    Trial& trial, double* lowest, StatusCode& status);
 
 /*
  * First substitution from the pure component j: fills trial.log_w, and Z of the pure phase. log_w[j] is then

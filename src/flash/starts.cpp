@@ -41,6 +41,7 @@ bool on_upper_root(const Flash& f) {
  */
 bool accept(Flash& f) {
   Iterate& it = f.it;
+  f.m.counts.step = Step::gate;
   f.status = fugacity(f.m, it.x, it.kind_x, it.ln_phi_x, nullptr, it.Zx);
   if (f.status == KV_OK) f.status = fugacity(f.m, it.y, it.kind_y, it.ln_phi_y, nullptr, it.Zy);
   if (f.status != KV_OK || on_upper_root(f)) return false;
@@ -89,6 +90,7 @@ void start_from_trial(Flash& f, const Beside& other, Source source) {
 }
 
 bool good_split(Flash& f, bool unstable, Outcome& outcome) {
+  f.m.counts.step = Step::split;
   outcome = iterate(f, !unstable);
   if (outcome == Outcome::converged && on_upper_root(f)) {
     f.it.kind_x = f.it.kind_y = Kind::stable;

@@ -283,6 +283,7 @@ Outcome take_accepted(Model& m, const TwoPhaseWork& work, const Polish& p, Itera
   it.beta = p.beta;
   it.liquid = p.liquid;
   it.stalled = true;
+  it.derivatives = false;
   compose_phases(m, it);
   status = evaluate_phases(m, work, false, it);
   return status == KV_OK ? Outcome::converged : Outcome::routine;
@@ -312,7 +313,7 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
   for (int i = m.n; i < m.ld; ++i) it.x[i] = it.y[i] = it.log_k[i] = it.r[i] = 0.0;
   it.Zx = it.Zy = 0.0;
   it.count = 0;
-  it.stalled = false;
+  it.stalled = it.derivatives = false;
   if (!split_feed(m, it) && (plan.compare_with_feed || !centre_coefficients(m, it))) return Outcome::one_phase;
   trace_initial(trace, m.n, it);
   bool newton_taken = false, accepted = false;
@@ -336,6 +337,7 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
     }
     if (accepted) {
       const Polished end = polish(m, settings, it, progress);
+      it.derivatives = derivatives;
       if (end == Polished::yes) return Outcome::converged;
       if (end == Polished::stalled) return stop(Outcome::broke_down);
     }

@@ -39,6 +39,8 @@ struct Iterate {
   int count = 0;         // passes of this solve, shown in the trace
   int source = 0;        // number of the solver's own start that it comes from, 0 for an estimate; likewise
   bool stalled = false;  // CRIT is met, and no more could be had
+  // The work holds composition derivatives of x and y, or of phases a last Newton step away from them.
+  bool derivatives = false;
 };
 
 // The arrays that an iterate owns; z is the flash's.
