@@ -321,7 +321,7 @@ bool stable_at(Tracer& t, LinePoint& p) {
   if (t.boundary()) {
     call.x = call.y = t.trial;
     call.K = t.trial_K;
-    t.status = flash::feed_stability(call, p.x, distance);
+    t.status = flash::feed_stability(call, {p.x, p.Zx}, distance);
     for (int i = 0; i < line.n; ++i) t.trial_K[i] = -t.trial_K[i];
   } else {
     call.x = p.x;

@@ -178,8 +178,8 @@ bool stable_feed(MixtureRecord& mixture, const double* z, const Critical& c, dou
   silent.trace_flag = 0;
   double beta = 0.0, distance = 0.0;
   double* const K = work + mixture.count;
-  status = flash::feed_stability({c.T, c.P, z, &silent, nullptr, &beta, work, work, K}, z,
-                                 distance);  // its own incipient phase
+  const flash::Incipient itself{z};
+  status = flash::feed_stability({c.T, c.P, z, &silent, nullptr, &beta, work, work, K}, itself, distance);
   return status == KV_OK && distance >= kStable;
 }
 

@@ -41,6 +41,15 @@ double packing(const Flash& f, double b, double Z) {
   return b * f.m.P / (eos::kR * f.m.T * Z);
 }
 
+bool gas_beyond_doubt(const Flash& f, const double* w, double Z) {
+  return f.m.built_in() && Z > 0.0 && packing(f, covolume(*f.call.mixture, w), Z) < kGasPacking;
+}
+
+// Whether the phase that is known to touch the feed's plane is a gas.
+bool beside_gas(const Flash& f) {
+  return f.incipient != nullptr && gas_beyond_doubt(f, f.incipient, f.incipient_Z);
+}
+
 // Keeps the trial when it is the lowest so far.
 void remember(Flash& f) {
   if (f.trial.end != TrialEnd::stationary) return;
@@ -216,7 +225,7 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
 bool wilson_trials(Flash& f, const Reference& ref) {
   if (!start_trial(f, ref, kWilsonLiquid) || !run_trial(f, ref, trial_kind(f))) return false;
   Reference lighter = ref;
-  if (f.m.built_in() && f.how == Follow::quick && f.feed_kind == Kind::gas && f.feed.root.eta < kGasPacking)
+  if (f.how == Follow::quick && (gas_beyond_doubt(f, f.it.z, f.feed_Z) || beside_gas(f)))
     lighter.gas_packing = kGasPacking;
   return start_trial(f, ref, kWilsonVapour) && run_trial(f, lighter, trial_kind(f));
 }
@@ -314,7 +323,7 @@ bool test_feed(Flash& f) {
   }
   if (!f.liquids_only() && !other_root_trial(f, ref, f.it.z, f.feed_Z)) return false;
   f.m.counts.step = Step::near_pure;
-  return near_pure_trials(f, ref, f.feed_kind == Kind::gas);
+  return near_pure_trials(f, ref, f.feed_kind == Kind::gas || beside_gas(f));
 }
 
 bool test_answer(Flash& f, bool& stable) {

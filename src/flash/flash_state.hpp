@@ -27,8 +27,9 @@ struct Flash {
   bool have_lowest = false;
   Follow how = Follow::quick;  // how far trials are followed
   const double* incipient =
-      nullptr;             // [ld] a stationary point that is known beforehand, of distance 0; may be null
-  bool came_back = false;  // some trial ran back into the reference
+      nullptr;               // [ld] a stationary point that is known beforehand, of distance 0; may be null
+  double incipient_Z = 0.0;  // of it, 0 where it is not known
+  bool came_back = false;    // some trial ran back into the reference
 
   double* wilson_k = nullptr;   // [ld]
   double* feed_phi = nullptr;   // [ld] ln phi of the feed as one phase

@@ -176,12 +176,13 @@ StatusCode isothermal_flash(const IsothermalCall& call) {
                                      [&](support::Arena& arena) { return with_flash(call, arena, solve); });
 }
 
-StatusCode feed_stability(const IsothermalCall& call, const double* incipient, double& distance) {
+StatusCode feed_stability(const IsothermalCall& call, const Incipient& incipient, double& distance) {
   const auto body = [&](Flash& f) -> StatusCode {
     if (!evaluate_feed(f)) return f.status;
     wilson(call.T, call.P, *call.mixture, f.m.free_water, f.wilson_k, nullptr);
-    if (incipient != nullptr) std::copy_n(incipient, f.m.n, f.it.x);
-    f.incipient = incipient != nullptr ? f.it.x : nullptr;
+    if (incipient.w != nullptr) std::copy_n(incipient.w, f.m.n, f.it.x);
+    f.incipient = incipient.w != nullptr ? f.it.x : nullptr;
+    f.incipient_Z = incipient.Z;
     if (!test_feed(f)) return f.status;
     distance = f.have_lowest ? f.lowest.tm : 0.0;
     *call.beta = f.feed_kind == Kind::gas ? 1.0 : 0.0;

@@ -57,10 +57,14 @@ StatusCode isothermal_flash(const IsothermalCall& call);
 /*
  * Tangent-plane distance of the feed at T and P: the lowest of the stationary points that were found, 0 without
  * any, below about -1e-8 an instability. beta: 1 when the feed is a gas there, else 0; y receives the trial
- * phase and K (not bounded) ln phi(feed) - ln phi(trial). x is not used. incipient[count], may be null: a phase
- * that is known to touch the feed's tangent plane; trials that come to it stop.
+ * phase and K (not bounded) ln phi(feed) - ln phi(trial). x is not used. incipient: a phase that is known to
+ * touch the feed's tangent plane; trials that come to it stop.
  */
-StatusCode feed_stability(const IsothermalCall& call, const double* incipient, double& distance);
+struct Incipient {
+  const double* w = nullptr;  // [count], null where none is known
+  double Z = 0.0;             // 0: not known
+};
+StatusCode feed_stability(const IsothermalCall& call, const Incipient& incipient, double& distance);
 
 /*
  * The same distance from the tangent plane of two phases x and y in equilibrium at T and P, 0 when nothing cuts

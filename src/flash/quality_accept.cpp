@@ -156,7 +156,8 @@ Verdict stability(Quality& q) {
   if (q.boundary()) {
     c.x = c.y = q.spare;
     c.K = q.trial;
-    q.status = feed_stability(c, q.line.W == 0.0 ? q.point.y : q.point.x, distance);
+    const Incipient vapour{q.point.y, q.point.Zy}, liquid{q.point.x, q.point.Zx};
+    q.status = feed_stability(c, q.line.W == 0.0 ? vapour : liquid, distance);
   } else {
     c.x = q.point.x;
     c.y = q.point.y;
