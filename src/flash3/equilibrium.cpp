@@ -191,10 +191,10 @@ struct Attempts {
   }
 };
 
-// Three phases that are cut: what cuts takes the place of each in turn, and the lowest stands.
+// Phases that are cut: what cuts takes the place of each in turn, and the lowest stands.
 StatusCode replace_phase(Equilibrium& e) {
   Attempts attempts(e);
-  for (int j = 0; j < kMostPhases; ++j) {
+  for (int j = 0; j < e.answer.count; ++j) {
     copy_phases(e.answer, e.p, e.m.ld);
     set_phase(e, j, e.added, e.answer.amount[j], e.p);
     attempts.settle_next();
@@ -295,6 +295,7 @@ StatusCode improve(Equilibrium& e) {
         copy_phases(e.answer, e.p, e.m.ld);
         std::copy_n(e.added, e.m.n, e.cut);
         status = grow_phase(e);
+        if (!lower(status)) status = replace_phase(e);
       }
     }
     if (status != KV_FOURTH_PHASE && !lower(status)) status = from_own_starts(e);

@@ -52,7 +52,12 @@ const Grid kGrids[] = {
     {{"carbon_dioxide", "methane", "n_butane", "water", "ammonia"},
      {{0.7805, 0.0502, 0.1532, 0.0002, 0.0159}},
      {210, 220, 230, 240},
-     {3.25}}};
+     {3.25}},
+    // Two liquids are found first, and the gas that cuts them takes the place of one.
+    {{"methane", "hydrogen_sulfide"},
+     {{0.050050779650810118, 0.94994922034918983}},
+     {172.97001744605569},
+     {22.977477490049722}}};
 
 TEST(ThreePhase, EquilibriumOfLowestGibbsEnergyOverGrids) {
   int count[4] = {};
