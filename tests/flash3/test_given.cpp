@@ -141,6 +141,16 @@ TEST(ThreePhaseLine, AlmostPureComponentsBoil) {
     }
 }
 
+// So far below freezing that a vapour holds e^-800 of an oil: what one liquid has of the other still follows it.
+TEST(ThreePhaseValues, PhasesOfOilsFarBelowFreezing) {
+  Mixture m = mixture_of({"methane", "toluene", "n_decane"});
+  m.use();
+  const double P = 23.815992356316755;
+  const Vector z{1.0 - 7.33e-10, 7e-10, 3.3e-11};
+  for (const double S : {-47.0, -49.02148568071425, -50.0})
+    expect_equilibrium(m, at_energy(m, true, S, P, z).T, P, z, at_energy(m, true, S, P, z));
+}
+
 // Water and ammonia together have an enthalpy of mixing that does not vanish with a trace of one of them: what
 // counts are the phases as they are written, in which a fraction below 1e-15 is 0.
 TEST(ThreePhaseValues, AreThoseOfThePhasesAsWritten) {
