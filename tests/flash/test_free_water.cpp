@@ -136,6 +136,19 @@ TEST(FreeWater, StatesByTheRulesColdAndWarm) {
   }
 }
 
+// Beside the critical point of the hydrocarbons the rules have no state, wherever the search for one begins.
+TEST(FreeWater, NoStateColdAndWarm) {
+  Mixture m = wet({"methane", "n_butane", "water"}, 12.5, 6000);
+  const std::vector<double> z{0.2546, 0.3454, 0.4};
+  const double T = 364.779, P = 80.636;
+  const FlashResult cold = flash(m, T, P, z), warm = flash(m, T, P, z, 0, nullptr, flash(m, 300, 60, z));
+  EXPECT_EQ(cold.status, KV_TRIVIAL);
+  EXPECT_EQ(warm.status, KV_TRIVIAL);
+  EXPECT_EQ(warm.beta, cold.beta);
+  EXPECT_EQ(warm.x, cold.x);
+  EXPECT_EQ(warm.y, cold.y);
+}
+
 struct Hard {
   const char* what;
   std::vector<std::string> ids;
