@@ -23,7 +23,7 @@ double psat(double T) {
   return std::exp(73.649 - 7258.2 / T - 7.3037 * std::log(T) + 4.1653e-6 * T * T) / 101325.0;
 }
 double limit(const Mixture& m, double T) {
-  return std::exp(m.record.solubility_a - m.record.solubility_b / T);
+  return std::min(1.0, std::exp(m.record.solubility_a - m.record.solubility_b / T));
 }
 
 // The rules, from the answer alone: the hydrocarbons at their limit beside the gas, and the water in it.
@@ -207,6 +207,15 @@ TEST(FreeWater, StatesThatAreHardToFind) {
        {0.94645216578156355, 0.053547834217436502, 1e-12},
        0,
        1e-11},
+      {"water that dissolves in all proportions, below its boiling",
+       {"methane", "carbon_dioxide", "n_octane", "water"},
+       12.5,
+       6000,
+       562,
+       100,
+       {0.002, 0.007, 0.001, 0.99},
+       0.999,
+       0.9999},
   };
   for (const Hard& s : states) {
     SCOPED_TRACE(s.what);
