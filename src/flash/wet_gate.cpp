@@ -37,14 +37,12 @@ bool lighter_than_gas(const Wet& f, const Known& gas) {
   return gas.x != nullptr && lighter(*f.call.mixture, f.trial.w, f.trial.Z, gas.x, gas.Z);
 }
 
-// Whether a fluid parts from a liquid of mostly water, as where the limit is no limit: one of less water is no
-// liquid of the rules at this activity, however dense.
+// Whether a fluid parts from a liquid of mostly water within its limit, as where that is no limit: one of less
+// water is no liquid of the rules at this activity, however dense.
 bool parts_from_water(const Wet& f, const Known& liquid) {
   constexpr double kMostly = 0.5;
   const int w = f.m.water;
-  const WetTrial& t = f.trial;
-  return liquid.x != nullptr && liquid.x[w] > kMostly && t.w[w] < kMostly &&
-         lighter(*f.call.mixture, t.w, t.Z, liquid.x, liquid.Z);
+  return liquid.x != nullptr && liquid.x[w] > kMostly && liquid.x[w] <= limit(f) && f.trial.w[w] < kMostly;
 }
 
 // What a trial ended on counts as what it was tried for only; and a gas beside a gas when it is the lighter

@@ -216,6 +216,15 @@ TEST(FreeWater, StatesThatAreHardToFind) {
        {0.002, 0.007, 0.001, 0.99},
        0.999,
        0.9999},
+      {"the same at a pressure where the hydrocarbons are as dense",
+       {"methane", "carbon_dioxide", "n_octane", "water"},
+       12.5,
+       6000,
+       500,
+       300,
+       {0.0005, 0.001, 0.0085, 0.99},
+       0.998,
+       0.999},
   };
   for (const Hard& s : states) {
     SCOPED_TRACE(s.what);
