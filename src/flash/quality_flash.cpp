@@ -303,6 +303,21 @@ void start_from_estimate(Quality& q, double start) {
       q.point.X[i] = std::clamp(support::fast_log(c.y[i] / c.x[i]), -kLargestLogK, kLargestLogK);
 }
 
+// Whether the ln K of the point are about those of the estimate: of two temperatures that a pressure belongs to,
+// as about the highest one of a line, only one has them.
+bool like_estimate(const Quality& q) {
+  constexpr double kMoved = 0.2;  // in parts of the largest
+  const QualityCall& c = q.call;
+  double moved = 0.0, largest = 0.0;
+  for (int i = 0; i < q.line.n; ++i) {
+    if (!(c.x[i] > 0.0 && c.y[i] > 0.0)) continue;
+    const double log_k = support::fast_log(c.y[i] / c.x[i]);
+    moved = std::max(moved, std::fabs(q.point.X[i] - log_k));
+    largest = std::max(largest, std::fabs(log_k));
+  }
+  return moved <= kMoved * largest;
+}
+
 /*
  * From the phases of the estimate and a start of the unknown, on its branch: its point, or from the estimate's
  * own unknown the one that is reached first when it leads elsewhere. An estimate beside a critical point, where
@@ -314,8 +329,9 @@ bool from_estimate(Quality& q, double start) {
   q.point.Zx = q.point.Zy = 0.0;
   const bool critical = close_phases(q);
   const bool solved = solve_from_point(q, 0, true);
-  const bool near = std::fabs(q.point.X[q.unknown] - q.estimate) < (q.of_T() ? kNearT : kNearP);
   const bool own = start == *q.call.unknown;
+  const bool near =
+      std::fabs(q.point.X[q.unknown] - q.estimate) < (q.of_T() ? kNearT : kNearP) && (own || like_estimate(q));
   if (settle_on_branch(q, solved && (near || own), near)) return true;
   if (!critical || !own) return false;
   q.only_near = true;

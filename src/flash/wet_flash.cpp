@@ -209,6 +209,7 @@ StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
     start_from_estimate(f);
     if (try_split(f, kept)) return finish(f);
   }
+  feed_as_liquid(f);  // what is left where none is found does not tell where the search began
   const auto two_fluids = [&] {
     for (const auto& [have, k] : {std::pair{have_gas, gas_k}, std::pair{have_liquid, liquid_k}}) {
       if (!have || f.status != KV_OK) continue;

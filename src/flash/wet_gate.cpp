@@ -37,12 +37,21 @@ bool lighter_than_gas(const Wet& f, const Known& gas) {
   return gas.x != nullptr && lighter(*f.call.mixture, f.trial.w, f.trial.Z, gas.x, gas.Z);
 }
 
+// Whether a fluid parts from a liquid of mostly water within its limit, as where that is no limit: one of less
+// water is no liquid of the rules at this activity, however dense.
+bool parts_from_water(const Wet& f, const Known& liquid) {
+  constexpr double kMostly = 0.5;
+  const int w = f.m.water;
+  return liquid.x != nullptr && liquid.x[w] > kMostly && liquid.x[w] <= limit(f) && f.trial.w[w] < kMostly;
+}
+
 // What a trial ended on counts as what it was tried for only; and a gas beside a gas when it is the lighter
 // one, since the denser one would be the liquid, by other rules.
-bool is_of_kind(const Wet& f, Kind kind, const Known& gas) {
+bool is_of_kind(const Wet& f, Kind kind, const Known (&known)[2]) {
   const WetTrial& t = f.trial;
   if (kind == Kind::liquid) return !loosely_packed(f, t.w, t.Z);
-  return gas.x != nullptr ? lighter_than_gas(f, gas) : like_a_gas(f, t.w, t.Z);
+  if (known[0].x != nullptr) return lighter_than_gas(f, known[0]);
+  return like_a_gas(f, t.w, t.Z) || parts_from_water(f, known[1]);
 }
 
 // One fluid: the same hydrocarbons, as loosely packed. Single hydrocarbons differ in the latter alone.
@@ -95,7 +104,7 @@ bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
     }
     if (norm <= kGoingThere && k > 2 && near_known(f, known)) return true;
     if (norm <= kSettled) {
-      t.found = !near_known(f, known) && is_of_kind(f, kind, known[0]);
+      t.found = !near_known(f, known) && is_of_kind(f, kind, known);
       return true;
     }
     const double factor = speed_up(k, along, before);
@@ -106,7 +115,7 @@ bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
     before = norm;
   }
   // Slow, beside a critical point: it counts where it clearly grows.
-  t.found = t.ln_sum > 1e-6 && !near_known(f, known) && is_of_kind(f, kind, known[0]);
+  t.found = t.ln_sum > 1e-6 && !near_known(f, known) && is_of_kind(f, kind, known);
   return true;
 }
 

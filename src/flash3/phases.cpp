@@ -250,7 +250,8 @@ StatusCode evaluate_phases(flash::Model& m, const double* z, Phases& p, const Ph
       if (!(p.x[j][i] > 0.0)) continue;
       const double here = support::fast_log(p.x[j][i]) + p.ln_phi[j][i];
       p.gibbs += p.amount[j] * p.x[j][i] * here;
-      if (p.x[j][i] >= kAbsent) p.worst = std::max(p.worst, std::fabs(here - at_home));
+      const double apart = std::fabs(here - at_home);
+      if (p.x[j][i] >= kAbsent) p.worst = std::max(p.worst, apart <= 1e300 ? apart : 1e300);
     }
   }
   return KV_OK;

@@ -83,6 +83,7 @@ bool state_at(QualitySearch& q, double u, double& f, const Phases* near, bool& c
   if (q.status != KV_OK) return false;
   const int v = find_vapour(q.e);
   const double V = v < 0 ? 0.0 : q.e.p.amount[v];
+  if (v < 0 && q.e.p.count == 2) q.two_liquids = true;
   f = V - q.W;
   if (q.W == 0.0 && V == 0.0) f = -1.0;
   if (q.W == 1.0 && v >= 0 && q.e.p.count == 1) f = 1.0;
@@ -306,6 +307,34 @@ StatusCode search_from(QualitySearch& q, double first) {
   return KV_NO_SATURATION;
 }
 
+/*
+ * In short steps, where the others pass over a vapour: beside water it may be there over some kelvin only, between
+ * two liquids below and above, next to the critical point of what is not water.
+ */
+StatusCode search_closely(QualitySearch& q) {
+  constexpr double kStep = 0.008, kFrom = 0.95, kTo = 1.3;  // of the pseudo-critical temperature
+  const int n = q.e.m.n, water = eos::find_water_family(*q.e.m.mixture);
+  double dry = 0.0;
+  for (int i = 0; i < n; ++i) dry += q.joined.x[0][i] = i == water ? 0.0 : q.e.z[i];
+  const double Tc = flash::pseudo_critical_temperature(*q.e.m.mixture, q.joined.x[0]) / dry;
+  bool have = false;
+  q.changes = 0;
+  for (double u = kFrom * Tc; u < kTo * Tc; u *= 1.0 + kStep) {
+    Walks walks{1, 1, 1, kMostWalks};
+    const Step step = look_at(q, u, walks, have ? &q.outer[0].p : nullptr, q.fresh);
+    if (step == Step::solved) return KV_OK;
+    if (step == Step::failed && q.status > KV_STATUS_CALL_BLOCK) return q.status;
+    if (step == Step::missed) {
+      Node& next = q.between[0];
+      std::swap(next, q.fresh);
+      if (have && search_between(q, q.outer[0], next, 1)) return KV_OK;
+      std::swap(q.outer[0], next);
+    }
+    have = step == Step::missed;
+  }
+  return KV_NO_SATURATION;
+}
+
 }  // namespace
 
 StatusCode search(QualitySearch& q) {
@@ -313,6 +342,7 @@ StatusCode search(QualitySearch& q) {
   const double usual[] = {q.of_T ? kDefaultT : kDefaultP, q.of_T ? 200.0 : 10.0, q.of_T ? 450.0 : 100.0};
   StatusCode status = search_from(q, q.u);
   for (int k = 0; k < 3 && status == KV_NO_START; ++k) status = search_from(q, usual[k]);
+  if (status == KV_NO_SATURATION && q.of_T && q.two_liquids) status = search_closely(q);
   return status == KV_NO_START ? StatusCode{KV_NO_SATURATION} : status;
 }
 

@@ -37,6 +37,7 @@ struct QualitySearch {
   // the ends of a bracket that closes.
   Node outer[2], fresh, between[kDeepest + 2];
   int changes = kMostChanges;
+  bool two_liquids = false;  // were seen without a vapour
 
   double T_of(double at) const { return of_T ? at : call.given; }
   double P_of(double at) const { return of_T ? call.given : at; }

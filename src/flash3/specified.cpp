@@ -69,16 +69,24 @@ void start_coefficients(Specified& s) {
 
 // Compositions from ln K and the amounts; raw as they come, p.x with sum 1. False: not usable.
 bool split(Specified& s) {
+  constexpr double kLarge =
+      300.0;  // ln K of which those of other phases are taken, lest 1 underflows beside it
   Phases& p = s.e->p;
   const double* z = s.e->z;
   const int n = s.e->m.n;
   for (int i = 0; i < n; ++i) {
-    double D = 1.0;
-    for (int k = 0; k < p.count - 1; ++k) D += p.amount[k + 1] * (support::fast_exp(s.log_k[k][i]) - 1.0);
-    s.D[i] = D;
-    if (!(D > 1e-12) && z[i] > 0.0) return false;
-    s.raw[0][i] = z[i] > 0.0 ? z[i] / D : 0.0;
-    for (int k = 0; k < p.count - 1; ++k) s.raw[k + 1][i] = s.raw[0][i] * support::fast_exp(s.log_k[k][i]);
+    double most = kLarge;
+    for (int k = 0; k < p.count - 1; ++k) most = std::max(most, s.log_k[k][i]);
+    const double shift = most > kLarge ? most : 0.0, one = shift > 0.0 ? support::fast_exp(-shift) : 1.0;
+    double D = one;
+    for (int k = 0; k < p.count - 1; ++k) {
+      s.raw[k + 1][i] = support::fast_exp(s.log_k[k][i] - shift);
+      D += p.amount[k + 1] * (s.raw[k + 1][i] - one);
+    }
+    if (!(D > 1e-12 * one) && z[i] > 0.0) return false;
+    const double part = z[i] > 0.0 ? z[i] / D : 0.0;
+    s.raw[0][i] = part * one;
+    for (int k = 0; k < p.count - 1; ++k) s.raw[k + 1][i] *= part;
   }
   for (int j = 0; j < p.count; ++j) {
     double sum = 0.0;
@@ -140,11 +148,11 @@ double partial(const Specified& s, int j, int i) {
  * Derivatives of the raw amounts of phase j, for component i: by ln K of phase q (1 ..) and by its amount.
  */
 double by_log_k(const Specified& s, int j, int q, int i) {
-  const double share = s.e->p.amount[q] * s.raw[q][i] / (s.raw[0][i] * s.D[i]);
+  const double share = s.e->p.amount[q] * s.raw[q][i] / s.e->z[i];
   return s.raw[j][i] * ((j == q ? 1.0 : 0.0) - share);
 }
 double by_amount(const Specified& s, int j, int q, int i) {
-  return -s.raw[j][i] * (s.raw[q][i] / s.raw[0][i] - 1.0) / s.D[i];
+  return -s.raw[j][i] * (s.raw[q][i] - s.raw[0][i]) / s.e->z[i];
 }
 
 double raw_sum(const Specified& s, int j) {
@@ -314,7 +322,7 @@ void take_specified(support::Arena& arena, int n, int ld, Specified& s) {
   for (double*& a : s.log_k) a = arena.zeros(ld);
   for (double*& a : s.dtau) a = arena.zeros(ld);
   for (double*& a : s.raw) a = arena.zeros(ld);
-  s.D = arena.zeros(ld);
+  s.spare = arena.zeros(ld);
   s.system = arena.take(size * size);
   s.step = arena.zeros(size);
   s.pivot = arena.take_ints(size);

@@ -26,9 +26,9 @@ struct Specified {
   double T = 0.0, P = 0.0;     // K, atm: in and out
   int vapour = 0;              // index in e.p of the phase of the specified amount
   // Work.
-  flash::Kind kind[kMostPhases] = {};                           // the root that a phase takes
-  double *log_k[2], *dtau[kMostPhases], *raw[kMostPhases], *D;  // [ld]
-  double *system, *step;                                        // [(2 n + 3)^2], [2 n + 3]
+  flash::Kind kind[kMostPhases] = {};                               // the root that a phase takes
+  double *log_k[2], *dtau[kMostPhases], *raw[kMostPhases], *spare;  // [ld]
+  double *system, *step;                                            // [(2 n + 3)^2], [2 n + 3]
   int* pivot;
 };
 

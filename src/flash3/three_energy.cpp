@@ -71,7 +71,7 @@ bool evaluate(Search& q) {
       q.slope += p.amount[j] * c.slope;
     } else {
       // Of the phase as it will be written: what a trace adds to the value need not vanish with it.
-      double* const x = q.s.D;
+      double* const x = q.s.spare;
       std::copy_n(p.x[j], q.e.m.ld, x);
       drop_traces(q.e.m.n, x);
       const int phase = j == find_vapour(q.e) ? KV_PHASE_GAS : KV_PHASE_LIQUID;

@@ -23,7 +23,7 @@ double psat(double T) {
   return std::exp(73.649 - 7258.2 / T - 7.3037 * std::log(T) + 4.1653e-6 * T * T) / 101325.0;
 }
 double limit(const Mixture& m, double T) {
-  return std::exp(m.record.solubility_a - m.record.solubility_b / T);
+  return std::min(1.0, std::exp(m.record.solubility_a - m.record.solubility_b / T));
 }
 
 // The rules, from the answer alone: the hydrocarbons at their limit beside the gas, and the water in it.
@@ -136,6 +136,19 @@ TEST(FreeWater, StatesByTheRulesColdAndWarm) {
   }
 }
 
+// Beside the critical point of the hydrocarbons the rules have no state, wherever the search for one begins.
+TEST(FreeWater, NoStateColdAndWarm) {
+  Mixture m = wet({"methane", "n_butane", "water"}, 12.5, 6000);
+  const std::vector<double> z{0.2546, 0.3454, 0.4};
+  const double T = 364.779, P = 80.636;
+  const FlashResult cold = flash(m, T, P, z), warm = flash(m, T, P, z, 0, nullptr, flash(m, 300, 60, z));
+  EXPECT_EQ(cold.status, KV_TRIVIAL);
+  EXPECT_EQ(warm.status, KV_TRIVIAL);
+  EXPECT_EQ(warm.beta, cold.beta);
+  EXPECT_EQ(warm.x, cold.x);
+  EXPECT_EQ(warm.y, cold.y);
+}
+
 struct Hard {
   const char* what;
   std::vector<std::string> ids;
@@ -194,6 +207,24 @@ TEST(FreeWater, StatesThatAreHardToFind) {
        {0.94645216578156355, 0.053547834217436502, 1e-12},
        0,
        1e-11},
+      {"water that dissolves in all proportions, below its boiling",
+       {"methane", "carbon_dioxide", "n_octane", "water"},
+       12.5,
+       6000,
+       562,
+       100,
+       {0.002, 0.007, 0.001, 0.99},
+       0.999,
+       0.9999},
+      {"the same at a pressure where the hydrocarbons are as dense",
+       {"methane", "carbon_dioxide", "n_octane", "water"},
+       12.5,
+       6000,
+       500,
+       300,
+       {0.0005, 0.001, 0.0085, 0.99},
+       0.998,
+       0.999},
   };
   for (const Hard& s : states) {
     SCOPED_TRACE(s.what);

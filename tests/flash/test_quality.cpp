@@ -144,6 +144,18 @@ TEST(QualityFlash, BranchesOfARetrogradeDewLine) {
   EXPECT_GE(hot.T, T - 1e-6);
 }
 
+// About the highest pressure of a line each one belongs to two temperatures, both within the reach of a start.
+TEST(QualityFlash, WayBackBesideTheHighestPressure) {
+  Mixture m = in_use({"helium", "nitrogen", "methane", "ethane", "propane"});
+  const std::vector<double> z{0.05, 0.2, 0.7, 0.04, 0.01};
+  for (const auto& [W, T] :
+       {std::pair{0.25, 191.656}, {0.25, 192.484}, {0.29854, 192.082}, {0.22238, 191.212}}) {
+    const Point p = find(m, z, 'P', W, T), back = find(m, z, 'T', W, p.P, 0, p);
+    EXPECT_EQ(back.status, KV_OK);
+    EXPECT_NEAR(back.T, T, 1e-5) << W;
+  }
+}
+
 TEST(QualityFlash, NoSuchPoint) {
   Mixture m = in_use(kRichGas);
   for (const double W : {0.0, 0.5, 1.0}) {

@@ -141,6 +141,16 @@ TEST(ThreePhaseLine, AlmostPureComponentsBoil) {
     }
 }
 
+// So far below freezing that a vapour holds e^-800 of an oil: what one liquid has of the other still follows it.
+TEST(ThreePhaseValues, PhasesOfOilsFarBelowFreezing) {
+  Mixture m = mixture_of({"methane", "toluene", "n_decane"});
+  m.use();
+  const double P = 23.815992356316755;
+  const Vector z{1.0 - 7.33e-10, 7e-10, 3.3e-11};
+  for (const double S : {-47.0, -49.02148568071425, -50.0})
+    expect_equilibrium(m, at_energy(m, true, S, P, z).T, P, z, at_energy(m, true, S, P, z));
+}
+
 // Water and ammonia together have an enthalpy of mixing that does not vanish with a trace of one of them: what
 // counts are the phases as they are written, in which a fraction below 1e-15 is 0.
 TEST(ThreePhaseValues, AreThoseOfThePhasesAsWritten) {
@@ -186,19 +196,24 @@ TEST(ThreePhaseFraction, EndsHaveTheIncipientPhase) {
   EXPECT_LT(flash3(m, dew.T - 1e-3, P, z).V, 1.0);
 }
 
-// Points in a narrow range of three phases between two pairs, behind a vapour that changes its name, and beside
-// four phases; whatever start is given.
+// Points in a narrow range of three phases between two pairs, behind a vapour that changes its name, beside four
+// phases, of a vapour between two liquids on both sides, and where a phase lacks a component altogether; whatever
+// start is given.
 TEST(ThreePhaseFraction, PointsBetweenOtherPhases) {
   const std::vector<std::string> oil{"carbon_dioxide", "methane", "n_hexadecane"};
   const std::vector<std::string> sour{"methane", "ethane", "propane", "carbon_dioxide", "hydrogen_sulfide"};
+  const std::vector<std::string> wet{"methane",  "ethane",  "propane",          "n_hexane",
+                                     "n_decane", "toluene", "hydrogen_sulfide", "water"};
   const struct {
-    const std::vector<std::string>& ids;
+    std::vector<std::string> ids;
     Vector z;
     double P, W;
   } cases[] = {{oil, {0.8, 0.08, 0.12}, 85.231048, 0.1},
                {oil, {0.8, 0.08, 0.12}, 85.231048, 0.3},
                {sour, {0.0023765, 0.0218018, 0.0661847, 0.4976186, 0.4120184}, 86.8482, 0.5428},
-               {sour, {0.0404410, 0.1065616, 0.3974899, 0.1442312, 0.3112763}, 114.3854, 0.0998}};
+               {sour, {0.0404410, 0.1065616, 0.3974899, 0.1442312, 0.3112763}, 114.3854, 0.0998},
+               {wet, {0.2161, 0.2281, 0.1269, 0.15, 0.0429, 0.0556, 0.0777, 0.1027}, 120.755, 0.005},
+               {{"methane", "n_butane", "water"}, {0.1568, 0.4591, 0.3841}, 69.647, 0.01}};
   for (const auto& c : cases)
     for (const double start : {0.0, 5.0, 5000.0}) {
       SCOPED_TRACE(testing::Message() << c.P << " atm, W " << c.W << " from " << start);
