@@ -27,6 +27,7 @@ constexpr int kMostStates = 120, kMostHalvings = 60;
 constexpr double kNoWidth = 1e-8;  // of a bracket, in ln of the unknown: a fluid changes its name there
 constexpr double kEvenT = 0.03, kEvenP = 0.2;  // steps of a search from the gas, in ln of the unknown
 constexpr double kLeastPart = 0.1;             // of such a step
+constexpr double kFarOff = 10.0;               // such steps from the point, as the gas changes: they are longer
 constexpr double kNearFraction = 0.15;         // of gas, from which Newton's method is tried on the way
 constexpr int kMostEnds = 8;                   // halvings of a step towards the end of two fluids
 
@@ -72,6 +73,15 @@ double excess(const WetSearch& q, const WetPoint& p) {
   return p.beta - q.W;
 }
 
+void copy_state(const WetSearch& q, const WetPoint& from, WetPoint& to) {
+  to.u = from.u;
+  to.beta = from.beta;
+  to.known = true;
+  std::copy_n(from.x, q.line.ld, to.x);
+  std::copy_n(from.y, q.line.ld, to.y);
+  std::copy_n(from.K, q.line.ld, to.K);
+}
+
 // The state at u, into q.here and the side that it is on. False: there was no answer.
 bool look_at(WetSearch& q, double u) {
   q.here.u = u;
@@ -86,12 +96,7 @@ bool look_at(WetSearch& q, double u) {
   // Only what is nearer to the other side replaces what is known.
   const WetPoint& other = excess(q, q.here) < 0.0 ? q.much : q.little;
   if (side.known && other.known && std::fabs(u - other.u) >= std::fabs(side.u - other.u)) return true;
-  side.u = u;
-  side.beta = q.here.beta;
-  side.known = true;
-  std::copy_n(q.here.x, q.line.ld, side.x);
-  std::copy_n(q.here.y, q.line.ld, side.y);
-  std::copy_n(q.here.K, q.line.ld, side.K);
+  copy_state(q, q.here, side);
   return true;
 }
 
@@ -190,16 +195,24 @@ bool end_of_two(WetSearch& q, double u, double step) {
 }
 
 // From where all is gas towards the liquid: the first place with too much gas on one side and too little on the
-// other, or the point itself. u is the state before.
+// other, or the point itself. u is the state before. While the gas hardly changes the steps are longer.
 bool first_crossing(WetSearch& q, double& u, bool& solved) {
-  const double step = q.of_T ? -kEvenT : kEvenP;
-  for (; u > least(q) && u < most(q); u += step) {
+  const double even = q.of_T ? -kEvenT : kEvenP;
+  bool looked = false;  // q.here is the state at u
+  double step = even, next = even;
+  for (; u > least(q) && u < most(q); u += step, step = next) {
     q.little.known = q.much.known = false;
-    if (!look_at(q, u)) {
+    if (looked) {
+      copy_state(q, q.here, excess(q, q.here) < 0.0 ? q.little : q.much);
+    } else if (!look_at(q, u)) {
       if (q.status != KV_OK) return false;
+      step = next = even;
       continue;
     }
-    const bool two = q.here.beta > 0.0 && q.here.beta < 1.0;
+    looked = false;
+    next = even;
+    const double beta = q.here.beta;
+    const bool two = beta > 0.0 && beta < 1.0;
     solved = two && std::fabs(q.here.beta - q.W) < kNearFraction && solve_from(q, q.here);
     if (solved) return true;
     // Where there is no state that far, nearer ones may know.
@@ -208,6 +221,8 @@ bool first_crossing(WetSearch& q, double& u, bool& solved) {
     if (q.status != KV_OK) return false;
     if (q.little.known && q.much.known) return true;
     const bool still_two = q.here.known && q.here.beta > 0.0 && q.here.beta < 1.0;
+    looked = q.here.known && part == 1.0 && two == still_two;
+    if (looked && std::fabs(q.here.beta - q.W) > kFarOff * std::fabs(q.here.beta - beta)) next = kLonger * even;
     if (two != still_two && q.here.known && (two ? end_of_two(q, u, step) : end_of_two(q, u + step, -step)))
       return true;
     if (q.status != KV_OK) return false;
