@@ -2,6 +2,7 @@
 // and each slope by an isothermal flash of its own. Its constants are settled: do not tidy them.
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 
 #include "flash/energy_state.hpp"
@@ -12,6 +13,7 @@ namespace kestrune::flash {
 namespace {
 
 constexpr int kPassLimit = 50;
+constexpr int kMostBehindMain = 40;  // flashes behind a main solver that has looked around already
 constexpr double kFirstStep = 1e-4, kSecondPassStep = 0.1, kSmallestStep = 1e-8, kLargestShift = 40.0;
 constexpr double kLargestChange = 50.0, kSmallestFactor = 1e-5, kSameTemperature = 1e-6;
 
@@ -19,6 +21,7 @@ struct Search {
   Energy& e;
   double scale, tolerance;
   bool warm;              // the next flash starts from the last answer
+  int last;               // flash after which it ends
   bool answered = false;  // the last flash had one
 
   // Residual at T; the answer stays in e.state.
@@ -42,7 +45,7 @@ Pass run_pass(Search& s, double e, double& T) {
     const double r = s.residual(T);
     trace_energy_pass(s.e.trace, s.e.call, T, s.e.state.beta, s.e.state.liquid, s.e.state.vapour);
     if (r * r <= s.tolerance) return iteration < kPassLimit && s.answered ? Pass::converged : Pass::failed;
-    if (!std::isfinite(r) || iteration > kPassLimit) return Pass::failed;
+    if (!std::isfinite(r) || iteration > kPassLimit || s.e.flashes > s.last) return Pass::failed;
     const double beta = s.e.state.beta;
     const double size = std::min(e * T, kLargestShift);
     const double shift = s.e.state.two_phases() && beta > 0.5 ? -size : size;
@@ -67,7 +70,8 @@ double residual_scale(double wanted) {
 }
 
 StatusCode search_temperature(Energy& e, bool warm) {
-  Search s{e, residual_scale(e.call.wanted), copy_settings(*e.call.mixture).CRIT, warm};
+  const int last = e.flashes > 0 ? e.flashes + kMostBehindMain : INT_MAX;
+  Search s{e, residual_scale(e.call.wanted), copy_settings(*e.call.mixture).CRIT, warm, last};
   double& T = *e.call.T;
   Pass pass = run_pass(s, kFirstStep, T);
   if (pass == Pass::failed) pass = run_pass(s, kSecondPassStep, T);

@@ -27,6 +27,8 @@ constexpr int kMostStates = 120, kMostHalvings = 60;
 constexpr double kNoWidth = 1e-8;  // of a bracket, in ln of the unknown: a fluid changes its name there
 constexpr double kEvenT = 0.03, kEvenP = 0.2;  // steps of a search from the gas, in ln of the unknown
 constexpr double kLeastPart = 0.1;             // of such a step
+constexpr double kJumpWidth = 1e-6;            // in ln of the unknown
+constexpr double kLongerCut = 2.5;             // steps of the search where a third phase is missing all the way
 constexpr double kFarOff = 10.0;               // such steps from the point, as the gas changes: they are longer
 constexpr double kNearFraction = 0.15;         // of gas, from which Newton's method is tried on the way
 constexpr int kMostEnds = 8;                   // halvings of a step towards the end of two fluids
@@ -50,6 +52,9 @@ struct WetSearch {
   Settings settings;
   double W = 0.0;
   bool of_T = true, have_unstable = false;
+  bool cut = false;   // here: a third phase is missing
+  double jump = 0.0;  // ln of the unknown where one pair of phases gave way to another
+  bool have_jump = false;
   StatusCode status = KV_OK;  // that ends the flash
   Counts counts;
 
@@ -85,7 +90,11 @@ void copy_state(const WetSearch& q, const WetPoint& from, WetPoint& to) {
 // The state at u, into q.here and the side that it is on. False: there was no answer.
 bool look_at(WetSearch& q, double u) {
   q.here.u = u;
-  const StatusCode status = wet_flash(call_at(q, u, q.here.beta, q.here.x, q.here.y, q.here.K));
+  ThirdPhase third;
+  IsothermalCall call = call_at(q, u, q.here.beta, q.here.x, q.here.y, q.here.K);
+  call.third = &third;
+  const StatusCode status = wet_flash(call);
+  q.cut = third.found;
   q.line.m.counts.fugacities += q.counts.fugacities;
   q.here.known = status == KV_OK || status == KV_SINGLE_PHASE;
   if (!q.here.known) {
@@ -212,6 +221,7 @@ bool first_crossing(WetSearch& q, double& u, bool& solved) {
     looked = false;
     next = even;
     const double beta = q.here.beta;
+    const bool cut = q.cut;
     const bool two = beta > 0.0 && beta < 1.0;
     solved = two && std::fabs(q.here.beta - q.W) < kNearFraction && solve_from(q, q.here);
     if (solved) return true;
@@ -223,6 +233,7 @@ bool first_crossing(WetSearch& q, double& u, bool& solved) {
     const bool still_two = q.here.known && q.here.beta > 0.0 && q.here.beta < 1.0;
     looked = q.here.known && part == 1.0 && two == still_two;
     if (looked && std::fabs(q.here.beta - q.W) > kFarOff * std::fabs(q.here.beta - beta)) next = kLonger * even;
+    if (looked && cut && q.cut) next = kLongerCut * even;
     if (two != still_two && q.here.known && (two ? end_of_two(q, u, step) : end_of_two(q, u + step, -step)))
       return true;
     if (q.status != KV_OK) return false;
@@ -230,10 +241,24 @@ bool first_crossing(WetSearch& q, double& u, bool& solved) {
   return false;
 }
 
+// Whether the sides are two pairs of phases, of which one gives way to the other within this width.
+bool is_jump(const WetSearch& q, double width) {
+  const WetPoint &a = q.little, &b = q.much;
+  const bool two = a.beta > 0.0 && a.beta < 1.0 && b.beta > 0.0 && b.beta < 1.0;
+  return two && width <= kJumpWidth && other_phases(q.line.n, a.x, a.y, b.x, b.y);
+}
+
 // Between the sides, with Newton's method from both at every halving.
 bool close_in(WetSearch& q) {
+  // Where it ended before without the point.
+  if (q.have_jump && (q.jump - q.little.u) * (q.jump - q.much.u) < 0.0) return false;
   for (int k = 0; k < kMostHalvings; ++k) {
     const double width = std::fabs(q.much.u - q.little.u);
+    if (is_jump(q, width)) {
+      q.jump = 0.5 * (q.much.u + q.little.u);
+      q.have_jump = true;
+      return solve_between(q);
+    }
     if (solve_from(q, q.W < 0.5 ? q.much : q.little) || solve_from(q, q.W < 0.5 ? q.little : q.much))
       return true;
     if (width <= kNoWidth || k % 8 == 7) {
