@@ -23,10 +23,9 @@ constexpr int kMostFlashes = 60, kSecantFrom = 6, kCloseFrom = 12;
 constexpr int kRetreats = 6, kAdvances = 4;
 constexpr double kOtherStarts[] = {kDefaultTemperature, 200.0, 450.0, 700.0, 120.0};  // K
 constexpr double kAdvance = 1.17;    // of T, past where the flash has no answer
-constexpr double kNoFurther = 0.02;  // relative distance from there that is close enough
-constexpr double kCold =
-    60.0;  // K; before it goes below, the search asks whether the coldest state has the value
-constexpr double kSameTwo = 1e-6;  // fractions of phases that are the same
+constexpr double kNoFurther = 0.05;  // relative distance from there that is close enough
+constexpr double kCold = 60.0;       // K; before it goes below, the search asks for the coldest state
+constexpr double kSameTwo = 1e-6;    // fractions of phases that are the same
 
 void take_state(support::Arena& arena, int ld, EnergyState& s) {
   for (double** a : {&s.x, &s.y}) *a = arena.zeros(ld);
@@ -98,13 +97,15 @@ bool solve_locally(Energy& e) {
 // As equilibrium_at: nearer and nearer to where there was an answer, then past where there is none.
 bool equilibrium_towards(Energy& e, double T) {
   const double good = e.state.T;
-  const bool between = (e.no_answer - good) * (e.no_answer - T) < 0.0;
-  double nearer = between ? 0.5 * (e.no_answer + good) : T;
-  for (int k = 0; k < kRetreats && (k == 0 || std::fabs(nearer - good) > kNoFurther * good); ++k) {
+  bool known = !e.bracket.closed() && (e.no_answer - good) * (e.no_answer - T) < 0.0;
+  double nearer = T;
+  for (int k = 0; k < kRetreats; ++k) {
+    if (k > 0 && std::fabs(nearer - good) <= kNoFurther * good) break;
     if (equilibrium_at(e, nearer, false, e.state)) return true;
     if (model_refuses(e)) return false;
-    e.no_answer = nearer;
-    nearer = 0.5 * (nearer + good);
+    if (!known) e.no_answer = nearer;
+    known = false;
+    nearer = 0.5 * (e.no_answer + good);
   }
   double past = T;
   for (int k = 0; k < kAdvances; ++k) {

@@ -16,6 +16,8 @@ constexpr double kShortestWalk = 1e-4, kShorter = 0.3;
 constexpr double kFirstStep = 0.02, kLonger = 1.6, kLongestStepT = 0.06,
                  kLongestStepP = 0.3;             // in ln of the unknown
 constexpr double kClosed = 1e-8;                  // ln u: a bracket of this width holds nothing
+constexpr double kSamePoint = 1e-6;               // relative change of the unknown
+constexpr double kLongerCut = 2.5;                // of steps where a fourth phase cuts all states
 constexpr double kSameState = 1e-8;               // sum of (x - y)^2/(x + y)
 constexpr double kSameZ = 0.25;                   // ln Z of a vapour that is the same on both sides of a step
 constexpr double kLargeChange = 0.1;              // of the vapour's part where a liquid appears
@@ -130,6 +132,12 @@ struct Walks {
   int two, three, steps_two, steps_three;
 };
 
+// Whether a walk has led to u before.
+bool was_refused(const QualitySearch& q, double u) {
+  return std::any_of(q.refused, q.refused + kMostRefused,
+                     [u](double r) { return std::fabs(u - r) < kSamePoint * u; });
+}
+
 // A state at u, into the node, and a walk from there when it has both vapour and liquid.
 enum class Step { solved, missed, failed };
 Step look_at(QualitySearch& q, double u, Walks& walks, const Phases* near, Node& node) {
@@ -146,7 +154,12 @@ Step look_at(QualitySearch& q, double u, Walks& walks, const Phases* near, Node&
       return Step::missed;
     }
     const double there = q.u;
+    if (was_refused(q, there)) {
+      --left;
+      return Step::missed;
+    }
     if (accept(q)) return Step::solved;
+    q.refused[q.refusals++ % kMostRefused] = there;
     // What is there instead is the next state to walk from.
     if (!state_at(q, there, f, nullptr, cut) || cut) return Step::missed;
   }
@@ -195,7 +208,7 @@ Between look_between(QualitySearch& q, const Node& a, const Node& b) {
   if (a.p.count < 2 || b.p.count < 2) return there;
   const bool close = width(a, b) < (q.of_T ? kShortT : kShortP), same_number = a.p.count == b.p.count;
   // Three phases that a fourth cuts on both sides have the vapour's part where it cuts them too.
-  if (close && a.cut && b.cut) return {};
+  if ((close || !there.crossed) && a.cut && b.cut) return {};
   const int va = lightest_of(q, a.p), vb = lightest_of(q, b.p);
   // A dense fluid may end in a gas without another phase in between, or with one, from which each of them leads
   // on to the other.
@@ -276,13 +289,14 @@ StatusCode search_from(QualitySearch& q, double first) {
   copy_phases(q.outer[0].p, start.p, q.e.m.ld);
   const double towards = start.f < 0.0 ? rising : -rising;
   double ends[] = {first, first}, step = kFirstStep;
+  bool cut[] = {false, false};              // the last two states of a side
   int open[] = {kMostFailed, kMostFailed};  // failures that a side may still have
   for (int k = 0; k < kMostStates && (open[0] > 0 || open[1] > 0); ++k) {
     const int side = k % 2;  // the likely one first
     if (k > 1 && (side == 0 || open[0] == 0)) step = std::min(kLonger * step, longest);
     if (open[side] == 0) continue;
     const double way = side == 0 ? towards : -towards;
-    const double u = ends[side] * std::exp(way * step);
+    const double u = ends[side] * std::exp(way * step * (cut[side] ? kLongerCut : 1.0));
     if (!(u > least && u < most)) {
       open[side] = 0;
       continue;
@@ -298,6 +312,7 @@ StatusCode search_from(QualitySearch& q, double first) {
     }
     // All vapour on the way to more of it: there is nothing further on this side.
     if (way * rising > 0.0 && q.fresh.p.count == 1 && q.e.gas) open[side] = 0;
+    cut[side] = outer.cut && q.fresh.cut;
     Node& next = q.between[0];
     std::swap(next, q.fresh);
     if (search_between(q, outer, next, 1)) return KV_OK;
