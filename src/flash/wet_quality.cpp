@@ -28,7 +28,6 @@ constexpr double kNoWidth = 1e-8;  // of a bracket, in ln of the unknown: a flui
 constexpr double kEvenT = 0.03, kEvenP = 0.2;  // steps of a search from the gas, in ln of the unknown
 constexpr double kLeastPart = 0.1;             // of such a step
 constexpr double kJumpWidth = 1e-6;            // in ln of the unknown
-constexpr double kLongerCut = 2.5;             // steps of the search where a third phase is missing all the way
 constexpr double kFarOff = 10.0;               // such steps from the point, as the gas changes: they are longer
 constexpr double kNearFraction = 0.15;         // of gas, from which Newton's method is tried on the way
 constexpr int kMostEnds = 8;                   // halvings of a step towards the end of two fluids
@@ -204,7 +203,8 @@ bool end_of_two(WetSearch& q, double u, double step) {
 }
 
 // From where all is gas towards the liquid: the first place with too much gas on one side and too little on the
-// other, or the point itself. u is the state before. While the gas hardly changes the steps are longer.
+// other, or the point itself. u is the state before. While the gas hardly changes and
+// nothing is missing, the steps are longer.
 bool first_crossing(WetSearch& q, double& u, bool& solved) {
   const double even = q.of_T ? -kEvenT : kEvenP;
   bool looked = false;  // q.here is the state at u
@@ -221,7 +221,6 @@ bool first_crossing(WetSearch& q, double& u, bool& solved) {
     looked = false;
     next = even;
     const double beta = q.here.beta;
-    const bool cut = q.cut;
     const bool two = beta > 0.0 && beta < 1.0;
     solved = two && std::fabs(q.here.beta - q.W) < kNearFraction && solve_from(q, q.here);
     if (solved) return true;
@@ -232,8 +231,8 @@ bool first_crossing(WetSearch& q, double& u, bool& solved) {
     if (q.little.known && q.much.known) return true;
     const bool still_two = q.here.known && q.here.beta > 0.0 && q.here.beta < 1.0;
     looked = q.here.known && part == 1.0 && two == still_two;
-    if (looked && std::fabs(q.here.beta - q.W) > kFarOff * std::fabs(q.here.beta - beta)) next = kLonger * even;
-    if (looked && cut && q.cut) next = kLongerCut * even;
+    const bool slow = std::fabs(q.here.beta - q.W) > kFarOff * std::fabs(q.here.beta - beta);
+    if (looked && slow && !q.cut) next = kLonger * even;
     if (two != still_two && q.here.known && (two ? end_of_two(q, u, step) : end_of_two(q, u + step, -step)))
       return true;
     if (q.status != KV_OK) return false;

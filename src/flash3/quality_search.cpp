@@ -11,12 +11,13 @@ namespace kestrune::flash3 {
 namespace {
 
 constexpr int kMostStates = 80, kMostDropped = 2;
-constexpr int kMostWalks = 12, kMostDetours = 3, kMostHalvings = 45;
+constexpr int kMostWalks = 12, kFewWalks = 4, kMostDetours = 3, kMostHalvings = 45;
+constexpr int kMostWalkSteps = 90;  // of Newton's method; those that lead to an answer take 5 to 80, as a rule
+constexpr int kMostFailedWalks = 20;
 constexpr double kShortestWalk = 1e-4, kShorter = 0.3;
 constexpr double kFirstStep = 0.02, kLonger = 1.6, kLongestStepT = 0.06,
                  kLongestStepP = 0.3;             // in ln of the unknown
 constexpr double kClosed = 1e-8;                  // ln u: a bracket of this width holds nothing
-constexpr double kSamePoint = 1e-6;               // relative change of the unknown
 constexpr double kLongerCut = 2.5;                // of steps where a fourth phase cuts all states
 constexpr double kSameState = 1e-8;               // sum of (x - y)^2/(x + y)
 constexpr double kSameZ = 0.25;                   // ln Z of a vapour that is the same on both sides of a step
@@ -100,7 +101,8 @@ bool walk_to_fraction(QualitySearch& q, double u, int most) {
   if (v < 0 || q.e.p.count < 2) return false;
   double from = q.e.p.amount[v], goal = q.W;
   copy_phases(q.e.p, q.reached, q.e.m.ld);
-  for (int k = 0; k < most && (k == 0 || std::fabs(goal - from) > kShortestWalk); ++k) {
+  const int last = q.s.steps + kMostWalkSteps;
+  for (int k = 0; k < most && q.s.steps < last && (k == 0 || std::fabs(goal - from) > kShortestWalk); ++k) {
     if (solve_at_phases(q, u, goal)) {
       if (goal == q.W) return true;
       from = goal;
@@ -132,12 +134,6 @@ struct Walks {
   int two, three, steps_two, steps_three;
 };
 
-// Whether a walk has led to u before.
-bool was_refused(const QualitySearch& q, double u) {
-  return std::any_of(q.refused, q.refused + kMostRefused,
-                     [u](double r) { return std::fabs(u - r) < kSamePoint * u; });
-}
-
 // A state at u, into the node, and a walk from there when it has both vapour and liquid.
 enum class Step { solved, missed, failed };
 Step look_at(QualitySearch& q, double u, Walks& walks, const Phases* near, Node& node) {
@@ -148,18 +144,14 @@ Step look_at(QualitySearch& q, double u, Walks& walks, const Phases* near, Node&
   for (int detour = 0; detour < kMostDetours; ++detour) {
     const bool three = q.e.p.count == kMostPhases;
     int& left = three ? walks.three : walks.two;
-    if (q.e.p.count < 2 || left <= 0) return Step::missed;
+    if (q.e.p.count < 2 || left <= 0 || q.failed_walks >= kMostFailedWalks) return Step::missed;
     if (!walk_to_fraction(q, q.u, three ? walks.steps_three : walks.steps_two)) {
       --left;
+      ++q.failed_walks;
       return Step::missed;
     }
     const double there = q.u;
-    if (was_refused(q, there)) {
-      --left;
-      return Step::missed;
-    }
     if (accept(q)) return Step::solved;
-    q.refused[q.refusals++ % kMostRefused] = there;
     // What is there instead is the next state to walk from.
     if (!state_at(q, there, f, nullptr, cut) || cut) return Step::missed;
   }
@@ -264,7 +256,7 @@ bool search_between(QualitySearch& q, const Node& a, const Node& b, int depth) {
   const bool close = width(a, b) < (q.of_T ? kShortT : kShortP);
   if (join_nodes(q, a, b) && (close || q.joined.count < kRoom) && solve_joined(q, middle)) return true;
   if (depth >= kDeepest || width(a, b) < kNarrow) return there.crossed && close_in(q, a, b);
-  Walks walks{1, 1, 1, kMostWalks};
+  Walks walks{1, 1, 1, kFewWalks};
   Node& node = q.between[depth];
   const Step step = look_at(q, middle, walks, &a.p, node);
   if (step != Step::missed) return step == Step::solved;

@@ -11,7 +11,6 @@
 namespace kestrune::flash3 {
 
 inline constexpr double kDefaultT = 298.15, kDefaultP = 1.0;
-inline constexpr int kMostRefused = 4;
 inline constexpr int kDeepest = 10;      // halvings between two states where something happens
 inline constexpr int kMostChanges = 60;  // states that are looked at for no more than other phases
 
@@ -38,8 +37,7 @@ struct QualitySearch {
   // the ends of a bracket that closes.
   Node outer[2], fresh, between[kDeepest + 2];
   int changes = kMostChanges;
-  double refused[kMostRefused] = {};  // unknowns that walks led to and the gate refused, the last ones
-  int refusals = 0;
+  int failed_walks = 0;
 
   double T_of(double at) const { return of_T ? at : call.given; }
   double P_of(double at) const { return of_T ? call.given : at; }
