@@ -23,8 +23,8 @@ using flash::kHottest;
 using flash::plausible;
 
 constexpr int kMostStates = 80, kMostDropped = 2, kRetreats = 6;
-constexpr double kNoFurther = 0.05;  // relative distance from where there is no answer that is close enough
-constexpr double kCold = 60.0;       // K; before it goes below, the search asks for the coldest state
+constexpr double kNoFurther = 0.02;  // relative distance from where there is no answer that is close enough
+constexpr double kCold = 60.0;       // K; before it goes on from below, the search asks for the coldest state
 constexpr double kReached = 1e-11;   // of the value's size
 constexpr double kNear = 1e-9;       // relative change of T that is left of a single phase
 constexpr double kSameTemperature = 1e-13;  // relative width of a bracket that is an answer
@@ -285,7 +285,7 @@ StatusCode search(Search& q) {
       if (solve_between_sides(q)) return q.state_status;
       if (q.status != KV_OK && q.status != KV_NOT_FINITE && q.status > KV_STATUS_CALL_BLOCK) return q.status;
     }
-    const bool far_below = next < kCold && !q.bracket.have_low && !q.asked_coldest;
+    const bool far_below = T < kCold && next < T && !q.bracket.have_low && !q.asked_coldest;
     q.end_of_range = !q.bracket.closed() && (next == T || (far_below && below_coldest(q)));
     if (q.end_of_range || next == T) return KV_NOT_CONVERGED;
     if (!state_towards(q, T, next)) {
