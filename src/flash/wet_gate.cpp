@@ -102,8 +102,7 @@ bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
       along += t.w[i] * f.g[i] * f.before[i];
     }
     if (norm <= kGoingThere && k > 2 &&
-        (near_known(f, known) ||
-         (strongest.found && same_fluid(f, t.w, t.Z, strongest.w, strongest.Z))))
+        (near_known(f, known) || (strongest.found && same_fluid(f, t.w, t.Z, strongest.w, strongest.Z))))
       return true;
     if (norm <= kSettled) {
       t.found = !near_known(f, known) && is_of_kind(f, kind, known[0]);
