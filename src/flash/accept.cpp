@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include "flash/fugacity.hpp"
+
 namespace kestrune::flash {
 namespace {
 constexpr double kTrace = 1e-15;  // the bound of distribution coefficients
-constexpr double kAtBound =
-    34.53876;  // |ln K| of a coefficient that is at its bound, a little less than ln 1e15
 }  // namespace
 
 bool is_split(int n, const double* z, int count, const double* amount, const double* const* x) noexcept {
@@ -36,8 +36,7 @@ double fugacity_gap(int n, const double* z, const Compared& a, const Compared& b
   double gap = 0.0;
   for (int i = 0; i < n; ++i) {
     if (!(z[i] > 0.0) || a.x[i] < kTrace || b.x[i] < kTrace) continue;
-    const double ln_K = a.ln_phi[i] - b.ln_phi[i];
-    if (std::fabs(ln_K) >= kAtBound) continue;
+    const double ln_K = std::clamp(a.ln_phi[i] - b.ln_phi[i], -kLargestLogK, kLargestLogK);
     const double apart = std::fabs(std::log(b.x[i] / a.x[i]) - ln_K);
     if (!(apart <= 1e300)) return 1e300;
     gap = std::max(gap, apart);

@@ -8,6 +8,7 @@
 #include <cmath>
 
 #include "flash/energy_state.hpp"
+#include "flash/feed.hpp"
 #include "flash/quality_flash.hpp"
 #include "flash/trace_flash.hpp"
 
@@ -21,6 +22,11 @@ constexpr double kBeside[] = {0.0, 0.07, -0.07, 0.19, -0.19, 0.31, -0.31, 0.43, 
 constexpr double kFurther[] = {1e-11, 1e-9, 1e-7, 1e-5, 1e-3};                           // of T
 constexpr int kStepsOut = 12;
 constexpr double kNewtonEvery = 1e-2;  // shrinking of the bracket between two attempts
+// A jump: relative width of a bracket that is narrow enough to tell, and how far off the values at its ends are, of
+// the scale of the value.
+constexpr double kNarrow = 1e-9, kOff = 1e-6;
+constexpr double kAsideOfCrossing = 4.0;  // of the square of the relative width: how uncertain a crossing is
+constexpr double kMostAside = 0.25;       // of the bracket
 
 // A flash inside the bracket at T, or beside it where there is no answer. True: e.state.
 bool look_inside(Energy& e, double T) {
@@ -145,22 +151,78 @@ bool widen(Energy& e) {
   return false;
 }
 
-// Until an answer is found or no width is left. False: the latter, or e.status.
+// Whether one of the two phases of a is none of those of b.
+bool other_pair(const Energy& e, const EnergyState& a, const EnergyState& b) {
+  return a.two_phases() && b.two_phases() && other_phases(e.n, a.x, a.y, b.x, b.y);
+}
+
+/*
+ * Where the Gibbs energies of the ends of the bracket are the same, by their slopes in 1/T: there one pair of
+ * phases gives way to the other. False: not between them.
+ */
+bool crossing(const Energy& e, double& T) {
+  const EnergyState &a = e.low, &b = e.high;
+  const double slope_a = -a.T * a.T * a.gibbs_slope, slope_b = -b.T * b.T * b.gibbs_slope;
+  const double up = (a.gibbs - b.gibbs + slope_b * (1.0 / b.T - 1.0 / a.T)) / (slope_b - slope_a);
+  T = 1.0 / (1.0 / a.T + up);
+  return e.bracket.inside(T);
+}
+
+// The bracket holds the place where one pair gives way to another, and both are far from the value there.
+bool is_jump(const Energy& e) {
+  const EnergyBracket& b = e.bracket;
+  double T = 0.0;
+  return b.high - b.low <= kNarrow * b.high && std::min(-b.f_low, b.f_high) > kOff * e.value_scale(b.high) &&
+         other_pair(e, e.low, e.high) && (!e.model.analytic() || crossing(e, T));
+}
+
+/*
+ * The next temperature within a bracket whose ends have different pairs of phases: where they change places, and
+ * as far aside as that is uncertain, so that the longer side of the bracket goes. aside grows when it did not.
+ */
+bool beside_crossing(const Energy& e, double aside, double& T, bool& low) {
+  const EnergyBracket& b = e.bracket;
+  double there = 0.0;
+  if (!e.model.analytic() || !other_pair(e, e.low, e.high) || !crossing(e, there)) return false;
+  const double down = there - b.low, up = b.high - there;
+  low = down > up;
+  const double most = kMostAside * (b.high - b.low);
+  const double off =
+      std::min(std::max(aside * (down * down + up * up) / there, kSameTemperature * there), most);
+  T = there + (low ? -off : off);
+  return b.inside(T);
+}
+
+// Newton's method from a pair of phases inside that is neither of those of the ends.
+bool solve_inside(Energy& e) {
+  if (!e.model.analytic() || !e.state.two_phases()) return false;
+  if (!other_pair(e, e.state, e.low) || !other_pair(e, e.state, e.high)) return false;
+  copy_state(e, e.state, e.spare);
+  return solve_phases(e, e.spare) == Local::converged;
+}
+
+// Until an answer is found or no width is left. False: the latter, a jump or e.status.
 bool narrow(Energy& e) {
   const EnergyBracket& b = e.bracket;
-  double last_attempt = b.high - b.low, before = 2.0 * last_attempt;
-  for (;;) {
+  double last_attempt = b.high - b.low, before = 2.0 * last_attempt, aside = kAsideOfCrossing;
+  for (int pass = 0;; ++pass) {
     const double width = b.high - b.low;
-    if (width <= kNoWidth * b.high || e.flashes > kMostToClose) return false;
+    e.jump = is_jump(e);
+    if (e.jump || width <= kNoWidth * b.high || e.flashes > kMostToClose) return false;
     if (width <= kNewtonEvery * last_attempt) {
       last_attempt = width;
       if (e.model.analytic() && solve_between(e)) return true;
     }
     // By halves where the secant did not close it by half.
     const double secant = b.secant(), middle = 0.5 * (b.low + b.high);
-    const double T = width <= 0.5 * before && b.inside(secant) ? secant : middle;
+    double T = width <= 0.5 * before && b.inside(secant) ? secant : middle;
     before = width;
+    bool low = false;
+    const bool by_crossing = pass % 4 != 3 && beside_crossing(e, aside, T, low);
+    if (!b.inside(T)) T = middle;
     if (!b.inside(T) || !look_inside(e, T)) return false;
+    if (by_crossing && low != (e.f(e.state) < 0.0)) aside *= 8.0;
+    if (solve_inside(e)) return true;
     trace_energy_pass(e.trace, e.call, e.state.T, e.state.beta, e.state.liquid, e.state.vapour);
     add_to_bracket(e);
     if (has_value(e, e.state) && accept(e, e.state, Found::flash)) return true;
@@ -182,7 +244,13 @@ void add_to_bracket(Energy& e) {
 
 StatusCode close_bracket(Energy& e) {
   for (int round = 0; round < kRounds; ++round) {
-    if (narrow(e) || solve_between(e) || take_end(e)) return KV_OK;
+    if (narrow(e)) return KV_OK;
+    if (e.jump) {
+      if (!e.model.analytic() && widen(e)) continue;
+      e.jump = true;
+      break;
+    }
+    if (solve_between(e) || take_end(e)) return KV_OK;
     if (e.bracket.high - e.bracket.low > kSameTemperature * e.bracket.high) break;
     if (!widen(e)) {
       e.jump = true;

@@ -14,15 +14,18 @@
 #include "flash/pure_saturation.hpp"
 #include "flash/settings.hpp"
 #include "flash/trace_flash.hpp"
+#include "support/mathkernels.hpp"
 
 namespace kestrune::flash {
 namespace {
 
 constexpr int kMostFlashes = 60, kSecantFrom = 6, kCloseFrom = 12;
-constexpr int kRetreats = 6, kAdvances = 8;
+constexpr int kRetreats = 6, kAdvances = 4;
 constexpr double kOtherStarts[] = {kDefaultTemperature, 200.0, 450.0, 700.0, 120.0};  // K
-constexpr double kAdvance = 1.08;  // of T, past where the flash has no answer
-constexpr double kSameTwo = 1e-6;  // fractions of phases that are the same
+constexpr double kAdvance = 1.17;    // of T, past where the flash has no answer
+constexpr double kNoFurther = 0.05;  // relative distance from there that is close enough
+constexpr double kCold = 60.0;       // K; before it goes on from below, the search asks for the coldest state
+constexpr double kSameTwo = 1e-6;    // fractions of phases that are the same
 
 void take_state(support::Arena& arena, int ld, EnergyState& s) {
   for (double** a : {&s.x, &s.y}) *a = arena.zeros(ld);
@@ -77,6 +80,7 @@ bool solve_locally(Energy& e) {
     if (local == Local::converged) return true;
     if (e.status != KV_OK) return false;
     if (local == Local::unstable) {
+      (e.f(e.state) < 0.0 ? e.turned_low : e.turned_high) = true;
       // Something splits off: what the flash says there. Of a state with three phases it may be the same two.
       if (!equilibrium_at(e, s.T, false, e.other)) return false;
       copy_state(e, e.other, e.state);
@@ -93,10 +97,15 @@ bool solve_locally(Energy& e) {
 // As equilibrium_at: nearer and nearer to where there was an answer, then past where there is none.
 bool equilibrium_towards(Energy& e, double T) {
   const double good = e.state.T;
+  bool known = !e.bracket.closed() && (e.no_answer - good) * (e.no_answer - T) < 0.0;
   double nearer = T;
-  for (int k = 0; k < kRetreats; ++k, nearer = 0.5 * (nearer + good)) {
+  for (int k = 0; k < kRetreats; ++k) {
+    if (k > 0 && std::fabs(nearer - good) <= kNoFurther * good) break;
     if (equilibrium_at(e, nearer, false, e.state)) return true;
     if (model_refuses(e)) return false;
+    if (!known) e.no_answer = nearer;
+    known = false;
+    nearer = 0.5 * (e.no_answer + good);
   }
   double past = T;
   for (int k = 0; k < kAdvances; ++k) {
@@ -117,6 +126,14 @@ bool first_equilibrium(Energy& e) {
   return false;
 }
 
+// Whether the value lies below that of the coldest state, which e.state becomes then.
+bool below_coldest(Energy& e) {
+  e.asked_coldest = true;
+  if (!equilibrium_at(e, kColdest, false, e.other) || e.f(e.other) < 0.0) return false;
+  copy_state(e, e.other, e.state);
+  return true;
+}
+
 // Isothermal flashes and Newton's method at what they find, until the bracket is better closed by itself.
 StatusCode iterate(Energy& e) {
   // Without an estimate of the phases the first flash is where the feed as one phase would have the value.
@@ -130,7 +147,8 @@ StatusCode iterate(Energy& e) {
     trace_energy_pass(e.trace, e.call, e.state.T, e.state.beta, e.state.liquid, e.state.vapour);
     add_to_bracket(e);
     if (has_value(e, e.state) && accept(e, e.state, Found::flash)) return KV_OK;
-    if (e.bracket.closed() && e.flashes >= kCloseFrom) return close_bracket(e);
+    if (e.bracket.closed() && (e.flashes >= kCloseFrom || (e.turned_low && e.turned_high)))
+      return close_bracket(e);
     const int before = e.flashes;
     if (solve_locally(e)) return KV_OK;
     if (e.status != KV_OK && e.status != KV_NOT_FINITE) return e.bracket.closed() ? close_bracket(e) : e.status;
@@ -139,6 +157,10 @@ StatusCode iterate(Energy& e) {
     const double T = next_temperature(e, e.state);
     if (T == e.state.T && !e.bracket.closed()) {  // an end of the range
       e.limit = e.f(e.state) < 0.0 ? kLimitReached : -kLimitReached;
+      return KV_NOT_CONVERGED;
+    }
+    if (e.state.T < kCold && T < e.state.T && !e.bracket.have_low && !e.asked_coldest && below_coldest(e)) {
+      e.limit = -kLimitReached;
       return KV_NOT_CONVERGED;
     }
     const double from = e.state.T;
@@ -289,6 +311,16 @@ IsothermalCall isothermal_call(Energy& e, EnergyState& s) {
   return c;
 }
 
+// Adds the Gibbs energy of an amount of a phase to that of the state.
+static void add_gibbs(const Energy& e, double amount, const double* x, const PhaseCaloric& phase,
+                      EnergyState& s) {
+  for (int i = 0; i < e.n; ++i) {
+    if (!(x[i] > 0.0)) continue;
+    s.gibbs += amount * x[i] * (support::fast_log(x[i]) + phase.ln_phi[i]);
+    s.gibbs_slope += amount * x[i] * phase.dln_phi_dT[i];
+  }
+}
+
 bool evaluate_state(Energy& e, EnergyState& s) {
   s.liquid = s.vapour = s.slope = 0.0;
   const bool liquid = s.beta<1.0, vapour = s.beta> 0.0;
@@ -309,6 +341,9 @@ bool evaluate_state(Energy& e, EnergyState& s) {
     s.liquid = liquid ? e.a.value : 0.0;
     s.vapour = vapour ? e.b.value : 0.0;
     if (liquid != vapour) s.slope = liquid ? e.a.slope : e.b.slope;
+    s.gibbs = s.gibbs_slope = 0.0;
+    if (liquid) add_gibbs(e, 1.0 - s.beta, x, e.a, s);
+    if (vapour) add_gibbs(e, s.beta, y, e.b, s);
   }
   s.value = (liquid ? (1.0 - s.beta) * s.liquid : 0.0) + (vapour ? s.beta * s.vapour : 0.0);
   return e.status == KV_OK && std::fabs(s.value) <= DBL_MAX;

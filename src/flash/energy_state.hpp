@@ -26,6 +26,8 @@ struct EnergyState {
   double liquid = 0.0, vapour = 0.0;  // values of the phases, 0 for one that is absent
   double value = 0.0;                 // of the whole
   double slope = 0.0;                 // d value/dT along the equilibrium where it is known, else 0
+  double gibbs = 0.0;                 // G/RT above that of the pure ideal gases, of an analytic model
+  double gibbs_slope = 0.0;           // d gibbs/dT
   StatusCode status = KV_OK;          // of the isothermal flash, 95 as KV_OK
   bool two_phases() const { return beta > 0.0 && beta < 1.0; }
 };
@@ -88,6 +90,10 @@ struct Energy {
   double start_T = 0.0;
   double limit = 0.0;  // +100, -100: the value lies beyond the highest, lowest temperature
   bool jump = false;   // the value lies between those of two different pairs of phases
+  bool turned_low = false,
+       turned_high = false;  // phases below, above the value have it where others are stable
+  bool asked_coldest = false;
+  double no_answer = 0.0;  // the last temperature at which a flash had none; 0: none yet
   int flashes = 0;
   StatusCode status = KV_OK;
   // Work of the Newton steps.

@@ -2,6 +2,7 @@
 #ifndef KESTRUNE_FLASH_FEED_HPP
 #define KESTRUNE_FLASH_FEED_HPP
 
+#include <algorithm>
 #include <cmath>
 
 namespace kestrune::flash {
@@ -23,6 +24,20 @@ inline bool usable_compositions(int n, const double* x, const double* y) noexcep
     sy += y[i];
   }
   return std::fabs(sx - 1.0) <= 1e-6 && std::fabs(sy - 1.0) <= 1e-6;
+}
+
+/* Whether one of two phases x[n] and y[n] is neither of two others: fractions differ by more than 0.001. */
+inline bool other_phases(int n, const double* x, const double* y, const double* x2, const double* y2) noexcept {
+  constexpr double kOther = 1e-3;
+  for (const double* phase : {x, y}) {
+    double to_x = 0.0, to_y = 0.0;
+    for (int i = 0; i < n; ++i) {
+      to_x = std::max(to_x, std::fabs(phase[i] - x2[i]));
+      to_y = std::max(to_y, std::fabs(phase[i] - y2[i]));
+    }
+    if (std::min(to_x, to_y) > kOther) return true;
+  }
+  return false;
 }
 
 /* The most that there can be of a phase w[n], with what the feed z[n] has of its main components. */

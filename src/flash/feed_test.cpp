@@ -140,8 +140,10 @@ bool other_root_trial_of_pure(Flash& f, const Reference& ref, int j) {
 // critical temperature mixed with some of what is there.
 bool liquid_of_gas_trials(Flash& f, const Reference& ref, int j, bool has_liquid) {
   if (has_liquid && !other_root_trial_of_pure(f, ref, j)) return false;
+  // With the phase that has less of it: with the gas that it is itself there would be nothing to mix.
+  const double* const rest = ref.other != nullptr && ref.other[j] < ref.z[j] ? ref.other : ref.z;
   const auto mixed = [&](double most) {
-    for (int i = 0; i < f.m.ld; ++i) f.between[i] = (1.0 - most) * ref.z[i];
+    for (int i = 0; i < f.m.ld; ++i) f.between[i] = (1.0 - most) * rest[i];
     f.between[j] += most;
     return trial_from_between(f, ref, Kind::liquid);
   };

@@ -12,6 +12,9 @@ namespace kestrune::flash {
 namespace {
 
 constexpr int kMostSteps = 600;           // beside critical points a trial comes to a known phase late
+constexpr int kTurns = 8;                 // of a trial that goes to and fro, from which its steps are cut
+constexpr int kStuck = 10;                // steps in a row without a change: at the bounds of ln w
+constexpr double kNoChange = 1e-6;        // relative, of the sum of w g^2
 constexpr double kSettled = 1e-24;        // sum of w g^2 of a trial that has settled
 constexpr double kGoingThere = 1e-7;      // the same of a trial that is on its way to a phase that is near
 constexpr double kSameFluid = 1e-3;       // difference of two phases, without their water, that are one
@@ -82,15 +85,20 @@ void compose(Wet& f, bool liquid, double water) {
   t.ln_sum = std::log(sum / part);
 }
 
-// Follows f.trial by substitution, speeded up along its slowest direction.
+/*
+ * Follows f.trial by substitution, speeded up along its slowest direction, in shorter steps where it goes to and
+ * fro. What comes to the strongest one found before is not found again.
+ */
 bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
   const bool liquid = kind == Kind::liquid;
   const double water = liquid ? trial_water(f) : 0.0;
   WetTrial& t = f.trial;
+  const WetTrial& strongest = liquid ? f.liquid : f.vapour;
   t.Z = 0.0;
   t.found = false;
   ++f.m.counts.trials;
   double before = 0.0;
+  int turns = 0, stuck = 0;
   for (int k = 0; k < kMostSteps; ++k) {
     compose(f, liquid, water);
     if (!(std::fabs(t.ln_sum) < 1e3)) return true;
@@ -102,19 +110,25 @@ bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
       norm += t.w[i] * f.g[i] * f.g[i];
       along += t.w[i] * f.g[i] * f.before[i];
     }
-    if (norm <= kGoingThere && k > 2 && near_known(f, known)) return true;
+    if (norm <= kGoingThere && k > 2 &&
+        (near_known(f, known) || (strongest.found && same_fluid(f, t.w, t.Z, strongest.w, strongest.Z))))
+      return true;
     if (norm <= kSettled) {
       t.found = !near_known(f, known) && is_of_kind(f, kind, known);
       return true;
     }
-    const double factor = speed_up(k, along, before);
+    stuck = std::fabs(norm - before) > kNoChange * norm ? 0 : stuck + 1;
+    if (stuck > kStuck) break;
+    turns += along < 0.0 ? 1 : 0;
+    const double shorter = std::min(0.5, static_cast<double>(kTurns) / std::max(turns, 1));
+    const double factor = turns > kTurns ? shorter : speed_up(k, along, before);
     for (int i = 0; i < f.m.n; ++i) {
       t.log_w[i] += std::clamp(factor * f.g[i], -8.0, 8.0);
       f.before[i] = f.g[i];
     }
     before = norm;
   }
-  // Slow, beside a critical point: it counts where it clearly grows.
+  // Slow, beside a critical point, or stuck: it counts where it clearly grows.
   t.found = t.ln_sum > 1e-6 && !near_known(f, known) && is_of_kind(f, kind, known);
   return true;
 }

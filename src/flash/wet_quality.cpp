@@ -27,6 +27,8 @@ constexpr int kMostStates = 120, kMostHalvings = 60;
 constexpr double kNoWidth = 1e-8;  // of a bracket, in ln of the unknown: a fluid changes its name there
 constexpr double kEvenT = 0.03, kEvenP = 0.2;  // steps of a search from the gas, in ln of the unknown
 constexpr double kLeastPart = 0.1;             // of such a step
+constexpr double kJumpWidth = 1e-6;            // in ln of the unknown
+constexpr double kFarOff = 10.0;               // such steps from the point, as the gas changes: they are longer
 constexpr double kNearFraction = 0.15;         // of gas, from which Newton's method is tried on the way
 constexpr int kMostEnds = 8;                   // halvings of a step towards the end of two fluids
 
@@ -49,6 +51,9 @@ struct WetSearch {
   Settings settings;
   double W = 0.0;
   bool of_T = true, have_unstable = false;
+  bool cut = false;   // here: a third phase is missing
+  double jump = 0.0;  // ln of the unknown where one pair of phases gave way to another
+  bool have_jump = false;
   StatusCode status = KV_OK;  // that ends the flash
   Counts counts;
 
@@ -72,10 +77,23 @@ double excess(const WetSearch& q, const WetPoint& p) {
   return p.beta - q.W;
 }
 
+void copy_state(const WetSearch& q, const WetPoint& from, WetPoint& to) {
+  to.u = from.u;
+  to.beta = from.beta;
+  to.known = true;
+  std::copy_n(from.x, q.line.ld, to.x);
+  std::copy_n(from.y, q.line.ld, to.y);
+  std::copy_n(from.K, q.line.ld, to.K);
+}
+
 // The state at u, into q.here and the side that it is on. False: there was no answer.
 bool look_at(WetSearch& q, double u) {
   q.here.u = u;
-  const StatusCode status = wet_flash(call_at(q, u, q.here.beta, q.here.x, q.here.y, q.here.K));
+  ThirdPhase third;
+  IsothermalCall call = call_at(q, u, q.here.beta, q.here.x, q.here.y, q.here.K);
+  call.third = &third;
+  const StatusCode status = wet_flash(call);
+  q.cut = third.found;
   q.line.m.counts.fugacities += q.counts.fugacities;
   q.here.known = status == KV_OK || status == KV_SINGLE_PHASE;
   if (!q.here.known) {
@@ -86,12 +104,7 @@ bool look_at(WetSearch& q, double u) {
   // Only what is nearer to the other side replaces what is known.
   const WetPoint& other = excess(q, q.here) < 0.0 ? q.much : q.little;
   if (side.known && other.known && std::fabs(u - other.u) >= std::fabs(side.u - other.u)) return true;
-  side.u = u;
-  side.beta = q.here.beta;
-  side.known = true;
-  std::copy_n(q.here.x, q.line.ld, side.x);
-  std::copy_n(q.here.y, q.line.ld, side.y);
-  std::copy_n(q.here.K, q.line.ld, side.K);
+  copy_state(q, q.here, side);
   return true;
 }
 
@@ -190,16 +203,25 @@ bool end_of_two(WetSearch& q, double u, double step) {
 }
 
 // From where all is gas towards the liquid: the first place with too much gas on one side and too little on the
-// other, or the point itself. u is the state before.
+// other, or the point itself. u is the state before. While the gas hardly changes and
+// nothing is missing, the steps are longer.
 bool first_crossing(WetSearch& q, double& u, bool& solved) {
-  const double step = q.of_T ? -kEvenT : kEvenP;
-  for (; u > least(q) && u < most(q); u += step) {
+  const double even = q.of_T ? -kEvenT : kEvenP;
+  bool looked = false;  // q.here is the state at u
+  double step = even, next = even;
+  for (; u > least(q) && u < most(q); u += step, step = next) {
     q.little.known = q.much.known = false;
-    if (!look_at(q, u)) {
+    if (looked) {
+      copy_state(q, q.here, excess(q, q.here) < 0.0 ? q.little : q.much);
+    } else if (!look_at(q, u)) {
       if (q.status != KV_OK) return false;
+      step = next = even;
       continue;
     }
-    const bool two = q.here.beta > 0.0 && q.here.beta < 1.0;
+    looked = false;
+    next = even;
+    const double beta = q.here.beta;
+    const bool two = beta > 0.0 && beta < 1.0;
     solved = two && std::fabs(q.here.beta - q.W) < kNearFraction && solve_from(q, q.here);
     if (solved) return true;
     // Where there is no state that far, nearer ones may know.
@@ -208,6 +230,9 @@ bool first_crossing(WetSearch& q, double& u, bool& solved) {
     if (q.status != KV_OK) return false;
     if (q.little.known && q.much.known) return true;
     const bool still_two = q.here.known && q.here.beta > 0.0 && q.here.beta < 1.0;
+    looked = q.here.known && part == 1.0 && two == still_two;
+    const bool slow = std::fabs(q.here.beta - q.W) > kFarOff * std::fabs(q.here.beta - beta);
+    if (looked && slow && !q.cut) next = kLonger * even;
     if (two != still_two && q.here.known && (two ? end_of_two(q, u, step) : end_of_two(q, u + step, -step)))
       return true;
     if (q.status != KV_OK) return false;
@@ -215,10 +240,24 @@ bool first_crossing(WetSearch& q, double& u, bool& solved) {
   return false;
 }
 
+// Whether the sides are two pairs of phases, of which one gives way to the other within this width.
+bool is_jump(const WetSearch& q, double width) {
+  const WetPoint &a = q.little, &b = q.much;
+  const bool two = a.beta > 0.0 && a.beta < 1.0 && b.beta > 0.0 && b.beta < 1.0;
+  return two && width <= kJumpWidth && other_phases(q.line.n, a.x, a.y, b.x, b.y);
+}
+
 // Between the sides, with Newton's method from both at every halving.
 bool close_in(WetSearch& q) {
+  // Where it ended before without the point.
+  if (q.have_jump && (q.jump - q.little.u) * (q.jump - q.much.u) < 0.0) return false;
   for (int k = 0; k < kMostHalvings; ++k) {
     const double width = std::fabs(q.much.u - q.little.u);
+    if (is_jump(q, width)) {
+      q.jump = 0.5 * (q.much.u + q.little.u);
+      q.have_jump = true;
+      return solve_between(q);
+    }
     if (solve_from(q, q.W < 0.5 ? q.much : q.little) || solve_from(q, q.W < 0.5 ? q.little : q.much))
       return true;
     if (width <= kNoWidth || k % 8 == 7) {

@@ -11,11 +11,14 @@ namespace kestrune::flash3 {
 namespace {
 
 constexpr int kMostStates = 80, kMostDropped = 2;
-constexpr int kMostWalks = 12, kMostDetours = 3, kMostHalvings = 45;
+constexpr int kMostWalks = 12, kFewWalks = 4, kMostDetours = 3, kMostHalvings = 45;
+constexpr int kMostWalkSteps = 90;  // of Newton's method; those that lead to an answer take 5 to 80, as a rule
+constexpr int kMostFailedWalks = 20;
 constexpr double kShortestWalk = 1e-4, kShorter = 0.3;
 constexpr double kFirstStep = 0.02, kLonger = 1.6, kLongestStepT = 0.06,
                  kLongestStepP = 0.3;             // in ln of the unknown
 constexpr double kClosed = 1e-8;                  // ln u: a bracket of this width holds nothing
+constexpr double kLongerCut = 2.5;                // of steps where a fourth phase cuts all states
 constexpr double kSameState = 1e-8;               // sum of (x - y)^2/(x + y)
 constexpr double kSameZ = 0.25;                   // ln Z of a vapour that is the same on both sides of a step
 constexpr double kLargeChange = 0.1;              // of the vapour's part where a liquid appears
@@ -99,7 +102,8 @@ bool walk_to_fraction(QualitySearch& q, double u, int most) {
   if (v < 0 || q.e.p.count < 2) return false;
   double from = q.e.p.amount[v], goal = q.W;
   copy_phases(q.e.p, q.reached, q.e.m.ld);
-  for (int k = 0; k < most && (k == 0 || std::fabs(goal - from) > kShortestWalk); ++k) {
+  const int last = q.s.steps + kMostWalkSteps;
+  for (int k = 0; k < most && q.s.steps < last && (k == 0 || std::fabs(goal - from) > kShortestWalk); ++k) {
     if (solve_at_phases(q, u, goal)) {
       if (goal == q.W) return true;
       from = goal;
@@ -141,9 +145,10 @@ Step look_at(QualitySearch& q, double u, Walks& walks, const Phases* near, Node&
   for (int detour = 0; detour < kMostDetours; ++detour) {
     const bool three = q.e.p.count == kMostPhases;
     int& left = three ? walks.three : walks.two;
-    if (q.e.p.count < 2 || left <= 0) return Step::missed;
+    if (q.e.p.count < 2 || left <= 0 || q.failed_walks >= kMostFailedWalks) return Step::missed;
     if (!walk_to_fraction(q, q.u, three ? walks.steps_three : walks.steps_two)) {
       --left;
+      ++q.failed_walks;
       return Step::missed;
     }
     const double there = q.u;
@@ -196,7 +201,7 @@ Between look_between(QualitySearch& q, const Node& a, const Node& b) {
   if (a.p.count < 2 || b.p.count < 2) return there;
   const bool close = width(a, b) < (q.of_T ? kShortT : kShortP), same_number = a.p.count == b.p.count;
   // Three phases that a fourth cuts on both sides have the vapour's part where it cuts them too.
-  if (close && a.cut && b.cut) return {};
+  if ((close || !there.crossed) && a.cut && b.cut) return {};
   const int va = lightest_of(q, a.p), vb = lightest_of(q, b.p);
   // A dense fluid may end in a gas without another phase in between, or with one, from which each of them leads
   // on to the other.
@@ -252,7 +257,7 @@ bool search_between(QualitySearch& q, const Node& a, const Node& b, int depth) {
   const bool close = width(a, b) < (q.of_T ? kShortT : kShortP);
   if (join_nodes(q, a, b) && (close || q.joined.count < kRoom) && solve_joined(q, middle)) return true;
   if (depth >= kDeepest || width(a, b) < kNarrow) return there.crossed && close_in(q, a, b);
-  Walks walks{1, 1, 1, kMostWalks};
+  Walks walks{1, 1, 1, kFewWalks};
   Node& node = q.between[depth];
   const Step step = look_at(q, middle, walks, &a.p, node);
   if (step != Step::missed) return step == Step::solved;
@@ -277,13 +282,14 @@ StatusCode search_from(QualitySearch& q, double first) {
   copy_phases(q.outer[0].p, start.p, q.e.m.ld);
   const double towards = start.f < 0.0 ? rising : -rising;
   double ends[] = {first, first}, step = kFirstStep;
+  bool cut[] = {false, false};              // the last two states of a side
   int open[] = {kMostFailed, kMostFailed};  // failures that a side may still have
   for (int k = 0; k < kMostStates && (open[0] > 0 || open[1] > 0); ++k) {
     const int side = k % 2;  // the likely one first
     if (k > 1 && (side == 0 || open[0] == 0)) step = std::min(kLonger * step, longest);
     if (open[side] == 0) continue;
     const double way = side == 0 ? towards : -towards;
-    const double u = ends[side] * std::exp(way * step);
+    const double u = ends[side] * std::exp(way * step * (cut[side] ? kLongerCut : 1.0));
     if (!(u > least && u < most)) {
       open[side] = 0;
       continue;
@@ -299,6 +305,7 @@ StatusCode search_from(QualitySearch& q, double first) {
     }
     // All vapour on the way to more of it: there is nothing further on this side.
     if (way * rising > 0.0 && q.fresh.p.count == 1 && q.e.gas) open[side] = 0;
+    cut[side] = outer.cut && q.fresh.cut;
     Node& next = q.between[0];
     std::swap(next, q.fresh);
     if (search_between(q, outer, next, 1)) return KV_OK;

@@ -38,6 +38,7 @@ struct QualitySearch {
   Node outer[2], fresh, between[kDeepest + 2];
   int changes = kMostChanges;
   bool two_liquids = false;  // were seen without a vapour
+  int failed_walks = 0;
 
   double T_of(double at) const { return of_T ? at : call.given; }
   double P_of(double at) const { return of_T ? call.given : at; }

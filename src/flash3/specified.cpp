@@ -291,6 +291,15 @@ bool in_range(const Specified& s, double T, double P) {
          s.P > P / kFarP && s.P < P * kFarP;
 }
 
+// Work of one step in evaluations of ln phi, which grows faster than theirs; of a call always enough for a search.
+int system_work(const flash::HostRoutines* host, int size) {
+  constexpr double kCubes = 6000.0;  // cube of the order of a system that takes as long as an evaluation
+  constexpr int kStepsOfCall = 100;
+  const double work = static_cast<double>(size) * size * size / kCubes;
+  const double most = host != nullptr ? static_cast<double>(host->allowed / kStepsOfCall) : 0.0;
+  return static_cast<int>(std::min({work, most, 1e9}));
+}
+
 Found solve_single(Specified& s, StatusCode& status) {
   Values v;
   for (int k = 0; k < kMostSteps; ++k) {
@@ -351,6 +360,9 @@ Found solve_specified(Specified& s, StatusCode& status) {
     for (int j = 0; j < e.p.count - 1; ++j) equilibrium_rows(s, j, s.find_pressure ? s.P : s.T, worst);
     specified_row(s, v);
     const double off = std::fabs(s.step[size - 1]);
+    ++s.steps;
+    status = flash::spend(e.routines, system_work(e.routines, size));
+    if (status != KV_OK) return Found::model;
     if (!support::lu_factor(size, size, s.system, s.pivot)) return Found::no;
     support::lu_solve(size, size, s.system, s.pivot, s.step);
     const double last = std::fabs(s.step[size - 1]);

@@ -30,6 +30,7 @@ struct Specified {
   double *log_k[2], *dtau[kMostPhases], *raw[kMostPhases], *spare;  // [ld]
   double *system, *step;                                            // [(2 n + 3)^2], [2 n + 3]
   int* pivot;
+  int steps = 0;  // of Newton's method so far
 };
 
 void take_specified(support::Arena& arena, int n, int ld, Specified& s);

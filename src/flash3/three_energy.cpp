@@ -23,8 +23,10 @@ using flash::kHottest;
 using flash::plausible;
 
 constexpr int kMostStates = 80, kMostDropped = 2, kRetreats = 6;
-constexpr double kReached = 1e-11;          // of the value's size
-constexpr double kNear = 1e-9;              // relative change of T that is left of a single phase
+constexpr double kNoFurther = 0.02;  // relative distance from where there is no answer that is close enough
+constexpr double kCold = 60.0;       // K; before it goes on from below, the search asks for the coldest state
+constexpr double kReached = 1e-11;   // of the value's size
+constexpr double kNear = 1e-9;       // relative change of T that is left of a single phase
 constexpr double kSameTemperature = 1e-13;  // relative width of a bracket that is an answer
 constexpr double kBeside = 1e-8;            // relative distance from a bracket whose ends are this uncertain
 constexpr double kNarrow = 1e-3;            // relative width, and shrinking, at which an amount is the unknown
@@ -49,7 +51,9 @@ struct Search {
   double value = 0.0;  // of e.p at e.m.T
   double slope = 0.0;  // at constant amounts
   double phase[kMostPhases] = {};
-  double attempted = 1.0;           // relative width of the bracket at the last attempt with an amount
+  double attempted = 1.0;  // relative width of the bracket at the last attempt with an amount
+  bool asked_coldest = false, end_of_range = false;
+  double no_answer = 0.0;           // the last temperature that had none; 0: none yet
   StatusCode status = KV_OK;        // of what failed
   StatusCode state_status = KV_OK;  // of the equilibrium: KV_OK or KV_FOURTH_PHASE
 };
@@ -116,11 +120,24 @@ bool state_at(Search& q, double T, bool estimate) {
 
 // As state_at, nearer and nearer to where there was an answer.
 bool state_towards(Search& q, double good, double T) {
-  for (int k = 0; k < kRetreats; ++k, T = 0.5 * (T + good)) {
+  bool known = !q.bracket.closed() && (q.no_answer - good) * (q.no_answer - T) < 0.0;
+  for (int k = 0; k < kRetreats; ++k) {
+    if (k > 0 && std::fabs(T - good) <= kNoFurther * good) break;
     if (state_at(q, T, false)) return true;
     if (q.status > KV_STATUS_CALL_BLOCK && q.status != KV_NOT_FINITE) return false;
+    if (!known) q.no_answer = T;
+    known = false;
+    T = 0.5 * (q.no_answer + good);
   }
   return false;
+}
+
+// Whether the value lies below that of the coldest state.
+bool below_coldest(Search& q) {
+  q.asked_coldest = true;
+  if (set_conditions(kColdest, q.call.P, q.e) != KV_OK) return false;
+  const StatusCode status = find_equilibrium(q.e);
+  return (status == KV_OK || status == KV_FOURTH_PHASE) && evaluate(q) && off(q) > 0.0;
 }
 
 // Newton at the phases of e.p, without those that end with less than nothing. True: e.p at q.s.T has the value.
@@ -268,9 +285,13 @@ StatusCode search(Search& q) {
       if (solve_between_sides(q)) return q.state_status;
       if (q.status != KV_OK && q.status != KV_NOT_FINITE && q.status > KV_STATUS_CALL_BLOCK) return q.status;
     }
-    if (next == T) return KV_NOT_CONVERGED;  // an end of the range
-    if (!state_towards(q, T, next))
-      return q.status > KV_STATUS_CALL_BLOCK ? q.status : StatusCode{KV_NOT_CONVERGED};
+    const bool far_below = T < kCold && next < T && !q.bracket.have_low && !q.asked_coldest;
+    q.end_of_range = !q.bracket.closed() && (next == T || (far_below && below_coldest(q)));
+    if (q.end_of_range || next == T) return KV_NOT_CONVERGED;
+    if (!state_towards(q, T, next)) {
+      const bool refused = q.status > KV_STATUS_CALL_BLOCK && q.status != KV_NOT_FINITE;
+      return refused ? q.status : StatusCode{KV_NOT_CONVERGED};
+    }
   }
   return KV_NOT_CONVERGED;
 }
@@ -383,7 +404,7 @@ StatusCode with_search(const ThreeEnergyCall& c, support::Arena& arena, support:
   const bool started =
       state_at(q, start, given) || (start != kDefaultTemperature && state_at(q, kDefaultTemperature, false));
   status = started ? search(q) : q.status;
-  if (is_mended(status)) {
+  if (is_mended(status) && !q.end_of_range) {
     const StatusCode other = search_from_two_phases(q);
     if (other == KV_OK || other == KV_FOURTH_PHASE) status = other;
   }
