@@ -27,6 +27,8 @@ constexpr int kSubstitutions = 2, kRestarts = 3;
 constexpr double kNotInWater = 9.0;  // ln K of what water hardly dissolves, to start with
 // How far an estimate may be from the answer of its branch: changes of ln T and ln P.
 constexpr double kNearT = 0.1, kNearP = 0.5;
+// Of a start that has taken the place of the estimate.
+constexpr double kNearReplaced = 0.02;
 constexpr double kCriticalNear = 0.02;  // either, beside a critical point
 // Pressures at which the line is begun, in parts of the pressure that is asked for.
 constexpr double kStartParts[] = {0.3, 0.03, 1e-3};
@@ -330,8 +332,8 @@ bool from_estimate(Quality& q, double start) {
   const bool critical = close_phases(q);
   const bool solved = solve_from_point(q, 0, true);
   const bool own = start == *q.call.unknown;
-  const bool near =
-      std::fabs(q.point.X[q.unknown] - q.estimate) < (q.of_T() ? kNearT : kNearP) && (own || like_estimate(q));
+  const double moved = std::fabs(q.point.X[q.unknown] - q.estimate);
+  const bool near = own ? moved < (q.of_T() ? kNearT : kNearP) : moved < kNearReplaced && like_estimate(q);
   if (settle_on_branch(q, solved && (near || own), near)) return true;
   if (!critical || !own) return false;
   q.only_near = true;

@@ -146,14 +146,16 @@ TEST(QualityFlash, BranchesOfARetrogradeDewLine) {
 
 // About the highest pressure of a line each one belongs to two temperatures, both within the reach of a start.
 TEST(QualityFlash, WayBackBesideTheHighestPressure) {
-  Mixture m = in_use({"helium", "nitrogen", "methane", "ethane", "propane"});
-  const std::vector<double> z{0.05, 0.2, 0.7, 0.04, 0.01};
-  for (const auto& [W, T] :
-       {std::pair{0.25, 191.656}, {0.25, 192.484}, {0.29854, 192.082}, {0.22238, 191.212}}) {
+  const auto there_and_back = [](Mixture& m, const std::vector<double>& z, double W, double T) {
     const Point p = find(m, z, 'P', W, T), back = find(m, z, 'T', W, p.P, 0, p);
     EXPECT_EQ(back.status, KV_OK);
     EXPECT_NEAR(back.T, T, 1e-5) << W;
-  }
+  };
+  Mixture helium = in_use({"helium", "nitrogen", "methane", "ethane", "propane"});
+  for (const auto& [W, T] : {std::pair{0.25, 191.656}, {0.25, 192.484}, {0.29854, 192.082}, {0.22238, 191.212}})
+    there_and_back(helium, {0.05, 0.2, 0.7, 0.04, 0.01}, W, T);
+  Mixture carbon_dioxide = in_use({"carbon_dioxide", "nitrogen", "methane", "argon", "oxygen", "hydrogen"});
+  there_and_back(carbon_dioxide, {0.95, 0.015, 0.02, 0.005, 0.005, 0.005}, 0.0, 199.8901);
 }
 
 TEST(QualityFlash, NoSuchPoint) {
