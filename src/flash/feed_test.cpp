@@ -140,15 +140,20 @@ bool other_root_trial_of_pure(Flash& f, const Reference& ref, int j) {
 // critical temperature mixed with some of what is there.
 bool liquid_of_gas_trials(Flash& f, const Reference& ref, int j, bool has_liquid) {
   if (has_liquid && !other_root_trial_of_pure(f, ref, j)) return false;
-  // With the phase that has less of it: with the gas that it is itself there would be nothing to mix.
+  // With the phase that has less of it, or what else there is in one of hardly anything but it: with the gas that
+  // it is itself there would be nothing to mix.
   const double* const rest = ref.other != nullptr && ref.other[j] < ref.z[j] ? ref.other : ref.z;
+  const bool alone = rest[j] > kMostOfLiquid;
+  double others = 0.0;
+  for (int i = 0; i < f.m.n; ++i) others += i == j && alone ? 0.0 : rest[i];
+  if (!(others > 0.0)) return true;
   const auto mixed = [&](double most) {
-    for (int i = 0; i < f.m.ld; ++i) f.between[i] = (1.0 - most) * rest[i];
+    for (int i = 0; i < f.m.ld; ++i) f.between[i] = i == j && alone ? 0.0 : (1.0 - most) / others * rest[i];
     f.between[j] += most;
     return trial_from_between(f, ref, Kind::liquid);
   };
   // Beside a gas of almost this component alone the liquid holds little else.
-  return mixed(kMostOfLiquid) && (ref.other == nullptr || mixed(kAlmostAllOfLiquid));
+  return mixed(kMostOfLiquid) && ((ref.other == nullptr && !alone) || mixed(kAlmostAllOfLiquid));
 }
 
 // Whether a component that has one phase alone, being well above its critical temperature, is a gas there: the

@@ -286,6 +286,7 @@ TEST(Answers, PhasesThatAreEasilyMissed) {
        348.743484927,
        31.313658978,
        {0.99863, 0.00137}},
+      {{"ammonia", "n_hexadecane"}, {0.99985, 0.00015}, 401.03, 88.38, {0.972, 0.028}},
       {{"methyl_mercaptan", "ethane"}, {0.01, 0.99}, 165.0, 0.1254, {0.4, 0.6}},
       // A split that began as two liquids, of which one has become a gas.
       {{"water", "n_butane", "sulfur_dioxide"},
