@@ -136,24 +136,33 @@ bool other_root_trial_of_pure(Flash& f, const Reference& ref, int j) {
   return other_root_trial(f, ref, f.between);
 }
 
+// Trials from liquids of almost this component alone and something of a phase; of what else there is in it where
+// the phase is hardly anything but the component: mixed with that there would be nothing new. all: from two of them.
+bool mixed_trials(Flash& f, const Reference& ref, int j, const double* phase, bool all) {
+  const bool alone = phase[j] > kMostOfLiquid;
+  double others = 0.0;
+  for (int i = 0; i < f.m.n; ++i) others += i == j && alone ? 0.0 : phase[i];
+  for (const double most : {kMostOfLiquid, kAlmostAllOfLiquid}) {
+    if (!(others > 0.0) || (most == kAlmostAllOfLiquid && !all && !alone)) break;
+    for (int i = 0; i < f.m.ld; ++i) f.between[i] = i == j && alone ? 0.0 : (1.0 - most) / others * phase[i];
+    f.between[j] += most;
+    if (!trial_from_between(f, ref, Kind::liquid)) return false;
+  }
+  return true;
+}
+
 // Liquids of a component that is a gas alone: on its other root just below its vapour pressure; and near its
-// critical temperature mixed with some of what is there.
+// critical temperature mixed with some of what is there. Beside a gas of almost this component alone the liquid
+// holds little else.
 bool liquid_of_gas_trials(Flash& f, const Reference& ref, int j, bool has_liquid) {
   if (has_liquid && !other_root_trial_of_pure(f, ref, j)) return false;
-  // With the phase that has less of it, or what else there is in one of hardly anything but it: with the gas that
-  // it is itself there would be nothing to mix.
-  const double* const rest = ref.other != nullptr && ref.other[j] < ref.z[j] ? ref.other : ref.z;
-  const bool alone = rest[j] > kMostOfLiquid;
-  double others = 0.0;
-  for (int i = 0; i < f.m.n; ++i) others += i == j && alone ? 0.0 : rest[i];
-  if (!(others > 0.0)) return true;
-  const auto mixed = [&](double most) {
-    for (int i = 0; i < f.m.ld; ++i) f.between[i] = i == j && alone ? 0.0 : (1.0 - most) / others * rest[i];
-    f.between[j] += most;
-    return trial_from_between(f, ref, Kind::liquid);
-  };
-  // Beside a gas of almost this component alone the liquid holds little else.
-  return mixed(kMostOfLiquid) && ((ref.other == nullptr && !alone) || mixed(kAlmostAllOfLiquid));
+  const double* const less = ref.other != nullptr && ref.other[j] < ref.z[j] ? ref.other : ref.z;
+  if (!f.thorough()) return mixed_trials(f, ref, j, less, ref.other != nullptr);
+  for (const double* phase : {ref.z, ref.other, ref.third})
+    if (phase != nullptr && (phase == less || phase[j] <= kMostOfLiquid) &&
+        !mixed_trials(f, ref, j, phase, ref.other != nullptr))
+      return false;
+  return true;
 }
 
 // Whether a component that has one phase alone, being well above its critical temperature, is a gas there: the

@@ -122,13 +122,20 @@ TEST(ThreePhase, BesideAFourthPhaseTheThreeAreReturned) {
     std::vector<std::string> ids;
     double T, P;
     Vector z;
-  } cases[] = {{{"methane", "n_eicosane", "carbon_dioxide", "water"}, 276.1, 47.4, {0.1, 0.015, 0.625, 0.26}},
-               // Two of the four are so much alike that only Newton's method with four phases comes to an end.
-               {{"methane", "ethane", "propane", "carbon_dioxide", "hydrogen_sulfide"},
-                161.0745092343509,
-                3.6562299852429865,
-                {0.20657503934548382, 0.0056528991136063503, 0.01660875553104172, 0.35428489966094007,
-                 0.41687840634892809}}};
+  } cases[] = {
+      {{"methane", "n_eicosane", "carbon_dioxide", "water"}, 276.1, 47.4, {0.1, 0.015, 0.625, 0.26}},
+      // Two of the four are so much alike that only Newton's method with four phases comes to an end.
+      {{"methane", "ethane", "propane", "carbon_dioxide", "hydrogen_sulfide"},
+       161.0745092343509,
+       3.6562299852429865,
+       {0.20657503934548382, 0.0056528991136063503, 0.01660875553104172, 0.35428489966094007,
+        0.41687840634892809}},
+      // The fourth is a liquid of almost methane alone just above its critical temperature.
+      {{"methane", "ethane", "propane", "n_hexane", "n_decane", "toluene", "hydrogen_sulfide", "water"},
+       191.70830744256952,
+       39.690113578158559,
+       {0.78983029224949997, 0.065702773083542804, 0.0069001299709956715, 0.04582374200506098,
+        0.033603035301371618, 0.010309287876644532, 0.032046429928235746, 0.015784309584648729}}};
   for (const auto& [ids, T, P, z] : cases) {
     Mixture m = mixture_of(ids);
     m.use();
