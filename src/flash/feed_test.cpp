@@ -23,8 +23,6 @@ constexpr double kNone = -1e5;
 // b/v of a dilute gas; and of a gas that is one beyond doubt, half the critical packing.
 constexpr double kDilutePacking = 0.04, kCriticalPacking = 1.0 / eos::kCriticalVolumeRatio;
 constexpr double kGasPacking = 0.5 * kCriticalPacking;
-// Difference of two phases, at most 2, from which on nothing lies between them: gas and water, say.
-constexpr double kNothingInCommon = 1.8;
 // Parts of the second of two phases in the mixtures of them that trials start from.
 constexpr double kBetween[] = {0.1, 0.25, 0.5, 0.75};
 // How much less than Wilson's coefficients say the logarithm of an activity may be and still be looked at.
@@ -158,6 +156,7 @@ bool liquid_of_gas_trials(Flash& f, const Reference& ref, int j, bool has_liquid
   if (has_liquid && !other_root_trial_of_pure(f, ref, j)) return false;
   const double* const less = ref.other != nullptr && ref.other[j] < ref.z[j] ? ref.other : ref.z;
   if (!f.thorough()) return mixed_trials(f, ref, j, less, ref.other != nullptr);
+  if (!f.gas_alone && f.third.x == nullptr) return mixed_trials(f, ref, j, ref.z, ref.other != nullptr);
   for (const double* phase : {ref.z, ref.other, ref.third})
     if (phase != nullptr && (phase == less || phase[j] <= kMostOfLiquid) &&
         !mixed_trials(f, ref, j, phase, ref.other != nullptr))
@@ -167,7 +166,7 @@ bool liquid_of_gas_trials(Flash& f, const Reference& ref, int j, bool has_liquid
 
 // Whether a component that has one phase alone, being well above its critical temperature, is a gas there: the
 // pressure is below the one at which it would be packed as densely as a gas may be.
-bool gas_alone(const Flash& f, int j) {
+bool is_gas_alone(const Flash& f, int j) {
   const eos::Temperature& t = f.m.t;
   const double a = t.aij[static_cast<std::size_t>(j) * t.ld + j], rt = eos::kR * t.T, eta = kGasPacking;
   const double psi = eta / (1.0 + eta * (eos::kU + eos::kW * eta));
@@ -197,10 +196,10 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
     if (f.thorough()) {
       f.status = start_near_pure(f.m, ref, j, f.trial);
       if (f.status != KV_OK) return false;
-      const bool near = f.m.built_in() && f.call.T < kNearCritical * Tc[j] &&
-                        packing(f, f.m.t.b[j], f.trial.Z) < kCriticalPacking;
+      const bool may_boil = f.m.built_in() && f.call.T < kNearCritical * Tc[j];
+      f.gas_alone = may_boil && packing(f, f.m.t.b[j], f.trial.Z) < kCriticalPacking;
       if (!run_trial(f, ref, trial_kind(f))) return false;
-      if (near ? !liquid_of_gas_trials(f, ref, j, f.call.T < Tc[j]) : !other_root_trial_of_pure(f, ref, j))
+      if (may_boil ? !liquid_of_gas_trials(f, ref, j, f.call.T < Tc[j]) : !other_root_trial_of_pure(f, ref, j))
         return false;
       continue;
     }
@@ -211,14 +210,13 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
       continue;
     // Above its critical temperature a component that a phase consists of has no second phase of its own; near
     // it there may be a liquid beside a gas.
-    if (f.call.T > Tc[j] && (ref.z[j] > 0.5 || (ref.other != nullptr && ref.other[j] > 0.5))) {
-      if (ref.other != nullptr && !f.liquids_only() && f.call.T < kNearCritical * Tc[j] &&
-          !liquid_of_gas_trials(f, ref, j, false))
-        return false;
+    const bool near = f.call.T < kNearCritical * Tc[j], answer = ref.other != nullptr;
+    if (f.call.T > Tc[j] && (ref.z[j] > 0.5 || (answer && ref.other[j] > 0.5)) && (answer || !near)) {
+      if (near && !f.liquids_only() && !liquid_of_gas_trials(f, ref, j, false)) return false;
       continue;
     }
     // A gas beside a gas: it would be the one that is there already.
-    if (have_gas && f.m.built_in() && f.call.T >= kNearCritical * Tc[j] && gas_alone(f, j)) continue;
+    if (have_gas && f.m.built_in() && f.call.T >= kNearCritical * Tc[j] && is_gas_alone(f, j)) continue;
     f.status = start_near_pure(f.m, ref, j, f.trial);
     if (f.status != KV_OK) return false;
     const double least = j == heaviest ? kHeaviestWorthFollowing : kWorthFollowing;
@@ -374,9 +372,7 @@ bool test_answer(Flash& f, bool& stable) {
   f.m.counts.step = Step::answer_near_pure;
   if (!near_pure_trials(f, plane, have_gas)) return false;
   f.m.counts.step = Step::answer_trials;
-  if (f.thorough() && f.third.x == nullptr && spread(f.it.x, f.it.y, f.m.n) < kNothingInCommon &&
-      !trials_between(f, plane, f.it.y, f.it.x))
-    return false;
+  if (f.thorough() && f.third.x == nullptr && !trials_between(f, plane, f.it.y, f.it.x)) return false;
   if (!f.liquids_only())
     for (const auto& [phase, Z] :
          {std::pair<const double*, double>{f.it.x, f.it.Zx}, {f.it.y, f.it.Zy}, {f.third.x, f.third.Z}})

@@ -68,11 +68,11 @@ bool look_for_better(Flash& f) {
     const Beside feed_phase{f.feed_phi, f.feed_Z, f.feed_kind};
     const Beside phases[] = {{answer.ln_phi_x, answer.Zx, answer.kind_x},
                              {answer.ln_phi_y, answer.Zy, answer.kind_y}};
-    // From what cuts the plane, and where that leads nowhere from all that does.
+    // From what cuts the plane, then from all that does.
     for (const Beside& phase : phases)
       if (!try_other(f, phase, improved)) return false;
-    if (!improved && (!try_all_trials(f, plane, {phases[0], phases[1]}, improved) ||
-                      !try_all_trials(f, feed, {feed_phase}, improved)))
+    if (!try_all_trials(f, plane, {phases[0], phases[1]}, improved) ||
+        !try_all_trials(f, feed, {feed_phase}, improved))
       return false;
     copy_answer(f.best, f.it, f.m.ld);
     if (!improved) return true;

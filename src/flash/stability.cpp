@@ -68,6 +68,15 @@ StatusCode measure(Model& m, const Reference& ref, Kind kind, double* dn, const 
   return KV_OK;
 }
 
+double spread(const double* w, const double* z, int n) {
+  double sum = 0.0;
+  for (int i = 0; i < n; ++i) {
+    const double gap = w[i] - z[i];
+    sum += gap * gap / (w[i] + z[i] + 1e-300);
+  }
+  return sum;
+}
+
 // Is the trial on its way back to a phase of composition z on the same plane? Then the distance behaves as the
 // quadratic that has its minimum there: 2 tm equals the derivative along the way from it.
 bool returns_to(const double* z, int n, bool quick, const TrialWork& work, const Trial& t) {
@@ -128,15 +137,6 @@ bool is_known(const Reference& ref, const Model& m, double limit, const Trial& t
 }
 
 }  // namespace
-
-double spread(const double* w, const double* z, int n) {
-  double sum = 0.0;
-  for (int i = 0; i < n; ++i) {
-    const double gap = w[i] - z[i];
-    sum += gap * gap / (w[i] + z[i] + 1e-300);
-  }
-  return sum;
-}
 
 StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work,
                         Trial& t) {

@@ -71,9 +71,6 @@ enum class Follow {
 StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work,
                         Trial& trial);
 
-/* How different two compositions are: sum of (w - z)^2/(w + z), at most 2. */
-double spread(const double* w, const double* z, int n);
-
 // Lowest eigenvalue of the curvature of a phase that quick trials are good enough for.
 inline constexpr double kConvex = 0.1;
 

@@ -288,6 +288,12 @@ TEST(Answers, PhasesThatAreEasilyMissed) {
        {0.99863, 0.00137}},
       {{"ammonia", "n_hexadecane"}, {0.99985, 0.00015}, 401.03, 88.38, {0.972, 0.028}},
       {{"methyl_mercaptan", "ethane"}, {0.01, 0.99}, 165.0, 0.1254, {0.4, 0.6}},
+      // Mostly water just above its critical temperature.
+      {{"water", "n_eicosane", "carbon_monoxide"},
+       {0.74317406730338431, 0.10844539255383505, 0.1483805401427806},
+       647.11909281391354,
+       675.15206068981047,
+       {0.9, 0.01, 0.09}},
       // A split that began as two liquids, of which one has become a gas.
       {{"water", "n_butane", "sulfur_dioxide"},
        {0.069564812281585175, 0.063982412884698733, 0.86645277483371608},

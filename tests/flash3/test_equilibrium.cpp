@@ -53,6 +53,15 @@ const Grid kGrids[] = {
      {{0.7805, 0.0502, 0.1532, 0.0002, 0.0159}},
      {210, 220, 230, 240},
      {3.25}},
+    // What is missing lies between two phases, or is found from a component mixed with one of them.
+    {{"cyclohexane", "argon", "n_hexadecane"},
+     {{0.43126384362063036, 0.27505427507607438, 0.29368188130329526}},
+     {143.27032289987511},
+     {56.101485825135612}},
+    {{"propane", "toluene", "nitrogen", "oxygen"},
+     {{0.24385708789041849, 0.60970574223347629, 0.078265798023525721, 0.068171371852579501}},
+     {125.94810226480831},
+     {21.683548964485738}},
     // Two liquids are found first, and the gas that cuts them takes the place of one.
     {{"methane", "hydrogen_sulfide"},
      {{0.050050779650810118, 0.94994922034918983}},
