@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -51,11 +52,11 @@ inline bool run_untimed(int argc, char** argv) {
   const std::string option = argc > 1 ? argv[1] : "";
   if (option == "--counts") print_counts();
   if (option != "--passes" || argc < 4) return option == "--counts";
-  for (const Case& c : cases()) {
-    if (c.name != argv[3]) continue;
-    c.set_up();
-    for (int k = std::stoi(argv[2]); k > 0; --k) keep(c.pass());
-  }
+  const std::vector<Case> all = cases();
+  const auto c = std::find_if(all.begin(), all.end(), [&](const Case& one) { return one.name == argv[3]; });
+  if (c == all.end()) throw std::invalid_argument(std::string("no such case: ") + argv[3]);
+  c->set_up();
+  for (int k = std::stoi(argv[2]); k > 0; --k) keep(c->pass());
   return true;
 }
 

@@ -1,6 +1,5 @@
 // Front end for Google Benchmark. Its own options work (--benchmark_filter=..., --benchmark_repetitions=...);
-// --counts and --passes N NAME
-// time nothing (cases.hpp).
+// --counts and --passes N NAME time nothing (cases.hpp).
 
 #include <benchmark/benchmark.h>
 

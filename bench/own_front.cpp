@@ -1,9 +1,8 @@
 // Front end without Google Benchmark, for the 32-bit build. The same repeats, the same columns.
 //
-//   bench_core [--counts] [PART OF A NAME]
+//   bench_core [--counts | --passes N NAME | PART OF A NAME]
 
 #include <chrono>
-#include <cstring>
 #include <exception>
 
 #include "cases.hpp"

@@ -245,14 +245,11 @@ void add_to_bracket(Energy& e) {
 StatusCode close_bracket(Energy& e) {
   for (int round = 0; round < kRounds; ++round) {
     if (narrow(e)) return KV_OK;
-    if (e.jump) {
-      if (!e.model.analytic() && widen(e)) continue;
-      e.jump = true;
-      break;
+    if (!e.jump) {
+      if (solve_between(e) || take_end(e)) return KV_OK;
+      if (e.bracket.high - e.bracket.low > kSameTemperature * e.bracket.high) break;
     }
-    if (solve_between(e) || take_end(e)) return KV_OK;
-    if (e.bracket.high - e.bracket.low > kSameTemperature * e.bracket.high) break;
-    if (!widen(e)) {
+    if ((e.jump && e.model.analytic()) || !widen(e)) {
       e.jump = true;
       break;
     }

@@ -24,7 +24,6 @@ constexpr int kRetreats = 6, kAdvances = 4;
 constexpr double kOtherStarts[] = {kDefaultTemperature, 200.0, 450.0, 700.0, 120.0};  // K
 constexpr double kAdvance = 1.17;    // of T, past where the flash has no answer
 constexpr double kNoFurther = 0.05;  // relative distance from there that is close enough
-constexpr double kCold = 60.0;       // K; before it goes on from below, the search asks for the coldest state
 constexpr double kSameTwo = 1e-6;    // fractions of phases that are the same
 
 void take_state(support::Arena& arena, int ld, EnergyState& s) {

@@ -18,6 +18,7 @@ inline bool plausible(double T) {
 }
 
 inline constexpr double kColdest = 3.0, kHottest = 10000.0;  // K, the range that is searched
+inline constexpr double kCold = 60.0;  // K; before a search goes on from below, it asks for the coldest state
 
 // The equilibrium at one temperature. Arrays [ld].
 struct EnergyState {

@@ -135,13 +135,14 @@ bool other_root_trial_of_pure(Flash& f, const Reference& ref, int j) {
 }
 
 // Trials from liquids of almost this component alone and something of a phase; of what else there is in it where
-// the phase is hardly anything but the component: mixed with that there would be nothing new. all: from two of them.
-bool mixed_trials(Flash& f, const Reference& ref, int j, const double* phase, bool all) {
+// the phase is hardly anything but the component: mixed with that there would be nothing new. Beside a gas of almost
+// this component alone the liquid holds little else.
+bool mixed_trials(Flash& f, const Reference& ref, int j, const double* phase) {
   const bool alone = phase[j] > kMostOfLiquid;
   double others = 0.0;
   for (int i = 0; i < f.m.n; ++i) others += i == j && alone ? 0.0 : phase[i];
   for (const double most : {kMostOfLiquid, kAlmostAllOfLiquid}) {
-    if (!(others > 0.0) || (most == kAlmostAllOfLiquid && !all && !alone)) break;
+    if (!(others > 0.0) || (most == kAlmostAllOfLiquid && ref.other == nullptr && !alone)) break;
     for (int i = 0; i < f.m.ld; ++i) f.between[i] = i == j && alone ? 0.0 : (1.0 - most) / others * phase[i];
     f.between[j] += most;
     if (!trial_from_between(f, ref, Kind::liquid)) return false;
@@ -150,16 +151,13 @@ bool mixed_trials(Flash& f, const Reference& ref, int j, const double* phase, bo
 }
 
 // Liquids of a component that is a gas alone: on its other root just below its vapour pressure; and near its
-// critical temperature mixed with some of what is there. Beside a gas of almost this component alone the liquid
-// holds little else.
-bool liquid_of_gas_trials(Flash& f, const Reference& ref, int j, bool has_liquid) {
+// critical temperature mixed with some of what is there. thoroughly: with every phase.
+bool liquid_of_gas_trials(Flash& f, const Reference& ref, int j, bool has_liquid, bool thoroughly) {
   if (has_liquid && !other_root_trial_of_pure(f, ref, j)) return false;
   const double* const less = ref.other != nullptr && ref.other[j] < ref.z[j] ? ref.other : ref.z;
-  if (!f.thorough()) return mixed_trials(f, ref, j, less, ref.other != nullptr);
-  if (!f.gas_alone && f.third.x == nullptr) return mixed_trials(f, ref, j, ref.z, ref.other != nullptr);
+  if (!thoroughly) return mixed_trials(f, ref, j, f.thorough() ? ref.z : less);
   for (const double* phase : {ref.z, ref.other, ref.third})
-    if (phase != nullptr && (phase == less || phase[j] <= kMostOfLiquid) &&
-        !mixed_trials(f, ref, j, phase, ref.other != nullptr))
+    if (phase != nullptr && (phase == less || phase[j] <= kMostOfLiquid) && !mixed_trials(f, ref, j, phase))
       return false;
   return true;
 }
@@ -197,9 +195,10 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
       f.status = start_near_pure(f.m, ref, j, f.trial);
       if (f.status != KV_OK) return false;
       const bool may_boil = f.m.built_in() && f.call.T < kNearCritical * Tc[j];
-      f.gas_alone = may_boil && packing(f, f.m.t.b[j], f.trial.Z) < kCriticalPacking;
+      const bool gas = may_boil && packing(f, f.m.t.b[j], f.trial.Z) < kCriticalPacking;
       if (!run_trial(f, ref, trial_kind(f))) return false;
-      if (may_boil ? !liquid_of_gas_trials(f, ref, j, f.call.T < Tc[j]) : !other_root_trial_of_pure(f, ref, j))
+      if (may_boil ? !liquid_of_gas_trials(f, ref, j, f.call.T < Tc[j], gas || f.third.x != nullptr)
+                   : !other_root_trial_of_pure(f, ref, j))
         return false;
       continue;
     }
@@ -212,7 +211,7 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
     // it there may be a liquid beside a gas.
     const bool near = f.call.T < kNearCritical * Tc[j], answer = ref.other != nullptr;
     if (f.call.T > Tc[j] && (ref.z[j] > 0.5 || (answer && ref.other[j] > 0.5)) && (answer || !near)) {
-      if (near && !f.liquids_only() && !liquid_of_gas_trials(f, ref, j, false)) return false;
+      if (near && !f.liquids_only() && !liquid_of_gas_trials(f, ref, j, false, false)) return false;
       continue;
     }
     // A gas beside a gas: it would be the one that is there already.
@@ -224,7 +223,7 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
     const double dense = f.m.built_in() ? packing(f, f.m.t.b[j], f.trial.Z) : 1.0;
     const bool gas = dense < kGasPacking;
     if (dense < kCriticalPacking && !f.liquids_only() && f.call.T < kNearCritical * Tc[j]) {
-      if (!liquid_of_gas_trials(f, ref, j, f.call.T < Tc[j])) return false;
+      if (!liquid_of_gas_trials(f, ref, j, f.call.T < Tc[j], false)) return false;
       if (have_gas && gas) continue;
       f.status = start_near_pure(f.m, ref, j, f.trial);
       if (f.status != KV_OK) return false;
@@ -304,8 +303,7 @@ bool evaluate_feed(Flash& f) {
   const int n = f.m.n;
   double Z = 0.0;
   f.m.counts.step = Step::feed;
-  f.status = f.m.built_in() ? built_in_fugacity(f.m, f.it.z, trial_kind(f), f.feed_phi, {}, true, Z, &f.feed)
-                            : fugacity(f.m, f.it.z, trial_kind(f), f.feed_phi, nullptr, Z);
+  f.status = fugacity(f.m, f.it.z, trial_kind(f), f.feed_phi, nullptr, Z, &f.feed);
   if (f.status != KV_OK) return false;
   f.feed_kind = f.liquids_only() ? Kind::liquid : kind_of(f, f.it.z, Z);
   f.feed_Z = Z;

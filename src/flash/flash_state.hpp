@@ -29,7 +29,6 @@ struct Flash {
   const double* incipient =
       nullptr;               // [ld] a stationary point that is known beforehand, of distance 0; may be null
   double incipient_Z = 0.0;  // of it, 0 where it is not known
-  bool gas_alone = false;    // the component that is tried is a gas by itself
   bool came_back = false;    // some trial ran back into the reference
 
   double* wilson_k = nullptr;   // [ld]

@@ -149,9 +149,9 @@ StatusCode composition_derivatives(Model& m, const Evaluated& at, double* dn) no
 
 /* As the solvers need it: dn (may be null) at least in its lower triangle, which is all where it is symmetric.
  */
-inline StatusCode fugacity(Model& m, const double* x, Kind kind, double* ln_phi, double* dn,
-                           double& Z) noexcept {
-  if (m.built_in()) return built_in_fugacity(m, x, kind, ln_phi, {nullptr, nullptr, dn}, true, Z);
+inline StatusCode fugacity(Model& m, const double* x, Kind kind, double* ln_phi, double* dn, double& Z,
+                           Evaluated* keep = nullptr) noexcept {
+  if (m.built_in()) return built_in_fugacity(m, x, kind, ln_phi, {nullptr, nullptr, dn}, true, Z, keep);
   return water_aware_fugacity(m, x, kind, ln_phi, {nullptr, nullptr, dn}, Z);
 }
 

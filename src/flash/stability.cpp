@@ -59,9 +59,7 @@ void compose(const Model& m, Trial& t) {
 // ln phi of the trial, and what follows from it.
 StatusCode measure(Model& m, const Reference& ref, Kind kind, double* dn, const TrialWork& work, Trial& t) {
   compose(m, t);
-  const StatusCode status =
-      m.built_in() ? built_in_fugacity(m, t.w, kind, t.ln_phi, {nullptr, nullptr, dn}, true, t.Z, &t.at)
-                   : fugacity(m, t.w, kind, t.ln_phi, dn, t.Z);
+  const StatusCode status = fugacity(m, t.w, kind, t.ln_phi, dn, t.Z, &t.at);
   if (status != KV_OK) return status;
   compare(m, ref, work, t);
   t.current = true;

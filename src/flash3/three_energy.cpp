@@ -17,6 +17,7 @@
 namespace kestrune::flash3 {
 namespace {
 
+using flash::kCold;
 using flash::kColdest;
 using flash::kDefaultTemperature;
 using flash::kHottest;
@@ -24,7 +25,6 @@ using flash::plausible;
 
 constexpr int kMostStates = 80, kMostDropped = 2, kRetreats = 6;
 constexpr double kNoFurther = 0.02;  // relative distance from where there is no answer that is close enough
-constexpr double kCold = 60.0;       // K; before it goes on from below, the search asks for the coldest state
 constexpr double kReached = 1e-11;   // of the value's size
 constexpr double kNear = 1e-9;       // relative change of T that is left of a single phase
 constexpr double kSameTemperature = 1e-13;  // relative width of a bracket that is an answer
