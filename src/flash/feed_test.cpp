@@ -56,15 +56,29 @@ void remember(Flash& f) {
   f.have_lowest = true;
 }
 
-bool run_trial(Flash& f, const Reference& ref, Kind kind) {
+// Follows f.trial, carefully or not.
+bool follow(Flash& f, const Reference& ref, Kind kind, bool carefully) {
   f.trial.Z = 0.0;
+  f.trial.careful = carefully;
   Reference reference = ref;
   reference.known = f.incipient != nullptr ? f.incipient : f.lowest.w;
   reference.known_count =
       f.incipient != nullptr || (f.have_lowest && f.lowest.tm > 0.0 && f.how == Follow::quick) ? 1 : 0;
   f.status = follow_trial(f.m, reference, kind, f.how, f.work, f.trial);
-  if (f.status != KV_OK) return false;
   f.came_back |= f.trial.end == TrialEnd::trivial;
+  return f.status == KV_OK;
+}
+
+// Where a substitution has led upwards, and past whatever lies there, the trial runs again with care.
+bool run_trial(Flash& f, const Reference& ref, Kind kind) {
+  std::copy_n(f.trial.log_w, f.m.ld, f.work.start);
+  if (!follow(f, ref, kind, false)) return false;
+  const bool again = f.trial.overshot && !f.m.free_water && !(f.trial.tm < kUnstable);
+  remember(f);
+  if (!again) return true;
+  std::copy_n(f.work.start, f.m.ld, f.trial.log_w);
+  f.trial.current = false;
+  if (!follow(f, ref, kind, true)) return false;
   remember(f);
   return true;
 }
@@ -171,17 +185,17 @@ bool is_gas_alone(const Flash& f, int j) {
   return f.m.P * t.b[j] < rt * eta * (1.0 / (1.0 - eta) - a / (t.b[j] * rt) * psi);
 }
 
-// Near-pure trials: the component that Wilson's coefficients favour most, light gases, water, the heaviest.
+// Near-pure trials: the component that Wilson's coefficients favour most, light gases, water, the heaviest beside it.
 bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
   const int n = f.m.n;
   const MixtureRecord& r = *f.call.mixture;
   const double* Tc = r.table + static_cast<std::size_t>(KV_COL_TC - 1) * r.count;
   const double* Pc = r.table + static_cast<std::size_t>(KV_COL_PC - 1) * r.count;
   const int water = eos::find_water_family(r);
-  int heaviest = 0, favoured = 0;
+  int heaviest = -1, favoured = 0;
   double most = -1.0;
   for (int i = 0; i < n; ++i) {
-    if (f.it.z[i] > 0.0 && Tc[i] > Tc[heaviest]) heaviest = i;
+    if (f.it.z[i] > 0.0 && i != water && (heaviest < 0 || Tc[i] > Tc[heaviest])) heaviest = i;
     const double amount = f.it.z[i] * f.wilson_k[i];
     if (amount > most) {
       most = amount;
@@ -218,7 +232,7 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
     if (have_gas && f.m.built_in() && f.call.T >= kNearCritical * Tc[j] && is_gas_alone(f, j)) continue;
     f.status = start_near_pure(f.m, ref, j, f.trial);
     if (f.status != KV_OK) return false;
-    const double least = j == heaviest ? kHeaviestWorthFollowing : kWorthFollowing;
+    const double least = j == heaviest || j == water ? kHeaviestWorthFollowing : kWorthFollowing;
     if (f.trial.log_w[j] < std::log(least)) continue;
     const double dense = f.m.built_in() ? packing(f, f.m.t.b[j], f.trial.Z) : 1.0;
     const bool gas = dense < kGasPacking;
@@ -366,6 +380,10 @@ bool test_answer(Flash& f, bool& stable) {
   if (!start_trial(f, plane, kWilsonLiquid) || !run_trial(f, plane, trial_kind(f))) return false;
   if ((!have_gas || f.thorough()) && !f.liquids_only() &&
       (!start_trial(f, plane, kWilsonVapour) || !run_trial(f, plane, trial_kind(f))))
+    return false;
+  // Wilson's vapour of a feed of two liquids may begin as a liquid itself.
+  if (!have_gas && !f.liquids_only() &&
+      (!start_trial(f, plane, kIdealGas) || !run_trial(f, plane, trial_kind(f))))
     return false;
   f.m.counts.step = Step::answer_near_pure;
   if (!near_pure_trials(f, plane, have_gas)) return false;

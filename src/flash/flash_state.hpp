@@ -90,6 +90,7 @@ struct Beside {
 
 // A Gibbs energy over RT counts as lower from here.
 inline constexpr double kLowerGibbs = 1e-12;
+inline constexpr double kRounding = 1e-10;  // of Gibbs energies over RT
 
 /*
  * Starts of the two-phase iteration: f.it.log_k, f.it.beta and the roots asked for. From Wilson's coefficients;
@@ -106,6 +107,12 @@ void start_from_trial(Flash& f, const Beside& other, Source source);
  * by less than the rounding of Gibbs energies.
  */
 bool good_split(Flash& f, bool unstable, Outcome& outcome);
+
+/*
+ * The split of lowest Gibbs energy from all trials of a feed that is known to be unstable, each followed to its
+ * end: where the one from its lowest trial does not converge. found: f.it is one. False: f.status.
+ */
+bool split_from_all(Flash& f, bool& found);
 
 /*
  * Tests the converged answer f.it and replaces it by a better one where there is one. What is still cut by its

@@ -91,6 +91,9 @@ StatusCode split_from_trial(Flash& f) {
   // On the boundary itself, or of traces alone: what splits off has no amount that could be told from rounding.
   const double boundary = std::max(1e-8, host_slack(f.m, f.settings));
   if (f.lowest.tm > -boundary || most_of(f.m.n, f.it.z, f.lowest.w) < kNoAmount) return finish_single_phase(f);
+  bool found = false;
+  if (!split_from_all(f, found)) return write_answer(f, f.status);
+  if (found) return finish_two_phases(f);
   return write_answer(f, outcome == Outcome::exhausted ? KV_NOT_CONVERGED : KV_TRIVIAL);
 }
 
@@ -145,7 +148,8 @@ StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& 
   f.it.z = f.best.z = f.answer.z = z;
   f.two = {arena.zeros(ld),    arena.zeros(ld),    arena.zeros(ld),
            arena.take(square), arena.take(square), arena.take(square)};
-  f.work = {arena.zeros(ld), arena.zeros(ld), arena.zeros(ld), arena.zeros(ld), f.two.dx, f.two.system};
+  f.work = {arena.zeros(ld), arena.zeros(ld), arena.zeros(ld), arena.zeros(ld),
+            f.two.dx,        f.two.system,    arena.zeros(ld)};
   f.trial.log_w = arena.zeros(ld);
   f.trial.w = arena.zeros(ld);
   f.trial.ln_phi = arena.zeros(ld);

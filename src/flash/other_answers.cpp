@@ -82,6 +82,14 @@ bool look_for_better(Flash& f) {
 
 }  // namespace
 
+bool split_from_all(Flash& f, bool& found) {
+  f.best.gibbs = f.feed_gibbs + kRounding;
+  found = false;
+  if (!try_all_trials(f, {f.it.z, f.d}, {{f.feed_phi, f.feed_Z, f.feed_kind}}, found)) return false;
+  if (found) copy_answer(f.best, f.it, f.m.ld);
+  return true;
+}
+
 bool settle_answer(Flash& f) {
   if (f.call.third != nullptr) {
     if (f.call.third->w == nullptr) return true;  // the caller tests the answer itself

@@ -20,7 +20,10 @@ constexpr double kFinished = 1e-14;     // of a phase that is only reported
 // From here a step ends there: what it leaves, which goes with its square, need not be looked at.
 constexpr double kNearlyFinished = 1e-10, kShortChange = 1e-4;
 // Positive distances are final once they exceed what the rest of the way can take off them.
-constexpr double kSafePositive = 1e-4, kSafeFactor = 25.0;
+constexpr double kSafePositive = 1e-4, kSafeFactor = 400.0;
+// From this distance a substitution goes half its way: the whole of it leads past a minimum where unlike molecules
+// attract each other strongly.
+constexpr double kFar = 1e5, kFarPart = 0.5;
 constexpr double kLargestLogW = 600.0;
 // A negative distance beyond this needs no more digits to start a split from.
 constexpr double kClearlyNegative = -1e-2, kClearGradient = 1e-3;
@@ -141,7 +144,9 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
   const bool quick = how == Follow::quick;
   ++m.counts.trials;
   t.end = TrialEnd::failed;
-  bool stepped = false;  // the last step may have to be cut
+  t.overshot = false;
+  bool stepped = false;      // the last step may have to be cut
+  bool substituted = false;  // it was a substitution
   double before = 0.0, factor = 1.0;
   int second_from = how == Follow::report ? 0 : kSubstitutions;
   for (int k = 0; k < kMaxSteps; ++k) {
@@ -154,7 +159,15 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
       status = measure(m, ref, kind, second ? work.dn : nullptr, work, t);
     }
     if (status != KV_OK) return status;
-    if (stepped && t.tm > before + 1e-10 * (1.0 + std::fabs(before))) {
+    const bool rose = k > 0 && t.tm > before + 1e-10 * (1.0 + std::fabs(before));
+    t.overshot |= rose && substituted;
+    if (rose && substituted && t.careful) {
+      std::copy_n(work.old_root, m.n, t.log_w);
+      second_from = k + 1;
+      stepped = substituted = false;
+      continue;
+    }
+    if (stepped && rose) {
       // The distance rose: halve the step from where it began, and at last go on from there by substitution.
       factor *= 0.5;
       const bool last = k + 1 == kMaxSteps, halve = factor > kShortestStep && !last;
@@ -193,9 +206,10 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
     before = t.tm;
     const bool newton = second && second_order(m, work, t);
     t.current = false;
-    // A substitution overshoots where unlike molecules attract each other strongly; the first one has far to
-    // go.
-    stepped = newton || k > 0;
+    // A substitution overshoots where unlike molecules attract each other strongly. The first one has far to go,
+    // unless it begins below the plane.
+    stepped = newton || k > 0 || t.tm < kUnstable;
+    substituted = !second;
     if (newton) {
       const double change = take_step(m.n, factor, work, t);
       if (how == Follow::report && t.gradient2 < kNearlyFinished && change < kShortChange) {
@@ -205,7 +219,8 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
       }
     } else {
       std::copy_n(t.log_w, m.n, work.old_root);
-      for (int i = 0; i < m.n; ++i) t.log_w[i] -= work.r[i];
+      const double part = t.tm > kFar ? kFarPart : 1.0;
+      for (int i = 0; i < m.n; ++i) t.log_w[i] -= part * work.r[i];
     }
   }
   t.end = TrialEnd::stationary;  // slow, but the last distance is a bound from above

@@ -45,6 +45,8 @@ struct Trial {
   double Z = 0.0;
   Evaluated at;          // by the built-in equation
   bool current = false;  // all of this belongs to log_w
+  // Second-order steps from where a substitution leads upwards, asked for; and that one has led upwards.
+  bool careful = false, overshot = false;
   TrialEnd end = TrialEnd::failed;
 };
 
@@ -55,6 +57,7 @@ inline constexpr double kUnstable = -1e-10;
 struct TrialWork {
   double *r, *root, *step, *old_root;  // [ld]
   double *dn, *hessian;                // [ld * n]
+  double* start;                       // [ld] ln W that the trial began with, for its caller
 };
 
 // How far a trial is followed.

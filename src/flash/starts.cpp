@@ -10,8 +10,6 @@
 namespace kestrune::flash {
 namespace {
 
-constexpr double kRounding = 1e-10;  // of Gibbs energies over RT
-
 Outcome iterate(Flash& f, bool compare) {
   const IterationPlan plan{f.feed_gibbs, compare && !f.m.free_water};
   return iterate_two_phases(f.m, f.settings, plan, f.trace, f.two, f.it, f.status);

@@ -235,7 +235,7 @@ bool take_newton_step(const Model& m, double factor, const TwoPhaseWork& work, I
   double largest = 0.0;
   for (int i = 0; i < m.n; ++i)
     if (it.z[i] > 0.0) largest = std::max(largest, std::fabs(work.step[i]));
-  if (factor * largest > kLargestNewtonStep) factor = kLargestNewtonStep / largest;
+  if (largest > kLargestNewtonStep) factor *= kLargestNewtonStep / largest;
   for (int k = 0; k < kStepCuts; ++k, factor *= 0.3) {
     for (int i = 0; i < m.n; ++i)
       it.log_k[i] = std::clamp(work.old_log_k[i] + factor * work.step[i], -kLargestLogK, kLargestLogK);

@@ -287,6 +287,18 @@ TEST(Answers, PhasesThatAreEasilyMissed) {
        31.313658978,
        {0.99863, 0.00137}},
       {{"ammonia", "n_hexadecane"}, {0.99985, 0.00015}, 401.03, 88.38, {0.972, 0.028}},
+      // A trial that a substitution would take past its minimum, and one that comes close to the feed slowly.
+      {{"ethane", "methyl_mercaptan"}, {0.925, 0.075}, 203.0, 0.2224, {0.294, 0.706}},
+      {{"carbonyl_sulfide", "methyl_mercaptan"}, {0.7843, 0.2157}, 218.2804, 0.1182335, {0.195, 0.805}},
+      {{"carbon_monoxide", "methyl_mercaptan"}, {0.9964, 0.0036}, 133.178, 45.4209, {0.8125, 0.1875}},
+      {{"helium", "n_hexane"}, {0.52638807, 0.47361193}, 489.65632, 700.84975, {0.9607, 0.0393}},
+      // The vapour beside two liquids; the heaviest component beside water.
+      {{"toluene", "water"}, {0.87084846, 0.12915154}, 387.01784755, 2.2211644, {0.4134, 0.5866}},
+      {{"water", "carbon_dioxide", "n_hexane"},
+       {0.0045478, 0.99304, 0.0024122},
+       208.41692,
+       9.748884,
+       {1e-12, 0.35, 0.65}},
       {{"methyl_mercaptan", "ethane"}, {0.01, 0.99}, 165.0, 0.1254, {0.4, 0.6}},
       // Mostly water just above its critical temperature.
       {{"water", "n_eicosane", "carbon_monoxide"},
