@@ -34,6 +34,8 @@ constexpr double kNearCritical = 1.12, kMostOfLiquid = 0.85, kAlmostAllOfLiquid 
 constexpr double kRootReach = 0.3;
 // Length of a first step along the direction of lowest curvature, in sqrt(W).
 constexpr double kAlong = 0.2;
+// Starts that differ by less, in ln W, are one; amounts below e^-14 of the largest do not count.
+constexpr double kSameStart = 0.3, kMatters = 14.0;
 
 double packing(const Flash& f, double b, double Z) {
   return b * f.m.P / (eos::kR * f.m.T * Z);
@@ -69,8 +71,27 @@ bool follow(Flash& f, const Reference& ref, Kind kind, bool carefully) {
   return f.status == KV_OK;
 }
 
+// Whether a trial of this test began close to where f.trial does: every amount that matters within a third. It would
+// end where that one has. Else it is remembered.
+bool began_before(Flash& f, Kind kind) {
+  const double* const log_w = f.trial.log_w;
+  const double least = *std::max_element(log_w, log_w + f.m.n) - kMatters;
+  for (int k = 0; k < f.start_count; ++k) {
+    const double* const start = f.starts + static_cast<std::size_t>(k) * f.m.ld;
+    bool same = f.start_kinds[k] == kind;
+    for (int i = 0; same && i < f.m.n; ++i)
+      same = !(std::fabs(log_w[i] - start[i]) > kSameStart && std::max(log_w[i], start[i]) > least);
+    if (same) return true;
+  }
+  if (f.start_count == kStarts) return false;
+  f.start_kinds[f.start_count] = kind;
+  std::copy_n(log_w, f.m.ld, f.starts + static_cast<std::size_t>(f.start_count++) * f.m.ld);
+  return false;
+}
+
 // Where a substitution has led upwards, and past whatever lies there, the trial runs again with care.
 bool run_trial(Flash& f, const Reference& ref, Kind kind) {
+  if (f.thorough() && began_before(f, kind)) return true;
   std::copy_n(f.trial.log_w, f.m.ld, f.work.start);
   if (!follow(f, ref, kind, false)) return false;
   const bool again = f.trial.overshot && !f.m.free_water && !(f.trial.tm < kUnstable);
@@ -331,6 +352,7 @@ bool evaluate_feed(Flash& f) {
 bool test_feed(Flash& f) {
   const Reference ref{f.it.z, f.d};
   f.have_lowest = false;
+  f.start_count = 0;
   f.how = Follow::quick;
   bool near_critical = false;
   if (!f.m.free_water && !dilute(f)) {
@@ -364,6 +386,7 @@ bool test_answer(Flash& f, bool& stable) {
       f.answer_d[i] = support::fast_log(f.third.x[i]) + f.third.ln_phi[i];
   }
   f.have_lowest = false;
+  f.start_count = 0;
   f.how = Follow::quick;
   f.came_back = false;
   stable = true;

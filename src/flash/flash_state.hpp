@@ -9,6 +9,8 @@ namespace kestrune::flash {
 
 // Stationary points that are remembered while all trials are tried.
 inline constexpr int kTried = 6;
+// Starts of trials that a thorough test remembers.
+inline constexpr int kStarts = 32;
 
 struct Flash {
   Flash(const IsothermalCall& c, Model& model, const Settings& s, FlashTrace& t)
@@ -30,6 +32,8 @@ struct Flash {
       nullptr;               // [ld] a stationary point that is known beforehand, of distance 0; may be null
   double incipient_Z = 0.0;  // of it, 0 where it is not known
   bool came_back = false;    // some trial ran back into the reference
+  int start_count = 0;
+  Kind start_kinds[kStarts] = {};
 
   double* wilson_k = nullptr;   // [ld]
   double* feed_phi = nullptr;   // [ld] ln phi of the feed as one phase
@@ -39,6 +43,7 @@ struct Flash {
   double* direction = nullptr;  // [ld] of lowest curvature at the feed
   double* tried = nullptr;      // [ld * kTried] compositions of trials that a split was tried from
   double* between = nullptr;    // [ld] composition that a trial starts from
+  double* starts = nullptr;     // [ld * kStarts] ln W
   double feed_gibbs = 0.0;      // sum of z d
   double feed_Z = 0.0;
   Kind feed_kind = Kind::stable;

@@ -166,6 +166,7 @@ StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& 
   f.direction = arena.zeros(ld);
   f.between = arena.zeros(ld);
   f.tried = arena.zeros(ld * kTried);
+  f.starts = f.thorough() ? arena.take(ld * kStarts) : nullptr;
   const StatusCode result = body(f);
   if (call.counts != nullptr) *call.counts = m.counts;
   return result;
@@ -176,7 +177,7 @@ StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& 
 StatusCode isothermal_flash(const IsothermalCall& call) {
   if (call.free_water && call.mode == Mode::liquid_vapour && has_free_water(*call.mixture, call.z))
     return wet_flash(call);
-  return support::with_arena<6, 100>(call.mixture->count,
+  return support::with_arena<6, 132>(call.mixture->count,
                                      [&](support::Arena& arena) { return with_flash(call, arena, solve); });
 }
 
@@ -196,7 +197,7 @@ StatusCode feed_stability(const IsothermalCall& call, const Incipient& incipient
     }
     return KV_OK;
   };
-  return support::with_arena<6, 100>(call.mixture->count,
+  return support::with_arena<6, 132>(call.mixture->count,
                                      [&](support::Arena& arena) { return with_flash(call, arena, body); });
 }
 
@@ -215,7 +216,7 @@ StatusCode answer_stability(const IsothermalCall& call, double& distance) {
     distance = f.have_lowest ? std::min(f.lowest.tm, 0.0) : 0.0;
     return KV_OK;
   };
-  return support::with_arena<6, 100>(call.mixture->count,
+  return support::with_arena<6, 132>(call.mixture->count,
                                      [&](support::Arena& arena) { return with_flash(call, arena, body); });
 }
 
@@ -239,7 +240,7 @@ StatusCode phases_stability(const IsothermalCall& call, int count, const double*
     if (!stable) report_third(f);
     return KV_OK;
   };
-  return support::with_arena<6, 100>(call.mixture->count,
+  return support::with_arena<6, 132>(call.mixture->count,
                                      [&](support::Arena& arena) { return with_flash(call, arena, body); });
 }
 

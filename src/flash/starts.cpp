@@ -90,7 +90,11 @@ void start_from_trial(Flash& f, const Beside& other, Source source) {
 bool good_split(Flash& f, bool unstable, Outcome& outcome) {
   f.m.counts.step = Step::split;
   outcome = iterate(f, !unstable);
-  if (outcome == Outcome::converged && on_upper_root(f)) {
+  // Of phases that were iterated on a root each: one may have gone over to the other root on the way.
+  const bool kept = f.it.kind_x == Kind::stable && f.it.kind_y == Kind::stable;
+  const bool lost = unstable && !kept && !f.liquids_only() && f.m.built_in() &&
+                    (outcome == Outcome::exhausted || outcome == Outcome::broke_down);
+  if (lost || (outcome == Outcome::converged && on_upper_root(f))) {
     f.it.kind_x = f.it.kind_y = Kind::stable;
     outcome = iterate(f, !unstable);
   }

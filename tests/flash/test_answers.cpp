@@ -292,6 +292,12 @@ TEST(Answers, PhasesThatAreEasilyMissed) {
       {{"carbonyl_sulfide", "methyl_mercaptan"}, {0.7843, 0.2157}, 218.2804, 0.1182335, {0.195, 0.805}},
       {{"carbon_monoxide", "methyl_mercaptan"}, {0.9964, 0.0036}, 133.178, 45.4209, {0.8125, 0.1875}},
       {{"helium", "n_hexane"}, {0.52638807, 0.47361193}, 489.65632, 700.84975, {0.9607, 0.0393}},
+      // A vapour whose trial begins as densely packed as a liquid.
+      {{"hydrogen_sulfide", "water", "n_hexane"},
+       {0.00013805497, 0.999188457, 0.00067348838},
+       536.8672798,
+       54.31923156,
+       {1e-4, 0.07, 0.93}},
       // The vapour beside two liquids; the heaviest component beside water.
       {{"toluene", "water"}, {0.87084846, 0.12915154}, 387.01784755, 2.2211644, {0.4134, 0.5866}},
       {{"water", "carbon_dioxide", "n_hexane"},
