@@ -219,6 +219,35 @@ UnitSystem unit_system(std::string_view name) {
                   name));
 }
 
+std::string exact(double base, const Unit& unit, double molar_mass) {
+  if (!std::isfinite(base)) return "";
+  const double value = unit.from_base(base, molar_mass);
+  for (int digits = 6; digits < 17; ++digits) {
+    const std::string text = fmt::format("{:.{}g}", value, digits);
+    const double read = parse_number(text).value_or(value);
+    if (unit.to_base(read, molar_mass) == base) return fmt::format("{}", read);
+  }
+  return fmt::format("{}", value);
+}
+
+std::string column_name(std::string_view key, Quantity quantity, const Unit& unit) {
+  const auto in_words = [](std::string_view name) {
+    std::string word;
+    for (const char c : name) {
+      if (std::isalnum(static_cast<unsigned char>(c)) != 0)
+        word += c;
+      else if (!word.empty() && word.back() != '_')
+        word += '_';
+    }
+    while (!word.empty() && word.back() == '_') word.pop_back();
+    return word;
+  };
+  constexpr std::size_t si = 1;
+  const std::string base = in_words(info(quantity).units[si].name), wanted = in_words(unit.name);
+  const bool ends = !base.empty() && key.size() > base.size() && key.substr(key.size() - base.size()) == base;
+  return ends ? std::string(key.substr(0, key.size() - base.size())) + wanted : std::string(key);
+}
+
 std::vector<double> parse_conditions(Quantity quantity, std::string_view text, const Unit& plain,
                                      double molar_mass) {
   std::vector<Item> items;

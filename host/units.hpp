@@ -73,6 +73,12 @@ struct UnitSystem {
 // pressure such as "K,atm", with the other units of "engineering".
 UnitSystem unit_system(std::string_view name);
 
+// A value in a unit, in the shortest digits that are read back as this value in the base unit; an empty text for no
+// number. The heading of a column: its key with the base unit, in another unit:
+// "temperature_K" in C is "temperature_C".
+std::string exact(double base, const Unit& unit, double molar_mass = 0.0);
+std::string column_name(std::string_view key, Quantity quantity, const Unit& unit);
+
 // A list of conditions: "25", "25 C", "200,220,250 K", "0:100:10 C" (first:last:step, the last value
 // included where a step meets it), and mixtures of both. A unit at the end holds for the values before it
 // that have none; without any the given unit holds. Values in the base unit; units per mass read the molar

@@ -17,17 +17,7 @@ namespace {
 struct FlashOptions {
   StateOptions states;
   bool details = false;
-  std::string phases = "2";
-
-  bool three() const;
 };
-
-bool FlashOptions::three() const {
-  const std::string_view number = trimmed(phases);
-  if (number != "2" && number != "3")
-    throw InputError(fmt::format("--phases {}: a flash looks for up to 2 or up to 3 phases", phases));
-  return number == "3";
-}
 
 // The enthalpy or entropy that was given has a column of its own; the vapour fraction has one in any case.
 bool of_energy(const StateReport& r) {
@@ -77,7 +67,7 @@ void print_summary(const StateReport& r, std::ostream& out) {
       row.push_back(of(PhaseKind::vapour, property, unit, decimals));
       row.push_back(of(PhaseKind::liquid, property, unit, decimals));
     }
-    row.push_back(short_status(s));
+    row.push_back(short_status(r, s));
     table.add(row);
   }
   table.print(out);
@@ -112,7 +102,7 @@ void print_summary_of_three(const StateReport& r, std::ostream& out) {
       const PhaseState* p = s.phase(kind);
       row.push_back(p == nullptr ? "-" : shown_fixed(density.from_base(p->properties[Property::density]), 3));
     }
-    row.push_back(short_status(s));
+    row.push_back(short_status(r, s));
     table.add(row);
   }
   table.print(out);
@@ -129,9 +119,10 @@ void print_composition(const StateReport& r, const Equilibrium& s, std::ostream&
     const PhaseState& phase = s.phases[p];
     if (!s.three && phase.kind != PhaseKind::liquid) continue;
     divisors.push_back(&phase);
-    headings.push_back(
-        s.three ? fmt::format("{}/{}", short_phase_name(s.phases[0].kind), short_phase_name(phase.kind))
-                : "K = y/x");
+    const bool plain = columns == 2 && s.phases[0].kind == PhaseKind::vapour && phase.kind == PhaseKind::liquid;
+    headings.push_back(s.three && !plain ? fmt::format("{}/{}", short_phase_name(s.phases[0].kind),
+                                                       short_phase_name(phase.kind))
+                                         : "K = y/x");
   }
   Table table(headings, "l");
   for (std::size_t i = 0; i < r.mixture.z.size(); ++i) {
@@ -182,7 +173,8 @@ void print_flash(const StateReport& r, bool details, std::ostream& out) {
   const bool summary = r.states.size() > 1;
   if (summary) {
     out << '\n';
-    if (r.states.front().three)
+    const auto three = [](const Equilibrium& s) { return s.three; };
+    if (std::any_of(r.states.begin(), r.states.end(), three))
       print_summary_of_three(r, out);
     else
       print_summary(r, out);
@@ -192,7 +184,7 @@ void print_flash(const StateReport& r, bool details, std::ostream& out) {
     if (summary) out << '\n' << std::string(72, '-') << '\n';
     print_details(r, s, out);
   }
-  print_notes(r.states, out);
+  print_notes(r, out);
 }
 
 }  // namespace
@@ -207,15 +199,12 @@ void add_flash_command(CLI::App& app, Session& session) {
   options->states.conditions.add_TP_to(*command, false);
   options->states.conditions.add_energy_and_fraction_to(*command);
   options->states.add_to(*command);
-  command->add_option("--phases", options->phases,
-                      "2 (default): vapour and liquid; 3: two liquids and vapour, for instance hydrocarbons "
-                      "with an aqueous liquid");
   command->add_flag("--details", options->details, "Composition of every state, not of a single one only");
   command->callback([options, &session] {
     const auto print = [&](const StateReport& report, std::ostream& out) {
       print_flash(report, options->details, out);
     };
-    report_states(options->states, session, options->three() ? flash_of_three : flash, print, false);
+    report_states(options->states, session, options->states.flash(), print, false);
   });
 }
 

@@ -69,8 +69,9 @@ int parse(CLI::App& app, Session& session, std::vector<std::string> arguments) {
 
 }  // namespace
 
-int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err) {
+int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err, const Exports* exports) {
   Session session{out, err};
+  session.exports = exports;
   try {
     CLI::App app{
         "Phase behaviour of natural gas with PPR78.\n"

@@ -169,6 +169,11 @@ void water(const WaterOptions& options, Session& session) {
   if (content && water_fraction(mixture) > 0.0)
     points.columns.push_back(
         {"rel. humidity %", "relative_humidity_percent", "relative_humidity_percent", nullptr, 2, {}});
+  if (!chart)
+    points.remarks = {
+        "a flash puts another amount of water into its gas; for a gas this one is the one to trust "
+        "(docs/water.md), and "
+        "flash --water-model saturation takes it"};
   Job job{library, mixture, chart ? 2 : 1, points};
   if (options.line) dew_line(job, Ps, options.points);
   for (const double T : content ? Ts : std::vector<double>{})
