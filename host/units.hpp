@@ -34,8 +34,11 @@ enum class Quantity {
   compressibility,  // 1/Pa
   ratio,            // no unit
   vapour_fraction,  // moles of vapour in one mole
+  water_content,    // moles of water in one mole of wet gas
 };
-inline constexpr std::size_t kQuantityCount = 13;
+inline constexpr std::size_t kQuantityCount = 14;
+
+inline constexpr double kWaterMass = 18.01528;  // g/mol
 
 // value in the base unit = (value + offset) * factor, for a unit per mass times the molar mass in kg/mol.
 // The molar mass is given in g/mol and read by the units per mass only.

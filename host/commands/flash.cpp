@@ -199,6 +199,13 @@ void add_flash_command(CLI::App& app, Session& session) {
   options->states.conditions.add_TP_to(*command, false);
   options->states.conditions.add_energy_and_fraction_to(*command);
   options->states.add_to(*command);
+  command->footer(
+      "Examples:\n"
+      "  kestrune flash --z methane=0.85,ethane=0.09,propane=0.04,nC4=0.02 -T -60 C -P 40 bar\n"
+      "  kestrune flash --z methane=0.9,nC5=0.1 -T \"-80:40:40 C\" -P 10,40 --format csv\n"
+      "  kestrune flash --z methane=0.9,nC5=0.1 --dew -P 1:61:20 bar\n"
+      "  kestrune flash --z methane=0.9,nC5=0.1 -H \"-50 kJ/kg\" -P 20 bar\n"
+      "  kestrune flash --z methane=0.8,nC8=0.1,water=0.1 -T 40 C -P 40 bar --water-model saturation");
   command->add_flag("--details", options->details, "Composition of every state, not of a single one only");
   command->callback([options, &session] {
     const auto print = [&](const StateReport& report, std::ostream& out) {

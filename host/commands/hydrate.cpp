@@ -212,6 +212,12 @@ void add_hydrate_command(CLI::App& app, Session& session) {
       "Hydrate formation of a gas by its gravity: curve, temperature (-P) or pressure (-T), inhibitors");
   const auto options = std::make_shared<HydrateOptions>();
   options->mixture.add_to(*command);
+  command->footer(
+      "Examples:\n"
+      "  kestrune hydrate --z methane=0.93,ethane=0.05,propane=0.02 -P 30:90:30 bar\n"
+      "  kestrune hydrate --z methane=0.93,ethane=0.05,propane=0.02 -P 70 --inhibitor MEG --depression 5,10\n"
+      "  kestrune hydrate --z methane=0.93,ethane=0.05,propane=0.02 -P 70 --inhibitor methanol --percent "
+      "0:20:10");
   command->add_option("-T,--temperature", options->temperature,
                       "Value, list or range: the hydrate pressures there");
   command->add_option("-P,--pressure", options->pressure,

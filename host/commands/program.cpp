@@ -19,7 +19,13 @@ constexpr struct {
 } kConditions[] = {{"-T", "--temperature", Quantity::temperature},
                    {"-P", "--pressure", Quantity::pressure},
                    {"-H", "--enthalpy", Quantity::enthalpy},
-                   {"-S", "--entropy", Quantity::entropy}};
+                   {"-S", "--entropy", Quantity::entropy},
+                   {"--water", "--water", Quantity::water_content},
+                   {"--from-P", "--from-P", Quantity::pressure},
+                   {"--max-P", "--max-P", Quantity::pressure},
+                   {"--min-T", "--min-T", Quantity::temperature},
+                   {"--T-limits", "--T-limits", Quantity::temperature},
+                   {"--P-limits", "--P-limits", Quantity::pressure}};
 
 // "-T 25 C" is one condition: a unit that stands alone after a value is joined to it.
 std::vector<std::string> with_units_joined(const std::vector<std::string>& arguments) {
@@ -89,6 +95,7 @@ int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err
     add_water_command(app, session);
     add_hydrate_command(app, session);
     add_envelope_command(app, session);
+    add_document_commands(app, session);
     check_command(app, arguments);
     return parse(app, session, with_units_joined(arguments));
   } catch (const InputError& e) {

@@ -109,6 +109,10 @@ void add_props_command(CLI::App& app, Session& session) {
   options->states.mixture.add_to(*command);
   options->states.conditions.add_TP_to(*command, true);
   options->states.add_to(*command);
+  command->footer(
+      "Examples:\n"
+      "  kestrune props --z methane=0.9,ethane=0.1 -T 20 C -P 60 barg\n"
+      "  kestrune props --z methane=0.9,ethane=0.1 -T 0:40:20 -P 60,80 --energy kJ/kmol --phase gas");
   command->add_option("--phase", options->phase,
                       "flash (default): the phases that are present; gas or liquid: the mixture as this phase, "
                       "without asking whether it is");
