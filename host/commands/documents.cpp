@@ -92,7 +92,8 @@ void add_document_commands(CLI::App& app, Session& session) {
   auto* man = app.add_subcommand("man", "The manual page: kestrune man > kestrune.1");
   man->footer("Example:\n  kestrune man | man -l -");
   man->callback([&app, &session] { print_man(app, session.out); });
-  auto* completion = app.add_subcommand("completion", "Completion of commands and options for a shell: bash or zsh");
+  auto* completion =
+      app.add_subcommand("completion", "Completion of commands and options for a shell: bash or zsh");
   const auto shell = std::make_shared<std::string>("bash");
   completion->add_option("shell", *shell, "bash (default) or zsh")->check(CLI::IsMember({"bash", "zsh"}));
   completion->footer("Example:\n  source <(kestrune completion bash)");

@@ -134,12 +134,12 @@ void add_once(std::vector<std::string>& notes, const std::string& note) {
 
 // Limits of the model, remarks on states, and the water of gases.
 std::vector<std::string> notes_of(const StateReport& report) {
-  std::vector<std::string> notes;
+  std::vector<std::string> notes, limits;
   bool saturation = false;
   for (const Equilibrium& s : report.states) {
     if (!s.remark.empty()) add_once(notes, s.remark);
     for (const PhaseState& p : s.phases) {
-      for (const auto limit : model_limits(report.mixture, p)) add_once(notes, std::string(limit));
+      for (const auto limit : model_limits(report.mixture, p)) add_once(limits, std::string(limit));
       const double water = water_in(report.mixture, p);
       if (std::fabs(p.saturation / water - 1.0) <= kSameWater || std::isnan(p.saturation)) continue;
       if (report.states.size() == 1)
@@ -149,6 +149,7 @@ std::vector<std::string> notes_of(const StateReport& report) {
     }
   }
   if (saturation) notes.emplace_back(kSaturationText);
+  notes.insert(notes.end(), limits.begin(), limits.end());
   return notes;
 }
 
