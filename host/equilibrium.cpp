@@ -208,7 +208,8 @@ std::string phases_in_words(const Equilibrium& state) {
   }
   const std::string names = fmt::format("{}: {}", present.size(), joined(present, " + "));
   if (!incipient.empty()) return names + ", incipient " + joined(incipient, " + ");
-  const bool both = present.size() == 2 && state.phases.back().kind == PhaseKind::liquid;
+  const bool both = present.size() == 2 && state.phases.front().kind == PhaseKind::vapour &&
+                    state.phases.back().kind == PhaseKind::liquid;
   return both && !state.three && state.stable ? "two-phase" : names;
 }
 
@@ -219,8 +220,8 @@ Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double 
   if (!s.answered()) return s;
   if (s.beta > 0.0 || s.of_fraction()) add_phase(library, mixture, PhaseKind::vapour, s.beta, s.y, s);
   if (s.beta < 1.0 || s.of_fraction()) add_liquids(library, mixture, s);
-  rename_dense_gas(library, mixture, s);
   add_overall(library, mixture, s);
+  rename_dense_gas(library, mixture, s);
   return s;
 }
 

@@ -39,7 +39,7 @@ struct Equilibrium {
   double T, P;                   // K, Pa; NaN where it was asked for and there is no answer
   bool flashed;                  // false: the mixture was taken as one phase, without asking whether it is
   StatusCode status;
-  double beta;                     // vapour fraction, mole
+  double beta;                     // vapour fraction, mole; 0 beside a dense fluid
   std::vector<double> x, y, K;     // as the library left them; x is all liquid, free water included
   double last_T;                   // K, of these
   std::vector<PhaseState> phases;  // in the order of PhaseKind, with the incipient ones; none without an answer

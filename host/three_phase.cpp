@@ -89,8 +89,8 @@ Equilibrium flash_of_three(const Exports& library, Mixture& mixture, Given given
   if (s.beta > 0.0 || (s.of_fraction() && has_entries(s.y)))
     add_phase(library, mixture, PhaseKind::vapour, s.beta, s.y, s);
   add_liquids(library, mixture, s);
-  rename_dense_gas(library, mixture, s);
   add_overall(library, mixture, s);
+  rename_dense_gas(library, mixture, s);
   return s;
 }
 

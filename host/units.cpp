@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <span>
 
@@ -247,9 +248,11 @@ UnitSystem unit_system(std::string_view name) {
 std::string exact(double base, const Unit& unit, double molar_mass) {
   if (!std::isfinite(base)) return "";
   const double value = unit.from_base(base, molar_mass);
-  for (int digits = 6; digits < 17; ++digits) {
-    const std::string text = fmt::format("{:.{}g}", value, digits);
-    const double read = parse_number(text).value_or(value);
+  for (const int digits : {12, 15, 16}) {  // what was typed; what rounding of the conversion leaves
+    char text[40];
+    const auto end = fmt::format_to_n(text, sizeof text, "{:.{}g}", value, digits).out;
+    double read = value;
+    std::from_chars(text, end, read);
     if (unit.to_base(read, molar_mass) == base) return fmt::format("{}", read);
   }
   return fmt::format("{}", value);

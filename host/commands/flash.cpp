@@ -173,7 +173,7 @@ void print_flash(const StateReport& r, bool details, std::ostream& out) {
   const bool summary = r.states.size() > 1;
   if (summary) {
     out << '\n';
-    const auto three = [](const Equilibrium& s) { return s.three; };
+    const auto three = [](const Equilibrium& s) { return s.three || s.phase(PhaseKind::dense) != nullptr; };
     if (std::any_of(r.states.begin(), r.states.end(), three))
       print_summary_of_three(r, out);
     else

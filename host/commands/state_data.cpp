@@ -135,7 +135,7 @@ ordered_json state_json(const Mixture& m, const Equilibrium& s) {
     add_three_phases(m, s, root);
     return root;
   }
-  if (s.beta == 0.0 || s.beta == 1.0) {
+  if ((s.beta == 0.0 || s.beta == 1.0) && s.phase(PhaseKind::dense) == nullptr) {
     const bool gas = s.beta == 1.0;
     root["incipient_phase"] = {{"phase", gas ? "liquid" : "vapour"},
                                {"composition", by_component(m, gas ? s.x : s.y)}};
