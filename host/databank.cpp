@@ -55,7 +55,7 @@ namespace {
 
 // The part of a text that can be a name, and what stands behind it.
 std::string_view name_part(std::string_view text) {
-  constexpr std::string_view inner = " -_,.'()/";  // between letters and digits
+  constexpr std::string_view inner = " -_,.'()";  // between letters and digits
   std::size_t end = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char c = text[i];
@@ -71,8 +71,7 @@ std::string_view name_part(std::string_view text) {
 void refuse_more_than_a_name(std::string_view name) {
   const std::string_view whole = trimmed(name), part = name_part(whole);
   std::string_view rest = whole.substr(part.size());
-  if (rest == "_") return;
-  if (part.empty() || rest.empty()) return;
+  if (rest.empty() || search_key(whole).empty()) return;
   const auto found = exact_matches(search_key(part));
   const std::string known = found.size() == 1 ? std::string(found.front()->name) : std::string(part);
   std::string advice = fmt::format("write {} for that component", known);

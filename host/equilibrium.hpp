@@ -83,6 +83,9 @@ Equilibrium flash_of_three(const Exports& library, Mixture& mixture, Given given
 
 // As many phases as there are: the flash of three, and where it has no answer that of two, looked at from all sides.
 Equilibrium flash_of_all(const Exports& library, Mixture& mixture, Given given, double first, double second);
+// The flash of three phases with what there is to say of its answer.
+Equilibrium flash_of_up_to_three(const Exports& library, Mixture& mixture, Given given, double first,
+                                 double second);
 // The flash of two phases; one beside which a flash of three finds something lower is not stable.
 Equilibrium flash_of_two(const Exports& library, Mixture& mixture, Given given, double first, double second);
 

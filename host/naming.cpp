@@ -78,7 +78,8 @@ void rename_dense_gas(const Exports& library, const Mixture& mixture, Equilibriu
     const Component& c = mixture.components[i];
     b += gas.x[i] * 0.0778 * kGasConstant82 * c.Tc / (c.Pc / kAtmInPa);
   }
-  if (!(gas.properties[Property::molar_volume] < packed * b) || !is_dense(library, mixture, gas.x, state.T)) return;
+  if (!(gas.properties[Property::molar_volume] < packed * b) || !is_dense(library, mixture, gas.x, state.T))
+    return;
   gas.kind = PhaseKind::dense;
   state.beta = 0.0;
 }

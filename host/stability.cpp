@@ -92,6 +92,14 @@ Equilibrium flash_of_two(const Exports& library, Mixture& mixture, Given given, 
   return s;
 }
 
+Equilibrium flash_of_up_to_three(const Exports& library, Mixture& mixture, Given given, double first,
+                                 double second) {
+  Equilibrium s = flash_of_three(library, mixture, given, first, second);
+  look_for_bounds(library, mixture, s);
+  note_saturation(library, mixture, s);
+  return s;
+}
+
 Equilibrium flash_of_all(const Exports& library, Mixture& mixture, Given given, double first, double second) {
   Equilibrium s = flash_of_three(library, mixture, given, first, second);
   if (!s.answered() && s.status != KV_FOURTH_PHASE) {

@@ -86,6 +86,11 @@ int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err
     app.set_version_flag("--version", version_text());
     app.add_option("--library", session.library_path,
                    "Calculation library to use (default: the one beside the program)");
+    app.footer(
+        "Examples:\n"
+        "  kestrune flash --z methane=0.85,ethane=0.09,propane=0.04,nC4=0.02 -T -60 C -P 40 bar\n"
+        "  kestrune props --z methane=0.9,ethane=0.1 -T 20 C -P 60 barg\n"
+        "kestrune COMMAND --help has more, kestrune man all of it.");
     app.require_subcommand(1);
     app.fallthrough();
     add_flash_command(app, session);

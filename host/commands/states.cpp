@@ -48,7 +48,7 @@ Evaluate StateOptions::flash() const {
     if (number == "2") throw InputError("--water-model saturation looks for all phases: no --phases 2");
     return flash_with_saturation;
   }
-  return number == "2" ? flash_of_two : number == "3" ? flash_of_three : flash_of_all;
+  return number == "2" ? flash_of_two : number == "3" ? flash_of_up_to_three : flash_of_all;
 }
 
 void report_states(const StateOptions& options, Session& session, const Evaluate& evaluate,
