@@ -61,7 +61,7 @@ def check_page(page, folder):
 
 def check_options(text, folder):
     """Every option of every command in the text about it."""
-    commands = re.findall(r"^  (\w+) +\S", run("kestrune --help", folder).stdout.split("Subcommands:")[1], re.M)
+    commands = re.findall(r"^  (\w+) +\S", run("kestrune --help", folder).stdout.split("Subcommands:")[1].split("Examples:")[0], re.M)
     common = text.split("\n## kestrune ")[0]
     known = {"--help", "--version", "--library"}
     for command in commands:
