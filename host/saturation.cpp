@@ -74,7 +74,7 @@ Equilibrium flash_with_saturation(const Exports& library, Mixture& mixture, Give
   const bool water = aqueous == nullptr || aqueous->x[w] > kPureEnough;
   std::vector<double> of_gas = moles(gas, count), of_liquid = moles(aqueous, count);
   if (!water || !part(library, mixture, s, of_gas, of_liquid)) {
-    s.remark = water ? "no limit of saturation here: water by the group interactions"
+    s.remark = water ? "no saturation of the gas was found here: water by the group interactions"
                      : "the aqueous liquid is not water alone: water by the group interactions";
     return s;
   }

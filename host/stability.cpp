@@ -26,6 +26,11 @@ void hold_against_three(const Exports& library, Mixture& mixture, Equilibrium& s
   constexpr double tolerance = 1e-6;  // of RT
   if (!has_value(s.status) || (mixture.record.flags & FreeWaterFlag) != 0) return;
   const Equilibrium three = flash_of_three(library, mixture, Given::TP, s.T, s.P);
+  if (three.status == KV_FOURTH_PHASE) {
+    s.stable = false;
+    s.remark = "not stable: there are four phases, which no flash returns";
+    return;
+  }
   if (!three.answered()) {
     s.remark = fmt::format("not confirmed: the flash of three phases ended with status {}", three.status);
     return;

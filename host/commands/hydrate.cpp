@@ -160,8 +160,9 @@ std::vector<double> percents(const HydrateOptions& options, const Exports& libra
   if (options.percent.empty() && options.depression.empty()) return {0.0};
   if (inhibitor.kind == 0) throw InputError("--percent and --depression need an --inhibitor");
   const bool given = options.depression.empty();
-  std::vector<double> values =
-      parse_conditions(Quantity::ratio, given ? options.percent : options.depression, plain);
+  std::string text = given ? options.percent : options.depression;
+  text.erase(std::remove(text.begin(), text.end(), given ? '%' : 'K'), text.end());
+  std::vector<double> values = parse_conditions(Quantity::ratio, text, plain);
   for (double& v : values) {
     if (!(v >= 0.0)) throw InputError(fmt::format("{:g} {} of inhibitor", v, given ? "%" : "K"));
     const double depression = v;
