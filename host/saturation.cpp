@@ -33,11 +33,8 @@ std::vector<double> over(std::vector<double> n, double total) {
 bool part(const Exports& library, Mixture& mixture, const Equilibrium& s, std::vector<double>& gas,
           std::vector<double>& liquid) {
   const std::size_t w = water_of(mixture);
-  const std::vector<double> both = [&] {
-    std::vector<double> n(gas);
-    for (std::size_t i = 0; i < n.size(); ++i) n[i] += liquid[i];
-    return n;
-  }();
+  std::vector<double> both(gas);
+  for (std::size_t i = 0; i < both.size(); ++i) both[i] += liquid[i];
   const std::vector<double> dissolved =
       liquid[w] > 0.0 ? over(liquid, liquid[w]) : std::vector<double>(gas.size());
   for (int pass = 0; pass < 50; ++pass) {
@@ -88,6 +85,11 @@ Equilibrium flash_with_saturation(const Exports& library, Mixture& mixture, Give
   if (B > 0.0) add_phase(library, mixture, PhaseKind::aqueous_liquid, B, over(of_liquid, B), s);
   s.phases.front().saturation = saturated_water(library, mixture, T, P, s.phases.front().x);
   s.beta = kind == PhaseKind::vapour ? V : 0.0;
+  const PhaseState& wet = s.phases.front();
+  if (B > 0.0 && !(std::fabs(wet.x[w] - wet.saturation) <= 1e-9 * wet.saturation)) {
+    s.stable = false;
+    s.remark = "not stable: the water of the gas did not come to its saturation";
+  }
   add_overall(library, mixture, s);
   return s;
 }
