@@ -29,7 +29,9 @@ void add_liquids(const Exports& library, const Mixture& mixture, Equilibrium& st
   if (!parted || state.x[w] <= s) {
     const bool dense =
         !(state.beta > 0.0) && !state.of_fraction() && is_dense(library, mixture, state.x, state.T);
-    const PhaseKind kind = dense ? PhaseKind::dense : PhaseKind::liquid;
+    const PhaseKind kind = dense                          ? PhaseKind::dense
+                           : is_aqueous(mixture, state.x) ? PhaseKind::aqueous_liquid
+                                                          : PhaseKind::liquid;
     return add_phase(library, mixture, kind, fraction, state.x, state);
   }
   if (state.x[w] > kWaterRich)
@@ -221,7 +223,7 @@ Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double 
   if (s.beta > 0.0 || s.of_fraction()) add_phase(library, mixture, PhaseKind::vapour, s.beta, s.y, s);
   if (s.beta < 1.0 || s.of_fraction()) add_liquids(library, mixture, s);
   add_overall(library, mixture, s);
-  rename_dense_gas(library, mixture, s);
+  rename_packed_gas(library, mixture, s);
   return s;
 }
 

@@ -28,8 +28,8 @@ bool is_dense(const Exports& library, const Mixture& mixture, const std::vector<
 PhaseKind liquid_kind(const Exports& library, const Mixture& mixture, const Equilibrium& state,
                       const std::vector<double>& x, bool alone);
 
-// A gas that is packed like a liquid and has no liquid but water beside it is a dense fluid too.
-void rename_dense_gas(const Exports& library, const Mixture& mixture, Equilibrium& state);
+// A gas that is packed like a liquid and has no liquid but water beside it is a dense fluid or a liquid.
+void rename_packed_gas(const Exports& library, const Mixture& mixture, Equilibrium& state);
 
 // Water of the gas at saturation as a mole fraction; NaN where there is no such limit.
 double saturated_water(const Exports& library, Mixture& mixture, double T, double P,

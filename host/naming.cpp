@@ -67,8 +67,9 @@ PhaseKind liquid_kind(const Exports& library, const Mixture& mixture, const Equi
   return polar_share(mixture, mixture.z) > 0.0 ? PhaseKind::hydrocarbon_liquid : PhaseKind::liquid;
 }
 
-void rename_dense_gas(const Exports& library, const Mixture& mixture, Equilibrium& state) {
-  constexpr double kGasConstant82 = 82.057e-6, packed = 3.9514;  // m3 atm/(mol K); v/b of the critical point
+void rename_packed_gas(const Exports& library, const Mixture& mixture, Equilibrium& state) {
+  constexpr double kGas = 82.057e-6, kOmegaB = 0.0778;  // m3 atm/(mol K)
+  constexpr double packed = 3.9514;                     // v/b of the critical point of the equation of state
   const auto other = [](const PhaseState& p) { return p.kind != PhaseKind::vapour && !p.aqueous; };
   if (state.of_fraction() || state.phases.empty() || state.phases.front().kind != PhaseKind::vapour) return;
   if (std::any_of(state.phases.begin(), state.phases.end(), other)) return;
@@ -76,11 +77,16 @@ void rename_dense_gas(const Exports& library, const Mixture& mixture, Equilibriu
   double b = 0.0;
   for (std::size_t i = 0; i < gas.x.size(); ++i) {
     const Component& c = mixture.components[i];
-    b += gas.x[i] * 0.0778 * kGasConstant82 * c.Tc / (c.Pc / kAtmInPa);
+    b += gas.x[i] * kOmegaB * kGas * c.Tc / (c.Pc / kAtmInPa);
   }
-  if (!(gas.properties[Property::molar_volume] < packed * b) || !is_dense(library, mixture, gas.x, state.T))
-    return;
-  gas.kind = PhaseKind::dense;
+  if (!(gas.properties[Property::molar_volume] < packed * b)) return;
+  gas.kind = liquid_kind(library, mixture, state, gas.x, true);
+  if (gas.kind == PhaseKind::free_water) gas.kind = PhaseKind::vapour;
+  if (gas.kind == PhaseKind::vapour) return;
+  if (gas.kind != PhaseKind::dense) {
+    gas.properties = phase_properties(library, mixture, gas.kind, state.T, state.P, gas.x, gas.molar_mass);
+    gas.aqueous = is_aqueous(mixture, gas.x);
+  }
   state.beta = 0.0;
 }
 

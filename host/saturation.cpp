@@ -86,7 +86,7 @@ Equilibrium flash_with_saturation(const Exports& library, Mixture& mixture, Give
   s.phases.front().saturation = saturated_water(library, mixture, T, P, s.phases.front().x);
   s.beta = kind == PhaseKind::vapour ? V : 0.0;
   const PhaseState& wet = s.phases.front();
-  if (B > 0.0 && !(std::fabs(wet.x[w] - wet.saturation) <= 1e-9 * wet.saturation)) {
+  if (B > 0.0 && !(std::fabs(wet.x[w] - wet.saturation) <= 1e-6 * wet.saturation)) {
     s.stable = false;
     s.remark = "not stable: the water of the gas did not come to its saturation";
   }

@@ -11,7 +11,11 @@ namespace kestrune::host {
 
 namespace {
 
-constexpr double kGasConstantSI = 8.314462618;  // J/(mol K)
+constexpr double kSameG = 1e-6 * 8.314462618;  // J/(mol K): free enthalpies apart by less are the same
+
+double free_enthalpy(const Equilibrium& s) {
+  return s.overall.properties[Property::free_enthalpy];
+}
 
 std::vector<std::string> names_of(const Equilibrium& s) {
   std::vector<std::string> names;
@@ -23,7 +27,6 @@ std::vector<std::string> names_of(const Equilibrium& s) {
 // Holds a flash of two phases against that of three at its temperature and pressure. With free water the two go by
 // different rules and are not compared.
 void hold_against_three(const Exports& library, Mixture& mixture, Equilibrium& s) {
-  constexpr double tolerance = 1e-6;  // of RT
   if (!has_value(s.status) || (mixture.record.flags & FreeWaterFlag) != 0) return;
   const Equilibrium three = flash_of_three(library, mixture, Given::TP, s.T, s.P);
   if (three.status == KV_FOURTH_PHASE) {
@@ -36,9 +39,8 @@ void hold_against_three(const Exports& library, Mixture& mixture, Equilibrium& s
     return;
   }
   const auto names = names_of(three);
-  const double gap =
-      s.overall.properties[Property::free_enthalpy] - three.overall.properties[Property::free_enthalpy];
-  const bool more = names.size() > 2, lower = gap > tolerance * kGasConstantSI * s.T;
+  const double gap = free_enthalpy(s) - free_enthalpy(three);
+  const bool more = names.size() > 2, lower = gap > kSameG * s.T;
   if (!lower && !(more && std::isnan(gap))) return;
   s.stable = false;
   s.remark = fmt::format("not stable{}: --phases 3 finds {}", more ? ", a third phase is missing" : "",
@@ -111,6 +113,10 @@ Equilibrium flash_of_all(const Exports& library, Mixture& mixture, Given given, 
     Equilibrium two = flash(library, mixture, given, first, second);
     hold_against_three(library, mixture, two);
     if (two.answered() && two.stable) s = two;
+  } else if (s.answered() && given == Given::TP && (mixture.record.flags & FreeWaterFlag) == 0) {
+    // A state of three phases that lies above one of two is none.
+    const Equilibrium two = flash(library, mixture, given, first, second);
+    if (has_value(two.status) && free_enthalpy(two) < free_enthalpy(s) - kSameG * s.T) s = two;
   }
   look_for_bounds(library, mixture, s);
   note_saturation(library, mixture, s);

@@ -90,7 +90,7 @@ Equilibrium flash_of_three(const Exports& library, Mixture& mixture, Given given
     add_phase(library, mixture, PhaseKind::vapour, s.beta, s.y, s);
   add_liquids(library, mixture, s);
   add_overall(library, mixture, s);
-  rename_dense_gas(library, mixture, s);
+  rename_packed_gas(library, mixture, s);
   return s;
 }
 

@@ -46,35 +46,8 @@ std::vector<std::string> first_fields(const StateReport& r, const Equilibrium& s
   return row;
 }
 
+// A column for the fraction and one for the density of every phase that some state has.
 void print_summary(const StateReport& r, std::ostream& out) {
-  const bool water = (r.mixture.record.flags & FreeWaterFlag) != 0;
-  const std::string_view density = r.units[Quantity::density].name;
-  std::vector<std::string> headings = first_headings(r);
-  if (water) headings.emplace_back("free water mol");
-  headings.insert(headings.end(), {"Z vapour", "Z liquid", fmt::format("{} vap", density),
-                                   fmt::format("{} liq", density), "status"});
-  Table table(headings, std::string(of_energy(r) ? "r" : "") + (water ? "rrlrrrrrrl" : "rrlrrrrrl"));
-  for (const Equilibrium& s : r.states) {
-    const auto of = [&](PhaseKind kind, Property property, const Unit& unit, int decimals) -> std::string {
-      const PhaseState* p = s.phase(kind);
-      return p == nullptr ? "-" : shown_fixed(unit.from_base(p->properties[property]), decimals);
-    };
-    std::vector<std::string> row = first_fields(r, s);
-    const PhaseState* free_water = s.phase(PhaseKind::free_water);
-    if (water) row.push_back(free_water == nullptr ? "-" : shown_fixed(free_water->mole_fraction, 6));
-    for (const auto& [property, decimals] : {std::pair{Property::Z, 5}, {Property::density, 3}}) {
-      const Unit& unit = r.units[property == Property::Z ? Quantity::ratio : Quantity::density];
-      row.push_back(of(PhaseKind::vapour, property, unit, decimals));
-      row.push_back(of(PhaseKind::liquid, property, unit, decimals));
-    }
-    row.push_back(short_status(r, s));
-    table.add(row);
-  }
-  table.print(out);
-}
-
-// Of up to three phases: a column for the fraction and one for the density of every phase that some state has.
-void print_summary_of_three(const StateReport& r, std::ostream& out) {
   const Unit& density = r.units[Quantity::density];
   std::vector<PhaseKind> kinds;
   for (std::size_t k = 0; k < kPhaseKindCount; ++k) {
@@ -117,7 +90,7 @@ void print_composition(const StateReport& r, const Equilibrium& s, std::ostream&
   std::vector<const PhaseState*> divisors;
   for (std::size_t p = 1; p < columns; ++p) {
     const PhaseState& phase = s.phases[p];
-    if (!s.three && phase.kind != PhaseKind::liquid) continue;
+    if (!s.three && phase.kind == PhaseKind::free_water) continue;
     divisors.push_back(&phase);
     const bool plain = columns == 2 && s.phases[0].kind == PhaseKind::vapour && phase.kind == PhaseKind::liquid;
     headings.push_back(s.three && !plain ? fmt::format("{}/{}", short_phase_name(s.phases[0].kind),
@@ -173,11 +146,7 @@ void print_flash(const StateReport& r, bool details, std::ostream& out) {
   const bool summary = r.states.size() > 1;
   if (summary) {
     out << '\n';
-    const auto three = [](const Equilibrium& s) { return s.three || s.phase(PhaseKind::dense) != nullptr; };
-    if (std::any_of(r.states.begin(), r.states.end(), three))
-      print_summary_of_three(r, out);
-    else
-      print_summary(r, out);
+    print_summary(r, out);
   }
   for (const Equilibrium& s : r.states) {
     if (summary && !details) break;
