@@ -3,14 +3,19 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <filesystem>
 #include <fstream>
 
 #include "error.hpp"
 
 #ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
 #define KESTRUNE_POPEN _popen
 #define KESTRUNE_PCLOSE _pclose
 #define KESTRUNE_PIPE_MODE "wb"
@@ -61,6 +66,8 @@ Frame frame_of(const Chart& c) {
   Frame f{c.x_low, c.x_high, c.y_low, c.y_high, 0.0, 0.0};
   f.x_step = round_range(f.x_low, f.x_high);
   f.y_step = round_range(f.y_low, f.y_high);
+  if (c.x_exact) f.x_low = c.x_low, f.x_high = c.x_high;
+  if (c.y_exact) f.y_low = c.y_low, f.y_high = c.y_high;
   return f;
 }
 
@@ -71,13 +78,15 @@ void add_text(std::string& out, double x, double y, const char* anchor, int size
 }
 
 void add_axes(std::string& out, const Chart& chart, const Frame& f) {
-  for (int k = 0; f.x_low + k * f.x_step <= f.x_high + 0.01 * f.x_step; ++k) {
-    const double v = f.x_low + k * f.x_step, x = f.x(v);
+  const double x_first = f.x_step * std::ceil(f.x_low / f.x_step - 1e-9);
+  const double y_first = f.y_step * std::ceil(f.y_low / f.y_step - 1e-9);
+  for (int k = 0; x_first + k * f.x_step <= f.x_high + 0.01 * f.x_step; ++k) {
+    const double v = x_first + k * f.x_step, x = f.x(v);
     out += fmt::format("<path class=\"grid\" d=\"M{:.1f} {:.1f}V{:.1f}\"/>\n", x, kTop, kBottom);
     add_text(out, x, kBottom + 20, "middle", 13, tick_text(v, f.x_step));
   }
-  for (int k = 0; f.y_low + k * f.y_step <= f.y_high + 0.01 * f.y_step; ++k) {
-    const double v = f.y_low + k * f.y_step, y = f.y(v);
+  for (int k = 0; y_first + k * f.y_step <= f.y_high + 0.01 * f.y_step; ++k) {
+    const double v = y_first + k * f.y_step, y = f.y(v);
     out += fmt::format("<path class=\"grid\" d=\"M{:.1f} {:.1f}H{:.1f}\"/>\n", kLeft, y, kRight);
     add_text(out, kLeft - 8, y + 4.5, "end", 13, tick_text(v, f.y_step));
   }
@@ -238,28 +247,54 @@ std::string gnuplot_script(const Chart& chart, const std::string& file) {
   return number > 0 ? out + data + plots + "\n" : out;
 }
 
-void write_svg(const Chart& chart, const std::string& file) {
+namespace {
+
+// Says why a file cannot be written, if so.
+void check_path(const std::string& file) {
+  const bool there = static_cast<bool>(std::ifstream(file));
+  errno = 0;
+  const std::ofstream probe(file, std::ios::binary | std::ios::app);
+  if (!probe) throw InputError(fmt::format("cannot write the picture {}: {}", file, std::strerror(errno)));
+  if (!there) std::remove(file.c_str());
+}
+
+bool run_gnuplot(const std::string& script) {
+  std::FILE* pipe = KESTRUNE_POPEN((std::string("gnuplot") + kNowhere).c_str(), KESTRUNE_PIPE_MODE);
+  if (pipe == nullptr) return false;
+  const bool written = std::fwrite(script.data(), 1, script.size(), pipe) == script.size();
+  return KESTRUNE_PCLOSE(pipe) == 0 && written;
+}
+
+}  // namespace
+
+void write_svg(const Chart& chart, const std::string& file, std::ostream& stream) {
+  if (file == "-") {
+    stream << svg_of(chart);
+    return;
+  }
+  check_path(file);
   std::ofstream out(file, std::ios::binary);
   out << svg_of(chart);
   out.close();
-  if (!out) throw InputError(fmt::format("cannot write the picture {}", file));
+  if (!out) throw InputError(fmt::format("cannot write the picture {}: {}", file, std::strerror(errno)));
 }
 
-void write_png(const Chart& chart, const std::string& file) {
-  const std::string script = gnuplot_script(chart, file);
+void write_png(const Chart& chart, const std::string& file, std::ostream& stream) {
+  const bool to_stream = file == "-";
+  const std::string path =
+      to_stream ? (std::filesystem::temp_directory_path() / "kestrune_picture.png").string() : file;
+  check_path(path);
   // Without the program the pipe would break under the script.
-  bool good = std::system((std::string("gnuplot --version") + kNowhere).c_str()) == 0;
-  if (good) {
-    std::FILE* pipe = KESTRUNE_POPEN((std::string("gnuplot") + kNowhere).c_str(), KESTRUNE_PIPE_MODE);
-    if (pipe == nullptr) throw InputError("cannot start gnuplot");
-    good = std::fwrite(script.data(), 1, script.size(), pipe) == script.size();
-    good = KESTRUNE_PCLOSE(pipe) == 0 && good;
-  }
-  if (!good || !std::ifstream(file)) {
-    throw InputError(fmt::format(
-        "cannot write the picture {}: PNG needs gnuplot with its pngcairo terminal; --svg needs nothing",
-        file));
-  }
+  if (std::system((std::string("gnuplot --version") + kNowhere).c_str()) != 0)
+    throw InputError("PNG is drawn by gnuplot, which is not installed; --svg needs nothing");
+  if (!run_gnuplot(gnuplot_script(chart, path)) || !std::ifstream(path))
+    throw InputError(fmt::format("gnuplot failed to write {}: its pngcairo terminal is needed", path));
+  if (!to_stream) return;
+#ifdef _WIN32
+  _setmode(_fileno(stdout), _O_BINARY);
+#endif
+  stream << std::ifstream(path, std::ios::binary).rdbuf();
+  std::remove(path.c_str());
 }
 
 }  // namespace kestrune::host

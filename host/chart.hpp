@@ -1,6 +1,7 @@
 // A chart of lines and marks over two linear axes, drawn as SVG by this program and as PNG by gnuplot.
 #pragma once
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@ struct ChartLine {
   double width = 2.0;
   bool dashed = false;
   std::vector<double> x, y;
+  bool sets_axes = true;  // the range that is shown holds it
 };
 
 enum class Mark { disc, triangle, square, cross };
@@ -26,6 +28,7 @@ struct ChartMark {
 struct Chart {
   std::string title, x_title, y_title;
   double x_low = 0.0, x_high = 1.0, y_low = 0.0, y_high = 1.0;  // what is shown; lines are cut there
+  bool x_exact = false, y_exact = false;                        // else widened to whole steps
   std::vector<ChartLine> lines;
   std::vector<ChartMark> marks;
 };
@@ -40,9 +43,9 @@ std::string svg_of(const Chart& chart);
 // The script with which gnuplot writes the picture to a PNG file.
 std::string gnuplot_script(const Chart& chart, const std::string& file);
 
-// Writes the picture: by svg_of, or by gnuplot. InputError when the file cannot be written or gnuplot is
-// missing.
-void write_svg(const Chart& chart, const std::string& file);
-void write_png(const Chart& chart, const std::string& file);
+// Writes the picture: by svg_of, or by gnuplot; "-" is the stream. InputError that says why a file cannot be written, or
+// that gnuplot is missing.
+void write_svg(const Chart& chart, const std::string& file, std::ostream& out);
+void write_png(const Chart& chart, const std::string& file, std::ostream& out);
 
 }  // namespace kestrune::host

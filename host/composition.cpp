@@ -52,12 +52,38 @@ double json_amount(const std::string& name, const ordered_json& value) {
   throw InputError(fmt::format("the amount of {} must be a number", name));
 }
 
-// The amount of an entry of a component list, whatever of the usual words it goes by.
-const ordered_json& list_amount(const std::string& name, const ordered_json& entry) {
-  for (const char* key : {"amount", "fraction", "z", "percent"}) {
-    if (entry.contains(key)) return entry[key];
+// The amount of an entry of a component list, whatever of the usual words it goes by. Nothing else is in it.
+double list_amount(const std::string& name, const ordered_json& entry) {
+  std::string found;
+  double amount = 0.0;
+  for (const auto& [key, value] : entry.items()) {
+    if (key == "name") continue;
+    if (key != "amount" && key != "fraction" && key != "z" && key != "percent")
+      throw InputError(fmt::format("\"{}\" of {} is not understood: an entry has name and amount", key, name));
+    if (!found.empty())
+      throw InputError(fmt::format("{} has two amounts, \"{}\" and \"{}\"", name, found, key));
+    found = key;
+    amount = json_amount(name, value) * (key == "percent" ? 0.01 : 1.0);
   }
-  throw InputError(fmt::format("the list entry of {} has no \"amount\"", name));
+  if (found.empty()) throw InputError(fmt::format("the list entry of {} has no \"amount\"", name));
+  return amount;
+}
+
+// Objects of JSON whose keys are all different. A parser keeps one of two, and the other goes unread.
+ordered_json parse_json(std::string_view text) {
+  std::vector<std::vector<std::string>> open;
+  return ordered_json::parse(text, [&open](int, ordered_json::parse_event_t event, ordered_json& value) {
+    if (event == ordered_json::parse_event_t::object_start) open.emplace_back();
+    if (event == ordered_json::parse_event_t::object_end) open.pop_back();
+    if (event == ordered_json::parse_event_t::key) {
+      const std::string key = value;
+      std::vector<std::string>& keys = open.back();
+      if (std::find(keys.begin(), keys.end(), key) != keys.end())
+        throw InputError(fmt::format("\"{}\" is given twice", key));
+      keys.push_back(key);
+    }
+    return true;
+  });
 }
 
 void read_json_components(const ordered_json& components, Composition& composition) {
@@ -71,7 +97,7 @@ void read_json_components(const ordered_json& components, Composition& compositi
       throw InputError("every entry of \"components\" must have a \"name\" and an \"amount\"");
     }
     const std::string name = entry["name"];
-    composition.add(name, json_amount(name, list_amount(name, entry)));
+    composition.add(name, list_amount(name, entry));
   }
 }
 
@@ -146,7 +172,7 @@ void read_lines(std::string_view text, Composition& composition) {
 void read_json(std::string_view text, Composition& composition) {
   ordered_json root;
   try {
-    root = ordered_json::parse(text);
+    root = parse_json(text);
   } catch (const ordered_json::exception& e) {
     throw InputError(fmt::format("not valid JSON: {}", e.what()));
   }

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cctype>
 #include <utility>
 
 #include "error.hpp"
@@ -50,7 +51,43 @@ std::vector<std::string_view> aliases_of(const Component& component) {
   return names;
 }
 
+namespace {
+
+// The part of a text that can be a name, and what stands behind it.
+std::string_view name_part(std::string_view text) {
+  constexpr std::string_view inner = " -_,.'()";  // between letters and digits
+  std::size_t end = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (std::isalnum(static_cast<unsigned char>(c)) != 0 || c == ')')
+      end = i + 1;
+    else if (inner.find(c) == std::string_view::npos)
+      break;
+  }
+  return text.substr(0, end);
+}
+
+// "C7+", "C3=", "nC6*": what is not part of a name would be dropped in silence, and another component taken.
+void refuse_more_than_a_name(std::string_view name) {
+  const std::string_view whole = trimmed(name), part = name_part(whole);
+  std::string_view rest = whole.substr(part.size());
+  if (rest.empty() || search_key(whole).empty()) return;
+  const auto found = exact_matches(search_key(part));
+  const std::string known = found.size() == 1 ? std::string(found.front()->name) : std::string(part);
+  std::string advice = fmt::format("write {} for that component", known);
+  if (rest == "+" || rest == "-")
+    advice = fmt::format(
+        "a fraction of several components is written as these, or as one that stands for it ({})", known);
+  else if (rest == "=")
+    advice = fmt::format("write ethylene, propylene or 1-butene for an alkene, {} for that component", known);
+  throw InputError(
+      fmt::format("\"{}\" is not a component: \"{}\" is no part of a name; {}", whole, trimmed(rest), advice));
+}
+
+}  // namespace
+
 const Component& find_component(std::string_view name) {
+  refuse_more_than_a_name(name);
   const std::string key = search_key(name);
   const auto found = key.empty() ? std::vector<const Component*>{} : exact_matches(key);
   if (found.size() == 1) return *found.front();

@@ -13,7 +13,8 @@ namespace kestrune::host {
 std::span<const Component> all_components();
 
 // The component that goes by this name: id, name, common alias, CAS number with or without hyphens, or
-// formula. Case, blanks and punctuation do not matter. InputError with near spellings when there is none,
+// formula. Case, blanks and punctuation between do not matter; what follows a name and is no part of it (C7+, C3=) is
+// refused. InputError with near spellings when there is none,
 // and with the candidates when there are several.
 const Component& find_component(std::string_view name);
 

@@ -26,8 +26,14 @@ void add_liquids(const Exports& library, const Mixture& mixture, Equilibrium& st
   const std::size_t w = water_of(mixture);
   const bool parted = (record.flags & FreeWaterFlag) != 0 && w < state.x.size();
   const double s = std::min(1.0, std::exp(record.solubility_a - record.solubility_b / state.T));
-  if (!parted || state.x[w] <= s)
-    return add_phase(library, mixture, PhaseKind::liquid, fraction, state.x, state);
+  if (!parted || state.x[w] <= s) {
+    const bool dense =
+        !(state.beta > 0.0) && !state.of_fraction() && is_dense(library, mixture, state.x, state.T);
+    const PhaseKind kind = dense                          ? PhaseKind::dense
+                           : is_aqueous(mixture, state.x) ? PhaseKind::aqueous_liquid
+                                                          : PhaseKind::liquid;
+    return add_phase(library, mixture, kind, fraction, state.x, state);
+  }
   if (state.x[w] > kWaterRich)
     return add_phase(library, mixture, PhaseKind::free_water, fraction, state.x, state);
   const double share = (state.x[w] - s) / (1.0 - s);
@@ -120,11 +126,10 @@ std::size_t water_of(const Mixture& mixture) {
 
 void add_phase(const Exports& library, const Mixture& mixture, PhaseKind kind, double fraction,
                const std::vector<double>& x, Equilibrium& state) {
-  const std::size_t w = water_of(mixture);
   PhaseState phase{kind, fraction, 0.0, x, molar_mass_of(mixture, x), {}, false};
   phase.mass_fraction = fraction * phase.molar_mass / mixture.molar_mass;
   phase.properties = phase_properties(library, mixture, kind, state.T, state.P, x, phase.molar_mass);
-  phase.aqueous = kind != PhaseKind::vapour && w < x.size() && x[w] > kAqueous;
+  phase.aqueous = !is_gas(kind) && is_aqueous(mixture, x);
   state.phases.push_back(phase);
 }
 
@@ -169,14 +174,14 @@ const PhaseState* Equilibrium::phase(PhaseKind kind) const {
 }
 
 bool Equilibrium::iterate_left() const {
-  if (!flashed || answered() || of_fraction() || status >= KV_PURE_UNKNOWN) return false;
+  if (!flashed || answered() || of_fraction() || status >= KV_PURE_UNKNOWN || bound.found()) return false;
   return !three || has_entries(y) || has_entries(x) || has_entries(xA);
 }
 
 double Equilibrium::liquid_fraction(bool aqueous) const {
   double sum = 0.0;
   for (const PhaseState& p : phases) {
-    if (p.kind != PhaseKind::vapour && p.aqueous == aqueous) sum += p.mole_fraction;
+    if (!is_gas(p.kind) && p.aqueous == aqueous) sum += p.mole_fraction;
   }
   return sum;
 }
@@ -203,9 +208,11 @@ std::string phases_in_words(const Equilibrium& state) {
   for (const PhaseState& p : state.phases) {
     (p.mole_fraction > 0.0 ? present : incipient).emplace_back(phase_name(p.kind));
   }
-  if (!incipient.empty()) return joined(present, " + ") + ", incipient " + joined(incipient, " + ");
-  const bool both = present.size() == 2 && state.phases.back().kind == PhaseKind::liquid;
-  return both ? "two-phase" : joined(present, " + ");
+  const std::string names = fmt::format("{}: {}", present.size(), joined(present, " + "));
+  if (!incipient.empty()) return names + ", incipient " + joined(incipient, " + ");
+  const bool both = present.size() == 2 && state.phases.front().kind == PhaseKind::vapour &&
+                    state.phases.back().kind == PhaseKind::liquid;
+  return both && !state.three && state.stable ? "two-phase" : names;
 }
 
 Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double first, double second) {
@@ -216,6 +223,7 @@ Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double 
   if (s.beta > 0.0 || s.of_fraction()) add_phase(library, mixture, PhaseKind::vapour, s.beta, s.y, s);
   if (s.beta < 1.0 || s.of_fraction()) add_liquids(library, mixture, s);
   add_overall(library, mixture, s);
+  rename_packed_gas(library, mixture, s);
   return s;
 }
 

@@ -22,7 +22,15 @@ struct PhaseState {
   std::vector<double> x;                // mole fractions
   double molar_mass;                    // g/mol
   PropertyValues properties;
-  bool aqueous;  // a liquid of more than one half water, by mole
+  bool aqueous;  // see is_aqueous
+  // Of a gas that holds water: its water at saturation, by the balance of the command water; else NaN.
+  double saturation = kNone;
+};
+
+// The enthalpy or entropy of the coldest or the hottest state, beyond which the one that was asked for lies.
+struct Bound {
+  double T = kNone, value = kNone;  // K, J/mol or J/(mol K)
+  bool found() const { return value == value; }
 };
 
 struct Equilibrium {
@@ -31,7 +39,7 @@ struct Equilibrium {
   double T, P;                   // K, Pa; NaN where it was asked for and there is no answer
   bool flashed;                  // false: the mixture was taken as one phase, without asking whether it is
   StatusCode status;
-  double beta;                     // vapour fraction, mole
+  double beta;                     // vapour fraction, mole; 0 beside a dense fluid
   std::vector<double> x, y, K;     // as the library left them; x is all liquid, free water included
   double last_T;                   // K, of these
   std::vector<PhaseState> phases;  // in the order of PhaseKind, with the incipient ones; none without an answer
@@ -41,6 +49,10 @@ struct Equilibrium {
   bool three = false;
   double beta_A = 0.0;  // mole fraction of A
   std::vector<double> xA = {};
+
+  bool stable = true;       // false: a state of lower free enthalpy is known
+  std::string remark = {};  // what is to be said of this state beside its status
+  Bound bound = {};         // of a value of H or S that no state has
 
   bool of_fraction() const { return given == Given::WP || given == Given::WT; }
   // A status that comes with phases: one with a value, or a bubble or dew point where the feed is not stable.
@@ -56,8 +68,8 @@ struct Equilibrium {
 // x_i in one phase over x_i in another, K = y/x; NaN where the other has none of the component.
 double ratio(const PhaseState& phase, const PhaseState& other, std::size_t component);
 
-// "two-phase" for vapour and liquid, else the names, "vapour + free water", "liquid, incipient vapour"; "-"
-// without an answer. A flash of up to three phases always has the names.
+// "two-phase" for vapour and liquid, else their number and names, "2: vapour + free water", "1: liquid, incipient
+// vapour"; "-" without an answer. A flash of up to three phases always has the names.
 std::string phases_in_words(const Equilibrium& state);
 
 // The flash of the library from a cold start and the properties of every phase; at vapour fraction 0 or 1 the
@@ -68,6 +80,21 @@ Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double 
 // The same with up to three phases: vapour, hydrocarbon liquid and aqueous liquid (or free water), or two
 // liquids that are both hydrocarbon or both aqueous, the light and the heavy one.
 Equilibrium flash_of_three(const Exports& library, Mixture& mixture, Given given, double first, double second);
+
+// As many phases as there are: the flash of three, and where it has no answer that of two, looked at from all sides.
+Equilibrium flash_of_all(const Exports& library, Mixture& mixture, Given given, double first, double second);
+// The flash of three phases with what there is to say of its answer.
+Equilibrium flash_of_up_to_three(const Exports& library, Mixture& mixture, Given given, double first,
+                                 double second);
+// The flash of two phases; one beside which a flash of three finds something lower is not stable.
+Equilibrium flash_of_two(const Exports& library, Mixture& mixture, Given given, double first, double second);
+
+// --water-model saturation: flash_of_all at T and P, then the gas holds the water that the library's balance of
+// saturation has for it, and the rest of the water is liquid.
+Equilibrium flash_with_saturation(const Exports& library, Mixture& mixture, Given given, double T, double P);
+
+// What the equation of state cannot do, for a phase and its properties; sentences.
+std::vector<std::string_view> model_limits(const Mixture& mixture, const PhaseState& phase);
 
 // The mixture as one phase, vapour or liquid. T in K, P in Pa.
 Equilibrium single_phase_at_TP(const Exports& library, const Mixture& mixture, PhaseKind kind, double T,

@@ -8,11 +8,32 @@
 
 namespace kestrune::host {
 
-inline constexpr double kAqueous = 0.5;       // mole fraction of water above which a liquid is aqueous
+inline constexpr double kAqueous = 0.5;  // share of water, alcohols and glycols above which a liquid is aqueous
+inline constexpr double kSomeWater = 0.01;    // and its least water
 inline constexpr double kWaterRich = 0.9999;  // from here on the library takes a liquid for free water
 
 // Index of water, the number of components without any.
 std::size_t water_of(const Mixture& mixture);
+
+// Water with the alcohols and glycols of the databank, and whether a liquid of it is called aqueous.
+double polar_share(const Mixture& mixture, const std::vector<double>& x);
+bool is_aqueous(const Mixture& mixture, const std::vector<double>& x);
+
+// Whether a phase that is packed like a liquid is hotter than its critical temperature: above that of every component;
+// above that of its critical point; where there is none, without a bubble point.
+bool is_dense(const Exports& library, const Mixture& mixture, const std::vector<double>& x, double T);
+
+// A liquid of a flash of three by what it is, without water, alcohols and glycols in the feed just "liquid"; alone:
+// there is no vapour beside it.
+PhaseKind liquid_kind(const Exports& library, const Mixture& mixture, const Equilibrium& state,
+                      const std::vector<double>& x, bool alone);
+
+// A gas that is packed like a liquid and has no liquid but water beside it is a dense fluid or a liquid.
+void rename_packed_gas(const Exports& library, const Mixture& mixture, Equilibrium& state);
+
+// Water of the gas at saturation as a mole fraction; NaN where there is no such limit.
+double saturated_water(const Exports& library, Mixture& mixture, double T, double P,
+                       const std::vector<double>& gas);
 
 // False for the composition of a phase that is absent.
 inline bool has_entries(const std::vector<double>& x) {

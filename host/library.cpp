@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <cstdlib>
 #include <vector>
 
 #include "error.hpp"
@@ -50,7 +51,14 @@ void* find_symbol(void* handle, const char* name) {
   return reinterpret_cast<void*>(GetProcAddress(reinterpret_cast<HMODULE>(handle), name));
 }
 
+bool open_installed(const char* name) {
+  const char* common = std::getenv("CommonProgramFiles");
+  const std::string installed = std::string(common != nullptr ? common : "") + "\\Tavrin\\Kestrune\\" + name;
+  return LoadLibraryA(installed.c_str()) != nullptr || LoadLibraryA(name) != nullptr;
+}
+
 constexpr const char* kFileName = "KVGasThermo.dll";
+constexpr const char* kSiblings[] = {"KVCmpdPureLite.dll", "KVToolsLite.dll"};
 constexpr char kSeparators[] = "\\/";
 
 #else
@@ -75,10 +83,28 @@ void* find_symbol(void* handle, const char* name) {
   return dlsym(handle, name);
 }
 
+bool open_installed(const char* name) {
+  return dlopen(name, RTLD_NOW | RTLD_LOCAL) != nullptr;
+}
+
 constexpr const char* kFileName = "libKVGasThermo.so";
+constexpr const char* kSiblings[] = {"libKVCmpdPureLite.so", "libKVToolsLite.so"};
 constexpr char kSeparators[] = "/";
 
 #endif
+
+// The siblings that the library needs, looked for as it does: in its own folder, where an installation has them, by
+// their bare names. It cannot go on without them, and says so by ending the program.
+void check_siblings(const std::string& library) {
+  const std::size_t slash = library.find_last_of(kSeparators);
+  const std::string folder = slash == std::string::npos ? std::string() : library.substr(0, slash + 1);
+  for (const char* name : kSiblings) {
+    std::string reason;
+    if (open_file(folder + name, reason) != nullptr || open_installed(name)) continue;
+    throw InputError(fmt::format("{} needs {}, which cannot be loaded ({}). It belongs into the same folder",
+                                 library, name, reason));
+  }
+}
 
 }  // namespace
 
@@ -109,6 +135,7 @@ Exports load_library(const std::string& path) {
         fmt::format("{} is not the calculation library that this program needs; it does not export {}", path,
                     joined(missing, ", ")));
   }
+  check_siblings(path);
   return exports;
 }
 

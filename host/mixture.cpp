@@ -161,7 +161,11 @@ void Mixture::hand_over(const Exports& library) {
   library.ConvertPPR78GroupData(count(), group_count(), counts.data(), A.data(), B.data(), storage.data());
 }
 
-std::vector<std::string> missing_in_words(const Mixture& m) {
+std::vector<std::string> missing_in_words(const Mixture& m, double least) {
+  const auto at = [&m](int i) { return m.z[static_cast<std::size_t>(i)]; };
+  std::vector<MissingPair> pairs;
+  for (const MissingPair& p : m.missing)
+    if (std::min(at(p.component_i), at(p.component_j)) >= least) pairs.push_back(p);
   std::vector<std::string> lines;
   if (m.count() > 1) {
     for (const int i : m.uncovered) {
@@ -169,17 +173,17 @@ std::vector<std::string> missing_in_words(const Mixture& m) {
           fmt::format("{} has no PPR78 groups at all", m.components[static_cast<std::size_t>(i)].name));
     }
   }
-  for (std::size_t p = 0; p < m.missing.size();) {
-    const MissingPair& first = m.missing[p];
+  for (std::size_t p = 0; p < pairs.size();) {
+    const MissingPair& first = pairs[p];
     std::string line = fmt::format("{} / {} (", group_name(first.group_k), group_name(first.group_l));
     for (std::size_t shown = 0;
-         p < m.missing.size() && m.missing[p].group_k == first.group_k && m.missing[p].group_l == first.group_l;
+         p < pairs.size() && pairs[p].group_k == first.group_k && pairs[p].group_l == first.group_l;
          ++p, ++shown) {
       if (shown == 3) line += ", ...";
       if (shown >= 3) continue;
       line += fmt::format("{}{} with {}", shown == 0 ? "" : ", ",
-                          m.components[static_cast<std::size_t>(m.missing[p].component_i)].name,
-                          m.components[static_cast<std::size_t>(m.missing[p].component_j)].name);
+                          m.components[static_cast<std::size_t>(pairs[p].component_i)].name,
+                          m.components[static_cast<std::size_t>(pairs[p].component_j)].name);
     }
     lines.push_back(line + ")");
   }

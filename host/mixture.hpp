@@ -56,6 +56,10 @@ struct Mixture {
 Mixture build_mixture(const Composition& composition, const InteractionSet& set);
 
 // What has no published parameters, one line per item: "CO2 / SH (carbon dioxide with methyl mercaptan)".
-std::vector<std::string> missing_in_words(const Mixture& mixture);
+// Of pairs only those of which both components have at least this mole fraction.
+std::vector<std::string> missing_in_words(const Mixture& mixture, double least = 0.0);
+
+// Below this mole fraction of one of its components a missing pair is taken as zero without being asked to.
+inline constexpr double kTracePair = 0.01;
 
 }  // namespace kestrune::host

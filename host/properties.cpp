@@ -96,15 +96,15 @@ void add_liquid_heat(Call& c, const Volume& volume, PropertyValues& result) {
 }  // namespace
 
 std::string_view phase_name(PhaseKind kind) {
-  constexpr std::string_view names[kPhaseKindCount] = {"vapour",       "liquid",       "hydrocarbon liquid",
-                                                       "light liquid", "heavy liquid", "aqueous liquid",
-                                                       "free water",   "overall"};
+  constexpr std::string_view names[kPhaseKindCount] = {
+      "vapour",         "dense",      "liquid", "hydrocarbon liquid", "light liquid", "heavy liquid",
+      "aqueous liquid", "free water", "overall"};
   return names[static_cast<std::size_t>(kind)];
 }
 
 std::string_view short_phase_name(PhaseKind kind) {
-  constexpr std::string_view names[kPhaseKindCount] = {"vapour", "liquid",  "hydrocarbon", "light",
-                                                       "heavy",  "aqueous", "water",       "overall"};
+  constexpr std::string_view names[kPhaseKindCount] = {"vapour", "dense",   "liquid", "hydrocarbon", "light",
+                                                       "heavy",  "aqueous", "water",  "overall"};
   return names[static_cast<std::size_t>(kind)];
 }
 
@@ -148,13 +148,15 @@ PropertyValues phase_properties(const Exports& library, const Mixture& mixture, 
   PropertyValues result;
   Call call{library, mixture.record, T, P / kAtmInPa, x.data(), molar_mass};
   call.record.trace_flag = 0;
-  if (kind == PhaseKind::vapour) {
+  if (is_gas(kind)) {
     add_volume(call, library.GasDensity_PPR78, result);
     add_gas_only(call, result);
   } else if (kind != PhaseKind::free_water) {
     add_liquid_heat(call, add_volume(call, library.LiquidDensity_PPR78, result), result);
   }
-  const bool gas = kind == PhaseKind::vapour;
+  // With free water the library counts water in whatever it takes for a liquid as liquid water.
+  const bool gas =
+      kind == PhaseKind::vapour || (kind == PhaseKind::dense && (mixture.record.flags & FreeWaterFlag) == 0);
   add_molar(call, gas ? library.GasMolarEnthalpy_PPR78 : library.LiquidMolarEnthalpy_PPR78, Property::enthalpy,
             result);
   add_molar(call, gas ? library.GasMolarEntropy_PPR78 : library.LiquidMolarEntropy_PPR78, Property::entropy,

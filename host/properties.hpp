@@ -11,9 +11,11 @@
 
 namespace kestrune::host {
 
-// In the order in which phases are shown. A flash of two phases has a liquid, one of three names what it is.
+// In the order in which phases are shown. A flash of two phases has a liquid, one of three names what it is. A dense
+// fluid is packed like a liquid above its critical temperature.
 enum class PhaseKind {
   vapour,
+  dense,
   liquid,
   hydrocarbon_liquid,
   light_liquid,
@@ -22,9 +24,14 @@ enum class PhaseKind {
   free_water,
   overall,
 };
-inline constexpr std::size_t kPhaseKindCount = 8;
+inline constexpr std::size_t kPhaseKindCount = 9;
 
-// "vapour", "hydrocarbon liquid", "free water", "overall"; short: "hydrocarbon", "water"
+// What the exports for gases serve.
+inline bool is_gas(PhaseKind kind) {
+  return kind == PhaseKind::vapour || kind == PhaseKind::dense;
+}
+
+// "vapour", "dense", "hydrocarbon liquid", "free water", "overall"; short: "hydrocarbon", "water"
 std::string_view phase_name(PhaseKind kind);
 std::string_view short_phase_name(PhaseKind kind);
 
@@ -80,8 +87,8 @@ struct PropertyValues {
 // The status of a value made of two: the first without a value, else the remark that one of them carries.
 StatusCode combined(StatusCode a, StatusCode b);
 
-// T in K, P in Pa, x mole fractions, molar_mass in g/mol. A vapour has all properties, a liquid has no
-// viscosity, conductivity and normal state, free water has enthalpy, entropy and free enthalpy only, for it
+// T in K, P in Pa, x mole fractions, molar_mass in g/mol. A vapour and a dense fluid
+// have all properties, a liquid has no viscosity, conductivity and normal state, free water has enthalpy, entropy and free enthalpy only, for it
 // does not follow the equation of state. Those of a liquid, with v molar volume and rho density:
 //   Cp = dH/dT, Joule-Thomson = -(dH/dP)/Cp, alpha = -(d rho/dT)/rho, compressibility kappa = (d rho/dP)/rho,
 //   Cv = Cp - T v alpha^2/kappa, speed of sound^2 = (Cp/Cv)/(d rho/dP).

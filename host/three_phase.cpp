@@ -14,13 +14,6 @@ struct Liquid {
   const std::vector<double>* x;
 };
 
-PhaseKind kind_of(const Mixture& mixture, const std::vector<double>& x) {
-  const std::size_t w = water_of(mixture);
-  const double water = w < x.size() ? x[w] : 0.0;
-  if ((mixture.record.flags & FreeWaterFlag) != 0 && water > kWaterRich) return PhaseKind::free_water;
-  return water > kAqueous ? PhaseKind::aqueous_liquid : PhaseKind::hydrocarbon_liquid;
-}
-
 // Liquid A, the lighter one, and liquid B, as far as they are there; at a dew point the one that is about to
 // form.
 void add_liquids(const Exports& library, const Mixture& mixture, Equilibrium& s) {
@@ -29,7 +22,8 @@ void add_liquids(const Exports& library, const Mixture& mixture, Equilibrium& s)
   std::vector<Liquid> liquids;
   const auto take = [&](double fraction, const std::vector<double>& x) {
     if (fraction <= rounding && !(dew && has_entries(x))) return;
-    liquids.push_back({kind_of(mixture, x), std::max(fraction, 0.0), &x});
+    const bool alone = liquids.empty() && !(s.beta > 0.0) && !s.of_fraction();
+    liquids.push_back({liquid_kind(library, mixture, s, x, alone), std::max(fraction, 0.0), &x});
   };
   take(s.beta_A, s.xA);
   take(1.0 - s.beta_A - s.beta, s.x);
@@ -96,6 +90,7 @@ Equilibrium flash_of_three(const Exports& library, Mixture& mixture, Given given
     add_phase(library, mixture, PhaseKind::vapour, s.beta, s.y, s);
   add_liquids(library, mixture, s);
   add_overall(library, mixture, s);
+  rename_packed_gas(library, mixture, s);
   return s;
 }
 

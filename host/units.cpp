@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <span>
 
@@ -28,7 +29,8 @@ constexpr Unit kPressures[] = {{"bar", 1e5},       {"Pa", 1.0},
                                {"psia", kPsiInPa}, {"atm", kAtmInPa},
                                {"bara", 1e5},      {"barg", 1e5, kAtmInPa / 1e5},
                                {"kPa", 1e3},       {"MPa", 1e6},
-                               {"psi", kPsiInPa},  {"psig", kPsiInPa, kAtmInPa / kPsiInPa}};
+                               {"psi", kPsiInPa},  {"psig", kPsiInPa, kAtmInPa / kPsiInPa},
+                               {"kg/cm2", 98066.5}};
 constexpr Unit kEnthalpies[] = {{"kJ/kg", 1e3, 0.0, true},
                                 {"J/mol", 1.0},
                                 {"Btu/lb", kBtuPerPound, 0.0, true},
@@ -54,6 +56,24 @@ constexpr Unit kConductivities[] = {
     {"W/(m K)", 1.0}, {"W/(m K)", 1.0}, {"Btu/(h ft F)", kBtu / (3600.0 * kFootInM * kFahrenheit)}};
 constexpr Unit kJouleThomsons[] = {{"K/bar", 1e-5}, {"K/Pa", 1.0}, {"F/psi", kFahrenheit / kPsiInPa}};
 constexpr Unit kCompressibilities[] = {{"1/bar", 1e-5}, {"1/Pa", 1.0}, {"1/psi", 1.0 / kPsiInPa}};
+// Moles in a volume of ideal gas: 1 m3 at 0 C (normal) and at 15 C (standard, ISO 13443) and 1 atm, 10^6 ft3 at 60 F
+// and 14.696 psia. Of a mass of water as a mole fraction: that of the wet gas, whose molar mass the unit reads.
+constexpr double kGas = 8.314462618;  // J/(mol K)
+constexpr double kMolPerNm3 = kAtmInPa / (kGas * kZeroCelsius);
+constexpr double kMolPerSm3 = kAtmInPa / (kGas * (kZeroCelsius + 15.0));
+constexpr double kMolPerMMscf =
+    14.696 * kPsiInPa * 1e6 * kCubicFoot / (kGas * (kZeroFahrenheit + 60.0) * kFahrenheit);
+constexpr Unit kWaterContents[] = {{"mol/mol", 1.0},
+                                   {"mol/mol", 1.0},
+                                   {"mol/mol", 1.0},
+                                   {"%", 0.01},
+                                   {"ppm", 1e-6},
+                                   {"ppmv", 1e-6},
+                                   {"ppmw", 1e-3 / kWaterMass, 0.0, true},
+                                   {"mg/Nm3", 1e-3 / (kWaterMass * kMolPerNm3)},
+                                   {"g/Nm3", 1.0 / (kWaterMass * kMolPerNm3)},
+                                   {"mg/Sm3", 1e-3 / (kWaterMass * kMolPerSm3)},
+                                   {"lb/MMscf", 1e3 * kPoundInKg / (kWaterMass * kMolPerMMscf)}};
 constexpr Unit kRatios[] = {{"", 1.0}, {"", 1.0}, {"", 1.0}};
 
 struct QuantityInfo {
@@ -74,25 +94,27 @@ constexpr QuantityInfo kQuantities[kQuantityCount] = {
     {"Joule-Thomson coefficient", "0.4 K/bar", kJouleThomsons},
     {"compressibility", "0.02 1/bar", kCompressibilities},
     {"ratio", "0.5", kRatios},
-    {"vapour fraction", "0.5", kRatios}};
+    {"vapour fraction", "0.5", kRatios},
+    {"water content", "50 mg/Nm3", kWaterContents}};
 constexpr std::size_t kMaxConditions = 100000;
 
 const QuantityInfo& info(Quantity quantity) {
   return kQuantities[static_cast<std::size_t>(quantity)];
 }
 
-// Letters, digits and the first slash, in lower case.
+// Letters, digits, percent signs and the first slash, in lower case.
 std::string unit_key(std::string_view name) {
   std::string key;
   for (const char c : lower(name)) {
     const bool slash = c == '/' && key.find('/') == std::string::npos;
-    if (slash || std::isalnum(static_cast<unsigned char>(c)) != 0) key += c;
+    if (slash || c == '%' || std::isalnum(static_cast<unsigned char>(c)) != 0) key += c;
   }
   return key;
 }
 
 const Unit* find_unit(Quantity quantity, std::string_view name) {
-  const std::string wanted = unit_key(name);
+  std::string wanted = unit_key(name);
+  if (quantity == Quantity::temperature && wanted.rfind("deg", 0) == 0) wanted.erase(0, 3);
   for (const Unit& u : info(quantity).units) {
     if (unit_key(u.name) == wanted) return &u;
   }
@@ -101,7 +123,8 @@ const Unit* find_unit(Quantity quantity, std::string_view name) {
 
 std::string unit_names(Quantity quantity) {
   std::vector<std::string> names;
-  for (const Unit& u : info(quantity).units) names.emplace_back(u.name);
+  for (const Unit& u : info(quantity).units)
+    if (names.empty() || names.back() != u.name) names.emplace_back(u.name);
   const std::string last = names.back();
   names.pop_back();
   return joined(names, ", ") + " or " + last;
@@ -163,6 +186,9 @@ void check_range(Quantity quantity, double base, double value, const Unit& unit)
     throw InputError(
         fmt::format("the vapour fraction {} is not between 0 (bubble point) and 1 (dew point)", value));
   }
+  if (quantity == Quantity::water_content && !(base >= 0.0 && base < 1.0))
+    throw InputError(
+        fmt::format("the water content {} {} is not between nothing and all of the gas", value, unit.name));
   if (!std::isfinite(base))
     throw InputError(fmt::format("the {} {} {} is too large", info(quantity).name, value, unit.name));
   if (base > 0.0 || (quantity != Quantity::temperature && quantity != Quantity::pressure)) return;
@@ -217,6 +243,37 @@ UnitSystem unit_system(std::string_view name) {
       fmt::format("unknown units \"{}\": use engineering (C, bar), si (K, Pa), field (F, psia) or a "
                   "pair such as K,atm",
                   name));
+}
+
+std::string exact(double base, const Unit& unit, double molar_mass) {
+  if (!std::isfinite(base)) return "";
+  const double value = unit.from_base(base, molar_mass);
+  for (const int digits : {12, 15, 16}) {  // what was typed; what rounding of the conversion leaves
+    char text[40];
+    const auto end = fmt::format_to_n(text, sizeof text, "{:.{}g}", value, digits).out;
+    double read = value;
+    std::from_chars(text, end, read);
+    if (unit.to_base(read, molar_mass) == base) return fmt::format("{}", read);
+  }
+  return fmt::format("{}", value);
+}
+
+std::string column_name(std::string_view key, Quantity quantity, const Unit& unit) {
+  const auto in_words = [](std::string_view name) {
+    std::string word;
+    for (const char c : name) {
+      if (std::isalnum(static_cast<unsigned char>(c)) != 0)
+        word += c;
+      else if (!word.empty() && word.back() != '_')
+        word += '_';
+    }
+    while (!word.empty() && word.back() == '_') word.pop_back();
+    return word;
+  };
+  constexpr std::size_t si = 1;
+  const std::string base = in_words(info(quantity).units[si].name), wanted = in_words(unit.name);
+  const bool ends = !base.empty() && key.size() > base.size() && key.substr(key.size() - base.size()) == base;
+  return ends ? std::string(key.substr(0, key.size() - base.size())) + wanted : std::string(key);
 }
 
 std::vector<double> parse_conditions(Quantity quantity, std::string_view text, const Unit& plain,

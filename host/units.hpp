@@ -34,8 +34,11 @@ enum class Quantity {
   compressibility,  // 1/Pa
   ratio,            // no unit
   vapour_fraction,  // moles of vapour in one mole
+  water_content,    // moles of water in one mole of wet gas
 };
-inline constexpr std::size_t kQuantityCount = 13;
+inline constexpr std::size_t kQuantityCount = 14;
+
+inline constexpr double kWaterMass = 18.01528;  // g/mol
 
 // value in the base unit = (value + offset) * factor, for a unit per mass times the molar mass in kg/mol.
 // The molar mass is given in g/mol and read by the units per mass only.
@@ -72,6 +75,12 @@ struct UnitSystem {
 // "engineering" (C, bar, kJ/kg), "si" (K, Pa, J/mol), "field" (F, psia, Btu/lb), or a pair of temperature and
 // pressure such as "K,atm", with the other units of "engineering".
 UnitSystem unit_system(std::string_view name);
+
+// A value in a unit, in the shortest digits that are read back as this value in the base unit; an empty text for no
+// number. The heading of a column: its key with the base unit, in another unit:
+// "temperature_K" in C is "temperature_C".
+std::string exact(double base, const Unit& unit, double molar_mass = 0.0);
+std::string column_name(std::string_view key, Quantity quantity, const Unit& unit);
 
 // A list of conditions: "25", "25 C", "200,220,250 K", "0:100:10 C" (first:last:step, the last value
 // included where a step meets it), and mixtures of both. A unit at the end holds for the values before it

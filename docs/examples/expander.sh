@@ -15,10 +15,10 @@ M=$(printf '%s\n' "$inlet" | awk '{print $3}')
 
 ideal=$("$kestrune" flash --z $gas -S "$S_in J/(mol K)" -P 20 bar --print H,T)
 H_out=$(printf '%s\n' "$H_in $efficiency $ideal" | awk '{printf "%.6f", $1 - $2 * ($1 - $3)}')
-real=$("$kestrune" flash --z $gas -H "$H_out J/mol" -P 20 bar --print T,beta)
+real=$("$kestrune" flash --z $gas -H "$H_out J/mol" -P 20 bar --print T,liquid)
 
 printf '%s\n' "$H_in $H_out $M $ideal $real" | awk '{
   printf "outlet of the ideal machine  %.2f C\n", $5 - 273.15
-  printf "outlet of the real machine   %.2f C, %.3f mol-%% liquid\n", $6 - 273.15, 100 * (1 - $7)
+  printf "outlet of the real machine   %.2f C, %.3f mol-%% liquid\n", $6 - 273.15, 100 * $7
   printf "work                         %.1f J/mol, %.2f kJ/kg\n", $1 - $2, ($1 - $2) / $3
 }'

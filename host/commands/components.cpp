@@ -98,6 +98,10 @@ void list_components(const ComponentsOptions& options, Session& session) {
 void add_components_command(CLI::App& app, Session& session) {
   auto* command = app.add_subcommand("components", "List the components with their constants and groups");
   const auto options = std::make_shared<ComponentsOptions>();
+  command->footer(
+      "Examples:\n"
+      "  kestrune components butane\n"
+      "  kestrune components 74-82-8 --format json");
   command->add_option("filter", options->filter, "Text in a name, alias, formula or CAS number");
   command->add_option("--format", options->format, "table (default), json or csv")
       ->check(CLI::IsMember({"table", "json", "csv"}));

@@ -19,6 +19,7 @@ struct EnvelopeOptions {
   MissingPairOptions missing;
   OutputOptions output;
   std::string first_pressure, highest_pressure, lowest_temperature, quality, svg, png;
+  PictureOptions frame;
   std::vector<std::string> point, overlays;
   int points = 0;
 };
@@ -61,6 +62,7 @@ void show_envelope(const EnvelopeOptions& o, Session& session) {
                            one_value(Quantity::temperature, o.lowest_temperature, units)};
   const auto fractions = quality_lines(o, units);
   const auto point = operating_point(o, units);
+  if (o.svg == "-" && o.png == "-") throw InputError("standard output takes one picture: --svg - or --png -");
   if (o.points < 0 || o.points > 100000) throw InputError("--points takes a number from 0 to 100000");
   std::vector<Overlay> overlays;
   for (const std::string& text : o.overlays) overlays.push_back(read_overlay(text, units));
@@ -74,9 +76,10 @@ void show_envelope(const EnvelopeOptions& o, Session& session) {
   if (!o.svg.empty() || !o.png.empty()) {
     const EnvelopeReport drawn = trace_all(library, mixture, units, limits, fractions, kDrawnPoints);
     if (drawn.curves.front().points.empty()) throw InputError("there is no curve to draw");
-    const Chart chart = envelope_chart(drawn, overlays, point, limits.highest_P);
-    if (!o.svg.empty()) write_svg(chart, o.svg);
-    if (!o.png.empty()) write_png(chart, o.png);
+    const Chart chart = envelope_chart(drawn, overlays, point, limits.highest_P, o.frame);
+    if (!o.svg.empty()) write_svg(chart, o.svg, session.out);
+    if (!o.png.empty()) write_png(chart, o.png, session.out);
+    if (o.svg == "-" || o.png == "-") return;
   }
   if (o.output.format == "json")
     print_envelope_json(report, session.out);
@@ -95,17 +98,27 @@ void add_envelope_command(CLI::App& app, Session& session) {
   o->mixture.add_to(*command);
   o->missing.add_to(*command);
   o->output.add_to(*command);
+  command->footer(
+      "Examples:\n"
+      "  kestrune envelope --z methane=0.9,nC4=0.1 --quality 0.9,0.5\n"
+      "  kestrune envelope --z methane=0.9,nC4=0.1 --point 0C 50bar --svg - > envelope.svg\n"
+      "  kestrune envelope --z methane=0.9,nC4=0.1 --points 40 --format csv --units K,atm");
   command->add_option("--quality", o->quality, "Vapour fractions of quality lines: 0.9,0.5");
   command->add_option("--points", o->points, "Points per curve, evenly spaced (default: as traced)");
   command->add_option("--from-P", o->first_pressure, "First pressure (1 atm)");
   command->add_option("--max-P", o->highest_pressure, "Highest pressure (2000 atm), also of the picture");
   command->add_option("--min-T", o->lowest_temperature, "Lowest temperature (50 K)");
-  command->add_option("--svg", o->svg, "Draw the curves to this file");
-  command->add_option("--png", o->png, "Draw them as PNG; needs gnuplot");
+  command->add_option("--svg", o->svg, "Draw the curves to this file; - is standard output, without the table");
+  command->add_option("--png", o->png, "Draw them as PNG, the same; needs gnuplot");
   command->add_option("--point", o->point, "Operating point to draw: T P (25C 60barg)")->expected(2);
   command->add_option("--overlay", o->overlays,
                       "FILE:label, a line to draw over: CSV with T and P in its first columns, or with columns "
-                      "temperature_K and pressure_Pa");
+                      "such as temperature_C and pressure_bar");
+  command->add_option("--title", o->frame.title, "Title of the picture");
+  command->add_option("--T-title", o->frame.T_title, "Title of its temperature axis");
+  command->add_option("--P-title", o->frame.P_title, "Title of its pressure axis");
+  command->add_option("--T-limits", o->frame.T_limits, "Ends of its temperature axis: -80,20 C");
+  command->add_option("--P-limits", o->frame.P_limits, "Ends of its pressure axis: 0,100 barg");
   command->callback([o, &session] { show_envelope(*o, session); });
 }
 

@@ -55,7 +55,8 @@ void add_pieces(const EnvelopeReport& r, const Curve& curve, std::size_t number,
       if (line.label == label) label.clear();
     const bool quality = piece.kind == Piece::Kind::quality;
     const char* colour = quality ? kQualityColours[(number - 1) % std::size(kQualityColours)] : style.colour;
-    ChartLine line{label, colour, style.width, style.dashed, {}, {}};
+    const bool sets_axes = piece.kind != Piece::Kind::liquids && piece.kind != Piece::Kind::not_stable;
+    ChartLine line{label, colour, style.width, style.dashed, {}, {}, sets_axes};
     for (const CurvePoint& p : piece.points) {
       line.x.push_back(T.from_base(p.T));
       line.y.push_back(P.from_base(p.P));
@@ -76,8 +77,8 @@ void add_mark(const EnvelopeReport& r, const std::string& title, const char* col
 void choose_range(const EnvelopeReport& r, const std::optional<CurvePlace>& point, double top, Chart& chart) {
   const Unit &T = r.units[Quantity::temperature], &P = r.units[Quantity::pressure];
   if (!(top > 0.0)) {
-    for (const Curve& curve : r.curves)
-      for (const CurvePoint& p : curve.points) top = std::max(top, p.P);
+    for (const ChartLine& line : chart.lines)
+      for (const double y : line.y) top = std::max(top, line.sets_axes ? P.to_base(y) : 0.0);
     const CurvePlace& bar = r.curves.front().cricondenbar;
     top = bar.found() ? std::min(top, 1.12 * bar.P) : std::min(top, kOpenTop);
     for (const ChartMark& mark : chart.marks) top = std::max(top, 1.05 * P.to_base(mark.y));
@@ -90,14 +91,45 @@ void choose_range(const EnvelopeReport& r, const std::optional<CurvePlace>& poin
     low = std::min(low, v);
     high = std::max(high, v);
   };
+  const auto sets = [](const ChartLine& line) { return line.sets_axes; };
+  const bool any = std::any_of(chart.lines.begin(), chart.lines.end(), sets);
   for (const ChartLine& line : chart.lines)
     for (std::size_t i = 0; i < line.x.size(); ++i)
-      if (line.y[i] <= chart.y_high) include(line.x[i]);
+      if (line.y[i] <= chart.y_high && (line.sets_axes || !any)) include(line.x[i]);
   for (const ChartMark& mark : chart.marks) include(mark.x);
   if (point) include(T.from_base(point->T));
   const double margin = 0.03 * (high - low);
   chart.x_low = low - margin;
   chart.x_high = high + margin;
+}
+
+// "-80,20 C": two numbers in the user's units.
+void apply_limits(const std::string& text, Quantity quantity, const UnitSystem& units, double& low,
+                  double& high, bool& exact) {
+  if (text.empty()) return;
+  std::vector<double> numbers;
+  const Unit* given = &units[quantity];
+  for (const std::string& piece : split(text, ',')) {
+    const std::size_t length = number_length(piece);
+    const std::string name(trimmed(std::string_view(piece).substr(length)));
+    const auto value = parse_number(piece.substr(0, length));
+    if (value) numbers.push_back(*value);
+    if (!name.empty()) given = &unit(quantity, name);
+  }
+  if (numbers.size() != 2 || !(numbers[0] < numbers[1]))
+    throw InputError(fmt::format("the axis of {} has two ends, the lower one first, not \"{}\"",
+                                 quantity_name(quantity), text));
+  low = units[quantity].from_base(given->to_base(numbers[0]));
+  high = units[quantity].from_base(given->to_base(numbers[1]));
+  exact = true;
+}
+
+void apply(const PictureOptions& o, const UnitSystem& units, Chart& chart) {
+  if (!o.title.empty()) chart.title = o.title;
+  if (!o.T_title.empty()) chart.x_title = o.T_title;
+  if (!o.P_title.empty()) chart.y_title = o.P_title;
+  apply_limits(o.T_limits, Quantity::temperature, units, chart.x_low, chart.x_high, chart.x_exact);
+  apply_limits(o.P_limits, Quantity::pressure, units, chart.y_low, chart.y_high, chart.y_exact);
 }
 
 }  // namespace
@@ -113,18 +145,22 @@ Overlay read_overlay(const std::string& text, const UnitSystem& units) {
   if (!file) throw InputError(fmt::format("cannot read the line to draw from {}", name));
   std::size_t of_T = 0, of_P = 1;
   const Unit *T = &units[Quantity::temperature], *P = &units[Quantity::pressure];
-  static const Unit kelvin{"K", 1.0}, pascal{"Pa", 1.0};
   std::string row;
   for (int number = 1; std::getline(file, row); ++number) {
     const auto fields = split(row, ',');
     if (number == 1) {
-      const auto at = [&](const char* title) {
-        return std::find(fields.begin(), fields.end(), title) - fields.begin();
+      // "temperature_C": a column by name, in the unit behind it.
+      const auto find = [&](const std::string& title, Quantity quantity, std::size_t& column, const Unit*& of) {
+        for (std::size_t i = 0; i < fields.size(); ++i) {
+          const std::string end = fields[i].substr(std::min(title.size(), fields[i].size()));
+          if (fields[i].rfind(title, 0) != 0 || !is_unit(quantity, end)) continue;
+          column = i;
+          of = &unit(quantity, end);
+          return;
+        }
       };
-      const auto kelvins = static_cast<std::size_t>(at("temperature_K")),
-                 pascals = static_cast<std::size_t>(at("pressure_Pa"));
-      if (kelvins < fields.size()) of_T = kelvins, T = &kelvin;
-      if (pascals < fields.size()) of_P = pascals, P = &pascal;
+      find("temperature_", Quantity::temperature, of_T, T);
+      find("pressure_", Quantity::pressure, of_P, P);
     }
     if (fields.size() <= std::max(of_T, of_P)) continue;
     const auto t = parse_number(fields[of_T]), p = parse_number(fields[of_P]);
@@ -134,14 +170,14 @@ Overlay read_overlay(const std::string& text, const UnitSystem& units) {
   }
   if (line.T.size() < 2)
     throw InputError(
-        fmt::format("{} has no line: two columns with T and P are wanted, or columns temperature_K and "
-                    "pressure_Pa",
+        fmt::format("{} has no line: two columns with T and P are wanted, or columns such as temperature_C "
+                    "and pressure_bar",
                     name));
   return line;
 }
 
 Chart envelope_chart(const EnvelopeReport& r, const std::vector<Overlay>& overlays,
-                     const std::optional<CurvePlace>& point, double top) {
+                     const std::optional<CurvePlace>& point, double top, const PictureOptions& options) {
   Chart chart;
   chart.title = r.mixture.title.empty() ? "Phase envelope" : "Phase envelope: " + r.mixture.title;
   chart.x_title = "Temperature, " + degrees(r.units[Quantity::temperature].name);
@@ -162,12 +198,13 @@ Chart envelope_chart(const EnvelopeReport& r, const std::vector<Overlay>& overla
   std::size_t colour = 0;
   for (const Overlay& o : overlays) {
     chart.lines.push_back(
-        {o.label, kOverlayColours[colour++ % std::size(kOverlayColours)], 2.0, true, o.T, o.P});
+        {o.label, kOverlayColours[colour++ % std::size(kOverlayColours)], 2.0, true, o.T, o.P, true});
     const auto [low, high] = std::minmax_element(o.T.begin(), o.T.end());
     chart.x_low = std::min(chart.x_low, *low);
     chart.x_high = std::max(chart.x_high, *high);
   }
   if (point) add_mark(r, "Operating point", "#000000", Mark::cross, point->T, point->P, chart);
+  apply(options, r.units, chart);
   return chart;
 }
 

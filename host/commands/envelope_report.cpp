@@ -81,9 +81,12 @@ void print_envelope_text(const EnvelopeReport& r, std::ostream& out) {
 }
 
 void print_envelope_csv(const EnvelopeReport& r, std::ostream& out) {
-  out << "temperature_K,pressure_Pa,point,vapour_fraction,kind\n";
+  const Unit &of_T = r.units[Quantity::temperature], &of_P = r.units[Quantity::pressure];
+  out << fmt::format("{},{},point,vapour_fraction,kind\n",
+                     column_name("temperature_K", Quantity::temperature, of_T),
+                     column_name("pressure_Pa", Quantity::pressure, of_P));
   const auto row = [&](double T, double P, const std::string& point, double fraction, double kind) {
-    out << fmt::format("{},{},{},{},{}\n", T, P, csv_field(point), fraction, kind);
+    out << fmt::format("{},{},{},{},{}\n", exact(T, of_T), exact(P, of_P), csv_field(point), fraction, kind);
   };
   for (const Curve& curve : r.curves) {
     for (const CurvePoint& p : curve.points) row(p.T, p.P, kind_in_words(curve, p), curve.fraction, p.kind);

@@ -32,12 +32,18 @@ struct Overlay {
   std::vector<double> T, P;
 };
 
-// "FILE:label" or "FILE": a CSV file with T and P in its first two columns, in the user's units; columns with
-// the names temperature_K and pressure_Pa are in these. InputError for what cannot be read.
+// "FILE:label" or "FILE": a CSV file with T and P in its first two columns, in the user's units; columns with names such
+// as temperature_C and pressure_Pa are in these. InputError for what cannot be read.
 Overlay read_overlay(const std::string& text, const UnitSystem& units);
+
+// What the user says about the picture; empty: chosen.
+struct PictureOptions {
+  std::string title, T_title, P_title, T_limits, P_limits;
+};
 
 // The picture. top: highest pressure that is shown, Pa; 0: chosen.
 Chart envelope_chart(const EnvelopeReport& report, const std::vector<Overlay>& overlays,
-                     const std::optional<CurvePlace>& operating_point, double top);
+                     const std::optional<CurvePlace>& operating_point, double top,
+                     const PictureOptions& options);
 
 }  // namespace kestrune::host

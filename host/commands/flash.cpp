@@ -17,17 +17,7 @@ namespace {
 struct FlashOptions {
   StateOptions states;
   bool details = false;
-  std::string phases = "2";
-
-  bool three() const;
 };
-
-bool FlashOptions::three() const {
-  const std::string_view number = trimmed(phases);
-  if (number != "2" && number != "3")
-    throw InputError(fmt::format("--phases {}: a flash looks for up to 2 or up to 3 phases", phases));
-  return number == "3";
-}
 
 // The enthalpy or entropy that was given has a column of its own; the vapour fraction has one in any case.
 bool of_energy(const StateReport& r) {
@@ -56,35 +46,8 @@ std::vector<std::string> first_fields(const StateReport& r, const Equilibrium& s
   return row;
 }
 
+// A column for the fraction and one for the density of every phase that some state has.
 void print_summary(const StateReport& r, std::ostream& out) {
-  const bool water = (r.mixture.record.flags & FreeWaterFlag) != 0;
-  const std::string_view density = r.units[Quantity::density].name;
-  std::vector<std::string> headings = first_headings(r);
-  if (water) headings.emplace_back("free water mol");
-  headings.insert(headings.end(), {"Z vapour", "Z liquid", fmt::format("{} vap", density),
-                                   fmt::format("{} liq", density), "status"});
-  Table table(headings, std::string(of_energy(r) ? "r" : "") + (water ? "rrlrrrrrrl" : "rrlrrrrrl"));
-  for (const Equilibrium& s : r.states) {
-    const auto of = [&](PhaseKind kind, Property property, const Unit& unit, int decimals) -> std::string {
-      const PhaseState* p = s.phase(kind);
-      return p == nullptr ? "-" : shown_fixed(unit.from_base(p->properties[property]), decimals);
-    };
-    std::vector<std::string> row = first_fields(r, s);
-    const PhaseState* free_water = s.phase(PhaseKind::free_water);
-    if (water) row.push_back(free_water == nullptr ? "-" : shown_fixed(free_water->mole_fraction, 6));
-    for (const auto& [property, decimals] : {std::pair{Property::Z, 5}, {Property::density, 3}}) {
-      const Unit& unit = r.units[property == Property::Z ? Quantity::ratio : Quantity::density];
-      row.push_back(of(PhaseKind::vapour, property, unit, decimals));
-      row.push_back(of(PhaseKind::liquid, property, unit, decimals));
-    }
-    row.push_back(short_status(s));
-    table.add(row);
-  }
-  table.print(out);
-}
-
-// Of up to three phases: a column for the fraction and one for the density of every phase that some state has.
-void print_summary_of_three(const StateReport& r, std::ostream& out) {
   const Unit& density = r.units[Quantity::density];
   std::vector<PhaseKind> kinds;
   for (std::size_t k = 0; k < kPhaseKindCount; ++k) {
@@ -112,7 +75,7 @@ void print_summary_of_three(const StateReport& r, std::ostream& out) {
       const PhaseState* p = s.phase(kind);
       row.push_back(p == nullptr ? "-" : shown_fixed(density.from_base(p->properties[Property::density]), 3));
     }
-    row.push_back(short_status(s));
+    row.push_back(short_status(r, s));
     table.add(row);
   }
   table.print(out);
@@ -127,11 +90,12 @@ void print_composition(const StateReport& r, const Equilibrium& s, std::ostream&
   std::vector<const PhaseState*> divisors;
   for (std::size_t p = 1; p < columns; ++p) {
     const PhaseState& phase = s.phases[p];
-    if (!s.three && phase.kind != PhaseKind::liquid) continue;
+    if (!s.three && phase.kind == PhaseKind::free_water) continue;
     divisors.push_back(&phase);
-    headings.push_back(
-        s.three ? fmt::format("{}/{}", short_phase_name(s.phases[0].kind), short_phase_name(phase.kind))
-                : "K = y/x");
+    const bool plain = columns == 2 && s.phases[0].kind == PhaseKind::vapour && phase.kind == PhaseKind::liquid;
+    headings.push_back(s.three && !plain ? fmt::format("{}/{}", short_phase_name(s.phases[0].kind),
+                                                       short_phase_name(phase.kind))
+                                         : "K = y/x");
   }
   Table table(headings, "l");
   for (std::size_t i = 0; i < r.mixture.z.size(); ++i) {
@@ -182,17 +146,14 @@ void print_flash(const StateReport& r, bool details, std::ostream& out) {
   const bool summary = r.states.size() > 1;
   if (summary) {
     out << '\n';
-    if (r.states.front().three)
-      print_summary_of_three(r, out);
-    else
-      print_summary(r, out);
+    print_summary(r, out);
   }
   for (const Equilibrium& s : r.states) {
     if (summary && !details) break;
     if (summary) out << '\n' << std::string(72, '-') << '\n';
     print_details(r, s, out);
   }
-  print_notes(r.states, out);
+  print_notes(r, out);
 }
 
 }  // namespace
@@ -207,15 +168,19 @@ void add_flash_command(CLI::App& app, Session& session) {
   options->states.conditions.add_TP_to(*command, false);
   options->states.conditions.add_energy_and_fraction_to(*command);
   options->states.add_to(*command);
-  command->add_option("--phases", options->phases,
-                      "2 (default): vapour and liquid; 3: two liquids and vapour, for instance hydrocarbons "
-                      "with an aqueous liquid");
+  command->footer(
+      "Examples:\n"
+      "  kestrune flash --z methane=0.85,ethane=0.09,propane=0.04,nC4=0.02 -T -60 C -P 40 bar\n"
+      "  kestrune flash --z methane=0.9,nC5=0.1 -T \"-80:40:40 C\" -P 10,40 --format csv\n"
+      "  kestrune flash --z methane=0.9,nC5=0.1 --dew -P 1:61:20 bar\n"
+      "  kestrune flash --z methane=0.9,nC5=0.1 -H \"-50 kJ/kg\" -P 20 bar\n"
+      "  kestrune flash --z methane=0.8,nC8=0.1,water=0.1 -T 40 C -P 40 bar --water-model saturation");
   command->add_flag("--details", options->details, "Composition of every state, not of a single one only");
   command->callback([options, &session] {
     const auto print = [&](const StateReport& report, std::ostream& out) {
       print_flash(report, options->details, out);
     };
-    report_states(options->states, session, options->three() ? flash_of_three : flash, print, false);
+    report_states(options->states, session, options->states.flash(), print, false);
   });
 }
 

@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cmath>
 
 #include "commands/points.hpp"
@@ -12,11 +13,20 @@ namespace kestrune::host {
 
 namespace {
 
+// What the correlation was made from: sweet natural gas between these (the range of the data that Bahadori and Vuthaluru,
+// J. Natural Gas Chem. 18 (2009), state for the same chart). Beyond the second pair no answer is given.
+constexpr double kLowestGravity = 0.55, kHighestGravity = 1.0;
+constexpr double kLowestT = 265.0, kHighestT = 298.0, kEndT = 313.15;  // K, without inhibitor
+constexpr double kLowestP = 12e5, kHighestP = 400e5, kEndP = 1000e5;   // Pa
+// Hammerschmidt's depression: mass percent of alcohols and glycols, of salts, and where it loses all meaning.
+constexpr double kMostAlcohol = 25.0, kMostSalt = 20.0, kEndPercent = 70.0;
+constexpr double kSweetH2S = 0.001, kSweetCO2 = 0.05, kAlmostMethane = 0.98;  // mole fractions
+constexpr std::int32_t kMethaneCas = 74828, kNitrogenCas = 7727379, kH2SCas = 7783064, kCO2Cas = 124389;
+
 struct HydrateOptions {
   MixtureOptions mixture;
   OutputOptions output;
-  std::string temperature, pressure, inhibitor;
-  double percent = 0.0, depression = 0.0;
+  std::string temperature, pressure, inhibitor, percent, depression;
   int points = 41;
 };
 
@@ -24,13 +34,13 @@ struct Inhibitor {
   std::string name = "none";
   std::int32_t kind = 0;
   double molar_mass = 0.0;  // g/mol, of kind 5
+  bool salt() const { return kind >= 2 && kind <= 4; }
 };
 
-// A salt or methanol, a component of the databank, or a molar mass.
+// A salt or methanol, a glycol of the databank, or a molar mass.
 Inhibitor inhibitor_of(const std::string& text) {
   if (text.empty()) return {};
   const std::string key = search_key(text);
-  if (key == "methanol" || key == "meoh") return {"methanol", 1, 0.0};
   if (key == "nacl") return {"sodium chloride", 2, 0.0};
   if (key == "kcl") return {"potassium chloride", 3, 0.0};
   if (key == "cacl2") return {"calcium chloride", 4, 0.0};
@@ -39,7 +49,12 @@ Inhibitor inhibitor_of(const std::string& text) {
     return {fmt::format("inhibitor of {:g} g/mol", *M), 5, *M};
   }
   const Component& c = find_component(text);
-  return {std::string(c.name), 5, c.molar_mass};
+  if (c.name == "methanol") return {"methanol", 1, 0.0};
+  if (c.name.find("glycol") != std::string_view::npos) return {std::string(c.name), 5, c.molar_mass};
+  throw InputError(
+      fmt::format("{} is no hydrate inhibitor: use methanol, MEG, DEG, TEG, NaCl, KCl, CaCl2 or the molar "
+                  "mass of another one in g/mol",
+                  c.name));
 }
 
 // The curve is a straight line of T over ln P: its first and last point say all of it. K, atm.
@@ -64,26 +79,102 @@ double needed_percent(const Exports& library, Mixture& m, const Inhibitor& i, do
   return 100.0 * depression / (depression + at_half);
 }
 
-void fill(const HydrateOptions& options, const UnitSystem& units, const Exports& library, Mixture& mixture,
-          const Inhibitor& inhibitor, double percent, Points& points) {
-  std::vector<double>&T = points.columns[0].values, &P = points.columns[1].values;
+// What a gas is that the correlation was not made for; sentences.
+std::vector<std::string> gas_warnings(const Mixture& m) {
+  const auto share = [&](std::int32_t cas) {
+    double sum = 0.0;
+    for (std::size_t i = 0; i < m.z.size(); ++i) sum += m.components[i].cas_number == cas ? m.z[i] : 0.0;
+    return sum;
+  };
+  std::vector<std::string> lines;
+  const double gravity = m.molar_mass / 28.966, h2s = share(kH2SCas), co2 = share(kCO2Cas);
+  if (!(gravity >= kLowestGravity && gravity <= kHighestGravity))
+    lines.push_back(
+        fmt::format("gravity {:.4g} outside {:g} to {:g}", gravity, kLowestGravity, kHighestGravity));
+  if (h2s > kSweetH2S)
+    lines.push_back(fmt::format(
+        "{:.3g} % hydrogen sulfide, outside sweet gas: hydrates form at higher temperature", 100.0 * h2s));
+  if (co2 > kSweetCO2) lines.push_back(fmt::format("{:.3g} % carbon dioxide, outside sweet gas", 100.0 * co2));
+  if (share(kMethaneCas) + share(kNitrogenCas) > kAlmostMethane && h2s + co2 <= kSweetCO2)
+    lines.push_back("almost methane alone, for which 5 to 7 K less are measured");
+  return lines;
+}
+
+std::string range(const Unit& unit, double low, double high, int digits) {
+  return fmt::format("{:.{}f} to {:.{}f} {}", unit.from_base(low), digits, unit.from_base(high), digits,
+                     unit.name);
+}
+
+// Adds a point with its warnings; refuses what is no hydrate any more.
+void add_point(const UnitSystem& units, double T, double P, double shift, std::vector<std::string> warnings,
+               Points& points) {
+  const Unit &of_T = units[Quantity::temperature], &of_P = units[Quantity::pressure];
+  const double bare = T + shift;
+  if (bare > kEndT || P > kEndP)
+    throw InputError(
+        fmt::format("hydrate at {:.5g} {} and {:.5g} {} is beyond the correlation: without inhibitor at most "
+                    "{:.4g} {} and {:.5g} {}, "
+                    "made from data of {} and {}",
+                    of_T.from_base(T), of_T.name, of_P.from_base(P), of_P.name, of_T.from_base(kEndT),
+                    of_T.name, of_P.from_base(kEndP), of_P.name, range(of_T, kLowestT, kHighestT, 1),
+                    range(of_P, kLowestP, kHighestP, 0)));
+  if (!(bare >= kLowestT && bare <= kHighestT))
+    warnings.push_back(fmt::format("temperature{} outside {}", shift > 0.0 ? " without inhibitor" : "",
+                                   range(of_T, kLowestT, kHighestT, 1)));
+  if (!(P >= kLowestP && P <= kHighestP))
+    warnings.push_back(fmt::format("pressure outside {}", range(of_P, kLowestP, kHighestP, 0)));
+  points.columns[0].values.push_back(T);
+  points.columns[1].values.push_back(P);
+  points.statuses.push_back(KV_OK);
+  points.warnings.push_back(joined(warnings, "; "));
+}
+
+void add_points(const HydrateOptions& options, const UnitSystem& units, const Exports& library,
+                Mixture& mixture, const Inhibitor& inhibitor, double percent, Points& points) {
   const Curve line = curve(library, mixture, inhibitor, percent);
+  const double shift = curve(library, mixture, {}, 0.0).T[0] - line.T[0];
+  std::vector<std::string> warnings = gas_warnings(mixture);
+  const double most = inhibitor.salt() ? kMostSalt : kMostAlcohol;
+  if (percent > most) warnings.push_back(fmt::format("{:.4g} % inhibitor outside 0 to {:g} %", percent, most));
+  const auto add = [&](double T, double P) { add_point(units, T, P, shift, warnings, points); };
   if (options.temperature.empty() && options.pressure.empty()) {
-    T.resize(static_cast<std::size_t>(options.points));
-    P.resize(T.size());
+    std::vector<double> T(static_cast<std::size_t>(options.points)), P(T.size());
     library.HydrateLine(mixture.z.data(), inhibitor.kind, inhibitor.molar_mass, percent, options.points,
                         &mixture.record, 0, T.data(), P.data());
-    for (double& v : P) v *= kAtmInPa;
+    for (std::size_t i = 0; i < T.size(); ++i) add(T[i], P[i] * kAtmInPa);
+  } else if (!options.pressure.empty()) {
+    for (const double v : parse_conditions(Quantity::pressure, options.pressure, units[Quantity::pressure]))
+      add(line.temperature(v / kAtmInPa), v);
+  } else {
+    for (const double v :
+         parse_conditions(Quantity::temperature, options.temperature, units[Quantity::temperature]))
+      add(v, line.pressure(v) * kAtmInPa);
   }
-  if (!options.pressure.empty()) {
-    P = parse_conditions(Quantity::pressure, options.pressure, units[Quantity::pressure]);
-    for (const double v : P) T.push_back(line.temperature(v / kAtmInPa));
+  if (points.columns.size() > 2) points.columns[2].values.resize(points.statuses.size(), percent);
+}
+
+// The mass percents asked for, or those that the depressions take.
+std::vector<double> percents(const HydrateOptions& options, const Exports& library, Mixture& mixture,
+                             const Inhibitor& inhibitor) {
+  static const Unit plain{"", 1.0};
+  if (options.percent.empty() && options.depression.empty()) return {0.0};
+  if (inhibitor.kind == 0) throw InputError("--percent and --depression need an --inhibitor");
+  const bool given = options.depression.empty();
+  std::string text = given ? options.percent : options.depression;
+  text.erase(std::remove(text.begin(), text.end(), given ? '%' : 'K'), text.end());
+  std::vector<double> values = parse_conditions(Quantity::ratio, text, plain);
+  for (double& v : values) {
+    if (!(v >= 0.0)) throw InputError(fmt::format("{:g} {} of inhibitor", v, given ? "%" : "K"));
+    const double depression = v;
+    if (!given) v = needed_percent(library, mixture, inhibitor, depression);
+    if (v <= kEndPercent) continue;
+    throw InputError(given
+                         ? fmt::format("{:g} % of {} is no solution that the correlation knows: at most {:g} %",
+                                       v, inhibitor.name, kEndPercent)
+                         : fmt::format("a depression of {:g} K would take {:.3g} % of {}: at most {:g} %",
+                                       depression, v, inhibitor.name, kEndPercent));
   }
-  if (!options.temperature.empty()) {
-    T = parse_conditions(Quantity::temperature, options.temperature, units[Quantity::temperature]);
-    for (const double v : T) P.push_back(line.pressure(v) * kAtmInPa);
-  }
-  points.statuses.assign(T.size(), KV_OK);
+  return values;
 }
 
 void hydrate(const HydrateOptions& options, Session& session) {
@@ -91,22 +182,26 @@ void hydrate(const HydrateOptions& options, Session& session) {
   const Inhibitor inhibitor = inhibitor_of(options.inhibitor);
   if (!options.temperature.empty() && !options.pressure.empty())
     throw InputError("give -T (hydrate pressure), -P (hydrate temperature) or neither (the curve), not both");
-  if (inhibitor.kind == 0 && (options.percent != 0.0 || options.depression != 0.0))
-    throw InputError("--percent and --depression need an --inhibitor");
   Mixture mixture = options.mixture.build();
   const Exports library = session.library();
-  const double percent = options.depression > 0.0
-                             ? needed_percent(library, mixture, inhibitor, options.depression)
-                             : options.percent;
+  const std::vector<double> all = percents(options, library, mixture, inhibitor);
   Points points;
+  points.with_warnings = true;
   points.columns = {temperature_column(units), pressure_column(units)};
-  fill(options, units, library, mixture, inhibitor, percent, points);
-  const double shift = curve(library, mixture, {}, 0.0).T[0] - curve(library, mixture, inhibitor, percent).T[0];
-  points.notes = {fmt::format("Gravity      {:.4f} (air 1)", mixture.molar_mass / 28.966),
-                  inhibitor.kind == 0
-                      ? std::string("Inhibitor    none")
-                      : fmt::format("Inhibitor    {}, {:.4g} % by mass of its solution{}: {:.4g} K lower",
-                                    inhibitor.name, percent, options.depression > 0.0 ? " needed" : "", shift)};
+  points.notes = {fmt::format("Gravity      {:.4f} (air 1)", mixture.molar_mass / 28.966)};
+  if (inhibitor.kind == 0) points.notes.emplace_back("Inhibitor    none");
+  if (all.size() > 1)
+    points.columns.push_back(
+        {"inhibitor %", "inhibitor_mass_percent", "inhibitor_mass_percent", nullptr, 2, {}});
+  for (const double percent : all) {
+    add_points(options, units, library, mixture, inhibitor, percent, points);
+    const double shift =
+        curve(library, mixture, {}, 0.0).T[0] - curve(library, mixture, inhibitor, percent).T[0];
+    if (inhibitor.kind != 0)
+      points.notes.push_back(fmt::format("Inhibitor    {}, {:.4g} % by mass of its solution{}: {:.4g} K lower",
+                                         inhibitor.name, percent, options.depression.empty() ? "" : " needed",
+                                         shift));
+  }
   print_points(points, mixture, options.output, session);
 }
 
@@ -118,19 +213,23 @@ void add_hydrate_command(CLI::App& app, Session& session) {
       "Hydrate formation of a gas by its gravity: curve, temperature (-P) or pressure (-T), inhibitors");
   const auto options = std::make_shared<HydrateOptions>();
   options->mixture.add_to(*command);
+  command->footer(
+      "Examples:\n"
+      "  kestrune hydrate --z methane=0.93,ethane=0.05,propane=0.02 -P 30:90:30 bar\n"
+      "  kestrune hydrate --z methane=0.93,ethane=0.05,propane=0.02 -P 70 --inhibitor MEG --depression 5,10\n"
+      "  kestrune hydrate --z methane=0.93,ethane=0.05,propane=0.02 -P 70 --inhibitor methanol --percent "
+      "0:20:10");
   command->add_option("-T,--temperature", options->temperature,
                       "Value, list or range: the hydrate pressures there");
   command->add_option("-P,--pressure", options->pressure,
                       "Value, list or range: the hydrate temperatures there");
   command->add_option("--inhibitor", options->inhibitor,
-                      "methanol, NaCl, KCl, CaCl2, a component (MEG) or a molar mass in g/mol");
-  auto* percent =
-      command->add_option("--percent", options->percent, "Inhibitor in its aqueous solution, % by mass (0)")
-          ->check(CLI::Range(0.0, 99.9));
+                      "methanol, MEG, DEG, TEG, NaCl, KCl, CaCl2 or a molar mass in g/mol");
+  auto* percent = command->add_option("--percent", options->percent,
+                                      "Inhibitor in its aqueous solution, % by mass: value, list or range (0)");
   command
       ->add_option("--depression", options->depression,
-                   "Wanted depression in K: says how much inhibitor it takes")
-      ->check(CLI::Range(0.0, 200.0))
+                   "Wanted depression in K, value, list or range: says how much inhibitor it takes")
       ->excludes(percent);
   command->add_option("--points", options->points, "Points of the curve (41)")->check(CLI::Range(2, 100000));
   options->output.add_to(*command);

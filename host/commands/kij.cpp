@@ -114,13 +114,14 @@ void print_json(const Mixture& m, const std::vector<double>& T, const std::vecto
   out << root.dump(2) << '\n';
 }
 
-void print_csv(const Mixture& m, const std::vector<double>& T, const std::vector<Matrix>& k,
+void print_csv(const Mixture& m, const std::vector<double>& T, const std::vector<Matrix>& k, const Unit& unit,
                std::ostream& out) {
-  out << "component_i,component_j,temperature_K,kij,complete\n";
+  out << fmt::format("component_i,component_j,{},kij,complete\n",
+                     column_name("temperature_K", Quantity::temperature, unit));
   for (std::size_t i = 0; i < m.z.size(); ++i) {
     for (std::size_t j = i + 1; j < m.z.size(); ++j) {
       for (std::size_t t = 0; t < T.size(); ++t) {
-        out << fmt::format("{},{},{},{},{}\n", m.components[i].id, m.components[j].id, T[t],
+        out << fmt::format("{},{},{},{},{}\n", m.components[i].id, m.components[j].id, exact(T[t], unit),
                            k[t][i * m.z.size() + j],
                            is_incomplete(m, static_cast<int>(i), static_cast<int>(j)) ? 0 : 1);
       }
@@ -139,7 +140,7 @@ void show_kij(const KijOptions& options, Session& session) {
   if (options.output.format == "json")
     print_json(mixture, T, k, session.out);
   else if (options.output.format == "csv")
-    print_csv(mixture, T, k, session.out);
+    print_csv(mixture, T, k, units[Quantity::temperature], session.out);
   else
     print_table(mixture, T, k, units[Quantity::temperature], session.out);
 }
@@ -149,6 +150,10 @@ void show_kij(const KijOptions& options, Session& session) {
 void add_kij_command(CLI::App& app, Session& session) {
   auto* command = app.add_subcommand("kij", "Binary interaction parameters predicted from the groups");
   const auto options = std::make_shared<KijOptions>();
+  command->footer(
+      "Examples:\n"
+      "  kestrune kij methane CO2 H2S -T 25 C\n"
+      "  kestrune kij methane CO2 -T 0:100:50 --format csv");
   command->add_option("names", options->names, "Components; or a mixture with -m or --z");
   command->add_option("-T,--temperature", options->temperature,
                       "Temperatures: value, list or first:last:step (25 C)");

@@ -82,12 +82,13 @@ void MissingPairOptions::add_to(CLI::App& command) {
 }
 
 void MissingPairOptions::check(const Mixture& mixture) const {
-  const auto lines = missing_in_words(mixture);
+  const auto lines = missing_in_words(mixture, kTracePair);
   if (allowed || lines.empty()) return;
-  throw InputError(
-      fmt::format("no published group interaction (set {}) for\n  {}\n--allow-missing-pairs takes them as "
-                  "zero, and the result can be far off",
-                  mixture.set_name, joined(lines, "\n  ")));
+  throw InputError(fmt::format(
+      "no published group interaction (set {}) for\n  {}\n--allow-missing-pairs takes them as "
+      "zero, and the result can be far off; pairs of which one is below {:g} % of the mixture are taken as "
+      "zero in any case",
+      mixture.set_name, joined(lines, "\n  "), 100.0 * kTracePair));
 }
 
 void RecordOptions::add_to(CLI::App& command) {

@@ -14,19 +14,23 @@ namespace kestrune::host {
 // One column: values in base units, NaN where there is none. A temperature or pressure has a unit and a letter.
 struct PointColumn {
   std::string heading;         // of the table; the unit follows where there is one
-  std::string csv, json;       // names there; a unit follows the name in CSV
+  std::string csv, json;       // names there, with the base unit
   const Unit* unit = nullptr;  // of the table and of CSV; JSON is in the base unit
   int decimals = -1;           // of the table; below 0: six significant digits
-  std::vector<double> values;
+  std::vector<double> values = {};
+  Quantity quantity = Quantity::ratio;
 };
 
 struct Points {
   std::vector<std::string> notes;  // lines before the table
   std::vector<PointColumn> columns;
   std::vector<StatusCode> statuses;  // one for each point
+  bool with_warnings = false;        // one text for each point, empty where all is well
+  std::vector<std::string> warnings = {};
+  std::vector<std::string> remarks = {};  // after the table
 };
 
-// "T C", "T_C", "temperature_K"; "P bar", "P_bar", "pressure_Pa". The first two columns of every line, so that
+// "T C" in the table, "temperature_C" in CSV, "temperature_K" in JSON; "P bar", "pressure_bar", "pressure_Pa". The first two columns of every line, so that
 // its CSV can be drawn over another one.
 PointColumn temperature_column(const UnitSystem& units);
 PointColumn pressure_column(const UnitSystem& units);

@@ -19,7 +19,13 @@ constexpr struct {
 } kConditions[] = {{"-T", "--temperature", Quantity::temperature},
                    {"-P", "--pressure", Quantity::pressure},
                    {"-H", "--enthalpy", Quantity::enthalpy},
-                   {"-S", "--entropy", Quantity::entropy}};
+                   {"-S", "--entropy", Quantity::entropy},
+                   {"--water", "--water", Quantity::water_content},
+                   {"--from-P", "--from-P", Quantity::pressure},
+                   {"--max-P", "--max-P", Quantity::pressure},
+                   {"--min-T", "--min-T", Quantity::temperature},
+                   {"--T-limits", "--T-limits", Quantity::temperature},
+                   {"--P-limits", "--P-limits", Quantity::pressure}};
 
 // "-T 25 C" is one condition: a unit that stands alone after a value is joined to it.
 std::vector<std::string> with_units_joined(const std::vector<std::string>& arguments) {
@@ -69,8 +75,9 @@ int parse(CLI::App& app, Session& session, std::vector<std::string> arguments) {
 
 }  // namespace
 
-int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err) {
+int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err, const Exports* exports) {
   Session session{out, err};
+  session.exports = exports;
   try {
     CLI::App app{
         "Phase behaviour of natural gas with PPR78.\n"
@@ -79,6 +86,11 @@ int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err
     app.set_version_flag("--version", version_text());
     app.add_option("--library", session.library_path,
                    "Calculation library to use (default: the one beside the program)");
+    app.footer(
+        "Examples:\n"
+        "  kestrune flash --z methane=0.85,ethane=0.09,propane=0.04,nC4=0.02 -T -60 C -P 40 bar\n"
+        "  kestrune props --z methane=0.9,ethane=0.1 -T 20 C -P 60 barg\n"
+        "kestrune COMMAND --help has more, kestrune man all of it.");
     app.require_subcommand(1);
     app.fallthrough();
     add_flash_command(app, session);
@@ -88,6 +100,7 @@ int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err
     add_water_command(app, session);
     add_hydrate_command(app, session);
     add_envelope_command(app, session);
+    add_document_commands(app, session);
     check_command(app, arguments);
     return parse(app, session, with_units_joined(arguments));
   } catch (const InputError& e) {

@@ -49,7 +49,7 @@ void print_lines(const StateReport& r, Rows columns, bool overall, std::ostream&
       for (const Property property : columns) {
         row.push_back(shown_property(r, p, all_properties()[static_cast<std::size_t>(property)]));
       }
-      row.push_back(short_status(s));
+      row.push_back(short_status(r, s));
       table.add(row);
     };
     for (const PhaseState& p : s.phases) add(p);
@@ -57,7 +57,7 @@ void print_lines(const StateReport& r, Rows columns, bool overall, std::ostream&
     if (!s.phases.empty()) continue;
     std::vector<std::string> row(state);
     row.resize(headings.size() - 1, "-");
-    row.push_back(short_status(s));
+    row.push_back(short_status(r, s));
     table.add(row);
   }
   table.print(out);
@@ -80,13 +80,16 @@ void print_props(const StateReport& r, std::ostream& out) {
     out << '\n';
     print_lines(r, kDerived, false, out);
   }
-  print_notes(r.states, out);
+  print_notes(r, out);
 }
 
 void props(const PropsOptions& options, Session& session) {
   const std::string phase = lower(trimmed(options.phase));
-  Evaluate evaluate = flash;
+  Evaluate evaluate = options.states.flash();
   if (phase == "gas" || phase == "liquid") {
+    if (!options.states.phases.empty() || !options.states.water_model.empty())
+      throw InputError(
+          "--phase gas and --phase liquid take the mixture as one phase: no --phases, no --water-model");
     const PhaseKind kind = phase == "gas" ? PhaseKind::vapour : PhaseKind::liquid;
     evaluate = [kind](const Exports& library, const Mixture& mixture, Given, double T, double P) {
       return single_phase_at_TP(library, mixture, kind, T, P);
@@ -106,6 +109,10 @@ void add_props_command(CLI::App& app, Session& session) {
   options->states.mixture.add_to(*command);
   options->states.conditions.add_TP_to(*command, true);
   options->states.add_to(*command);
+  command->footer(
+      "Examples:\n"
+      "  kestrune props --z methane=0.9,ethane=0.1 -T 20 C -P 60 barg\n"
+      "  kestrune props --z methane=0.9,ethane=0.1 -T 0:40:20 -P 60,80 --energy kJ/kmol --phase gas");
   command->add_option("--phase", options->phase,
                       "flash (default): the phases that are present; gas or liquid: the mixture as this phase, "
                       "without asking whether it is");

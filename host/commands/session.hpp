@@ -22,13 +22,16 @@ struct Session {
   std::ostream& out;
   std::ostream& err;
   std::string library_path = default_library_path();
-  int exit_code = exit_good;  // a command sets exit_status when a calculation ended with a status
+  int exit_code = exit_good;         // a command sets exit_status when a calculation ended with a status
+  const Exports* exports = nullptr;  // of a library that is there already
 
-  Exports library() const { return load_library(library_path); }
+  Exports library() const { return exports != nullptr ? *exports : load_library(library_path); }
 };
 
-// Runs the program on its arguments (without the program name); returns its exit code. Nothing is thrown.
-int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err);
+// Runs the program on its arguments (without the program name); returns its exit code. Nothing is thrown. With
+// exports the calculation library is not loaded.
+int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err,
+        const Exports* exports = nullptr);
 
 // Each command adds itself to the program; its work is done while the arguments are parsed.
 void add_flash_command(CLI::App& app, Session& session);
@@ -38,6 +41,7 @@ void add_kij_command(CLI::App& app, Session& session);
 void add_water_command(CLI::App& app, Session& session);
 void add_hydrate_command(CLI::App& app, Session& session);
 void add_envelope_command(CLI::App& app, Session& session);
+void add_document_commands(CLI::App& app, Session& session);
 
 // ---- Options that several commands share ---------------------------------------------------------
 

@@ -1,4 +1,4 @@
-// States for programs: JSON and CSV, in base units.
+// States for programs: JSON in base units, CSV in the units asked for.
 #include <fmt/format.h>
 
 #include <cmath>
@@ -6,6 +6,7 @@
 
 #include "commands/states.hpp"
 #include "table.hpp"
+#include "text.hpp"
 
 namespace kestrune::host {
 
@@ -55,6 +56,9 @@ ordered_json phase_json(const Mixture& m, const PhaseState& p) {
                     {"property_status", values.first_failure()},
                     {"property_status_text", kv_status_text(values.first_failure())},
                     {"heat_capacity_extrapolated", values.extrapolated()}};
+  const auto limits = model_limits(m, p);
+  if (p.kind != PhaseKind::overall && !limits.empty()) root["model_limits"] = limits;
+  if (std::isfinite(p.saturation)) root["water_at_saturation"] = p.saturation;
   ordered_json missing = ordered_json::object();
   for (const PropertyInfo& info : all_properties()) {
     root[std::string(info.key)] = values[info.property];
@@ -113,13 +117,15 @@ void add_three_phases(const Mixture& m, const Equilibrium& s, ordered_json& root
 }
 
 ordered_json state_json(const Mixture& m, const Equilibrium& s) {
-  ordered_json root{{"given", given_json(s)},
-                    {"temperature_K", s.T},  // NaN becomes null
-                    {"pressure_Pa", s.P},
-                    {"flashed", s.flashed},
-                    {"status", s.status},
-                    {"status_text", kv_status_text(s.status)},
-                    {"phases", ordered_json::array()}};
+  static const UnitSystem base = unit_system("si");
+  ordered_json root{{"given", given_json(s)}, {"temperature_K", s.T},  // NaN becomes null
+                    {"pressure_Pa", s.P},     {"flashed", s.flashed},
+                    {"status", s.status},     {"status_text", state_in_words(s, base, m.molar_mass)},
+                    {"stable", s.stable},     {"remark", s.remark},
+                    {"phases_found", 0},      {"phases", ordered_json::array()}};
+  int found = 0;
+  for (const PhaseState& p : s.phases) found += p.mole_fraction > 0.0 ? 1 : 0;
+  root["phases_found"] = found;
   for (const PhaseState& p : s.phases) root["phases"].push_back(phase_json(m, p));
   if (s.iterate_left()) root["last_iterate"] = last_iterate_json(m, s);
   if (!s.flashed || !s.answered()) return root;
@@ -129,7 +135,7 @@ ordered_json state_json(const Mixture& m, const Equilibrium& s) {
     add_three_phases(m, s, root);
     return root;
   }
-  if (s.beta == 0.0 || s.beta == 1.0) {
+  if ((s.beta == 0.0 || s.beta == 1.0) && s.phase(PhaseKind::dense) == nullptr) {
     const bool gas = s.beta == 1.0;
     root["incipient_phase"] = {{"phase", gas ? "liquid" : "vapour"},
                                {"composition", by_component(m, gas ? s.x : s.y)}};
@@ -140,29 +146,32 @@ ordered_json state_json(const Mixture& m, const Equilibrium& s) {
   return root;
 }
 
-// The shortest digits that read back as the same number; an empty field for no number.
-std::string exact(double value) {
-  return std::isfinite(value) ? fmt::format("{}", value) : "";
-}
-
 // The columns of a phase, each with its comma.
-std::string phase_csv(const PhaseState& p) {
+std::string phase_csv(const StateReport& r, const PhaseState& p) {
   std::string line =
       fmt::format(",{},{},{},{}", phase_name(p.kind), p.mole_fraction, p.mass_fraction, p.molar_mass);
   for (const PropertyInfo& info : all_properties())
-    line.append(1, ',').append(exact(p.properties[info.property]));
+    line.append(1, ',').append(exact(p.properties[info.property], r.units[info.quantity], p.molar_mass));
   const StatusCode status = p.properties.first_failure();
   line +=
       fmt::format(",{},{},{}", status, csv_field(kv_status_text(status)), p.properties.extrapolated() ? 1 : 0);
+  std::vector<std::string> limits;
+  if (p.kind != PhaseKind::overall)
+    for (const auto limit : model_limits(r.mixture, p)) limits.emplace_back(limit);
+  line += fmt::format(",{},{}", csv_field(joined(limits, "; ")),
+                      std::isfinite(p.saturation) ? fmt::format("{}", p.saturation) : "");
   for (const double x : p.x) line += fmt::format(",{}", x);
   return line;
 }
 
-std::string phase_headings(const Mixture& m) {
+constexpr std::size_t kColumnsBeforeX = 9 + kPropertyCount;
+
+std::string phase_headings(const StateReport& r) {
   std::string line = ",phase,mole_fraction,mass_fraction,molar_mass_g_mol";
-  for (const PropertyInfo& info : all_properties()) line += fmt::format(",{}", info.key);
-  line += ",property_status,property_status_text,heat_capacity_extrapolated";
-  for (const Component& c : m.components) line += fmt::format(",x_{}", c.id);
+  for (const PropertyInfo& info : all_properties())
+    line += "," + column_name(info.key, info.quantity, r.units[info.quantity]);
+  line += ",property_status,property_status_text,heat_capacity_extrapolated,model_limits,water_at_saturation";
+  for (const Component& c : r.mixture.components) line += fmt::format(",x_{}", c.id);
   return line;
 }
 
@@ -178,20 +187,24 @@ void print_json(const StateReport& report, std::ostream& out) {
 }
 
 void print_csv(const StateReport& report, bool overall_rows, std::ostream& out) {
-  constexpr std::size_t columns_before_x = 7 + kPropertyCount;
   // What was given beside temperature and pressure has a column of its own.
   const Given given = report.states.front().given;
   const bool with_given = given != Given::TP;
+  const Quantity first = quantities_of(given).front();
+  const Unit &T = report.units[Quantity::temperature], &P = report.units[Quantity::pressure];
   out << "state,";
-  if (with_given) out << "given_" << key_of(quantities_of(given).front()) << ',';
-  out << "temperature_K,pressure_Pa,status,status_text" << phase_headings(report.mixture) << '\n';
+  if (with_given) out << "given_" << column_name(key_of(first), first, report.units[first]) << ',';
+  out << fmt::format("{},{},status,status_text{}\n", column_name("temperature_K", Quantity::temperature, T),
+                     column_name("pressure_Pa", Quantity::pressure, P), phase_headings(report));
+  const double M = report.mixture.molar_mass;
   for (std::size_t i = 0; i < report.states.size(); ++i) {
     const Equilibrium& s = report.states[i];
-    const std::string head = fmt::format("{},{}{},{},{},{}", i + 1, with_given ? exact(s.values[0]) + "," : "",
-                                         exact(s.T), exact(s.P), s.status, csv_field(kv_status_text(s.status)));
-    if (s.phases.empty()) out << head << std::string(columns_before_x + report.mixture.z.size(), ',') << '\n';
-    for (const PhaseState& p : s.phases) out << head << phase_csv(p) << '\n';
-    if (overall_rows && !s.phases.empty()) out << head << phase_csv(s.overall) << '\n';
+    const std::string of_given = with_given ? exact(s.values[0], report.units[first], M) + "," : "";
+    const std::string head = fmt::format("{},{}{},{},{},{}", i + 1, of_given, exact(s.T, T), exact(s.P, P),
+                                         s.status, csv_field(state_in_words(s, report.units, M)));
+    if (s.phases.empty()) out << head << std::string(kColumnsBeforeX + report.mixture.z.size(), ',') << '\n';
+    for (const PhaseState& p : s.phases) out << head << phase_csv(report, p) << '\n';
+    if (overall_rows && !s.phases.empty()) out << head << phase_csv(report, s.overall) << '\n';
   }
 }
 

@@ -27,6 +27,15 @@ constexpr StateNumber kStateNumbers[] = {
     {"T", "temperature_K", [](const Equilibrium& s) { return s.T; }},
     {"P", "pressure_Pa", [](const Equilibrium& s) { return s.P; }},
     {"beta", "vapour_fraction", [](const Equilibrium& s) { return s.phases.empty() ? kNone : s.beta; }},
+    {"dense", "dense_fraction",
+     [](const Equilibrium& s) {
+       const PhaseState* dense = s.phase(PhaseKind::dense);
+       return s.phases.empty() ? kNone : dense != nullptr ? dense->mole_fraction : 0.0;
+     }},
+    {"liquid", "liquid_fraction",
+     [](const Equilibrium& s) {
+       return s.phases.empty() ? kNone : s.liquid_fraction(false) + s.liquid_fraction(true);
+     }},
     {"hydrocarbon", "hydrocarbon_liquid_fraction",
      [](const Equilibrium& s) { return s.phases.empty() ? kNone : s.liquid_fraction(false); }},
     {"aqueous", "aqueous_liquid_fraction",
@@ -57,10 +66,10 @@ double number(const Equilibrium& s, const std::string& name) {
 void check_number_names(const std::vector<std::string>& names) {
   for (const std::string& name : names) {
     if (find_state_number(name) != nullptr || find_property(name) != nullptr) continue;
-    throw InputError(
-        fmt::format("unknown number \"{}\": print T, P, beta, hydrocarbon, aqueous, M, H, S, G, Z, density "
-                    "or a key of the JSON output such as molar_volume_m3_mol",
-                    name));
+    throw InputError(fmt::format(
+        "unknown number \"{}\": print T, P, beta, dense, liquid, hydrocarbon, aqueous, M, H, S, G, Z, density "
+        "or a key of the JSON output such as molar_volume_m3_mol",
+        name));
   }
 }
 
@@ -75,7 +84,11 @@ void print_numbers(const StateReport& report, const std::vector<std::string>& na
     }
     out << joined(numbers, " ") << '\n';
     const StatusCode status = s.first_failure();
-    if (status != KV_OK) err << fmt::format("kestrune: state {}: status {}\n", i + 1, status_in_words(status));
+    if (s.bound.found() || !s.stable)
+      err << fmt::format("kestrune: state {}: {}\n", i + 1,
+                         state_in_words(s, report.units, report.mixture.molar_mass));
+    else if (status != KV_OK)
+      err << fmt::format("kestrune: state {}: status {}\n", i + 1, status_in_words(status));
   }
 }
 

@@ -1,6 +1,7 @@
 // The text of states that several commands share.
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <utility>
@@ -12,6 +13,14 @@
 namespace kestrune::host {
 
 namespace {
+
+constexpr double kSameWater = 0.01;  // amounts of water that differ by less are taken for the same
+
+double water_in(const Mixture& mixture, const PhaseState& p) {
+  for (std::size_t i = 0; i < p.x.size(); ++i)
+    if (mixture.components[i].family == KV_FAMILY_WATER) return p.x[i];
+  return 0.0;
+}
 
 // "25.000 C (298.150 K)", "-" for a value that there is not.
 std::string shown_twice(const Unit& unit, double base, int decimals, double other,
@@ -27,8 +36,22 @@ std::string status_in_words(StatusCode status) {
   return status == KV_OK ? kv_status_text(status) : fmt::format("{}: {}", status, kv_status_text(status));
 }
 
-std::string short_status(const Equilibrium& state) {
+std::string state_in_words(const Equilibrium& s, const UnitSystem& units, double molar_mass) {
+  if (s.bound.found()) {
+    const Quantity quantity = quantities_of(s.given).front();
+    const Unit& unit = units[quantity];
+    const bool enthalpy = quantity == Quantity::enthalpy;
+    return fmt::format("{}: no state has this {}: {} is {} {} at {:.6g} K", s.status, quantity_name(quantity),
+                       enthalpy ? "H" : "S", shown_significant(unit.from_base(s.bound.value, molar_mass)),
+                       unit.name, s.bound.T);
+  }
+  return s.stable ? kv_status_text(s.status) : s.remark;
+}
+
+std::string short_status(const StateReport& report, const Equilibrium& state) {
+  if (state.bound.found()) return state_in_words(state, report.units, report.mixture.molar_mass);
   if (state.status != KV_OK) return status_in_words(state.status);
+  if (!state.stable) return "not stable";
   const bool complete = state.first_failure() == KV_OK;
   return fmt::format("{}{}", complete ? kv_status_text(KV_OK) : "incomplete", state.extrapolated() ? "*" : "");
 }
@@ -74,7 +97,7 @@ void print_state(const StateReport& report, const Equilibrium& s, std::ostream& 
   }
   out << "Temperature  " << shown_twice(T, s.T, 3, s.T, "K") << '\n'
       << "Pressure     " << shown_twice(P, s.P, 4, s.P / kAtmInPa, "atm") << '\n'
-      << fmt::format("Status       {}\n", short_status(s))
+      << fmt::format("Status       {}\n", short_status(report, s))
       << fmt::format("Phases       {}\n", phases_in_words(s));
 }
 
@@ -102,7 +125,39 @@ void print_properties(const StateReport& report, const Equilibrium& s, std::span
   table.print(out);
 }
 
-void print_notes(std::span<const Equilibrium> states, std::ostream& out) {
+namespace {
+
+// Adds a sentence that is not there yet.
+void add_once(std::vector<std::string>& notes, const std::string& note) {
+  if (std::find(notes.begin(), notes.end(), note) == notes.end()) notes.push_back(note);
+}
+
+// Limits of the model, remarks on states, and the water of gases.
+std::vector<std::string> notes_of(const StateReport& report) {
+  std::vector<std::string> notes, limits;
+  bool saturation = false;
+  for (const Equilibrium& s : report.states) {
+    if (!s.remark.empty()) add_once(notes, s.remark);
+    for (const PhaseState& p : s.phases) {
+      for (const auto limit : model_limits(report.mixture, p)) add_once(limits, std::string(limit));
+      const double water = water_in(report.mixture, p);
+      if (std::fabs(p.saturation / water - 1.0) <= kSameWater || std::isnan(p.saturation)) continue;
+      if (report.states.size() == 1)
+        notes.push_back(fmt::format("water of the {}: {} by the flash, {} at saturation by the command water",
+                                    phase_name(p.kind), shown_fraction(water), shown_digits(p.saturation, 4)));
+      saturation = true;
+    }
+  }
+  if (saturation) notes.emplace_back(kSaturationText);
+  notes.insert(notes.end(), limits.begin(), limits.end());
+  return notes;
+}
+
+}  // namespace
+
+void print_notes(const StateReport& report, std::ostream& out) {
+  const std::vector<Equilibrium>& states = report.states;
+  const std::vector<std::string> notes = notes_of(report);
   // Titles of the missing properties of a phase, by phase and status; one bit per property.
   std::map<std::pair<PhaseKind, StatusCode>, unsigned> missing;
   bool extrapolated = false, negative = false;
@@ -116,7 +171,8 @@ void print_notes(std::span<const Equilibrium> states, std::ostream& out) {
       negative = negative || p.properties[Property::Cp] < 0.0 || p.properties[Property::Cv] < 0.0;
     }
   }
-  if (extrapolated || negative || !missing.empty()) out << '\n';
+  if (extrapolated || negative || !missing.empty() || !notes.empty()) out << '\n';
+  for (const std::string& note : notes) out << "Note: " << note << '\n';
   if (extrapolated) out << "* " << kExtrapolatedText << '\n';
   if (negative) out << kNegativeHeatText << '\n';
   for (const auto& [where, properties] : missing) {

@@ -1,5 +1,7 @@
 #include "commands/states.hpp"
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 
 #include "error.hpp"
@@ -8,6 +10,13 @@
 namespace kestrune::host {
 
 void StateOptions::add_to(CLI::App& command) {
+  command.add_option(
+      "--phases", phases,
+      "auto (default): as many phases as there are, up to three; 2: vapour and liquid; 3: two liquids "
+      "and vapour");
+  command.add_option(
+      "--water-model", water_model,
+      "Water of a gas: groups (default), by the flash; saturation, by the balance of the command water");
   missing.add_to(command);
   record.add_to(command);
   output.add_to(command);
@@ -16,8 +25,8 @@ void StateOptions::add_to(CLI::App& command) {
                      "cal/mol, Btu/lb or Btu/lbmol");
   command
       .add_option("--print", print,
-                  "Only these numbers, one line per state, in the units of JSON: T, P, beta, hydrocarbon, "
-                  "aqueous, M, H, S, G, Z, density or a key of JSON, by commas")
+                  "Only these numbers, one line per state, in the units of JSON: T, P, beta, dense, "
+                  "liquid, hydrocarbon, aqueous, M, H, S, G, Z, density or a key of JSON, by commas")
       ->excludes(command.get_option("--format"));
 }
 
@@ -27,6 +36,21 @@ UnitSystem StateOptions::system() const {
   return units;
 }
 
+Evaluate StateOptions::flash() const {
+  const std::string number = lower(trimmed(phases)), model = lower(trimmed(water_model));
+  if (!number.empty() && number != "auto" && number != "2" && number != "3")
+    throw InputError(fmt::format("--phases {}: a flash looks for auto, 2 or 3 phases", phases));
+  if (!model.empty() && model != "groups" && model != "saturation")
+    throw InputError(fmt::format("--water-model {}: use groups or saturation", water_model));
+  if (model == "saturation") {
+    if (record.free_water)
+      throw InputError("--water-model saturation has a liquid water of its own: no --free-water");
+    if (number == "2") throw InputError("--water-model saturation looks for all phases: no --phases 2");
+    return flash_with_saturation;
+  }
+  return number == "2" ? flash_of_two : number == "3" ? flash_of_up_to_three : flash_of_all;
+}
+
 void report_states(const StateOptions& options, Session& session, const Evaluate& evaluate,
                    const PrintText& print_text, bool overall_rows) {
   const UnitSystem units = options.system();
@@ -34,6 +58,8 @@ void report_states(const StateOptions& options, Session& session, const Evaluate
   check_number_names(numbers);
   Mixture mixture = options.mixture.build();
   const Conditions conditions = options.conditions.read(units, mixture.molar_mass);
+  if (lower(trimmed(options.water_model)) == "saturation" && conditions.given != Given::TP)
+    throw InputError("--water-model saturation needs temperature and pressure");
   options.missing.check(mixture);
   options.record.apply(mixture);
   const Exports library = session.library();
@@ -42,7 +68,7 @@ void report_states(const StateOptions& options, Session& session, const Evaluate
   for (const double first : conditions.values[0]) {
     for (const double second : conditions.values[1]) {
       states.push_back(evaluate(library, mixture, conditions.given, first, second));
-      if (states.back().first_failure() != KV_OK) session.exit_code = exit_status;
+      if (states.back().first_failure() != KV_OK || !states.back().stable) session.exit_code = exit_status;
     }
   }
   const StateReport report{mixture, states, units};

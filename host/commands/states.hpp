@@ -19,6 +19,8 @@ struct StateReport {
   const UnitSystem& units;  // of the text; JSON and CSV are in the base units
 };
 
+using Evaluate = std::function<Equilibrium(const Exports&, Mixture&, Given, double first, double second)>;
+
 // Options of a command on a mixture at many states. The command adds those of the mixture and the conditions
 // that it takes; add_to adds the others.
 struct StateOptions {
@@ -27,13 +29,13 @@ struct StateOptions {
   MissingPairOptions missing;
   RecordOptions record;
   OutputOptions output;
-  std::string energy, print;
+  std::string energy, print, phases, water_model;
 
   void add_to(CLI::App& command);
   UnitSystem system() const;
+  Evaluate flash() const;  // by --phases and --water-model
 };
 
-using Evaluate = std::function<Equilibrium(const Exports&, Mixture&, Given, double first, double second)>;
 using PrintText = std::function<void(const StateReport&, std::ostream&)>;
 
 // Evaluates every combination of the conditions and prints the report in the format asked for. A
@@ -59,6 +61,9 @@ void print_numbers(const StateReport& report, const std::vector<std::string>& na
 
 // ---- state_text.cpp: for the reader -------------------------------------------------------------
 
+inline constexpr const char* kSaturationText =
+    "the water of a gas is by the group interactions; its saturation by the command water is the one to trust "
+    "(docs/water.md): --water-model saturation";
 inline constexpr const char* kExtrapolatedText =
     "temperature outside the range of the ideal-gas heat capacity of at least one component: continued beyond "
     "it";
@@ -68,9 +73,12 @@ inline constexpr const char* kNegativeHeatText =
 
 // "success", or number and text
 std::string status_in_words(StatusCode status);
-// The status of a state for a column: that of the flash, "incomplete" where a property is missing, and with an
-// asterisk where a heat capacity was continued beyond its range. print_notes says what these mean.
-std::string short_status(const Equilibrium& state);
+// What a state ended with: the text of the status, that it is not stable, or what is known of an enthalpy or entropy
+// that no state has.
+std::string state_in_words(const Equilibrium& state, const UnitSystem& units, double molar_mass);
+// The same for a column: "incomplete" where a property is missing, and with an asterisk where a heat capacity was
+// continued beyond its range. print_notes says what these mean.
+std::string short_status(const StateReport& report, const Equilibrium& state);
 
 // Mixture, free water and remarks.
 void print_mixture(const StateReport& report, std::ostream& out);
@@ -79,9 +87,9 @@ void print_state(const StateReport& report, const Equilibrium& state, std::ostre
 // One row per property, one column per phase and, of several, one for all of them.
 void print_properties(const StateReport& report, const Equilibrium& state, std::span<const Property> rows,
                       std::ostream& out);
-// Which properties are missing and why, and whether heat capacities were continued; once, nothing if all is
-// well.
-void print_notes(std::span<const Equilibrium> states, std::ostream& out);
+// Which properties are missing and why, whether heat capacities were continued, what the model cannot do, what was
+// remarked on the states; once, nothing if all is well.
+void print_notes(const StateReport& report, std::ostream& out);
 
 // A property in the units of the report; "-" where there is none. With the unit: "density kg/m3".
 std::string shown_property(const StateReport& report, const PhaseState& phase, const PropertyInfo& info);

@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cmath>
 
 #include "commands/points.hpp"
@@ -12,72 +13,68 @@ namespace kestrune::host {
 
 namespace {
 
-constexpr double kWaterMass = 18.01528;  // g/mol
 constexpr std::int32_t kWaterCas = 7732185;
-// Moles in a volume of ideal gas: 1 m3 at 0 C and 1 atm, 10^6 ft3 at 60 F and 14.696 psia.
-constexpr double kGasConstant = 8.314462618;
-constexpr double kMolPerNormalM3 = kAtmInPa / (kGasConstant * kZeroCelsius);
-constexpr double kFootInM = 0.3048, kPoundInG = 453.59237;
-constexpr double kMolPerMMscf = 14.696 * kPsiInPa * 1e6 * kFootInM * kFootInM * kFootInM /
-                                (kGasConstant * (kZeroFahrenheit + 60.0) * 5.0 / 9.0);
-
-// Water contents and what one of them is as a mole fraction of the wet gas.
-constexpr struct {
-  const char* name;
-  double fraction;
-} kContents[] = {{"mol/mol", 1.0},
-                 {"ppm", 1e-6},
-                 {"%", 0.01},
-                 {"mg/nm3", 1e-3 / (kWaterMass * kMolPerNormalM3)},
-                 {"lb/mmscf", kPoundInG / (kWaterMass * kMolPerMMscf)}};
 
 struct WaterOptions {
   MixtureOptions mixture;
   MissingPairOptions missing;
   OutputOptions output;
-  std::string temperature, pressure, water, method = "eos";
+  std::string temperature, pressure, water, content = "mg/Nm3,lb/MMscf", method = "eos";
   bool line = false;
   int points = 41;
 };
 
-double parse_content(const std::string& text) {
-  const std::string_view whole = trimmed(text);
-  const std::size_t length = number_length(whole);
-  const auto value = parse_number(whole.substr(0, length));
-  const std::string name = lower(trimmed(whole.substr(length)));
-  for (const auto& content : kContents) {
-    const double fraction = value ? *value * content.fraction : -1.0;
-    if ((name == content.name || (name.empty() && content.fraction == 1.0)) && fraction >= 0.0 &&
-        fraction < 1.0)
-      return fraction;
-  }
-  throw InputError(
-      fmt::format("the water content \"{}\" is not a number with mol/mol, ppm, %, mg/Nm3 or lb/MMscf, below "
-                  "one mole fraction",
-                  text));
+bool is_water(const Component& c) {
+  return c.cas_number == kWaterCas;
 }
 
-// The mixture with water in it: that of the composition, or so much that the wet gas has the content asked for.
+// The mixture with water among its components.
 Mixture build(const WaterOptions& options) {
   Composition composition = options.mixture.composition();
-  bool there = false;
-  for (const Component& c : composition.components) there = there || c.cas_number == kWaterCas;
-  if (!there) composition.set("water", 0.0);
-  Mixture mixture = build_mixture(composition, interaction_set(options.mixture.set));
-  if (options.water.empty()) return mixture;
-  const double y = parse_content(options.water);
-  const auto is_water = [&](std::size_t i) { return mixture.components[i].cas_number == kWaterCas; };
+  if (std::none_of(composition.components.begin(), composition.components.end(), is_water))
+    composition.set("water", 0.0);
+  return build_mixture(composition, interaction_set(options.mixture.set));
+}
+
+// g/mol, without its water.
+double dry_mass(const Mixture& mixture) {
+  double mass = 0.0, moles = 0.0;
+  for (std::size_t i = 0; i < mixture.z.size(); ++i) {
+    if (is_water(mixture.components[i])) continue;
+    mass += mixture.z[i] * mixture.components[i].molar_mass;
+    moles += mixture.z[i];
+  }
+  if (!(moles > 0.0)) throw InputError("there is nothing but water in the mixture");
+  return mass / moles;
+}
+
+double wet_mass(double dry, double y) {
+  return dry + y * (kWaterMass - dry);
+}
+
+// Contents as mole fractions of the wet gas. A content by mass goes by the molar mass of that gas.
+std::vector<double> contents(const std::string& text, double dry) {
+  static const Unit& plain = unit(Quantity::water_content, "mol/mol");
+  std::vector<double> values = parse_conditions(Quantity::water_content, text, plain, dry);
+  for (std::size_t i = 0; i < values.size(); ++i)
+    for (int pass = 0; pass < 40; ++pass)
+      values[i] = parse_conditions(Quantity::water_content, text, plain, wet_mass(dry, values[i]))[i];
+  return values;
+}
+
+// Puts so much water into the gas.
+void set_water(Mixture& mixture, double y) {
   double dry = 0.0;
-  for (std::size_t i = 0; i < mixture.z.size(); ++i) dry += is_water(i) ? 0.0 : mixture.z[i];
-  if (!(dry > 0.0)) throw InputError("there is nothing but water in the mixture");
   for (std::size_t i = 0; i < mixture.z.size(); ++i)
-    mixture.z[i] = is_water(i) ? y : mixture.z[i] * (1.0 - y) / dry;
-  return mixture;
+    dry += is_water(mixture.components[i]) ? 0.0 : mixture.z[i];
+  for (std::size_t i = 0; i < mixture.z.size(); ++i)
+    mixture.z[i] = is_water(mixture.components[i]) ? y : mixture.z[i] * (1.0 - y) / dry;
+  mixture.molar_mass = wet_mass(dry_mass(mixture), y);
 }
 
 double water_fraction(const Mixture& mixture) {
   for (std::size_t i = 0; i < mixture.z.size(); ++i)
-    if (mixture.components[i].cas_number == kWaterCas) return mixture.z[i];
+    if (is_water(mixture.components[i])) return mixture.z[i];
   return 0.0;
 }
 
@@ -86,12 +83,15 @@ struct Job {
   const Exports& library;
   Mixture& mixture;
   std::int32_t method;
+  std::vector<const Unit*> units;  // of the water content, a column each
+  double dry;                      // molar mass
   Points& points;
 
   // T in K, P in Pa, y the water of the gas there; humidity NaN: not asked for.
   void add(double T, double P, double y, double humidity, StatusCode status) {
-    const double values[] = {
-        T, P, y, y * kMolPerNormalM3 * kWaterMass * 1e3, y * kMolPerMMscf * kWaterMass / kPoundInG, humidity};
+    std::vector<double> values{T, P, y};
+    for (const Unit* u : units) values.push_back(u->from_base(y, wet_mass(dry, y)));
+    values.push_back(humidity);
     for (std::size_t c = 0; c < points.columns.size(); ++c) points.columns[c].values.push_back(values[c]);
     points.statuses.push_back(status);
   }
@@ -148,7 +148,11 @@ void water(const WaterOptions& options, Session& session) {
     throw InputError("give -T and -P (water content), -P (dew temperature), -T (dew pressure) or --line");
   if (options.line && !Ts.empty()) throw InputError("--line takes pressures only");
   const bool content = !options.line && !Ts.empty() && !Ps.empty();
-  if (!content && !(water_fraction(mixture) > 0.0))
+  const double dry = dry_mass(mixture);
+  const std::vector<double> waters =
+      options.water.empty() ? std::vector<double>{water_fraction(mixture)} : contents(options.water, dry);
+  const bool wet = std::all_of(waters.begin(), waters.end(), [](double y) { return y > 0.0; });
+  if (!content && !wet)
     throw InputError(
         "a dew point needs water in the gas: give it in the mixture or with --water, \"50 mg/Nm3\"");
   options.missing.check(mixture);
@@ -163,17 +167,28 @@ void water(const WaterOptions& options, Session& session) {
       fmt::format("Rows         {}", content ? "the gas saturated with water" : "water dew points")};
   points.columns = {temperature_column(units),
                     pressure_column(units),
-                    {"water mol", "water", "water_mole_fraction", nullptr, -1, {}},
-                    {"mg/Nm3", "water_mg_Nm3", "water_mg_Nm3", nullptr, -1, {}},
-                    {"lb/MMscf", "water_lb_MMscf", "water_lb_MMscf", nullptr, -1, {}}};
-  if (content && water_fraction(mixture) > 0.0)
+                    {"water mol", "water", "water_mole_fraction", nullptr, -1, {}}};
+  if (!chart)
+    points.remarks = {
+        "a flash puts another amount of water into its gas; for a gas this one is the one to trust "
+        "(docs/water.md), "
+        "and flash --water-model saturation takes it"};
+  Job job{library, mixture, chart ? 2 : 1, {}, dry, points};
+  for (const std::string& name : split(options.content, ',')) {
+    const Unit& u = unit(Quantity::water_content, name);
+    job.units.push_back(&u);
+    const std::string key = column_name("water_mol_mol", Quantity::water_content, u);
+    points.columns.push_back({std::string(u.name), key, key, nullptr, -1, {}});
+  }
+  if (content && wet)
     points.columns.push_back(
         {"rel. humidity %", "relative_humidity_percent", "relative_humidity_percent", nullptr, 2, {}});
-  Job job{library, mixture, chart ? 2 : 1, points};
-  if (options.line) dew_line(job, Ps, options.points);
-  for (const double T : content ? Ts : std::vector<double>{})
-    for (const double P : Ps) saturation(job, T, P);
-  if (!content && !options.line) {
+  for (const double y : waters) {
+    set_water(mixture, y);
+    if (options.line) dew_line(job, Ps, options.points);
+    for (const double T : content ? Ts : std::vector<double>{})
+      for (const double P : Ps) saturation(job, T, P);
+    if (content || options.line) continue;
     for (const double P : Ps) dew_temperature(job, P);
     for (const double T : Ts) dew_pressure(job, T);
   }
@@ -188,12 +203,18 @@ void add_water_command(CLI::App& app, Session& session) {
       "Water in a gas: content at saturation (-T and -P), dew temperature (-P), dew pressure (-T), dew line");
   const auto options = std::make_shared<WaterOptions>();
   options->mixture.add_to(*command);
+  command->footer(
+      "Examples:\n"
+      "  kestrune water --z methane=0.95,CO2=0.05 -T 0:40:20 C -P 70 bar\n"
+      "  kestrune water --z methane=0.95,CO2=0.05 --water \"50,100 mg/Sm3\" -P 70 bar\n"
+      "  kestrune water --z methane=0.95,CO2=0.05 --water 60 ppmv --line -P \"1,100 bar\" --points 5");
   command->add_option("-T,--temperature", options->temperature, "Value, list or range (25 C)");
   command->add_option("-P,--pressure", options->pressure, "Value, list or range (60 barg)");
-  command->add_option(
-      "--water", options->water,
-      "Water of the gas: number with mol/mol, ppm, %, mg/Nm3 or lb/MMscf, of the wet gas; replaces "
-      "that of the mixture");
+  command->add_option("--water", options->water,
+                      "Water of the wet gas, value, list or range with mol/mol, %, ppmv, ppmw, mg/Nm3, g/Nm3, "
+                      "mg/Sm3 or lb/MMscf; "
+                      "replaces that of the mixture");
+  command->add_option("--content", options->content, "Units of the water contents shown (mg/Nm3,lb/MMscf)");
   command->add_flag("--line", options->line,
                     "Dew line between two pressures, -P \"1,200 bar\" (1 and 200 atm)");
   command->add_option("--points", options->points, "Points of the line (41)")->check(CLI::Range(1, 100000));

@@ -3,6 +3,7 @@
 
 #include <fstream>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -30,17 +31,40 @@ inline std::vector<Row> rows(const std::string& name) {
   return result;
 }
 
+// Words apart by blanks; what stands between double quotes is one.
+inline std::vector<std::string> words(const std::string& line) {
+  std::vector<std::string> result;
+  bool quoted = false, open = false;
+  for (const char c : line) {
+    if (c == '"') {
+      quoted = !quoted;
+    } else if (c == ' ' && !quoted) {
+      open = false;
+      continue;
+    }
+    if (!open) result.emplace_back();
+    open = true;
+    if (c != '"') result.back() += c;
+  }
+  return result;
+}
+
 struct Run {
   int code;
   std::string out, err;
 };
 
-// The program in this process, with the toy library.
-inline Run run(std::vector<std::string> arguments, const std::string& library = KESTRUNE_FAKE) {
+// The program in this process, with the library beside it or with these exports.
+inline Run run(const std::string& line, const kestrune::host::Exports* exports = nullptr) {
   std::ostringstream out, err;
-  arguments.insert(arguments.begin(), {"--library", library});
-  const int code = kestrune::host::run(arguments, out, err);
+  const int code = kestrune::host::run(words(line), out, err, exports);
   return {code, out.str(), err.str()};
+}
+
+// What a command says in JSON.
+inline nlohmann::json json_of(const std::string& line) {
+  const Run r = run(line + " --format json");
+  return r.out.empty() ? nlohmann::json{{"error", r.err}} : nlohmann::json::parse(r.out);
 }
 
 // What an input error says; empty when nothing is thrown.

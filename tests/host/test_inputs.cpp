@@ -98,6 +98,41 @@ TEST(units, conversions_are_exact_and_return) {
   }
 }
 
+// Published factors: calorie 4.184 J, Btu 1055.05585262 J, pound 0.45359237 kg, foot 0.3048 m, molar volume of ideal gas
+// 0.022413970 and 0.023644830 m3/mol at 0 and 15 C and 1 atm, molar mass of water 18.01528 g/mol.
+TEST(units, of_properties_have_the_published_factors) {
+  using Q = Quantity;
+  const struct {
+    Q quantity;
+    const char* name;
+    double molar_mass, base;
+  } cases[] = {{Q::enthalpy, "cal/mol", 0.0, 4.184},
+               {Q::enthalpy, "Btu/lb", 1000.0, 2326.0},
+               {Q::enthalpy, "BTU/lbmol", 0.0, 2.326},
+               {Q::enthalpy, "kJ/kg", 18.0, 18.0},
+               {Q::entropy, "Btu/(lb F)", 1000.0, 4186.8},
+               {Q::entropy, "kj/kgK", 30.0, 30.0},
+               {Q::density, "lb/ft3", 0.0, 16.01846337},
+               {Q::molar_volume, "ft3/lbmol", 0.0, 6.242796057e-5},
+               {Q::conductivity, "Btu/(h ft F)", 0.0, 1.730734666},
+               {Q::joule_thomson, "F/psi", 0.0, 8.0576521e-5},
+               {Q::pressure, "kg/cm2", 0.0, 98066.5},
+               {Q::water_content, "mg/Nm3", 0.0, 0.022413970e-3 / 18.01528},
+               {Q::water_content, "g/Nm3", 0.0, 0.022413970 / 18.01528},
+               {Q::water_content, "mg/Sm3", 0.0, 0.023644830e-3 / 18.01528},
+               {Q::water_content, "ppmw", 16.0425, 16.0425e-6 / 18.01528}};
+  for (const auto& c : cases)
+    EXPECT_NEAR(unit(c.quantity, c.name).to_base(1.0, c.molar_mass), c.base, 1e-7 * c.base) << c.name;
+  // The unit of entropy is that of enthalpy, for a kelvin or for 5/9 of one.
+  UnitSystem system = unit_system("field");
+  for (const char* name : {"cal/mol", "J/mol", "kJ/mol", "kJ/kmol", "kJ/kg", "J/kg", "Btu/lbmol", "Btu/lb"}) {
+    system.choose_energy(name);
+    const double kelvin = contains(name, "Btu") ? 5.0 / 9.0 : 1.0;
+    EXPECT_DOUBLE_EQ(system[Q::entropy].to_base(1.0, 30.0) * kelvin, system[Q::enthalpy].to_base(1.0, 30.0))
+        << name;
+  }
+}
+
 TEST(units, lists_and_ranges_expand) {
   const Unit& celsius = unit(Quantity::temperature, "C");
   const auto list = [&](const char* text) { return parse_conditions(Quantity::temperature, text, celsius); };

@@ -42,7 +42,7 @@ Component component_of(const Row& row, const std::string& letter) {
 }
 
 double kij_of(const Composition& c, const Row& row, const CubicConstants& constants) {
-  static const Exports library = load_library(KESTRUNE_FAKE);
+  static const Exports library = load_library(default_library_path());
   Mixture m = build_mixture(c, interaction_set(set_name(row)));
   m.hand_over(library);
   return binary_interactions(m, std::stod(row.at("T_K")), constants)[1];
@@ -101,7 +101,7 @@ TEST(kij, rounded_constants_differ_by_a_known_part) {
 }
 
 TEST(kij, is_independent_of_the_other_components) {
-  const Exports library = load_library(KESTRUNE_FAKE);
+  const Exports library = load_library(default_library_path());
   Composition all, pair;
   for (const char* name : {"nC7", "methane", "toluene", "CO2", "methylcyclohexane", "methanol"})
     all.add(name, 1.0);

@@ -1,0 +1,113 @@
+// What a phase is called, and what the equation of state cannot do for it.
+#include <algorithm>
+#include <cmath>
+
+#include "equilibrium_parts.hpp"
+
+namespace kestrune::host {
+
+namespace {
+
+constexpr std::int32_t kPolar[] = {7732185, 67561, 107211, 111466, 112276};  // water, methanol, glycols
+constexpr std::int32_t kLight[] = {1333740, 7440597};                        // hydrogen, helium
+constexpr double kMuchLight =
+    0.25;  // share of these from which the Joule-Thomson coefficient is not to be trusted
+
+bool is_polar(const Component& c) {
+  return std::find(std::begin(kPolar), std::end(kPolar), c.cas_number) != std::end(kPolar);
+}
+
+}  // namespace
+
+double polar_share(const Mixture& mixture, const std::vector<double>& x) {
+  double share = 0.0;
+  for (std::size_t i = 0; i < x.size(); ++i) share += is_polar(mixture.components[i]) ? x[i] : 0.0;
+  return share;
+}
+
+bool is_aqueous(const Mixture& mixture, const std::vector<double>& x) {
+  const std::size_t w = water_of(mixture);
+  return w < x.size() && x[w] >= kSomeWater && polar_share(mixture, x) > kAqueous;
+}
+
+bool is_dense(const Exports& library, const Mixture& mixture, const std::vector<double>& x, double T) {
+  constexpr double trace = 1e-6;
+  const double polar = polar_share(mixture, x);
+  if (polar > kAqueous) return false;
+  std::vector<double> dry(x);
+  double lowest = 1e300, highest = 0.0;
+  for (std::size_t i = 0; i < x.size(); ++i) {
+    const Component& c = mixture.components[i];
+    dry[i] = is_polar(c) ? 0.0 : x[i] / (1.0 - polar);
+    if (dry[i] <= trace) continue;
+    lowest = std::min(lowest, c.Tc);
+    highest = std::max(highest, c.Tc);
+  }
+  if (T <= lowest || T >= highest) return T > lowest;
+  MixtureRecord record = mixture.record;
+  record.flags = 0;
+  record.trace_flag = 0;
+  double Tc = 0.0, Pc = 0.0, Vc = 0.0, Zc = 0.0;
+  if (library.CriticalPoint(dry.data(), &record, 0, &Tc, &Pc, &Vc, &Zc) == KV_OK) return T > Tc;
+  std::vector<double> liquid(x), vapour(x), K(x);
+  constexpr std::int32_t cold_start = 1;
+  const StatusCode bubble = library.FlashLVatWT(0.0, T, dry.data(), &record, nullptr, cold_start, &Pc,
+                                                liquid.data(), vapour.data(), K.data());
+  return bubble != KV_OK && bubble != KV_PURE_RANGE && bubble != KV_UNSTABLE_POINT;
+}
+
+PhaseKind liquid_kind(const Exports& library, const Mixture& mixture, const Equilibrium& state,
+                      const std::vector<double>& x, bool alone) {
+  const std::size_t w = water_of(mixture);
+  const bool free_water = (mixture.record.flags & FreeWaterFlag) != 0 && w < x.size() && x[w] > kWaterRich;
+  if (free_water) return PhaseKind::free_water;
+  if (is_aqueous(mixture, x)) return PhaseKind::aqueous_liquid;
+  if (polar_share(mixture, x) > kAqueous) return PhaseKind::liquid;
+  if (alone && is_dense(library, mixture, x, state.T)) return PhaseKind::dense;
+  return polar_share(mixture, mixture.z) > 0.0 ? PhaseKind::hydrocarbon_liquid : PhaseKind::liquid;
+}
+
+void rename_packed_gas(const Exports& library, const Mixture& mixture, Equilibrium& state) {
+  constexpr double kGas = 82.057e-6, kOmegaB = 0.0778;  // m3 atm/(mol K)
+  constexpr double packed = 3.9514;                     // v/b of the critical point of the equation of state
+  const auto other = [](const PhaseState& p) { return p.kind != PhaseKind::vapour && !p.aqueous; };
+  if (state.of_fraction() || state.phases.empty() || state.phases.front().kind != PhaseKind::vapour) return;
+  if (std::any_of(state.phases.begin(), state.phases.end(), other)) return;
+  PhaseState& gas = state.phases.front();
+  double b = 0.0;
+  for (std::size_t i = 0; i < gas.x.size(); ++i) {
+    const Component& c = mixture.components[i];
+    b += gas.x[i] * kOmegaB * kGas * c.Tc / (c.Pc / kAtmInPa);
+  }
+  if (!(gas.properties[Property::molar_volume] < packed * b)) return;
+  gas.kind = liquid_kind(library, mixture, state, gas.x, true);
+  if (gas.kind == PhaseKind::free_water) gas.kind = PhaseKind::vapour;
+  if (gas.kind == PhaseKind::vapour) return;
+  if (gas.kind != PhaseKind::dense) {
+    gas.properties = phase_properties(library, mixture, gas.kind, state.T, state.P, gas.x, gas.molar_mass);
+    gas.aqueous = is_aqueous(mixture, gas.x);
+  }
+  state.beta = 0.0;
+}
+
+std::vector<std::string_view> model_limits(const Mixture& mixture, const PhaseState& phase) {
+  std::vector<std::string_view> limits;
+  double light = 0.0;
+  for (std::size_t i = 0; i < phase.x.size(); ++i) {
+    const std::int32_t cas = mixture.components[i].cas_number;
+    if (std::find(std::begin(kLight), std::end(kLight), cas) != std::end(kLight)) light += phase.x[i];
+  }
+  if (light > kMuchLight && std::isfinite(phase.properties[Property::joule_thomson])) {
+    limits.push_back(
+        "cubic equation: the Joule-Thomson coefficient of hydrogen and helium is too high and near ambient "
+        "temperature of the wrong sign");
+  }
+  if (phase.aqueous && std::isfinite(phase.properties[Property::Z])) {
+    limits.push_back(
+        "cubic equation: not for liquid water (its density and heat capacities and speed of sound are far "
+        "off)");
+  }
+  return limits;
+}
+
+}  // namespace kestrune::host
