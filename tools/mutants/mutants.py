@@ -6,10 +6,10 @@
 The faults stand in faults.tsv: kind (physics, solver), file, the text as it is, the text with the fault. The text has
 to be in its file exactly once: one that is not is an error before anything is built.
 
-A copy of the tree is built in the scratch folder (build/mutants); a fault must not make the compiler warn. The tests run from the
-fastest to the slowest and end at the first that fails; --all goes on, and lists every test and case that finds the
-fault. --seconds leaves out tests that take longer than that without a fault. A run that was broken off goes on where it
-was; --again forgets what it knew. What was found for a fault holds until its text changes or --again.
+A copy of the tree is built in the scratch folder (build/mutants); a fault must not make the compiler warn. The tests
+run from the fastest to the slowest and end at the first that fails; --all goes on, and lists every test and case that
+finds the fault. --seconds leaves out tests that take longer than that without a fault. A run that was broken off goes
+on where it was; --again begins anew, and tries first what found a fault the last time.
 """
 import argparse
 import json
@@ -74,14 +74,18 @@ class Scratch:
             path.write_bytes(content)
             shutil.copymode(ROOT / name, path)
 
-    def build(self):
-        return subprocess.run(["cmake", "--build", self.build_folder, "-j", str(self.jobs)], capture_output=True,
-                              text=True, env=self.environment)
+    def build(self, *targets):
+        built = subprocess.run(["cmake", "--build", self.build_folder, "-j", str(self.jobs), "--target",
+                                *(targets or ["all"])], capture_output=True, text=True, env=self.environment)
+        if built.returncode != 0:
+            sys.exit("does not build:\n" + built.stdout[-3000:])
 
     def tests(self):
+        """The programs of the tests by name, None for a script."""
         listed = subprocess.run(["ctest", "--test-dir", self.build_folder, "--show-only=json-v1"], check=True,
                                 capture_output=True, text=True).stdout
-        return [test["name"] for test in json.loads(listed)["tests"]]
+        programs = {test["name"]: Path(test["command"][0]).name for test in json.loads(listed)["tests"]}
+        return {name: None if program.startswith("python") else program for name, program in programs.items()}
 
     def run(self, test, limit):
         """Seconds, None or what failed: the cases of GoogleTest, else the name."""
@@ -98,9 +102,7 @@ class Scratch:
 
 def baseline(scratch, path):
     """Seconds of each test without a fault."""
-    built = scratch.build()
-    if built.returncode != 0:
-        sys.exit(built.stdout[-3000:])
+    scratch.build()
     known = json.loads(path.read_text()) if path.exists() else {}
     tests = scratch.tests()
     for test in tests:
@@ -112,18 +114,19 @@ def baseline(scratch, path):
     return {test: known[test] for test in tests}
 
 
-def try_fault(scratch, fault, seconds, options):
+def try_fault(scratch, fault, seconds, before, options):
     kind, name, old, new = fault
     text = (ROOT / name).read_text()
     scratch.put(name, text.replace(old, new).encode())
+    programs = scratch.tests()
+    order = sorted(seconds, key=lambda test: (test not in before, seconds[test]))
     try:
-        built = scratch.build()
-        if built.returncode != 0:
-            sys.exit(f"does not build: {fault}\n" + built.stdout[-3000:])
         found = []
-        for test in sorted(seconds, key=seconds.get):
+        for test in order:
             if options.seconds and seconds[test] > options.seconds:
-                break
+                continue
+            if programs[test]:
+                scratch.build(programs[test])
             found += scratch.run(test, max(20, round(8 * seconds[test])))[1] or []
             if found and not options.all:
                 break
@@ -164,17 +167,22 @@ def main():
     options.scratch = options.scratch.resolve()
     options.scratch.mkdir(parents=True, exist_ok=True)
     path = options.scratch / "results.jsonl"
-    if options.again:
-        path.unlink(missing_ok=True)
-    lines = path.read_text().splitlines() if path.exists() else []
-    results = {tuple(fault): found for fault, found in map(json.loads, lines)}
+    last = options.scratch / "last.jsonl"
+    if options.again and path.exists():
+        path.replace(last)
+    known = {}
+    for file in (last, path):
+        lines = file.read_text().splitlines() if file.exists() else []
+        known[file] = {tuple(fault): found for fault, found in map(json.loads, lines)}
+    results = known[path]
     if not options.report:
         scratch = Scratch(options.scratch, options.jobs)
         seconds = baseline(scratch, options.scratch / "seconds.json")
         for number, fault in enumerate(faults, 1):
             if fault not in results:
                 begin = time.time()
-                results[fault] = try_fault(scratch, fault, seconds, options)
+                before = [found.split(":")[0].split(" ")[0] for found in known[last].get(fault, [])]
+                results[fault] = try_fault(scratch, fault, seconds, before, options)
                 with path.open("a") as file:
                     file.write(json.dumps([fault, results[fault]]) + "\n")
                 verdict = " ".join(results[fault]) or "MISSED"

@@ -75,7 +75,7 @@ std::string describe(const Row& r, const Answer& a) {
 
 TEST(Bracub, RootAndStatusOfEveryState) {
   const std::vector<Row> rows = read_rows();
-  ASSERT_GT(rows.size(), 1000u);
+  ASSERT_GT(rows.size(), 250u);
   for (const Row& r : rows) {
     const Answer a = solve(r);
     if (r.first.status == 51) {
