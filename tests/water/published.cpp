@@ -18,14 +18,14 @@ constexpr struct {
   int method;
   double bound;
   int points;
-} kBounds[] = {{"methane", 1, 2.7, 53},
-               {"methane", 2, 3.5, 53},
-               {"methane 400 and 700 bar", 1, 3.7, 18},
-               {"methane 400 and 700 bar", 2, 2.2, 9},
-               {"chart of natural gas", 1, 4.8, 32},
-               {"chart of natural gas", 2, 0.2, 32},
-               {"chart of natural gas below the ice point", 2, 0.4, 16},
-               {"carbon dioxide", 1, 4.9, 48},
+} kBounds[] = {{"methane", 1, 2.5, 24},
+               {"methane", 2, 3.7, 24},
+               {"methane 400 and 700 bar", 1, 4.1, 10},
+               {"methane 400 and 700 bar", 2, 2.5, 5},
+               {"chart of natural gas", 1, 4.5, 16},
+               {"chart of natural gas", 2, 0.2, 16},
+               {"chart of natural gas below the ice point", 2, 0.4, 8},
+               {"carbon dioxide", 1, 6.1, 24},
                {"methane with carbon dioxide", 1, 6.9, 5},
                {"methane with carbon dioxide", 2, 3.2, 5},
                {"sour gas", 1, 12.0, 4},
