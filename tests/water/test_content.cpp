@@ -26,30 +26,6 @@ TEST(Content, MeetsTheReference) {
   EXPECT_GE(count, 25);
 }
 
-// y phi P of water in helium, whose k_ij of water stays that of the equation of state, against the condensed
-// phase by formulas of this test. The fugacity of water does not depend on the gas.
-TEST(Content, LeavesTheModelsFugacityBalance) {
-  WetGas gas({"oxygen", "argon"}, {0.4, 0.6});
-  for (const double T : {255.0, 290.0, 350.0, 420.0}) {
-    double reference = 0.0;
-    for (const double P : {8.0, 40.0, 150.0, 500.0}) {
-      const std::vector<double> z = gas.with_water(gas.saturated(T, P));
-      std::vector<double> ln_phi(3), pure(3);
-      ASSERT_EQ(GasPhi_Derivatives_PPR78(T, P, z.data(), &gas.m.record, 2, 0, ln_phi.data(), nullptr, nullptr,
-                                         nullptr),
-                KV_OK);
-      const double log_f = std::log(z[2] * P) + ln_phi[2];
-      if (reference != 0.0) {
-        const double volume = (log_f - reference) * 82.057 * T / (P - 8.0);
-        EXPECT_GT(volume, 17.4) << T << ' ' << P;
-        EXPECT_LT(volume, 20.2) << T << ' ' << P;
-      } else {
-        reference = log_f;
-      }
-    }
-  }
-}
-
 // The limit of a dilute gas: vapour pressures of IAPWS (liquid R6-95, ice R14-08), Pa.
 TEST(Content, MeetsTheVapourPressuresOfWaterAndIce) {
   WetGas gas = natural_gas();
