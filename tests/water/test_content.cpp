@@ -95,6 +95,23 @@ TEST(Content, SaysWhereThereIsNone) {
   EXPECT_EQ(gas.humidity(300.0, 50.0, 1, y), KV_NO_WATER_LIMIT);
 }
 
+// More than 5 % of acid gas confines the chart to the range of its correction, more than 40 % is beyond it.
+TEST(Content, RangeOfTheChartWithAcidGases) {
+  const struct {
+    double CO2, H2S, T, P;
+    StatusCode status;
+  } rows[] = {{0.05, 0.00, 295, 250, KV_OK},          {0.04, 0.02, 295, 50, KV_WATER_RANGE},
+              {0.06, 0.00, 300, 204, KV_OK},          {0.06, 0.00, 300, 205, KV_WATER_RANGE},
+              {0.06, 0.00, 344, 50, KV_OK},           {0.06, 0.00, 345, 50, KV_WATER_RANGE},
+              {0.00, 0.06, 345, 50, KV_OK},           {0.00, 0.06, 411, 50, KV_WATER_RANGE},
+              {0.20, 0.20, 320, 50, KV_OK},           {0.21, 0.20, 320, 50, KV_WATER_RANGE}};
+  for (const auto& r : rows) {
+    WetGas gas({"methane", "carbon_dioxide", "hydrogen_sulfide"}, {1.0 - r.CO2 - r.H2S, r.CO2, r.H2S});
+    double y = 0.0;
+    EXPECT_EQ(gas.humidity(r.T, r.P, 2, y), r.status) << r.CO2 << ' ' << r.H2S << ' ' << r.T << ' ' << r.P;
+  }
+}
+
 TEST(Content, HumidityInMilligrams) {
   WetGas gas = natural_gas();
   double y = 0.0, mg = 0.0;
