@@ -41,7 +41,7 @@ struct Ask {
   const ModelRoutines* routines = nullptr;
   int options = 1;
   double T = 300.0, P = 20.0;
-  double given = 0.5;  // enthalpy, entropy or fraction
+  double given = 0.5;    // enthalpy, entropy or fraction
   bool nowhere = false;  // what is looked for starts from 0 instead of T or P
   double start(double value) const { return nowhere ? 0.0 : value; }
 };
@@ -62,21 +62,23 @@ inline const std::vector<Flash> kFlashes{
      }},
     {"FlashLVatHP", true, false,
      [](const Ask& a, Answer& r) {
-       r.status = FlashLVatHP(a.given, a.P, a.z, a.record, a.routines, a.options, &(r.T = a.start(a.T)), &r.beta, KV_TWO,
-                              r.value, r.value + 1);
+       r.status = FlashLVatHP(a.given, a.P, a.z, a.record, a.routines, a.options, &(r.T = a.start(a.T)),
+                              &r.beta, KV_TWO, r.value, r.value + 1);
      }},
     {"FlashLVatSP", true, false,
      [](const Ask& a, Answer& r) {
-       r.status = FlashLVatSP(a.given, a.P, a.z, a.record, a.routines, a.options, &(r.T = a.start(a.T)), &r.beta, KV_TWO,
-                              r.value, r.value + 1);
+       r.status = FlashLVatSP(a.given, a.P, a.z, a.record, a.routines, a.options, &(r.T = a.start(a.T)),
+                              &r.beta, KV_TWO, r.value, r.value + 1);
      }},
     {"FlashLVatWP", false, false,
      [](const Ask& a, Answer& r) {
-       r.status = FlashLVatWP(a.given, a.P, a.z, a.record, a.routines, a.options, &(r.T = a.start(a.T)), KV_TWO);
+       r.status =
+           FlashLVatWP(a.given, a.P, a.z, a.record, a.routines, a.options, &(r.T = a.start(a.T)), KV_TWO);
      }},
     {"FlashLVatWT", false, false,
      [](const Ask& a, Answer& r) {
-       r.status = FlashLVatWT(a.given, a.T, a.z, a.record, a.routines, a.options, &(r.P = a.start(a.P)), KV_TWO);
+       r.status =
+           FlashLVatWT(a.given, a.T, a.z, a.record, a.routines, a.options, &(r.P = a.start(a.P)), KV_TWO);
      }},
     {"FlashLLVatTP", true, true,
      [](const Ask& a, Answer& r) {
@@ -84,23 +86,23 @@ inline const std::vector<Flash> kFlashes{
      }},
     {"FlashLLVatHP", true, true,
      [](const Ask& a, Answer& r) {
-       r.status = FlashLLVatHP(a.given, a.P, a.z, a.record, a.routines, a.options, &(r.T = a.start(a.T)), &r.beta, &r.V,
-                               KV_THREE, r.value, r.value + 1, r.value + 2);
+       r.status = FlashLLVatHP(a.given, a.P, a.z, a.record, a.routines, a.options, &(r.T = a.start(a.T)),
+                               &r.beta, &r.V, KV_THREE, r.value, r.value + 1, r.value + 2);
      }},
     {"FlashLLVatSP", true, true,
      [](const Ask& a, Answer& r) {
-       r.status = FlashLLVatSP(a.given, a.P, a.z, a.record, a.routines, a.options, &(r.T = a.start(a.T)), &r.beta, &r.V,
-                               KV_THREE, r.value, r.value + 1, r.value + 2);
+       r.status = FlashLLVatSP(a.given, a.P, a.z, a.record, a.routines, a.options, &(r.T = a.start(a.T)),
+                               &r.beta, &r.V, KV_THREE, r.value, r.value + 1, r.value + 2);
      }},
     {"FlashLLVatWP", false, true,
      [](const Ask& a, Answer& r) {
-       r.status =
-           FlashLLVatWP(a.given, a.P, a.z, a.record, a.routines, a.options, &(r.T = a.start(a.T)), &r.beta, KV_THREE);
+       r.status = FlashLLVatWP(a.given, a.P, a.z, a.record, a.routines, a.options, &(r.T = a.start(a.T)),
+                               &r.beta, KV_THREE);
      }},
     {"FlashLLVatWT", false, true,
      [](const Ask& a, Answer& r) {
-       r.status =
-           FlashLLVatWT(a.given, a.T, a.z, a.record, a.routines, a.options, &(r.P = a.start(a.P)), &r.beta, KV_THREE);
+       r.status = FlashLLVatWT(a.given, a.T, a.z, a.record, a.routines, a.options, &(r.P = a.start(a.P)),
+                               &r.beta, KV_THREE);
      }},
     {"FlashLLatTP", true, false, [](const Ask& a, Answer& r) {
        r.status = FlashLLatTP(a.T, a.P, a.z, a.record, a.routines, a.options, &r.beta, KV_TWO);

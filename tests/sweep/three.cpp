@@ -72,7 +72,8 @@ bool ordered(const std::vector<PresentPhase>& phases, ThreeVerdict& verdict) {
 
 // The lighter of two phases is a vapour where it is packed less densely than at the critical point, or above its
 // pseudo-critical temperature (Kay), by a quarter of it beside an aqueous liquid; else there are two liquids.
-bool named(const Question& q, const Reduced& r, const std::vector<PresentPhase>& phases, ThreeVerdict& verdict) {
+bool named(const Question& q, const Reduced& r, const std::vector<PresentPhase>& phases,
+           ThreeVerdict& verdict) {
   if (phases.size() != 2) return true;
   const bool first = phases[0].volume_ratio > phases[1].volume_ratio;
   const PresentPhase &light = phases[first ? 0 : 1], &other = phases[first ? 1 : 0];
@@ -85,7 +86,8 @@ bool named(const Question& q, const Reduced& r, const std::vector<PresentPhase>&
   const double loose = light.volume_ratio / 3.9513730355914394, hot = q.T / (aqueous ? 1.25 * kay : kay);
   if (std::abs(loose - 1) < 1e-6 || std::abs(hot - 1) < 1e-6) return true;
   if ((light.name == 'V') == (loose > 1 || hot > 1)) return true;
-  return fail(verdict, "name", text("v/b over the critical one %.6g, T over what makes a vapour %.6g", loose, hot));
+  return fail(verdict, "name",
+              text("v/b over the critical one %.6g, T over what makes a vapour %.6g", loose, hot));
 }
 
 // KLL = xA/xB and KLV = y/xA of three phases, held within 1e-15 .. 1e15.

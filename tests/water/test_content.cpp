@@ -20,7 +20,8 @@ TEST(Content, MeetsTheReference) {
     }
     WetGas gas(ids, fractions);
     const double y = gas.saturated(number(row, "T_K"), number(row, "P_atm"), std::stoi(row.at("method")));
-    EXPECT_NEAR(y / number(row, "y"), 1.0, 1e-11) << row.at("T_K") << ' ' << row.at("P_atm") << ' ' << row.at("gas");
+    EXPECT_NEAR(y / number(row, "y"), 1.0, 1e-11)
+        << row.at("T_K") << ' ' << row.at("P_atm") << ' ' << row.at("gas");
     ++count;
   }
   EXPECT_GE(count, 25);
@@ -100,11 +101,11 @@ TEST(Content, RangeOfTheChartWithAcidGases) {
   const struct {
     double CO2, H2S, T, P;
     StatusCode status;
-  } rows[] = {{0.05, 0.00, 295, 250, KV_OK},          {0.04, 0.02, 295, 50, KV_WATER_RANGE},
-              {0.06, 0.00, 300, 204, KV_OK},          {0.06, 0.00, 300, 205, KV_WATER_RANGE},
-              {0.06, 0.00, 344, 50, KV_OK},           {0.06, 0.00, 345, 50, KV_WATER_RANGE},
-              {0.00, 0.06, 345, 50, KV_OK},           {0.00, 0.06, 411, 50, KV_WATER_RANGE},
-              {0.20, 0.20, 320, 50, KV_OK},           {0.21, 0.20, 320, 50, KV_WATER_RANGE}};
+  } rows[] = {{0.05, 0.00, 295, 250, KV_OK}, {0.04, 0.02, 295, 50, KV_WATER_RANGE},
+              {0.06, 0.00, 300, 204, KV_OK}, {0.06, 0.00, 300, 205, KV_WATER_RANGE},
+              {0.06, 0.00, 344, 50, KV_OK},  {0.06, 0.00, 345, 50, KV_WATER_RANGE},
+              {0.00, 0.06, 345, 50, KV_OK},  {0.00, 0.06, 411, 50, KV_WATER_RANGE},
+              {0.20, 0.20, 320, 50, KV_OK},  {0.21, 0.20, 320, 50, KV_WATER_RANGE}};
   for (const auto& r : rows) {
     WetGas gas({"methane", "carbon_dioxide", "hydrogen_sulfide"}, {1.0 - r.CO2 - r.H2S, r.CO2, r.H2S});
     double y = 0.0;

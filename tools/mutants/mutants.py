@@ -7,7 +7,7 @@ The faults stand in faults.tsv: kind (physics, solver), file, the text as it is,
 to be in its file exactly once: one that is not is an error before anything is built.
 
 A copy of the tree is built in the scratch folder (build/mutants); a fault must not make the compiler warn. The tests
-run from the fastest to the slowest and end at the first that fails; --all goes on, and lists every test and case that
+of its folder run first, then all from the fastest to the slowest, and end at the first that fails; --all goes on, and lists every test and case that
 finds the fault. --seconds leaves out tests that take longer than that without a fault. A run that was broken off goes
 on where it was; --again begins anew, and tries first what found a fault the last time.
 """
@@ -121,7 +121,8 @@ def try_fault(scratch, fault, seconds, before, options):
     text = (ROOT / name).read_text()
     scratch.put(name, text.replace(old, new).encode())
     programs = scratch.tests()
-    order = sorted(seconds, key=lambda test: (test not in before, seconds[test]))
+    folder = Path(name).parent.name
+    order = sorted(seconds, key=lambda test: (test not in before, folder not in test, seconds[test]))
     try:
         found = []
         for test in order:

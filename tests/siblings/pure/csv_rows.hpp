@@ -21,7 +21,7 @@ struct CsvRow {
   std::int32_t cas;
   std::int32_t equation;
   std::vector<double> c;  // C1..C7
-  double t_min, t_max;         // as printed in the table
+  double t_min, t_max;    // as printed in the table
 };
 
 // Rows of a correlation table.

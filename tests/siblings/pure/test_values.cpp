@@ -11,7 +11,8 @@ using namespace pure_test;
 namespace {
 
 void expect_close(double y, double reference, double tolerance, const std::string& what) {
-  EXPECT_LE(std::fabs(y - reference), tolerance * std::fabs(reference)) << what << ": " << y << " against " << reference;
+  EXPECT_LE(std::fabs(y - reference), tolerance * std::fabs(reference))
+      << what << ": " << y << " against " << reference;
 }
 
 }  // namespace

@@ -31,8 +31,13 @@ std::vector<Row> read_rows() {
   for (const kestrune::tests::Row& row : kestrune::tests::rows("cubic_roots.csv")) {
     const auto value = [&](const char* column) { return kestrune::tests::number(row, column); };
     const auto whole = [&](const char* column) { return static_cast<std::int32_t>(value(column)); };
-    result.push_back({value("u"), value("w"), value("A"), value("B"), whole("phase"),
-                      {whole("status"), value("Z"), value("bound")}, {whole("status2"), value("Z2"), value("bound2")}});
+    result.push_back({value("u"),
+                      value("w"),
+                      value("A"),
+                      value("B"),
+                      whole("phase"),
+                      {whole("status"), value("Z"), value("bound")},
+                      {whole("status2"), value("Z2"), value("bound2")}});
   }
   return result;
 }
