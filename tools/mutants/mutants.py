@@ -7,9 +7,9 @@ The faults stand in faults.tsv: kind (physics, solver), file, the text as it is,
 to be in its file exactly once: one that is not is an error before anything is built.
 
 A copy of the tree is built in the scratch folder (build/mutants); a fault must not make the compiler warn. The tests
-of its folder run first, then all from the fastest to the slowest, and end at the first that fails; --all goes on, and lists every test and case that
-finds the fault. --seconds leaves out tests that take longer than that without a fault. A run that was broken off goes
-on where it was; --again begins anew, and tries first what found a fault the last time.
+of its folder run first, then all from the fastest to the slowest, and end at the first that fails; --all goes on, and
+lists every test and case that finds the fault. --seconds leaves out tests that take longer than that without a fault. A
+run that was broken off goes on where it was; --again begins anew, and tries first what found a fault the last time.
 """
 import argparse
 import json
