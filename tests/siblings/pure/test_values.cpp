@@ -1,6 +1,7 @@
 // Values of the correlations: every row of every table, published figures, and what happens beyond the ranges.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <set>
 
@@ -195,6 +196,24 @@ TEST(PureValues, SlopesGoOnBeyondTheRange) {
   }
   for (const Fields& f : read_csv("henry_water_iapws")) {
     compare(&HenryConstant_EX, cas_number(f.at("cas")), std::stod(f.at("Tmin")), std::stod(f.at("Tmax")), 294);
+  }
+}
+
+// Gases go on with a power of T, the one at the end of the range where that is one of a gas.
+TEST(PureValues, PowersOfTemperatureBeyondTheRange) {
+  for (const auto& [name, highest] : {std::pair{"GasViscosity", 1.1}, {"GasThermalConductivity", 2.0}}) {
+    const auto exponent = [&, f = entry(name).evaluate](std::int32_t cas, double from, double to) {
+      return std::log(call(f, cas, to).value / call(f, cas, from).value) / std::log(to / from);
+    };
+    for (const CsvRow& row : correlation_rows(entry(name).table)) {
+      const double inner[] = {exponent(row.cas, row.t_min, row.t_min * 1.0001),
+                              exponent(row.cas, row.t_max * 0.9999, row.t_max)};
+      const double outer[] = {exponent(row.cas, row.t_min / 2, row.t_min),
+                              exponent(row.cas, row.t_max, row.t_max * 2)};
+      for (const int end : {0, 1})
+        EXPECT_NEAR(outer[end], std::clamp(inner[end], 0.5, highest), 2e-3)
+            << name << ' ' << row.name << ' ' << end;
+    }
   }
 }
 
