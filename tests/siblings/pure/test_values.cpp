@@ -230,6 +230,10 @@ TEST(PureValues, PressuresAndViscositiesKeepTheirDirection) {
   for (const CsvRow& row : correlation_rows("liquid_viscosity")) {
     const double end = call(&LiquidViscosity_EX, row.cas, row.t_min).value;
     EXPECT_GE(call(&LiquidViscosity_EX, row.cas, 0.9 * row.t_min).value, end) << row.name;
+    EXPECT_EQ(call(&LiquidViscosity_EX, row.cas, 0.6 * row.t_min).value > end,
+              call(&LiquidViscosity_EX, row.cas, 0.51 * row.t_min).value >
+                  call(&LiquidViscosity_EX, row.cas, 0.6 * row.t_min).value)
+        << row.name << " rises down to half its lowest temperature";
     EXPECT_EQ(call(&LiquidViscosity_EX, row.cas, 0.5 * row.t_min).value,
               call(&LiquidViscosity_EX, row.cas, 0.01 * row.t_min).value);
   }
