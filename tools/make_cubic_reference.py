@@ -139,28 +139,28 @@ def states():
     """(u, w, A, B) of all rows; the same in every run."""
     draw = random.Random(20)
     out = []
-    for i in range(-12, 9):
-        for j in range(-14, 5, 2):
-            out.append((2, -1, draw.uniform(1, 10) * 10.0**i, draw.uniform(1, 10) * 10.0**j))
     for i in range(-12, 9, 4):
-        for j in range(-14, 5, 4):
+        for j in range(-14, 5, 3):
+            out.append((2, -1, draw.uniform(1, 10) * 10.0**i, draw.uniform(1, 10) * 10.0**j))
+    for i in range(-12, 9, 8):
+        for j in range(-14, 5, 6):
             out.append((1, 0, draw.uniform(1, 10) * 10.0**i, draw.uniform(1, 10) * 10.0**j))
-    for _ in range(150):  # the states of gas processing
+    for _ in range(15):  # the states of gas processing
         B = 10.0 ** draw.uniform(-3.5, 0)
         out.append((2, -1, B * draw.uniform(1.5, 25), B))
     for u, w, volumes in (
-        (2, -1, (2.5, 2.8, 3.2, 3.7, 3.9, 3.9513, 3.9514, 4.0, 4.3, 5.5, 8, 20, 100, 1e4, 1e7)),
-        (1, 0, (2.2, 3.0, 3.8, 3.84732, 3.9, 6, 50, 1e5)),
+        (2, -1, (2.5, 3.7, 3.9513, 3.9514, 4.3, 20, 1e7)),
+        (1, 0, (3.0, 3.84732, 50)),
     ):
         for V in volumes:
             state = spinodal(u, w, V)
             if state is None:
                 continue
             A, B = state
-            for off in (0.0, 2e-16, -2e-16, 1e-14, -1e-14, 1e-11, -1e-11, 1e-7, -1e-7, 1e-3, -1e-3):
+            for off in (0.0, 2e-16, -2e-16, 1e-14, 1e-11, -1e-11, -1e-7, 1e-3):
                 out.append((u, w, A, B * (1 + off)))
-    for B in (1e-14, 1e-6, 1e-2, 3.0, 1e4):  # the ends of the ranges, without noise in the digits
-        for A in (1e-12, 1e-3, 1.0, 1e8):
+    for B in (1e-14, 1e-2, 1e4):  # the ends of the ranges, without noise in the digits
+        for A in (1e-12, 1.0, 1e8):
             out.append((2, -1, A, B))
     for A, B in ((100.0, 1.0), (1e6, 1e-3), (30.0, 0.25)):  # a model without a root above B
         out.append((1, -5, A, B))

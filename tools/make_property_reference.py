@@ -110,7 +110,8 @@ def log_vapour_pressure(t):
 
 
 class State:
-    def __init__(self, mix, t, p, x, phase, flag=False):
+    def __init__(self, mix, t, p, x, phase, flag=False, beyond=False):
+        self.beyond = beyond  # the ideal gas has no value
         self.mix, self.t, self.p, self.phase, self.flag = mix, mpf(t), mpf(p), phase, flag
         self.x = [mpf(v) for v in x]
         self.water = None  # index of the water that is a liquid of its own
@@ -161,6 +162,81 @@ class State:
     def pressure(self, t, v):
         a, b, _ = eos.mixture_ab(self.mix, t, self.x)
         return R * t / (v - b) - a / (v * v + 2 * b * v - b * b)
+
+
+# ---- Transport ----------------------------------------------------------------------------------
+
+VISCOSITY = {row["cas"]: row for row in eos.read_csv("pure/gas_viscosity.csv")}
+CONDUCTIVITY = {row["cas"]: row for row in eos.read_csv("pure/gas_thermal_conductivity.csv")}
+THIRD, SIXTH = mpf(1) / 3, mpf(1) / 6
+
+
+def f(text):
+    return mpf(text)
+
+
+def critical(component):
+    row = eos.COMPONENTS[component]
+    return {key: mpf(float(row[name])) for key, name in (
+        ("T", "Tc_K"), ("P", "Pc_atm"), ("V", "Vc_cm3_mol"), ("Z", "Zc"), ("M", "molar_mass_g_mol"))}  # fmt: skip
+
+
+def viscosity_curve(component, t):
+    """Shape in T of the low-pressure viscosity."""
+    tr = t / critical(component)["T"]
+    special = {"hydrogen": ("47.65", "0.657", "20.0", "0.858", "19.0", "3.995"),
+               "helium": ("52.57", "0.656", "18.9", "1.144", "17.9", "5.182")}  # fmt: skip
+    general = ("46.1", "0.618", "20.4", "0.449", "19.4", "4.058")
+    a, b, c, d, e, g = map(f, special.get(component, general))
+    return 1 + a * tr**b - c * mp.exp(-d * tr) + e * mp.exp(-g * tr)
+
+
+def conductivity_curve(component, t):
+    """Shape in T of the low-pressure conductivity: translation, and for hydrocarbons the inner degrees of freedom."""
+    c = critical(component)
+    tr, m = min(t / c["T"], mpf(20)), c["M"]
+    translation = f("8.757") * (mp.exp(f("0.0464") * tr) - mp.exp(-f("0.2412") * tr))
+    if component == "water":
+        return translation
+    factor = f("0.003458") * m * m + f("0.01688") * m - f("0.03098") if m < 40 else f("0.3013") * m - f("5.8749")
+    inner = tr * (-f("0.152") + f("1.191") * tr - f("0.039") * tr * tr)
+    return translation + max(factor, 0) * max(inner, 0)
+
+
+def dilute(table, curve, component, t):
+    row = table[eos.COMPONENTS[component]["cas"]]
+    end = min(max(t, mpf(float(row["Tmin"]))), mpf(float(row["Tmax"])))
+    c = [mpf(float(row["C%d" % k])) for k in range(1, 5)]
+    value = c[0] * end ** c[1] / (1 + c[2] / end + c[3] / end**2)
+    return value * curve(component, t) / curve(component, end)
+
+
+def transport_columns(q):
+    """Viscosity in cP and conductivity in W/(m K) of a gas."""
+    there = [(i, x) for i, x in zip(q.mix.ids, q.x) if x >= TRACE]
+    total = mp.fsum(x for _, x in there)
+    ids, x = [i for i, _ in there], [v / total for _, v in there]
+    c = [critical(i) for i in ids]
+    mix = {key: mp.fsum(v * part[key] for v, part in zip(x, c)) for key in "TPVZM"}
+    mix["P"] = f("82.057366080960") * mix["Z"] * mix["T"] / mix["V"]
+    mu = [1000 * dilute(VISCOSITY, viscosity_curve, i, q.t) for i in ids]
+    values = {"viscosity": mu, "conductivity": [dilute(CONDUCTIVITY, conductivity_curve, i, q.t) for i in ids]}
+    mean = {}
+    for name, own in values.items():
+        mean[name] = mpf(0)
+        for i, v in enumerate(own):
+            weights = [(1 + mp.sqrt(mu[i] / mu[j]) * (c[j]["M"] / c[i]["M"]) ** mpf(0.25)) ** 2
+                       / mp.sqrt(8 * (1 + c[i]["M"] / c[j]["M"])) for j in range(len(ids))]  # fmt: skip
+            mean[name] += x[i] * v / mp.fdot(x, weights)
+    r = mix["V"] / q.volume(q.t, q.p)
+    quartic = lambda u: mp.polyval([f(k) for k in ("0.0093324", "-0.040758", "0.058533", "0.023364", "0.1023")], u)
+    dense = (quartic(r) ** 4 - quartic(0) ** 4) * mp.sqrt(mix["M"]) * mix["P"] ** (2 * THIRD) / mix["T"] ** SIXTH
+    pieces = ((mpf(0), f("1.22e-2"), f("0.535")), (mpf(0.5), f("1.14e-2"), f("0.67")), (mpf(2), f("2.60e-3"), f("1.155")))
+    ends = [mpf(0.5), mpf(2), mp.inf]
+    conducted = mp.fsum(k * (mp.exp(e * min(r, end)) - mp.exp(e * start))
+                        for (start, k, e), end in zip(pieces, ends) if r > start)  # fmt: skip
+    gamma = 210 * (mix["T"] * mix["M"] ** 3 / (mix["P"] * f("1.01325")) ** 4) ** SIXTH
+    return {"viscosity": mean["viscosity"] + dense, "conductivity": mean["conductivity"] + conducted / (gamma * mix["Z"] ** 5)}
 
 
 # ---- Columns ------------------------------------------------------------------------------------
@@ -236,15 +312,19 @@ def gas_columns(q, cp):
 COLUMNS = [
     "density", "density_dT", "density_dP", "density_dTdP", "H", "H_size", "H_dT", "H_dP", "H_dn",
     "S", "S_size", "S_dT", "S_dP", "S_dn", "G", "Cp", "Cv", "w", "JT", "Z", "Z_normal", "density_normal",
-    "normal_volume",
+    "normal_volume", "viscosity", "conductivity",
 ]  # fmt: skip
 
 
 def row(index, q):
-    columns = density_columns(q)
-    columns.update(caloric_columns(q))
+    columns = {}
+    if not q.beyond:
+        columns = density_columns(q)
+        columns.update(caloric_columns(q))
+        if q.phase == 1:
+            columns.update(gas_columns(q, columns["H_dT"]))
     if q.phase == 1:
-        columns.update(gas_columns(q, columns["H_dT"]))
+        columns.update(transport_columns(q))
     chop = lambda value: number(value if not abs(value) < 1e-30 else 0)
     text = lambda v: "" if v is None else ";".join(map(chop, v)) if isinstance(v, list) else chop(v)
     head = ["p%03d" % (index + 1), ";".join(q.mix.ids), int(q.flag), number(q.t), number(q.p), q.phase, numbers(q.x)]
@@ -258,7 +338,7 @@ def dry_states():
     gas7, gas10 = eos.normalised(eos.GAS7_Z), eos.normalised(eos.GAS10_Z)
     return [
         (["methane"], [1.0], [(120, 0.5, 1), (300, 1e-6, 1), (200, 30, 1), (300, 100, 1), (298.15, 1, 1),
-                              (1400, 500, 1), (120, 10, 2), (150, 50, 2)]),
+                              (1400, 500, 1), (200, 500, 1), (120, 10, 2), (150, 50, 2)]),
         (["carbon_dioxide"], [1.0], [(300, 1, 1), (280, 30, 1), (350, 300, 1), (250, 50, 2), (220, 2000, 2)]),
         (["nitrogen"], [1.0], [(100, 1, 1), (80, 1e-6, 1), (300, 200, 1), (900, 1000, 1), (85, 20, 2)]),
         (["methane", "propane"], [0.5, 0.5], [(250, 10, 1), (350, 150, 1), (210, 60, 2), (170, 5, 2)]),
@@ -292,12 +372,25 @@ def wet_states():
     ]  # fmt: skip
 
 
+def beyond_states():
+    """Gases at temperatures beyond the correlations of the ideal gas: transport only."""
+    return [
+        (["hydrogen"], [1.0], [(3400, 20), (12, 0.1)]),
+        (["helium"], [1.0], [(2600, 100)]),
+        (["hydrogen", "helium", "methane"], [0.3, 0.3, 0.4], [(3600, 50)]),
+        (["n_hexane", "water"], [0.6, 0.4], [(1900, 400)]),
+        (["propane"], [1.0], [(60, 1e-8), (2500, 300)]),
+    ]  # fmt: skip
+
+
 def main():
     folder = Path(sys.argv[1]) if len(sys.argv) > 1 else ROOT / "tests" / "data"
     states = []
     for ids, x, flag, points in [(i, x, False, p) for i, x, p in dry_states()] + wet_states():
         mix = Mixture("", ids)
         states += [State(mix, t, p, x, phase, flag) for t, p, phase in points]
+    for ids, x, points in beyond_states():
+        states += [State(Mixture("", ids), t, p, x, 1, beyond=True) for t, p in points]
     header = ["state", "ids", "free_water", "T_K", "P_atm", "phase", "x"] + COLUMNS
     eos.write(folder, "property_reference.csv", header, [row(i, q) for i, q in enumerate(states)])
 

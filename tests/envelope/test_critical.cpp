@@ -57,6 +57,7 @@ TEST(CriticalPoint, TurnsIntoThatOfThePureComponent) {
   EXPECT_EQ(own.T, pure.at(0, KV_COL_TC));
   EXPECT_EQ(own.P, pure.at(0, KV_COL_PC));
   EXPECT_EQ(own.V, pure.at(0, KV_COL_VC));
+  EXPECT_DOUBLE_EQ(own.Z, own.P * own.V / (82.057 * own.T));
   Mixture m = mixture_of({"methane", "n_decane", "propane"});
   // The equation's own critical point: its Omega_a and Omega_b are rounded in the fifth digit.
   const double limit = critical(m, {1.0 - 1.1e-12, 0.0, 1.1e-12}).T;

@@ -14,19 +14,6 @@ namespace {
 
 using namespace kestrune;
 
-// Reference figures: the formulas in 30-digit arithmetic.
-TEST(ReducedViscosity, CurvesAndBlend) {
-  EXPECT_NEAR(eos::reduced_viscosity(1.5, 0.0, 0.0), 49.869460246893279, 1e-12);
-  EXPECT_NEAR(eos::reduced_viscosity(9.0, 1.0, 0.0), 202.82788549277363, 1e-11);
-  EXPECT_NEAR(eos::reduced_viscosity(58.0, 0.0, 1.0), 755.30457325195824, 1e-10);
-  const double general = eos::reduced_viscosity(2.0, 0.0, 0.0);
-  const double blend = eos::reduced_viscosity(2.0, 0.25, 0.25);
-  EXPECT_NEAR(blend,
-              0.5 * general + 0.25 * eos::reduced_viscosity(2.0, 1.0, 0.0) +
-                  0.25 * eos::reduced_viscosity(2.0, 0.0, 1.0),
-              1e-12);
-}
-
 TEST(ReducedViscosity, HydrogenByNumberTheLastPresentOneWins) {
   tests::Mixture m = tests::mixture_of({"hydrogen", "methane", "hydrogen", "hydrogen"});
   const double x[] = {0.3, 0.3, 0.4, 0.0};
@@ -64,17 +51,6 @@ TEST_F(Dilute, NoJumpWhereACorrelationEnds) {
       before_mu = mu;
       before_lambda = lambda;
     }
-  }
-}
-
-TEST(DenseTerms, ContinuousFromZero) {
-  EXPECT_EQ(eos::dense_viscosity(0.0), 0.0);
-  EXPECT_EQ(eos::dense_conductivity(0.0), 0.0);
-  for (const double joint : {0.5, 2.0})
-    EXPECT_NEAR(eos::dense_conductivity(joint - 1e-9), eos::dense_conductivity(joint), 1e-10);
-  for (double r = 0.05; r < 3.0; r += 0.05) {
-    EXPECT_GT(eos::dense_viscosity(r), eos::dense_viscosity(r - 0.05));
-    EXPECT_GT(eos::dense_conductivity(r), eos::dense_conductivity(r - 0.05));
   }
 }
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "common/flash_call.hpp"
+#include "common/flashes.hpp"
 
 using namespace kestrune;
 using namespace kestrune::tests;
@@ -103,60 +103,26 @@ struct Row {
   bool operator==(const Row&) const = default;
 };
 
+// Places in the table of the flashes: those at vapour fractions, of three phases at T and P, of two liquids.
+constexpr int kThreeAtTP = 5, kTwoLiquids = 10;
+bool at_fraction(int flash) {
+  return flash == 3 || flash == 4 || flash == 8 || flash == 9;
+}
+
 struct Asked {
   double T, P, H, S, W;
   Vector z;
 };
 
-constexpr const char* kFlashes[] = {"LVatTP",  "LVatHP",  "LVatSP",  "LVatWP",  "LVatWT", "LLatTP",
-                                    "LLVatTP", "LLVatHP", "LLVatSP", "LLVatWP", "LLVatWT"};
-
 Row ask(int flash, Mixture& m, const Asked& s, const ModelRoutines* r) {
-  const std::size_t n = s.z.size();
-  Vector a(n), b(n), c(n), d(n), e(n);
-  double one = 0, two = 0, v[4] = {};
-  double *const A = a.data(), *const B = b.data(), *const C = c.data(), *const D = d.data(),
-                *const E = e.data();
-  const double* z = s.z.data();
-  MixtureRecord* const record = &m.record;
-  StatusCode t = -1;
-  switch (flash) {
-    case 0:
-      t = FlashLVatTP(s.T, s.P, z, record, r, 1, &one, A, B, C);
-      break;
-    case 1:
-      t = FlashLVatHP(s.H, s.P, z, record, r, 1, &one, &two, A, B, C, v, v + 1);
-      break;
-    case 2:
-      t = FlashLVatSP(s.S, s.P, z, record, r, 1, &one, &two, A, B, C, v, v + 1);
-      break;
-    case 3:
-      t = FlashLVatWP(s.W, s.P, z, record, r, 1, &one, A, B, C);
-      break;
-    case 4:
-      t = FlashLVatWT(s.W, s.T, z, record, r, 1, &one, A, B, C);
-      break;
-    case 5:
-      t = FlashLLatTP(s.T, s.P, z, record, r, 0, &one, A, B, C);
-      break;
-    case 6:
-      t = FlashLLVatTP(s.T, s.P, z, record, r, 0, &one, &two, A, B, C, D, E);
-      break;
-    case 7:
-      t = FlashLLVatHP(s.H, s.P, z, record, r, 0, &one, &two, v + 3, A, B, C, D, E, v, v + 1, v + 2);
-      break;
-    case 8:
-      t = FlashLLVatSP(s.S, s.P, z, record, r, 0, &one, &two, v + 3, A, B, C, D, E, v, v + 1, v + 2);
-      break;
-    case 9:
-      t = FlashLLVatWP(s.W, s.P, z, record, r, 0, &one, &two, A, B, C, D, E);
-      break;
-    case 10:
-      t = FlashLLVatWT(s.W, s.T, z, record, r, 0, &one, &two, A, B, C, D, E);
-      break;
-  }
-  Row row{t, {one, two, v[0], v[1], v[2], v[3]}};
-  for (const Vector* part : {&a, &b, &c}) row.values.insert(row.values.end(), part->begin(), part->end());
+  const flashes::Flash& f = flashes::kFlashes[flash];
+  const char by = f.name[std::string(f.name).size() - 2];  // the H of HP
+  const double given = by == 'H' ? s.H : by == 'S' ? s.S : s.W;
+  const int options = f.three || flash == kTwoLiquids ? 0 : 1;
+  const flashes::Answer a = flashes::ask(f, {s.z.data(), &m.record, r, options, s.T, s.P, given, true});
+  Row row{a.status, {a.T, a.P, a.beta, a.V, a.value[0], a.value[1], a.value[2]}};
+  for (int k = 0; k < 3; ++k)
+    row.values.insert(row.values.end(), a.array[k].begin(), a.array[k].begin() + static_cast<int>(s.z.size()));
   return row;
 }
 
@@ -203,10 +169,10 @@ TEST(HostRoutines, OwnRoutinesGiveTheAnswersOfTheNullRecord) {
   for (const std::uint8_t flag : {0, 1})
     for (const Asked& s : {three, liquids})
       for (int k = 0; k < 11; ++k) {
-        if (s.P > 100 && (k == 3 || k == 4 || k > 8)) continue;  // no vapour there
-        if (k == 5 && flag != 0) continue;
+        if (s.P > 100 && at_fraction(k)) continue;  // no vapour there
+        if (k == kTwoLiquids && flag != 0) continue;
         SCOPED_TRACE(testing::Message()
-                     << "Flash" << kFlashes[k] << " flag " << int{flag} << ' ' << s.P << " atm");
+                     << flashes::kFlashes[k].name << " flag " << int{flag} << ' ' << s.P << " atm");
         m.record.flags = flag;
         const Row expected = ask(k, m, s, nullptr);
         EXPECT_TRUE(ask(k, m, s, &empty) == expected);
@@ -243,7 +209,7 @@ TEST(HostRoutines, StatusesReachTheHostFromEveryFlash) {
            {-1, 1, 7, 50, 51, 95, 112, 130, 131, 201, 202, 203, 300, 1003, 9001, 9999})
         for (const int from : {1, all / 2, all}) {
           if (from < 1 || all == 0) continue;
-          SCOPED_TRACE(testing::Message() << "Flash" << kFlashes[k] << " entry " << entry << " status "
+          SCOPED_TRACE(testing::Message() << flashes::kFlashes[k].name << " entry " << entry << " status "
                                           << status << " from call " << from << " of " << all);
           host = {.entry = entry, .fail_from = from, .status = status};
           const Row row = ask(k, m, s, &r);
@@ -259,7 +225,7 @@ TEST(HostRoutines, StatusesReachTheHostFromEveryFlash) {
         host = {.entry = entry, .fail_from = (all + 1) / 2, .spoils = true, .spoilt = wrong};
         const Row row = ask(k, m, s, &r);
         EXPECT_TRUE(entry == KV_ROUTINE_LIQUID_ORDER ? row == good : row.status == KV_NOT_FINITE)
-            << kFlashes[k] << ' ' << entry << ' ' << row.status;
+            << flashes::kFlashes[k].name << ' ' << entry << ' ' << row.status;
       }
     }
   EXPECT_EQ(used[8], 11);
@@ -280,11 +246,11 @@ TEST(HostRoutines, FlashesOfTheHostAreStarts) {
       m.record.flags = flag;
       if (flag != 0 && entry == KV_ROUTINE_LL_FLASH) continue;  // not called
       const ModelRoutines r = record_of(entry);
-      const Row good = ask(6, m, s, nullptr);
+      const Row good = ask(kThreeAtTP, m, s, nullptr);
       for (const StatusCode status : {-1, 1, 50, 51, 95, 112, 130, 202, 300, 9001}) {
         SCOPED_TRACE(testing::Message() << "entry " << entry << " status " << status);
         host = {.entry = entry, .fail_from = 1, .status = status};
-        const Row row = ask(6, m, s, &r);
+        const Row row = ask(kThreeAtTP, m, s, &r);
         EXPECT_EQ(host.calls, 1);
         if (entry == KV_ROUTINE_LV_FLASH || goes_on(status) || status == 95)
           expect_near(row, good, 1e-9);
@@ -294,11 +260,11 @@ TEST(HostRoutines, FlashesOfTheHostAreStarts) {
       // One phase for two, and more of a phase than there is.
       for (const double part : {0.0, 1.0}) {
         host = {.entry = entry, .fail_from = 1, .spoils = true, .spoilt = part};
-        expect_near(ask(6, m, s, &r), good, 1e-9);
+        expect_near(ask(kThreeAtTP, m, s, &r), good, 1e-9);
       }
       for (const double part : {double{NAN}, -0.1, 1.1, double{INFINITY}}) {
         host = {.entry = entry, .fail_from = 1, .spoils = true, .spoilt = part};
-        EXPECT_EQ(ask(6, m, s, &r).status, KV_NO_START) << part;
+        EXPECT_EQ(ask(kThreeAtTP, m, s, &r).status, KV_NO_START) << part;
       }
     }
 }
@@ -362,7 +328,7 @@ TEST(HostRoutines, WorkHasALimit) {
         host = {};
         host.grid = grid;
         SCOPED_TRACE(testing::Message()
-                     << kFlashes[flash] << " rounded to " << grid << (sense ? "" : ", absurd"));
+                     << flashes::kFlashes[flash].name << " rounded to " << grid << (sense ? "" : ", absurd"));
         ask(flash, m, s, &kRoutines);
         EXPECT_LE(host.calls, 400'000);
       }

@@ -2,11 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 #include <limits>
 #include <string>
 #include <vector>
 
+#include "common/csv.hpp"
 #include "frame/cas.hpp"
 #include "kestrune/records.h"
 
@@ -42,25 +42,10 @@ TEST(Cas, TextOfANumber) {
 }
 
 TEST(Cas, ListOfComponents) {
-  std::ifstream file(KESTRUNE_DATA "/components.csv");
-  std::string line;
-  std::getline(file, line);  // headings
   int rows = 0;
-  while (std::getline(file, line)) {
-    // The hyphenated number and the whole one stand in the fields 4 and 5; names may hold quoted commas.
-    std::vector<std::string> fields(1);
-    bool quoted = false;
-    for (const char c : line) {
-      if (c == '"')
-        quoted = !quoted;
-      else if (c == ',' && !quoted)
-        fields.emplace_back();
-      else
-        fields.back() += c;
-    }
-    ASSERT_GT(fields.size(), 5u);
-    const std::string text = text_of(std::stod(fields[4]));
-    EXPECT_TRUE(is_cas(text.data(), fields[3].c_str())) << line;
+  for (const auto& row : kestrune::tests::rows("components.csv", KESTRUNE_DATA)) {
+    const std::string text = text_of(kestrune::tests::number(row, "cas_number"));
+    EXPECT_TRUE(is_cas(text.data(), row.at("cas").c_str())) << row.at("id");
     ++rows;
   }
   EXPECT_GT(rows, 30);

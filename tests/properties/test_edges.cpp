@@ -1,6 +1,7 @@
 // Limits and corners of the property exports. (Refused arguments of every export:
 // tests/exports/test_refused.cpp.)
 #include <cfloat>
+#include <tuple>
 
 #include "phase_calls.hpp"
 
@@ -89,6 +90,25 @@ TEST(PropertyEdges, OutsideTheRangeOfAHeatCapacity) {
   for (const double T : {40.0, 2500.0})
     for (const double value : caloric(p.at(T, 0.01, KV_PHASE_GAS), KV_PURE_RANGE))
       EXPECT_TRUE(std::isfinite(value));
+}
+
+// A critical volume or compressibility that a host leaves out follows from the other, both from the acentric factor.
+TEST(PropertyEdges, TransportWithoutCriticalVolume) {
+  const Phase p = Phase({"propane"}, {1.0}).at(400, 120, KV_PHASE_GAS);
+  const auto with = [&](double Zc, double Vc) {
+    p.m->at(0, KV_COL_ZC) = Zc;
+    p.m->at(0, KV_COL_VC) = Vc;
+    return std::pair{p.viscosity(), p.conductivity()};
+  };
+  const double scale = kR * p.m->at(0, KV_COL_TC) / p.m->at(0, KV_COL_PC);
+  const double own = 0.2905 - 0.085 * p.m->at(0, KV_COL_OMEGA);
+  for (const auto& [Zc, Vc, Zc_full, Vc_full] : {std::tuple{0.0, 0.0, own, own * scale},
+                                                 {0.28, 0.0, 0.28, 0.28 * scale},
+                                                 {0.0, 190.0, 190.0 / scale, 190.0}}) {
+    const auto some = with(Zc, Vc), full = with(Zc_full, Vc_full);
+    EXPECT_NEAR(some.first / full.first, 1.0, 1e-13) << Zc << ' ' << Vc;
+    EXPECT_NEAR(some.second / full.second, 1.0, 1e-13) << Zc << ' ' << Vc;
+  }
 }
 
 TEST(PropertyEdges, MaskedDerivatives) {

@@ -147,21 +147,6 @@ TEST(PropertyIdentities, GasProperties) {
   }
 }
 
-TEST(PropertyIdentities, NearlyIdealGas) {
-  const double Tc = 190.564, Pc = 45.388601, w = 0.0115478, T = 350;
-  const Heat c = Phase({"methane"}, {1.0}).at(T, 1e-6, KV_PHASE_GAS).heat();
-  ASSERT_EQ(c.status, KV_OK);
-  near("Cp - Cv", c.Cp - c.Cv, kCalR);
-  near("w", c.w, 10 * std::sqrt(1.01325 * c.Cp / c.Cv * kR * T / 16.04246));
-  // -(B - T dB/dT)/Cp with the second virial coefficient of the equation, b - a/(R T)
-  const double m = 0.37464 + 1.54226 * w - 0.26992 * w * w, b = 0.0778 * kR * Tc / Pc;
-  const auto virial = [&](double t) {
-    const double root = 1 + m * (1 - std::sqrt(t / Tc));
-    return b - 0.45724 * kR * Tc * Tc / (Pc * t) * root * root;
-  };
-  near("JT", c.JT, -(virial(T) - T * slope(virial, T, 0.5)) * kCalPerCm3Atm / c.Cp);
-}
-
 TEST(PropertyIdentities, InversionOfTheJouleThomsonEffect) {
   const Phase nitrogen({"nitrogen"}, {1.0});
   double low = 10, high = 900;  // atm, at 300 K
@@ -175,24 +160,6 @@ TEST(PropertyIdentities, InversionOfTheJouleThomsonEffect) {
   const Density rho = p.density();
   EXPECT_NEAR(-p.T * rho.dT / rho.value, 1.0, 1e-9);  // T dv/dT = v
   EXPECT_NEAR(p.derivatives('H').dP, 0.0, 1e-9);
-}
-
-// Beyond its correlation a conductivity goes on along a curve. Water, by its family code, has the translational
-// part of it alone; all else has a term for the inner degrees of freedom of hydrocarbons too.
-TEST(PropertyIdentities, CurveOfTheConductivityOfWater) {
-  const Phase steam({"water"}, {1.0});
-  const double Tc = steam.m->at(0, KV_COL_TC), M = steam.m->at(0, KV_COL_MOLAR_MASS);
-  for (const double family : {KV_FAMILY_WATER, 0.0}) {
-    steam.m->at(0, KV_COL_FAMILY) = family;
-    const auto curve = [&](double T) {
-      const double Tr = T / Tc, C = (0.003458 * M + 0.01688) * M - 0.03098;
-      const double inner = family == 0.0 ? C * Tr * (-0.152 + Tr * (1.191 - 0.039 * Tr)) : 0.0;
-      return 8.757 * (std::exp(0.0464 * Tr) - std::exp(-0.2412 * Tr)) + inner;
-    };
-    const double hot = steam.at(3000, 1e-6, KV_PHASE_GAS).conductivity();
-    const double warm = steam.at(2200, 1e-6, KV_PHASE_GAS).conductivity();
-    EXPECT_NEAR(hot / warm, curve(3000) / curve(2200), 1e-6) << family;
-  }
 }
 
 }  // namespace

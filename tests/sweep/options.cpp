@@ -90,12 +90,4 @@ uint64_t Options::seed_of(const Feed& feed) const {
   return value;
 }
 
-void print_groups(const std::map<std::string, int>& groups) {
-  for (const auto& [reason, count] : groups) std::printf("  %7d  %s\n", count, reason.c_str());
-}
-
-void write_values(std::FILE* file, const Composition& values) {
-  for (size_t i = 0; i < values.size(); ++i) std::fprintf(file, "%s%.17g", i ? ";" : "", values[i]);
-}
-
 }  // namespace kestrune::sweep

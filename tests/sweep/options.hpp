@@ -52,10 +52,4 @@ int run_three_given(const Options& options, Library& library, std::FILE* failure
 int run_wet(const Options& options, Library& library, std::FILE* failures);
 int run_routines(const Options& options, Library& library, std::FILE* failures);
 
-// Wrong answers by what is wrong, one line each.
-void print_groups(const std::map<std::string, int>& groups);
-
-// Values between semicolons in 17 digits.
-void write_values(std::FILE* file, const Composition& values);
-
 }  // namespace kestrune::sweep

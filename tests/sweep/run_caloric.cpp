@@ -3,66 +3,29 @@
 #include <algorithm>
 #include <cmath>
 
-#include "options.hpp"
-#include "states.hpp"
+#include "report.hpp"
 #include "tables.hpp"
 
+namespace kestrune::sweep {
 namespace {
-
-using namespace kestrune::sweep;
 
 constexpr int starts = 4;
 const char* const start_names[starts] = {"none", "60 K off", "far", "warm"};
 
-struct Tally {
-  int trips = 0, single = 0, two = 0, three = 0, range = 0, other = 0, skipped = 0, jump = 0, wrong = 0;
-  double apart = 0, energy = 0, fugacity = 0, seconds = 0;
-  std::map<std::string, int> groups;
-
-  void add(const CaloricAnswer& a, const CaloricVerdict& v, int start) {
-    ++trips;
-    seconds += a.seconds;
-    if (!v.group.empty()) {
-      ++wrong;
-      ++groups[v.group + ", start " + start_names[start]];
-      return;
-    }
-    jump += a.phases.status == KV_NOT_CONVERGED;
-    range += a.phases.status == KV_PURE_RANGE;
-    other += v.other_state;
-    single += v.outcome == Outcome::single_phase;
-    two += v.outcome == Outcome::two_phase;
-    three += v.outcome == Outcome::three_phase_state;
-    apart = std::max(apart, v.apart);
-    energy = std::max(energy, v.energy);
-    fugacity = std::max(fugacity, v.fugacity);
-  }
-
-  void add(const Tally& t) {
-    trips += t.trips;
-    single += t.single;
-    two += t.two;
-    three += t.three;
-    range += t.range;
-    other += t.other;
-    skipped += t.skipped;
-    jump += t.jump;
-    wrong += t.wrong;
-    apart = std::max(apart, t.apart);
-    energy = std::max(energy, t.energy);
-    fugacity = std::max(fugacity, t.fugacity);
-    seconds += t.seconds;
-    for (const auto& [name, count] : t.groups) groups[name] += count;
-  }
-
-  void print(const char* name, bool times) const {
-    std::printf("%-26s %7d %7d %7d %6d %6d %6d %6d %6d %6d  %8.1e %8.1e %8.1e", name, trips, single, two, three,
-                range, other, skipped, jump, wrong, apart, energy, fugacity);
-    if (times) std::printf(" %8.1f us", 1e6 * seconds / std::max(1, trips));
-    std::printf("\n");
-    std::fflush(stdout);
-  }
-};
+void count(const CaloricAnswer& a, const CaloricVerdict& v, int start, Tally& tally) {
+  tally.count("trips");
+  tally.seconds[std::string("start ") + start_names[start]].push_back(a.seconds);
+  if (!v.group.empty()) return tally.blame({v.group + ", start " + start_names[start]});
+  tally.count("jump", a.phases.status == KV_NOT_CONVERGED);
+  tally.count("range", a.phases.status == KV_PURE_RANGE);
+  tally.count("other", v.other_state);
+  tally.count("single", v.outcome == Outcome::single_phase);
+  tally.count("two", v.outcome == Outcome::two_phase);
+  tally.count("three", v.outcome == Outcome::three_phase_state);
+  tally.size("T", v.apart);
+  tally.size("balance", v.energy);
+  tally.size("ln f", v.fugacity);
+}
 
 struct GridPlan {
   int rows, columns;
@@ -84,10 +47,6 @@ bool value_of(Library& library, const Trip& trip, double T, const Answer& phases
   const Question& state = trip.question.state;
   return library.property(trip.question.quantity, asks_gas(state, T, phases, vapour), T, state.P,
                           vapour ? phases.y : phases.x, value);
-}
-
-Question question_of(const Feed& feed, const Components& components, const State& state) {
-  return {&components, feed.z, state.T, state.P, feed.free_water, feed.solubility_a, feed.solubility_b};
 }
 
 // The state: by the flash at T and P, or where that cannot meet two phases (feeds of nearly one component,
@@ -188,32 +147,21 @@ void ask(Library& library, const Feed& feed, int k, const Trip* before, Trip& tr
   if (trip.question.given) judge_starts(library, trip);
 }
 
-void write_failure(std::FILE* file, const Feed& feed, const Trip& trip, int s) {
-  const CaloricAnswer& a = trip.answers[s];
-  std::fprintf(file, "%s,%s,%.17g,%.17g,%.17g,%.17g,%s,%.17g,%d,%.17g,%.17g,\"%s\",\"%s\",", feed.name.c_str(),
-               trip.question.quantity == Quantity::entropy ? "SP" : "HP", trip.question.value,
-               trip.question.state.P, trip.question.state.T, trip.question.beta, start_names[s],
-               trip.T_start[s], a.phases.status, a.T, a.phases.beta, trip.verdicts[s].group.c_str(),
-               trip.verdicts[s].reason.c_str());
-  write_values(file, feed.z);
-  std::fprintf(file, "\n");
-  std::fflush(file);
-}
-
-Tally sweep_feed(const Options& o, Library& library, const Feed& feed, int count, std::FILE* failures) {
+void sweep_feed(const Options& o, Library& library, const Feed& feed, int count_of, std::FILE* failures,
+                Tally& tally) {
   const Components components = read_components(o.data, feed.ids);
   const Sides sides(feed, components);
   library.prepare(feed, components);
   std::vector<Trip> trips;
   if (o.mode == Mode::values) {
-    const int rows = std::max(2, static_cast<int>(std::sqrt(count / 2.0)));
-    const GridPlan plan{rows, count / rows + 1, o.seed_of(feed) % 1009 / 1009.0};
+    const int rows = std::max(2, static_cast<int>(std::sqrt(count_of / 2.0)));
+    const GridPlan plan{rows, count_of / rows + 1, o.seed_of(feed) % 1009 / 1009.0};
     trips.resize(rows * plan.columns);
     parallel_for(static_cast<int>(trips.size()), o.jobs,
                  [&](int k) { set_value(library, feed, components, k, plan, trips[k]); });
   } else {
-    const StatePlan plan{count, o.jobs, o.critical_steps, o.seed_of(feed)};
-    const std::vector<State> states = make_states(feed, components, plan);
+    const std::vector<State> states =
+        make_states(feed, components, {count_of, o.jobs, o.critical_steps, o.seed_of(feed)});
     trips.resize(states.size());
     parallel_for(static_cast<int>(trips.size()), o.jobs,
                  [&](int k) { set_state(library, sides, components, k, states[k], trips[k]); });
@@ -222,21 +170,22 @@ Tally sweep_feed(const Options& o, Library& library, const Feed& feed, int count
     if (trips[k].usable)
       ask(library, feed, k, k > 0 && trips[k - 1].usable ? &trips[k - 1] : nullptr, trips[k]);
   });
-  Tally tally;
   for (const Trip& trip : trips) {
-    tally.skipped += !trip.usable;
+    const CaloricQuestion& q = trip.question;
+    tally.count("skip", !trip.usable);
     for (int s = 0; s < starts && trip.usable; ++s) {
-      tally.add(trip.answers[s], trip.verdicts[s], s);
-      if (!trip.verdicts[s].group.empty()) write_failure(failures, feed, trip, s);
+      const CaloricAnswer& a = trip.answers[s];
+      const CaloricVerdict& v = trip.verdicts[s];
+      count(a, v, s, tally);
+      if (!v.group.empty())
+        Line(failures) << feed.name << (q.quantity == Quantity::entropy ? "SP" : "HP") << q.value << q.state.P
+                       << q.state.T << q.beta << start_names[s] << trip.T_start[s] << a.phases.status << a.T
+                       << a.phases.beta << v.group << v.reason << feed.z;
     }
   }
-  tally.print(feed.name.c_str(), o.times);
-  return tally;
 }
 
 }  // namespace
-
-namespace kestrune::sweep {
 
 int run_caloric(const Options& o, Library& library, std::FILE* failures) {
   std::fprintf(
@@ -245,18 +194,12 @@ int run_caloric(const Options& o, Library& library, std::FILE* failures) {
   std::vector<Feed> feeds = all_feeds();
   if (o.mode == Mode::values)
     for (Feed& feed : value_feeds()) feeds.push_back(std::move(feed));
-  const int count = o.states / starts / static_cast<int>(feeds.size()) + 1;
-  std::printf("%-26s %7s %7s %7s %6s %6s %6s %6s %6s %6s  %8s %8s %8s\n", "mixture", "trips", "single", "two",
-              "three", "range", "other", "skip", "jump", "wrong", "T", "balance", "ln f");
-  Tally total;
-  for (const Feed& feed : feeds) {
-    if (!o.mixture.empty() && feed.name != o.mixture) continue;
-    total.add(sweep_feed(o, library, feed, count, failures));
-  }
-  total.print("all", o.times);
-  print_groups(total.groups);
-  std::printf("%d passed, %d failed\n", total.trips - total.wrong, total.wrong);
-  return total.trips > 0 ? total.wrong : -1;
+  const int count_of = o.states / starts / static_cast<int>(feeds.size()) + 1;
+  const Columns columns{{"trips", "single", "two", "three", "range", "other", "skip", "jump"},
+                        {"T", "balance", "ln f"}};
+  return run_over(o, columns, feeds, [&](const Feed& feed, Tally& tally) {
+    sweep_feed(o, library, feed, count_of, failures, tally);
+  });
 }
 
 }  // namespace kestrune::sweep

@@ -3,13 +3,12 @@
 #include <algorithm>
 #include <cmath>
 
-#include "options.hpp"
+#include "report.hpp"
 #include "tables.hpp"
 #include "three_states.hpp"
 
+namespace kestrune::sweep {
 namespace {
-
-using namespace kestrune::sweep;
 
 constexpr double tolerance = 1e-9;
 const char* const record_names[] = {"none", "exports", "properties forwarded", "flashes forwarded",
@@ -110,30 +109,22 @@ double difference(const Row& one, const Row& other) {
   return most;
 }
 
-struct Tally {
-  int states = 0, calls = 0, different = 0;
-  std::map<std::string, int> groups;
-};
-
 void compare(Library& library, const Feed& feed, const Asked& s, Tally& tally, std::FILE* failures) {
   library.use(OwnRoutines::none);
   const std::vector<Row> expected = ask(library, feed, s);
-  ++tally.states;
+  tally.count("states");
   for (int which = 1; which <= static_cast<int>(OwnRoutines::all); ++which) {
     library.use(static_cast<OwnRoutines>(which));
     const std::vector<Row> rows = ask(library, feed, s);
     for (size_t k = 0; k < rows.size(); ++k) {
-      ++tally.calls;
+      tally.count("calls");
       const double apart = difference(rows[k], expected[k]);
       if (!(apart > tolerance)) continue;
-      ++tally.different;
       const bool status = rows[k].status != expected[k].status;
-      ++tally.groups[std::string(rows[k].flash) + ", " + record_names[which] + (status ? ": status" : "")];
-      std::fprintf(failures, "%s,%d,%s,%s,%.17g,%.17g,%.17g,%.17g,%g,%d,%d,%.3g,", feed.name.c_str(),
-                   feed.free_water, rows[k].flash, record_names[which], s.T, s.P, s.value[0], s.value[1], s.W,
-                   rows[k].status, expected[k].status, apart);
-      write_values(failures, feed.z);
-      std::fprintf(failures, "\n");
+      tally.blame({std::string(rows[k].flash) + ", " + record_names[which] + (status ? ": status" : "")});
+      Line(failures) << feed.name << feed.free_water << rows[k].flash << record_names[which] << s.T << s.P
+                     << s.value[0] << s.value[1] << s.W << rows[k].status << expected[k].status << apart
+                     << feed.z;
     }
   }
   library.use(OwnRoutines::none);
@@ -141,20 +132,14 @@ void compare(Library& library, const Feed& feed, const Asked& s, Tally& tally, s
 
 }  // namespace
 
-namespace kestrune::sweep {
-
 int run_routines(const Options& o, Library& library, std::FILE* failures) {
   std::fprintf(failures, "mixture,free_water,flash,record,T_K,P_atm,H,S,W,status,expected,apart,z\n");
-  std::vector<System> systems = three_phase_systems();
-  const int count = o.states / static_cast<int>(systems.size()) + 1;
-  Tally total;
-  for (System& system : systems) {
-    if (!o.mixture.empty() && system.feed.name != o.mixture) continue;
+  const std::vector<System> systems = three_phase_systems();
+  const int count_of = o.states / static_cast<int>(systems.size()) + 1;
+  return run_over(o, {{"calls", "states"}, {}}, systems, [&](const System& system, Tally& tally) {
     const Components components = read_components(o.data, system.feed.ids);
-    const std::vector<ThreeState> states = draw_states(system, count, o.seed_of(system.feed));
-    const bool wet =
-        std::find(system.feed.ids.begin(), system.feed.ids.end(), "water") != system.feed.ids.end();
-    Tally tally;
+    const std::vector<ThreeState> states = draw_states(system, count_of, o.seed_of(system.feed));
+    const bool wet = std::ranges::count(system.feed.ids, "water") > 0;
     for (size_t k = 0; k < states.size(); ++k) {
       Feed feed = system.feed;
       feed.z = states[k].z;
@@ -163,22 +148,11 @@ int run_routines(const Options& o, Library& library, std::FILE* failures) {
       feed.solubility_b = 6290.0;
       library.prepare(feed, components);
       Asked s{states[k].T, states[k].P, {}, (k % 5) * 0.25};
-      if (!value_at(library, feed, s.T, s.P, Quantity::enthalpy, s.value[0]) ||
-          !value_at(library, feed, s.T, s.P, Quantity::entropy, s.value[1]))
-        continue;
-      compare(library, feed, s, tally, failures);
+      if (value_at(library, feed, s.T, s.P, Quantity::enthalpy, s.value[0]) &&
+          value_at(library, feed, s.T, s.P, Quantity::entropy, s.value[1]))
+        compare(library, feed, s, tally, failures);
     }
-    std::printf("%-26s %7d states %8d calls %6d different\n", system.feed.name.c_str(), tally.states,
-                tally.calls, tally.different);
-    std::fflush(stdout);
-    total.states += tally.states;
-    total.calls += tally.calls;
-    total.different += tally.different;
-    for (const auto& [name, n] : tally.groups) total.groups[name] += n;
-  }
-  print_groups(total.groups);
-  std::printf("%d passed, %d failed\n", total.calls - total.different, total.different);
-  return total.states > 0 ? total.different : -1;
+  });
 }
 
 }  // namespace kestrune::sweep

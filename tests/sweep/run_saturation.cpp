@@ -1,76 +1,36 @@
 // Bubble, dew and quality points at given T and at given P, asked at many values.
-#include <algorithm>
-
-#include "options.hpp"
+#include "report.hpp"
 #include "saturation_points.hpp"
 #include "tables.hpp"
 
+namespace kestrune::sweep {
 namespace {
 
-using namespace kestrune::sweep;
 using Result = SaturationVerdict::Result;
-
-struct Tally {
-  int points = 0, bubble = 0, dew = 0, between = 0, none = 0, liquids = 0, before = 0, missed = 0, unstable = 0,
-      clamped = 0, wrong = 0;
-  double balance = 0, fugacity = 0, tpd = 0, trip = 0, seconds = 0;
-  std::map<std::string, int> groups;
-
-  void add(const SaturationQuestion& q, const SaturationAnswer& a, const SaturationVerdict& v) {
-    ++points;
-    seconds += a.seconds;
-    none += v.result == Result::none;
-    liquids += v.result == Result::none_but_liquids;
-    before += v.result == Result::split_before;
-    missed += v.missed;
-    if (v.result == Result::wrong) {
-      ++wrong;
-      ++groups[v.group];
-    }
-    if (v.result != Result::point && v.result != Result::quality_unstable) return;
-    unstable += v.result == Result::quality_unstable;
-    (q.W == 0 ? bubble : q.W == 1 ? dew : between) += 1;
-    clamped += v.clamped > 0;
-    balance = std::max(balance, v.balance);
-    fugacity = std::max(fugacity, v.fugacity);
-    if (v.result == Result::point) tpd = std::min(tpd, v.tpd);
-    trip = std::max(trip, v.trip);
-  }
-
-  void add(const Tally& t) {
-    points += t.points;
-    bubble += t.bubble;
-    dew += t.dew;
-    between += t.between;
-    none += t.none;
-    liquids += t.liquids;
-    before += t.before;
-    missed += t.missed;
-    unstable += t.unstable;
-    clamped += t.clamped;
-    wrong += t.wrong;
-    balance = std::max(balance, t.balance);
-    fugacity = std::max(fugacity, t.fugacity);
-    tpd = std::min(tpd, t.tpd);
-    trip = std::max(trip, t.trip);
-    seconds += t.seconds;
-    for (const auto& [name, count] : t.groups) groups[name] += count;
-  }
-
-  void print(const char* name, bool times) const {
-    std::printf("%-26s %7d %7d %7d %7d %6d %6d %6d %6d %6d %6d %6d  %8.1e %8.1e %9.1e %8.1e", name, points,
-                bubble, dew, between, none, liquids, before, missed, unstable, clamped, wrong, balance,
-                fugacity, tpd, trip);
-    if (times) std::printf(" %8.1f us", 1e6 * seconds / std::max(1, points));
-    std::printf("\n");
-    std::fflush(stdout);
-  }
-};
 
 struct Asked {
   SaturationAnswer answer, back;
   SaturationVerdict verdict;
 };
+
+void count(const SaturationQuestion& q, const Asked& asked, Tally& tally) {
+  const SaturationVerdict& v = asked.verdict;
+  tally.count("points");
+  tally.seconds["point"].push_back(asked.answer.seconds);
+  tally.count("none", v.result == Result::none);
+  tally.count("2 liq", v.result == Result::none_but_liquids);
+  tally.count("117", v.result == Result::split_before);
+  tally.count("missed", v.missed);
+  if (v.result == Result::wrong) tally.blame({v.group});
+  if (v.result != Result::point && v.result != Result::quality_unstable) return;
+  tally.count("unst", v.result == Result::quality_unstable);
+  tally.count(q.W == 0 ? "bubble" : q.W == 1 ? "dew" : "between");
+  tally.count("clamp", v.clamped > 0);
+  tally.size("balance", v.balance);
+  tally.size("ln f", v.fugacity);
+  if (v.result == Result::point) tally.size("-tpd", -v.tpd);
+  tally.size("trip", v.trip);
+}
 
 Asked ask(Library& library, const Sides& sides, const Components& components, const SaturationQuestion& q) {
   Asked out;
@@ -87,59 +47,41 @@ Asked ask(Library& library, const Sides& sides, const Components& components, co
   return out;
 }
 
-void write_failure(std::FILE* file, const Feed& feed, const SaturationQuestion& q, const Asked& out) {
-  std::fprintf(file, "%s,%s,%s,%.17g,%.17g,%d,%.17g,%d,%.17g,%.17g,\"%s\",\"%s\",", feed.name.c_str(), q.kind,
-               q.given == Given::temperature ? "WT" : "WP", q.W, q.value, out.answer.status, out.answer.found,
-               out.back.status, out.back.found, out.verdict.other, out.verdict.group.c_str(),
-               out.verdict.reason.c_str());
-  write_values(file, feed.z);
-  std::fprintf(file, "\n");
-  std::fflush(file);
-}
-
-Tally sweep_feed(const Options& o, Library& library, const Feed& feed, int count, std::FILE* failures) {
+void sweep_feed(const Options& o, Library& library, const Feed& feed, int count_of, std::FILE* failures,
+                Tally& tally) {
   const Components components = read_components(o.data, feed.ids);
   const Sides sides(feed, components);
-  const StatePlan plan{count, o.jobs, o.critical_steps, o.seed_of(feed)};
-  const std::vector<SaturationQuestion> questions = make_saturation_questions(sides, plan);
+  const std::vector<SaturationQuestion> questions =
+      make_saturation_questions(sides, {count_of, o.jobs, o.critical_steps, o.seed_of(feed)});
   library.prepare(feed, components);
   std::vector<Asked> asked(questions.size());
   parallel_for(static_cast<int>(questions.size()), o.jobs,
                [&](int k) { asked[k] = ask(library, sides, components, questions[k]); });
-  Tally tally;
   for (size_t k = 0; k < questions.size(); ++k) {
-    tally.add(questions[k], asked[k].answer, asked[k].verdict);
-    if (asked[k].verdict.result == Result::wrong || asked[k].verdict.missed)
-      write_failure(failures, feed, questions[k], asked[k]);
+    const SaturationQuestion& q = questions[k];
+    const auto& [answer, back, verdict] = asked[k];
+    count(q, asked[k], tally);
+    if (verdict.result == Result::wrong || verdict.missed)
+      Line(failures) << feed.name << q.kind << (q.given == Given::temperature ? "WT" : "WP") << q.W << q.value
+                     << answer.status << answer.found << back.status << back.found << verdict.other
+                     << verdict.group << verdict.reason << feed.z;
   }
-  tally.print(feed.name.c_str(), o.times);
-  return tally;
 }
 
 }  // namespace
 
-namespace kestrune::sweep {
-
 int run_saturation(const Options& o, Library& library, std::FILE* failures) {
   std::fprintf(failures,
                "mixture,kind,export,W,given,status,answer,status_back,answer_back,judge,group,reason,z\n");
-  std::vector<Feed> feeds;
-  for (const Feed& feed : all_feeds()) {
-    if (!feed.free_water) feeds.push_back(feed);
-  }
-  const int count = o.states / static_cast<int>(feeds.size()) + 1;
-  std::printf("%-26s %7s %7s %7s %7s %6s %6s %6s %6s %6s %6s %6s  %8s %8s %9s %8s\n", "mixture", "points",
-              "bubble", "dew", "between", "none", "2 liq", "117", "missed", "unst", "clamp", "wrong", "balance",
-              "ln f", "tpd", "trip");
-  Tally total;
-  for (const Feed& feed : feeds) {
-    if (!o.mixture.empty() && feed.name != o.mixture) continue;
-    total.add(sweep_feed(o, library, feed, count, failures));
-  }
-  total.print("all", o.times);
-  print_groups(total.groups);
-  std::printf("%d passed, %d failed\n", total.points - total.wrong, total.wrong);
-  return total.points > 0 ? total.wrong : -1;
+  std::vector<Feed> feeds = all_feeds();
+  std::erase_if(feeds, [](const Feed& feed) { return feed.free_water; });
+  const int count_of = o.states / static_cast<int>(feeds.size()) + 1;
+  const Columns columns{
+      {"points", "bubble", "dew", "between", "none", "2 liq", "117", "missed", "unst", "clamp"},
+      {"balance", "ln f", "-tpd", "trip"}};
+  return run_over(o, columns, feeds, [&](const Feed& feed, Tally& tally) {
+    sweep_feed(o, library, feed, count_of, failures, tally);
+  });
 }
 
 }  // namespace kestrune::sweep

@@ -3,15 +3,13 @@
 #include <array>
 #include <cmath>
 
-#include "options.hpp"
-#include "states.hpp"
+#include "report.hpp"
 #include "tables.hpp"
 #include "three_reference.hpp"
 #include "three_states.hpp"
 
+namespace kestrune::sweep {
 namespace {
-
-using namespace kestrune::sweep;
 
 // Where the answer comes from: nothing, itself, the answer at 1.002 T and 1.01 P, that of the state before, the
 // answer with liquid A and vapour exchanged, and one with the fractions of other components.
@@ -29,67 +27,27 @@ struct Judged {
   bool edge = false;  // two right answers with different phases: the state lies on a boundary
 };
 
-struct Tally {
-  int states = 0, kinds[4] = {}, four = 0, wrong = 0, failed = 0, warm = 0, bad = 0, edge = 0, tries = 0;
-  double apart = 0, balance = 0, fugacity = 0, tpd = 0;
-  std::map<std::string, int> groups;
-
-  void add(const Judged& judged) {
-    ++states;
-    ++kinds[phase_count(layout_of(judged.answers[0]))];
-    edge += judged.edge;
-    four += judged.four;
-    bool warm_wrong = false;
-    for (int s = 0; s < starts; ++s) {
-      const ThreeVerdict& v = judged.verdicts[s];
-      balance = std::max(balance, v.group.empty() ? v.balance : 0);
-      fugacity = std::max(fugacity, v.group.empty() ? v.fugacity : 0);
-      tpd = std::min(tpd, v.group.empty() ? v.tpd : 0);
-      if (v.group.empty()) continue;
-      ++groups[v.group + ", " + start_names[s]];
-      if (s == 0) ++(judged.answers[0].status == 0 ? wrong : failed);
+void count(const Judged& judged, Tally& tally) {
+  const char* const kinds[] = {"none", "one", "two", "three"};
+  tally.count("states");
+  tally.count(kinds[phase_count(layout_of(judged.answers[0]))]);
+  tally.count("edge", judged.edge);
+  tally.count("four", judged.four);
+  std::vector<std::string> wrong;
+  bool warm_wrong = false;
+  for (int s = 0; s < starts; ++s) {
+    const ThreeVerdict& v = judged.verdicts[s];
+    if (!v.group.empty()) {
+      wrong.push_back(v.group + ", " + start_names[s]);
       warm_wrong = warm_wrong || s > 0;
+      continue;
     }
-    warm += warm_wrong;
-    bad += warm_wrong || !judged.verdicts[0].group.empty();
-    if (!warm_wrong) apart = std::max(apart, judged.apart);
+    tally.size("balance", v.balance);
+    tally.size("ln f", v.fugacity);
+    tally.size("-tpd", -v.tpd);
   }
-
-  void add(const Tally& t) {
-    states += t.states;
-    for (int k = 0; k < 4; ++k) kinds[k] += t.kinds[k];
-    four += t.four;
-    wrong += t.wrong;
-    failed += t.failed;
-    warm += t.warm;
-    bad += t.bad;
-    edge += t.edge;
-    tries += t.tries;
-    apart = std::max(apart, t.apart);
-    balance = std::max(balance, t.balance);
-    fugacity = std::max(fugacity, t.fugacity);
-    tpd = std::min(tpd, t.tpd);
-    for (const auto& [name, count] : t.groups) groups[name] += count;
-  }
-
-  void print(const char* name) const {
-    std::printf("%-26s %7d %7d %6d %6d %6d %5d %6d %6d %6d %5d  %8.1e %8.1e %8.1e %9.1e\n", name, tries, states,
-                kinds[1], kinds[2], kinds[3], four, failed, wrong, warm, edge, apart, balance, fugacity, tpd);
-    std::fflush(stdout);
-  }
-};
-
-void print_times(const char* name, Sample& sample) {
-  for (int k = 0; k < 4; ++k) {
-    std::vector<double>& times = sample.seconds[k];
-    if (times.empty()) continue;
-    std::sort(times.begin(), times.end());
-    double sum = 0;
-    for (double t : times) sum += t;
-    std::printf("  %-24s %d phases: mean %8.1f us, p95 %8.1f us, largest %9.1f us, %zu cold calls\n", name, k,
-                1e6 * sum / static_cast<double>(times.size()), 1e6 * times[times.size() * 95 / 100],
-                1e6 * times.back(), times.size());
-  }
+  tally.blame(wrong);
+  if (!warm_wrong) tally.size("apart", judged.apart);
 }
 
 // A warm answer has to be the cold one. Where it has other phases and both are right, the state lies on the
@@ -137,64 +95,44 @@ Judged ask_all(Library& library, const Components& components, const ThreeState&
   return judged;
 }
 
-void write_failure(std::FILE* file, const System& system, const ThreeState& state, const Judged& judged,
-                   int s) {
-  const ThreeAnswer& a = judged.answers[s];
-  std::fprintf(file, "%s,%s,\"%s\",%.17g,%.17g,%d,%.17g,%.17g,\"%s\",\"%s\"", system.feed.name.c_str(),
-               state.kind, start_names[s], state.T, state.P, a.status, a.beta, a.V,
-               judged.verdicts[s].group.c_str(), judged.verdicts[s].reason.c_str());
-  for (const Composition* part : {&state.z, &a.a, &a.b, &a.y}) {
-    std::fprintf(file, ",");
-    write_values(file, *part);
-  }
-  std::fprintf(file, "\n");
-  std::fflush(file);
-}
-
-Tally sweep_system(const Options& o, Library& library, const System& system, int count, std::FILE* failures) {
+void sweep_system(const Options& o, Library& library, const System& system, int count_of, std::FILE* failures,
+                  Tally& tally) {
   const Components components = read_components(o.data, system.feed.ids);
   library.prepare(system.feed, components);
-  Sample sample =
-      sample_states(system, {count, o.jobs, o.seed_of(system.feed)},
+  const Sample sample =
+      sample_states(system, {count_of, o.jobs, o.seed_of(system.feed)},
                     [&](double T, double P, const Composition& z) { return library.three(T, P, z); });
   const int n = static_cast<int>(sample.states.size());
   std::vector<Judged> judged(n);
   parallel_for(n, o.jobs, [&](int k) {
     judged[k] = ask_all(library, components, sample.states[k], sample.states[k > 0 ? k - 1 : 0]);
   });
-  Tally tally;
-  tally.tries = sample.tries;
+  tally.count("tries", sample.tries);
+  for (int k = 0; k < 4; ++k) tally.seconds[text("%.0f phases, cold", k)] = sample.seconds[k];
   for (int k = 0; k < n; ++k) {
-    tally.add(judged[k]);
+    const ThreeState& state = sample.states[k];
+    count(judged[k], tally);
     for (int s = 0; s < starts; ++s) {
-      if (!judged[k].verdicts[s].group.empty()) write_failure(failures, system, sample.states[k], judged[k], s);
+      const ThreeAnswer& a = judged[k].answers[s];
+      const ThreeVerdict& v = judged[k].verdicts[s];
+      if (!v.group.empty())
+        Line(failures) << system.feed.name << state.kind << start_names[s] << state.T << state.P << a.status
+                       << a.beta << a.V << v.group << v.reason << state.z << a.a << a.b << a.y;
     }
   }
-  tally.print(system.feed.name.c_str());
-  if (o.times) print_times(system.feed.name.c_str(), sample);
-  return tally;
 }
 
 }  // namespace
 
-namespace kestrune::sweep {
-
 int run_three(const Options& o, Library& library, std::FILE* failures) {
   std::fprintf(failures, "system,kind,start,T_K,P_atm,status,beta,V,group,reason,z,xA,xB,y\n");
   const std::vector<System> systems = three_phase_systems();
-  const int count = o.states / static_cast<int>(systems.size()) + 1;
-  std::printf("%-26s %7s %7s %7s %6s %6s %5s %6s %6s %6s %5s  %8s %8s %8s %9s\n", "system", "tries", "states",
-              "one", "two", "three", "four", "failed", "wrong", "warm", "edge", "apart", "balance", "ln f",
-              "tpd");
-  Tally total;
-  for (const System& system : systems) {
-    if (!o.mixture.empty() && system.feed.name != o.mixture) continue;
-    total.add(sweep_system(o, library, system, count, failures));
-  }
-  total.print("all");
-  print_groups(total.groups);
-  std::printf("%d passed, %d failed\n", total.states - total.bad, total.bad);
-  return total.states > 0 ? total.bad : -1;
+  const int count_of = o.states / static_cast<int>(systems.size()) + 1;
+  const Columns columns{{"states", "tries", "one", "two", "three", "four", "edge"},
+                        {"apart", "balance", "ln f", "-tpd"}};
+  return run_over(o, columns, systems, [&](const System& s, Tally& tally) {
+    sweep_system(o, library, s, count_of, failures, tally);
+  });
 }
 
 }  // namespace kestrune::sweep

@@ -5,14 +5,12 @@
 #include <cstring>
 #include <random>
 
-#include "options.hpp"
-#include "states.hpp"
+#include "report.hpp"
 #include "tables.hpp"
 #include "wet_states.hpp"
 
+namespace kestrune::sweep {
 namespace {
-
-using namespace kestrune::sweep;
 
 const std::vector<std::vector<std::string>> systems = {
     {"methane", "n_hexane", "water"},
@@ -67,21 +65,18 @@ Draw draw(std::mt19937_64& random) {
 struct Sweep {
   Library& library;
   std::FILE* failures;
-  std::map<std::string, int> asked, wrong, stateless;
-  double seconds = 0;
+  std::map<std::string, Tally> tallies;  // by what is asked
 
   void count(const Draw& d, const std::string& what, const std::string& reason, double value, double found,
              int status, double beta) {
-    ++asked[what];
+    Tally& tally = tallies[what];
+    tally.count("asked");
     if (reason.empty()) return;
-    ++wrong[what + ": " + reason.substr(0, reason.find_first_of("0123456789"))];
-    std::fprintf(failures, "%s,\"%s\",%.17g,%.17g,%.17g,%.17g,%d,%.17g,%g,%g,", what.c_str(), reason.c_str(),
-                 d.T, d.P, value, found, status, beta, d.feed.solubility_a, d.feed.solubility_b);
-    for (const auto& id : d.feed.ids) std::fprintf(failures, "%s;", id.c_str());
-    std::fprintf(failures, ",");
-    write_values(failures, d.feed.z);
-    std::fprintf(failures, "\n");
-    std::fflush(failures);
+    tally.blame({what + ": " + reason.substr(0, reason.find_first_of("0123456789"))});
+    std::string ids;
+    for (const auto& id : d.feed.ids) ids += id + ";";
+    Line(failures) << what << reason << d.T << d.P << value << found << status << beta << d.feed.solubility_a
+                   << d.feed.solubility_b << ids << d.feed.z;
   }
 };
 
@@ -99,7 +94,7 @@ Question question_at(const Draw& d, const Components& c, double T, double P) {
 std::string blame(Sweep& s, const std::string& what, const Question& question, const std::string& reason) {
   if (reason.find("missing") == std::string::npos && reason.find("120") == std::string::npos) return reason;
   if (wet_state_exists(question)) return reason;
-  ++s.stateless[what];
+  s.tallies[what].count("no state");
   return {};
 }
 
@@ -114,8 +109,7 @@ std::string no_answer(int status) {
 
 // At T and P, cold, and warm from what another state had.
 Answer ask_isothermal(Sweep& s, const Draw& d, const Components& c, const Answer* before) {
-  Answer cold;
-  s.seconds += timed([&] { cold = s.library.flash(d.feed, d.T, d.P); });
+  const Answer cold = s.library.flash(d.feed, d.T, d.P);
   const Question question = question_at(d, c, d.T, d.P);
   const std::string reason = cold.status != 0 ? no_answer(cold.status) : judge(question, cold).reason;
   s.count(d, "T,P", blame(s, "T,P", question, reason), 0, 0, cold.status, cold.beta);
@@ -186,8 +180,7 @@ bool crossed(Sweep& s, const Draw& d, const Components& c, Given given, double W
 
 void ask_fraction(Sweep& s, const Draw& d, const Components& c, Given given, double W) {
   const SaturationQuestion q{given, W, given == Given::pressure ? d.P : d.T};
-  SaturationAnswer a;
-  s.seconds += timed([&] { a = s.library.saturation(d.feed, q); });
+  const SaturationAnswer a = s.library.saturation(d.feed, q);
   const std::string what = given == Given::pressure ? "W,P" : "W,T";
   std::string reason;
   if (a.status == 116) {
@@ -220,8 +213,7 @@ void ask_value(Sweep& s, const Draw& d, const Components& c, Quantity quantity, 
       !value_of(s, quantity, top, d.P, s.library.flash(d.feed, top, d.P), high))
     return;
   const double wanted = low + part * (high - low);
-  CaloricAnswer a;
-  s.seconds += timed([&] { a = s.library.caloric(d.feed, quantity, wanted, d.P, 0); });
+  const CaloricAnswer a = s.library.caloric(d.feed, quantity, wanted, d.P, 0);
   std::string reason;
   if (a.phases.status != 0) {
     // Refused: right only in a jump, where the flash has values on both sides within a hair.
@@ -278,12 +270,10 @@ void ask_without_water(Sweep& s, const Draw& d, const Components& c) {
 
 }  // namespace
 
-namespace kestrune::sweep {
-
 int run_wet(const Options& o, Library& library, std::FILE* failures) {
   std::fprintf(failures, "export,reason,T_K,P_atm,value,found,status,beta,A,B,components,z\n");
   std::mt19937_64 random(o.seed);
-  Sweep s{library, failures, {}, {}, {}};
+  Sweep s{library, failures, {}};
   for (int k = 0; k < o.states / 12; ++k) {
     Draw d = draw(random);
     const Components c = read_components(o.data, d.feed.ids);
@@ -302,18 +292,14 @@ int run_wet(const Options& o, Library& library, std::FILE* failures) {
       set_state(d, random);
     }
   }
-  int all = 0, bad = 0;
-  for (const auto& [what, count] : s.asked) {
-    std::printf("%-12s %8d\n", what.c_str(), count);
-    all += count;
+  const Columns columns{{"asked", "no state"}, {}};
+  print_head(columns);
+  Tally total;
+  for (const auto& [what, tally] : s.tallies) {
+    print_line(columns, what, tally);
+    total.add(tally);
   }
-  for (const auto& [what, count] : s.wrong) bad += count;
-  for (const auto& [what, count] : s.stateless)
-    std::printf("%-12s %8d without a state by the rules\n", what.c_str(), count);
-  print_groups(s.wrong);
-  if (o.times) std::printf("%.1f us a call\n", 1e6 * s.seconds / std::max(1, all));
-  std::printf("%d passed, %d failed\n", all - bad, bad);
-  return all > 0 ? bad : -1;
+  return finish(o, columns, total);
 }
 
 }  // namespace kestrune::sweep

@@ -1,48 +1,17 @@
 #include "tables.hpp"
 
 #include <algorithm>
-#include <fstream>
 #include <stdexcept>
 
+#include "common/csv.hpp"
+
 namespace kestrune::sweep {
-namespace {
-
-std::vector<std::string> split_line(const std::string& line) {
-  std::vector<std::string> fields(1);
-  bool quoted = false;
-  for (char c : line) {
-    if (c == '"') {
-      quoted = !quoted;
-    } else if (c == ',' && !quoted) {
-      fields.emplace_back();
-    } else if (c != '\r') {
-      fields.back() += c;
-    }
-  }
-  return fields;
-}
-
-}  // namespace
-
-std::vector<std::map<std::string, std::string>> read_table(const std::string& file) {
-  std::ifstream in(file);
-  std::string line;
-  if (!std::getline(in, line)) throw std::runtime_error("cannot read " + file);
-  const std::vector<std::string> names = split_line(line);
-  std::vector<std::map<std::string, std::string>> rows;
-  while (std::getline(in, line)) {
-    const std::vector<std::string> fields = split_line(line);
-    auto& row = rows.emplace_back();
-    for (size_t i = 0; i < names.size() && i < fields.size(); ++i) row[names[i]] = fields[i];
-  }
-  return rows;
-}
 
 Components read_components(const std::string& folder, const std::vector<std::string>& ids) {
-  std::map<std::string, std::map<std::string, std::string>> known;
-  for (auto& row : read_table(folder + "/components.csv")) known[row["id"]] = row;
+  std::map<std::string, tests::Row> known;
+  for (auto& row : tests::rows("components.csv", folder)) known[row["id"]] = row;
   std::map<std::string, std::map<int, int>> groups;
-  for (auto& row : read_table(folder + "/component_groups.csv")) {
+  for (auto& row : tests::rows("component_groups.csv", folder)) {
     if (row["covered"] == "1") groups[row["id"]][std::stoi(row["group_index"])] = std::stoi(row["count"]);
   }
   std::map<int, int> used;  // group number of the data to position
@@ -66,7 +35,7 @@ Components read_components(const std::string& folder, const std::vector<std::str
   }
   c.A.assign(static_cast<size_t>(c.groups) * c.groups, 0.0);
   c.B = c.A;
-  for (auto& row : read_table(folder + "/ppr78_interactions.csv")) {
+  for (auto& row : tests::rows("ppr78_interactions.csv", folder)) {
     const auto k = used.find(std::stoi(row["k"])), l = used.find(std::stoi(row["l"]));
     if (row["status"] != "published" || k == used.end() || l == used.end()) continue;
     const int place = std::min(k->second, l->second) + std::max(k->second, l->second) * c.groups;

@@ -1,15 +1,11 @@
-// Comma-separated tables and the component data of a mixture.
+// The component data of a mixture.
 #pragma once
-#include <map>
 #include <string>
 #include <vector>
 
 #include "model.hpp"
 
 namespace kestrune::sweep {
-
-// Rows of a table with one header line, by column name. Quoted fields may hold commas. Throws when missing.
-std::vector<std::map<std::string, std::string>> read_table(const std::string& file);
 
 // Components by id from components.csv, component_groups.csv and ppr78_interactions.csv of the folder. Pairs of
 // groups without a published value count as zero. Throws when an id is unknown or has no groups.

@@ -70,6 +70,26 @@ bool ordered(const std::vector<PresentPhase>& phases, ThreeVerdict& verdict) {
   return true;
 }
 
+// The lighter of two phases is a vapour where it is packed less densely than at the critical point, or above its
+// pseudo-critical temperature (Kay), by a quarter of it beside an aqueous liquid; else there are two liquids.
+bool named(const Question& q, const Reduced& r, const std::vector<PresentPhase>& phases,
+           ThreeVerdict& verdict) {
+  if (phases.size() != 2) return true;
+  const bool first = phases[0].volume_ratio > phases[1].volume_ratio;
+  const PresentPhase &light = phases[first ? 0 : 1], &other = phases[first ? 1 : 0];
+  double kay = 0;
+  bool aqueous = false;
+  for (int i = 0; i < r.components.n; ++i) {
+    kay += light.w[i] * r.components.tc[i];
+    aqueous = aqueous || (r.components.family[i] == 20.0 && other.w[i] > 0.5);
+  }
+  const double loose = light.volume_ratio / 3.9513730355914394, hot = q.T / (aqueous ? 1.25 * kay : kay);
+  if (std::abs(loose - 1) < 1e-6 || std::abs(hot - 1) < 1e-6) return true;
+  if ((light.name == 'V') == (loose > 1 || hot > 1)) return true;
+  return fail(verdict, "name",
+              text("v/b over the critical one %.6g, T over what makes a vapour %.6g", loose, hot));
+}
+
 // KLL = xA/xB and KLV = y/xA of three phases, held within 1e-15 .. 1e15.
 bool ratios_agree(const Question& question, const ThreeAnswer& answer, ThreeVerdict& verdict) {
   const auto off = [](double K, double up, double down) {
@@ -191,7 +211,7 @@ double closest_phases(const Question& question, const ThreeAnswer& answer) {
   return least;
 }
 
-ThreeVerdict judge_three(const Question& question, const ThreeAnswer& answer) {
+ThreeVerdict judge_three(const Question& question, const ThreeAnswer& answer, bool names) {
   ThreeVerdict verdict;
   if (answer.status != 0) {
     fail(verdict, text("status %.0f", answer.status), text("status %.0f", answer.status));
@@ -212,7 +232,7 @@ ThreeVerdict judge_three(const Question& question, const ThreeAnswer& answer) {
     fail(verdict, "fugacities", text("fugacities differ by %.3g in ln f", verdict.fugacity));
     return verdict;
   }
-  if (!ordered(phases, verdict)) return verdict;
+  if (!ordered(phases, verdict) || (names && !named(question, r, phases, verdict))) return verdict;
   if (layout == Layout::three && !ratios_agree(question, answer, verdict)) return verdict;
   verdict.tpd = lowest_distance(r, question.P, plane);
   if (verdict.tpd < -tpd_tolerance) {

@@ -49,8 +49,8 @@ struct ThreeVerdict {
 // times this.
 inline constexpr double least_fraction = 1e-14;
 
-// The full judgement. The question's FreeWaterFlag is not looked at.
-ThreeVerdict judge_three(const Question& question, const ThreeAnswer& answer);
+// The full judgement. The question's FreeWaterFlag is not looked at; names: whether a vapour is one has to hold too.
+ThreeVerdict judge_three(const Question& question, const ThreeAnswer& answer, bool names = true);
 
 // The composition full[n] of the feed's mixture as a phase of the state asked.
 PresentPhase phase_of(const Question& question, const Reduced& r, char name, double share,

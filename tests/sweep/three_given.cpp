@@ -84,7 +84,7 @@ ThreeVerdict judge_three_point(const Question& question, double W, const ThreePo
     return verdict;
   }
   answer.V = W;
-  verdict = judge_three(question, answer);
+  verdict = judge_three(question, answer, false);  // what has the fraction asked for is called the vapour
   if (!verdict.group.empty() || (W > 0 && W < 1)) return verdict;
   const Reduced r(question);
   const auto phases = present_phases(question, r, answer);

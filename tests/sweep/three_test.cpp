@@ -61,7 +61,7 @@ TEST(JudgeThree, AcceptsRightAnswers) {
       const ThreeAnswer answer = slow_flash(q);
       slow += answer.status != 0;
       if (answer.status != 0) continue;
-      const ThreeVerdict verdict = judge_three(q, answer);
+      const ThreeVerdict verdict = judge_three(q, answer, false);
       EXPECT_EQ(verdict.group, "") << system.feed.name << " " << state.T << " K " << state.P << " atm "
                                    << verdict.reason;
       ++kinds[phase_count(layout_of(answer))];

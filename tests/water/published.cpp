@@ -11,13 +11,28 @@ using namespace kestrune::tests;
 
 namespace {
 
-// Largest mean of the amounts, percent: methane-rich gas above the ice point up to 200 atm by the equation of
-// state, and the chart against its own table.
+// Largest mean of the amounts, percent (hydrates: K), and how many points have to have a value. The deviations are those
+// of the model: CO2 beside its own condensation and with a little methane is hard for it, as sour gas for the chart.
 constexpr struct {
   const char* name;
   int method;
   double bound;
-} kBounds[] = {{"methane", 1, 5.0}, {"chart of natural gas", 1, 5.0}, {"chart of natural gas", 2, 0.5}};
+  int points;
+} kBounds[] = {{"methane", 1, 2.5, 24},
+               {"methane", 2, 3.7, 24},
+               {"methane 400 and 700 bar", 1, 4.1, 10},
+               {"methane 400 and 700 bar", 2, 2.5, 5},
+               {"chart of natural gas", 1, 4.5, 16},
+               {"chart of natural gas", 2, 0.2, 16},
+               {"chart of natural gas below the ice point", 2, 0.4, 8},
+               {"carbon dioxide", 1, 6.1, 24},
+               {"methane with carbon dioxide", 1, 6.9, 5},
+               {"methane with carbon dioxide", 2, 3.2, 5},
+               {"sour gas", 1, 12.0, 4},
+               {"sour gas", 2, 11.8, 3},
+               {"carbon dioxide with 5 % methane", 1, 31.0, 2},
+               {"hydrate of methane", 1, 6.3, 12},
+               {"hydrate of gas by gravity", 1, 0.6, 2}};
 
 struct Set {
   std::string name;
@@ -124,7 +139,10 @@ int main(int argc, char** argv) {
   for (const Set& s : sets) print(s, s.name.rfind("hydrate", 0) == 0);
   for (const auto& b : kBounds) {
     const Set& s = set_named(sets, b.name);
-    good = good && s.count[b.method - 1] > 30 && s.sum[b.method - 1] <= b.bound * s.count[b.method - 1];
+    const int count = s.count[b.method - 1];
+    if (count == b.points && s.sum[b.method - 1] <= b.bound * count) continue;
+    std::printf("BEYOND its bound %g or its %d points: %s, method %d\n", b.bound, b.points, b.name, b.method);
+    good = false;
   }
   return good ? 0 : 1;
 }

@@ -4,66 +4,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <sstream>
+#include "common/csv.hpp"
 
 namespace pure_test {
-namespace {
-
-std::vector<std::string> split(const std::string& line) {
-  std::vector<std::string> fields;
-  std::stringstream stream(line);
-  for (std::string field; std::getline(stream, field, ',');) fields.push_back(field);
-  return fields;
-}
-
-using Real = long double;
-
-Real vibration(Real theta, Real t) {
-  const Real u = theta / t;
-  return u * u * std::exp(-u) / std::pow(std::expm1(-u), Real{2});
-}
-
-Real value_107(const std::vector<Real>& c, Real t) {
-  const Real x = c[2] / t;
-  const Real y = c[4] / t;
-  const Real sinh_part = x > 5000 ? 0 : std::pow(x / std::sinh(x), Real{2});
-  const Real cosh_part = y > 5000 ? 0 : std::pow(y / std::cosh(y), Real{2});
-  return c[0] + c[1] * sinh_part + c[3] * cosh_part;
-}
-
-Real value_114(const std::vector<Real>& c, Real t) {
-  const Real x = 1 - t / c[5];
-  return c[0] * c[0] / x + c[1] - 2 * c[0] * c[2] * x - c[0] * c[3] * x * x -
-         c[2] * c[2] * std::pow(x, Real{3}) / 3 - c[2] * c[3] * std::pow(x, Real{4}) / 2 -
-         c[3] * c[3] * std::pow(x, Real{5}) / 5;
-}
-
-Real value_119(const std::vector<Real>& c, Real t) {
-  const Real x = std::max<Real>(0, 1 - t / Real(647.096));
-  const Real power[] = {0, 1, 2, 5, 16, 43, 110};
-  Real y = 0;
-  for (int k = 0; k < 7; ++k) y += c[static_cast<std::size_t>(k)] * std::pow(x, power[k] / 3);
-  return y;
-}
-
-}  // namespace
 
 std::vector<Fields> read_csv(const std::string& table) {
-  std::ifstream file(std::string(KESTRUNE_DATA) + "/pure/" + table + ".csv");
-  EXPECT_TRUE(file) << table;
-  std::string line;
-  std::getline(file, line);
-  const std::vector<std::string> header = split(line);
-  std::vector<Fields> rows;
-  while (std::getline(file, line)) {
-    const std::vector<std::string> fields = split(line);
-    Fields row;
-    for (std::size_t i = 0; i < std::min(fields.size(), header.size()); ++i) row[header[i]] = fields[i];
-    rows.push_back(row);
-  }
-  EXPECT_FALSE(rows.empty()) << table;
-  return rows;
+  return kestrune::tests::rows(table + ".csv", KESTRUNE_DATA "/pure");
 }
 
 std::int32_t cas_number(const std::string& text) {
@@ -85,54 +31,14 @@ std::vector<CsvRow> correlation_rows(const std::string& table) {
 }
 
 double equation_tc(const CsvRow& row) {
-  if (row.equation == 105) return static_cast<double>(row.c[2]);
-  if (row.equation == 106 || row.equation == 114) return static_cast<double>(row.c[5]);
+  if (row.equation == 105) return row.c[2];
+  if (row.equation == 106 || row.equation == 114) return row.c[5];
   return row.equation == 119 ? 647.096 : 0.0;
 }
 
 double upper_end(const CsvRow& row) {
   const double tc = equation_tc(row);
   return tc > 0.0 ? std::min(tc, row.t_max) : row.t_max;
-}
-
-long double independent_value(const CsvRow& row, long double t) {
-  const std::vector<Real>& c = row.c;
-  switch (row.equation) {
-    case 10:
-      return std::exp(c[0] - c[1] / (t + c[2]));
-    case 16:
-      return c[0] + std::exp(c[1] / t + c[2] + c[3] * t + c[4] * t * t);
-    case 100: {
-      Real y = 0;
-      for (std::size_t k = 0; k < 7; ++k) y += c[k] * std::pow(t, static_cast<Real>(k));
-      return y;
-    }
-    case 101:
-      return std::exp(c[0] + c[1] / t + c[2] * std::log(t) + c[3] * std::pow(t, c[4]));
-    case 102:
-      return c[0] * std::pow(t, c[1]) / (1 + c[2] / t + c[3] / (t * t));
-    case 104:
-      return c[0] + c[1] / t + c[2] * std::pow(t, Real{-3}) + c[3] * std::pow(t, Real{-8}) +
-             c[4] * std::pow(t, Real{-9});
-    case 105:
-      return c[0] / std::pow(c[1], 1 + std::pow(std::max<Real>(0, 1 - t / c[2]), c[3]));
-    case 106: {
-      const Real tr = t / c[5];
-      const Real power = c[1] + c[2] * tr + c[3] * tr * tr + c[4] * tr * tr * tr;
-      return tr < 1 ? c[0] * std::pow(1 - tr, power) : 0;
-    }
-    case 107:
-      return value_107(c, t);
-    case 114:
-      return value_114(c, t);
-    case 119:
-      return value_119(c, t);
-    case 127:
-      return c[0] + c[1] * vibration(c[2], t) + c[3] * vibration(c[4], t) + c[5] * vibration(c[6], t);
-    default:
-      ADD_FAILURE() << "equation " << row.equation;
-      return 0;
-  }
 }
 
 #define PURE_TEST_ENTRY(name, table, unit) \

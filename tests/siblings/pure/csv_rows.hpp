@@ -1,5 +1,4 @@
-// The tables of data/pure as the tests see them, and the equations written a second time in extended
-// precision, straight from data/pure/README.md.
+// The tables of data/pure as the tests see them, and the entries as a host calls them.
 #ifndef KESTRUNE_TESTS_SIBLINGS_PURE_CSV_ROWS_HPP
 #define KESTRUNE_TESTS_SIBLINGS_PURE_CSV_ROWS_HPP
 
@@ -14,15 +13,15 @@ namespace pure_test {
 
 using Fields = std::map<std::string, std::string>;
 
-// All lines of data/pure/<table>.csv by column name. Fails the test when the file cannot be read.
+// All lines of data/pure/<table>.csv by column name. Throws when the file cannot be read.
 std::vector<Fields> read_csv(const std::string& table);
 
 struct CsvRow {
   std::string name;
   std::int32_t cas;
   std::int32_t equation;
-  std::vector<long double> c;  // C1..C7
-  double t_min, t_max;         // as printed in the table
+  std::vector<double> c;  // C1..C7
+  double t_min, t_max;    // as printed in the table
 };
 
 // Rows of a correlation table.
@@ -35,8 +34,6 @@ double equation_tc(const CsvRow& row);
 
 // Upper end of the usable range: the printed one, never above the equation's critical temperature.
 double upper_end(const CsvRow& row);
-
-long double independent_value(const CsvRow& row, long double t);
 
 // A property and its table, for tests over everything.
 struct Entry {
