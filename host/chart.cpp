@@ -10,6 +10,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <random>
 
 #include "error.hpp"
 
@@ -282,7 +283,10 @@ void write_svg(const Chart& chart, const std::string& file, std::ostream& stream
 void write_png(const Chart& chart, const std::string& file, std::ostream& stream) {
   const bool to_stream = file == "-";
   const std::string path =
-      to_stream ? (std::filesystem::temp_directory_path() / "kestrune_picture.png").string() : file;
+      to_stream
+          ? (std::filesystem::temp_directory_path() / fmt::format("kestrune_{}.png", std::random_device{}()))
+                .string()
+          : file;
   check_path(path);
   // Without the program the pipe would break under the script.
   if (std::system((std::string("gnuplot --version") + kNowhere).c_str()) != 0)
