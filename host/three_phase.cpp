@@ -77,6 +77,20 @@ void solve(const Exports& library, Mixture& mixture, Equilibrium& s) {
   s.last_T = T;
 }
 
+// The lightest of three phases may be a liquid as well: the root of lower free enthalpy says so.
+void settle_root(const Exports& library, const Mixture& mixture, Equilibrium& s) {
+  // With free water the liquid exports take all water for liquid water: nothing to compare.
+  if ((mixture.record.flags & FreeWaterFlag) != 0 || s.phases.size() < 3 || s.of_fraction()) return;
+  if (s.phases.front().kind != PhaseKind::vapour) return;
+  PhaseState& light = s.phases.front();
+  const PropertyValues liquid =
+      phase_properties(library, mixture, PhaseKind::liquid, s.T, s.P, light.x, light.molar_mass);
+  if (!(liquid[Property::free_enthalpy] < light.properties[Property::free_enthalpy])) return;
+  light.kind = PhaseKind::liquid;
+  light.properties = liquid;
+  s.beta = 0.0;
+}
+
 }  // namespace
 
 Equilibrium flash_of_three(const Exports& library, Mixture& mixture, Given given, double first, double second) {
@@ -89,6 +103,7 @@ Equilibrium flash_of_three(const Exports& library, Mixture& mixture, Given given
   if (s.beta > 0.0 || (s.of_fraction() && has_entries(s.y)))
     add_phase(library, mixture, PhaseKind::vapour, s.beta, s.y, s);
   add_liquids(library, mixture, s);
+  settle_root(library, mixture, s);
   add_overall(library, mixture, s);
   rename_packed_gas(library, mixture, s);
   return s;
