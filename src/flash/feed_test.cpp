@@ -71,24 +71,6 @@ bool follow(Flash& f, const Reference& ref, Kind kind, bool carefully) {
   return f.status == KV_OK;
 }
 
-// Whether a trial of this test began close to where f.trial does: every amount that matters within a third. It would
-// end where that one has. Else it is remembered.
-bool began_before(Flash& f, Kind kind) {
-  const double* const log_w = f.trial.log_w;
-  const double least = *std::max_element(log_w, log_w + f.m.n) - kMatters;
-  for (int k = 0; k < f.start_count; ++k) {
-    const double* const start = f.starts + static_cast<std::size_t>(k) * f.m.ld;
-    bool same = f.start_kinds[k] == kind;
-    for (int i = 0; same && i < f.m.n; ++i)
-      same = !(std::fabs(log_w[i] - start[i]) > kSameStart && std::max(log_w[i], start[i]) > least);
-    if (same) return true;
-  }
-  if (f.start_count == kStarts) return false;
-  f.start_kinds[f.start_count] = kind;
-  std::copy_n(log_w, f.m.ld, f.starts + static_cast<std::size_t>(f.start_count++) * f.m.ld);
-  return false;
-}
-
 // Where a substitution has led upwards, and past whatever lies there, the trial runs again with care.
 bool run_trial(Flash& f, const Reference& ref, Kind kind) {
   if (f.thorough() && began_before(f, kind)) return true;
@@ -314,6 +296,22 @@ Kind kind_of(const Flash& f, const double* composition, double Z) {
 
 Kind trial_kind(const Flash& f) {
   return f.liquids_only() ? Kind::liquid : Kind::stable;
+}
+
+bool began_before(Flash& f, Kind kind) {
+  const double* const log_w = f.trial.log_w;
+  const double least = *std::max_element(log_w, log_w + f.m.n) - kMatters;
+  for (int k = 0; k < f.start_count; ++k) {
+    const double* const start = f.starts + static_cast<std::size_t>(k) * f.m.ld;
+    bool same = f.start_kinds[k] == kind;
+    for (int i = 0; same && i < f.m.n; ++i)
+      same = !(std::fabs(log_w[i] - start[i]) > kSameStart && std::max(log_w[i], start[i]) > least);
+    if (same) return true;
+  }
+  if (f.start_count == kStarts) return false;
+  f.start_kinds[f.start_count] = kind;
+  std::copy_n(log_w, f.m.ld, f.starts + static_cast<std::size_t>(f.start_count++) * f.m.ld);
+  return false;
 }
 
 bool start_trial(Flash& f, const Reference& ref, int number) {

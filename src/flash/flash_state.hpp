@@ -9,7 +9,7 @@ namespace kestrune::flash {
 
 // Stationary points that are remembered while all trials are tried.
 inline constexpr int kTried = 6;
-// Starts of trials that a thorough test remembers.
+// Starts of trials that are remembered where all are tried.
 inline constexpr int kStarts = 32;
 
 struct Flash {
@@ -70,6 +70,12 @@ Kind trial_kind(const Flash& f);
 // The starts of trials, by number: the two of Wilson's coefficients, the ideal-gas-like one, and component j
 // almost pure as kNearPure + j.
 enum TrialNumber { kWilsonLiquid, kWilsonVapour, kIdealGas, kNearPure };
+
+/*
+ * Whether a trial of this test (since f.start_count was 0) began close to where f.trial does: every amount that matters
+ * within a third. It would end where that one has. Else the start is remembered.
+ */
+bool began_before(Flash& f, Kind kind);
 
 /* Puts the start of a trial into f.trial. False: f.status. */
 bool start_trial(Flash& f, const Reference& ref, int number);

@@ -166,7 +166,7 @@ StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& 
   f.direction = arena.zeros(ld);
   f.between = arena.zeros(ld);
   f.tried = arena.zeros(ld * kTried);
-  f.starts = f.thorough() ? arena.take(ld * kStarts) : nullptr;
+  f.starts = arena.take(ld * kStarts);
   const StatusCode result = body(f);
   if (call.counts != nullptr) *call.counts = m.counts;
   return result;

@@ -36,9 +36,11 @@ bool try_other(Flash& f, const Beside& phase, bool& improved) {
 bool try_all_trials(Flash& f, Reference ref, std::initializer_list<Beside> phases, bool& improved) {
   ref.known = f.tried;
   ref.known_count = 0;
+  f.start_count = 0;
   for (int number = 0; number < kNearPure + f.m.n; ++number) {
     if (number >= kNearPure && !(f.it.z[number - kNearPure] > 0.0)) continue;
     if (!start_trial(f, ref, number)) return false;
+    if (began_before(f, trial_kind(f))) continue;
     f.trial.Z = 0.0;
     f.m.counts.step = Step::answer_trials;
     f.status = follow_trial(f.m, ref, trial_kind(f), Follow::strict, f.work, f.trial);
