@@ -245,10 +245,11 @@ bool take_newton_step(const Model& m, double factor, const TwoPhaseWork& work, I
   return false;
 }
 
-bool phases_are_one(const Model& m, const Iterate& it) {
+// By the numbers of a host that are good for CRIT, phases that differ by less are one as well.
+bool phases_are_one(const Model& m, const Settings& s, const Iterate& it) {
   double sum = 0.0;
   for (int i = 0; i < m.n; ++i) sum += it.z[i] * it.log_k[i] * it.log_k[i];
-  return sum < kTrivialLogK2;
+  return sum < (m.routine != nullptr ? std::max(kTrivialLogK2, s.CRIT) : kTrivialLogK2);
 }
 
 // A Gibbs energy from the coefficients of a host may be rounded too: where the residuals fell, the step was
@@ -356,7 +357,7 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
       continue;
     }
     if (plain > 0) --plain;
-    if (it.count >= 2 && phases_are_one(m, it)) return Outcome::trivial;
+    if (it.count >= 2 && phases_are_one(m, settings, it)) return Outcome::trivial;
     if (plan.compare_with_feed && !accepted && it.count == kDecreasesBeforeSwitch &&
         !(it.gibbs < plan.feed_gibbs - 1e-10))
       return Outcome::not_better;

@@ -39,10 +39,11 @@ void set_phase(const Equilibrium& e, int j, const double* x, double amount, Phas
   p.Z[j] = 0.0;
 }
 
-// What cuts an answer counts from a distance on, and when there can be an amount of it that is more than
-// rounding.
+// What cuts an answer counts from a distance on, with a host's routine by more than its rounding, and when there can
+// be an amount of it that is more than rounding.
 void weigh_cut(Equilibrium& e) {
-  e.third.found = e.third.found && e.third.distance < kCut && flash::most_of(e.m.n, e.z, e.cut) > kNoAmount;
+  const double cut = std::min(kCut, -flash::host_slack(e.m, e.how.settings));
+  e.third.found = e.third.found && e.third.distance < cut && flash::most_of(e.m.n, e.z, e.cut) > kNoAmount;
 }
 
 // Gibbs energy and fugacities of e.p.

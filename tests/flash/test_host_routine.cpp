@@ -298,6 +298,13 @@ TEST(HostRoutines, RoundedCoefficientsAndNoDerivatives) {
       const FlashResult rounded = flash(m, T, P, kRichGasFeed, 1, &kRoutines);
       EXPECT_EQ(rounded.status, KV_OK);
       EXPECT_NEAR(rounded.beta, own.beta, 1e-3);
+      double beta = 0.0, V[2] = {};
+      std::vector<double> a(10), b(10), y(10), kll(10), klv(10);
+      for (const bool of_host : {false, true})
+        EXPECT_EQ(FlashLLVatTP(T, P, kRichGasFeed.data(), &m.record, of_host ? &kRoutines : nullptr, 1, &beta,
+                               &V[of_host], a.data(), b.data(), y.data(), kll.data(), klv.data()),
+                  KV_OK);
+      EXPECT_NEAR(V[true], V[false], 1e-3);
     }
   EXPECT_GE(two, 20);
   EXPECT_LE(slow, 1);
