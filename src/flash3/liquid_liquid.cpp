@@ -69,6 +69,28 @@ bool split_water(const LiquidLiquidCall& c, const double* z) {
   return true;
 }
 
+// Free water below its limit: what the liquids hold of it is the same in all, so that the dry feed says whether there
+// is one. It becomes the answer then.
+bool one_dry_liquid(const LiquidLiquidCall& c) {
+  const int n = c.mixture->count;
+  return support::with_arena<0, 8>(n, [&](support::Arena& arena) {
+    double *const z = arena.take(n), *const dry = arena.take(n), *const K = arena.take(n);
+    double *const x = arena.zeros(n), *const y = arena.zeros(n);
+    double beta = 0.0;
+    flash::normalise_feed(n, c.z, z);
+    std::copy_n(z, n, dry);
+    dry[eos::find_water_family(*c.mixture)] = 0.0;
+    if (!flash::normalise_feed(n, dry, dry)) return false;
+    flash::IsothermalCall call{c.T, c.P, dry, c.mixture, c.routines, &beta, x, y, K};
+    call.mode = flash::Mode::liquid_liquid;
+    call.start = flash::Start::cold;
+    if (flash::isothermal_flash(call) != KV_SINGLE_PHASE) return false;
+    *c.beta = 0.0;
+    std::copy_n(z, n, c.liquid1);
+    return true;
+  });
+}
+
 }  // namespace
 
 bool denser_first(const LiquidPair& p) {
@@ -109,6 +131,7 @@ StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
     if (flash::isothermal_flash(call) == KV_OK) call.start = flash::Start::warm;
     call.free_water = true;
     status = flash::isothermal_flash(call);
+    if (status == KV_TRIVIAL && one_dry_liquid(c)) status = KV_SINGLE_PHASE;
   }
   if (status != KV_OK && status != KV_SINGLE_PHASE) return status;
   if (*c.beta == 0.0) {

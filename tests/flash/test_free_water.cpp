@@ -352,6 +352,13 @@ TEST(FreeWater, LiquidLiquid) {
     EXPECT_EQ(r.K[0], 1e15);
     EXPECT_NEAR(r.K[2], s, 1e-15);
   }
+  // Below the limit, close to where the hydrocarbons have no liquid any more.
+  const std::vector<double> hot{0.0355641373, 0.9615464216, 0.0028894411};
+  FlashResult one = flash(m, 375.06621742, 40.998355504, hot);
+  ASSERT_EQ(FlashLLatTP(375.06621742, 40.998355504, hot.data(), &m.record, nullptr, 0, &one.beta, one.x.data(),
+                        one.y.data(), one.K.data()),
+            KV_OK);
+  EXPECT_EQ(one.beta, 0.0);
   // Water alone, in a feed that does not sum to one, has nothing to split from.
   const std::vector<double> nothing_else{0.0, 0.0, 0.6};
   FlashResult alone = flash(m, 300.0, 150.0, nothing_else);
