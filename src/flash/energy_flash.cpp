@@ -125,12 +125,16 @@ bool first_equilibrium(Energy& e) {
   return false;
 }
 
-// Whether the value lies below that of the coldest state, which e.state becomes then.
+// Whether the value lies below that of the coldest state that the model has, which e.state becomes then.
 bool below_coldest(Energy& e) {
   e.asked_coldest = true;
-  if (!equilibrium_at(e, kColdest, false, e.other) || e.f(e.other) < 0.0) return false;
-  copy_state(e, e.other, e.state);
-  return true;
+  for (double T = kColdest; T < e.state.T && !model_refuses(e); T *= 2.0) {
+    if (!equilibrium_at(e, T, false, e.other)) continue;
+    if (e.f(e.other) < 0.0) return false;
+    copy_state(e, e.other, e.state);
+    return true;
+  }
+  return false;
 }
 
 // Isothermal flashes and Newton's method at what they find, until the bracket is better closed by itself.
