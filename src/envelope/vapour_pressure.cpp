@@ -69,6 +69,8 @@ StatusCode write_curve(Curve& c, const EnvelopeCall& call, const Critical& criti
     *call.therm_T = *call.bar_T = critical.T;
     *call.therm_P = *call.bar_P = critical.P;
   }
+  // By the numbers of a host a point may be colder than the limit all the same.
+  const double coldest = std::log(call.lowest_T) - 1e-9;
   for (int k = 0; k < count; ++k) {
     int& at = *call.number;
     double ln_T;
@@ -76,7 +78,7 @@ StatusCode write_curve(Curve& c, const EnvelopeCall& call, const Critical& criti
       call.T[at] = critical.T;
       call.P[at] = critical.P;
       call.kind[at] = kCritical;
-    } else if (temperature_at(c, ln_P[k], ln_T, status)) {
+    } else if (temperature_at(c, ln_P[k], ln_T, status) && ln_T >= coldest) {
       call.T[at] = std::exp(ln_T);
       call.P[at] = std::exp(ln_P[k]);
       call.kind[at] = call.fraction;
