@@ -52,7 +52,8 @@ double polish(const Cubic& c, Enclosure e, double z, double tolerance) {
       if (size * left <= tolerance * z * f1 * f1) return z;
       continue;
     }
-    if (size <= 1e-15 * std::fabs(z)) return z;
+    // Beside an extremum of f a step is short as well.
+    if (size <= 1e-15 * std::fabs(z) && std::fabs(f) <= 1e-14 * std::fabs(z * f1)) return z;
     z = 0.5 * (e.lo + e.hi);
     if (z <= e.lo || z >= e.hi) return z;  // the enclosure is two neighbouring doubles
     last = e.hi - e.lo;

@@ -97,6 +97,21 @@ TEST(Bracub, LeadingCoefficientNeedNotBeOne) {
   }
 }
 
+// A gas so thin that the cubic is Z^2 (Z - 1) to the last bit.
+TEST(Bracub, AnIdealGas) {
+  const double u = 2.0, w = -1.0, c0 = 1.0;
+  const std::int32_t gas = 1;
+  for (double B = 1e-12; B > 1e-300; B *= 0.7)
+    for (const double q : {0.5, 3.0, 30.0}) {
+      const double A = q * B, c1 = B - 1.0, c2 = A - 3.0 * B * B - 2.0 * B, c3 = -(A - B * (B + 1.0)) * B;
+      double Z = -77.0;
+      std::int32_t status = 0;
+      BRACUB(&c0, &c1, &c2, &c3, &Z, &status, &gas, &u, &w, &A, &B, nullptr);
+      EXPECT_NEAR(Z, 1.0, 1e-10) << "A/B " << q << ", B " << B;
+      EXPECT_EQ(status, 0);
+    }
+}
+
 TEST(Bracub, StartingValueChangesNothing) {
   constexpr double inf = std::numeric_limits<double>::infinity(),
                    nan = std::numeric_limits<double>::quiet_NaN();
