@@ -47,8 +47,8 @@ void check_status(const Call& c) {
   rule(c.status != KV_INTERNAL || c.status == status_of_routines(), "KV_INTERNAL");
   const StatusCode host = status_of_routines();
   const bool goes_on = host <= 50 || host == 201 || host == 202 || host == KV_PURE_RANGE;
-  // With free water a flash may be called once more, and then the routine need not be asked again.
-  const bool retried = c.status == KV_OK && c.free_water();
+  // With free water a flash may be called once more, and the routine need not be asked again then.
+  const bool retried = c.free_water();
   if (host != KV_OK && !goes_on && !retried && c.entry.family == Family::two_phases)
     rule(c.status == host, "the status of a host's routine did not end the flash",
          {double(host), double(c.status)});
