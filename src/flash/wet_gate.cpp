@@ -258,6 +258,7 @@ bool look_for_missing(Wet& f, Kind kind, const Known (&known)[2]) {
 }
 
 bool accept(Wet& f, bool& third) {
+  constexpr double kUsualLimit = 0.01;
   WetAnswer& a = f.answer;
   const int w = f.m.water;
   third = f.exchanged = false;
@@ -303,7 +304,17 @@ bool accept(Wet& f, bool& third) {
   const bool cut = (f.liquid.found && f.liquid.ln_sum > std::max(kGrows, owed)) ||
                    (f.vapour.found && f.vapour.ln_sum > std::max(kGrows, owed));
   third = cut && gas && oil;
-  return !cut;
+  if (cut) return false;
+  // A limit of 1 leaves no hydrocarbon liquid that the rules could name: what a usual limit has of one must not be
+  // missing beside a gas.
+  if (gas && !oil && limit(f) >= 1.0) {
+    const WithSlope given = f.m.solubility;
+    f.m.solubility = {kUsualLimit, 0.0};
+    const bool looked = look_for_missing(f, Kind::liquid, known);
+    f.m.solubility = given;
+    if (!looked || (f.liquid.found && f.liquid.ln_sum > std::max(kGrows, owed))) return false;
+  }
+  return true;
 }
 
 }  // namespace kestrune::flash

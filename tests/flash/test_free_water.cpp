@@ -147,6 +147,10 @@ TEST(FreeWater, NoStateColdAndWarm) {
   EXPECT_EQ(warm.beta, cold.beta);
   EXPECT_EQ(warm.x, cold.x);
   EXPECT_EQ(warm.y, cold.y);
+  // A limit of 1, as of a record that was only cleared, has no hydrocarbon liquid: decane is no vapour all the same.
+  Mixture cleared = wet({"methane", "n_decane", "water"}, 0, 0);
+  EXPECT_EQ(flash(cleared, 300, 30, {0.8, 0.1, 0.1}).status, KV_TRIVIAL);
+  EXPECT_EQ(flash(cleared, 300, 30, {0.9, 1e-7, 0.1}).status, KV_OK);
 }
 
 struct Hard {
