@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <exception>
 
 #include "commands/session.hpp"
@@ -73,6 +75,16 @@ int parse(CLI::App& app, Session& session, std::vector<std::string> arguments) {
   }
 }
 
+// The exit code, unless what was to be said did not arrive: on a full disk, in a closed pipe.
+int written(Session& session, int code) {
+  errno = 0;
+  session.out.flush();
+  if (session.out) return code;
+  session.err << fmt::format("kestrune: the output could not be written{}{}\n", errno != 0 ? ": " : "",
+                             errno != 0 ? std::strerror(errno) : "");
+  return exit_input;
+}
+
 }  // namespace
 
 int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err, const Exports* exports) {
@@ -102,7 +114,7 @@ int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err
     add_envelope_command(app, session);
     add_document_commands(app, session);
     check_command(app, arguments);
-    return parse(app, session, with_units_joined(arguments));
+    return written(session, parse(app, session, with_units_joined(arguments)));
   } catch (const InputError& e) {
     err << "kestrune: " << e.what() << '\n';
   } catch (const std::exception& e) {
