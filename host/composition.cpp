@@ -251,8 +251,8 @@ Composition read_composition_file(const std::string& path) {
   if (content.substr(0, 3) == "\xEF\xBB\xBF") content.remove_prefix(3);  // byte order mark of some editors
   Composition composition;
   try {
-    content = trimmed(content);
-    if (!content.empty() && (content.front() == '{' || content.front() == '[')) {
+    const std::string_view begin = trimmed(content).substr(0, 1);
+    if (begin == "{" || begin == "[") {
       read_json(content, composition);
     } else {
       read_lines(content, composition);

@@ -87,6 +87,7 @@ void show_envelope(const EnvelopeOptions& o, Session& session) {
     print_envelope_csv(report, session.out);
   else
     print_envelope_text(report, session.out);
+  if (o.output.format == "csv") tell(session, notes_of(report));
 }
 
 }  // namespace

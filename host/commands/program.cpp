@@ -61,6 +61,19 @@ void check_command(const CLI::App& app, const std::vector<std::string>& argument
   }
 }
 
+// An unset variable of a shell leaves an empty value; it must not count as an option that was not given.
+void check_values(const std::vector<std::string>& arguments) {
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& text = arguments[i];
+    const bool after_equals = text.rfind("--", 0) == 0 && text.find('=') == text.size() - 1;
+    if (!trimmed(text).empty() && !after_equals) continue;
+    throw InputError(fmt::format("an empty value{}: leave the option out, or give it one",
+                                 after_equals ? " of " + text.substr(0, text.size() - 1)
+                                 : i > 0      ? " after " + arguments[i - 1]
+                                              : ""));
+  }
+}
+
 std::string version_text() {
   return fmt::format("kestrune {} ({}-bit)", KESTRUNE_VERSION, 8 * sizeof(void*));
 }
@@ -113,6 +126,7 @@ int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err
     add_hydrate_command(app, session);
     add_envelope_command(app, session);
     add_document_commands(app, session);
+    check_values(arguments);
     check_command(app, arguments);
     return written(session, parse(app, session, with_units_joined(arguments)));
   } catch (const InputError& e) {
