@@ -16,6 +16,13 @@ namespace {
 
 constexpr double kSameWater = 0.01;  // amounts of water that differ by less are taken for the same
 
+// Far beyond these the equation of state still gives numbers.
+constexpr double kMostP = 2000e5, kLeastT = 60.0, kMostT = 2000.0;  // Pa, K
+constexpr const char* kPressureText =
+    "a pressure above 2000 bar: far outside what the equation of state was made for";
+constexpr const char* kTemperatureText =
+    "a temperature outside 60 to 2000 K: far outside what the equation of state was made for";
+
 double water_in(const Mixture& mixture, const PhaseState& p) {
   for (std::size_t i = 0; i < p.x.size(); ++i)
     if (mixture.components[i].family == KV_FAMILY_WATER) return p.x[i];
@@ -151,6 +158,8 @@ std::vector<std::string> notes_of(const StateReport& report) {
   bool saturation = false, of_CO2 = false, in_oil = false;
   for (const Equilibrium& s : report.states) {
     if (!s.remark.empty()) add_once(notes, s.remark);
+    if (s.P > kMostP) add_once(notes, kPressureText);
+    if (s.T < kLeastT || s.T > kMostT) add_once(notes, kTemperatureText);
     in_oil = in_oil || has_water_in_oil(report.mixture, s);
     for (const PhaseState& p : s.phases) {
       for (const auto limit : model_limits(report.mixture, p)) add_once(limits, std::string(limit));

@@ -96,7 +96,10 @@ struct Job {
     for (std::size_t c = 0; c < points.columns.size(); ++c) points.columns[c].values.push_back(values[c]);
     points.statuses.push_back(status);
     const bool place = std::isfinite(T) && std::isfinite(P) && status == KV_OK;
-    points.warnings.push_back(place ? warning(T, P) : "");
+    const bool none = status == KV_NOT_CONVERGED || status == KV_ZERO_SLOPE;
+    points.warnings.push_back(place  ? warning(T, P)
+                              : none ? "no water dew point was found for this water content"
+                                     : "");
   }
 
   // The methods take the feed for a gas; a flash of it without its water says whether it is one.
