@@ -266,6 +266,15 @@ bool run_gnuplot(const std::string& script) {
   return KESTRUNE_PCLOSE(pipe) == 0 && written;
 }
 
+// Whether a file is a PNG to its end.
+bool is_whole_png(const std::string& path) {
+  constexpr std::string_view first("\x89PNG\r\n\x1a\n", 8), last("IEND\xae\x42\x60\x82", 8);
+  std::ifstream file(path, std::ios::binary);
+  char bytes[8] = {};
+  if (!file.read(bytes, 8) || std::string_view(bytes, 8) != first) return false;
+  return file.seekg(-8, std::ios::end) && file.read(bytes, 8) && std::string_view(bytes, 8) == last;
+}
+
 }  // namespace
 
 void write_svg(const Chart& chart, const std::string& file, std::ostream& stream) {
@@ -291,8 +300,9 @@ void write_png(const Chart& chart, const std::string& file, std::ostream& stream
   // Without the program the pipe would break under the script.
   if (std::system((std::string("gnuplot --version") + kNowhere).c_str()) != 0)
     throw InputError("PNG is drawn by gnuplot, which is not installed; --svg needs nothing");
-  if (!run_gnuplot(gnuplot_script(chart, path)) || !std::ifstream(path))
-    throw InputError(fmt::format("gnuplot failed to write {}: its pngcairo terminal is needed", path));
+  if (!run_gnuplot(gnuplot_script(chart, path)) || !is_whole_png(path))
+    throw InputError(
+        fmt::format("gnuplot failed to write {}: its pngcairo terminal and room on the disk are needed", path));
   if (!to_stream) return;
 #ifdef _WIN32
   _setmode(_fileno(stdout), _O_BINARY);

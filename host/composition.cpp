@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -46,9 +47,42 @@ std::string_view without_separators(std::string_view text) {
   return text;
 }
 
+// What the first column of a heading is called.
+constexpr std::string_view kHeadings[] = {"component", "components", "name",     "names",
+                                          "substance", "species",    "compound", "compounds",
+                                          "gas",       "formula",    "cas",      "casnumber"};
+
+// A first line without an amount is a heading, or a component that would be dropped in silence.
+bool is_heading(std::string_view name, std::string_view amount) {
+  const auto digit = [](char c) { return c >= '0' && c <= '9'; };
+  const std::string key = search_key(name);
+  if (std::any_of(amount.begin(), amount.end(), digit)) return false;
+  if (std::find(std::begin(kHeadings), std::end(kHeadings), key) != std::end(kHeadings)) return true;
+  if (std::any_of(name.begin(), name.end(), digit)) return false;
+  return !names_component(name) && similar_names(name).empty();
+}
+
+// "component,mass%" says what the amounts are; the heading of an amount in moles may say it or not.
+void read_heading(std::string_view amount, Composition& composition) {
+  const std::string key = search_key(amount);
+  constexpr std::string_view units[] = {"w", "g", "kg", "t", "lb", "lbs", "ppmw", "kgh", "kgs"};
+  const bool mass = key.find("mass") != std::string::npos || key.rfind("wt", 0) == 0 ||
+                    key.find("weight") != std::string::npos ||
+                    std::find(std::begin(units), std::end(units), key) != std::end(units);
+  if (!mass) return;
+  if (key.find("mol") != std::string::npos)
+    throw InputError(
+        fmt::format("the heading \"{}\" names moles and masses: write one of them, mole or mass", amount));
+  composition.basis = Basis::mass;
+  composition.basis_given = true;
+}
+
 double json_amount(const std::string& name, const ordered_json& value) {
   if (value.is_number()) return value.get<double>();
   if (value.is_string()) return parse_amount(value.get<std::string>(), "amount of " + name);
+  for (const std::string_view key : {"components", "name", "basis"})
+    if (lower(name) == key && name != key)
+      throw InputError(fmt::format("\"{}\" is not understood: write \"{}\"", name, key));
   throw InputError(fmt::format("the amount of {} must be a number", name));
 }
 
@@ -157,14 +191,24 @@ void read_lines(std::string_view text, Composition& composition) {
     const bool heading_allowed = first;
     first = false;
     const bool percent = line.back() == '%';
-    if (percent) line = trimmed(line.substr(0, line.size() - 1));
-    const std::size_t cut = line.find_last_of(",;\t ");
-    const auto amount = cut == std::string_view::npos ? std::nullopt : parse_number(line.substr(cut + 1));
+    const std::string_view before = percent ? trimmed(line.substr(0, line.size() - 1)) : line;
+    const std::size_t cut = before.find_last_of(",;\t ");
+    const auto amount = cut == std::string_view::npos ? std::nullopt : parse_number(before.substr(cut + 1));
     if (!amount) {
-      if (heading_allowed) continue;
-      throw InputError(fmt::format("line {}: \"{}\" is not a name followed by an amount", number, line));
+      std::size_t end = line.find_first_of(",;\t");
+      if (end == std::string_view::npos) end = line.find_first_of(' ');
+      const std::string_view name = without_quotes(line.substr(0, end));
+      const std::string_view rest =
+          end == std::string_view::npos ? std::string_view{} : without_quotes(line.substr(end + 1));
+      if (heading_allowed && is_heading(name, rest)) {
+        read_heading(rest, composition);
+        continue;
+      }
+      throw InputError(
+          fmt::format("line {}: \"{}\" is not a name followed by an amount{}: write for instance methane, 0.9",
+                      number, line, heading_allowed ? ", nor a heading such as component,amount" : ""));
     }
-    composition.add(without_quotes(without_separators(line.substr(0, cut))),
+    composition.add(without_quotes(without_separators(before.substr(0, cut))),
                     percent ? *amount / 100.0 : *amount);
   }
 }
@@ -176,7 +220,7 @@ void read_json(std::string_view text, Composition& composition) {
   } catch (const ordered_json::exception& e) {
     throw InputError(fmt::format("not valid JSON: {}", e.what()));
   }
-  if (!root.is_object()) throw InputError("a mixture in JSON must be an object");
+  if (!root.is_object()) throw InputError("a mixture in JSON must be an object: {\"components\": [ ... ]}");
   if (!root.contains("components")) return read_json_components(root, composition);
   for (const auto& [key, value] : root.items()) {
     if (key == "components") {
@@ -197,6 +241,8 @@ Composition read_composition_file(const std::string& path) {
   if (path == "-") {
     text.assign(std::istreambuf_iterator<char>(std::cin), {});
   } else {
+    if (std::error_code ignored; std::filesystem::is_directory(path, ignored))
+      throw InputError(fmt::format("{} is a folder, not a mixture file", path));
     std::ifstream file(path, std::ios::binary);
     if (!file) throw InputError(fmt::format("cannot open the mixture file {}", path));
     text.assign(std::istreambuf_iterator<char>(file), {});
@@ -205,8 +251,8 @@ Composition read_composition_file(const std::string& path) {
   if (content.substr(0, 3) == "\xEF\xBB\xBF") content.remove_prefix(3);  // byte order mark of some editors
   Composition composition;
   try {
-    content = trimmed(content);
-    if (!content.empty() && content.front() == '{') {
+    const std::string_view begin = trimmed(content).substr(0, 1);
+    if (begin == "{" || begin == "[") {
       read_json(content, composition);
     } else {
       read_lines(content, composition);

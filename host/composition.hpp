@@ -30,7 +30,7 @@ struct Composition {
 void read_inline(std::string_view text, Composition& composition, bool replace);
 
 // One component per line: name, then its amount, separated by a comma, semicolon, tab or blanks. "#" starts a
-// comment; a first line whose last field is no number is a heading.
+// comment; a first line without a component and without a number is a heading, which may say that the amounts are masses.
 void read_lines(std::string_view text, Composition& composition);
 
 // {"name": "...", "basis": "mole", "components": {"methane": 0.7, ...}}, where components may also be a

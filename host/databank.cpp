@@ -69,7 +69,13 @@ std::string_view name_part(std::string_view text) {
 
 // "C7+", "C3=", "nC6*": what is not part of a name would be dropped in silence, and another component taken.
 void refuse_more_than_a_name(std::string_view name) {
-  const std::string_view whole = trimmed(name), part = name_part(whole);
+  const std::string_view whole = trimmed(name);
+  const auto letter = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; };
+  const auto begin = static_cast<std::size_t>(std::find_if(whole.begin(), whole.end(), letter) - whole.begin());
+  if (begin < whole.size() && name_part(whole).empty())
+    throw InputError(fmt::format("\"{}\" is not a component: \"{}\" is no part of a name; write {}", whole,
+                                 trimmed(whole.substr(0, begin)), whole.substr(begin)));
+  const std::string_view part = name_part(whole);
   std::string_view rest = whole.substr(part.size());
   if (rest.empty() || search_key(whole).empty()) return;
   const auto found = exact_matches(search_key(part));
@@ -86,6 +92,29 @@ void refuse_more_than_a_name(std::string_view name) {
 
 }  // namespace
 
+bool names_component(std::string_view name) {
+  const std::string key = search_key(name);
+  return !key.empty() && !exact_matches(key).empty();
+}
+
+namespace {
+
+// "C7 plus", "CO2(g)": a component and a word behind it.
+std::string word_too_many(const std::string& key) {
+  for (const std::string_view word : {"plus", "gas", "vapour", "liquid", "aq", "g", "l"}) {
+    if (key.size() <= word.size() || key.substr(key.size() - word.size()) != word) continue;
+    const auto found = exact_matches(key.substr(0, key.size() - word.size()));
+    if (found.size() != 1) continue;
+    if (word != "plus") return fmt::format(", write {}, which may be in any phase", found.front()->name);
+    return fmt::format(
+        ", a fraction of several components is written as these, or as one that stands for it ({})",
+        found.front()->name);
+  }
+  return "";
+}
+
+}  // namespace
+
 const Component& find_component(std::string_view name) {
   refuse_more_than_a_name(name);
   const std::string key = search_key(name);
@@ -94,8 +123,9 @@ const Component& find_component(std::string_view name) {
   const std::string shown(trimmed(name));
   if (found.empty()) {
     const auto near = similar_names(name);
-    throw InputError(fmt::format("unknown component \"{}\"{}; 'kestrune components' lists all {}", shown,
-                                 near.empty() ? "" : ", did you mean " + joined(near, ", ") + "?",
+    std::string hint = word_too_many(key);
+    if (hint.empty() && !near.empty()) hint = ", did you mean " + joined(near, ", ") + "?";
+    throw InputError(fmt::format("unknown component \"{}\"{}; 'kestrune components' lists all {}", shown, hint,
                                  all_components().size()));
   }
   std::vector<std::string> names;

@@ -18,6 +18,9 @@ std::span<const Component> all_components();
 // and with the candidates when there are several.
 const Component& find_component(std::string_view name);
 
+// Whether a component goes by this name or formula, or several do.
+bool names_component(std::string_view name);
+
 // Components whose id, name, alias, formula or CAS number contains the text; all for an empty text.
 std::vector<const Component*> search_components(std::string_view text);
 

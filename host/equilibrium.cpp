@@ -151,6 +151,14 @@ void add_overall(const Exports& library, const Mixture& mixture, Equilibrium& st
   }
 }
 
+bool has_one_root(const Exports& library, const Mixture& mixture, const PhaseState& phase, double T, double P) {
+  const PhaseKind other = is_gas(phase.kind) ? PhaseKind::liquid : PhaseKind::vapour;
+  const double here = phase.properties[Property::density];
+  const double there =
+      phase_properties(library, mixture, other, T, P, phase.x, phase.molar_mass)[Property::density];
+  return std::fabs(there - here) <= 1e-9 * here;
+}
+
 std::array<Quantity, 2> quantities_of(Given given) {
   switch (given) {
     case Given::HP:
@@ -232,6 +240,12 @@ Equilibrium single_phase_at_TP(const Exports& library, const Mixture& mixture, P
   const double beta = kind == PhaseKind::vapour ? 1.0 : 0.0;
   Equilibrium s{Given::TP, {T, P}, T, P, false, KV_OK, beta, {}, {}, {}, T, {}, {}};
   add_phase(library, mixture, kind, 1.0, mixture.z, s);
+  const PhaseState& phase = s.phases.front();
+  const bool packed = is_packed(mixture, phase), gas = kind == PhaseKind::vapour;
+  if (packed == gas && has_one_root(library, mixture, phase, T, P) &&
+      !(gas && is_dense(library, mixture, mixture.z, T)))
+    s.remark = fmt::format("the equation of state has no {} here: these are the properties of its {}",
+                           gas ? "gas" : "liquid", gas ? "liquid" : "gas");
   return s;
 }
 

@@ -23,7 +23,7 @@ struct PhaseState {
   double molar_mass;                    // g/mol
   PropertyValues properties;
   bool aqueous;  // see is_aqueous
-  // Of a gas that holds water: its water at saturation, by the balance of the command water; else NaN.
+  // Of a gas that holds water, and of a liquid rich in carbon dioxide: its water at saturation, by the balance of the command water; else NaN.
   double saturation = kNone;
 };
 
@@ -50,9 +50,10 @@ struct Equilibrium {
   double beta_A = 0.0;  // mole fraction of A
   std::vector<double> xA = {};
 
-  bool stable = true;       // false: a state of lower free enthalpy is known
-  std::string remark = {};  // what is to be said of this state beside its status
-  Bound bound = {};         // of a value of H or S that no state has
+  bool stable = true;          // false: a state of lower free enthalpy is known
+  std::string remark = {};     // what is to be said of this state beside its status
+  Bound bound = {};            // of a value of H or S that no state has
+  bool by_saturation = false;  // the water of the gas was asked for by the balance of saturation
 
   bool of_fraction() const { return given == Given::WP || given == Given::WT; }
   // A status that comes with phases: one with a value, or a bubble or dew point where the feed is not stable.

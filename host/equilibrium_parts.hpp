@@ -10,6 +10,7 @@ namespace kestrune::host {
 
 inline constexpr double kAqueous = 0.5;  // share of water, alcohols and glycols above which a liquid is aqueous
 inline constexpr double kSomeWater = 0.01;    // and its least water
+inline constexpr double kPureEnough = 0.9;    // water of an aqueous liquid for which the balance of water holds
 inline constexpr double kWaterRich = 0.9999;  // from here on the library takes a liquid for free water
 
 // Index of water, the number of components without any.
@@ -27,6 +28,12 @@ bool is_dense(const Exports& library, const Mixture& mixture, const std::vector<
 // there is no vapour beside it.
 PhaseKind liquid_kind(const Exports& library, const Mixture& mixture, const Equilibrium& state,
                       const std::vector<double>& x, bool alone);
+
+// Packed like a liquid: v/b below its value at the critical point of the equation of state.
+bool is_packed(const Mixture& mixture, const PhaseState& phase);
+
+// Whether the equation of state has one volume for the phase: gas and liquid are the same.
+bool has_one_root(const Exports& library, const Mixture& mixture, const PhaseState& phase, double T, double P);
 
 // A gas that is packed like a liquid and has no liquid but water beside it is a dense fluid or a liquid.
 void rename_packed_gas(const Exports& library, const Mixture& mixture, Equilibrium& state);

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <cstdlib>
+#include <iterator>
 #include <vector>
 
 #include "error.hpp"
@@ -51,14 +52,17 @@ void* find_symbol(void* handle, const char* name) {
   return reinterpret_cast<void*>(GetProcAddress(reinterpret_cast<HMODULE>(handle), name));
 }
 
-bool open_installed(const char* name) {
+void* open_installed(const char* name) {
   const char* common = std::getenv("CommonProgramFiles");
   const std::string installed = std::string(common != nullptr ? common : "") + "\\Tavrin\\Kestrune\\" + name;
-  return LoadLibraryA(installed.c_str()) != nullptr || LoadLibraryA(name) != nullptr;
+  HMODULE handle = LoadLibraryA(installed.c_str());
+  if (handle == nullptr) handle = LoadLibraryA(name);
+  return reinterpret_cast<void*>(handle);
 }
 
 constexpr const char* kFileName = "KVGasThermo.dll";
-constexpr const char* kSiblings[] = {"KVCmpdPureLite.dll", "KVToolsLite.dll"};
+constexpr const char* kPureName = "KVCmpdPureLite.dll";
+constexpr const char* kToolsName = "KVToolsLite.dll";
 constexpr char kSeparators[] = "\\/";
 
 #else
@@ -83,27 +87,88 @@ void* find_symbol(void* handle, const char* name) {
   return dlsym(handle, name);
 }
 
-bool open_installed(const char* name) {
-  return dlopen(name, RTLD_NOW | RTLD_LOCAL) != nullptr;
+void* open_installed(const char* name) {
+  return dlopen(name, RTLD_NOW | RTLD_LOCAL);
 }
 
 constexpr const char* kFileName = "libKVGasThermo.so";
-constexpr const char* kSiblings[] = {"libKVCmpdPureLite.so", "libKVToolsLite.so"};
+constexpr const char* kPureName = "libKVCmpdPureLite.so";
+constexpr const char* kToolsName = "libKVToolsLite.so";
 constexpr char kSeparators[] = "/";
 
 #endif
 
-// The siblings that the library needs, looked for as it does: in its own folder, where an installation has them, by
-// their bare names. It cannot go on without them, and says so by ending the program.
-void check_siblings(const std::string& library) {
+// Properties of the library of pure components: each has an entry of its name and a check of its range.
+constexpr const char* kPureProperties[] = {"GasThermalConductivity",
+                                           "GasViscosity",
+                                           "HenryConstant",
+                                           "IdealGasSpecificHeat",
+                                           "LiquidDensity",
+                                           "LiquidMolarVolume",
+                                           "LiquidSpecificHeat",
+                                           "LiquidThermalConductivity",
+                                           "LiquidViscosity",
+                                           "MeltingPressure",
+                                           "SecondVirialCoefficient",
+                                           "SolidDensity",
+                                           "SolidMolarVolume",
+                                           "SolidSpecificHeat",
+                                           "SolidThermalConductivity",
+                                           "SublimationPressure",
+                                           "SurfaceTension",
+                                           "VaporizationEnthalpy",
+                                           "VaporPressure",
+                                           "LiquidSpecificHeatInfiniteDilution"};
+constexpr const char* kPureServices[] = {"IdealGasSpecificHeatIT_EX",
+                                         "IdealGasSpecificHeatTIT_EX",
+                                         "LiquidSpecificHeatIT_EX",
+                                         "LiquidSpecificHeatTIT_EX",
+                                         "SolidSpecificHeatIT_EX",
+                                         "SolidSpecificHeatTIT_EX",
+                                         "LiquidSpecificHeatInfiniteDilutionIT_EX",
+                                         "LiquidSpecificHeatInfiniteDilutionTIT_EX",
+                                         "StdVaporChemicalExergy_EX",
+                                         "StdLiquidChemicalExergy_EX",
+                                         "StdSolidChemicalExergy_EX",
+                                         "AvailableCorrelations",
+                                         "CorrelationInfo",
+                                         "SetTempFolder",
+                                         "SetThermoCodes",
+                                         "KVCmpdPure_Free"};
+constexpr const char* kTools[] = {
+    "BRACUB", "CNEWTON", "CalcKUOP", "CalcKayMR",     "CalcSG", "CloseOutputFiles",
+    "DGEFA",  "DGESL",   "GANEW",    "MCOLT7",        "MRINV",  "MRSL01",
+    "MRSL02", "MeABP",   "REGLIN",   "SetOutputFiles"};
+
+std::vector<std::string> exports_of_pure() {
+  std::vector<std::string> names(std::begin(kPureServices), std::end(kPureServices));
+  for (const std::string name : kPureProperties) {
+    names.push_back(name + "_EX");
+    names.push_back("Check" + name + "_EX");
+  }
+  return names;
+}
+
+// A sibling that the library needs, looked for as it does: in its own folder, where an installation has it, by its bare
+// name. It cannot go on without it or its exports, and says so by ending the program.
+void check_sibling(const std::string& library, const char* name, const std::vector<std::string>& exports) {
   const std::size_t slash = library.find_last_of(kSeparators);
   const std::string folder = slash == std::string::npos ? std::string() : library.substr(0, slash + 1);
-  for (const char* name : kSiblings) {
-    std::string reason;
-    if (open_file(folder + name, reason) != nullptr || open_installed(name)) continue;
+  std::string reason;
+  void* handle = open_file(folder + name, reason);
+  if (handle == nullptr) handle = open_installed(name);
+  if (handle == nullptr)
     throw InputError(fmt::format("{} needs {}, which cannot be loaded ({}). It belongs into the same folder",
                                  library, name, reason));
-  }
+  std::size_t missing = 0;
+  std::string first;
+  for (const std::string& entry : exports)
+    if (find_symbol(handle, entry.c_str()) == nullptr && missing++ == 0) first = entry;
+  if (missing > 0)
+    throw InputError(
+        fmt::format("{} beside {} is another library or another version: it lacks {} of {} exports, "
+                    "{} for one. Copy the three libraries from one build",
+                    name, library, missing, exports.size(), first));
 }
 
 }  // namespace
@@ -135,7 +200,8 @@ Exports load_library(const std::string& path) {
         fmt::format("{} is not the calculation library that this program needs; it does not export {}", path,
                     joined(missing, ", ")));
   }
-  check_siblings(path);
+  check_sibling(path, kPureName, exports_of_pure());
+  check_sibling(path, kToolsName, {std::begin(kTools), std::end(kTools)});
   return exports;
 }
 

@@ -5,7 +5,5 @@
 #include "commands/session.hpp"
 
 int main(int argc, char** argv) {
-  const int code = kestrune::host::run(std::vector<std::string>(argv + 1, argv + argc), std::cout, std::cerr);
-  std::cout.flush();
-  return code;
+  return kestrune::host::run(std::vector<std::string>(argv + 1, argv + argc), std::cout, std::cerr);
 }

@@ -8,8 +8,9 @@ namespace kestrune::host {
 
 namespace {
 
-constexpr std::int32_t kPolar[] = {7732185, 67561, 107211, 111466, 112276};  // water, methanol, glycols
-constexpr std::int32_t kLight[] = {1333740, 7440597};                        // hydrogen, helium
+constexpr std::int32_t kPolar[] = {7732185, 67561, 107211, 111466, 112276, 7664417};  // and ammonia
+constexpr std::int32_t kAlcohols[] = {67561, 107211, 111466, 112276};                 // methanol, glycols
+constexpr std::int32_t kLight[] = {1333740, 7440597};                                 // hydrogen, helium
 constexpr double kMuchLight =
     0.25;  // share of these from which the Joule-Thomson coefficient is not to be trusted
 
@@ -33,7 +34,11 @@ bool is_aqueous(const Mixture& mixture, const std::vector<double>& x) {
 bool is_dense(const Exports& library, const Mixture& mixture, const std::vector<double>& x, double T) {
   constexpr double trace = 1e-6;
   const double polar = polar_share(mixture, x);
-  if (polar > kAqueous) return false;
+  if (polar > kAqueous) {  // hotter than the critical temperature of everything in it, or a liquid
+    for (std::size_t i = 0; i < x.size(); ++i)
+      if (x[i] > trace && T <= mixture.components[i].Tc) return false;
+    return true;
+  }
   std::vector<double> dry(x);
   double lowest = 1e300, highest = 0.0;
   for (std::size_t i = 0; i < x.size(); ++i) {
@@ -61,25 +66,31 @@ PhaseKind liquid_kind(const Exports& library, const Mixture& mixture, const Equi
   const std::size_t w = water_of(mixture);
   const bool free_water = (mixture.record.flags & FreeWaterFlag) != 0 && w < x.size() && x[w] > kWaterRich;
   if (free_water) return PhaseKind::free_water;
+  const bool polar = polar_share(mixture, x) > kAqueous;
+  if (polar && alone && is_dense(library, mixture, x, state.T)) return PhaseKind::dense;
   if (is_aqueous(mixture, x)) return PhaseKind::aqueous_liquid;
-  if (polar_share(mixture, x) > kAqueous) return PhaseKind::liquid;
+  if (polar) return PhaseKind::liquid;
   if (alone && is_dense(library, mixture, x, state.T)) return PhaseKind::dense;
   return polar_share(mixture, mixture.z) > 0.0 ? PhaseKind::hydrocarbon_liquid : PhaseKind::liquid;
 }
 
-void rename_packed_gas(const Exports& library, const Mixture& mixture, Equilibrium& state) {
+bool is_packed(const Mixture& mixture, const PhaseState& phase) {
   constexpr double kGas = 82.057e-6, kOmegaB = 0.0778;  // m3 atm/(mol K)
   constexpr double packed = 3.9514;                     // v/b of the critical point of the equation of state
+  double b = 0.0;
+  for (std::size_t i = 0; i < phase.x.size(); ++i) {
+    const Component& c = mixture.components[i];
+    b += phase.x[i] * kOmegaB * kGas * c.Tc / (c.Pc / kAtmInPa);
+  }
+  return phase.properties[Property::molar_volume] < packed * b;
+}
+
+void rename_packed_gas(const Exports& library, const Mixture& mixture, Equilibrium& state) {
   const auto other = [](const PhaseState& p) { return p.kind != PhaseKind::vapour && !p.aqueous; };
   if (state.of_fraction() || state.phases.empty() || state.phases.front().kind != PhaseKind::vapour) return;
   if (std::any_of(state.phases.begin(), state.phases.end(), other)) return;
   PhaseState& gas = state.phases.front();
-  double b = 0.0;
-  for (std::size_t i = 0; i < gas.x.size(); ++i) {
-    const Component& c = mixture.components[i];
-    b += gas.x[i] * kOmegaB * kGas * c.Tc / (c.Pc / kAtmInPa);
-  }
-  if (!(gas.properties[Property::molar_volume] < packed * b)) return;
+  if (!is_packed(mixture, gas)) return;
   gas.kind = liquid_kind(library, mixture, state, gas.x, true);
   if (gas.kind == PhaseKind::free_water) gas.kind = PhaseKind::vapour;
   if (gas.kind == PhaseKind::vapour) return;
@@ -92,10 +103,12 @@ void rename_packed_gas(const Exports& library, const Mixture& mixture, Equilibri
 
 std::vector<std::string_view> model_limits(const Mixture& mixture, const PhaseState& phase) {
   std::vector<std::string_view> limits;
-  double light = 0.0;
+  double light = 0.0, alcohols = 0.0;
   for (std::size_t i = 0; i < phase.x.size(); ++i) {
     const std::int32_t cas = mixture.components[i].cas_number;
     if (std::find(std::begin(kLight), std::end(kLight), cas) != std::end(kLight)) light += phase.x[i];
+    if (std::find(std::begin(kAlcohols), std::end(kAlcohols), cas) != std::end(kAlcohols))
+      alcohols += phase.x[i];
   }
   if (light > kMuchLight && std::isfinite(phase.properties[Property::joule_thomson])) {
     limits.push_back(
@@ -106,6 +119,12 @@ std::vector<std::string_view> model_limits(const Mixture& mixture, const PhaseSt
     limits.push_back(
         "cubic equation: not for liquid water (its density and heat capacities and speed of sound are far "
         "off)");
+  }
+  if (!phase.aqueous && !is_gas(phase.kind) && alcohols > kAqueous &&
+      std::isfinite(phase.properties[Property::Z])) {
+    limits.push_back(
+        "cubic equation: not for liquid methanol and glycols (their density and heat capacities and speed of "
+        "sound are far off)");
   }
   return limits;
 }

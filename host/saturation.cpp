@@ -8,9 +8,6 @@ namespace kestrune::host {
 
 namespace {
 
-constexpr double kPureEnough =
-    0.9;  // water of an aqueous liquid, below which the balance of pure water does not hold
-
 const PhaseState* find(const Equilibrium& s, bool gas) {
   for (const PhaseState& p : s.phases)
     if (gas ? is_gas(p.kind) : p.aqueous) return &p;
@@ -61,6 +58,7 @@ std::vector<double> moles(const PhaseState* p, std::size_t count) {
 
 Equilibrium flash_with_saturation(const Exports& library, Mixture& mixture, Given given, double T, double P) {
   Equilibrium s = flash_of_all(library, mixture, given, T, P);
+  s.by_saturation = true;
   const std::size_t count = mixture.z.size(), w = water_of(mixture);
   const PhaseState *gas = find(s, true), *aqueous = find(s, false);
   if (!s.answered() || w == count || !(mixture.z[w] > 0.0)) return s;

@@ -11,7 +11,10 @@ namespace kestrune::host {
 
 namespace {
 
-constexpr double kSameG = 1e-6 * 8.314462618;  // J/(mol K): free enthalpies apart by less are the same
+constexpr std::int32_t kCO2Cas = 124389;
+constexpr double kMostlyCO2 = 0.8;
+constexpr double kColdest = 60.0, kHottest = 2000.0;  // K: there is no state beyond these
+constexpr double kSameG = 1e-6 * 8.314462618;         // J/(mol K): free enthalpies apart by less are the same
 
 double free_enthalpy(const Equilibrium& s) {
   return s.overall.properties[Property::free_enthalpy];
@@ -50,7 +53,7 @@ void hold_against_three(const Exports& library, Mixture& mixture, Equilibrium& s
 // The coldest and the hottest state tried at this pressure; where the flash has no answer, the next one.
 Bound bound_at(const Exports& library, Mixture& mixture, const Equilibrium& s, bool cold) {
   const Property property = s.given == Given::HP ? Property::enthalpy : Property::entropy;
-  for (double T = cold ? 60.0 : 2000.0; T >= 60.0 && T <= 2000.0; T *= cold ? 1.1 : 0.9) {
+  for (double T = cold ? kColdest : kHottest; T >= kColdest && T <= kHottest; T *= cold ? 1.1 : 0.9) {
     const Equilibrium at = flash(library, mixture, Given::TP, T, s.P);
     if (at.answered() && std::isfinite(at.overall.properties[property]))
       return {T, at.overall.properties[property]};
@@ -58,13 +61,49 @@ Bound bound_at(const Exports& library, Mixture& mixture, const Equilibrium& s, b
   return {};
 }
 
+// An answer that lies where there is no state any more is none.
+void refuse_beyond_bounds(Equilibrium& s) {
+  if (!s.answered() || (s.T >= kColdest && s.T <= kHottest)) return;
+  const std::vector<double> none(s.y.size());
+  Equilibrium empty{s.given, s.values, kNone, s.P, true, KV_NOT_CONVERGED, 0.0, none, none, {}, kNone, {}, {}};
+  empty.three = true;
+  empty.xA = none;
+  empty.remark =
+      fmt::format("the only answer found is at {:.4g} K, outside {:g} to {:g} K", s.T, kColdest, kHottest);
+  s = empty;
+}
+
 void look_for_bounds(const Exports& library, Mixture& mixture, Equilibrium& s) {
-  if (s.status != KV_NOT_CONVERGED || (s.given != Given::HP && s.given != Given::SP)) return;
+  if (s.given != Given::HP && s.given != Given::SP) return;
+  refuse_beyond_bounds(s);
+  if (s.status != KV_NOT_CONVERGED) return;
   const Bound cold = bound_at(library, mixture, s, true), hot = bound_at(library, mixture, s, false);
   if (s.values[0] < cold.value)
     s.bound = cold;
   else if (s.values[0] > hot.value)
     s.bound = hot;
+  if (s.bound.found()) s.remark.clear();
+}
+
+bool is_liquid_CO2(const Mixture& mixture, const PhaseState& p) {
+  double share = 0.0;
+  for (std::size_t i = 0; i < p.x.size(); ++i)
+    share += mixture.components[i].cas_number == kCO2Cas ? p.x[i] : 0.0;
+  return share > kMostlyCO2;
+}
+
+// The balance of saturation takes the gas where the equation of state has one. With this water there is none, and its
+// answer is that of the liquid.
+bool is_liquid_at(const Exports& library, const Mixture& mixture, const PhaseState& p, double y,
+                  const Equilibrium& s) {
+  const std::size_t w = water_of(mixture);
+  PhaseState wet{PhaseKind::vapour, 1.0, 1.0, p.x, p.molar_mass, {}, false};
+  for (std::size_t i = 0; i < wet.x.size(); ++i) wet.x[i] = i == w ? y : p.x[i] * (1.0 - y) / (1.0 - p.x[w]);
+  wet.molar_mass +=
+      (y - p.x[w]) * (mixture.components[w].molar_mass -
+                      (p.molar_mass - p.x[w] * mixture.components[w].molar_mass) / (1.0 - p.x[w]));
+  wet.properties = phase_properties(library, mixture, wet.kind, s.T, s.P, wet.x, wet.molar_mass);
+  return std::isfinite(y) && is_packed(mixture, wet);
 }
 
 // What a gas beside an aqueous liquid, or one with more water than it can hold, has at saturation.
@@ -72,10 +111,14 @@ void note_saturation(const Exports& library, Mixture& mixture, Equilibrium& s) {
   const std::size_t w = water_of(mixture);
   if (!s.answered() || w == mixture.z.size()) return;
   const auto watery = [](const PhaseState& p) { return p.aqueous || p.kind == PhaseKind::free_water; };
+  // The balance is one with water alone: beside glycol or methanol a gas holds less.
+  const auto mixed = [&](const PhaseState& p) { return watery(p) && p.x[w] <= kPureEnough; };
+  if (std::any_of(s.phases.begin(), s.phases.end(), mixed)) return;
   const bool aqueous = std::any_of(s.phases.begin(), s.phases.end(), watery);
   for (PhaseState& p : s.phases) {
-    if (!is_gas(p.kind) || !(p.x[w] > 0.0)) continue;
+    if (!(p.x[w] > 0.0) || !(is_gas(p.kind) || is_liquid_CO2(mixture, p))) continue;
     const double y = saturated_water(library, mixture, s.T, s.P, p.x);
+    if (!is_gas(p.kind) && !is_liquid_at(library, mixture, p, y, s)) continue;
     if (aqueous || p.x[w] > y) p.saturation = y;
   }
 }

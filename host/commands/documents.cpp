@@ -53,10 +53,24 @@ void print_man(const CLI::App& app, std::ostream& out) {
   }
 }
 
+// Values of options that take more than these or write them in more ways.
+constexpr struct {
+  const char *name, *values;
+} kValues[] = {{"phases", "auto 2 3"},
+               {"water-model", "groups saturation"},
+               {"set", "2022 original"},
+               {"basis", "mole mass"},
+               {"units", "engineering si field"},
+               {"phase", "flash gas liquid"},
+               {"energy", "kJ/kg J/kg J/mol kJ/mol kJ/kmol cal/mol Btu/lb Btu/lbmol"},
+               {"inhibitor", "methanol MEG DEG TEG NaCl KCl CaCl2"}};
+
 // Values between the braces that the parser shows for an option with a set of them.
 std::string values_of(const CLI::Option& option) {
   const std::string type = option.get_type_name();
   const std::size_t open = type.find('{'), close = type.find('}');
+  for (const auto& [name, values] : kValues)
+    if (option.check_lname(name)) return values;
   if (open == std::string::npos || close == std::string::npos) return "";
   return joined(split(type.substr(open + 1, close - open - 1), ','), " ");
 }

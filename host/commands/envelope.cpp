@@ -64,6 +64,12 @@ void show_envelope(const EnvelopeOptions& o, Session& session) {
   const auto point = operating_point(o, units);
   if (o.svg == "-" && o.png == "-") throw InputError("standard output takes one picture: --svg - or --png -");
   if (o.points < 0 || o.points > 100000) throw InputError("--points takes a number from 0 to 100000");
+  const PictureOptions& f = o.frame;
+  const bool framed = !f.title.empty() || !f.T_title.empty() || !f.P_title.empty() || !f.T_limits.empty() ||
+                      !f.P_limits.empty() || !o.point.empty() || !o.overlays.empty();
+  if (framed && o.svg.empty() && o.png.empty())
+    throw InputError(
+        "titles, limits of axes, --point and --overlay belong to a picture: --svg FILE or --png FILE");
   std::vector<Overlay> overlays;
   for (const std::string& text : o.overlays) overlays.push_back(read_overlay(text, units));
   Mixture mixture = o.mixture.build();
@@ -87,6 +93,7 @@ void show_envelope(const EnvelopeOptions& o, Session& session) {
     print_envelope_csv(report, session.out);
   else
     print_envelope_text(report, session.out);
+  if (o.output.format == "csv") tell(session, notes_of(report));
 }
 
 }  // namespace

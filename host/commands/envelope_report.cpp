@@ -48,12 +48,24 @@ std::vector<CurvePlace> further_critical(const EnvelopeReport& r) {
   return places;
 }
 
+std::vector<std::string> notes_of(const EnvelopeReport& r) {
+  std::vector<std::string> notes = remarks(r.mixture);
+  for (std::size_t i = 0; i < r.mixture.z.size(); ++i) {
+    if (r.mixture.components[i].family != KV_FAMILY_WATER || !(r.mixture.z[i] > 0.0)) continue;
+    notes.emplace_back(
+        "water by the group interactions, as in a flash; for the dew points of water in a gas kestrune water "
+        "--line is "
+        "the one to trust (docs/water.md)");
+  }
+  return notes;
+}
+
 void print_envelope_text(const EnvelopeReport& r, std::ostream& out) {
   const Mixture& m = r.mixture;
   const Unit &T = r.units[Quantity::temperature], &P = r.units[Quantity::pressure];
   out << fmt::format("Mixture         {}{}{} component{}, PPR78 with the group interactions of set {}\n",
                      m.title, m.title.empty() ? "" : ", ", m.count(), m.count() == 1 ? "" : "s", m.set_name);
-  for (const std::string& line : remarks(m)) out << "Note            " << line << '\n';
+  for (const std::string& line : notes_of(r)) out << "Note            " << line << '\n';
   const CurvePlace critical{r.critical.T, r.critical.P};
   out << "Critical point  "
       << (r.critical.status == KV_OK
@@ -97,7 +109,7 @@ void print_envelope_json(const EnvelopeReport& r, std::ostream& out) {
   const Curve& outline = r.curves.front();
   ordered_json root{{"mixture", r.mixture.title},
                     {"set", r.mixture.set_name},
-                    {"notes", remarks(r.mixture)},
+                    {"notes", notes_of(r)},
                     {"critical_point", nullptr},
                     {"critical_point_status", r.critical.status},
                     {"further_critical_points", ordered_json::array()},

@@ -22,6 +22,9 @@ struct EnvelopeReport {
 // The stable critical points of the outline other than the one that CriticalPoint returns, hottest first.
 std::vector<CurvePlace> further_critical(const EnvelopeReport& report);
 
+// What a reader of the curves must know, one sentence each.
+std::vector<std::string> notes_of(const EnvelopeReport& report);
+
 void print_envelope_text(const EnvelopeReport& report, std::ostream& out);
 void print_envelope_csv(const EnvelopeReport& report, std::ostream& out);
 void print_envelope_json(const EnvelopeReport& report, std::ostream& out);

@@ -20,8 +20,14 @@ constexpr double kLowestT = 265.0, kHighestT = 298.0, kEndT = 313.15;  // K, wit
 constexpr double kLowestP = 12e5, kHighestP = 400e5, kEndP = 1000e5;   // Pa
 // Hammerschmidt's depression: mass percent of alcohols and glycols, of salts, and where it loses all meaning.
 constexpr double kMostAlcohol = 25.0, kMostSalt = 20.0, kEndPercent = 70.0;
+constexpr double kStartT = 200.0;                       // K: below it no answer, see kEndT
+constexpr double kLeastMass = 30.0, kMostMass = 200.0;  // g/mol of an inhibitor: methanol 32, TEG 150
+constexpr double kMuchNitrogen = 0.2;
+constexpr double kLittle = 0.02;  // hydrogen, oxygen, helium, argon, water, alcohols: a natural gas has less
 constexpr double kSweetH2S = 0.001, kSweetCO2 = 0.05, kAlmostMethane = 0.98;  // mole fractions
 constexpr std::int32_t kMethaneCas = 74828, kNitrogenCas = 7727379, kH2SCas = 7783064, kCO2Cas = 124389;
+constexpr std::int32_t kForeign[] = {1333740, 7782447, 7440597, 7440371, 7732185,
+                                     67561,   107211,  111466,  112276,  630080};
 
 struct HydrateOptions {
   MixtureOptions mixture;
@@ -45,7 +51,9 @@ Inhibitor inhibitor_of(const std::string& text) {
   if (key == "kcl") return {"potassium chloride", 3, 0.0};
   if (key == "cacl2") return {"calcium chloride", 4, 0.0};
   if (const auto M = parse_number(text)) {
-    if (!(*M > 0.0)) throw InputError("the molar mass of the inhibitor must be positive");
+    if (!(*M >= kLeastMass && *M <= kMostMass))
+      throw InputError(fmt::format("{:g} g/mol is no molar mass of a hydrate inhibitor: {:g} to {:g} g/mol", *M,
+                                   kLeastMass, kMostMass));
     return {fmt::format("inhibitor of {:g} g/mol", *M), 5, *M};
   }
   const Component& c = find_component(text);
@@ -95,7 +103,16 @@ std::vector<std::string> gas_warnings(const Mixture& m) {
     lines.push_back(fmt::format(
         "{:.3g} % hydrogen sulfide, outside sweet gas: hydrates form at higher temperature", 100.0 * h2s));
   if (co2 > kSweetCO2) lines.push_back(fmt::format("{:.3g} % carbon dioxide, outside sweet gas", 100.0 * co2));
-  if (share(kMethaneCas) + share(kNitrogenCas) > kAlmostMethane && h2s + co2 <= kSweetCO2)
+  for (std::size_t i = 0; i < m.z.size(); ++i) {
+    const Component& c = m.components[i];
+    const bool foreign =
+        std::find(std::begin(kForeign), std::end(kForeign), c.cas_number) != std::end(kForeign);
+    if (foreign && m.z[i] > kLittle)
+      lines.push_back(fmt::format("{:.3g} % {}, outside natural gas", 100.0 * m.z[i], c.name));
+  }
+  if (share(kNitrogenCas) > kMuchNitrogen)
+    lines.push_back(fmt::format("{:.3g} % nitrogen, outside natural gas", 100.0 * share(kNitrogenCas)));
+  else if (share(kMethaneCas) + share(kNitrogenCas) > kAlmostMethane && h2s + co2 <= kSweetCO2)
     lines.push_back("almost methane alone, for which 5 to 7 K less are measured");
   return lines;
 }
@@ -105,19 +122,35 @@ std::string range(const Unit& unit, double low, double high, int digits) {
                      unit.name);
 }
 
-// Adds a point with its warnings; refuses what is no hydrate any more.
-void add_point(const UnitSystem& units, double T, double P, double shift, std::vector<std::string> warnings,
-               Points& points) {
+// Why a point is no hydrate any more; empty for one that the correlation may be asked for.
+std::string beyond(const UnitSystem& units, double T, double P, double bare) {
+  const Unit &of_T = units[Quantity::temperature], &of_P = units[Quantity::pressure];
+  if (T < kStartT)
+    return fmt::format("hydrate at {:.5g} {} is beyond the correlation: at least {:.4g} {}", of_T.from_base(T),
+                       of_T.name, of_T.from_base(kStartT), of_T.name);
+  if (!(bare > kEndT || P > kEndP)) return "";
+  return fmt::format(
+      "hydrate at {:.5g} {} and {:.5g} {} is beyond the correlation: without inhibitor at most {:.4g} {} and "
+      "{:.5g} {}, "
+      "made from data of {} and {}",
+      of_T.from_base(T), of_T.name, of_P.from_base(P), of_P.name, of_T.from_base(kEndT), of_T.name,
+      of_P.from_base(kEndP), of_P.name, range(of_T, kLowestT, kHighestT, 1),
+      range(of_P, kLowestP, kHighestP, 0));
+}
+
+// Adds a point with its warnings; one beyond the correlation has no answer.
+void add_point(const UnitSystem& units, double T, double P, bool at_T, double shift,
+               std::vector<std::string> warnings, Points& points) {
   const Unit &of_T = units[Quantity::temperature], &of_P = units[Quantity::pressure];
   const double bare = T + shift;
-  if (bare > kEndT || P > kEndP)
-    throw InputError(
-        fmt::format("hydrate at {:.5g} {} and {:.5g} {} is beyond the correlation: without inhibitor at most "
-                    "{:.4g} {} and {:.5g} {}, "
-                    "made from data of {} and {}",
-                    of_T.from_base(T), of_T.name, of_P.from_base(P), of_P.name, of_T.from_base(kEndT),
-                    of_T.name, of_P.from_base(kEndP), of_P.name, range(of_T, kLowestT, kHighestT, 1),
-                    range(of_P, kLowestP, kHighestP, 0)));
+  const std::string reason = beyond(units, T, P, bare);
+  if (!reason.empty()) {
+    points.columns[0].values.push_back(at_T ? T : kNone);
+    points.columns[1].values.push_back(at_T ? kNone : P);
+    points.statuses.push_back(KV_WATER_RANGE);
+    points.warnings.push_back(reason);
+    return;
+  }
   if (!(bare >= kLowestT && bare <= kHighestT))
     warnings.push_back(fmt::format("temperature{} outside {}", shift > 0.0 ? " without inhibitor" : "",
                                    range(of_T, kLowestT, kHighestT, 1)));
@@ -136,7 +169,8 @@ void add_points(const HydrateOptions& options, const UnitSystem& units, const Ex
   std::vector<std::string> warnings = gas_warnings(mixture);
   const double most = inhibitor.salt() ? kMostSalt : kMostAlcohol;
   if (percent > most) warnings.push_back(fmt::format("{:.4g} % inhibitor outside 0 to {:g} %", percent, most));
-  const auto add = [&](double T, double P) { add_point(units, T, P, shift, warnings, points); };
+  const bool at_T = !options.temperature.empty();
+  const auto add = [&](double T, double P) { add_point(units, T, P, at_T, shift, warnings, points); };
   if (options.temperature.empty() && options.pressure.empty()) {
     std::vector<double> T(static_cast<std::size_t>(options.points)), P(T.size());
     library.HydrateLine(mixture.z.data(), inhibitor.kind, inhibitor.molar_mass, percent, options.points,
@@ -157,7 +191,10 @@ void add_points(const HydrateOptions& options, const UnitSystem& units, const Ex
 std::vector<double> percents(const HydrateOptions& options, const Exports& library, Mixture& mixture,
                              const Inhibitor& inhibitor) {
   static const Unit plain{"", 1.0};
-  if (options.percent.empty() && options.depression.empty()) return {0.0};
+  if (options.percent.empty() && options.depression.empty()) {
+    if (inhibitor.kind == 0) return {0.0};
+    throw InputError("--inhibitor needs its --percent or the --depression that is wanted");
+  }
   if (inhibitor.kind == 0) throw InputError("--percent and --depression need an --inhibitor");
   const bool given = options.depression.empty();
   std::string text = given ? options.percent : options.depression;
@@ -202,6 +239,8 @@ void hydrate(const HydrateOptions& options, Session& session) {
                                          inhibitor.name, percent, options.depression.empty() ? "" : " needed",
                                          shift));
   }
+  if (std::count(points.statuses.begin(), points.statuses.end(), KV_OK) == 0)
+    throw InputError(points.warnings.front());
   print_points(points, mixture, options.output, session);
 }
 

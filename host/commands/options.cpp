@@ -133,6 +133,10 @@ void OutputOptions::add_to(CLI::App& command) {
       "of temperature and pressure: K,atm");
 }
 
+void tell(Session& session, const std::vector<std::string>& sentences) {
+  for (const std::string& sentence : sentences) session.err << "kestrune: note: " << sentence << '\n';
+}
+
 std::vector<std::string> remarks(const Mixture& mixture) {
   std::vector<std::string> lines;
   if (mixture.sum_was_off()) {

@@ -100,6 +100,10 @@ void print_points(const Points& points, const Mixture& mixture, const OutputOpti
     print_csv(points, session.out);
   else
     print_text(points, mixture, session.out);
+  if (options.format == "csv") {
+    tell(session, remarks(mixture));
+    tell(session, points.remarks);
+  }
   for (const StatusCode status : points.statuses)
     if (status != KV_OK) session.exit_code = exit_status;
 }

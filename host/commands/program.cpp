@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <exception>
 
 #include "commands/session.hpp"
@@ -59,6 +61,19 @@ void check_command(const CLI::App& app, const std::vector<std::string>& argument
   }
 }
 
+// An unset variable of a shell leaves an empty value; it must not count as an option that was not given.
+void check_values(const std::vector<std::string>& arguments) {
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& text = arguments[i];
+    const bool after_equals = text.rfind("--", 0) == 0 && text.find('=') == text.size() - 1;
+    if (!trimmed(text).empty() && !after_equals) continue;
+    throw InputError(fmt::format("an empty value{}: leave the option out, or give it one",
+                                 after_equals ? " of " + text.substr(0, text.size() - 1)
+                                 : i > 0      ? " after " + arguments[i - 1]
+                                              : ""));
+  }
+}
+
 std::string version_text() {
   return fmt::format("kestrune {} ({}-bit)", KESTRUNE_VERSION, 8 * sizeof(void*));
 }
@@ -71,6 +86,16 @@ int parse(CLI::App& app, Session& session, std::vector<std::string> arguments) {
   } catch (const CLI::ParseError& e) {
     return app.exit(e, session.out, session.err) == 0 ? exit_good : exit_input;
   }
+}
+
+// The exit code, unless what was to be said did not arrive: on a full disk, in a closed pipe.
+int written(Session& session, int code) {
+  errno = 0;
+  session.out.flush();
+  if (session.out) return code;
+  session.err << fmt::format("kestrune: the output could not be written{}{}\n", errno != 0 ? ": " : "",
+                             errno != 0 ? std::strerror(errno) : "");
+  return exit_input;
 }
 
 }  // namespace
@@ -101,8 +126,9 @@ int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err
     add_hydrate_command(app, session);
     add_envelope_command(app, session);
     add_document_commands(app, session);
+    check_values(arguments);
     check_command(app, arguments);
-    return parse(app, session, with_units_joined(arguments));
+    return written(session, parse(app, session, with_units_joined(arguments)));
   } catch (const InputError& e) {
     err << "kestrune: " << e.what() << '\n';
   } catch (const std::exception& e) {

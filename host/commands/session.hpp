@@ -83,4 +83,7 @@ struct OutputOptions {
 // Remarks on a mixture that a reader of its results must know, one sentence each.
 std::vector<std::string> remarks(const Mixture& mixture);
 
+// The same on standard error, for forms that have no place for sentences.
+void tell(Session& session, const std::vector<std::string>& sentences);
+
 }  // namespace kestrune::host

@@ -121,8 +121,9 @@ ordered_json state_json(const Mixture& m, const Equilibrium& s) {
   ordered_json root{{"given", given_json(s)}, {"temperature_K", s.T},  // NaN becomes null
                     {"pressure_Pa", s.P},     {"flashed", s.flashed},
                     {"status", s.status},     {"status_text", state_in_words(s, base, m.molar_mass)},
-                    {"stable", s.stable},     {"remark", s.remark},
+                    {"stable", nullptr},      {"remark", s.remark},
                     {"phases_found", 0},      {"phases", ordered_json::array()}};
+  if (s.answered()) root["stable"] = s.stable;
   int found = 0;
   for (const PhaseState& p : s.phases) found += p.mole_fraction > 0.0 ? 1 : 0;
   root["phases_found"] = found;
@@ -147,7 +148,7 @@ ordered_json state_json(const Mixture& m, const Equilibrium& s) {
 }
 
 // The columns of a phase, each with its comma.
-std::string phase_csv(const StateReport& r, const PhaseState& p) {
+std::string phase_csv(const StateReport& r, const Equilibrium& s, const PhaseState& p) {
   std::string line =
       fmt::format(",{},{},{},{}", phase_name(p.kind), p.mole_fraction, p.mass_fraction, p.molar_mass);
   for (const PropertyInfo& info : all_properties())
@@ -158,19 +159,21 @@ std::string phase_csv(const StateReport& r, const PhaseState& p) {
   std::vector<std::string> limits;
   if (p.kind != PhaseKind::overall)
     for (const auto limit : model_limits(r.mixture, p)) limits.emplace_back(limit);
-  line += fmt::format(",{},{}", csv_field(joined(limits, "; ")),
-                      std::isfinite(p.saturation) ? fmt::format("{}", p.saturation) : "");
+  line += fmt::format(",{},{},{}", csv_field(joined(limits, "; ")),
+                      std::isfinite(p.saturation) ? fmt::format("{}", p.saturation) : "", s.stable ? 1 : 0);
   for (const double x : p.x) line += fmt::format(",{}", x);
   return line;
 }
 
-constexpr std::size_t kColumnsBeforeX = 9 + kPropertyCount;
+constexpr std::size_t kColumnsBeforeX = 10 + kPropertyCount;
 
 std::string phase_headings(const StateReport& r) {
   std::string line = ",phase,mole_fraction,mass_fraction,molar_mass_g_mol";
   for (const PropertyInfo& info : all_properties())
     line += "," + column_name(info.key, info.quantity, r.units[info.quantity]);
-  line += ",property_status,property_status_text,heat_capacity_extrapolated,model_limits,water_at_saturation";
+  line +=
+      ",property_status,property_status_text,heat_capacity_extrapolated,model_limits,water_at_saturation,"
+      "stable";
   for (const Component& c : r.mixture.components) line += fmt::format(",x_{}", c.id);
   return line;
 }
@@ -181,6 +184,7 @@ void print_json(const StateReport& report, std::ostream& out) {
   ordered_json root{{"mixture", mixture_json(report.mixture)},
                     {"settings", settings_json(report.mixture.record)},
                     {"remarks", remarks(report.mixture)},
+                    {"notes", notes_of(report)},
                     {"states", ordered_json::array()}};
   for (const Equilibrium& s : report.states) root["states"].push_back(state_json(report.mixture, s));
   out << root.dump(2) << '\n';
@@ -203,8 +207,8 @@ void print_csv(const StateReport& report, bool overall_rows, std::ostream& out) 
     const std::string head = fmt::format("{},{}{},{},{},{}", i + 1, of_given, exact(s.T, T), exact(s.P, P),
                                          s.status, csv_field(state_in_words(s, report.units, M)));
     if (s.phases.empty()) out << head << std::string(kColumnsBeforeX + report.mixture.z.size(), ',') << '\n';
-    for (const PhaseState& p : s.phases) out << head << phase_csv(report, p) << '\n';
-    if (overall_rows && !s.phases.empty()) out << head << phase_csv(report, s.overall) << '\n';
+    for (const PhaseState& p : s.phases) out << head << phase_csv(report, s, p) << '\n';
+    if (overall_rows && !s.phases.empty()) out << head << phase_csv(report, s, s.overall) << '\n';
   }
 }
 

@@ -73,6 +73,24 @@ void check_number_names(const std::vector<std::string>& names) {
   }
 }
 
+std::vector<std::string> notes_on(const StateReport& report, const std::vector<std::string>& names) {
+  bool of_phases = false, joule_thomson = false;
+  for (const std::string& name : names) {
+    const PropertyInfo* info = find_property(name);
+    of_phases = of_phases || info != nullptr;
+    joule_thomson = joule_thomson || (info != nullptr && info->property == Property::joule_thomson);
+  }
+  std::vector<std::string> result;
+  for (const std::string& note : notes_of(report)) {
+    const bool limit = note.rfind("cubic equation", 0) == 0;
+    const bool of_state = std::any_of(report.states.begin(), report.states.end(),
+                                      [&](const Equilibrium& s) { return !s.stable && s.remark == note; });
+    const bool silent = note.find("Joule-Thomson") != std::string::npos ? !joule_thomson : limit && !of_phases;
+    if (!silent && !of_state) result.push_back(note);
+  }
+  return result;
+}
+
 void print_numbers(const StateReport& report, const std::vector<std::string>& names, std::ostream& out,
                    std::ostream& err) {
   for (std::size_t i = 0; i < report.states.size(); ++i) {

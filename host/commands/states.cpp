@@ -80,6 +80,11 @@ void report_states(const StateOptions& options, Session& session, const Evaluate
     print_csv(report, overall_rows, session.out);
   else
     print_text(report, session.out);
+  const bool csv = numbers.empty() && options.output.format == "csv";
+  if (csv || !numbers.empty()) {
+    tell(session, remarks(mixture));
+    tell(session, csv ? notes_of(report) : notes_on(report, numbers));
+  }
 }
 
 }  // namespace kestrune::host

@@ -54,6 +54,8 @@ void print_csv(const StateReport& report, bool overall_rows, std::ostream& out);
 
 // InputError for a name that --print does not know.
 void check_number_names(const std::vector<std::string>& names);
+// The notes of a report that concern these numbers; a remark on a state is told with its numbers.
+std::vector<std::string> notes_on(const StateReport& report, const std::vector<std::string>& names);
 // One line per state on out, the numbers of the state as a whole apart by blanks, "nan" for one that it does
 // not have; base units. What went wrong goes to err.
 void print_numbers(const StateReport& report, const std::vector<std::string>& names, std::ostream& out,
@@ -64,6 +66,14 @@ void print_numbers(const StateReport& report, const std::vector<std::string>& na
 inline constexpr const char* kSaturationText =
     "the water of a gas is by the group interactions; its saturation by the command water is the one to trust "
     "(docs/water.md): --water-model saturation";
+inline constexpr const char* kLiquidCO2Text =
+    "a liquid rich in carbon dioxide holds far too much water by the group interactions; the command water is "
+    "nearer "
+    "(docs/water.md)";
+inline constexpr const char* kOilText =
+    "water in a hydrocarbon liquid by the group interactions: near ambient temperature orders of magnitude too "
+    "little; "
+    "--free-water --solubility A,B takes another";
 inline constexpr const char* kExtrapolatedText =
     "temperature outside the range of the ideal-gas heat capacity of at least one component: continued beyond "
     "it";
@@ -87,6 +97,8 @@ void print_state(const StateReport& report, const Equilibrium& state, std::ostre
 // One row per property, one column per phase and, of several, one for all of them.
 void print_properties(const StateReport& report, const Equilibrium& state, std::span<const Property> rows,
                       std::ostream& out);
+// Limits of the model, remarks on states, and the water of gases; each once.
+std::vector<std::string> notes_of(const StateReport& report);
 // Which properties are missing and why, whether heat capacities were continued, what the model cannot do, what was
 // remarked on the states; once, nothing if all is well.
 void print_notes(const StateReport& report, std::ostream& out);

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "commands/points.hpp"
+#include "equilibrium.hpp"
 #include "error.hpp"
 #include "text.hpp"
 
@@ -94,6 +95,23 @@ struct Job {
     values.push_back(humidity);
     for (std::size_t c = 0; c < points.columns.size(); ++c) points.columns[c].values.push_back(values[c]);
     points.statuses.push_back(status);
+    const bool place = std::isfinite(T) && std::isfinite(P) && status == KV_OK;
+    const bool none = status == KV_NOT_CONVERGED || status == KV_ZERO_SLOPE;
+    points.warnings.push_back(place  ? warning(T, P)
+                              : none ? "no water dew point was found for this water content"
+                                     : "");
+  }
+
+  // The methods take the feed for a gas; a flash of it without its water says whether it is one.
+  std::string warning(double T, double P) {
+    const std::vector<double> wet = mixture.z;
+    const double M = mixture.molar_mass;
+    set_water(mixture, 0.0);
+    const Equilibrium s = flash_of_all(library, mixture, Given::TP, T, P);
+    mixture.z = wet;
+    mixture.molar_mass = M;
+    if (!s.answered() || (s.phases.size() == 1 && is_gas(s.phases.front().kind))) return "";
+    return fmt::format("no single gas here: {} without its water", phases_in_words(s));
   }
 };
 
@@ -173,6 +191,7 @@ void water(const WaterOptions& options, Session& session) {
         "a flash puts another amount of water into its gas; for a gas this one is the one to trust "
         "(docs/water.md), "
         "and flash --water-model saturation takes it"};
+  points.with_warnings = true;
   Job job{library, mixture, chart ? 2 : 1, {}, dry, points};
   for (const std::string& name : split(options.content, ',')) {
     const Unit& u = unit(Quantity::water_content, name);
@@ -192,6 +211,8 @@ void water(const WaterOptions& options, Session& session) {
     for (const double P : Ps) dew_temperature(job, P);
     for (const double T : Ts) dew_pressure(job, T);
   }
+  const auto is_gas_row = [](const std::string& warning) { return warning.empty(); };
+  if (std::none_of(points.warnings.begin(), points.warnings.end(), is_gas_row)) points.remarks.clear();
   print_points(points, mixture, options.output, session);
 }
 
