@@ -10,7 +10,7 @@
 namespace kestrune::flash3 {
 namespace {
 
-constexpr int kMostSplitSteps = 200, kMostCuts = 30, kIdleSteps = 80;
+constexpr int kMostSplitSteps = 200, kMostCuts = 30;
 constexpr double kShort = 1e-3, kRounding = 2e-15;
 constexpr double kSplit = 1e-13;  // gradient of the split that is left
 constexpr double kSmallestPivot = 1e-14, kFirstShift = 1e-10, kLargestShift = 1e6;
@@ -88,12 +88,12 @@ void fixed_point_step(int count, const double* g, double* a) {
   for (int j = 0; j < count; ++j) a[j] *= 1.0 - g[j];
 }
 
-// One step of the split: true when it is done. left: of the gradient before the step.
-bool split_step(const SplitFunction& f, double* a, double& left) {
+// One step of the split: true when it is done.
+bool split_step(const SplitFunction& f, double* a) {
   double g[kRoom], H[kRoom][kRoom], d[kRoom], next[kRoom];
   bool is_free[kRoom];
   f.derivatives(a, g, H);
-  left = 0.0;
+  double left = 0.0;
   for (int j = 0; j < f.count; ++j) {
     is_free[j] = a[j] > 0.0 || g[j] < -kSplit;
     if (is_free[j]) left = std::max(left, g[j] > 0.0 ? std::min(g[j], a[j]) : -g[j]);
@@ -266,11 +266,7 @@ bool split_between(int n, const double* z, Phases& p, const PhasesWork& w) {
   const SplitFunction f{n, p.count, z, w.e};
   double a[kRoom];
   for (int j = 0; j < p.count; ++j) a[j] = std::max(p.amount[j], 0.02);
-  // What rounding leaves of the gradient is not waited for.
-  double left = 0.0, mark = 1e300;
-  for (int k = 0, idle = 0; k < kMostSplitSteps && idle < kIdleSteps && !split_step(f, a, left); ++k) {
-    idle = left < 0.5 * mark ? 0 : idle + 1;
-    mark = idle == 0 ? left : mark;
+  for (int k = 0; k < kMostSplitSteps && !split_step(f, a); ++k) {
   }
   // What a phase has of every component is a_j z_i e_ij/E_i: the balance holds whatever is left of the
   // gradient.
