@@ -92,6 +92,10 @@ void refuse_more_than_a_name(std::string_view name) {
 
 }  // namespace
 
+bool is_water(const Component& component) {
+  return component.family == KV_FAMILY_WATER;
+}
+
 bool names_component(std::string_view name) {
   const std::string key = search_key(name);
   return !key.empty() && !exact_matches(key).empty();

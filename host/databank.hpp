@@ -18,6 +18,8 @@ std::span<const Component> all_components();
 // and with the candidates when there are several.
 const Component& find_component(std::string_view name);
 
+bool is_water(const Component& component);
+
 // Whether a component goes by this name or formula, or several do.
 bool names_component(std::string_view name);
 

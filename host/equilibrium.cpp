@@ -118,12 +118,6 @@ void solve(const Exports& library, Mixture& mixture, Equilibrium& s) {
 
 }  // namespace
 
-std::size_t water_of(const Mixture& mixture) {
-  std::size_t w = 0;
-  while (w < mixture.components.size() && mixture.components[w].family != KV_FAMILY_WATER) ++w;
-  return w;
-}
-
 void add_phase(const Exports& library, const Mixture& mixture, PhaseKind kind, double fraction,
                const std::vector<double>& x, Equilibrium& state) {
   PhaseState phase{kind, fraction, 0.0, x, molar_mass_of(mixture, x), {}, false};

@@ -13,10 +13,7 @@ inline constexpr double kSomeWater = 0.01;    // and its least water
 inline constexpr double kPureEnough = 0.9;    // water of an aqueous liquid for which the balance of water holds
 inline constexpr double kWaterRich = 0.9999;  // from here on the library takes a liquid for free water
 
-// Index of water, the number of components without any.
-std::size_t water_of(const Mixture& mixture);
-
-// Water with the alcohols and glycols of the databank, and whether a liquid of it is called aqueous.
+// Water with the alcohols, glycols and ammonia of the databank, and whether a liquid of it is called aqueous.
 double polar_share(const Mixture& mixture, const std::vector<double>& x);
 bool is_aqueous(const Mixture& mixture, const std::vector<double>& x);
 

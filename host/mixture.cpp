@@ -150,6 +150,21 @@ Mixture build_mixture(const Composition& composition, const InteractionSet& set)
   return m;
 }
 
+std::size_t water_of(const Mixture& mixture) {
+  const auto found = std::find_if(mixture.components.begin(), mixture.components.end(), is_water);
+  return static_cast<std::size_t>(found - mixture.components.begin());
+}
+
+double share_of(const Mixture& mixture, const std::vector<double>& x,
+                std::span<const std::int32_t> cas_numbers) {
+  double share = 0.0;
+  for (std::size_t i = 0; i < x.size(); ++i) {
+    const std::int32_t cas = mixture.components[i].cas_number;
+    if (std::find(cas_numbers.begin(), cas_numbers.end(), cas) != cas_numbers.end()) share += x[i];
+  }
+  return share;
+}
+
 void Mixture::hand_over(const Exports& library) {
   const std::size_t nC = components.size(), nG = groups.size();
   A_atm.assign(nG * nG, 0.0);

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -51,6 +53,15 @@ struct Mixture {
   // Fills the buffers and makes this mixture's group data the ones that the library reads.
   void hand_over(const Exports& library);
 };
+
+// Index of water, the number of components without any.
+std::size_t water_of(const Mixture& mixture);
+// Mole fraction in x[count] of the components with one of these CAS numbers.
+double share_of(const Mixture& mixture, const std::vector<double>& x,
+                std::span<const std::int32_t> cas_numbers);
+inline double share_of(const Mixture& mixture, const std::vector<double>& x, std::int32_t cas_number) {
+  return share_of(mixture, x, {&cas_number, 1});
+}
 
 // Builds everything but the converted buffers. InputError without components or with all amounts zero.
 Mixture build_mixture(const Composition& composition, const InteractionSet& set);

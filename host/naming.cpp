@@ -2,15 +2,16 @@
 #include <algorithm>
 #include <cmath>
 
+#include "cas.hpp"
 #include "equilibrium_parts.hpp"
 
 namespace kestrune::host {
 
 namespace {
 
-constexpr std::int32_t kPolar[] = {7732185, 67561, 107211, 111466, 112276, 7664417};  // and ammonia
-constexpr std::int32_t kAlcohols[] = {67561, 107211, 111466, 112276};                 // methanol, glycols
-constexpr std::int32_t kLight[] = {1333740, 7440597};                                 // hydrogen, helium
+constexpr std::int32_t kPolar[] = {cas::kWater, cas::kMethanol, cas::kMEG, cas::kDEG, cas::kTEG, cas::kAmmonia};
+constexpr std::int32_t kAlcohols[] = {cas::kMethanol, cas::kMEG, cas::kDEG, cas::kTEG};
+constexpr std::int32_t kLight[] = {cas::kHydrogen, cas::kHelium};
 constexpr double kMuchLight =
     0.25;  // share of these from which the Joule-Thomson coefficient is not to be trusted
 
@@ -21,9 +22,7 @@ bool is_polar(const Component& c) {
 }  // namespace
 
 double polar_share(const Mixture& mixture, const std::vector<double>& x) {
-  double share = 0.0;
-  for (std::size_t i = 0; i < x.size(); ++i) share += is_polar(mixture.components[i]) ? x[i] : 0.0;
-  return share;
+  return share_of(mixture, x, kPolar);
 }
 
 bool is_aqueous(const Mixture& mixture, const std::vector<double>& x) {
@@ -103,13 +102,7 @@ void rename_packed_gas(const Exports& library, const Mixture& mixture, Equilibri
 
 std::vector<std::string_view> model_limits(const Mixture& mixture, const PhaseState& phase) {
   std::vector<std::string_view> limits;
-  double light = 0.0, alcohols = 0.0;
-  for (std::size_t i = 0; i < phase.x.size(); ++i) {
-    const std::int32_t cas = mixture.components[i].cas_number;
-    if (std::find(std::begin(kLight), std::end(kLight), cas) != std::end(kLight)) light += phase.x[i];
-    if (std::find(std::begin(kAlcohols), std::end(kAlcohols), cas) != std::end(kAlcohols))
-      alcohols += phase.x[i];
-  }
+  const double light = share_of(mixture, phase.x, kLight), alcohols = share_of(mixture, phase.x, kAlcohols);
   if (light > kMuchLight && std::isfinite(phase.properties[Property::joule_thomson])) {
     limits.push_back(
         "cubic equation: the Joule-Thomson coefficient of hydrogen and helium is too high and near ambient "

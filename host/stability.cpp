@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "cas.hpp"
 #include "equilibrium_parts.hpp"
 #include "text.hpp"
 
@@ -11,7 +12,6 @@ namespace kestrune::host {
 
 namespace {
 
-constexpr std::int32_t kCO2Cas = 124389;
 constexpr double kMostlyCO2 = 0.8;
 constexpr double kColdest = 60.0, kHottest = 2000.0;  // K: there is no state beyond these
 constexpr double kSameG = 1e-6 * 8.314462618;         // J/(mol K): free enthalpies apart by less are the same
@@ -86,10 +86,7 @@ void look_for_bounds(const Exports& library, Mixture& mixture, Equilibrium& s) {
 }
 
 bool is_liquid_CO2(const Mixture& mixture, const PhaseState& p) {
-  double share = 0.0;
-  for (std::size_t i = 0; i < p.x.size(); ++i)
-    share += mixture.components[i].cas_number == kCO2Cas ? p.x[i] : 0.0;
-  return share > kMostlyCO2;
+  return share_of(mixture, p.x, cas::kCO2) > kMostlyCO2;
 }
 
 // The balance of saturation takes the gas where the equation of state has one. With this water there is none, and its

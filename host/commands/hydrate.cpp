@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "cas.hpp"
 #include "commands/points.hpp"
 #include "error.hpp"
 #include "text.hpp"
@@ -25,9 +26,8 @@ constexpr double kLeastMass = 30.0, kMostMass = 200.0;  // g/mol of an inhibitor
 constexpr double kMuchNitrogen = 0.2;
 constexpr double kLittle = 0.02;  // hydrogen, oxygen, helium, argon, water, alcohols: a natural gas has less
 constexpr double kSweetH2S = 0.001, kSweetCO2 = 0.05, kAlmostMethane = 0.98;  // mole fractions
-constexpr std::int32_t kMethaneCas = 74828, kNitrogenCas = 7727379, kH2SCas = 7783064, kCO2Cas = 124389;
-constexpr std::int32_t kForeign[] = {1333740, 7782447, 7440597, 7440371, 7732185,
-                                     67561,   107211,  111466,  112276,  630080};
+constexpr std::int32_t kForeign[] = {cas::kHydrogen, cas::kOxygen, cas::kHelium, cas::kArgon, cas::kWater,
+                                     cas::kMethanol, cas::kMEG,    cas::kDEG,    cas::kTEG,   cas::kCO};
 
 struct HydrateOptions {
   MixtureOptions mixture;
@@ -89,13 +89,9 @@ double needed_percent(const Exports& library, Mixture& m, const Inhibitor& i, do
 
 // What a gas is that the correlation was not made for; sentences.
 std::vector<std::string> gas_warnings(const Mixture& m) {
-  const auto share = [&](std::int32_t cas) {
-    double sum = 0.0;
-    for (std::size_t i = 0; i < m.z.size(); ++i) sum += m.components[i].cas_number == cas ? m.z[i] : 0.0;
-    return sum;
-  };
+  const auto share = [&](std::int32_t cas_number) { return share_of(m, m.z, cas_number); };
   std::vector<std::string> lines;
-  const double gravity = m.molar_mass / 28.966, h2s = share(kH2SCas), co2 = share(kCO2Cas);
+  const double gravity = m.molar_mass / 28.966, h2s = share(cas::kH2S), co2 = share(cas::kCO2);
   if (!(gravity >= kLowestGravity && gravity <= kHighestGravity))
     lines.push_back(
         fmt::format("gravity {:.4g} outside {:g} to {:g}", gravity, kLowestGravity, kHighestGravity));
@@ -110,9 +106,9 @@ std::vector<std::string> gas_warnings(const Mixture& m) {
     if (foreign && m.z[i] > kLittle)
       lines.push_back(fmt::format("{:.3g} % {}, outside natural gas", 100.0 * m.z[i], c.name));
   }
-  if (share(kNitrogenCas) > kMuchNitrogen)
-    lines.push_back(fmt::format("{:.3g} % nitrogen, outside natural gas", 100.0 * share(kNitrogenCas)));
-  else if (share(kMethaneCas) + share(kNitrogenCas) > kAlmostMethane && h2s + co2 <= kSweetCO2)
+  if (share(cas::kNitrogen) > kMuchNitrogen)
+    lines.push_back(fmt::format("{:.3g} % nitrogen, outside natural gas", 100.0 * share(cas::kNitrogen)));
+  else if (share(cas::kMethane) + share(cas::kNitrogen) > kAlmostMethane && h2s + co2 <= kSweetCO2)
     lines.push_back("almost methane alone, for which 5 to 7 K less are measured");
   return lines;
 }
@@ -162,8 +158,9 @@ void add_point(const UnitSystem& units, double T, double P, bool at_T, double sh
   points.warnings.push_back(joined(warnings, "; "));
 }
 
-void add_points(const HydrateOptions& options, const UnitSystem& units, const Exports& library,
-                Mixture& mixture, const Inhibitor& inhibitor, double percent, Points& points) {
+// Returns how much lower the inhibitor brings the temperature, K.
+double add_points(const HydrateOptions& options, const UnitSystem& units, const Exports& library,
+                  Mixture& mixture, const Inhibitor& inhibitor, double percent, Points& points) {
   const Curve line = curve(library, mixture, inhibitor, percent);
   const double shift = curve(library, mixture, {}, 0.0).T[0] - line.T[0];
   std::vector<std::string> warnings = gas_warnings(mixture);
@@ -185,6 +182,7 @@ void add_points(const HydrateOptions& options, const UnitSystem& units, const Ex
       add(v, line.pressure(v) * kAtmInPa);
   }
   if (points.columns.size() > 2) points.columns[2].values.resize(points.statuses.size(), percent);
+  return shift;
 }
 
 // The mass percents asked for, or those that the depressions take.
@@ -231,9 +229,7 @@ void hydrate(const HydrateOptions& options, Session& session) {
     points.columns.push_back(
         {"inhibitor %", "inhibitor_mass_percent", "inhibitor_mass_percent", nullptr, 2, {}});
   for (const double percent : all) {
-    add_points(options, units, library, mixture, inhibitor, percent, points);
-    const double shift =
-        curve(library, mixture, {}, 0.0).T[0] - curve(library, mixture, inhibitor, percent).T[0];
+    const double shift = add_points(options, units, library, mixture, inhibitor, percent, points);
     if (inhibitor.kind != 0)
       points.notes.push_back(fmt::format("Inhibitor    {}, {:.4g} % by mass of its solution{}: {:.4g} K lower",
                                          inhibitor.name, percent, options.depression.empty() ? "" : " needed",

@@ -24,9 +24,8 @@ constexpr const char* kTemperatureText =
     "a temperature outside 60 to 2000 K: far outside what the equation of state was made for";
 
 double water_in(const Mixture& mixture, const PhaseState& p) {
-  for (std::size_t i = 0; i < p.x.size(); ++i)
-    if (mixture.components[i].family == KV_FAMILY_WATER) return p.x[i];
-  return 0.0;
+  const std::size_t w = water_of(mixture);
+  return w < p.x.size() ? p.x[w] : 0.0;
 }
 
 // "25.000 C (298.150 K)", "-" for a value that there is not.

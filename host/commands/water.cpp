@@ -14,8 +14,6 @@ namespace kestrune::host {
 
 namespace {
 
-constexpr std::int32_t kWaterCas = 7732185;
-
 struct WaterOptions {
   MixtureOptions mixture;
   MissingPairOptions missing;
@@ -24,10 +22,6 @@ struct WaterOptions {
   bool line = false;
   int points = 41;
 };
-
-bool is_water(const Component& c) {
-  return c.cas_number == kWaterCas;
-}
 
 // The mixture with water among its components.
 Mixture build(const WaterOptions& options) {
@@ -74,9 +68,7 @@ void set_water(Mixture& mixture, double y) {
 }
 
 double water_fraction(const Mixture& mixture) {
-  for (std::size_t i = 0; i < mixture.z.size(); ++i)
-    if (is_water(mixture.components[i])) return mixture.z[i];
-  return 0.0;
+  return mixture.z[water_of(mixture)];  // build put it there
 }
 
 // What the rows of the command are made of.

@@ -61,12 +61,11 @@ void remember(Flash& f) {
 // Follows f.trial, carefully or not.
 bool follow(Flash& f, const Reference& ref, Kind kind, bool carefully) {
   f.trial.Z = 0.0;
-  f.trial.careful = carefully;
   Reference reference = ref;
   reference.known = f.incipient != nullptr ? f.incipient : f.lowest.w;
   reference.known_count =
       f.incipient != nullptr || (f.have_lowest && f.lowest.tm > 0.0 && f.how == Follow::quick) ? 1 : 0;
-  f.status = follow_trial(f.m, reference, kind, f.how, f.work, f.trial);
+  f.status = follow_trial(f.m, reference, kind, f.how, f.work, f.trial, carefully);
   f.came_back |= f.trial.end == TrialEnd::trivial;
   return f.status == KV_OK;
 }
@@ -74,16 +73,28 @@ bool follow(Flash& f, const Reference& ref, Kind kind, bool carefully) {
 // Where a substitution has led upwards, and past whatever lies there, the trial runs again with care.
 bool run_trial(Flash& f, const Reference& ref, Kind kind) {
   if (f.thorough() && began_before(f, kind)) return true;
-  std::copy_n(f.trial.log_w, f.m.ld, f.work.start);
+  std::copy_n(f.trial.log_w, f.m.ld, f.start);
   if (!follow(f, ref, kind, false)) return false;
   const bool again = f.trial.overshot && !f.m.free_water && !(f.trial.tm < kUnstable);
   remember(f);
   if (!again) return true;
-  std::copy_n(f.work.start, f.m.ld, f.trial.log_w);
+  std::copy_n(f.start, f.m.ld, f.trial.log_w);
   f.trial.current = false;
   if (!follow(f, ref, kind, true)) return false;
   remember(f);
   return true;
+}
+
+// The trial of a number (TrialNumber), from its start to its end.
+bool run_numbered(Flash& f, const Reference& ref, int number) {
+  return start_trial(f, ref, number) && run_trial(f, ref, trial_kind(f));
+}
+
+// What a test remembers, from nothing.
+void begin_test(Flash& f) {
+  f.have_lowest = f.came_back = false;
+  f.start_count = 0;
+  f.how = Follow::quick;
 }
 
 // Trials are followed strictly while this lives.
@@ -253,7 +264,7 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
 
 // Trials from Wilson's coefficients: a liquid z/K and a vapour z K. Both run, the lower one wins.
 bool wilson_trials(Flash& f, const Reference& ref) {
-  if (!start_trial(f, ref, kWilsonLiquid) || !run_trial(f, ref, trial_kind(f))) return false;
+  if (!run_numbered(f, ref, kWilsonLiquid)) return false;
   Reference lighter = ref;
   if (f.how == Follow::quick && (gas_beyond_doubt(f, f.it.z, f.feed_Z) || beside_gas(f)))
     lighter.gas_packing = kGasPacking;
@@ -349,9 +360,7 @@ bool evaluate_feed(Flash& f) {
 
 bool test_feed(Flash& f) {
   const Reference ref{f.it.z, f.d};
-  f.have_lowest = false;
-  f.start_count = 0;
-  f.how = Follow::quick;
+  begin_test(f);
   bool near_critical = false;
   if (!f.m.free_water && !dilute(f)) {
     f.m.counts.step = Step::curvature;
@@ -365,7 +374,7 @@ bool test_feed(Flash& f) {
   if (near_critical && !trials_along(f, ref)) return false;
   if (f.have_lowest && f.lowest.tm < kUnstable) return true;
   if (f.feed_kind == Kind::liquid && f.trial.end == TrialEnd::trivial) {
-    if (!start_trial(f, ref, kIdealGas) || !run_trial(f, ref, trial_kind(f))) return false;
+    if (!run_numbered(f, ref, kIdealGas)) return false;
   }
   if (!f.liquids_only() && !other_root_trial(f, ref, f.it.z, f.feed_Z)) return false;
   f.m.counts.step = Step::near_pure;
@@ -383,10 +392,7 @@ bool test_answer(Flash& f, bool& stable) {
     if (f.third.x != nullptr && f.third.x[i] > std::max(f.it.x[i], f.it.y[i]))
       f.answer_d[i] = support::fast_log(f.third.x[i]) + f.third.ln_phi[i];
   }
-  f.have_lowest = false;
-  f.start_count = 0;
-  f.how = Follow::quick;
-  f.came_back = false;
+  begin_test(f);
   stable = true;
   // The trials take the place of what the iteration has left.
   f.m.counts.step = Step::curvature;
@@ -398,14 +404,10 @@ bool test_answer(Flash& f, bool& stable) {
   const Reference plane{f.it.x, f.answer_d, f.it.y, nullptr, 0, f.third.x};
   const bool have_gas = kind_of(f, f.it.y, f.it.Zy) == Kind::gas || kind_of(f, f.it.x, f.it.Zx) == Kind::gas ||
                         (f.third.x != nullptr && kind_of(f, f.third.x, f.third.Z) == Kind::gas);
-  if (!start_trial(f, plane, kWilsonLiquid) || !run_trial(f, plane, trial_kind(f))) return false;
-  if ((!have_gas || f.thorough()) && !f.liquids_only() &&
-      (!start_trial(f, plane, kWilsonVapour) || !run_trial(f, plane, trial_kind(f))))
-    return false;
+  if (!run_numbered(f, plane, kWilsonLiquid)) return false;
+  if ((!have_gas || f.thorough()) && !f.liquids_only() && !run_numbered(f, plane, kWilsonVapour)) return false;
   // Wilson's vapour of a feed of two liquids may begin as a liquid itself.
-  if (!have_gas && !f.liquids_only() &&
-      (!start_trial(f, plane, kIdealGas) || !run_trial(f, plane, trial_kind(f))))
-    return false;
+  if (!have_gas && !f.liquids_only() && !run_numbered(f, plane, kIdealGas)) return false;
   f.m.counts.step = Step::answer_near_pure;
   if (!near_pure_trials(f, plane, have_gas)) return false;
   f.m.counts.step = Step::answer_trials;

@@ -44,6 +44,7 @@ struct Flash {
   double* tried = nullptr;      // [ld * kTried] compositions of trials that a split was tried from
   double* between = nullptr;    // [ld] composition that a trial starts from
   double* starts = nullptr;     // [ld * kStarts] ln W
+  double* start = nullptr;      // [ld] ln W that the trial which runs began with
   double feed_gibbs = 0.0;      // sum of z d
   double feed_Z = 0.0;
   Kind feed_kind = Kind::stable;

@@ -148,8 +148,7 @@ StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& 
   f.it.z = f.best.z = f.answer.z = z;
   f.two = {arena.zeros(ld),    arena.zeros(ld),    arena.zeros(ld),
            arena.take(square), arena.take(square), arena.take(square)};
-  f.work = {arena.zeros(ld), arena.zeros(ld), arena.zeros(ld), arena.zeros(ld),
-            f.two.dx,        f.two.system,    arena.zeros(ld)};
+  f.work = {arena.zeros(ld), arena.zeros(ld), arena.zeros(ld), arena.zeros(ld), f.two.dx, f.two.system};
   f.trial.log_w = arena.zeros(ld);
   f.trial.w = arena.zeros(ld);
   f.trial.ln_phi = arena.zeros(ld);
@@ -167,9 +166,17 @@ StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& 
   f.between = arena.zeros(ld);
   f.tried = arena.zeros(ld * kTried);
   f.starts = arena.take(ld * kStarts);
+  f.start = arena.take(ld);
   const StatusCode result = body(f);
   if (call.counts != nullptr) *call.counts = m.counts;
   return result;
+}
+
+// body(flash) with all that a flash works with.
+template <class Body>
+StatusCode run(const IsothermalCall& call, Body&& body) {
+  return support::with_arena<6, 132>(call.mixture->count,
+                                     [&](support::Arena& arena) { return with_flash(call, arena, body); });
 }
 
 }  // namespace
@@ -177,8 +184,7 @@ StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& 
 StatusCode isothermal_flash(const IsothermalCall& call) {
   if (call.free_water && call.mode == Mode::liquid_vapour && has_free_water(*call.mixture, call.z))
     return wet_flash(call);
-  return support::with_arena<6, 132>(call.mixture->count,
-                                     [&](support::Arena& arena) { return with_flash(call, arena, solve); });
+  return run(call, solve);
 }
 
 StatusCode feed_stability(const IsothermalCall& call, const Incipient& incipient, double& distance) {
@@ -197,8 +203,7 @@ StatusCode feed_stability(const IsothermalCall& call, const Incipient& incipient
     }
     return KV_OK;
   };
-  return support::with_arena<6, 132>(call.mixture->count,
-                                     [&](support::Arena& arena) { return with_flash(call, arena, body); });
+  return run(call, body);
 }
 
 StatusCode answer_stability(const IsothermalCall& call, double& distance) {
@@ -216,8 +221,7 @@ StatusCode answer_stability(const IsothermalCall& call, double& distance) {
     distance = f.have_lowest ? std::min(f.lowest.tm, 0.0) : 0.0;
     return KV_OK;
   };
-  return support::with_arena<6, 132>(call.mixture->count,
-                                     [&](support::Arena& arena) { return with_flash(call, arena, body); });
+  return run(call, body);
 }
 
 StatusCode phases_stability(const IsothermalCall& call, int count, const double* const* phases) {
@@ -240,8 +244,7 @@ StatusCode phases_stability(const IsothermalCall& call, int count, const double*
     if (!stable) report_third(f);
     return KV_OK;
   };
-  return support::with_arena<6, 132>(call.mixture->count,
-                                     [&](support::Arena& arena) { return with_flash(call, arena, body); });
+  return run(call, body);
 }
 
 }  // namespace kestrune::flash

@@ -139,8 +139,8 @@ bool is_known(const Reference& ref, const Model& m, double limit, const Trial& t
 
 }  // namespace
 
-StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work,
-                        Trial& t) {
+StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work, Trial& t,
+                        bool careful) {
   const bool quick = how == Follow::quick;
   ++m.counts.trials;
   t.end = TrialEnd::failed;
@@ -161,7 +161,7 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
     if (status != KV_OK) return status;
     const bool rose = k > 0 && t.tm > before + 1e-10 * (1.0 + std::fabs(before));
     t.overshot |= rose && substituted;
-    if (rose && substituted && t.careful) {
+    if (rose && substituted && careful) {
       std::copy_n(work.old_root, m.n, t.log_w);
       second_from = k + 1;
       stepped = substituted = false;

@@ -43,10 +43,9 @@ struct Trial {
   double sum = 0.0;          // sum of W
   double gradient2 = 0.0;    // sum of W r^2
   double Z = 0.0;
-  Evaluated at;          // by the built-in equation
-  bool current = false;  // all of this belongs to log_w
-  // Second-order steps from where a substitution leads upwards, asked for; and that one has led upwards.
-  bool careful = false, overshot = false;
+  Evaluated at;           // by the built-in equation
+  bool current = false;   // all of this belongs to log_w
+  bool overshot = false;  // a substitution has led upwards
   TrialEnd end = TrialEnd::failed;
 };
 
@@ -57,7 +56,6 @@ inline constexpr double kUnstable = -1e-10;
 struct TrialWork {
   double *r, *root, *step, *old_root;  // [ld]
   double *dn, *hessian;                // [ld * n]
-  double* start;                       // [ld] ln W that the trial began with, for its caller
 };
 
 // How far a trial is followed.
@@ -69,10 +67,11 @@ enum class Follow {
 
 /*
  * Follows a trial from trial.log_w: successive substitution, then second-order steps in 2 sqrt(W). kind as for
- * fugacity(). Returns the status of the fugacity routine.
+ * fugacity(). careful: second-order steps already from where a substitution leads upwards. Returns the status of the
+ * fugacity routine.
  */
 StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work,
-                        Trial& trial);
+                        Trial& trial, bool careful = false);
 
 // Lowest eigenvalue of the curvature of a phase that quick trials are good enough for.
 inline constexpr double kConvex = 0.1;

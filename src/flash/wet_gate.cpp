@@ -21,6 +21,7 @@ constexpr double kSameFluid = 1e-3;       // difference of two phases, without t
 constexpr double kWorthFollowing = 0.02;  // activity of a pure component from which on its trial is followed
 constexpr double kHardlyBoils = 1e-3;     // Wilson's coefficient
 constexpr double kGrows = 1e-8;           // ln of what a trial adds up to
+constexpr double kUsualLimit = 0.01;      // of solubility, where the record's leaves no hydrocarbon liquid
 constexpr double kMostWater = 0.9999;     // in a trial liquid, where the limit is no limit
 constexpr double kLargestLogW = 300.0;
 constexpr double kNone = -1e5;   // ln of the fugacity of a component that is absent
@@ -258,7 +259,6 @@ bool look_for_missing(Wet& f, Kind kind, const Known (&known)[2]) {
 }
 
 bool accept(Wet& f, bool& third) {
-  constexpr double kUsualLimit = 0.01;
   WetAnswer& a = f.answer;
   const int w = f.m.water;
   third = f.exchanged = false;
@@ -301,8 +301,8 @@ bool accept(Wet& f, bool& third) {
   if (!look_for_missing(f, Kind::liquid, known)) return false;
   // Beside a thin gas there is no lighter one.
   if (!(gas && loosely_packed(f, a.y, kThin * a.Zy)) && !look_for_missing(f, Kind::gas, known)) return false;
-  const bool cut = (f.liquid.found && f.liquid.ln_sum > std::max(kGrows, owed)) ||
-                   (f.vapour.found && f.vapour.ln_sum > std::max(kGrows, owed));
+  const auto missing = [&](const WetTrial& t) { return t.found && t.ln_sum > std::max(kGrows, owed); };
+  const bool cut = missing(f.liquid) || missing(f.vapour);
   third = cut && gas && oil;
   if (cut) return false;
   // A limit of 1 leaves no hydrocarbon liquid that the rules could name: what a usual limit has of one must not be
@@ -312,7 +312,7 @@ bool accept(Wet& f, bool& third) {
     f.m.solubility = {kUsualLimit, 0.0};
     const bool looked = look_for_missing(f, Kind::liquid, known);
     f.m.solubility = given;
-    if (!looked || (f.liquid.found && f.liquid.ln_sum > std::max(kGrows, owed))) return false;
+    if (!looked || missing(f.liquid)) return false;
   }
   return true;
 }

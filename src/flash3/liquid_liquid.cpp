@@ -73,12 +73,11 @@ bool split_water(const LiquidLiquidCall& c, const double* z) {
 // is one. It becomes the answer then.
 bool one_dry_liquid(const LiquidLiquidCall& c) {
   const int n = c.mixture->count;
-  return support::with_arena<0, 8>(n, [&](support::Arena& arena) {
-    double *const z = arena.take(n), *const dry = arena.take(n), *const K = arena.take(n);
-    double *const x = arena.zeros(n), *const y = arena.zeros(n);
+  return support::with_arena<0, 6>(n, [&](support::Arena& arena) {
+    double *const dry = arena.take(n), *const x = arena.zeros(n), *const y = arena.zeros(n);
+    double* const K = arena.take(n);
     double beta = 0.0;
-    flash::normalise_feed(n, c.z, z);
-    std::copy_n(z, n, dry);
+    std::copy_n(c.z, n, dry);
     dry[eos::find_water_family(*c.mixture)] = 0.0;
     if (!flash::normalise_feed(n, dry, dry)) return false;
     flash::IsothermalCall call{c.T, c.P, dry, c.mixture, c.routines, &beta, x, y, K};
@@ -86,8 +85,7 @@ bool one_dry_liquid(const LiquidLiquidCall& c) {
     call.start = flash::Start::cold;
     if (flash::isothermal_flash(call) != KV_SINGLE_PHASE) return false;
     *c.beta = 0.0;
-    std::copy_n(z, n, c.liquid1);
-    return true;
+    return flash::normalise_feed(n, c.z, c.liquid1);
   });
 }
 
