@@ -71,8 +71,7 @@ bool follow(Flash& f, const Reference& ref, Kind kind, bool carefully) {
 }
 
 // Where a substitution has led upwards, and past whatever lies there, the trial runs again with care.
-bool run_trial(Flash& f, const Reference& ref, Kind kind) {
-  if (f.thorough() && began_before(f, kind)) return true;
+bool run_to_end(Flash& f, const Reference& ref, Kind kind) {
   std::copy_n(f.trial.log_w, f.m.ld, f.start);
   if (!follow(f, ref, kind, false)) return false;
   const bool again = f.trial.overshot && !f.m.free_water && !(f.trial.tm < kUnstable);
@@ -83,6 +82,10 @@ bool run_trial(Flash& f, const Reference& ref, Kind kind) {
   if (!follow(f, ref, kind, true)) return false;
   remember(f);
   return true;
+}
+
+bool run_trial(Flash& f, const Reference& ref, Kind kind) {
+  return (f.thorough() && began_before(f, kind)) || run_to_end(f, ref, kind);
 }
 
 // The trial of a number (TrialNumber), from its start to its end.
@@ -272,7 +275,7 @@ bool wilson_trials(Flash& f, const Reference& ref) {
 }
 
 // Trials from the reference along the direction of lowest curvature, both ways: where a critical point is
-// close, what splits off differs from it in this direction.
+// close, what splits off differs from it in this direction, by little: no start is the same as another.
 bool trials_along(Flash& f, const Reference& ref) {
   const int n = f.m.n;
   for (const double sign : {1.0, -1.0}) {
@@ -281,7 +284,7 @@ bool trials_along(Flash& f, const Reference& ref) {
       const double next = std::max(root + sign * kAlong * f.direction[i], 0.1 * root);
       f.trial.log_w[i] = 2.0 * support::fast_log(next);
     }
-    if (!run_trial(f, ref, trial_kind(f))) return false;
+    if (!run_to_end(f, ref, trial_kind(f))) return false;
   }
   return true;
 }
