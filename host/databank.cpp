@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "error.hpp"
+#include "kestrune/records.h"
 #include "text.hpp"
 
 namespace kestrune::host {

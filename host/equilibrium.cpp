@@ -127,13 +127,23 @@ void add_phase(const Exports& library, const Mixture& mixture, PhaseKind kind, d
   state.phases.push_back(phase);
 }
 
+void add_volume_fractions(Equilibrium& state) {
+  double whole = 0.0;
+  for (const PhaseState& p : state.phases)
+    if (p.mole_fraction > 0.0) whole += p.mole_fraction * p.properties[Property::molar_volume];
+  for (PhaseState& p : state.phases)
+    p.volume_fraction =
+        p.mole_fraction > 0.0 ? p.mole_fraction * p.properties[Property::molar_volume] / whole : 0.0 * whole;
+  state.overall.volume_fraction = whole / whole;
+}
+
 void add_overall(const Exports& library, const Mixture& mixture, Equilibrium& state) {
   state.overall = {PhaseKind::overall, 1.0, 1.0, mixture.z, mixture.molar_mass, {}, false};
   PropertyValues& sums = state.overall.properties;
   const std::vector<Share> all = shares(library, mixture, state);
   if (all.size() == 1) {
     sums = all.front().properties;
-    return;
+    return add_volume_fractions(state);
   }
   for (const Property p :
        {Property::molar_volume, Property::enthalpy, Property::entropy, Property::free_enthalpy}) {
@@ -143,6 +153,7 @@ void add_overall(const Exports& library, const Mixture& mixture, Equilibrium& st
   if (std::isfinite(v)) {
     sums.set(Property::density, sums.status(Property::molar_volume), 1e-3 * mixture.molar_mass / v);
   }
+  add_volume_fractions(state);
 }
 
 bool has_one_root(const Exports& library, const Mixture& mixture, const PhaseState& phase, double T, double P) {
@@ -184,6 +195,14 @@ double Equilibrium::liquid_fraction(bool aqueous) const {
   double sum = 0.0;
   for (const PhaseState& p : phases) {
     if (!is_gas(p.kind) && p.aqueous == aqueous) sum += p.mole_fraction;
+  }
+  return sum;
+}
+
+double Equilibrium::liquid_volume() const {
+  double sum = 0.0;
+  for (const PhaseState& p : phases) {
+    if (!is_gas(p.kind)) sum += p.volume_fraction;
   }
   return sum;
 }
@@ -234,6 +253,7 @@ Equilibrium single_phase_at_TP(const Exports& library, const Mixture& mixture, P
   const double beta = kind == PhaseKind::vapour ? 1.0 : 0.0;
   Equilibrium s{Given::TP, {T, P}, T, P, false, KV_OK, beta, {}, {}, {}, T, {}, {}};
   add_phase(library, mixture, kind, 1.0, mixture.z, s);
+  s.phases.front().volume_fraction = 1.0;
   const PhaseState& phase = s.phases.front();
   const bool packed = is_packed(mixture, phase), gas = kind == PhaseKind::vapour;
   if (packed == gas && has_one_root(library, mixture, phase, T, P) &&

@@ -25,6 +25,7 @@ struct PhaseState {
   bool aqueous;  // see is_aqueous
   // Of a gas that holds water, and of a liquid rich in carbon dioxide: its water at saturation, by the balance of the command water; else NaN.
   double saturation = kNone;
+  double volume_fraction = kNone;  // of the whole; NaN where a phase has no volume (free water)
 };
 
 // The enthalpy or entropy of the coldest or the hottest state, beyond which the one that was asked for lies.
@@ -62,6 +63,7 @@ struct Equilibrium {
   bool iterate_left() const;
   const PhaseState* phase(PhaseKind kind) const;  // null when absent
   double liquid_fraction(bool aqueous) const;     // moles of the aqueous or of the other liquids
+  double liquid_volume() const;                   // volume of all liquids; NaN where a phase has none
   StatusCode first_failure() const;               // of this call, then of the properties; else 0
   bool extrapolated() const;                      // see PropertyValues
 };

@@ -125,6 +125,7 @@ int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err
     add_water_command(app, session);
     add_hydrate_command(app, session);
     add_envelope_command(app, session);
+    add_sales_command(app, session);
     add_document_commands(app, session);
     check_values(arguments);
     check_command(app, arguments);

@@ -24,7 +24,10 @@ constexpr Property kDerived[] = {Property::Cp,
                                  Property::viscosity,
                                  Property::conductivity,
                                  Property::normal_density,
-                                 Property::normal_volume};
+                                 Property::normal_volume,
+                                 Property::standard_density,
+                                 Property::standard_volume,
+                                 Property::standard_cubic_feet};
 
 struct PropsOptions {
   StateOptions states;

@@ -41,6 +41,7 @@ void add_kij_command(CLI::App& app, Session& session);
 void add_water_command(CLI::App& app, Session& session);
 void add_hydrate_command(CLI::App& app, Session& session);
 void add_envelope_command(CLI::App& app, Session& session);
+void add_sales_command(CLI::App& app, Session& session);
 void add_document_commands(CLI::App& app, Session& session);
 
 // ---- Options that several commands share ---------------------------------------------------------

@@ -52,6 +52,7 @@ ordered_json phase_json(const Mixture& m, const PhaseState& p) {
   ordered_json root{{"phase", phase_name(p.kind)},
                     {"mole_fraction", p.mole_fraction},
                     {"mass_fraction", p.mass_fraction},
+                    {"volume_fraction", p.volume_fraction},
                     {"molar_mass_g_mol", p.molar_mass},
                     {"property_status", values.first_failure()},
                     {"property_status_text", kv_status_text(values.first_failure())},
@@ -132,6 +133,7 @@ ordered_json state_json(const Mixture& m, const Equilibrium& s) {
   if (!s.flashed || !s.answered()) return root;
   root["overall"] = phase_json(m, s.overall);
   root["vapour_fraction"] = s.beta;
+  root["liquid_volume_fraction"] = s.liquid_volume();
   if (s.three) {
     add_three_phases(m, s, root);
     return root;
@@ -161,11 +163,12 @@ std::string phase_csv(const StateReport& r, const Equilibrium& s, const PhaseSta
     for (const auto limit : model_limits(r.mixture, p)) limits.emplace_back(limit);
   line += fmt::format(",{},{},{}", csv_field(joined(limits, "; ")),
                       std::isfinite(p.saturation) ? fmt::format("{}", p.saturation) : "", s.stable ? 1 : 0);
+  line += std::isfinite(p.volume_fraction) ? fmt::format(",{}", p.volume_fraction) : ",";
   for (const double x : p.x) line += fmt::format(",{}", x);
   return line;
 }
 
-constexpr std::size_t kColumnsBeforeX = 10 + kPropertyCount;
+constexpr std::size_t kColumnsBeforeX = 11 + kPropertyCount;
 
 std::string phase_headings(const StateReport& r) {
   std::string line = ",phase,mole_fraction,mass_fraction,molar_mass_g_mol";
@@ -173,7 +176,7 @@ std::string phase_headings(const StateReport& r) {
     line += "," + column_name(info.key, info.quantity, r.units[info.quantity]);
   line +=
       ",property_status,property_status_text,heat_capacity_extrapolated,model_limits,water_at_saturation,"
-      "stable";
+      "stable,volume_fraction";
   for (const Component& c : r.mixture.components) line += fmt::format(",x_{}", c.id);
   return line;
 }

@@ -26,7 +26,7 @@ void StateOptions::add_to(CLI::App& command) {
   command
       .add_option("--print", print,
                   "Only these numbers, one line per state, in the units of JSON: T, P, beta, dense, "
-                  "liquid, hydrocarbon, aqueous, M, H, S, G, Z, density or a key of JSON, by commas")
+                  "liquid, liquid_volume, hydrocarbon, aqueous, M, H, S, G, Z, density or a key of JSON, by commas")
       ->excludes(command.get_option("--format"));
 }
 

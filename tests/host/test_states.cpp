@@ -92,6 +92,12 @@ TEST(states, close_the_balances_and_sum_to_the_whole) {
         EXPECT_EQ(p[key].is_null(), p["phase"] != "vapour" && p["phase"] != "dense") << key;
     }
     EXPECT_NEAR(mass, 1.0, 1e-12);
+    for (const json& p : s["phases"])
+      if (!std::isnan(volume))
+        EXPECT_NEAR(p["volume_fraction"].get<double>() * volume,
+                    p["mass_fraction"].get<double>() / p["density_kg_m3"].get<double>(), 1e-12 * volume);
+      else
+        EXPECT_TRUE(p["volume_fraction"].is_null());
     const json whole = s["overall"]["density_kg_m3"];
     EXPECT_NEAR(std::isnan(volume) ? 1.0 : whole.get<double>() * volume, 1.0, 1e-12);
   }
