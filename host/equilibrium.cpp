@@ -78,13 +78,15 @@ void add_sum(Property property, const std::vector<Share>& all, PropertyValues& s
   if (std::isfinite(sum) || !has_value(status)) sums.set(property, status, sum);
 }
 
-// The library's flash: temperature, pressure, vapour fraction and compositions of the state.
-void solve(const Exports& library, Mixture& mixture, Equilibrium& s) {
-  constexpr std::int32_t cold_start = 1;
+// The library's flash: temperature, pressure, vapour fraction and compositions of the state. At a vapour fraction it
+// may go on from a start, whose compositions are in the state already.
+void solve(const Exports& library, Mixture& mixture, Equilibrium& s, const Equilibrium* start = nullptr) {
+  const std::int32_t cold_start = start == nullptr ? 1 : 0;
   const double *z = mixture.z.data(), first = s.values[0], second = s.values[1];
   double *x = s.x.data(), *y = s.y.data(), *K = s.K.data();
   MixtureRecord* record = &mixture.record;
-  double T = 0.0, atm = 0.0, of_liquid = 0.0, of_vapour = 0.0;
+  double T = start == nullptr ? 0.0 : start->T, atm = start == nullptr ? 0.0 : start->P / kAtmInPa;
+  double of_liquid = 0.0, of_vapour = 0.0;
   switch (s.given) {
     case Given::TP:
       s.T = T = first;
@@ -236,16 +238,33 @@ std::string phases_in_words(const Equilibrium& state) {
   return both && !state.three && state.stable ? "two-phase" : names;
 }
 
-Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double first, double second) {
-  const std::vector<double> none(mixture.z.size());
-  Equilibrium s{given, {first, second}, kNone, kNone, true, KV_OK, 0.0, none, none, none, kNone, {}, {}};
-  solve(library, mixture, s);
+namespace {
+
+// The phases of what the library has found.
+Equilibrium with_phases(const Exports& library, const Mixture& mixture, Equilibrium s) {
   if (!s.answered()) return s;
   if (s.beta > 0.0 || s.of_fraction()) add_phase(library, mixture, PhaseKind::vapour, s.beta, s.y, s);
   if (s.beta < 1.0 || s.of_fraction()) add_liquids(library, mixture, s);
   add_overall(library, mixture, s);
   rename_packed_gas(library, mixture, s);
   return s;
+}
+
+}  // namespace
+
+Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double first, double second) {
+  const std::vector<double> none(mixture.z.size());
+  Equilibrium s{given, {first, second}, kNone, kNone, true, KV_OK, 0.0, none, none, none, kNone, {}, {}};
+  solve(library, mixture, s);
+  return with_phases(library, mixture, s);
+}
+
+Equilibrium flash_from(const Exports& library, Mixture& mixture, Given given, double first, double second,
+                       const Equilibrium& start) {
+  Equilibrium s{given,   {first, second}, kNone,   kNone, true, KV_OK, 0.0,
+                start.x, start.y,         start.K, kNone, {},   {}};
+  solve(library, mixture, s, &start);
+  return with_phases(library, mixture, s);
 }
 
 Equilibrium single_phase_at_TP(const Exports& library, const Mixture& mixture, PhaseKind kind, double T,

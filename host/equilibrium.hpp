@@ -80,6 +80,10 @@ std::string phases_in_words(const Equilibrium& state);
 // quantities_of. The mixture has been handed over to the library.
 Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double first, double second);
 
+// The same flash at a vapour fraction from a warm start: a state with two phases close to the answer, whose branch it stays on.
+Equilibrium flash_from(const Exports& library, Mixture& mixture, Given given, double first, double second,
+                       const Equilibrium& start);
+
 // The same with up to three phases: vapour, hydrocarbon liquid and aqueous liquid (or free water), or two
 // liquids that are both hydrocarbon or both aqueous, the light and the heavy one.
 Equilibrium flash_of_three(const Exports& library, Mixture& mixture, Given given, double first, double second);

@@ -26,7 +26,8 @@ constexpr PropertyInfo kProperties[kPropertyCount] = {
     {Prop::conductivity, Q::conductivity, "thermal conductivity", "cond.", "thermal_conductivity_W_m_K"},
     {Prop::normal_density, Q::density, "normal density (0 C, 1 atm)", "normal", "normal_density_kg_m3"},
     {Prop::normal_volume, Q::ratio, "normal m3 in one m3", "Nm3/m3", "normal_m3_per_m3"},
-    {Prop::standard_density, Q::density, "standard density (15 C, 1 atm)", "standard", "standard_density_kg_m3"},
+    {Prop::standard_density, Q::density, "standard density (15 C, 1 atm)", "standard",
+     "standard_density_kg_m3"},
     {Prop::standard_volume, Q::ratio, "standard m3 (15 C) in one m3", "Sm3/m3", "standard_m3_per_m3"},
     {Prop::standard_cubic_feet, Q::ratio, "scf (60 F) in one ft3", "scf/ft3", "scf_per_ft3"}};
 

@@ -7,6 +7,7 @@
 
 #include "error.hpp"
 #include "text.hpp"
+#include "units.hpp"
 
 namespace kestrune::host {
 

@@ -61,8 +61,7 @@ constexpr Unit kCompressibilities[] = {{"1/bar", 1e-5}, {"1/Pa", 1.0}, {"1/psi",
 constexpr double kGas = 8.314462618;  // J/(mol K)
 constexpr double kMolPerNm3 = kAtmInPa / (kGas * kZeroCelsius);
 constexpr double kMolPerSm3 = kAtmInPa / (kGas * kStandardT);
-constexpr double kMolPerMMscf =
-    kStandardFootP * 1e6 * kCubicFoot / (kGas * kStandardFootT);
+constexpr double kMolPerMMscf = kStandardFootP * 1e6 * kCubicFoot / (kGas * kStandardFootT);
 constexpr Unit kWaterContents[] = {{"mol/mol", 1.0},
                                    {"mol/mol", 1.0},
                                    {"mol/mol", 1.0},

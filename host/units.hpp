@@ -17,9 +17,9 @@ inline constexpr double kZeroFahrenheit = 459.67;  // R
 inline constexpr double kCalInJ = 4.184;
 
 // Standard states of a gas: ISO 13443 for the cubic metre, at 1 atm, and that of the standard cubic foot.
-inline constexpr double kStandardT = kZeroCelsius + 15.0;                    // K
-inline constexpr double kStandardFootT = (kZeroFahrenheit + 60.0) * 5 / 9;   // K
-inline constexpr double kStandardFootP = 14.696 * kPsiInPa;                  // Pa
+inline constexpr double kStandardT = kZeroCelsius + 15.0;                   // K
+inline constexpr double kStandardFootT = (kZeroFahrenheit + 60.0) * 5 / 9;  // K
+inline constexpr double kStandardFootP = 14.696 * kPsiInPa;                 // Pa
 
 // The value of what does not exist; shown as "-".
 inline constexpr double kNone = std::numeric_limits<double>::quiet_NaN();

@@ -23,6 +23,8 @@ constexpr struct {
                    {"-H", "--enthalpy", Quantity::enthalpy},
                    {"-S", "--entropy", Quantity::entropy},
                    {"--water", "--water", Quantity::water_content},
+                   {"--to", "--to", Quantity::pressure},
+                   {"--cool", "--cool", Quantity::temperature},
                    {"--from-P", "--from-P", Quantity::pressure},
                    {"--max-P", "--max-P", Quantity::pressure},
                    {"--min-T", "--min-T", Quantity::temperature},
@@ -126,6 +128,8 @@ int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err
     add_hydrate_command(app, session);
     add_envelope_command(app, session);
     add_sales_command(app, session);
+    add_pure_command(app, session);
+    add_machine_commands(app, session);
     add_document_commands(app, session);
     check_values(arguments);
     check_command(app, arguments);

@@ -42,6 +42,8 @@ void add_water_command(CLI::App& app, Session& session);
 void add_hydrate_command(CLI::App& app, Session& session);
 void add_envelope_command(CLI::App& app, Session& session);
 void add_sales_command(CLI::App& app, Session& session);
+void add_pure_command(CLI::App& app, Session& session);
+void add_machine_commands(CLI::App& app, Session& session);
 void add_document_commands(CLI::App& app, Session& session);
 
 // ---- Options that several commands share ---------------------------------------------------------

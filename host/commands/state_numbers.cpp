@@ -68,10 +68,11 @@ double number(const Equilibrium& s, const std::string& name) {
 void check_number_names(const std::vector<std::string>& names) {
   for (const std::string& name : names) {
     if (find_state_number(name) != nullptr || find_property(name) != nullptr) continue;
-    throw InputError(fmt::format(
-        "unknown number \"{}\": print T, P, beta, dense, liquid, liquid_volume, hydrocarbon, aqueous, M, H, S, G, Z, density "
-        "or a key of the JSON output such as molar_volume_m3_mol",
-        name));
+    throw InputError(
+        fmt::format("unknown number \"{}\": print T, P, beta, dense, liquid, liquid_volume, hydrocarbon, "
+                    "aqueous, M, H, S, G, Z, density "
+                    "or a key of the JSON output such as molar_volume_m3_mol",
+                    name));
   }
 }
 
