@@ -83,7 +83,9 @@ void refuse_more_than_a_name(std::string_view name) {
   std::string advice = fmt::format("write {} for that component", known);
   if (rest == "+" || rest == "-")
     advice = fmt::format(
-        "a fraction of several components is written as these, or as one that stands for it ({})", known);
+        "a fraction of several components is described by --fraction \"name={}, M=..., SG=...\" or [fraction {}] in a file, "
+        "or written as one that stands for it ({})",
+        whole, whole, known);
   else if (rest == "=")
     advice = fmt::format("write ethylene, propylene or 1-butene for an alkene, {} for that component", known);
   throw InputError(
@@ -111,7 +113,7 @@ std::string word_too_many(const std::string& key) {
     if (found.size() != 1) continue;
     if (word != "plus") return fmt::format(", write {}, which may be in any phase", found.front()->name);
     return fmt::format(
-        ", a fraction of several components is written as these, or as one that stands for it ({})",
+        ", a fraction of several components is described by --fraction, or written as one that stands for it ({})",
         found.front()->name);
   }
   return "";

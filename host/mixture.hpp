@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "composition.hpp"
+#include "constant_kij.hpp"
 #include "databank.hpp"
 #include "library.hpp"
 
@@ -31,7 +32,8 @@ struct Mixture {
   std::vector<double> table;  // [43 * count], see ComponentTable
   MixtureRecord record;
 
-  std::vector<int> groups;           // groups that occur, index from 1, ascending
+  std::vector<int> groups;           // groups that occur, index from 1, ascending; 0: of the constant k_ij
+  std::size_t own_groups = 0;        // of the molecules, in front of those of the constant k_ij
   std::vector<std::int32_t> counts;  // [nG * nC], group fastest
   std::vector<double> A, B;          // [nG * nG], MPa, column-major
   std::vector<double> A_atm, B_atm, fractions, ratio, differences;
@@ -39,6 +41,8 @@ struct Mixture {
 
   std::vector<MissingPair> missing;  // pairs whose interaction counts as zero
   std::vector<int> uncovered;        // components without any groups, indices from 0
+  std::vector<ConstantPair> constants;  // pairs with a constant k_ij
+  std::vector<std::string> notes;       // on components of the user's own and fractions, a sentence each
 
   Mixture() = default;
   Mixture(const Mixture&) = delete;  // record and storage hold addresses of the vectors

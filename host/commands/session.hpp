@@ -45,9 +45,10 @@ void add_document_commands(CLI::App& app, Session& session);
 
 // ---- Options that several commands share ---------------------------------------------------------
 
-// -m, --z, --basis, --set: which mixture.
+// -m, --z, --component, --fraction, --analysis, --column, --basis, --set: which mixture.
 struct MixtureOptions {
-  std::string file, inline_text, basis, set = "2022";
+  std::string file, inline_text, basis, set = "2022", analysis, column;
+  std::vector<std::string> own, fractions;
 
   void add_to(CLI::App& command);
   Composition composition() const;
