@@ -433,6 +433,12 @@ std::string text_of_file(const std::string& path) {
   return text;
 }
 
+std::vector<std::string> analyses_of_file(const std::string& path) {
+  Composition definitions;
+  const std::string text = text_of_file(path);
+  return analyses_in(read_sections(text, definitions), definitions);
+}
+
 void read_composition_file(const std::string& path, Composition& composition, const ReadOptions& options) {
   try {
     read_text(text_of_file(path), composition, options);

@@ -65,6 +65,9 @@ void read_text(std::string_view text, Composition& composition, const ReadOption
 // The text of a file, "-" reads standard input; without the byte order mark, and in UTF-8 where it is in UTF-16.
 std::string text_of_file(const std::string& path);
 
+// Names of the compositions of a table with one a row; none for any other file.
+std::vector<std::string> analyses_of_file(const std::string& path);
+
 // Reads a file into a composition, which may hold definitions.
 void read_composition_file(const std::string& path, Composition& composition, const ReadOptions& options = {});
 

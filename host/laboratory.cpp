@@ -223,7 +223,7 @@ void read_rows(const Sheet& sheet, const Heading& h, double whole, Composition& 
       if (!amount)
         throw InputError(fmt::format("\"{}\" of {} is not an amount: write a number{}", cell, name.empty() ? "a row without a name" : name,
                                      sheet.separator == ',' ? " with a decimal point" : ""));
-      composition.add(without_unit(name), *amount);
+      composition.add(without_unit(name), *amount / whole);
       sum += *amount;
     } catch (const InputError& e) {
       throw InputError(fmt::format("line {}: {}", row.line, e.what()));
@@ -291,14 +291,14 @@ const Analysis& chosen(const Analyses& all, const std::string& wanted) {
   if (found.size() > 1)
     throw InputError(fmt::format("{} analyses are called \"{}\": take them by number, 1 to {}", found.size(), wanted, all.list.size()));
   if (found.size() == 1) return *found.front();
-  const auto number = parse_number(wanted);
+  const auto number = parse_number(wanted.substr(wanted.rfind('#', 0) == 0 ? 1 : 0));  // "#2" is always a number
   if (number && *number >= 1.0 && *number <= static_cast<double>(all.list.size()) && *number == std::floor(*number))
     return all.list[static_cast<std::size_t>(*number) - 1];
   std::vector<std::string> names;
   for (std::size_t k = 0; k < all.list.size() && k < 12; ++k) names.push_back(all.list[k].name);
   if (all.list.size() > 12) names.emplace_back("...");
-  throw InputError(fmt::format("{}: it holds {} analyses, {}; choose one with --analysis NAME or its number, or --analysis all",
-                               wanted.empty() ? "which analysis?" : fmt::format("no analysis \"{}\"", wanted), all.list.size(),
+  throw InputError(fmt::format("{}: the table holds {} analyses, {}; choose one with --analysis NAME or its number, or --analysis all",
+                               wanted.empty() ? "which analysis" : fmt::format("no analysis \"{}\"", wanted), all.list.size(),
                                joined(names, ", ")));
 }
 
@@ -306,6 +306,9 @@ void read_analysis(const Sheet& sheet, const Analyses& all, const std::string& w
   const Analysis& analysis = chosen(all, wanted);
   const Row &heading = sheet.rows[all.heading], &row = sheet.rows[analysis.row];
   if (composition.title.empty()) composition.title = analysis.name;
+  // One heading in percent is enough: laboratories name the unit where the first component stands.
+  const bool percent = std::any_of(all.columns.begin(), all.columns.end(), [&](std::size_t c) { return in_percent(heading.cells[c]); });
+  const double whole = percent ? 100.0 : 1.0;
   for (const std::size_t c : all.columns) {
     const std::string cell = c < row.cells.size() ? row.cells[c] : "";
     const std::string name = without_unit(heading.cells[c]);
@@ -315,9 +318,9 @@ void read_analysis(const Sheet& sheet, const Analyses& all, const std::string& w
         composition.add(name, 0.0);
         continue;
       }
-      const auto amount = amount_of(cell, sheet, in_percent(heading.cells[c]) ? 100.0 : 1.0);
+      const auto amount = amount_of(cell, sheet, whole);
       if (!amount) throw InputError(fmt::format("\"{}\" of {} is not an amount", cell, name));
-      composition.add(name, *amount);
+      composition.add(name, *amount / whole);
     } catch (const InputError& e) {
       throw InputError(fmt::format("line {}: {}", row.line, e.what()));
     }
@@ -326,7 +329,7 @@ void read_analysis(const Sheet& sheet, const Analyses& all, const std::string& w
     if (!is_total(heading.cells[c])) continue;
     double sum = 0.0;
     for (const double a : composition.amounts) sum += a;
-    if (const auto total = amount_of(row.cells[c], sheet, 1.0)) check_total(row, *total, sum);
+    if (const auto total = amount_of(row.cells[c], sheet, whole)) check_total(row, *total, sum * whole);
   }
 }
 
