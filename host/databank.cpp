@@ -182,9 +182,12 @@ std::string_view group_name(int group) {
 
 std::string groups_in_words(const Component& component) {
   std::vector<std::string> pieces;
+  int total = 0;
+  for (int k = 0; k < component.group_count; ++k) total += component.groups[static_cast<std::size_t>(k)].count;
   for (int k = 0; k < component.group_count; ++k) {
     const GroupCount& g = component.groups[static_cast<std::size_t>(k)];
-    pieces.push_back(fmt::format("{} {}", g.count, group_name(g.group)));
+    pieces.push_back(total > 1000 ? fmt::format("{:.1f} % {}", 100.0 * g.count / total, group_name(g.group))
+                                  : fmt::format("{} {}", g.count, group_name(g.group)));
   }
   return pieces.empty() ? "none" : joined(pieces, " + ");
 }

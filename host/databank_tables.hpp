@@ -31,7 +31,7 @@ struct Component {
   double molar_mass = 0.0;            // g/mol
   double Tc = 0.0;                    // K
   double Pc = 0.0;                    // Pa
-  double omega = 0.0;                 // acentric factor
+  double omega = 0.0;                 // acentric factor; NaN: not known
   double Vc = 0.0;                    // cm3/mol
   double Zc = 0.0;                    //
   double Tb = 0.0;                    // normal boiling point, K
@@ -41,7 +41,7 @@ struct Component {
   double family = 0.0;                // 20 = water
   int group_count = 0;                // 0: the molecule has no PPR78 groups
   std::array<GroupCount, kMaxGroupsPerComponent> groups{};
-  HeatCapacity own_cp{};  // of a component that the pure-component library does not know
+  HeatCapacity own_cp{};  // handed over with the mixture: the pure-component library lacks the gas viscosity, or all
   std::string fraction{};  // name of the fraction that this is a piece of
 };
 

@@ -115,7 +115,7 @@ void fill_table(Mixture& m) {
     set(KV_COL_DIPOLE, c.dipole);
     set(KV_COL_TMIN_PSAT, c.Tmin_vapour_pressure);
     set(KV_COL_FAMILY, c.family);
-    set(KV_COL_CAS, c.cas_number);
+    set(KV_COL_CAS, c.own_cp.Tmax > 0.0 ? 0.0 : c.cas_number);
     for (std::size_t k = 0; k < c.own_cp.c.size(); ++k) set(KV_COL_CP_A + static_cast<int>(k), c.own_cp.c[k]);
     set(KV_COL_CP_TMIN, c.own_cp.Tmin);
     set(KV_COL_CP_TMAX, c.own_cp.Tmax);
@@ -222,6 +222,9 @@ Mixture build_mixture(const Composition& composition, const InteractionSet& set)
   whole.basis = composition.basis;
   const std::vector<int> definition_of = expand(composition, whole, m.notes);
   m.components = whole.components;
+  for (const Component& c : m.components)
+    if (!std::isfinite(c.omega))
+      throw InputError(fmt::format("{} has no acentric factor in the databank: it stands there for its data alone", c.name));
   m.basis = whole.basis;
   fill_fractions(whole, m);
   fill_constants(composition, definition_of, m);
@@ -246,6 +249,23 @@ double share_of(const Mixture& mixture, const std::vector<double>& x,
     if (std::find(cas_numbers.begin(), cas_numbers.end(), cas) != cas_numbers.end()) share += x[i];
   }
   return share;
+}
+
+double FractionPieces::sum(const std::vector<double>& x) const {
+  double total = 0.0;
+  for (const std::size_t i : pieces) total += x[i];
+  return total;
+}
+
+std::vector<FractionPieces> fractions_in(const Mixture& mixture) {
+  std::vector<FractionPieces> found;
+  for (std::size_t i = 0; i < mixture.components.size(); ++i) {
+    const std::string& name = mixture.components[i].fraction;
+    if (name.empty() || mixture.components[i].name == name) continue;
+    if (found.empty() || found.back().name != name) found.push_back({name, {}});
+    found.back().pieces.push_back(i);
+  }
+  return found;
 }
 
 void Mixture::hand_over(const Exports& library) {

@@ -67,6 +67,15 @@ inline double share_of(const Mixture& mixture, const std::vector<double>& x, std
   return share_of(mixture, x, {&cas_number, 1});
 }
 
+// The fractions of more than one piece and the indices of these, in the order of the components.
+struct FractionPieces {
+  std::string name;
+  std::vector<std::size_t> pieces;
+
+  double sum(const std::vector<double>& x) const;
+};
+std::vector<FractionPieces> fractions_in(const Mixture& mixture);
+
 // Builds everything but the converted buffers. InputError without components or with all amounts zero.
 Mixture build_mixture(const Composition& composition, const InteractionSet& set);
 

@@ -109,16 +109,11 @@ double gravity_of_cut(double M, double Cf) {
   return 0.2855 + Cf * std::pow(M - 66.0, 0.13);
 }
 
-HeatCapacity petroleum_heat_capacity(double M, double Kw, double omega) {
-  // J/(g K). The correction counts between the aromatic and the paraffinic end of the Watson factors.
-  const double correction =
-      Kw > 10.0 && Kw < 12.8 ? square((12.8 - Kw) * (10.0 - Kw) / (10.0 * omega)) : 0.0;
+HeatCapacity petroleum_heat_capacity(double M, double Kw) {
+  // J/(g K). The correction of the source for Watson factors between 10 and 12.8 is left out: with it the cyclic
+  // hydrocarbons of the databank from C6 on are off by 26 % at most, without it by 17 %.
   const double A0 = -1.41779 + 0.11828 * Kw, A1 = -(6.99724 - 8.69326 * Kw + 0.27715 * Kw * Kw) * 1e-4;
-  const double B0 = 1.09223 - 2.48245 * omega, B1 = -(3.434 - 7.14 * omega) * 1e-3;
-  const double A2 = -2.2582e-6, B2 = -(7.2661 - 9.2561 * omega) * 1e-7;
-  return {{M * (A0 - correction * B0), M * (A1 - correction * B1), M * (A2 - correction * B2), 0.0, 0.0},
-          255.0,
-          922.0};
+  return {{M * A0, M * A1, M * -2.2582e-6, 0.0, 0.0}, 255.0, 922.0};
 }
 
 ClassShares class_shares(double M, double Tb, double SG) {

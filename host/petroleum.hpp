@@ -50,8 +50,8 @@ double gravity_of(double Tb, double Tc);
 // Specific gravity of a cut of a fraction with the factor Cf (0.27 to 0.31 for most). [Sor89]
 double gravity_of_cut(double M, double Cf);
 
-// Ideal-gas heat capacity of a hydrocarbon. [Kes76], as given in [Ria05] for 255 to 922 K.
-HeatCapacity petroleum_heat_capacity(double M, double Kw, double omega);
+// Ideal-gas heat capacity of a hydrocarbon from C6 on, its main term. [Kes76], as given in [Ria05] for 255 to 922 K.
+HeatCapacity petroleum_heat_capacity(double M, double Kw);
 
 // Shares of paraffins, naphthenes and aromatics, sum 1. [Ria05] from specific gravity and refractive index up to M 200,
 // from refractivity intercept and carbon-to-hydrogen ratio above; the refractive index by [Ria80].

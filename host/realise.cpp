@@ -126,7 +126,7 @@ Realised one_component(const Definition& d, const std::string& library_path) {
     if (SG == 0.0)
       refuse(d, "its ideal-gas heat capacity cannot be estimated (the estimate is for hydrocarbons): give Cp = A, B, ... in J/(mol K)");
     Kw = watson_factor(load_petroleum_tools(library_path), Tb, SG);
-    c.own_cp = petroleum_heat_capacity(*d.M, Kw, c.omega);
+    c.own_cp = petroleum_heat_capacity(*d.M, Kw);
     notes.push_back(fmt::format("{}: ideal-gas heat capacity estimated by Kesler and Lee (1976) for hydrocarbons, Watson factor {:.2f}",
                                 d.name, Kw));
   }
@@ -161,7 +161,7 @@ Realised realise(const Definition& d, const std::string& library_path) {
     if (!(c.Tc > cut.Tb) || !(c.Pc > 0.0) || !std::isfinite(c.omega) || std::abs(c.omega) > 3.0)
       refuse(d, fmt::format("the correlation {} has no constants for its piece of {:.1f} g/mol; take another, or fewer pieces",
                             correlation_name(correlation), cut.M));
-    c.own_cp = petroleum_heat_capacity(cut.M, Kw, c.omega);
+    c.own_cp = petroleum_heat_capacity(cut.M, Kw);
     Definition piece = d;
     if (piece.structure == Structure::none) piece.structure = Structure::classes;
     set_structure(piece, cut.M, cut.Tb, cut.SG, c, result.notes);

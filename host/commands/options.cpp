@@ -45,16 +45,20 @@ void apply_setting(const std::string& text, MixtureRecord& record) {
 
 }  // namespace
 
-void MixtureOptions::add_to(CLI::App& command) {
-  command.add_option("-m,--mixture", file, "Mixture file: JSON, text, or a laboratory's table (- for standard input)");
-  command.add_option("--z", inline_text,
-                     "Components and amounts: methane=0.9,ethane=0.1; replaces those of the file");
+void add_definition_options(CLI::App& command, std::vector<std::string>& own, std::vector<std::string>& fractions) {
   const auto repeated = [&](const char* name, std::vector<std::string>& texts, const char* help) {
     command.add_option(name, texts, help)->allow_extra_args(false)->type_size(1)->expected(1, 1000)->take_all();
   };
   repeated("--component", own,
            "A component of your own: \"name=cut, M=142, Tc=617.7 K, Pc=21.1 bar, omega=0.49, groups=CH3:2 CH2:8\"");
   repeated("--fraction", fractions, "A fraction to be split: \"name=C7+, M=218, SG=0.8515\"");
+}
+
+void MixtureOptions::add_to(CLI::App& command) {
+  command.add_option("-m,--mixture", file, "Mixture file: JSON, text, or a laboratory's table (- for standard input)");
+  command.add_option("--z", inline_text,
+                     "Components and amounts: methane=0.9,ethane=0.1; replaces those of the file");
+  add_definition_options(command, own, fractions);
   command.add_option("--analysis", analysis, "Of a file with one composition a row: its name, its number, or all");
   command.add_option("--column", column, "Heading of the column with the amounts, where there are several");
   command.add_option("--basis", basis, "What the amounts are: mole (default) or mass");

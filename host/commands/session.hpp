@@ -50,6 +50,9 @@ void add_document_commands(CLI::App& app, Session& session);
 
 // ---- Options that several commands share ---------------------------------------------------------
 
+// --component, --fraction: texts of parse_definition.
+void add_definition_options(CLI::App& command, std::vector<std::string>& own, std::vector<std::string>& fractions);
+
 // -m, --z, --component, --fraction, --analysis, --column, --basis, --set: which mixture.
 struct MixtureOptions {
   std::string file, inline_text, basis, set = "2022", analysis, column;
