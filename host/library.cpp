@@ -217,4 +217,13 @@ PureExports load_pure_library(const std::string& library_path) {
   return exports;
 }
 
+PetroleumTools load_petroleum_tools(const std::string& library_path) {
+  void* handle = open_sibling(library_path, kToolsName, {std::begin(kTools), std::end(kTools)});
+  PetroleumTools tools;
+  tools.CalcKUOP = reinterpret_cast<decltype(tools.CalcKUOP)>(find_symbol(handle, "CalcKUOP"));
+  tools.CalcSG = reinterpret_cast<decltype(tools.CalcSG)>(find_symbol(handle, "CalcSG"));
+  tools.MeABP = reinterpret_cast<decltype(tools.MeABP)>(find_symbol(handle, "MeABP"));
+  return tools;
+}
+
 }  // namespace kestrune::host

@@ -109,6 +109,13 @@ void print_composition(const StateReport& r, const Equilibrium& s, std::ostream&
     }
     table.add(row);
   }
+  for (const FractionPieces& fraction : fractions_in(r.mixture)) {  // lumped again
+    std::vector<std::string> row{fraction.name + ", all pieces", shown_fraction(fraction.sum(r.mixture.z))};
+    for (std::size_t p = 0; p < columns; ++p) row.push_back(shown_fraction(fraction.sum(s.phases[p].x)));
+    for (const PhaseState* divisor : divisors)
+      row.push_back(shown_digits(fraction.sum(s.phases[0].x) / fraction.sum(divisor->x), 5));
+    table.add(row);
+  }
   table.print(out);
 }
 

@@ -133,6 +133,7 @@ int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err
     add_document_commands(app, session);
     check_values(arguments);
     check_command(app, arguments);
+    if (asks_for_all(arguments)) return written(session, run_all(arguments, out, err, exports));
     return written(session, parse(app, session, with_units_joined(arguments)));
   } catch (const InputError& e) {
     err << "kestrune: " << e.what() << '\n';

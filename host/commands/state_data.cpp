@@ -20,6 +20,29 @@ ordered_json by_component(const Mixture& m, const std::vector<double>& values) {
   return result;
 }
 
+// The fractions lumped again; null when there are none.
+ordered_json lumped(const Mixture& m, const std::vector<double>& values) {
+  ordered_json result;
+  for (const FractionPieces& fraction : fractions_in(m)) result[fraction.name] = fraction.sum(values);
+  return result;
+}
+
+// Constants of the user's own components and of the pieces of fractions.
+ordered_json own_components(const Mixture& m) {
+  ordered_json all = ordered_json::array();
+  for (const Component& c : m.components) {
+    if (c.number > 0) continue;
+    all.push_back({{"name", c.name},
+                   {"molar_mass_g_mol", c.molar_mass},
+                   {"Tc_K", c.Tc},
+                   {"Pc_Pa", c.Pc},
+                   {"acentric_factor", c.omega},
+                   {"groups", groups_in_words(c)}});
+    if (!c.fraction.empty()) all.back()["fraction"] = c.fraction;
+  }
+  return all;
+}
+
 ordered_json mixture_json(const Mixture& m) {
   ordered_json root;
   if (!m.title.empty()) root["name"] = m.title;
@@ -28,6 +51,8 @@ ordered_json mixture_json(const Mixture& m) {
   root["sum_given"] = m.given_sum;
   root["molar_mass_g_mol"] = m.molar_mass;
   root["mole_fractions"] = by_component(m, m.z);
+  if (const ordered_json sums = lumped(m, m.z); !sums.is_null()) root["fractions"] = sums;
+  if (const ordered_json own = own_components(m); !own.empty()) root["own_components"] = own;
   root["missing_group_interactions"] = missing_in_words(m);
   return root;
 }
@@ -68,6 +93,7 @@ ordered_json phase_json(const Mixture& m, const PhaseState& p) {
   }
   if (!missing.empty()) root["missing_properties"] = missing;
   root["composition"] = by_component(m, p.x);
+  if (const ordered_json sums = lumped(m, p.x); !sums.is_null()) root["fractions"] = sums;
   return root;
 }
 
