@@ -5,6 +5,7 @@
 
 #include "kij.hpp"
 #include "mixture.hpp"
+#include "units.hpp"
 
 namespace kestrune::host {
 
