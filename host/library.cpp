@@ -60,6 +60,12 @@ void* open_installed(const char* name) {
   return reinterpret_cast<void*>(handle);
 }
 
+// The library asks for its own folder last.
+void* open_sibling(const std::string& folder, const char* name, std::string& reason) {
+  void* handle = open_installed(name);
+  return handle != nullptr ? handle : open_file(folder + name, reason);
+}
+
 constexpr const char* kFileName = "KVGasThermo.dll";
 constexpr const char* kPureName = "KVCmpdPureLite.dll";
 constexpr const char* kToolsName = "KVToolsLite.dll";
@@ -89,6 +95,12 @@ void* find_symbol(void* handle, const char* name) {
 
 void* open_installed(const char* name) {
   return dlopen(name, RTLD_NOW | RTLD_LOCAL);
+}
+
+// The library asks for its own folder first.
+void* open_sibling(const std::string& folder, const char* name, std::string& reason) {
+  void* handle = open_file(folder + name, reason);
+  return handle != nullptr ? handle : open_installed(name);
 }
 
 constexpr const char* kFileName = "libKVGasThermo.so";
@@ -149,14 +161,13 @@ std::vector<std::string> exports_of_pure() {
   return names;
 }
 
-// A sibling that the library needs, looked for as it does: in its own folder, where an installation has it, by its bare
-// name. It cannot go on without it or its exports, and says so by ending the program.
+// A sibling that the library needs, looked for where the library will: in its own folder, where an installation has it,
+// by its bare name. It cannot go on without it or its exports, and says so by ending the program.
 void check_sibling(const std::string& library, const char* name, const std::vector<std::string>& exports) {
   const std::size_t slash = library.find_last_of(kSeparators);
   const std::string folder = slash == std::string::npos ? std::string() : library.substr(0, slash + 1);
   std::string reason;
-  void* handle = open_file(folder + name, reason);
-  if (handle == nullptr) handle = open_installed(name);
+  void* handle = open_sibling(folder, name, reason);
   if (handle == nullptr)
     throw InputError(fmt::format("{} needs {}, which cannot be loaded ({}). It belongs into the same folder",
                                  library, name, reason));

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Installs what the build and the tests need on Debian 12: compilers, test libraries, and Wine for 32-bit
-# programs. Does nothing, and says so, when everything is there. Needs root only where something is missing.
+# Installs what the build and the tests need on Debian 12: compilers (also of the languages of examples/), test
+# libraries, what makes packages, and Wine for 32- and 64-bit programs. Does nothing, and says so, when everything is there. Needs root only where something is missing.
 #
 #   sh scripts/setup.sh
 set -u
@@ -11,9 +11,10 @@ mkdir -p "$repo/build/logs"
 export DEBIAN_FRONTEND=noninteractive
 
 required="cmake ninja-build g++ g++-mingw-w64-i686-posix libgtest-dev googletest libbenchmark-dev
-  libcli11-dev nlohmann-json3-dev libfmt-dev python3"
+  libcli11-dev nlohmann-json3-dev libfmt-dev python3 g++-mingw-w64-x86-64-posix gfortran fp-compiler
+  mono-mcs mono-runtime pkgconf dpkg-dev lintian zip unzip"
 optional="clang-format gnuplot-nox clang"
-wine="wine wine32:i386"
+wine="wine wine32:i386 wine64"
 
 # The packages of "$@" that are not installed, on one line.
 missing() {
