@@ -8,7 +8,7 @@ definition file of the DLL, and the bindings for Python, Fortran, Pascal, C# and
 import pathlib
 import sys
 
-from bindings import c, csharp, fortran, model, pascal, python, vba
+from bindings import c, csharp, fortran, gas, model, pascal, python, vba
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 TEMPLATES = ROOT / "tools/bindings/templates"
@@ -36,11 +36,22 @@ def wanted(d):
     }
 
 
+# The examples with the gas that stands in them.
+EXAMPLES = {"examples/c/rich_gas.c": gas.c, "examples/cpp/rich_gas.cpp": gas.c, "examples/python/rich_gas.py": gas.python,
+            "examples/fortran/rich_gas.f90": gas.fortran, "examples/pascal/rich_gas.pas": gas.pascal,
+            "examples/csharp/RichGas.cs": gas.csharp, "examples/vba/RichGas.bas": gas.vba}
+
+
+def examples():
+    rich = gas.Gas(ROOT, gas.RICH_GAS)
+    return {path: gas.put((ROOT / path).read_text(encoding="utf-8"), lines(rich)) for path, lines in EXAMPLES.items()}
+
+
 def main(argv):
     if argv[1:] not in ([], ["--check"]):
         sys.exit(__doc__)
     try:
-        texts = wanted(model.read(ROOT))
+        texts = wanted(model.read(ROOT)) | examples()
     except (ValueError, KeyError, TypeError) as fault:
         sys.exit(f"bindings/exports.toml: {fault}")
     stale = []

@@ -50,6 +50,12 @@ def lists(values, separator=", "):
     return separator.join(values)
 
 
+def matrix(head, rows, tail, joint=",", mark=lambda text: text):
+    """A group matrix, a row a line."""
+    rows = [lists(map(mark, row)) for row in rows]
+    return [head] + [f"    {row}{joint}" for row in rows[:-1]] + [f"    {rows[-1]}{tail}"]
+
+
 def lines_of(gas):
     """(comment, values) of the table."""
     return [(f"{k}: {WORDS[k]}", [real(v) for v in values]) for k, values in gas.columns.items()]
@@ -57,16 +63,15 @@ def lines_of(gas):
 
 def c(gas, indent=""):
     n, g = len(gas.names), len(gas.groups)
-    out = [f"enum {{ N = {n}, GROUPS = {g}, COLUMNS = {len(gas.columns)} }};",
-           f"static const double z[N] = {{{lists(gas.z)}}}; /* {lists(gas.names)} */",
+    out = [f"enum {{ N = {n}, GROUPS = {g}, COLUMNS = {len(gas.columns)} }}; /* {lists(gas.names)} */",
+           f"static const double z[N] = {{{lists(gas.z)}}};",
            f"static const int column_numbers[COLUMNS] = {{{lists(map(str, gas.columns))}}};",
            "static const double columns[COLUMNS][N] = {"]
     out += [f"    {{{lists(values)}}}, /* {comment} */" for comment, values in lines_of(gas)]
     out += ["};", f"/* Groups {lists(gas.groups)}: how often in each component, and their interactions in MPa. */",
-            f"static const int32_t counts[GROUPS * N] = {{{lists((lists(r) for r in gas.counts), ',  ')}}};"]
+            *matrix("static const int32_t counts[GROUPS * N] = {", gas.counts, "};")]
     for name in "AB":
-        out.append(f"static const double {name}[GROUPS * GROUPS] = {{"
-                   + lists((lists(r) for r in getattr(gas, name)), ",  ") + "};")
+        out += matrix(f"static const double {name}[GROUPS * GROUPS] = {{", getattr(gas, name), "};")
     return [indent + line for line in out]
 
 
@@ -74,8 +79,10 @@ def python(gas):
     out = [f"z = [{lists(gas.z)}]  # {lists(gas.names)}", "columns = {"]
     out += [f"    {comment.split(':')[0]}: [{lists(values)}],  # {comment.split(': ')[1]}" for comment, values in lines_of(gas)]
     out += ["}", f"# Groups {lists(gas.groups)}: how often in each component, and their interactions in MPa.",
-            f"counts = [{lists((lists(r) for r in gas.counts), ',  ')}]"]
-    return out + [f"{name} = [{lists((lists(map(real, r)) for r in getattr(gas, name)), ',  ')}]" for name in "AB"]
+            *matrix("counts = [", gas.counts, "]")]
+    for name in "AB":
+        out += matrix(f"{name} = [", getattr(gas, name), "]", mark=real)
+    return out
 
 
 def fortran(gas):
@@ -89,11 +96,11 @@ def fortran(gas):
             for k, (comment, values) in enumerate(lines_of(gas))]
     out += [f"    ], [n, {len(gas.columns)}])",
             f"! Groups {lists(gas.groups)}: how often in each component, and their interactions in MPa.",
-            f"integer(c_int32_t), parameter :: counts(groups * n) = [{lists((lists(r) for r in gas.counts), ', ')}]"]
+            *matrix("integer(c_int32_t), parameter :: counts(groups * n) = [ &", gas.counts, "]", ", &")]
     for name in "AB":
-        values = (lists(real(v) + "d0" for v in r) for r in getattr(gas, name))
-        out += [f"real(c_double), parameter :: {name}(groups * groups) = [ &", "    " + lists(values, ", &\n    ") + "]"]
-    return ["  " + line for line in "\n".join(out).split("\n")]
+        out += matrix(f"real(c_double), parameter :: {name}(groups * groups) = [ &", getattr(gas, name), "]", ", &",
+                      lambda v: real(v) + "d0")
+    return ["  " + line for line in out]
 
 
 def pascal(gas):
@@ -105,9 +112,10 @@ def pascal(gas):
     out += [f"    ({lists(values)}){'' if k == last else ','} {{ {comment} }}"
             for k, (comment, values) in enumerate(lines_of(gas))]
     out += ["  );", f"  {{ Groups {lists(gas.groups)}: how often in each component, and their interactions in MPa. }}",
-            f"  Counts: array[0..Groups * N - 1] of LongInt = ({lists((lists(r) for r in gas.counts), ',  ')});"]
-    return out + [f"  {name}: array[0..Groups * Groups - 1] of Double = ("
-                  + lists((lists(r) for r in getattr(gas, name)), ",  ") + ");" for name in "AB"]
+            *matrix("  Counts: array[0..Groups * N - 1] of LongInt = (", gas.counts, ");")]
+    for name in "AB":
+        out += matrix(f"  {name}: array[0..Groups * Groups - 1] of Double = (", getattr(gas, name), ");")
+    return out
 
 
 def csharp(gas):
@@ -116,8 +124,9 @@ def csharp(gas):
            "static readonly double[][] columns = {"]
     out += [f"    new double[] {{ {lists(values)} }}, // {comment}" for comment, values in lines_of(gas)]
     out += ["};", f"// Groups {lists(gas.groups)}: how often in each component, and their interactions in MPa.",
-            f"static readonly int[] counts = {{ {lists((lists(r) for r in gas.counts), ',  ')} }};"]
-    out += [f"static readonly double[] {name} = {{ {lists((lists(r) for r in getattr(gas, name)), ',  ')} }};" for name in "AB"]
+            *matrix("static readonly int[] counts = {", gas.counts, " };")]
+    for name in "AB":
+        out += matrix(f"static readonly double[] {name} = {{", getattr(gas, name), " };")
     return ["    " + line for line in out]
 
 
@@ -127,9 +136,10 @@ def vba(gas):
     out += [f"FillColumn table, {len(gas.names)}, {comment.split(':')[0]}, {lists(values)} ' {comment.split(': ')[1]}"
             for comment, values in lines_of(gas)]
     out += [f"' Groups {lists(gas.groups)}: how often in each component, and their interactions in MPa.",
-            f"FillLongs counts, {lists((lists(r) for r in gas.counts), ', ')}"]
-    out += [f"FillDoubles {name}, _\n        {lists((lists(r) for r in getattr(gas, name)), f', _{chr(10)}        ')}" for name in "AB"]
-    return ["    " + line for line in "\n".join(out).split("\n")]
+            *matrix("FillLongs counts, _", gas.counts, "", ", _")]
+    for name in "AB":
+        out += matrix(f"FillDoubles {name}, _", getattr(gas, name), "", ", _")
+    return ["    " + line for line in out]
 
 
 def put(text, lines, begin="gas of data/"):

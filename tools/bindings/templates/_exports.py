@@ -86,10 +86,18 @@ _FORMATS = {"doubles": {"d", "<d", "=d"}, "ints": {"i", "l", "<i", "=i", "<l", "
 
 
 def _integer(name, value):
-    number = operator.index(value)  # TypeError for what is no integer
+    if not hasattr(value, "__index__"):
+        raise TypeError(f"{name}: {type(value).__name__}, but an integer is needed")
+    number = operator.index(value)
     if not -2**31 <= number < 2**31:
         raise ValueError(f"{name}: {number} is no 32-bit integer")
     return number
+
+
+def _real(name, value):
+    if isinstance(value, (str, bytes)) or not hasattr(value, "__float__") and not hasattr(value, "__index__"):
+        raise TypeError(f"{name}: {type(value).__name__}, but a number is needed")
+    return float(value)
 
 
 def _array(word, value, need, shape):
@@ -156,10 +164,12 @@ class Library:
             function.argtypes = [_TYPES[word.kind] for word in words]
 
     def _buffers(self, word, value, known):
-        """Six addresses; the buffers stay alive until others take their place."""
+        """Six addresses; the buffers stay alive until others take their place. None: buffers of our own."""
         nC, nG = known["nC"], known["nG"]
         needs = (0, nG * nG, nG * nG, nC * nG, nG * nG, nG * nC * nC)
-        if value is None or len(value) != len(needs):
+        if value is None:
+            value = [(c_double * need)() for need in needs]
+        if len(value) != len(needs):
             raise ValueError(f"{word.name}: six buffers are needed")
         kept = [None] + [_array(Word(f"{word.name}[{k}]", "doubles", "out", "", "", 0, ""), value[k], needs[k], "doubles")
                          for k in range(1, len(needs))]
@@ -180,7 +190,7 @@ class Library:
                 known["count"] = value.count
         for word, value in zip(words, arguments):
             if word.kind == "double":
-                passed.append(float(value))
+                passed.append(_real(word.name, value))
             elif word.kind == "int":
                 passed.append(known[word.name])
             elif word.kind == "buffers":
