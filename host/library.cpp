@@ -187,7 +187,12 @@ void check_sibling(const std::string& library, const char* name, const std::vect
 std::string default_library_path() {
   const std::string program = program_path();
   const std::size_t slash = program.find_last_of(kSeparators);
-  return slash == std::string::npos ? kFileName : program.substr(0, slash + 1) + kFileName;
+  const std::string folder = slash == std::string::npos ? std::string() : program.substr(0, slash + 1);
+#ifdef KESTRUNE_LIBRARY_FOLDER
+  const std::string installed = folder + KESTRUNE_LIBRARY_FOLDER + kFileName;
+  if (access((folder + kFileName).c_str(), F_OK) != 0 && access(installed.c_str(), F_OK) == 0) return installed;
+#endif
+  return folder + kFileName;
 }
 
 Exports load_library(const std::string& path) {

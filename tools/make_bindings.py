@@ -44,7 +44,9 @@ EXAMPLES = {"examples/c/rich_gas.c": gas.c, "examples/cpp/rich_gas.cpp": gas.c, 
 
 def examples():
     rich = gas.Gas(ROOT, gas.RICH_GAS)
-    return {path: gas.put((ROOT / path).read_text(encoding="utf-8"), lines(rich)) for path, lines in EXAMPLES.items()}
+    texts = {path: gas.put((ROOT / path).read_text(encoding="utf-8"), lines(rich)) for path, lines in EXAMPLES.items()}
+    two = gas.c(gas.Gas(ROOT, gas.README_GAS))
+    return texts | {"README.md": gas.put((ROOT / "README.md").read_text(encoding="utf-8"), two)}
 
 
 def main(argv):

@@ -12,7 +12,7 @@ namespace Kestrune
 {
     public static class Constants
     {
-        public const string Version = "0.1.0";
+        public const string Version = "0.2.0";
         public const byte FreeWaterFlag = 1;
         public const int KV_OK = 0;
         public const int KV_NO_WATER = -1;

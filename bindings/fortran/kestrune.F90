@@ -9,7 +9,7 @@ module kestrune
   implicit none
   private
 
-  character(*), parameter, public :: kestrune_version = "0.1.0"
+  character(*), parameter, public :: kestrune_version = "0.2.0"
 
   ! A mixture and the settings of its calculations: packed, hence bytes, with procedures to set them. All settings 0:
   ! the defaults.

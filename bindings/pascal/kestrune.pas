@@ -14,7 +14,7 @@ uses
   SysUtils;
 
 const
-  KestruneVersion = '0.1.0';
+  KestruneVersion = '0.2.0';
   { Statuses. }
   KV_OK = 0;
   KV_NO_WATER = -1;

@@ -10,7 +10,7 @@ Attribute VB_Name = "Kestrune"
 ' Units: K, atm, cal/mol, cal/(mol K), cm3/mol, g/cm3 unless a word says otherwise.
 Option Explicit
 
-Public Const KESTRUNE_VERSION As String = "0.1.0"
+Public Const KESTRUNE_VERSION As String = "0.2.0"
 Public Const RECORD_SIZE As Long = 125
 Public Const FREE_WATER_FLAG As Long = 1
 

@@ -44,6 +44,7 @@
 #include "kestrune/platform.h"
 #include "kestrune/records.h"
 #include "kestrune/status.h"
+#include "kestrune/version.h"
 
 KV_EXTERN_C_BEGIN
 

@@ -19,7 +19,7 @@ import sys
 from ctypes import POINTER, c_double, c_int32, c_uint8
 from typing import NamedTuple
 
-VERSION = "0.1.0"
+VERSION = "0.2.0"
 LIBRARY = "KVGasThermo"
 
 # Status: (name, text).

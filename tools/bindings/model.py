@@ -124,6 +124,7 @@ def read(root):
     columns = tuple((n, int(v), d) for n, v, d in re.findall(r"(KV_COL_\w+) = (\d+),? +/\* (.*?) \*/", records))
     constants = dict(re.findall(r"#define (KV_\w+) ([-+.\de]+)$", records, re.M))
     constants |= dict(re.findall(r"\b(KV_(?:DERIV|PHASE|ROUTINE)_\w+) = (\d+)", records))
-    version = re.search(r"^project\(Kestrune VERSION ([\d.]+)", (root / "CMakeLists.txt").read_text("utf-8"), re.M)[1]
+    version = (root / "include/kestrune/version.h").read_text(encoding="utf-8")
+    version = ".".join(re.findall(r"^#define KESTRUNE_VERSION_(?:MAJOR|MINOR|PATCH) (\d+)", version, re.M))
     return Description(data["library"], exports, tuple(record["fields"]), record["size"], statuses, columns,
                        constants, version)
