@@ -41,9 +41,10 @@ void* open_file(const std::string& path, std::string& reason) {
   if (handle == nullptr) {
     const DWORD code = GetLastError();
     reason = fmt::format("Windows error {}{}", code,
-                         code == ERROR_MOD_NOT_FOUND    ? ", the file or one that it needs is missing"
-                         : code == ERROR_BAD_EXE_FORMAT ? ", not a 32-bit library"
-                                                        : "");
+                         code == ERROR_MOD_NOT_FOUND ? ", the file or one that it needs is missing"
+                         : code == ERROR_BAD_EXE_FORMAT
+                             ? ", not a library for this program's kind of process (32 or 64 bit)"
+                             : "");
   }
   return handle;
 }

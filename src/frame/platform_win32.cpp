@@ -15,7 +15,8 @@ namespace {
 // system lacks. False when the module is not known or the path does not fit.
 bool path_beside(const char* name, wchar_t* path, DWORD capacity) noexcept {
   HMODULE self = nullptr;
-  const DWORD by_address = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+  const DWORD by_address =
+      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
   if (GetModuleHandleExW(by_address, reinterpret_cast<const wchar_t*>(&path_beside), &self) == 0) return false;
   DWORD length = GetModuleFileNameW(self, path, capacity);
   if (length == 0 || length >= capacity) return false;

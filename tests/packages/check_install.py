@@ -67,6 +67,10 @@ def main(argv):
     if "vapour + liquid" not in run(*program, "flash", "--z", "methane=.7,n-butane=.3", "-T", "280 K", "-P", "30 atm",
                               cwd=scratch):
         sys.exit("kestrune finds no two phases")
+    for file in [*prefix.glob("bin/*.dll"), *prefix.glob("bin/*.exe")]:
+        resource = "ProductVersion\0".encode("utf-16-le"), f"{version}\0".encode("utf-16-le")
+        if not all(text in file.read_bytes() for text in resource):
+            sys.exit(f"{file} has no version resource of {version}")
     no_trace_of(root, prefix)
     for name in ("LICENSE", "CHANGELOG.md", "docs/hosts.md", "data/NOTICE.md", "bindings/exports.toml",
                  "bindings/python/kestrune/_exports.py"):
