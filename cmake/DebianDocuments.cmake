@@ -5,7 +5,6 @@ if(NOT CPACK_GENERATOR STREQUAL DEB)
 endif()
 set(tree ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr)
 set(documents ${tree}/share/doc/kestrune)
-file(READ ${documents}/data/NOTICE.md notice)
 file(WRITE ${documents}/copyright "Format: https://www.debian.org/doc/packaging-manuals/copyright-format/1.0/
 Upstream-Name: Kestrune
 

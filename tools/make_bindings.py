@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
 """Makes the declarations of every host from bindings/exports.toml: the prototypes and offsets of the C headers, the
-definition file of the DLL, and the bindings for Python, Fortran, Pascal, C# and VBA, and the table of docs/exports.md.
+definition file of the DLL, the bindings for Python, Fortran, Pascal, C# and VBA, the gas of the examples and of README.md
+(out of data/), and the version of CITATION.cff.
 
     make_bindings.py            writes what has changed
     make_bindings.py --check    writes nothing; returns 1 and names the files that are not what it would write
 """
 import pathlib
+import re
 import sys
 
 from bindings import c, csharp, fortran, gas, model, pascal, python, vba
@@ -28,6 +30,7 @@ def wanted(d):
         header: c.header(d, read(header)),
         records: c.records(d, read(records)),
         "src/KVGasThermo.def": c.definition(d),
+        "CITATION.cff": re.sub(r"(?m)^version: .*", f"version: {d.version}", read("CITATION.cff")),
         "python/kestrune/_exports.py": python.make(d, template("_exports.py"), MADE),
         "bindings/fortran/kestrune.F90": fortran.make(d, template("kestrune.F90"), MADE),
         "bindings/pascal/kestrune.pas": pascal.make(d, template("kestrune.pas"), MADE),
