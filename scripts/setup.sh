@@ -15,7 +15,8 @@ export DEBIAN_FRONTEND=noninteractive
 required="cmake ninja-build g++ g++-mingw-w64-i686-posix libgtest-dev googletest libbenchmark-dev
   libcli11-dev nlohmann-json3-dev libfmt-dev python3"
 # The languages of examples/, packages, 64-bit Windows.
-hosts="gfortran fp-compiler mono-mcs mono-runtime pkgconf dpkg-dev lintian zip unzip g++-mingw-w64-x86-64-posix"
+hosts="gfortran gfortran-mingw-w64-i686-posix fp-compiler mono-mcs mono-runtime pkgconf dpkg-dev lintian zip unzip
+  g++-mingw-w64-x86-64-posix"
 optional="clang-format gnuplot-nox clang"
 wine="wine wine32:i386"
 if [ "${1:-}" = demo ]; then

@@ -3,6 +3,7 @@
 ! The exports of KVGasThermo for Fortran 2018 (iso_c_binding). A procedure here has the name and the words of the export;
 ! it stops the program with a message, before the library is called, where an array has the wrong length, a derivative
 ! that mask asks for is absent, or the record has no table. Types are the compiler's business.
+! A library of 32 bit is that of Windows: its procedures are stdcall (GNU Fortran; other compilers have words of their own).
 ! Units: K, atm, cal/mol, cal/(mol K), cm3/mol, g/cm3 unless a word says otherwise.
 module kestrune
   use, intrinsic :: iso_c_binding
@@ -171,7 +172,7 @@ module kestrune
     subroutine c_ConvertPPR78GroupData(nC, nG, counts, A, B, storage) &
         bind(C, name="ConvertPPR78GroupData")
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_ConvertPPR78GroupData
 #endif
       integer(c_int32_t), value :: nC, nG
@@ -182,7 +183,7 @@ module kestrune
     function c_MolecularWeight(nc, x, M, mean) &
         bind(C, name="MolecularWeight") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_MolecularWeight
 #endif
       integer(c_int32_t), value :: nc
@@ -193,7 +194,7 @@ module kestrune
     function c_FlashLVatTP(T, P, z, mixture, routines, options, beta, x, y, K) &
         bind(C, name="FlashLVatTP") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_FlashLVatTP
 #endif
       real(c_double), value :: T, P
@@ -207,7 +208,7 @@ module kestrune
     function c_FlashLVatHP(H, P, z, mixture, routines, options, T, beta, x, y, K, HL, HV) &
         bind(C, name="FlashLVatHP") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_FlashLVatHP
 #endif
       real(c_double), value :: H, P
@@ -221,7 +222,7 @@ module kestrune
     function c_FlashLVatSP(S, P, z, mixture, routines, options, T, beta, x, y, K, SL, SV) &
         bind(C, name="FlashLVatSP") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_FlashLVatSP
 #endif
       real(c_double), value :: S, P
@@ -235,7 +236,7 @@ module kestrune
     function c_FlashLVatWP(W, P, z, mixture, routines, options, T, x, y, K) &
         bind(C, name="FlashLVatWP") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_FlashLVatWP
 #endif
       real(c_double), value :: W, P
@@ -249,7 +250,7 @@ module kestrune
     function c_FlashLVatWT(W, T, z, mixture, routines, options, P, x, y, K) &
         bind(C, name="FlashLVatWT") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_FlashLVatWT
 #endif
       real(c_double), value :: W, T
@@ -263,7 +264,7 @@ module kestrune
     function c_FlashLLVatTP(T, P, z, mixture, routines, options, beta, V, xA, xB, y, KLL, KLV) &
         bind(C, name="FlashLLVatTP") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_FlashLLVatTP
 #endif
       real(c_double), value :: T, P
@@ -277,7 +278,7 @@ module kestrune
     function c_FlashLLVatHP(H, P, z, mixture, routines, options, T, beta, V, xA, xB, y, KLL, KLV, HA, HB, HV) &
         bind(C, name="FlashLLVatHP") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_FlashLLVatHP
 #endif
       real(c_double), value :: H, P
@@ -291,7 +292,7 @@ module kestrune
     function c_FlashLLVatSP(S, P, z, mixture, routines, options, T, beta, V, xA, xB, y, KLL, KLV, SA, SB, SV) &
         bind(C, name="FlashLLVatSP") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_FlashLLVatSP
 #endif
       real(c_double), value :: S, P
@@ -305,7 +306,7 @@ module kestrune
     function c_FlashLLVatWP(W, P, z, mixture, routines, options, T, beta, xA, xB, y, KLL, KLV) &
         bind(C, name="FlashLLVatWP") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_FlashLLVatWP
 #endif
       real(c_double), value :: W, P
@@ -319,7 +320,7 @@ module kestrune
     function c_FlashLLVatWT(W, T, z, mixture, routines, options, P, beta, xA, xB, y, KLL, KLV) &
         bind(C, name="FlashLLVatWT") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_FlashLLVatWT
 #endif
       real(c_double), value :: W, T
@@ -333,7 +334,7 @@ module kestrune
     function c_FlashLLatTP(T, P, z, mixture, routines, options, beta, liquid1, liquid2, K) &
         bind(C, name="FlashLLatTP") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_FlashLLatTP
 #endif
       real(c_double), value :: T, P
@@ -349,7 +350,7 @@ module kestrune
       cricondenbar_T, cricondenbar_P) &
         bind(C, name="PhaseEnvelope") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_PhaseEnvelope
 #endif
       real(c_double), intent(in) :: z(*)
@@ -367,7 +368,7 @@ module kestrune
     function c_CriticalPoint(z, mixture, options, Tc, Pc, Vc, Zc) &
         bind(C, name="CriticalPoint") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_CriticalPoint
 #endif
       real(c_double), intent(in) :: z(*)
@@ -379,7 +380,7 @@ module kestrune
     function c_WaterDewTemperature(P, z, method, routes, unused, mixture, reserved, T) &
         bind(C, name="WaterDewTemperature") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_WaterDewTemperature
 #endif
       real(c_double), value :: P
@@ -393,7 +394,7 @@ module kestrune
     function c_WaterDewPressure(T, z, method, routes, unused, mixture, reserved, P) &
         bind(C, name="WaterDewPressure") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_WaterDewPressure
 #endif
       real(c_double), value :: T
@@ -408,7 +409,7 @@ module kestrune
       found) &
         bind(C, name="WaterDewLine") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_WaterDewLine
 #endif
       real(c_double), intent(in) :: z(*)
@@ -424,7 +425,7 @@ module kestrune
     function c_Humidity(T, P, method, z, mixture, water_fraction, water_content) &
         bind(C, name="Humidity") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_Humidity
 #endif
       real(c_double), value :: T, P
@@ -437,7 +438,7 @@ module kestrune
     function c_WetGasComposition(T, P, z, method_switch, method, routes, mixture, reserved, wet) &
         bind(C, name="WetGasComposition") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_WetGasComposition
 #endif
       real(c_double), value :: T, P
@@ -451,7 +452,7 @@ module kestrune
     function c_HydrateLine(z, kind, M, percent, points, mixture, unused, T, P) &
         bind(C, name="HydrateLine") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_HydrateLine
 #endif
       real(c_double), intent(in) :: z(*)
@@ -466,7 +467,7 @@ module kestrune
     function c_GasN(T, P, x, mixture, Z, Z_normal, density_normal, normal_volume) &
         bind(C, name="GasN") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_GasN
 #endif
       real(c_double), value :: T, P
@@ -478,7 +479,7 @@ module kestrune
     function c_LiquidDensity_PPR78(T, P, x, mixture, density, d_dT, d_dP, d2_dTdP) &
         bind(C, name="LiquidDensity_PPR78") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_LiquidDensity_PPR78
 #endif
       real(c_double), value :: T, P
@@ -490,7 +491,7 @@ module kestrune
     function c_GasDensity_PPR78(T, P, x, mixture, density, d_dT, d_dP, d2_dTdP) &
         bind(C, name="GasDensity_PPR78") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_GasDensity_PPR78
 #endif
       real(c_double), value :: T, P
@@ -502,7 +503,7 @@ module kestrune
     function c_LiquidMolarEnthalpy_PPR78(T, P, x, mixture, value) &
         bind(C, name="LiquidMolarEnthalpy_PPR78") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_LiquidMolarEnthalpy_PPR78
 #endif
       real(c_double), value :: T, P
@@ -514,7 +515,7 @@ module kestrune
     function c_GasMolarEnthalpy_PPR78(T, P, x, mixture, value) &
         bind(C, name="GasMolarEnthalpy_PPR78") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_GasMolarEnthalpy_PPR78
 #endif
       real(c_double), value :: T, P
@@ -526,7 +527,7 @@ module kestrune
     function c_LiquidMolarEntropy_PPR78(T, P, x, mixture, value) &
         bind(C, name="LiquidMolarEntropy_PPR78") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_LiquidMolarEntropy_PPR78
 #endif
       real(c_double), value :: T, P
@@ -538,7 +539,7 @@ module kestrune
     function c_GasMolarEntropy_PPR78(T, P, x, mixture, value) &
         bind(C, name="GasMolarEntropy_PPR78") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_GasMolarEntropy_PPR78
 #endif
       real(c_double), value :: T, P
@@ -550,7 +551,7 @@ module kestrune
     function c_LiquidMolarFreeEnthalpy_PPR78(T, P, x, mixture, value) &
         bind(C, name="LiquidMolarFreeEnthalpy_PPR78") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_LiquidMolarFreeEnthalpy_PPR78
 #endif
       real(c_double), value :: T, P
@@ -562,7 +563,7 @@ module kestrune
     function c_GasMolarFreeEnthalpy_PPR78(T, P, x, mixture, value) &
         bind(C, name="GasMolarFreeEnthalpy_PPR78") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_GasMolarFreeEnthalpy_PPR78
 #endif
       real(c_double), value :: T, P
@@ -574,7 +575,7 @@ module kestrune
     function c_LiquidMolarEnthalpy_Derivatives_PPR78(T, P, x, mixture, mask, value, d_dT, d_dP, d_dn) &
         bind(C, name="LiquidMolarEnthalpy_Derivatives_PPR78") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_LiquidMolarEnthalpy_Derivatives_PPR78
 #endif
       real(c_double), value :: T, P
@@ -588,7 +589,7 @@ module kestrune
     function c_GasMolarEnthalpy_Derivatives_PPR78(T, P, x, mixture, mask, value, d_dT, d_dP, d_dn) &
         bind(C, name="GasMolarEnthalpy_Derivatives_PPR78") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_GasMolarEnthalpy_Derivatives_PPR78
 #endif
       real(c_double), value :: T, P
@@ -602,7 +603,7 @@ module kestrune
     function c_LiquidMolarEntropy_Derivatives_PPR78(T, P, x, mixture, mask, value, d_dT, d_dP, d_dn) &
         bind(C, name="LiquidMolarEntropy_Derivatives_PPR78") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_LiquidMolarEntropy_Derivatives_PPR78
 #endif
       real(c_double), value :: T, P
@@ -616,7 +617,7 @@ module kestrune
     function c_GasMolarEntropy_Derivatives_PPR78(T, P, x, mixture, mask, value, d_dT, d_dP, d_dn) &
         bind(C, name="GasMolarEntropy_Derivatives_PPR78") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_GasMolarEntropy_Derivatives_PPR78
 #endif
       real(c_double), value :: T, P
@@ -630,7 +631,7 @@ module kestrune
     function c_LiquidPhi_Derivatives_PPR78(T, P, x, mixture, option, mask, ln_phi, d_dT, d_dP, d_dn) &
         bind(C, name="LiquidPhi_Derivatives_PPR78") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_LiquidPhi_Derivatives_PPR78
 #endif
       real(c_double), value :: T, P
@@ -644,7 +645,7 @@ module kestrune
     function c_GasPhi_Derivatives_PPR78(T, P, x, mixture, option, mask, ln_phi, d_dT, d_dP, d_dn) &
         bind(C, name="GasPhi_Derivatives_PPR78") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_GasPhi_Derivatives_PPR78
 #endif
       real(c_double), value :: T, P
@@ -658,7 +659,7 @@ module kestrune
     function c_GasSpecificHeat_PPR78(T, P, x, mixture, Cp, Cv, speed_of_sound, joule_thomson) &
         bind(C, name="GasSpecificHeat_PPR78") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_GasSpecificHeat_PPR78
 #endif
       real(c_double), value :: T, P
@@ -670,7 +671,7 @@ module kestrune
     function c_GasDynamicViscosity_PPR78(T, P, x, mixture, viscosity) &
         bind(C, name="GasDynamicViscosity_PPR78") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_GasDynamicViscosity_PPR78
 #endif
       real(c_double), value :: T, P
@@ -682,7 +683,7 @@ module kestrune
     function c_GasThermalConductivity_PPR78(T, P, x, mixture, conductivity) &
         bind(C, name="GasThermalConductivity_PPR78") result(code)
       import :: c_double, c_int32_t, c_ptr, MixtureRecord
-#if defined(_WIN32) && !defined(_WIN64)
+#if __SIZEOF_POINTER__ == 4
       !GCC$ ATTRIBUTES STDCALL :: c_GasThermalConductivity_PPR78
 #endif
       real(c_double), value :: T, P

@@ -23,7 +23,7 @@ def interface(e):
     kind = "function" if e.status else "subroutine"
     lines = [listing(f"    {kind} c_{e.name}(", [a.name for a in e.arguments], ") &"),
              f"        bind(C, name=\"{e.name}\")" + (" result(code)" if e.status else ""),
-             "      import :: c_double, c_int32_t, c_ptr, MixtureRecord", "#if defined(_WIN32) && !defined(_WIN64)", f"      !GCC$ ATTRIBUTES STDCALL :: c_{e.name}", "#endif"]
+             "      import :: c_double, c_int32_t, c_ptr, MixtureRecord", "#if __SIZEOF_POINTER__ == 4", f"      !GCC$ ATTRIBUTES STDCALL :: c_{e.name}", "#endif"]
     types = {"double": "real(c_double), value", "int": "integer(c_int32_t), value", "routines": "type(c_ptr), value",
              "record": "type(MixtureRecord), intent(inout)", "buffers": "type(c_ptr), intent(in)"}
     declared = []

@@ -3,6 +3,7 @@
 ! The exports of @LIBRARY@ for Fortran 2018 (iso_c_binding). A procedure here has the name and the words of the export;
 ! it stops the program with a message, before the library is called, where an array has the wrong length, a derivative
 ! that mask asks for is absent, or the record has no table. Types are the compiler's business.
+! A library of 32 bit is that of Windows: its procedures are stdcall (GNU Fortran; other compilers have words of their own).
 ! Units: K, atm, cal/mol, cal/(mol K), cm3/mol, g/cm3 unless a word says otherwise.
 module kestrune
   use, intrinsic :: iso_c_binding
