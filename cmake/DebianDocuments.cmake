@@ -38,6 +38,7 @@ file(REMOVE ${documents}/kestrune.1)
 file(WRITE ${tree}/share/lintian/overrides/kestrune
   "# Loaded at run time by their plain names, never linked: they have no version of their own.
 kestrune: shared-library-lacks-version *
+kestrune: link-to-shared-library-in-wrong-package *
 kestrune: package-name-doesnt-match-sonames *
 # CPack adds the call beside the trigger.
 kestrune: maintscript-calls-ldconfig *
