@@ -25,7 +25,11 @@ constexpr PropertyInfo kProperties[kPropertyCount] = {
     {Prop::viscosity, Q::viscosity, "viscosity", "visc.", "viscosity_Pa_s"},
     {Prop::conductivity, Q::conductivity, "thermal conductivity", "cond.", "thermal_conductivity_W_m_K"},
     {Prop::normal_density, Q::density, "normal density (0 C, 1 atm)", "normal", "normal_density_kg_m3"},
-    {Prop::normal_volume, Q::ratio, "normal m3 in one m3", "Nm3/m3", "normal_m3_per_m3"}};
+    {Prop::normal_volume, Q::ratio, "normal m3 in one m3", "Nm3/m3", "normal_m3_per_m3"},
+    {Prop::standard_density, Q::density, "standard density (15 C, 1 atm)", "standard",
+     "standard_density_kg_m3"},
+    {Prop::standard_volume, Q::ratio, "standard m3 (15 C) in one m3", "Sm3/m3", "standard_m3_per_m3"},
+    {Prop::standard_cubic_feet, Q::ratio, "scf (60 F) in one ft3", "scf/ft3", "scf_per_ft3"}};
 
 // One phase whose properties are asked for. The record is a copy: the exports take it as one to write to.
 struct Call {
@@ -76,6 +80,22 @@ void add_gas_only(Call& c, PropertyValues& result) {
   status = c.library.GasN(c.T, c.atm, c.x, &c.record, &Z, &Z_normal, &density, &volume);
   result.set(Prop::normal_density, status, density);
   result.set(Prop::normal_volume, status, volume);
+}
+
+// The same gas at the standard states of the metre (15 C, 1 atm) and of the foot (60 F, 14.696 psia), as a gas.
+void add_standard_states(Call& c, PropertyValues& result) {
+  const auto at = [&](double T, double atm, StatusCode& status) {
+    double density = kNone, d_dT = kNone, d_dP = kNone, d2 = kNone;
+    status = c.library.GasDensity_PPR78(T, atm, c.x, &c.record, &density, &d_dT, &d_dP, &d2);
+    return 1e3 * density;
+  };
+  StatusCode status = KV_OK;
+  const double density = result[Prop::density];
+  const double metre = at(kStandardT, 1.0, status);
+  result.set(Prop::standard_density, status, metre);
+  result.set(Prop::standard_volume, combined(result.status(Prop::density), status), density / metre);
+  const double foot = at(kStandardFootT, kStandardFootP / kAtmInPa, status);
+  result.set(Prop::standard_cubic_feet, combined(result.status(Prop::density), status), density / foot);
 }
 
 void add_liquid_heat(Call& c, const Volume& volume, PropertyValues& result) {
@@ -151,6 +171,7 @@ PropertyValues phase_properties(const Exports& library, const Mixture& mixture, 
   if (is_gas(kind)) {
     add_volume(call, library.GasDensity_PPR78, result);
     add_gas_only(call, result);
+    add_standard_states(call, result);
   } else if (kind != PhaseKind::free_water) {
     add_liquid_heat(call, add_volume(call, library.LiquidDensity_PPR78, result), result);
   }

@@ -66,6 +66,9 @@ namespace Kestrune
         public const int KV_COL_OMEGA = 9; // acentric factor
         public const int KV_COL_DIPOLE = 10; // dipole moment, debye
         public const int KV_COL_TMIN_PSAT = 11; // lowest temperature of its vapour-pressure correlation, K
+        public const int KV_COL_CP_A = 12; // own ideal-gas heat capacity: A, and B to E in the columns behind it
+        public const int KV_COL_CP_TMIN = 17; // range of it, K
+        public const int KV_COL_CP_TMAX = 18; // as the one before
         public const int KV_COL_FAMILY = 41; // family code, KV_FAMILY_WATER marks water
         public const int KV_COL_CAS = 43; // CAS number as a whole number: 7732185 is 7732-18-5
         public const int KV_TABLE_COLUMNS = 43;

@@ -73,6 +73,9 @@ module kestrune
   integer, parameter, public :: KV_COL_OMEGA = 9 ! acentric factor
   integer, parameter, public :: KV_COL_DIPOLE = 10 ! dipole moment, debye
   integer, parameter, public :: KV_COL_TMIN_PSAT = 11 ! lowest temperature of its vapour-pressure correlation, K
+  integer, parameter, public :: KV_COL_CP_A = 12 ! own ideal-gas heat capacity: A, and B to E in the columns behind it
+  integer, parameter, public :: KV_COL_CP_TMIN = 17 ! range of it, K
+  integer, parameter, public :: KV_COL_CP_TMAX = 18 ! as the one before
   integer, parameter, public :: KV_COL_FAMILY = 41 ! family code, KV_FAMILY_WATER marks water
   integer, parameter, public :: KV_COL_CAS = 43 ! CAS number as a whole number: 7732185 is 7732-18-5
 

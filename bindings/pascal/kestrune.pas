@@ -69,6 +69,9 @@ const
   KV_COL_OMEGA = 9; { acentric factor }
   KV_COL_DIPOLE = 10; { dipole moment, debye }
   KV_COL_TMIN_PSAT = 11; { lowest temperature of its vapour-pressure correlation, K }
+  KV_COL_CP_A = 12; { own ideal-gas heat capacity: A, and B to E in the columns behind it }
+  KV_COL_CP_TMIN = 17; { range of it, K }
+  KV_COL_CP_TMAX = 18; { as the one before }
   KV_COL_FAMILY = 41; { family code, KV_FAMILY_WATER marks water }
   KV_COL_CAS = 43; { CAS number as a whole number: 7732185 is 7732-18-5 }
   { Settings, routines of a host, phases and derivatives. }

@@ -69,6 +69,9 @@ Public Const KV_COL_ZC As Long = 8 ' critical compressibility factor
 Public Const KV_COL_OMEGA As Long = 9 ' acentric factor
 Public Const KV_COL_DIPOLE As Long = 10 ' dipole moment, debye
 Public Const KV_COL_TMIN_PSAT As Long = 11 ' lowest temperature of its vapour-pressure correlation, K
+Public Const KV_COL_CP_A As Long = 12 ' own ideal-gas heat capacity: A, and B to E in the columns behind it
+Public Const KV_COL_CP_TMIN As Long = 17 ' range of it, K
+Public Const KV_COL_CP_TMAX As Long = 18 ' as the one before
 Public Const KV_COL_FAMILY As Long = 41 ' family code, KV_FAMILY_WATER marks water
 Public Const KV_COL_CAS As Long = 43 ' CAS number as a whole number: 7732185 is 7732-18-5
 

@@ -79,6 +79,9 @@ COL_ZC = 8  # critical compressibility factor
 COL_OMEGA = 9  # acentric factor
 COL_DIPOLE = 10  # dipole moment, debye
 COL_TMIN_PSAT = 11  # lowest temperature of its vapour-pressure correlation, K
+COL_CP_A = 12  # own ideal-gas heat capacity: A, and B to E in the columns behind it
+COL_CP_TMIN = 17  # range of it, K
+COL_CP_TMAX = 18  # as the one before
 COL_FAMILY = 41  # family code, KV_FAMILY_WATER marks water
 COL_CAS = 43  # CAS number as a whole number: 7732185 is 7732-18-5
 

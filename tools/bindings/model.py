@@ -121,7 +121,8 @@ def read(root):
     status = (root / "include/kestrune/status.h").read_text(encoding="utf-8")
     statuses = tuple((n, int(v), t) for n, v, t in re.findall(r'X\((KV_\w+), (-?\d+),[\s\\]*"(.*?)"\)', status))
     records = (root / "include/kestrune/records.h").read_text(encoding="utf-8")
-    columns = tuple((n, int(v), d) for n, v, d in re.findall(r"(KV_COL_\w+) = (\d+),? +/\* (.*?) \*/", records))
+    columns = tuple((n, int(v), d or "as the one before") for n, v, d in
+                    re.findall(r"(KV_COL_\w+) = (\d+),?(?: +/\* (.*?) \*/)?", records))
     constants = dict(re.findall(r"#define (KV_\w+) ([-+.\de]+)$", records, re.M))
     constants |= dict(re.findall(r"\b(KV_(?:DERIV|PHASE|ROUTINE)_\w+) = (\d+)", records))
     version = (root / "include/kestrune/version.h").read_text(encoding="utf-8")
