@@ -1,16 +1,30 @@
 # kestrune_import_library(TARGET DEF file.def HEADER header.h)
-# 32-bit Windows only: import libraries of a DLL whose exports are undecorated, for programs that link it
+# 64-bit Windows: names have no decoration, the linker's own import library serves MinGW, and one for MSVC is made of the
+# definition file. 32-bit Windows: import libraries of a DLL whose exports are undecorated, for programs that link it
 # instead of resolving the names at run time. Symbols _Name@N lead to the export Name.
 #   lib/lib<TARGET>.dll.a  for MinGW, by GNU dlltool
 #   lib/<TARGET>.lib       for MSVC: short import records by llvm-dlltool where there is one; otherwise the
 #                          long format of GNU dlltool, which link.exe reads as well
 function(kestrune_import_library target)
   cmake_parse_arguments(ARG "" "DEF;HEADER" "" ${ARGN})
-  if(NOT (WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4))
+  if(NOT WIN32)
+    return()
+  endif()
+  find_program(KESTRUNE_LLVM_DLLTOOL NAMES llvm-dlltool llvm-dlltool-14)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    set(msvc ${CMAKE_BINARY_DIR}/lib/${target}.lib)
+    if(KESTRUNE_LLVM_DLLTOOL)
+      set(tool ${KESTRUNE_LLVM_DLLTOOL})
+    else()
+      set(tool ${CMAKE_DLLTOOL})
+    endif()
+    add_custom_command(OUTPUT ${msvc}
+      COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/lib
+      COMMAND ${tool} -m i386:x86-64 -D ${target}.dll -d ${ARG_DEF} -l ${msvc} DEPENDS ${ARG_DEF} VERBATIM)
+    add_custom_target(${target}_import ALL DEPENDS ${msvc})
     return()
   endif()
   find_package(Python3 REQUIRED COMPONENTS Interpreter)
-  find_program(KESTRUNE_LLVM_DLLTOOL NAMES llvm-dlltool llvm-dlltool-14)
   set(script ${PROJECT_SOURCE_DIR}/tools/make_import_def.py)
   set(decorated ${CMAKE_CURRENT_BINARY_DIR}/${target}_decorated.def)
   set(mingw ${CMAKE_BINARY_DIR}/lib/lib${target}.dll.a)

@@ -1,8 +1,8 @@
-# kestrune_library(NAME DEF file.def SOURCES ... LINK ...)
+# kestrune_library(NAME DEF file.def DESCRIPTION text SOURCES ... LINK ...)
 # One of the three shared libraries: exports exactly the names of its .def file, undecorated on 32-bit
 # Windows, and carries nothing but the standard library.
 function(kestrune_library name)
-  cmake_parse_arguments(ARG "" "DEF" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(ARG "" "DEF;DESCRIPTION" "SOURCES;LINK" ${ARGN})
   add_library(${name} SHARED ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE kestrune_options ${ARG_LINK})
   target_compile_definitions(${name} PRIVATE KV_BUILDING)
@@ -26,4 +26,5 @@ function(kestrune_library name)
     endif()
     set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${map})
   endif()
+  kestrune_release(${name} "${ARG_DESCRIPTION}")
 endfunction()

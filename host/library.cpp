@@ -42,9 +42,10 @@ void* open_file(const std::string& path, std::string& reason) {
   if (handle == nullptr) {
     const DWORD code = GetLastError();
     reason = fmt::format("Windows error {}{}", code,
-                         code == ERROR_MOD_NOT_FOUND    ? ", the file or one that it needs is missing"
-                         : code == ERROR_BAD_EXE_FORMAT ? ", not a 32-bit library"
-                                                        : "");
+                         code == ERROR_MOD_NOT_FOUND ? ", the file or one that it needs is missing"
+                         : code == ERROR_BAD_EXE_FORMAT
+                             ? ", not a library for this program's kind of process (32 or 64 bit)"
+                             : "");
   }
   return handle;
 }
@@ -59,6 +60,12 @@ void* open_installed(const char* name) {
   HMODULE handle = LoadLibraryA(installed.c_str());
   if (handle == nullptr) handle = LoadLibraryA(name);
   return reinterpret_cast<void*>(handle);
+}
+
+// The library asks for its own folder last.
+void* find_sibling(const std::string& folder, const char* name, std::string& reason) {
+  void* handle = open_installed(name);
+  return handle != nullptr ? handle : open_file(folder + name, reason);
 }
 
 constexpr const char* kFileName = "KVGasThermo.dll";
@@ -90,6 +97,12 @@ void* find_symbol(void* handle, const char* name) {
 
 void* open_installed(const char* name) {
   return dlopen(name, RTLD_NOW | RTLD_LOCAL);
+}
+
+// The library asks for its own folder first.
+void* find_sibling(const std::string& folder, const char* name, std::string& reason) {
+  void* handle = open_file(folder + name, reason);
+  return handle != nullptr ? handle : open_installed(name);
 }
 
 constexpr const char* kFileName = "libKVGasThermo.so";
@@ -150,14 +163,13 @@ std::vector<std::string> exports_of_pure() {
   return names;
 }
 
-// A sibling that the library needs, looked for as it does: in its own folder, where an installation has it, by its bare
-// name. It cannot go on without it or its exports, and says so by ending the program.
+// A sibling that the library needs, looked for where the library will: in its own folder, where an installation has it,
+// by its bare name. It cannot go on without it or its exports, and says so by ending the program.
 void* open_sibling(const std::string& library, const char* name, const std::vector<std::string>& exports) {
   const std::size_t slash = library.find_last_of(kSeparators);
   const std::string folder = slash == std::string::npos ? std::string() : library.substr(0, slash + 1);
   std::string reason;
-  void* handle = open_file(folder + name, reason);
-  if (handle == nullptr) handle = open_installed(name);
+  void* handle = find_sibling(folder, name, reason);
   if (handle == nullptr)
     throw InputError(fmt::format("{} needs {}, which cannot be loaded ({}). It belongs into the same folder",
                                  library, name, reason));
@@ -178,7 +190,12 @@ void* open_sibling(const std::string& library, const char* name, const std::vect
 std::string default_library_path() {
   const std::string program = program_path();
   const std::size_t slash = program.find_last_of(kSeparators);
-  return slash == std::string::npos ? kFileName : program.substr(0, slash + 1) + kFileName;
+  const std::string folder = slash == std::string::npos ? std::string() : program.substr(0, slash + 1);
+#ifdef KESTRUNE_LIBRARY_FOLDER
+  const std::string installed = folder + KESTRUNE_LIBRARY_FOLDER + kFileName;
+  if (access((folder + kFileName).c_str(), F_OK) != 0 && access(installed.c_str(), F_OK) == 0) return installed;
+#endif
+  return folder + kFileName;
 }
 
 Exports load_library(const std::string& path) {

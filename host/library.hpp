@@ -56,7 +56,7 @@ struct Exports {
 #undef KESTRUNE_HOST_MEMBER
 };
 
-// The library file beside the running program.
+// The library file beside the running program, or where an installation has it.
 std::string default_library_path();
 
 // Opens a library file and resolves all exports; InputError that names the file and what is missing. The

@@ -2,7 +2,7 @@
 # Fails unless a library exports exactly the names of its .def file, undecorated, and needs nothing but system
 # libraries.
 #
-#   scripts/check_exports.sh LIBRARY DEF     LIBRARY: a 32-bit .dll or a native .so
+#   scripts/check_exports.sh LIBRARY DEF     LIBRARY: a .dll or a native .so
 set -u
 library=$1
 definition=$2
@@ -15,7 +15,7 @@ awk '{ sub(/;.*/, "") } $1 == "EXPORTS" { exports = 1; next } exports && NF { pr
   sort >"$scratch/wanted"
 case $library in
   *.dll)
-    i686-w64-mingw32-objdump -p "$library" >"$scratch/dump" || exit 1
+    x86_64-w64-mingw32-objdump -p "$library" >"$scratch/dump" || exit 1
     awk '/\[Ordinal\/Name Pointer\] Table/ { names = 1; next } names && !/^\t\[/ { names = 0 }
          names { print $NF }' "$scratch/dump" | sort >"$scratch/found"
     awk '/DLL Name:/ { print tolower($3) }' "$scratch/dump" >"$scratch/needed"

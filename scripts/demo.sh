@@ -5,7 +5,7 @@
 #   sh scripts/demo.sh
 set -u
 cd "$(dirname "$0")/.." || exit 1
-sh scripts/setup.sh || exit 1
+sh scripts/setup.sh demo || exit 1
 log=build/logs/demo.log
 mkdir -p build/logs
 if ! { cmake --preset win32 && cmake --build build/win32 -j "$(nproc)" \

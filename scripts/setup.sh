@@ -1,8 +1,10 @@
 #!/bin/sh
-# Installs what the build and the tests need on Debian 12: compilers, test libraries, and Wine for 32-bit
-# programs. Does nothing, and says so, when everything is there. Needs root only where something is missing.
+# Installs what the build and the tests need on Debian 12: compilers (also of the languages of examples/), test
+# libraries, what makes packages, and Wine for 32- and 64-bit programs. Does nothing, and says so, when everything is
+# there. Needs root only where something is missing.
 #
-#   sh scripts/setup.sh
+#   sh scripts/setup.sh          all that scripts/test.sh needs
+#   sh scripts/setup.sh demo     what the 32-bit DLLs and scripts/demo.sh need
 set -u
 cd "$(dirname "$0")/.." || exit 1
 repo=$(pwd)
@@ -12,8 +14,17 @@ export DEBIAN_FRONTEND=noninteractive
 
 required="cmake ninja-build g++ g++-mingw-w64-i686-posix libgtest-dev googletest libbenchmark-dev
   libcli11-dev nlohmann-json3-dev libfmt-dev python3"
+# The languages of examples/, packages, 64-bit Windows.
+hosts="gfortran gfortran-mingw-w64-i686-posix fp-compiler mono-mcs mono-runtime pkgconf dpkg-dev lintian zip unzip
+  g++-mingw-w64-x86-64-posix"
 optional="clang-format gnuplot-nox clang"
 wine="wine wine32:i386"
+if [ "${1:-}" = demo ]; then
+  optional=
+else
+  required="$required $hosts"
+  wine="$wine wine64"
+fi
 
 # The packages of "$@" that are not installed, on one line.
 missing() {

@@ -114,10 +114,15 @@ check_all_exports() {
     library=$(basename "$definition" .def)
     count=$((count + 1))
     sh scripts/check_exports.sh "build/win32/bin/$library.dll" "$definition" || result=1
+    sh scripts/check_exports.sh "build/win64/bin/$library.dll" "$definition" || result=1
     sh scripts/check_exports.sh "build/native/bin/lib$library.so" "$definition" || result=1
   done
   [ $count = 3 ] || { echo "$count libraries, 3 expected"; result=1; }
   return $result
+}
+
+make_and_check_packages() {
+  sh scripts/package.sh && sh tests/packages/check_packages.sh
 }
 
 check_all_state() {
@@ -138,6 +143,7 @@ probe_sanitizers
 build_and_test native ""
 check wine_prefix sh scripts/wine.sh cmd /c exit
 build_and_test win32 ""
+build_and_test win64 ""
 build_and_test asan -DKESTRUNE_BENCH=OFF $fixed_addresses
 
 if has_target native test_reentrancy; then
@@ -152,6 +158,7 @@ fi
 
 check fuzz sh scripts/fuzz.sh 2
 
+check packages make_and_check_packages
 check layers sh scripts/check_layers.sh
 check exports check_all_exports
 check state check_all_state

@@ -44,6 +44,7 @@
 #include "kestrune/platform.h"
 #include "kestrune/records.h"
 #include "kestrune/status.h"
+#include "kestrune/version.h"
 
 KV_EXTERN_C_BEGIN
 
@@ -68,7 +69,7 @@ KV_API void KV_CALL ConvertPPR78GroupData(int32_t nC, int32_t nG, const int32_t*
  * Molar mass of a mixture: sum of x[i] * M[i] in the unit of M; 0 for nc < 1, where x or M is null, and
  * where the sum is no number. Always returns 0. 16 bytes.
  */
-KV_API StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const double* M, double* out);
+KV_API StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const double* M, double* mean);
 
 /* ---- Flashes of two phases -------------------------------------------------------------------- */
 

@@ -147,7 +147,6 @@ KV_ASSERT_AT(MixtureRecord, table, 4);
 KV_ASSERT_AT(MixtureRecord, flags, 16);
 KV_ASSERT_AT(MixtureRecord, solubility_a, 17);
 KV_ASSERT_AT(MixtureRecord, solubility_b, 25);
-KV_ASSERT_AT(MixtureRecord, reserved33, 33);
 KV_ASSERT_AT(MixtureRecord, CRIT, 61);
 KV_ASSERT_AT(MixtureRecord, CLIM, 69);
 KV_ASSERT_AT(MixtureRecord, EPS, 77);

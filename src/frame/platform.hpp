@@ -31,6 +31,9 @@ inline constexpr std::size_t kErrorTextCapacity = 512;
 void* load_library(const char* path) noexcept;
 // Address of an exported name; null when it is missing.
 void* find_symbol(void* module, const char* name) noexcept;
+// The library of that plain name in the folder of the module that this code was linked into; null when there is none,
+// and the failure of the call before then stays the last one. Always null on Linux, where the search begins there.
+void* load_beside(const char* name) noexcept;
 // Gives one reference back; null is allowed.
 void free_library(void* module) noexcept;
 
@@ -42,7 +45,7 @@ bool file_exists(const char* path) noexcept;
 bool common_files_folder(char buffer[kRegistryCapacity], std::size_t& length) noexcept;
 
 // Folder of the module that this code was linked into, with its trailing separator. Returns the length,
-// 0 when it is not known. Always 0 on Windows, where it takes no part in the search.
+// 0 when it is not known. Always 0 on Windows, where it comes last (load_beside).
 std::size_t own_folder(char* buffer, std::size_t capacity) noexcept;
 
 // File name of the host's executable. Returns its length; 0 on failure; capacity when it did not fit.

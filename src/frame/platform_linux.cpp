@@ -33,6 +33,10 @@ void* load_library(const char* path) noexcept {
   return dlopen(path, RTLD_NOW | RTLD_LOCAL);
 }
 
+void* load_beside(const char*) noexcept {
+  return nullptr;
+}
+
 void* find_symbol(void* module, const char* name) noexcept {
   return dlsym(module, name);
 }

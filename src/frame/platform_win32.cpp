@@ -9,8 +9,39 @@
 
 namespace kestrune::platform {
 
+namespace {
+
+// Full path of a file beside this module, in wide characters: a folder may have letters that the code page of the
+// system lacks. False when the module is not known or the path does not fit.
+bool path_beside(const char* name, wchar_t* path, DWORD capacity) noexcept {
+  HMODULE self = nullptr;
+  const DWORD by_address =
+      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+  if (GetModuleHandleExW(by_address, reinterpret_cast<const wchar_t*>(&path_beside), &self) == 0) return false;
+  DWORD length = GetModuleFileNameW(self, path, capacity);
+  if (length == 0 || length >= capacity) return false;
+  while (length > 0 && path[length - 1] != L'\\') --length;
+  for (; *name != '\0' && length + 1 < capacity; ++name) path[length++] = static_cast<unsigned char>(*name);
+  path[length] = L'\0';
+  return *name == '\0';
+}
+
+}  // namespace
+
 void* load_library(const char* path) noexcept {
   return LoadLibraryA(path);
+}
+
+void* load_beside(const char* name) noexcept {
+  const DWORD before = GetLastError();
+  wchar_t path[kModulePathCapacity];
+  if (path_beside(name, path, kModulePathCapacity)) {
+    const DWORD attributes = GetFileAttributesW(path);
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+      return LoadLibraryW(path);
+  }
+  SetLastError(before);
+  return nullptr;
 }
 
 void* find_symbol(void* module, const char* name) noexcept {

@@ -81,7 +81,8 @@ void* LoadSiblingLibrary(const char* name) noexcept {
       platform::file_exists(path))
     return platform::load_library(path);
   if (installed_path(name, path)) return platform::load_library(path);
-  return platform::load_library(name);
+  void* module = platform::load_library(name);
+  return module != nullptr ? module : platform::load_beside(name);
 }
 
 bool SetLibraryFolder(const char* text, std::size_t length) noexcept {

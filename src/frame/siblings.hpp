@@ -17,8 +17,9 @@ inline constexpr std::uint32_t kProviderException = 0xEFFFFFFFu;
  *   1. the folder of SetLibraryFolder, if it was set and holds the file;
  *   2. Windows: the common-files folder of the registry + "\Tavrin\Kestrune\", if it holds the file;
  *      Linux: the folder of this library, if it holds the file;
- *   3. the bare name, for the system's own search.
- * A file that is there but cannot be loaded is not replaced by a later one.
+ *   3. the bare name, for the system's own search;
+ *   4. Windows: the folder of this library, for a host that lies in another one (a plug-in, Excel, Python).
+ * A file of 1 or 2 that is there but cannot be loaded is not replaced by a later one.
  */
 void* LoadSiblingLibrary(const char* name) noexcept;
 

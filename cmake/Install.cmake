@@ -1,0 +1,34 @@
+# cmake --install: headers, libraries, import libraries, the command line, what find_package(Kestrune) and pkg-config
+# need, bindings, examples and documents. The siblings lie beside the library, under their plain names.
+include(CMakePackageConfigHelpers)
+
+set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Kestrune)
+set(libraries KVGasThermo KVCmpdPureLite KVToolsLite)
+install(TARGETS ${libraries} kestrune
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE EXCLUDE_FROM_ALL DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY include/kestrune DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+if(WIN32)
+  install(FILES ${CMAKE_BINARY_DIR}/lib/libKVGasThermo.dll.a ${CMAKE_BINARY_DIR}/lib/KVGasThermo.lib
+    DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()
+
+set(library_file ${CMAKE_INSTALL_LIBDIR}/libKVGasThermo.so)
+if(WIN32)
+  set(library_file ${CMAKE_INSTALL_BINDIR}/KVGasThermo.dll)
+endif()
+configure_package_config_file(cmake/KestruneConfig.cmake.in ${CMAKE_BINARY_DIR}/KestruneConfig.cmake
+  INSTALL_DESTINATION ${package_folder} PATH_VARS CMAKE_INSTALL_INCLUDEDIR CMAKE_INSTALL_LIBDIR library_file)
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/KestruneConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/KestruneConfig.cmake ${CMAKE_BINARY_DIR}/KestruneConfigVersion.cmake
+  DESTINATION ${package_folder})
+file(RELATIVE_PATH up /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" up ${up})
+configure_file(cmake/kestrune.pc.in ${CMAKE_BINARY_DIR}/kestrune.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/kestrune.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+set(documents ${CMAKE_INSTALL_DATAROOTDIR}/doc/kestrune)
+install(FILES README.md LICENSE CHANGELOG.md CITATION.cff DESTINATION ${documents})
+install(FILES data/NOTICE.md DESTINATION ${documents}/data)
+install(DIRECTORY docs bindings examples DESTINATION ${documents})
+install(DIRECTORY python/kestrune DESTINATION ${documents}/bindings/python FILES_MATCHING PATTERN _exports.py)

@@ -1,0 +1,223 @@
+"""The exports of @LIBRARY@ through ctypes, with nothing but the standard library.
+
+@MADE@
+
+    library = load("/opt/kestrune/lib/libKVGasThermo.so")
+    record = MixtureRecord.of(table, count)
+    status = library.FlashLVatTP(280.0, 30.0, z, record, None, 1, beta, x, y, K)
+
+A method of Library takes the words of the export of that name: numbers by value as Python numbers; a single value
+behind an address as c_double or c_int32; arrays as anything with a buffer of doubles (int32) in one piece (numpy,
+array.array, ctypes), for input also as a list. It raises TypeError for a wrong type or None, ValueError for a wrong
+length, before the library is called, and returns the status (STATUS has names and texts). library.raw holds the
+bare functions with their argtypes, which check nothing.
+Units: K, atm, cal/mol, cal/(mol K), cm3/mol, g/cm3 unless a word says otherwise.
+"""
+import ctypes
+import operator
+import sys
+from ctypes import POINTER, c_double, c_int32, c_uint8
+from typing import NamedTuple
+
+VERSION = "@VERSION@"
+LIBRARY = "@LIBRARY@"
+
+# Status: (name, text).
+STATUS = {
+@STATUSES@
+}
+
+# Columns of the component table, from 1.
+@COLUMNS@
+
+# Settings, routines of a host, phases and derivatives.
+@CONSTANTS@
+FREE_WATER_FLAG = 1
+
+
+class MixtureRecord(ctypes.Structure):
+    """A mixture and the settings of its calculations; 125 bytes, packed. All settings 0: the defaults."""
+    _pack_ = 1
+    _layout_ = "ms"
+    _fields_ = [
+@FIELDS@
+    ]
+
+    @classmethod
+    def of(cls, table, count):
+        """Record of count components; table: 43 * count doubles, column by column, kept alive by the record."""
+        record = cls()
+        record.count = _integer("count", count)
+        record._kept = _array(Word("table", "doubles", "in", "43*count", "", 0, ""), table, 43 * count, "43 * count")
+        record.table = ctypes.cast(record._kept, POINTER(c_double))
+        return record
+
+
+_OFFSETS = {@OFFSETS@}
+assert ctypes.sizeof(MixtureRecord) == @SIZE@, "MixtureRecord is not packed"
+assert all(getattr(MixtureRecord, name).offset == at for name, at in _OFFSETS.items()), "a field has moved"
+
+
+class ModelRoutines(ctypes.Structure):
+    """Addresses of a host's routines, entry k at k - 1; null: the library's own."""
+    _fields_ = [("entry", ctypes.c_void_p * ROUTINE_COUNT)]
+
+
+class Word(NamedTuple):
+    """One word of an argument list, as bindings/exports.toml has it."""
+    name: str
+    kind: str
+    dir: str
+    shape: str
+    unit: str
+    bit: int
+    doc: str
+
+
+# Export: (whether it returns a status, its words, what it does).
+EXPORTS = {
+@EXPORTS@
+}
+
+_NUMBERS = {"doubles": c_double, "ints": c_int32}
+_TYPES = {"double": c_double, "int": c_int32, "doubles": POINTER(c_double), "ints": POINTER(c_int32),
+          "record": POINTER(MixtureRecord), "routines": POINTER(ModelRoutines), "buffers": POINTER(POINTER(c_double))}
+_FORMATS = {"doubles": {"d", "<d", "=d"}, "ints": {"i", "l", "<i", "=i", "<l", "=l"}}
+
+
+def _integer(name, value):
+    if not hasattr(value, "__index__"):
+        raise TypeError(f"{name}: {type(value).__name__}, but an integer is needed")
+    number = operator.index(value)
+    if not -2**31 <= number < 2**31:
+        raise ValueError(f"{name}: {number} is no 32-bit integer")
+    return number
+
+
+def _real(name, value):
+    if isinstance(value, (str, bytes)) or not hasattr(value, "__float__") and not hasattr(value, "__index__"):
+        raise TypeError(f"{name}: {type(value).__name__}, but a number is needed")
+    return float(value)
+
+
+def _array(word, value, need, shape):
+    """ctypes array over the memory of value (a copy where it is only read)."""
+    number = _NUMBERS[word.kind]
+    noun = "doubles" if number is c_double else "32-bit integers"
+    if isinstance(value, (list, tuple)) and word.dir == "in":
+        if len(value) == need:
+            return (number * need)(*value)
+        raise ValueError(f"{word.name}: {len(value)} values, {need} ({shape}) are needed")
+    try:
+        view = memoryview(value)
+    except TypeError:
+        raise TypeError(f"{word.name}: {type(value).__name__}, but {noun} in one piece of memory are needed") from None
+    if view.format not in _FORMATS[word.kind] or view.itemsize != ctypes.sizeof(number):
+        raise TypeError(f"{word.name}: elements of format '{view.format}', but {noun} are needed")
+    if not view.c_contiguous or (view.readonly and word.dir != "in"):
+        raise TypeError(f"{word.name}: memory that is {'read-only' if view.readonly else 'not in one piece'}")
+    length = view.nbytes // view.itemsize
+    if length != need:
+        raise ValueError(f"{word.name}: {length} values, {need} ({shape}) are needed")
+    kind = number * need
+    return kind.from_buffer_copy(view) if view.readonly else kind.from_buffer(value)
+
+
+def _record(word, value):
+    if not isinstance(value, MixtureRecord):
+        raise TypeError(f"{word.name}: {type(value).__name__}, but a MixtureRecord is needed")
+    if value.count < 1 or not value.table:
+        raise ValueError(f"{word.name}: a record of {value.count} components {'with' if value.table else 'without'} a table")
+    return ctypes.byref(value)
+
+
+def _pointer(word, value, known, mask):
+    """What stands for one address in the call."""
+    if value is None and (word.kind == "routines" or (word.bit and not mask & word.bit)):
+        return None
+    if value is None:
+        raise TypeError(f"{word.name}: None, but {word.doc} is needed")
+    if word.kind == "record":
+        return _record(word, value)
+    if word.kind == "routines":
+        if not isinstance(value, ModelRoutines):
+            raise TypeError(f"{word.name}: {type(value).__name__}, but ModelRoutines or None is needed")
+        return ctypes.byref(value)
+    if word.shape == "1" and isinstance(value, _NUMBERS[word.kind]):
+        return ctypes.byref(value)
+    need = 1
+    for factor in word.shape.split("*"):
+        need *= max(0, known[factor]) if factor in known else int(factor)
+    return _array(word, value, need, word.shape.replace("*", " * "))
+
+
+class Library:
+    """The opened library; a method for every export."""
+
+    def __init__(self, path):
+        opener = ctypes.WinDLL if sys.platform == "win32" and ctypes.sizeof(ctypes.c_void_p) == 4 else ctypes.CDLL
+        self.raw = opener(str(path))
+        self._storage = None
+        for name, (status, words, _) in EXPORTS.items():
+            function = getattr(self.raw, name)
+            function.restype = c_int32 if status else None
+            function.argtypes = [_TYPES[word.kind] for word in words]
+
+    def _buffers(self, word, value, known):
+        """Six addresses; the buffers stay alive until others take their place. None: buffers of our own."""
+        nC, nG = known["nC"], known["nG"]
+        needs = (0, nG * nG, nG * nG, nC * nG, nG * nG, nG * nC * nC)
+        if value is None:
+            value = [(c_double * need)() for need in needs]
+        if len(value) != len(needs):
+            raise ValueError(f"{word.name}: six buffers are needed")
+        kept = [None] + [_array(Word(f"{word.name}[{k}]", "doubles", "out", "", "", 0, ""), value[k], needs[k], "doubles")
+                         for k in range(1, len(needs))]
+        addresses = [ctypes.cast(buffer, POINTER(c_double)) if buffer is not None else None for buffer in kept]
+        return kept, (POINTER(c_double) * len(needs))(*addresses)
+
+    def _call(self, name, arguments):
+        words = EXPORTS[name][1]
+        if len(arguments) != len(words):
+            raise TypeError(f"{name} takes {len(words)} arguments ({', '.join(w.name for w in words)}), "
+                            f"{len(arguments)} were given")
+        known, passed, kept = {}, [], None
+        for word, value in zip(words, arguments):
+            if word.kind == "int":
+                known[word.name] = _integer(word.name, value)
+            elif word.kind == "record":
+                _record(word, value)
+                known["count"] = value.count
+        for word, value in zip(words, arguments):
+            if word.kind == "double":
+                passed.append(_real(word.name, value))
+            elif word.kind == "int":
+                passed.append(known[word.name])
+            elif word.kind == "buffers":
+                kept, addresses = self._buffers(word, value, known)
+                passed.append(addresses)
+            else:
+                passed.append(_pointer(word, value, known, known.get("mask", 0)))
+        result = getattr(self.raw, name)(*passed)
+        if kept is not None:
+            self._storage = kept
+        return result
+
+
+def _method(name, words, doc):
+    def method(self, *arguments):
+        return self._call(name, arguments)
+
+    method.__name__ = name
+    lines = [f"    {w.name}: {w.doc}" + (f", {w.unit}" if w.unit else "") for w in words]
+    method.__doc__ = "\n".join([f"{doc}. Returns the status.", ""] + lines)
+    return method
+
+
+for _name, (_status, _words, _doc) in EXPORTS.items():
+    setattr(Library, _name, _method(_name, _words, _doc))
+
+
+def load(path):
+    """Opens the library file; its two siblings lie beside it. OSError where it cannot be loaded."""
+    return Library(path)
