@@ -9,7 +9,7 @@
 
 from __future__ import annotations
 
-from ._native import status_text
+from ._native import status_text, version
 from .curves import Critical, Curve, Envelope
 from .databank import Component, components
 from .errors import KestruneError, KestruneWarning
@@ -18,7 +18,6 @@ from .phases import Phase
 from .states import State
 from .units import Units
 
-__version__ = "0.2.0"
 __all__ = [
     "Component",
     "Critical",
@@ -33,3 +32,9 @@ __all__ = [
     "components",
     "status_text",
 ]
+
+
+def __getattr__(name: str) -> str:
+    if name == "__version__":
+        return version()
+    raise AttributeError(f"module 'kestrune' has no attribute {name!r}")

@@ -86,6 +86,7 @@ def library() -> ctypes.CDLL:
         function.argtypes = [*arguments, _S, _I]
         function.restype = _P if name == "ka_mixture" else _I
     loaded.ka_free.argtypes, loaded.ka_free.restype = [_P], None
+    loaded.ka_version.argtypes, loaded.ka_version.restype = [], _S
     loaded.ka_status_text.argtypes, loaded.ka_status_text.restype = [_I], _S
     text = ctypes.create_string_buffer(_ERROR_SIZE)
     if loaded.ka_open(os.fsencode(folder / _file_name("KVGasThermo")), text, _ERROR_SIZE) < 0:
@@ -118,6 +119,11 @@ def read_text(name: str, *arguments: Any) -> str:
 def status_text(status: int) -> str:
     """What a status means, in English."""
     return str(library().ka_status_text(int(status)).decode())
+
+
+def version() -> str:
+    """Version of the native library."""
+    return str(library().ka_version().decode())
 
 
 def packed(array: Any) -> np.ndarray:

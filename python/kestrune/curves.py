@@ -41,8 +41,8 @@ class Critical(NamedTuple):
         _native.call("ka_critical", mixture.handle, values.ctypes.data, status.ctypes.data)
         if status[0] != 0:
             raise KestruneError(int(status[0]), f"critical point of {mixture.title_or_names}")
-        quantities = ("temperature", "pressure", "molar volume")
-        return cls(*(units.from_si(q, np.asarray(v)) for q, v in zip(quantities, values)), float(values[3]))
+        T, P = _shown(values[0], values[1], units)
+        return cls(T, P, units.from_si("molar volume", values[2]), float(values[3]))
 
 
 class Curve:
@@ -72,7 +72,8 @@ class Curve:
             critical[:-1] = False
         self.kind = _words(kind, critical, fraction)
         self.T, self.P = units.from_si("temperature", T), units.from_si("pressure", P)
-        self.cricondentherm, self.cricondenbar = (_place(*pair, units) for pair in (extremes[:2], extremes[2:]))
+        self.cricondentherm = _place(extremes[0], extremes[1], units)
+        self.cricondenbar = _place(extremes[2], extremes[3], units)
         hottest = np.argsort(-T[critical])
         self.critical = [_place(t, p, units) for t, p in zip(T[critical][hottest], P[critical][hottest])]
         self._lines = _pieces(T, P, self.kind)
@@ -215,7 +216,8 @@ def _traced(
     T, P, kind = np.empty(capacity), np.empty(capacity), np.empty(capacity)
     extremes, range_of = np.empty(4), np.asarray(limits, dtype=float)
     found, status = np.empty(1, dtype=np.int32), np.empty(1, dtype=np.int32)
-    addresses = [a.ctypes.data for a in (T, P, kind, found, extremes, status)]
+    arrays: list[np.ndarray] = [T, P, kind, found, extremes, status]
+    addresses = [a.ctypes.data for a in arrays]
     _native.call("ka_envelope", mixture.handle, fraction, range_of.ctypes.data, points, capacity, *addresses)
     if status[0] >= 9000:
         raise KestruneError(int(status[0]), f"curve of {mixture.title_or_names}")
@@ -235,10 +237,12 @@ def _words(kind: np.ndarray, critical: np.ndarray, fraction: float) -> np.ndarra
     return np.where(critical, "critical", words).astype(str)
 
 
+def _shown(T: float, P: float, units: Units) -> tuple[Any, Any]:
+    return units.from_si("temperature", T), units.from_si("pressure", P)
+
+
 def _place(T: float, P: float, units: Units) -> Optional[tuple[Any, Any]]:
-    if not T > 0.0:
-        return None
-    return units.from_si("temperature", np.asarray(T)), units.from_si("pressure", np.asarray(P))
+    return _shown(T, P, units) if T > 0.0 else None
 
 
 def _pieces(T: np.ndarray, P: np.ndarray, kind: np.ndarray) -> list[tuple[str, int, int]]:

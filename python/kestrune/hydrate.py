@@ -90,8 +90,8 @@ class Hydrate:
     def _line(self, kind: int, molar_mass: float, percent: float) -> tuple[float, float]:
         # The curve is a straight line of T over ln P: its first and last point say all of it.
         T, P, status = np.empty(2), np.empty(2), np.empty(1, dtype=np.int32)
-        addresses = [a.ctypes.data for a in (T, P, status)]
-        _native.call("ka_hydrate", self._mixture.handle, kind, molar_mass, percent, 2, *addresses)
+        out = [T.ctypes.data, P.ctypes.data, status.ctypes.data]
+        _native.call("ka_hydrate", self._mixture.handle, kind, molar_mass, percent, 2, *out)
         if status[0] != 0:
             raise KestruneError(int(status[0]), "hydrate curve")
         slope = float((T[1] - T[0]) / math.log(P[1] / P[0]))

@@ -98,7 +98,8 @@ class Mixture:
             return cls(file.read() + "\n", basis, **options)
 
     def _build(self, recipe: tuple[Any, ...], units: Union[str, Units]) -> None:
-        self._recipe, self._units, self._water = recipe, Units.of(units), None
+        self._recipe, self._units = recipe, Units.of(units)
+        self._water: Optional[Water] = None
         arguments = [part.encode() if isinstance(part, str) else int(part) for part in recipe]
         self._handle = _native.call("ka_mixture", *arguments)
         self._finalizer = weakref.finalize(self, _native.library().ka_free, self._handle)

@@ -26,6 +26,8 @@ class State:
     ----------
     T, P : float or array
         Temperature and pressure in the units of the state, SI K and Pa; NaN where they were asked for and not found.
+    T_si, P_si : array
+        The same in K and Pa.
     status : int or array of int
         Status of each flash: 0 success, else see `status_text`.
     vapour, liquid, liquid2 : Phase
@@ -35,7 +37,7 @@ class State:
         The mixture; `z` is the feed where it was not that of the mixture.
     """
 
-    __slots__ = ("mixture", "units", "phases", "status", "z", "_T", "_P", "vapour", "liquid", "liquid2")
+    __slots__ = ("mixture", "units", "phases", "status", "z", "T_si", "P_si", "vapour", "liquid", "liquid2")
 
     def __init__(
         self,
@@ -51,8 +53,8 @@ class State:
         threads: Optional[int] = None,
     ) -> None:
         self.mixture, self.units, self.phases, self.z = mixture, units, phases, z
-        self._T, self._P = T, P
-        self.status = int(status) if status.ndim == 0 else status
+        self.T_si, self.P_si = T, P
+        self.status: Any = int(status) if status.ndim == 0 else status
         three = [*zip(("vapour", "liquid", "liquid2"), (GAS, LIQUID, LIQUID))]
         made = []
         for slot, (name, kind) in enumerate(three):
@@ -67,22 +69,22 @@ class State:
     @property
     def T(self) -> Any:
         """Temperature, SI K."""
-        return self.units.from_si("temperature", self._T)
+        return self.units.from_si("temperature", self.T_si)
 
     @property
     def P(self) -> Any:
         """Pressure, SI Pa."""
-        return self.units.from_si("pressure", self._P)
+        return self.units.from_si("pressure", self.P_si)
 
     @property
     def shape(self) -> tuple[int, ...]:
         """Shape of the states, ``()`` of a single one."""
-        return self._T.shape
+        return self.T_si.shape
 
     @property
     def size(self) -> int:
         """Number of states."""
-        return int(self._T.size)
+        return int(self.T_si.size)
 
     @property
     def ok(self) -> Any:
@@ -119,8 +121,8 @@ class State:
             self.mixture,
             self.units,
             self.phases,
-            np.asarray(self._T[key]),
-            np.asarray(self._P[key]),
+            np.asarray(self.T_si[key]),
+            np.asarray(self.P_si[key]),
             [np.asarray(phase.fraction[key]) for phase in parts],
             [phase.x[key] for phase in parts],
             np.asarray(self.status[key]),
@@ -130,13 +132,11 @@ class State:
     def __repr__(self) -> str:
         if self.shape:
             return f"<{self.size} states of {self.mixture.title_or_names}, {int(np.sum(self.ok))} with an answer>"
-        units = self.units
-        return (
-            f"<{self.mixture.title_or_names} at {self.T:.6g} {units.symbol('temperature')} and {self.P:.6g} "
-            f"{units.symbol('pressure')}: "
-            + " + ".join(f"{p.fraction:.6g} {p.name}" for p in self if p.fraction > 0.0)
-            + ">"
-        )
+        units = Units("si") if self.units.name == "pint" else self.units
+        T, P = units.from_si("temperature", self.T_si), units.from_si("pressure", self.P_si)
+        present = " + ".join(f"{p.fraction:.6g} {p.name}" for p in self if p.fraction > 0.0)
+        at = f"{T:.6g} {units.symbol('temperature')} and {P:.6g} {units.symbol('pressure')}"
+        return f"<{self.mixture.title_or_names} at {at}: {present}>"
 
     def status_text(self) -> str:
         """What the statuses mean, each that occurs on a line of its own with its number of states."""
@@ -237,7 +237,7 @@ class State:
         arrays = [np.asarray(phase.fraction) for phase in parts], [phase.x for phase in parts]
         return (
             State,
-            (self.mixture, self.units, self.phases, self._T, self._P, *arrays, np.asarray(self.status), self.z),
+            (self.mixture, self.units, self.phases, self.T_si, self.P_si, *arrays, np.asarray(self.status), self.z),
         )
 
 

@@ -59,7 +59,7 @@ class Water:
         at_T, at_P = _together(shown.to_si("temperature", T), shown.to_si("pressure", P))
         fraction, content = np.empty(at_T.shape), np.empty(at_T.shape)
         status = np.empty(at_T.shape, dtype=np.int32)
-        addresses = [a.ctypes.data for a in (fraction, content, status)]
+        out: list[np.ndarray] = [fraction, content, status]
         _native.call(
             "ka_saturation",
             self._mixture.handle,
@@ -69,10 +69,10 @@ class Water:
             at_P.ctypes.data,
             None,
             _native.thread_count(threads),
-            *addresses,
+            *(a.ctypes.data for a in out),
         )
         _raise_single(status, "water content")
-        return Saturation(*(a.item() if not a.shape else a for a in (fraction, content, status)))
+        return Saturation(*(a.item() if not a.shape else a for a in out))
 
     def dew_temperature(self, P: Any, *, water: Any = None, **options: Any) -> Any:
         """Temperature at which liquid water or ice begins to form at a pressure (SI K from Pa)."""

@@ -35,6 +35,9 @@ typedef struct KaMixture KaMixture;
 /* Opens the calculation library, its siblings beside it; once in a process, again with the same path does nothing. */
 KA_API int32_t ka_open(const char* library, char* text, int32_t size);
 
+/* Version of the build, "0.2.0". */
+KA_API const char* ka_version(void);
+
 /* Text of a status, never null. */
 KA_API const char* ka_status_text(int32_t status);
 

@@ -90,3 +90,7 @@ extern "C" int32_t ka_open(const char* path, char* text, int32_t size) {
 extern "C" const char* ka_status_text(int32_t status) {
   return kv_status_text(status);
 }
+
+extern "C" const char* ka_version(void) {
+  return KESTRUNE_ARRAYS_VERSION;
+}
