@@ -170,7 +170,7 @@ class Mixture:
         z : array, shape ``(..., count)``, optional
             Feeds, in the order of `names`, any sum; its leading shape broadcasts with the others.
         phases : {3, 2}
-            3: up to two liquids and a vapour. 2: liquid and vapour, about twice as fast and blind for a second liquid.
+            3: up to two liquids and a vapour. 2: liquid and vapour, two to three times as fast and blind for a second liquid.
         threads : int, optional
             Threads of the native loop; default one per processor. Results do not depend on it, to the last bit.
         units : str or Units, optional

@@ -16,7 +16,7 @@ if TYPE_CHECKING:
 __all__ = ["Phase"]
 
 #: Phases as the native library numbers them.
-GAS, LIQUID = 1, 2
+GAS, LIQUID, LIGHT = 1, 2, 3
 
 
 class _Row(NamedTuple):

@@ -8,7 +8,7 @@ import numpy as np
 
 from . import _native
 from .errors import GOOD
-from .phases import GAS, LIQUID, PROPERTIES, Phase, scalar
+from .phases import LIGHT, LIQUID, PROPERTIES, Phase, scalar
 from .units import Units
 
 if TYPE_CHECKING:
@@ -31,8 +31,8 @@ class State:
     status : int or array of int
         Status of each flash: 0 success, else see `status_text`.
     vapour, liquid, liquid2 : Phase
-        The phases. Of two liquids `liquid` is the lighter one; `liquid2` is absent where there is one, and always with
-        ``phases=2``. At a bubble or dew point the phase about to form has its composition and the fraction 0.
+        The phases. Of two liquids `liquid` is the lighter one; `liquid2` is absent where there is one. With ``phases=2``
+        it is always absent, and of two liquids the lighter one is called vapour. At a bubble or dew point the phase about to form has its composition and the fraction 0.
     mixture : Mixture
         The mixture; `z` is the feed where it was not that of the mixture.
     """
@@ -55,7 +55,7 @@ class State:
         self.mixture, self.units, self.phases, self.z = mixture, units, phases, z
         self.T_si, self.P_si = T, P
         self.status: Any = int(status) if status.ndim == 0 else status
-        three = [*zip(("vapour", "liquid", "liquid2"), (GAS, LIQUID, LIQUID))]
+        three = [*zip(("vapour", "liquid", "liquid2"), (LIGHT, LIQUID, LIQUID))]
         made = []
         for slot, (name, kind) in enumerate(three):
             if slot < len(x):

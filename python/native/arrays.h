@@ -108,8 +108,11 @@ enum KaProperty {
   KA_PROPERTY_COUNT
 };
 
+enum { KA_LIGHT = 3 };
+
 /*
- * Properties of the phase (1 gas, 2 liquid) at T, P [count].
+ * Properties of the phase at T, P [count]: 1 gas, 2 liquid, 3 the lighter phase of a flash, which is a gas unless it is
+ * packed like a liquid and the liquid root has the lower free enthalpy.
  *
  * x       [count * nc], or null: that of the mixture; a state whose T or first fraction is NaN has NaN and status 0
  * values  [KA_PROPERTY_COUNT * count] out, a row per property; rows that are not wanted may be anything

@@ -20,8 +20,8 @@ namespace {
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
 void check_phase(std::int32_t phase) {
-  if (phase != KV_PHASE_GAS && phase != KV_PHASE_LIQUID)
-    throw host::InputError("a phase is 1, gas, or 2, liquid");
+  if (phase != KV_PHASE_GAS && phase != KV_PHASE_LIQUID && phase != KA_LIGHT)
+    throw host::InputError("a phase is 1, gas, 2, liquid, or 3, the lighter one of a flash");
 }
 
 // Of an absent phase nothing is asked.
@@ -35,6 +35,41 @@ double molar_mass(const host::Mixture& mixture, const std::vector<double>& x) {
   return mass;
 }
 
+// One thread's phases. The lighter phase of a flash is a gas, but where it is packed like a liquid and the liquid root has
+// the lower free enthalpy.
+class OnePhase {
+ public:
+  OnePhase(const host::Exports& library, const host::Mixture& mixture, std::int32_t phase)
+      : library_(library), mixture_(mixture), phase_(phase) {}
+
+  bool is_gas(double T, double P, const double* x) {
+    x_.assign(x, x + mixture_.z.size());
+    molar_mass_ = molar_mass(mixture_, x_);
+    if (phase_ != KA_LIGHT) return phase_ == KV_PHASE_GAS;
+    host::PhaseState gas{host::PhaseKind::vapour, 1.0, 1.0, x_, molar_mass_, {}, false};
+    gas.properties = at(gas.kind, T, P, 1u << KA_VOLUME);
+    if (!host::is_packed(mixture_, gas)) return true;
+    constexpr auto G = host::Property::free_enthalpy;
+    constexpr unsigned wanted = 1u << KA_FREE_ENTHALPY;
+    return !(at(host::PhaseKind::liquid, T, P, wanted)[G] < at(gas.kind, T, P, wanted)[G]);
+  }
+
+  host::PropertyValues properties(double T, double P, const double* x, unsigned wanted) {
+    return at(is_gas(T, P, x) ? host::PhaseKind::vapour : host::PhaseKind::liquid, T, P, wanted);
+  }
+
+ private:
+  host::PropertyValues at(host::PhaseKind kind, double T, double P, unsigned wanted) const {
+    return host::phase_properties(library_, mixture_, kind, T, P, x_, molar_mass_, wanted);
+  }
+
+  const host::Exports& library_;
+  const host::Mixture& mixture_;
+  std::int32_t phase_;
+  std::vector<double> x_;
+  double molar_mass_ = 0.0;
+};
+
 }  // namespace
 
 extern "C" int32_t ka_properties(KaMixture* mixture, int32_t phase, int64_t count, const double* T,
@@ -44,18 +79,13 @@ extern "C" int32_t ka_properties(KaMixture* mixture, int32_t phase, int64_t coun
     check_phase(phase);
     const host::Mixture& m = mixture->mixture;
     const host::Exports& library = arrays::library();
-    const auto kind = phase == KV_PHASE_GAS ? host::PhaseKind::vapour : host::PhaseKind::liquid;
     const std::size_t nc = m.z.size();
     const arrays::Turn turn(mixture->mixture);
     arrays::for_each_state(count, threads, [&] {
-      return [&, composition = std::vector<double>(nc)](std::int64_t i) mutable {
+      return [&, one = OnePhase(library, m, phase)](std::int64_t i) mutable {
         const double* of = arrays::row(x, nc, i, m);
         host::PropertyValues found;
-        if (!absent(T[i], P[i], of)) {
-          composition.assign(of, of + nc);
-          found = host::phase_properties(library, m, kind, T[i], P[i], composition, molar_mass(m, composition),
-                                         static_cast<unsigned>(wanted));
-        }
+        if (!absent(T[i], P[i], of)) found = one.properties(T[i], P[i], of, static_cast<unsigned>(wanted));
         for (std::size_t p = 0; p < host::kPropertyCount; ++p)
           if (((wanted >> p) & 1) != 0) values[p * index(count) + index(i)] = found.values[p];
         status[i] = found.first_failure();
@@ -72,18 +102,19 @@ extern "C" int32_t ka_ln_phi(KaMixture* mixture, int32_t phase, int64_t count, c
     check_phase(phase);
     const host::Mixture& m = mixture->mixture;
     const host::Exports& library = arrays::library();
-    const auto fugacity =
-        phase == KV_PHASE_GAS ? library.GasPhi_Derivatives_PPR78 : library.LiquidPhi_Derivatives_PPR78;
     const std::size_t nc = m.z.size();
     const arrays::Turn turn(mixture->mixture);
     arrays::for_each_state(count, threads, [&] {
-      return [&, record = m.record](std::int64_t i) mutable {
+      return [&, record = m.record, one = OnePhase(library, m, phase)](std::int64_t i) mutable {
         const double* of = arrays::row(x, nc, i, m);
         double* out = ln_phi + index(i) * nc;
         status[i] = KV_OK;
         const bool skip = absent(T[i], P[i], of);
-        if (!skip)
+        if (!skip) {
+          const auto fugacity = one.is_gas(T[i], P[i], of) ? library.GasPhi_Derivatives_PPR78
+                                                           : library.LiquidPhi_Derivatives_PPR78;
           status[i] = fugacity(T[i], P[i] / kAtmInPa, of, &record, 2, 0, out, nullptr, nullptr, nullptr);
+        }
         if (skip || !host::has_value(status[i])) std::fill_n(out, nc, kNone);
       };
     });
