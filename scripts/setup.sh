@@ -12,6 +12,10 @@ export DEBIAN_FRONTEND=noninteractive
 
 required="cmake ninja-build g++ g++-mingw-w64-i686-posix libgtest-dev googletest libbenchmark-dev
   libcli11-dev nlohmann-json3-dev libfmt-dev python3"
+# The wheel, its tests and the packages that it uses where they are installed.
+python="python3-setuptools python3-wheel python3-build python3-pip python3-venv python3-numpy python3-pytest
+  python3-hypothesis python3-pandas python3-matplotlib python3-pint python3-distributed python3-nbformat"
+required="$required $python"
 optional="clang-format gnuplot-nox clang"
 wine="wine wine32:i386"
 

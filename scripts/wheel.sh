@@ -43,13 +43,15 @@ wheel() {
 run_tests() {
   place=$(mktemp -d /tmp/kestrune-wheel.XXXXXX) || fail "no temporary folder"
   trap 'rm -rf "$place"' EXIT
-  cp -r python/tests docs/tutorial.ipynb "$place/"
+  mkdir "$place/docs" "$place/python"
+  cp docs/python.md docs/tutorial.ipynb "$place/docs/"
+  cp -r python/tests "$place/python/"
   cd "$place" || fail "cannot enter $place"
   unset PYTHONPATH KESTRUNE_LIBRARIES
   "$python" -m venv --system-site-packages env || fail "no virtual environment"
   env/bin/python -m pip install -q --no-index --no-deps "$dist/kestrune-$version-py3-none-linux_x86_64.whl" ||
     fail "the wheel cannot be installed"
-  MPLBACKEND=agg env/bin/python -m pytest -q -p no:cacheprovider tests
+  MPLBACKEND=agg env/bin/python -m pytest -q -p no:cacheprovider python/tests
 }
 
 wheel native linux_x86_64 .so strip
