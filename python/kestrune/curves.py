@@ -137,9 +137,15 @@ class Envelope:
         if int(points) != points or not 0 <= points <= 100000:
             raise ValueError(f"points is a whole number from 0 to 100000, not {points!r}")
         limits = [
-            0.0 if value is None else float(shown.to_si(quantity, value))
-            for quantity, value in (("pressure", first_P), ("pressure", highest_P), ("temperature", lowest_T))
+            _limit(shown, name, quantity, value)
+            for name, quantity, value in (
+                ("first_P", "pressure", first_P),
+                ("highest_P", "pressure", highest_P),
+                ("lowest_T", "temperature", lowest_T),
+            )
         ]
+        if limits[0] >= limits[1] > 0.0:
+            raise ValueError(f"first_P is below highest_P, not {first_P!r} and {highest_P!r}")
         made = [Curve(mixture, fraction, limits, int(points), shown) for fraction in (1.0, *lines)]
         return cls(mixture, shown, made[0], dict(zip(lines, made[1:])))
 
@@ -186,9 +192,9 @@ class Envelope:
         for fraction, curve in self.quality.items():
             self._draw(ax, curve, f"vapour fraction {fraction:g}")
         for k, (T, P) in enumerate(self.critical):
-            ax.plot(T, P, "ko", label="critical" if k == 0 else None)
+            ax.plot(_bare(T), _bare(P), "ko", label="critical" if k == 0 else None)
         if points is not None:
-            ax.plot(np.ravel(points[0]), np.ravel(points[1]), "kx", label="states")
+            ax.plot(_bare(points[0]).ravel(), _bare(points[1]).ravel(), "kx", label="states")
         ax.set_xlabel(f"temperature, {self.units.symbol('temperature')}")
         ax.set_ylabel(f"pressure, {self.units.symbol('pressure')}")
         ax.legend()
@@ -200,13 +206,28 @@ class Envelope:
             style = ":" if "not stable" in word else "--" if word == "quality" else "-"
             name = label or word
             ax.plot(
-                curve.T[first:last],
-                curve.P[first:last],
+                _bare(curve.T)[first:last],
+                _bare(curve.P)[first:last],
                 style,
                 color=_COLOURS.get(word.split(" (")[0], "tab:orange"),
                 label=None if name in shown else name,
             )
             shown.add(name)
+
+
+def _limit(units: Units, name: str, quantity: str, value: Any) -> float:
+    """A limit in SI, 0 for the default."""
+    if value is None:
+        return 0.0
+    limit = units.to_si(quantity, value)
+    if limit.shape or not (np.isfinite(limit) and limit > 0.0):
+        raise ValueError(f"{name} is a {quantity} above zero, not {value!r}")
+    return float(limit)
+
+
+def _bare(values: Any) -> np.ndarray:
+    """Numbers of what may be pint quantities."""
+    return np.asarray(getattr(values, "magnitude", values))
 
 
 def _traced(

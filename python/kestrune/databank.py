@@ -38,14 +38,15 @@ def source_of(given: Any, name: str) -> str:
     if isinstance(given, Mapping) and "components" in given:
         return json.dumps(given, allow_nan=False)
     pairs = given.items() if hasattr(given, "items") else given
-    amounts: dict[str, Any] = {}
     try:
-        for component, amount in pairs:
-            if component in amounts:
-                raise ValueError(f"{component} is given twice")
-            amounts[component] = _amount(component, amount)
-    except TypeError:
+        listed = [(component, amount) for component, amount in pairs]
+    except (TypeError, ValueError):
         raise TypeError(f"a mixture is given as {{'methane': 0.9, 'ethane': 0.1}}, not {given!r}") from None
+    amounts: dict[str, Any] = {}
+    for component, amount in listed:
+        if component in amounts:
+            raise ValueError(f"{component} is given twice")
+        amounts[component] = _amount(component, amount)
     whole: dict[str, Any] = {"components": amounts}
     return json.dumps({"name": name, **whole} if name else whole)
 

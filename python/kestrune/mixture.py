@@ -266,11 +266,11 @@ class Mixture:
     def kij(self, T: float, units: Union[str, Units, None] = None) -> np.ndarray:
         """Interaction parameters k_ij that the model predicts at a temperature (SI K), shape ``(count, count)``."""
         shown = self._units if units is None else Units.of(units)
-        at = float(shown.to_si("temperature", T))
-        if not (math.isfinite(at) and at > 0.0):
-            raise ValueError(f"a temperature is above absolute zero, not {T!r}")
+        at = shown.to_si("temperature", T)
+        if at.shape or not (math.isfinite(at) and at > 0.0):
+            raise ValueError(f"k_ij have one temperature, above absolute zero, not {T!r}")
         values = np.empty((len(self.names), len(self.names)))
-        _native.call("ka_kij", self._handle, at, values.ctypes.data)
+        _native.call("ka_kij", self._handle, float(at), values.ctypes.data)
         return values
 
     def envelope(self, quality: Sequence[float] = (), **options: Any) -> Envelope:

@@ -91,10 +91,7 @@ class Units:
         """Numbers in these units, or pint quantities of any unit, as an array of floats in SI."""
         if _is_pint(value):
             return _from_pint(quantity, value, molar_mass)
-        try:
-            numbers = np.asarray(value, dtype=float)
-        except (TypeError, ValueError):
-            raise TypeError(f"{quantity} is a number or an array of numbers, not {value!r}") from None
+        numbers = _numbers(quantity, value)
         unit = self._table[quantity]
         return (numbers + unit.offset) * unit.scale(molar_mass)
 
@@ -106,6 +103,16 @@ class Units:
         if unit.factor == 1.0 and unit.offset == 0.0 and not unit.per_mass:
             return _plain(np.asarray(value))
         return _plain(np.asarray(value) / unit.scale(molar_mass) - unit.offset)
+
+
+def _numbers(quantity: str, value: Any) -> np.ndarray:
+    try:
+        raw = np.asarray(value)
+        if raw.dtype.kind in "iufO":  # no truth values, texts, dates or complex numbers
+            return raw.astype(float)
+    except (TypeError, ValueError):
+        pass
+    raise TypeError(f"{quantity} is a number or an array of numbers, not {value!r}")
 
 
 def _plain(array: np.ndarray) -> Any:
