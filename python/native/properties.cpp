@@ -13,7 +13,9 @@ using arrays::guarded;
 using arrays::index;
 using host::kAtmInPa;
 
-static_assert(KA_PROPERTY_COUNT == host::kPropertyCount);
+// The rows are the first ones of the host's properties.
+static_assert(static_cast<std::size_t>(KA_PROPERTY_COUNT) <= host::kPropertyCount &&
+              static_cast<int>(host::Property::normal_volume) == KA_NORMAL_VOLUME);
 
 namespace {
 
@@ -86,7 +88,7 @@ extern "C" int32_t ka_properties(KaMixture* mixture, int32_t phase, int64_t coun
         const double* of = arrays::row(x, nc, i, m);
         host::PropertyValues found;
         if (!absent(T[i], P[i], of)) found = one.properties(T[i], P[i], of, static_cast<unsigned>(wanted));
-        for (std::size_t p = 0; p < host::kPropertyCount; ++p)
+        for (std::size_t p = 0; p < KA_PROPERTY_COUNT; ++p)
           if (((wanted >> p) & 1) != 0) values[p * index(count) + index(i)] = found.values[p];
         status[i] = found.first_failure();
       };
