@@ -10,45 +10,14 @@
 #include <cfloat>
 #include <cmath>
 
+#include "support/lanes.hpp"
 #include "support/mathkernels.hpp"
 
 namespace kestrune::eos {
 
-Mixture mix(const Temperature& t, const double* x, double* __restrict s) noexcept {
-  const int n = t.n, ld = t.ld;
-  // Two columns at a time: half the loads and stores of s. The first ones set it.
-  int j = 2;
-  if (n < 2) {
-    for (int i = 0; i < ld; ++i) s[i] = x[0] * t.aij[i];
-  } else {
-    const double* __restrict c0 = t.aij;
-    const double* __restrict c1 = c0 + ld;
-    const double x0 = x[0], x1 = x[1];
-    for (int i = 0; i < ld; ++i) s[i] = x0 * c0[i] + x1 * c1[i];
-  }
-  for (; j + 1 < n; j += 2) {
-    const double* __restrict c0 = t.aij + static_cast<std::size_t>(j) * ld;
-    const double* __restrict c1 = c0 + ld;
-    const double x0 = x[j], x1 = x[j + 1];
-    for (int i = 0; i < ld; ++i) s[i] += x0 * c0[i] + x1 * c1[i];
-  }
-  if (j < n) {
-    const double* __restrict c0 = t.aij + static_cast<std::size_t>(j) * ld;
-    const double x0 = x[j];
-    for (int i = 0; i < ld; ++i) s[i] += x0 * c0[i];
-  }
-  Mixture m;
-  double a0 = 0.0, a1 = 0.0, b0 = 0.0, b1 = 0.0;
-  for (int i = 0; i < ld; i += 2) {
-    a0 += x[i] * s[i];
-    a1 += x[i + 1] * s[i + 1];
-    b0 += x[i] * t.b[i];
-    b1 += x[i + 1] * t.b[i + 1];
-  }
-  m.a = a0 + a1;
-  m.b = b0 + b1;
-  m.q = m.a / (m.b * kR * t.T);
-  return m;
+Mixture mix(const Temperature& t, const double* x, double* s) noexcept {
+  const support::Sums sums = support::lanes->combine(t.n, t.ld, t.aij, x, t.b, s);
+  return {sums.first, sums.second, sums.first / (sums.second * kR * t.T)};
 }
 
 double quadratic(const Temperature& t, const double* matrix, const double* x) noexcept {
@@ -139,12 +108,11 @@ int stable_root(const Temperature& t, frame::tools::KvBracub bracub, const Mixtu
   return status;
 }
 
-void ln_phi(const Temperature& t, const Mixture& m, const Root& r, const double* __restrict s,
-            double* __restrict out) noexcept {
+void ln_phi(const Temperature& t, const Mixture& m, const Root& r, const double* s, double* out) noexcept {
   const double c0 = -r.log_z_minus_B;
   const double cb = (r.z_minus_1 + m.q * r.phi) / m.b;
   const double cs = -2.0 * r.phi / (m.b * kR * t.T);
-  for (int i = 0; i < t.ld; ++i) out[i] = c0 + cb * t.b[i] + cs * s[i];
+  support::lanes->linear(t.ld, c0, cb, t.b, cs, s, out);
 }
 
 Mechanics mechanics(const Temperature& t, const Mixture& m, const Root& r) noexcept {
@@ -201,26 +169,20 @@ void dln_phi_dn(const Temperature& t, const Mixture& m, const Root& r, const Mec
   const double invb = 1.0 / m.b;
   const double rt = invb / (kR * t.T);
   const double pq = r.phi - r.psi;
-  // F_ij = g_aa a_ij + g_b (b_i + b_j) + g_bb b_i b_j + g_bs (b_i s_j + s_i b_j)
-  const double g_aa = -2.0 * r.phi * rt;
-  const double g_b = c * invb;
-  const double g_bb = (c * c - 2.0 * m.q * (pq - (0.5 * kU + kW * eta) * r.psi * r.psi)) * invb * invb;
-  const double g_bs = 2.0 * pq * rt * invb;
-  // 1 - (1 + h_i)(1 + h_j)/(1 + k), with h_i = h_0 + l_i: the unit is taken out of the difference.
+  // F_ij = g_a a_ij + g_b (b_i + b_j) + g_bb b_i b_j + g_bs (b_i s_j + s_i b_j), less
+  // (1 + h_i)(1 + h_j)/(1 + k) - 1 with h_i = h_0 + l_i, where the unit is taken out of the difference.
   const double inv_k = 1.0 / k.one_plus_k;
-  const double unit = ((r.z_minus_1 + k.eta_slope) - 2.0 * k.h_0 - k.h_0 * k.h_0) * inv_k;
-  const double e = -(1.0 + k.h_0) * inv_k;
-  for (int j = 0; j < t.n; ++j) {
-    const double* __restrict a = t.aij + static_cast<std::size_t>(j) * t.ld;
-    double* __restrict column = out + static_cast<std::size_t>(j) * ld_out;
-    const double bj = t.b[j], sj = s[j];
-    const double lj = k.h_b * bj + k.h_s * sj;
-    const double f = e - lj * inv_k;  // factor of l_i
-    const double c0 = unit + g_b * bj + e * lj;
-    const double cb = g_b + g_bb * bj + g_bs * sj + f * k.h_b;
-    const double cs = g_bs * bj + f * k.h_s;
-    for (int i = lower ? j & ~1 : 0; i < rows; ++i) column[i] = c0 + cb * t.b[i] + cs * s[i] + g_aa * a[i];
-  }
+  support::PairTerms p;
+  p.g_a = -2.0 * r.phi * rt;
+  p.g_b = c * invb;
+  p.g_bb = (c * c - 2.0 * m.q * (pq - (0.5 * kU + kW * eta) * r.psi * r.psi)) * invb * invb;
+  p.g_bs = 2.0 * pq * rt * invb;
+  p.unit = ((r.z_minus_1 + k.eta_slope) - 2.0 * k.h_0 - k.h_0 * k.h_0) * inv_k;
+  p.e = -(1.0 + k.h_0) * inv_k;
+  p.inv_k = inv_k;
+  p.h_b = k.h_b;
+  p.h_s = k.h_s;
+  support::lanes->pairs(p, t.n, t.ld, t.aij, t.b, s, out, ld_out, rows, lower);
 }
 
 }  // namespace kestrune::eos

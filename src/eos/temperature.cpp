@@ -16,7 +16,7 @@
 #include <cmath>
 
 #include "eos/constants.hpp"
-#include "support/mathkernels.hpp"
+#include "support/lanes.hpp"
 
 namespace kestrune::eos {
 namespace {
@@ -109,7 +109,7 @@ void group_interactions(double T, const frame::GroupData& data, const int* index
       r[p] = data.ratio[column + index[k]] - 1.0;
     }
   }
-  for (int q = 0; q < pairs; ++q) power[q] = a[q] * support::fast_exp(r[q] * log_ratio);
+  support::lanes->powers(pairs, a, r, log_ratio, power);
   p = 0;
   for (int l = 0; l < m; ++l) {
     for (int k = 0; k < l; ++k, ++p) {
@@ -122,43 +122,6 @@ void group_interactions(double T, const frame::GroupData& data, const int* index
     }
     g.A[l + l * m] = 0.0;
     if (order > 0) g.A_t[l + l * m] = g.A_tt[l + l * m] = 0.0;
-  }
-}
-
-// out(i, j) = b_i b_j (d_i + d_j - G_ij)/2 with d_i = e_i + G_ii/2 and G = f A f^T; the diagonal is given.
-void pair_matrix(int n, int ld, const Groups& g, const double* A, const double* e, const double* b,
-                 const double* diagonal, double* half, double* d, double* out) {
-  const int m = g.count;
-  // half = A f^T, kept as [ld * m]; then d_i.
-  for (int k = 0; k < m; ++k) {
-    double* __restrict h = half + k * ld;
-    for (int i = 0; i < ld; ++i) h[i] = 0.0;
-    for (int l = 0; l < m; ++l) {
-      const double w = A[l + k * m];
-      if (w == 0.0) continue;
-      const double* f = g.f + l * ld;
-      for (int i = 0; i < ld; ++i) h[i] += w * f[i];
-    }
-  }
-  for (int i = 0; i < ld; ++i) d[i] = 0.0;
-  for (int k = 0; k < m; ++k) {
-    const double* f = g.f + k * ld;
-    const double* h = half + k * ld;
-    for (int i = 0; i < ld; ++i) d[i] += f[i] * h[i];
-  }
-  for (int i = 0; i < n; ++i) d[i] = e[i] + 0.5 * d[i];
-  for (int j = 0; j < n; ++j) {
-    double* __restrict column = out + static_cast<std::size_t>(j) * ld;
-    for (int i = 0; i < ld; ++i) column[i] = d[i] + d[j];
-    for (int k = 0; k < m; ++k) {
-      const double w = g.f[j + k * ld];
-      if (w == 0.0) continue;
-      const double* h = half + k * ld;
-      for (int i = 0; i < ld; ++i) column[i] -= w * h[i];
-    }
-    const double scale = 0.5 * b[j];
-    for (int i = 0; i < ld; ++i) column[i] *= scale * b[i];
-    column[j] = diagonal[j];
   }
 }
 
@@ -234,8 +197,8 @@ StatusCode prepare(double T, const MixtureRecord& mixture, const frame::GroupDat
   const double* const diagonal[] = {c.a, c.a_t, c.a_tt};
   double* const out[] = {t.aij, t.aij_t, t.aij_tt};
   for (int k = 0; k <= order; ++k) {
-    for (int i = n; i < ld; ++i) d[i] = 0.0;
-    pair_matrix(n, ld, g, A[k], e[k], c.b, diagonal[k], half, d, out[k]);
+    support::lanes->group_sums(n, ld, g.count, g.f, A[k], e[k], c.b, half, d, out[k]);
+    for (int j = 0; j < n; ++j) out[k][static_cast<std::size_t>(j) * ld + j] = diagonal[k][j];
     if (g.unassigned) correct_unassigned(n, ld, g, e[k], c.b, out[k]);
   }
   return KV_OK;

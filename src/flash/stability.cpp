@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "support/lanes.hpp"
 #include "support/ldl.hpp"
 #include "support/mathkernels.hpp"
 
@@ -47,16 +48,7 @@ void compare(const Model& m, const Reference& ref, const TrialWork& work, Trial&
 
 // The composition of the amounts.
 void compose(const Model& m, Trial& t) {
-  double sum = 0.0;
-  for (int i = 0; i < m.ld; ++i) {
-    t.log_w[i] = t.log_w[i] < kLargestLogW ? t.log_w[i] : kLargestLogW;
-    t.w[i] = support::fast_exp(t.log_w[i]);
-  }
-  for (int i = m.n; i < m.ld; ++i) t.w[i] = 0.0;
-  for (int i = 0; i < m.n; ++i) sum += t.w[i];
-  t.sum = sum;
-  const double scale = 1.0 / sum;
-  for (int i = 0; i < m.ld; ++i) t.w[i] *= scale;
+  t.sum = support::lanes->shares(m.n, m.ld, kLargestLogW, t.log_w, t.w);
 }
 
 // ln phi of the trial, and what follows from it.
@@ -89,22 +81,13 @@ bool returns_to(const double* z, int n, bool quick, const TrialWork& work, const
          std::fabs(2.0 * t.tm - towards) < kTrivialRatio * towards;
 }
 
-// work.hessian = sqrt(w_i w_j) d ln phi_i/d n_j in its lower triangle, from work.root and dn.
-void scaled_derivatives(int n, int ld, const double* dn, const TrialWork& work) {
-  for (int j = 0; j < n; ++j) {
-    const double* __restrict column = dn + static_cast<std::size_t>(j) * ld;
-    double* __restrict h = work.hessian + static_cast<std::size_t>(j) * ld;
-    const double rj = work.root[j];
-    for (int i = j & ~1; i < ld; ++i) h[i] = rj * work.root[i] * column[i];
-  }
-}
-
 // Newton step in alpha = 2 sqrt(W). False when the matrix is not positive definite.
 bool second_order(Model& m, const TrialWork& work, Trial& t) {
   const int n = m.n, ld = m.ld;
   const double sum = t.sum;
   for (int i = 0; i < ld; ++i) work.root[i] = std::sqrt(t.w[i]);
-  scaled_derivatives(n, ld, work.dn, work);
+  // sqrt(w_i w_j) d ln phi_i/d n_j, lower triangle
+  support::lanes->scale(n, ld, work.root, work.dn, work.hessian);
   for (int j = 0; j < n; ++j) work.hessian[static_cast<std::size_t>(j) * ld + j] += 1.0 + 0.5 * work.r[j];
   ++m.counts.factorisations;
   if (!support::ldl_factor(n, ld, work.hessian, 1e-8)) return false;
@@ -118,13 +101,18 @@ bool second_order(Model& m, const TrialWork& work, Trial& t) {
 // W from sqrt(W) + factor * step/2, each amount kept within a factor of 100 of what it was. Returns the largest
 // change of ln W.
 double take_step(int n, double factor, const TrialWork& work, Trial& t) {
-  double largest = 0.0;
+  // The factors on sqrt(W), then their logarithms.
   for (int i = 0; i < n; ++i) {
     const double old = work.root[i];
     const double next = std::clamp(old + 0.5 * factor * work.step[i], 0.1 * old, 10.0 * old);
-    // A component with no amount to speak of follows by substitution.
-    const double change = old > 1e-100 ? 2.0 * support::fast_log(next / old) : -work.r[i];
+    work.step[i] = old > 1e-100 ? next / old : 1.0;
     work.old_root[i] = t.log_w[i];
+  }
+  for (int i = 0; i < n; ++i) work.step[i] = 2.0 * support::fast_log(work.step[i]);
+  double largest = 0.0;
+  for (int i = 0; i < n; ++i) {
+    // A component with no amount to speak of follows by substitution.
+    const double change = work.root[i] > 1e-100 ? work.step[i] : -work.r[i];
     t.log_w[i] += change;
     largest = std::max(largest, std::fabs(change));
   }
@@ -230,7 +218,7 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
 bool convex_with(Model& m, const double* x, const double* dn, double margin, const TrialWork& work) {
   const int n = m.n, ld = m.ld;
   for (int i = 0; i < ld; ++i) work.root[i] = i < n ? std::sqrt(x[i]) : 0.0;
-  scaled_derivatives(n, ld, dn, work);
+  support::lanes->scale(n, ld, work.root, dn, work.hessian);
   for (int j = 0; j < n; ++j) work.hessian[static_cast<std::size_t>(j) * ld + j] += 1.0 - margin;
   ++m.counts.factorisations;
   return support::ldl_factor(n, ld, work.hessian, 1e-10);

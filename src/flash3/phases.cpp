@@ -143,21 +143,21 @@ int phase_of(int h, int k) {
   return k < h ? k : k + 1;
 }
 
-// Scaled lower triangle of the Newton system without its shift.
-void newton_matrix(int n, int ld, const Phases& p, const PhasesWork& w) {
-  const int free = p.count - 1, size = free * ld;
+// Scaled lower triangle of the Newton system without its shift; unknown k * n + i, columns lead apart.
+void newton_matrix(int n, int ld, int lead, const Phases& p, const PhasesWork& w) {
+  const int free = p.count - 1;
   const PhaseMatrix H{p, w, ld};
   for (int kb = 0; kb < free; ++kb)
-    for (int b = 0; b < ld; ++b) {
-      const int ub = kb * ld + b;
-      double* const column = w.system + static_cast<std::size_t>(ub) * size;
-      std::fill(column + ub, column + size, 0.0);
+    for (int b = 0; b < n; ++b) {
+      const int ub = kb * n + b;
+      double* const column = w.system + static_cast<std::size_t>(ub) * lead;
+      std::fill(column + (ub & ~3), column + lead, 0.0);
       column[ub] = 1.0;
-      if (b >= n || !(w.scale[ub] > 0.0)) continue;
+      if (!(w.scale[ub] > 0.0)) continue;
       const int hb = w.home[b], jb = phase_of(hb, kb);
       for (int ka = kb; ka < free; ++ka)
         for (int a = ka == kb ? b : 0; a < n; ++a) {
-          const int ua = ka * ld + a;
+          const int ua = ka * n + a;
           if (!(w.scale[ua] > 0.0)) continue;
           const int ha = w.home[a], ja = phase_of(ha, ka);
           double value = 0.0;
@@ -186,10 +186,10 @@ void take_work(support::Arena& arena, int n, int ld, int most, PhasesWork& w) {
     w.moles[j] = arena.zeros(ld);
     w.saved[j] = arena.zeros(ld);
   }
-  const std::size_t unknowns = static_cast<std::size_t>(most - 1) * ld;
-  w.step = arena.zeros(unknowns);
-  w.scale = arena.zeros(unknowns);
-  w.system = arena.take(unknowns * unknowns);
+  const int unknowns = (most - 1) * n, lead = support::padded(unknowns);
+  w.step = arena.zeros(lead);
+  w.scale = arena.zeros(lead);
+  w.system = arena.take(static_cast<std::size_t>(unknowns) * lead);
   w.home = arena.take_ints(ld);
 }
 
@@ -245,12 +245,12 @@ StatusCode evaluate_phases(flash::Model& m, const double* z, Phases& p, const Ph
     for (int j = 1; j < p.count; ++j)
       if (p.amount[j] * p.x[j][i] > p.amount[home] * p.x[home][i]) home = j;
     w.home[i] = home;
-    const double at_home = support::fast_log(p.x[home][i]) + p.ln_phi[home][i];
+    double log_f[kRoom];  // ln of the fugacity over the pressure
+    for (int j = 0; j < p.count; ++j) log_f[j] = support::fast_log(p.x[j][i]) + p.ln_phi[j][i];
     for (int j = 0; j < p.count; ++j) {
       if (!(p.x[j][i] > 0.0)) continue;
-      const double here = support::fast_log(p.x[j][i]) + p.ln_phi[j][i];
-      p.gibbs += p.amount[j] * p.x[j][i] * here;
-      const double apart = std::fabs(here - at_home);
+      p.gibbs += p.amount[j] * p.x[j][i] * log_f[j];
+      const double apart = std::fabs(log_f[j] - log_f[home]);
       if (p.x[j][i] >= kAbsent) p.worst = std::max(p.worst, apart <= 1e300 ? apart : 1e300);
     }
   }
@@ -261,8 +261,10 @@ bool split_between(int n, const double* z, Phases& p, const PhasesWork& w) {
   for (int i = 0; i < n; ++i) {
     double least = p.ln_phi[0][i];
     for (int j = 1; j < p.count; ++j) least = std::min(least, p.ln_phi[j][i]);
-    for (int j = 0; j < p.count; ++j) w.e[j][i] = support::fast_exp(least - p.ln_phi[j][i]);
+    for (int j = 0; j < p.count; ++j) w.e[j][i] = least - p.ln_phi[j][i];
   }
+  for (int j = 0; j < p.count; ++j)
+    for (int i = 0; i < n; ++i) w.e[j][i] = support::fast_exp(w.e[j][i]);
   const SplitFunction f{n, p.count, z, w.e};
   double a[kRoom];
   for (int j = 0; j < p.count; ++j) a[j] = std::max(p.amount[j], 0.02);
@@ -284,14 +286,14 @@ bool split_between(int n, const double* z, Phases& p, const PhasesWork& w) {
 }
 
 bool newton_direction(flash::Model& m, const double* z, const Phases& p, const PhasesWork& w) {
-  const int n = m.n, ld = m.ld, free = p.count - 1, size = free * ld;
+  const int n = m.n, ld = m.ld, free = p.count - 1, size = free * n, lead = support::padded(size);
   for (int j = 0; j < p.count; ++j)
     for (int i = 0; i < ld; ++i) w.saved[j][i] = p.amount[j] * p.x[j][i];
   for (int k = 0; k < free; ++k)
-    for (int i = 0; i < ld; ++i) {
-      const int u = k * ld + i;
+    for (int i = 0; i < n; ++i) {
+      const int u = k * n + i;
       w.scale[u] = w.step[u] = 0.0;
-      if (i >= n || !(z[i] > 0.0)) continue;
+      if (!(z[i] > 0.0)) continue;
       const int h = w.home[i], j = phase_of(h, k);
       if (!(w.saved[j][i] > kUnknownAmount)) continue;
       w.scale[u] = std::sqrt(w.saved[j][i]);
@@ -299,24 +301,24 @@ bool newton_direction(flash::Model& m, const double* z, const Phases& p, const P
     }
   double shift = 0.0;
   for (;;) {
-    newton_matrix(n, ld, p, w);
-    for (int u = 0; u < size; ++u) w.system[static_cast<std::size_t>(u) * size + u] += shift;
+    newton_matrix(n, ld, lead, p, w);
+    for (int u = 0; u < size; ++u) w.system[static_cast<std::size_t>(u) * lead + u] += shift;
     ++m.counts.factorisations;
-    if (support::ldl_factor(size, size, w.system, kSmallestPivot)) break;
+    if (support::ldl_factor(size, lead, w.system, kSmallestPivot)) break;
     shift = shift > 0.0 ? 8.0 * shift : kFirstShift;
     if (!(shift < kLargestShift)) return false;
   }
-  support::ldl_solve(size, size, w.system, w.step);
+  support::ldl_solve(size, lead, w.system, w.step);
   for (int u = 0; u < size; ++u) w.step[u] *= w.scale[u];
   return true;
 }
 
-double change_of_amount(int n, int ld, const Phases& p, const PhasesWork& w, int j) {
+double change_of_amount(int n, const Phases& p, const PhasesWork& w, int j) {
   double change = 0.0;
   for (int i = 0; i < n; ++i)
     for (int k = 0; k < p.count - 1; ++k) {
-      if (phase_of(w.home[i], k) == j) change += w.step[k * ld + i];
-      if (w.home[i] == j) change -= w.step[k * ld + i];
+      if (phase_of(w.home[i], k) == j) change += w.step[k * n + i];
+      if (w.home[i] == j) change -= w.step[k * n + i];
     }
   return change;
 }
@@ -327,8 +329,8 @@ void take_step(int n, int ld, double part, Phases& p, const PhasesWork& w) {
     const int h = w.home[i];
     for (int k = 0; k < p.count - 1; ++k) {
       const int j = phase_of(h, k);
-      const double d = std::clamp(part * w.step[k * ld + i], -kTaken * w.saved[j][i],
-                                  kTaken / (p.count - 1) * w.saved[h][i]);
+      const double d =
+          std::clamp(part * w.step[k * n + i], -kTaken * w.saved[j][i], kTaken / (p.count - 1) * w.saved[h][i]);
       w.moles[j][i] += d;
       w.moles[h][i] -= d;
     }

@@ -34,8 +34,8 @@ struct Phases {
 struct PhasesWork {
   double *e[kRoom], *dn[kRoom];         // [ld], [ld * n]
   double *moles[kRoom], *saved[kRoom];  // [ld]
-  double *step, *scale;                 // [(most - 1) ld]
-  double* system;                       // [(most - 1)^2 ld ld]
+  double *step, *scale;                 // [(most - 1) n] padded
+  double* system;                       // [(most - 1) n] columns of as many, padded
   int* home;                            // [n] the phase that holds most of a component
 };
 
@@ -71,7 +71,7 @@ bool split_between(int n, const double* z, Phases& p, const PhasesWork& w);
 bool newton_direction(flash::Model& m, const double* z, const Phases& p, const PhasesWork& w);
 
 /* Change of the amount of phase j over the whole step. */
-double change_of_amount(int n, int ld, const Phases& p, const PhasesWork& w, int j);
+double change_of_amount(int n, const Phases& p, const PhasesWork& w, int j);
 
 /* Amounts and compositions after a part of the step. No amount of a component loses more than nine tenths. */
 void take_step(int n, int ld, double part, Phases& p, const PhasesWork& w);

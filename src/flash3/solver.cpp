@@ -123,8 +123,8 @@ bool newton_step(Run& r) {
   const int n = r.m.n, ld = r.m.ld;
   const bool three = r.p.count == kMostPhases;
   const double V = r.p.amount[kV], beta = r.p.amount[kA], before = r.p.gibbs;
-  const double dV = three ? change_of_amount(n, ld, r.p, r.w, kV) : 0.0;
-  const double dA = three ? change_of_amount(n, ld, r.p, r.w, kA) : 0.0;
+  const double dV = three ? change_of_amount(n, r.p, r.w, kV) : 0.0;
+  const double dA = three ? change_of_amount(n, r.p, r.w, kA) : 0.0;
   double factor = r.accepted ? 1.0 : r.factor;
   for (; factor >= kSmallestRelaxation; factor *= 0.5) {
     const double part = three ? within_logit(beta, dA, within_logit(V, dV, factor)) : factor;

@@ -12,9 +12,9 @@ namespace kestrune::support {
 
 inline constexpr std::size_t kAlignment = 16;
 
-// Components padded to whole vectors of two doubles; the padding of every padded array holds zeros.
+// Components padded to whole vectors of four doubles; the padding of every padded array holds zeros.
 inline constexpr int padded(int n) {
-  return (n + 1) & ~1;
+  return (n + 3) & ~3;
 }
 
 class Arena {

@@ -2,9 +2,12 @@
 
 #include <cstddef>
 
+#include "support/lanes.hpp"
+
 namespace kestrune::support {
 
 bool ldl_factor(int n, int ld, double* a, double floor) noexcept {
+  if (ld % 4 == 0) return lanes->ldl_factor(n, ld, a, floor);
   for (int j = 0; j < n; ++j) {
     double* __restrict cj = a + static_cast<std::size_t>(j) * ld;
     const double pivot = cj[j];

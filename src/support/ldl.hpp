@@ -6,7 +6,7 @@ namespace kestrune::support {
 
 /*
  * Factors a[ld * n] in place: unit lower triangle below the diagonal, 1/D on it. Only the lower triangle is
- * read. Returns false when a pivot is not above floor (the matrix is not safely positive definite); a is then
+ * read; up to three elements above the diagonal are spoilt. Returns false when a pivot is not above floor (the matrix is not safely positive definite); a is then
  * spoilt.
  */
 bool ldl_factor(int n, int ld, double* a, double floor) noexcept;

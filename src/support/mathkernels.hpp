@@ -4,7 +4,6 @@
 #ifndef KESTRUNE_SUPPORT_MATHKERNELS_HPP
 #define KESTRUNE_SUPPORT_MATHKERNELS_HPP
 
-#include <bit>
 #include <cstdint>
 
 namespace kestrune::support {
@@ -20,7 +19,7 @@ inline constexpr double kRound = 6755399441055744.0;
 }  // namespace kernel
 
 // e^x for -708 <= x <= 709; clamped to that range outside. NaN gives an unspecified number.
-inline double fast_exp(double x) {
+[[gnu::always_inline]] inline double fast_exp(double x) {
   x = x > -708.0 ? x : -708.0;
   x = x < 709.0 ? x : 709.0;
   const double shifted = x * kernel::kLog2e + kernel::kRound;
@@ -37,19 +36,19 @@ inline double fast_exp(double x) {
   const double p = (p01 + r2 * p23) + r4 * ((p45 + r2 * p67) + r4 * p89);
   const double e = 1.0 + (r + r2 * p);
   // The integer n stands in the low bits of shifted; two halves keep 2^n a normal number.
-  const std::uint64_t power = std::bit_cast<std::uint64_t>(shifted) << 52;
-  return std::bit_cast<double>(std::bit_cast<std::uint64_t>(e) + power);
+  const std::uint64_t power = __builtin_bit_cast(std::uint64_t, shifted) << 52;
+  return __builtin_bit_cast(double, __builtin_bit_cast(std::uint64_t, e) + power);
 }
 
 // ln x for normal positive x (at least 2.3e-308). Zero and subnormal numbers give about -708.
-inline double fast_log(double x) {
+[[gnu::always_inline]] inline double fast_log(double x) {
   x = x > 2.2250738585072014e-308 ? x : 2.2250738585072014e-308;
   // x = 2^k m with m in [sqrt(1/2), sqrt(2)).
-  const std::uint64_t bits = std::bit_cast<std::uint64_t>(x);
+  const std::uint64_t bits = __builtin_bit_cast(std::uint64_t, x);
   const std::uint64_t offset = bits + (0x3ff0000000000000ULL - 0x3fe6a09e667f3bcdULL);
   const std::uint64_t exponent = offset >> 52;  // k + 1023
-  const double m = std::bit_cast<double>((offset & 0x000fffffffffffffULL) + 0x3fe6a09e667f3bcdULL);
-  const double k = std::bit_cast<double>(exponent | 0x4330000000000000ULL) - (4503599627370496.0 + 1023.0);
+  const double m = __builtin_bit_cast(double, (offset & 0x000fffffffffffffULL) + 0x3fe6a09e667f3bcdULL);
+  const double k = __builtin_bit_cast(double, exponent | 0x4330000000000000ULL) - (4503599627370496.0 + 1023.0);
   const double f = m - 1.0;
   const double s = f / (2.0 + f);
   const double t = s * s;
@@ -65,7 +64,7 @@ inline double fast_log(double x) {
 }
 
 // atanh x for |x| <= 0.1716, to full relative precision.
-inline double small_atanh(double x) {
+[[gnu::always_inline]] inline double small_atanh(double x) {
   const double t = x * x, t2 = t * t;
   const double q01 = 0.66666666666666696862 + t * 0.3999999999989950449;
   const double q23 = 0.28571428625975484921 + t * 0.22222211134795079855;
