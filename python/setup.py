@@ -11,7 +11,7 @@ from wheel.bdist_wheel import bdist_wheel
 
 PLATFORM = os.environ.get("KESTRUNE_WHEEL_PLATFORM")
 if not PLATFORM or not list((Path(__file__).parent / "kestrune" / "_lib").glob("*kestrune_arrays*")):
-    raise SystemExit("kestrune is built by scripts/wheel.sh of its repository, which puts the native libraries into place")
+    raise SystemExit("kestrune is built by scripts/wheel.sh of its repository, which adds the native libraries")
 
 
 class NativeDistribution(Distribution):

@@ -3,9 +3,9 @@
     cmake --build build/native --target kestrune_arrays native_loop
     KESTRUNE_LIBRARIES=build/native/bin PYTHONPATH=python python3 python/bench/bench_states.py [STATES]
 
-States: 150 to 350 K and 1 to 150 bar, at random with a fixed seed, of the two gases of bench/README.md. Both run in turn,
-three times, and the best of each counts: processor time, which other work on the machine disturbs little, and the clock.
-The rate per thread is that of the processor time. Both must find the same sum of vapour fractions.
+States: 150 to 350 K and 1 to 150 bar, at random with a fixed seed, of the two gases of bench/README.md. Both run in
+turn, three times, and the best of each counts: processor time, which other work on the machine disturbs little, and the
+clock. The rate per thread is that of the processor time. Both must find the same sum of vapour fractions.
 """
 
 import struct
@@ -33,7 +33,9 @@ def native(text: str, phases: int, file: Path) -> tuple[float, float, float]:
     return float(processor), float(clock), float(total)
 
 
-def python(mixture: kestrune.Mixture, T: np.ndarray, P: np.ndarray, phases: int, threads: int) -> tuple[float, float, float]:
+def python(
+    mixture: kestrune.Mixture, T: np.ndarray, P: np.ndarray, phases: int, threads: int
+) -> tuple[float, float, float]:
     clock, processor = time.perf_counter(), time.process_time()
     state = mixture.flash(T, P, phases=phases, threads=threads)
     return time.process_time() - processor, time.perf_counter() - clock, float(np.sum(state.beta))

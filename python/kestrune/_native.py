@@ -74,6 +74,15 @@ def _file_name(name: str) -> str:
     return f"lib{name}.so"
 
 
+def _path_bytes(path: Path) -> bytes:
+    """A path for the native library, which on Windows reads the code page of the system."""
+    try:
+        return str(path).encode("mbcs") if sys.platform == "win32" else os.fsencode(path)
+    except UnicodeEncodeError:
+        why = "has characters outside the code page of the system: install kestrune in another folder"
+        raise ImportError(f"{path} {why}") from None
+
+
 @functools.lru_cache(maxsize=None)
 def library() -> ctypes.CDLL:
     """The native library with KVGasThermo opened, loaded at the first call."""
@@ -89,7 +98,7 @@ def library() -> ctypes.CDLL:
     loaded.ka_version.argtypes, loaded.ka_version.restype = [], _S
     loaded.ka_status_text.argtypes, loaded.ka_status_text.restype = [_I], _S
     text = ctypes.create_string_buffer(_ERROR_SIZE)
-    if loaded.ka_open(os.fsencode(folder / _file_name("KVGasThermo")), text, _ERROR_SIZE) < 0:
+    if loaded.ka_open(_path_bytes(folder / _file_name("KVGasThermo")), text, _ERROR_SIZE) < 0:
         raise ImportError(text.value.decode(errors="replace"))
     return loaded
 

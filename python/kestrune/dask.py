@@ -1,7 +1,8 @@
 """Flashes of large tables over the workers of dask.distributed.
 
 The workers need this package in the same version, nothing else. A task that is lost with its worker is run again on
-another one, and a state's result depends on nothing but the state: what comes back is that of `Mixture.flash`, to the bit.
+another one, and the result of a state depends on nothing but the state: what comes back is that of `Mixture.flash`,
+to the bit.
 """
 
 from __future__ import annotations

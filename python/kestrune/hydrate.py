@@ -83,7 +83,9 @@ class Hydrate:
         if not (math.isfinite(percent) and 0.0 <= percent <= 70.0):
             raise ValueError(f"the inhibitor is 0 to 70 % of the solution by mass, not {percent!r}")
         if inhibitor is None and percent != 0.0:
-            raise ValueError("a percentage needs an inhibitor: methanol, MEG, DEG, TEG, NaCl, KCl, CaCl2 or a molar mass")
+            raise ValueError(
+                "a percentage needs an inhibitor: methanol, MEG, DEG, TEG, NaCl, KCl, CaCl2 or a molar mass"
+            )
         line = self._line(*_inhibitor_of(inhibitor), percent)
         return line, self._line(0, 0.0, 0.0)[0] - line[0]
 

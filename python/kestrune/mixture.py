@@ -69,7 +69,18 @@ class Mixture:
     holds what is to be known of it: amounts that were normalised, interactions taken as zero.
     """
 
-    __slots__ = ("_recipe", "_handle", "_units", "_info", "_finalizer", "_water", "names", "z", "molar_masses", "__weakref__")
+    __slots__ = (
+        "_recipe",
+        "_handle",
+        "_units",
+        "_info",
+        "_finalizer",
+        "_water",
+        "names",
+        "z",
+        "molar_masses",
+        "__weakref__",
+    )
 
     def __init__(
         self,
@@ -88,8 +99,8 @@ class Mixture:
             raise ValueError("a solubility has no effect without free_water=True")
         limits = "" if solubility is None else ",".join(repr(float(v)) for v in solubility)
         tuning = ",".join(f"{key}={value!r}" for key, value in (settings or {}).items())
-        source = source_of(components, name)
-        self._build((source, basis or "", str(set), bool(allow_missing_pairs), False, bool(free_water), limits, tuning), units)
+        flags = bool(allow_missing_pairs), False, bool(free_water)
+        self._build((source_of(components, name), basis or "", str(set), *flags, limits, tuning), units)
 
     @classmethod
     def from_file(cls, path: Union[str, os.PathLike[str]], basis: Optional[str] = None, **options: Any) -> Mixture:
@@ -170,7 +181,8 @@ class Mixture:
         z : array, shape ``(..., count)``, optional
             Feeds, in the order of `names`, any sum; its leading shape broadcasts with the others.
         phases : {3, 2}
-            3: up to two liquids and a vapour. 2: liquid and vapour, two to three times as fast and blind for a second liquid.
+            3: up to two liquids and a vapour. 2: liquid and vapour, two to three times as fast and blind for a second
+            liquid.
         threads : int, optional
             Threads of the native loop; default one per processor. Results do not depend on it, to the last bit.
         units : str or Units, optional
@@ -200,7 +212,8 @@ class Mixture:
         columns = [_native.packed(np.broadcast_to(v, shape)) for v in values]
         if feed is not None:
             feed = _native.packed(np.broadcast_to(feed, (*shape, len(self.names))))
-        state = State(self, shown, phases, *calls.flash(self, kind, phases, columns, feed, shape, threads), feed, threads)
+        found = calls.flash(self, kind, phases, columns, feed, shape, threads)
+        state = State(self, shown, phases, *found, feed, threads)
         if not shape and state.status not in GOOD:
             raise KestruneError(state.status, f"flash of {self.title_or_names}")
         return state

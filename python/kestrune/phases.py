@@ -64,8 +64,8 @@ class Phase:
     """One phase of one or many states, with the shape of the states.
 
     A phase that is absent has the fraction 0 and NaN for everything else. Every property is calculated when it is first
-    read, for all states at once, from the exports of the library for this phase. A property of a single state that fails
-    raises `KestruneError`; one of many is NaN and stands in `property_status`.
+    read, for all states at once, from the exports of the library for this phase. A property of a single state that
+    fails raises `KestruneError`; one of many is NaN and stands in `property_status`.
 
     Attributes
     ----------
@@ -77,7 +77,19 @@ class Phase:
         Mole fractions.
     """
 
-    __slots__ = ("name", "fraction", "x", "_T", "_P", "_mixture", "_units", "_kind", "_threads", "_values", "_statuses")
+    __slots__ = (
+        "name",
+        "fraction",
+        "x",
+        "_T",
+        "_P",
+        "_mixture",
+        "_units",
+        "_kind",
+        "_threads",
+        "_values",
+        "_statuses",
+    )
 
     Z = _Property("Compressibility factor, P v/(R T).")
     density = _Property("Mass density, SI kg/m3; of the equation of state, without volume translation.")

@@ -31,8 +31,9 @@ class State:
     status : int or array of int
         Status of each flash: 0 success, else see `status_text`.
     vapour, liquid, liquid2 : Phase
-        The phases. Of two liquids `liquid` is the lighter one; `liquid2` is absent where there is one. With ``phases=2``
-        it is always absent, and of two liquids the lighter one is called vapour. At a bubble or dew point the phase about to form has its composition and the fraction 0.
+        The phases. Of two liquids `liquid` is the lighter one; `liquid2` is absent where there is one. With
+        ``phases=2`` it is always absent, and of two liquids the lighter one is called vapour. At a bubble or dew point
+        the phase about to form has its composition and the fraction 0.
     mixture : Mixture
         The mixture; `z` is the feed where it was not that of the mixture.
     """

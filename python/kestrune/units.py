@@ -52,8 +52,8 @@ class Units:
     ----------
     name : str
         ``"si"`` (K, Pa, J/mol), ``"engineering"`` (C, bar, kJ/kg), ``"field"`` (F, psia, Btu/lb), a pair such as
-        ``"C,bar"``, with a third one for energies ``"C,bar,kJ/kmol"``, or ``"pint"``: results are pint quantities in SI.
-        The names are those of the command line. ValueError for another one.
+        ``"C,bar"``, with a third one for energies ``"C,bar,kJ/kmol"``, or ``"pint"``: results are pint quantities in
+        SI. The names are those of the command line. ValueError for another one.
     """
 
     __slots__ = ("name", "_table")

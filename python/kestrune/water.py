@@ -32,9 +32,9 @@ class Water:
     Notes
     -----
     ``method="eos"`` is a balance of fugacities in the gas and in liquid water or ice, 150 to 640 K; ``"chart"`` a chart
-    correlation with acid-gas correction (Bukacek 1955, Maddox 1974), 233.15 to 510.93 K. Whether the mixture is a gas at
-    the state is not looked at. `water` is its mole fraction in the wet gas, default that of the mixture. A single state
-    without an answer raises KestruneError; of an array it has NaN.
+    correlation with acid-gas correction (Bukacek 1955, Maddox 1974), 233.15 to 510.93 K. Whether the mixture is a gas
+    at the state is not looked at. `water` is its mole fraction in the wet gas, default that of the mixture. A single
+    state without an answer raises KestruneError; of an array it has NaN.
     """
 
     __slots__ = ("_mixture",)
