@@ -1,7 +1,7 @@
 """A million flashes of the Python package against the same loop in C++.
 
     cmake --build build/native --target kestrune_arrays native_loop
-    KESTRUNE_LIBRARIES=build/native/bin PYTHONPATH=python python3 python/bench/bench_states.py [STATES]
+    KESTRUNE_LIBRARIES=build/native/bin PYTHONPATH=python python3 python/bench/bench_states.py [STATES [GAS PHASES]]
 
 States: 150 to 350 K and 1 to 150 bar, at random with a fixed seed, of the two gases of bench/README.md. Both run in
 turn, three times, and the best of each counts: processor time, which other work on the machine disturbs little, and the
@@ -54,6 +54,8 @@ def main() -> None:
         for name, text in GASES.items():
             mixture = kestrune.Mixture(text)
             for phases in (2, 3):
+                if sys.argv[2:] not in ([], [name, str(phases)]):
+                    continue
                 runs = [
                     (native(text, phases, file), *(python(mixture, T, P, phases, threads) for threads in (1, 2)))
                     for _ in range(3)
