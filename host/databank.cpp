@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "error.hpp"
+#include "kestrune/records.h"
 #include "text.hpp"
 
 namespace kestrune::host {
@@ -83,7 +84,9 @@ void refuse_more_than_a_name(std::string_view name) {
   std::string advice = fmt::format("write {} for that component", known);
   if (rest == "+" || rest == "-")
     advice = fmt::format(
-        "a fraction of several components is written as these, or as one that stands for it ({})", known);
+        "a fraction of several components is described by --fraction \"name={}, M=..., SG=...\" or [fraction {}] in a file, "
+        "or written as one that stands for it ({})",
+        whole, whole, known);
   else if (rest == "=")
     advice = fmt::format("write ethylene, propylene or 1-butene for an alkene, {} for that component", known);
   throw InputError(
@@ -111,7 +114,7 @@ std::string word_too_many(const std::string& key) {
     if (found.size() != 1) continue;
     if (word != "plus") return fmt::format(", write {}, which may be in any phase", found.front()->name);
     return fmt::format(
-        ", a fraction of several components is written as these, or as one that stands for it ({})",
+        ", a fraction of several components is described by --fraction, or written as one that stands for it ({})",
         found.front()->name);
   }
   return "";
@@ -180,9 +183,12 @@ std::string_view group_name(int group) {
 
 std::string groups_in_words(const Component& component) {
   std::vector<std::string> pieces;
+  int total = 0;
+  for (int k = 0; k < component.group_count; ++k) total += component.groups[static_cast<std::size_t>(k)].count;
   for (int k = 0; k < component.group_count; ++k) {
     const GroupCount& g = component.groups[static_cast<std::size_t>(k)];
-    pieces.push_back(fmt::format("{} {}", g.count, group_name(g.group)));
+    pieces.push_back(total > 1000 ? fmt::format("{:.1f} % {}", 100.0 * g.count / total, group_name(g.group))
+                                  : fmt::format("{} {}", g.count, group_name(g.group)));
   }
   return pieces.empty() ? "none" : joined(pieces, " + ");
 }

@@ -35,7 +35,7 @@ std::vector<std::string_view> aliases_of(const Component& component);
 // Name of a group, index from 1.
 std::string_view group_name(int group);
 
-// Groups of a component in words, "2 CH3 + 1 CH2"; "none" without groups.
+// Groups of a component in words, "2 CH3 + 1 CH2", in percent where they are those of a fraction; "none" without groups.
 std::string groups_in_words(const Component& component);
 
 // A set of group interactions.

@@ -78,13 +78,15 @@ void add_sum(Property property, const std::vector<Share>& all, PropertyValues& s
   if (std::isfinite(sum) || !has_value(status)) sums.set(property, status, sum);
 }
 
-// The library's flash: temperature, pressure, vapour fraction and compositions of the state.
-void solve(const Exports& library, Mixture& mixture, Equilibrium& s) {
-  constexpr std::int32_t cold_start = 1;
+// The library's flash: temperature, pressure, vapour fraction and compositions of the state. At a vapour fraction it
+// may go on from a start, whose compositions are in the state already.
+void solve(const Exports& library, Mixture& mixture, Equilibrium& s, const Equilibrium* start = nullptr) {
+  const std::int32_t cold_start = start == nullptr ? 1 : 0;
   const double *z = mixture.z.data(), first = s.values[0], second = s.values[1];
   double *x = s.x.data(), *y = s.y.data(), *K = s.K.data();
   MixtureRecord* record = &mixture.record;
-  double T = 0.0, atm = 0.0, of_liquid = 0.0, of_vapour = 0.0;
+  double T = start == nullptr ? 0.0 : start->T, atm = start == nullptr ? 0.0 : start->P / kAtmInPa;
+  double of_liquid = 0.0, of_vapour = 0.0;
   switch (s.given) {
     case Given::TP:
       s.T = T = first;
@@ -127,13 +129,23 @@ void add_phase(const Exports& library, const Mixture& mixture, PhaseKind kind, d
   state.phases.push_back(phase);
 }
 
+void add_volume_fractions(Equilibrium& state) {
+  double whole = 0.0;
+  for (const PhaseState& p : state.phases)
+    if (p.mole_fraction > 0.0) whole += p.mole_fraction * p.properties[Property::molar_volume];
+  for (PhaseState& p : state.phases)
+    p.volume_fraction =
+        p.mole_fraction > 0.0 ? p.mole_fraction * p.properties[Property::molar_volume] / whole : 0.0 * whole;
+  state.overall.volume_fraction = whole / whole;
+}
+
 void add_overall(const Exports& library, const Mixture& mixture, Equilibrium& state) {
   state.overall = {PhaseKind::overall, 1.0, 1.0, mixture.z, mixture.molar_mass, {}, false};
   PropertyValues& sums = state.overall.properties;
   const std::vector<Share> all = shares(library, mixture, state);
   if (all.size() == 1) {
     sums = all.front().properties;
-    return;
+    return add_volume_fractions(state);
   }
   for (const Property p :
        {Property::molar_volume, Property::enthalpy, Property::entropy, Property::free_enthalpy}) {
@@ -143,6 +155,7 @@ void add_overall(const Exports& library, const Mixture& mixture, Equilibrium& st
   if (std::isfinite(v)) {
     sums.set(Property::density, sums.status(Property::molar_volume), 1e-3 * mixture.molar_mass / v);
   }
+  add_volume_fractions(state);
 }
 
 bool has_one_root(const Exports& library, const Mixture& mixture, const PhaseState& phase, double T, double P) {
@@ -188,6 +201,14 @@ double Equilibrium::liquid_fraction(bool aqueous) const {
   return sum;
 }
 
+double Equilibrium::liquid_volume() const {
+  double sum = 0.0;
+  for (const PhaseState& p : phases) {
+    if (!is_gas(p.kind)) sum += p.volume_fraction;
+  }
+  return sum;
+}
+
 StatusCode Equilibrium::first_failure() const {
   StatusCode result = status;
   for (const PhaseState& p : phases) result = combined(result, p.properties.first_failure());
@@ -217,10 +238,10 @@ std::string phases_in_words(const Equilibrium& state) {
   return both && !state.three && state.stable ? "two-phase" : names;
 }
 
-Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double first, double second) {
-  const std::vector<double> none(mixture.z.size());
-  Equilibrium s{given, {first, second}, kNone, kNone, true, KV_OK, 0.0, none, none, none, kNone, {}, {}};
-  solve(library, mixture, s);
+namespace {
+
+// The phases of what the library has found.
+Equilibrium with_phases(const Exports& library, const Mixture& mixture, Equilibrium s) {
   if (!s.answered()) return s;
   if (s.beta > 0.0 || s.of_fraction()) add_phase(library, mixture, PhaseKind::vapour, s.beta, s.y, s);
   if (s.beta < 1.0 || s.of_fraction()) add_liquids(library, mixture, s);
@@ -229,11 +250,29 @@ Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double 
   return s;
 }
 
+}  // namespace
+
+Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double first, double second) {
+  const std::vector<double> none(mixture.z.size());
+  Equilibrium s{given, {first, second}, kNone, kNone, true, KV_OK, 0.0, none, none, none, kNone, {}, {}};
+  solve(library, mixture, s);
+  return with_phases(library, mixture, s);
+}
+
+Equilibrium flash_from(const Exports& library, Mixture& mixture, Given given, double first, double second,
+                       const Equilibrium& start) {
+  Equilibrium s{given,   {first, second}, kNone,   kNone, true, KV_OK, 0.0,
+                start.x, start.y,         start.K, kNone, {},   {}};
+  solve(library, mixture, s, &start);
+  return with_phases(library, mixture, s);
+}
+
 Equilibrium single_phase_at_TP(const Exports& library, const Mixture& mixture, PhaseKind kind, double T,
                                double P) {
   const double beta = kind == PhaseKind::vapour ? 1.0 : 0.0;
   Equilibrium s{Given::TP, {T, P}, T, P, false, KV_OK, beta, {}, {}, {}, T, {}, {}};
   add_phase(library, mixture, kind, 1.0, mixture.z, s);
+  s.phases.front().volume_fraction = 1.0;
   const PhaseState& phase = s.phases.front();
   const bool packed = is_packed(mixture, phase), gas = kind == PhaseKind::vapour;
   if (packed == gas && has_one_root(library, mixture, phase, T, P) &&

@@ -25,6 +25,7 @@ struct PhaseState {
   bool aqueous;  // see is_aqueous
   // Of a gas that holds water, and of a liquid rich in carbon dioxide: its water at saturation, by the balance of the command water; else NaN.
   double saturation = kNone;
+  double volume_fraction = kNone;  // of the whole; NaN where a phase has no volume (free water)
 };
 
 // The enthalpy or entropy of the coldest or the hottest state, beyond which the one that was asked for lies.
@@ -62,6 +63,7 @@ struct Equilibrium {
   bool iterate_left() const;
   const PhaseState* phase(PhaseKind kind) const;  // null when absent
   double liquid_fraction(bool aqueous) const;     // moles of the aqueous or of the other liquids
+  double liquid_volume() const;                   // volume of all liquids; NaN where a phase has none
   StatusCode first_failure() const;               // of this call, then of the properties; else 0
   bool extrapolated() const;                      // see PropertyValues
 };
@@ -77,6 +79,10 @@ std::string phases_in_words(const Equilibrium& state);
 // phase that is about to form is one of them, with fraction 0. The values are in base units and in the order of
 // quantities_of. The mixture has been handed over to the library.
 Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double first, double second);
+
+// The same flash at a vapour fraction from a warm start: a state with two phases close to the answer, whose branch it stays on.
+Equilibrium flash_from(const Exports& library, Mixture& mixture, Given given, double first, double second,
+                       const Equilibrium& start);
 
 // The same with up to three phases: vapour, hydrocarbon liquid and aqueous liquid (or free water), or two
 // liquids that are both hydrocarbon or both aqueous, the light and the heavy one.

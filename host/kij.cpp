@@ -31,11 +31,14 @@ double group_energy(const Mixture& m, const std::vector<double>& a, std::size_t 
 
 }  // namespace
 
-double alpha_1978(double T, double Tc, double omega) {
+double slope_1978(double omega) {
   const double w = omega;
-  const double m = w <= 0.491 ? 0.37464 + w * (1.54226 - 0.26992 * w)
-                              : 0.379642 + w * (1.48503 + w * (-0.164423 + 0.016666 * w));
-  const double root = 1.0 + m * (1.0 - std::sqrt(T / Tc));
+  return w <= 0.491 ? 0.37464 + w * (1.54226 - 0.26992 * w)
+                    : 0.379642 + w * (1.48503 + w * (-0.164423 + 0.016666 * w));
+}
+
+double alpha_1978(double T, double Tc, double omega) {
+  const double root = 1.0 + slope_1978(omega) * (1.0 - std::sqrt(T / Tc));
   return root * root;
 }
 
@@ -60,6 +63,8 @@ std::vector<double> binary_interactions(const Mixture& m, double T, const CubicC
 }
 
 bool is_incomplete(const Mixture& m, int i, int j) {
+  const auto constant = [&](const ConstantPair& p) { return p.i == std::min(i, j) && p.j == std::max(i, j); };
+  if (std::any_of(m.constants.begin(), m.constants.end(), constant)) return false;
   const auto bare = [&](int c) { return m.components[static_cast<std::size_t>(c)].group_count == 0; };
   return i != j &&
          (bare(i) || bare(j) || std::any_of(m.missing.begin(), m.missing.end(), [&](const MissingPair& p) {

@@ -13,6 +13,9 @@ struct CubicConstants {
   double omega_b_r = 6.3840346;         // cm3 atm/(mol K): 0.0778 * 82.057
 };
 
+// m(omega) of the 1978 form.
+double slope_1978(double omega);
+
 // alpha(T) of the 1978 form, (1 + m (1 - sqrt(T/Tc)))^2.
 double alpha_1978(double T, double Tc, double omega);
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "error.hpp"
+#include "pure.hpp"
 #include "text.hpp"
 
 #ifdef _WIN32
@@ -151,7 +152,7 @@ std::vector<std::string> exports_of_pure() {
 
 // A sibling that the library needs, looked for as it does: in its own folder, where an installation has it, by its bare
 // name. It cannot go on without it or its exports, and says so by ending the program.
-void check_sibling(const std::string& library, const char* name, const std::vector<std::string>& exports) {
+void* open_sibling(const std::string& library, const char* name, const std::vector<std::string>& exports) {
   const std::size_t slash = library.find_last_of(kSeparators);
   const std::string folder = slash == std::string::npos ? std::string() : library.substr(0, slash + 1);
   std::string reason;
@@ -169,6 +170,7 @@ void check_sibling(const std::string& library, const char* name, const std::vect
         fmt::format("{} beside {} is another library or another version: it lacks {} of {} exports, "
                     "{} for one. Copy the three libraries from one build",
                     name, library, missing, exports.size(), first));
+  return handle;
 }
 
 }  // namespace
@@ -200,9 +202,28 @@ Exports load_library(const std::string& path) {
         fmt::format("{} is not the calculation library that this program needs; it does not export {}", path,
                     joined(missing, ", ")));
   }
-  check_sibling(path, kPureName, exports_of_pure());
-  check_sibling(path, kToolsName, {std::begin(kTools), std::end(kTools)});
+  open_sibling(path, kPureName, exports_of_pure());
+  open_sibling(path, kToolsName, {std::begin(kTools), std::end(kTools)});
   return exports;
+}
+
+PureExports load_pure_library(const std::string& library_path) {
+  void* handle = open_sibling(library_path, kPureName, exports_of_pure());
+  PureExports exports{};
+  for (const PurePropertyInfo& info : all_pure_properties())
+    exports.properties[static_cast<std::size_t>(info.property)] =
+        reinterpret_cast<KvPureProperty>(find_symbol(handle, (std::string(info.entry) + "_EX").c_str()));
+  exports.info = reinterpret_cast<decltype(exports.info)>(find_symbol(handle, "CorrelationInfo"));
+  return exports;
+}
+
+PetroleumTools load_petroleum_tools(const std::string& library_path) {
+  void* handle = open_sibling(library_path, kToolsName, {std::begin(kTools), std::end(kTools)});
+  PetroleumTools tools;
+  tools.CalcKUOP = reinterpret_cast<decltype(tools.CalcKUOP)>(find_symbol(handle, "CalcKUOP"));
+  tools.CalcSG = reinterpret_cast<decltype(tools.CalcSG)>(find_symbol(handle, "CalcSG"));
+  tools.MeABP = reinterpret_cast<decltype(tools.MeABP)>(find_symbol(handle, "MeABP"));
+  return tools;
 }
 
 }  // namespace kestrune::host

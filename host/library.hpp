@@ -4,6 +4,7 @@
 #include <string>
 
 #include "kestrune/kvgasthermo.h"
+#include "kestrune/kvtoolslite.h"
 
 namespace kestrune::host {
 
@@ -61,5 +62,15 @@ std::string default_library_path();
 // Opens a library file and resolves all exports; InputError that names the file and what is missing. The
 // library stays open until the program ends, for it keeps addresses of the host's buffers.
 Exports load_library(const std::string& path);
+
+// The petroleum entries of the tools library.
+struct PetroleumTools {
+  decltype(&::CalcKUOP) CalcKUOP = nullptr;
+  decltype(&::CalcSG) CalcSG = nullptr;
+  decltype(&::MeABP) MeABP = nullptr;
+};
+
+// Opens the tools library that belongs to a calculation library; InputError as above.
+PetroleumTools load_petroleum_tools(const std::string& library_path);
 
 }  // namespace kestrune::host

@@ -6,12 +6,78 @@
 #include <cmath>
 #include <numeric>
 
+#include "definition.hpp"
 #include "error.hpp"
+#include "text.hpp"
 #include "units.hpp"
 
 namespace kestrune::host {
 
 namespace {
+
+// Whether a name as it is written stands for this component.
+bool names_same(std::string_view name, const Component& component) {
+  const std::string key = search_key(name);
+  if (key == search_key(component.name) || (!component.fraction.empty() && key == search_key(component.fraction)))
+    return true;
+  return component.number > 0 && names_component(name) && find_component(name).number == component.number;
+}
+
+bool is_constant(const Mixture& m, std::size_t i, std::size_t j) {
+  const int low = static_cast<int>(std::min(i, j)), high = static_cast<int>(std::max(i, j));
+  return std::any_of(m.constants.begin(), m.constants.end(),
+                     [&](const ConstantPair& p) { return p.i == low && p.j == high; });
+}
+
+// The constant k_ij that definitions ask for. A component without groups takes 0 for those that are not named.
+void fill_constants(const Composition& from, const std::vector<int>& definition_of, Mixture& m) {
+  const int n = m.count();
+  for (int i = 0; i < n; ++i) {
+    const int index = definition_of[static_cast<std::size_t>(i)];
+    if (index < 0) continue;
+    const Definition& d = from.definitions[static_cast<std::size_t>(index)];
+    std::vector<std::string> zero;
+    for (int j = 0; j < n; ++j) {
+      if (j == i || is_constant(m, static_cast<std::size_t>(i), static_cast<std::size_t>(j))) continue;
+      const Component& other = m.components[static_cast<std::size_t>(j)];
+      const auto named = [&](const auto& entry) { return names_same(entry.first, other); };
+      auto found = std::find_if(d.kij.begin(), d.kij.end(), named);
+      if (found == d.kij.end())
+        found = std::find_if(d.kij.begin(), d.kij.end(), [](const auto& e) { return search_key(e.first) == "other"; });
+      if (found == d.kij.end() && m.components[static_cast<std::size_t>(i)].group_count > 0) continue;
+      // Two of the user's own: the other may name this one.
+      const int theirs = definition_of[static_cast<std::size_t>(j)];
+      if (found == d.kij.end() && theirs > index) continue;
+      if (found == d.kij.end()) zero.push_back(other.name);
+      m.constants.push_back({std::min(i, j), std::max(i, j), found == d.kij.end() ? 0.0 : found->second});
+    }
+    if (!zero.empty()) m.notes.push_back(fmt::format("{}: k_ij with {} taken as 0", d.name, joined(zero, ", ")));
+  }
+}
+
+// The components of a composition, with those of the user's own and the pieces of fractions in their places.
+std::vector<int> expand(const Composition& from, Composition& to, std::vector<std::string>& notes) {
+  std::vector<int> definition_of;
+  std::vector<double> amounts;
+  for (std::size_t i = 0; i < from.components.size(); ++i) {
+    const int index = from.definition_of(from.components[i]);
+    if (index < 0) {
+      to.components.push_back(from.components[i]);
+      amounts.push_back(from.amounts[i]);
+      definition_of.push_back(-1);
+      continue;
+    }
+    const Realised realised = realise(from.definitions[static_cast<std::size_t>(index)], from.library);
+    for (const Part& part : realised.parts) {
+      to.components.push_back(part.component);
+      amounts.push_back(from.amounts[i] * (from.basis == Basis::mass ? part.mass : part.moles));
+      definition_of.push_back(index);
+    }
+    notes.insert(notes.end(), realised.notes.begin(), realised.notes.end());
+  }
+  to.amounts = amounts;
+  return definition_of;
+}
 
 // Mole fractions and molar mass from the amounts.
 void fill_fractions(const Composition& from, Mixture& m) {
@@ -49,7 +115,10 @@ void fill_table(Mixture& m) {
     set(KV_COL_DIPOLE, c.dipole);
     set(KV_COL_TMIN_PSAT, c.Tmin_vapour_pressure);
     set(KV_COL_FAMILY, c.family);
-    set(KV_COL_CAS, c.cas_number);
+    set(KV_COL_CAS, c.own_cp.Tmax > 0.0 ? 0.0 : c.cas_number);
+    for (std::size_t k = 0; k < c.own_cp.c.size(); ++k) set(KV_COL_CP_A + static_cast<int>(k), c.own_cp.c[k]);
+    set(KV_COL_CP_TMIN, c.own_cp.Tmin);
+    set(KV_COL_CP_TMAX, c.own_cp.Tmax);
   }
 }
 
@@ -68,6 +137,13 @@ void fill_record(Mixture& m) {
   m.record.sum_tolerance = KV_DEFAULT_SUM_TOLERANCE;
 }
 
+// Whether every pair of component i has a constant k_ij.
+bool all_constant(const Mixture& m, int i) {
+  for (std::size_t j = 0; j < m.components.size(); ++j)
+    if (j != static_cast<std::size_t>(i) && !is_constant(m, static_cast<std::size_t>(i), j)) return false;
+  return true;
+}
+
 // Groups that occur and how often; one group of counts zero when no component has any.
 void fill_counts(Mixture& m) {
   for (const Component& c : m.components) {
@@ -80,7 +156,7 @@ void fill_counts(Mixture& m) {
   m.counts.assign(nG * m.components.size(), 0);
   for (std::size_t i = 0; i < m.components.size(); ++i) {
     const Component& c = m.components[i];
-    if (c.group_count == 0) m.uncovered.push_back(static_cast<int>(i));
+    if (c.group_count == 0 && !all_constant(m, static_cast<int>(i))) m.uncovered.push_back(static_cast<int>(i));
     for (int k = 0; k < c.group_count; ++k) {
       const GroupCount& g = c.groups[static_cast<std::size_t>(k)];
       const auto row = std::lower_bound(m.groups.begin(), m.groups.end(), g.group) - m.groups.begin();
@@ -95,9 +171,10 @@ bool differs(const Mixture& m, std::size_t k, std::size_t i, std::size_t j) {
   const auto nG = static_cast<std::ptrdiff_t>(m.groups.size());
   const auto total = [&](std::size_t c) {
     const auto column = begin + static_cast<std::ptrdiff_t>(c) * nG;
-    return std::accumulate(column, column + nG, 0);
+    return std::accumulate(column, column + nG, std::int64_t{0});
   };
-  return m.counts[i * m.groups.size() + k] * total(j) != m.counts[j * m.groups.size() + k] * total(i);
+  const auto count = [&](std::size_t c) { return std::int64_t{m.counts[c * m.groups.size() + k]}; };
+  return count(i) * total(j) != count(j) * total(i);
 }
 
 // Every pair of components that needs the interaction of groups k and l (rows), which has no value.
@@ -105,7 +182,7 @@ void note_missing(Mixture& m, std::size_t k, std::size_t l) {
   const auto covered = [&](std::size_t i) { return m.components[i].group_count > 0; };
   for (std::size_t i = 0; i < m.components.size(); ++i) {
     for (std::size_t j = i + 1; j < m.components.size(); ++j) {
-      if (covered(i) && covered(j) && differs(m, k, i, j) && differs(m, l, i, j)) {
+      if (covered(i) && covered(j) && !is_constant(m, i, j) && differs(m, k, i, j) && differs(m, l, i, j)) {
         m.missing.push_back({m.groups[k], m.groups[l], static_cast<int>(i), static_cast<int>(j)});
       }
     }
@@ -140,13 +217,22 @@ Mixture build_mixture(const Composition& composition, const InteractionSet& set)
   Mixture m;
   m.title = composition.title;
   m.set_name = set.name;
-  m.components = composition.components;
-  m.basis = composition.basis;
-  fill_fractions(composition, m);
+  m.notes = composition.notes;
+  Composition whole;
+  whole.basis = composition.basis;
+  const std::vector<int> definition_of = expand(composition, whole, m.notes);
+  m.components = whole.components;
+  for (const Component& c : m.components)
+    if (!std::isfinite(c.omega))
+      throw InputError(fmt::format("{} has no acentric factor in the databank: it stands there for its data alone", c.name));
+  m.basis = whole.basis;
+  fill_fractions(whole, m);
+  fill_constants(composition, definition_of, m);
   fill_table(m);
   fill_record(m);
   fill_counts(m);
   fill_interactions(set, m);
+  add_constant_groups(m);
   return m;
 }
 
@@ -165,6 +251,23 @@ double share_of(const Mixture& mixture, const std::vector<double>& x,
   return share;
 }
 
+double FractionPieces::sum(const std::vector<double>& x) const {
+  double total = 0.0;
+  for (const std::size_t i : pieces) total += x[i];
+  return total;
+}
+
+std::vector<FractionPieces> fractions_in(const Mixture& mixture) {
+  std::vector<FractionPieces> found;
+  for (std::size_t i = 0; i < mixture.components.size(); ++i) {
+    const std::string& name = mixture.components[i].fraction;
+    if (name.empty() || mixture.components[i].name == name) continue;
+    if (found.empty() || found.back().name != name) found.push_back({name, {}});
+    found.back().pieces.push_back(i);
+  }
+  return found;
+}
+
 void Mixture::hand_over(const Exports& library) {
   const std::size_t nC = components.size(), nG = groups.size();
   A_atm.assign(nG * nG, 0.0);
@@ -174,6 +277,7 @@ void Mixture::hand_over(const Exports& library) {
   differences.assign(nG * nC * nC, 0.0);
   storage = {nullptr, A_atm.data(), B_atm.data(), fractions.data(), ratio.data(), differences.data()};
   library.ConvertPPR78GroupData(count(), group_count(), counts.data(), A.data(), B.data(), storage.data());
+  set_constant_shares(*this);
 }
 
 std::vector<std::string> missing_in_words(const Mixture& m, double least) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "composition.hpp"
+#include "constant_kij.hpp"
 #include "databank.hpp"
 #include "library.hpp"
 
@@ -31,7 +32,8 @@ struct Mixture {
   std::vector<double> table;  // [43 * count], see ComponentTable
   MixtureRecord record;
 
-  std::vector<int> groups;           // groups that occur, index from 1, ascending
+  std::vector<int> groups;           // groups that occur, index from 1, ascending; 0: of the constant k_ij
+  std::size_t own_groups = 0;        // of the molecules, in front of those of the constant k_ij
   std::vector<std::int32_t> counts;  // [nG * nC], group fastest
   std::vector<double> A, B;          // [nG * nG], MPa, column-major
   std::vector<double> A_atm, B_atm, fractions, ratio, differences;
@@ -39,6 +41,8 @@ struct Mixture {
 
   std::vector<MissingPair> missing;  // pairs whose interaction counts as zero
   std::vector<int> uncovered;        // components without any groups, indices from 0
+  std::vector<ConstantPair> constants;  // pairs with a constant k_ij
+  std::vector<std::string> notes;       // on components of the user's own and fractions, a sentence each
 
   Mixture() = default;
   Mixture(const Mixture&) = delete;  // record and storage hold addresses of the vectors
@@ -62,6 +66,15 @@ double share_of(const Mixture& mixture, const std::vector<double>& x,
 inline double share_of(const Mixture& mixture, const std::vector<double>& x, std::int32_t cas_number) {
   return share_of(mixture, x, {&cas_number, 1});
 }
+
+// The fractions of more than one piece and the indices of these, in the order of the components.
+struct FractionPieces {
+  std::string name;
+  std::vector<std::size_t> pieces;
+
+  double sum(const std::vector<double>& x) const;
+};
+std::vector<FractionPieces> fractions_in(const Mixture& mixture);
 
 // Builds everything but the converted buffers. InputError without components or with all amounts zero.
 Mixture build_mixture(const Composition& composition, const InteractionSet& set);

@@ -27,7 +27,11 @@ constexpr PropertyInfo kProperties[kPropertyCount] = {
     {Prop::viscosity, Q::viscosity, "viscosity", "visc.", "viscosity_Pa_s"},
     {Prop::conductivity, Q::conductivity, "thermal conductivity", "cond.", "thermal_conductivity_W_m_K"},
     {Prop::normal_density, Q::density, "normal density (0 C, 1 atm)", "normal", "normal_density_kg_m3"},
-    {Prop::normal_volume, Q::ratio, "normal m3 in one m3", "Nm3/m3", "normal_m3_per_m3"}};
+    {Prop::normal_volume, Q::ratio, "normal m3 in one m3", "Nm3/m3", "normal_m3_per_m3"},
+    {Prop::standard_density, Q::density, "standard density (15 C, 1 atm)", "standard",
+     "standard_density_kg_m3"},
+    {Prop::standard_volume, Q::ratio, "standard m3 (15 C) in one m3", "Sm3/m3", "standard_m3_per_m3"},
+    {Prop::standard_cubic_feet, Q::ratio, "scf (60 F) in one ft3", "scf/ft3", "scf_per_ft3"}};
 
 // One phase whose properties are asked for. The record is a copy: the exports take it as one to write to.
 struct Call {
@@ -93,6 +97,22 @@ void add_gas_only(Call& c, PropertyValues& result) {
     result.set(Prop::normal_density, status, density);
     result.set(Prop::normal_volume, status, volume);
   }
+}
+
+// The same gas at the standard states of the metre (15 C, 1 atm) and of the foot (60 F, 14.696 psia), as a gas.
+void add_standard_states(Call& c, PropertyValues& result) {
+  const auto at = [&](double T, double atm, StatusCode& status) {
+    double density = kNone, d_dT = kNone, d_dP = kNone, d2 = kNone;
+    status = c.library.GasDensity_PPR78(T, atm, c.x, &c.record, &density, &d_dT, &d_dP, &d2);
+    return 1e3 * density;
+  };
+  StatusCode status = KV_OK;
+  const double density = result[Prop::density];
+  const double metre = at(kStandardT, 1.0, status);
+  result.set(Prop::standard_density, status, metre);
+  result.set(Prop::standard_volume, combined(result.status(Prop::density), status), density / metre);
+  const double foot = at(kStandardFootT, kStandardFootP / kAtmInPa, status);
+  result.set(Prop::standard_cubic_feet, combined(result.status(Prop::density), status), density / foot);
 }
 
 void add_liquid_heat(Call& c, const Volume& volume, PropertyValues& result) {
@@ -166,10 +186,13 @@ PropertyValues phase_properties(const Exports& library, const Mixture& mixture, 
   Call call{library, mixture.record, T, P / kAtmInPa, x.data(), molar_mass, wanted};
   call.record.trace_flag = 0;
   const bool heat = call.wants({Prop::Cp, Prop::Cv, Prop::speed_of_sound, Prop::joule_thomson});
-  const bool volume = call.wants({Prop::Z, Prop::density, Prop::molar_volume, Prop::compressibility});
+  const bool standard = call.wants({Prop::standard_density, Prop::standard_volume, Prop::standard_cubic_feet});
+  const bool volume =
+      standard || call.wants({Prop::Z, Prop::density, Prop::molar_volume, Prop::compressibility});
   if (is_gas(kind)) {
     if (volume) add_volume(call, library.GasDensity_PPR78, result);
     add_gas_only(call, result);
+    if (standard) add_standard_states(call, result);
   } else if (kind != PhaseKind::free_water && (volume || heat)) {
     const Volume of_liquid = add_volume(call, library.LiquidDensity_PPR78, result);
     if (heat) add_liquid_heat(call, of_liquid, result);

@@ -51,8 +51,11 @@ enum class Property {
   conductivity,
   normal_density,
   normal_volume,
+  standard_density,
+  standard_volume,
+  standard_cubic_feet,
 };
-inline constexpr std::size_t kPropertyCount = 15;
+inline constexpr std::size_t kPropertyCount = 18;
 
 struct PropertyInfo {
   Property property;
@@ -92,7 +95,7 @@ inline constexpr unsigned kAllProperties = (1u << kPropertyCount) - 1u;
 
 // T in K, P in Pa, x mole fractions, molar_mass in g/mol. Those that are not wanted are NaN, or come with another one
 // of the same export. A vapour and a dense fluid
-// have all properties, a liquid has no viscosity, conductivity and normal state, free water has enthalpy, entropy and free enthalpy only, for it
+// have all properties, a liquid has no viscosity, conductivity, normal and standard state, free water has enthalpy, entropy and free enthalpy only, for it
 // does not follow the equation of state. Those of a liquid, with v molar volume and rho density:
 //   Cp = dH/dT, Joule-Thomson = -(dH/dP)/Cp, alpha = -(d rho/dT)/rho, compressibility kappa = (d rho/dP)/rho,
 //   Cv = Cp - T v alpha^2/kappa, speed of sound^2 = (Cp/Cv)/(d rho/dP).

@@ -60,9 +60,8 @@ constexpr Unit kCompressibilities[] = {{"1/bar", 1e-5}, {"1/Pa", 1.0}, {"1/psi",
 // and 14.696 psia. Of a mass of water as a mole fraction: that of the wet gas, whose molar mass the unit reads.
 constexpr double kGas = 8.314462618;  // J/(mol K)
 constexpr double kMolPerNm3 = kAtmInPa / (kGas * kZeroCelsius);
-constexpr double kMolPerSm3 = kAtmInPa / (kGas * (kZeroCelsius + 15.0));
-constexpr double kMolPerMMscf =
-    14.696 * kPsiInPa * 1e6 * kCubicFoot / (kGas * (kZeroFahrenheit + 60.0) * kFahrenheit);
+constexpr double kMolPerSm3 = kAtmInPa / (kGas * kStandardT);
+constexpr double kMolPerMMscf = kStandardFootP * 1e6 * kCubicFoot / (kGas * kStandardFootT);
 constexpr Unit kWaterContents[] = {{"mol/mol", 1.0},
                                    {"mol/mol", 1.0},
                                    {"mol/mol", 1.0},
@@ -74,6 +73,10 @@ constexpr Unit kWaterContents[] = {{"mol/mol", 1.0},
                                    {"g/Nm3", 1.0 / (kWaterMass * kMolPerNm3)},
                                    {"mg/Sm3", 1e-3 / (kWaterMass * kMolPerSm3)},
                                    {"lb/MMscf", 1e3 * kPoundInKg / (kWaterMass * kMolPerMMscf)}};
+constexpr Unit kCalorificValues[] = {
+    {"MJ/m3", 1e6}, {"J/m3", 1.0}, {"Btu/ft3", kBtu / kCubicFoot}, {"kJ/m3", 1e3}, {"kWh/m3", 3.6e6}};
+constexpr Unit kCalorificMasses[] = {
+    {"MJ/kg", 1e6}, {"J/kg", 1.0}, {"Btu/lb", kBtuPerPound}, {"kJ/kg", 1e3}, {"kWh/kg", 3.6e6}};
 constexpr Unit kRatios[] = {{"", 1.0}, {"", 1.0}, {"", 1.0}};
 
 struct QuantityInfo {
@@ -95,7 +98,9 @@ constexpr QuantityInfo kQuantities[kQuantityCount] = {
     {"compressibility", "0.02 1/bar", kCompressibilities},
     {"ratio", "0.5", kRatios},
     {"vapour fraction", "0.5", kRatios},
-    {"water content", "50 mg/Nm3", kWaterContents}};
+    {"water content", "50 mg/Nm3", kWaterContents},
+    {"calorific value", "38.5 MJ/m3", kCalorificValues},
+    {"calorific value by mass", "50 MJ/kg", kCalorificMasses}};
 constexpr std::size_t kMaxConditions = 100000;
 
 const QuantityInfo& info(Quantity quantity) {

@@ -16,6 +16,11 @@ inline constexpr double kZeroCelsius = 273.15;     // K
 inline constexpr double kZeroFahrenheit = 459.67;  // R
 inline constexpr double kCalInJ = 4.184;
 
+// Standard states of a gas: ISO 13443 for the cubic metre, at 1 atm, and that of the standard cubic foot.
+inline constexpr double kStandardT = kZeroCelsius + 15.0;                   // K
+inline constexpr double kStandardFootT = (kZeroFahrenheit + 60.0) * 5 / 9;  // K
+inline constexpr double kStandardFootP = 14.696 * kPsiInPa;                 // Pa
+
 // The value of what does not exist; shown as "-".
 inline constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
@@ -35,8 +40,10 @@ enum class Quantity {
   ratio,            // no unit
   vapour_fraction,  // moles of vapour in one mole
   water_content,    // moles of water in one mole of wet gas
+  calorific_value,  // J/m3, by volume; Wobbe indices too
+  calorific_mass,   // J/kg
 };
-inline constexpr std::size_t kQuantityCount = 14;
+inline constexpr std::size_t kQuantityCount = 16;
 
 inline constexpr double kWaterMass = 18.01528;  // g/mol
 

@@ -4,7 +4,9 @@
 usage: embed_host_data.py DATA_FOLDER ALIASES_CSV OUTPUT_CPP
 
 Reads components.csv, component_groups.csv, ppr78_groups.csv, ppr78_interactions.csv,
-ppr78_original_interactions.csv and pure/vapour_pressure.csv. Stops with a message when a table refers to
+ppr78_original_interactions.csv and, of pure/, vapour_pressure.csv, ideal_gas_heat_capacity.csv and gas_viscosity.csv.
+A component without a gas viscosity there carries its heat capacity itself (polynomials only): the calculation library then
+takes its transport properties by corresponding states. Stops with a message when a table refers to
 something that another table does not have.
 """
 import csv
@@ -19,8 +21,8 @@ def rows(path):
 
 
 def number(text):
-    """A decimal literal, 0.0 (unknown) where the field is empty."""
-    return repr(float(text)) if text else "0.0"
+    """A decimal literal, 0.0 (unknown) where the field is empty; an acentric factor may be nan."""
+    return "kUnknown" if text == "nan" else repr(float(text)) if text else "0.0"
 
 
 def quoted(text):
@@ -43,23 +45,36 @@ def decompositions(data, ids, group_count):
     return groups
 
 
+def own_heat_capacities(data):
+    """Texts of the heat capacities, J/(mol K), of components without a correlation of the gas viscosity, by CAS number."""
+    viscous = {row["cas"] for row in rows(data / "pure" / "gas_viscosity.csv")}
+    own = {}
+    for row in rows(data / "pure" / "ideal_gas_heat_capacity.csv"):
+        if row["cas"] not in viscous and row["eq"] == "100":
+            terms = ", ".join(repr(float(row[f"C{k}"]) / 1000.0) for k in range(1, 6))
+            own[row["cas"]] = f", {{{{{{{terms}}}}}, {number(row['Tmin'])}, {number(row['Tmax'])}}}"
+    return own
+
+
 def component_tables(data, out):
     components = list(rows(data / "components.csv"))
     group_names = [row["name"] for row in rows(data / "ppr78_groups.csv")]
     groups = decompositions(data, [c["id"] for c in components], len(group_names))
+    own = own_heat_capacities(data)
     lowest = {row["cas"]: row["Tmin"] for row in rows(data / "pure" / "vapour_pressure.csv")}
     out.append("const std::string_view kGroupNames[] = {")
     out += [f"    {quoted(name)}," for name in group_names]
     out.append("};\n")
     out.append("const Component kComponents[] = {")
     for number_in_bank, c in enumerate(components, 1):
-        values = [c["molar_mass_g_mol"], c["Tc_K"], c["Pc_Pa"], c["acentric_factor"], c["Vc_cm3_mol"], c["Zc"],
+        omega = c["acentric_factor"] or "nan"
+        values = [c["molar_mass_g_mol"], c["Tc_K"], c["Pc_Pa"], omega, c["Vc_cm3_mol"], c["Zc"],
                   c["Tb_K"], c["Tmelt_K"], c["dipole_D"], lowest.get(c["cas"], ""), c["family"]]
         texts = ", ".join(quoted(c[key]) for key in ("id", "name", "formula", "cas"))
         counts = ", ".join(f"{{{k}, {n}}}" for k, n in groups[c["id"]])
         out.append(f"    {{{number_in_bank}, {texts}, {c['cas_number']},\n"
                    f"     {', '.join(number(v) for v in values)},\n"
-                   f"     {len(groups[c['id']])}, {{{{{counts}}}}}}},")
+                   f"     {len(groups[c['id']])}, {{{{{counts}}}}}{own.get(c['cas'], '')}}},")
     out.append("};\n")
     return [c["id"] for c in components]
 
@@ -93,7 +108,9 @@ def main():
         sys.exit(__doc__)
     data, aliases, target = Path(sys.argv[1]), Path(sys.argv[2]), Path(sys.argv[3])
     out = ["// Made by tools/embed_host_data.py from the tables in data/.", '#include "databank_tables.hpp"', "",
-           "namespace kestrune::host::tables {", ""]
+           "#include <limits>", "",
+           "namespace kestrune::host::tables {", "",
+           "constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();", ""]
     ids = component_tables(data, out)
     alias_table(aliases, ids, out)
     interaction_table(data / "ppr78_interactions.csv", "kInteractions2022", out)

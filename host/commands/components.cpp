@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <cmath>
 #include <nlohmann/json.hpp>
 
 #include "commands/session.hpp"
@@ -17,7 +18,8 @@ using nlohmann::ordered_json;
 using Selection = std::vector<const Component*>;
 
 struct ComponentsOptions {
-  std::string filter, format = "table";
+  std::string filter, format = "table", file;
+  std::vector<std::string> own, fractions;
 };
 
 // A constant of the databank as text; "-" where it is not known.
@@ -37,7 +39,7 @@ void print_table(const Selection& list, std::ostream& out) {
 }
 
 ordered_json known(double value) {
-  return value == 0.0 ? ordered_json() : ordered_json(value);
+  return value == 0.0 || std::isnan(value) ? ordered_json() : ordered_json(value);
 }
 
 ordered_json as_json(const Component& c) {
@@ -55,7 +57,7 @@ ordered_json as_json(const Component& c) {
           {"molar_mass_g_mol", c.molar_mass},
           {"Tc_K", c.Tc},
           {"Pc_Pa", c.Pc},
-          {"acentric_factor", c.omega},
+          {"acentric_factor", std::isnan(c.omega) ? ordered_json() : ordered_json(c.omega)},
           {"Vc_cm3_mol", known(c.Vc)},
           {"Zc", known(c.Zc)},
           {"Tb_K", known(c.Tb)},
@@ -70,13 +72,39 @@ void print_csv(const Selection& list, std::ostream& out) {
          "groups\n";
   for (const Component* c : list) {
     out << fmt::format("{},{},{},{},{},{},{},{},{},{},{},{},{},{}\n", c->id, csv_field(std::string(c->name)),
-                       c->formula, c->cas, c->molar_mass, c->Tc, c->Pc, c->omega, c->Vc, c->Zc, c->Tb, c->Tmelt,
+                       c->formula, c->cas, c->molar_mass, c->Tc, c->Pc,
+                       std::isnan(c->omega) ? "" : fmt::format("{}", c->omega), c->Vc, c->Zc, c->Tb, c->Tmelt,
                        c->dipole, groups_in_words(*c));
   }
 }
 
+// The components of a mixture file, those of the user's own and the pieces of fractions.
+std::vector<Component> described(const ComponentsOptions& options, std::vector<std::string>& notes) {
+  Composition composition;
+  for (const std::string& text : options.own) composition.define(parse_definition(text, false));
+  for (const std::string& text : options.fractions) composition.define(parse_definition(text, true));
+  if (!options.file.empty()) read_composition_file(options.file, composition);
+  std::vector<Component> all;
+  for (const Component& c : composition.components)
+    if (c.number > 0) all.push_back(c);
+  for (const Definition& d : composition.definitions) {
+    const Realised realised = realise(d, composition.library);
+    for (const Part& part : realised.parts) all.push_back(part.component);
+    notes.insert(notes.end(), realised.notes.begin(), realised.notes.end());
+  }
+  return all;
+}
+
 void list_components(const ComponentsOptions& options, Session& session) {
-  const Selection list = search_components(options.filter);
+  Selection list;
+  std::vector<std::string> notes;
+  const bool own = !options.file.empty() || !options.own.empty() || !options.fractions.empty();
+  const std::vector<Component> of_mixture = own ? described(options, notes) : std::vector<Component>{};
+  if (own && !options.filter.empty()) throw InputError("give a text to look for or a mixture, not both");
+  if (own)
+    for (const Component& c : of_mixture) list.push_back(&c);
+  else
+    list = search_components(options.filter);
   if (list.empty()) {
     const auto near = similar_names(options.filter);
     throw InputError(fmt::format("no component matches \"{}\"{}", options.filter,
@@ -90,7 +118,10 @@ void list_components(const ComponentsOptions& options, Session& session) {
     print_csv(list, session.out);
   } else {
     print_table(list, session.out);
+    for (const std::string& note : notes) session.out << (&note == notes.data() ? "\n" : "") << "Note: " << note << '\n';
+    return;
   }
+  tell(session, notes);
 }
 
 }  // namespace
@@ -101,8 +132,11 @@ void add_components_command(CLI::App& app, Session& session) {
   command->footer(
       "Examples:\n"
       "  kestrune components butane\n"
-      "  kestrune components 74-82-8 --format json");
+      "  kestrune components 74-82-8 --format json\n"
+      "  kestrune components --fraction \"name=C7+, M=143, SG=0.795\"");
   command->add_option("filter", options->filter, "Text in a name, alias, formula or CAS number");
+  command->add_option("-m,--mixture", options->file, "List the components of this mixture file");
+  add_definition_options(*command, options->own, options->fractions);
   command->add_option("--format", options->format, "table (default), json or csv")
       ->check(CLI::IsMember({"table", "json", "csv"}));
   command->callback([options, &session] { list_components(*options, session); });

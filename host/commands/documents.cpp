@@ -63,6 +63,8 @@ constexpr struct {
                {"units", "engineering si field"},
                {"phase", "flash gas liquid"},
                {"energy", "kJ/kg J/kg J/mol kJ/mol kJ/kmol cal/mol Btu/lb Btu/lbmol"},
+               {"branch", "lower upper all"},
+               {"calorific", "MJ/m3 kJ/m3 J/m3 kWh/m3 Btu/ft3"},
                {"inhibitor", "methanol MEG DEG TEG NaCl KCl CaCl2"}};
 
 // Values between the braces that the parser shows for an option with a set of them.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "branches.hpp"
 #include "commands/states.hpp"
 #include "error.hpp"
 #include "table.hpp"
@@ -16,6 +17,7 @@ namespace {
 
 struct FlashOptions {
   StateOptions states;
+  std::string branch;
   bool details = false;
 };
 
@@ -107,6 +109,13 @@ void print_composition(const StateReport& r, const Equilibrium& s, std::ostream&
     }
     table.add(row);
   }
+  for (const FractionPieces& fraction : fractions_in(r.mixture)) {  // lumped again
+    std::vector<std::string> row{fraction.name + ", all pieces", shown_fraction(fraction.sum(r.mixture.z))};
+    for (std::size_t p = 0; p < columns; ++p) row.push_back(shown_fraction(fraction.sum(s.phases[p].x)));
+    for (const PhaseState* divisor : divisors)
+      row.push_back(shown_digits(fraction.sum(s.phases[0].x) / fraction.sum(divisor->x), 5));
+    table.add(row);
+  }
   table.print(out);
 }
 
@@ -156,6 +165,20 @@ void print_flash(const StateReport& r, bool details, std::ostream& out) {
   print_notes(r, out);
 }
 
+// Where a vapour fraction is met more than once, the branch asked for.
+EvaluateAll evaluation(const FlashOptions& o) {
+  if (o.branch.empty()) return each(o.states.flash());
+  const Branch branch = branch_by_name(o.branch);
+  const std::string phases = lower(trimmed(o.states.phases));
+  if (!phases.empty() && phases != "auto" && phases != "2")
+    throw InputError("--branch follows a vapour and a liquid: no --phases 3");
+  return [branch](const Exports& library, Mixture& mixture, Given given, double first, double second) {
+    if (given != Given::WT && given != Given::WP)
+      throw InputError("--branch belongs to bubble and dew points: --dew, --bubble or --beta");
+    return points_of_fraction(library, mixture, given, first, second, branch);
+  };
+}
+
 }  // namespace
 
 void add_flash_command(CLI::App& app, Session& session) {
@@ -173,14 +196,19 @@ void add_flash_command(CLI::App& app, Session& session) {
       "  kestrune flash --z methane=0.85,ethane=0.09,propane=0.04,nC4=0.02 -T -60 C -P 40 bar\n"
       "  kestrune flash --z methane=0.9,nC5=0.1 -T \"-80:40:40 C\" -P 10,40 --format csv\n"
       "  kestrune flash --z methane=0.9,nC5=0.1 --dew -P 1:61:20 bar\n"
+      "  kestrune flash --z methane=0.9,nC5=0.1 --dew -T 40 C --branch all\n"
       "  kestrune flash --z methane=0.9,nC5=0.1 -H \"-50 kJ/kg\" -P 20 bar\n"
       "  kestrune flash --z methane=0.8,nC8=0.1,water=0.1 -T 40 C -P 40 bar --water-model saturation");
+  command->add_option(
+      "--branch", options->branch,
+      "Of the points of a vapour fraction: lower, upper or all, in pressure at a temperature, in "
+      "temperature at a pressure (default: the one that a cold start finds)");
   command->add_flag("--details", options->details, "Composition of every state, not of a single one only");
   command->callback([options, &session] {
     const auto print = [&](const StateReport& report, std::ostream& out) {
       print_flash(report, options->details, out);
     };
-    report_states(options->states, session, options->states.flash(), print, false);
+    report_states(options->states, session, evaluation(*options), print, false);
   });
 }
 

@@ -23,6 +23,8 @@ constexpr struct {
                    {"-H", "--enthalpy", Quantity::enthalpy},
                    {"-S", "--entropy", Quantity::entropy},
                    {"--water", "--water", Quantity::water_content},
+                   {"--to", "--to", Quantity::pressure},
+                   {"--cool", "--cool", Quantity::temperature},
                    {"--from-P", "--from-P", Quantity::pressure},
                    {"--max-P", "--max-P", Quantity::pressure},
                    {"--min-T", "--min-T", Quantity::temperature},
@@ -125,9 +127,13 @@ int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err
     add_water_command(app, session);
     add_hydrate_command(app, session);
     add_envelope_command(app, session);
+    add_sales_command(app, session);
+    add_pure_command(app, session);
+    add_machine_commands(app, session);
     add_document_commands(app, session);
     check_values(arguments);
     check_command(app, arguments);
+    if (asks_for_all(arguments)) return written(session, run_all(arguments, out, err, exports));
     return written(session, parse(app, session, with_units_joined(arguments)));
   } catch (const InputError& e) {
     err << "kestrune: " << e.what() << '\n';

@@ -24,7 +24,10 @@ constexpr Property kDerived[] = {Property::Cp,
                                  Property::viscosity,
                                  Property::conductivity,
                                  Property::normal_density,
-                                 Property::normal_volume};
+                                 Property::normal_volume,
+                                 Property::standard_density,
+                                 Property::standard_volume,
+                                 Property::standard_cubic_feet};
 
 struct PropsOptions {
   StateOptions states;
@@ -97,7 +100,7 @@ void props(const PropsOptions& options, Session& session) {
   } else if (phase != "flash") {
     throw InputError(fmt::format("unknown phase \"{}\": use flash, gas or liquid", options.phase));
   }
-  report_states(options.states, session, evaluate, print_props, phase == "flash");
+  report_states(options.states, session, each(evaluate), print_props, phase == "flash");
 }
 
 }  // namespace

@@ -33,6 +33,11 @@ struct Session {
 int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err,
         const Exports* exports = nullptr);
 
+// Whether the arguments hold --analysis all; runs the program on every analysis of the mixture file, and returns the
+// gravest exit code. InputError when there is none.
+bool asks_for_all(const std::vector<std::string>& arguments);
+int run_all(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err, const Exports* exports);
+
 // Each command adds itself to the program; its work is done while the arguments are parsed.
 void add_flash_command(CLI::App& app, Session& session);
 void add_props_command(CLI::App& app, Session& session);
@@ -41,13 +46,20 @@ void add_kij_command(CLI::App& app, Session& session);
 void add_water_command(CLI::App& app, Session& session);
 void add_hydrate_command(CLI::App& app, Session& session);
 void add_envelope_command(CLI::App& app, Session& session);
+void add_sales_command(CLI::App& app, Session& session);
+void add_pure_command(CLI::App& app, Session& session);
+void add_machine_commands(CLI::App& app, Session& session);
 void add_document_commands(CLI::App& app, Session& session);
 
 // ---- Options that several commands share ---------------------------------------------------------
 
-// -m, --z, --basis, --set: which mixture.
+// --component, --fraction: texts of parse_definition.
+void add_definition_options(CLI::App& command, std::vector<std::string>& own, std::vector<std::string>& fractions);
+
+// -m, --z, --component, --fraction, --analysis, --column, --basis, --set: which mixture.
 struct MixtureOptions {
-  std::string file, inline_text, basis, set = "2022";
+  std::string file, inline_text, basis, set = "2022", analysis, column;
+  std::vector<std::string> own, fractions;
 
   void add_to(CLI::App& command);
   Composition composition() const;

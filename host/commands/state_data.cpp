@@ -20,6 +20,29 @@ ordered_json by_component(const Mixture& m, const std::vector<double>& values) {
   return result;
 }
 
+// The fractions lumped again; null when there are none.
+ordered_json lumped(const Mixture& m, const std::vector<double>& values) {
+  ordered_json result;
+  for (const FractionPieces& fraction : fractions_in(m)) result[fraction.name] = fraction.sum(values);
+  return result;
+}
+
+// Constants of the user's own components and of the pieces of fractions.
+ordered_json own_components(const Mixture& m) {
+  ordered_json all = ordered_json::array();
+  for (const Component& c : m.components) {
+    if (c.number > 0) continue;
+    all.push_back({{"name", c.name},
+                   {"molar_mass_g_mol", c.molar_mass},
+                   {"Tc_K", c.Tc},
+                   {"Pc_Pa", c.Pc},
+                   {"acentric_factor", c.omega},
+                   {"groups", groups_in_words(c)}});
+    if (!c.fraction.empty()) all.back()["fraction"] = c.fraction;
+  }
+  return all;
+}
+
 ordered_json mixture_json(const Mixture& m) {
   ordered_json root;
   if (!m.title.empty()) root["name"] = m.title;
@@ -28,6 +51,8 @@ ordered_json mixture_json(const Mixture& m) {
   root["sum_given"] = m.given_sum;
   root["molar_mass_g_mol"] = m.molar_mass;
   root["mole_fractions"] = by_component(m, m.z);
+  if (const ordered_json sums = lumped(m, m.z); !sums.is_null()) root["fractions"] = sums;
+  if (const ordered_json own = own_components(m); !own.empty()) root["own_components"] = own;
   root["missing_group_interactions"] = missing_in_words(m);
   return root;
 }
@@ -52,6 +77,7 @@ ordered_json phase_json(const Mixture& m, const PhaseState& p) {
   ordered_json root{{"phase", phase_name(p.kind)},
                     {"mole_fraction", p.mole_fraction},
                     {"mass_fraction", p.mass_fraction},
+                    {"volume_fraction", p.volume_fraction},
                     {"molar_mass_g_mol", p.molar_mass},
                     {"property_status", values.first_failure()},
                     {"property_status_text", kv_status_text(values.first_failure())},
@@ -67,6 +93,7 @@ ordered_json phase_json(const Mixture& m, const PhaseState& p) {
   }
   if (!missing.empty()) root["missing_properties"] = missing;
   root["composition"] = by_component(m, p.x);
+  if (const ordered_json sums = lumped(m, p.x); !sums.is_null()) root["fractions"] = sums;
   return root;
 }
 
@@ -132,6 +159,7 @@ ordered_json state_json(const Mixture& m, const Equilibrium& s) {
   if (!s.flashed || !s.answered()) return root;
   root["overall"] = phase_json(m, s.overall);
   root["vapour_fraction"] = s.beta;
+  root["liquid_volume_fraction"] = s.liquid_volume();
   if (s.three) {
     add_three_phases(m, s, root);
     return root;
@@ -161,11 +189,12 @@ std::string phase_csv(const StateReport& r, const Equilibrium& s, const PhaseSta
     for (const auto limit : model_limits(r.mixture, p)) limits.emplace_back(limit);
   line += fmt::format(",{},{},{}", csv_field(joined(limits, "; ")),
                       std::isfinite(p.saturation) ? fmt::format("{}", p.saturation) : "", s.stable ? 1 : 0);
+  line += std::isfinite(p.volume_fraction) ? fmt::format(",{}", p.volume_fraction) : ",";
   for (const double x : p.x) line += fmt::format(",{}", x);
   return line;
 }
 
-constexpr std::size_t kColumnsBeforeX = 10 + kPropertyCount;
+constexpr std::size_t kColumnsBeforeX = 11 + kPropertyCount;
 
 std::string phase_headings(const StateReport& r) {
   std::string line = ",phase,mole_fraction,mass_fraction,molar_mass_g_mol";
@@ -173,7 +202,7 @@ std::string phase_headings(const StateReport& r) {
     line += "," + column_name(info.key, info.quantity, r.units[info.quantity]);
   line +=
       ",property_status,property_status_text,heat_capacity_extrapolated,model_limits,water_at_saturation,"
-      "stable";
+      "stable,volume_fraction";
   for (const Component& c : r.mixture.components) line += fmt::format(",x_{}", c.id);
   return line;
 }

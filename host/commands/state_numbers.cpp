@@ -40,6 +40,8 @@ constexpr StateNumber kStateNumbers[] = {
      [](const Equilibrium& s) { return s.phases.empty() ? kNone : s.liquid_fraction(false); }},
     {"aqueous", "aqueous_liquid_fraction",
      [](const Equilibrium& s) { return s.phases.empty() ? kNone : s.liquid_fraction(true); }},
+    {"liquid_volume", "liquid_volume_fraction",
+     [](const Equilibrium& s) { return s.phases.empty() ? kNone : s.liquid_volume(); }},
     {"M", "molar_mass_g_mol", [](const Equilibrium& s) { return whole(s) ? whole(s)->molar_mass : kNone; }}};
 
 const StateNumber* find_state_number(const std::string& name) {
@@ -66,10 +68,11 @@ double number(const Equilibrium& s, const std::string& name) {
 void check_number_names(const std::vector<std::string>& names) {
   for (const std::string& name : names) {
     if (find_state_number(name) != nullptr || find_property(name) != nullptr) continue;
-    throw InputError(fmt::format(
-        "unknown number \"{}\": print T, P, beta, dense, liquid, hydrocarbon, aqueous, M, H, S, G, Z, density "
-        "or a key of the JSON output such as molar_volume_m3_mol",
-        name));
+    throw InputError(
+        fmt::format("unknown number \"{}\": print T, P, beta, dense, liquid, liquid_volume, hydrocarbon, "
+                    "aqueous, M, H, S, G, Z, density "
+                    "or a key of the JSON output such as molar_volume_m3_mol",
+                    name));
   }
 }
 

@@ -122,6 +122,7 @@ void print_properties(const StateReport& report, const Equilibrium& s, std::span
   };
   add("mole fraction of phase", [](const PhaseState& p) { return shown_fraction(p.mole_fraction); });
   add("mass fraction of phase", [](const PhaseState& p) { return shown_fraction(p.mass_fraction); });
+  add("volume fraction of phase", [](const PhaseState& p) { return shown_fraction(p.volume_fraction); });
   add("molar mass, g/mol", [](const PhaseState& p) { return shown_fixed(p.molar_mass, 4); });
   for (const Property property : rows) {
     const PropertyInfo& info = all_properties()[static_cast<std::size_t>(property)];

@@ -24,9 +24,10 @@ void StateOptions::add_to(CLI::App& command) {
                      "Unit of enthalpies in the tables, entropies follow: kJ/kg, J/kg, J/mol, kJ/mol, kJ/kmol, "
                      "cal/mol, Btu/lb or Btu/lbmol");
   command
-      .add_option("--print", print,
-                  "Only these numbers, one line per state, in the units of JSON: T, P, beta, dense, "
-                  "liquid, hydrocarbon, aqueous, M, H, S, G, Z, density or a key of JSON, by commas")
+      .add_option(
+          "--print", print,
+          "Only these numbers, one line per state, in the units of JSON: T, P, beta, dense, "
+          "liquid, liquid_volume, hydrocarbon, aqueous, M, H, S, G, Z, density or a key of JSON, by commas")
       ->excludes(command.get_option("--format"));
 }
 
@@ -51,7 +52,13 @@ Evaluate StateOptions::flash() const {
   return number == "2" ? flash_of_two : number == "3" ? flash_of_up_to_three : flash_of_all;
 }
 
-void report_states(const StateOptions& options, Session& session, const Evaluate& evaluate,
+EvaluateAll each(const Evaluate& evaluate) {
+  return [evaluate](const Exports& library, Mixture& mixture, Given given, double first, double second) {
+    return std::vector<Equilibrium>{evaluate(library, mixture, given, first, second)};
+  };
+}
+
+void report_states(const StateOptions& options, Session& session, const EvaluateAll& evaluate,
                    const PrintText& print_text, bool overall_rows) {
   const UnitSystem units = options.system();
   const std::vector<std::string> numbers = split(options.print, ',');
@@ -67,8 +74,10 @@ void report_states(const StateOptions& options, Session& session, const Evaluate
   std::vector<Equilibrium> states;
   for (const double first : conditions.values[0]) {
     for (const double second : conditions.values[1]) {
-      states.push_back(evaluate(library, mixture, conditions.given, first, second));
-      if (states.back().first_failure() != KV_OK || !states.back().stable) session.exit_code = exit_status;
+      for (Equilibrium& s : evaluate(library, mixture, conditions.given, first, second)) {
+        if (s.first_failure() != KV_OK || !s.stable) session.exit_code = exit_status;
+        states.push_back(std::move(s));
+      }
     }
   }
   const StateReport report{mixture, states, units};

@@ -21,6 +21,11 @@ struct StateReport {
 
 using Evaluate = std::function<Equilibrium(const Exports&, Mixture&, Given, double first, double second)>;
 
+// The same for several states of one pair of conditions, and what makes one of the other.
+using EvaluateAll =
+    std::function<std::vector<Equilibrium>(const Exports&, Mixture&, Given, double first, double second)>;
+EvaluateAll each(const Evaluate& evaluate);
+
 // Options of a command on a mixture at many states. The command adds those of the mixture and the conditions
 // that it takes; add_to adds the others.
 struct StateOptions {
@@ -41,7 +46,7 @@ using PrintText = std::function<void(const StateReport&, std::ostream&)>;
 // Evaluates every combination of the conditions and prints the report in the format asked for. A
 // status without a value in any state makes the exit code of the session. overall_rows: the CSV gets a row for
 // the phases together after the rows of the phases.
-void report_states(const StateOptions& options, Session& session, const Evaluate& evaluate,
+void report_states(const StateOptions& options, Session& session, const EvaluateAll& evaluate,
                    const PrintText& print_text, bool overall_rows);
 
 // ---- state_data.cpp: for programs ---------------------------------------------------------------

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "commands/points.hpp"
+#include "commands/wet_gas.hpp"
 #include "equilibrium.hpp"
 #include "error.hpp"
 #include "text.hpp"
@@ -22,54 +23,6 @@ struct WaterOptions {
   bool line = false;
   int points = 41;
 };
-
-// The mixture with water among its components.
-Mixture build(const WaterOptions& options) {
-  Composition composition = options.mixture.composition();
-  if (std::none_of(composition.components.begin(), composition.components.end(), is_water))
-    composition.set("water", 0.0);
-  return build_mixture(composition, interaction_set(options.mixture.set));
-}
-
-// g/mol, without its water.
-double dry_mass(const Mixture& mixture) {
-  double mass = 0.0, moles = 0.0;
-  for (std::size_t i = 0; i < mixture.z.size(); ++i) {
-    if (is_water(mixture.components[i])) continue;
-    mass += mixture.z[i] * mixture.components[i].molar_mass;
-    moles += mixture.z[i];
-  }
-  if (!(moles > 0.0)) throw InputError("there is nothing but water in the mixture");
-  return mass / moles;
-}
-
-double wet_mass(double dry, double y) {
-  return dry + y * (kWaterMass - dry);
-}
-
-// Contents as mole fractions of the wet gas. A content by mass goes by the molar mass of that gas.
-std::vector<double> contents(const std::string& text, double dry) {
-  static const Unit& plain = unit(Quantity::water_content, "mol/mol");
-  std::vector<double> values = parse_conditions(Quantity::water_content, text, plain, dry);
-  for (std::size_t i = 0; i < values.size(); ++i)
-    for (int pass = 0; pass < 40; ++pass)
-      values[i] = parse_conditions(Quantity::water_content, text, plain, wet_mass(dry, values[i]))[i];
-  return values;
-}
-
-// Puts so much water into the gas.
-void set_water(Mixture& mixture, double y) {
-  double dry = 0.0;
-  for (std::size_t i = 0; i < mixture.z.size(); ++i)
-    dry += is_water(mixture.components[i]) ? 0.0 : mixture.z[i];
-  for (std::size_t i = 0; i < mixture.z.size(); ++i)
-    mixture.z[i] = is_water(mixture.components[i]) ? y : mixture.z[i] * (1.0 - y) / dry;
-  mixture.molar_mass = wet_mass(dry_mass(mixture), y);
-}
-
-double water_fraction(const Mixture& mixture) {
-  return mixture.z[water_of(mixture)];  // build put it there
-}
 
 // What the rows of the command are made of.
 struct Job {
@@ -148,7 +101,7 @@ void dew_line(Job& job, const std::vector<double>& pressures, int n) {
 
 void water(const WaterOptions& options, Session& session) {
   const UnitSystem units = options.output.system();
-  Mixture mixture = build(options);
+  Mixture mixture = build_with_water(options.mixture);
   const auto read = [&](Quantity quantity, const std::string& text) {
     return text.empty() ? std::vector<double>{} : parse_conditions(quantity, text, units[quantity]);
   };
@@ -160,7 +113,7 @@ void water(const WaterOptions& options, Session& session) {
   const bool content = !options.line && !Ts.empty() && !Ps.empty();
   const double dry = dry_mass(mixture);
   const std::vector<double> waters =
-      options.water.empty() ? std::vector<double>{water_fraction(mixture)} : contents(options.water, dry);
+      options.water.empty() ? std::vector<double>{water_fraction(mixture)} : water_contents(options.water, dry);
   const bool wet = std::all_of(waters.begin(), waters.end(), [](double y) { return y > 0.0; });
   if (!content && !wet)
     throw InputError(

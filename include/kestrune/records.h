@@ -19,6 +19,11 @@
  * Entry (component i, column k), both from 1, lies at [(k - 1) * count + (i - 1)].
  * A column that is 0 or not finite counts as unknown: what needs it falls back and never divides by it.
  * Tc, Pc and the acentric factor are needed by every calculation with the equation of state.
+ *
+ * Columns 12 to 18 are for a component that the pure-component library does not know. They are read only where
+ * column 43 holds no CAS number and Tmin and Tmax are a range: the ideal-gas heat capacity, J/(mol K), is then
+ * A + B T + C T^2 + D T^3 + E T^4 (T in K) from Tmin to Tmax, and stays at its value at the end beyond, with
+ * KV_PURE_RANGE. Such a component has its low-pressure viscosity and conductivity from Tc, Pc and the molar mass.
  */
 enum KvTableColumn {
   KV_COL_DATABANK_NUMBER = 1, /* running number in the host's databank, not read */
@@ -32,6 +37,9 @@ enum KvTableColumn {
   KV_COL_OMEGA = 9,           /* acentric factor */
   KV_COL_DIPOLE = 10,         /* dipole moment, debye */
   KV_COL_TMIN_PSAT = 11,      /* lowest temperature of its vapour-pressure correlation, K */
+  KV_COL_CP_A = 12,           /* own ideal-gas heat capacity: A, and B to E in the columns behind it */
+  KV_COL_CP_TMIN = 17,        /* range of it, K */
+  KV_COL_CP_TMAX = 18,
   KV_COL_FAMILY = 41,         /* family code, KV_FAMILY_WATER marks water */
   KV_COL_CAS = 43             /* CAS number as a whole number: 7732185 is 7732-18-5 */
 };

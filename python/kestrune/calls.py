@@ -16,7 +16,7 @@ if TYPE_CHECKING:
 #: States of one native call: between two of them an interrupt from the keyboard is looked at.
 _SLAB = 32768
 #: Rows of properties, KA_PROPERTY_COUNT of arrays.h.
-ROWS = 15
+ROWS = 18
 
 
 class Found(NamedTuple):

@@ -43,6 +43,9 @@ PROPERTIES = {
     "thermal_conductivity": _Row(12, "thermal conductivity", 1 << 12),
     "normal_density": _Row(13, "density", 0b11 << 13),
     "normal_volume": _Row(14, "ratio", 0b11 << 13),
+    "standard_density": _Row(15, "density", 0b111 << 15),
+    "standard_volume": _Row(16, "ratio", 0b111 << 15),
+    "standard_cubic_feet": _Row(17, "ratio", 0b111 << 15),
 }
 
 
@@ -106,6 +109,9 @@ class Phase:
     thermal_conductivity = _Property("Thermal conductivity of a gas, SI W/(m K); NaN of a liquid.")
     normal_density = _Property("Density of a gas at 0 C and 1 atm, SI kg/m3; NaN of a liquid.")
     normal_volume = _Property("Normal m3 (0 C, 1 atm) in one m3 of a gas; NaN of a liquid.")
+    standard_density = _Property("Density of a gas at 15 C and 1 atm, SI kg/m3; NaN of a liquid.")
+    standard_volume = _Property("Standard m3 (15 C, 1 atm) in one m3 of a gas; NaN of a liquid.")
+    standard_cubic_feet = _Property("Standard cubic feet (60 F, 14.696 psia) in one ft3 of a gas; NaN of a liquid.")
 
     def __init__(
         self,

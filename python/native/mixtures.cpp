@@ -41,6 +41,7 @@ void check_missing(const host::Mixture& mixture) {
 
 host::Composition composition_of(std::string_view source, std::string_view basis) {
   host::Composition composition;
+  composition.library = arrays::library_path();
   const std::string_view begin = host::trimmed(source).substr(0, 1);
   if (begin == "{" || begin == "[")
     host::read_json(source, composition);
@@ -60,6 +61,7 @@ ordered_json notes_of(const host::Mixture& m) {
   ordered_json notes = ordered_json::array();
   if (m.sum_was_off())
     notes.push_back(fmt::format("amounts summed to {:.6g} and were normalised", m.given_sum));
+  for (const std::string& note : m.notes) notes.push_back(note);
   for (const std::string& line : host::missing_in_words(m))
     notes.push_back("without a published group interaction, taken as zero: " + line);
   return notes;

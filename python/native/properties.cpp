@@ -13,9 +13,7 @@ using arrays::guarded;
 using arrays::index;
 using host::kAtmInPa;
 
-// The rows are the first ones of the host's properties.
-static_assert(static_cast<std::size_t>(KA_PROPERTY_COUNT) <= host::kPropertyCount &&
-              static_cast<int>(host::Property::normal_volume) == KA_NORMAL_VOLUME);
+static_assert(static_cast<std::size_t>(KA_PROPERTY_COUNT) == host::kPropertyCount);
 
 namespace {
 

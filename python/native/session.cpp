@@ -29,6 +29,12 @@ const host::Exports& library() {
   return *opened;
 }
 
+std::string library_path() {
+  library();
+  const std::lock_guard<std::mutex> lock(opening);
+  return opened_path;
+}
+
 std::int32_t copied(std::string_view from, char* text, std::int32_t size) {
   if (text != nullptr && size > 0) {
     const std::size_t n = std::min(from.size(), index(size) - 1);

@@ -25,6 +25,8 @@ namespace kestrune::arrays {
 
 // The opened library; InputError before ka_open.
 const host::Exports& library();
+// Its file, beside which the tools lie that characterise fractions.
+std::string library_path();
 
 // Copies a text to a buffer of the caller, cut where it is too long; its length.
 std::int32_t copied(std::string_view from, char* text, std::int32_t size);

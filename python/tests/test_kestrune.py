@@ -282,3 +282,13 @@ def test_mixtures_as_the_command_line_reads_them(tmp_path):
     assert np.array_equal(kestrune.Mixture(whole).z, wanted.z)
     assert wanted.notes == ["amounts summed to 100 and were normalised"]
     assert "ethylene glycol" in [c.name for c in kestrune.components("glycol")]
+
+
+def test_a_component_of_ones_own_is_what_it_is_described_as():
+    c = kestrune.Mixture("nC10=1").components[0]
+    own = {"M": c.molar_mass, "Tc": f"{c.Tc!r} K", "Pc": f"{c.Pc!r} Pa", "omega": c.omega, "groups": "CH3:2 CH2:8"}
+    both = {"methane": 0.6, "cut": 0.4}
+    cut = kestrune.Mixture({"components": both, "own_components": {"cut": {**own, "CAS": c.cas}}})
+    decane = kestrune.Mixture({"methane": 0.6, "nC10": 0.4})
+    assert cut.flash(320.0, 50e5).beta == pytest.approx(decane.flash(320.0, 50e5).beta, rel=1e-9)
+    assert pickle.loads(pickle.dumps(cut)).water.content(300.0, 50e5) == cut.water.content(300.0, 50e5)

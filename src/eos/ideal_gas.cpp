@@ -1,5 +1,6 @@
 #include "eos/ideal_gas.hpp"
 
+#include <algorithm>
 #include <cmath>
 
 #include "frame/provider.hpp"
@@ -16,7 +17,48 @@ bool has_value(StatusCode one, StatusCode& all) {
   return one == KV_PURE_RANGE;
 }
 
+constexpr double kJoulePerCal = 4.184;
+
+double heat_capacity_at(const OwnHeatCapacity& own, double T) {
+  const double* c = own.cp;
+  return c[0] + T * (c[1] + T * (c[2] + T * (c[3] + T * c[4])));
+}
+
+// Integrals of the heat capacity over T and over ln T from 298.15 K, straight lines beyond the range.
+double enthalpy_to(const OwnHeatCapacity& own, double T) {
+  const double* c = own.cp;
+  const double t = std::clamp(T, own.Tmin, own.Tmax);
+  const double inside = t * (c[0] + t * (c[1] / 2 + t * (c[2] / 3 + t * (c[3] / 4 + t * c[4] / 5))));
+  return inside + heat_capacity_at(own, t) * (T - t);
+}
+double entropy_to(const OwnHeatCapacity& own, double T) {
+  const double* c = own.cp;
+  const double t = std::clamp(T, own.Tmin, own.Tmax);
+  const double inside = c[0] * std::log(t) + t * (c[1] + t * (c[2] / 2 + t * (c[3] / 3 + t * c[4] / 4)));
+  return inside + heat_capacity_at(own, t) * std::log(T / t);
+}
+
+StatusCode own_ideal_gas(const OwnHeatCapacity& own, double T, int i, const IdealGas& out) {
+  if (out.h != nullptr) out.h[i] = (enthalpy_to(own, T) - enthalpy_to(own, kEnthalpyBase)) / kJoulePerCal;
+  if (out.s != nullptr) out.s[i] = (entropy_to(own, T) - entropy_to(own, kEnthalpyBase)) / kJoulePerCal;
+  if (out.cp != nullptr) out.cp[i] = heat_capacity_at(own, std::clamp(T, own.Tmin, own.Tmax)) / kJoulePerCal;
+  return T < own.Tmin || T > own.Tmax ? KV_PURE_RANGE : KV_OK;
+}
+
 }  // namespace
+
+bool own_heat_capacity(const MixtureRecord& mixture, int i, OwnHeatCapacity& out) noexcept {
+  if (cas_number(mixture, i) != 0) return false;
+  const auto column = [&](int k) { return mixture.table[static_cast<std::size_t>(k - 1) * mixture.count + i]; };
+  out.Tmin = column(KV_COL_CP_TMIN);
+  out.Tmax = column(KV_COL_CP_TMAX);
+  bool good = out.Tmin > 0.0 && out.Tmax > out.Tmin && std::isfinite(out.Tmax);
+  for (int k = 0; k < 5; ++k) {
+    out.cp[k] = column(KV_COL_CP_A + k);
+    good = good && std::isfinite(out.cp[k]);
+  }
+  return good;
+}
 
 std::int32_t cas_number(const MixtureRecord& mixture, int i) noexcept {
   const double number = mixture.table[static_cast<std::size_t>(KV_COL_CAS - 1) * mixture.count + i];
@@ -24,6 +66,8 @@ std::int32_t cas_number(const MixtureRecord& mixture, int i) noexcept {
 }
 
 StatusCode ideal_gas_of(double T, const MixtureRecord& mixture, int i, const IdealGas& out) noexcept {
+  OwnHeatCapacity own;
+  if (own_heat_capacity(mixture, i, own)) return own_ideal_gas(own, T, i, out);
   const std::int32_t cas = cas_number(mixture, i);
   StatusCode status = KV_OK, all = KV_OK;
   if (out.h != nullptr) {

@@ -28,6 +28,17 @@ enum IdealPart : unsigned { kIdealH = 1, kIdealS = 2, kIdealCp = 4 };
 std::int32_t cas_number(const MixtureRecord& mixture, int i) noexcept;
 
 /*
+ * The heat capacity that columns 12 to 18 of the component table hold: cp[0] + cp[1] T + ... + cp[4] T^4,
+ * J/(mol K), from Tmin to Tmax (K), its end values beyond.
+ */
+struct OwnHeatCapacity {
+  double cp[5], Tmin, Tmax;
+};
+
+/* True where component i (from 0) has no CAS number and such a heat capacity. */
+bool own_heat_capacity(const MixtureRecord& mixture, int i, OwnHeatCapacity& out) noexcept;
+
+/*
  * Asks for the parts of all components with x[i] of at least kSmallestFraction. KV_OK; 1003 when a temperature
  * was outside the range of a correlation (the values are there); or the status of the first component without a
  * value.

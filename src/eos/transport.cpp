@@ -193,6 +193,10 @@ double corresponding_viscosity(double T, const MixtureRecord& mixture, const dou
 
 StatusCode dilute_viscosity(double T, const MixtureRecord& mixture, int i, const Critical& c, double* alone,
                             double& mu) noexcept {
+  if (OwnHeatCapacity own; own_heat_capacity(mixture, i, own)) {
+    mu = 1e-5 * reduced_viscosity(T / c.Tc, 0.0, 0.0) * viscosity_scale(c);
+    return usable(mu) ? KV_OK : KV_NOT_FINITE;
+  }
   alone[i] = 1.0;
   const auto shape = [&](double t) { return corresponding_viscosity(t, mixture, alone, c); };
   const StatusCode status = dilute_value(PureProperty::GasViscosity, T, cas_number(mixture, i), shape, mu);
@@ -213,6 +217,10 @@ double corresponding_conductivity(double T, const Critical& c, bool water) noexc
 
 StatusCode dilute_conductivity(double T, const MixtureRecord& mixture, int i, const Critical& c,
                                double& lambda) noexcept {
+  if (OwnHeatCapacity own; own_heat_capacity(mixture, i, own)) {
+    lambda = corresponding_conductivity(T, c, false);
+    return usable(lambda) ? KV_OK : KV_NOT_FINITE;
+  }
   const bool water = is_water_family(mixture, i);
   const auto curve = [&](double t) { return corresponding_conductivity(t, c, water); };
   return dilute_value(PureProperty::GasThermalConductivity, T, cas_number(mixture, i), curve, lambda);

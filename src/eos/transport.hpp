@@ -35,6 +35,8 @@ double corresponding_viscosity(double T, const MixtureRecord& mixture, const dou
 /*
  * Low-pressure viscosity of component i (from 0), cP: the correlation, continued along the curve beyond its
  * range with KV_PURE_RANGE. Other statuses of the pure-component library have no value. alone[count]: all 0.
+ * A component with a heat capacity of its own (ideal_gas.hpp) has the general curve with Tc^(1/6)/(sqrt(M)
+ * Pc^(2/3)) as its scale [Yoo70], and the curve of the conductivity itself.
  */
 StatusCode dilute_viscosity(double T, const MixtureRecord& mixture, int i, const Critical& c, double* alone,
                             double& mu) noexcept;

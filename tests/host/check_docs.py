@@ -85,7 +85,8 @@ def check_options(text, folder):
 def main():
     pages = sorted((ROOT / "docs").glob("*.md"))
     with tempfile.TemporaryDirectory() as folder:
-        (Path(folder) / "gas.json").write_text((ROOT / "docs/examples/gas.json").read_text())
+        for example in (ROOT / "docs/examples").iterdir():
+            (Path(folder) / example.name).write_bytes(example.read_bytes())
         for page in pages:
             text = check_page(page, folder)
             if WRITE:

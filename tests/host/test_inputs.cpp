@@ -59,18 +59,20 @@ TEST(databank, unknown_and_ambiguous_names_are_said_with_candidates) {
 
 // The embedded constants against the file they come from.
 TEST(databank, holds_every_row_of_the_component_table) {
-  std::size_t found = 0;
+  std::size_t found = 0, quoted = 0;
   for (const auto& row : host_test::rows("components.csv")) {
-    if (row.at("name").front() == '"') continue;  // quoted names have commas, which the reader splits
+    if (row.at("name").front() == '"' && ++quoted) continue;  // these have commas, which the reader splits
     const Component& c = find_component(row.at("cas"));
     EXPECT_EQ(c.id, row.at("id"));
     EXPECT_EQ(c.Tc, std::stod(row.at("Tc_K")));
     EXPECT_EQ(c.Pc, std::stod(row.at("Pc_Pa")));
-    EXPECT_EQ(c.omega, std::stod(row.at("acentric_factor")));
+    if (const std::string& omega = row.at("acentric_factor"); !omega.empty()) {
+      EXPECT_EQ(c.omega, std::stod(omega));
+    }
     EXPECT_EQ(c.molar_mass, std::stod(row.at("molar_mass_g_mol")));
     ++found;
   }
-  EXPECT_EQ(found + 3, all_components().size());
+  EXPECT_EQ(found + quoted, all_components().size());
 }
 
 TEST(units, conversions_are_exact_and_return) {
@@ -211,5 +213,5 @@ TEST(composition, wrong_input_is_refused_with_the_reason) {
                          read_lines("methane 1\nethane\n", c);
                        }),
                        "line 2"));
-  EXPECT_TRUE(contains(error_of([] { read_composition_file("no such file"); }), "cannot open"));
+  EXPECT_TRUE(contains(error_of([] { Composition c; read_composition_file("no such file", c); }), "cannot open"));
 }

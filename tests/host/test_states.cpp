@@ -92,6 +92,12 @@ TEST(states, close_the_balances_and_sum_to_the_whole) {
         EXPECT_EQ(p[key].is_null(), p["phase"] != "vapour" && p["phase"] != "dense") << key;
     }
     EXPECT_NEAR(mass, 1.0, 1e-12);
+    for (const json& p : s["phases"])
+      if (!std::isnan(volume))
+        EXPECT_NEAR(p["volume_fraction"].get<double>() * volume,
+                    p["mass_fraction"].get<double>() / p["density_kg_m3"].get<double>(), 1e-12 * volume);
+      else
+        EXPECT_TRUE(p["volume_fraction"].is_null());
     const json whole = s["overall"]["density_kg_m3"];
     EXPECT_NEAR(std::isnan(volume) ? 1.0 : whole.get<double>() * volume, 1.0, 1e-12);
   }
@@ -136,6 +142,11 @@ TEST(states, phases_appear_at_bubble_and_dew_points) {
   EXPECT_EQ(phases(bubble[0], bubble[1] * (1.0 - 1e-6)), 2);
   EXPECT_EQ(phases(dew[0] + 1e-4, dew[1]), 1);
   EXPECT_EQ(phases(dew[0] - 1e-4, dew[1]), 2);
+  // The dew points on both sides of the two-phase region at one temperature.
+  const auto both = numbers(kRich, "--dew -T 290K --branch all --print T,P");
+  ASSERT_GT(both[3], 2.0 * both[1]);
+  for (const double outside : {both[1] * (1.0 - 1e-6), both[3] * (1.0 + 1e-6)}) EXPECT_EQ(phases(290.0, outside), 1);
+  for (const double inside : {both[1] * (1.0 + 1e-6), both[3] * (1.0 - 1e-6)}) EXPECT_EQ(phases(290.0, inside), 2);
   const auto half = numbers(kRich, "--beta 0.5 -P 20bar --print T,P");
   EXPECT_NEAR(numbers(kRich, "-T " + exact(half[0]) + "K -P 20bar --print beta")[0], 0.5, 1e-7);
   const json at = state(kRich, "--bubble -P 20bar");
@@ -171,6 +182,26 @@ TEST(states, water_of_a_gas_by_the_saturation_balance) {
       EXPECT_NEAR(vapour["composition"]["water"], vapour["water_at_saturation"].get<double>(), 1e-11);
     }
   }
+}
+
+// A polytropic machine without losses is an isentropic one, also where liquid forms on the way: the sum of v dP is the
+// difference of enthalpies. Of a dilute monatomic gas T2/T1 = (P2/P1)^(R/(Cp efficiency)), and the isentropic efficiency follows.
+TEST(machines, polytropic_and_isentropic_paths) {
+  const auto outlet = [](const std::string& command) { return json_of(command)["outlets"][0]; };
+  for (const std::string& machine : {"expander --z " + kRich + " -T 40C -P 60bar --to 5bar",
+                                     "compressor --z " + kRich + " -T 0C -P 5bar --to 60bar"}) {
+    const json a = outlet(machine + " --polytropic 1"), b = outlet(machine + " --isentropic 1");
+    EXPECT_NEAR(a["work_J_mol"], b["work_J_mol"].get<double>(), 1e-5 * std::abs(b["work_J_mol"].get<double>()));
+    EXPECT_NEAR(a["isentropic_efficiency"], 1.0, 1e-5);
+    EXPECT_NEAR(b["stations"][1]["entropy_J_mol_K"], b["stations"][0]["entropy_J_mol_K"].get<double>(), 1e-6);
+  }
+  const json s = outlet("compressor --z Ar=1 -T 300K -P 100Pa --to 1000Pa --polytropic 0.8");
+  EXPECT_NEAR(s["stations"][1]["temperature_K"], 300.0 * std::pow(10.0, 0.4 / 0.8), 1e-2);
+  EXPECT_NEAR(s["isentropic_efficiency"], (std::pow(10.0, 0.4) - 1.0) / (std::pow(10.0, 0.5) - 1.0), 5e-6);
+  const json two =
+      outlet("compressor --z Ar=1 -T 300K -P 100Pa --to 1e4Pa --isentropic 0.8 --stages 2 --cool 300K");
+  EXPECT_NEAR(two["work_J_mol"].get<double>() / (2.5 * 8.314462618 * 300.0 * (std::pow(10.0, 0.4) - 1.0) / 0.8),
+              2.0, 1e-4);
 }
 
 // Above the critical temperature there is one root, and the formulas of a liquid must give what the library calculates

@@ -80,16 +80,22 @@ TEST(PropertyEdges, ComponentThatIsNotKnown) {
 }
 
 TEST(PropertyEdges, OutsideTheRangeOfAHeatCapacity) {
-  const Phase p({"methane"}, {1.0});  // 100 to 1500 K
-  for (const double end : {100.0, 1500.0}) {
-    const double outside = end * (end < 300 ? 1 - 1e-9 : 1 + 1e-9), inside = end;
-    const std::vector<double> values = caloric(p.at(outside, 0.1, KV_PHASE_GAS), KV_PURE_RANGE),
-                              edge = caloric(p.at(inside, 0.1, KV_PHASE_GAS), KV_OK);
-    for (std::size_t i = 0; i < 13; ++i) EXPECT_NEAR(values[i] / edge[i], 1.0, 1e-6) << i;
+  const Phase methane({"methane"}, {1.0}), own({"n_octane"}, {1.0});
+  own.m->at(0, KV_COL_CAS) = 0.0;  // with a heat capacity of the host's, J/(mol K)
+  const double cp[] = {21.6, 0.624, -1.9e-4, -1e-8, 1e-12, 100.0, 1500.0};
+  for (int k = 0; k < 7; ++k) own.m->at(0, KV_COL_CP_A + k) = cp[k];
+  for (const Phase& p : {methane, own}) {  // both 100 to 1500 K
+    p.m->use();
+    for (const double end : {100.0, 1500.0}) {
+      const double outside = end * (end < 300 ? 1 - 1e-9 : 1 + 1e-9), inside = end;
+      const std::vector<double> values = caloric(p.at(outside, 0.1, KV_PHASE_GAS), KV_PURE_RANGE),
+                                edge = caloric(p.at(inside, 0.1, KV_PHASE_GAS), KV_OK);
+      for (std::size_t i = 0; i < 13; ++i) EXPECT_NEAR(values[i] / edge[i], 1.0, 1e-6) << i;
+    }
+    for (const double T : {40.0, 2500.0})
+      for (const double value : caloric(p.at(T, 0.01, KV_PHASE_GAS), KV_PURE_RANGE))
+        EXPECT_TRUE(std::isfinite(value));
   }
-  for (const double T : {40.0, 2500.0})
-    for (const double value : caloric(p.at(T, 0.01, KV_PHASE_GAS), KV_PURE_RANGE))
-      EXPECT_TRUE(std::isfinite(value));
 }
 
 // A critical volume or compressibility that a host leaves out follows from the other, both from the acentric factor.

@@ -19,8 +19,13 @@ std::vector<Phase> grid() {
   const Phase methane({"methane"}, {1.0}), rich(kRichGas, kRichGasFeed), rich_sparse(kRichGas, sparse),
       acid({"carbon_dioxide", "hydrogen_sulfide", "methane"}, {0.5, 0.3, 0.2}),
       light({"hydrogen", "nitrogen", "helium"}, {0.6, 0.3, 0.1}), brine({"water", "ammonia"}, {0.6, 0.4});
+  // Octane with a heat capacity of the host's: J/(mol K), 21.6 + 0.624 T - 1.9e-4 T^2 - 1e-8 T^3 + 1e-12 T^4.
+  const Phase own({"methane", "n_octane"}, {0.98, 0.02});
+  own.m->at(1, KV_COL_CAS) = 0.0;
+  const double cp[] = {21.6, 0.624, -1.9e-4, -1e-8, 1e-12, 200.0, 1500.0};
+  for (int k = 0; k < 7; ++k) own.m->at(1, KV_COL_CP_A + k) = cp[k];
   std::vector<Phase> states;
-  for (const Phase& p : {methane, rich, rich_sparse, acid, light})
+  for (const Phase& p : {methane, rich, rich_sparse, acid, light, own})
     for (const double T : {240.0, 298.15, 390.0})
       for (const double P : {0.1, 7.0, 60.0, 350.0}) {
         if (P == 60.0 && T < 300.0 && p.x.size() == 10) continue;  // beside a double root
