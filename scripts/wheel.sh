@@ -11,7 +11,6 @@ cd "$(dirname "$0")/.." || exit 1
 repo=$(pwd)
 python=${PYTHON:-/usr/bin/python3}
 dist=$repo/build/dist
-version=$(sed -n 's/^project(.* VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 
 fail() {
   echo "wheel: $1" >&2
@@ -24,6 +23,8 @@ wheel() {
   libraries="kestrune_arrays KVGasThermo KVCmpdPureLite KVToolsLite"
   [ -f "build/$1/build.ninja" ] || cmake --preset "$1" >/dev/null || fail "cannot configure $1"
   cmake --build "build/$1" -j "$(nproc)" --target $libraries || fail "cannot build the libraries of $1"
+  version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "build/$1/CMakeCache.txt")
+  [ -n "$version" ] || fail "no version in build/$1/CMakeCache.txt"
   rm -rf "$stage"
   mkdir -p "$stage/kestrune/_lib" "$dist"
   cp python/pyproject.toml python/setup.py python/README.md "$stage/"

@@ -8,6 +8,7 @@
 #include "frame/cas.hpp"
 #include "frame/provider.hpp"
 #include "frame/tools_bridge.hpp"
+#include "support/mathkernels.hpp"
 
 namespace kestrune::eos {
 namespace {
@@ -16,6 +17,19 @@ using frame::PureProperty;
 
 constexpr double kBarPerAtm = 1.01325;
 constexpr double kSixth = 1.0 / 6.0;
+
+using support::fast_exp;
+using support::fast_log;
+
+// x^y for x > 0.
+double power(double x, double y) {
+  return fast_exp(y * fast_log(x));
+}
+
+// x^(2/3)/T^(1/6)
+double two_thirds_over_sixth(double x, double T) {
+  return fast_exp(kSixth * (4.0 * fast_log(x) - fast_log(T)));
+}
 
 bool usable(double value) {
   return value > 0.0 && value <= DBL_MAX;
@@ -47,15 +61,14 @@ double fraction_of(const MixtureRecord& mixture, const double* x, const char* ca
 
 // sqrt(M) Pc^(2/3)/Tc^(1/6), Pc in atm: 1e-5 of it is a viscosity in cP.
 double viscosity_scale(const Critical& c) {
-  const double root = std::cbrt(c.Pc);
-  return std::sqrt(c.M) * root * root / std::pow(c.Tc, kSixth);
+  return std::sqrt(c.M) * two_thirds_over_sixth(c.Pc, c.Tc);
 }
 
 // Inverse conductivity 210 (Tc M^3/Pc^4)^(1/6), Pc in bar, m K/W.
 double inverse_conductivity(const Critical& c) {
   const double P = c.Pc * kBarPerAtm;
   const double P2 = P * P;
-  return 210.0 * std::pow(c.Tc * c.M * c.M * c.M / (P2 * P2), kSixth);
+  return 210.0 * power(c.Tc * c.M * c.M * c.M / (P2 * P2), kSixth);
 }
 
 /*
@@ -171,24 +184,23 @@ StatusCode dilute_viscosities(const Phase& p, const Present& c, support::Arena& 
 
 double reduced_viscosity(double Tr, double x_hydrogen, double x_helium) noexcept {
   const double general =
-      1.0 + 46.1 * std::pow(Tr, 0.618) - 20.4 * std::exp(-0.449 * Tr) + 19.4 * std::exp(-4.058 * Tr);
+      1.0 + 46.1 * power(Tr, 0.618) - 20.4 * fast_exp(-0.449 * Tr) + 19.4 * fast_exp(-4.058 * Tr);
   double f = (1.0 - x_hydrogen - x_helium) * general;
   if (x_hydrogen > 0.0)
     f += x_hydrogen *
-         (1.0 + 47.65 * std::pow(Tr, 0.657) - 20.0 * std::exp(-0.858 * Tr) + 19.0 * std::exp(-3.995 * Tr));
+         (1.0 + 47.65 * power(Tr, 0.657) - 20.0 * fast_exp(-0.858 * Tr) + 19.0 * fast_exp(-3.995 * Tr));
   if (x_helium > 0.0)
     f += x_helium *
-         (1.0 + 52.57 * std::pow(Tr, 0.656) - 18.9 * std::exp(-1.144 * Tr) + 17.9 * std::exp(-5.182 * Tr));
+         (1.0 + 52.57 * power(Tr, 0.656) - 18.9 * fast_exp(-1.144 * Tr) + 17.9 * fast_exp(-5.182 * Tr));
   return f;
 }
 
 double corresponding_viscosity(double T, const MixtureRecord& mixture, const double* x,
                                const Critical& c) noexcept {
   const double V = 0.5 * (kR * c.Zc * c.Tc / c.Pc + c.Vc);
-  const double root = std::cbrt(V);
   const double f = reduced_viscosity(T / c.Tc, fraction_of(mixture, x, frame::kHydrogenCas),
                                      fraction_of(mixture, x, frame::kHeliumCas));
-  return f * std::sqrt(c.M) * root * root / std::pow(c.Tc, kSixth) * 1e-05 / 1000.0;
+  return f * std::sqrt(c.M) * two_thirds_over_sixth(V, c.Tc) * 1e-05 / 1000.0;
 }
 
 StatusCode dilute_viscosity(double T, const MixtureRecord& mixture, int i, const Critical& c, double* alone,
@@ -208,7 +220,7 @@ double corresponding_conductivity(double T, const Critical& c, bool water) noexc
   // Translational part, and the internal part C f(Tr) of hydrocarbons with C by molar mass; both stay where
   // they are above Tr = 20, where f has its maximum.
   const double Tr = std::min(T / c.Tc, 20.0);
-  const double translational = 8.757 * (std::exp(0.0464 * Tr) - std::exp(-0.2412 * Tr));
+  const double translational = 8.757 * (fast_exp(0.0464 * Tr) - fast_exp(-0.2412 * Tr));
   if (water) return translational / inverse_conductivity(c);
   const double C = c.M < 40.0 ? (0.003458 * c.M + 0.01688) * c.M - 0.03098 : 0.3013 * c.M - 5.8749;
   const double f = Tr * (-0.152 + Tr * (1.191 - 0.039 * Tr));
@@ -237,9 +249,9 @@ double dense_conductivity(double rho_r) noexcept {
   // Three exponentials; the additive constants of the second and third make them meet at 0.5 and 2.
   if (rho_r < 0.5) return 1.22e-2 * std::expm1(0.535 * rho_r);
   const double second_start = 1.22e-2 * std::expm1(0.535 * 0.5);
-  if (rho_r < 2.0) return second_start + 1.14e-2 * (std::exp(0.67 * rho_r) - std::exp(0.67 * 0.5));
-  const double third_start = second_start + 1.14e-2 * (std::exp(0.67 * 2.0) - std::exp(0.67 * 0.5));
-  return third_start + 2.60e-3 * (std::exp(1.155 * rho_r) - std::exp(1.155 * 2.0));
+  if (rho_r < 2.0) return second_start + 1.14e-2 * (fast_exp(0.67 * rho_r) - fast_exp(0.67 * 0.5));
+  const double third_start = second_start + 1.14e-2 * (fast_exp(0.67 * 2.0) - fast_exp(0.67 * 0.5));
+  return third_start + 2.60e-3 * (fast_exp(1.155 * rho_r) - fast_exp(1.155 * 2.0));
 }
 
 StatusCode gas_viscosity(const Phase& p, double& viscosity) {

@@ -80,6 +80,15 @@ double oil_of(int n, int water, const double* x) noexcept {
   return oil;
 }
 
+double oil_at_limit(const MixtureRecord& mixture, double T, const double* x, double* oil) noexcept {
+  const int n = mixture.count, w = eos::find_water_family(mixture);
+  const double s = eos::water_solubility(T, mixture.solubility_a, mixture.solubility_b).value;
+  if (w < 0 || !(x[w] > s) || !(s < 1.0)) return 1.0;
+  const double part = oil_of(n, w, x) / (1.0 - s);
+  for (int i = 0; i < n; ++i) oil[i] = i == w ? s : x[i] / part;
+  return part;
+}
+
 bool has_free_water(const MixtureRecord& mixture, const double* z) noexcept {
   const int w = eos::find_water_family(mixture);
   if (w < 0) return false;

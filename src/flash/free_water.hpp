@@ -20,6 +20,13 @@ inline constexpr double kLeastOil = 1e-12;
 /* Hydrocarbons of a liquid x[n], all but component water: also where they are next to nothing. */
 double oil_of(int n, int water, const double* x) noexcept;
 
+/*
+ * A liquid x[n] of sum 1 at T (K) that holds more water than its limit, as the two that it is: returns the part that
+ * is hydrocarbons at their limit, oil[n], the rest being water alone. 1 where there is not that much, and oil is
+ * left alone.
+ */
+double oil_at_limit(const MixtureRecord& mixture, double T, const double* x, double* oil) noexcept;
+
 /* Less water in a feed of sum 1 than this is none: the feed is treated as without the option, to the last bit.
  */
 inline constexpr double kLeastWater = 1e-15;

@@ -221,7 +221,10 @@ StatusCode substitute_four(Equilibrium& e, const PhasesWork& w) {
   Phases& p = e.p;
   StatusCode status = evaluate_phases(e.m, e.z, p, w, false);
   for (int pass = 0; pass < kPassesOfFour && status == KV_OK; ++pass) {
-    if (!split_between(e.m.n, e.z, p, w)) return KV_NOT_FINITE;
+    int looks = 0;
+    if (!split_between(e.m.n, e.z, p, w, &looks)) return KV_NOT_FINITE;
+    status = flash::spend(e.m.host, split_work(looks));
+    if (status != KV_OK) return status;
     for (int j = p.count - 1; j >= 0 && pass >= kFirstPasses; --j)
       if (p.amount[j] <= kNoAmount && p.count > 1) drop_phase(p, j);
     status = evaluate_phases(e.m, e.z, p, w, false);

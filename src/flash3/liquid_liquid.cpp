@@ -7,6 +7,7 @@
 
 #include "eos/properties.hpp"
 #include "flash/feed.hpp"
+#include "flash/free_water.hpp"
 #include "flash/pure_saturation.hpp"
 #include "flash/settings.hpp"
 #include "flash3/phases.hpp"
@@ -54,19 +55,11 @@ StatusCode write_two(const LiquidLiquidCall& c) {
 // Free water: what the feed z[n], of sum 1, has beyond the solubility limit of its hydrocarbons is a liquid of
 // its own. False: there is not that much, or no limit.
 bool split_water(const LiquidLiquidCall& c, const double* z) {
-  const MixtureRecord& r = *c.mixture;
-  const int n = r.count, w = eos::find_water_family(r);
-  const double s = eos::water_solubility(c.T, r.solubility_a, r.solubility_b).value;
-  double dry = 0.0;
-  for (int i = 0; i < n; ++i) dry += i == w ? 0.0 : z[i];
-  if (w < 0 || !(z[w] > s) || !(s < 1.0) || dry < kAbsent) return false;
-  const double oil = dry / (1.0 - s);
-  *c.beta = oil;
-  for (int i = 0; i < n; ++i) {
-    c.liquid1[i] = i == w ? 1.0 : 0.0;
-    c.liquid2[i] = i == w ? s : z[i] / oil;
-  }
-  return true;
+  const int n = c.mixture->count, w = eos::find_water_family(*c.mixture);
+  if (w < 0 || flash::oil_of(n, w, z) < kAbsent) return false;
+  *c.beta = flash::oil_at_limit(*c.mixture, c.T, z, c.liquid2);
+  for (int i = 0; i < n; ++i) c.liquid1[i] = i == w ? 1.0 : 0.0;
+  return *c.beta < 1.0;
 }
 
 // Free water below its limit: what the liquids hold of it is the same in all, so that the dry feed says whether there

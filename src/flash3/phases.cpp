@@ -88,11 +88,12 @@ void fixed_point_step(int count, const double* g, double* a) {
   for (int j = 0; j < count; ++j) a[j] *= 1.0 - g[j];
 }
 
-// One step of the split: true when it is done.
-bool split_step(const SplitFunction& f, double* a) {
+// One step of the split: true when it is done. looks: how often the function was looked at, counted on.
+bool split_step(const SplitFunction& f, double* a, int& looks) {
   double g[kRoom], H[kRoom][kRoom], d[kRoom], next[kRoom];
   bool is_free[kRoom];
   f.derivatives(a, g, H);
+  looks += 2;
   double left = 0.0;
   for (int j = 0; j < f.count; ++j) {
     is_free[j] = a[j] > 0.0 || g[j] < -kSplit;
@@ -116,6 +117,7 @@ bool split_step(const SplitFunction& f, double* a) {
   for (int cut = 0; cut < kMostCuts && descent < 0.0; ++cut, part *= 0.4, hit = -1) {
     for (int j = 0; j < f.count; ++j) next[j] = j == hit ? 0.0 : std::max(a[j] + part * d[j], 0.0);
     // A step too short for the function to tell is a good one next to the minimum.
+    ++looks;
     const double there = f.value(next), rounding = size < kShort ? kRounding * (1.0 + std::fabs(value)) : 0.0;
     if (!(there < value + 1e-4 * part * descent + rounding)) continue;
     std::copy_n(next, f.count, a);
@@ -257,7 +259,7 @@ StatusCode evaluate_phases(flash::Model& m, const double* z, Phases& p, const Ph
   return KV_OK;
 }
 
-bool split_between(int n, const double* z, Phases& p, const PhasesWork& w) {
+bool split_between(int n, const double* z, Phases& p, const PhasesWork& w, int* looks) {
   for (int i = 0; i < n; ++i) {
     double least = p.ln_phi[0][i];
     for (int j = 1; j < p.count; ++j) least = std::min(least, p.ln_phi[j][i]);
@@ -268,8 +270,10 @@ bool split_between(int n, const double* z, Phases& p, const PhasesWork& w) {
   const SplitFunction f{n, p.count, z, w.e};
   double a[kRoom];
   for (int j = 0; j < p.count; ++j) a[j] = std::max(p.amount[j], 0.02);
-  for (int k = 0; k < kMostSplitSteps && !split_step(f, a); ++k) {
+  int looked = 0;
+  for (int k = 0; k < kMostSplitSteps && !split_step(f, a, looked); ++k) {
   }
+  if (looks != nullptr) *looks = looked;
   // What a phase has of every component is a_j z_i e_ij/E_i: the balance holds whatever is left of the
   // gradient.
   for (int j = 0; j < p.count; ++j) {

@@ -59,9 +59,16 @@ StatusCode evaluate_phases(flash::Model& m, const double* z, Phases& p, const Ph
 /*
  * Amounts and compositions from the fugacity coefficients: the minimum over a_j >= 0 of sum a_j - sum z_i ln
  * sum a_j/phi_ij [Mic94], which is the only one, so that no amount can leave [0, 1]. A phase that ends with
- * amount 0 keeps the composition that it would begin with. False: no usable numbers.
+ * amount 0 keeps the composition that it would begin with. False: no usable numbers. looks, where it is not null,
+ * receives how often the function was looked at.
  */
-bool split_between(int n, const double* z, Phases& p, const PhasesWork& w);
+bool split_between(int n, const double* z, Phases& p, const PhasesWork& w, int* looks = nullptr);
+
+/* Work of a split that was looked at that often, in evaluations of ln phi: none for what a usual one takes. */
+inline int split_work(int looks) noexcept {
+  constexpr int kUsual = 30;
+  return looks > kUsual ? (looks - kUsual) / 2 : 0;
+}
 
 /*
  * Direction of Newton's method on the Gibbs energy, w.step, in the amounts of every component in the phases

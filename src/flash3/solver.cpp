@@ -159,10 +159,10 @@ bool substitute(Run& r) {
   const bool whole = !r.balanced || r.accepted || r.factor == 1.0;
   for (int j = 0; j < r.p.count && !whole; ++j)
     for (int i = 0; i < r.m.n; ++i) r.w.saved[j][i] = r.p.amount[j] * r.p.x[j][i];
-  if (!split_between(r.m.n, r.z, r.p, r.w)) {
-    r.status = KV_NOT_FINITE;
-    return false;
-  }
+  int looks = 0;
+  const bool usable = split_between(r.m.n, r.z, r.p, r.w, &looks);
+  r.status = usable ? flash::spend(r.m.host, split_work(looks)) : StatusCode{KV_NOT_FINITE};
+  if (r.status != KV_OK) return false;
   if (!whole) take_part(r);
   r.balanced = true;
   r.status = evaluate_phases(r.m, r.z, r.p, r.w, r.newton && has_all_amounts(r));

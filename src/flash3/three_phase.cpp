@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "flash/feed.hpp"
+#include "flash/free_water.hpp"
 #include "flash/settings.hpp"
 #include "flash3/liquid_liquid.hpp"
 #include "flash3/trace_phases.hpp"
@@ -349,14 +350,13 @@ StatusCode write_quality_phases(Equilibrium& e, double W, const ThreePhaseResult
 }
 
 bool split_free_water(const LiquidVapour& a, const ThreePhaseResult& out) {
-  constexpr double kAllWater = 0.9999;
   const int n = a.mixture->count, iw = eos::find_water_family(*a.mixture);
-  const double s = eos::water_solubility(a.T, a.mixture->solubility_a, a.mixture->solubility_b).value;
-  const double w = iw >= 0 ? a.x[iw] : 0.0;
+  const bool may = iw >= 0 && a.free_water && !(a.x[iw] > flash::kWaterRich) && a.V != 1.0;
+  const double r = may ? flash::oil_at_limit(*a.mixture, a.T, a.x, out.xA) : 1.0;
   *out.V = a.V;
   std::copy_n(a.y, n, out.y);
   drop_traces(n, out.y);
-  if (iw < 0 || !a.free_water || w <= s || w > kAllWater || a.V == 1.0) {
+  if (r == 1.0) {
     *out.beta = 1.0;
     std::copy_n(a.x, n, out.xA);
     drop_traces(n, out.xA);
@@ -370,12 +370,10 @@ bool split_free_water(const LiquidVapour& a, const ThreePhaseResult& out) {
     std::fill_n(out.KLL, n, 0.0);
     return false;
   }
-  const double r = (1.0 - w) / (1.0 - s);  // of the liquid that is A
   *out.beta = (1.0 - a.V) * r;
   for (int i = 0; i < n; ++i) {
     out.xB[i] = i == iw ? 1.0 : 0.0;
-    out.xA[i] = i == iw ? s : a.x[i] / r;
-    out.KLL[i] = i == iw ? std::max(s, flash::kSmallestK) : kLargestK;
+    out.KLL[i] = i == iw ? std::max(out.xA[i], flash::kSmallestK) : kLargestK;
   }
   drop_traces(n, out.xA);
   ratios_of(n, out.y, out.xA, out.KLV);

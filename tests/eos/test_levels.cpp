@@ -34,8 +34,8 @@ Levelled run(int level, double Z, int phase = KV_PHASE_GAS, double P = 40.0) {
   r.v = {-7,         Z,          kUntouched, kUntouched, r.ln_phi.data(), r.dT.data(), r.dP.data(),
          r.h.data(), kUntouched, kUntouched, kUntouched, kUntouched,      kUntouched,  kUntouched,
          kUntouched, kUntouched, kUntouched, kUntouched, kUntouched,      kUntouched};
-  const double x[2] = {0.7, 0.3};
-  double work[6];
+  const double x[support::padded(2)] = {0.7, 0.3};
+  double work[3 * support::padded(2)];
   r.ok = eos::evaluate(t, frame::tools::bracub(), P, x, phase, level, &m.table[2], work, r.v);
   return r;
 }
