@@ -69,8 +69,10 @@ class Mixture:
     holds what is to be known of it: amounts that were normalised, interactions taken as zero.
     """
 
-    __slots__ = ("_recipe", "_handle", "_units", "_info", "_finalizer", "_water", "__weakref__")
-    __slots__ += ("names", "z", "molar_masses")
+    __slots__ = (
+        *("_recipe", "_handle", "_units", "_info", "_finalizer", "_water"),
+        *("names", "z", "molar_masses", "__weakref__"),
+    )
 
     def __init__(
         self,
