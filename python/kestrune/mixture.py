@@ -70,16 +70,8 @@ class Mixture:
     """
 
     __slots__ = (
-        "_recipe",
-        "_handle",
-        "_units",
-        "_info",
-        "_finalizer",
-        "_water",
-        "names",
-        "z",
-        "molar_masses",
-        "__weakref__",
+        *("_recipe", "_handle", "_units", "_info", "_finalizer", "_water"),
+        *("names", "z", "molar_masses", "__weakref__"),
     )
 
     def __init__(

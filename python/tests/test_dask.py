@@ -14,7 +14,7 @@ pandas = pytest.importorskip("pandas")
 
 
 def test_a_lost_worker_costs_no_row():
-    import kestrune.dask
+    from kestrune.dask import flash, flash_table
 
     gas = kestrune.Mixture({"methane": 0.8, "ethane": 0.1, "propane": 0.06, "nC6": 0.04})
     random = np.random.default_rng(5)
@@ -35,12 +35,12 @@ def test_a_lost_worker_costs_no_row():
 
         killer = threading.Thread(target=kill)
         killer.start()
-        far = kestrune.dask.flash_table(client, gas, table, ["density"], rows=500)
+        far = flash_table(client, gas, table, ["density"], rows=500)
         ended = time.monotonic()
         killer.join()
         assert killed and killed[0] < ended
         pandas.testing.assert_frame_equal(far, local, check_exact=True)
         with pytest.raises(ValueError, match="for a single one"):
-            kestrune.dask.flash(client, gas, 300.0, 1e5)
+            flash(client, gas, 300.0, 1e5)
         with pytest.raises(ValueError, match="a flash is given"):
-            kestrune.dask.flash_table(client, gas, table[["T"]])
+            flash_table(client, gas, table[["T"]])
