@@ -28,9 +28,9 @@ struct Composition {
   Basis basis = Basis::mole;
   bool basis_given = false;  // the source itself says what the amounts are
   std::vector<Component> components;
-  std::vector<double> amounts;          // >= 0, any sum
-  std::vector<Definition> definitions;  // components of the user's own and fractions, used or not
-  std::vector<std::string> notes;       // what a reader of the results must know of the file
+  std::vector<double> amounts;                   // >= 0, any sum
+  std::vector<Definition> definitions;           // components of the user's own and fractions, used or not
+  std::vector<std::string> notes;                // what a reader of the results must know of the file
   std::string library = default_library_path();  // whose tools characterise them
 
   // Adds a definition; one of this name must not be there yet.

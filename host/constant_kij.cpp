@@ -5,12 +5,13 @@
 
 #include "kij.hpp"
 #include "mixture.hpp"
+#include "units.hpp"
 
 namespace kestrune::host {
 
 namespace {
 
-constexpr double kReference = 298.15;              // K, of the group interactions
+constexpr double kReference = 298.15;  // K, of the group interactions
 constexpr double kMPaInAtm = 1000000.0 / 101325.0;
 
 // A term of E of a constant pair: amount * A (298.15 K/T)^(B/A - 1), in MPa.
@@ -25,7 +26,8 @@ std::vector<Term> terms_of(const Mixture& m) {
   const std::size_t nG = m.own_groups;
   for (std::size_t l = 1; l < nG; ++l)
     for (std::size_t k = 0; k < l; ++k)
-      if (m.A[l * m.groups.size() + k] != 0.0) terms.push_back({m.A[l * m.groups.size() + k], m.B[l * m.groups.size() + k]});
+      if (m.A[l * m.groups.size() + k] != 0.0)
+        terms.push_back({m.A[l * m.groups.size() + k], m.B[l * m.groups.size() + k]});
   return terms;
 }
 
@@ -46,9 +48,10 @@ std::vector<double> amounts_of(const Mixture& m, const ConstantPair& pair) {
   const Delta i = delta_of(m.components[static_cast<std::size_t>(pair.i)]);
   const Delta j = delta_of(m.components[static_cast<std::size_t>(pair.j)]);
   const double r = 1.0 - pair.k;
-  std::vector<double> amounts{i.p * i.p + j.p * j.p - 2.0 * r * i.p * j.p,
-                              std::sqrt(kReference) * (-2.0 * (i.p * i.q + j.p * j.q) + 2.0 * r * (i.p * j.q + i.q * j.p)),
-                              kReference * (i.q * i.q + j.q * j.q - 2.0 * r * i.q * j.q)};
+  std::vector<double> amounts{
+      i.p * i.p + j.p * j.p - 2.0 * r * i.p * j.p,
+      std::sqrt(kReference) * (-2.0 * (i.p * i.q + j.p * j.q) + 2.0 * r * (i.p * j.q + i.q * j.p)),
+      kReference * (i.q * i.q + j.q * j.q - 2.0 * r * i.q * j.q)};
   const std::size_t nC = m.components.size();
   const auto share = [&](int c, std::size_t g) { return m.fractions[g * nC + static_cast<std::size_t>(c)]; };
   for (std::size_t l = 1; l < m.own_groups; ++l)
@@ -80,11 +83,14 @@ void add_constant_groups(Mixture& m) {
   m.B.assign(all * all, 0.0);
   m.counts.assign(all * nC, 0);
   for (std::size_t l = 0; l < old; ++l) {
-    std::copy_n(A.begin() + static_cast<std::ptrdiff_t>(l * old), old, m.A.begin() + static_cast<std::ptrdiff_t>(l * all));
-    std::copy_n(B.begin() + static_cast<std::ptrdiff_t>(l * old), old, m.B.begin() + static_cast<std::ptrdiff_t>(l * all));
+    std::copy_n(A.begin() + static_cast<std::ptrdiff_t>(l * old), old,
+                m.A.begin() + static_cast<std::ptrdiff_t>(l * all));
+    std::copy_n(B.begin() + static_cast<std::ptrdiff_t>(l * old), old,
+                m.B.begin() + static_cast<std::ptrdiff_t>(l * all));
   }
   for (std::size_t i = 0; i < nC; ++i)
-    std::copy_n(counts.begin() + static_cast<std::ptrdiff_t>(i * old), old, m.counts.begin() + static_cast<std::ptrdiff_t>(i * all));
+    std::copy_n(counts.begin() + static_cast<std::ptrdiff_t>(i * old), old,
+                m.counts.begin() + static_cast<std::ptrdiff_t>(i * all));
   for (std::size_t g = old; g < all; g += 2) {  // a group and its partner
     const Term& term = terms[(g - old) / 2 % terms.size()];
     m.A[(g + 1) * all + g] = term.A;
@@ -102,7 +108,8 @@ void set_constant_shares(Mixture& m) {
     m.fractions[group * nC + static_cast<std::size_t>(component)] = share;
   };
   for (const ConstantPair& pair : m.constants) {
-    const auto owner = static_cast<std::size_t>(std::find(owners.begin(), owners.end(), pair.i) - owners.begin());
+    const auto owner =
+        static_cast<std::size_t>(std::find(owners.begin(), owners.end(), pair.i) - owners.begin());
     std::size_t group = m.own_groups + owner * per_owner;
     for (const double amount : amounts_of(m, pair)) {
       set(group, pair.i, 1.0);

@@ -84,7 +84,8 @@ void refuse_more_than_a_name(std::string_view name) {
   std::string advice = fmt::format("write {} for that component", known);
   if (rest == "+" || rest == "-")
     advice = fmt::format(
-        "a fraction of several components is described by --fraction \"name={}, M=..., SG=...\" or [fraction {}] in a file, "
+        "a fraction of several components is described by --fraction \"name={}, M=..., SG=...\" or [fraction "
+        "{}] in a file, "
         "or written as one that stands for it ({})",
         whole, whole, known);
   else if (rest == "=")
@@ -114,7 +115,8 @@ std::string word_too_many(const std::string& key) {
     if (found.size() != 1) continue;
     if (word != "plus") return fmt::format(", write {}, which may be in any phase", found.front()->name);
     return fmt::format(
-        ", a fraction of several components is described by --fraction, or written as one that stands for it ({})",
+        ", a fraction of several components is described by --fraction, or written as one that stands for it "
+        "({})",
         found.front()->name);
   }
   return "";

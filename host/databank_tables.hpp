@@ -41,7 +41,8 @@ struct Component {
   double family = 0.0;                // 20 = water
   int group_count = 0;                // 0: the molecule has no PPR78 groups
   std::array<GroupCount, kMaxGroupsPerComponent> groups{};
-  HeatCapacity own_cp{};  // handed over with the mixture: the pure-component library lacks the gas viscosity, or all
+  HeatCapacity
+      own_cp{};  // handed over with the mixture: the pure-component library lacks the gas viscosity, or all
   std::string fraction{};  // name of the fraction that this is a piece of
 };
 

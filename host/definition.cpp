@@ -30,18 +30,19 @@ double with_factor(std::string_view key, std::string_view text,
   for (const auto& [name, factor] : units) {
     if (value && *value > 0.0 && (unit_key.empty() || unit_key == search_key(name))) return *value * factor;
   }
-  throw InputError(
-      fmt::format("{} = {}: not a positive number in {}", key, all, units.begin()->first.empty() ? "no unit" : units.begin()->first));
+  throw InputError(fmt::format("{} = {}: not a positive number in {}", key, all,
+                               units.begin()->first.empty() ? "no unit" : units.begin()->first));
 }
 
-double condition(std::string_view key, Quantity quantity, std::string_view text, std::string_view plain) {
+double condition(std::string_view key, Quantity quantity, std::string_view written, std::string_view plain) {
+  const std::string_view text = trimmed(written);
   try {
     const auto values = parse_conditions(quantity, text, unit(quantity, plain));
     if (values.size() == 1) return values[0];
   } catch (const InputError& e) {
-    throw InputError(fmt::format("{} = {}: {}", key, trimmed(text), e.what()));
+    throw InputError(fmt::format("{} = {}: {}", key, text, e.what()));
   }
-  throw InputError(fmt::format("{} = {}: one value is needed", key, trimmed(text)));
+  throw InputError(fmt::format("{} = {}: one value is needed", key, text));
 }
 
 double plain_number(std::string_view key, std::string_view text) {
@@ -66,7 +67,8 @@ int group_by_name(std::string_view name) {
   const auto names = tables::group_names();
   for (std::size_t k = 0; k < names.size(); ++k) {
     const std::string_view full = names[k];
-    if (search_key(full) == key || search_key(full.substr(0, full.find('_'))) == key) return static_cast<int>(k) + 1;
+    if (search_key(full) == key || search_key(full.substr(0, full.find('_'))) == key)
+      return static_cast<int>(k) + 1;
   }
   std::vector<std::string> all(names.begin(), names.end());
   throw InputError(fmt::format("unknown PPR78 group \"{}\": use {}", trimmed(name), joined(all, ", ")));
@@ -83,7 +85,8 @@ std::vector<std::pair<int, double>> parse_groups(std::string_view text) {
     groups.emplace_back(group_by_name(std::string_view(piece).substr(0, colon)), *count);
   }
   if (groups.empty() || groups.size() > static_cast<std::size_t>(kMaxGroupsPerComponent))
-    throw InputError(fmt::format("groups = {}: 1 to {} groups are needed", trimmed(text), kMaxGroupsPerComponent));
+    throw InputError(
+        fmt::format("groups = {}: 1 to {} groups are needed", trimmed(text), kMaxGroupsPerComponent));
   return groups;
 }
 
@@ -97,7 +100,8 @@ std::vector<std::pair<std::string, double>> parse_kij(std::string_view text) {
     if (colon == std::string::npos) continue;
     const auto value = parse_number(std::string_view(entry).substr(colon + 1));
     if (!value || std::abs(*value) > 1.0)
-      throw InputError(fmt::format("kij = {}: \"{}\" is not a name and a value from -1 to 1", trimmed(text), entry));
+      throw InputError(
+          fmt::format("kij = {}: \"{}\" is not a name and a value from -1 to 1", trimmed(text), entry));
     result.emplace_back(trimmed(std::string_view(entry).substr(0, colon)), *value);
     entry.clear();
   }
@@ -115,19 +119,22 @@ std::vector<std::pair<double, double>> parse_curve(std::string_view text) {
     std::string_view tail = pieces.back();
     tail.remove_prefix(std::min(tail.size(), tail.find(':') + 1));
     tail = trimmed(tail);
-    if (const std::string_view found = trimmed(tail.substr(number_length(tail))); !found.empty()) last_unit = found;
+    if (const std::string_view found = trimmed(tail.substr(number_length(tail))); !found.empty())
+      last_unit = found;
   }
   for (const std::string& piece : pieces) {
     const std::size_t colon = piece.find(':');
     const auto part = colon == std::string::npos ? std::nullopt : parse_number(piece.substr(0, colon));
     if (!part || *part < 0.0 || *part > 100.0 || (!curve.empty() && *part / 100.0 <= curve.back().first))
-      throw InputError(fmt::format("curve: \"{}\" is not percent:temperature with rising percent, such as 50:190", piece));
+      throw InputError(
+          fmt::format("curve: \"{}\" is not percent:temperature with rising percent, such as 50:190", piece));
     const double T = condition("curve", Quantity::temperature, piece.substr(colon + 1), last_unit);
     if (!curve.empty() && T <= curve.back().second)
       throw InputError(fmt::format("curve: the boiling points must rise, {} does not", piece));
     curve.emplace_back(*part / 100.0, T);
   }
-  if (curve.size() < 3) throw InputError("curve: at least three points are needed, for instance 10:120, 50:190, 90:280 C");
+  if (curve.size() < 3)
+    throw InputError("curve: at least three points are needed, for instance 10:120, 50:190, 90:280 C");
   return curve;
 }
 
@@ -138,7 +145,8 @@ ClassShares parse_shares(std::string_view text) {
   double sum = 0.0;
   for (const double v : values) sum += v;
   if (values.size() != 3 || !(sum > 0.0) || *std::min_element(values.begin(), values.end()) < 0.0)
-    throw InputError(fmt::format("PNA = {}: three shares are needed, paraffins, naphthenes, aromatics", trimmed(text)));
+    throw InputError(
+        fmt::format("PNA = {}: three shares are needed, paraffins, naphthenes, aromatics", trimmed(text)));
   return {values[0] / sum, values[1] / sum, values[2] / sum};
 }
 
@@ -169,7 +177,8 @@ std::string checked_cas(std::string_view text) {
 void set_fraction(Definition& d, const std::string& key, std::string_view value, std::string_view shown) {
   if (key == "pieces") {
     const double n = plain_number(shown, value);
-    if (n != std::floor(n) || n < 1.0 || n > 40.0) throw InputError(fmt::format("pieces = {}: a whole number from 1 to 40", trimmed(value)));
+    if (n != std::floor(n) || n < 1.0 || n > 40.0)
+      throw InputError(fmt::format("pieces = {}: a whole number from 1 to 40", trimmed(value)));
     d.pieces = static_cast<int>(n);
   } else if (key == "distribution") {
     const std::string name = search_key(value);
@@ -179,7 +188,8 @@ void set_fraction(Definition& d, const std::string& key, std::string_view value,
       throw InputError(fmt::format("distribution = {}: use gamma or exponential", trimmed(value)));
   } else if (key == "alpha") {
     d.alpha = plain_number(shown, value);
-    if (!(*d.alpha >= 0.3 && *d.alpha <= 10.0)) throw InputError(fmt::format("alpha = {}: 0.3 to 10", trimmed(value)));
+    if (!(*d.alpha >= 0.3 && *d.alpha <= 10.0))
+      throw InputError(fmt::format("alpha = {}: 0.3 to 10", trimmed(value)));
   } else if (key == "eta") {
     d.eta = with_factor(shown, value, {{"g/mol", 1.0}, {"kg/kmol", 1.0}, {"lb/lbmol", 1.0}});
   } else if (key == "curve" || key == "tbp") {
@@ -195,7 +205,8 @@ void refuse(const Definition& d, const std::string& reason) {
   throw InputError(fmt::format("{} {}: {}", d.fraction ? "fraction" : "component", d.name, reason));
 }
 
-void Definition::set(std::string_view shown, std::string_view value) {
+void Definition::set(std::string_view written, std::string_view value) {
+  const std::string_view shown = trimmed(written);
   const std::string key = search_key(shown);
   if (trimmed(value).empty()) throw InputError(fmt::format("{} has no value", trimmed(shown)));
   const auto once = [&](std::optional<double>& number, double v) {
@@ -209,7 +220,10 @@ void Definition::set(std::string_view shown, std::string_view value) {
   } else if (key == "sg" || key == "specificgravity") {
     once(SG, with_factor(shown, value, {{"", 1.0}}));
     if (*SG < 0.5 || *SG > 1.3)
-      throw InputError(fmt::format("{} = {}: a specific gravity 60/60 F lies between 0.5 and 1.3 (a density in kg/m3 is about 999 times that)", shown, trimmed(value)));
+      throw InputError(
+          fmt::format("{} = {}: a specific gravity 60/60 F lies between 0.5 and 1.3 (a density in kg/m3 is "
+                      "about 999 times that)",
+                      shown, trimmed(value)));
   } else if (key == "api") {
     once(SG, 141.5 / (131.5 + plain_number(shown, value)));
   } else if (key == "correlation") {
@@ -229,11 +243,14 @@ void Definition::set(std::string_view shown, std::string_view value) {
     once(Tb, condition(shown, Quantity::temperature, value, "K"));
   } else if (key == "omega" || key == "acentricfactor" || key == "w") {
     once(omega, plain_number(shown, value));
-    if (std::abs(*omega) > 3.0) throw InputError(fmt::format("{} = {}: an acentric factor lies between -0.4 and 3", shown, trimmed(value)));
+    if (std::abs(*omega) > 3.0)
+      throw InputError(
+          fmt::format("{} = {}: an acentric factor lies between -0.4 and 3", shown, trimmed(value)));
   } else if (key == "vc") {
     once(Vc, with_factor(shown, value, {{"cm3/mol", 1.0}, {"m3/kmol", 1000.0}, {"l/mol", 1000.0}}));
   } else if (key == "cas") {
     cas = checked_cas(value);
+    if (cas == "7732-18-5") throw InputError("CAS = 7732-18-5: water is in the databank");
   } else if (key == "cp") {
     std::string_view numbers = value;
     if (const std::size_t at = numbers.find_first_of("JjCc"); at != std::string_view::npos) {
@@ -242,20 +259,25 @@ void Definition::set(std::string_view shown, std::string_view value) {
       numbers = numbers.substr(0, at);
     }
     for (const std::string& piece : listed(numbers)) cp.push_back(plain_number(shown, piece));
-    if (cp.empty() || cp.size() > 5) throw InputError("Cp: one to five numbers A, B, C, D, E of A + B T + C T2 + ... in J/(mol K), T in K");
+    if (cp.empty() || cp.size() > 5)
+      throw InputError("Cp: one to five numbers A, B, C, D, E of A + B T + C T2 + ... in J/(mol K), T in K");
   } else if (key == "cprange") {
     const auto ends = split(value, ',');
-    if (ends.size() != 2) throw InputError(fmt::format("Cp range = {}: two temperatures, for instance 200 K, 1000 K", trimmed(value)));
+    if (ends.size() != 2)
+      throw InputError(
+          fmt::format("Cp range = {}: two temperatures, for instance 200 K, 1000 K", trimmed(value)));
     cp_Tmin = condition(shown, Quantity::temperature, ends[0], "K");
     cp_Tmax = condition(shown, Quantity::temperature, ends[1], "K");
-    if (!(cp_Tmin < cp_Tmax)) throw InputError(fmt::format("Cp range = {}: the lower temperature comes first", trimmed(value)));
+    if (!(cp_Tmin < cp_Tmax))
+      throw InputError(fmt::format("Cp range = {}: the lower temperature comes first", trimmed(value)));
   } else if (key == "groups") {
     groups = parse_groups(value);
     structure = Structure::groups;
   } else if (key == "kij") {
     kij = parse_kij(value);
   } else {
-    throw InputError(fmt::format("\"{}\" is not understood: a component has {}", trimmed(shown), kComponentKeys));
+    throw InputError(
+        fmt::format("\"{}\" is not understood: a component has {}", trimmed(shown), kComponentKeys));
   }
 }
 
@@ -265,21 +287,27 @@ void Definition::check() const {
   const auto wrong = [&](const std::string& reason) { refuse(*this, reason); };
   const bool plus = fraction && (name.back() == '+' || name.find('*') != std::string::npos);
   if (!plus && names_component(name)) wrong("the databank has a component of this name; choose another");
-  if (search_key(name).empty() || name.find('=') != std::string::npos) wrong("a name has a letter or digit, and no \"=\"");
+  if (search_key(name).empty() || name.find('=') != std::string::npos)
+    wrong("a name has a letter or digit, and no \"=\"");
   if (fraction) {
     if (!SG) wrong("SG is missing: the specific gravity 60/60 F, or API");
     if (!M && curve.empty()) wrong("M is missing: the molar mass, or a boiling curve");
-    if (!curve.empty() && (alpha || eta)) wrong("a boiling curve leaves no distribution to choose: leave out alpha, eta and distribution");
+    if (!curve.empty() && (alpha || eta))
+      wrong("a boiling curve leaves no distribution to choose: leave out alpha, eta and distribution");
     return;
   }
   if (!M) wrong("M is missing, the molar mass in g/mol");
   const bool known = Tc && Pc, estimated = SG.has_value();
-  if (!known && !estimated) wrong("Tc and Pc are missing (or SG, from which correlations for petroleum have them)");
   if ((Tc && !Pc) || (Pc && !Tc)) wrong("Tc and Pc belong together");
-  if (!omega && !Tb && !SG) wrong("omega is missing, the acentric factor (or Tb or SG, from which it is estimated)");
+  if (!known && !estimated)
+    wrong("Tc and Pc are missing (or SG, from which correlations for petroleum have them)");
+  if (!omega && !Tb && !SG)
+    wrong("omega is missing, the acentric factor (or Tb or SG, from which it is estimated)");
   if (structure == Structure::none && kij.empty())
-    wrong("nothing says how it interacts: groups = CH3:2 CH2:8, structure = paraffin, naphthene, aromatic or PNA, or "
-           "kij = methane:0.04, other:0");
+    wrong(
+        "nothing says how it interacts: groups = CH3:2 CH2:8, structure = paraffin, naphthene, aromatic or "
+        "PNA, or "
+        "kij = methane:0.04, other:0");
 }
 
 Definition parse_definition(std::string_view text, bool fraction) {

@@ -19,19 +19,19 @@ enum class Structure { none, groups, classes, paraffin, naphthene, aromatic };
 // A component or a fraction as it is described; numbers that are not given are empty.
 struct Definition {
   std::string name;
-  bool fraction = false;  // split into pieces
+  bool fraction = false;                               // split into pieces
   std::optional<double> M, Tc, Pc, omega, Vc, Tb, SG;  // g/mol, K, Pa, -, cm3/mol, K, 60/60 F
   std::string cas;
   std::optional<Correlation> correlation;
-  std::vector<double> cp;                       // A to E, J/(mol K)
-  double cp_Tmin = 200.0, cp_Tmax = 1500.0;     // K
+  std::vector<double> cp;                    // A to E, J/(mol K)
+  double cp_Tmin = 200.0, cp_Tmax = 1500.0;  // K
   Structure structure = Structure::none;
-  std::vector<std::pair<int, double>> groups;   // number in the table of 40, count
+  std::vector<std::pair<int, double>> groups;       // number in the table of 40, count
   std::vector<std::pair<std::string, double>> kij;  // constant, by the name of the other component; "other"
   std::optional<ClassShares> shares;
   // Of a fraction.
   std::optional<int> pieces;
-  std::optional<double> alpha, eta;             // gamma distribution
+  std::optional<double> alpha, eta;              // gamma distribution
   std::vector<std::pair<double, double>> curve;  // part distilled (by volume, 0 to 1), boiling point K
 
   // Takes "key = value": M = 142 g/mol, groups = CH3:2 CH2:8. InputError for what is not understood.

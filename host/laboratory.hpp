@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "composition.hpp"
+#include "sheet.hpp"
 
 namespace kestrune::host {
 
@@ -20,6 +21,9 @@ bool is_total(std::string_view name);
 // nothing was read. Rows below the total that are no components are left out, as are rows above the heading. InputError
 // names the line.
 bool read_table(std::string_view text, const ReadOptions& options, Composition& composition);
+
+// Reads the row of that name or number when the sheet is a table with one composition a row; false when it is none.
+bool read_chosen_analysis(const Sheet& sheet, const std::string& wanted, Composition& composition);
 
 // Names of the analyses of a table with one composition a row, "1", "2" where they have none; empty for any other text.
 std::vector<std::string> analyses_in(std::string_view text, const Composition& definitions);

@@ -18,7 +18,8 @@ namespace {
 // Whether a name as it is written stands for this component.
 bool names_same(std::string_view name, const Component& component) {
   const std::string key = search_key(name);
-  if (key == search_key(component.name) || (!component.fraction.empty() && key == search_key(component.fraction)))
+  if (key == search_key(component.name) ||
+      (!component.fraction.empty() && key == search_key(component.fraction)))
     return true;
   return component.number > 0 && names_component(name) && find_component(name).number == component.number;
 }
@@ -43,7 +44,8 @@ void fill_constants(const Composition& from, const std::vector<int>& definition_
       const auto named = [&](const auto& entry) { return names_same(entry.first, other); };
       auto found = std::find_if(d.kij.begin(), d.kij.end(), named);
       if (found == d.kij.end())
-        found = std::find_if(d.kij.begin(), d.kij.end(), [](const auto& e) { return search_key(e.first) == "other"; });
+        found = std::find_if(d.kij.begin(), d.kij.end(),
+                             [](const auto& e) { return search_key(e.first) == "other"; });
       if (found == d.kij.end() && m.components[static_cast<std::size_t>(i)].group_count > 0) continue;
       // Two of the user's own: the other may name this one.
       const int theirs = definition_of[static_cast<std::size_t>(j)];
@@ -51,7 +53,8 @@ void fill_constants(const Composition& from, const std::vector<int>& definition_
       if (found == d.kij.end()) zero.push_back(other.name);
       m.constants.push_back({std::min(i, j), std::max(i, j), found == d.kij.end() ? 0.0 : found->second});
     }
-    if (!zero.empty()) m.notes.push_back(fmt::format("{}: k_ij with {} taken as 0", d.name, joined(zero, ", ")));
+    if (!zero.empty())
+      m.notes.push_back(fmt::format("{}: k_ij with {} taken as 0", d.name, joined(zero, ", ")));
   }
 }
 
@@ -224,7 +227,8 @@ Mixture build_mixture(const Composition& composition, const InteractionSet& set)
   m.components = whole.components;
   for (const Component& c : m.components)
     if (!std::isfinite(c.omega))
-      throw InputError(fmt::format("{} has no acentric factor in the databank: it stands there for its data alone", c.name));
+      throw InputError(
+          fmt::format("{} has no acentric factor in the databank: it stands there for its data alone", c.name));
   m.basis = whole.basis;
   fill_fractions(whole, m);
   fill_constants(composition, definition_of, m);

@@ -39,8 +39,8 @@ struct Mixture {
   std::vector<double> A_atm, B_atm, fractions, ratio, differences;
   std::array<double*, 6> storage;
 
-  std::vector<MissingPair> missing;  // pairs whose interaction counts as zero
-  std::vector<int> uncovered;        // components without any groups, indices from 0
+  std::vector<MissingPair> missing;     // pairs whose interaction counts as zero
+  std::vector<int> uncovered;           // components without any groups, indices from 0
   std::vector<ConstantPair> constants;  // pairs with a constant k_ij
   std::vector<std::string> notes;       // on components of the user's own and fractions, a sentence each
 

@@ -14,8 +14,8 @@ namespace kestrune::host {
 
 namespace {
 
-constexpr double kRankine = 1.8;                      // degrees R in a kelvin
-constexpr double kFt3LbmolInCm3Mol = 62.42796;        // 28316.846592/453.59237
+constexpr double kRankine = 1.8;                // degrees R in a kelvin
+constexpr double kFt3LbmolInCm3Mol = 62.42796;  // 28316.846592/453.59237
 constexpr std::string_view kNames[] = {"lee-kesler", "twu", "riazi-daubert"};
 
 double square(double x) {
@@ -53,8 +53,8 @@ CriticalConstants twu(double Tb, double SG) {
   const double v = std::expm1(4.0 * (SG0 * SG0 - SG * SG));
   const double Vc = Vc0 * factor(v * (0.466590 / root + (-0.182421 + 3.01721 / root) * v));
   const double p = std::expm1(0.5 * (SG0 - SG));
-  const double fp = p * ((2.53262 - 46.1955 / root - 0.00127885 * R) +
-                         (-11.4277 + 252.140 / root + 0.00230535 * R) * p);
+  const double fp =
+      p * ((2.53262 - 46.1955 / root - 0.00127885 * R) + (-11.4277 + 252.140 / root + 0.00230535 * R) * p);
   const double Pc = Pc0 * (Tc / Tc0) * (Vc0 / Vc) * factor(fp);
   return {Tc / kRankine, Pc * kPsiInPa, Vc * kFt3LbmolInCm3Mol, 0.0};
 }
@@ -74,8 +74,7 @@ std::string_view correlation_name(Correlation correlation) {
 
 double acentric_factor(double Tb, double Tc, double Pc, double Kw) {
   const double r = Tb / Tc;
-  if (r > 0.8)
-    return -7.904 + 0.1352 * Kw - 0.007465 * Kw * Kw + 8.359 * r + (1.408 - 0.01063 * Kw) / r;
+  if (r > 0.8) return -7.904 + 0.1352 * Kw - 0.007465 * Kw * Kw + 8.359 * r + (1.408 - 0.01063 * Kw) / r;
   const double r6 = std::pow(r, 6.0), ln = std::log(r);
   return (-std::log(Pc / kAtmInPa) - 5.92714 + 6.09648 / r + 1.28862 * ln - 0.169347 * r6) /
          (15.2518 - 15.6875 / r - 13.4721 * ln + 0.43577 * r6);
@@ -127,8 +126,8 @@ ClassShares class_shares(double M, double Tb, double SG) {
   } else {
     const double d20 = SG - 4.5e-3 * (2.34 - 1.9 * SG);
     const double Ri = n20 - 0.5 * d20;
-    const double CH = 3.4707 * std::exp(0.01485 * Tb + 16.94 * SG - 0.012492 * Tb * SG) *
-                      std::pow(Tb, -2.725) * std::pow(SG, -6.798);
+    const double CH = 3.4707 * std::exp(0.01485 * Tb + 16.94 * SG - 0.012492 * Tb * SG) * std::pow(Tb, -2.725) *
+                      std::pow(SG, -6.798);
     x.paraffins = 1.9842 - 0.27722 * Ri - 0.15643 * CH;
     x.naphthenes = 0.5977 - 0.761745 * Ri + 0.068048 * CH;
   }
@@ -138,8 +137,7 @@ ClassShares class_shares(double M, double Tb, double SG) {
   return {x.paraffins / sum, x.naphthenes / sum, x.aromatics / sum};
 }
 
-int groups_of_classes(double M, const ClassShares& x,
-                      std::array<GroupCount, kMaxGroupsPerComponent>& groups) {
+int groups_of_classes(double M, const ClassShares& x, std::array<GroupCount, kMaxGroupsPerComponent>& groups) {
   // Groups by their numbers in the table of 40: CH3 1, CH2 2, CHaro 7, Caro 8, CH2cyclic 10, CHcyclic 11.
   constexpr double kCH2 = 14.02658, kH = 1.00794;  // g/mol
   constexpr int kTotal = 10000;

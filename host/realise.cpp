@@ -19,7 +19,8 @@ double watson_factor(const PetroleumTools& tools, double Tb, double SG) {
   double Kw = 0.0;
   std::int32_t status = 0;
   tools.CalcKUOP(&Tb, &SG, &Kw, &status);
-  if (status != 0) throw InputError(fmt::format("no Watson factor of a boiling point of {} K and SG {}", Tb, SG));
+  if (status != 0)
+    throw InputError(fmt::format("no Watson factor of a boiling point of {} K and SG {}", Tb, SG));
   return Kw;
 }
 
@@ -46,7 +47,8 @@ std::int32_t number_of_cas(const std::string& cas) {
   return number;
 }
 
-void set_structure(const Definition& d, double M, double Tb, double SG, Component& c, std::vector<std::string>& notes) {
+void set_structure(const Definition& d, double M, double Tb, double SG, Component& c,
+                   std::vector<std::string>& notes) {
   const auto classes = [&](const ClassShares& x) { c.group_count = groups_of_classes(M, x, c.groups); };
   switch (d.structure) {
     case Structure::none:
@@ -74,11 +76,13 @@ void set_structure(const Definition& d, double M, double Tb, double SG, Componen
       classes({0.0, 0.0, 1.0});
       break;
     case Structure::classes: {
-      if (!d.shares && !(SG > 0.0)) refuse(d, "structure = PNA needs SG, or PNA = shares of paraffins, naphthenes and aromatics");
+      if (!d.shares && !(SG > 0.0))
+        refuse(d, "structure = PNA needs SG, or PNA = shares of paraffins, naphthenes and aromatics");
       const ClassShares x = d.shares ? *d.shares : class_shares(M, Tb, SG);
       if (!d.shares && !d.fraction)
-        notes.push_back(fmt::format("{}: {:.0f} % paraffins, {:.0f} % naphthenes, {:.0f} % aromatics from M and SG", c.name,
-                                    100.0 * x.paraffins, 100.0 * x.naphthenes, 100.0 * x.aromatics));
+        notes.push_back(
+            fmt::format("{}: {:.0f} % paraffins, {:.0f} % naphthenes, {:.0f} % aromatics from M and SG", c.name,
+                        100.0 * x.paraffins, 100.0 * x.naphthenes, 100.0 * x.aromatics));
       classes(x);
       break;
     }
@@ -99,14 +103,19 @@ Realised one_component(const Definition& d, const std::string& library_path) {
   const Correlation correlation = d.correlation.value_or(Correlation::lee_kesler);
   if (!d.Tc) {
     critical = critical_constants(correlation, Tb, SG, Kw);
-    notes.push_back(fmt::format("{}: Tc {:.2f} K, Pc {:.3f} bar by the correlation {} from {} and SG", d.name, critical.Tc,
-                                critical.Pc / 1e5, correlation_name(correlation), d.Tb ? "Tb" : "M"));
+    notes.push_back(fmt::format("{}: Tc {:.2f} K, Pc {:.3f} bar by the correlation {} from {} and SG", d.name,
+                                critical.Tc, critical.Pc / 1e5, correlation_name(correlation),
+                                d.Tb ? "Tb" : "M"));
   }
   c.Tc = critical.Tc;
   c.Pc = critical.Pc;
-  if (Tb >= c.Tc) refuse(d, fmt::format("its boiling point {:.2f} K is not below its critical temperature {:.2f} K", Tb, c.Tc));
+  if (Tb >= c.Tc)
+    refuse(d,
+           fmt::format("its boiling point {:.2f} K is not below its critical temperature {:.2f} K", Tb, c.Tc));
   c.omega = d.omega ? *d.omega : acentric_factor(Tb, c.Tc, c.Pc, Kw > 0.0 ? Kw : 12.0);
-  if (!d.omega) notes.push_back(fmt::format("{}: acentric factor {:.4f} from its boiling point (Lee and Kesler)", d.name, c.omega));
+  if (!d.omega)
+    notes.push_back(
+        fmt::format("{}: acentric factor {:.4f} from its boiling point (Lee and Kesler)", d.name, c.omega));
   c.Vc = d.Vc.value_or(critical.Vc);
   if (c.Vc > 0.0) c.Zc = c.Pc * c.Vc * 1e-6 / (8.31446261815324 * c.Tc);
   c.Tb = Tb;
@@ -124,11 +133,14 @@ Realised one_component(const Definition& d, const std::string& library_path) {
     if (Tb == 0.0) Tb = boiling_point_of(c.Tc, c.Pc, c.omega);
     if (SG == 0.0) SG = gravity_of(Tb, c.Tc);
     if (SG == 0.0)
-      refuse(d, "its ideal-gas heat capacity cannot be estimated (the estimate is for hydrocarbons): give Cp = A, B, ... in J/(mol K)");
+      refuse(d,
+             "its ideal-gas heat capacity cannot be estimated (the estimate is for hydrocarbons): give Cp = A, "
+             "B, ... in J/(mol K)");
     Kw = watson_factor(load_petroleum_tools(library_path), Tb, SG);
     c.own_cp = petroleum_heat_capacity(*d.M, Kw);
-    notes.push_back(fmt::format("{}: ideal-gas heat capacity estimated by Kesler and Lee (1976) for hydrocarbons, Watson factor {:.2f}",
-                                d.name, Kw));
+    notes.push_back(fmt::format(
+        "{}: ideal-gas heat capacity estimated by Kesler and Lee (1976) for hydrocarbons, Watson factor {:.2f}",
+        d.name, Kw));
   }
   set_structure(d, *d.M, Tb, SG, c, notes);
   result.parts.push_back({c, 1.0, 1.0});
@@ -159,7 +171,8 @@ Realised realise(const Definition& d, const std::string& library_path) {
     c.Vc = k.Vc;
     if (c.Vc > 0.0) c.Zc = c.Pc * c.Vc * 1e-6 / (8.31446261815324 * c.Tc);
     if (!(c.Tc > cut.Tb) || !(c.Pc > 0.0) || !std::isfinite(c.omega) || std::abs(c.omega) > 3.0)
-      refuse(d, fmt::format("the correlation {} has no constants for its piece of {:.1f} g/mol; take another, or fewer pieces",
+      refuse(d, fmt::format("the correlation {} has no constants for its piece of {:.1f} g/mol; take another, "
+                            "or fewer pieces",
                             correlation_name(correlation), cut.M));
     c.own_cp = petroleum_heat_capacity(cut.M, Kw);
     Definition piece = d;
@@ -167,10 +180,11 @@ Realised realise(const Definition& d, const std::string& library_path) {
     set_structure(piece, cut.M, cut.Tb, cut.SG, c, result.notes);
     result.parts.push_back({c, cut.moles, cut.mass});
   }
-  result.notes.push_back(fmt::format("{} was split into {} pieces ({}; M {:.5g}, SG {:.4g}, Watson factor {:.2f}), constants by {}, "
-                                     "heat capacity by Kesler and Lee (1976)",
-                                     d.name, split.cuts.size(), split.how, split.M, *d.SG,
-                                     watson_factor(tools, split.Tb, *d.SG), correlation_name(correlation)));
+  result.notes.push_back(fmt::format(
+      "{} was split into {} pieces ({}; M {:.5g}, SG {:.4g}, Watson factor {:.2f}), constants by {}, "
+      "heat capacity by Kesler and Lee (1976)",
+      d.name, split.cuts.size(), split.how, split.M, *d.SG, watson_factor(tools, split.Tb, *d.SG),
+      correlation_name(correlation)));
   return result;
 }
 

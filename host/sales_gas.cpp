@@ -86,8 +86,8 @@ Reference reference_by_name(std::string_view text) {
 
 TabulatedGas tabulated(const Mixture& mixture, const std::string& stand_in) {
   TabulatedGas gas;
-  std::vector<std::string> small, large;
-  double other_mass = 0.0, sum = 0.0;  // g in one mole of mixture
+  std::vector<std::string> others;
+  double moles = 0.0, mass = 0.0, sum = 0.0;  // of the others, in one mole of mixture; of what is in the table
   for (std::size_t i = 0; i < mixture.z.size(); ++i) {
     const Component& c = mixture.components[i];
     const double z = mixture.z[i];
@@ -95,33 +95,33 @@ TabulatedGas tabulated(const Mixture& mixture, const std::string& stand_in) {
     if (const CalorificEntry* e = find_entry(c.cas_number)) {
       gas.entries.push_back(e);
       gas.x.push_back(z);
-    } else if (z < kNegligible && stand_in.empty()) {
-      small.push_back(share_in_words(c.name, z));
-    } else {
-      large.push_back(share_in_words(c.name, z));
-      other_mass += z * c.molar_mass;
+      continue;
     }
+    others.push_back(share_in_words(c.name, z));
+    moles += z;
+    mass += z * c.molar_mass;
   }
-  if (!large.empty()) {
-    if (stand_in.empty()) {
+  if (!others.empty() && stand_in.empty()) {
+    if (!(moles < kNegligible)) {
       throw InputError(
           fmt::format("the table of calorific values does not have {}: --others n-octane counts it, mass for "
                       "mass, as n-octane "
-                      "(any component of the table); less than {:g} % of it would be left out",
-                      joined(large, ", "), 100.0 * kNegligible));
+                      "(any component of the table); less than {:g} % in all would be left out",
+                      joined(others, ", "), 100.0 * kNegligible));
     }
+    gas.notes.push_back("not in the table of calorific values, left out: " + joined(others, ", "));
+  } else if (!others.empty()) {
     const Component& c = find_component(stand_in);
     const CalorificEntry* e = find_entry(c.cas_number);
-    if (e == nullptr)
+    if (e == nullptr) {
       throw InputError(
           fmt::format("--others {}: the table of calorific values does not have it either", stand_in));
+    }
     gas.entries.push_back(e);
-    gas.x.push_back(other_mass / e->molar_mass);
+    gas.x.push_back(mass / e->molar_mass);
     gas.notes.push_back(fmt::format("not in the table of calorific values, counted mass for mass as {}: {}",
-                                    c.name, joined(large, ", ")));
+                                    c.name, joined(others, ", ")));
   }
-  if (!small.empty())
-    gas.notes.push_back("not in the table of calorific values, left out: " + joined(small, ", "));
   for (const double x : gas.x) sum += x;
   if (!(sum > 0.0)) throw InputError("nothing of the mixture is in the table of calorific values");
   for (double& x : gas.x) x /= sum;

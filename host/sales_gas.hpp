@@ -47,8 +47,8 @@ struct TabulatedGas {
   std::vector<std::string> notes;  // what was left out or taken for another component
 };
 
-// Components outside the table below kNegligible are left out. Those above it are taken, mass for mass, for the
-// component with the name stand_in; InputError that names them where that is empty.
+// Components outside the table are taken, mass for mass, for the component with the name stand_in. Where that is empty
+// they are left out if they are below kNegligible together; else an InputError names them.
 inline constexpr double kNegligible = 5e-5;  // mole fraction from which ISO 6976 wants a component counted
 TabulatedGas tabulated(const Mixture& mixture, const std::string& stand_in);
 

@@ -23,7 +23,9 @@ double lightest(const Definition& d) {
   const std::size_t length = at == std::string::npos ? 0 : number_length(std::string_view(d.name).substr(at));
   const auto n = length == 0 ? std::nullopt : parse_number(std::string_view(d.name).substr(at, length));
   if (!n || *n < 5.0 || *n > 60.0)
-    refuse(d, "the molar mass of its lightest molecules is not known from its name (C7+, C10+): give eta, for instance eta = 90");
+    refuse(d,
+           "the molar mass of its lightest molecules is not known from its name (C7+, C10+): give eta, for "
+           "instance eta = 90");
   return 14.0 * *n - 8.0;
 }
 
@@ -49,7 +51,8 @@ void set_gravities(const Definition& d, std::vector<Cut>& cuts) {
     return v;
   };
   const auto excess = [&](double Cf) { return 1.0 / *d.SG - volume(Cf); };  // rises
-  if (excess(0.1) > 0.0 || excess(0.6) < 0.0) refuse(d, fmt::format("SG {} does not belong to molar masses about {}", *d.SG, *d.M));
+  if (excess(0.1) > 0.0 || excess(0.6) < 0.0)
+    refuse(d, fmt::format("SG {} does not belong to molar masses about {}", *d.SG, *d.M));
   const double Cf = root_of(0.1, 0.6, excess);
   for (Cut& c : cuts) c.SG = gravity_of_cut(c.M, Cf);
 }
@@ -81,8 +84,12 @@ SplitFraction split_by_distribution(const Definition& d) {
   const double eta = lightest(d), mean = *d.M, alpha = d.alpha.value_or(1.0);
   const int n = d.pieces.value_or(kUsualPieces);
   if (!(mean > eta))
-    refuse(d, fmt::format("its molar mass {} is not above that of its lightest molecules, eta = {}: is M in g/mol?", mean, eta));
-  if (mean > kHeaviestCut) refuse(d, fmt::format("a molar mass of {} g/mol is above {}, where the correlations end", mean, kHeaviestCut));
+    refuse(d, fmt::format(
+                  "its molar mass {} is not above that of its lightest molecules, eta = {}: is M in g/mol?",
+                  mean, eta));
+  if (mean > kHeaviestCut)
+    refuse(d,
+           fmt::format("a molar mass of {} g/mol is above {}, where the correlations end", mean, kHeaviestCut));
   SplitFraction result;
   result.M = mean;
   result.how = alpha == 1.0 ? "exponential distribution" : fmt::format("gamma distribution, alpha {:g}", alpha);
@@ -103,8 +110,11 @@ SplitFraction split_by_distribution(const Definition& d) {
     excess_below = excess_to;
   }
   if (!(result.cuts.back().M <= kHeaviestCut))
-    refuse(d, fmt::format("its heaviest piece has {:.0f} g/mol, above {:.0f}, where the correlations end: take fewer pieces",
-                          result.cuts.back().M, kHeaviestCut));
+    refuse(
+        d,
+        fmt::format(
+            "its heaviest piece has {:.0f} g/mol, above {:.0f}, where the correlations end: take fewer pieces",
+            result.cuts.back().M, kHeaviestCut));
   set_gravities(d, result.cuts);
   for (Cut& c : result.cuts) c.Tb = boiling_point(c.M, c.SG);
   result.Tb = boiling_point(mean, *d.SG);
@@ -124,8 +134,9 @@ SplitFraction split_by_curve(const Definition& d, const PetroleumTools& tools) {
   result.how = "boiling curve";
   for (int k = 0; k < n; ++k) result.cuts.push_back({0.0, 0.0, at((k + 0.5) / n), 0.0, 0.0});
   if (result.cuts.front().Tb < 250.0 || result.cuts.back().Tb > 1000.0)
-    refuse(d, fmt::format("the boiling curve reaches from {:.0f} to {:.0f} K; the correlations hold from 250 to 1000 K",
-                          result.cuts.front().Tb, result.cuts.back().Tb));
+    refuse(d, fmt::format(
+                  "the boiling curve reaches from {:.0f} to {:.0f} K; the correlations hold from 250 to 1000 K",
+                  result.cuts.front().Tb, result.cuts.back().Tb));
   // One Watson factor; of equal volumes the mean of the specific gravities is that of the fraction.
   double mean = 0.0;
   for (Cut& c : result.cuts) {

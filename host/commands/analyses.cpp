@@ -20,7 +20,8 @@ struct Value {
   std::size_t index;
   std::string text;
 };
-std::optional<Value> value_of(const std::vector<std::string>& arguments, std::initializer_list<std::string_view> names) {
+std::optional<Value> value_of(const std::vector<std::string>& arguments,
+                              std::initializer_list<std::string_view> names) {
   for (std::size_t i = 0; i < arguments.size(); ++i)
     for (const std::string_view name : names) {
       if (arguments[i] == name && i + 1 < arguments.size()) return Value{i + 1, arguments[i + 1]};
@@ -47,12 +48,14 @@ bool asks_for_all(const std::vector<std::string>& arguments) {
   return analysis && lower(trimmed(analysis->text)) == "all";
 }
 
-int run_all(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err, const Exports* exports) {
+int run_all(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err,
+            const Exports* exports) {
   const auto analysis = value_of(arguments, {"--analysis"}), file = value_of(arguments, {"-m", "--mixture"});
   if (!file || file->text == "-") throw InputError("--analysis all needs a mixture file: -m FILE");
   const std::vector<std::string> names = analyses_of_file(file->text);
   if (names.empty())
-    throw InputError(fmt::format("{}: no table with one composition a row, and components in its heading", file->text));
+    throw InputError(
+        fmt::format("{}: no table with one composition a row, and components in its heading", file->text));
   const auto format = value_of(arguments, {"--format"}), print = value_of(arguments, {"--print"});
   const std::string form = print ? "print" : format ? lower(format->text) : "table";
   nlohmann::ordered_json all = nlohmann::ordered_json::array();

@@ -118,7 +118,8 @@ void list_components(const ComponentsOptions& options, Session& session) {
     print_csv(list, session.out);
   } else {
     print_table(list, session.out);
-    for (const std::string& note : notes) session.out << (&note == notes.data() ? "\n" : "") << "Note: " << note << '\n';
+    for (const std::string& note : notes)
+      session.out << (&note == notes.data() ? "\n" : "") << "Note: " << note << '\n';
     return;
   }
   tell(session, notes);

@@ -4,6 +4,7 @@
 #include "kij.hpp"
 
 #include <CLI/CLI.hpp>
+#include <cmath>
 #include <nlohmann/json.hpp>
 
 #include "commands/session.hpp"
@@ -41,7 +42,8 @@ std::string pair_title(const Mixture& m, std::size_t i, std::size_t j) {
 }
 
 std::string cell(const Mixture& m, const Matrix& k, std::size_t i, std::size_t j) {
-  return fmt::format("{:.5f}{}", k[i * m.z.size() + j],
+  const double value = k[i * m.z.size() + j];
+  return fmt::format("{:.5f}{}", std::abs(value) < 5e-6 ? 0.0 : value,  // no -0.00000 of rounding
                      is_incomplete(m, static_cast<int>(i), static_cast<int>(j)) ? "*" : " ");
 }
 

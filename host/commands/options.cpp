@@ -45,21 +45,25 @@ void apply_setting(const std::string& text, MixtureRecord& record) {
 
 }  // namespace
 
-void add_definition_options(CLI::App& command, std::vector<std::string>& own, std::vector<std::string>& fractions) {
+void add_definition_options(CLI::App& command, std::vector<std::string>& own,
+                            std::vector<std::string>& fractions) {
   const auto repeated = [&](const char* name, std::vector<std::string>& texts, const char* help) {
     command.add_option(name, texts, help)->allow_extra_args(false)->type_size(1)->expected(1, 1000)->take_all();
   };
-  repeated("--component", own,
-           "A component of your own: \"name=cut, M=142, Tc=617.7 K, Pc=21.1 bar, omega=0.49, groups=CH3:2 CH2:8\"");
+  repeated(
+      "--component", own,
+      "A component of your own: \"name=cut, M=142, Tc=617.7 K, Pc=21.1 bar, omega=0.49, groups=CH3:2 CH2:8\"");
   repeated("--fraction", fractions, "A fraction to be split: \"name=C7+, M=218, SG=0.8515\"");
 }
 
 void MixtureOptions::add_to(CLI::App& command) {
-  command.add_option("-m,--mixture", file, "Mixture file: JSON, text, or a laboratory's table (- for standard input)");
+  command.add_option("-m,--mixture", file,
+                     "Mixture file: JSON, text, or a laboratory's table (- for standard input)");
   command.add_option("--z", inline_text,
                      "Components and amounts: methane=0.9,ethane=0.1; replaces those of the file");
   add_definition_options(command, own, fractions);
-  command.add_option("--analysis", analysis, "Of a file with one composition a row: its name, its number, or all");
+  command.add_option("--analysis", analysis,
+                     "Of a file with one composition a row: its name, its number, or all");
   command.add_option("--column", column, "Heading of the column with the amounts, where there are several");
   command.add_option("--basis", basis, "What the amounts are: mole (default) or mass");
   command.add_option("--set", set, "Group interactions: 2022 (default) or original");
@@ -76,7 +80,8 @@ Composition MixtureOptions::composition() const {
   ReadOptions read{analysis, column, {}};
   if (!basis.empty()) read.basis = basis_by_name(basis);
   if (!file.empty()) read_composition_file(file, result, read);
-  if (file.empty() && !(analysis + column).empty()) throw InputError("--analysis and --column belong to a mixture file, -m FILE");
+  if (file.empty() && !(analysis + column).empty())
+    throw InputError("--analysis and --column belong to a mixture file, -m FILE");
   if (!inline_text.empty()) read_inline(inline_text, result, !file.empty());
   if (!basis.empty()) {
     const Basis wanted = basis_by_name(basis);

@@ -36,7 +36,8 @@ int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err
 // Whether the arguments hold --analysis all; runs the program on every analysis of the mixture file, and returns the
 // gravest exit code. InputError when there is none.
 bool asks_for_all(const std::vector<std::string>& arguments);
-int run_all(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err, const Exports* exports);
+int run_all(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err,
+            const Exports* exports);
 
 // Each command adds itself to the program; its work is done while the arguments are parsed.
 void add_flash_command(CLI::App& app, Session& session);
@@ -54,7 +55,8 @@ void add_document_commands(CLI::App& app, Session& session);
 // ---- Options that several commands share ---------------------------------------------------------
 
 // --component, --fraction: texts of parse_definition.
-void add_definition_options(CLI::App& command, std::vector<std::string>& own, std::vector<std::string>& fractions);
+void add_definition_options(CLI::App& command, std::vector<std::string>& own,
+                            std::vector<std::string>& fractions);
 
 // -m, --z, --component, --fraction, --analysis, --column, --basis, --set: which mixture.
 struct MixtureOptions {

@@ -40,8 +40,8 @@ enum KvTableColumn {
   KV_COL_CP_A = 12,           /* own ideal-gas heat capacity: A, and B to E in the columns behind it */
   KV_COL_CP_TMIN = 17,        /* range of it, K */
   KV_COL_CP_TMAX = 18,
-  KV_COL_FAMILY = 41,         /* family code, KV_FAMILY_WATER marks water */
-  KV_COL_CAS = 43             /* CAS number as a whole number: 7732185 is 7732-18-5 */
+  KV_COL_FAMILY = 41, /* family code, KV_FAMILY_WATER marks water */
+  KV_COL_CAS = 43     /* CAS number as a whole number: 7732185 is 7732-18-5 */
 };
 #define KV_TABLE_COLUMNS 43
 #define KV_FAMILY_WATER 20.0

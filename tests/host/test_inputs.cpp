@@ -213,5 +213,9 @@ TEST(composition, wrong_input_is_refused_with_the_reason) {
                          read_lines("methane 1\nethane\n", c);
                        }),
                        "line 2"));
-  EXPECT_TRUE(contains(error_of([] { Composition c; read_composition_file("no such file", c); }), "cannot open"));
+  EXPECT_TRUE(contains(error_of([] {
+                         Composition c;
+                         read_composition_file("no such file", c);
+                       }),
+                       "cannot open"));
 }

@@ -127,3 +127,33 @@ TEST(kij, alpha_changes_its_form_above_an_acentric_factor_of_0_491) {
   EXPECT_NEAR(m(0.491), 1.06681707648, 1e-12);
   EXPECT_NEAR(m(0.6), 1.215067576, 1e-12);
 }
+
+// A constant k_ij beside groups, and without any: the library calculates with it, and the other pairs keep theirs.
+TEST(kij, a_constant_one_is_exact_at_every_temperature) {
+  const std::string own = "\"name=cut, M=142.28, Tc=617.7 K, Pc=21.1 bar, omega=0.4923, ";
+  const std::string gas = " --z methane=0.6,nC5=0.2,CO2=0.1,cut=0.1";
+  for (const char* groups : {"groups=CH3:2 CH2:8, kij=methane:0.0625\"", "kij=methane:0.0625\""}) {
+    const auto root = host_test::json_of("kij --component " + own + groups + gas + " -T 120:900:60K");
+    const auto plain = host_test::json_of("kij" + gas.substr(0, gas.find(",cut")) + " -T 120:900:60K");
+    for (std::size_t t = 0; t < root["temperatures"].size(); ++t) {
+      const auto k = root["temperatures"][t]["kij"], k0 = plain["temperatures"][t]["kij"];
+      EXPECT_NEAR(k[0][3].get<double>(), 0.0625, 1e-12);
+      EXPECT_NEAR(k[1][2].get<double>(), k0[1][2].get<double>(), 1e-12);
+    }
+  }
+  const std::string state = " --z methane=0.6,cut=0.4 -T 350K -P 60";
+  const auto matrix =
+      host_test::json_of("kij --component " + own + "groups=CH3:2 CH2:8\" --z methane=1,cut=1 -T 350K");
+  const double k = matrix["temperatures"][0]["kij"][0][1];
+  const auto a =
+      host_test::json_of("flash --component " + own + "groups=CH3:2 CH2:8\"" + state)["states"][0]["phases"];
+  const auto b = host_test::json_of("flash --component " + own + "kij=methane:" + std::to_string(k) + "\"" +
+                                    state)["states"][0]["phases"];
+  ASSERT_EQ(a.size(), 2u);
+  for (std::size_t p = 0; p < 2; ++p) {
+    const auto x = [p](const nlohmann::json& phases) {
+      return phases[p]["composition"]["methane"].get<double>();
+    };
+    EXPECT_NEAR(x(a), x(b), 1e-6);  // six digits of k_ij
+  }
+}

@@ -1,7 +1,10 @@
 // From a composition to the record, the tables and the group data that the calculation library reads.
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "mixture.hpp"
+#include "split.hpp"
 #include "support.hpp"
 
 using namespace kestrune::host;
@@ -84,4 +87,42 @@ TEST(mixture, missing_group_pairs_are_named_with_the_components_that_need_them) 
   // A component alone needs no interaction, whatever its groups are.
   EXPECT_EQ(names("methanol=1"), "");
   EXPECT_EQ(names("helium=1"), "");
+}
+
+TEST(mixture, the_pieces_of_a_fraction_keep_its_moles_mass_and_volume) {
+  for (const char* text :
+       {"name=C7+, M=218, SG=0.8515", "name=C7+, M=143, SG=0.795, pieces=12, correlation=twu",
+        "name=C10+, M=310, SG=0.89, alpha=1.7, pieces=4, PNA=5 3 2",
+        "name=C7+, M=150, SG=0.8, curve=10:110, 50:170, 90:290 C, pieces=9"}) {
+    const Realised r = realise(parse_definition(text, true), default_library_path());
+    double moles = 0.0, mass = 0.0, M = 0.0, last = 0.0;
+    for (const Part& p : r.parts) {
+      moles += p.moles;
+      mass += p.mass;
+      M += p.moles * p.component.molar_mass;
+      EXPECT_NEAR(p.mass / p.moles, p.component.molar_mass / *parse_definition(text, true).M, 1e-12) << text;
+      EXPECT_GT(p.component.Tc, std::max(last, p.component.Tb)) << text;
+      last = p.component.Tc;
+    }
+    EXPECT_NEAR(moles, 1.0, 1e-12) << text;
+    EXPECT_NEAR(mass, 1.0, 1e-12) << text;
+    EXPECT_NEAR(M / *parse_definition(text, true).M, 1.0, 1e-12) << text;
+  }
+}
+
+// n-decane has Tc 617.7 K, Pc 21.1 bar, omega 0.49; within what the correlations promise;
+// the gamma distribution with alpha 1 is 1 - exp(-x), with alpha 2 it is 1 - (1 + x) exp(-x).
+TEST(mixture, correlations_of_fractions_meet_normal_decane_and_closed_forms) {
+  for (const Correlation c : {Correlation::lee_kesler, Correlation::twu, Correlation::riazi_daubert}) {
+    const CriticalConstants k = critical_constants(c, 447.3, 0.7342, 12.67);
+    EXPECT_NEAR(k.Tc, 617.7, 4.0);
+    EXPECT_NEAR(k.Pc, 21.1e5, 1.2e5);
+    EXPECT_NEAR(k.omega, 0.49, 0.04);
+  }
+  EXPECT_NEAR(boiling_point(142.28, 0.7342), 447.3, 6.0);
+  EXPECT_NEAR(molar_mass_of_cut(447.3, 0.7342), 142.28, 3.0);
+  for (const double x : {1e-6, 0.3, 1.9, 2.1, 5.0, 40.0}) {
+    EXPECT_NEAR(gamma_share(1.0, x), -std::expm1(-x), 1e-14);
+    EXPECT_NEAR(gamma_share(2.0, x), 1.0 - (1.0 + x) * std::exp(-x), 1e-14);
+  }
 }

@@ -145,8 +145,10 @@ TEST(states, phases_appear_at_bubble_and_dew_points) {
   // The dew points on both sides of the two-phase region at one temperature.
   const auto both = numbers(kRich, "--dew -T 290K --branch all --print T,P");
   ASSERT_GT(both[3], 2.0 * both[1]);
-  for (const double outside : {both[1] * (1.0 - 1e-6), both[3] * (1.0 + 1e-6)}) EXPECT_EQ(phases(290.0, outside), 1);
-  for (const double inside : {both[1] * (1.0 + 1e-6), both[3] * (1.0 - 1e-6)}) EXPECT_EQ(phases(290.0, inside), 2);
+  for (const double outside : {both[1] * (1.0 - 1e-6), both[3] * (1.0 + 1e-6)})
+    EXPECT_EQ(phases(290.0, outside), 1);
+  for (const double inside : {both[1] * (1.0 + 1e-6), both[3] * (1.0 - 1e-6)})
+    EXPECT_EQ(phases(290.0, inside), 2);
   const auto half = numbers(kRich, "--beta 0.5 -P 20bar --print T,P");
   EXPECT_NEAR(numbers(kRich, "-T " + exact(half[0]) + "K -P 20bar --print beta")[0], 0.5, 1e-7);
   const json at = state(kRich, "--bubble -P 20bar");
