@@ -1,6 +1,8 @@
 #include "properties.hpp"
 
+#include <algorithm>
 #include <cmath>
+#include <initializer_list>
 
 namespace kestrune::host {
 
@@ -38,6 +40,12 @@ struct Call {
   double T, atm;
   const double* x;
   double molar_mass;  // g/mol
+  unsigned wanted;
+
+  bool wants(std::initializer_list<Property> any) const {
+    return std::any_of(any.begin(), any.end(),
+                       [&](Property p) { return (wanted & 1u << static_cast<unsigned>(p)) != 0; });
+  }
 };
 
 struct Volume {
@@ -59,6 +67,7 @@ Volume add_volume(Call& c, decltype(Exports::GasDensity_PPR78) density_export, P
 using MolarExport = decltype(Exports::GasMolarEnthalpy_PPR78);
 
 void add_molar(Call& c, MolarExport molar_export, Prop property, PropertyValues& result) {
+  if (!c.wants({property})) return;
   double value = kNone;
   const StatusCode status = molar_export(c.T, c.atm, c.x, &c.record, &value);
   result.set(property, status, kCalInJ * value);
@@ -66,20 +75,28 @@ void add_molar(Call& c, MolarExport molar_export, Prop property, PropertyValues&
 
 void add_gas_only(Call& c, PropertyValues& result) {
   double Cp = kNone, Cv = kNone, sound = kNone, joule_thomson = kNone, value = kNone;
-  StatusCode status =
-      c.library.GasSpecificHeat_PPR78(c.T, c.atm, c.x, &c.record, &Cp, &Cv, &sound, &joule_thomson);
-  result.set(Prop::Cp, status, kCalInJ * Cp);
-  result.set(Prop::Cv, status, kCalInJ * Cv);
-  result.set(Prop::speed_of_sound, status, sound);
-  result.set(Prop::joule_thomson, status, joule_thomson / kAtmInPa);
-  status = c.library.GasDynamicViscosity_PPR78(c.T, c.atm, c.x, &c.record, &value);
-  result.set(Prop::viscosity, status, 1e-3 * value);
-  status = c.library.GasThermalConductivity_PPR78(c.T, c.atm, c.x, &c.record, &value);
-  result.set(Prop::conductivity, status, value);
-  double Z = kNone, Z_normal = kNone, density = kNone, volume = kNone;
-  status = c.library.GasN(c.T, c.atm, c.x, &c.record, &Z, &Z_normal, &density, &volume);
-  result.set(Prop::normal_density, status, density);
-  result.set(Prop::normal_volume, status, volume);
+  if (c.wants({Prop::Cp, Prop::Cv, Prop::speed_of_sound, Prop::joule_thomson})) {
+    const StatusCode status =
+        c.library.GasSpecificHeat_PPR78(c.T, c.atm, c.x, &c.record, &Cp, &Cv, &sound, &joule_thomson);
+    result.set(Prop::Cp, status, kCalInJ * Cp);
+    result.set(Prop::Cv, status, kCalInJ * Cv);
+    result.set(Prop::speed_of_sound, status, sound);
+    result.set(Prop::joule_thomson, status, joule_thomson / kAtmInPa);
+  }
+  if (c.wants({Prop::viscosity})) {
+    const StatusCode status = c.library.GasDynamicViscosity_PPR78(c.T, c.atm, c.x, &c.record, &value);
+    result.set(Prop::viscosity, status, 1e-3 * value);
+  }
+  if (c.wants({Prop::conductivity})) {
+    const StatusCode status = c.library.GasThermalConductivity_PPR78(c.T, c.atm, c.x, &c.record, &value);
+    result.set(Prop::conductivity, status, value);
+  }
+  if (c.wants({Prop::normal_density, Prop::normal_volume})) {
+    double Z = kNone, Z_normal = kNone, density = kNone, volume = kNone;
+    const StatusCode status = c.library.GasN(c.T, c.atm, c.x, &c.record, &Z, &Z_normal, &density, &volume);
+    result.set(Prop::normal_density, status, density);
+    result.set(Prop::normal_volume, status, volume);
+  }
 }
 
 // The same gas at the standard states of the metre (15 C, 1 atm) and of the foot (60 F, 14.696 psia), as a gas.
@@ -164,16 +181,21 @@ StatusCode combined(StatusCode a, StatusCode b) {
 }
 
 PropertyValues phase_properties(const Exports& library, const Mixture& mixture, PhaseKind kind, double T,
-                                double P, const std::vector<double>& x, double molar_mass) {
+                                double P, const std::vector<double>& x, double molar_mass, unsigned wanted) {
   PropertyValues result;
-  Call call{library, mixture.record, T, P / kAtmInPa, x.data(), molar_mass};
+  Call call{library, mixture.record, T, P / kAtmInPa, x.data(), molar_mass, wanted};
   call.record.trace_flag = 0;
+  const bool heat = call.wants({Prop::Cp, Prop::Cv, Prop::speed_of_sound, Prop::joule_thomson});
+  const bool standard = call.wants({Prop::standard_density, Prop::standard_volume, Prop::standard_cubic_feet});
+  const bool volume =
+      standard || call.wants({Prop::Z, Prop::density, Prop::molar_volume, Prop::compressibility});
   if (is_gas(kind)) {
-    add_volume(call, library.GasDensity_PPR78, result);
+    if (volume) add_volume(call, library.GasDensity_PPR78, result);
     add_gas_only(call, result);
-    add_standard_states(call, result);
-  } else if (kind != PhaseKind::free_water) {
-    add_liquid_heat(call, add_volume(call, library.LiquidDensity_PPR78, result), result);
+    if (standard) add_standard_states(call, result);
+  } else if (kind != PhaseKind::free_water && (volume || heat)) {
+    const Volume of_liquid = add_volume(call, library.LiquidDensity_PPR78, result);
+    if (heat) add_liquid_heat(call, of_liquid, result);
   }
   // With free water the library counts water in whatever it takes for a liquid as liquid water.
   const bool gas =

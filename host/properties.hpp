@@ -90,12 +90,17 @@ struct PropertyValues {
 // The status of a value made of two: the first without a value, else the remark that one of them carries.
 StatusCode combined(StatusCode a, StatusCode b);
 
-// T in K, P in Pa, x mole fractions, molar_mass in g/mol. A vapour and a dense fluid
+// Properties to be calculated, a bit for each in the order of Property.
+inline constexpr unsigned kAllProperties = (1u << kPropertyCount) - 1u;
+
+// T in K, P in Pa, x mole fractions, molar_mass in g/mol. Those that are not wanted are NaN, or come with another one
+// of the same export. A vapour and a dense fluid
 // have all properties, a liquid has no viscosity, conductivity, normal and standard state, free water has enthalpy, entropy and free enthalpy only, for it
 // does not follow the equation of state. Those of a liquid, with v molar volume and rho density:
 //   Cp = dH/dT, Joule-Thomson = -(dH/dP)/Cp, alpha = -(d rho/dT)/rho, compressibility kappa = (d rho/dP)/rho,
 //   Cv = Cp - T v alpha^2/kappa, speed of sound^2 = (Cp/Cv)/(d rho/dP).
 PropertyValues phase_properties(const Exports& library, const Mixture& mixture, PhaseKind kind, double T,
-                                double P, const std::vector<double>& x, double molar_mass);
+                                double P, const std::vector<double>& x, double molar_mass,
+                                unsigned wanted = kAllProperties);
 
 }  // namespace kestrune::host

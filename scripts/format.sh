@@ -9,7 +9,7 @@ if ! command -v clang-format >/dev/null; then
   exit 2
 fi
 files() {
-  find include src siblings host tests bench fuzz -type f \
+  find include src siblings host python tests bench fuzz -type f \
     \( -name '*.h' -o -name '*.hpp' -o -name '*.c' -o -name '*.cpp' \) 2>/dev/null | sort
 }
 if [ "${1:-}" != --check ]; then

@@ -156,6 +156,7 @@ if has_target native test_reentrancy; then
   fi
 fi
 
+check wheel sh scripts/wheel.sh --test
 check fuzz sh scripts/fuzz.sh 2
 
 check packages make_and_check_packages

@@ -1,0 +1,33 @@
+"""What goes wrong: statuses of calculations as exceptions."""
+
+from __future__ import annotations
+
+from ._native import status_text
+
+#: Statuses that come with a value: success, and a correlation continued beyond its range.
+GOOD = (0, 1003)
+
+
+class KestruneError(ArithmeticError):
+    """A calculation that ended without an answer.
+
+    Attributes
+    ----------
+    status : int
+        Status of the library, see ``kestrune/status.h``.
+    text : str
+        What it means.
+    """
+
+    def __init__(self, status: int, what: str = "") -> None:
+        self.status = int(status)
+        self.what = what
+        self.text = status_text(status)
+        super().__init__(f"{what + ': ' if what else ''}{self.text} (status {self.status})")
+
+    def __reduce__(self) -> tuple[type, tuple[int, str]]:
+        return (KestruneError, (self.status, self.what))
+
+
+class KestruneWarning(UserWarning):
+    """A result that holds, with something to be said about it."""

@@ -1,0 +1,345 @@
+"""Mixtures of the databank and their flashes."""
+
+from __future__ import annotations
+
+import json
+import math
+import os
+import weakref
+from typing import Any, Mapping, Optional, Sequence, Union
+
+import numpy as np
+
+from . import _native, calls
+from .curves import Critical, Envelope
+from .databank import Component, source_of
+from .errors import GOOD, KestruneError
+from .hydrate import Hydrate
+from .phases import GAS, LIQUID, Phase
+from .states import State
+from .units import Units
+from .water import Water
+
+__all__ = ["Mixture"]
+
+#: What a flash can be given, by its number in the native library, with the quantities of the two.
+_GIVEN = {
+    ("T", "P"): (0, "temperature", "pressure"),
+    ("H", "P"): (1, "enthalpy", "pressure"),
+    ("S", "P"): (2, "entropy", "pressure"),
+    ("beta", "P"): (3, "vapour fraction", "pressure"),
+    ("beta", "T"): (4, "vapour fraction", "temperature"),
+}
+
+
+
+class Mixture:
+    """A mixture of components with its model, PPR78.
+
+    Parameters
+    ----------
+    components : mapping, pairs or str
+        Names and amounts, ``{"methane": 0.9, "nC4": 0.1}``, any sum; the JSON object of a mixture file; or the texts
+        that the command line reads, ``"methane=0.9,nC4=0.1"``. Names, aliases, formulas and CAS numbers all do.
+    basis : {"mole", "mass"}, optional
+        What the amounts are; default mole, or what a file itself says.
+    set : {"2022", "original"}
+        Published group interactions.
+    name : str
+        A title.
+    free_water : bool
+        Water may form a liquid phase of its own, beside a liquid that holds it up to its solubility.
+    solubility : (float, float), optional
+        A and B of that solubility, exp(A - B/T), T in K; only with `free_water`.
+    settings : mapping, optional
+        Settings of the flash: ``crit``, ``clim``, ``eps``, ``itemax``, ``new``, ``relax``.
+    allow_missing_pairs : bool
+        Group interactions without a published value count as zero, whatever the amounts.
+    units : str or Units
+        Units of what goes in and comes out, default SI; see `Units`. Every method has ``units=`` for itself.
+
+    Raises
+    ------
+    ValueError
+        For what cannot be a mixture, with what is wrong and what would be right.
+
+    Notes
+    -----
+    Several threads may use one mixture at the same time. Pickling and copying rebuild it from its description. `notes`
+    holds what is to be known of it: amounts that were normalised, interactions taken as zero.
+    """
+
+    __slots__ = (
+        *("_recipe", "_handle", "_units", "_info", "_finalizer", "_water"),
+        *("names", "z", "molar_masses", "__weakref__"),
+    )
+
+    def __init__(
+        self,
+        components: Any,
+        basis: Optional[str] = None,
+        *,
+        set: str = "2022",
+        name: str = "",
+        free_water: bool = False,
+        solubility: Optional[Sequence[float]] = None,
+        settings: Optional[Mapping[str, float]] = None,
+        allow_missing_pairs: bool = False,
+        units: Union[str, Units] = "si",
+    ) -> None:
+        if solubility is not None and not free_water:
+            raise ValueError("a solubility has no effect without free_water=True")
+        limits = "" if solubility is None else ",".join(repr(float(v)) for v in solubility)
+        tuning = ",".join(f"{key}={value!r}" for key, value in (settings or {}).items())
+        flags = bool(allow_missing_pairs), False, bool(free_water)
+        self._build((source_of(components, name), basis or "", str(set), *flags, limits, tuning), units)
+
+    @classmethod
+    def from_file(cls, path: Union[str, os.PathLike[str]], basis: Optional[str] = None, **options: Any) -> Mixture:
+        """A mixture from a file of the command line, JSON or a component and its amount per line."""
+        with open(path, encoding="utf-8-sig") as file:
+            return cls(file.read() + "\n", basis, **options)
+
+    def _build(self, recipe: tuple[Any, ...], units: Union[str, Units]) -> None:
+        self._recipe, self._units = recipe, Units.of(units)
+        self._water: Optional[Water] = None
+        arguments = [part.encode() if isinstance(part, str) else int(part) for part in recipe]
+        self._handle = _native.call("ka_mixture", *arguments)
+        self._finalizer = weakref.finalize(self, _native.library().ka_free, self._handle)
+        self._info = json.loads(_native.read_text("ka_describe", self._handle))
+        self.names: tuple[str, ...] = tuple(c["name"] for c in self._info["components"])
+        self.z = _constant(self._info["z"])
+        self.molar_masses = _constant([c["molar_mass"] for c in self._info["components"]])
+
+    def __reduce__(self) -> tuple[Any, ...]:
+        return (_rebuilt, (self._recipe, self._units))
+
+    def __repr__(self) -> str:
+        parts = ", ".join(f"{name!r}: {z:.6g}" for name, z in zip(self.names, self.z))
+        return f"Mixture({{{parts}}})"
+
+    @property
+    def handle(self) -> int:
+        """Address of the native mixture."""
+        return int(self._handle)
+
+    @property
+    def units(self) -> Units:
+        """Units of what goes in and comes out."""
+        return self._units
+
+    @property
+    def title_or_names(self) -> str:
+        """The title, or the first components."""
+        more = f", {len(self.names) - 3} more" if len(self.names) > 3 else ""
+        return str(self._info["title"]) or ", ".join(self.names[:3]) + more
+
+    @property
+    def molar_mass(self) -> float:
+        """Molar mass, g/mol."""
+        return float(self._info["molar_mass"])
+
+    @property
+    def notes(self) -> list[str]:
+        """What is to be known of the mixture; empty for most."""
+        return list(self._info["notes"])
+
+    @property
+    def components(self) -> list[Component]:
+        """The components with their constants, in the order of `names` and `z`."""
+        return [Component(**c) for c in self._info["components"]]
+
+    def flash(
+        self,
+        T: Any = None,
+        P: Any = None,
+        *,
+        H: Any = None,
+        S: Any = None,
+        beta: Any = None,
+        z: Any = None,
+        phases: int = 3,
+        threads: Optional[int] = None,
+        units: Union[str, Units, None] = None,
+    ) -> State:
+        """Phases at equilibrium.
+
+        Parameters
+        ----------
+        T, P, H, S, beta : float or array
+            Two of them: T and P, H and P, S and P, beta and P, or beta and T. Temperature, pressure, molar enthalpy and
+            entropy of the whole, vapour fraction by mole; arrays broadcast against each other. SI: K, Pa, J/mol,
+            J/(mol K).
+        z : array, shape ``(..., count)``, optional
+            Feeds, in the order of `names`, any sum; its leading shape broadcasts with the others.
+        phases : {3, 2}
+            3: up to two liquids and a vapour. 2: liquid and vapour, two to three times as fast and blind for a second
+            liquid.
+        threads : int, optional
+            Threads of the native loop; default one per processor. Results do not depend on it, to the last bit.
+        units : str or Units, optional
+            Units of what goes in and comes out, instead of those of the mixture.
+
+        Returns
+        -------
+        State
+            With the shape that the arguments broadcast to.
+
+        Raises
+        ------
+        KestruneError
+            A single state without an answer. Of an array such a state has its status and NaN.
+        ValueError, TypeError
+            Arguments that are not numbers, do not broadcast, or are not one of these pairs.
+        """
+        shown = self._units if units is None else Units.of(units)
+        given = {name: v for name, v in (("T", T), ("P", P), ("H", H), ("S", S), ("beta", beta)) if v is not None}
+        kind, *quantities = _kind_of(given)
+        if phases not in (2, 3):
+            raise ValueError(f"phases is 2 or 3, not {phases!r}")
+        feed, mass = self._feed(z)
+        ordered = next(pair for pair in _GIVEN if frozenset(pair) == frozenset(given))
+        values = [shown.to_si(q, given[name], mass) for name, q in zip(ordered, quantities)]
+        shape = _shape_of(ordered, values, feed)
+        columns = [_native.packed(np.broadcast_to(v, shape)) for v in values]
+        if feed is not None:
+            feed = _native.packed(np.broadcast_to(feed, (*shape, len(self.names))))
+        found = calls.flash(self, kind, phases, columns, feed, shape, threads)
+        state = State(self, shown, phases, *found, feed, threads)
+        if not shape and state.status not in GOOD:
+            raise KestruneError(state.status, f"flash of {self.title_or_names}")
+        return state
+
+    def _feed(self, z: Any) -> tuple[Optional[np.ndarray], Any]:
+        """Feeds divided by their sums, and their molar masses."""
+        if z is None:
+            return None, self.molar_mass
+        feed = np.asarray(z, dtype=float)
+        if feed.ndim == 0 or feed.shape[-1] != len(self.names):
+            raise ValueError(f"z has {len(self.names)} fractions in its last axis, those of {', '.join(self.names)}")
+        if not (np.isfinite(feed).all() and (feed >= 0.0).all() and (feed.sum(axis=-1) > 0.0).all()):
+            raise ValueError("fractions of z are finite, not negative, and not all zero")
+        feed = feed / feed.sum(axis=-1, keepdims=True)
+        return feed, feed @ self.molar_masses
+
+    def bubble(self, *, T: Any = None, P: Any = None, **options: Any) -> State:
+        """Bubble point at a temperature or a pressure; options and errors as of `flash`."""
+        return self.flash(T, P, beta=0.0, **_one_of("bubble", T, P, options))
+
+    def dew(self, *, T: Any = None, P: Any = None, **options: Any) -> State:
+        """Dew point at a temperature or a pressure; options and errors as of `flash`."""
+        return self.flash(T, P, beta=1.0, **_one_of("dew", T, P, options))
+
+    def properties(
+        self,
+        T: Any,
+        P: Any,
+        phase: str = "gas",
+        x: Any = None,
+        *,
+        threads: Optional[int] = None,
+        units: Union[str, Units, None] = None,
+    ) -> Any:
+        """Properties of the mixture, or of a composition, as one phase, whether it is stable or not.
+
+        Parameters
+        ----------
+        T, P : float or array
+            Temperature and pressure, SI K and Pa.
+        phase : {"gas", "liquid"}
+            Where the equation of state has no root of that phase, the only root there is. A gas has all properties; a
+            liquid no viscosity, conductivity and normal state.
+        x : array, shape ``(..., count)``, optional
+            Mole fractions, default those of the mixture; divided by their sum.
+
+        Returns
+        -------
+        Phase
+            Its attributes are the properties, with the shape of the arguments.
+        """
+        shown = self._units if units is None else Units.of(units)
+        kind = _phase_number(phase)
+        values = [shown.to_si("temperature", T), shown.to_si("pressure", P)]
+        feed, _ = self._feed(x)
+        shape = _shape_of(("T", "P"), values, feed)
+        at_T, at_P = (_native.packed(np.broadcast_to(v, shape)) for v in values)
+        full = np.broadcast_to(self.z if feed is None else feed, (*shape, len(self.names)))
+        one = np.ones(shape) if shape else 1.0
+        name = "vapour" if kind == GAS else "liquid"
+        return Phase(name, self, shown, kind, at_T, at_P, one, _native.packed(full), threads)
+
+    def kij(self, T: float, units: Union[str, Units, None] = None) -> np.ndarray:
+        """Interaction parameters k_ij that the model predicts at a temperature (SI K), shape ``(count, count)``."""
+        shown = self._units if units is None else Units.of(units)
+        at = shown.to_si("temperature", T)
+        if at.shape or not (math.isfinite(at) and at > 0.0):
+            raise ValueError(f"k_ij have one temperature, above absolute zero, not {T!r}")
+        values = np.empty((len(self.names), len(self.names)))
+        _native.call("ka_kij", self._handle, float(at), values.ctypes.data)
+        return values
+
+    def envelope(self, quality: Sequence[float] = (), **options: Any) -> Envelope:
+        """Bubble and dew curve, critical points, extremes and quality lines; see `Envelope.of`."""
+        return Envelope.of(self, quality, **options)
+
+    def critical(self, units: Union[str, Units, None] = None) -> Critical:
+        """Critical point of the mixture; KestruneError 145 where there is no stable one."""
+        return Critical.of(self, self._units if units is None else Units.of(units))
+
+    @property
+    def water(self) -> Water:
+        """Water content and water dew points of the mixture as a gas."""
+        if self._water is None:
+            wet = self
+            if "7732-18-5" not in (c["cas"] for c in self._info["components"]):
+                wet = _rebuilt((*self._recipe[:4], True, *self._recipe[5:]), self._units)
+            self._water = Water(wet)
+        return self._water
+
+    @property
+    def hydrate(self) -> Hydrate:
+        """Hydrate formation of the mixture as a gas, with or without inhibitor."""
+        return Hydrate(self)
+
+
+def _rebuilt(recipe: tuple[Any, ...], units: Union[str, Units]) -> Mixture:
+    mixture = Mixture.__new__(Mixture)
+    mixture._build(recipe, units)
+    return mixture
+
+
+def _constant(values: Sequence[float]) -> np.ndarray:
+    array = np.array(values, dtype=float)
+    array.setflags(write=False)
+    return array
+
+
+def _kind_of(given: Mapping[str, Any]) -> tuple[int, str, str]:
+    for names, kind in _GIVEN.items():
+        if frozenset(names) == frozenset(given):
+            return kind
+    pairs = ", ".join(f"{a} and {b}" for a, b in _GIVEN)
+    raise ValueError(f"a flash is given {pairs}, not {' and '.join(given) or 'nothing'}")
+
+
+def _one_of(name: str, T: Any, P: Any, options: dict[str, Any]) -> dict[str, Any]:
+    if (T is None) == (P is None):
+        raise ValueError(f"a {name} point is given T or P, one of them")
+    return options
+
+
+def _phase_number(phase: str) -> int:
+    if phase in ("gas", "vapour"):
+        return GAS
+    if phase == "liquid":
+        return LIQUID
+    raise ValueError(f"phase is 'gas' or 'liquid', not {phase!r}")
+
+
+def _shape_of(names: Sequence[str], values: Sequence[np.ndarray], feed: Optional[np.ndarray]) -> tuple[int, ...]:
+    shapes = [v.shape for v in values] + ([] if feed is None else [feed.shape[:-1]])
+    try:
+        return np.broadcast_shapes(*shapes)
+    except ValueError:
+        shown = ", ".join(f"{name} {shape}" for name, shape in zip((*names, "z"), shapes))
+        raise ValueError(f"shapes do not broadcast against each other: {shown}") from None

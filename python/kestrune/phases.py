@@ -1,0 +1,187 @@
+"""One phase of one or many states and its properties."""
+
+from __future__ import annotations
+
+from typing import TYPE_CHECKING, Any, NamedTuple, Optional
+
+import numpy as np
+
+from . import _native, calls
+from .errors import GOOD, KestruneError
+from .units import Units
+
+if TYPE_CHECKING:
+    from .mixture import Mixture
+
+__all__ = ["Phase"]
+
+#: Phases as the native library numbers them.
+GAS, LIQUID, LIGHT = 1, 2, 3
+
+
+class _Row(NamedTuple):
+    """A property: its row in the native library, its quantity, and what is calculated together with it."""
+
+    row: int
+    quantity: str
+    group: int
+
+
+PROPERTIES = {
+    "Z": _Row(0, "ratio", 0b10000000111),
+    "density": _Row(1, "density", 0b10000000111),
+    "molar_volume": _Row(2, "molar volume", 0b10000000111),
+    "enthalpy": _Row(3, "enthalpy", 1 << 3),
+    "entropy": _Row(4, "entropy", 1 << 4),
+    "free_enthalpy": _Row(5, "enthalpy", 1 << 5),
+    "Cp": _Row(6, "entropy", 0b1111000000),
+    "Cv": _Row(7, "entropy", 0b1111000000),
+    "speed_of_sound": _Row(8, "speed", 0b1111000000),
+    "joule_thomson": _Row(9, "Joule-Thomson coefficient", 0b1111000000),
+    "compressibility": _Row(10, "compressibility", 0b10000000111),
+    "viscosity": _Row(11, "viscosity", 1 << 11),
+    "thermal_conductivity": _Row(12, "thermal conductivity", 1 << 12),
+    "normal_density": _Row(13, "density", 0b11 << 13),
+    "normal_volume": _Row(14, "ratio", 0b11 << 13),
+    "standard_density": _Row(15, "density", 0b111 << 15),
+    "standard_volume": _Row(16, "ratio", 0b111 << 15),
+    "standard_cubic_feet": _Row(17, "ratio", 0b111 << 15),
+}
+
+
+class _Property:
+    """A property of a phase as an attribute: calculated when it is first asked for."""
+
+    def __init__(self, doc: str) -> None:
+        self.__doc__ = doc
+        self.name = ""
+
+    def __set_name__(self, owner: type, name: str) -> None:
+        self.name = name
+
+    def __get__(self, phase: Optional[Phase], owner: Optional[type] = None) -> Any:
+        return self if phase is None else phase.shown(self.name)
+
+
+class Phase:
+    """One phase of one or many states, with the shape of the states.
+
+    A phase that is absent has the fraction 0 and NaN for everything else. Every property is calculated when it is first
+    read, for all states at once, from the exports of the library for this phase. A property of a single state that
+    fails raises `KestruneError`; one of many is NaN and stands in `property_status`.
+
+    Attributes
+    ----------
+    name : str
+        ``"vapour"``, ``"liquid"`` or ``"liquid2"``.
+    fraction : float or array
+        Moles of the phase in one mole of the whole; NaN without an answer.
+    x : array, shape ``(..., count)``
+        Mole fractions.
+    """
+
+    __slots__ = (
+        "name",
+        "fraction",
+        "x",
+        "_T",
+        "_P",
+        "_mixture",
+        "_units",
+        "_kind",
+        "_threads",
+        "_values",
+        "_statuses",
+    )
+
+    Z = _Property("Compressibility factor, P v/(R T).")
+    density = _Property("Mass density, SI kg/m3; of the equation of state, without volume translation.")
+    molar_volume = _Property("Molar volume, SI m3/mol.")
+    enthalpy = _Property("Molar enthalpy, SI J/mol; zero: ideal gas of each component at 298.15 K.")
+    entropy = _Property("Molar entropy, SI J/(mol K); zero: ideal gas of each component at 298.15 K and 1 atm.")
+    free_enthalpy = _Property("Molar free enthalpy H - T S, SI J/mol.")
+    Cp = _Property("Molar heat capacity at constant pressure, SI J/(mol K).")
+    Cv = _Property("Molar heat capacity at constant volume, SI J/(mol K).")
+    speed_of_sound = _Property("Speed of sound, SI m/s.")
+    joule_thomson = _Property("Joule-Thomson coefficient, dT/dP at constant enthalpy, SI K/Pa.")
+    compressibility = _Property("Isothermal compressibility, (d rho/dP)/rho, SI 1/Pa.")
+    viscosity = _Property("Dynamic viscosity of a gas, SI Pa s; NaN of a liquid.")
+    thermal_conductivity = _Property("Thermal conductivity of a gas, SI W/(m K); NaN of a liquid.")
+    normal_density = _Property("Density of a gas at 0 C and 1 atm, SI kg/m3; NaN of a liquid.")
+    normal_volume = _Property("Normal m3 (0 C, 1 atm) in one m3 of a gas; NaN of a liquid.")
+    standard_density = _Property("Density of a gas at 15 C and 1 atm, SI kg/m3; NaN of a liquid.")
+    standard_volume = _Property("Standard m3 (15 C, 1 atm) in one m3 of a gas; NaN of a liquid.")
+    standard_cubic_feet = _Property("Standard cubic feet (60 F, 14.696 psia) in one ft3 of a gas; NaN of a liquid.")
+
+    def __init__(
+        self,
+        name: str,
+        mixture: Mixture,
+        units: Units,
+        kind: int,
+        T: np.ndarray,
+        P: np.ndarray,
+        fraction: Any,
+        x: np.ndarray,
+        threads: Optional[int],
+    ) -> None:
+        self.name = name
+        self.fraction = fraction
+        self.x = x
+        self._T, self._P, self._mixture, self._units, self._kind = T, P, mixture, units, kind
+        self._threads = threads
+        self._values: dict[str, np.ndarray] = {}
+        self._statuses: dict[str, np.ndarray] = {}
+
+    def __repr__(self) -> str:
+        if np.ndim(self.fraction) == 0:
+            return f"<{self.name}: {self.fraction:.6g} mol/mol of {self._mixture.title_or_names}>"
+        return f"<{self.name} of {np.size(self.fraction)} states>"
+
+    @property
+    def molar_mass(self) -> Any:
+        """Molar mass, g/mol in all units."""
+        return scalar(self.x @ self._mixture.molar_masses)
+
+    @property
+    def aqueous(self) -> Any:
+        """True where the phase is more than half water, alcohols, glycols and ammonia, and at least 1 % water."""
+        x = _native.packed(self.x)
+        flags = np.zeros(x.shape[:-1], dtype=np.int8)
+        _native.call("ka_aqueous", self._mixture.handle, flags.size, x.ctypes.data, flags.ctypes.data)
+        return scalar(flags.astype(bool))
+
+    def ln_phi(self) -> np.ndarray:
+        """ln of the fugacity coefficients, shape ``(..., count)``. KestruneError for a single state without them."""
+        return calls.ln_phi(self._mixture, self._kind, self._T, self._P, self.x, self._threads)
+
+    def property_status(self, name: str) -> Any:
+        """Status of a property, 0 where it has a value or the phase has none of the kind."""
+        self.in_si(name)
+        return scalar(self._statuses[name])
+
+    def in_si(self, name: str) -> np.ndarray:
+        """A property in SI; NaN where it has no value."""
+        if name not in PROPERTIES:
+            raise ValueError(f"no property {name!r}: use {', '.join(PROPERTIES)}")
+        if name not in self._values:
+            wanted = PROPERTIES[name].group
+            values, status = calls.properties(
+                self._mixture, self._kind, self._T, self._P, self.x, wanted, self._threads
+            )
+            for other, row in PROPERTIES.items():
+                if wanted >> row.row & 1:
+                    self._values[other], self._statuses[other] = values[row.row], status
+        return self._values[name]
+
+    def shown(self, name: str) -> Any:
+        value = self.in_si(name)
+        status = self._statuses[name]
+        if status.ndim == 0 and int(status) not in GOOD and np.isnan(value):
+            raise KestruneError(int(status), f"{name} of the {self.name}")
+        return self._units.from_si(PROPERTIES[name].quantity, value, self.molar_mass)
+
+
+def scalar(array: Any) -> Any:
+    """A plain number instead of an array without dimensions."""
+    return array.item() if isinstance(array, np.ndarray) and array.ndim == 0 else array
