@@ -27,7 +27,7 @@ def exports(d):
         lines.append(f'    "{e.name}": ({e.status}, (')
         for a in e.arguments:
             lines.append(f'        Word("{a.name}", "{a.kind}", "{a.dir}", "{a.shape}", "{a.unit}", {a.bit}, '
-                         f'{a.doc!r}),')
+                         f'{", ".join([a.doc] + [f"{v}: {meaning}" for v, meaning in a.bits.items()])!r}),')
         lines.append(f"    ), {e.doc!r}),")
     return "\n".join(lines)
 

@@ -8,12 +8,15 @@
 
 A method of Library takes the words of the export of that name: numbers by value as Python numbers; a single value
 behind an address as c_double or c_int32; arrays as anything with a buffer of doubles (int32) in one piece (numpy,
-array.array, ctypes), for input also as a list. It raises TypeError for a wrong type or None, ValueError for a wrong
-length, before the library is called, and returns the status (STATUS has names and texts). library.raw holds the
-bare functions with their argtypes, which check nothing.
+array.array, ctypes), for input also as a list. An array of two dimensions has the documented shape in Fortran order or
+the reversed one in C order; a square one is taken in Fortran order only, for nothing else tells rows from columns.
+A method raises TypeError for a wrong type or None, ValueError for a wrong length, shape or count, before the library is
+called, and returns the status (STATUS has names and texts). library.raw holds the bare functions with their argtypes,
+which check nothing. Group data stay alive for the library, which is one per process however often it is opened.
 Units: K, atm, cal/mol, cal/(mol K), cm3/mol, g/cm3 unless a word says otherwise.
 """
 import ctypes
+import math
 import operator
 import sys
 from ctypes import POINTER, c_double, c_int32, c_uint8
@@ -48,7 +51,9 @@ class MixtureRecord(ctypes.Structure):
         """Record of count components; table: 43 * count doubles, column by column, kept alive by the record."""
         record = cls()
         record.count = _integer("count", count)
-        record._kept = _array(Word("table", "doubles", "in", "43*count", "", 0, ""), table, 43 * count, "43 * count")
+        if record.count < 1:
+            raise ValueError(f"count: {record.count}, but a mixture has at least one component")
+        record._kept = _array(Word("table", "doubles", "in", "count*43", "", 0, ""), table, (record.count, 43))
         record.table = ctypes.cast(record._kept, POINTER(c_double))
         return record
 
@@ -97,16 +102,32 @@ def _integer(name, value):
 def _real(name, value):
     if isinstance(value, (str, bytes)) or not hasattr(value, "__float__") and not hasattr(value, "__index__"):
         raise TypeError(f"{name}: {type(value).__name__}, but a number is needed")
-    return float(value)
+    try:
+        return float(value)
+    except (TypeError, ValueError, OverflowError) as error:
+        raise type(error)(f"{name}: {error}") from None
 
 
-def _array(word, value, need, shape):
-    """ctypes array over the memory of value (a copy where it is only read)."""
+def _order(word, view, wanted):
+    """Refuses more dimensions than one unless they tell how their elements lie in memory."""
+    shape, square = tuple(view.shape), len(wanted) > 1 and len(set(word.shape.split("*"))) == 1
+    if shape == wanted and view.f_contiguous or shape == wanted[::-1] and view.c_contiguous and not square:
+        return
+    words = word.shape.replace("*", ", ")
+    raise ValueError(f"{word.name}: an array of shape {shape} in {'C' if view.c_contiguous else 'Fortran'} order, but "
+                     + (f"shape {wanted} ({words}) in Fortran order (numpy.asfortranarray) or " if len(wanted) > 1 else "")
+                     + "one dimension is needed")
+
+
+def _array(word, value, wanted):
+    """ctypes array over the memory of value (a copy where it is only read); wanted: the factors of its shape."""
+    need, shape = math.prod(wanted), word.shape.replace("*", " * ")
     number = _NUMBERS[word.kind]
     noun = "doubles" if number is c_double else "32-bit integers"
     if isinstance(value, (list, tuple)) and word.dir == "in":
         if len(value) == need:
-            return (number * need)(*value)
+            convert = _real if number is c_double else _integer
+            return (number * need)(*(convert(f"{word.name}[{k}]", v) for k, v in enumerate(value)))
         raise ValueError(f"{word.name}: {len(value)} values, {need} ({shape}) are needed")
     try:
         view = memoryview(value)
@@ -114,13 +135,19 @@ def _array(word, value, need, shape):
         raise TypeError(f"{word.name}: {type(value).__name__}, but {noun} in one piece of memory are needed") from None
     if view.format not in _FORMATS[word.kind] or view.itemsize != ctypes.sizeof(number):
         raise TypeError(f"{word.name}: elements of format '{view.format}', but {noun} are needed")
-    if not view.c_contiguous or (view.readonly and word.dir != "in"):
+    if not view.contiguous or (view.readonly and word.dir != "in"):
         raise TypeError(f"{word.name}: memory that is {'read-only' if view.readonly else 'not in one piece'}")
     length = view.nbytes // view.itemsize
     if length != need:
         raise ValueError(f"{word.name}: {length} values, {need} ({shape}) are needed")
+    if view.ndim > 1:
+        _order(word, view, tuple(wanted))
     kind = number * need
-    return kind.from_buffer_copy(view) if view.readonly else kind.from_buffer(value)
+    if view.readonly or not (view.c_contiguous or hasattr(value, "T")):
+        if word.dir != "in":
+            raise TypeError(f"{word.name}: {type(value).__name__} in Fortran order, but numpy's or one dimension is needed")
+        return kind.from_buffer_copy(view.tobytes("A"))
+    return kind.from_buffer(value if view.c_contiguous else value.T)
 
 
 def _record(word, value):
@@ -128,6 +155,10 @@ def _record(word, value):
         raise TypeError(f"{word.name}: {type(value).__name__}, but a MixtureRecord is needed")
     if value.count < 1 or not value.table:
         raise ValueError(f"{word.name}: a record of {value.count} components {'with' if value.table else 'without'} a table")
+    made = getattr(value, "_kept", None)
+    if made is not None and ctypes.addressof(made) == ctypes.addressof(value.table.contents):
+        if len(made) != 43 * value.count:
+            raise ValueError(f"{word.name}: count is {value.count}, but the record was made with {len(made) // 43} components")
     return ctypes.byref(value)
 
 
@@ -145,10 +176,11 @@ def _pointer(word, value, known, mask):
         return ctypes.byref(value)
     if word.shape == "1" and isinstance(value, _NUMBERS[word.kind]):
         return ctypes.byref(value)
-    need = 1
-    for factor in word.shape.split("*"):
-        need *= max(0, known[factor]) if factor in known else int(factor)
-    return _array(word, value, need, word.shape.replace("*", " * "))
+    return _array(word, value, [max(0, known[f]) if f in known else int(f) for f in word.shape.split("*")])
+
+
+# Group data by handle of the library, which is one per process however often it is opened: they stay alive for it.
+_group_data = {}
 
 
 class Library:
@@ -157,7 +189,6 @@ class Library:
     def __init__(self, path):
         opener = ctypes.WinDLL if sys.platform == "win32" and ctypes.sizeof(ctypes.c_void_p) == 4 else ctypes.CDLL
         self.raw = opener(str(path))
-        self._storage = None
         for name, (status, words, _) in EXPORTS.items():
             function = getattr(self.raw, name)
             function.restype = c_int32 if status else None
@@ -166,12 +197,16 @@ class Library:
     def _buffers(self, word, value, known):
         """Six addresses; the buffers stay alive until others take their place. None: buffers of our own."""
         nC, nG = known["nC"], known["nG"]
+        if nC < 1 or nG < 1:
+            raise ValueError(f"{'nC' if nC < 1 else 'nG'}: {min(nC, nG)}, but at least one is needed")
         needs = (0, nG * nG, nG * nG, nC * nG, nG * nG, nG * nC * nC)
         if value is None:
             value = [(c_double * need)() for need in needs]
+        if not isinstance(value, (list, tuple)):
+            raise TypeError(f"{word.name}: {type(value).__name__}, but a list of six buffers or None is needed")
         if len(value) != len(needs):
             raise ValueError(f"{word.name}: six buffers are needed")
-        kept = [None] + [_array(Word(f"{word.name}[{k}]", "doubles", "out", "", "", 0, ""), value[k], needs[k], "doubles")
+        kept = [None] + [_array(Word(f"{word.name}[{k}]", "doubles", "out", "doubles", "", 0, ""), value[k], [needs[k]])
                          for k in range(1, len(needs))]
         addresses = [ctypes.cast(buffer, POINTER(c_double)) if buffer is not None else None for buffer in kept]
         return kept, (POINTER(c_double) * len(needs))(*addresses)
@@ -200,7 +235,7 @@ class Library:
                 passed.append(_pointer(word, value, known, known.get("mask", 0)))
         result = getattr(self.raw, name)(*passed)
         if kept is not None:
-            self._storage = kept
+            _group_data[self.raw._handle] = kept
         return result
 
 
@@ -208,9 +243,12 @@ def _method(name, words, doc):
     def method(self, *arguments):
         return self._call(name, arguments)
 
-    method.__name__ = name
-    lines = [f"    {w.name}: {w.doc}" + (f", {w.unit}" if w.unit else "") for w in words]
-    method.__doc__ = "\n".join([f"{doc}. Returns the status.", ""] + lines)
+    method.__name__, method.__qualname__ = name, f"Library.{name}"
+    lines = [f"    {w.name}: {w.doc}" + (f", {w.unit}" if w.unit else "")
+             + (f", [{w.shape.replace('*', ' * ')}]" if w.kind in _NUMBERS and w.shape != "1" else "")
+             + {"out": ", out", "inout": ", in and out"}.get(w.dir, "")
+             + (f", only with bit {w.bit} of mask" if w.bit else "") for w in words]
+    method.__doc__ = "\n".join([f"{doc}." + (" Returns the status." if EXPORTS[name][0] else ""), ""] + lines)
     return method
 
 
