@@ -701,11 +701,13 @@ contains
 
   ! Record of a component table(count, 43), which stays with the host and has to live as long as the record is used.
   function new_mixture(table) result(mixture)
-    real(c_double), intent(in), contiguous, target :: table(:, :)
+    real(c_double), intent(inout), target :: table(:, :) ! a variable: the record points to it
     type(MixtureRecord) :: mixture
     integer(c_intptr_t) :: address
     integer :: width
     if (size(table, 2) < 43) call stop_with("new_mixture", "table", "43 columns are needed")
+    if (size(table, 1) < 1) call stop_with("new_mixture", "table", "at least one component is needed")
+    if (.not. is_contiguous(table)) call stop_with("new_mixture", "table", "the section is not in one piece of memory")
     call set_integer(mixture, at_count, int(size(table, 1), c_int32_t))
     address = transfer(c_loc(table), address)
     width = storage_size(address) / 8
@@ -840,11 +842,12 @@ contains
   end function
 
   subroutine need(length, wanted, procedure, word)
-    integer, intent(in) :: length, wanted
+    integer, intent(in) :: length
+    integer(c_int64_t), intent(in) :: wanted
     character(*), intent(in) :: procedure, word
     character(80) :: reason
-    if (length == max(wanted, 0)) return
-    write (reason, '(i0, " elements, ", i0, " are needed")') length, max(wanted, 0)
+    if (length == max(wanted, 0_c_int64_t)) return
+    write (reason, '(i0, " elements, ", i0, " are needed")') length, max(wanted, 0_c_int64_t)
     call stop_with(procedure, word, trim(reason))
   end subroutine
 
@@ -864,14 +867,16 @@ contains
     real(c_double), intent(in), contiguous :: A(:), B(:)
     real(c_double), allocatable, target :: fresh(:)
     type(c_ptr) :: storage(6)
-    integer :: sizes(6), k, first
+    integer(c_int64_t) :: sizes(6), first
+    integer :: k
     character(*), parameter :: me = "ConvertPPR78GroupData"
     if (nC < 1) call stop_with(me, "nC", "at least one component is needed")
     if (nG < 1) call stop_with(me, "nG", "at least one group is needed")
-    call need(size(counts), nG * nC, me, "counts")
-    call need(size(A), nG * nG, me, "A")
-    call need(size(B), nG * nG, me, "B")
-    sizes = [1, nG * nG, nG * nG, nC * nG, nG * nG, nG * nC * nC]
+    if (int(nG, c_int64_t) * nC > huge(nC) / nC) call stop_with(me, "nC", "nG * nC * nC is more than 32 bits hold")
+    call need(size(counts), int(nG, c_int64_t) * nC, me, "counts")
+    call need(size(A), int(nG, c_int64_t) * nG, me, "A")
+    call need(size(B), int(nG, c_int64_t) * nG, me, "B")
+    sizes = int([1, size(A), size(A), size(counts), size(A), nG * nC * nC], c_int64_t)
     allocate (fresh(sum(sizes)))
     first = 1
     do k = 1, 6
@@ -893,8 +898,8 @@ contains
     real(c_double), intent(inout) :: mean
     integer(c_int32_t) :: code
     character(*), parameter :: me = "MolecularWeight"
-    call need(size(x), nc, me, "x")
-    call need(size(M), nc, me, "M")
+    call need(size(x), int(nc, c_int64_t), me, "x")
+    call need(size(M), int(nc, c_int64_t), me, "M")
     code = c_MolecularWeight(nc, x, M, mean)
   end function
 
@@ -920,10 +925,10 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "FlashLVatTP"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
-    call need(size(x), count, me, "x")
-    call need(size(y), count, me, "y")
-    call need(size(K), count, me, "K")
+    call need(size(z), int(count, c_int64_t), me, "z")
+    call need(size(x), int(count, c_int64_t), me, "x")
+    call need(size(y), int(count, c_int64_t), me, "y")
+    call need(size(K), int(count, c_int64_t), me, "K")
     code = c_FlashLVatTP(T, P, z, mixture, routines, options, beta, x, y, K)
   end function
 
@@ -953,10 +958,10 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "FlashLVatHP"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
-    call need(size(x), count, me, "x")
-    call need(size(y), count, me, "y")
-    call need(size(K), count, me, "K")
+    call need(size(z), int(count, c_int64_t), me, "z")
+    call need(size(x), int(count, c_int64_t), me, "x")
+    call need(size(y), int(count, c_int64_t), me, "y")
+    call need(size(K), int(count, c_int64_t), me, "K")
     code = c_FlashLVatHP(H, P, z, mixture, routines, options, T, beta, x, y, K, HL, HV)
   end function
 
@@ -986,10 +991,10 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "FlashLVatSP"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
-    call need(size(x), count, me, "x")
-    call need(size(y), count, me, "y")
-    call need(size(K), count, me, "K")
+    call need(size(z), int(count, c_int64_t), me, "z")
+    call need(size(x), int(count, c_int64_t), me, "x")
+    call need(size(y), int(count, c_int64_t), me, "y")
+    call need(size(K), int(count, c_int64_t), me, "K")
     code = c_FlashLVatSP(S, P, z, mixture, routines, options, T, beta, x, y, K, SL, SV)
   end function
 
@@ -1015,10 +1020,10 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "FlashLVatWP"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
-    call need(size(x), count, me, "x")
-    call need(size(y), count, me, "y")
-    call need(size(K), count, me, "K")
+    call need(size(z), int(count, c_int64_t), me, "z")
+    call need(size(x), int(count, c_int64_t), me, "x")
+    call need(size(y), int(count, c_int64_t), me, "y")
+    call need(size(K), int(count, c_int64_t), me, "K")
     code = c_FlashLVatWP(W, P, z, mixture, routines, options, T, x, y, K)
   end function
 
@@ -1044,10 +1049,10 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "FlashLVatWT"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
-    call need(size(x), count, me, "x")
-    call need(size(y), count, me, "y")
-    call need(size(K), count, me, "K")
+    call need(size(z), int(count, c_int64_t), me, "z")
+    call need(size(x), int(count, c_int64_t), me, "x")
+    call need(size(y), int(count, c_int64_t), me, "y")
+    call need(size(K), int(count, c_int64_t), me, "K")
     code = c_FlashLVatWT(W, T, z, mixture, routines, options, P, x, y, K)
   end function
 
@@ -1076,12 +1081,12 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "FlashLLVatTP"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
-    call need(size(xA), count, me, "xA")
-    call need(size(xB), count, me, "xB")
-    call need(size(y), count, me, "y")
-    call need(size(KLL), count, me, "KLL")
-    call need(size(KLV), count, me, "KLV")
+    call need(size(z), int(count, c_int64_t), me, "z")
+    call need(size(xA), int(count, c_int64_t), me, "xA")
+    call need(size(xB), int(count, c_int64_t), me, "xB")
+    call need(size(y), int(count, c_int64_t), me, "y")
+    call need(size(KLL), int(count, c_int64_t), me, "KLL")
+    call need(size(KLV), int(count, c_int64_t), me, "KLV")
     code = c_FlashLLVatTP(T, P, z, mixture, routines, options, beta, V, xA, xB, y, KLL, KLV)
   end function
 
@@ -1116,12 +1121,12 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "FlashLLVatHP"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
-    call need(size(xA), count, me, "xA")
-    call need(size(xB), count, me, "xB")
-    call need(size(y), count, me, "y")
-    call need(size(KLL), count, me, "KLL")
-    call need(size(KLV), count, me, "KLV")
+    call need(size(z), int(count, c_int64_t), me, "z")
+    call need(size(xA), int(count, c_int64_t), me, "xA")
+    call need(size(xB), int(count, c_int64_t), me, "xB")
+    call need(size(y), int(count, c_int64_t), me, "y")
+    call need(size(KLL), int(count, c_int64_t), me, "KLL")
+    call need(size(KLV), int(count, c_int64_t), me, "KLV")
     code = c_FlashLLVatHP(H, P, z, mixture, routines, options, T, beta, V, xA, xB, y, KLL, KLV, HA, HB, HV)
   end function
 
@@ -1156,12 +1161,12 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "FlashLLVatSP"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
-    call need(size(xA), count, me, "xA")
-    call need(size(xB), count, me, "xB")
-    call need(size(y), count, me, "y")
-    call need(size(KLL), count, me, "KLL")
-    call need(size(KLV), count, me, "KLV")
+    call need(size(z), int(count, c_int64_t), me, "z")
+    call need(size(xA), int(count, c_int64_t), me, "xA")
+    call need(size(xB), int(count, c_int64_t), me, "xB")
+    call need(size(y), int(count, c_int64_t), me, "y")
+    call need(size(KLL), int(count, c_int64_t), me, "KLL")
+    call need(size(KLV), int(count, c_int64_t), me, "KLV")
     code = c_FlashLLVatSP(S, P, z, mixture, routines, options, T, beta, V, xA, xB, y, KLL, KLV, SA, SB, SV)
   end function
 
@@ -1190,12 +1195,12 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "FlashLLVatWP"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
-    call need(size(xA), count, me, "xA")
-    call need(size(xB), count, me, "xB")
-    call need(size(y), count, me, "y")
-    call need(size(KLL), count, me, "KLL")
-    call need(size(KLV), count, me, "KLV")
+    call need(size(z), int(count, c_int64_t), me, "z")
+    call need(size(xA), int(count, c_int64_t), me, "xA")
+    call need(size(xB), int(count, c_int64_t), me, "xB")
+    call need(size(y), int(count, c_int64_t), me, "y")
+    call need(size(KLL), int(count, c_int64_t), me, "KLL")
+    call need(size(KLV), int(count, c_int64_t), me, "KLV")
     code = c_FlashLLVatWP(W, P, z, mixture, routines, options, T, beta, xA, xB, y, KLL, KLV)
   end function
 
@@ -1224,12 +1229,12 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "FlashLLVatWT"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
-    call need(size(xA), count, me, "xA")
-    call need(size(xB), count, me, "xB")
-    call need(size(y), count, me, "y")
-    call need(size(KLL), count, me, "KLL")
-    call need(size(KLV), count, me, "KLV")
+    call need(size(z), int(count, c_int64_t), me, "z")
+    call need(size(xA), int(count, c_int64_t), me, "xA")
+    call need(size(xB), int(count, c_int64_t), me, "xB")
+    call need(size(y), int(count, c_int64_t), me, "y")
+    call need(size(KLL), int(count, c_int64_t), me, "KLL")
+    call need(size(KLV), int(count, c_int64_t), me, "KLV")
     code = c_FlashLLVatWT(W, T, z, mixture, routines, options, P, beta, xA, xB, y, KLL, KLV)
   end function
 
@@ -1255,10 +1260,10 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "FlashLLatTP"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
-    call need(size(liquid1), count, me, "liquid1")
-    call need(size(liquid2), count, me, "liquid2")
-    call need(size(K), count, me, "K")
+    call need(size(z), int(count, c_int64_t), me, "z")
+    call need(size(liquid1), int(count, c_int64_t), me, "liquid1")
+    call need(size(liquid2), int(count, c_int64_t), me, "liquid2")
+    call need(size(K), int(count, c_int64_t), me, "K")
     code = c_FlashLLatTP(T, P, z, mixture, routines, options, beta, liquid1, liquid2, K)
   end function
 
@@ -1299,10 +1304,10 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "PhaseEnvelope"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
-    call need(size(T), capacity, me, "T")
-    call need(size(P), capacity, me, "P")
-    call need(size(kind), capacity, me, "kind")
+    call need(size(z), int(count, c_int64_t), me, "z")
+    call need(size(T), int(capacity, c_int64_t), me, "T")
+    call need(size(P), int(capacity, c_int64_t), me, "P")
+    call need(size(kind), int(capacity, c_int64_t), me, "kind")
     code = c_PhaseEnvelope(z, mixture, routines, options, first_P, max_P, min_T, points, capacity, fraction, &
       accuracy, T, P, kind, number_of_points, number_of_critical_points, cricondentherm_T, cricondentherm_P, &
       cricondenbar_T, cricondenbar_P)
@@ -1324,7 +1329,7 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "CriticalPoint"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
+    call need(size(z), int(count, c_int64_t), me, "z")
     code = c_CriticalPoint(z, mixture, options, Tc, Pc, Vc, Zc)
   end function
 
@@ -1347,7 +1352,7 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "WaterDewTemperature"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
+    call need(size(z), int(count, c_int64_t), me, "z")
     code = c_WaterDewTemperature(P, z, method, routes, unused, mixture, reserved, T)
   end function
 
@@ -1370,7 +1375,7 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "WaterDewPressure"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
+    call need(size(z), int(count, c_int64_t), me, "z")
     code = c_WaterDewPressure(T, z, method, routes, unused, mixture, reserved, P)
   end function
 
@@ -1402,10 +1407,10 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "WaterDewLine"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
-    call need(size(T), points, me, "T")
-    call need(size(P), points, me, "P")
-    call need(size(status), points, me, "status")
+    call need(size(z), int(count, c_int64_t), me, "z")
+    call need(size(T), int(points, c_int64_t), me, "T")
+    call need(size(P), int(points, c_int64_t), me, "P")
+    call need(size(status), int(points, c_int64_t), me, "status")
     code = c_WaterDewLine(z, method, routes, unused, mixture, reserved, min_P, max_P, points, T, P, status, found)
   end function
 
@@ -1426,7 +1431,7 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "Humidity"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
+    call need(size(z), int(count, c_int64_t), me, "z")
     code = c_Humidity(T, P, method, z, mixture, water_fraction, water_content)
   end function
 
@@ -1450,8 +1455,8 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "WetGasComposition"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
-    call need(size(wet), count, me, "wet")
+    call need(size(z), int(count, c_int64_t), me, "z")
+    call need(size(wet), int(count, c_int64_t), me, "wet")
     code = c_WetGasComposition(T, P, z, method_switch, method, routes, mixture, reserved, wet)
   end function
 
@@ -1476,9 +1481,9 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "HydrateLine"
     count = count_of(mixture, me)
-    call need(size(z), count, me, "z")
-    call need(size(T), points, me, "T")
-    call need(size(P), points, me, "P")
+    call need(size(z), int(count, c_int64_t), me, "z")
+    call need(size(T), int(points, c_int64_t), me, "T")
+    call need(size(P), int(points, c_int64_t), me, "P")
     code = c_HydrateLine(z, kind, M, percent, points, mixture, unused, T, P)
   end function
 
@@ -1499,7 +1504,7 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "GasN"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
+    call need(size(x), int(count, c_int64_t), me, "x")
     code = c_GasN(T, P, x, mixture, Z, Z_normal, density_normal, normal_volume)
   end function
 
@@ -1520,7 +1525,7 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "LiquidDensity_PPR78"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
+    call need(size(x), int(count, c_int64_t), me, "x")
     code = c_LiquidDensity_PPR78(T, P, x, mixture, density, d_dT, d_dP, d2_dTdP)
   end function
 
@@ -1541,7 +1546,7 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "GasDensity_PPR78"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
+    call need(size(x), int(count, c_int64_t), me, "x")
     code = c_GasDensity_PPR78(T, P, x, mixture, density, d_dT, d_dP, d2_dTdP)
   end function
 
@@ -1559,7 +1564,7 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "LiquidMolarEnthalpy_PPR78"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
+    call need(size(x), int(count, c_int64_t), me, "x")
     code = c_LiquidMolarEnthalpy_PPR78(T, P, x, mixture, value)
   end function
 
@@ -1577,7 +1582,7 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "GasMolarEnthalpy_PPR78"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
+    call need(size(x), int(count, c_int64_t), me, "x")
     code = c_GasMolarEnthalpy_PPR78(T, P, x, mixture, value)
   end function
 
@@ -1595,7 +1600,7 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "LiquidMolarEntropy_PPR78"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
+    call need(size(x), int(count, c_int64_t), me, "x")
     code = c_LiquidMolarEntropy_PPR78(T, P, x, mixture, value)
   end function
 
@@ -1613,7 +1618,7 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "GasMolarEntropy_PPR78"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
+    call need(size(x), int(count, c_int64_t), me, "x")
     code = c_GasMolarEntropy_PPR78(T, P, x, mixture, value)
   end function
 
@@ -1631,7 +1636,7 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "LiquidMolarFreeEnthalpy_PPR78"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
+    call need(size(x), int(count, c_int64_t), me, "x")
     code = c_LiquidMolarFreeEnthalpy_PPR78(T, P, x, mixture, value)
   end function
 
@@ -1649,7 +1654,7 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "GasMolarFreeEnthalpy_PPR78"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
+    call need(size(x), int(count, c_int64_t), me, "x")
     code = c_GasMolarFreeEnthalpy_PPR78(T, P, x, mixture, value)
   end function
 
@@ -1674,11 +1679,11 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "LiquidMolarEnthalpy_Derivatives_PPR78"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
+    call need(size(x), int(count, c_int64_t), me, "x")
     call need_derivative(present(d_dT), mask, 1, me, "d_dT")
     call need_derivative(present(d_dP), mask, 2, me, "d_dP")
     call need_derivative(present(d_dn), mask, 4, me, "d_dn")
-    if (present(d_dn)) call need(size(d_dn), count, me, "d_dn")
+    if (present(d_dn)) call need(size(d_dn), int(count, c_int64_t), me, "d_dn")
     code = c_LiquidMolarEnthalpy_Derivatives_PPR78(T, P, x, mixture, mask, value, d_dT, d_dP, d_dn)
   end function
 
@@ -1703,11 +1708,11 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "GasMolarEnthalpy_Derivatives_PPR78"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
+    call need(size(x), int(count, c_int64_t), me, "x")
     call need_derivative(present(d_dT), mask, 1, me, "d_dT")
     call need_derivative(present(d_dP), mask, 2, me, "d_dP")
     call need_derivative(present(d_dn), mask, 4, me, "d_dn")
-    if (present(d_dn)) call need(size(d_dn), count, me, "d_dn")
+    if (present(d_dn)) call need(size(d_dn), int(count, c_int64_t), me, "d_dn")
     code = c_GasMolarEnthalpy_Derivatives_PPR78(T, P, x, mixture, mask, value, d_dT, d_dP, d_dn)
   end function
 
@@ -1732,11 +1737,11 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "LiquidMolarEntropy_Derivatives_PPR78"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
+    call need(size(x), int(count, c_int64_t), me, "x")
     call need_derivative(present(d_dT), mask, 1, me, "d_dT")
     call need_derivative(present(d_dP), mask, 2, me, "d_dP")
     call need_derivative(present(d_dn), mask, 4, me, "d_dn")
-    if (present(d_dn)) call need(size(d_dn), count, me, "d_dn")
+    if (present(d_dn)) call need(size(d_dn), int(count, c_int64_t), me, "d_dn")
     code = c_LiquidMolarEntropy_Derivatives_PPR78(T, P, x, mixture, mask, value, d_dT, d_dP, d_dn)
   end function
 
@@ -1761,11 +1766,11 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "GasMolarEntropy_Derivatives_PPR78"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
+    call need(size(x), int(count, c_int64_t), me, "x")
     call need_derivative(present(d_dT), mask, 1, me, "d_dT")
     call need_derivative(present(d_dP), mask, 2, me, "d_dP")
     call need_derivative(present(d_dn), mask, 4, me, "d_dn")
-    if (present(d_dn)) call need(size(d_dn), count, me, "d_dn")
+    if (present(d_dn)) call need(size(d_dn), int(count, c_int64_t), me, "d_dn")
     code = c_GasMolarEntropy_Derivatives_PPR78(T, P, x, mixture, mask, value, d_dT, d_dP, d_dn)
   end function
 
@@ -1790,14 +1795,14 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "LiquidPhi_Derivatives_PPR78"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
-    call need(size(ln_phi), count, me, "ln_phi")
+    call need(size(x), int(count, c_int64_t), me, "x")
+    call need(size(ln_phi), int(count, c_int64_t), me, "ln_phi")
     call need_derivative(present(d_dT), mask, 1, me, "d_dT")
-    if (present(d_dT)) call need(size(d_dT), count, me, "d_dT")
+    if (present(d_dT)) call need(size(d_dT), int(count, c_int64_t), me, "d_dT")
     call need_derivative(present(d_dP), mask, 2, me, "d_dP")
-    if (present(d_dP)) call need(size(d_dP), count, me, "d_dP")
+    if (present(d_dP)) call need(size(d_dP), int(count, c_int64_t), me, "d_dP")
     call need_derivative(present(d_dn), mask, 4, me, "d_dn")
-    if (present(d_dn)) call need(size(d_dn), count * count, me, "d_dn")
+    if (present(d_dn)) call need(size(d_dn), int(count, c_int64_t) * count, me, "d_dn")
     code = c_LiquidPhi_Derivatives_PPR78(T, P, x, mixture, option, mask, ln_phi, d_dT, d_dP, d_dn)
   end function
 
@@ -1822,14 +1827,14 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "GasPhi_Derivatives_PPR78"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
-    call need(size(ln_phi), count, me, "ln_phi")
+    call need(size(x), int(count, c_int64_t), me, "x")
+    call need(size(ln_phi), int(count, c_int64_t), me, "ln_phi")
     call need_derivative(present(d_dT), mask, 1, me, "d_dT")
-    if (present(d_dT)) call need(size(d_dT), count, me, "d_dT")
+    if (present(d_dT)) call need(size(d_dT), int(count, c_int64_t), me, "d_dT")
     call need_derivative(present(d_dP), mask, 2, me, "d_dP")
-    if (present(d_dP)) call need(size(d_dP), count, me, "d_dP")
+    if (present(d_dP)) call need(size(d_dP), int(count, c_int64_t), me, "d_dP")
     call need_derivative(present(d_dn), mask, 4, me, "d_dn")
-    if (present(d_dn)) call need(size(d_dn), count * count, me, "d_dn")
+    if (present(d_dn)) call need(size(d_dn), int(count, c_int64_t) * count, me, "d_dn")
     code = c_GasPhi_Derivatives_PPR78(T, P, x, mixture, option, mask, ln_phi, d_dT, d_dP, d_dn)
   end function
 
@@ -1850,7 +1855,7 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "GasSpecificHeat_PPR78"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
+    call need(size(x), int(count, c_int64_t), me, "x")
     code = c_GasSpecificHeat_PPR78(T, P, x, mixture, Cp, Cv, speed_of_sound, joule_thomson)
   end function
 
@@ -1868,7 +1873,7 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "GasDynamicViscosity_PPR78"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
+    call need(size(x), int(count, c_int64_t), me, "x")
     code = c_GasDynamicViscosity_PPR78(T, P, x, mixture, viscosity)
   end function
 
@@ -1886,7 +1891,7 @@ contains
     integer(c_int32_t) :: code, count
     character(*), parameter :: me = "GasThermalConductivity_PPR78"
     count = count_of(mixture, me)
-    call need(size(x), count, me, "x")
+    call need(size(x), int(count, c_int64_t), me, "x")
     code = c_GasThermalConductivity_PPR78(T, P, x, mixture, conductivity)
   end function
 

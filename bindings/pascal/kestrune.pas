@@ -891,6 +891,8 @@ var
 begin
   if (nC < 1) or (nG < 1) then
     raise EArgumentException.CreateFmt('ConvertPPR78GroupData: %d components, %d groups', [nC, nG]);
+  if Int64(nG) * nC > High(LongInt) div nC then
+    raise EArgumentException.Create('ConvertPPR78GroupData: nC: nG * nC * nC is more than 32 bits hold');
   Need(High(counts) + 1, Int64(nG) * nC, 'ConvertPPR78GroupData', 'counts');
   Need(High(A) + 1, Int64(nG) * nG, 'ConvertPPR78GroupData', 'A');
   Need(High(B) + 1, Int64(nG) * nG, 'ConvertPPR78GroupData', 'B');

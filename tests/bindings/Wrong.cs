@@ -24,6 +24,10 @@ static class Wrong
         Try(() => Exports.FlashLVatTP(300, 1, z, gas, IntPtr.Zero, 1, ref beta, x, y, one));
         Try(() => new Mixture(one, 2));
         Try(() => Exports.LiquidPhi_Derivatives_PPR78(300, 1, z, gas, 2, Constants.KV_DERIV_T, x, null, null, null));
+        int big = 40000; // nC * nC does not fit 32 bits
+        Try(() => Exports.ConvertPPR78GroupData(big, 2, new int[2 * big], new double[4], new double[4]));
+        gas.Record.count = 3;
+        Try(() => Exports.FlashLVatTP(300, 1, new double[3], gas, IntPtr.Zero, 1, ref beta, x, y, K));
         gas.Dispose();
         Try(() => Exports.FlashLVatTP(300, 1, z, gas, IntPtr.Zero, 1, ref beta, x, y, K));
     }

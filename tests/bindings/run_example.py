@@ -45,6 +45,8 @@ def fortran(root, library, scratch):
     expect(run(scratch / "wrong", "length", good=False), "FlashLVatTP: K: 1 elements, 2 are needed")
     expect(run(scratch / "wrong", "record", good=False), "mixture: the record has no components")
     expect(run(scratch / "wrong", "absent", good=False), "d_dT: absent, but mask asks for it")
+    expect(run(scratch / "wrong", "section", good=False), "new_mixture: table: the section is not in one piece")
+    expect(run(scratch / "wrong", "big", good=False), "nC: nG * nC * nC is more than")
 
 
 def pascal(root, library, scratch):
@@ -55,7 +57,8 @@ def pascal(root, library, scratch):
     expect(run(scratch / "wrong"), "EArgumentException FlashLVatTP: K: 1 elements, 2 are needed",
            "EArgumentException FlashLVatTP: mixture: the record has no components",
            "EArgumentException NewMixture: table: 3 elements, 86 are needed",
-           "EArgumentException LiquidPhi_Derivatives_PPR78: d_dT: 0 elements, 2 are needed")
+           "EArgumentException LiquidPhi_Derivatives_PPR78: d_dT: 0 elements, 2 are needed",
+           "EArgumentException ConvertPPR78GroupData: nC: nG * nC * nC is more than")
 
 
 def csharp(root, library, scratch):
@@ -65,7 +68,8 @@ def csharp(root, library, scratch):
     environment = {"env": os.environ | {"LD_LIBRARY_PATH": library}}
     compare(root, run("mono", scratch / "RichGas.exe", **environment))
     expect(run("mono", scratch / "Wrong.exe", **environment), "ArgumentNullException z", "ArgumentException K",
-           "ArgumentException componentTable", "ObjectDisposedException mixture", "ArgumentNullException d_dT")
+           "ArgumentException componentTable", "ObjectDisposedException mixture", "ArgumentNullException d_dT",
+           "ArgumentException nC", "ArgumentException mixture")
 
 
 def python_of_the_package():

@@ -14,18 +14,20 @@ var
   beta: Double;
   gas, empty: TMixtureRecord;
   none: array of Double;
+  counts: array[0..79999] of LongInt;
   number: Integer;
 begin
   gas := NewMixture(table, 2);
   FillChar(empty, SizeOf(empty), 0);
   none := nil;
-  for number := 1 to 4 do
+  for number := 1 to 5 do
     try
       case number of
         1: FlashLVatTP(300, 1, z, gas, nil, 1, beta, x, y, short);
         2: FlashLVatTP(300, 1, z, empty, nil, 1, beta, x, y, K);
         3: NewMixture(three, 2);
         4: LiquidPhi_Derivatives_PPR78(300, 1, z, gas, 2, KV_DERIV_T, x, none, none, none);
+        5: ConvertPPR78GroupData(40000, 2, counts, z, z); { nC * nC does not fit 32 bits }
       end;
       WriteLn('not refused: ', number);
     except

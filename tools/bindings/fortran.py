@@ -1,7 +1,7 @@
 """bindings/fortran/kestrune.F90."""
 import itertools
 
-from bindings.text import comment, fill, records_of, shape
+from bindings.text import comment, fill, records_of
 
 WIDTH = 118
 OWN = "ConvertPPR78GroupData"  # written by hand in the template: its buffers belong to the module
@@ -54,6 +54,12 @@ def declaration(a):
     return ", ".join(parts), f"{a.name}{'(:)' if a.array else ''}"
 
 
+def length(a):
+    """64 bits keep the products exact."""
+    first, *others = a.shape.split("*")
+    return " * ".join([f"{first}_c_int64_t" if first.isdigit() else f"int({first}, c_int64_t)", *others])
+
+
 def checks(e):
     if any(a.kind == "record" for a in e.arguments):
         record = next(a.name for a in e.arguments if a.kind == "record")
@@ -63,7 +69,7 @@ def checks(e):
             yield f'call need_derivative(present({a.name}), mask, {a.bit}, me, "{a.name}")'
         if a.array:
             guard = f"if (present({a.name})) " if a.bit else ""
-            yield f'{guard}call need(size({a.name}), {shape(a)}, me, "{a.name}")'
+            yield f'{guard}call need(size({a.name}), {length(a)}, me, "{a.name}")'
 
 
 def procedure(e):

@@ -31,13 +31,14 @@ namespace Kestrune
     {
         public MixtureRecord Record;
         private GCHandle table;
+        private readonly int made; // components that the table has
 
         public Mixture(double[] componentTable, int count)
         {
             if (count < 1) throw new ArgumentException("at least one component is needed", "count");
             Check.Length(componentTable, (long)Constants.KV_TABLE_COLUMNS * count, "componentTable");
             table = GCHandle.Alloc(componentTable, GCHandleType.Pinned);
-            Record.count = count;
+            Record.count = made = count;
             Record.table = table.AddrOfPinnedObject();
         }
 
@@ -45,6 +46,13 @@ namespace Kestrune
         {
             get { return (Record.flags & Constants.FreeWaterFlag) != 0; }
             set { Record.flags = value ? Constants.FreeWaterFlag : (byte)0; }
+        }
+
+        // Throws where the host has changed the count of the record without its table.
+        internal void CheckCount()
+        {
+            if (Record.count != made && Record.table == table.AddrOfPinnedObject())
+                throw new ArgumentException("count is " + Record.count + ", but the record was made with " + made, "mixture");
         }
 
         public void Dispose()
@@ -68,6 +76,7 @@ namespace Kestrune
             if (mixture == null) throw new ArgumentNullException("mixture");
             if (mixture.Record.table == IntPtr.Zero) throw new ObjectDisposedException("mixture");
             if (mixture.Record.count < 1) throw new ArgumentException("the record has no components", "mixture");
+            mixture.CheckCount();
             return mixture.Record.count;
         }
     }
@@ -95,6 +104,8 @@ namespace Kestrune
             Check.Length(counts, (long)nG * nC, "counts");
             Check.Length(A, (long)nG * nG, "A");
             Check.Length(B, (long)nG * nG, "B");
+            if ((long)nG * nC > int.MaxValue / nC)
+                throw new ArgumentException("nG * nC * nC is more than an array can have", "nC");
             int[] sizes = { 1, nG * nG, nG * nG, nC * nG, nG * nG, nG * nC * nC };
             var fresh = new GCHandle[sizes.Length];
             var storage = new IntPtr[sizes.Length];

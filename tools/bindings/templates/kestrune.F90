@@ -47,11 +47,13 @@ contains
 
   ! Record of a component table(count, 43), which stays with the host and has to live as long as the record is used.
   function new_mixture(table) result(mixture)
-    real(c_double), intent(in), contiguous, target :: table(:, :)
+    real(c_double), intent(inout), target :: table(:, :) ! a variable: the record points to it
     type(MixtureRecord) :: mixture
     integer(c_intptr_t) :: address
     integer :: width
     if (size(table, 2) < @TABLE_COLUMNS@) call stop_with("new_mixture", "table", "@TABLE_COLUMNS@ columns are needed")
+    if (size(table, 1) < 1) call stop_with("new_mixture", "table", "at least one component is needed")
+    if (.not. is_contiguous(table)) call stop_with("new_mixture", "table", "the section is not in one piece of memory")
     call set_integer(mixture, at_count, int(size(table, 1), c_int32_t))
     address = transfer(c_loc(table), address)
     width = storage_size(address) / 8
@@ -105,11 +107,12 @@ contains
   end function
 
   subroutine need(length, wanted, procedure, word)
-    integer, intent(in) :: length, wanted
+    integer, intent(in) :: length
+    integer(c_int64_t), intent(in) :: wanted
     character(*), intent(in) :: procedure, word
     character(80) :: reason
-    if (length == max(wanted, 0)) return
-    write (reason, '(i0, " elements, ", i0, " are needed")') length, max(wanted, 0)
+    if (length == max(wanted, 0_c_int64_t)) return
+    write (reason, '(i0, " elements, ", i0, " are needed")') length, max(wanted, 0_c_int64_t)
     call stop_with(procedure, word, trim(reason))
   end subroutine
 
@@ -129,14 +132,16 @@ contains
     real(c_double), intent(in), contiguous :: A(:), B(:)
     real(c_double), allocatable, target :: fresh(:)
     type(c_ptr) :: storage(6)
-    integer :: sizes(6), k, first
+    integer(c_int64_t) :: sizes(6), first
+    integer :: k
     character(*), parameter :: me = "ConvertPPR78GroupData"
     if (nC < 1) call stop_with(me, "nC", "at least one component is needed")
     if (nG < 1) call stop_with(me, "nG", "at least one group is needed")
-    call need(size(counts), nG * nC, me, "counts")
-    call need(size(A), nG * nG, me, "A")
-    call need(size(B), nG * nG, me, "B")
-    sizes = [1, nG * nG, nG * nG, nC * nG, nG * nG, nG * nC * nC]
+    if (int(nG, c_int64_t) * nC > huge(nC) / nC) call stop_with(me, "nC", "nG * nC * nC is more than 32 bits hold")
+    call need(size(counts), int(nG, c_int64_t) * nC, me, "counts")
+    call need(size(A), int(nG, c_int64_t) * nG, me, "A")
+    call need(size(B), int(nG, c_int64_t) * nG, me, "B")
+    sizes = int([1, size(A), size(A), size(counts), size(A), nG * nC * nC], c_int64_t)
     allocate (fresh(sum(sizes)))
     first = 1
     do k = 1, 6
