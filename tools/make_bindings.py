@@ -57,6 +57,8 @@ def main(argv):
         sys.exit(__doc__)
     try:
         texts = wanted(model.read(ROOT)) | examples()
+    except OSError as fault:
+        sys.exit(f"{fault.filename}: {fault.strerror}")
     except (ValueError, KeyError, TypeError) as fault:
         sys.exit(f"bindings/exports.toml: {fault}")
     stale = []

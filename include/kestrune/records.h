@@ -139,24 +139,25 @@ typedef StatusCode(KV_CALL* KvFugacityRoutine)(double T, double P, const double*
                                                int32_t phase, int32_t option, int32_t mask, double* ln_phi,
                                                double* dln_phi_dT, double* dln_phi_dP, double* dln_phi_dn);
 
-/* Compile-time checks that work in C99 and in C++: a moved field stops the build. */
-#define KV_ASSERT_AT(type, field, offset) \
-  typedef char kv_assert_##type##_##field[(offsetof(type, field) == (offset)) ? 1 : -1]
-KV_ASSERT_AT(MixtureRecord, count, 0);
-KV_ASSERT_AT(MixtureRecord, table, 4);
-KV_ASSERT_AT(MixtureRecord, flags, 16);
-KV_ASSERT_AT(MixtureRecord, solubility_a, 17);
-KV_ASSERT_AT(MixtureRecord, solubility_b, 25);
-KV_ASSERT_AT(MixtureRecord, CRIT, 61);
-KV_ASSERT_AT(MixtureRecord, CLIM, 69);
-KV_ASSERT_AT(MixtureRecord, EPS, 77);
-KV_ASSERT_AT(MixtureRecord, ITEMAX, 85);
-KV_ASSERT_AT(MixtureRecord, NEW, 89);
-KV_ASSERT_AT(MixtureRecord, trace_flag, 93);
-KV_ASSERT_AT(MixtureRecord, trace_unit, 97);
-KV_ASSERT_AT(MixtureRecord, relaxation, 101);
-KV_ASSERT_AT(MixtureRecord, pure_tolerance, 109);
-KV_ASSERT_AT(MixtureRecord, sum_tolerance, 117);
+/* Compile-time checks that work in C99 and in C++: a moved field or one of another size stops the build. */
+#define KV_ASSERT_FIELD(type, field, offset, kind) \
+  typedef char kv_assert_##type##_##field          \
+      [(offsetof(type, field) == (offset) && sizeof(((type*)0)->field) == sizeof(kind)) ? 1 : -1]
+KV_ASSERT_FIELD(MixtureRecord, count, 0, int32_t);
+KV_ASSERT_FIELD(MixtureRecord, table, 4, void*);
+KV_ASSERT_FIELD(MixtureRecord, flags, 16, uint8_t);
+KV_ASSERT_FIELD(MixtureRecord, solubility_a, 17, double);
+KV_ASSERT_FIELD(MixtureRecord, solubility_b, 25, double);
+KV_ASSERT_FIELD(MixtureRecord, CRIT, 61, double);
+KV_ASSERT_FIELD(MixtureRecord, CLIM, 69, double);
+KV_ASSERT_FIELD(MixtureRecord, EPS, 77, double);
+KV_ASSERT_FIELD(MixtureRecord, ITEMAX, 85, int32_t);
+KV_ASSERT_FIELD(MixtureRecord, NEW, 89, int32_t);
+KV_ASSERT_FIELD(MixtureRecord, trace_flag, 93, int32_t);
+KV_ASSERT_FIELD(MixtureRecord, trace_unit, 97, int32_t);
+KV_ASSERT_FIELD(MixtureRecord, relaxation, 101, double);
+KV_ASSERT_FIELD(MixtureRecord, pure_tolerance, 109, double);
+KV_ASSERT_FIELD(MixtureRecord, sum_tolerance, 117, double);
 typedef char kv_assert_MixtureRecord_size[(sizeof(MixtureRecord) == 125) ? 1 : -1];
 typedef char kv_assert_ModelRoutines_size[(sizeof(ModelRoutines) == KV_ROUTINE_COUNT * sizeof(void*)) ? 1 : -1];
 

@@ -40,9 +40,10 @@ def header(d, text):
 
 
 def records(d, text):
-    """records.h with the offsets that it asserts made new."""
-    made = "".join(f"KV_ASSERT_AT(MixtureRecord, {f['name']}, {f['offset']});\n" for f in d.fields)
-    text = re.sub(r"(KV_ASSERT_AT\(MixtureRecord, \w+, \d+\);\n)+", lambda _: made, text)
+    """records.h with the offsets and sizes that it asserts made new."""
+    types = {"int": "int32_t", "double": "double", "byte": "uint8_t", "address": "void*"}
+    made = "".join(f"KV_ASSERT_FIELD(MixtureRecord, {f['name']}, {f['offset']}, {types[f['kind']]});\n" for f in d.fields)
+    text = re.sub(r"(KV_ASSERT_FIELD\(MixtureRecord, .*\);\n)+", lambda _: made, text)
     return re.sub(r"sizeof\(MixtureRecord\) == \d+", f"sizeof(MixtureRecord) == {d.record_size}", text)
 
 

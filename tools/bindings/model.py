@@ -30,6 +30,10 @@ class Argument:
     def array(self):
         return self.kind in ("doubles", "ints") and self.shape != "1"
 
+    @property
+    def address(self):
+        return self.kind in ("doubles", "ints")
+
     def sentence(self):
         """What a docstring says: meaning, unit, shape, direction, bits."""
         parts = [self.doc] + ([self.unit] if self.unit else [])
@@ -71,6 +75,38 @@ class Description:
     version: str
 
 
+def entries(where, table, needed, more=()):
+    """table where it has the keys of needed, and no others than those of more beside them; ValueError otherwise."""
+    if not isinstance(table, dict):
+        raise ValueError(f"{where}: {table!r}, but a table of {', '.join(needed)} is needed")
+    for key in needed:
+        if key not in table:
+            raise ValueError(f"{where}: {key} is missing")
+    for key, value in table.items():
+        if key not in (*needed, *more):
+            raise ValueError(f"{where}: '{key}' is none of {', '.join([*needed, *more])}")
+        if key in ("name", "kind", "doc", "group", "dir", "shape", "unit") and not isinstance(value, str):
+            raise ValueError(f"{where}: {key} is {value!r}, but a text is needed")
+    if "name" in table and not re.fullmatch(r"[A-Za-z][A-Za-z0-9_]{0,59}", table["name"]):
+        raise ValueError(f"{where}: '{table['name']}' is no name in every language: a letter, then letters, digits and _")
+    return table
+
+
+def check_argument(e, a):
+    """What one word of an export needs from the others."""
+    where = f"{e.name}: {a.name}"
+    integers = {o.name: o for o in e.arguments if o.kind == "int"}
+    known = {"1", "6", *integers} | ({"count"} if any(o.kind == "record" for o in e.arguments) else set())
+    if a.shape and set(a.shape.split("*")) - known:
+        raise ValueError(f"{where}: shape {a.shape} is not known from the call: a product of {', '.join(sorted(known))}")
+    if a.optional != (a.kind == "routines"):
+        raise ValueError(f"{where}: optional stands at routines and nowhere else; bit is for derivatives")
+    if a.bits and a.kind != "int":
+        raise ValueError(f"{where}: bits are those of an int")
+    if a.bit and (not a.address or "mask" not in integers or str(a.bit) not in map(str, integers["mask"].bits)):
+        raise ValueError(f"{where}: bit {a.bit} is for an address, and one of the bits of an int called mask")
+
+
 def check(exports, fields, size):
     """ValueError naming what no host could declare."""
     names = [e.name.lower() for e in exports]
@@ -87,11 +123,14 @@ def check(exports, fields, size):
                 raise ValueError(f"{e.name}: {a.name} is an address: dir is in, out or inout, and shape is needed")
             if words.count(a.name.lower()) > 1 or a.name.lower() in names:
                 raise ValueError(f"{e.name}: {a.name}: not the only one of that name where case does not count")
-            known = {"1", "6", "count", *(o.name for o in e.arguments if o.kind == "int")}
-            if set(a.shape.split("*")) - known - {""}:
-                raise ValueError(f"{e.name}: {a.name}: shape {a.shape} is not known from the call")
-    end = 0
+            check_argument(e, a)
+    end, fields_seen = 0, set()
     for f in fields:
+        if f["name"].lower() in fields_seen:
+            raise ValueError(f"record: {f['name']} stands twice")
+        fields_seen.add(f["name"].lower())
+        if not isinstance(f["offset"], int):
+            raise ValueError(f"record: {f['name']}: offset {f['offset']!r} is no integer")
         if f["offset"] < end or f["kind"] not in FIELD_BYTES:
             raise ValueError(f"record: {f['name']} overlaps the field before it, or its kind is not known")
         end = f["offset"] + FIELD_BYTES[f["kind"]]
@@ -102,21 +141,36 @@ def check(exports, fields, size):
 def read(root):
     """Description of the tree at root (a pathlib.Path)."""
     data = tomllib.loads((root / "bindings/exports.toml").read_text(encoding="utf-8"))
-    words = {key: Argument(**word) for key, word in data["words"].items()}
+    entries("the file", data, ("library", "record", "words", "export"))
+    more = ("dir", "shape", "unit", "bit", "bits", "optional")
+
+    def made(where, table):
+        return Argument(**entries(where, table, ("name", "kind", "doc"), more))
+
+    words = {key: made(f"words: {key}", word) for key, word in data["words"].items()}
     unused = set(words)
 
-    def argument(item):
-        if isinstance(item, str):
-            unused.discard(item)
-            return words[item]
-        return Argument(**item)
+    def argument(export, item):
+        if not isinstance(item, str):
+            return made(f"{export}: {item.get('name', item)}" if isinstance(item, dict) else export, item)
+        if item not in words:
+            raise ValueError(f"{export}: '{item}' is no entry of words")
+        unused.discard(item)
+        return words[item]
 
-    exports = tuple(
-        Export(e["name"], e["group"], e["doc"], tuple(argument(i) for i in e["arguments"]),
-               e.get("returns", "status") == "status") for e in data["export"])
+    def export(e):
+        entries(f"export {e.get('name', '')}", e, ("name", "group", "doc", "arguments"), ("returns",))
+        if e.get("returns", "status") not in ("status", "nothing"):
+            raise ValueError(f"{e['name']}: returns is {e['returns']!r}, but status or nothing is known")
+        return Export(e["name"], e["group"], e["doc"], tuple(argument(e["name"], i) for i in e["arguments"]),
+                      e.get("returns", "status") == "status")
+
+    exports = tuple(export(e) for e in data["export"])
     if unused:
         raise ValueError(f"words that no export takes: {', '.join(sorted(unused))}")
-    record = data["record"]
+    record = entries("record", data["record"], ("size", "fields"))
+    for k, f in enumerate(record["fields"]):
+        entries(f"record: field {k + 1}", f, ("name", "offset", "kind", "doc"))
     check(exports, record["fields"], record["size"])
     status = (root / "include/kestrune/status.h").read_text(encoding="utf-8")
     statuses = tuple((n, int(v), t) for n, v, t in re.findall(r'X\((KV_\w+), (-?\d+),[\s\\]*"(.*?)"\)', status))
