@@ -26,7 +26,7 @@ compressed(${documents}/CHANGELOG.md ${documents}/changelog.gz)
 string(TIMESTAMP now "%a, %d %b %Y %H:%M:%S +0000" UTC)
 file(WRITE ${documents}/changelog.Debian "kestrune (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) unstable; urgency=medium
 
-  * Version ${CPACK_PACKAGE_VERSION}; changes.gz in this folder has what changed.
+  * Version ${CPACK_PACKAGE_VERSION}; changelog.gz in this folder has what changed.
 
  -- ${CPACK_PACKAGE_CONTACT}  ${now}
 ")

@@ -22,8 +22,19 @@ configure_package_config_file(cmake/KestruneConfig.cmake.in ${CMAKE_BINARY_DIR}/
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/KestruneConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/KestruneConfig.cmake ${CMAKE_BINARY_DIR}/KestruneConfigVersion.cmake
   DESTINATION ${package_folder})
-file(RELATIVE_PATH up /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
-string(REGEX REPLACE "/$" "" up ${up})
+# pkg-config: from its own folder, so that the tree may be moved, unless a folder was given from the root.
+foreach(folder LIBDIR INCLUDEDIR)
+  set(pc_${folder} "\${prefix}/${CMAKE_INSTALL_${folder}}")
+  if(IS_ABSOLUTE "${CMAKE_INSTALL_${folder}}")
+    set(pc_${folder} "${CMAKE_INSTALL_${folder}}")
+  endif()
+endforeach()
+set(pc_prefix "${CMAKE_INSTALL_PREFIX}")
+if(NOT IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  file(RELATIVE_PATH up /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+  string(REGEX REPLACE "/$" "" up ${up})
+  set(pc_prefix "\${pcfiledir}/${up}")
+endif()
 configure_file(cmake/kestrune.pc.in ${CMAKE_BINARY_DIR}/kestrune.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/kestrune.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 

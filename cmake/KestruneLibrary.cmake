@@ -15,10 +15,11 @@ function(kestrune_library name)
   else()
     # On Linux the same list becomes a version script: the names and nothing else.
     set(map ${CMAKE_CURRENT_BINARY_DIR}/${name}.map)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${ARG_DEF})
     file(STRINGS ${ARG_DEF} names REGEX "^  [A-Za-z]")
     list(TRANSFORM names STRIP)
     list(JOIN names ";\n    " names)
-    file(WRITE ${map} "{\n  global:\n    ${names};\n  local: *;\n};\n")
+    file(CONFIGURE OUTPUT ${map} CONTENT "{\n  global:\n    ${names};\n  local: *;\n};\n" @ONLY)
     target_link_options(${name} PRIVATE -Wl,--version-script=${map})
     # clang keeps the run-time library of its sanitizers in the program: there alone names may be missing here.
     if(NOT (KESTRUNE_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES Clang))
