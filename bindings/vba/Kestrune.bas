@@ -393,8 +393,8 @@ End Sub
 ' record is used.
 Public Sub NewMixture(mixture() As Byte, table() As Double, ByVal count As Long)
     Dim address As LongPtr
-    If count < 1 Then Err.Raise 5, "Kestrune", "NewMixture: at least one component is needed"
-    NeedDoubles table, KV_TABLE_COLUMNS * count, "NewMixture", "table"
+    If count < 1 Then Err.Raise 5, "Kestrune", "NewMixture: count: " & count & ", at least one is needed"
+    NeedDoubles table, CDbl(KV_TABLE_COLUMNS) * count, "NewMixture", "table"
     ReDim mixture(0 To RECORD_SIZE - 1)
     SetLong mixture, AT_count, count
     address = VarPtr(table(LBound(table)))
@@ -501,7 +501,11 @@ End Function
 ' component i, one column a component; A, B: interactions in MPa, column by column, upper triangle read.
 Public Sub ConvertPPR78GroupData(ByVal nC As Long, ByVal nG As Long, counts() As Long, A() As Double, B() As Double)
     Dim storage(0 To 5) As LongPtr
-    If nC < 1 Or nG < 1 Then Err.Raise 5, "Kestrune", "ConvertPPR78GroupData: " & nC & " components, " & nG & " groups"
+    If nC < 1 Then Err.Raise 5, "Kestrune", "ConvertPPR78GroupData: nC: " & nC & ", at least one is needed"
+    If nG < 1 Then Err.Raise 5, "Kestrune", "ConvertPPR78GroupData: nG: " & nG & ", at least one is needed"
+    If CDbl(nG) * nC * nC > 2147483647# Then
+        Err.Raise 5, "Kestrune", "ConvertPPR78GroupData: nC: nG * nC * nC is more than 32 bits hold"
+    End If
     NeedLongs counts, CDbl(nG) * nC, "ConvertPPR78GroupData", "counts"
     NeedDoubles A, CDbl(nG) * nG, "ConvertPPR78GroupData", "A"
     NeedDoubles B, CDbl(nG) * nG, "ConvertPPR78GroupData", "B"

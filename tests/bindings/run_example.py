@@ -58,7 +58,8 @@ def pascal(root, library, scratch):
            "EArgumentException FlashLVatTP: mixture: the record has no components",
            "EArgumentException NewMixture: table: 3 elements, 86 are needed",
            "EArgumentException LiquidPhi_Derivatives_PPR78: d_dT: 0 elements, 2 are needed",
-           "EArgumentException ConvertPPR78GroupData: nC: nG * nC * nC is more than")
+           "EArgumentException ConvertPPR78GroupData: nC: nG * nC * nC is more than",
+           "EArgumentException ConvertPPR78GroupData: nG: 0, at least one")
 
 
 def csharp(root, library, scratch):

@@ -20,7 +20,7 @@ begin
   gas := NewMixture(table, 2);
   FillChar(empty, SizeOf(empty), 0);
   none := nil;
-  for number := 1 to 5 do
+  for number := 1 to 6 do
     try
       case number of
         1: FlashLVatTP(300, 1, z, gas, nil, 1, beta, x, y, short);
@@ -28,6 +28,7 @@ begin
         3: NewMixture(three, 2);
         4: LiquidPhi_Derivatives_PPR78(300, 1, z, gas, 2, KV_DERIV_T, x, none, none, none);
         5: ConvertPPR78GroupData(40000, 2, counts, z, z); { nC * nC does not fit 32 bits }
+        6: ConvertPPR78GroupData(2, 0, counts, z, z);
       end;
       WriteLn('not refused: ', number);
     except

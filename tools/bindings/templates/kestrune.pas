@@ -85,7 +85,7 @@ end;
 
 function NewMixture(const table: array of Double; count: LongInt): TMixtureRecord;
 begin
-  if count < 1 then raise EArgumentException.CreateFmt('NewMixture: %d components', [count]);
+  if count < 1 then raise EArgumentException.CreateFmt('NewMixture: count: %d, at least one component is needed', [count]);
   Need(High(table) + 1, Int64(KV_TABLE_COLUMNS) * count, 'NewMixture', 'table');
   FillChar(Result, SizeOf(Result), 0);
   Result.count := count;
@@ -107,8 +107,8 @@ var
   storage: array[0..5] of PDouble;
   k: Integer;
 begin
-  if (nC < 1) or (nG < 1) then
-    raise EArgumentException.CreateFmt('ConvertPPR78GroupData: %d components, %d groups', [nC, nG]);
+  if nC < 1 then raise EArgumentException.CreateFmt('ConvertPPR78GroupData: nC: %d, at least one is needed', [nC]);
+  if nG < 1 then raise EArgumentException.CreateFmt('ConvertPPR78GroupData: nG: %d, at least one is needed', [nG]);
   if Int64(nG) * nC > High(LongInt) div nC then
     raise EArgumentException.Create('ConvertPPR78GroupData: nC: nG * nC * nC is more than 32 bits hold');
   Need(High(counts) + 1, Int64(nG) * nC, 'ConvertPPR78GroupData', 'counts');
