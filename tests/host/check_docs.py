@@ -1,6 +1,7 @@
 """The documentation of the command line says what the program does: check_docs.py REPOSITORY PROGRAM [--write].
 
-In the code blocks of docs/*.md a line "$ COMMAND" is run and its output compared with the lines below it; a line that
+In the code blocks of docs/*.md a line "$ COMMAND" is run and its output compared with the lines below it, and it has to
+print something unless it writes into a file; a line that
 begins with "kestrune" is run and has to succeed, as have the examples of every --help. Options that a command has and
 its section does not name, and options that it names and the command does not have, are errors. --write puts the
 outputs into the pages.
@@ -53,6 +54,8 @@ def check_page(page, folder):
         while shown and not shown[-1]:
             shown.pop()
         printed = (done.stdout + done.stderr).splitlines()
+        if not printed and not re.search(r">|--(svg|png) (?!-)", command):
+            problems.append(f"{page.name}: {command}\nprints nothing")
         if shown != printed:
             problems.append("\n".join([f"{page.name}: {command}", "printed:", *printed, "documented:", *shown]))
         result += printed + ([""] if lines[i].startswith("$ ") else [])
