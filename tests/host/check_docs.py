@@ -43,6 +43,8 @@ def check_page(page, folder):
             command += "\n" + lines[i]
             i += 1
         done = run(command, folder)
+        if not done.stdout + done.stderr and not re.search(r"(?<!2)>|--(svg|png) (?!-)", command):
+            problems.append(f"{page.name}: {command}\nprints nothing")
         if line.startswith("kestrune "):
             if done.returncode != 0:
                 problems.append(f"{page.name}: {command}\nexit code {done.returncode}: {done.stderr}{done.stdout[:400]}")
@@ -54,8 +56,6 @@ def check_page(page, folder):
         while shown and not shown[-1]:
             shown.pop()
         printed = (done.stdout + done.stderr).splitlines()
-        if not printed and not re.search(r">|--(svg|png) (?!-)", command):
-            problems.append(f"{page.name}: {command}\nprints nothing")
         if shown != printed:
             problems.append("\n".join([f"{page.name}: {command}", "printed:", *printed, "documented:", *shown]))
         result += printed + ([""] if lines[i].startswith("$ ") else [])
