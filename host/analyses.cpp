@@ -117,7 +117,10 @@ bool is_beside(const std::string& heading) {
                                         "samplename",
                                         "samplepoint"};
   const std::string key = search_key(heading.substr(0, heading.find_first_of("[(,")));
-  return is_total(heading) || std::find(std::begin(words), std::end(words), key) != std::end(words);
+  const auto stands = [&](std::string_view word) {  // a longer one with its unit behind it, "pressure bar"
+    return key == word || (word.size() >= 4 && key.rfind(word, 0) == 0);
+  };
+  return is_total(heading) || std::any_of(std::begin(words), std::end(words), stands);
 }
 
 // A row of figures on the others, by its name.
