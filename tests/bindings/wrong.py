@@ -50,7 +50,7 @@ WRONG = [
     (TypeError, "MolecularWeight takes 4 arguments", lambda: library.MolecularWeight(2, z, z)),
     (ValueError, "table: 5 values, 86", lambda: kv.MixtureRecord.of([0.0] * 5, 2)),
     (ValueError, "mixture: count is 3, but the record was made with 2", lambda: flash(z=[1, 0, 0], gas=grown())),
-    (ValueError, "table: an array of shape (2, 43) in C order, but shape (2, 43) (count, 43) in Fortran order",
+    (ValueError, "table: an array of shape (2, 43) in C order, but (2, 43) (count, 43) in Fortran order",
      lambda: kv.MixtureRecord.of(np.zeros((2, 43)), 2)),
     (ValueError, "counts: an array of shape (2, 3) in C order", lambda: groups(six.reshape(2, 3), four)),
     (ValueError, "A: an array of shape (2, 2) in C order", lambda: groups(six, four.reshape(2, 2))),

@@ -113,10 +113,11 @@ def _order(word, view, wanted):
     shape, square = tuple(view.shape), len(wanted) > 1 and len(set(word.shape.split("*"))) == 1
     if shape == wanted and view.f_contiguous or shape == wanted[::-1] and view.c_contiguous and not square:
         return
-    words = word.shape.replace("*", ", ")
-    raise ValueError(f"{word.name}: an array of shape {shape} in {'C' if view.c_contiguous else 'Fortran'} order, but "
-                     + (f"shape {wanted} ({words}) in Fortran order (numpy.asfortranarray) or " if len(wanted) > 1 else "")
-                     + "one dimension is needed")
+    said = f"{word.name}: an array of shape {shape} in {'C' if view.c_contiguous else 'Fortran'} order, but "
+    if len(wanted) > 1:
+        said += f"{wanted} ({word.shape.replace('*', ', ')}) in Fortran order (numpy.asfortranarray), "
+        said += "" if square else f"{wanted[::-1]} in C order, "
+    raise ValueError(said + ("or " if len(wanted) > 1 else "") + "one dimension is needed")
 
 
 def _array(word, value, wanted):
