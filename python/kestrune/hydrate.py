@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import math
+import numbers
 from typing import TYPE_CHECKING, Any, Union
 
 import numpy as np
@@ -80,6 +81,8 @@ class Hydrate:
 
     def _lines(self, inhibitor: Union[str, float, None], percent: float) -> tuple[tuple[float, float], float]:
         """Intercept and slope of T over ln P, and how much lower the inhibitor brings T."""
+        if isinstance(percent, bool) or not isinstance(percent, numbers.Real):
+            raise TypeError(f"percent is a number, not {percent!r}")
         if not (math.isfinite(percent) and 0.0 <= percent <= 70.0):
             raise ValueError(f"the inhibitor is 0 to 70 % of the solution by mass, not {percent!r}")
         if inhibitor is None and percent != 0.0:
@@ -116,6 +119,8 @@ def _inhibitor_of(inhibitor: Union[str, float, None]) -> tuple[int, float]:
         raise ValueError(
             f"{inhibitor!r} is no hydrate inhibitor: use methanol, MEG, DEG, TEG, NaCl, KCl, CaCl2 or a molar mass"
         )
+    if isinstance(inhibitor, bool) or not isinstance(inhibitor, numbers.Real):
+        raise TypeError(f"inhibitor is a name or a molar mass, not {inhibitor!r}")
     if not 30.0 <= float(inhibitor) <= 200.0:
         raise ValueError(f"{inhibitor!r} g/mol is no molar mass of a hydrate inhibitor: 30 to 200 g/mol")
     return 5, float(inhibitor)

@@ -8,7 +8,7 @@ import numpy as np
 
 from . import _native
 from .errors import GOOD, KestruneError
-from .units import Units
+from .units import Units, numbers_of
 
 if TYPE_CHECKING:
     from .mixture import Mixture
@@ -122,8 +122,9 @@ class Water:
 
     def _amounts(self, water: Any) -> np.ndarray:
         own = self._mixture.z[self._index()]
-        amounts = np.asarray(own if water is None else water, dtype=float)
-        if not ((amounts > 0.0) & (amounts < 1.0)).all():
+        amounts = np.asarray(own) if water is None else numbers_of("water", water)
+        known = amounts[~np.isnan(amounts)] if amounts.ndim else amounts
+        if not ((known > 0.0) & (known < 1.0)).all():
             raise ValueError(
                 "a dew point needs water in the gas, a mole fraction between 0 and 1: in the mixture, or as water=60e-6"
             )
@@ -142,7 +143,7 @@ class Water:
 
 
 def _number(method: str) -> int:
-    if method not in _METHODS:
+    if not isinstance(method, str) or method not in _METHODS:
         raise ValueError(f"method is 'eos' or 'chart', not {method!r}")
     return _METHODS[method]
 
