@@ -10,7 +10,7 @@ import numpy as np
 
 from . import _native
 from .databank import components
-from .errors import KestruneError
+from .errors import KestruneError, count_failures
 from .units import Units
 
 if TYPE_CHECKING:
@@ -30,7 +30,7 @@ class Hydrate:
     -----
     By the gravity of the gas (Towler and Mokhatab 2005), with the depression of Hammerschmidt (1934). Made from sweet
     natural gases, 265 to 298 K and 12 to 400 bar; beyond 200 K, 313.15 K without inhibitor and 1000 bar the answer is
-    NaN, of a single state KestruneError 151.
+    NaN with a `KestruneWarning`, of a single state KestruneError 151.
 
     Every method takes ``inhibitor``: None, ``"methanol"``, ``"MEG"``, ``"DEG"``, ``"TEG"``, ``"NaCl"``, ``"KCl"``,
     ``"CaCl2"`` or a molar mass in g/mol, and ``percent``: its mass percent in the aqueous solution.
@@ -128,6 +128,5 @@ def _inhibitor_of(inhibitor: Union[str, float, None]) -> tuple[int, float]:
 
 def _within(T: np.ndarray, P: np.ndarray, shift: float, wanted: np.ndarray) -> np.ndarray:
     good = (T >= _COLDEST) & (T + shift <= _HOTTEST) & (P > 0.0) & (P <= _HIGHEST)
-    if np.ndim(good) == 0 and not good:
-        raise KestruneError(151, "hydrate")
+    count_failures(np.asarray(np.where(good, 0, 151)), "hydrate")
     return np.where(good, wanted, np.nan)

@@ -1,8 +1,11 @@
 """Identities, published values and behaviour of the package; every number comes from outside of what it checks."""
 
 import copy
+import os
 import pickle
+import signal
 import threading
+import warnings
 
 import kestrune
 import numpy as np
@@ -176,6 +179,28 @@ def test_mixtures_in_threads_do_not_mix_their_group_data():
     assert not wrong
 
 
+@pytest.mark.skipif(not hasattr(os, "fork"), reason="no fork on Windows")
+def test_a_forked_process_does_not_wait_for_threads_it_lacks(gas):
+    other, done = kestrune.Mixture(WET), threading.Event()
+
+    def work():
+        while not done.is_set():
+            gas.flash(np.linspace(200.0, 300.0, 3000), 40e5, threads=1)
+
+    thread = threading.Thread(target=work)
+    thread.start()
+    try:
+        for _ in range(5):
+            child = os.fork()
+            if child == 0:
+                signal.alarm(20)
+                os._exit(0 if other.flash(300.0, 50e5).liquid2.fraction > 0.09 else 1)
+            assert os.waitpid(child, 0)[1] == 0
+    finally:
+        done.set()
+        thread.join()
+
+
 def test_copies_and_pickles_are_the_same(gas, grid):
     rich = kestrune.Mixture(WET, "mass", free_water=True, solubility=(7.0, 4400.0), units="C,bar", name="wet")
     for one in (copy.copy(rich), copy.deepcopy(rich), pickle.loads(pickle.dumps(rich))):
@@ -269,6 +294,8 @@ ERRORS = [
     (lambda g: kestrune.Mixture({"methane": 1}, settings=3), TypeError, "settings are given as"),
     (lambda g: g.flash(300.0, 1e5, threads="two"), ValueError, "threads"),
     (lambda g: g.hydrate.temperature(70e5, "MEG", "20"), TypeError, "percent is a number"),
+    (lambda g: g.water.dew_temperature([70e5, -1.0], water=6e-5), kestrune.KestruneWarning, "1 of 2 .* 9005"),
+    (lambda g: g.hydrate.pressure([280.0, 400.0]), kestrune.KestruneWarning, "1 of 2 .* 151"),
     (lambda g: g.units.symbol("length"), ValueError, "no quantity"),
     (lambda g: g.flash([300.0], 1e5).to_frame("density"), TypeError, "list of names"),
     (lambda g: g.flash(300.0, 1e5, phases=4), ValueError, "2 or 3"),
@@ -288,7 +315,8 @@ ERRORS = [
 
 @pytest.mark.parametrize("call, kind, text", ERRORS)
 def test_bad_input_is_named(gas, call, kind, text):
-    with pytest.raises(kind, match=text):
+    with warnings.catch_warnings(), pytest.raises(kind, match=text):
+        warnings.simplefilter("error", kestrune.KestruneWarning)
         call(gas)
 
 
