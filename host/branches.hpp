@@ -15,8 +15,9 @@ enum class Branch { lower, upper, all };
 Branch branch_by_name(std::string_view name);
 
 // The points of vapour fraction W at a temperature (Given::WT) or a pressure (Given::WP), K or Pa: the one that a cold
-// start finds and those where the traced line is met, each from a warm start there. One state with its status where there is
-// none. The mixture has been handed over to the library.
+// start finds and those where the traced line is met, each from a warm start beside the edge of the two phases there. A
+// point of the line that no flash finds is a state with its status and without a value, as is the answer where there is no
+// point. The mixture has been handed over to the library.
 std::vector<Equilibrium> points_of_fraction(const Exports& library, Mixture& mixture, Given given, double W,
                                             double value, Branch branch);
 

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "composition_parts.hpp"
 #include "error.hpp"
@@ -46,6 +47,15 @@ void Composition::define(Definition definition) {
   for (const Definition& d : definitions)
     if (search_key(d.name) == search_key(definition.name))
       throw InputError(fmt::format("{} is defined twice", definition.name));
+  // "C7+ 1" is the first piece of C7+.
+  const auto is_piece = [](const Definition& of, const std::string& name) {
+    return of.fraction && name.rfind(of.name + " ", 0) == 0 && parse_number(name.substr(of.name.size() + 1));
+  };
+  for (const Definition& d : definitions)
+    if (is_piece(d, definition.name) || is_piece(definition, d.name))
+      throw InputError(fmt::format("{} is the name of a piece of the fraction {}: choose another",
+                                   is_piece(d, definition.name) ? definition.name : d.name,
+                                   is_piece(d, definition.name) ? d.name : definition.name));
   definitions.push_back(std::move(definition));
 }
 
@@ -88,13 +98,22 @@ void Composition::add(std::string_view name, double amount) {
 
 void read_inline(std::string_view text, Composition& composition, bool replace) {
   const std::string where = "write name=amount, name=amount, for instance methane=0.9,ethane=0.1";
+  double sum = 0.0;
+  for (const double a : composition.amounts) sum += a;
+  const bool hundred = replace && !composition.percent && std::abs(sum - 100.0) < 2.0;  // percent by its sum
   std::string entry;
   for (const std::string& piece : split(text, ',')) {
     entry += entry.empty() ? piece : "," + piece;  // names may contain commas
     const std::size_t equals = entry.rfind('=');
     if (equals == std::string::npos) continue;
     const std::string_view name = without_quotes(std::string_view(entry).substr(0, equals));
-    const double amount = parse_amount(std::string_view(entry).substr(equals + 1), where);
+    const std::string_view written = trimmed(std::string_view(entry).substr(equals + 1));
+    double amount = parse_amount(written, where);
+    const bool plain = written.back() != '%';
+    if (replace && plain && amount != 0.0 && (composition.percent || hundred))
+      throw InputError(fmt::format("--z {}={}: the file is in percent; write {}={}%, or what it is in percent",
+                                   name, written, name, written));
+    if (hundred) amount *= 100.0;
     replace ? composition.set(name, amount) : composition.add(name, amount);
     entry.clear();
   }

@@ -27,6 +27,7 @@ struct Composition {
   std::string title;  // may be empty
   Basis basis = Basis::mole;
   bool basis_given = false;  // the source itself says what the amounts are
+  bool percent = false;      // the source names a scale, percent or ppm; the amounts are fractions
   std::vector<Component> components;
   std::vector<double> amounts;                   // >= 0, any sum
   std::vector<Definition> definitions;           // components of the user's own and fractions, used or not

@@ -8,6 +8,7 @@
 #include <iostream>
 #include <iterator>
 
+#include "amounts.hpp"
 #include "composition.hpp"
 #include "composition_parts.hpp"
 #include "error.hpp"
@@ -130,6 +131,7 @@ void read_lines(std::string_view all, Composition& composition, const ReadOption
   bool first = true;
   int number = 0;
   double sum = 0.0;
+  std::vector<Amount> amounts;
   for (const std::string& raw : split(text, '\n')) {
     ++number;
     const std::string_view line = without_separators(without_comment(raw));
@@ -149,6 +151,7 @@ void read_lines(std::string_view all, Composition& composition, const ReadOption
       const std::string_view rest =
           end == std::string_view::npos ? std::string_view{} : without_quotes(line.substr(end + 1));
       if (heading_allowed && is_heading(name, rest)) {
+        amount_unit(rest);  // refuses volumes of liquid
         read_heading(rest, composition);
         continue;
       }
@@ -166,13 +169,11 @@ void read_lines(std::string_view all, Composition& composition, const ReadOption
                                      number, value, sum));
       continue;
     }
-    try {
-      composition.add(name, value);
-    } catch (const InputError& e) {
-      throw InputError(fmt::format("line {}: {}", number, e.what()));
-    }
+    amounts.push_back({number, std::string(name), *amount,
+                       percent ? std::optional(AmountUnit{{}, 100.0, true}) : std::nullopt});
     sum += value;
   }
+  add_amounts(amounts, composition);
 }
 
 void read_text(std::string_view text, Composition& composition, const ReadOptions& options) {
@@ -227,6 +228,10 @@ std::string text_of_file(const std::string& path) {
   if (text.compare(0, 3, "\xEF\xBB\xBF") == 0) text.erase(0, 3);
   // Excel's own line that names the separator says nothing that is not seen.
   if (lower(text.substr(0, 4)) == "sep=") text.replace(0, text.find('\n'), "");
+  if (const std::size_t zero = text.find('\0'); zero != std::string::npos)
+    throw InputError(
+        fmt::format("{}: line {} holds a byte 0: not a text file, or UTF-16 without its mark", path,
+                    1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(zero), '\n')));
   std::replace(text.begin(), text.end(), '\r', text.find('\n') == std::string::npos ? '\n' : ' ');
   return text;
 }

@@ -1,10 +1,16 @@
 #include "constant_kij.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
+#include "definition.hpp"
+#include "error.hpp"
 #include "kij.hpp"
 #include "mixture.hpp"
+#include "text.hpp"
 #include "units.hpp"
 
 namespace kestrune::host {
@@ -69,7 +75,99 @@ std::vector<int> owners_of(const Mixture& m) {
   return owners;
 }
 
+// Whether a name as it is written stands for this component.
+bool names_same(std::string_view name, const Component& component) {
+  const std::string key = search_key(name);
+  if (key == search_key(component.name) ||
+      (!component.fraction.empty() && key == search_key(component.fraction)))
+    return true;
+  return component.number > 0 && names_component(name) && find_component(name).number == component.number;
+}
+
+using NamedKij = std::pair<std::string, double>;
+
+// The entry of a definition for a component by its name, null without one.
+const NamedKij* kij_named(const Definition& d, const Component& other) {
+  for (const NamedKij& entry : d.kij)
+    if (search_key(entry.first) != "other" && names_same(entry.first, other)) return &entry;
+  return nullptr;
+}
+
+const NamedKij* kij_of_others(const Definition& d) {
+  for (const NamedKij& entry : d.kij)
+    if (search_key(entry.first) == "other") return &entry;
+  return nullptr;
+}
+
+// Every name among the k_ij of a definition stands for one other component, in the mixture or not, and stands once.
+void check_kij_names(const Composition& from, const Definition& d) {
+  std::vector<std::string> seen;
+  for (const auto& [name, value] : d.kij) {
+    std::string stands_for = "other";
+    if (search_key(name) != "other") {
+      const auto own = [&](const Definition& e) { return search_key(e.name) == search_key(name); };
+      const auto found = std::find_if(from.definitions.begin(), from.definitions.end(), own);
+      try {
+        stands_for = found != from.definitions.end() ? found->name : std::string(find_component(name).name);
+      } catch (const InputError& e) {
+        refuse(d, fmt::format("kij = {}:{:g}: {}", name, value, e.what()));
+      }
+    }
+    if (stands_for == d.name) refuse(d, fmt::format("kij = {}:{:g} is with itself", name, value));
+    if (std::find(seen.begin(), seen.end(), stands_for) != seen.end())
+      refuse(d, fmt::format("kij has {} twice (as \"{}\")", stands_for, name));
+    seen.push_back(stands_for);
+  }
+}
+
+// The constant k_ij of component i with j: of the name in either definition, else of "other"; 0 where nothing names the pair
+// and i has no groups. Nothing where the groups say it.
+std::optional<double> constant_of(const Component& ci, const Component& cj, const Definition& mine,
+                                  const Definition* theirs, bool& is_zero) {
+  const NamedKij* here = kij_named(mine, cj);
+  const NamedKij* there = theirs == nullptr ? nullptr : kij_named(*theirs, ci);
+  if (here != nullptr && there != nullptr && here->second != there->second)
+    refuse(mine, fmt::format("its k_ij with {} is {:g}, and that of {} with it {:g}: write one of them",
+                             theirs->name, here->second, theirs->name, there->second));
+  if (here == nullptr) here = there;
+  if (here == nullptr) here = kij_of_others(mine);
+  if (here == nullptr && theirs != nullptr) here = kij_of_others(*theirs);
+  if (here != nullptr) return here->second;
+  is_zero = ci.group_count == 0 && !mine.kij.empty();
+  return is_zero ? std::optional(0.0) : std::nullopt;
+}
+
 }  // namespace
+
+bool is_constant(const Mixture& m, std::size_t i, std::size_t j) {
+  const int low = static_cast<int>(std::min(i, j)), high = static_cast<int>(std::max(i, j));
+  return std::any_of(m.constants.begin(), m.constants.end(),
+                     [&](const ConstantPair& p) { return p.i == low && p.j == high; });
+}
+
+void fill_constants(const Composition& from, const std::vector<int>& definition_of, Mixture& m) {
+  for (const Definition& d : from.definitions) check_kij_names(from, d);
+  const auto definition = [&](std::size_t i) {
+    return definition_of[i] < 0 ? nullptr : &from.definitions[static_cast<std::size_t>(definition_of[i])];
+  };
+  for (std::size_t i = 0; i < m.components.size(); ++i) {
+    const Definition* mine = definition(i);
+    if (mine == nullptr) continue;
+    std::vector<std::string> zero;
+    for (std::size_t j = 0; j < m.components.size(); ++j) {
+      if (j == i || is_constant(m, i, j)) continue;
+      const Component& other = m.components[j];
+      bool is_zero = false;
+      const auto k = constant_of(m.components[i], other, *mine, definition(j), is_zero);
+      if (!k) continue;
+      const std::string& shown = other.fraction.empty() ? other.name : other.fraction;
+      if (is_zero && std::find(zero.begin(), zero.end(), shown) == zero.end()) zero.push_back(shown);
+      m.constants.push_back({static_cast<int>(std::min(i, j)), static_cast<int>(std::max(i, j)), *k});
+    }
+    if (!zero.empty())
+      m.notes.push_back(fmt::format("{}: k_ij with {} taken as 0", mine->name, joined(zero, ", ")));
+  }
+}
 
 void add_constant_groups(Mixture& m) {
   m.own_groups = m.groups.size();

@@ -6,10 +6,12 @@
 // an acentric factor of 1.5).
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 namespace kestrune::host {
 
+struct Composition;
 struct Mixture;
 
 // Components i < j (from 0) and their k_ij.
@@ -17,6 +19,13 @@ struct ConstantPair {
   int i, j;
   double k;
 };
+
+bool is_constant(const Mixture& mixture, std::size_t i, std::size_t j);
+
+// The constant k_ij that definitions ask for; a component without groups takes 0, with a note, for those that are not named.
+// definition_of: of every component, -1 for those of the databank. InputError for a name that is no component, one named
+// twice, and two definitions that contradict each other.
+void fill_constants(const Composition& from, const std::vector<int>& definition_of, Mixture& mixture);
 
 // Adds the groups that the constant pairs need to the group data of the mixture, without molecules that contain them.
 void add_constant_groups(Mixture& mixture);

@@ -30,8 +30,9 @@ double with_factor(std::string_view key, std::string_view text,
   for (const auto& [name, factor] : units) {
     if (value && *value > 0.0 && (unit_key.empty() || unit_key == search_key(name))) return *value * factor;
   }
-  throw InputError(fmt::format("{} = {}: not a positive number in {}", key, all,
-                               units.begin()->first.empty() ? "no unit" : units.begin()->first));
+  throw InputError(fmt::format(
+      "{} = {}: not a positive number{}", key, all,
+      units.begin()->first.empty() ? ", and it has no unit" : fmt::format(" in {}", units.begin()->first)));
 }
 
 double condition(std::string_view key, Quantity quantity, std::string_view written, std::string_view plain) {
@@ -182,10 +183,9 @@ void set_fraction(Definition& d, const std::string& key, std::string_view value,
     d.pieces = static_cast<int>(n);
   } else if (key == "distribution") {
     const std::string name = search_key(value);
-    if (name == "exponential")
-      d.alpha = 1.0;
-    else if (name != "gamma")
+    if (name != "exponential" && name != "gamma")
       throw InputError(fmt::format("distribution = {}: use gamma or exponential", trimmed(value)));
+    d.distribution = name;
   } else if (key == "alpha") {
     d.alpha = plain_number(shown, value);
     if (!(*d.alpha >= 0.3 && *d.alpha <= 10.0))
@@ -225,7 +225,11 @@ void Definition::set(std::string_view written, std::string_view value) {
                       "about 999 times that)",
                       shown, trimmed(value)));
   } else if (key == "api") {
-    once(SG, 141.5 / (131.5 + plain_number(shown, value)));
+    const double api = plain_number(shown, value);
+    if (!(api >= 1.0 && api <= 150.0))
+      throw InputError(
+          fmt::format("API = {}: 1 to 150 degrees (a specific gravity is written SG = 0.8)", trimmed(value)));
+    once(SG, 141.5 / (131.5 + api));
   } else if (key == "correlation") {
     correlation = correlation_by_name(value);
   } else if (key == "pna") {
@@ -292,11 +296,16 @@ void Definition::check() const {
   if (fraction) {
     if (!SG) wrong("SG is missing: the specific gravity 60/60 F, or API");
     if (!M && curve.empty()) wrong("M is missing: the molar mass, or a boiling curve");
-    if (!curve.empty() && (alpha || eta))
+    if (!curve.empty() && (alpha || eta || !distribution.empty()))
       wrong("a boiling curve leaves no distribution to choose: leave out alpha, eta and distribution");
+    if (distribution == "gamma" && !alpha)
+      wrong("distribution = gamma needs alpha, its shape, 0.3 to 10 (1 is the exponential one)");
+    if (distribution == "exponential" && alpha && *alpha != 1.0)
+      wrong("the exponential distribution has alpha = 1: leave alpha out, or write distribution = gamma");
     return;
   }
   if (!M) wrong("M is missing, the molar mass in g/mol");
+  check_plausible(*this);
   const bool known = Tc && Pc, estimated = SG.has_value();
   if ((Tc && !Pc) || (Pc && !Tc)) wrong("Tc and Pc belong together");
   if (!known && !estimated)

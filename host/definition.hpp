@@ -31,6 +31,7 @@ struct Definition {
   std::optional<ClassShares> shares;
   // Of a fraction.
   std::optional<int> pieces;
+  std::string distribution;                      // "gamma", "exponential", empty where it is not said
   std::optional<double> alpha, eta;              // gamma distribution
   std::vector<std::pair<double, double>> curve;  // part distilled (by volume, 0 to 1), boiling point K
 
@@ -42,6 +43,9 @@ struct Definition {
 
 // InputError: "fraction C7+: reason".
 [[noreturn]] void refuse(const Definition& definition, const std::string& reason);
+
+// InputError for constants of a component that no substance has, as of a wrong unit.
+void check_plausible(const Definition& definition);
 
 // "name=cut, M=142, Tc=617.7 K, Pc=21.1 bar, omega=0.49, groups=CH3:2 CH2:8"; a comma or semicolon parts the entries.
 Definition parse_definition(std::string_view text, bool fraction);

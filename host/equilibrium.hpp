@@ -101,7 +101,7 @@ Equilibrium flash_of_two(const Exports& library, Mixture& mixture, Given given, 
 Equilibrium flash_with_saturation(const Exports& library, Mixture& mixture, Given given, double T, double P);
 
 // What the equation of state cannot do, for a phase and its properties; sentences.
-std::vector<std::string_view> model_limits(const Mixture& mixture, const PhaseState& phase);
+std::vector<std::string_view> model_limits(const Mixture& mixture, const PhaseState& phase, double T);
 
 // The mixture as one phase, vapour or liquid. T in K, P in Pa.
 Equilibrium single_phase_at_TP(const Exports& library, const Mixture& mixture, PhaseKind kind, double T,

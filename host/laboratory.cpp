@@ -21,6 +21,8 @@ enum class Column { none, mole, mass };
 Column column_of(std::string_view cell) {
   const std::string key = search_key(cell);
   const auto has = [&](std::string_view word) { return key.find(word) != std::string::npos; };
+  if (amount_unit(cell))  // refuses volumes of liquid
+    return amount_unit(cell)->basis == Basis::mass ? Column::mass : Column::mole;
   constexpr std::string_view masses[] = {"w", "g", "kg", "t", "lb", "lbs", "ppmw", "kgh", "kgs"};
   constexpr std::string_view moles[] = {"x",        "y",       "z",       "amount",        "amounts",
                                         "fraction", "percent", "content", "concentration", "result",
@@ -93,44 +95,93 @@ void join_name(const Heading& h, const Sheet& sheet, const Composition& composit
   cells.erase(first, first + static_cast<std::ptrdiff_t>(extra));
 }
 
-void read_rows(const Sheet& sheet, const Heading& h, double whole, Composition& composition) {
-  bool below = false;
-  double sum = 0.0;
+// Column with the unit of every row; the number of columns where there is none.
+std::size_t unit_column(const Row& heading) {
+  constexpr std::string_view words[] = {"unit", "units", "uom", "einheit", "unite", "unidad"};
+  const auto found = std::find_if(heading.cells.begin(), heading.cells.end(), [&](const std::string& c) {
+    return std::find(std::begin(words), std::end(words), search_key(c)) != std::end(words);
+  });
+  return static_cast<std::size_t>(found - heading.cells.begin());
+}
+
+// A row of a table of one analysis: what its cells say.
+struct Entry {
+  std::string name, cell;
+  std::optional<AmountUnit> unit;  // of the name or of the column with units
+};
+Entry entry_of(const Heading& h, std::size_t units, const std::vector<std::string>& cells,
+               const Composition& composition) {
+  const auto at = [&](std::size_t c) { return c < cells.size() ? cells[c] : std::string(); };
+  const NameAndUnit named = named_cell(at(h.name), composition);
+  Entry e{named.name, at(h.amount), named.unit};
+  if (!is_named(at(h.name), composition)) return e;
+  named.check();
+  if (at(units).empty()) return e;
+  e.unit = amount_unit(at(units));
+  if (!e.unit)
+    throw InputError(
+        fmt::format("\"{}\" of {} is no unit of amounts: use mol%, ppm or wt%", at(units), e.name));
+  return e;
+}
+
+void read_rows(const Sheet& sheet, const Heading& h, std::optional<AmountUnit> column,
+               Composition& composition) {
+  const std::size_t units = unit_column(sheet.rows[h.row]);
+  std::vector<Amount> amounts;
+  std::vector<std::string> empty;
+  std::optional<std::pair<int, CellAmount>> total;
   for (std::size_t r = h.row + 1; r < sheet.rows.size(); ++r) {
     const Row& row = sheet.rows[r];
     std::vector<std::string> cells = row.cells;
     join_name(h, sheet, composition, cells);
-    const std::string name = h.name < cells.size() ? cells[h.name] : "";
-    const std::string cell = h.amount < cells.size() ? cells[h.amount] : "";
-    if (is_total(name)) {
-      if (const auto total = amount_of(cell, sheet, whole)) check_total(row, *total, sum);
-      below = true;
+    const std::string written = h.name < cells.size() ? cells[h.name] : "";
+    const bool known = is_named(written, composition);
+    if (is_total(written)) {
+      if (const auto sum = amount_of(h.amount < cells.size() ? cells[h.amount] : "", sheet))
+        total = {row.line, *sum};
+      if (!total) total = {row.line, CellAmount{-1.0, {}}};
       continue;
     }
-    const bool known = is_named(name, composition);
-    if (below && known)
+    if (total && known)
       throw InputError(
-          fmt::format("line {}: {} stands below the total; its row belongs above it", row.line, name));
-    if (below) continue;
-    if (name.empty() && cell.empty()) continue;
+          fmt::format("line {}: {} stands below the total; its row belongs above it", row.line, written));
+    if (total) continue;
+    check_width(sheet, sheet.rows[h.row], cells.size(), row.line);
     try {
-      if (known && is_below_detection(cell)) {
-        if (!cell.empty() && cell != "-")
-          composition.notes.push_back(fmt::format("{} \"{}\" taken as 0", name, cell));
+      const Entry e = entry_of(h, units, cells, composition);
+      if (written.empty() && e.cell.empty()) continue;
+      if (known && e.cell.empty()) empty.push_back(e.name);
+      if (known && is_below_detection(e.cell)) {
+        if (!e.cell.empty() && e.cell != "-")
+          composition.notes.push_back(fmt::format("{} \"{}\" taken as 0", e.name, e.cell));
         continue;
       }
-      const auto amount = amount_of(cell, sheet, whole);
-      if (!amount && r == h.row + 1 && !known) continue;  // units below the heading
+      const auto amount = amount_of(e.cell, sheet);
+      if (!amount && r == h.row + 1 && !known) {  // units below the heading
+        if (const auto unit = amount_unit(e.cell)) column = unit;
+        if (e.cell.empty() || amount_unit(e.cell)) continue;
+      }
       if (!amount)
-        throw InputError(fmt::format("\"{}\" of {} is not an amount: write a number{}", cell,
-                                     name.empty() ? "a row without a name" : name,
+        throw InputError(fmt::format("\"{}\" of {} is not an amount: write a number{}", e.cell,
+                                     written.empty() ? "a row without a name" : e.name,
                                      sheet.separator == ',' ? " with a decimal point" : ""));
-      composition.add(without_unit(name), *amount / whole);
-      sum += *amount;
+      amounts.push_back({row.line, e.name, amount->value,
+                         amount->unit ? amount->unit
+                         : e.unit     ? e.unit
+                                      : column});
     } catch (const InputError& e) {
       throw InputError(fmt::format("line {}: {}", row.line, e.what()));
     }
   }
+  if (!empty.empty())
+    composition.notes.push_back(fmt::format("no amount of {}: taken as 0", joined(empty, ", ")));
+  double whole = add_amounts(amounts, composition);
+  if (!total || total->second.value < 0.0) return;
+  if (const auto& unit = total->second.unit ? total->second.unit : column; unit && unit->scaled)
+    whole = unit->whole;
+  double sum = 0.0;
+  for (const double a : composition.amounts) sum += a;
+  check_total(total->first, total->second.value, sum * whole);
 }
 
 }  // namespace
@@ -147,7 +198,7 @@ bool is_name_heading(std::string_view cell) {
 bool is_total(std::string_view name) {
   constexpr std::string_view totals[] = {"total",  "totals", "sum",  "summe",
                                          "gesamt", "somme",  "suma", "totale"};
-  const std::string key = search_key(without_unit(name));
+  const std::string key = search_key(name.substr(0, name.find_first_of("[(%,")));
   return std::find(std::begin(totals), std::end(totals), key) != std::end(totals);
 }
 
@@ -168,7 +219,14 @@ bool read_table(std::string_view text, const ReadOptions& options, Composition& 
   composition.basis = kind == Column::mass ? Basis::mass : Basis::mole;
   composition.basis_given = kind == Column::mass;
   const std::string& title = sheet->rows[heading->row].cells[heading->amount];
-  read_rows(*sheet, *heading, in_percent(title) ? 100.0 : 1.0, composition);
+  auto unit = unit_within(title);
+  if (const auto above = unit_of_titles(*sheet, heading->row); above && (!unit || !unit->basis)) {
+    if (!unit || !unit->scaled) unit = above;
+    unit->basis = above->basis;
+  }
+  if (!unit) unit = AmountUnit{};
+  if (kind == Column::mass) unit->basis = Basis::mass;
+  read_rows(*sheet, *heading, unit, composition);
   return true;
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <optional>
 
 #include "definition.hpp"
 #include "error.hpp"
@@ -15,46 +16,12 @@ namespace kestrune::host {
 
 namespace {
 
-// Whether a name as it is written stands for this component.
-bool names_same(std::string_view name, const Component& component) {
-  const std::string key = search_key(name);
-  if (key == search_key(component.name) ||
-      (!component.fraction.empty() && key == search_key(component.fraction)))
-    return true;
-  return component.number > 0 && names_component(name) && find_component(name).number == component.number;
-}
-
-bool is_constant(const Mixture& m, std::size_t i, std::size_t j) {
-  const int low = static_cast<int>(std::min(i, j)), high = static_cast<int>(std::max(i, j));
-  return std::any_of(m.constants.begin(), m.constants.end(),
-                     [&](const ConstantPair& p) { return p.i == low && p.j == high; });
-}
-
-// The constant k_ij that definitions ask for. A component without groups takes 0 for those that are not named.
-void fill_constants(const Composition& from, const std::vector<int>& definition_of, Mixture& m) {
-  const int n = m.count();
-  for (int i = 0; i < n; ++i) {
-    const int index = definition_of[static_cast<std::size_t>(i)];
-    if (index < 0) continue;
-    const Definition& d = from.definitions[static_cast<std::size_t>(index)];
-    std::vector<std::string> zero;
-    for (int j = 0; j < n; ++j) {
-      if (j == i || is_constant(m, static_cast<std::size_t>(i), static_cast<std::size_t>(j))) continue;
-      const Component& other = m.components[static_cast<std::size_t>(j)];
-      const auto named = [&](const auto& entry) { return names_same(entry.first, other); };
-      auto found = std::find_if(d.kij.begin(), d.kij.end(), named);
-      if (found == d.kij.end())
-        found = std::find_if(d.kij.begin(), d.kij.end(),
-                             [](const auto& e) { return search_key(e.first) == "other"; });
-      if (found == d.kij.end() && m.components[static_cast<std::size_t>(i)].group_count > 0) continue;
-      // Two of the user's own: the other may name this one.
-      const int theirs = definition_of[static_cast<std::size_t>(j)];
-      if (found == d.kij.end() && theirs > index) continue;
-      if (found == d.kij.end()) zero.push_back(other.name);
-      m.constants.push_back({std::min(i, j), std::max(i, j), found == d.kij.end() ? 0.0 : found->second});
-    }
-    if (!zero.empty())
-      m.notes.push_back(fmt::format("{}: k_ij with {} taken as 0", d.name, joined(zero, ", ")));
+// A description that nothing takes may be a name that is spelled differently in the mixture.
+void note_unused(const Composition& from, std::vector<std::string>& notes) {
+  for (const Definition& d : from.definitions) {
+    const auto same = [&](const Component& c) { return c.number <= 0 && c.name == d.name; };
+    if (std::none_of(from.components.begin(), from.components.end(), same))
+      notes.push_back(fmt::format("{} is described, and is not in the mixture", d.name));
   }
 }
 
@@ -232,6 +199,7 @@ Mixture build_mixture(const Composition& composition, const InteractionSet& set)
   m.basis = whole.basis;
   fill_fractions(whole, m);
   fill_constants(composition, definition_of, m);
+  note_unused(composition, m.notes);
   fill_table(m);
   fill_record(m);
   fill_counts(m);

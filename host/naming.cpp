@@ -15,6 +15,9 @@ constexpr std::int32_t kLight[] = {cas::kHydrogen, cas::kHelium};
 constexpr double kMuchLight =
     0.25;  // share of these from which the Joule-Thomson coefficient is not to be trusted
 
+constexpr double kMuchCO2 = 0.5;          // share of CO2 from which a liquid is called one of CO2
+constexpr double kTripleOfCO2 = 216.592;  // K [Span and Wagner, J. Phys. Chem. Ref. Data 25 (1996) 1509]
+
 bool is_polar(const Component& c) {
   return std::find(std::begin(kPolar), std::end(kPolar), c.cas_number) != std::end(kPolar);
 }
@@ -100,8 +103,13 @@ void rename_packed_gas(const Exports& library, const Mixture& mixture, Equilibri
   state.beta = 0.0;
 }
 
-std::vector<std::string_view> model_limits(const Mixture& mixture, const PhaseState& phase) {
+std::vector<std::string_view> model_limits(const Mixture& mixture, const PhaseState& phase, double T) {
   std::vector<std::string_view> limits;
+  if (!is_gas(phase.kind) && phase.kind != PhaseKind::overall && T < kTripleOfCO2 &&
+      share_of(mixture, phase.x, cas::kCO2) >= kMuchCO2)
+    limits.push_back(
+        "no solids: a liquid of carbon dioxide below its triple point (216.59 K, 5.18 bar) would freeze to dry "
+        "ice, these numbers are those of a liquid that does not");
   const double light = share_of(mixture, phase.x, kLight), alcohols = share_of(mixture, phase.x, kAlcohols);
   if (light > kMuchLight && std::isfinite(phase.properties[Property::joule_thomson])) {
     limits.push_back(

@@ -115,26 +115,44 @@ HeatCapacity petroleum_heat_capacity(double M, double Kw) {
   return {{M * A0, M * A1, M * -2.2582e-6, 0.0, 0.0}, 255.0, 922.0};
 }
 
-ClassShares class_shares(double M, double Tb, double SG) {
+namespace {
+
+double refractive_index(double Tb, double SG) {
   const double I = 0.3773 * std::pow(Tb, -0.02269) * std::pow(SG, 0.9182);
-  const double n20 = std::sqrt((1.0 + 2.0 * I) / (1.0 - I));
-  ClassShares x{};
-  if (M <= 200.0) {
-    const double m = M * (n20 - 1.475);
-    x.paraffins = 3.7387 - 4.0829 * SG + 0.014772 * m;
-    x.naphthenes = -1.5027 + 2.10152 * SG - 0.02388 * m;
-  } else {
-    const double d20 = SG - 4.5e-3 * (2.34 - 1.9 * SG);
-    const double Ri = n20 - 0.5 * d20;
-    const double CH = 3.4707 * std::exp(0.01485 * Tb + 16.94 * SG - 0.012492 * Tb * SG) * std::pow(Tb, -2.725) *
-                      std::pow(SG, -6.798);
-    x.paraffins = 1.9842 - 0.27722 * Ri - 0.15643 * CH;
-    x.naphthenes = 0.5977 - 0.761745 * Ri + 0.068048 * CH;
-  }
-  x.aromatics = 1.0 - x.paraffins - x.naphthenes;
+  return std::sqrt((1.0 + 2.0 * I) / (1.0 - I));
+}
+
+ClassShares normalised(double paraffins, double naphthenes) {
+  ClassShares x{paraffins, naphthenes, 1.0 - paraffins - naphthenes};
   for (double* share : {&x.paraffins, &x.naphthenes, &x.aromatics}) *share = std::max(*share, 0.0);
   const double sum = x.paraffins + x.naphthenes + x.aromatics;
   return {x.paraffins / sum, x.naphthenes / sum, x.aromatics / sum};
+}
+
+// Up to M 200.
+ClassShares light_shares(double M, double Tb, double SG) {
+  const double m = M * (refractive_index(Tb, SG) - 1.475);
+  return normalised(3.7387 - 4.0829 * SG + 0.014772 * m, -1.5027 + 2.10152 * SG - 0.02388 * m);
+}
+
+// Above M 200.
+ClassShares heavy_shares(double Tb, double SG) {
+  const double d20 = SG - 4.5e-3 * (2.34 - 1.9 * SG);
+  const double Ri = refractive_index(Tb, SG) - 0.5 * d20;
+  const double CH = 3.4707 * std::exp(0.01485 * Tb + 16.94 * SG - 0.012492 * Tb * SG) * std::pow(Tb, -2.725) *
+                    std::pow(SG, -6.798);
+  return normalised(1.9842 - 0.27722 * Ri - 0.15643 * CH, 0.5977 - 0.761745 * Ri + 0.068048 * CH);
+}
+
+}  // namespace
+
+ClassShares class_shares(double M, double Tb, double SG) {
+  constexpr double kLight = 180.0, kHeavy = 220.0;  // g/mol, about the 200 at which the source changes
+  const double heavy = std::clamp((M - kLight) / (kHeavy - kLight), 0.0, 1.0);
+  const ClassShares l = light_shares(M, Tb, SG), h = heavy_shares(Tb, SG);
+  return {l.paraffins + heavy * (h.paraffins - l.paraffins),
+          l.naphthenes + heavy * (h.naphthenes - l.naphthenes),
+          l.aromatics + heavy * (h.aromatics - l.aromatics)};
 }
 
 int groups_of_classes(double M, const ClassShares& x, std::array<GroupCount, kMaxGroupsPerComponent>& groups) {

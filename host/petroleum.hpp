@@ -54,7 +54,8 @@ double gravity_of_cut(double M, double Cf);
 HeatCapacity petroleum_heat_capacity(double M, double Kw);
 
 // Shares of paraffins, naphthenes and aromatics, sum 1. [Ria05] from specific gravity and refractive index up to M 200,
-// from refractivity intercept and carbon-to-hydrogen ratio above; the refractive index by [Ria80].
+// from refractivity intercept and carbon-to-hydrogen ratio above, blended from 180 to 220 so that shares do not jump; the
+// refractive index by [Ria80].
 struct ClassShares {
   double paraffins, naphthenes, aromatics;
 };

@@ -34,10 +34,22 @@ double boiling_point_of(double Tc, double Pc, double omega) {
   });
 }
 
-std::string by_name(std::int32_t cas_number) {
+const Component* by_cas(std::int32_t cas_number) {
   for (const Component& c : all_components())
-    if (c.cas_number == cas_number) return std::string(c.name);
-  return "";
+    if (c.cas_number == cas_number) return &c;
+  return nullptr;
+}
+
+// Molar mass of whole groups of carbon and hydrogen, the first 11 of the table; 0 with others. Atomic masses 12.011, 1.008.
+double mass_of_groups(const Definition& d) {
+  constexpr double masses[] = {15.035, 14.027, 13.019, 12.011, 16.043, 30.07,
+                               13.019, 12.011, 12.011, 14.027, 13.019};
+  double sum = 0.0;
+  for (const auto& [group, count] : d.groups) {
+    if (group > 11 || count != std::floor(count)) return 0.0;
+    sum += count * masses[group - 1];
+  }
+  return sum;
 }
 
 std::int32_t number_of_cas(const std::string& cas) {
@@ -120,7 +132,15 @@ Realised one_component(const Definition& d, const std::string& library_path) {
   if (c.Vc > 0.0) c.Zc = c.Pc * c.Vc * 1e-6 / (8.31446261815324 * c.Tc);
   c.Tb = Tb;
   const std::int32_t cas = d.cas.empty() ? 0 : number_of_cas(d.cas);
-  const std::string known = by_name(cas);
+  const Component* same = cas == 0 ? nullptr : by_cas(cas);
+  if (same != nullptr && std::abs(*d.M / same->molar_mass - 1.0) > 0.02)
+    refuse(d, fmt::format("CAS = {} is {} of {:.3f} g/mol, and M is {:g}: leave CAS out, or correct it", d.cas,
+                          same->name, same->molar_mass, *d.M));
+  const std::string known(same == nullptr ? "" : same->name);
+  if (const double mass = mass_of_groups(d); mass > 0.0 && std::abs(mass / *d.M - 1.0) > 0.15)
+    notes.push_back(
+        fmt::format("{}: its groups weigh {:.1f} g/mol, and M is {:g}; of groups only their shares count",
+                    d.name, mass, *d.M));
   c.cas = d.cas;
   if (!d.cp.empty()) {
     std::copy(d.cp.begin(), d.cp.end(), c.own_cp.c.begin());
@@ -149,6 +169,28 @@ Realised one_component(const Definition& d, const std::string& library_path) {
 
 }  // namespace
 
+void check_plausible(const Definition& d) {
+  const auto within = [&](std::string_view what_it_is, const std::optional<double>& value, double low,
+                          double high, std::string_view unit_name, double scale = 1.0) {
+    if (value && !(*value / scale >= low && *value / scale <= high))
+      refuse(d,
+             fmt::format("{} is {:.6g} {}, and no component has one outside {:g} to {:g}: is the unit right?",
+                         what_it_is, *value / scale, unit_name, low, high));
+  };
+  within("M", d.M, 1.0, 2000.0, "g/mol");
+  within("Tc", d.Tc, 5.0, 1500.0, "K");
+  within("Pc", d.Pc, 0.1, 500.0, "bar", 1e5);
+  within("omega", d.omega, -0.5, 2.0, "(no unit)");
+  for (const double T : {d.cp_Tmin, 0.5 * (d.cp_Tmin + d.cp_Tmax), d.cp_Tmax}) {
+    double value = 0.0;
+    for (std::size_t k = d.cp.size(); k-- > 0;) value = value * T + d.cp[k];
+    if (!d.cp.empty() && !(value > 0.0))
+      refuse(d, fmt::format(
+                    "Cp is {:.5g} J/(mol K) at {:g} K, and must be above 0 in its whole range (Cp range = ...)",
+                    value, T));
+  }
+}
+
 Realised realise(const Definition& d, const std::string& library_path) {
   d.check();
   if (!d.fraction) return one_component(d, library_path);
@@ -163,8 +205,8 @@ Realised realise(const Definition& d, const std::string& library_path) {
     c.fraction = d.name;
     c.molar_mass = cut.M;
     c.Tb = cut.Tb;
-    const double Kw = watson_factor(tools, cut.Tb, cut.SG);
-    const CriticalConstants k = critical_constants(correlation, cut.Tb, cut.SG, Kw);
+    const double cut_Kw = watson_factor(tools, cut.Tb, cut.SG);
+    const CriticalConstants k = critical_constants(correlation, cut.Tb, cut.SG, cut_Kw);
     c.Tc = k.Tc;
     c.Pc = k.Pc;
     c.omega = k.omega;
@@ -174,17 +216,30 @@ Realised realise(const Definition& d, const std::string& library_path) {
       refuse(d, fmt::format("the correlation {} has no constants for its piece of {:.1f} g/mol; take another, "
                             "or fewer pieces",
                             correlation_name(correlation), cut.M));
-    c.own_cp = petroleum_heat_capacity(cut.M, Kw);
+    c.own_cp = petroleum_heat_capacity(cut.M, cut_Kw);
     Definition piece = d;
     if (piece.structure == Structure::none) piece.structure = Structure::classes;
     set_structure(piece, cut.M, cut.Tb, cut.SG, c, result.notes);
     result.parts.push_back({c, cut.moles, cut.mass});
   }
-  result.notes.push_back(fmt::format(
-      "{} was split into {} pieces ({}; M {:.5g}, SG {:.4g}, Watson factor {:.2f}), constants by {}, "
-      "heat capacity by Kesler and Lee (1976)",
-      d.name, split.cuts.size(), split.how, split.M, *d.SG, watson_factor(tools, split.Tb, *d.SG),
-      correlation_name(correlation)));
+  // Hydrocarbons lie between 9.5 (condensed aromatics) and 13.5 (light paraffins).
+  const double Kw = watson_factor(tools, split.Tb, *d.SG);
+  if (Kw < 8.0 || Kw > 15.0)
+    refuse(d, fmt::format("M {:.5g} and SG {:.4g} make a Watson factor of {:.2f}, which no petroleum has (9.5 "
+                          "to 13.5): is one "
+                          "of them wrong?",
+                          split.M, *d.SG, Kw));
+  if (Kw < 9.5 || Kw > 13.5)
+    result.notes.push_back(
+        fmt::format("{}: a Watson factor of {:.2f} is unusual (9.5 to 13.5): check M and SG", d.name, Kw));
+  if (split.M_of_curve > 0.0 && std::abs(split.M / split.M_of_curve - 1.0) > 0.15)
+    result.notes.push_back(fmt::format("{}: M is given as {:.5g}, and its boiling curve says {:.0f}", d.name,
+                                       split.M, split.M_of_curve));
+  result.notes.push_back(
+      fmt::format("{} was split into {} ({}; M {:.5g}, SG {:.4g}, Watson factor {:.2f}), constants by {}, "
+                  "heat capacity by Kesler and Lee (1976)",
+                  d.name, split.cuts.size() == 1 ? "1 piece" : fmt::format("{} pieces", split.cuts.size()),
+                  split.how, split.M, *d.SG, Kw, correlation_name(correlation)));
   return result;
 }
 

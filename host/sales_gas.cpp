@@ -86,6 +86,11 @@ Reference reference_by_name(std::string_view text) {
 
 TabulatedGas tabulated(const Mixture& mixture, const std::string& stand_in) {
   TabulatedGas gas;
+  const Component other = stand_in.empty() ? Component{} : find_component(stand_in);
+  const CalorificEntry* entry = find_entry(other.cas_number);
+  if (!stand_in.empty() && entry == nullptr)
+    throw InputError(
+        fmt::format("--others {}: the table of calorific values does not have it either", stand_in));
   std::vector<std::string> others;
   double moles = 0.0, mass = 0.0, sum = 0.0;  // of the others, in one mole of mixture; of what is in the table
   for (std::size_t i = 0; i < mixture.z.size(); ++i) {
@@ -111,16 +116,10 @@ TabulatedGas tabulated(const Mixture& mixture, const std::string& stand_in) {
     }
     gas.notes.push_back("not in the table of calorific values, left out: " + joined(others, ", "));
   } else if (!others.empty()) {
-    const Component& c = find_component(stand_in);
-    const CalorificEntry* e = find_entry(c.cas_number);
-    if (e == nullptr) {
-      throw InputError(
-          fmt::format("--others {}: the table of calorific values does not have it either", stand_in));
-    }
-    gas.entries.push_back(e);
-    gas.x.push_back(mass / e->molar_mass);
+    gas.entries.push_back(entry);
+    gas.x.push_back(mass / entry->molar_mass);
     gas.notes.push_back(fmt::format("not in the table of calorific values, counted mass for mass as {}: {}",
-                                    c.name, joined(others, ", ")));
+                                    other.name, joined(others, ", ")));
   }
   for (const double x : gas.x) sum += x;
   if (!(sum > 0.0)) throw InputError("nothing of the mixture is in the table of calorific values");

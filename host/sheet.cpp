@@ -61,19 +61,14 @@ std::optional<Sheet> sheet_of(std::string_view text) {
   return sheet;
 }
 
-std::string without_unit(std::string_view cell) {
-  std::string name(trimmed(cell.substr(0, std::min(cell.find('['), cell.find(" (")))));
-  for (const std::string_view unit :
-       {"mol%", "mole%", "mol %", "mole %", "mol.%", "vol%", "vol.%", "vol %", "%", "mol-%"}) {
-    const std::string small = lower(name);
-    if (small.size() > unit.size() && small.substr(small.size() - unit.size()) == unit)
-      return std::string(trimmed(std::string_view(name).substr(0, name.size() - unit.size())));
-  }
-  return name;
+NameAndUnit named_cell(std::string_view cell, const Composition& composition) {
+  for (const Definition& d : composition.definitions)
+    if (lower(d.name) == lower(trimmed(cell))) return {d.name, {}, ""};
+  return name_and_unit(cell);
 }
 
 bool is_named(std::string_view cell, const Composition& composition) {
-  const std::string name = without_unit(cell);
+  const std::string name = named_cell(cell, composition).name;
   if (search_key(name).empty() || parse_number(name)) return false;
   for (const Definition& d : composition.definitions)
     if (lower(d.name) == lower(name)) return true;
@@ -86,30 +81,41 @@ bool is_below_detection(std::string_view cell) {
          key == "tr" || trimmed(cell).front() == '<';
 }
 
-std::optional<double> amount_of(std::string_view cell, const Sheet& sheet, double whole) {
+std::optional<CellAmount> amount_of(std::string_view cell, const Sheet& sheet) {
   std::string text(trimmed(cell));
   if (sheet.decimal_comma) std::replace(text.begin(), text.end(), ',', '.');
   const std::size_t length = number_length(text);
   const auto value = parse_number(std::string_view(text).substr(0, length));
-  const std::string unit = lower(trimmed(std::string_view(text).substr(length)));
+  const std::string_view unit = trimmed(std::string_view(text).substr(length));
   if (!value) return {};
-  if (unit.empty()) return value;
-  if (unit == "%" || unit == "mol%" || unit == "mol %") return *value * whole / 100.0;
-  if (unit == "ppm" || unit == "ppmv") return *value * whole / 1e6;
-  return {};
+  if (unit.empty()) return CellAmount{*value, {}};
+  const auto found = amount_unit(unit);
+  return found && found->scaled ? std::optional(CellAmount{*value, found}) : std::nullopt;
 }
 
-bool in_percent(std::string_view heading) {
-  return heading.find('%') != std::string_view::npos ||
-         search_key(heading).find("percent") != std::string::npos;
+std::optional<AmountUnit> unit_of_titles(const Sheet& sheet, std::size_t heading) {
+  std::optional<AmountUnit> found;
+  for (std::size_t r = 0; r < heading; ++r)
+    for (const std::string& cell : sheet.rows[r].cells)
+      if (const auto unit = unit_within(cell)) found = unit;
+  return found;
 }
 
-void check_total(const Row& row, double total, double sum) {
+void check_width(const Sheet& sheet, const Row& heading, std::size_t cells, int line) {
+  if (cells <= heading.cells.size()) return;
+  throw InputError(fmt::format("line {}: {} cells under a heading of {}{}", line, cells, heading.cells.size(),
+                               sheet.separator == ','
+                                   ? ": beside commas between the cells a decimal comma cannot be read, part "
+                                     "them by semicolons or put names with commas in quotes"
+                                   : ": a separator too many, or a heading that is missing"));
+}
+
+void check_total(int line, double total, double sum) {
   constexpr double kRounding = 2e-3;  // of the total: amounts are rounded to one or two decimals of percent
   if (std::abs(total - sum) <= kRounding * std::abs(total)) return;
   throw InputError(fmt::format(
       "line {}: the total says {:.10g}, and the amounts above it sum to {:.10g}: a row is missing, or wrong",
-      row.line, total, sum));
+      line, total, sum));
 }
 
 }  // namespace kestrune::host

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "amounts.hpp"
 #include "composition.hpp"
 
 namespace kestrune::host {
@@ -25,21 +26,29 @@ struct Sheet {
 // where none does. Empty rows and comments are left out.
 std::optional<Sheet> sheet_of(std::string_view text);
 
-// "CH4 [mol%]", "methane (mol %)", "C1 mol%": the name, without the unit behind it.
-std::string without_unit(std::string_view cell);
+// The name and the unit of a cell; a name that is defined is taken whole.
+NameAndUnit named_cell(std::string_view cell, const Composition& composition);
 
-// Whether a cell names a component of the databank or one that is defined.
+// Whether a cell names a component of the databank or one that is defined, with a unit behind it or none.
 bool is_named(std::string_view cell, const Composition& composition);
 
 // A cell without an amount: nothing, a dash, "n.d.", "< 0.01".
 bool is_below_detection(std::string_view cell);
 
-// The amount of a cell: a percent sign and ppm count in fractions of whole, 1 or, in a column of percent, 100.
-std::optional<double> amount_of(std::string_view cell, const Sheet& sheet, double whole);
+// The amount of a cell, with the unit that stands behind it; nothing where there is no number, or none alone.
+struct CellAmount {
+  double value;
+  std::optional<AmountUnit> unit;
+};
+std::optional<CellAmount> amount_of(std::string_view cell, const Sheet& sheet);
 
-bool in_percent(std::string_view heading);
+// What the rows above this one say of amounts in general, "Composition in mass%".
+std::optional<AmountUnit> unit_of_titles(const Sheet& sheet, std::size_t heading);
+
+// InputError for a row with more cells than the heading has.
+void check_width(const Sheet& sheet, const Row& heading, std::size_t cells, int line);
 
 // InputError when a row with the total says something else than the sum of the amounts.
-void check_total(const Row& row, double total, double sum);
+void check_total(int line, double total, double sum);
 
 }  // namespace kestrune::host

@@ -154,7 +154,8 @@ SplitFraction split_by_curve(const Definition& d, const PetroleumTools& tools) {
     mass += c.mass;
     moles += c.moles;
   }
-  result.M = d.M.value_or(mass / moles);
+  result.M_of_curve = mass / moles;
+  result.M = d.M.value_or(result.M_of_curve);
   std::vector<double> Tb, x, w, SG;
   for (Cut& c : result.cuts) {
     c.moles /= moles;

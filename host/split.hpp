@@ -18,8 +18,9 @@ struct Cut {
 // Shares sum to 1; mean molar mass and specific gravity (by volume) are those of the fraction.
 struct SplitFraction {
   std::vector<Cut> cuts;
-  double M, Tb;     // of the fraction; mean boiling point, K
-  std::string how;  // in words
+  double M, Tb;             // of the fraction; mean boiling point, K
+  double M_of_curve = 0.0;  // by the boiling curve alone, 0 without one
+  std::string how;          // in words
 };
 
 // By the gamma distribution p(M) ~ (M - eta)^(alpha - 1) exp(-(M - eta)/beta), beta = (mean - eta)/alpha (alpha 1 is the

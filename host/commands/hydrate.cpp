@@ -66,15 +66,15 @@ Inhibitor inhibitor_of(const std::string& text) {
 }
 
 // The curve is a straight line of T over ln P: its first and last point say all of it. K, atm.
-struct Curve {
+struct HydrateCurve {
   double T[2], P[2];
   double slope() const { return (T[1] - T[0]) / std::log(P[1] / P[0]); }
   double temperature(double atm) const { return T[0] + slope() * std::log(atm / P[0]); }
   double pressure(double kelvin) const { return P[0] * std::exp((kelvin - T[0]) / slope()); }
 };
 
-Curve curve(const Exports& library, Mixture& m, const Inhibitor& i, double percent) {
-  Curve c{};
+HydrateCurve curve(const Exports& library, Mixture& m, const Inhibitor& i, double percent) {
+  HydrateCurve c{};
   const StatusCode status =
       library.HydrateLine(m.z.data(), i.kind, i.molar_mass, percent, 2, &m.record, 0, c.T, c.P);
   if (status != KV_OK) throw InputError(fmt::format("no hydrate curve: {}", kv_status_text(status)));
@@ -161,7 +161,7 @@ void add_point(const UnitSystem& units, double T, double P, bool at_T, double sh
 // Returns how much lower the inhibitor brings the temperature, K.
 double add_points(const HydrateOptions& options, const UnitSystem& units, const Exports& library,
                   Mixture& mixture, const Inhibitor& inhibitor, double percent, Points& points) {
-  const Curve line = curve(library, mixture, inhibitor, percent);
+  const HydrateCurve line = curve(library, mixture, inhibitor, percent);
   const double shift = curve(library, mixture, {}, 0.0).T[0] - line.T[0];
   std::vector<std::string> warnings = gas_warnings(mixture);
   const double most = inhibitor.salt() ? kMostSalt : kMostAlcohol;

@@ -31,6 +31,12 @@ std::vector<std::string> machine_notes(const MachineReport& r) {
     for (std::size_t k = 0; k < result.stations.size(); ++k) {
       const Station& station = result.stations[k];
       states.push_back(station.state);
+      if (station.heat > 0.0) {
+        const Unit& T = r.units[Quantity::temperature];
+        const std::string note = fmt::format("{} heats: the gas comes to it colder than the {} {} of --cool",
+                                             station.name, shown_condition(T, r.machine.cooling_T, 2), T.name);
+        if (std::find(notes.begin(), notes.end(), note) == notes.end()) notes.push_back(note);
+      }
       const bool enters = k + 1 < result.stations.size() && result.stations[k + 1].heat == 0.0;
       if (r.machine.kind == MachineKind::valve || !enters || !(liquid_of(station.state) > 0.0)) continue;
       const std::string note = fmt::format(
@@ -97,9 +103,15 @@ void print_outlets(const MachineReport& r, std::ostream& out) {
   const bool works = r.machine.kind != MachineKind::valve;
   std::vector<std::string> headings{with_unit("P", P, " "), with_unit("T", T, " "), "phases", "vapour mol",
                                     "liquid volume"};
+  const bool flows = !std::isnan(r.flow);
+  const bool cooled = std::any_of(r.results.begin(), r.results.end(),
+                                  [](const MachineResult& result) { return result.heat != 0.0; });
   if (works) headings.insert(headings.end(), {with_unit("work", H, " "), "isentropic"});
+  if (flows) headings.emplace_back("power kW");
+  if (cooled) headings.push_back(flows ? "heat kW" : with_unit("heat", H, " "));
+  const std::string alignment = "rrl" + std::string(headings.size() - 3, 'r') + "l";
   headings.emplace_back("status");
-  Table table(headings, works ? "rrlrrrrl" : "rrlrrl");
+  Table table(headings, alignment);
   for (const MachineResult& result : r.results) {
     const bool good = result.status == KV_OK;
     const Equilibrium& s = result.outlet();
@@ -110,6 +122,8 @@ void print_outlets(const MachineReport& r, std::ostream& out) {
     if (works)
       row.insert(row.end(),
                  {good ? shown_energy(r, result.work) : "-", shown_digits(result.isentropic_efficiency, 4)});
+    if (flows) row.push_back(good ? kilowatts(r, result.work) : "-");
+    if (cooled) row.push_back(!good ? "-" : flows ? kilowatts(r, result.heat) : shown_energy(r, result.heat));
     row.push_back(status_in_words(result.status));
     table.add(row);
   }
@@ -194,6 +208,7 @@ void print_machine_json(const MachineReport& r, std::ostream& out) {
                        {"work_J_mol", result.work},
                        {"heat_J_mol", result.heat},
                        {"power_W", result.work * r.flow},
+                       {"heat_W", result.heat * r.flow},
                        {"isentropic_efficiency", result.isentropic_efficiency},
                        {"stations", ordered_json::array()}};
     for (const Station& station : result.stations) entry["stations"].push_back(station_json(station));
@@ -208,20 +223,23 @@ void print_machine_csv(const MachineReport& r, std::ostream& out) {
   const double M = r.mixture.molar_mass;
   out << fmt::format(
       "to_{1},place,{0},{1},phases,vapour_fraction,liquid_fraction,liquid_volume_fraction,{2},{3},{4},{5},"
-      "status\n",
+      "power_W,heat_W,status\n",
       column_name("temperature_K", Quantity::temperature, T), column_name("pressure_Pa", Quantity::pressure, P),
       column_name("enthalpy_J_mol", Quantity::enthalpy, H),
       column_name("entropy_J_mol_K", Quantity::entropy, S), column_name("work_J_mol", Quantity::enthalpy, H),
       column_name("heat_J_mol", Quantity::enthalpy, H));
+  const auto watts = [&r](double value) {
+    return std::isnan(r.flow) ? std::string() : fmt::format("{}", value * r.flow);
+  };
   for (const MachineResult& result : r.results) {
     for (const Station& station : result.stations) {
       const Equilibrium& s = station.state;
       const PropertyValues& whole = s.overall.properties;
-      out << fmt::format("{},{},{},{},{},{},{},{},{},{},{},{},{}\n", exact(result.P, P), station.name,
+      out << fmt::format("{},{},{},{},{},{},{},{},{},{},{},{},{},{},{}\n", exact(result.P, P), station.name,
                          exact(s.T, T), exact(s.P, P), csv_field(phases_in_words(s)), s.beta, liquid_of(s),
                          s.liquid_volume(), exact(whole[Property::enthalpy], H, M),
                          exact(whole[Property::entropy], S, M), exact(station.work, H, M),
-                         exact(station.heat, H, M), s.status);
+                         exact(station.heat, H, M), watts(station.work), watts(station.heat), s.status);
     }
   }
 }

@@ -19,6 +19,7 @@ namespace {
 
 constexpr const char* kAllReferences = "15/15,25/0,25/20,60F/60F";
 constexpr const char* kContractReference = "15/15";  // ISO 13443
+constexpr double kTraceWithoutGroups = 1e-4;         // mole fraction, an odorant: dew points do without it
 constexpr double kLeastZ = 0.9;                      // below it summation factors do not hold (ISO 6976)
 
 struct SalesOptions {
@@ -81,6 +82,11 @@ DewPoints dew_points(const Exports& library, Mixture& mixture, double water,
   dew.curve = curve.status;
   dew.cricondentherm = curve.cricondentherm;
   dew.cricondenbar = curve.cricondenbar;
+  const auto colder = [&](const CurvePoint& p) { return p.T <= dew.cricondentherm.T * (1.0 + 1e-9); };
+  dew.hottest_known =
+      curve_is_good(curve.status) &&
+      (curve.status != KV_ENVELOPE_OPEN ||
+       (dew.cricondentherm.found() && std::all_of(curve.points.begin(), curve.points.end(), colder)));
   for (const double P : pressures) dew.hydrocarbon.push_back(hydrocarbon_dew(library, mixture, P, dew));
   if (!std::isnan(water)) {
     set_water(mixture, water);
@@ -89,6 +95,30 @@ DewPoints dew_points(const Exports& library, Mixture& mixture, double water,
   mixture.z = z;
   mixture.molar_mass = M;
   return dew;
+}
+
+// The gas whose dew points are looked for: without traces of what has no groups, which a note names.
+Mixture gas_of_dew_points(const SalesOptions& o, Composition gas, Mixture& mixture,
+                          std::vector<std::string>& notes) {
+  std::vector<std::string> names;
+  double sum = 0.0;
+  for (const int i : mixture.uncovered) sum += mixture.z[static_cast<std::size_t>(i)];
+  if (sum <= kTraceWithoutGroups && !o.missing.allowed) {
+    for (const int i : mixture.uncovered) {
+      const Component& c = mixture.components[static_cast<std::size_t>(i)];
+      names.emplace_back(c.name);
+      const auto same = [&](const Component& other) { return other.name == c.name; };
+      const auto at = std::find_if(gas.components.begin(), gas.components.end(), same) - gas.components.begin();
+      if (at == static_cast<std::ptrdiff_t>(gas.components.size())) continue;
+      gas.components.erase(gas.components.begin() + at);
+      gas.amounts.erase(gas.amounts.begin() + at);
+    }
+    mixture.uncovered.clear();  // nothing is calculated with it as zero
+  }
+  if (!names.empty())
+    notes.push_back(fmt::format("dew points are those of the gas without {}, which has no PPR78 groups",
+                                joined(names, ", ")));
+  return build_mixture(gas, interaction_set(o.mixture.set));
 }
 
 void note_range(SalesReport& report) {
@@ -108,12 +138,13 @@ void sales(const SalesOptions& o, Session& session) {
   std::vector<double> pressures;
   if (!o.pressure.empty())
     pressures = parse_conditions(Quantity::pressure, o.pressure, units[Quantity::pressure]);
-  Mixture mixture = o.water.empty() ? o.mixture.build() : build_with_water(o.mixture);
-  SalesReport report{mixture, units, {}, {}, read_limits(o.limits, units, mixture), {}};
+  const Composition composition = o.water.empty() ? o.mixture.composition() : composition_with_water(o.mixture);
+  Mixture mixture = build_mixture(composition, interaction_set(o.mixture.set));
+  SalesReport report{mixture, units, {}, {}, read_limits(o.limits, units, mixture), kNone, {}};
   if (needs_dew_pressure(report.limits) && pressures.empty())
     throw InputError(
         "a limit of a dew point needs its pressures: -P \"70 bar\", or -P 1:70:10 for the hottest");
-  const double water = water_of_gas(o, mixture);
+  const double water = report.water = water_of_gas(o, mixture);
   for (const Limit& l : report.limits)
     if (l.name == "water_dew" && std::isnan(water))
       throw InputError("a limit of the water dew point needs water: --water 60 ppmv, or water in the mixture");
@@ -124,15 +155,16 @@ void sales(const SalesOptions& o, Session& session) {
 
   // Dew points need the group interactions, calorific values do not.
   const bool asked = !pressures.empty() || needs_dew(report.limits);
-  const bool missing = !o.missing.allowed && !missing_in_words(mixture, kTracePair).empty();
-  if (asked) o.missing.check(mixture);
+  Mixture of_dew = gas_of_dew_points(o, composition, mixture, report.notes);
+  const bool missing = !o.missing.allowed && !missing_in_words(of_dew, kTracePair).empty();
+  if (asked) o.missing.check(of_dew);
   if (missing) {
     report.dew.reason =
         "no dew points: group interactions are missing, --allow-missing-pairs takes them as zero";
   } else {
     const Exports library = session.library();
-    mixture.hand_over(library);
-    report.dew = dew_points(library, mixture, water, pressures);
+    of_dew.hand_over(library);
+    report.dew = dew_points(library, of_dew, water, pressures);
   }
   judge(report);
   const bool failed =

@@ -22,6 +22,7 @@ struct DewPoints {
   std::string reason;  // why none were looked for; empty where they were
   StatusCode curve = KV_OK;
   CurvePlace cricondentherm, cricondenbar;
+  bool hottest_known = false;  // the curve is whole, or open at high pressure and colder there
   std::vector<DewPoint> hydrocarbon, water;
 
   // The hottest of several; absent where one of them failed, NaN where no pressure has one.
@@ -34,9 +35,11 @@ struct DewPoints {
 struct Limit {
   std::string name, title;
   double low, high;
-  const Unit* unit;    // of the report
-  Unit of_content;     // unit of a component's share, which depends on the gas
-  int component = -1;  // index of the component whose share it is
+  const Unit* unit;  // of the report
+  Unit of_content;   // unit of a component's share, which depends on the gas
+  bool of_share = false;
+  std::vector<std::size_t>
+      parts;  // components whose share it is: one, the pieces of a fraction, none of an absent one
   std::optional<double>
       value;  // absent: it could not be found; NaN: there is none, which is within an upper bound
 
@@ -49,6 +52,7 @@ struct SalesReport {
   std::vector<CalorificResult> results;
   DewPoints dew;
   std::vector<Limit> limits;  // at the first reference
+  double water;               // mole fraction in the wet gas; NaN: none
   std::vector<std::string> notes;
 };
 

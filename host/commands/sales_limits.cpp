@@ -41,7 +41,7 @@ constexpr struct {
                 [](const SalesReport& r) { return std::optional(r.results[0].molar_mass); }},
                {"cricondentherm", "cricondentherm", Quantity::temperature,
                 [](const SalesReport& r) -> std::optional<double> {
-                  if (!curve_is_good(r.dew.curve)) return std::nullopt;
+                  if (!r.dew.hottest_known) return std::nullopt;
                   return none_where_absent(r.dew.cricondentherm);
                 }},
                {"hydrocarbon_dew", "hydrocarbon dew point", Quantity::temperature,
@@ -75,7 +75,7 @@ double bound(std::string_view piece, const std::string& whole, std::string& unit
   return *number;
 }
 
-// Shares of a component in mol/mol, or by mass in a cubic metre; the factor of the latter follows from the gas.
+// Shares of a component in mol/mol, or, with factor 0, by mass in a cubic metre.
 Unit content_unit(const std::string& name, const std::string& whole) {
   const std::string key = lower(name);
   if (key.empty() || key == "mol/mol") return {"mol/mol", 1.0};
@@ -85,13 +85,28 @@ Unit content_unit(const std::string& name, const std::string& whole) {
   throw InputError(fmt::format("the limit \"{}\": a component has limits in mol/mol, %, ppm or mg/m3", whole));
 }
 
-// The component by any of its names; NaN bounds are set by the caller.
-int component_of(const std::string& name, const std::string& whole, const Mixture& mixture) {
-  if (!names_component(name)) not_a_limit(whole);
-  const Component& wanted = find_component(name);
+// The components that go by a name: one of the mixture, the pieces of a fraction, or none of them.
+std::vector<std::size_t> components_of(const std::string& name, const std::string& whole,
+                                       const Mixture& mixture) {
+  const std::string wanted = lower(trimmed(name));
+  for (const FractionPieces& fraction : fractions_in(mixture))
+    if (lower(fraction.name) == wanted) return fraction.pieces;
   for (std::size_t i = 0; i < mixture.components.size(); ++i)
-    if (mixture.components[i].id == wanted.id) return static_cast<int>(i);
-  return static_cast<int>(mixture.components.size());  // none of it: its share is 0
+    if (lower(mixture.components[i].name) == wanted) return {i};
+  if (!names_component(name)) not_a_limit(whole);
+  const Component& known = find_component(name);
+  for (std::size_t i = 0; i < mixture.components.size(); ++i)
+    if (mixture.components[i].id == known.id) return {i};
+  return {};
+}
+
+// A fraction above 1 is one whose unit was forgotten.
+void check_fraction(const Limit& limit, const std::string& unit_name, const std::string& whole) {
+  if (!unit_name.empty() || !(limit.low > 1.0 || limit.high > 1.0)) return;
+  throw InputError(
+      fmt::format("the limit \"{0}\": a share without a unit is in mol/mol and at most 1: write {1}=..{2:g} "
+                  "%, ppm or mg/m3",
+                  whole, limit.name, std::isnan(limit.high) ? limit.low : limit.high));
 }
 
 Limit read_limit(const std::string& text, const UnitSystem& units, const Mixture& mixture) {
@@ -99,7 +114,7 @@ Limit read_limit(const std::string& text, const UnitSystem& units, const Mixture
   if (equals == std::string::npos || dots == std::string::npos) not_a_limit(text);
   const std::string name(trimmed(text.substr(0, equals)));
   std::string unit_name;
-  Limit limit{name, name, kNone, kNone, nullptr, {}, -1, {}};
+  Limit limit{name, name, kNone, kNone, nullptr, {}, false, {}, {}};
   limit.low = bound(std::string_view(text).substr(equals + 1, dots - equals - 1), text, unit_name);
   limit.high = bound(std::string_view(text).substr(dots + 2), text, unit_name);
   if (std::isnan(limit.low) && std::isnan(limit.high)) not_a_limit(text);
@@ -114,24 +129,29 @@ Limit read_limit(const std::string& text, const UnitSystem& units, const Mixture
     limit.high = limit.unit->to_base(limit.high);
     return limit;
   }
-  limit.component = component_of(name, text, mixture);
+  limit.of_share = true;
+  limit.parts = components_of(name, text, mixture);
+  check_fraction(limit, unit_name, text);
+  if (limit.parts.empty()) limit.title += " (not in the analysis)";
   limit.of_content = content_unit(unit_name, text);
   return limit;  // its bounds stay in their unit
 }
 
 bool is(const Limit& limit, std::string_view name) {
-  return limit.component < 0 && limit.name == name;
+  return !limit.of_share && limit.name == name;
 }
 
-// Moles of a component in one mole of gas, in the unit of its limit.
-double share(const SalesReport& r, Limit& limit) {
-  const auto i = static_cast<std::size_t>(limit.component);
-  if (i >= r.mixture.z.size()) return 0.0;
-  if (limit.of_content.factor == 0.0) {
-    const double moles = 1e3 * r.results[0].real.density / r.results[0].molar_mass;  // in one m3
-    limit.of_content.factor = 1e-3 / (r.mixture.components[i].molar_mass * moles);
+// Moles of a component in one mole of gas, in the unit of its limit; of water those of the wet gas.
+double share(const SalesReport& r, const Limit& limit) {
+  double moles = 0.0, mass = 0.0;  // g
+  for (const std::size_t i : limit.parts) {
+    const Component& c = r.mixture.components[i];
+    const double x = is_water(c) && !std::isnan(r.water) ? r.water : r.mixture.z[i];
+    moles += x;
+    mass += x * c.molar_mass;
   }
-  return r.mixture.z[i] / limit.of_content.factor;
+  if (limit.of_content.factor != 0.0) return moles / limit.of_content.factor;
+  return mass * 1e6 * r.results[0].real.density / r.results[0].molar_mass;
 }
 
 }  // namespace
@@ -173,7 +193,7 @@ bool needs_dew_pressure(const std::vector<Limit>& limits) {
 
 void judge(SalesReport& report) {
   for (Limit& limit : report.limits) {
-    if (limit.component >= 0) {
+    if (limit.of_share) {
       limit.value = share(report, limit);
       continue;
     }

@@ -87,21 +87,21 @@ void print_dew(const SalesReport& r, std::ostream& out) {
   if (!dew.reason.empty()) return;
   const CurvePlace& c = dew.cricondentherm;
   out << "\nCricondentherm         "
-      << (!curve_is_good(dew.curve) && dew.curve != KV_NO_SATURATION ? status_in_words(dew.curve)
-          : c.found()                                                ? shown_dew(r, {c.P, c.T, KV_OK})
-                                                                     : "none")
+      << (!dew.hottest_known && dew.curve != KV_NO_SATURATION ? status_in_words(dew.curve)
+          : c.found()                                         ? shown_dew(r, {c.P, c.T, KV_OK})
+                                                              : "none")
       << '\n';
   for (const DewPoint& p : dew.hydrocarbon) out << "Hydrocarbon dew point  " << shown_dew(r, p) << '\n';
   for (const DewPoint& p : dew.water) out << "Water dew point        " << shown_dew(r, p) << '\n';
 }
 
 const Unit& unit_of(const Limit& l) {
-  return l.component < 0 ? *l.unit : l.of_content;
+  return l.of_share ? l.of_content : *l.unit;
 }
 
 // A value or a bound of a limit in its unit. Bounds of components stand in it already.
 double in_unit(const Limit& l, double value) {
-  return l.component < 0 ? l.unit->from_base(value) : value;
+  return l.of_share ? value : l.unit->from_base(value);
 }
 
 std::string shown_value(const Limit& l) {
@@ -145,6 +145,7 @@ ordered_json limit_json(const Limit& l) {
                     {"low", in_unit(l, l.low)},
                     {"high", in_unit(l, l.high)},
                     {"known", l.value.has_value()},
+                    {"in_analysis", !l.of_share || !l.parts.empty()},
                     {"pass", l.kept()}};
   return root;
 }

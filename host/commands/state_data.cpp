@@ -72,7 +72,7 @@ ordered_json settings_json(const MixtureRecord& r) {
   return root;
 }
 
-ordered_json phase_json(const Mixture& m, const PhaseState& p) {
+ordered_json phase_json(const Mixture& m, const PhaseState& p, double T) {
   const PropertyValues& values = p.properties;
   ordered_json root{{"phase", phase_name(p.kind)},
                     {"mole_fraction", p.mole_fraction},
@@ -82,7 +82,7 @@ ordered_json phase_json(const Mixture& m, const PhaseState& p) {
                     {"property_status", values.first_failure()},
                     {"property_status_text", kv_status_text(values.first_failure())},
                     {"heat_capacity_extrapolated", values.extrapolated()}};
-  const auto limits = model_limits(m, p);
+  const auto limits = model_limits(m, p, T);
   if (p.kind != PhaseKind::overall && !limits.empty()) root["model_limits"] = limits;
   if (std::isfinite(p.saturation)) root["water_at_saturation"] = p.saturation;
   ordered_json missing = ordered_json::object();
@@ -154,10 +154,10 @@ ordered_json state_json(const Mixture& m, const Equilibrium& s) {
   int found = 0;
   for (const PhaseState& p : s.phases) found += p.mole_fraction > 0.0 ? 1 : 0;
   root["phases_found"] = found;
-  for (const PhaseState& p : s.phases) root["phases"].push_back(phase_json(m, p));
+  for (const PhaseState& p : s.phases) root["phases"].push_back(phase_json(m, p, s.T));
   if (s.iterate_left()) root["last_iterate"] = last_iterate_json(m, s);
   if (!s.flashed || !s.answered()) return root;
-  root["overall"] = phase_json(m, s.overall);
+  root["overall"] = phase_json(m, s.overall, s.T);
   root["vapour_fraction"] = s.beta;
   root["liquid_volume_fraction"] = s.liquid_volume();
   if (s.three) {
@@ -186,7 +186,7 @@ std::string phase_csv(const StateReport& r, const Equilibrium& s, const PhaseSta
       fmt::format(",{},{},{}", status, csv_field(kv_status_text(status)), p.properties.extrapolated() ? 1 : 0);
   std::vector<std::string> limits;
   if (p.kind != PhaseKind::overall)
-    for (const auto limit : model_limits(r.mixture, p)) limits.emplace_back(limit);
+    for (const auto limit : model_limits(r.mixture, p, s.T)) limits.emplace_back(limit);
   line += fmt::format(",{},{},{}", csv_field(joined(limits, "; ")),
                       std::isfinite(p.saturation) ? fmt::format("{}", p.saturation) : "", s.stable ? 1 : 0);
   line += std::isfinite(p.volume_fraction) ? fmt::format(",{}", p.volume_fraction) : ",";

@@ -162,7 +162,7 @@ std::vector<std::string> notes_of(const StateReport& report) {
     if (s.T < kLeastT || s.T > kMostT) add_once(notes, kTemperatureText);
     in_oil = in_oil || has_water_in_oil(report.mixture, s);
     for (const PhaseState& p : s.phases) {
-      for (const auto limit : model_limits(report.mixture, p)) add_once(limits, std::string(limit));
+      for (const auto limit : model_limits(report.mixture, p, s.T)) add_once(limits, std::string(limit));
       const double water = water_in(report.mixture, p);
       if (std::fabs(p.saturation / water - 1.0) <= kSameWater || std::isnan(p.saturation)) continue;
       if (s.by_saturation && is_gas(p.kind)) continue;

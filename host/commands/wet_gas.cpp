@@ -7,11 +7,15 @@
 
 namespace kestrune::host {
 
-Mixture build_with_water(const MixtureOptions& options) {
+Composition composition_with_water(const MixtureOptions& options) {
   Composition composition = options.composition();
   if (std::none_of(composition.components.begin(), composition.components.end(), is_water))
     composition.set("water", 0.0);
-  return build_mixture(composition, interaction_set(options.set));
+  return composition;
+}
+
+Mixture build_with_water(const MixtureOptions& options) {
+  return build_mixture(composition_with_water(options), interaction_set(options.set));
 }
 
 double dry_mass(const Mixture& mixture) {

@@ -8,7 +8,8 @@
 
 namespace kestrune::host {
 
-// The mixture with water among its components.
+// The mixture with water among its components, and what it is built of.
+Composition composition_with_water(const MixtureOptions& options);
 Mixture build_with_water(const MixtureOptions& options);
 
 // g/mol of the mixture without its water; InputError where there is nothing else. The same gas with water y.

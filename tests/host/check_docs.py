@@ -1,6 +1,7 @@
 """The documentation of the command line says what the program does: check_docs.py REPOSITORY PROGRAM [--write].
 
-In the code blocks of docs/*.md a line "$ COMMAND" is run and its output compared with the lines below it; a line that
+In the code blocks of docs/*.md a line "$ COMMAND" is run and its output compared with the lines below it, and it has to
+print something unless it writes into a file; a line that
 begins with "kestrune" is run and has to succeed, as have the examples of every --help. Options that a command has and
 its section does not name, and options that it names and the command does not have, are errors. --write puts the
 outputs into the pages.
@@ -42,6 +43,8 @@ def check_page(page, folder):
             command += "\n" + lines[i]
             i += 1
         done = run(command, folder)
+        if not done.stdout + done.stderr and not re.search(r"(?<!2)>|--(svg|png) (?!-)", command):
+            problems.append(f"{page.name}: {command}\nprints nothing")
         if line.startswith("kestrune "):
             if done.returncode != 0:
                 problems.append(f"{page.name}: {command}\nexit code {done.returncode}: {done.stderr}{done.stdout[:400]}")
