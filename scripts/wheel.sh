@@ -11,10 +11,21 @@ cd "$(dirname "$0")/.." || exit 1
 repo=$(pwd)
 python=${PYTHON:-/usr/bin/python3}
 dist=$repo/build/dist
+glibc=36  # 2.36, of Debian 12, where the wheel is built
+linux=manylinux_2_${glibc}_x86_64
 
 fail() {
   echo "wheel: $1" >&2
   exit 1
+}
+
+# A library looks for others beside itself only (an empty element of the run path would be the current folder), and runs
+# where the C library is that of the wheel's platform or later.
+check_library() {
+  run_path=$(readelf -d "$1" | sed -n 's/.*R\(UN\)\{0,1\}PATH.*\[\(.*\)\]/\2/p')
+  [ "$run_path" = '$ORIGIN' ] || [ -z "$run_path" ] || fail "$1 has the run path $run_path"
+  needed=$(readelf -V "$1" | grep -o 'GLIBC_2\.[0-9]*' | sort -t . -k 2 -n | tail -n 1)
+  [ "${needed#GLIBC_2.}" -le "$glibc" ] || fail "$1 needs $needed: name a later glibc at the head of this script"
 }
 
 # wheel PRESET PLATFORM SUFFIX STRIP: the package with the libraries of a preset.
@@ -30,10 +41,12 @@ wheel() {
   cp python/pyproject.toml python/setup.py python/README.md "$stage/"
   cp python/kestrune/*.py python/kestrune/py.typed "$stage/kestrune/"
   cp data/NOTICE.md "$stage/kestrune/_lib/"
+  cp LICENSE "$stage/"
   for library in $libraries; do
     file=$(find "build/$1/bin" -name "*$library$3" | head -n 1)
     [ -n "$file" ] || fail "no $library$3 in build/$1/bin"
     "$4" --strip-unneeded -o "$stage/kestrune/_lib/$(basename "$file")" "$file" || fail "cannot strip $file"
+    [ "$3" = .dll ] || check_library "$stage/kestrune/_lib/$(basename "$file")"
   done
   KESTRUNE_VERSION=$version KESTRUNE_WHEEL_PLATFORM=$2 "$python" -m build --wheel --no-isolation --outdir "$dist" \
     "$stage" >"$stage/build.log" 2>&1 || { tail -n 20 "$stage/build.log" >&2; fail "cannot build the wheel of $2"; }
@@ -50,12 +63,12 @@ run_tests() {
   cd "$place" || fail "cannot enter $place"
   unset PYTHONPATH KESTRUNE_LIBRARIES
   "$python" -m venv --system-site-packages env || fail "no virtual environment"
-  env/bin/python -m pip install -q --no-index --no-deps "$dist/kestrune-$version-py3-none-linux_x86_64.whl" ||
+  env/bin/python -m pip install -q --no-index --no-deps "$dist/kestrune-$version-py3-none-$linux.whl" ||
     fail "the wheel cannot be installed"
   MPLBACKEND=agg env/bin/python -m pytest -q -p no:cacheprovider python/tests
 }
 
-wheel native linux_x86_64 .so strip
+wheel native "$linux" .so strip
 if cmake --list-presets | grep -q '"win64"' && command -v x86_64-w64-mingw32-g++-posix >/dev/null; then
   wheel win64 win_amd64 .dll x86_64-w64-mingw32-strip
 else

@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import ctypes
 import functools
+import numbers
 import os
 import sys
 from pathlib import Path
@@ -105,6 +106,7 @@ def library() -> ctypes.CDLL:
 
 def call(name: str, *arguments: Any) -> Any:
     """Calls a function of the native library; ValueError with its message where it refuses its input."""
+    _no_nul(arguments)
     text = ctypes.create_string_buffer(_ERROR_SIZE)
     result = getattr(library(), name)(*arguments, text, _ERROR_SIZE)
     if result is None or (name != "ka_mixture" and result < 0):
@@ -114,6 +116,7 @@ def call(name: str, *arguments: Any) -> Any:
 
 def read_text(name: str, *arguments: Any) -> str:
     """What a function of the native library writes as a text, of any length."""
+    _no_nul(arguments)
     size = _ERROR_SIZE
     while True:
         text = ctypes.create_string_buffer(size)
@@ -123,6 +126,13 @@ def read_text(name: str, *arguments: Any) -> str:
         if length < size:
             return text.value.decode()
         size = length + 1
+
+
+def _no_nul(arguments: tuple[Any, ...]) -> None:
+    for argument in arguments:
+        if isinstance(argument, bytes) and b"\0" in argument:
+            shown = argument.decode(errors="replace")
+            raise ValueError(f"a text has a NUL character, at which the native library would end it: {shown[:60]!r}")
 
 
 def status_text(status: int) -> str:
@@ -151,6 +161,6 @@ def thread_count(threads: Optional[int]) -> int:
     """Threads of a call: those asked for, else one per processor."""
     if threads is None:
         return processors()
-    if isinstance(threads, bool) or int(threads) != threads or threads < 1:
+    if isinstance(threads, bool) or not isinstance(threads, numbers.Integral) or threads < 1:
         raise ValueError(f"threads is a whole number from 1, or None for one per processor, not {threads!r}")
     return int(threads)

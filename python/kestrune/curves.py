@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import numbers
 import warnings
 from typing import TYPE_CHECKING, Any, NamedTuple, Optional, Sequence, Union
 
@@ -9,7 +10,7 @@ import numpy as np
 
 from . import _native
 from .errors import KestruneError, KestruneWarning
-from .units import Units
+from .units import Units, numbers_of
 
 if TYPE_CHECKING:
     import pandas
@@ -131,10 +132,10 @@ class Envelope:
             A curve without any point. One that is not complete comes with a `KestruneWarning` and its status.
         """
         shown = mixture.units if units is None else Units.of(units)
-        lines = [float(q) for q in np.atleast_1d(np.asarray(quality, dtype=float))]
+        lines = [float(q) for q in np.atleast_1d(numbers_of("quality", quality))]
         if any(not 0.0 < q < 1.0 for q in lines):
             raise ValueError(f"quality lines have vapour fractions between 0 and 1, not {lines}")
-        if int(points) != points or not 0 <= points <= 100000:
+        if not isinstance(points, numbers.Integral) or not 0 <= points <= 100000:
             raise ValueError(f"points is a whole number from 0 to 100000, not {points!r}")
         limits = [
             _limit(shown, name, quantity, value)
@@ -194,7 +195,11 @@ class Envelope:
         for k, (T, P) in enumerate(self.critical):
             ax.plot(_bare(T), _bare(P), "ko", label="critical" if k == 0 else None)
         if points is not None:
-            ax.plot(_bare(points[0]).ravel(), _bare(points[1]).ravel(), "kx", label="states")
+            T, P = (
+                _bare(self.units.from_si(q, self.units.to_si(q, v))).ravel()
+                for q, v in zip(("temperature", "pressure"), points)
+            )
+            ax.plot(T, P, "kx", label="states")
         ax.set_xlabel(f"temperature, {self.units.symbol('temperature')}")
         ax.set_ylabel(f"pressure, {self.units.symbol('pressure')}")
         ax.legend()

@@ -13,7 +13,7 @@ import numpy as np
 
 from .mixture import Mixture
 from .states import State
-from .units import Units
+from .units import Units, numbers_of
 
 if TYPE_CHECKING:
     import pandas
@@ -71,9 +71,12 @@ def flash(
     if rows < 1:
         raise ValueError(f"rows is a whole number from 1, not {rows!r}")
     given = {name: v for name, v in zip(_CONDITIONS, (T, P, H, S, beta)) if v is not None}
-    numbers = {name: np.asarray(getattr(v, "magnitude", v)) for name, v in given.items()}
-    if any(hasattr(v, "magnitude") for v in given.values()):
+    if any(hasattr(v, "magnitude") for v in (*given.values(), z)):
         raise TypeError("states for workers are plain numbers, with their units in units=, not pint quantities")
+    numbers = {name: numbers_of(name, v) for name, v in given.items()}
+    if z is not None:
+        mixture._feed(z)  # refuses what is wrong, here
+        z = numbers_of("z", z)
     leading = [v.shape for v in numbers.values()] + ([] if z is None else [np.shape(z)[:-1]])
     shape = np.broadcast_shapes(*leading)
     if not shape:

@@ -6,6 +6,8 @@ import json
 import math
 from typing import Any, Mapping, NamedTuple, Optional, Union
 
+import numpy as np
+
 from . import _native
 
 __all__ = ["Component", "components"]
@@ -28,15 +30,17 @@ class Component(NamedTuple):
 
 def components(filter: str = "") -> list[Component]:
     """Components of the databank whose name, alias, formula or CAS number contains the text; all for none."""
+    if not isinstance(filter, str):
+        raise TypeError(f"components are searched by a text, not {filter!r}")
     return [Component(**c) for c in json.loads(_native.read_text("ka_components", filter.encode()))]
 
 
-def source_of(given: Any, name: str) -> str:
+def source_of(given: Any) -> str:
     """What the native library reads for what a user wrote."""
     if isinstance(given, str):
         return given
     if isinstance(given, Mapping) and "components" in given:
-        return json.dumps(given, allow_nan=False)
+        return json.dumps(given, allow_nan=False, default=_json_of)
     pairs = given.items() if hasattr(given, "items") else given
     try:
         listed = [(component, amount) for component, amount in pairs]
@@ -47,8 +51,14 @@ def source_of(given: Any, name: str) -> str:
         if component in amounts:
             raise ValueError(f"{component} is given twice")
         amounts[component] = _amount(component, amount)
-    whole: dict[str, Any] = {"components": amounts}
-    return json.dumps({"name": name, **whole} if name else whole)
+    return json.dumps({"components": amounts})
+
+
+def _json_of(value: Any) -> Any:
+    """Numbers and arrays of numpy as those of Python."""
+    if isinstance(value, (np.generic, np.ndarray)):
+        return value.tolist()
+    raise TypeError(f"a mixture file has numbers, texts, lists and objects, not {value!r}")
 
 
 def _amount(component: Any, amount: Any) -> Union[float, str]:
@@ -57,6 +67,8 @@ def _amount(component: Any, amount: Any) -> Union[float, str]:
     if isinstance(amount, str):
         return amount
     try:
+        if isinstance(amount, (bool, np.bool_)):
+            raise TypeError
         value = float(amount)
     except (TypeError, ValueError):
         raise ValueError(f"the amount of {component} must be a number, not {amount!r}") from None

@@ -3,13 +3,14 @@
 from __future__ import annotations
 
 import math
+import numbers
 from typing import TYPE_CHECKING, Any, Union
 
 import numpy as np
 
 from . import _native
 from .databank import components
-from .errors import KestruneError
+from .errors import KestruneError, count_failures
 from .units import Units
 
 if TYPE_CHECKING:
@@ -29,7 +30,7 @@ class Hydrate:
     -----
     By the gravity of the gas (Towler and Mokhatab 2005), with the depression of Hammerschmidt (1934). Made from sweet
     natural gases, 265 to 298 K and 12 to 400 bar; beyond 200 K, 313.15 K without inhibitor and 1000 bar the answer is
-    NaN, of a single state KestruneError 151.
+    NaN with a `KestruneWarning`, of a single state KestruneError 151.
 
     Every method takes ``inhibitor``: None, ``"methanol"``, ``"MEG"``, ``"DEG"``, ``"TEG"``, ``"NaCl"``, ``"KCl"``,
     ``"CaCl2"`` or a molar mass in g/mol, and ``percent``: its mass percent in the aqueous solution.
@@ -80,6 +81,8 @@ class Hydrate:
 
     def _lines(self, inhibitor: Union[str, float, None], percent: float) -> tuple[tuple[float, float], float]:
         """Intercept and slope of T over ln P, and how much lower the inhibitor brings T."""
+        if isinstance(percent, bool) or not isinstance(percent, numbers.Real):
+            raise TypeError(f"percent is a number, not {percent!r}")
         if not (math.isfinite(percent) and 0.0 <= percent <= 70.0):
             raise ValueError(f"the inhibitor is 0 to 70 % of the solution by mass, not {percent!r}")
         if inhibitor is None and percent != 0.0:
@@ -116,6 +119,8 @@ def _inhibitor_of(inhibitor: Union[str, float, None]) -> tuple[int, float]:
         raise ValueError(
             f"{inhibitor!r} is no hydrate inhibitor: use methanol, MEG, DEG, TEG, NaCl, KCl, CaCl2 or a molar mass"
         )
+    if isinstance(inhibitor, bool) or not isinstance(inhibitor, numbers.Real):
+        raise TypeError(f"inhibitor is a name or a molar mass, not {inhibitor!r}")
     if not 30.0 <= float(inhibitor) <= 200.0:
         raise ValueError(f"{inhibitor!r} g/mol is no molar mass of a hydrate inhibitor: 30 to 200 g/mol")
     return 5, float(inhibitor)
@@ -123,6 +128,5 @@ def _inhibitor_of(inhibitor: Union[str, float, None]) -> tuple[int, float]:
 
 def _within(T: np.ndarray, P: np.ndarray, shift: float, wanted: np.ndarray) -> np.ndarray:
     good = (T >= _COLDEST) & (T + shift <= _HOTTEST) & (P > 0.0) & (P <= _HIGHEST)
-    if np.ndim(good) == 0 and not good:
-        raise KestruneError(151, "hydrate")
+    count_failures(np.asarray(np.where(good, 0, 151)), "hydrate")
     return np.where(good, wanted, np.nan)

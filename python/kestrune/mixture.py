@@ -11,26 +11,19 @@ from typing import Any, Mapping, Optional, Sequence, Union
 import numpy as np
 
 from . import _native, calls
+from .arguments import GIVEN, kind_of, limits_of, one_of, phase_number, positive, shape_of, tuning_of
 from .curves import Critical, Envelope
 from .databank import Component, source_of
 from .errors import GOOD, KestruneError
 from .hydrate import Hydrate
-from .phases import GAS, LIQUID, Phase
+from .phases import GAS, Phase
 from .states import State
-from .units import Units
+from .units import Units, numbers_of
 from .water import Water
 
 __all__ = ["Mixture"]
 
-#: What a flash can be given, by its number in the native library, with the quantities of the two.
-_GIVEN = {
-    ("T", "P"): (0, "temperature", "pressure"),
-    ("H", "P"): (1, "enthalpy", "pressure"),
-    ("S", "P"): (2, "entropy", "pressure"),
-    ("beta", "P"): (3, "vapour fraction", "pressure"),
-    ("beta", "T"): (4, "vapour fraction", "temperature"),
-}
-
+_WATER = "7732-18-5"  # CAS number
 
 
 class Mixture:
@@ -71,7 +64,7 @@ class Mixture:
 
     __slots__ = (
         *("_recipe", "_handle", "_units", "_info", "_finalizer", "_water"),
-        *("names", "z", "molar_masses", "__weakref__"),
+        *("_names", "_z", "_molar_masses", "_title", "__weakref__"),
     )
 
     def __init__(
@@ -89,10 +82,12 @@ class Mixture:
     ) -> None:
         if solubility is not None and not free_water:
             raise ValueError("a solubility has no effect without free_water=True")
-        limits = "" if solubility is None else ",".join(repr(float(v)) for v in solubility)
-        tuning = ",".join(f"{key}={value!r}" for key, value in (settings or {}).items())
+        for what, text in (("basis", basis or ""), ("set", set), ("name", name)):
+            if not isinstance(text, str):
+                raise TypeError(f"{what} is a text, not {text!r}")
+        limits, tuning = limits_of(solubility), tuning_of(settings)
         flags = bool(allow_missing_pairs), False, bool(free_water)
-        self._build((source_of(components, name), basis or "", str(set), *flags, limits, tuning), units)
+        self._build((source_of(components), basis or "", set, *flags, limits, tuning, name), units)
 
     @classmethod
     def from_file(cls, path: Union[str, os.PathLike[str]], basis: Optional[str] = None, **options: Any) -> Mixture:
@@ -103,13 +98,27 @@ class Mixture:
     def _build(self, recipe: tuple[Any, ...], units: Union[str, Units]) -> None:
         self._recipe, self._units = recipe, Units.of(units)
         self._water: Optional[Water] = None
-        arguments = [part.encode() if isinstance(part, str) else int(part) for part in recipe]
+        *parts, self._title = recipe
+        arguments = [part.encode() if isinstance(part, str) else int(part) for part in parts]
         self._handle = _native.call("ka_mixture", *arguments)
         self._finalizer = weakref.finalize(self, _native.library().ka_free, self._handle)
+        self._finalizer.atexit = False  # a thread may still calculate when the interpreter ends
         self._info = json.loads(_native.read_text("ka_describe", self._handle))
-        self.names: tuple[str, ...] = tuple(c["name"] for c in self._info["components"])
-        self.z = _constant(self._info["z"])
-        self.molar_masses = _constant([c["molar_mass"] for c in self._info["components"]])
+        self._names: tuple[str, ...] = tuple(c["name"] for c in self._info["components"])
+        self._z = _constant(self._info["z"])
+        self._molar_masses = _constant([c["molar_mass"] for c in self._info["components"]])
+
+    names = property(lambda self: self._names, doc="Names of the components.")
+    z = property(lambda self: self._z, doc="Mole fractions, whose sum is 1.")
+    molar_masses = property(lambda self: self._molar_masses, doc="Molar masses of the components, g/mol.")
+
+    def __eq__(self, other: object) -> bool:
+        if not isinstance(other, Mixture):
+            return NotImplemented
+        return self._recipe == other._recipe and self._units == other._units
+
+    def __hash__(self) -> int:
+        return hash((self._recipe, self._units))
 
     def __reduce__(self) -> tuple[Any, ...]:
         return (_rebuilt, (self._recipe, self._units))
@@ -132,12 +141,18 @@ class Mixture:
     def title_or_names(self) -> str:
         """The title, or the first components."""
         more = f", {len(self.names) - 3} more" if len(self.names) > 3 else ""
-        return str(self._info["title"]) or ", ".join(self.names[:3]) + more
+        return self._title or str(self._info["title"]) or ", ".join(self.names[:3]) + more
 
     @property
     def molar_mass(self) -> float:
         """Molar mass, g/mol."""
         return float(self._info["molar_mass"])
+
+    @property
+    def free_water_index(self) -> Optional[int]:
+        """Place of water among the components where it may part as free water, else None."""
+        cas = [c["cas"] for c in self._info["components"]]
+        return cas.index(_WATER) if self._recipe[5] and _WATER in cas else None
 
     @property
     def notes(self) -> list[str]:
@@ -171,10 +186,11 @@ class Mixture:
             entropy of the whole, vapour fraction by mole; arrays broadcast against each other. SI: K, Pa, J/mol,
             J/(mol K).
         z : array, shape ``(..., count)``, optional
-            Feeds, in the order of `names`, any sum; its leading shape broadcasts with the others.
+            Feeds, in the order of `names`, any sum; its leading shape broadcasts with the others. Of several feeds one
+            with a NaN costs its own states only.
         phases : {3, 2}
             3: up to two liquids and a vapour. 2: liquid and vapour, two to three times as fast and blind for a second
-            liquid.
+            liquid; not with free water, which is one.
         threads : int, optional
             Threads of the native loop; default one per processor. Results do not depend on it, to the last bit.
         units : str or Units, optional
@@ -194,13 +210,17 @@ class Mixture:
         """
         shown = self._units if units is None else Units.of(units)
         given = {name: v for name, v in (("T", T), ("P", P), ("H", H), ("S", S), ("beta", beta)) if v is not None}
-        kind, *quantities = _kind_of(given)
+        kind, *quantities = kind_of(given)
         if phases not in (2, 3):
             raise ValueError(f"phases is 2 or 3, not {phases!r}")
+        if phases == 2 and self.free_water_index is not None:
+            raise ValueError("free water is a liquid of its own: flash with phases=3, or a mixture without free_water")
         feed, mass = self._feed(z)
-        ordered = next(pair for pair in _GIVEN if frozenset(pair) == frozenset(given))
+        ordered = next(pair for pair in GIVEN if frozenset(pair) == frozenset(given))
         values = [shown.to_si(q, given[name], mass) for name, q in zip(ordered, quantities)]
-        shape = _shape_of(ordered, values, feed)
+        if "beta" in given:  # beyond 0 and 1 there is no state; NaN is refused with its status
+            values[0] = np.where((values[0] >= 0.0) & (values[0] <= 1.0), values[0], np.nan)
+        shape = shape_of(ordered, values, feed)
         columns = [_native.packed(np.broadcast_to(v, shape)) for v in values]
         if feed is not None:
             feed = _native.packed(np.broadcast_to(feed, (*shape, len(self.names))))
@@ -214,21 +234,22 @@ class Mixture:
         """Feeds divided by their sums, and their molar masses."""
         if z is None:
             return None, self.molar_mass
-        feed = np.asarray(z, dtype=float)
+        feed = numbers_of("z", z)
         if feed.ndim == 0 or feed.shape[-1] != len(self.names):
             raise ValueError(f"z has {len(self.names)} fractions in its last axis, those of {', '.join(self.names)}")
-        if not (np.isfinite(feed).all() and (feed >= 0.0).all() and (feed.sum(axis=-1) > 0.0).all()):
+        known = feed[~np.isnan(feed).any(axis=-1)] if feed.ndim > 1 else feed
+        if not (np.isfinite(known).all() and (known >= 0.0).all() and (known.sum(axis=-1) > 0.0).all()):
             raise ValueError("fractions of z are finite, not negative, and not all zero")
         feed = feed / feed.sum(axis=-1, keepdims=True)
         return feed, feed @ self.molar_masses
 
     def bubble(self, *, T: Any = None, P: Any = None, **options: Any) -> State:
         """Bubble point at a temperature or a pressure; options and errors as of `flash`."""
-        return self.flash(T, P, beta=0.0, **_one_of("bubble", T, P, options))
+        return self.flash(T, P, beta=0.0, **one_of("bubble", T, P, options))
 
     def dew(self, *, T: Any = None, P: Any = None, **options: Any) -> State:
         """Dew point at a temperature or a pressure; options and errors as of `flash`."""
-        return self.flash(T, P, beta=1.0, **_one_of("dew", T, P, options))
+        return self.flash(T, P, beta=1.0, **one_of("dew", T, P, options))
 
     def properties(
         self,
@@ -255,18 +276,21 @@ class Mixture:
         Returns
         -------
         Phase
-            Its attributes are the properties, with the shape of the arguments.
+            Its attributes are the properties, with the shape of the arguments. A temperature or pressure that is not
+            positive raises KestruneError when they are read; of many states it has its `property_status` and NaN.
         """
         shown = self._units if units is None else Units.of(units)
-        kind = _phase_number(phase)
+        kind = phase_number(phase)
         values = [shown.to_si("temperature", T), shown.to_si("pressure", P)]
         feed, _ = self._feed(x)
-        shape = _shape_of(("T", "P"), values, feed)
+        shape = shape_of(("T", "P"), values, feed)
         at_T, at_P = (_native.packed(np.broadcast_to(v, shape)) for v in values)
         full = np.broadcast_to(self.z if feed is None else feed, (*shape, len(self.names)))
         one = np.ones(shape) if shape else 1.0
         name = "vapour" if kind == GAS else "liquid"
-        return Phase(name, self, shown, kind, at_T, at_P, one, _native.packed(full), threads)
+        _native.thread_count(threads)
+        refused = np.select([~positive(at_T), ~positive(at_P), np.isnan(full).any(axis=-1)], [9004, 9005, 9006], 0)
+        return Phase(name, self, shown, kind, at_T, at_P, one, np.array(full, dtype=float), threads, refused)
 
     def kij(self, T: float, units: Union[str, Units, None] = None) -> np.ndarray:
         """Interaction parameters k_ij that the model predicts at a temperature (SI K), shape ``(count, count)``."""
@@ -291,7 +315,7 @@ class Mixture:
         """Water content and water dew points of the mixture as a gas."""
         if self._water is None:
             wet = self
-            if "7732-18-5" not in (c["cas"] for c in self._info["components"]):
+            if _WATER not in (c["cas"] for c in self._info["components"]):
                 wet = _rebuilt((*self._recipe[:4], True, *self._recipe[5:]), self._units)
             self._water = Water(wet)
         return self._water
@@ -312,34 +336,3 @@ def _constant(values: Sequence[float]) -> np.ndarray:
     array = np.array(values, dtype=float)
     array.setflags(write=False)
     return array
-
-
-def _kind_of(given: Mapping[str, Any]) -> tuple[int, str, str]:
-    for names, kind in _GIVEN.items():
-        if frozenset(names) == frozenset(given):
-            return kind
-    pairs = ", ".join(f"{a} and {b}" for a, b in _GIVEN)
-    raise ValueError(f"a flash is given {pairs}, not {' and '.join(given) or 'nothing'}")
-
-
-def _one_of(name: str, T: Any, P: Any, options: dict[str, Any]) -> dict[str, Any]:
-    if (T is None) == (P is None):
-        raise ValueError(f"a {name} point is given T or P, one of them")
-    return options
-
-
-def _phase_number(phase: str) -> int:
-    if phase in ("gas", "vapour"):
-        return GAS
-    if phase == "liquid":
-        return LIQUID
-    raise ValueError(f"phase is 'gas' or 'liquid', not {phase!r}")
-
-
-def _shape_of(names: Sequence[str], values: Sequence[np.ndarray], feed: Optional[np.ndarray]) -> tuple[int, ...]:
-    shapes = [v.shape for v in values] + ([] if feed is None else [feed.shape[:-1]])
-    try:
-        return np.broadcast_shapes(*shapes)
-    except ValueError:
-        shown = ", ".join(f"{name} {shape}" for name, shape in zip((*names, "z"), shapes))
-        raise ValueError(f"shapes do not broadcast against each other: {shown}") from None

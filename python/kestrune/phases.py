@@ -15,6 +15,10 @@ if TYPE_CHECKING:
 
 __all__ = ["Phase"]
 
+#: More water than this is free water to the library, as kWaterRich of the command line.
+_WATER_RICH = 0.9999
+#: What free water has: its other properties would be those of water by the equation of state.
+_OF_FREE_WATER = ("enthalpy", "entropy", "free_enthalpy")
 #: Phases as the native library numbers them.
 GAS, LIQUID, LIGHT = 1, 2, 3
 
@@ -68,7 +72,8 @@ class Phase:
 
     A phase that is absent has the fraction 0 and NaN for everything else. Every property is calculated when it is first
     read, for all states at once, from the exports of the library for this phase. A property of a single state that
-    fails raises `KestruneError`; one of many is NaN and stands in `property_status`.
+    fails raises `KestruneError`; one of many is NaN and stands in `property_status`. Free water has enthalpy, entropy
+    and free enthalpy alone, and NaN for the rest.
 
     Attributes
     ----------
@@ -90,6 +95,7 @@ class Phase:
         "_units",
         "_kind",
         "_threads",
+        "_refused",
         "_values",
         "_statuses",
     )
@@ -124,9 +130,14 @@ class Phase:
         fraction: Any,
         x: np.ndarray,
         threads: Optional[int],
+        refused: Any = 0,
     ) -> None:
+        for array in (T, P, fraction, x):
+            if isinstance(array, np.ndarray):
+                array.setflags(write=False)
         self.name = name
         self.fraction = fraction
+        self._refused = refused  # status of states that nothing can be calculated of, else 0
         self.x = x
         self._T, self._P, self._mixture, self._units, self._kind = T, P, mixture, units, kind
         self._threads = threads
@@ -153,6 +164,8 @@ class Phase:
 
     def ln_phi(self) -> np.ndarray:
         """ln of the fugacity coefficients, shape ``(..., count)``. KestruneError for a single state without them."""
+        if not np.ndim(self._refused) and self._refused:
+            raise KestruneError(int(self._refused), "fugacity coefficients")
         return calls.ln_phi(self._mixture, self._kind, self._T, self._P, self.x, self._threads)
 
     def property_status(self, name: str) -> Any:
@@ -162,17 +175,33 @@ class Phase:
 
     def in_si(self, name: str) -> np.ndarray:
         """A property in SI; NaN where it has no value."""
-        if name not in PROPERTIES:
+        if not isinstance(name, str) or name not in PROPERTIES:
             raise ValueError(f"no property {name!r}: use {', '.join(PROPERTIES)}")
         if name not in self._values:
             wanted = PROPERTIES[name].group
             values, status = calls.properties(
                 self._mixture, self._kind, self._T, self._P, self.x, wanted, self._threads
             )
+            status = np.where(self._refused, self._refused, status)
+            status.setflags(write=False)
+            free = self._free_water()
             for other, row in PROPERTIES.items():
                 if wanted >> row.row & 1:
-                    self._values[other], self._statuses[other] = values[row.row], status
+                    value = values[row.row, ...]
+                    value[np.not_equal(self._refused, 0)] = np.nan
+                    if other not in _OF_FREE_WATER:
+                        value[free] = np.nan
+                    value.setflags(write=False)
+                    self._values[other], self._statuses[other] = value, status
         return self._values[name]
+
+    def _free_water(self) -> np.ndarray:
+        """Where the phase is a liquid of water by its solubility, not by the equation of state."""
+        index = self._mixture.free_water_index
+        if index is None or self.name == "vapour":
+            return np.zeros(self.x.shape[:-1], dtype=bool)
+        with np.errstate(invalid="ignore"):
+            return self.x[..., index] > _WATER_RICH
 
     def shown(self, name: str) -> Any:
         value = self.in_si(name)

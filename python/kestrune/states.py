@@ -53,6 +53,8 @@ class State:
         z: Optional[np.ndarray] = None,
         threads: Optional[int] = None,
     ) -> None:
+        for array in (T, P, status, *fractions, *x, *(() if z is None else (z,))):
+            array.setflags(write=False)  # the properties are calculated from them, some of them later
         self.mixture, self.units, self.phases, self.z = mixture, units, phases, z
         self.T_si, self.P_si = T, P
         self.status: Any = int(status) if status.ndim == 0 else status
@@ -117,6 +119,7 @@ class State:
         if not self.shape:
             raise IndexError("a single state has no parts")
         key = index if isinstance(index, tuple) else (index,)
+        rows = (*key, slice(None))  # and all components
         parts = list(self)
         return State(
             self.mixture,
@@ -125,9 +128,9 @@ class State:
             np.asarray(self.T_si[key]),
             np.asarray(self.P_si[key]),
             [np.asarray(phase.fraction[key]) for phase in parts],
-            [phase.x[key] for phase in parts],
+            [phase.x[rows] for phase in parts],
             np.asarray(self.status[key]),
-            None if self.z is None else self.z[key],
+            None if self.z is None else self.z[rows],
         )
 
     def __repr__(self) -> str:
@@ -191,12 +194,12 @@ class State:
 
     @property
     def molar_volume(self) -> Any:
-        """Molar volume of all phases together, SI m3/mol."""
+        """Molar volume of all phases together, SI m3/mol; NaN with free water, which has none."""
         return self._whole("molar_volume", "molar volume")
 
     @property
     def density(self) -> Any:
-        """Mass density of all phases together, SI kg/m3."""
+        """Mass density of all phases together, SI kg/m3; NaN with free water, which has none."""
         with np.errstate(divide="ignore", invalid="ignore"):
             value = 1e-3 * self.molar_mass / self._whole_si("molar_volume")
         return self.units.from_si("density", value, self.molar_mass)
@@ -217,6 +220,8 @@ class State:
         """
         import pandas
 
+        if isinstance(properties, str):
+            raise TypeError(f"properties is a list of names such as [{properties!r}], not one text")
         columns = {"T": _flat(self.T), "P": _flat(self.P), "status": np.atleast_1d(np.asarray(self.status).ravel())}
         for phase in self:
             columns[f"{phase.name}.fraction"] = _flat(phase.fraction)

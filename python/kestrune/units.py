@@ -85,34 +85,41 @@ class Units:
 
     def symbol(self, quantity: str) -> str:
         """Name of the unit of a quantity: ``"temperature"``, ``"pressure"``, ``"enthalpy"``, ``"density"``, ..."""
+        if quantity not in self._table:
+            raise ValueError(f"no quantity {quantity!r}: use {', '.join(self._table)}")
         return self._table[quantity].name
 
     def to_si(self, quantity: str, value: Any, molar_mass: Any = 0.0) -> Any:
         """Numbers in these units, or pint quantities of any unit, as an array of floats in SI."""
         if _is_pint(value):
             return _from_pint(quantity, value, molar_mass)
-        numbers = _numbers(quantity, value)
+        numbers = numbers_of(quantity, value)
         unit = self._table[quantity]
         return (numbers + unit.offset) * unit.scale(molar_mass)
 
     def from_si(self, quantity: str, value: Any, molar_mass: Any = 0.0) -> Any:
-        """An array in SI in these units; a single number as a float."""
+        """An array in SI in these units, a new one; a single number as a float."""
         if self.name == "pint":
-            return _pint_registry().Quantity(_plain(np.asarray(value)), _PINT.get(quantity, "dimensionless"))
+            return _pint_registry().Quantity(_plain(np.array(value)), _PINT.get(quantity, "dimensionless"))
         unit = self._table[quantity]
         if unit.factor == 1.0 and unit.offset == 0.0 and not unit.per_mass:
-            return _plain(np.asarray(value))
+            return _plain(np.array(value))
         return _plain(np.asarray(value) / unit.scale(molar_mass) - unit.offset)
 
 
-def _numbers(quantity: str, value: Any) -> np.ndarray:
+def numbers_of(name: str, value: Any) -> np.ndarray:
+    """An array of floats of its own, NaN for what is masked; of a pint quantity without a unit its number."""
+    if _is_pint(value):
+        return _from_pint(name, value, 0.0)
+    if isinstance(value, (list, tuple)) and any(map(_is_pint, value)):
+        raise TypeError(f"{name} is one quantity with an array in it, not a list of quantities")
     try:
-        raw = np.asarray(value)
+        raw = np.ma.asarray(value) if np.ma.isMaskedArray(value) else np.asarray(value)
         if raw.dtype.kind in "iufO":  # no truth values, texts, dates or complex numbers
-            return raw.astype(float)
+            return np.ma.filled(raw.astype(float), np.nan)
     except (TypeError, ValueError):
         pass
-    raise TypeError(f"{quantity} is a number or an array of numbers, not {value!r}")
+    raise TypeError(f"{name} is a number or an array of numbers, not {value!r}")
 
 
 def _plain(array: np.ndarray) -> Any:
@@ -136,12 +143,12 @@ def _pint_registry() -> Any:
 def _from_pint(quantity: str, value: Any, molar_mass: Any) -> np.ndarray:
     unit = _PINT.get(quantity, "dimensionless")
     try:
-        return np.asarray(value.to(unit).magnitude, dtype=float)
+        return numbers_of(quantity, value.to(unit).magnitude)
     except Exception as error:
         if quantity not in ("enthalpy", "entropy"):
             raise ValueError(f"{quantity} cannot be {value.units}: {error}") from None
     try:
-        per_mass = np.asarray(value.to(unit.replace("mole", "kilogram", 1)).magnitude, dtype=float)
+        per_mass = numbers_of(quantity, value.to(unit.replace("mole", "kilogram", 1)).magnitude)
     except Exception as error:
         raise ValueError(f"{quantity} cannot be {value.units}: {error}") from None
     return per_mass * molar_mass / 1000.0

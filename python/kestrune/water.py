@@ -7,8 +7,8 @@ from typing import TYPE_CHECKING, Any, NamedTuple, Optional, Union
 import numpy as np
 
 from . import _native
-from .errors import GOOD, KestruneError
-from .units import Units
+from .errors import count_failures
+from .units import Units, numbers_of
 
 if TYPE_CHECKING:
     from .mixture import Mixture
@@ -34,7 +34,8 @@ class Water:
     ``method="eos"`` is a balance of fugacities in the gas and in liquid water or ice, 150 to 640 K; ``"chart"`` a chart
     correlation with acid-gas correction (Bukacek 1955, Maddox 1974), 233.15 to 510.93 K. Whether the mixture is a gas
     at the state is not looked at. `water` is its mole fraction in the wet gas, default that of the mixture. A single
-    state without an answer raises KestruneError; of an array it has NaN.
+    state without an answer raises KestruneError; of an array it has NaN, and a `KestruneWarning` says how many there are
+    and why.
     """
 
     __slots__ = ("_mixture",)
@@ -71,7 +72,7 @@ class Water:
             _native.thread_count(threads),
             *(a.ctypes.data for a in out),
         )
-        _raise_single(status, "water content")
+        count_failures(status, "water content", level=3)
         return Saturation(*(a.item() if not a.shape else a for a in out))
 
     def dew_temperature(self, P: Any, *, water: Any = None, **options: Any) -> Any:
@@ -111,7 +112,7 @@ class Water:
             found.ctypes.data,
             status.ctypes.data,
         )
-        _raise_single(status, f"water dew {wanted}")
+        count_failures(status, f"water dew {wanted}")
         return shown.from_si(wanted, found)
 
     def _units(self, units: Union[str, Units, None]) -> Units:
@@ -122,8 +123,9 @@ class Water:
 
     def _amounts(self, water: Any) -> np.ndarray:
         own = self._mixture.z[self._index()]
-        amounts = np.asarray(own if water is None else water, dtype=float)
-        if not ((amounts > 0.0) & (amounts < 1.0)).all():
+        amounts = np.asarray(own) if water is None else numbers_of("water", water)
+        known = amounts[~np.isnan(amounts)] if amounts.ndim else amounts
+        if not ((known > 0.0) & (known < 1.0)).all():
             raise ValueError(
                 "a dew point needs water in the gas, a mole fraction between 0 and 1: in the mixture, or as water=60e-6"
             )
@@ -142,7 +144,7 @@ class Water:
 
 
 def _number(method: str) -> int:
-    if method not in _METHODS:
+    if not isinstance(method, str) or method not in _METHODS:
         raise ValueError(f"method is 'eos' or 'chart', not {method!r}")
     return _METHODS[method]
 
@@ -150,8 +152,3 @@ def _number(method: str) -> int:
 def _together(*values: np.ndarray) -> list[np.ndarray]:
     shape = np.broadcast_shapes(*(np.shape(v) for v in values))
     return [_native.packed(np.broadcast_to(v, shape)) for v in values]
-
-
-def _raise_single(status: np.ndarray, what: str) -> None:
-    if not status.shape and int(status) not in GOOD:
-        raise KestruneError(int(status), what)

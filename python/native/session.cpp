@@ -3,7 +3,12 @@
 #include <algorithm>
 #include <condition_variable>
 #include <cstring>
+#include <new>
 #include <optional>
+
+#ifndef _WIN32
+#include <pthread.h>
+#endif
 
 namespace kestrune::arrays {
 
@@ -20,6 +25,18 @@ std::uint64_t next_ticket = 0, serving = 0;
 int running = 0;
 bool running_alone = false;
 const host::Mixture* current = nullptr;
+
+// A forked process has the thread that forked alone: calls of the others, which held the turn, never end in it. What they
+// left locked is made anew, not unlocked, for its owner is not there.
+[[maybe_unused]] void start_anew_in_child() {
+  new (&opening) std::mutex;
+  new (&queue) std::mutex;
+  new (&moved) std::condition_variable;
+  next_ticket = serving = 0;
+  running = 0;
+  running_alone = false;
+  current = nullptr;
+}
 
 }  // namespace
 
@@ -88,6 +105,9 @@ extern "C" int32_t ka_open(const char* path, char* text, int32_t size) {
     if (!arrays::opened) {
       arrays::opened = host::load_library(path);
       arrays::opened_path = path;
+#ifndef _WIN32
+      pthread_atfork(nullptr, nullptr, arrays::start_anew_in_child);
+#endif
     }
     return 0;
   });

@@ -42,5 +42,7 @@ def test_a_lost_worker_costs_no_row():
         pandas.testing.assert_frame_equal(far, local, check_exact=True)
         with pytest.raises(ValueError, match="for a single one"):
             flash(client, gas, 300.0, 1e5)
+        with pytest.raises(ValueError, match="not negative"):
+            flash(client, gas, [300.0], 1e5, z=[[-1.0, 1.0, 1.0, 1.0]])
         with pytest.raises(ValueError, match="a flash is given"):
             flash_table(client, gas, table[["T"]])

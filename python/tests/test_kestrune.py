@@ -1,8 +1,11 @@
 """Identities, published values and behaviour of the package; every number comes from outside of what it checks."""
 
 import copy
+import os
 import pickle
+import signal
 import threading
+import warnings
 
 import kestrune
 import numpy as np
@@ -115,11 +118,34 @@ def test_arrays_are_their_states_one_by_one(gas, grid):
     assert grid.vapour.density[8, 1] == grid[8, 1].vapour.density
     assert grid.enthalpy[3, 1] == pytest.approx(grid[3, 1].enthalpy, rel=1e-14)
     assert same(grid[3], gas.flash(grid.T[3], grid.P[3])) and len(grid[3]) == 4
+    square = gas.flash(np.full((2, 6), 230.0), np.linspace(5e5, 60e5, 6))  # as many columns as components
+    assert np.array_equal(square[..., 1].liquid.x, square.liquid.x[:, 1])
     feeds = np.array([gas.z, gas.z[::-1]])
     two = gas.flash(T=230.0, P=40e5, z=2.5 * feeds)
     assert same(two[0], gas.flash(T=230.0, P=40e5, z=gas.z)) and two.molar_mass[0] == pytest.approx(gas.molar_mass)
     assert two.beta[1] == pytest.approx(kestrune.Mixture(dict(zip(gas.names, gas.z[::-1]))).flash(230.0, 40e5).beta)
     assert gas.flash(T=np.zeros((0, 3)), P=1e5).vapour.x.shape == (0, 3, 6)
+
+
+def test_results_are_not_what_later_ones_come_from(gas):
+    state = gas.flash([200.0, 230.0], 40e5)
+    density, volume = state.density.copy(), state.vapour.molar_volume
+    volume *= 1e6
+    assert np.array_equal(state.density, density) and np.array_equal(state.vapour.molar_volume, 1e-6 * volume)
+    for array in (state.T_si, state.status, state.beta, state.liquid.x, state.vapour.in_si("Z"), gas.z):
+        with pytest.raises(ValueError, match="read-only"):
+            array[0] = 1
+
+
+def test_free_water_has_no_volume():
+    wet = kestrune.Mixture(WET, free_water=True)
+    state = wet.flash([300.0, 400.0], 50e5)
+    water = state.liquid2
+    assert water.fraction[0] > 0.09 and np.isfinite([water.enthalpy[0], state.enthalpy[0], state.liquid.density[0]]).all()
+    assert np.isnan([water.density[0], water.Z[0], water.Cp[0], state.density[0], state.molar_volume[0]]).all()
+    assert water.fraction[1] > 0.0 or np.isfinite(state.density[1])
+    with pytest.raises(ValueError, match="phases=3"):
+        wet.flash(300.0, 50e5, phases=2)
 
 
 @pytest.mark.parametrize("phases", [2, 3])
@@ -153,10 +179,32 @@ def test_mixtures_in_threads_do_not_mix_their_group_data():
     assert not wrong
 
 
+@pytest.mark.skipif(not hasattr(os, "fork"), reason="no fork on Windows")
+def test_a_forked_process_does_not_wait_for_threads_it_lacks(gas):
+    other, done = kestrune.Mixture(WET), threading.Event()
+
+    def work():
+        while not done.is_set():
+            gas.flash(np.linspace(200.0, 300.0, 3000), 40e5, threads=1)
+
+    thread = threading.Thread(target=work)
+    thread.start()
+    try:
+        for _ in range(5):
+            child = os.fork()
+            if child == 0:
+                signal.alarm(20)
+                os._exit(0 if other.flash(300.0, 50e5).liquid2.fraction > 0.09 else 1)
+            assert os.waitpid(child, 0)[1] == 0
+    finally:
+        done.set()
+        thread.join()
+
+
 def test_copies_and_pickles_are_the_same(gas, grid):
     rich = kestrune.Mixture(WET, "mass", free_water=True, solubility=(7.0, 4400.0), units="C,bar", name="wet")
     for one in (copy.copy(rich), copy.deepcopy(rich), pickle.loads(pickle.dumps(rich))):
-        assert one.names == rich.names and np.array_equal(one.z, rich.z) and one.units == rich.units
+        assert one == rich and hash(one) == hash(rich) and one.names == rich.names and np.array_equal(one.z, rich.z) and one.units == rich.units
         assert same(one.flash(20.0, 50.0), rich.flash(20.0, 50.0)) and "wet" in repr(one.flash(20.0, 50.0))
     again = pickle.loads(pickle.dumps(grid))
     assert same(again, grid) and np.array_equal(again.vapour.density, grid.vapour.density, equal_nan=True)
@@ -180,6 +228,11 @@ def test_units(gas):
     assert gas.flash(H=q(shown.enthalpy, "kJ/kg"), P=40e5).T == pytest.approx(233.15, abs=1e-5)
     with pytest.raises(ValueError, match="pressure cannot be"):
         gas.flash(T=233.15, P=q(1.0, "m"))
+    with pytest.raises(ValueError, match="z cannot be"):
+        gas.flash(T=233.15, P=1e5, z=q(gas.z, "m"))
+    (points,) = (k for k in gas.envelope(units="C,bar").plot(points=(q(300.0, "K"), q(3.0, "MPa"))).lines
+                 if k.get_label() == "states")
+    assert points.get_xydata()[0] == pytest.approx([26.85, 30.0])
 
 
 def test_envelope_points_are_dew_and_bubble_points(gas):
@@ -230,6 +283,21 @@ ERRORS = [
     (lambda g: g.flash([1.0, 2.0], [1e5] * 3), ValueError, r"T \(2,\), P \(3,\)"),
     (lambda g: g.flash(300.0, 1e5, z=[1.0, 2.0]), ValueError, "6 fractions"),
     (lambda g: g.flash(300.0, 1e5, z=[-1.0] * 6), ValueError, "not negative"),
+    (lambda g: g.flash(300.0, 1e5, z=["1"] * 6), TypeError, "z is a number"),
+    (lambda g: g.flash(300.0, 1e5, z=[1j] * 6), TypeError, "z is a number"),
+    (lambda g: g.flash(beta=1.5, P=20e5), kestrune.KestruneError, "9009"),
+    (lambda g: g.properties(-5.0, 1e5).density, kestrune.KestruneError, "9004"),
+    (lambda g: g.properties(300.0, np.nan).ln_phi(), kestrune.KestruneError, "9005"),
+    (lambda g: setattr(g, "z", None), AttributeError, ""),
+    (lambda g: kestrune.Mixture("methane=1\0"), ValueError, "NUL"),
+    (lambda g: kestrune.Mixture({"methane": True}), ValueError, "must be a number"),
+    (lambda g: kestrune.Mixture({"methane": 1}, settings=3), TypeError, "settings are given as"),
+    (lambda g: g.flash(300.0, 1e5, threads="two"), ValueError, "threads"),
+    (lambda g: g.hydrate.temperature(70e5, "MEG", "20"), TypeError, "percent is a number"),
+    (lambda g: g.water.dew_temperature([70e5, -1.0], water=6e-5), kestrune.KestruneWarning, "1 of 2 .* 9005"),
+    (lambda g: g.hydrate.pressure([280.0, 400.0]), kestrune.KestruneWarning, "1 of 2 .* 151"),
+    (lambda g: g.units.symbol("length"), ValueError, "no quantity"),
+    (lambda g: g.flash([300.0], 1e5).to_frame("density"), TypeError, "list of names"),
     (lambda g: g.flash(300.0, 1e5, phases=4), ValueError, "2 or 3"),
     (lambda g: g.flash(300.0, 1e5, threads=0), ValueError, "threads"),
     (lambda g: g.flash(300.0, -1e5), kestrune.KestruneError, "pressure"),
@@ -247,7 +315,8 @@ ERRORS = [
 
 @pytest.mark.parametrize("call, kind, text", ERRORS)
 def test_bad_input_is_named(gas, call, kind, text):
-    with pytest.raises(kind, match=text):
+    with warnings.catch_warnings(), pytest.raises(kind, match=text):
+        warnings.simplefilter("error", kestrune.KestruneWarning)
         call(gas)
 
 
@@ -258,6 +327,11 @@ def test_states_without_an_answer_are_nan(gas):
         assert np.isfinite(value[0]) or value is state.liquid2.fraction
         assert np.isnan(value[1:]).all()
     assert "2 x 9004" in state.status_text()
+    masked = np.ma.array([300.0, 300.0], mask=[False, True])
+    feeds = np.array([gas.z, np.where(gas.z > 0.5, np.nan, gas.z)])
+    for found in (gas.flash(masked, 1e5), gas.flash(300.0, 1e5, z=feeds), gas.flash(beta=[0.5, -0.3], P=20e5)):
+        assert list(found.ok) == [True, False] and np.isnan(found.vapour.density[1])
+    assert list(gas.properties(300.0, [1e5, -1.0]).property_status("density")) == [0, 9005]
 
 
 def test_tables_and_pictures(gas, grid):
@@ -278,7 +352,8 @@ def test_mixtures_as_the_command_line_reads_them(tmp_path):
     wanted = kestrune.Mixture({"methane": 80, "propane": 20}, "mass")
     for one in (kestrune.Mixture.from_file(file), kestrune.Mixture("methane=80,propane=20", "mass")):
         assert one.z == pytest.approx(wanted.z, rel=1e-14)
-    whole = {"name": "gas", "basis": "mass", "components": {"methane": 80, "propane": "20"}}
+    assert kestrune.Mixture("methane=80", name="mine").title_or_names == "mine"
+    whole = {"name": "gas", "basis": "mass", "components": {"methane": np.float32(80), "propane": "20"}}
     assert np.array_equal(kestrune.Mixture(whole).z, wanted.z)
     assert wanted.notes == ["amounts summed to 100 and were normalised"]
     assert "ethylene glycol" in [c.name for c in kestrune.components("glycol")]

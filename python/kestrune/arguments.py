@@ -1,0 +1,84 @@
+"""What the methods of a mixture are given, checked and as the native library takes it."""
+
+from __future__ import annotations
+
+from typing import Any, Mapping, Optional, Sequence
+
+import numpy as np
+
+from .phases import GAS, LIQUID
+from .units import numbers_of
+
+#: What a flash can be given, by its number in the native library, with the quantities of the two.
+GIVEN = {
+    ("T", "P"): (0, "temperature", "pressure"),
+    ("H", "P"): (1, "enthalpy", "pressure"),
+    ("S", "P"): (2, "entropy", "pressure"),
+    ("beta", "P"): (3, "vapour fraction", "pressure"),
+    ("beta", "T"): (4, "vapour fraction", "temperature"),
+}
+
+
+def positive(values: np.ndarray) -> np.ndarray:
+    """Where numbers are finite and above zero."""
+    return np.isfinite(values) & (values > 0.0)
+
+
+def limits_of(solubility: Optional[Sequence[float]]) -> str:
+    """A and B of the solubility as the native library reads them; ValueError for anything but two numbers."""
+    if solubility is None:
+        return ""
+    limits = numbers_of("solubility", solubility)
+    if limits.shape != (2,):
+        raise ValueError(f"solubility is two numbers (A, B), not {solubility!r}")
+    return ",".join(repr(float(v)) for v in limits)
+
+
+def tuning_of(settings: Optional[Mapping[str, float]]) -> str:
+    """Settings as the native library reads them; TypeError for what is not a number by name."""
+    if settings is None:
+        return ""
+    if not isinstance(settings, Mapping):
+        raise TypeError(f"settings are given as {{'eps': 1e-8}}, not {settings!r}")
+    pairs = []
+    for key, value in settings.items():
+        number = numbers_of(f"the setting {key}", value)
+        if number.shape:
+            raise TypeError(f"the setting {key} is one number, not {value!r}")
+        pairs.append(f"{key}={float(number):.17g}")
+    return ",".join(pairs)
+
+
+def kind_of(given: Mapping[str, Any]) -> tuple[int, str, str]:
+    """Number of a flash and its two quantities; ValueError for another pair."""
+    for names, kind in GIVEN.items():
+        if frozenset(names) == frozenset(given):
+            return kind
+    pairs = ", ".join(f"{a} and {b}" for a, b in GIVEN)
+    raise ValueError(f"a flash is given {pairs}, not {' and '.join(given) or 'nothing'}")
+
+
+def one_of(name: str, T: Any, P: Any, options: dict[str, Any]) -> dict[str, Any]:
+    """The options of a bubble or dew point; ValueError without one of T and P, or with both."""
+    if (T is None) == (P is None):
+        raise ValueError(f"a {name} point is given T or P, one of them")
+    return options
+
+
+def phase_number(phase: str) -> int:
+    """A phase as the native library numbers it; ValueError for another name."""
+    if phase in ("gas", "vapour"):
+        return GAS
+    if phase == "liquid":
+        return LIQUID
+    raise ValueError(f"phase is 'gas' or 'liquid', not {phase!r}")
+
+
+def shape_of(names: Sequence[str], values: Sequence[np.ndarray], feed: Optional[np.ndarray]) -> tuple[int, ...]:
+    """Shape that the arguments broadcast to; ValueError with their shapes where they do not."""
+    shapes = [v.shape for v in values] + ([] if feed is None else [feed.shape[:-1]])
+    try:
+        return np.broadcast_shapes(*shapes)
+    except ValueError:
+        shown = ", ".join(f"{name} {shape}" for name, shape in zip((*names, "z"), shapes))
+        raise ValueError(f"shapes do not broadcast against each other: {shown}") from None
