@@ -53,13 +53,16 @@ StatusCode write_two(const LiquidLiquidCall& c) {
 }
 
 // Free water: what the feed z[n], of sum 1, has beyond the solubility limit of its hydrocarbons is a liquid of
-// its own. False: there is not that much, or no limit.
-bool split_water(const LiquidLiquidCall& c, const double* z) {
+// its own. False: there is not that much, or no limit; the estimate in beta, liquid1 and liquid2 is left as it is then.
+bool split_water(const LiquidLiquidCall& c, const double* z, double* oil) {
   const int n = c.mixture->count, w = eos::find_water_family(*c.mixture);
   if (w < 0 || flash::oil_of(n, w, z) < kAbsent) return false;
-  *c.beta = flash::oil_at_limit(*c.mixture, c.T, z, c.liquid2);
+  const double beta = flash::oil_at_limit(*c.mixture, c.T, z, oil);
+  if (!(beta < 1.0)) return false;
+  *c.beta = beta;
+  std::copy_n(oil, n, c.liquid2);
   for (int i = 0; i < n; ++i) c.liquid1[i] = i == w ? 1.0 : 0.0;
-  return *c.beta < 1.0;
+  return true;
 }
 
 // Free water below its limit: what the liquids hold of it is the same in all, so that the dry feed says whether there
@@ -97,10 +100,10 @@ StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
   const int n = c.mixture->count;
   enum class Short { none, pure, water };
   const Short way = support::with_arena<0, 4>(n, [&](support::Arena& arena) {
-    double* z = arena.take(n);
+    double *const z = arena.take(n), *const oil = arena.take(n);
     flash::normalise_feed(n, c.z, z);
     if (flash::single_component(n, c.z, flash::pure_tolerance(*c.mixture)) < 0)
-      return c.free_water && split_water(c, z) ? Short::water : Short::none;
+      return c.free_water && split_water(c, z, oil) ? Short::water : Short::none;
     *c.beta = 0.0;
     std::copy_n(z, n, c.liquid1);
     std::fill_n(c.liquid2, n, 0.0);

@@ -40,6 +40,15 @@ StatusCode KV_CALL no_order(double, double, const double*, MixtureRecord*, doubl
   return 77;
 }
 
+// The library's own coefficients, counted.
+int asked = 0;
+StatusCode KV_CALL counted(double T, double P, const double* x, MixtureRecord* m, int32_t phase, int32_t option,
+                           int32_t mask, double* ln_phi, double* dT, double* dP, double* dn) {
+  ++asked;
+  const auto phi = phase == KV_PHASE_GAS ? GasPhi_Derivatives_PPR78 : LiquidPhi_Derivatives_PPR78;
+  return phi(T, P, x, m, option, mask, ln_phi, dT, dP, dn);
+}
+
 struct Case {
   std::vector<std::string> ids;
   std::vector<double> z;
@@ -89,6 +98,29 @@ TEST(LiquidLiquid, TwoLiquidsTheDenserFirst) {
       EXPECT_NEAR(again.first[i], l.first[i], 1e-9);
     }
   }
+}
+
+// With the flag and less water than its limit the estimate of the host is what the flash starts from.
+TEST(LiquidLiquid, AnEstimateBesideFreeWaterBelowItsLimit) {
+  Mixture m = mixture_of({"carbon_dioxide", "methane", "n_decane", "water"});
+  m.use();
+  m.record.flags = 1;
+  m.record.solubility_a = 0.0;  // 1.6 % at 240 K
+  m.record.solubility_b = 1000.0;
+  ModelRoutines routines{};
+  routines.entry[KV_ROUTINE_FUGACITY - 1] = reinterpret_cast<void*>(counted);
+  const std::vector<double> z{0.7, 0.1, 0.199, 0.001};
+  asked = 0;
+  const Liquids cold = split(m, 240, 80, z, 0, &routines);
+  const int cold_calls = asked;
+  asked = 0;
+  const Liquids warm = split(m, 240, 80, z, 1, &routines, cold);
+  ASSERT_EQ(cold.status, KV_OK);
+  ASSERT_EQ(warm.status, KV_OK);
+  EXPECT_GT(cold.beta, 0.0);
+  EXPECT_LT(cold.beta, 1.0);
+  EXPECT_NEAR(warm.beta, cold.beta, 1e-9);
+  EXPECT_LT(asked, cold_calls) << "of " << cold_calls;
 }
 
 TEST(LiquidLiquid, OneLiquidAndPureFeeds) {
