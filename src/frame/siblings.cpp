@@ -80,7 +80,8 @@ void* LoadSiblingLibrary(const char* name) noexcept {
   if (s.folder_override_set && join(path, sizeof path, s.folder_override, "", name) &&
       platform::file_exists(path))
     return platform::load_library(path);
-  void* module = platform::load_library(installed_path(name, path) ? path : name);
+  if (installed_path(name, path)) return platform::load_library(path);
+  void* module = platform::load_library(name);
   return module != nullptr ? module : platform::load_beside(name);
 }
 
