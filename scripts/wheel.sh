@@ -2,10 +2,12 @@
 # Builds the wheels of the Python package, without the network: Linux from the preset native, and 64-bit Windows from
 # win64 where that preset and its compiler are there.
 #
-#   sh scripts/wheel.sh [--test]     wheels into build/dist; --test installs that of Linux into a virtual environment
-#                                    in an empty folder and runs the tests of the package there
+#   sh scripts/wheel.sh [--linux] [--test]   wheels into build/dist, with --linux that of Linux only; --test installs
+#                                            it into a virtual environment in an empty folder and runs the tests of
+#                                            the package there
 #
 # Uses Debian's Python with its setuptools, wheel and build; PYTHON names another one.
+# shellcheck disable=SC2016,SC2086 # the run path is $ORIGIN itself; lists of targets are separate words
 set -u
 cd "$(dirname "$0")/.." || exit 1
 repo=$(pwd)
@@ -68,8 +70,15 @@ run_tests() {
   MPLBACKEND=agg env/bin/python -m pytest -q -p no:cacheprovider python/tests
 }
 
+windows=yes
+if [ "${1:-}" = --linux ]; then
+  windows=
+  shift
+fi
 wheel native "$linux" .so strip
-if cmake --list-presets | grep -q '"win64"' && command -v x86_64-w64-mingw32-g++-posix >/dev/null; then
+if [ -z "$windows" ]; then
+  :
+elif cmake --list-presets | grep -q '"win64"' && command -v x86_64-w64-mingw32-g++-posix >/dev/null; then
   wheel win64 win_amd64 .dll x86_64-w64-mingw32-strip
 else
   echo "note: no wheel of 64-bit Windows: the preset win64 or its compiler is missing"

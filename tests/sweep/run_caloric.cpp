@@ -43,7 +43,8 @@ struct CaloricTrip {
 };
 
 // Enthalpy or entropy of a phase by the property exports.
-bool value_of(Library& library, const CaloricTrip& trip, double T, const Answer& phases, bool vapour, double& value) {
+bool value_of(Library& library, const CaloricTrip& trip, double T, const Answer& phases, bool vapour,
+              double& value) {
   const Question& state = trip.question.state;
   return library.property(trip.question.quantity, asks_gas(state, T, phases, vapour), T, state.P,
                           vapour ? phases.y : phases.x, value);
@@ -148,7 +149,7 @@ void ask(Library& library, const Feed& feed, int k, const CaloricTrip* before, C
 }
 
 void sweep_caloric(const Options& o, Library& library, const Feed& feed, int count_of, std::FILE* failures,
-                Tally& tally) {
+                   Tally& tally) {
   const Components components = read_components(o.data, feed.ids);
   const Sides sides(feed, components);
   library.prepare(feed, components);

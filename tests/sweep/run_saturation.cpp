@@ -48,7 +48,7 @@ Asked ask(Library& library, const Sides& sides, const Components& components, co
 }
 
 void sweep_saturation(const Options& o, Library& library, const Feed& feed, int count_of, std::FILE* failures,
-                Tally& tally) {
+                      Tally& tally) {
   const Components components = read_components(o.data, feed.ids);
   const Sides sides(feed, components);
   const std::vector<SaturationQuestion> questions =

@@ -21,7 +21,7 @@ void count(const Trip& trip, Tally& tally) {
 }
 
 void sweep_given(const Options& o, Library& library, const System& system, int count_of, std::FILE* failures,
-                  Tally& tally) {
+                 Tally& tally) {
   const Components components = read_components(o.data, system.feed.ids);
   library.prepare(system.feed, components);
   const Sample sample =
