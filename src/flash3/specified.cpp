@@ -296,7 +296,7 @@ int system_work(const flash::HostRoutines* host, int size) {
   constexpr double kCubes = 6000.0;  // cube of the order of a system that takes as long as an evaluation
   constexpr int kStepsOfCall = 100;
   const double work = static_cast<double>(size) * size * size / kCubes;
-  const double most = host != nullptr ? static_cast<double>(host->allowed / kStepsOfCall) : 0.0;
+  const double most = host != nullptr ? static_cast<double>(host->allowed) / kStepsOfCall : 0.0;
   return static_cast<int>(std::min({work, most, 1e9}));
 }
 

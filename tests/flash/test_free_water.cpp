@@ -263,12 +263,12 @@ TEST(FreeWater, VapourFractions) {
     }
   }
   // Beside pressures where the rules have no state; and where next to no oil is left beside the water.
-  struct Point {
+  struct WetPoint {
     std::vector<std::string> ids;
     double A, B, W, T, P;
     std::vector<double> z;
   };
-  const Point points[] = {{{"methane", "carbon_dioxide", "hydrogen_sulfide", "n_butane", "water"},
+  const WetPoint points[] = {{{"methane", "carbon_dioxide", "hydrogen_sulfide", "n_butane", "water"},
                            8,
                            5000,
                            0.9,
@@ -283,7 +283,7 @@ TEST(FreeWater, VapourFractions) {
                            0,
                            1.1039006667734783,
                            {0.081328819423093807, 0.018671180576906171, 0.9}}};
-  for (const Point& p : points) {
+  for (const WetPoint& p : points) {
     Mixture m = wet(p.ids, p.A, p.B);
     FlashResult r = flash(m, 320.0, 20.0, p.z);
     double T = p.T, P = p.P;
