@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+#include "support/arena.hpp"
 #include "support/lanes.hpp"
 #include "support/mathkernels.hpp"
 
@@ -75,7 +76,7 @@ void pairs(const PairTerms& p, int n, int ld_, const double* a, const double* b,
   const auto at = [](int j, int lead) { return static_cast<std::size_t>(j) * lead; };
   if (ld_out == ld && rows == ld) {
     for (int j = 0; j < n; ++j)
-      pairs_of(p, j, a + at(j, ld), b, s, out + at(j, ld), lower ? whole(j & ~3) : 0, ld);
+      pairs_of(p, j, a + at(j, ld), b, s, out + at(j, ld), lower ? block_start(j) : 0, ld);
   } else {
     for (int j = 0; j < n; ++j) pairs_of(p, j, a + at(j, ld), b, s, out + at(j, ld_out), 0, rows);
   }
@@ -107,7 +108,7 @@ void scale(int n, int ld_, const double* __restrict root, const double* __restri
   for (int j = 0; j < n; ++j) {
     const std::size_t at = static_cast<std::size_t>(j) * ld;
     const double rj = root[j];
-    for (int i = whole(j & ~3); i < ld; ++i) h[at + i] = rj * root[i] * m[at + i];
+    for (int i = block_start(j); i < ld; ++i) h[at + i] = rj * root[i] * m[at + i];
   }
 }
 
@@ -122,9 +123,9 @@ bool ldl_factor(int n, int ld_, double* a, double floor) {
     for (int k = j + 1; k < n; ++k) {
       double* __restrict ck = a + static_cast<std::size_t>(k) * ld;
       const double w = cj[k] * inverse;
-      for (int i = whole(k & ~3); i < ld; ++i) ck[i] -= w * cj[i];
+      for (int i = block_start(k); i < ld; ++i) ck[i] -= w * cj[i];
     }
-    for (int i = whole(j & ~3); i < ld; ++i) cj[i] *= inverse;
+    for (int i = block_start(j); i < ld; ++i) cj[i] *= inverse;
     cj[j] = inverse;
   }
   return true;
