@@ -38,9 +38,12 @@ double entropy_to(const OwnHeatCapacity& own, double T) {
 }
 
 StatusCode own_ideal_gas(const OwnHeatCapacity& own, double T, int i, const IdealGas& out) {
-  if (out.h != nullptr) out.h[i] = (enthalpy_to(own, T) - enthalpy_to(own, kEnthalpyBase)) / frame::kJoulePerCalorie;
-  if (out.s != nullptr) out.s[i] = (entropy_to(own, T) - entropy_to(own, kEnthalpyBase)) / frame::kJoulePerCalorie;
-  if (out.cp != nullptr) out.cp[i] = heat_capacity_at(own, std::clamp(T, own.Tmin, own.Tmax)) / frame::kJoulePerCalorie;
+  if (out.h != nullptr)
+    out.h[i] = (enthalpy_to(own, T) - enthalpy_to(own, kEnthalpyBase)) / frame::kJoulePerCalorie;
+  if (out.s != nullptr)
+    out.s[i] = (entropy_to(own, T) - entropy_to(own, kEnthalpyBase)) / frame::kJoulePerCalorie;
+  if (out.cp != nullptr)
+    out.cp[i] = heat_capacity_at(own, std::clamp(T, own.Tmin, own.Tmax)) / frame::kJoulePerCalorie;
   return T < own.Tmin || T > own.Tmax ? KV_PURE_RANGE : KV_OK;
 }
 

@@ -2,6 +2,7 @@
 // else has internal linkage, so that no code for a wider processor gets in the way of a narrower one.
 
 #include <cstddef>
+#include <type_traits>
 
 #include "support/arena.hpp"
 #include "support/lanes.hpp"
@@ -20,29 +21,48 @@ namespace {
   return (part[0] + part[1]) + (part[2] + part[3]);
 }
 
+typedef double Four [[gnu::vector_size(32), gnu::aligned(8), gnu::may_alias]];
+
+[[gnu::always_inline]] inline const Four* four_at(const double* m, int ld, int j, int begin) {
+  return reinterpret_cast<const Four*>(m + static_cast<std::size_t>(j) * ld + begin);
+}
+
+// Rows begin .. begin + 4 Vectors - 1 of the sum of x_j times column j, two columns at a time, in registers.
+template <int Vectors>
+[[gnu::always_inline]] inline void combine_rows(int n, int ld, const double* m, const double* x, int begin,
+                                                double* s) {
+  Four sum[Vectors];
+  int j = 0;
+  if (n % 2 != 0) {
+    for (int v = 0; v < Vectors; ++v) sum[v] = x[0] * four_at(m, ld, 0, begin)[v];
+    j = 1;
+  } else {
+    for (int v = 0; v < Vectors; ++v)
+      sum[v] = x[0] * four_at(m, ld, 0, begin)[v] + x[1] * four_at(m, ld, 1, begin)[v];
+    j = 2;
+  }
+  for (; j < n; j += 2) {
+    const Four *const c0 = four_at(m, ld, j, begin), *const c1 = four_at(m, ld, j + 1, begin);
+    const double x0 = x[j], x1 = x[j + 1];
+    for (int v = 0; v < Vectors; ++v) sum[v] += x0 * c0[v] + x1 * c1[v];
+  }
+  Four* const out = reinterpret_cast<Four*>(s + begin);
+  for (int v = 0; v < Vectors; ++v) out[v] = sum[v];
+}
+
+// Calls rows(i, number of vectors) for the rows from begin to ld, in strips that fit the registers.
+template <class Rows>
+[[gnu::always_inline]] inline void in_strips(int begin, int ld, Rows&& rows) {
+  int i = begin;
+  for (; ld - i >= 16; i += 16) rows(i, std::integral_constant<int, 4>());
+  if (ld - i == 12) rows(i, std::integral_constant<int, 3>());
+  if (ld - i == 8) rows(i, std::integral_constant<int, 2>());
+  if (ld - i == 4) rows(i, std::integral_constant<int, 1>());
+}
+
 Sums combine(int n, int ld_, const double* m, const double* x, const double* b, double* __restrict s) {
   const int ld = whole(ld_);
-  // Two columns at a time: half the loads and stores of s. The first ones set it.
-  int j = 2;
-  if (n < 2) {
-    for (int i = 0; i < ld; ++i) s[i] = x[0] * m[i];
-  } else {
-    const double* __restrict c0 = m;
-    const double* __restrict c1 = c0 + ld;
-    const double x0 = x[0], x1 = x[1];
-    for (int i = 0; i < ld; ++i) s[i] = x0 * c0[i] + x1 * c1[i];
-  }
-  for (; j + 1 < n; j += 2) {
-    const double* __restrict c0 = m + static_cast<std::size_t>(j) * ld;
-    const double* __restrict c1 = c0 + ld;
-    const double x0 = x[j], x1 = x[j + 1];
-    for (int i = 0; i < ld; ++i) s[i] += x0 * c0[i] + x1 * c1[i];
-  }
-  if (j < n) {
-    const double* __restrict c0 = m + static_cast<std::size_t>(j) * ld;
-    const double x0 = x[j];
-    for (int i = 0; i < ld; ++i) s[i] += x0 * c0[i];
-  }
+  in_strips(0, ld, [&](int i, auto vectors) { combine_rows<vectors>(n, ld, m, x, i, s); });
   double xs[4] = {}, xb[4] = {};
   for (int i = 0; i < ld; i += 4)
     for (int k = 0; k < 4; ++k) {
@@ -112,19 +132,45 @@ void scale(int n, int ld_, const double* __restrict root, const double* __restri
   }
 }
 
+double squares(int n, int ld_, const double* m) {
+  const int ld = whole(ld_);
+  double part[4] = {}, diagonal = 0.0;
+  for (int j = 0; j < n; ++j) {
+    const double* column = m + static_cast<std::size_t>(j) * ld;
+    diagonal += column[j] * column[j];
+    for (int i = block_start(j); i < ld; i += 4)
+      for (int k = 0; k < 4; ++k) part[k] += column[i + k] * column[i + k];
+  }
+  return 2.0 * total(part) - diagonal;
+}
+
+// Takes from rows begin .. begin + 4 Vectors - 1 of column j what the columns before it have there, in registers.
+template <int Vectors>
+[[gnu::always_inline]] inline void eliminate(int j, int ld, double* a, int begin) {
+  Four* const column = reinterpret_cast<Four*>(a + static_cast<std::size_t>(j) * ld + begin);
+  Four sum[Vectors];
+  for (int v = 0; v < Vectors; ++v) sum[v] = column[v];
+  for (int k = 0; k < j; ++k) {
+    const double* const ck = a + static_cast<std::size_t>(k) * ld;
+    const double w = ck[j] * ck[k];
+    const Four* const rows = reinterpret_cast<const Four*>(ck + begin);
+    for (int v = 0; v < Vectors; ++v) sum[v] -= w * rows[v];
+  }
+  for (int v = 0; v < Vectors; ++v) column[v] = sum[v];
+}
+
+// Column by column; they are scaled at the end. On the diagonal stand the inverse pivots of those that are done.
 bool ldl_factor(int n, int ld_, double* a, double floor) {
   const int ld = whole(ld_);
   for (int j = 0; j < n; ++j) {
-    double* __restrict cj = a + static_cast<std::size_t>(j) * ld;
-    const double pivot = cj[j];
+    in_strips(block_start(j), ld, [&](int i, auto vectors) { eliminate<vectors>(j, ld, a, i); });
+    double& pivot = a[static_cast<std::size_t>(j) * ld + j];
     if (!(pivot > floor)) return false;
-    const double inverse = 1.0 / pivot;
-    // Right-looking: the columns to the right are updated with this one before it is scaled.
-    for (int k = j + 1; k < n; ++k) {
-      double* __restrict ck = a + static_cast<std::size_t>(k) * ld;
-      const double w = cj[k] * inverse;
-      for (int i = block_start(k); i < ld; ++i) ck[i] -= w * cj[i];
-    }
+    pivot = 1.0 / pivot;
+  }
+  for (int j = 0; j < n; ++j) {
+    double* __restrict cj = a + static_cast<std::size_t>(j) * ld;
+    const double inverse = cj[j];
     for (int i = block_start(j); i < ld; ++i) cj[i] *= inverse;
     cj[j] = inverse;
   }
@@ -166,7 +212,7 @@ void group_sums(int n, int ld_, int m, const double* __restrict f, const double*
 
 }  // namespace
 
-const Lanes KESTRUNE_LANES = {KESTRUNE_LANES_NAME, combine,   linear, pairs, shares, powers, scale,
+const Lanes KESTRUNE_LANES = {KESTRUNE_LANES_NAME, combine,   linear, pairs, shares, powers, scale, squares,
                               ldl_factor,          group_sums};
 
 }  // namespace kestrune::support
