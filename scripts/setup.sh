@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs what the build and the tests need on Debian 12: compilers (also of the languages of examples/), test
-# libraries, what makes packages, and Wine for 32- and 64-bit programs. Does nothing, and says so, when everything is
+# libraries, what looks at sources, what makes packages, and Wine for 32- and 64-bit programs. Does nothing, and says so, when everything is
 # there. Needs root only where something is missing.
 #
 #   sh scripts/setup.sh          all that scripts/test.sh needs
@@ -23,12 +23,14 @@ all="dpkg-dev lintian zip unzip g++-mingw-w64-x86-64-posix clang-tidy"
 # The wheel, its tests and the packages that it uses where they are installed.
 python="python3-setuptools python3-wheel python3-build python3-pip python3-venv python3-numpy python3-pytest
   python3-hypothesis python3-pandas python3-matplotlib python3-pint python3-distributed python3-nbformat"
-optional="clang-format gnuplot-nox clang shellcheck"
+# What scripts/check.sh runs.
+checks="clang clang-format shellcheck"
+optional="gnuplot-nox"
 wine="wine wine32:i386"
 if [ "${1:-}" = demo ]; then
   optional=
 else
-  required="$required $hosts $python"
+  required="$required $hosts $python $checks"
 fi
 if [ "${1:-}" = all ]; then
   required="$required $all"
