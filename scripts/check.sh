@@ -12,6 +12,7 @@
 #   warnings   clang has no warning of the library, conversions that lose digits and shadowed names among them
 #   clang      the same for a build of library and command line, every file on its own (preset clang)
 #   tidy       clang-tidy with the rules of .clang-tidy
+# shellcheck disable=SC2317 # checks are called by their names
 set -u
 cd "$(dirname "$0")/.." || exit 1
 strict="-Wall -Wextra -Wpedantic -Wconversion -Wno-sign-conversion -Wshadow -Werror"
@@ -88,7 +89,6 @@ check_tidy() {
   cmake --preset clang >/dev/null || return 1
   files=$(tidy_files)
   [ "$files" ] || { echo "no file of src, siblings or host differs from main"; return 0; }
-  # Sources and tables that the build makes have to be there.
   echo "$files" | xargs -P "$(nproc)" -n 1 clang-tidy -p build/clang --quiet 2>/dev/null
 }
 

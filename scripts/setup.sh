@@ -1,7 +1,7 @@
 #!/bin/sh
 # Installs what the build and the tests need on Debian 12: compilers (also of the languages of examples/), test
-# libraries, what looks at sources, what makes packages, and Wine for 32- and 64-bit programs. Does nothing, and says so, when everything is
-# there. Needs root only where something is missing.
+# libraries, what looks at sources, what makes packages, and Wine for 32- and 64-bit programs. Does nothing, and says
+# so, when everything is there. Needs root only where something is missing.
 #
 #   sh scripts/setup.sh          all that scripts/test.sh needs
 #   sh scripts/setup.sh all      and what scripts/test.sh --all needs: 64-bit Windows and packages
