@@ -22,7 +22,7 @@ all="dpkg-dev lintian zip unzip g++-mingw-w64-x86-64-posix"
 # The wheel, its tests and the packages that it uses where they are installed.
 python="python3-setuptools python3-wheel python3-build python3-pip python3-venv python3-numpy python3-pytest
   python3-hypothesis python3-pandas python3-matplotlib python3-pint python3-distributed python3-nbformat"
-optional="clang-format gnuplot-nox clang"
+optional="clang-format gnuplot-nox clang mypy"
 wine="wine wine32:i386"
 if [ "${1:-}" = demo ]; then
   optional=

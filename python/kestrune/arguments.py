@@ -5,7 +5,9 @@ from __future__ import annotations
 from typing import Any, Mapping, Optional, Sequence
 
 import numpy as np
+from numpy.typing import NDArray
 
+from ._types import Array
 from .phases import GAS, LIQUID
 from .units import numbers_of
 
@@ -19,9 +21,9 @@ GIVEN = {
 }
 
 
-def positive(values: np.ndarray) -> np.ndarray:
+def positive(values: Array) -> NDArray[np.bool_]:
     """Where numbers are finite and above zero."""
-    return np.isfinite(values) & (values > 0.0)
+    return np.asarray(np.isfinite(values) & (values > 0.0))
 
 
 def limits_of(solubility: Optional[Sequence[float]]) -> str:
@@ -58,11 +60,10 @@ def kind_of(given: Mapping[str, Any]) -> tuple[int, str, str]:
     raise ValueError(f"a flash is given {pairs}, not {' and '.join(given) or 'nothing'}")
 
 
-def one_of(name: str, T: Any, P: Any, options: dict[str, Any]) -> dict[str, Any]:
-    """The options of a bubble or dew point; ValueError without one of T and P, or with both."""
+def one_of(name: str, T: Any, P: Any) -> None:
+    """ValueError for a point that is not given one of T and P."""
     if (T is None) == (P is None):
         raise ValueError(f"a {name} point is given T or P, one of them")
-    return options
 
 
 def phase_number(phase: str) -> int:
@@ -74,7 +75,7 @@ def phase_number(phase: str) -> int:
     raise ValueError(f"phase is 'gas' or 'liquid', not {phase!r}")
 
 
-def shape_of(names: Sequence[str], values: Sequence[np.ndarray], feed: Optional[np.ndarray]) -> tuple[int, ...]:
+def shape_of(names: Sequence[str], values: Sequence[Array], feed: Optional[Array]) -> tuple[int, ...]:
     """Shape that the arguments broadcast to; ValueError with their shapes where they do not."""
     shapes = [v.shape for v in values] + ([] if feed is None else [feed.shape[:-1]])
     try:

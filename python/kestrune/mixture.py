@@ -11,20 +11,18 @@ from typing import Any, Mapping, Optional, Sequence, Union
 import numpy as np
 
 from . import _native, calls
+from ._types import Array, Numbers
 from .arguments import GIVEN, kind_of, limits_of, one_of, phase_number, positive, shape_of, tuning_of
 from .curves import Critical, Envelope
 from .databank import Component, source_of
 from .errors import GOOD, KestruneError
-from .hydrate import Hydrate
+from .hydrate import hydrate
 from .phases import GAS, Phase
 from .states import State
 from .units import Units, numbers_of
-from .water import Water
+from .water import WATER, Boundary, Water
 
 __all__ = ["Mixture"]
-
-_WATER = "7732-18-5"  # CAS number
-
 
 class Mixture:
     """A mixture of components with its model, PPR78.
@@ -108,9 +106,20 @@ class Mixture:
         self._z = _constant(self._info["z"])
         self._molar_masses = _constant([c["molar_mass"] for c in self._info["components"]])
 
-    names = property(lambda self: self._names, doc="Names of the components.")
-    z = property(lambda self: self._z, doc="Mole fractions, whose sum is 1.")
-    molar_masses = property(lambda self: self._molar_masses, doc="Molar masses of the components, g/mol.")
+    @property
+    def names(self) -> tuple[str, ...]:
+        """Names of the components."""
+        return self._names
+
+    @property
+    def z(self) -> Array:
+        """Mole fractions, whose sum is 1."""
+        return self._z
+
+    @property
+    def molar_masses(self) -> Array:
+        """Molar masses of the components, g/mol."""
+        return self._molar_masses
 
     def __eq__(self, other: object) -> bool:
         if not isinstance(other, Mixture):
@@ -152,7 +161,7 @@ class Mixture:
     def free_water_index(self) -> Optional[int]:
         """Place of water among the components where it may part as free water, else None."""
         cas = [c["cas"] for c in self._info["components"]]
-        return cas.index(_WATER) if self._recipe[5] and _WATER in cas else None
+        return cas.index(WATER) if self._recipe[5] and WATER in cas else None
 
     @property
     def notes(self) -> list[str]:
@@ -166,13 +175,13 @@ class Mixture:
 
     def flash(
         self,
-        T: Any = None,
-        P: Any = None,
+        T: Optional[Numbers] = None,
+        P: Optional[Numbers] = None,
         *,
-        H: Any = None,
-        S: Any = None,
-        beta: Any = None,
-        z: Any = None,
+        H: Optional[Numbers] = None,
+        S: Optional[Numbers] = None,
+        beta: Optional[Numbers] = None,
+        z: Optional[Numbers] = None,
         phases: int = 3,
         threads: Optional[int] = None,
         units: Union[str, Units, None] = None,
@@ -230,7 +239,7 @@ class Mixture:
             raise KestruneError(state.status, f"flash of {self.title_or_names}")
         return state
 
-    def _feed(self, z: Any) -> tuple[Optional[np.ndarray], Any]:
+    def _feed(self, z: Any) -> tuple[Optional[Array], Any]:
         """Feeds divided by their sums, and their molar masses."""
         if z is None:
             return None, self.molar_mass
@@ -243,24 +252,26 @@ class Mixture:
         feed = feed / feed.sum(axis=-1, keepdims=True)
         return feed, feed @ self.molar_masses
 
-    def bubble(self, *, T: Any = None, P: Any = None, **options: Any) -> State:
+    def bubble(self, *, T: Optional[Numbers] = None, P: Optional[Numbers] = None, **options: Any) -> State:
         """Bubble point at a temperature or a pressure; options and errors as of `flash`."""
-        return self.flash(T, P, beta=0.0, **one_of("bubble", T, P, options))
+        one_of("bubble", T, P)
+        return self.flash(T, P, beta=0.0, **options)
 
-    def dew(self, *, T: Any = None, P: Any = None, **options: Any) -> State:
+    def dew(self, *, T: Optional[Numbers] = None, P: Optional[Numbers] = None, **options: Any) -> State:
         """Dew point at a temperature or a pressure; options and errors as of `flash`."""
-        return self.flash(T, P, beta=1.0, **one_of("dew", T, P, options))
+        one_of("dew", T, P)
+        return self.flash(T, P, beta=1.0, **options)
 
     def properties(
         self,
-        T: Any,
-        P: Any,
+        T: Numbers,
+        P: Numbers,
         phase: str = "gas",
-        x: Any = None,
+        x: Optional[Numbers] = None,
         *,
         threads: Optional[int] = None,
         units: Union[str, Units, None] = None,
-    ) -> Any:
+    ) -> Phase:
         """Properties of the mixture, or of a composition, as one phase, whether it is stable or not.
 
         Parameters
@@ -292,7 +303,7 @@ class Mixture:
         refused = np.select([~positive(at_T), ~positive(at_P), np.isnan(full).any(axis=-1)], [9004, 9005, 9006], 0)
         return Phase(name, self, shown, kind, at_T, at_P, one, np.array(full, dtype=float), threads, refused)
 
-    def kij(self, T: float, units: Union[str, Units, None] = None) -> np.ndarray:
+    def kij(self, T: float, units: Union[str, Units, None] = None) -> Array:
         """Interaction parameters k_ij that the model predicts at a temperature (SI K), shape ``(count, count)``."""
         shown = self._units if units is None else Units.of(units)
         at = shown.to_si("temperature", T)
@@ -315,15 +326,43 @@ class Mixture:
         """Water content and water dew points of the mixture as a gas."""
         if self._water is None:
             wet = self
-            if _WATER not in (c["cas"] for c in self._info["components"]):
+            if WATER not in (c["cas"] for c in self._info["components"]):
                 wet = _rebuilt((*self._recipe[:4], True, *self._recipe[5:]), self._units)
             self._water = Water(wet)
         return self._water
 
-    @property
-    def hydrate(self) -> Hydrate:
-        """Hydrate formation of the mixture as a gas, with or without inhibitor."""
-        return Hydrate(self)
+    def hydrate(
+        self,
+        *,
+        T: Optional[Numbers] = None,
+        P: Optional[Numbers] = None,
+        inhibitor: Union[str, float, None] = None,
+        percent: float = 0.0,
+        units: Union[str, Units, None] = None,
+    ) -> Boundary:
+        """Where hydrate forms of the mixture as a gas: the temperature below, or the pressure above, which it does.
+
+        Parameters
+        ----------
+        T, P : float or array
+            One of them, SI K or Pa.
+        inhibitor : str or float, optional
+            ``"methanol"``, ``"MEG"``, ``"DEG"``, ``"TEG"``, ``"NaCl"``, ``"KCl"``, ``"CaCl2"`` or a molar mass in g/mol.
+        percent : float
+            Its mass percent in the aqueous solution, 0 to 70.
+
+        Returns
+        -------
+        Boundary
+            T, P and status. Beyond 200 K, 313.15 K without inhibitor and 1000 bar there is no answer: status 151 and NaN
+            of many states, KestruneError of a single one.
+
+        Notes
+        -----
+        By the gravity of the gas (Towler and Mokhatab 2005), with the depression of Hammerschmidt (1934). Made from sweet
+        natural gases, 265 to 298 K and 12 to 400 bar.
+        """
+        return hydrate(self, T, P, inhibitor, percent, self._units if units is None else Units.of(units))
 
 
 def _rebuilt(recipe: tuple[Any, ...], units: Union[str, Units]) -> Mixture:
@@ -332,7 +371,7 @@ def _rebuilt(recipe: tuple[Any, ...], units: Union[str, Units]) -> Mixture:
     return mixture
 
 
-def _constant(values: Sequence[float]) -> np.ndarray:
+def _constant(values: Sequence[float]) -> Array:
     array = np.array(values, dtype=float)
     array.setflags(write=False)
     return array
