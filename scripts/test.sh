@@ -162,7 +162,7 @@ if has_target native test_reentrancy; then
   fi
 fi
 
-check wheel sh scripts/wheel.sh --test
+check wheel sh scripts/wheel.sh --test native ${release:+win64}
 check fuzz sh scripts/fuzz.sh 2
 
 [ -z "$release" ] || check packages make_and_check_packages

@@ -301,7 +301,7 @@ class Mixture:
         name = "vapour" if kind == GAS else "liquid"
         _native.thread_count(threads)
         refused = np.select([~positive(at_T), ~positive(at_P), np.isnan(full).any(axis=-1)], [9004, 9005, 9006], 0)
-        return Phase(name, self, shown, kind, at_T, at_P, one, np.array(full, dtype=float), threads, refused)
+        return Phase(name, self, shown, kind, at_T, at_P, one, np.array(full, dtype=float, order="C"), threads, refused)
 
     def kij(self, T: float, units: Union[str, Units, None] = None) -> Array:
         """Interaction parameters k_ij that the model predicts at a temperature (SI K), shape ``(count, count)``."""
