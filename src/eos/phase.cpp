@@ -163,8 +163,8 @@ double dln_phi_dT(const Temperature& t, const Mixture& m, const Root& r, const M
   return a_t;
 }
 
-void dln_phi_dn(const Temperature& t, const Mixture& m, const Root& r, const Mechanics& k,
-                const double* __restrict s, double* __restrict out, int ld_out, int rows, bool lower) noexcept {
+void dln_phi_dn(const Temperature& t, const Mixture& m, const Root& r, const Mechanics& k, const double* s,
+                double* out, int ld_out, int rows, bool lower) noexcept {
   const double eta = r.eta, c = eta / (1.0 - eta);
   const double invb = 1.0 / m.b;
   const double rt = invb / (kR * t.T);

@@ -48,7 +48,7 @@ bool factor(Energy& e, const EnergyState& s, const double* w, double c) {
     for (int j = 0; j < e.n; ++j) {
       const std::size_t at = static_cast<std::size_t>(j) * e.ld;
       const double wj = V * L * c * w[j];
-      for (int i = j & ~3; i < e.ld; ++i)
+      for (int i = support::block_start(j); i < e.ld; ++i)
         e.system[at + i] =
             e.scale[j] * e.scale[i] * (L * e.b.dn[at + i] + V * e.a.dn[at + i] - 1.0 + wj * w[i]);
       e.system[at + j] += 1.0 + shift;

@@ -247,19 +247,18 @@ bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
     }
     // A gas beside a gas: it would be the one that is there already.
     if (have_gas && f.m.built_in() && f.call.T >= kNearCritical * Tc[j] && is_gas_alone(f, j)) continue;
-    f.status = start_near_pure(f.m, ref, j, f.trial);
+    Pure pure;
+    f.status = look_at_pure(f.m, ref, j, f.trial, pure);
     if (f.status != KV_OK) return false;
     const double least = j == heaviest || j == water ? kHeaviestWorthFollowing : kWorthFollowing;
-    if (f.trial.log_w[j] < std::log(least)) continue;
-    const double dense = f.m.built_in() ? packing(f, f.m.t.b[j], f.trial.Z) : 1.0;
+    if (pure.log_activity < std::log(least)) continue;
+    const double dense = f.m.built_in() ? packing(f, f.m.t.b[j], pure.Z) : 1.0;
     const bool gas = dense < kGasPacking;
-    if (dense < kCriticalPacking && !f.liquids_only() && f.call.T < kNearCritical * Tc[j]) {
-      if (!liquid_of_gas_trials(f, ref, j, f.call.T < Tc[j], false)) return false;
-      if (have_gas && gas) continue;
-      f.status = start_near_pure(f.m, ref, j, f.trial);
-      if (f.status != KV_OK) return false;
-    }
+    if (dense < kCriticalPacking && !f.liquids_only() && f.call.T < kNearCritical * Tc[j] &&
+        !liquid_of_gas_trials(f, ref, j, f.call.T < Tc[j], false))
+      return false;
     if (have_gas && gas) continue;
+    start_from_pure(f.m, ref, pure, f.trial);
     if (!run_trial(f, ref, trial_kind(f))) return false;
   }
   return true;

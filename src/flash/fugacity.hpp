@@ -35,7 +35,8 @@ struct Counts {
   int fugacities = 0;  // evaluations of ln phi of one phase
   int by_step[kSteps] = {};
   Step step = Step::feed;
-  int matrices = 0;  // of them, with composition derivatives
+  int pure_roots = 0;  // looks at a component alone, without the others' ln phi
+  int matrices = 0;    // of them, with composition derivatives
   int factorisations = 0;
   int iterations = 0;  // of the two-phase iteration
   int trials = 0;      // of the stability test

@@ -105,7 +105,7 @@ bool share_out(const QualityLine& line, LinePoint& p);
 /*
  * For a point beside a critical one that is known but for its last digits: corrections of p.X with the unknown
  * held as it stands. Directions in which the equations hardly change are left alone: they determine nothing but
- * rounding. work[(n + 2)^2]. x and y are those of p.X, the slope is not. False: status of the fugacity routine,
+ * rounding. work[(n + 2) * padded(n + 2)]. x and y are those of p.X, the slope is not. False: status of the fugacity routine,
  * or no correction.
  */
 bool polish_point(QualityLine& line, LinePoint& p, int held, double* work, StatusCode& status);

@@ -78,7 +78,8 @@ inline constexpr double kConvex = 0.1;
 
 /*
  * Whether the curvature of the distance at a phase x[ld], the matrix 1 + sqrt(x_i x_j) d ln phi_i/d n_j, has no
- * eigenvalue below margin. dn[ld * n]: its derivatives, lower triangle. The factors stay in work.hessian.
+ * eigenvalue below margin. dn[ld * n]: its derivatives, lower triangle. Where it has one, or the margin is not positive,
+ * the factors stay in work.hessian.
  */
 bool convex_with(Model& m, const double* x, const double* dn, double margin, const TrialWork& work);
 
@@ -90,10 +91,26 @@ bool convex_with(Model& m, const double* x, const double* dn, double margin, con
 bool clearly_convex(Model& m, const Reference& ref, Kind kind, const Evaluated* at, const TrialWork& work,
                     Trial& trial, double* lowest, StatusCode& status);
 
+// A component alone at the T and P of the model.
+struct Pure {
+  int j = 0;
+  double Z = 0.0;
+  double log_activity = 0.0;  // of it in the reference, its pure state as unit
+  eos::Mixture mixed;         // by the built-in equation
+  eos::Root root;
+};
+
 /*
- * First substitution from the pure component j: fills trial.log_w, and Z of the pure phase. log_w[j] is then
- * the logarithm of the activity of j, which decides whether the trial is worth following.
+ * The pure component j, and its activity in the reference, which says whether a trial is worth its way: by the
+ * built-in equation without a look at the other components. A host's routine tells all at once: log_w of the trial is
+ * filled then.
  */
+StatusCode look_at_pure(Model& m, const Reference& ref, int j, Trial& trial, Pure& pure);
+
+/* First substitution from the pure component: fills trial.log_w and Z. */
+void start_from_pure(Model& m, const Reference& ref, const Pure& pure, Trial& trial);
+
+/* Both. */
 StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& trial);
 
 /*

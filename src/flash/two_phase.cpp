@@ -181,7 +181,7 @@ void newton_matrix(const Model& m, const TwoPhaseWork& work, double shift, Itera
     const double* __restrict dy = work.dy + static_cast<std::size_t>(j) * ld;
     double* __restrict a = work.system + static_cast<std::size_t>(j) * ld;
     const double sj = work.scale[j];
-    for (int i = m.free_water ? 0 : j & ~3; i < ld; ++i)
+    for (int i = m.free_water ? 0 : support::block_start(j); i < ld; ++i)
       a[i] = sj * work.scale[i] * (L * dy[i] + V * dx[i] - 1.0);
     a[j] += 1.0 + shift;
   }

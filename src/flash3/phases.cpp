@@ -153,7 +153,7 @@ void newton_matrix(int n, int ld, int lead, const Phases& p, const PhasesWork& w
     for (int b = 0; b < n; ++b) {
       const int ub = kb * n + b;
       double* const column = w.system + static_cast<std::size_t>(ub) * lead;
-      std::fill(column + (ub & ~3), column + lead, 0.0);
+      std::fill(column + support::block_start(ub), column + lead, 0.0);
       column[ub] = 1.0;
       if (!(w.scale[ub] > 0.0)) continue;
       const int hb = w.home[b], jb = phase_of(hb, kb);
