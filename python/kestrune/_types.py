@@ -35,5 +35,11 @@ class _Quantity(Protocol):
 
 #: A number, an array of any shape, lists of numbers or a quantity; no text.
 Numbers = Union[
-    float, _HasArray, _Quantity, Sequence[float], Sequence[_HasArray], Sequence[Sequence[float]], Sequence[Sequence[Sequence[float]]]
+    float,
+    _HasArray,
+    _Quantity,
+    Sequence[float],
+    Sequence[_HasArray],
+    Sequence[Sequence[float]],
+    Sequence[Sequence[Sequence[float]]],
 ]

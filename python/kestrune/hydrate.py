@@ -31,7 +31,7 @@ def hydrate(
     T: Optional[Numbers],
     P: Optional[Numbers],
     inhibitor: Union[str, float, None],
-    percent: float,
+    percent: Optional[float],
     units: Units,
 ) -> Boundary:
     """Points of the hydrate curve; see `Mixture.hydrate`."""
@@ -55,8 +55,14 @@ def hydrate(
     return Boundary(units.from_si("temperature", at_T), shown, good)
 
 
-def _lines(mixture: Mixture, inhibitor: Union[str, float, None], percent: float) -> tuple[tuple[float, float], float]:
+def _lines(
+    mixture: Mixture, inhibitor: Union[str, float, None], percent: Optional[float]
+) -> tuple[tuple[float, float], float]:
     """Intercept and slope of T over ln P, and how much lower the inhibitor brings T."""
+    if percent is None:
+        if inhibitor is not None:
+            raise ValueError(f"the inhibitor {inhibitor!r} needs percent=, its mass percent in the aqueous solution")
+        percent = 0.0
     if isinstance(percent, bool) or not isinstance(percent, numbers.Real):
         raise TypeError(f"percent is a number, not {percent!r}")
     if not (math.isfinite(percent) and 0.0 <= percent <= 70.0):

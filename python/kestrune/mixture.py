@@ -236,7 +236,8 @@ class Mixture:
         found = calls.flash(self, kind, phases, columns, feed, shape, threads)
         state = State(self, shown, phases, *found, feed, threads)
         if not shape and state.status not in GOOD:
-            raise KestruneError(state.status, f"flash of {self.title_or_names}")
+            at = " and ".join(shown.label(name, q, given[name]) for name, q in zip(ordered, quantities))
+            raise KestruneError(state.status, f"flash of {self.title_or_names} at {at}")
         return state
 
     def _feed(self, z: Any) -> tuple[Optional[Array], Any]:
@@ -337,7 +338,7 @@ class Mixture:
         T: Optional[Numbers] = None,
         P: Optional[Numbers] = None,
         inhibitor: Union[str, float, None] = None,
-        percent: float = 0.0,
+        percent: Optional[float] = None,
         units: Union[str, Units, None] = None,
     ) -> Boundary:
         """Where hydrate forms of the mixture as a gas: the temperature below, or the pressure above, which it does.
@@ -347,20 +348,20 @@ class Mixture:
         T, P : float or array
             One of them, SI K or Pa.
         inhibitor : str or float, optional
-            ``"methanol"``, ``"MEG"``, ``"DEG"``, ``"TEG"``, ``"NaCl"``, ``"KCl"``, ``"CaCl2"`` or a molar mass in g/mol.
-        percent : float
+            ``"methanol"``, ``"MEG"``, ``"DEG"``, ``"TEG"``, ``"NaCl"``, ``"KCl"``, ``"CaCl2"`` or a molar mass, g/mol.
+        percent : float, with an inhibitor
             Its mass percent in the aqueous solution, 0 to 70.
 
         Returns
         -------
         Boundary
-            T, P and status. Beyond 200 K, 313.15 K without inhibitor and 1000 bar there is no answer: status 151 and NaN
-            of many states, KestruneError of a single one.
+            T, P and status. Beyond 200 K, 313.15 K without inhibitor and 1000 bar there is no answer: status 151 and
+            NaN of many states, KestruneError of a single one.
 
         Notes
         -----
-        By the gravity of the gas (Towler and Mokhatab 2005), with the depression of Hammerschmidt (1934). Made from sweet
-        natural gases, 265 to 298 K and 12 to 400 bar.
+        By the gravity of the gas (Towler and Mokhatab 2005), with the depression of Hammerschmidt (1934). Made from
+        sweet natural gases, 265 to 298 K and 12 to 400 bar.
         """
         return hydrate(self, T, P, inhibitor, percent, self._units if units is None else Units.of(units))
 

@@ -90,6 +90,13 @@ class Units:
             raise ValueError(f"no quantity {quantity!r}: use {', '.join(self._table)}")
         return self._table[quantity].name
 
+    def label(self, name: str, quantity: str, value: Any) -> str:
+        """A given number with its unit, as messages show it."""
+        if _is_pint(value):
+            return f"{name} = {value}"
+        symbol = self.symbol(quantity) if quantity in self._table else ""
+        return f"{name} = {float(numbers_of(quantity, value)):.6g} {symbol}".rstrip()
+
     def to_si(self, quantity: str, value: Any, molar_mass: Any = 0.0) -> Array:
         """Numbers in these units, or pint quantities of any unit, as an array of floats in SI."""
         if _is_pint(value):
@@ -110,6 +117,8 @@ class Units:
 
 def numbers_of(name: str, value: Any) -> Array:
     """An array of floats of its own, NaN for what is masked; of a pint quantity without a unit its number."""
+    if value is None:
+        raise TypeError(f"{name} is a number or an array of numbers, not None")
     if _is_pint(value):
         return _from_pint(name, value, 0.0)
     if isinstance(value, (list, tuple)) and any(map(_is_pint, value)):

@@ -24,7 +24,7 @@ _METHODS = {"eos": 1, "chart": 2}
 
 
 class Saturation(NamedTuple):
-    """A gas saturated with water: its mole fraction of water, kg of water in one normal m3 (0 C, 1 atm) of it, status."""
+    """A gas saturated with water: its mole fraction of water, kg of water in one normal m3 (0 C, 1 atm), and status."""
 
     fraction: Value
     content: Value
@@ -88,7 +88,8 @@ class Water:
         for slab in slabs(at_T.size):
             given = [a[slab].ctypes.data for a in (at_T, at_P)]
             out = [fraction[slab].ctypes.data, content[slab].ctypes.data, status[slab].ctypes.data]
-            _native.call("ka_saturation", self._mixture.handle, number, slab.stop - slab.start, *given, None, used, *out)
+            count = slab.stop - slab.start
+            _native.call("ka_saturation", self._mixture.handle, number, count, *given, None, used, *out)
         what = f"water content of {self._mixture.title_or_names}"
         good = answered(status.reshape(shape), what)
         return Saturation(scalar(fraction.reshape(shape)), scalar(content.reshape(shape)), good)

@@ -45,7 +45,8 @@ def test_package_and_a_users_program_are_checked(tmp_path):
     pytest.importorskip("mypy")
     (tmp_path / "program.py").write_text(PROGRAM, encoding="utf-8")
     (tmp_path / "mypy.ini").write_text(CONFIGURATION, encoding="utf-8")
-    check = [sys.executable, "-m", "mypy", "--cache-dir", str(tmp_path), str(Path(kestrune.__file__).parent), "program.py"]
+    package = str(Path(kestrune.__file__).parent)
+    check = [sys.executable, "-m", "mypy", "--cache-dir", str(tmp_path), package, "program.py"]
     said = subprocess.run(check, capture_output=True, text=True, cwd=tmp_path).stdout
     errors = [line.split(":")[:2] for line in said.splitlines() if ": error:" in line]
     wanted = [["program.py", str(n)] for n, line in enumerate(PROGRAM.splitlines(), 1) if "# wrong" in line]
