@@ -152,6 +152,13 @@ def packed(array: Any) -> Array:
     return np.asarray(array, dtype=float, order="C")
 
 
+def constant(values: Any) -> Array:
+    """Numbers as an array that nobody writes to."""
+    array = np.array(values, dtype=float)
+    array.setflags(write=False)
+    return array
+
+
 def processors() -> int:
     """Processors that this process may use."""
     if hasattr(os, "sched_getaffinity"):

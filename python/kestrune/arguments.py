@@ -2,14 +2,16 @@
 
 from __future__ import annotations
 
-from typing import Any, Mapping, Optional, Sequence
+from typing import TYPE_CHECKING, Any, Mapping, Optional, Sequence
 
 import numpy as np
 from numpy.typing import NDArray
 
-from ._types import Array
-from .phases import GAS, LIQUID
+from ._types import Array, Numbers
 from .units import numbers_of
+
+if TYPE_CHECKING:
+    from .mixture import Mixture
 
 #: What a flash can be given, by its number in the native library, with the quantities of the two.
 GIVEN = {
@@ -66,13 +68,18 @@ def one_of(name: str, T: Any, P: Any) -> None:
         raise ValueError(f"a {name} point is given T or P, one of them")
 
 
-def phase_number(phase: str) -> int:
-    """A phase as the native library numbers it; ValueError for another name."""
-    if phase in ("gas", "vapour"):
-        return GAS
-    if phase == "liquid":
-        return LIQUID
-    raise ValueError(f"phase is 'gas' or 'liquid', not {phase!r}")
+def feed_of(mixture: Mixture, z: Optional[Numbers]) -> tuple[Optional[Array], Any]:
+    """Feeds divided by their sums, and their molar masses; ValueError for what is no composition of the mixture."""
+    if z is None:
+        return None, mixture.molar_mass
+    names, feed = mixture.names, numbers_of("z", z)
+    if feed.ndim == 0 or feed.shape[-1] != len(names):
+        raise ValueError(f"z has {len(names)} fractions in its last axis, those of {', '.join(names)}")
+    known = feed[~np.isnan(feed).any(axis=-1)] if feed.ndim > 1 else feed
+    if not (np.isfinite(known).all() and (known >= 0.0).all() and (known.sum(axis=-1) > 0.0).all()):
+        raise ValueError("fractions of z are finite, not negative, and not all zero")
+    feed = feed / feed.sum(axis=-1, keepdims=True)
+    return feed, feed @ mixture.molar_masses
 
 
 def shape_of(names: Sequence[str], values: Sequence[Array], feed: Optional[Array]) -> tuple[int, ...]:

@@ -13,6 +13,7 @@ import numpy as np
 from numpy.typing import NDArray
 
 from ._types import Numbers
+from .arguments import feed_of
 from .mixture import Mixture
 from .states import State
 from .units import Units, numbers_of
@@ -77,7 +78,7 @@ def flash(
         raise TypeError("states for workers are plain numbers, with their units in units=, not pint quantities")
     numbers = {name: numbers_of(name, v) for name, v in given.items()}
     if z is not None:
-        mixture._feed(z)  # refuses what is wrong, here
+        feed_of(mixture, z)  # refuses what is wrong, here
         z = numbers_of("z", z)
     leading = [v.shape for v in numbers.values()] + ([] if z is None else [np.shape(z)[:-1]])
     shape = np.broadcast_shapes(*leading)

@@ -12,14 +12,14 @@ import numpy as np
 
 from . import _native, calls
 from ._types import Array, Numbers
-from .arguments import GIVEN, kind_of, limits_of, one_of, phase_number, positive, shape_of, tuning_of
+from .arguments import GIVEN, feed_of, kind_of, limits_of, one_of, shape_of, tuning_of
 from .curves import Critical, Envelope
 from .databank import Component, source_of
 from .errors import GOOD, KestruneError
 from .hydrate import hydrate
-from .phases import GAS, Phase
+from .phases import Phase, properties_of
 from .states import State
-from .units import Units, numbers_of
+from .units import Units
 from .water import WATER, Boundary, Water
 
 __all__ = ["Mixture"]
@@ -103,8 +103,8 @@ class Mixture:
         self._finalizer.atexit = False  # a thread may still calculate when the interpreter ends
         self._info = json.loads(_native.read_text("ka_describe", self._handle))
         self._names: tuple[str, ...] = tuple(c["name"] for c in self._info["components"])
-        self._z = _constant(self._info["z"])
-        self._molar_masses = _constant([c["molar_mass"] for c in self._info["components"]])
+        self._z = _native.constant(self._info["z"])
+        self._molar_masses = _native.constant([c["molar_mass"] for c in self._info["components"]])
 
     @property
     def names(self) -> tuple[str, ...]:
@@ -224,7 +224,7 @@ class Mixture:
             raise ValueError(f"phases is 2 or 3, not {phases!r}")
         if phases == 2 and self.free_water_index is not None:
             raise ValueError("free water is a liquid of its own: flash with phases=3, or a mixture without free_water")
-        feed, mass = self._feed(z)
+        feed, mass = feed_of(self, z)
         ordered = next(pair for pair in GIVEN if frozenset(pair) == frozenset(given))
         values = [shown.to_si(q, given[name], mass) for name, q in zip(ordered, quantities)]
         if "beta" in given:  # beyond 0 and 1 there is no state; NaN is refused with its status
@@ -239,19 +239,6 @@ class Mixture:
             at = " and ".join(shown.label(name, q, given[name]) for name, q in zip(ordered, quantities))
             raise KestruneError(state.status, f"flash of {self.title_or_names} at {at}")
         return state
-
-    def _feed(self, z: Any) -> tuple[Optional[Array], Any]:
-        """Feeds divided by their sums, and their molar masses."""
-        if z is None:
-            return None, self.molar_mass
-        feed = numbers_of("z", z)
-        if feed.ndim == 0 or feed.shape[-1] != len(self.names):
-            raise ValueError(f"z has {len(self.names)} fractions in its last axis, those of {', '.join(self.names)}")
-        known = feed[~np.isnan(feed).any(axis=-1)] if feed.ndim > 1 else feed
-        if not (np.isfinite(known).all() and (known >= 0.0).all() and (known.sum(axis=-1) > 0.0).all()):
-            raise ValueError("fractions of z are finite, not negative, and not all zero")
-        feed = feed / feed.sum(axis=-1, keepdims=True)
-        return feed, feed @ self.molar_masses
 
     def bubble(self, *, T: Optional[Numbers] = None, P: Optional[Numbers] = None, **options: Any) -> State:
         """Bubble point at a temperature or a pressure; options and errors as of `flash`."""
@@ -292,17 +279,7 @@ class Mixture:
             positive raises KestruneError when they are read; of many states it has its `property_status` and NaN.
         """
         shown = self._units if units is None else Units.of(units)
-        kind = phase_number(phase)
-        values = [shown.to_si("temperature", T), shown.to_si("pressure", P)]
-        feed, _ = self._feed(x)
-        shape = shape_of(("T", "P"), values, feed)
-        at_T, at_P = (_native.packed(np.broadcast_to(v, shape)) for v in values)
-        full = np.broadcast_to(self.z if feed is None else feed, (*shape, len(self.names)))
-        one = np.ones(shape) if shape else 1.0
-        name = "vapour" if kind == GAS else "liquid"
-        _native.thread_count(threads)
-        refused = np.select([~positive(at_T), ~positive(at_P), np.isnan(full).any(axis=-1)], [9004, 9005, 9006], 0)
-        return Phase(name, self, shown, kind, at_T, at_P, one, np.array(full, dtype=float, order="C"), threads, refused)
+        return properties_of(self, T, P, phase, x, threads, shown)
 
     def kij(self, T: float, units: Union[str, Units, None] = None) -> Array:
         """Interaction parameters k_ij that the model predicts at a temperature (SI K), shape ``(count, count)``."""
@@ -370,9 +347,3 @@ def _rebuilt(recipe: tuple[Any, ...], units: Union[str, Units]) -> Mixture:
     mixture = Mixture.__new__(Mixture)
     mixture._build(recipe, units)
     return mixture
-
-
-def _constant(values: Sequence[float]) -> Array:
-    array = np.array(values, dtype=float)
-    array.setflags(write=False)
-    return array

@@ -7,8 +7,9 @@ from typing import TYPE_CHECKING, Any, NamedTuple, Optional, overload
 import numpy as np
 from numpy.typing import NDArray
 
-from . import calls
-from ._types import Array, Status, Value
+from . import _native, calls
+from ._types import Array, Numbers, Status, Value
+from .arguments import feed_of, positive, shape_of
 from .errors import GOOD, KestruneError
 from .units import Units
 
@@ -219,3 +220,21 @@ class Phase:
 def scalar(array: Any) -> Any:
     """A plain number instead of an array without dimensions."""
     return array.item() if isinstance(array, np.ndarray) and array.ndim == 0 else array
+
+
+def properties_of(
+    mixture: Mixture, T: Numbers, P: Numbers, phase: str, x: Optional[Numbers], threads: Optional[int], units: Units
+) -> Phase:
+    """A composition as one phase; see `Mixture.properties`."""
+    if phase not in ("gas", "vapour", "liquid"):
+        raise ValueError(f"phase is 'gas' or 'liquid', not {phase!r}")
+    name, kind = ("liquid", LIQUID) if phase == "liquid" else ("vapour", GAS)
+    values = [units.to_si("temperature", T), units.to_si("pressure", P)]
+    feed, _ = feed_of(mixture, x)
+    shape = shape_of(("T", "P"), values, feed)
+    at_T, at_P = (_native.packed(np.broadcast_to(v, shape)) for v in values)
+    full = np.broadcast_to(mixture.z if feed is None else feed, (*shape, len(mixture.names)))
+    one = np.ones(shape) if shape else 1.0
+    _native.thread_count(threads)
+    refused = np.select([~positive(at_T), ~positive(at_P), np.isnan(full).any(axis=-1)], [9004, 9005, 9006], 0)
+    return Phase(name, mixture, units, kind, at_T, at_P, one, np.array(full, dtype=float, order="C"), threads, refused)
