@@ -25,7 +25,7 @@ python="python3-setuptools python3-wheel python3-build python3-pip python3-venv 
   python3-hypothesis python3-pandas python3-matplotlib python3-pint python3-distributed python3-nbformat"
 # What scripts/check.sh runs.
 checks="clang clang-format shellcheck"
-optional="gnuplot-nox"
+optional="gnuplot-nox mypy"
 wine="wine wine32:i386"
 if [ "${1:-}" = demo ]; then
   optional=

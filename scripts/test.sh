@@ -179,13 +179,11 @@ if has_target native test_reentrancy; then
   fi
 fi
 
+check wheel sh scripts/wheel.sh --test native ${release:+win64}
 if [ "$release" ]; then
-  check wheel sh scripts/wheel.sh --test
   check packages make_and_check_packages
   check clang sh scripts/check.sh clang
   check tidy sh scripts/check.sh --all tidy
-else
-  check wheel sh scripts/wheel.sh --linux --test
 fi
 check fuzz sh scripts/fuzz.sh 2
 check exports check_all_exports
