@@ -125,7 +125,7 @@ StatusCode evaluate(Specified& s, Values& v) {
     c.dln_phi_dT = s.dtau[j];
     c.dn = e.w.dn[j];
     c.Z = p.Z[j];
-    if (!flash::phase_caloric(*s.caloric, p.x[j], s.kind[j], c)) return KV_NOT_FINITE;
+    if (!flash::phase_caloric(*s.caloric, p.x[j], s.kind[j], c) || !(c.slope > 0.0)) return KV_NOT_FINITE;
     p.Z[j] = c.Z;
     v.phase[j] = c.value;
     v.total += p.amount[j] * c.value;
