@@ -63,7 +63,7 @@ double next_temperature(const Energy& e, const EnergyState& s) {
  */
 bool solve_as_one_phase(Energy& e) {
   EnergyState& s = e.spare;
-  if (solve_one_phase(e, s) != Local::converged || !e.bracket.within(s.T)) return false;
+  if (solve_one_phase(e, s) != Local::converged || !e.worth_a_look(s.T)) return false;
   if (!equilibrium_at(e, s.T, false, s)) return false;
   copy_state(e, s, e.state);
   return !s.two_phases() && accept(e, e.state, Found::flash);
@@ -80,7 +80,7 @@ bool solve_locally(Energy& e) {
     if (e.status != KV_OK) return false;
     if (local == Local::unstable) {
       (e.f(e.state) < 0.0 ? e.turned_low : e.turned_high) = true;
-      if (!e.bracket.within(s.T)) return false;
+      if (!e.worth_a_look(s.T)) return false;
       // Something splits off: what the flash says there. Of a state with three phases it may be the same two.
       if (!equilibrium_at(e, s.T, false, e.other)) return false;
       copy_state(e, e.other, e.state);

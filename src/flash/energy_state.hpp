@@ -18,7 +18,8 @@ inline bool plausible(double T) {
 }
 
 inline constexpr double kColdest = 3.0, kHottest = 10000.0;  // K, the range that is searched
-inline constexpr double kCold = 60.0;  // K; before a search goes on from below, it asks for the coldest state
+inline constexpr double kFarOff = 1e-6;  // of the scale of a value: more than what is within rounding of T
+inline constexpr double kCold = 60.0;    // K; before a search goes on from below, it asks for the coldest state
 
 // The equilibrium at one temperature. Arrays [ld].
 struct EnergyState {
@@ -63,8 +64,11 @@ struct EnergyBracket {
   }
   bool closed() const { return have_low && have_high; }
   bool inside(double T) const { return T > low && T < high; }
-  // Inside, and not at one of the ends again, where a flash has been.
-  bool within(double T) const { return T > low * (1.0 + kSameEnd) && T < high * (1.0 - kSameEnd); }
+  // At an end whose value is off by more than that: a flash has been there, and the answer is not.
+  bool at_end(double T, double off) const {
+    return (have_low && T <= low * (1.0 + kSameEnd) && -f_low > off) ||
+           (have_high && T >= high * (1.0 - kSameEnd) && f_high > off);
+  }
   // Where the vapour fraction grows within a hair of T flashes see one phase only, and the ends are no better
   // known than that.
   bool about(double T) const { return T > low * (1.0 - kSlack) && T < high * (1.0 + kSlack); }
@@ -108,6 +112,10 @@ struct Energy {
   double *a_dn = nullptr, *b_dn = nullptr, *system = nullptr;  // [ld * n]
 
   double f(const EnergyState& s) const { return s.value - call.wanted; }
+  // Whether a flash at T may show something new.
+  bool worth_a_look(double T) const {
+    return bracket.inside(T) && !bracket.at_end(T, kFarOff * value_scale(T));
+  }
   // Of values at T: an enthalpy counts in parts of R T, an entropy of R, where the wanted one is smaller.
   double value_scale(double T) const {
     return std::fmax(std::fabs(call.wanted), eos::kCalR * (call.property == Property::enthalpy ? T : 1.0));
