@@ -33,7 +33,7 @@ struct Iteration {
 
 /*
  * Substitutions with the amounts of the convex split, then Newton's method on the Gibbs energy with a line
- * search. p holds the compositions to start from in their slots. status: of the fugacity routine.
+ * search. p holds three phases to start from, which are put in their slots. status: of the fugacity routine.
  */
 Ended iterate_phases(flash::Model& m, const double* z, const Iteration& how, Phases& p, const PhasesWork& w,
                      StatusCode& status);
