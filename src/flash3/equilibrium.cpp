@@ -276,7 +276,8 @@ StatusCode from_own_starts(Equilibrium& e) {
   return lower || status != KV_OK ? status : StatusCode{KV_NOT_CONVERGED};
 }
 
-// From an answer that was just tested to one that nothing cuts.
+// From an answer that was just tested to one that nothing cuts. Each way starts from the answer (e.answer) and
+// what cuts it (e.added), and counts when nothing cuts its end or that lies lower.
 StatusCode improve(Equilibrium& e) {
   for (int round = 0; round < kMostRounds && e.third.found; ++round) {
     copy_phases(e.p, e.answer, e.m.ld);
@@ -305,7 +306,7 @@ StatusCode improve(Equilibrium& e) {
       }
     }
     if (status != KV_FOURTH_PHASE && !lower(status)) status = from_own_starts(e);
-    if (status != KV_OK) {
+    if (status != KV_OK) {  // the answer stands where what cuts it may be rounding
       copy_phases(e.answer, e.p, e.m.ld);
       e.third.distance = distance;
       if (distance > std::min(kClearlyCut, -flash::host_slack(e.m, e.how.settings))) return KV_OK;
