@@ -27,6 +27,7 @@ struct EnergyState {
   double liquid = 0.0, vapour = 0.0;  // values of the phases, 0 for one that is absent
   double value = 0.0;                 // of the whole
   double slope = 0.0;                 // d value/dT along the equilibrium where it is known, else 0
+  bool rising = true;                 // the value of every phase rises with T
   double gibbs = 0.0;                 // G/RT above that of the pure ideal gases, of an analytic model
   double gibbs_slope = 0.0;           // d gibbs/dT
   StatusCode status = KV_OK;          // of the isothermal flash, 95 as KV_OK
@@ -36,7 +37,7 @@ struct EnergyState {
 // Temperatures between which the value is crossed. The weights are those of the Illinois rule: an end that
 // stays twice counts half.
 struct EnergyBracket {
-  static constexpr double kSlack = 1e-4;
+  static constexpr double kSlack = 1e-4, kSameEnd = 1e-9;
   double low = kColdest, high = kHottest;
   double f_low = 0.0, f_high = 0.0;
   double weight_low = 1.0, weight_high = 1.0;
@@ -62,6 +63,8 @@ struct EnergyBracket {
   }
   bool closed() const { return have_low && have_high; }
   bool inside(double T) const { return T > low && T < high; }
+  // Inside, and not at one of the ends again, where a flash has been.
+  bool within(double T) const { return T > low * (1.0 + kSameEnd) && T < high * (1.0 - kSameEnd); }
   // Where the vapour fraction grows within a hair of T flashes see one phase only, and the ends are no better
   // known than that.
   bool about(double T) const { return T > low * (1.0 - kSlack) && T < high * (1.0 + kSlack); }
@@ -156,6 +159,9 @@ void add_to_bracket(Energy& e);
  */
 StatusCode close_bracket(Energy& e);
 
+/* Whether the ends of the bracket have different pairs of phases which change places between them. */
+bool pairs_cross(const Energy& e);
+
 inline constexpr double kLimitReached = 100.0;
 /* Whether e.status is of the model, and the same at any temperature. */
 inline bool model_refuses(const Energy& e) {
@@ -183,7 +189,10 @@ enum class Local {
 Local solve_one_phase(Energy& e, EnergyState& s);
 Local solve_two_phases(Energy& e, EnergyState& s);
 
-/* The same of two phases within the bracket, through the gate. On converged e.state is the answer. */
+/* Newton on the amounts alone: equal fugacities of the two phases of s at its temperature. */
+bool equalise(Energy& e, EnergyState& s);
+
+/* As solve_two_phases, within the bracket, through the gate. On converged e.state is the answer. */
 Local solve_phases(Energy& e, EnergyState& s);
 
 /*
