@@ -1,3 +1,6 @@
+// Values and slopes of one phase at a prepared temperature, (11) of docs/method.md and the ideal gas; or by a
+// host's routine and the rules of free water.
+
 #include "flash/caloric.hpp"
 
 #include <algorithm>

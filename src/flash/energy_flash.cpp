@@ -1,7 +1,8 @@
-// The main solver. An isothermal flash says which phases there are at a temperature; Newton's method at these
-// phases says where the value would be reached; and the stability test says whether they are still the right
-// ones there. Every isothermal flash closes the bracket around the temperature, since the value rises with it.
-// Where that does not end soon the bracket is closed to its end, see energy_close.cpp.
+// The main solver, section 7 of docs/method.md. An isothermal flash says which phases there are at a
+// temperature; Newton's method at these phases says where the value would be reached; and the stability test
+// says whether they are still the right ones there. Every isothermal flash closes the bracket around the
+// temperature, since the value rises with it. Where that does not end soon the bracket is closed to its end,
+// see energy_close.cpp.
 
 #include "flash/energy_flash.hpp"
 

@@ -1,8 +1,9 @@
 // Newton steps on the temperature, and on the amounts of two phases beside it, at a value of enthalpy or
-// entropy. With g = ln f(vapour) - ln f(liquid), w = dg/dT and J = dg/dv, equal fugacities need J dv + w dT =
-// -g, and the value changes by C dT - h dv, where h, liquid less vapour, is R T^2 w (of the entropy R (T w +
-// g)). The temperature is eliminated, not the amounts: J + w h/C is positive definite also where the vapour
-// fraction grows at one temperature and J is singular, as for single components and azeotropes. [Mic99]
+// entropy, (26) and (27) of docs/method.md. With g = ln f(vapour) - ln f(liquid), w = dg/dT and J = dg/dv,
+// equal fugacities need J dv + w dT = -g, and the value changes by C dT - h dv, where h, liquid less vapour,
+// is R T^2 w (of the entropy R (T w + g)). The temperature is eliminated, not the amounts: J + w h/C is
+// positive definite also where the vapour fraction grows at one temperature and J is singular, as for single
+// components and azeotropes. [Mic99]
 //
 // [Mic99] M. L. Michelsen, Fluid Phase Equilib. 158-160 (1999) 617-626: state-function based flashes.
 

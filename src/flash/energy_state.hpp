@@ -197,7 +197,7 @@ enum class Local {
 Local solve_one_phase(Energy& e, EnergyState& s);
 Local solve_two_phases(Energy& e, EnergyState& s);
 
-/* Newton on the amounts alone: equal fugacities of the two phases of s at its temperature. */
+/* Newton on the amounts alone, (26) of docs/method.md with dT = 0: equal fugacities of the phases of s at its T. */
 bool equalise(Energy& e, EnergyState& s);
 
 /* As solve_two_phases, within the bracket, through the gate. On converged e.state is the answer. */

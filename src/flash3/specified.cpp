@@ -1,3 +1,6 @@
+// Newton's method at a specified value: residuals, their derivatives row by row, bounded steps, and what the
+// solution is worth.
+
 #include "flash3/specified.hpp"
 
 #include <algorithm>
@@ -291,7 +294,8 @@ bool in_range(const Specified& s, double T, double P) {
          s.P > P / kFarP && s.P < P * kFarP;
 }
 
-// Work of one step in evaluations of ln phi, which grows faster than theirs; of a call always enough for a search.
+// Work of one step in evaluations of ln phi, which grows faster than theirs; of a call always enough for a
+// search.
 int system_work(const flash::HostRoutines* host, int size) {
   constexpr double kCubes = 6000.0;  // cube of the order of a system that takes as long as an evaluation
   constexpr int kStepsOfCall = 100;
