@@ -1,5 +1,5 @@
 #!/bin/sh
-# Fails where a file includes what its layer must not know.
+# Fails where a file includes what its layer must not know, or the papers of the layers are not what the code says.
 #
 #   support < frame < eos < flash < flash3, envelope, water (unknown to each other) < frame/exports
 #
@@ -67,3 +67,6 @@ if [ "$entries" = 0 ] || [ "$entries" != "$guards" ]; then
   echo "$entries exports, $guards of them behind the guard"
   exit 1
 fi
+
+# The picture of the layers, the equations and sources that the papers and the comments name.
+python3 tools/check_papers.py || exit 1

@@ -13,13 +13,21 @@
 #if defined(_WIN32)
 #include <windows.h>
 #define FILE_OF "%s\\%s.dll"
-static void* open_library(const char* path) { return (void*)LoadLibraryExA(path, NULL, LOAD_WITH_ALTERED_SEARCH_PATH); }
-static void* symbol(void* library, const char* name) { return (void*)(size_t)GetProcAddress((HMODULE)library, name); }
+static void* open_library(const char* path) {
+  return (void*)LoadLibraryExA(path, NULL, LOAD_WITH_ALTERED_SEARCH_PATH);
+}
+static void* symbol(void* library, const char* name) {
+  return (void*)(size_t)GetProcAddress((HMODULE)library, name);
+}
 #else
 #include <dlfcn.h>
 #define FILE_OF "%s/lib%s.so"
-static void* open_library(const char* path) { return dlopen(path, RTLD_NOW); }
-static void* symbol(void* library, const char* name) { return dlsym(library, name); }
+static void* open_library(const char* path) {
+  return dlopen(path, RTLD_NOW);
+}
+static void* symbol(void* library, const char* name) {
+  return dlsym(library, name);
+}
 #endif
 
 enum { STATES = 5000, NC = 4 };
@@ -45,13 +53,13 @@ int main(int count, char** argument) {
   char path[1024];
   void* library;
   int32_t (*open)(const char*, char*, int32_t);
-  KaMixture* (*mixture_of)(const char*, const char*, const char*, int32_t, int32_t, int32_t, const char*, const char*, char*,
-                           int32_t);
+  KaMixture* (*mixture_of)(const char*, const char*, const char*, int32_t, int32_t, int32_t, const char*,
+                           const char*, char*, int32_t);
   int32_t (*flash)(KaMixture*, const KaFlash*, char*, int32_t);
-  int32_t (*properties)(KaMixture*, int32_t, int64_t, const double*, const double*, const double*, int32_t, int32_t, double*,
-                        int32_t*, char*, int32_t);
-  int32_t (*saturation)(KaMixture*, int32_t, int64_t, const double*, const double*, const double*, int32_t, double*, double*,
-                        int32_t*, char*, int32_t);
+  int32_t (*properties)(KaMixture*, int32_t, int64_t, const double*, const double*, const double*, int32_t,
+                        int32_t, double*, int32_t*, char*, int32_t);
+  int32_t (*saturation)(KaMixture*, int32_t, int64_t, const double*, const double*, const double*, int32_t,
+                        double*, double*, int32_t*, char*, int32_t);
   KaMixture* gas;
   KaFlash job;
   int i, p, threads;
@@ -71,8 +79,10 @@ int main(int count, char** argument) {
   need(open("nowhere", text, sizeof text) == -1 && strstr(text, "nowhere"), "a library that is not there");
   snprintf(path, sizeof path, FILE_OF, argument[1], "KVGasThermo");
   need(open(path, text, sizeof text) == 0, "ka_open");
-  need(!mixture_of("methan=1", "", "2022", 0, 0, 0, "", "", text, sizeof text) && strstr(text, "methane"), "a misspelt name");
-  gas = mixture_of("methane=0.8,propane=0.1,nC6=0.05,water=0.05", "", "2022", 0, 0, 0, "", "", text, sizeof text);
+  need(!mixture_of("methan=1", "", "2022", 0, 0, 0, "", "", text, sizeof text) && strstr(text, "methane"),
+       "a misspelt name");
+  gas =
+      mixture_of("methane=0.8,propane=0.1,nC6=0.05,water=0.05", "", "2022", 0, 0, 0, "", "", text, sizeof text);
   need(gas != NULL, "ka_mixture");
 
   for (i = 0; i < STATES; ++i) {
@@ -81,7 +91,8 @@ int main(int count, char** argument) {
   }
   T[17] = -1.0;
   memset(&job, 0, sizeof job);
-  job.given = KA_TP, job.phases = 3, job.count = STATES, job.first = T, job.second = P, job.T = out_T, job.P = out_P;
+  job.given = KA_TP, job.phases = 3, job.count = STATES, job.first = T, job.second = P, job.T = out_T,
+  job.P = out_P;
   for (p = 0; p < 3; ++p) job.fraction[p] = fraction[p], job.x[p] = x[p];
   job.status = status;
   for (threads = 1; threads <= 3; threads += 2) {
@@ -95,8 +106,10 @@ int main(int count, char** argument) {
     }
   }
   T[17] = 300.0;
-  need(properties(gas, 1, STATES, T, P, NULL, 1 << KA_ENTHALPY, 2, values, status, text, sizeof text) == 0, "ka_properties");
-  need(saturation(gas, 1, STATES, T, P, NULL, 2, water, content, status, text, sizeof text) == 0, "ka_saturation");
+  need(properties(gas, 1, STATES, T, P, NULL, 1 << KA_ENTHALPY, 2, values, status, text, sizeof text) == 0,
+       "ka_properties");
+  need(saturation(gas, 1, STATES, T, P, NULL, 2, water, content, status, text, sizeof text) == 0,
+       "ka_saturation");
   for (i = 0; i < STATES; ++i)
     if (isnan(water[i])) water[i] = 0.0;
   printf("vapour %.17g\nliquid %.17g\nliquid2 %.17g\n", sum(fraction[0]), sum(fraction[1]), sum(fraction[2]));

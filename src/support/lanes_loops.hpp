@@ -179,8 +179,8 @@ bool ldl_factor(int n, int ld_, double* a, double floor) {
 
 // Rows begin .. of group_sums: half and d. Zeros of A are left out.
 template <int Vectors>
-[[gnu::always_inline]] inline void group_halves(int ld, int m, const double* f, const double* A, const double* e,
-                                                int begin, double* half, double* d) {
+[[gnu::always_inline]] inline void group_halves(int ld, int m, const double* f, const double* A,
+                                                const double* e, int begin, double* half, double* d) {
   Four all[Vectors] = {};
   for (int k = 0; k < m; ++k) {
     Four sum[Vectors] = {};
