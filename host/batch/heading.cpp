@@ -84,6 +84,8 @@ struct Read {
 void read_amount(Read& r, std::size_t column, const std::string& title) {
   const NameAndUnit named = named_cell(title, r.definitions);
   named.check();
+  if (search_key(named.name) == "no" && named.name != "NO")
+    throw InputError("may number the rows or be nitric oxide: write NO for the gas");
   const std::string name = r.definitions.named(named.name).name;
   for (const AmountColumn& other : r.heading.amounts)
     if (other.name == name) throw InputError(fmt::format("{} has a column already, {}", name, other.column + 1));
@@ -93,8 +95,7 @@ void read_amount(Read& r, std::size_t column, const std::string& title) {
 
 void read_column(Read& r, std::size_t column) {
   const std::string& title = r.heading.titles[column];
-  const auto kept = std::find(r.wanted.kept.begin(), r.wanted.kept.end(), title);
-  if (kept != r.wanted.kept.end()) return;
+  if (std::find(r.wanted.others.begin(), r.wanted.others.end(), title) != r.wanted.others.end()) return;
   if (title.empty()) throw InputError("has no heading");
   if (r.wanted.conditions) {
     if (const auto condition = condition_of(title, r.units)) {
@@ -180,7 +181,7 @@ Heading read_heading(std::string_view line, const Wanted& wanted, const UnitSyst
     try {
       read_column(r, column);
     } catch (const InputError& e) {
-      throw InputError(fmt::format("{}: {}. The columns are {}; others are named by --keep",
+      throw InputError(fmt::format("{}: {}. The columns are {}; others are named by --keep or --ignore",
                                    place(wanted, column, r.heading.titles[column]), e.what(), what_is_right(wanted)));
     }
   }

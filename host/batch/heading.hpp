@@ -36,7 +36,7 @@ struct Heading {
 struct Wanted {
   std::string name;  // of the table, for messages
   bool conditions = false, amounts = false;
-  std::vector<std::string> kept = {};  // titles of columns that are copied to the output
+  std::vector<std::string> others = {};  // titles of columns that are neither
 };
 
 // Reads a heading: T, P, H, S and beta with their units ("T[C]", "P bar", "enthalpy_kJ_kg"; plain names are in units), and

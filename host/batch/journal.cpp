@@ -103,11 +103,12 @@ std::size_t verified_entries(const std::string& output, std::string_view head,
   if (!file) throw InputError(fmt::format("{} cannot be read: {}", output, std::strerror(errno)));
   std::string bytes(head.size(), '\0');
   const bool whole = std::fread(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
-  if (whole && bytes != head)
+  const bool never_written = bytes.find_first_not_of('\0') == std::string::npos;  // after the machine went down
+  if (whole && bytes != head && !never_written)
     throw InputError(fmt::format("{} does not begin as the output of this batch does: it is another file", output));
   std::uint64_t begin = head.size();
   std::size_t count = 0;
-  for (; whole && count < entries.size(); ++count) {
+  for (; whole && !never_written && count < entries.size(); ++count) {
     const JournalEntry& entry = entries[count];
     if (entry.end < begin || entry.end - begin > std::filesystem::file_size(output)) break;
     bytes.resize(entry.end - begin);

@@ -92,7 +92,7 @@ Identity identity_of(const Job& job, const std::string& library, std::size_t chu
           {"settings", settings_text(job.mixture.record)},
           {"states", heading_text(job.states)},
           {"compositions", job.has_compositions ? heading_text(job.compositions) : "-"},
-          {"refused pairs", std::to_string(job.refused.size())},
+          {"refused_pairs", std::to_string(job.refused.size())},
           {"phases", std::to_string(job.phases)},
           {"columns", joined(columns, ",")},
           {"format", job.binary ? "binary" : "csv"},

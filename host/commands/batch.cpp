@@ -28,7 +28,7 @@ struct BatchOptions {
   ConditionOptions conditions;
   MissingPairOptions missing;
   RecordOptions record;
-  std::string table, states, compositions, output, columns, keep, phases = "3", units = "engineering", energy,
+  std::string table, states, compositions, output, columns, keep, ignore, phases = "3", units = "engineering", energy,
                                                                   format = "csv";
   std::size_t threads = 0, chunk = kChunkLines;
   bool resume = false, overwrite = false;
@@ -105,23 +105,22 @@ Lines lines_of_conditions(const BatchOptions& o, const UnitSystem& units, double
   return Lines::of_text("the conditions", std::move(text));
 }
 
-void keep_columns(Job& job, const std::vector<std::string>& titles) {
-  if (!titles.empty() && job.binary) throw InputError("--keep copies text: --format csv");
-  for (const std::string& title : titles) {
-    const auto in = [&](const Heading& h) {
-      return static_cast<std::size_t>(std::find(h.titles.begin(), h.titles.end(), title) - h.titles.begin());
-    };
-    const bool of_states = in(job.states) < job.states.titles.size();
-    if (!of_states && in(job.compositions) == job.compositions.titles.size())
-      throw InputError(fmt::format("--keep {}: no column has this heading", title));
-    job.kept.push_back({!of_states, in(of_states ? job.states : job.compositions)});
-  }
+KeptColumn find_column(const Job& job, const char* option, const std::string& title) {
+  const auto in = [&](const Heading& h) {
+    return static_cast<std::size_t>(std::find(h.titles.begin(), h.titles.end(), title) - h.titles.begin());
+  };
+  const bool of_states = in(job.states) < job.states.titles.size();
+  if (!of_states && in(job.compositions) == job.compositions.titles.size())
+    throw InputError(fmt::format("{} {}: no column has this heading", option, title));
+  return {!of_states, in(of_states ? job.states : job.compositions)};
 }
 
 // The mixture and the headings of the tables. Lines are behind their headings then.
 void read_input(const BatchOptions& o, Plan& plan) {
   Job& job = plan.job;
-  const std::vector<std::string> kept = split(o.keep, ',');
+  const std::vector<std::string> kept = split(o.keep, ','), ignored = split(o.ignore, ',');
+  std::vector<std::string> others = kept;
+  others.insert(others.end(), ignored.begin(), ignored.end());
   Composition definitions;
   for (const std::string& text : o.mixture.own) definitions.define(parse_definition(text, false));
   for (const std::string& text : o.mixture.fractions) definitions.define(parse_definition(text, true));
@@ -135,14 +134,14 @@ void read_input(const BatchOptions& o, Plan& plan) {
   if (!o.compositions.empty()) {
     plan.compositions = Lines::of_file(o.compositions);
     job.has_compositions = true;
-    job.compositions = read_heading(plan.compositions->heading(), {o.compositions, false, true, kept}, job.units,
+    job.compositions = read_heading(plan.compositions->heading(), {o.compositions, false, true, others}, job.units,
                                     definitions, basis);
   }
   const bool with_amounts = !o.table.empty();
   const std::string file = with_amounts ? o.table : o.states;
   plan.states =
       o.on_line() ? lines_of_conditions(o, job.units, single ? job.mixture.molar_mass : 0.0) : Lines::of_file(file);
-  job.states = read_heading(plan.states->heading(), {plan.states->name(), true, with_amounts, kept}, job.units,
+  job.states = read_heading(plan.states->heading(), {plan.states->name(), true, with_amounts, others}, job.units,
                             definitions, basis);
   if (!single) {
     if (job.amount_heading().amounts.empty())
@@ -151,7 +150,9 @@ void read_input(const BatchOptions& o, Plan& plan) {
         mixture_of_amounts(job.amount_heading(), definitions, interaction_set(o.mixture.set), job.amounts);
     if (!o.missing.allowed) job.refused = refused_pairs(job.mixture);
   }
-  keep_columns(job, kept);
+  for (const std::string& title : ignored) find_column(job, "--ignore", title);
+  if (!kept.empty() && job.binary) throw InputError("--keep copies text: --format csv, or --ignore for --keep");
+  for (const std::string& title : kept) job.kept.push_back(find_column(job, "--keep", title));
 }
 
 void prepare(const BatchOptions& o, Session& session, Plan& plan) {
@@ -274,6 +275,7 @@ void add_batch_command(CLI::App& app, Session& session) {
                       "Columns of the results by commas (T,P,phases,beta,status,text): given, z, M, H, S, G, density, "
                       "molar_volume; vapour., liquid. or liquid2. and fraction, x, M or a property");
   command->add_option("--keep", options->keep, "Headings of columns of the input to be copied, by commas");
+  command->add_option("--ignore", options->ignore, "Headings of columns of the input to be left alone, by commas");
   command->add_option("--format", options->format, "csv (default) or binary (docs/batch.md)");
   command->add_option("--phases", options->phases,
                       "3 (default): up to two liquids and a vapour; 2: liquid and vapour, for feeds without a second "
