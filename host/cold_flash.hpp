@@ -22,8 +22,8 @@ class ColdFlash {
   // asked for.
   StatusCode operator()(double first, double second, const double* z, double* const x[3]);
 
-  double T() const { return T_; }                                   // K
-  double P() const { return P_; }                                   // Pa
+  double T() const { return T_; }                                     // K
+  double P() const { return P_; }                                     // Pa
   double fraction(std::size_t phase) const { return share_[phase]; }  // mole fractions of the whole
 
  private:

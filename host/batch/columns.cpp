@@ -23,14 +23,14 @@ constexpr struct {
               {"sound", Property::speed_of_sound},
               {"conductivity", Property::conductivity}};
 
-constexpr Property kOfWhole[] = {Property::density, Property::molar_volume, Property::enthalpy, Property::entropy,
-                                 Property::free_enthalpy};
+constexpr Property kOfWhole[] = {Property::density, Property::molar_volume, Property::enthalpy,
+                                 Property::entropy, Property::free_enthalpy};
 
 // "density_kg_m3" is the key of "density".
 std::string name_of(const PropertyInfo& info) {
   std::string name(info.key);
-  for (const std::string_view unit : {"_kg_m3", "_m3_mol", "_J_mol_K", "_J_mol", "_m_s", "_K_Pa", "_1_Pa", "_Pa_s",
-                                      "_W_m_K"}) {
+  for (const std::string_view unit :
+       {"_kg_m3", "_m3_mol", "_J_mol_K", "_J_mol", "_m_s", "_K_Pa", "_1_Pa", "_Pa_s", "_W_m_K"}) {
     if (name.size() > unit.size() && name.compare(name.size() - unit.size(), unit.size(), unit) == 0) {
       name.resize(name.size() - unit.size());
       break;
@@ -92,11 +92,12 @@ class Maker {
 
  private:
   [[noreturn]] void unknown(const std::string& written) const {
-    throw InputError(
-        fmt::format("--columns: unknown \"{}\": use given, T, P, beta, phases, status, text, z, M, H, S, G, density, molar_volume, "
-                    "or vapour., liquid., liquid2. and fraction, x, M, Z, density, H, S, Cp, Cv, speed_of_sound, "
-                    "joule_thomson, viscosity, ...",
-                    written));
+    throw InputError(fmt::format(
+        "--columns: unknown \"{}\": use given, T, P, beta, phases, status, text, z, M, H, S, G, density, "
+        "molar_volume, "
+        "or vapour., liquid., liquid2. and fraction, x, M, Z, density, H, S, Cp, Cv, speed_of_sound, "
+        "joule_thomson, viscosity, ...",
+        written));
   }
 
   void plain(Kind kind, const std::string& heading) { columns.push_back({kind, heading}); }
@@ -120,7 +121,8 @@ class Maker {
   void add_property(Kind kind, std::size_t phase, const std::string& prefix, const PropertyInfo& info) {
     const Unit& unit = units_[info.quantity];
     columns.push_back({kind, prefix + column_name(info.key, info.quantity, unit),
-                       info.quantity == Quantity::ratio ? nullptr : &unit, info.quantity, info.property, phase});
+                       info.quantity == Quantity::ratio ? nullptr : &unit, info.quantity, info.property,
+                       phase});
   }
 
   void add_of_phase(const std::string& written, const std::string& phase_name, const std::string& name) {
@@ -145,8 +147,8 @@ class Maker {
 
 }  // namespace
 
-std::vector<Column> columns_by_name(std::string_view names, const std::vector<std::string>& kept, Given given, int phases,
-                                    const Mixture& mixture, const UnitSystem& units) {
+std::vector<Column> columns_by_name(std::string_view names, const std::vector<std::string>& kept, Given given,
+                                    int phases, const Mixture& mixture, const UnitSystem& units) {
   Maker maker(given, phases, mixture, units);
   for (std::size_t k = 0; k < kept.size(); ++k) maker.add_kept(kept[k], k);
   const bool usual = trimmed(names).empty();
@@ -163,7 +165,8 @@ unsigned wanted_of_phase(const std::vector<Column>& columns, std::size_t phase) 
   unsigned wanted = 0;
   for (const Column& c : columns) {
     const auto bit = [](Property p) { return 1u << static_cast<unsigned>(p); };
-    if (c.kind == Kind::whole) wanted |= bit(c.property == Property::density ? Property::molar_volume : c.property);
+    if (c.kind == Kind::whole)
+      wanted |= bit(c.property == Property::density ? Property::molar_volume : c.property);
     if (c.kind == Kind::phase_property && c.phase == phase) wanted |= bit(c.property);
   }
   return wanted;

@@ -94,10 +94,11 @@ bool Evaluator::read_conditions(std::int64_t number, double* raw) {
   for (std::size_t k = 0; k < 2; ++k) {
     const std::size_t column = job_.states.conditions[k].column;
     if (read_number(cells_[column], job_.states.separator, raw[k])) continue;
-    return refuse(kRowUnreadable, cells_[column].empty()
-                                      ? fmt::format("line {}: {} is missing", number, job_.states.titles[column])
-                                      : fmt::format("line {}: \"{}\" of {} is not a number", number, cells_[column],
-                                                    job_.states.titles[column]));
+    return refuse(kRowUnreadable,
+                  cells_[column].empty()
+                      ? fmt::format("line {}: {} is missing", number, job_.states.titles[column])
+                      : fmt::format("line {}: \"{}\" of {} is not a number", number, cells_[column],
+                                    job_.states.titles[column]));
   }
   return true;
 }
@@ -148,10 +149,11 @@ void Evaluator::check_pairs() {
               : at(pair.first) < kTracePair || at(pair.second) < kTracePair)
       continue;
     feed_.status = kRowPair;
-    feed_.text = alone ? fmt::format("{} has no PPR78 groups: --allow-missing-pairs takes its interactions as zero",
-                                     name(pair.first))
-                       : fmt::format("no published interaction of {} with {}: --allow-missing-pairs takes it as zero",
-                                     name(pair.first), name(pair.second));
+    feed_.text =
+        alone ? fmt::format("{} has no PPR78 groups: --allow-missing-pairs takes its interactions as zero",
+                            name(pair.first))
+              : fmt::format("no published interaction of {} with {}: --allow-missing-pairs takes it as zero",
+                            name(pair.first), name(pair.second));
     return;
   }
 }

@@ -51,7 +51,8 @@ std::optional<Condition> condition_of(std::string_view title, const UnitSystem& 
     const bool words = !rest.empty() && rest.front() == '_';
     while (!rest.empty() && std::string_view(" _[(/,").find(rest.front()) != std::string_view::npos)
       rest.remove_prefix(1);
-    while (!rest.empty() && std::string_view(" ])").find(rest.back()) != std::string_view::npos) rest.remove_suffix(1);
+    while (!rest.empty() && std::string_view(" ])").find(rest.back()) != std::string_view::npos)
+      rest.remove_suffix(1);
     if (rest.empty()) return Condition{known.quantity, &units[known.quantity]};
     const std::string name = words ? unit_of_words(std::string(rest)) : std::string(rest);
     if (!is_unit(known.quantity, name) && known.name.size() == 1 && words) return {};
@@ -88,7 +89,8 @@ void read_amount(Read& r, std::size_t column, const std::string& title) {
     throw InputError("may number the rows or be nitric oxide: write NO for the gas");
   const std::string name = r.definitions.named(named.name).name;
   for (const AmountColumn& other : r.heading.amounts)
-    if (other.name == name) throw InputError(fmt::format("{} has a column already, {}", name, other.column + 1));
+    if (other.name == name)
+      throw InputError(fmt::format("{} has a column already, {}", name, other.column + 1));
   r.heading.amounts.push_back({column, name});
   r.amount_units.push_back(named.unit);
 }
@@ -122,9 +124,10 @@ void settle_conditions(Read& r) {
   if (r.heading.given) return;
   std::vector<std::string> names;
   for (const auto& c : r.conditions) names.emplace_back(quantity_name(c.first));
-  throw InputError(fmt::format(
-      "{}: {} no pair of conditions: a state has T and P, H and P, S and P, beta and P or beta and T, one column each",
-      r.wanted.name, names.empty() ? "the heading has" : joined(names, ", ") + " are"));
+  throw InputError(
+      fmt::format("{}: {} no pair of conditions: a state has T and P, H and P, S and P, beta and P or beta and "
+                  "T, one column each",
+                  r.wanted.name, names.empty() ? "the heading has" : joined(names, ", ") + " are"));
 }
 
 // The scale of every amount, and whether they are moles or masses.
@@ -144,15 +147,17 @@ void settle_amounts(Read& r) {
     r.basis = unit->basis;
   }
   if (open && small)
-    throw InputError(fmt::format("{}: some amounts have a unit such as % or ppm and some have none: name all of them",
-                                 r.wanted.name));
+    throw InputError(fmt::format(
+        "{}: some amounts have a unit such as % or ppm and some have none: name all of them", r.wanted.name));
   r.heading.basis = r.basis.value_or(Basis::mole);
 }
 
 }  // namespace
 
 std::size_t cut_cells(std::string_view line, char separator, std::string_view* cells, std::size_t capacity) {
-  const auto is_blank = [separator](char c) { return c == ' ' || c == '\r' || (c == '\t' && separator != '\t'); };
+  const auto is_blank = [separator](char c) {
+    return c == ' ' || c == '\r' || (c == '\t' && separator != '\t');
+  };
   std::size_t count = 0, used = 0;
   for (const char *at = line.data(), *const stop = at + line.size();; ++at) {
     const char* begin = at;
@@ -182,7 +187,8 @@ Heading read_heading(std::string_view line, const Wanted& wanted, const UnitSyst
       read_column(r, column);
     } catch (const InputError& e) {
       throw InputError(fmt::format("{}: {}. The columns are {}; others are named by --keep or --ignore",
-                                   place(wanted, column, r.heading.titles[column]), e.what(), what_is_right(wanted)));
+                                   place(wanted, column, r.heading.titles[column]), e.what(),
+                                   what_is_right(wanted)));
     }
   }
   settle_conditions(r);

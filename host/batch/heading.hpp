@@ -26,7 +26,7 @@ struct AmountColumn {
 struct Heading {
   char separator = ',';
   std::vector<std::string> titles;
-  std::optional<Given> given;  // of a table with conditions
+  std::optional<Given> given;                   // of a table with conditions
   std::array<ConditionColumn, 2> conditions{};  // in the order of quantities_of
   std::vector<AmountColumn> amounts;
   Basis basis = Basis::mole;

@@ -79,8 +79,10 @@ Journal read_journal(const std::string& path) {
     }
   }
   if (head)
-    throw InputError(fmt::format("{} is no journal of a batch, or broken at its head: delete it and its output to start "
-                                 "anew, or give --overwrite", path));
+    throw InputError(
+        fmt::format("{} is no journal of a batch, or broken at its head: delete it and its output to start "
+                    "anew, or give --overwrite",
+                    path));
   return journal;
 }
 
@@ -89,10 +91,10 @@ void check_identity(const Identity& then, const Identity& now, const std::string
   for (std::size_t k = 0; k < now.size(); ++k) {
     const std::string was = k < then.size() && then[k].first == now[k].first ? then[k].second : "(nothing)";
     if (was == now[k].second) continue;
-    throw InputError(
-        fmt::format("{} was begun by another run, with {} \"{}\" where it is \"{}\" now: resume it with what it was begun "
-                    "with, or start anew with --overwrite",
-                    output, now[k].first, was, now[k].second));
+    throw InputError(fmt::format(
+        "{} was begun by another run, with {} \"{}\" where it is \"{}\" now: resume it with what it was begun "
+        "with, or start anew with --overwrite",
+        output, now[k].first, was, now[k].second));
   }
   throw InputError(fmt::format("{} was begun by another run: start anew with --overwrite", output));
 }
@@ -105,7 +107,8 @@ std::size_t verified_entries(const std::string& output, std::string_view head,
   const bool whole = std::fread(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
   const bool never_written = bytes.find_first_not_of('\0') == std::string::npos;  // after the machine went down
   if (whole && bytes != head && !never_written)
-    throw InputError(fmt::format("{} does not begin as the output of this batch does: it is another file", output));
+    throw InputError(
+        fmt::format("{} does not begin as the output of this batch does: it is another file", output));
   std::uint64_t begin = head.size();
   std::size_t count = 0;
   for (; whole && !never_written && count < entries.size(); ++count) {
@@ -120,8 +123,9 @@ std::size_t verified_entries(const std::string& output, std::string_view head,
 }
 
 void OutputFile::fail(const char* what) const {
-  throw InputError(fmt::format("{}: {}{}{}. {} rows are complete; the same command with --resume goes on from there", path_,
-                               what, errno != 0 ? ": " : "", errno != 0 ? std::strerror(errno) : "", rows_));
+  throw InputError(
+      fmt::format("{}: {}{}{}. {} rows are complete; the same command with --resume goes on from there", path_,
+                  what, errno != 0 ? ": " : "", errno != 0 ? std::strerror(errno) : "", rows_));
 }
 
 void OutputFile::write(std::FILE* file, std::string_view bytes) {
@@ -142,7 +146,8 @@ OutputFile::OutputFile(const std::string& path, std::string_view head, const Ide
   end_ = head.size();
 }
 
-OutputFile::OutputFile(const std::string& path, std::string_view head, const Journal& journal, std::size_t count)
+OutputFile::OutputFile(const std::string& path, std::string_view head, const Journal& journal,
+                       std::size_t count)
     : path_(path), end_(count > 0 ? journal.entries[count - 1].end : head.size()) {
   // A journal of what is known to be good takes the place of the old one in one step.
   std::string text = head_of(journal.identity);
@@ -159,7 +164,8 @@ OutputFile::OutputFile(const std::string& path, std::string_view head, const Jou
   journal_.reset();
   std::error_code failure;
   std::filesystem::rename(next, journal_path(path), failure);
-  if (!failure && std::filesystem::file_size(path, failure) >= end_) std::filesystem::resize_file(path, end_, failure);
+  if (!failure && std::filesystem::file_size(path, failure) >= end_)
+    std::filesystem::resize_file(path, end_, failure);
   if (failure) throw InputError(fmt::format("{} cannot be resumed: {}", path, failure.message()));
   journal_.reset(std::fopen(journal_path(path).c_str(), "ab"));
   if (journal_) file_.reset(std::fopen(path.c_str(), count > 0 ? "ab" : "wb"));
@@ -171,8 +177,7 @@ OutputFile::OutputFile(const std::string& path, std::string_view head, const Jou
 void OutputFile::put(const Result& result) {
   write(file_.get(), result.bytes);
   end_ += result.bytes.size();
-  write(journal_.get(),
-        line_of({result.rows, result.failed, result.input_hash, hash_of(result.bytes), end_}));
+  write(journal_.get(), line_of({result.rows, result.failed, result.input_hash, hash_of(result.bytes), end_}));
   rows_ += result.rows;
   if (std::chrono::steady_clock::now() - synced_ >= kSyncEvery) sync();
 }

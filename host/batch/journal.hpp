@@ -39,7 +39,8 @@ Journal read_journal(const std::string& path);
 // InputError that names the first item which is not the same.
 void check_identity(const Identity& then, const Identity& now, const std::string& output);
 // How many of the entries stand in the file, byte by byte; InputError when its head is another one.
-std::size_t verified_entries(const std::string& output, std::string_view head, const std::vector<JournalEntry>& entries);
+std::size_t verified_entries(const std::string& output, std::string_view head,
+                             const std::vector<JournalEntry>& entries);
 
 // Writes chunks in order to a file and its journal. What cannot be written is an InputError that says how to go on.
 class OutputFile {

@@ -21,7 +21,7 @@ namespace kestrune::host::batch {
 namespace {
 
 constexpr std::size_t kBuffer = std::size_t{1} << 20;  // bytes; the longest line
-constexpr std::string_view kMark = "\xef\xbb\xbf";  // byte order mark of UTF-8
+constexpr std::string_view kMark = "\xef\xbb\xbf";     // byte order mark of UTF-8
 
 }  // namespace
 
@@ -37,8 +37,10 @@ Lines Lines::of_file(const std::string& path) {
   Lines lines;
   lines.name_ = path;
   std::error_code none;
-  if (path == "-") throw InputError("a batch reads its tables from files, not from standard input: name a file");
-  if (std::filesystem::is_directory(path, none)) throw InputError(fmt::format("{} is a folder, not a table", path));
+  if (path == "-")
+    throw InputError("a batch reads its tables from files, not from standard input: name a file");
+  if (std::filesystem::is_directory(path, none))
+    throw InputError(fmt::format("{} is a folder, not a table", path));
   errno = 0;
   lines.file_.reset(std::fopen(path.c_str(), "rb"));
   if (!lines.file_) throw InputError(fmt::format("cannot read {}: {}", path, std::strerror(errno)));
@@ -65,8 +67,8 @@ bool Lines::fill() {
   end_ -= begin_;
   begin_ = 0;
   if (end_ == buffer_.size())
-    throw InputError(fmt::format("{}: line {} is longer than {} bytes: no table of one state a line", name_, line_,
-                                 buffer_.size()));
+    throw InputError(fmt::format("{}: line {} is longer than {} bytes: no table of one state a line", name_,
+                                 line_, buffer_.size()));
   const std::size_t read = std::fread(buffer_.data() + end_, 1, buffer_.size() - end_, file_.get());
   if (read == 0 && std::ferror(file_.get()) != 0)
     throw InputError(fmt::format("{} could not be read to its end: {}", name_, std::strerror(errno)));
@@ -97,7 +99,8 @@ std::string Lines::heading() {
   for (std::string line; append(line, 1) == 1; line.clear()) {
     if (line_ == 2 && line.rfind(kMark, 0) == 0) line.erase(0, kMark.size());
     if (line.find('\0') != std::string::npos)
-      throw InputError(fmt::format("{} is no text in UTF-8 (or an older one of 8 bits): save it as CSV", name_));
+      throw InputError(
+          fmt::format("{} is no text in UTF-8 (or an older one of 8 bits): save it as CSV", name_));
     if (is_empty_line(line)) continue;
     first_position_ = position_;
     first_line_ = line_;

@@ -31,7 +31,7 @@ class Lines {
   // InputError for a line that is longer than the buffer, 1 MiB.
   std::size_t append(std::string& to, std::size_t lines);
 
-  std::int64_t next_line() const { return line_; }  // number from 1 of the line that comes next
+  std::int64_t next_line() const { return line_; }      // number from 1 of the line that comes next
   std::uint64_t position() const { return position_; }  // bytes before it
 
  private:

@@ -3,8 +3,8 @@
 #ifdef _WIN32
 #include <io.h>
 #else
-#include <cerrno>
 #include <unistd.h>
+#include <cerrno>
 #endif
 
 namespace kestrune::host::batch {

@@ -28,11 +28,12 @@ std::string mixture_text(const Mixture& m) {
 }
 
 std::string settings_text(const MixtureRecord& r) {
-  const double a = r.solubility_a, b = r.solubility_b, CRIT = r.CRIT, CLIM = r.CLIM, EPS = r.EPS, relax = r.relaxation;
+  const double a = r.solubility_a, b = r.solubility_b, CRIT = r.CRIT, CLIM = r.CLIM, EPS = r.EPS,
+               relax = r.relaxation;
   const std::int32_t ITEMAX = r.ITEMAX, NEW = r.NEW;
   const bool free_water = (r.flags & FreeWaterFlag) != 0;
-  return fmt::format("free_water={} {} {} crit={} clim={} eps={} itemax={} new={} relax={}", free_water, a, b, CRIT,
-                     CLIM, EPS, ITEMAX, NEW, relax);
+  return fmt::format("free_water={} {} {} crit={} clim={} eps={} itemax={} new={} relax={}", free_water, a, b,
+                     CRIT, CLIM, EPS, ITEMAX, NEW, relax);
 }
 
 std::string library_text(const std::string& path) {
@@ -75,7 +76,9 @@ Mixture mixture_of_amounts(const Heading& heading, const Composition& definition
 std::vector<RefusedPair> refused_pairs(const Mixture& mixture) {
   std::vector<RefusedPair> pairs;
   for (const MissingPair& p : mixture.missing) {
-    const auto same = [&](const RefusedPair& q) { return q.first == p.component_i && q.second == p.component_j; };
+    const auto same = [&](const RefusedPair& q) {
+      return q.first == p.component_i && q.second == p.component_j;
+    };
     if (std::none_of(pairs.begin(), pairs.end(), same)) pairs.push_back({p.component_i, p.component_j});
   }
   for (const int i : mixture.uncovered) pairs.push_back({i, -1});

@@ -16,8 +16,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t kAhead = 3;       // chunks in memory for each worker
-constexpr auto kListenEvery = 100us;    // to a crew
+constexpr std::size_t kAhead = 3;     // chunks in memory for each worker
+constexpr auto kListenEvery = 100us;  // to a crew
 constexpr auto kShowEvery = 200ms;
 
 struct Task {

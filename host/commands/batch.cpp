@@ -28,8 +28,8 @@ struct BatchOptions {
   ConditionOptions conditions;
   MissingPairOptions missing;
   RecordOptions record;
-  std::string table, states, compositions, output, columns, keep, ignore, phases = "3", units = "engineering", energy,
-                                                                  format = "csv";
+  std::string table, states, compositions, output, columns, keep, ignore, phases = "3", units = "engineering",
+                                                                          energy, format = "csv";
   std::size_t threads = 0, chunk = kChunkLines;
   bool resume = false, overwrite = false;
 
@@ -50,9 +50,10 @@ struct Plan {
 void check_options(const BatchOptions& o) {
   const int sources = !o.table.empty() + !o.states.empty() + o.on_line();
   if (sources != 1)
-    throw InputError(fmt::format("{}: states come from --states FILE, from --table FILE with their compositions, or from "
-                                 "conditions such as -T and -P",
-                                 sources == 0 ? "no states" : "more than one source of states"));
+    throw InputError(
+        fmt::format("{}: states come from --states FILE, from --table FILE with their compositions, or from "
+                    "conditions such as -T and -P",
+                    sources == 0 ? "no states" : "more than one source of states"));
   const bool one = !(o.mixture.file + o.mixture.inline_text).empty();
   const bool rows = !(o.table + o.compositions).empty();
   if (!o.table.empty() && !o.compositions.empty())
@@ -60,7 +61,8 @@ void check_options(const BatchOptions& o) {
   if (one && rows)
     throw InputError("compositions come from the table: no -m and no --z beside --table and --compositions");
   if (!one && !rows)
-    throw InputError("no composition: give --compositions FILE, a mixture with -m or --z, or --table FILE with amounts");
+    throw InputError(
+        "no composition: give --compositions FILE, a mixture with -m or --z, or --table FILE with amounts");
   if (rows && !(o.mixture.analysis + o.mixture.column).empty())
     throw InputError("--analysis and --column belong to a mixture file, -m FILE");
   if (o.phases != "2" && o.phases != "3")
@@ -72,7 +74,8 @@ void check_options(const BatchOptions& o) {
     throw InputError(fmt::format("--format {}: a batch writes csv or binary", o.format));
   if (o.chunk < 1 || o.chunk > 1000000) throw InputError("--chunk: 1 to 1000000 rows");
   if (o.threads > 4096) throw InputError("--threads: 1 to 4096, or 0 for one per processor");
-  if (o.output.empty() && o.format == "binary") throw InputError("--format binary writes a file: name it with -o");
+  if (o.output.empty() && o.format == "binary")
+    throw InputError("--format binary writes a file: name it with -o");
   if (o.output.empty() && (o.resume || o.overwrite))
     throw InputError("--resume and --overwrite are for a file: name it with -o");
   if (o.resume && o.overwrite) throw InputError("--resume goes on, --overwrite starts anew: one of the two");
@@ -89,7 +92,8 @@ Lines lines_of_conditions(const BatchOptions& o, const UnitSystem& units, double
   const auto order = quantities_of(conditions.given);
   for (const Quantity q : order)
     if (units[q].per_mass && !o.compositions.empty())
-      throw InputError("-H and -S are per mass of one composition: with --compositions put them into --states FILE");
+      throw InputError(
+          "-H and -S are per mass of one composition: with --compositions put them into --states FILE");
   constexpr std::pair<Quantity, std::string_view> names[] = {{Quantity::temperature, "T"},
                                                              {Quantity::pressure, "P"},
                                                              {Quantity::enthalpy, "H"},
@@ -101,7 +105,8 @@ Lines lines_of_conditions(const BatchOptions& o, const UnitSystem& units, double
       if (quantity == order[k]) text += fmt::format("{}{}", name, k == 0 ? "," : "\n");
   for (const double first : conditions.values[0])
     for (const double second : conditions.values[1])
-      text += exact(first, units[order[0]], molar_mass) + ',' + exact(second, units[order[1]], molar_mass) + '\n';
+      text +=
+          exact(first, units[order[0]], molar_mass) + ',' + exact(second, units[order[1]], molar_mass) + '\n';
   return Lines::of_text("the conditions", std::move(text));
 }
 
@@ -134,15 +139,15 @@ void read_input(const BatchOptions& o, Plan& plan) {
   if (!o.compositions.empty()) {
     plan.compositions = Lines::of_file(o.compositions);
     job.has_compositions = true;
-    job.compositions = read_heading(plan.compositions->heading(), {o.compositions, false, true, others}, job.units,
-                                    definitions, basis);
+    job.compositions = read_heading(plan.compositions->heading(), {o.compositions, false, true, others},
+                                    job.units, definitions, basis);
   }
   const bool with_amounts = !o.table.empty();
   const std::string file = with_amounts ? o.table : o.states;
-  plan.states =
-      o.on_line() ? lines_of_conditions(o, job.units, single ? job.mixture.molar_mass : 0.0) : Lines::of_file(file);
-  job.states = read_heading(plan.states->heading(), {plan.states->name(), true, with_amounts, others}, job.units,
-                            definitions, basis);
+  plan.states = o.on_line() ? lines_of_conditions(o, job.units, single ? job.mixture.molar_mass : 0.0)
+                            : Lines::of_file(file);
+  job.states = read_heading(plan.states->heading(), {plan.states->name(), true, with_amounts, others},
+                            job.units, definitions, basis);
   if (!single) {
     if (job.amount_heading().amounts.empty())
       throw InputError(fmt::format("{}: no column is a component", with_amounts ? o.table : o.compositions));
@@ -169,7 +174,8 @@ void prepare(const BatchOptions& o, Session& session, Plan& plan) {
   const std::string columns = usual_binary ? "given,T,P,phases,beta,status" : o.columns;
   job.columns = columns_by_name(columns, split(o.keep, ','), job.given(), job.phases, job.mixture, job.units);
   for (const Column& c : job.columns)
-    if (job.binary && c.is_text()) throw InputError(fmt::format("--format binary has no place for {}", c.heading));
+    if (job.binary && c.is_text())
+      throw InputError(fmt::format("--format binary has no place for {}", c.heading));
   plan.identity = identity_of(job, session.exports != nullptr ? "" : session.library_path, o.chunk);
 }
 
@@ -183,25 +189,30 @@ std::unique_ptr<OutputFile> resumed(const BatchOptions& o, const Plan& plan, Sou
   for (std::size_t k = 0; k < count; ++k) {
     const bool there = source.next(chunk);
     if (!there || hash_of(chunk.text) != journal.entries[k].input_hash)
-      throw InputError(fmt::format("{} was begun with other rows: chunk {} (behind row {}) of the input is not what it was. "
-                                   "Put the input back, or start anew with --overwrite",
-                                   o.output, k + 1, totals.rows));
+      throw InputError(
+          fmt::format("{} was begun with other rows: chunk {} (behind row {}) of the input is not what it was. "
+                      "Put the input back, or start anew with --overwrite",
+                      o.output, k + 1, totals.rows));
     totals.rows += journal.entries[k].rows;
     totals.failed += journal.entries[k].failed;
   }
   return std::make_unique<OutputFile>(o.output, head, journal, count);
 }
 
-std::unique_ptr<OutputFile> open_output(const BatchOptions& o, const Plan& plan, Source& source, Totals& totals) {
+std::unique_ptr<OutputFile> open_output(const BatchOptions& o, const Plan& plan, Source& source,
+                                        Totals& totals) {
   const bool file = std::filesystem::is_regular_file(o.output);
   const bool journal = std::filesystem::exists(journal_path(o.output));
   if (o.resume && journal) {
-    if (!file) throw InputError(fmt::format("{} is missing beside its journal: start anew with --overwrite", o.output));
+    if (!file)
+      throw InputError(fmt::format("{} is missing beside its journal: start anew with --overwrite", o.output));
     return resumed(o, plan, source, totals);
   }
   if (file && !o.overwrite)
     throw InputError(fmt::format("{} exists{}: {}--overwrite replaces it", o.output,
-                                 journal ? " with a journal" : o.resume ? " without a journal to resume it from" : "",
+                                 journal    ? " with a journal"
+                                 : o.resume ? " without a journal to resume it from"
+                                            : "",
                                  journal ? "--resume goes on with it, " : ""));
   return std::make_unique<OutputFile>(o.output, output_head(plan.job), plan.identity);
 }
@@ -232,8 +243,9 @@ void lead(const BatchOptions& o, Session& session, Plan& plan) {
   if (output) output->finish();
   progress.clear();
   const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
-  tell(session, {fmt::format("{} rows, {} of them without an answer, in {} ({:.0f} rows/s)", totals.rows, totals.failed,
-                             time_in_words(seconds), static_cast<double>(totals.rows - before) / std::max(seconds, 1e-6))});
+  tell(session, {fmt::format("{} rows, {} of them without an answer, in {} ({:.0f} rows/s)", totals.rows,
+                             totals.failed, time_in_words(seconds),
+                             static_cast<double>(totals.rows - before) / std::max(seconds, 1e-6))});
   if (totals.failed > 0) session.exit_code = exit_status;
 }
 
@@ -260,7 +272,8 @@ void run_batch(const BatchOptions& o, Session& session) {
 
 void add_batch_command(CLI::App& app, Session& session) {
   auto* command = app.add_subcommand(
-      "batch", "Flashes and properties of millions of states: tables of states and compositions to a table of results");
+      "batch",
+      "Flashes and properties of millions of states: tables of states and compositions to a table of results");
   const auto options = std::make_shared<BatchOptions>();
   command->add_option("--table", options->table, "Table with conditions and amounts in every row");
   command->add_option("--states", options->states,
@@ -271,19 +284,24 @@ void add_batch_command(CLI::App& app, Session& session) {
   options->conditions.add_TP_to(*command, false);
   options->conditions.add_energy_and_fraction_to(*command);
   command->add_option("-o,--output", options->output, "File for the results (default: standard output)");
-  command->add_option("--columns", options->columns,
-                      "Columns of the results by commas (T,P,phases,beta,status,text): given, z, M, H, S, G, density, "
-                      "molar_volume; vapour., liquid. or liquid2. and fraction, x, M or a property");
+  command->add_option(
+      "--columns", options->columns,
+      "Columns of the results by commas (T,P,phases,beta,status,text): given, z, M, H, S, G, density, "
+      "molar_volume; vapour., liquid. or liquid2. and fraction, x, M or a property");
   command->add_option("--keep", options->keep, "Headings of columns of the input to be copied, by commas");
-  command->add_option("--ignore", options->ignore, "Headings of columns of the input to be left alone, by commas");
+  command->add_option("--ignore", options->ignore,
+                      "Headings of columns of the input to be left alone, by commas");
   command->add_option("--format", options->format, "csv (default) or binary (docs/batch.md)");
-  command->add_option("--phases", options->phases,
-                      "3 (default): up to two liquids and a vapour; 2: liquid and vapour, for feeds without a second "
-                      "liquid, in a half of the time or less");
-  command->add_option("--units", options->units,
-                      "Of numbers without a unit and of the results: engineering (C, bar, kJ/kg; default), si, field or a "
-                      "pair such as K,atm");
-  command->add_option("--energy", options->energy, "Unit of enthalpies, entropies follow: kJ/kg, J/mol, Btu/lb ...");
+  command->add_option(
+      "--phases", options->phases,
+      "3 (default): up to two liquids and a vapour; 2: liquid and vapour, for feeds without a second "
+      "liquid, in a half of the time or less");
+  command->add_option(
+      "--units", options->units,
+      "Of numbers without a unit and of the results: engineering (C, bar, kJ/kg; default), si, field or a "
+      "pair such as K,atm");
+  command->add_option("--energy", options->energy,
+                      "Unit of enthalpies, entropies follow: kJ/kg, J/mol, Btu/lb ...");
   command->add_flag("--resume", options->resume,
                     "Go on with an output whose run was ended; begin it where there is none");
   command->add_flag("--overwrite", options->overwrite, "Replace an output that is there");
@@ -295,7 +313,8 @@ void add_batch_command(CLI::App& app, Session& session) {
       "Examples:\n"
       "  kestrune batch --z methane=0.9,nC5=0.1 -T -80:40:40 -P 10,40 --columns T,P,phases,beta,density,H\n"
       "  kestrune batch --states states.csv --compositions gases.csv -o results.csv --resume\n"
-      "  kestrune batch --table rows.csv --keep well -o results.csv --columns beta,vapour.density,liquid.density");
+      "  kestrune batch --table rows.csv --keep well -o results.csv --columns "
+      "beta,vapour.density,liquid.density");
   command->callback([options, &session] { run_batch(*options, session); });
 }
 

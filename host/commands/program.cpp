@@ -133,6 +133,7 @@ int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err
     add_pure_command(app, session);
     add_machine_commands(app, session);
     add_batch_command(app, session);
+    add_table_command(app, session);
     add_document_commands(app, session);
     check_values(arguments);
     check_command(app, arguments);

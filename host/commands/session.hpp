@@ -54,6 +54,7 @@ void add_envelope_command(CLI::App& app, Session& session);
 void add_sales_command(CLI::App& app, Session& session);
 void add_pure_command(CLI::App& app, Session& session);
 void add_batch_command(CLI::App& app, Session& session);
+void add_table_command(CLI::App& app, Session& session);
 void add_machine_commands(CLI::App& app, Session& session);
 void add_document_commands(CLI::App& app, Session& session);
 

@@ -1,15 +1,16 @@
 // kestrune-mpi: the command line with a batch in several processes, mpirun -n N kestrune-mpi batch ... The first process
 // reads, writes and calculates; the others calculate.
-#include <mpi.h>
 #include <fmt/format.h>
+#include <mpi.h>
 
+#include <unistd.h>
 #include <csignal>
 #include <cstring>
 #include <iostream>
+#include <list>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
-#include <unistd.h>
 
 #include "batch/team.hpp"
 #include "commands/session.hpp"
@@ -22,8 +23,8 @@ using namespace kestrune::host::batch;
 using namespace std::chrono_literals;
 
 enum Tag { kTagChunk = 1, kTagResult = 2, kTagStop = 3 };
-constexpr std::size_t kAhead = 2;       // chunks that a process has, so that it never waits for the next one
-constexpr auto kListenEvery = 50us;     // MPI's own waiting would take a processor
+constexpr std::size_t kAhead = 2;    // chunks that a process has, so that it never waits for the next one
+constexpr auto kListenEvery = 50us;  // MPI's own waiting would take a processor
 constexpr int kLongestFailure = 2000;
 
 template <class T>
@@ -62,6 +63,7 @@ class MpiCrew : public Crew {
     Result dropped;
     while (outstanding_ > 0)
       if (!receive(dropped)) std::this_thread::sleep_for(kListenEvery);
+    for (Message& m : under_way_) MPI_Wait(&m.request, MPI_STATUS_IGNORE);
     for (std::size_t k = 0; k < busy_.size(); ++k) send_bytes("", static_cast<int>(k) + 1, kTagStop);
   }
 
@@ -72,12 +74,16 @@ class MpiCrew : public Crew {
     for (std::size_t k = 1; k < busy_.size(); ++k)
       if (busy_[k] < busy_[to]) to = k;
     if (busy_.empty() || busy_[to] >= kAhead) return false;
-    bytes_.clear();
+    // Without waiting: the other one may be waiting itself until a result of it is taken.
+    drop_sent();
+    Message& message = under_way_.emplace_back();
+    std::string& bytes = message.bytes;
     const std::uint64_t head[] = {chunk.number, input_hash, chunk.pieces.size()};
-    pack(bytes_, head, 3);
-    pack(bytes_, chunk.pieces.data(), chunk.pieces.size());
-    bytes_ += chunk.text;
-    send_bytes(bytes_, static_cast<int>(to) + 1, kTagChunk);
+    pack(bytes, head, 3);
+    pack(bytes, chunk.pieces.data(), chunk.pieces.size());
+    bytes += chunk.text;
+    MPI_Isend(bytes.data(), static_cast<int>(bytes.size()), MPI_BYTE, static_cast<int>(to) + 1, kTagChunk,
+              MPI_COMM_WORLD, &message.request);
     ++busy_[to];
     ++outstanding_;
     return true;
@@ -100,8 +106,22 @@ class MpiCrew : public Crew {
   }
 
  private:
+  struct Message {
+    std::string bytes;
+    MPI_Request request = MPI_REQUEST_NULL;
+  };
+
+  void drop_sent() {
+    under_way_.remove_if([](Message& m) {
+      int sent = 0;
+      MPI_Test(&m.request, &sent, MPI_STATUS_IGNORE);
+      return sent != 0;
+    });
+  }
+
   std::vector<std::size_t> busy_;  // chunks that each has
   std::size_t outstanding_ = 0;
+  std::list<Message> under_way_;
   std::string bytes_;
 };
 
@@ -124,11 +144,14 @@ class MpiTeam : public Team {
     MPI_Bcast(first.data(), length, MPI_BYTE, 0, MPI_COMM_WORLD);
     std::string mine = failure;
     if (mine.empty() && first != identity && !first.empty())
-      mine = "is ready for another job than the first process: the program, its library and the mixture must be the same "
-             "on all nodes";
+      mine =
+          "is ready for another job than the first process: the program, its library and the mixture must be "
+          "the same "
+          "on all nodes";
     mine.resize(kLongestFailure, '\0');
     std::string all(static_cast<std::size_t>(size_) * kLongestFailure, '\0');
-    MPI_Allgather(mine.data(), kLongestFailure, MPI_BYTE, all.data(), kLongestFailure, MPI_BYTE, MPI_COMM_WORLD);
+    MPI_Allgather(mine.data(), kLongestFailure, MPI_BYTE, all.data(), kLongestFailure, MPI_BYTE,
+                  MPI_COMM_WORLD);
     for (int r = 0; r < size_; ++r) {
       const std::string text = all.c_str() + static_cast<std::size_t>(r) * kLongestFailure;
       if (!text.empty()) throw InputError(r == 0 ? text : fmt::format("process {}: {}", r, text));
@@ -171,7 +194,8 @@ class MpiTeam : public Team {
 // mpirun ends the others with this signal when one of them dies.
 extern "C" void say_resumable(int) {
   constexpr char text[] =
-      "\nkestrune-mpi: ended from outside, because a process of the job died or the job was stopped. What stands in the "
+      "\nkestrune-mpi: ended from outside, because a process of the job died or the job was stopped. What "
+      "stands in the "
       "output file is good: the same command with --resume goes on with it\n";
   [[maybe_unused]] const auto written = write(STDERR_FILENO, text, sizeof text - 1);
   std::signal(SIGTERM, SIG_DFL);
@@ -188,7 +212,8 @@ int main(int argc, char** argv) {
   if (team.leads()) std::signal(SIGTERM, say_resumable);
   int code = exit_input;
   if (arguments.empty() || arguments.front() != "batch") {
-    if (team.leads()) std::cerr << "kestrune-mpi: use it as mpirun -n N kestrune-mpi batch ...; the rest is in kestrune\n";
+    if (team.leads())
+      std::cerr << "kestrune-mpi: use it as mpirun -n N kestrune-mpi batch ...; the rest is in kestrune\n";
   } else {
     // The others say nothing; what goes wrong in one of them after all were ready ends the job.
     std::ostringstream nothing, failure;
