@@ -313,7 +313,7 @@ void add_batch_command(CLI::App& app, Session& session) {
       "Examples:\n"
       "  kestrune batch --z methane=0.9,nC5=0.1 -T -80:40:40 -P 10,40 --columns T,P,phases,beta,density,H\n"
       "  kestrune batch --states states.csv --compositions gases.csv -o results.csv --resume\n"
-      "  kestrune batch --table rows.csv --keep well -o results.csv --columns "
+      "  kestrune batch --table rows.csv --keep well -o wells.csv --columns "
       "beta,vapour.density,liquid.density");
   command->callback([options, &session] { run_batch(*options, session); });
 }
