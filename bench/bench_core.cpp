@@ -222,7 +222,8 @@ void print_flash_counts(const char* name) {
   const auto g = gas(name);
   use(g->mixture);
   FlashResult result(g->mixture.n);
-  double fugacities = 0.0, matrices = 0.0, factorisations = 0.0, iterations = 0.0, trials = 0.0;
+  double fugacities = 0.0, pure_roots = 0.0, matrices = 0.0, factorisations = 0.0, iterations = 0.0,
+         trials = 0.0;
   int failed = 0;
   StepCounts steps[] = {{"gas"}, {"liquid"}, {"two_phases"}};
   for_each_state([&](double T, double P) {
@@ -230,6 +231,7 @@ void print_flash_counts(const char* name) {
     const StatusCode status = flash_once(*g, T, P, result, &c);
     failed += status != KV_OK && status != KV_SINGLE_PHASE;
     fugacities += c.fugacities;
+    pure_roots += c.pure_roots;
     matrices += c.matrices;
     factorisations += c.factorisations;
     iterations += c.iterations;
@@ -238,9 +240,11 @@ void print_flash_counts(const char* name) {
     ++s.states;
     for (int k = 0; k < flash::kSteps; ++k) s.evaluations[k] += c.by_step[k];
   });
-  std::printf("flash_%s\t%.2f fugacities (%.2f with d/dn), %.2f factorisations, %.2f iterations, %.2f trials",
-              name, fugacities / kGridSize, matrices / kGridSize, factorisations / kGridSize,
-              iterations / kGridSize, trials / kGridSize);
+  std::printf(
+      "flash_%s\t%.2f fugacities (%.2f with d/dn), %.2f pure roots, %.2f factorisations, %.2f iterations, "
+      "%.2f trials",
+      name, fugacities / kGridSize, matrices / kGridSize, pure_roots / kGridSize, factorisations / kGridSize,
+      iterations / kGridSize, trials / kGridSize);
   if (failed != 0) std::printf(", %d failed", failed);
   std::printf("\n");
   for (const StepCounts& s : steps) print_steps(name, s);

@@ -61,8 +61,8 @@ grep -rnE '^[[:space:]]*#[[:space:]]*include[[:space:]]*["<]' include src siblin
     }' || exit 1
 
 # An export is one expression behind the guard: nothing stands in front of it.
-entries=$(grep -h 'KV_ENTRY' src/frame/exports/*.cpp | wc -l)
-guards=$(grep -h 'KV_GUARDS' src/frame/exports/*.cpp | wc -l)
+entries=$(cat src/frame/exports/*.cpp | grep -c 'KV_ENTRY')
+guards=$(cat src/frame/exports/*.cpp | grep -c 'KV_GUARDS')
 if [ "$entries" = 0 ] || [ "$entries" != "$guards" ]; then
   echo "$entries exports, $guards of them behind the guard"
   exit 1

@@ -152,7 +152,8 @@ void print_errors(const Grid& grid, const std::vector<Errors>& errors, const std
     for (const bool crossed : {false, true}) {
       const Error& e = crossed ? errors[c].crossed : errors[c].one;
       const double range = errors[c].high - errors[c].low;
-      table.add({columns[c].heading + (crossed ? ", across a boundary" : ", same phases"), std::to_string(e.cells),
+      table.add({columns[c].heading + (crossed ? ", across a boundary" : ", same phases"),
+                 std::to_string(e.cells),
                  shown_significant(e.cells > 0 ? e.sum / static_cast<double>(e.cells) : kNone),
                  shown_significant(e.cells > 0 ? e.largest : kNone),
                  shown_digits(e.cells > 0 && range > 0.0 ? 100.0 * e.largest / range : kNone, 3),
@@ -195,7 +196,8 @@ void run_table(const TableOptions& o, Session& session) {
   for (std::vector<double>* axis : {&grid.first, &grid.pressures}) {
     std::sort(axis->begin(), axis->end());
     if (axis->size() < 2 || std::adjacent_find(axis->begin(), axis->end()) != axis->end())
-      throw InputError("each axis of a table has two values or more, each once: -T 150:350:10 K -P 1:101:10 bar");
+      throw InputError(
+          "each axis of a table has two values or more, each once: -T 150:350:10 K -P 1:101:10 bar");
   }
   o.record.apply(mixture);
   const bool by_enthalpy = grid.given == Given::HP;
@@ -214,7 +216,8 @@ void run_table(const TableOptions& o, Session& session) {
       const StatusCode status = solver.solve(first, P, mixture.z.data(), mixture.molar_mass);
       if (!has_value(status)) session.exit_code = exit_status;
       grid.lines.back().push_back(row_of(solver, "grid", columns));
-      if (by_enthalpy) grid.lines.back().back().values[0] = units[Quantity::enthalpy].from_base(first, mixture.molar_mass);
+      if (by_enthalpy)
+        grid.lines.back().back().values[0] = units[Quantity::enthalpy].from_base(first, mixture.molar_mass);
     }
     boundaries.push_back(boundary(library, mixture, phases, P, columns));
   }
@@ -235,25 +238,30 @@ void run_table(const TableOptions& o, Session& session) {
 }  // namespace
 
 void add_table_command(CLI::App& app, Session& session) {
-  auto* command = app.add_subcommand(
-      "table",
-      "Properties on a grid of temperature or enthalpy and pressure, with the phase boundaries, as CSV for simulators");
+  auto* command = app.add_subcommand("table",
+                                     "Properties on a grid of temperature or enthalpy and pressure, with the "
+                                     "phase boundaries, as CSV for simulators");
   const auto options = std::make_shared<TableOptions>();
   options->mixture.add_to(*command);
   options->conditions.add_TP_to(*command, false);
   command->add_option("-H,--enthalpy", options->conditions.enthalpy, "List or range instead of -T");
-  command->add_option("--columns", options->columns, "Columns by commas, as those of kestrune batch (density,H,S)");
+  command->add_option("--columns", options->columns,
+                      "Columns by commas, as those of kestrune batch (density,H,S)");
   command->add_option("-o,--output", options->output, "File for the table (default: standard output)");
   command->add_flag("--overwrite", options->overwrite, "Replace a file that is there");
-  command->add_option("--phases", options->phases, "3 (default): up to two liquids and a vapour; 2: liquid and vapour");
-  command->add_option("--units", options->units, "engineering (C, bar, kJ/kg; default), si, field or a pair such as K,atm");
-  command->add_option("--energy", options->energy, "Unit of enthalpies, entropies follow: kJ/kg, J/mol, Btu/lb ...");
+  command->add_option("--phases", options->phases,
+                      "3 (default): up to two liquids and a vapour; 2: liquid and vapour");
+  command->add_option("--units", options->units,
+                      "engineering (C, bar, kJ/kg; default), si, field or a pair such as K,atm");
+  command->add_option("--energy", options->energy,
+                      "Unit of enthalpies, entropies follow: kJ/kg, J/mol, Btu/lb ...");
   options->missing.add_to(*command);
   options->record.add_to(*command);
   command->footer(
       "Examples:\n"
       "  kestrune table --z methane=0.9,nC5=0.1 -T -80:40:20 C -P 10:90:20 bar -o table.csv --overwrite\n"
-      "  kestrune table --z methane=0.9,nC5=0.1 -H -500:0:100 kJ/kg -P 10:50:20 bar --columns density,S,vapour.Cp");
+      "  kestrune table --z methane=0.9,nC5=0.1 -H -500:0:100 kJ/kg -P 10:50:20 bar --columns "
+      "density,S,vapour.Cp");
   command->callback([options, &session] { run_table(*options, session); });
 }
 

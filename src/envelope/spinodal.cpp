@@ -204,7 +204,7 @@ void open_spinodal(support::Arena& arena, const MixtureRecord& mixture, const do
     *array = arena.zeros(sp.ld);
   sp.v = arena.zeros(sp.n + 1);
   sp.y = arena.zeros(sp.n + 1);
-  sp.matrix = arena.take(static_cast<std::size_t>(sp.n + 1) * (sp.n + 1));
+  sp.matrix = arena.zeros(static_cast<std::size_t>(sp.n + 1) * support::padded(sp.n + 1));
   sp.pivot = arena.take_ints(sp.n + 1);
   sp.base = arena.mark();
   for (int i = 0; i < sp.n; ++i) sp.root[i] = std::sqrt(z[i]);
@@ -258,9 +258,9 @@ bool locally_stable(Spinodal& sp, double T, double eta, double slack, StatusCode
   if (status != KV_OK) return false;
   double a_t;
   const double a = mix_feed(sp, a_t);
-  fill_matrix(sp, volume_terms(T, sp.b, eta), a, sp.n);
-  for (int i = 0; i < sp.n; ++i) sp.matrix[static_cast<std::size_t>(i) * sp.n + i] += slack;
-  return support::ldl_factor(sp.n, sp.n, sp.matrix, 0.0);
+  fill_matrix(sp, volume_terms(T, sp.b, eta), a, sp.ld);
+  for (int i = 0; i < sp.n; ++i) sp.matrix[static_cast<std::size_t>(i) * sp.ld + i] += slack;
+  return support::ldl_factor(sp.n, sp.ld, sp.matrix, 0.0);
 }
 
 StatusCode start_border(Spinodal& sp, double T, double eta) {
@@ -274,7 +274,7 @@ StatusCode start_border(Spinodal& sp, double T, double eta) {
   }
   for (int i = 0; i < n; ++i) sp.v[i] = sp.root[i] > 0.0 ? ((i & 1) ? -1.0 : 1.0) + 0.3 * i / n : 0.0;
   for (int k = 0; k < kIterations; ++k) {
-    support::ldl_solve(n, n, sp.matrix, sp.v);
+    support::ldl_solve(n, sp.ld, sp.matrix, sp.v);
     normalise(n, sp.v, sp.v);
   }
   std::copy_n(sp.v, n, sp.w);

@@ -1,3 +1,6 @@
+// Ideal-gas properties of the components, by the pure-component library or by the columns of the table, and
+// their sums.
+
 #include "eos/ideal_gas.hpp"
 
 #include <algorithm>
@@ -17,14 +20,13 @@ bool has_value(StatusCode one, StatusCode& all) {
   return one == KV_PURE_RANGE;
 }
 
-constexpr double kJoulePerCal = 4.184;
-
 double heat_capacity_at(const OwnHeatCapacity& own, double T) {
   const double* c = own.cp;
   return c[0] + T * (c[1] + T * (c[2] + T * (c[3] + T * c[4])));
 }
 
-// Integrals of the heat capacity over T and over ln T from 298.15 K, straight lines beyond the range.
+// Antiderivatives of the heat capacity over T and over ln T: their differences are the integrals. Beyond the
+// range it keeps its value at the end.
 double enthalpy_to(const OwnHeatCapacity& own, double T) {
   const double* c = own.cp;
   const double t = std::clamp(T, own.Tmin, own.Tmax);
@@ -39,9 +41,12 @@ double entropy_to(const OwnHeatCapacity& own, double T) {
 }
 
 StatusCode own_ideal_gas(const OwnHeatCapacity& own, double T, int i, const IdealGas& out) {
-  if (out.h != nullptr) out.h[i] = (enthalpy_to(own, T) - enthalpy_to(own, kEnthalpyBase)) / kJoulePerCal;
-  if (out.s != nullptr) out.s[i] = (entropy_to(own, T) - entropy_to(own, kEnthalpyBase)) / kJoulePerCal;
-  if (out.cp != nullptr) out.cp[i] = heat_capacity_at(own, std::clamp(T, own.Tmin, own.Tmax)) / kJoulePerCal;
+  if (out.h != nullptr)
+    out.h[i] = (enthalpy_to(own, T) - enthalpy_to(own, kEnthalpyBase)) / frame::kJoulePerCalorie;
+  if (out.s != nullptr)
+    out.s[i] = (entropy_to(own, T) - entropy_to(own, kEnthalpyBase)) / frame::kJoulePerCalorie;
+  if (out.cp != nullptr)
+    out.cp[i] = heat_capacity_at(own, std::clamp(T, own.Tmin, own.Tmax)) / frame::kJoulePerCalorie;
   return T < own.Tmin || T > own.Tmax ? KV_PURE_RANGE : KV_OK;
 }
 

@@ -32,7 +32,7 @@ struct Walk {
   const Wanted& wanted;
   StatusCode status = KV_OK;
   LinePoint extreme{}, found{}, from{}, to{};  // what is found on a step, and ends of a part of it
-  double* square = nullptr;                    // [(n + 2)^2]
+  double* square = nullptr;                    // [(n + 2) * padded(n + 2)]
 
   // By its packing y is the vapour on one side of a critical point and the liquid on the other.
   bool is_wanted(const LinePoint& p) const {
@@ -197,7 +197,7 @@ Solved follow_line(QualityLine& line, LinePoint& p, int target, double value, bo
   LinePoint last, next;
   Walk w{line, last, p, next, target, value, exchanged, wanted};
   for (LinePoint* q : {&last, &next, &w.extreme, &w.found, &w.from, &w.to}) take_point(*line.arena, line, *q);
-  w.square = line.arena->take(static_cast<std::size_t>(line.n + 2) * (line.n + 2));
+  w.square = line.arena->zeros(static_cast<std::size_t>(line.n + 2) * support::padded(line.n + 2));
   seal_line(line);
   line.stable_roots = true;
   const double lowest = p.X[line.P_index()] - kBelowStart;

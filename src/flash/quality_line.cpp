@@ -1,3 +1,6 @@
+// Newton's method on a point of constant vapour fraction, (28) of docs/method.md, and what surrounds it:
+// compositions, one substitution, the last digits beside a critical point.
+
 #include "flash/quality_line.hpp"
 
 #include <algorithm>
@@ -264,7 +267,7 @@ bool polish_point(QualityLine& line, LinePoint& p, int held, double* work, Statu
   constexpr int kCorrections = 4;
   constexpr double kHardly = 1e-3;   // change of an equation with a unit vector of unknowns
   constexpr double kLargest = 1e-3;  // correction of something that is known
-  const int size = line.n + 2;
+  const int size = line.n + 2, ld = support::padded(size);
   for (int k = 0; k < kCorrections; ++k) {
     Sums sums;
     status = evaluate(line, p, true, sums);
@@ -281,11 +284,11 @@ bool polish_point(QualityLine& line, LinePoint& p, int held, double* work, Statu
         const double* b = line.system + static_cast<std::size_t>(i) * size;
         double sum = i == j ? kHardly * kHardly : 0.0;
         for (int r = 0; r < size; ++r) sum += a[r] * b[r];
-        work[static_cast<std::size_t>(j) * size + i] = sum;
+        work[static_cast<std::size_t>(j) * ld + i] = sum;
       }
     }
-    if (!support::ldl_factor(size, size, work, 0.0)) return false;
-    support::ldl_solve(size, size, work, right);
+    if (!support::ldl_factor(size, ld, work, 0.0)) return false;
+    support::ldl_solve(size, ld, work, right);
     for (int i = 0; i < size; ++i) {
       if ((i >= line.n || line.z[i] > 0.0) && !(std::fabs(right[i]) <= kLargest)) return false;
       p.X[i] = i < line.n ? std::clamp(p.X[i] + right[i], -kLargestLogK, kLargestLogK) : p.X[i] + right[i];

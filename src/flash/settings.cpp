@@ -1,3 +1,5 @@
+// Settings of the record with their defaults, and the rules by which models and kinds of flashes change them.
+
 #include "flash/settings.hpp"
 
 #include <algorithm>

@@ -1,4 +1,7 @@
-// [Mic82] M. L. Michelsen, Fluid Phase Equilib. 9 (1982) 1-19: the test, the modified distance, the test for
+// One trial from its start to its end: substitutions (13), steps of second order (14) of docs/method.md, and
+// the rules by which it ends early. Calls flash/fugacity.hpp and eos for what is evaluated, nothing else.
+//
+// [Mic82a] M. L. Michelsen, Fluid Phase Equilib. 9 (1982) 1-19: the test, the modified distance, the test for
 // the trivial solution. [Mic07] the same with second-order minimisation in 2 sqrt(W).
 
 #include "flash/stability.hpp"
@@ -22,8 +25,8 @@ constexpr double kFinished = 1e-14;     // of a phase that is only reported
 constexpr double kNearlyFinished = 1e-10, kShortChange = 1e-4;
 // Positive distances are final once they exceed what the rest of the way can take off them.
 constexpr double kSafePositive = 1e-4, kSafeFactor = 400.0;
-// From this distance a substitution goes half its way: the whole of it leads past a minimum where unlike molecules
-// attract each other strongly.
+// From this distance a substitution goes half its way: the whole of it leads past a minimum where unlike
+// molecules attract each other strongly.
 constexpr double kFar = 1e5, kFarPart = 0.5;
 constexpr double kLargestLogW = 600.0;
 // A negative distance beyond this needs no more digits to start a split from.
@@ -31,9 +34,10 @@ constexpr double kClearlyNegative = -1e-2, kClearGradient = 1e-3;
 constexpr double kTrivialDistance = 1e-1, kTrivialRatio = 0.2;
 constexpr double kKnownComposition = 0.01, kKnownExactly = 1e-4;
 constexpr double kSameRoot = 1e-9;  // relative difference of the Z of a host's two phases
-constexpr double kSameComposition = 1e-16, kNearComposition = 0.4;  // sum of (w - z)^2/(w + z)
+// sum of (w - z)^2/(w + z); from a start, before any step, only what is nearer still counts as on its way back
+constexpr double kSameComposition = 1e-16, kNearComposition = 0.4, kNearFromStart = 0.12;
 
-// Residuals r, tm and its gradient from ln phi.
+// Residuals r of (13), tm of (12) and its gradient from ln phi; numbers of docs/method.md.
 void compare(const Model& m, const Reference& ref, const TrialWork& work, Trial& t) {
   double wr = 0.0, g = 0.0;
   for (int i = 0; i < m.n; ++i) {
@@ -70,18 +74,19 @@ double spread(const double* w, const double* z, int n) {
   return sum;
 }
 
-// Is the trial on its way back to a phase of composition z on the same plane? Then the distance behaves as the
-// quadratic that has its minimum there: 2 tm equals the derivative along the way from it.
-bool returns_to(const double* z, int n, bool quick, const TrialWork& work, const Trial& t) {
+// Is the trial on its way back to a phase of composition z on the same plane? Then the distance behaves as
+// the quadratic that has its minimum there: 2 tm equals the derivative along the way from it, (15) of
+// docs/method.md.
+bool returns_to(const double* z, int n, bool quick, double near, const TrialWork& work, const Trial& t) {
+  if (z == nullptr) return false;
   double towards = 0.0;
   for (int i = 0; i < n; ++i) towards += (t.sum * t.w[i] - z[i]) * work.r[i];
   const double distance = spread(t.w, z, n);
   if (distance < kSameComposition) return true;
-  return quick && t.tm > 0.0 && distance < kNearComposition &&
-         std::fabs(2.0 * t.tm - towards) < kTrivialRatio * towards;
+  return quick && t.tm > 0.0 && distance < near && std::fabs(2.0 * t.tm - towards) < kTrivialRatio * towards;
 }
 
-// Newton step in alpha = 2 sqrt(W). False when the matrix is not positive definite.
+// Newton step in alpha = 2 sqrt(W), (14) of docs/method.md. False when the matrix is not positive definite.
 bool second_order(Model& m, const TrialWork& work, Trial& t) {
   const int n = m.n, ld = m.ld;
   const double sum = t.sum;
@@ -174,10 +179,10 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
       t.end = TrialEnd::trivial;
       return KV_OK;
     }
-    if (k >= 1 && std::fabs(t.tm) < kTrivialDistance &&
-        (returns_to(ref.z, m.n, quick, work, t) ||
-         (ref.other != nullptr && returns_to(ref.other, m.n, quick, work, t)) ||
-         (ref.third != nullptr && returns_to(ref.third, m.n, quick, work, t)))) {
+    const double near = k >= 1 ? kNearComposition : kNearFromStart;
+    if ((k >= 1 || quick) && std::fabs(t.tm) < kTrivialDistance &&
+        (returns_to(ref.z, m.n, quick, near, work, t) || returns_to(ref.other, m.n, quick, near, work, t) ||
+         returns_to(ref.third, m.n, quick, near, work, t))) {
       t.end = TrialEnd::trivial;
       return KV_OK;
     }
@@ -194,8 +199,8 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
     before = t.tm;
     const bool newton = second && second_order(m, work, t);
     t.current = false;
-    // A substitution overshoots where unlike molecules attract each other strongly. The first one has far to go,
-    // unless it begins below the plane.
+    // A substitution overshoots where unlike molecules attract each other strongly. The first one has far to
+    // go, unless it begins below the plane.
     stepped = newton || k > 0 || t.tm < kUnstable;
     substituted = !second;
     if (newton) {
@@ -219,7 +224,10 @@ bool convex_with(Model& m, const double* x, const double* dn, double margin, con
   const int n = m.n, ld = m.ld;
   for (int i = 0; i < ld; ++i) work.root[i] = i < n ? std::sqrt(x[i]) : 0.0;
   support::lanes->scale(n, ld, work.root, dn, work.hessian);
-  for (int j = 0; j < n; ++j) work.hessian[static_cast<std::size_t>(j) * ld + j] += 1.0 - margin;
+  // No eigenvalue is larger than the root of the sum of all squares: of a gas that is enough as a rule.
+  const double room = 1.0 - margin;
+  if (margin > 0.0 && support::lanes->squares(n, ld, work.hessian) < room * room) return true;
+  for (int j = 0; j < n; ++j) work.hessian[static_cast<std::size_t>(j) * ld + j] += room;
   ++m.counts.factorisations;
   return support::ldl_factor(n, ld, work.hessian, 1e-10);
 }
@@ -247,26 +255,44 @@ bool clearly_convex(Model& m, const Reference& ref, Kind kind, const Evaluated* 
   return false;
 }
 
-StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& t) {
-  t.Z = 0.0;
+StatusCode look_at_pure(Model& m, const Reference& ref, int j, Trial& t, Pure& pure) {
+  pure.j = j;
+  pure.Z = 0.0;
+  if (!m.built_in()) {
+    for (int i = 0; i < m.ld; ++i) t.w[i] = i == j ? 1.0 : 0.0;
+    const StatusCode status = fugacity(m, t.w, Kind::stable, t.ln_phi, nullptr, pure.Z);
+    if (status != KV_OK) return status;
+    pure.log_activity = ref.d[j] - t.ln_phi[j];
+    return KV_OK;
+  }
+  ++m.counts.pure_roots;
+  const StatusCode spent = spend(m.host, 1);
+  if (spent != KV_OK) return spent;
+  const double* s = nullptr;
+  pure.mixed = eos::mix_pure(m.t, j, &s);
+  const int status = eos::stable_root(m.t, m.bracub, pure.mixed, m.P, 0.0, pure.root);
+  if (!eos::has_root(status)) return status;
+  pure.Z = pure.root.Z;
+  pure.log_activity = ref.d[j] - eos::residual_gibbs(pure.mixed, pure.root);
+  return KV_OK;
+}
+
+void start_from_pure(Model& m, const Reference& ref, const Pure& pure, Trial& t) {
+  t.Z = pure.Z;
   if (m.built_in()) {
     m.counts.evaluated();
-    const StatusCode spent = spend(m.host, 1);
-    if (spent != KV_OK) return spent;
     const double* s = nullptr;
-    const eos::Mixture pure = eos::mix_pure(m.t, j, &s);
-    eos::Root r;
-    const int status = eos::stable_root(m.t, m.bracub, pure, m.P, 0.0, r);
-    if (!eos::has_root(status)) return status;
-    t.Z = r.Z;
-    eos::ln_phi(m.t, pure, r, s, t.ln_phi);
-  } else {
-    for (int i = 0; i < m.ld; ++i) t.w[i] = i == j ? 1.0 : 0.0;
-    const StatusCode status = fugacity(m, t.w, Kind::stable, t.ln_phi, nullptr, t.Z);
-    if (status != KV_OK) return status;
+    eos::mix_pure(m.t, pure.j, &s);
+    eos::ln_phi(m.t, pure.mixed, pure.root, s, t.ln_phi);
   }
   for (int i = 0; i < m.n; ++i) t.log_w[i] = ref.d[i] - t.ln_phi[i];
-  return KV_OK;
+}
+
+StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& t) {
+  Pure pure;
+  const StatusCode status = look_at_pure(m, ref, j, t, pure);
+  if (status == KV_OK) start_from_pure(m, ref, pure, t);
+  return status;
 }
 
 StatusCode start_other_root(Model& m, const Reference& ref, const double* w, double Z, double reach, Trial& t,

@@ -1,4 +1,6 @@
 // Michelsen's tangent-plane test: is a phase of composition z stable, and if not, what splits off it first.
+// This file follows one trial; which trials run is decided in flash/feed_test.cpp. Section 3 of
+// docs/method.md.
 #ifndef KESTRUNE_FLASH_STABILITY_HPP
 #define KESTRUNE_FLASH_STABILITY_HPP
 
@@ -32,8 +34,8 @@ enum class TrialEnd {
 };
 
 /*
- * A trial phase: the unnormalised amounts W of the modified distance tm = 1 + sum W (ln W + ln phi(W) - d - 1),
- * whose stationary value 1 - sum W is negative exactly when the plane is cut.
+ * A trial phase: the unnormalised amounts W of the modified distance tm = 1 + sum W (ln W + ln phi(W) - d -
+ * 1), (12) of docs/method.md, whose stationary value 1 - sum W is negative exactly when the plane is cut.
  */
 struct Trial {
   double* log_w = nullptr;   // [ld] ln W
@@ -66,9 +68,9 @@ enum class Follow {
 };
 
 /*
- * Follows a trial from trial.log_w: successive substitution, then second-order steps in 2 sqrt(W). kind as for
- * fugacity(). careful: second-order steps already from where a substitution leads upwards. Returns the status of the
- * fugacity routine.
+ * Follows a trial from trial.log_w: successive substitution, then second-order steps in 2 sqrt(W). kind as
+ * for fugacity(). careful: second-order steps already from where a substitution leads upwards. Returns the
+ * status of the fugacity routine.
  */
 StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work,
                         Trial& trial, bool careful = false);
@@ -77,8 +79,10 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
 inline constexpr double kConvex = 0.1;
 
 /*
- * Whether the curvature of the distance at a phase x[ld], the matrix 1 + sqrt(x_i x_j) d ln phi_i/d n_j, has no
- * eigenvalue below margin. dn[ld * n]: its derivatives, lower triangle. The factors stay in work.hessian.
+ * Whether the curvature of the distance at a phase x[ld], the matrix 1 + sqrt(x_i x_j) d ln phi_i/d n_j, has
+ * no eigenvalue below margin: (16) of docs/method.md. dn[ld * n]: its derivatives, lower triangle. With a
+ * margin that is not positive the factors of the matrix less the margin stay in work.hessian where the result
+ * is true.
  */
 bool convex_with(Model& m, const double* x, const double* dn, double margin, const TrialWork& work);
 
@@ -90,10 +94,26 @@ bool convex_with(Model& m, const double* x, const double* dn, double margin, con
 bool clearly_convex(Model& m, const Reference& ref, Kind kind, const Evaluated* at, const TrialWork& work,
                     Trial& trial, double* lowest, StatusCode& status);
 
+// A component alone at the T and P of the model.
+struct Pure {
+  int j = 0;
+  double Z = 0.0;
+  double log_activity = 0.0;  // of it in the reference, its pure state as unit
+  eos::Mixture mixed;         // by the built-in equation
+  eos::Root root;
+};
+
 /*
- * First substitution from the pure component j: fills trial.log_w, and Z of the pure phase. log_w[j] is then
- * the logarithm of the activity of j, which decides whether the trial is worth following.
+ * The pure component j, and its activity in the reference, which says whether a trial is worth its way: by
+ * the built-in equation without a look at the other components. A host's routine tells all at once: log_w of
+ * the trial is filled then.
  */
+StatusCode look_at_pure(Model& m, const Reference& ref, int j, Trial& trial, Pure& pure);
+
+/* First substitution from the pure component: fills trial.log_w and Z. */
+void start_from_pure(Model& m, const Reference& ref, const Pure& pure, Trial& trial);
+
+/* Both. */
 StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& trial);
 
 /*

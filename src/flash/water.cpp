@@ -1,3 +1,5 @@
+// Wilson's coefficients, bounded, and water's own.
+
 #include "flash/water.hpp"
 
 #include "support/mathkernels.hpp"

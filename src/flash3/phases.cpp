@@ -1,3 +1,6 @@
+// Steps towards equilibrium among two to four phases: the convex split (30) and Newton's method (31) of
+// docs/method.md.
+
 #include "flash3/phases.hpp"
 
 #include <algorithm>
@@ -127,7 +130,8 @@ bool split_step(const SplitFunction& f, double* a, int& looks) {
   return false;
 }
 
-// Hessian of the Gibbs energy in amounts, entry for phase j between components a and b: d ln f_a/d n_b.
+// Hessian of the Gibbs energy in amounts, entry for phase j between components a and b: d ln f_a/d n_b,
+// (31) of docs/method.md.
 struct PhaseMatrix {
   const Phases& p;
   const PhasesWork& w;
@@ -153,7 +157,7 @@ void newton_matrix(int n, int ld, int lead, const Phases& p, const PhasesWork& w
     for (int b = 0; b < n; ++b) {
       const int ub = kb * n + b;
       double* const column = w.system + static_cast<std::size_t>(ub) * lead;
-      std::fill(column + (ub & ~3), column + lead, 0.0);
+      std::fill(column + support::block_start(ub), column + lead, 0.0);
       column[ub] = 1.0;
       if (!(w.scale[ub] > 0.0)) continue;
       const int hb = w.home[b], jb = phase_of(hb, kb);

@@ -1,3 +1,5 @@
+// The seam to Linux.
+
 #if !defined(_WIN32)
 
 #include <dlfcn.h>

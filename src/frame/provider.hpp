@@ -14,6 +14,8 @@
 namespace kestrune::frame {
 
 inline constexpr std::size_t kUnitLength = 15;
+// J/cal, thermochemical: exact by definition.
+inline constexpr double kJoulePerCalorie = 4.184;
 // Added to an error number of the pure-component library.
 inline constexpr StatusCode kProviderOffset = 1000;
 

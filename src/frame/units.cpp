@@ -15,7 +15,6 @@ struct Conversion {
   double multiply, divide;
 };
 
-constexpr double kJoulePerCalorie = 4.184;
 constexpr double kPascalPerAtm = 101325.0;
 
 constexpr Conversion kConversions[] = {

@@ -16,6 +16,10 @@ inline constexpr std::size_t kAlignment = 16;
 inline constexpr int padded(int n) {
   return (n + 3) & ~3;
 }
+// First element of the vector of four that holds element i: where a loop over the lower triangle of column i begins.
+inline constexpr int block_start(int i) {
+  return i & ~3;
+}
 
 class Arena {
  public:

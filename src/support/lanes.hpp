@@ -46,6 +46,10 @@ struct Lanes {
   // h(i, j) = root_i root_j m(i, j) in the lower triangle; up to three elements above the diagonal are written.
   void (*scale)(int n, int ld, const double* root, const double* m, double* h);
 
+  // Sum of the squares of all elements of a symmetric matrix of which the lower triangle is there (and up to three
+  // elements above the diagonal, which count twice): not less than the square of its largest eigenvalue.
+  double (*squares)(int n, int ld, const double* lower);
+
   // L D L^T of a[ld * n], as ldl_factor (support/ldl.hpp); what stands above the diagonal is spoilt.
   bool (*ldl_factor)(int n, int ld, double* a, double floor);
 

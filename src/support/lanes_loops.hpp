@@ -2,7 +2,9 @@
 // else has internal linkage, so that no code for a wider processor gets in the way of a narrower one.
 
 #include <cstddef>
+#include <type_traits>
 
+#include "support/arena.hpp"
 #include "support/lanes.hpp"
 #include "support/mathkernels.hpp"
 
@@ -19,29 +21,48 @@ namespace {
   return (part[0] + part[1]) + (part[2] + part[3]);
 }
 
+typedef double Four [[gnu::vector_size(32), gnu::aligned(8), gnu::may_alias]];
+
+[[gnu::always_inline]] inline const Four* four_at(const double* m, int ld, int j, int begin) {
+  return reinterpret_cast<const Four*>(m + static_cast<std::size_t>(j) * ld + begin);
+}
+
+// Rows begin .. begin + 4 Vectors - 1 of the sum of x_j times column j, two columns at a time, in registers.
+template <int Vectors>
+[[gnu::always_inline]] inline void combine_rows(int n, int ld, const double* m, const double* x, int begin,
+                                                double* s) {
+  Four sum[Vectors];
+  int j = 0;
+  if (n % 2 != 0) {
+    for (int v = 0; v < Vectors; ++v) sum[v] = x[0] * four_at(m, ld, 0, begin)[v];
+    j = 1;
+  } else {
+    for (int v = 0; v < Vectors; ++v)
+      sum[v] = x[0] * four_at(m, ld, 0, begin)[v] + x[1] * four_at(m, ld, 1, begin)[v];
+    j = 2;
+  }
+  for (; j < n; j += 2) {
+    const Four *const c0 = four_at(m, ld, j, begin), *const c1 = four_at(m, ld, j + 1, begin);
+    const double x0 = x[j], x1 = x[j + 1];
+    for (int v = 0; v < Vectors; ++v) sum[v] += x0 * c0[v] + x1 * c1[v];
+  }
+  Four* const out = reinterpret_cast<Four*>(s + begin);
+  for (int v = 0; v < Vectors; ++v) out[v] = sum[v];
+}
+
+// Calls rows(i, number of vectors) for the rows from begin to ld, in strips that fit the registers.
+template <class Rows>
+[[gnu::always_inline]] inline void in_strips(int begin, int ld, Rows&& rows) {
+  int i = begin;
+  for (; ld - i >= 16; i += 16) rows(i, std::integral_constant<int, 4>());
+  if (ld - i == 12) rows(i, std::integral_constant<int, 3>());
+  if (ld - i == 8) rows(i, std::integral_constant<int, 2>());
+  if (ld - i == 4) rows(i, std::integral_constant<int, 1>());
+}
+
 Sums combine(int n, int ld_, const double* m, const double* x, const double* b, double* __restrict s) {
   const int ld = whole(ld_);
-  // Two columns at a time: half the loads and stores of s. The first ones set it.
-  int j = 2;
-  if (n < 2) {
-    for (int i = 0; i < ld; ++i) s[i] = x[0] * m[i];
-  } else {
-    const double* __restrict c0 = m;
-    const double* __restrict c1 = c0 + ld;
-    const double x0 = x[0], x1 = x[1];
-    for (int i = 0; i < ld; ++i) s[i] = x0 * c0[i] + x1 * c1[i];
-  }
-  for (; j + 1 < n; j += 2) {
-    const double* __restrict c0 = m + static_cast<std::size_t>(j) * ld;
-    const double* __restrict c1 = c0 + ld;
-    const double x0 = x[j], x1 = x[j + 1];
-    for (int i = 0; i < ld; ++i) s[i] += x0 * c0[i] + x1 * c1[i];
-  }
-  if (j < n) {
-    const double* __restrict c0 = m + static_cast<std::size_t>(j) * ld;
-    const double x0 = x[j];
-    for (int i = 0; i < ld; ++i) s[i] += x0 * c0[i];
-  }
+  in_strips(0, ld, [&](int i, auto vectors) { combine_rows<vectors>(n, ld, m, x, i, s); });
   double xs[4] = {}, xb[4] = {};
   for (int i = 0; i < ld; i += 4)
     for (int k = 0; k < 4; ++k) {
@@ -75,7 +96,7 @@ void pairs(const PairTerms& p, int n, int ld_, const double* a, const double* b,
   const auto at = [](int j, int lead) { return static_cast<std::size_t>(j) * lead; };
   if (ld_out == ld && rows == ld) {
     for (int j = 0; j < n; ++j)
-      pairs_of(p, j, a + at(j, ld), b, s, out + at(j, ld), lower ? whole(j & ~3) : 0, ld);
+      pairs_of(p, j, a + at(j, ld), b, s, out + at(j, ld), lower ? block_start(j) : 0, ld);
   } else {
     for (int j = 0; j < n; ++j) pairs_of(p, j, a + at(j, ld), b, s, out + at(j, ld_out), 0, rows);
   }
@@ -107,65 +128,109 @@ void scale(int n, int ld_, const double* __restrict root, const double* __restri
   for (int j = 0; j < n; ++j) {
     const std::size_t at = static_cast<std::size_t>(j) * ld;
     const double rj = root[j];
-    for (int i = whole(j & ~3); i < ld; ++i) h[at + i] = rj * root[i] * m[at + i];
+    for (int i = block_start(j); i < ld; ++i) h[at + i] = rj * root[i] * m[at + i];
   }
 }
 
+double squares(int n, int ld_, const double* m) {
+  const int ld = whole(ld_);
+  double part[4] = {}, diagonal = 0.0;
+  for (int j = 0; j < n; ++j) {
+    const double* column = m + static_cast<std::size_t>(j) * ld;
+    diagonal += column[j] * column[j];
+    for (int i = block_start(j); i < ld; i += 4)
+      for (int k = 0; k < 4; ++k) part[k] += column[i + k] * column[i + k];
+  }
+  return 2.0 * total(part) - diagonal;
+}
+
+// Takes from rows begin .. begin + 4 Vectors - 1 of column j what the columns before it have there, in registers.
+template <int Vectors>
+[[gnu::always_inline]] inline void eliminate(int j, int ld, double* a, int begin) {
+  Four* const column = reinterpret_cast<Four*>(a + static_cast<std::size_t>(j) * ld + begin);
+  Four sum[Vectors];
+  for (int v = 0; v < Vectors; ++v) sum[v] = column[v];
+  for (int k = 0; k < j; ++k) {
+    const double* const ck = a + static_cast<std::size_t>(k) * ld;
+    const double w = ck[j] * ck[k];
+    const Four* const rows = reinterpret_cast<const Four*>(ck + begin);
+    for (int v = 0; v < Vectors; ++v) sum[v] -= w * rows[v];
+  }
+  for (int v = 0; v < Vectors; ++v) column[v] = sum[v];
+}
+
+// Column by column; they are scaled at the end. On the diagonal stand the inverse pivots of those that are done.
 bool ldl_factor(int n, int ld_, double* a, double floor) {
   const int ld = whole(ld_);
   for (int j = 0; j < n; ++j) {
-    double* __restrict cj = a + static_cast<std::size_t>(j) * ld;
-    const double pivot = cj[j];
+    in_strips(block_start(j), ld, [&](int i, auto vectors) { eliminate<vectors>(j, ld, a, i); });
+    double& pivot = a[static_cast<std::size_t>(j) * ld + j];
     if (!(pivot > floor)) return false;
-    const double inverse = 1.0 / pivot;
-    // Right-looking: the columns to the right are updated with this one before it is scaled.
-    for (int k = j + 1; k < n; ++k) {
-      double* __restrict ck = a + static_cast<std::size_t>(k) * ld;
-      const double w = cj[k] * inverse;
-      for (int i = whole(k & ~3); i < ld; ++i) ck[i] -= w * cj[i];
-    }
-    for (int i = whole(j & ~3); i < ld; ++i) cj[i] *= inverse;
+    pivot = 1.0 / pivot;
+  }
+  for (int j = 0; j < n; ++j) {
+    double* __restrict cj = a + static_cast<std::size_t>(j) * ld;
+    const double inverse = cj[j];
+    for (int i = block_start(j); i < ld; ++i) cj[i] *= inverse;
     cj[j] = inverse;
   }
   return true;
 }
 
-void group_sums(int n, int ld_, int m, const double* __restrict f, const double* __restrict A,
-                const double* __restrict e, const double* __restrict b, double* __restrict half,
-                double* __restrict d, double* __restrict out) {
-  const int ld = whole(ld_);
-  // half = A f^T, kept as [ld * m]; then d_i.
-  for (int i = 0; i < ld; ++i) d[i] = 0.0;
+// Rows begin .. of group_sums: half and d. Zeros of A are left out.
+template <int Vectors>
+[[gnu::always_inline]] inline void group_halves(int ld, int m, const double* f, const double* A, const double* e,
+                                                int begin, double* half, double* d) {
+  Four all[Vectors] = {};
   for (int k = 0; k < m; ++k) {
-    double* __restrict h = half + static_cast<std::size_t>(k) * ld;
-    for (int i = 0; i < ld; ++i) h[i] = 0.0;
+    Four sum[Vectors] = {};
     for (int l = 0; l < m; ++l) {
       const double w = A[l + k * m];
       if (w == 0.0) continue;
-      const double* __restrict fl = f + static_cast<std::size_t>(l) * ld;
-      for (int i = 0; i < ld; ++i) h[i] += w * fl[i];
+      const Four* const fl = four_at(f, ld, l, begin);
+      for (int v = 0; v < Vectors; ++v) sum[v] += w * fl[v];
     }
-    const double* __restrict fk = f + static_cast<std::size_t>(k) * ld;
-    for (int i = 0; i < ld; ++i) d[i] += fk[i] * h[i];
-  }
-  for (int i = 0; i < ld; ++i) d[i] = e[i] + 0.5 * d[i];
-  for (int j = 0; j < n; ++j) {
-    double* __restrict column = out + static_cast<std::size_t>(j) * ld;
-    const double dj = d[j], factor = 0.5 * b[j];
-    for (int i = 0; i < ld; ++i) column[i] = d[i] + dj;
-    for (int k = 0; k < m; ++k) {
-      const double w = f[j + static_cast<std::size_t>(k) * ld];
-      if (w == 0.0) continue;
-      const double* __restrict h = half + static_cast<std::size_t>(k) * ld;
-      for (int i = 0; i < ld; ++i) column[i] -= w * h[i];
+    const Four* const fk = four_at(f, ld, k, begin);
+    Four* const h = reinterpret_cast<Four*>(half + static_cast<std::size_t>(k) * ld + begin);
+    for (int v = 0; v < Vectors; ++v) {
+      h[v] = sum[v];
+      all[v] += fk[v] * sum[v];
     }
-    for (int i = 0; i < ld; ++i) column[i] *= factor * b[i];
   }
+  const Four* const own = four_at(e, ld, 0, begin);
+  Four* const out = reinterpret_cast<Four*>(d + begin);
+  for (int v = 0; v < Vectors; ++v) out[v] = own[v] + 0.5 * all[v];
+}
+
+// Rows begin .. of column j of its result. Groups that j does not have are left out.
+template <int Vectors>
+[[gnu::always_inline]] inline void group_column(int j, int ld, int m, const double* f, const double* b,
+                                                const double* half, const double* d, int begin, double* out) {
+  const Four *const di = four_at(d, ld, 0, begin), *const bi = four_at(b, ld, 0, begin);
+  const double dj = d[j], factor = 0.5 * b[j];
+  Four sum[Vectors];
+  for (int v = 0; v < Vectors; ++v) sum[v] = di[v] + dj;
+  for (int k = 0; k < m; ++k) {
+    const double w = f[j + static_cast<std::size_t>(k) * ld];
+    if (w == 0.0) continue;
+    const Four* const h = four_at(half, ld, k, begin);
+    for (int v = 0; v < Vectors; ++v) sum[v] -= w * h[v];
+  }
+  Four* const column = reinterpret_cast<Four*>(out + static_cast<std::size_t>(j) * ld + begin);
+  for (int v = 0; v < Vectors; ++v) column[v] = sum[v] * (factor * bi[v]);
+}
+
+void group_sums(int n, int ld_, int m, const double* f, const double* A, const double* e, const double* b,
+                double* half, double* d, double* out) {
+  const int ld = whole(ld_);
+  in_strips(0, ld, [&](int i, auto vectors) { group_halves<vectors>(ld, m, f, A, e, i, half, d); });
+  for (int j = 0; j < n; ++j)
+    in_strips(0, ld, [&](int i, auto vectors) { group_column<vectors>(j, ld, m, f, b, half, d, i, out); });
 }
 
 }  // namespace
 
-const Lanes KESTRUNE_LANES = {KESTRUNE_LANES_NAME, combine,   linear, pairs, shares, powers, scale,
+const Lanes KESTRUNE_LANES = {KESTRUNE_LANES_NAME, combine,   linear, pairs, shares, powers, scale, squares,
                               ldl_factor,          group_sums};
 
 }  // namespace kestrune::support

@@ -5,9 +5,9 @@
 namespace kestrune::support {
 
 /*
- * Factors a[ld * n] in place: unit lower triangle below the diagonal, 1/D on it. Only the lower triangle is
- * read; up to three elements above the diagonal are spoilt. Returns false when a pivot is not above floor (the matrix is not safely positive definite); a is then
- * spoilt.
+ * Factors a[ld * n] in place, ld a multiple of four: unit lower triangle below the diagonal, 1/D on it. Only the
+ * lower triangle is read; what stands above the diagonal, and the padding, is spoilt. Returns false when a pivot is
+ * not above floor (the matrix is not safely positive definite); a is then spoilt.
  */
 bool ldl_factor(int n, int ld, double* a, double floor) noexcept;
 

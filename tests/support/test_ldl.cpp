@@ -5,10 +5,12 @@
 #include <random>
 #include <vector>
 
+#include "support/arena.hpp"
 #include "support/ldl.hpp"
 
 using kestrune::support::ldl_factor;
 using kestrune::support::ldl_solve;
+using kestrune::support::padded;
 
 namespace {
 
@@ -30,7 +32,7 @@ std::vector<double> random_matrix(std::mt19937& random, int n, int ld, double sh
 TEST(Ldl, SolvesPositiveDefiniteSystems) {
   std::mt19937 random(4);
   for (const int n : {1, 2, 3, 7, 10, 33, 100}) {
-    const int ld = n + 3;
+    const int ld = padded(n) + 4 * (n % 2);
     const std::vector<double> a = random_matrix(random, n, ld, 0.1);
     const auto element = [&](int i, int j) {
       return a[static_cast<std::size_t>(i >= j ? i + j * ld : j + i * ld)];
@@ -58,15 +60,17 @@ TEST(Ldl, SolvesPositiveDefiniteSystems) {
 TEST(Ldl, RefusesWhatIsNotPositiveDefinite) {
   std::mt19937 random(5);
   for (const int n : {2, 5, 20}) {
-    std::vector<double> a = random_matrix(random, n, n, 0.1);
+    const int ld = padded(n);
+    std::vector<double> a = random_matrix(random, n, ld, 0.1);
     // All pivots are good but the last.
-    a[static_cast<std::size_t>(n * n - 1)] = -1.0;
-    EXPECT_FALSE(ldl_factor(n, n, a.data(), 1e-14)) << n;
+    a[static_cast<std::size_t>(n - 1 + (n - 1) * ld)] = -1.0;
+    EXPECT_FALSE(ldl_factor(n, ld, a.data(), 1e-14)) << n;
   }
-  double indefinite[4] = {1.0, 2.0, NAN, 1.0}, singular[4] = {1.0, 1.0, NAN, 1.0}, nan[1] = {NAN};
-  EXPECT_FALSE(ldl_factor(2, 2, indefinite, 0.0));
-  EXPECT_FALSE(ldl_factor(2, 2, singular, 1e-14));
-  EXPECT_FALSE(ldl_factor(1, 1, nan, 0.0));
+  double indefinite[8] = {1.0, 2.0, NAN, NAN, NAN, 1.0, NAN, NAN};
+  double singular[8] = {1.0, 1.0, NAN, NAN, NAN, 1.0, NAN, NAN}, nan[4] = {NAN};
+  EXPECT_FALSE(ldl_factor(2, 4, indefinite, 0.0));
+  EXPECT_FALSE(ldl_factor(2, 4, singular, 1e-14));
+  EXPECT_FALSE(ldl_factor(1, 4, nan, 0.0));
 }
 
 }  // namespace
