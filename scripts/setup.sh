@@ -4,7 +4,7 @@
 # so, when everything is there. Needs root only where something is missing.
 #
 #   sh scripts/setup.sh          all that scripts/test.sh needs
-#   sh scripts/setup.sh all      and what scripts/test.sh --all needs: 64-bit Windows and packages
+#   sh scripts/setup.sh all      and what scripts/test.sh --all needs: 64-bit Windows, packages, MPI
 #   sh scripts/setup.sh demo     what the 32-bit DLLs and scripts/demo.sh need
 # shellcheck disable=SC2086 # packages and options are separate words
 set -u
@@ -15,11 +15,11 @@ mkdir -p "$repo/build/logs"
 export DEBIAN_FRONTEND=noninteractive
 
 required="cmake ninja-build g++ g++-mingw-w64-i686-posix libgtest-dev googletest libbenchmark-dev
-  libcli11-dev nlohmann-json3-dev libfmt-dev python3"
+  libcli11-dev nlohmann-json3-dev libfmt-dev libxxhash-dev python3"
 # The languages of examples/.
 hosts="gfortran gfortran-mingw-w64-i686-posix fp-compiler mono-mcs mono-runtime pkgconf"
-# Packages and 64-bit Windows.
-all="dpkg-dev lintian zip unzip g++-mingw-w64-x86-64-posix clang-tidy"
+# Packages, 64-bit Windows and kestrune-mpi.
+all="dpkg-dev lintian zip unzip g++-mingw-w64-x86-64-posix clang-tidy libopenmpi-dev openmpi-bin"
 # The wheel, its tests and the packages that it uses where they are installed.
 python="python3-setuptools python3-wheel python3-build python3-pip python3-venv python3-numpy python3-pytest
   python3-hypothesis python3-pandas python3-matplotlib python3-pint python3-distributed python3-nbformat"
