@@ -365,7 +365,7 @@ EXPORTS = {
         Word("points", "int", "", "", "", 0, 'number wanted, 0: as traced'),
         Word("capacity", "int", "", "", "", 0, 'of the three point arrays'),
         Word("fraction", "double", "", "", "mol/mol", 0, '1: bubble and dew curves; between 0 and 1: that line'),
-        Word("accuracy", "double", "", "", "", 0, 'relative accuracy of a point, 0: 1e-8'),
+        Word("accuracy", "double", "", "", "", 0, '0, or 1e-10 and more: every point is converged to 1e-10'),
         Word("T", "doubles", "out", "capacity", "K", 0, 'temperatures'),
         Word("P", "doubles", "out", "capacity", "atm", 0, 'pressures'),
         Word("kind", "doubles", "out", "capacity", "", 0, '1 dew, 0 bubble, 0.5 critical, 4 two liquids'),

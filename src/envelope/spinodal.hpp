@@ -34,7 +34,6 @@ struct Spinodal {
   double* kept;                               // [ld] a border put aside by its user
   double* matrix;                             // [(n + 1) padded(n + 1)]
   int* pivot;                                 // [n + 1]
-  int evaluations = 0;
 };
 
 // Values at one T and packing eta = b/V. The derivatives are those of g and of the form along v.

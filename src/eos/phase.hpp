@@ -29,7 +29,6 @@ struct Root {
   double phi = 0.0;
   double psi = 0.0;
   double log_z_minus_B = 0.0;
-  int status = 0;  // of BRACUB
 };
 
 /* Mixture parameters of x[n] (padded to ld with zeros); fills s[ld]. */
