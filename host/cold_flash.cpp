@@ -27,8 +27,11 @@ bool ColdFlash::has_entries(const double* x) const {
 
 StatusCode ColdFlash::operator()(double first, double second, const double* z, double* const x[3]) {
   T_ = atm_ = 0.0;
-  const StatusCode status =
-      phases_ == 3 ? flash_three(first, second, z, x[0], x[1], x[2]) : flash_two(first, second, z, x[0], x[1]);
+  // The library follows a fraction beyond the ends of its range, where a line of constant fraction goes on.
+  const bool outside = at_fraction() && !(first >= 0.0 && first <= 1.0);
+  const StatusCode status = outside        ? StatusCode{KV_SPECIFICATION}
+                            : phases_ == 3 ? flash_three(first, second, z, x[0], x[1], x[2])
+                                           : flash_two(first, second, z, x[0], x[1]);
   const bool good = has_value(status);
   if (!good) {
     share_ = {kNone, kNone, kNone};

@@ -94,6 +94,7 @@ bool Evaluator::read_conditions(std::int64_t number, double* raw) {
   for (std::size_t k = 0; k < 2; ++k) {
     const std::size_t column = job_.states.conditions[k].column;
     if (read_number(cells_[column], job_.states.separator, raw[k])) continue;
+    raw[k] = kNone;
     return refuse(kRowUnreadable,
                   cells_[column].empty()
                       ? fmt::format("line {}: {} is missing", number, job_.states.titles[column])
@@ -216,7 +217,7 @@ void Evaluator::print_row(const double* raw, const double* base, std::string& ou
           print_number(solver_.value(c), out);
         else if (job_.states.conditions[k].unit == c.unit)
           print_number(raw[k], out);
-        else
+        else if (std::isfinite(base[k]) && (!c.unit->per_mass || feed_.status == KV_OK))
           out += exact(base[k], *c.unit, feed_.molar_mass);
       }
     }

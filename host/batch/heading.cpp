@@ -78,7 +78,12 @@ struct Read {
   const Composition& definitions;
   std::optional<Basis> basis;
   Heading heading{};
-  std::vector<std::pair<Quantity, ConditionColumn>> conditions{};
+  struct Condition {
+    Quantity quantity;
+    ConditionColumn column;
+    bool kept;
+  };
+  std::vector<Condition> conditions{};
   std::vector<std::optional<AmountUnit>> amount_units{};
 };
 
@@ -97,33 +102,43 @@ void read_amount(Read& r, std::size_t column, const std::string& title) {
 
 void read_column(Read& r, std::size_t column) {
   const std::string& title = r.heading.titles[column];
-  if (std::find(r.wanted.others.begin(), r.wanted.others.end(), title) != r.wanted.others.end()) return;
+  const auto is_in = [&](const std::vector<std::string>& titles) {
+    return std::find(titles.begin(), titles.end(), title) != titles.end();
+  };
+  if (is_in(r.wanted.ignored)) return;
+  const bool kept = is_in(r.wanted.kept);
   if (title.empty()) throw InputError("has no heading");
   if (r.wanted.conditions) {
     if (const auto condition = condition_of(title, r.units)) {
-      r.conditions.push_back({condition->quantity, {column, condition->unit}});
+      r.conditions.push_back({condition->quantity, {column, condition->unit}, kept});
       return;
     }
   }
-  if (r.wanted.amounts) return read_amount(r, column, title);
-  throw InputError("is not understood");
+  try {
+    if (r.wanted.amounts) return read_amount(r, column, title);
+  } catch (const InputError&) {
+    if (!kept) throw;
+  }
+  if (!kept) throw InputError("is not understood");
 }
 
 // The flash that the columns are for.
 void settle_conditions(Read& r) {
   if (!r.wanted.conditions) return;
+  // Of more than two those that are to be copied are no conditions.
+  if (r.conditions.size() > 2) std::erase_if(r.conditions, [](const auto& c) { return c.kept; });
   for (const Given given : kAllGiven) {
     const auto order = quantities_of(given);
     if (r.conditions.size() != 2) break;
     for (std::size_t k = 0; k < 2; ++k) {
-      if (r.conditions[k].first != order[0] || r.conditions[1 - k].first != order[1]) continue;
+      if (r.conditions[k].quantity != order[0] || r.conditions[1 - k].quantity != order[1]) continue;
       r.heading.given = given;
-      r.heading.conditions = {r.conditions[k].second, r.conditions[1 - k].second};
+      r.heading.conditions = {r.conditions[k].column, r.conditions[1 - k].column};
     }
   }
   if (r.heading.given) return;
   std::vector<std::string> names;
-  for (const auto& c : r.conditions) names.emplace_back(quantity_name(c.first));
+  for (const auto& c : r.conditions) names.emplace_back(quantity_name(c.quantity));
   throw InputError(
       fmt::format("{}: {} no pair of conditions: a state has T and P, H and P, S and P, beta and P or beta and "
                   "T, one column each",
@@ -161,8 +176,15 @@ std::size_t cut_cells(std::string_view line, char separator, std::string_view* c
   std::size_t count = 0, used = 0;
   for (const char *at = line.data(), *const stop = at + line.size();; ++at) {
     const char* begin = at;
-    bool quoted = false;
-    for (; at != stop && (quoted || *at != separator); ++at) quoted = quoted != (*at == '"');
+    // A quote counts where it is the first character of a cell; a doubled one within stands for itself.
+    bool quoted = false, empty = true, opened = false;
+    for (; at != stop && (quoted || *at != separator); ++at) {
+      if (*at == '"' && (quoted || empty || (opened && at[-1] == '"'))) {
+        quoted = !quoted;
+        opened = true;
+      }
+      empty = empty && is_blank(*at);
+    }
     const char* end = at;
     while (begin != end && is_blank(*begin)) ++begin;
     while (begin != end && is_blank(end[-1])) --end;

@@ -36,7 +36,8 @@ struct Heading {
 struct Wanted {
   std::string name;  // of the table, for messages
   bool conditions = false, amounts = false;
-  std::vector<std::string> others = {};  // titles of columns that are neither
+  std::vector<std::string> ignored = {};  // titles of columns that are left alone
+  std::vector<std::string> kept = {};     // of those that are copied, whether they are understood or not
 };
 
 // Reads a heading: T, P, H, S and beta with their units ("T[C]", "P bar", "enthalpy_kJ_kg"; plain names are in units), and

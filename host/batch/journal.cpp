@@ -57,7 +57,12 @@ std::string journal_path(const std::string& output) {
 }
 
 Journal read_journal(const std::string& path) {
-  const std::string text = text_of_file(path);
+  // As it is: what a machine that went down has left of it may be anything.
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
+  if (!file) throw InputError(fmt::format("{} cannot be read: {}", path, std::strerror(errno)));
+  std::string text;
+  char buffer[1 << 16];
+  for (std::size_t got; (got = std::fread(buffer, 1, sizeof buffer, file.get())) > 0;) text.append(buffer, got);
   Journal journal;
   bool head = true;
   std::size_t begin = 0, number = 0;
@@ -84,6 +89,14 @@ Journal read_journal(const std::string& path) {
                     "anew, or give --overwrite",
                     path));
   return journal;
+}
+
+bool has_entries(const std::string& path) {
+  try {
+    return !read_journal(path).entries.empty();
+  } catch (const InputError&) {
+    return false;
+  }
 }
 
 void check_identity(const Identity& then, const Identity& now, const std::string& output) {

@@ -36,6 +36,8 @@ struct Journal {
 std::string journal_path(const std::string& output);
 // Reads a journal up to its first line that is not whole. InputError when it is none.
 Journal read_journal(const std::string& path);
+// Whether it has a whole line of a chunk; false for a journal that was not even begun.
+bool has_entries(const std::string& path);
 // InputError that names the first item which is not the same.
 void check_identity(const Identity& then, const Identity& now, const std::string& output);
 // How many of the entries stand in the file, byte by byte; InputError when its head is another one.

@@ -26,11 +26,12 @@ constexpr std::string_view kMark = "\xef\xbb\xbf";     // byte order mark of UTF
 }  // namespace
 
 bool is_empty_line(std::string_view line) {
-  for (const char c : line) {
-    if (c == '#') return true;
-    if (c != ' ' && c != '\t' && c != '\r' && c != '\n') return false;
-  }
-  return true;
+  constexpr std::string_view blanks = " \t\r\n";
+  const std::size_t first = line.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return true;
+  // "#N/A" is a cell.
+  return line[first] == '#' &&
+         (first + 1 == line.size() || blanks.find(line[first + 1]) != std::string_view::npos);
 }
 
 Lines Lines::of_file(const std::string& path) {
@@ -104,7 +105,9 @@ std::string Lines::heading() {
     if (is_empty_line(line)) continue;
     first_position_ = position_;
     first_line_ = line_;
-    return std::string(trimmed(line));
+    // A tab at its ends is an empty cell.
+    const std::size_t begin = line.find_first_not_of(" \r\n"), end = line.find_last_not_of(" \r\n");
+    return line.substr(begin, end - begin + 1);
   }
   throw InputError(fmt::format("{} is empty: its first line names the columns", name_));
 }

@@ -10,7 +10,7 @@
 
 namespace kestrune::host::batch {
 
-// Whether a line holds nothing: blanks, or a comment behind "#".
+// Whether a line holds nothing: blanks, or a comment behind "#" and a blank.
 bool is_empty_line(std::string_view line);
 
 class Lines {

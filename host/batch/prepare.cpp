@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -12,6 +13,12 @@
 namespace kestrune::host::batch {
 
 namespace {
+
+#ifdef _WIN32
+constexpr const char *kPureFile = "KVCmpdPureLite.dll", *kToolsFile = "KVToolsLite.dll";
+#else
+constexpr const char *kPureFile = "libKVCmpdPureLite.so", *kToolsFile = "libKVToolsLite.so";
+#endif
 
 template <class T>
 std::string_view bytes_of(const std::vector<T>& values) {
@@ -24,6 +31,7 @@ std::string mixture_text(const Mixture& m) {
   std::string all = names;
   for (const std::vector<double>& values : {m.table, m.A, m.B, m.z}) all += bytes_of(values);
   all += bytes_of(m.counts);
+  for (const ConstantPair& pair : m.constants) all += fmt::format("{} {} {}\n", pair.i, pair.j, pair.k);
   return fmt::format("{} components, set {}, {:016x}", m.count(), m.set_name, hash_of(all));
 }
 
@@ -36,11 +44,18 @@ std::string settings_text(const MixtureRecord& r) {
                      CRIT, CLIM, EPS, ITEMAX, NEW, relax);
 }
 
+// The library with its siblings beside it; one that lies elsewhere counts as nothing.
 std::string library_text(const std::string& path) {
   if (path.empty()) return "given";
-  std::ifstream file(path, std::ios::binary);
-  const std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  return fmt::format("{:016x}", hash_of(bytes));
+  std::string text;
+  std::string folder = std::filesystem::path(path).parent_path().string();
+  if (!folder.empty()) folder += '/';
+  for (const std::string& file : {path, folder + kPureFile, folder + kToolsFile}) {
+    std::ifstream stream(file, std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+    text += fmt::format("{}{:016x}", text.empty() ? "" : " ", hash_of(bytes));
+  }
+  return text;
 }
 
 std::string heading_text(const Heading& h) {

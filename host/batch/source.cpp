@@ -35,7 +35,7 @@ bool Source::next(Chunk& chunk) {
     if (found == 0) {
       chunk.text.resize(begin);
       if (!compositions_ || !next_composition()) break;
-      ++lines;  // states that hold nothing come to an end, too
+      if (!chunk.pieces.empty()) ++lines;  // compositions whose states hold nothing come to an end, too
       continue;
     }
     piece.composition_line = composition_line_;

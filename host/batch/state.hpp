@@ -29,6 +29,7 @@ class StateSolver {
   void leave(double first, double second, StatusCode status);
 
   StatusCode status() const { return status_; }
+  double T() const { return T_; }  // K
   // The value of a column in its unit, NaN for what does not exist; of kinds with a number.
   double value(const Column& column) const;
   // "V", "VL", "LW": what there is of vapour, liquid and aqueous liquid; empty without an answer.

@@ -81,8 +81,9 @@ void check_options(const BatchOptions& o) {
   if (o.resume && o.overwrite) throw InputError("--resume goes on, --overwrite starts anew: one of the two");
   for (const std::string& input : {o.table, o.states, o.compositions, o.mixture.file}) {
     std::error_code none;
-    if (!input.empty() && !o.output.empty() && std::filesystem::equivalent(input, o.output, none))
-      throw InputError(fmt::format("{} is read: write to another file", input));
+    for (const std::string& written : {o.output, journal_path(o.output)})
+      if (!input.empty() && !o.output.empty() && std::filesystem::equivalent(input, written, none))
+        throw InputError(fmt::format("{} is read, and -o {} would write to it", input, o.output));
   }
 }
 
@@ -124,8 +125,6 @@ KeptColumn find_column(const Job& job, const char* option, const std::string& ti
 void read_input(const BatchOptions& o, Plan& plan) {
   Job& job = plan.job;
   const std::vector<std::string> kept = split(o.keep, ','), ignored = split(o.ignore, ',');
-  std::vector<std::string> others = kept;
-  others.insert(others.end(), ignored.begin(), ignored.end());
   Composition definitions;
   for (const std::string& text : o.mixture.own) definitions.define(parse_definition(text, false));
   for (const std::string& text : o.mixture.fractions) definitions.define(parse_definition(text, true));
@@ -139,14 +138,14 @@ void read_input(const BatchOptions& o, Plan& plan) {
   if (!o.compositions.empty()) {
     plan.compositions = Lines::of_file(o.compositions);
     job.has_compositions = true;
-    job.compositions = read_heading(plan.compositions->heading(), {o.compositions, false, true, others},
+    job.compositions = read_heading(plan.compositions->heading(), {o.compositions, false, true, ignored, kept},
                                     job.units, definitions, basis);
   }
   const bool with_amounts = !o.table.empty();
   const std::string file = with_amounts ? o.table : o.states;
   plan.states = o.on_line() ? lines_of_conditions(o, job.units, single ? job.mixture.molar_mass : 0.0)
                             : Lines::of_file(file);
-  job.states = read_heading(plan.states->heading(), {plan.states->name(), true, with_amounts, others},
+  job.states = read_heading(plan.states->heading(), {plan.states->name(), true, with_amounts, ignored, kept},
                             job.units, definitions, basis);
   if (!single) {
     if (job.amount_heading().amounts.empty())
@@ -203,6 +202,11 @@ std::unique_ptr<OutputFile> open_output(const BatchOptions& o, const Plan& plan,
                                         Totals& totals) {
   const bool file = std::filesystem::is_regular_file(o.output);
   const bool journal = std::filesystem::exists(journal_path(o.output));
+  // A run that was ended while it made its files has written nothing yet.
+  const bool blank =
+      (!file || std::filesystem::file_size(o.output) == 0) && !has_entries(journal_path(o.output));
+  if (o.resume && journal && blank)
+    return std::make_unique<OutputFile>(o.output, output_head(plan.job), plan.identity);
   if (o.resume && journal) {
     if (!file)
       throw InputError(fmt::format("{} is missing beside its journal: start anew with --overwrite", o.output));

@@ -52,16 +52,21 @@ GridRow row_of(StateSolver& solver, const char* kind, const std::vector<Column>&
   return row;
 }
 
-// Bubble and dew points at a pressure, with the properties of the state at the temperature found.
+// Bubble and dew points at a pressure with their properties: of the first one of each kind those of the point itself, of
+// other branches those of the state at the temperature found.
 std::vector<GridRow> boundary(const Exports& library, Mixture& mixture, int phases, double P,
                               const std::vector<Column>& columns) {
   std::vector<GridRow> rows;
-  StateSolver solver(library, mixture, Given::TP, phases, columns);
+  StateSolver solver(library, mixture, Given::TP, phases, columns),
+      first(library, mixture, Given::WP, phases, columns);
+  constexpr double kSame = 1e-8;  // relative, in T
   for (const double fraction : {0.0, 1.0}) {
     for (const Equilibrium& point : points_of_fraction(library, mixture, Given::WP, fraction, P, Branch::all)) {
       if (!point.answered() || !std::isfinite(point.T)) continue;
-      solver.solve(point.T, P, mixture.z.data(), mixture.molar_mass);
-      rows.push_back(row_of(solver, fraction == 0.0 ? "bubble" : "dew", columns));
+      const StatusCode status = first.solve(fraction, P, mixture.z.data(), mixture.molar_mass);
+      const bool same = has_value(status) && std::fabs(first.T() - point.T) < kSame * point.T;
+      if (!same) solver.solve(point.T, P, mixture.z.data(), mixture.molar_mass);
+      rows.push_back(row_of(same ? first : solver, fraction == 0.0 ? "bubble" : "dew", columns));
     }
   }
   return rows;
@@ -203,6 +208,9 @@ void run_table(const TableOptions& o, Session& session) {
   const bool by_enthalpy = grid.given == Given::HP;
   const std::vector<Column> columns = table_columns(o, grid.given, phases, mixture, units);
   std::error_code none;
+  if (!o.output.empty() && !o.mixture.file.empty() &&
+      std::filesystem::equivalent(o.mixture.file, o.output, none))
+    throw InputError(fmt::format("{} is read: write to another file", o.output));
   if (!o.output.empty() && std::filesystem::exists(o.output, none) && !o.overwrite)
     throw InputError(fmt::format("{} exists: --overwrite replaces it", o.output));
   const Exports library = session.library();

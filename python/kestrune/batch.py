@@ -10,6 +10,7 @@ import os
 from typing import Any, Iterator, Union
 
 import numpy as np
+from numpy.typing import NDArray
 
 __all__ = ["blocks", "description", "read"]
 
@@ -25,7 +26,7 @@ def description(path: Union[str, "os.PathLike[str]"]) -> dict[str, Any]:
     return _head(path)[0]
 
 
-def blocks(path: Union[str, "os.PathLike[str]"]) -> Iterator[dict[str, np.ndarray]]:
+def blocks(path: Union[str, "os.PathLike[str]"]) -> Iterator[dict[str, NDArray[Any]]]:
     """The blocks of a file in order, each a dict of columns by name, mapped from the disk: for files beyond the memory.
 
     A block that is not whole at the end, of a run that was ended, is left out.
@@ -48,7 +49,7 @@ def blocks(path: Union[str, "os.PathLike[str]"]) -> Iterator[dict[str, np.ndarra
         yield block
 
 
-def read(path: Union[str, "os.PathLike[str]"]) -> dict[str, np.ndarray]:
+def read(path: Union[str, "os.PathLike[str]"]) -> dict[str, NDArray[Any]]:
     """All rows of a file, as a dict of columns by name in the units of the file; ``pandas.DataFrame(read(path))`` works."""
     parts = list(blocks(path))
     columns = _head(path)[0]["columns"]
