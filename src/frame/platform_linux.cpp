@@ -1,4 +1,4 @@
-#if !defined(_WIN32)
+#if !defined(_WIN32) && !defined(__EMSCRIPTEN__)
 
 #include <dlfcn.h>
 #include <sys/stat.h>
