@@ -17,6 +17,7 @@ function complain(call, path, wanted, found) {
 
 /** Follows what is wanted into what was found: names, places in arrays, "name()" for a method. */
 function compare(call, path, wanted, found) {
+  if (wanted === undefined) return; // an answer where there should be a status
   if (wanted === "NaN" || wanted === null) {
     if (!(wanted === "NaN" ? Number.isNaN(found) : found === null)) complain(call, path, wanted, found);
   } else if (typeof wanted === "number") {
@@ -28,6 +29,23 @@ function compare(call, path, wanted, found) {
     for (const key of Object.keys(wanted)) compare(call, `${path}.${key}`, wanted[key], valueOf(found, key));
     if (Array.isArray(wanted) && wanted.length !== (found.length ?? found.size)) complain(call, `${path}.length`, wanted.length, found.length);
   } else if (wanted !== found) complain(call, path, wanted, found);
+}
+
+/**
+ * The points of a curve lie where its steps end, which magnify rounding: each may slide by 1e-6 along the curve, and lies on
+ * it to the limit. The direction is that of its neighbours, in ln T and ln P.
+ */
+function compareCurve(call, wanted, found) {
+  const n = wanted.T.length;
+  if (found.T.length !== n) return complain(call, "points", n, found.T.length);
+  for (let i = 0; i < n; ++i) {
+    const [a, b] = [Math.max(i - 1, 0), Math.min(i + 1, n - 1)];
+    const [alongT, alongP] = [Math.log(wanted.T[b] / wanted.T[a]), Math.log(wanted.P[b] / wanted.P[a])];
+    const [offT, offP] = [Math.log(found.T[i] / wanted.T[i]), Math.log(found.P[i] / wanted.P[i])];
+    const across = Math.abs(offT * alongP - offP * alongT) / (Math.hypot(alongT, alongP) || 1);
+    worst.set("across the curve", Math.max(worst.get("across the curve") ?? 0, across));
+    if (!(across <= LIMIT && Math.hypot(offT, offP) <= 1e-6)) complain(call, `point ${i}`, [wanted.T[i], wanted.P[i]], [found.T[i], found.P[i]]);
+  }
 }
 
 function valueOf(found, key) {
@@ -47,7 +65,9 @@ for (const call of calls) {
   let status;
   try {
     const found = owner[last](call.given);
-    if (call.numbers !== undefined) compare(call, "", call.numbers, found);
+    const { T, P, ...rest } = call.numbers ?? {};
+    if (T !== undefined && call.method === "envelope") compareCurve(call, { T, P }, found);
+    compare(call, "", call.method === "envelope" ? rest : call.numbers, found);
   } catch (error) {
     if (!(error instanceof KestruneError)) throw error;
     status = error.status;

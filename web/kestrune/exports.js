@@ -597,7 +597,6 @@ export function bareExports({ module }) {
   let storage = []; // buffers that stay with the library
 
   const record = (value) => {
-    if (!(value instanceof MixtureRecord)) throw new TypeError("mixture: a MixtureRecord is needed");
     if (value.table.length !== 43 * value.count)
       throw new RangeError(`mixture: count is ${value.count}, but its table is one of ${value.table.length / 43} components`);
     if (components !== null && components < value.count)
@@ -635,22 +634,25 @@ export function bareExports({ module }) {
     return at;
   };
 
-  const integer = { double: false, int: true };
+  const byValue = { double: false, int: true }; // true for an integer
   const call = (name, args) => {
     const words = EXPORTS[name];
     if (args.length !== words.length)
       throw new TypeError(`${name} takes ${words.length} arguments (${words.map(([w]) => w).join(", ")}), ${args.length} were given`);
     const known = {};
     words.forEach(([word, kind], k) => {
-      if (integer[kind]) whole(word, (known[word] = args[k]));
+      if (byValue[kind]) whole(word, (known[word] = args[k]));
       else if (kind === "double" && typeof args[k] !== "number") throw new TypeError(`${word}: ${typeof args[k]}, but a number is needed`);
-      else if (kind === "record") known.count = args[k]?.count;
+      else if (kind === "record") {
+        if (!(args[k] instanceof MixtureRecord)) throw new TypeError(`${word}: a MixtureRecord is needed`);
+        known.count = args[k].count;
+      }
     });
     return module.frame(() => {
       const written = [];
       const passed = words.map(([word, kind, dir, shape, bit], k) => {
         const value = args[k];
-        if (kind in integer) return value;
+        if (kind in byValue) return value;
         if (kind === "record") return record(value);
         if (value === null && kind === "buffers") return 0;
         if (value === null && (kind === "routines" || (bit !== 0 && !(known.mask & bit)))) return 0;

@@ -66,6 +66,7 @@ export class Module {
   #extra = [];
   #trap = null;
   #registry;
+  #view = new Float64Array(0);
 
   constructor(compiled, onMessage) {
     this.#instance = new WebAssembly.Instance(compiled, importsOf(compiled, () => this.#instance, onMessage));
@@ -142,12 +143,12 @@ export class Module {
   /** Address of a copy of numbers. */
   copyIn(numbers) {
     const at = this.doubles(numbers.length);
-    new Float64Array(this.#buffer(), at, numbers.length).set(numbers);
+    this.#all().set(numbers, at / 8);
     return at;
   }
   /** A copy of numbers of the module. */
   copyOut(at, length) {
-    return new Float64Array(this.#buffer(), at, length).slice();
+    return this.#all().slice(at / 8, at / 8 + length);
   }
   integersOut(at, length) {
     return new Int32Array(this.#buffer(), at, length).slice();
@@ -162,6 +163,11 @@ export class Module {
 
   #buffer() {
     return this.#instance.exports.memory.buffer;
+  }
+  /** All memory as doubles; growing it ends the view. */
+  #all() {
+    if (this.#view.length === 0) this.#view = new Float64Array(this.#buffer());
+    return this.#view;
   }
 
   /** Address of a text with its zero. */

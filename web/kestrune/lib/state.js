@@ -5,6 +5,7 @@ import { LIGHT, LIQUID, Phase, PROPERTIES } from "./phase.js";
 export class State {
   #found;
   #feed;
+  #made = [];
 
   /** found: what calls.flash returns; length null for a single state; feed null or rows of nc. */
   constructor(mixture, units, phases, found, length, feed) {
@@ -14,20 +15,26 @@ export class State {
     this.length = length;
     this.#found = found;
     this.#feed = feed;
-    const { T, P, fractions, x } = found;
-    const names = [
-      ["vapour", LIGHT],
-      ["liquid", LIQUID],
-      ["liquid2", LIQUID],
-    ];
-    names.forEach(([name, kind], p) => {
-      const absent = () => fractions[0].map((v) => (Number.isNaN(v) ? NaN : 0));
-      this[name] = new Phase(mixture, {
-        ...{ name, units, kind, T, P, length },
-        fractions: fractions[p] ?? absent(),
-        x: x[p] ?? new Float64Array(x[0].length).fill(NaN),
-      });
-    });
+  }
+
+  get vapour() {
+    return this.#phase(0, "vapour", LIGHT);
+  }
+  get liquid() {
+    return this.#phase(1, "liquid", LIQUID);
+  }
+  get liquid2() {
+    return this.#phase(2, "liquid2", LIQUID);
+  }
+
+  /** Made when it is first asked for; absent where it was not looked for. */
+  #phase(p, name, kind) {
+    const { T, P, fractions, x } = this.#found;
+    return (this.#made[p] ??= new Phase(this.mixture, {
+      ...{ name, units: this.units, kind, T, P, length: this.length },
+      fractions: fractions[p] ?? fractions[0].map((v) => (Number.isNaN(v) ? NaN : 0)),
+      x: x[p] ?? new Float64Array(x[0].length).fill(NaN),
+    }));
   }
 
   #shown(array) {
@@ -48,7 +55,7 @@ export class State {
     return this.length === null ? good[0] : good;
   }
   get beta() {
-    return this.vapour.fraction;
+    return this.#shown(this.#found.fractions[0]);
   }
   get K() {
     const nc = this.mixture.names.length;
