@@ -2,6 +2,7 @@
 # Runs all benchmarks, native and 32-bit under Wine, and prints the rows of the table in README.md.
 #
 #   sh bench/run.sh [--write] [NATIVE_BUILD WIN32_BUILD]
+#   sh bench/run.sh --counts        only writes the counts that the tests compare (counts_*.txt)
 #
 # Build folders default to build/native and build/win32; their programs are brought up to date first. --write
 # also puts the rows into README.md. ROUNDS=3: every program runs that often and the lowest figures count. As
@@ -13,6 +14,12 @@ write=
 if [ "${1:-}" = --write ]; then
   write=1
   shift
+fi
+if [ "${1:-}" = --counts ]; then
+  for name in bench_core bench_dll; do
+    cmake --build build/native --target "$name" >/dev/null && build/native/bin/"$name" --counts >bench/counts_$name.txt || exit 1
+  done
+  exit
 fi
 native=${1:-build/native}
 win32=${2:-build/win32}

@@ -15,6 +15,9 @@ License: Apache-2.0
  are compiled in keep the notices of data/NOTICE.md in this folder.
 ")
 file(REMOVE ${documents}/LICENSE)
+file(READ ${documents}/README.md readme)
+string(REPLACE "[LICENSE](LICENSE)" "[copyright](copyright)" readme "${readme}")
+file(WRITE ${documents}/README.md "${readme}")
 
 function(compressed from to)
   get_filename_component(folder ${to} DIRECTORY)

@@ -41,5 +41,10 @@ install(FILES ${CMAKE_BINARY_DIR}/kestrune.pc DESTINATION ${CMAKE_INSTALL_LIBDIR
 set(documents ${CMAKE_INSTALL_DATAROOTDIR}/doc/kestrune)
 install(FILES README.md LICENSE CHANGELOG.md CITATION.cff DESTINATION ${documents})
 install(FILES data/NOTICE.md DESTINATION ${documents}/data)
+# What the documents link to.
+foreach(linked bench/README.md fuzz/README.md include/kestrune/kvgasthermo.h)
+  get_filename_component(folder ${linked} DIRECTORY)
+  install(FILES ${linked} DESTINATION ${documents}/${folder})
+endforeach()
 install(DIRECTORY docs bindings examples DESTINATION ${documents})
 install(DIRECTORY python/kestrune DESTINATION ${documents}/bindings/python FILES_MATCHING PATTERN _exports.py)

@@ -15,7 +15,7 @@ namespace kestrune::host {
 namespace {
 
 // Letters and digits of a unit: "%" is percent, "/" per, the micro sign u. Empty where other signs beyond ASCII stand.
-std::string unit_key(std::string_view text) {
+std::string amount_key(std::string_view text) {
   std::string plain;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const std::string_view two = text.substr(i, 2);
@@ -48,7 +48,7 @@ constexpr std::string_view kUnitsInWords =
 }  // namespace
 
 std::optional<AmountUnit> amount_unit(std::string_view text) {
-  const std::string key = unit_key(text);
+  const std::string key = amount_key(text);
   if (key.empty()) return {};
   refuse_liquid_volumes(text, key);
   struct Scale {
@@ -91,7 +91,7 @@ std::optional<AmountUnit> amount_unit(std::string_view text) {
 
 std::optional<AmountUnit> unit_within(std::string_view text) {
   if (const auto whole = amount_unit(text)) return whole;
-  const std::string key = unit_key(text);
+  const std::string key = amount_key(text);
   for (const std::string_view word : {"mass", "weight", "wt", "mol", "mole", "vol", "volume"})
     for (const std::string_view scale : {"percent", "fraction"})
       if (key.find(std::string(word) + std::string(scale)) != std::string::npos) {

@@ -105,7 +105,7 @@ void check_kij_names(const Composition& from, const Definition& d) {
   for (const auto& [name, value] : d.kij) {
     std::string stands_for = "other";
     if (search_key(name) != "other") {
-      const auto own = [key = search_key(name)](const Definition& e) { return search_key(e.name) == key; };
+      const auto own = [&name = name](const Definition& e) { return search_key(e.name) == search_key(name); };
       const auto found = std::find_if(from.definitions.begin(), from.definitions.end(), own);
       try {
         stands_for = found != from.definitions.end() ? found->name : std::string(find_component(name).name);

@@ -220,7 +220,7 @@ std::string default_library_path() {
   const std::size_t slash = program.find_last_of(kSeparators);
   const std::string folder = slash == std::string::npos ? std::string() : program.substr(0, slash + 1);
 #ifdef KESTRUNE_LIBRARY_FOLDER
-  const std::string installed = folder + KESTRUNE_LIBRARY_FOLDER + kFileName;
+  std::string installed = folder + KESTRUNE_LIBRARY_FOLDER + kFileName;
   if (access((folder + kFileName).c_str(), F_OK) != 0 && access(installed.c_str(), F_OK) == 0) return installed;
 #endif
   return folder + kFileName;

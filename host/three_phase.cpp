@@ -16,7 +16,7 @@ struct Liquid {
 
 // Liquid A, the lighter one, and liquid B, as far as they are there; at a dew point the one that is about to
 // form.
-void add_liquids(const Exports& library, const Mixture& mixture, Equilibrium& s) {
+void add_two_liquids(const Exports& library, const Mixture& mixture, Equilibrium& s) {
   constexpr double rounding = 1e-14;  // of the share that is left for B
   const bool dew = s.of_fraction() && s.beta == 1.0;
   std::vector<Liquid> liquids;
@@ -36,7 +36,7 @@ void add_liquids(const Exports& library, const Mixture& mixture, Equilibrium& s)
 }
 
 // The library's flash: temperature, pressure, fractions and compositions of the state.
-void solve(const Exports& library, Mixture& mixture, Equilibrium& s) {
+void solve_three(const Exports& library, Mixture& mixture, Equilibrium& s) {
   constexpr std::int32_t cold_start = 0;
   const double *z = mixture.z.data(), first = s.values[0], second = s.values[1];
   std::vector<double> ratios(2 * mixture.z.size());
@@ -98,11 +98,11 @@ Equilibrium flash_of_three(const Exports& library, Mixture& mixture, Given given
   Equilibrium s{given, {first, second}, kNone, kNone, true, KV_OK, 0.0, none, none, {}, kNone, {}, {}};
   s.three = true;
   s.xA = none;
-  solve(library, mixture, s);
+  solve_three(library, mixture, s);
   if (!s.answered()) return s;
   if (s.beta > 0.0 || (s.of_fraction() && has_entries(s.y)))
     add_phase(library, mixture, PhaseKind::vapour, s.beta, s.y, s);
-  add_liquids(library, mixture, s);
+  add_two_liquids(library, mixture, s);
   settle_root(library, mixture, s);
   add_overall(library, mixture, s);
   rename_packed_gas(library, mixture, s);

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Fails where a file includes what its layer must not know.
+# Fails where a file includes what its layer must not know, or the papers of the layers are not what the code says.
 #
 #   support < frame < eos < flash < flash3, envelope, water (unknown to each other) < frame/exports
 #
@@ -61,9 +61,12 @@ grep -rnE '^[[:space:]]*#[[:space:]]*include[[:space:]]*["<]' include src siblin
     }' || exit 1
 
 # An export is one expression behind the guard: nothing stands in front of it.
-entries=$(grep -h 'KV_ENTRY' src/frame/exports/*.cpp | wc -l)
-guards=$(grep -h 'KV_GUARDS' src/frame/exports/*.cpp | wc -l)
+entries=$(cat src/frame/exports/*.cpp | grep -c 'KV_ENTRY')
+guards=$(cat src/frame/exports/*.cpp | grep -c 'KV_GUARDS')
 if [ "$entries" = 0 ] || [ "$entries" != "$guards" ]; then
   echo "$entries exports, $guards of them behind the guard"
   exit 1
 fi
+
+# The picture of the layers, the equations and sources that the papers and the comments name.
+python3 tools/check_papers.py || exit 1

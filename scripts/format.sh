@@ -16,11 +16,5 @@ if [ "${1:-}" != --check ]; then
   files | xargs clang-format -i
   exit
 fi
-status=0
-for file in $(files); do
-  if ! clang-format --dry-run -Werror "$file" >/dev/null 2>&1; then
-    echo "$file"
-    status=1
-  fi
-done
-exit $status
+unformatted=$(files | xargs clang-format --dry-run 2>&1 | sed -n 's/:[0-9]*:[0-9]*: warning: .*clang-format-violations.*//p' | uniq)
+[ -z "$unformatted" ] || { echo "$unformatted"; exit 1; }

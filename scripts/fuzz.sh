@@ -8,6 +8,7 @@
 # the address and undefined-behaviour sanitizers (needs clang). They share the minutes. SEED=7 in the environment makes
 # other runs. A fault is printed with the options that repeat it alone; the logs are in build/fuzz_run.
 # Returns 0 when there was none.
+# shellcheck disable=SC2015,SC2086 # a prefix of several words; "a && b || fail" is meant
 set -u
 cd "$(dirname "$0")/.." || exit 1
 repo=$(pwd)

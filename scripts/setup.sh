@@ -1,11 +1,12 @@
 #!/bin/sh
 # Installs what the build and the tests need on Debian 12: compilers (also of the languages of examples/), test
-# libraries, what makes packages, and Wine for 32- and 64-bit programs. Does nothing, and says so, when everything is
-# there. Needs root only where something is missing.
+# libraries, what looks at sources, what makes packages, and Wine for 32- and 64-bit programs. Does nothing, and says
+# so, when everything is there. Needs root only where something is missing.
 #
 #   sh scripts/setup.sh          all that scripts/test.sh needs
-#   sh scripts/setup.sh all      and what scripts/test.sh --all needs: 64-bit Windows and packages
+#   sh scripts/setup.sh all      and what scripts/test.sh --all needs: 64-bit Windows, packages, MPI
 #   sh scripts/setup.sh demo     what the 32-bit DLLs and scripts/demo.sh need
+# shellcheck disable=SC2086 # packages and options are separate words
 set -u
 cd "$(dirname "$0")/.." || exit 1
 repo=$(pwd)
@@ -14,20 +15,22 @@ mkdir -p "$repo/build/logs"
 export DEBIAN_FRONTEND=noninteractive
 
 required="cmake ninja-build g++ g++-mingw-w64-i686-posix libgtest-dev googletest libbenchmark-dev
-  libcli11-dev nlohmann-json3-dev libfmt-dev python3"
+  libcli11-dev nlohmann-json3-dev libfmt-dev libxxhash-dev python3"
 # The languages of examples/.
 hosts="gfortran gfortran-mingw-w64-i686-posix fp-compiler mono-mcs mono-runtime pkgconf"
-# Packages and 64-bit Windows.
-all="dpkg-dev lintian zip unzip g++-mingw-w64-x86-64-posix"
+# Packages, 64-bit Windows and kestrune-mpi.
+all="dpkg-dev lintian zip unzip g++-mingw-w64-x86-64-posix clang-tidy libopenmpi-dev openmpi-bin"
 # The wheel, its tests and the packages that it uses where they are installed.
 python="python3-setuptools python3-wheel python3-build python3-pip python3-venv python3-numpy python3-pytest
   python3-hypothesis python3-pandas python3-matplotlib python3-pint python3-distributed python3-nbformat"
-optional="clang-format gnuplot-nox clang"
+# What scripts/check.sh runs.
+checks="clang clang-format shellcheck"
+optional="gnuplot-nox mypy"
 wine="wine wine32:i386"
 if [ "${1:-}" = demo ]; then
   optional=
 else
-  required="$required $hosts $python"
+  required="$required $hosts $python $checks"
 fi
 if [ "${1:-}" = all ]; then
   required="$required $all"
@@ -56,7 +59,6 @@ fail() {
 apt_options=
 apt() {
   echo "+ apt-get $apt_options $*" >>"$log"
-  # shellcheck disable=SC2086 # the options are separate words
   apt-get -q -o DPkg::Lock::Timeout=600 -o Acquire::Retries=3 $apt_options "$@" </dev/null >>"$log" 2>&1
 }
 

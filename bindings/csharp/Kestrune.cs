@@ -566,7 +566,7 @@ namespace Kestrune
         /// <param name="points">number wanted, 0: as traced</param>
         /// <param name="capacity">of the three point arrays</param>
         /// <param name="fraction">1: bubble and dew curves; between 0 and 1: that line, mol/mol</param>
-        /// <param name="accuracy">relative accuracy of a point, 0: 1e-8</param>
+        /// <param name="accuracy">0, or 1e-10 and more: every point is converged to 1e-10</param>
         /// <param name="T">temperatures, K, [capacity], out</param>
         /// <param name="P">pressures, atm, [capacity], out</param>
         /// <param name="kind">1 dew, 0 bubble, 0.5 critical, 4 two liquids, [capacity], out</param>

@@ -1278,7 +1278,7 @@ contains
   !   points: number wanted, 0: as traced
   !   capacity: of the three point arrays
   !   fraction: 1: bubble and dew curves; between 0 and 1: that line, mol/mol
-  !   accuracy: relative accuracy of a point, 0: 1e-8
+  !   accuracy: 0, or 1e-10 and more: every point is converged to 1e-10
   !   T: temperatures, K, [capacity], out
   !   P: pressures, atm, [capacity], out
   !   kind: 1 dew, 0 bubble, 0.5 critical, 4 two liquids, [capacity], out

@@ -102,9 +102,11 @@ int written(Session& session, int code) {
 
 }  // namespace
 
-int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err, const Exports* exports) {
+int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err, const Exports* exports,
+        batch::Team* team) {
   Session session{out, err};
   session.exports = exports;
+  session.team = team;
   try {
     CLI::App app{
         "Phase behaviour of natural gas with PPR78.\n"
@@ -130,6 +132,8 @@ int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err
     add_sales_command(app, session);
     add_pure_command(app, session);
     add_machine_commands(app, session);
+    add_batch_command(app, session);
+    add_table_command(app, session);
     add_document_commands(app, session);
     check_values(arguments);
     check_command(app, arguments);

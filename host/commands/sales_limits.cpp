@@ -13,7 +13,7 @@ namespace kestrune::host {
 
 namespace {
 
-using Value = std::optional<double> (*)(const SalesReport&);
+using Figure = std::optional<double> (*)(const SalesReport&);
 
 double none_where_absent(const CurvePlace& place) {
   return place.found() ? place.T : kNone;
@@ -22,7 +22,7 @@ double none_where_absent(const CurvePlace& place) {
 constexpr struct {
   const char *name, *title;
   Quantity quantity;
-  Value value;
+  Figure value;
 } kLimits[] = {{"wobbe", "gross Wobbe index", Quantity::calorific_value,
                 [](const SalesReport& r) { return std::optional(r.results[0].real.wobbe); }},
                {"wobbe_net", "net Wobbe index", Quantity::calorific_value,

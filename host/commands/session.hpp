@@ -13,6 +13,9 @@
 namespace CLI {
 class App;
 }
+namespace kestrune::host::batch {
+class Team;
+}
 
 namespace kestrune::host {
 
@@ -24,14 +27,15 @@ struct Session {
   std::string library_path = default_library_path();
   int exit_code = exit_good;         // a command sets exit_status when a calculation ended with a status
   const Exports* exports = nullptr;  // of a library that is there already
+  batch::Team* team = nullptr;       // of a batch in several processes
 
   Exports library() const { return exports != nullptr ? *exports : load_library(library_path); }
 };
 
 // Runs the program on its arguments (without the program name); returns its exit code. Nothing is thrown. With
-// exports the calculation library is not loaded.
+// exports the calculation library is not loaded; with a team a batch is shared among its processes.
 int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err,
-        const Exports* exports = nullptr);
+        const Exports* exports = nullptr, batch::Team* team = nullptr);
 
 // Whether the arguments hold --analysis all; runs the program on every analysis of the mixture file, and returns the
 // gravest exit code. InputError when there is none.
@@ -49,6 +53,8 @@ void add_hydrate_command(CLI::App& app, Session& session);
 void add_envelope_command(CLI::App& app, Session& session);
 void add_sales_command(CLI::App& app, Session& session);
 void add_pure_command(CLI::App& app, Session& session);
+void add_batch_command(CLI::App& app, Session& session);
+void add_table_command(CLI::App& app, Session& session);
 void add_machine_commands(CLI::App& app, Session& session);
 void add_document_commands(CLI::App& app, Session& session);
 

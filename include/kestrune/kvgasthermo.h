@@ -259,7 +259,7 @@ KV_API StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, Mixtu
  *            critical points and extremes are among them; 0: as traced
  * capacity   of the three point arrays
  * fraction   1.0: bubble and dew; between 0 and 1: the line of that vapour fraction, to the critical point
- * accuracy   relative, of a point (0: 1e-8, not below 1e-10); all are converged to 1e-10 in ln fugacities
+ * accuracy   0, or 1e-10 and more; every point is converged to 1e-10 in ln fugacities whatever it says
  * T, P       [capacity] out, K and atm
  * kind       [capacity] out: 1.0 dew, 0.0 bubble, 0.5 critical point, 4.0 two liquids (below), the fraction on
  *            a quality line. 2.0 more (3.0, 2.0, 6.0, 2.0 + fraction): another phase splits off before the

@@ -12,6 +12,8 @@ from typing import Any, Optional
 
 import numpy as np
 
+from ._types import Array
+
 _I, _L, _D, _P, _S = ctypes.c_int32, ctypes.c_int64, ctypes.c_double, ctypes.c_void_p, ctypes.c_char_p
 _ERROR_SIZE = 4096
 
@@ -145,9 +147,16 @@ def version() -> str:
     return str(library().ka_version().decode())
 
 
-def packed(array: Any) -> np.ndarray:
+def packed(array: Any) -> Array:
     """The numbers as a contiguous array of doubles, with the shape they have."""
     return np.asarray(array, dtype=float, order="C")
+
+
+def constant(values: Any) -> Array:
+    """Numbers as an array that nobody writes to."""
+    array = np.array(values, dtype=float)
+    array.setflags(write=False)
+    return array
 
 
 def processors() -> int:

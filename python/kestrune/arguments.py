@@ -2,12 +2,16 @@
 
 from __future__ import annotations
 
-from typing import Any, Mapping, Optional, Sequence
+from typing import TYPE_CHECKING, Any, Mapping, Optional, Sequence
 
 import numpy as np
+from numpy.typing import NDArray
 
-from .phases import GAS, LIQUID
+from ._types import Array, Numbers
 from .units import numbers_of
+
+if TYPE_CHECKING:
+    from .mixture import Mixture
 
 #: What a flash can be given, by its number in the native library, with the quantities of the two.
 GIVEN = {
@@ -19,9 +23,9 @@ GIVEN = {
 }
 
 
-def positive(values: np.ndarray) -> np.ndarray:
+def positive(values: Array) -> NDArray[np.bool_]:
     """Where numbers are finite and above zero."""
-    return np.isfinite(values) & (values > 0.0)
+    return np.asarray(np.isfinite(values) & (values > 0.0))
 
 
 def limits_of(solubility: Optional[Sequence[float]]) -> str:
@@ -58,23 +62,27 @@ def kind_of(given: Mapping[str, Any]) -> tuple[int, str, str]:
     raise ValueError(f"a flash is given {pairs}, not {' and '.join(given) or 'nothing'}")
 
 
-def one_of(name: str, T: Any, P: Any, options: dict[str, Any]) -> dict[str, Any]:
-    """The options of a bubble or dew point; ValueError without one of T and P, or with both."""
+def one_of(name: str, T: Any, P: Any) -> None:
+    """ValueError for a point that is not given one of T and P."""
     if (T is None) == (P is None):
         raise ValueError(f"a {name} point is given T or P, one of them")
-    return options
 
 
-def phase_number(phase: str) -> int:
-    """A phase as the native library numbers it; ValueError for another name."""
-    if phase in ("gas", "vapour"):
-        return GAS
-    if phase == "liquid":
-        return LIQUID
-    raise ValueError(f"phase is 'gas' or 'liquid', not {phase!r}")
+def feed_of(mixture: Mixture, z: Optional[Numbers]) -> tuple[Optional[Array], Any]:
+    """Feeds divided by their sums, and their molar masses; ValueError for what is no composition of the mixture."""
+    if z is None:
+        return None, mixture.molar_mass
+    names, feed = mixture.names, numbers_of("z", z)
+    if feed.ndim == 0 or feed.shape[-1] != len(names):
+        raise ValueError(f"z has {len(names)} fractions in its last axis, those of {', '.join(names)}")
+    known = feed[~np.isnan(feed).any(axis=-1)] if feed.ndim > 1 else feed
+    if not (np.isfinite(known).all() and (known >= 0.0).all() and (known.sum(axis=-1) > 0.0).all()):
+        raise ValueError("fractions of z are finite, not negative, and not all zero")
+    feed = feed / feed.sum(axis=-1, keepdims=True)
+    return feed, feed @ mixture.molar_masses
 
 
-def shape_of(names: Sequence[str], values: Sequence[np.ndarray], feed: Optional[np.ndarray]) -> tuple[int, ...]:
+def shape_of(names: Sequence[str], values: Sequence[Array], feed: Optional[Array]) -> tuple[int, ...]:
     """Shape that the arguments broadcast to; ValueError with their shapes where they do not."""
     shapes = [v.shape for v in values] + ([] if feed is None else [feed.shape[:-1]])
     try:

@@ -7,8 +7,10 @@ import warnings
 from typing import TYPE_CHECKING, Any, NamedTuple, Optional, Sequence, Union
 
 import numpy as np
+from numpy.typing import NDArray
 
 from . import _native
+from ._types import Array, Numbers, Value
 from .errors import KestruneError, KestruneWarning
 from .units import Units, numbers_of
 
@@ -19,6 +21,8 @@ if TYPE_CHECKING:
 
 __all__ = ["Critical", "Curve", "Envelope"]
 
+#: Temperature and pressure of a point.
+Point = tuple[Value, Value]
 #: Statuses of a curve that is good for what it shows: closed, open at the default limits, with a line of two liquids.
 _GOOD_CURVES = (0, 140, 141, 146)
 _TRACED = 2000  # room for a curve whose number of points was not asked for
@@ -30,9 +34,9 @@ _COLOURS = {"dew": "tab:blue", "bubble": "tab:red", "two liquids": "tab:green", 
 class Critical(NamedTuple):
     """Critical point of a mixture: T, P, molar volume V and compressibility factor Z; SI K, Pa, m3/mol."""
 
-    T: Any
-    P: Any
-    V: Any
+    T: Value
+    P: Value
+    V: Value
     Z: float
 
     @classmethod
@@ -76,7 +80,7 @@ class Curve:
         self.cricondentherm = _place(extremes[0], extremes[1], units)
         self.cricondenbar = _place(extremes[2], extremes[3], units)
         hottest = np.argsort(-T[critical])
-        self.critical = [_place(t, p, units) for t, p in zip(T[critical][hottest], P[critical][hottest])]
+        self.critical = [_shown(t, p, units) for t, p in zip(T[critical][hottest], P[critical][hottest])]
         self._lines = _pieces(T, P, self.kind)
 
     def __repr__(self) -> str:
@@ -110,9 +114,9 @@ class Envelope:
         quality: Sequence[float] = (),
         *,
         points: int = 0,
-        first_P: Any = None,
-        highest_P: Any = None,
-        lowest_T: Any = None,
+        first_P: Optional[Numbers] = None,
+        highest_P: Optional[Numbers] = None,
+        lowest_T: Optional[Numbers] = None,
         units: Union[str, Units, None] = None,
     ) -> Envelope:
         """Traces the curves.
@@ -150,13 +154,40 @@ class Envelope:
         made = [Curve(mixture, fraction, limits, int(points), shown) for fraction in (1.0, *lines)]
         return cls(mixture, shown, made[0], dict(zip(lines, made[1:])))
 
-    T = property(lambda self: self.curve.T, doc="Temperatures of the bubble and dew curve.")
-    P = property(lambda self: self.curve.P, doc="Pressures of the bubble and dew curve.")
-    kind = property(lambda self: self.curve.kind, doc="What its points are, see `Curve`.")
-    status = property(lambda self: self.curve.status, doc="Its status.")
-    critical = property(lambda self: self.curve.critical, doc="Critical points (T, P) on it, the hottest first.")
-    cricondentherm = property(lambda self: self.curve.cricondentherm, doc="Its highest temperature, (T, P) or None.")
-    cricondenbar = property(lambda self: self.curve.cricondenbar, doc="Its highest pressure, (T, P) or None.")
+    @property
+    def T(self) -> Value:
+        """Temperatures of the bubble and dew curve."""
+        return self.curve.T
+
+    @property
+    def P(self) -> Value:
+        """Pressures of the bubble and dew curve."""
+        return self.curve.P
+
+    @property
+    def kind(self) -> NDArray[np.str_]:
+        """What its points are, see `Curve`."""
+        return self.curve.kind
+
+    @property
+    def status(self) -> int:
+        """Its status."""
+        return self.curve.status
+
+    @property
+    def critical(self) -> list[Point]:
+        """Critical points on it, the hottest first."""
+        return self.curve.critical
+
+    @property
+    def cricondentherm(self) -> Optional[Point]:
+        """Its point of highest temperature; None where there is none."""
+        return self.curve.cricondentherm
+
+    @property
+    def cricondenbar(self) -> Optional[Point]:
+        """Its point of highest pressure; None where there is none."""
+        return self.curve.cricondenbar
 
     def __repr__(self) -> str:
         return f"<envelope of {self.mixture.title_or_names}, {len(self.kind)} points, status {self.status}>"
@@ -171,7 +202,7 @@ class Envelope:
         ]
         return pandas.concat(parts, ignore_index=True)
 
-    def plot(self, ax: Any = None, points: Optional[tuple[Any, Any]] = None) -> Any:
+    def plot(self, ax: Any = None, points: Optional[tuple[Numbers, Numbers]] = None) -> Any:
         """Draws the curves, critical points and operating points.
 
         Parameters
@@ -230,19 +261,19 @@ def _limit(units: Units, name: str, quantity: str, value: Any) -> float:
     return float(limit)
 
 
-def _bare(values: Any) -> np.ndarray:
+def _bare(values: Any) -> Array:
     """Numbers of what may be pint quantities."""
     return np.asarray(getattr(values, "magnitude", values))
 
 
 def _traced(
     mixture: Mixture, fraction: float, limits: Sequence[float], points: int
-) -> tuple[np.ndarray, np.ndarray, np.ndarray, np.ndarray, int]:
+) -> tuple[Array, Array, Array, Array, int]:
     capacity = max(points, _TRACED)
     T, P, kind = np.empty(capacity), np.empty(capacity), np.empty(capacity)
     extremes, range_of = np.empty(4), np.asarray(limits, dtype=float)
     found, status = np.empty(1, dtype=np.int32), np.empty(1, dtype=np.int32)
-    arrays: list[np.ndarray] = [T, P, kind, found, extremes, status]
+    arrays: list[NDArray[Any]] = [T, P, kind, found, extremes, status]
     addresses = [a.ctypes.data for a in arrays]
     _native.call("ka_envelope", mixture.handle, fraction, range_of.ctypes.data, points, capacity, *addresses)
     if status[0] >= 9000:
@@ -251,7 +282,7 @@ def _traced(
     return T[:n], P[:n], kind[:n], extremes, int(status[0])
 
 
-def _words(kind: np.ndarray, critical: np.ndarray, fraction: float) -> np.ndarray:
+def _words(kind: Array, critical: NDArray[np.bool_], fraction: float) -> NDArray[np.str_]:
     """Points in words, by the numbers of PhaseEnvelope: 2 more where another phase splits off, 4 two liquids."""
     stable = (kind < 2.0) | (kind == 4.0)
     plain = np.where(stable, kind, kind - 2.0)
@@ -263,15 +294,15 @@ def _words(kind: np.ndarray, critical: np.ndarray, fraction: float) -> np.ndarra
     return np.where(critical, "critical", words).astype(str)
 
 
-def _shown(T: float, P: float, units: Units) -> tuple[Any, Any]:
+def _shown(T: float, P: float, units: Units) -> Point:
     return units.from_si("temperature", T), units.from_si("pressure", P)
 
 
-def _place(T: float, P: float, units: Units) -> Optional[tuple[Any, Any]]:
+def _place(T: float, P: float, units: Units) -> Optional[Point]:
     return _shown(T, P, units) if T > 0.0 else None
 
 
-def _pieces(T: np.ndarray, P: np.ndarray, kind: np.ndarray) -> list[tuple[str, int, int]]:
+def _pieces(T: Array, P: Array, kind: NDArray[np.str_]) -> list[tuple[str, int, int]]:
     """Kind, first and end of the stretches that are drawn as one line; neighbours share a point."""
     pieces: list[tuple[str, int, int]] = []
     for k in range(T.size):

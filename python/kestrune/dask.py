@@ -10,7 +10,10 @@ from __future__ import annotations
 from typing import TYPE_CHECKING, Any, Optional, Sequence, Union
 
 import numpy as np
+from numpy.typing import NDArray
 
+from ._types import Numbers
+from .arguments import feed_of
 from .mixture import Mixture
 from .states import State
 from .units import Units, numbers_of
@@ -27,13 +30,13 @@ _CONDITIONS = ("T", "P", "H", "S", "beta")
 def flash(
     client: Client,
     mixture: Mixture,
-    T: Any = None,
-    P: Any = None,
+    T: Optional[Numbers] = None,
+    P: Optional[Numbers] = None,
     *,
-    H: Any = None,
-    S: Any = None,
-    beta: Any = None,
-    z: Any = None,
+    H: Optional[Numbers] = None,
+    S: Optional[Numbers] = None,
+    beta: Optional[Numbers] = None,
+    z: Optional[Numbers] = None,
     phases: int = 3,
     threads: int = 1,
     units: Union[str, Units, None] = None,
@@ -75,7 +78,7 @@ def flash(
         raise TypeError("states for workers are plain numbers, with their units in units=, not pint quantities")
     numbers = {name: numbers_of(name, v) for name, v in given.items()}
     if z is not None:
-        mixture._feed(z)  # refuses what is wrong, here
+        feed_of(mixture, z)  # refuses what is wrong, here
         z = numbers_of("z", z)
     leading = [v.shape for v in numbers.values()] + ([] if z is None else [np.shape(z)[:-1]])
     shape = np.broadcast_shapes(*leading)
@@ -88,8 +91,9 @@ def flash(
     empty = mixture.flash(**{name: v[:0] for name, v in flat.items()}, **options)  # refuses what is wrong, here
     count = int(np.prod(shape))
     parts = [{name: v[at : at + rows] for name, v in flat.items()} for at in range(0, count, rows)]
-    tasks = client.map(_part, parts, mixture=mixture, options=options, pure=False, retries=retries)
-    return _joined([empty, *client.gather(tasks)], shape)
+    workers: Any = client  # its methods have no types
+    tasks = workers.map(_part, parts, mixture=mixture, options=options, pure=False, retries=retries)
+    return _joined([empty, *workers.gather(tasks)], shape)
 
 
 def flash_table(
@@ -119,12 +123,12 @@ def _part(given: dict[str, Any], mixture: Mixture, options: dict[str, Any]) -> S
 def _joined(parts: Sequence[State], shape: tuple[int, ...]) -> State:
     first = parts[0]
 
-    def join(arrays: Sequence[Any], *last: int) -> np.ndarray:
-        return np.concatenate([np.asarray(a) for a in arrays]).reshape(*shape, *last)
+    def join(arrays: Sequence[Any], *last: int) -> NDArray[Any]:
+        return np.asarray(np.concatenate([np.asarray(a) for a in arrays]).reshape(*shape, *last))
 
     count = len(first.mixture.names)
     phases = [*zip(*(tuple(part) for part in parts))]
-    z: Optional[np.ndarray] = None if first.z is None else join([part.z for part in parts], count)
+    z = None if first.z is None else join([part.z for part in parts], count)
     return State(
         first.mixture,
         first.units,

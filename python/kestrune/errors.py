@@ -2,11 +2,8 @@
 
 from __future__ import annotations
 
-import warnings
-
-import numpy as np
-
 from ._native import status_text
+from ._types import Status, Value
 
 #: Statuses that come with a value: success, and a correlation continued beyond its range.
 GOOD = (0, 1003)
@@ -33,17 +30,14 @@ class KestruneError(ArithmeticError):
         return (KestruneError, (self.status, self.what))
 
 
-def count_failures(status: np.ndarray, what: str, level: int = 4) -> None:
-    """Raises KestruneError for a single state without an answer, warns of those among several."""
-    failed = status[~np.isin(status, GOOD)]
-    if not failed.size:
-        return
-    if not status.shape:
+def answered(status: Status, what: str) -> Value:
+    """The statuses of states, a number of a single one; KestruneError where that has no answer."""
+    if status.shape:
+        status.setflags(write=False)
+        return status
+    if int(status) not in GOOD:
         raise KestruneError(int(status), what)
-    found, counts = np.unique(failed, return_counts=True)
-    kinds = "; ".join(f"{n} x {s}: {status_text(int(s))}" for s, n in zip(found, counts))
-    text = f"{what}: {failed.size} of {status.size} states without an answer: {kinds}"
-    warnings.warn(text, KestruneWarning, stacklevel=level)
+    return int(status)
 
 
 class KestruneWarning(UserWarning):

@@ -11,20 +11,18 @@ from typing import Any, Mapping, Optional, Sequence, Union
 import numpy as np
 
 from . import _native, calls
-from .arguments import GIVEN, kind_of, limits_of, one_of, phase_number, positive, shape_of, tuning_of
+from ._types import Array, Numbers
+from .arguments import GIVEN, feed_of, kind_of, limits_of, one_of, shape_of, tuning_of
 from .curves import Critical, Envelope
 from .databank import Component, source_of
 from .errors import GOOD, KestruneError
-from .hydrate import Hydrate
-from .phases import GAS, Phase
+from .hydrate import hydrate
+from .phases import Phase, properties_of
 from .states import State
-from .units import Units, numbers_of
-from .water import Water
+from .units import Units
+from .water import WATER, Boundary, Water
 
 __all__ = ["Mixture"]
-
-_WATER = "7732-18-5"  # CAS number
-
 
 class Mixture:
     """A mixture of components with its model, PPR78.
@@ -105,12 +103,23 @@ class Mixture:
         self._finalizer.atexit = False  # a thread may still calculate when the interpreter ends
         self._info = json.loads(_native.read_text("ka_describe", self._handle))
         self._names: tuple[str, ...] = tuple(c["name"] for c in self._info["components"])
-        self._z = _constant(self._info["z"])
-        self._molar_masses = _constant([c["molar_mass"] for c in self._info["components"]])
+        self._z = _native.constant(self._info["z"])
+        self._molar_masses = _native.constant([c["molar_mass"] for c in self._info["components"]])
 
-    names = property(lambda self: self._names, doc="Names of the components.")
-    z = property(lambda self: self._z, doc="Mole fractions, whose sum is 1.")
-    molar_masses = property(lambda self: self._molar_masses, doc="Molar masses of the components, g/mol.")
+    @property
+    def names(self) -> tuple[str, ...]:
+        """Names of the components."""
+        return self._names
+
+    @property
+    def z(self) -> Array:
+        """Mole fractions, whose sum is 1."""
+        return self._z
+
+    @property
+    def molar_masses(self) -> Array:
+        """Molar masses of the components, g/mol."""
+        return self._molar_masses
 
     def __eq__(self, other: object) -> bool:
         if not isinstance(other, Mixture):
@@ -152,7 +161,7 @@ class Mixture:
     def free_water_index(self) -> Optional[int]:
         """Place of water among the components where it may part as free water, else None."""
         cas = [c["cas"] for c in self._info["components"]]
-        return cas.index(_WATER) if self._recipe[5] and _WATER in cas else None
+        return cas.index(WATER) if self._recipe[5] and WATER in cas else None
 
     @property
     def notes(self) -> list[str]:
@@ -166,13 +175,13 @@ class Mixture:
 
     def flash(
         self,
-        T: Any = None,
-        P: Any = None,
+        T: Optional[Numbers] = None,
+        P: Optional[Numbers] = None,
         *,
-        H: Any = None,
-        S: Any = None,
-        beta: Any = None,
-        z: Any = None,
+        H: Optional[Numbers] = None,
+        S: Optional[Numbers] = None,
+        beta: Optional[Numbers] = None,
+        z: Optional[Numbers] = None,
         phases: int = 3,
         threads: Optional[int] = None,
         units: Union[str, Units, None] = None,
@@ -215,7 +224,7 @@ class Mixture:
             raise ValueError(f"phases is 2 or 3, not {phases!r}")
         if phases == 2 and self.free_water_index is not None:
             raise ValueError("free water is a liquid of its own: flash with phases=3, or a mixture without free_water")
-        feed, mass = self._feed(z)
+        feed, mass = feed_of(self, z)
         ordered = next(pair for pair in GIVEN if frozenset(pair) == frozenset(given))
         values = [shown.to_si(q, given[name], mass) for name, q in zip(ordered, quantities)]
         if "beta" in given:  # beyond 0 and 1 there is no state; NaN is refused with its status
@@ -227,40 +236,30 @@ class Mixture:
         found = calls.flash(self, kind, phases, columns, feed, shape, threads)
         state = State(self, shown, phases, *found, feed, threads)
         if not shape and state.status not in GOOD:
-            raise KestruneError(state.status, f"flash of {self.title_or_names}")
+            at = " and ".join(shown.label(name, q, given[name]) for name, q in zip(ordered, quantities))
+            raise KestruneError(state.status, f"flash of {self.title_or_names} at {at}")
         return state
 
-    def _feed(self, z: Any) -> tuple[Optional[np.ndarray], Any]:
-        """Feeds divided by their sums, and their molar masses."""
-        if z is None:
-            return None, self.molar_mass
-        feed = numbers_of("z", z)
-        if feed.ndim == 0 or feed.shape[-1] != len(self.names):
-            raise ValueError(f"z has {len(self.names)} fractions in its last axis, those of {', '.join(self.names)}")
-        known = feed[~np.isnan(feed).any(axis=-1)] if feed.ndim > 1 else feed
-        if not (np.isfinite(known).all() and (known >= 0.0).all() and (known.sum(axis=-1) > 0.0).all()):
-            raise ValueError("fractions of z are finite, not negative, and not all zero")
-        feed = feed / feed.sum(axis=-1, keepdims=True)
-        return feed, feed @ self.molar_masses
-
-    def bubble(self, *, T: Any = None, P: Any = None, **options: Any) -> State:
+    def bubble(self, *, T: Optional[Numbers] = None, P: Optional[Numbers] = None, **options: Any) -> State:
         """Bubble point at a temperature or a pressure; options and errors as of `flash`."""
-        return self.flash(T, P, beta=0.0, **one_of("bubble", T, P, options))
+        one_of("bubble", T, P)
+        return self.flash(T, P, beta=0.0, **options)
 
-    def dew(self, *, T: Any = None, P: Any = None, **options: Any) -> State:
+    def dew(self, *, T: Optional[Numbers] = None, P: Optional[Numbers] = None, **options: Any) -> State:
         """Dew point at a temperature or a pressure; options and errors as of `flash`."""
-        return self.flash(T, P, beta=1.0, **one_of("dew", T, P, options))
+        one_of("dew", T, P)
+        return self.flash(T, P, beta=1.0, **options)
 
     def properties(
         self,
-        T: Any,
-        P: Any,
+        T: Numbers,
+        P: Numbers,
         phase: str = "gas",
-        x: Any = None,
+        x: Optional[Numbers] = None,
         *,
         threads: Optional[int] = None,
         units: Union[str, Units, None] = None,
-    ) -> Any:
+    ) -> Phase:
         """Properties of the mixture, or of a composition, as one phase, whether it is stable or not.
 
         Parameters
@@ -280,19 +279,9 @@ class Mixture:
             positive raises KestruneError when they are read; of many states it has its `property_status` and NaN.
         """
         shown = self._units if units is None else Units.of(units)
-        kind = phase_number(phase)
-        values = [shown.to_si("temperature", T), shown.to_si("pressure", P)]
-        feed, _ = self._feed(x)
-        shape = shape_of(("T", "P"), values, feed)
-        at_T, at_P = (_native.packed(np.broadcast_to(v, shape)) for v in values)
-        full = np.broadcast_to(self.z if feed is None else feed, (*shape, len(self.names)))
-        one = np.ones(shape) if shape else 1.0
-        name = "vapour" if kind == GAS else "liquid"
-        _native.thread_count(threads)
-        refused = np.select([~positive(at_T), ~positive(at_P), np.isnan(full).any(axis=-1)], [9004, 9005, 9006], 0)
-        return Phase(name, self, shown, kind, at_T, at_P, one, np.array(full, dtype=float), threads, refused)
+        return properties_of(self, T, P, phase, x, threads, shown)
 
-    def kij(self, T: float, units: Union[str, Units, None] = None) -> np.ndarray:
+    def kij(self, T: float, units: Union[str, Units, None] = None) -> Array:
         """Interaction parameters k_ij that the model predicts at a temperature (SI K), shape ``(count, count)``."""
         shown = self._units if units is None else Units.of(units)
         at = shown.to_si("temperature", T)
@@ -315,24 +304,46 @@ class Mixture:
         """Water content and water dew points of the mixture as a gas."""
         if self._water is None:
             wet = self
-            if _WATER not in (c["cas"] for c in self._info["components"]):
+            if WATER not in (c["cas"] for c in self._info["components"]):
                 wet = _rebuilt((*self._recipe[:4], True, *self._recipe[5:]), self._units)
             self._water = Water(wet)
         return self._water
 
-    @property
-    def hydrate(self) -> Hydrate:
-        """Hydrate formation of the mixture as a gas, with or without inhibitor."""
-        return Hydrate(self)
+    def hydrate(
+        self,
+        *,
+        T: Optional[Numbers] = None,
+        P: Optional[Numbers] = None,
+        inhibitor: Union[str, float, None] = None,
+        percent: Optional[float] = None,
+        units: Union[str, Units, None] = None,
+    ) -> Boundary:
+        """Where hydrate forms of the mixture as a gas: the temperature below, or the pressure above, which it does.
+
+        Parameters
+        ----------
+        T, P : float or array
+            One of them, SI K or Pa.
+        inhibitor : str or float, optional
+            ``"methanol"``, ``"MEG"``, ``"DEG"``, ``"TEG"``, ``"NaCl"``, ``"KCl"``, ``"CaCl2"`` or a molar mass, g/mol.
+        percent : float, with an inhibitor
+            Its mass percent in the aqueous solution, 0 to 70.
+
+        Returns
+        -------
+        Boundary
+            T, P and status. Beyond 200 K, 313.15 K without inhibitor and 1000 bar there is no answer: status 151 and
+            NaN of many states, KestruneError of a single one.
+
+        Notes
+        -----
+        By the gravity of the gas (Towler and Mokhatab 2005), with the depression of Hammerschmidt (1934). Made from
+        sweet natural gases, 265 to 298 K and 12 to 400 bar.
+        """
+        return hydrate(self, T, P, inhibitor, percent, self._units if units is None else Units.of(units))
 
 
 def _rebuilt(recipe: tuple[Any, ...], units: Union[str, Units]) -> Mixture:
     mixture = Mixture.__new__(Mixture)
     mixture._build(recipe, units)
     return mixture
-
-
-def _constant(values: Sequence[float]) -> np.ndarray:
-    array = np.array(values, dtype=float)
-    array.setflags(write=False)
-    return array

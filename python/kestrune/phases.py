@@ -2,11 +2,14 @@
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Any, NamedTuple, Optional
+from typing import TYPE_CHECKING, Any, NamedTuple, Optional, overload
 
 import numpy as np
+from numpy.typing import NDArray
 
 from . import _native, calls
+from ._types import Array, Numbers, Status, Value
+from .arguments import feed_of, positive, shape_of
 from .errors import GOOD, KestruneError
 from .units import Units
 
@@ -63,7 +66,13 @@ class _Property:
     def __set_name__(self, owner: type, name: str) -> None:
         self.name = name
 
-    def __get__(self, phase: Optional[Phase], owner: Optional[type] = None) -> Any:
+    @overload
+    def __get__(self, phase: None, owner: Optional[type] = None) -> _Property: ...
+
+    @overload
+    def __get__(self, phase: Phase, owner: Optional[type] = None) -> Value: ...
+
+    def __get__(self, phase: Optional[Phase], owner: Optional[type] = None) -> Value:
         return self if phase is None else phase.shown(self.name)
 
 
@@ -125,10 +134,10 @@ class Phase:
         mixture: Mixture,
         units: Units,
         kind: int,
-        T: np.ndarray,
-        P: np.ndarray,
+        T: Array,
+        P: Array,
         fraction: Any,
-        x: np.ndarray,
+        x: Array,
         threads: Optional[int],
         refused: Any = 0,
     ) -> None:
@@ -141,8 +150,8 @@ class Phase:
         self.x = x
         self._T, self._P, self._mixture, self._units, self._kind = T, P, mixture, units, kind
         self._threads = threads
-        self._values: dict[str, np.ndarray] = {}
-        self._statuses: dict[str, np.ndarray] = {}
+        self._values: dict[str, Array] = {}
+        self._statuses: dict[str, Status] = {}
 
     def __repr__(self) -> str:
         if np.ndim(self.fraction) == 0:
@@ -150,30 +159,27 @@ class Phase:
         return f"<{self.name} of {np.size(self.fraction)} states>"
 
     @property
-    def molar_mass(self) -> Any:
+    def molar_mass(self) -> Value:
         """Molar mass, g/mol in all units."""
         return scalar(self.x @ self._mixture.molar_masses)
 
     @property
-    def aqueous(self) -> Any:
+    def aqueous(self) -> Value:
         """True where the phase is more than half water, alcohols, glycols and ammonia, and at least 1 % water."""
-        x = _native.packed(self.x)
-        flags = np.zeros(x.shape[:-1], dtype=np.int8)
-        _native.call("ka_aqueous", self._mixture.handle, flags.size, x.ctypes.data, flags.ctypes.data)
-        return scalar(flags.astype(bool))
+        return scalar(calls.aqueous(self._mixture, self.x))
 
-    def ln_phi(self) -> np.ndarray:
+    def ln_phi(self) -> Array:
         """ln of the fugacity coefficients, shape ``(..., count)``. KestruneError for a single state without them."""
         if not np.ndim(self._refused) and self._refused:
             raise KestruneError(int(self._refused), "fugacity coefficients")
         return calls.ln_phi(self._mixture, self._kind, self._T, self._P, self.x, self._threads)
 
-    def property_status(self, name: str) -> Any:
+    def property_status(self, name: str) -> Value:
         """Status of a property, 0 where it has a value or the phase has none of the kind."""
         self.in_si(name)
         return scalar(self._statuses[name])
 
-    def in_si(self, name: str) -> np.ndarray:
+    def in_si(self, name: str) -> Array:
         """A property in SI; NaN where it has no value."""
         if not isinstance(name, str) or name not in PROPERTIES:
             raise ValueError(f"no property {name!r}: use {', '.join(PROPERTIES)}")
@@ -182,12 +188,12 @@ class Phase:
             values, status = calls.properties(
                 self._mixture, self._kind, self._T, self._P, self.x, wanted, self._threads
             )
-            status = np.where(self._refused, self._refused, status)
+            status = np.where(self._refused, self._refused, status).astype(np.int32)
             status.setflags(write=False)
             free = self._free_water()
             for other, row in PROPERTIES.items():
                 if wanted >> row.row & 1:
-                    value = values[row.row, ...]
+                    value = values[row.row]
                     value[np.not_equal(self._refused, 0)] = np.nan
                     if other not in _OF_FREE_WATER:
                         value[free] = np.nan
@@ -195,15 +201,15 @@ class Phase:
                     self._values[other], self._statuses[other] = value, status
         return self._values[name]
 
-    def _free_water(self) -> np.ndarray:
+    def _free_water(self) -> NDArray[np.bool_]:
         """Where the phase is a liquid of water by its solubility, not by the equation of state."""
         index = self._mixture.free_water_index
         if index is None or self.name == "vapour":
             return np.zeros(self.x.shape[:-1], dtype=bool)
         with np.errstate(invalid="ignore"):
-            return self.x[..., index] > _WATER_RICH
+            return np.asarray(self.x[..., index] > _WATER_RICH)
 
-    def shown(self, name: str) -> Any:
+    def shown(self, name: str) -> Value:
         value = self.in_si(name)
         status = self._statuses[name]
         if status.ndim == 0 and int(status) not in GOOD and np.isnan(value):
@@ -214,3 +220,21 @@ class Phase:
 def scalar(array: Any) -> Any:
     """A plain number instead of an array without dimensions."""
     return array.item() if isinstance(array, np.ndarray) and array.ndim == 0 else array
+
+
+def properties_of(
+    mixture: Mixture, T: Numbers, P: Numbers, phase: str, x: Optional[Numbers], threads: Optional[int], units: Units
+) -> Phase:
+    """A composition as one phase; see `Mixture.properties`."""
+    if phase not in ("gas", "vapour", "liquid"):
+        raise ValueError(f"phase is 'gas' or 'liquid', not {phase!r}")
+    name, kind = ("liquid", LIQUID) if phase == "liquid" else ("vapour", GAS)
+    values = [units.to_si("temperature", T), units.to_si("pressure", P)]
+    feed, _ = feed_of(mixture, x)
+    shape = shape_of(("T", "P"), values, feed)
+    at_T, at_P = (_native.packed(np.broadcast_to(v, shape)) for v in values)
+    full = np.broadcast_to(mixture.z if feed is None else feed, (*shape, len(mixture.names)))
+    one = np.ones(shape) if shape else 1.0
+    _native.thread_count(threads)
+    refused = np.select([~positive(at_T), ~positive(at_P), np.isnan(full).any(axis=-1)], [9004, 9005, 9006], 0)
+    return Phase(name, mixture, units, kind, at_T, at_P, one, np.array(full, dtype=float, order="C"), threads, refused)

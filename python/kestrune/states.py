@@ -5,8 +5,10 @@ from __future__ import annotations
 from typing import TYPE_CHECKING, Any, Iterator, Optional, Sequence
 
 import numpy as np
+from numpy.typing import NDArray
 
 from . import _native
+from ._types import Array, Status, Value
 from .errors import GOOD
 from .phases import LIGHT, LIQUID, PROPERTIES, Phase, scalar
 from .units import Units
@@ -45,19 +47,20 @@ class State:
         mixture: Mixture,
         units: Units,
         phases: int,
-        T: np.ndarray,
-        P: np.ndarray,
-        fractions: Sequence[np.ndarray],
-        x: Sequence[np.ndarray],
-        status: np.ndarray,
-        z: Optional[np.ndarray] = None,
+        T: Array,
+        P: Array,
+        fractions: Sequence[Array],
+        x: Sequence[Array],
+        status: Status,
+        z: Optional[Array] = None,
         threads: Optional[int] = None,
     ) -> None:
-        for array in (T, P, status, *fractions, *x, *(() if z is None else (z,))):
+        arrays: list[NDArray[Any]] = [T, P, status, *fractions, *x, *(() if z is None else (z,))]
+        for array in arrays:
             array.setflags(write=False)  # the properties are calculated from them, some of them later
         self.mixture, self.units, self.phases, self.z = mixture, units, phases, z
         self.T_si, self.P_si = T, P
-        self.status: Any = int(status) if status.ndim == 0 else status
+        self.status: Value = int(status) if status.ndim == 0 else status
         three = [*zip(("vapour", "liquid", "liquid2"), (LIGHT, LIQUID, LIQUID))]
         made = []
         for slot, (name, kind) in enumerate(three):
@@ -70,12 +73,12 @@ class State:
         self.vapour, self.liquid, self.liquid2 = made
 
     @property
-    def T(self) -> Any:
+    def T(self) -> Value:
         """Temperature, SI K."""
         return self.units.from_si("temperature", self.T_si)
 
     @property
-    def P(self) -> Any:
+    def P(self) -> Value:
         """Pressure, SI Pa."""
         return self.units.from_si("pressure", self.P_si)
 
@@ -90,21 +93,21 @@ class State:
         return int(self.T_si.size)
 
     @property
-    def ok(self) -> Any:
+    def ok(self) -> Value:
         """True where there is an answer."""
         good = np.isin(self.status, GOOD)
         return bool(good) if good.ndim == 0 else good
 
     @property
-    def beta(self) -> Any:
+    def beta(self) -> Value:
         """Vapour fraction, moles of vapour in one mole; NaN without an answer."""
         return self.vapour.fraction
 
     @property
-    def K(self) -> np.ndarray:
+    def K(self) -> Array:
         """y/x of the vapour and the (lighter) liquid, shape ``(..., count)``; NaN where one of them is absent."""
         with np.errstate(divide="ignore", invalid="ignore"):
-            return self.vapour.x / self.liquid.x
+            return np.asarray(self.vapour.x / self.liquid.x)
 
     def __iter__(self) -> Iterator[Phase]:
         return iter((self.vapour, self.liquid, self.liquid2)[: self.phases])
@@ -147,14 +150,14 @@ class State:
         found, counts = np.unique(np.asarray(self.status), return_counts=True)
         return "\n".join(f"{n} x {s}: {_native.status_text(int(s))}" for s, n in zip(found, counts))
 
-    def liquid_fraction(self, aqueous: bool = False) -> Any:
+    def liquid_fraction(self, aqueous: bool = False) -> Value:
         """Moles of the aqueous liquid in one mole, or of the other liquids."""
         total = np.zeros(self.shape)
         for phase in (self.liquid, self.liquid2):
             total = total + np.where(np.equal(phase.aqueous, aqueous), phase.fraction, 0.0)
         return scalar(np.where(np.isnan(self.vapour.fraction), np.nan, total))
 
-    def _whole(self, name: str, quantity: str) -> Any:
+    def _whole(self, name: str, quantity: str) -> Value:
         value = self._whole_si(name)
         if not self.shape and np.isnan(value):
             for phase in self:
@@ -162,7 +165,7 @@ class State:
                     phase.shown(name)  # raises for what failed
         return self.units.from_si(quantity, value, self.molar_mass)
 
-    def _whole_si(self, name: str) -> np.ndarray:
+    def _whole_si(self, name: str) -> Array:
         total = np.where(np.isnan(self.vapour.fraction), np.nan, 0.0)
         for phase in self:
             present = np.asarray(phase.fraction) > 0.0
@@ -171,34 +174,34 @@ class State:
         return total
 
     @property
-    def molar_mass(self) -> Any:
+    def molar_mass(self) -> Value:
         """Molar mass of the whole, g/mol."""
         if self.z is None:
             return self.mixture.molar_mass
         return scalar(self.z @ self.mixture.molar_masses)
 
     @property
-    def enthalpy(self) -> Any:
+    def enthalpy(self) -> Value:
         """Molar enthalpy of all phases together, SI J/mol."""
         return self._whole("enthalpy", "enthalpy")
 
     @property
-    def entropy(self) -> Any:
+    def entropy(self) -> Value:
         """Molar entropy of all phases together, SI J/(mol K)."""
         return self._whole("entropy", "entropy")
 
     @property
-    def free_enthalpy(self) -> Any:
+    def free_enthalpy(self) -> Value:
         """Molar free enthalpy of all phases together, SI J/mol."""
         return self._whole("free_enthalpy", "enthalpy")
 
     @property
-    def molar_volume(self) -> Any:
+    def molar_volume(self) -> Value:
         """Molar volume of all phases together, SI m3/mol; NaN with free water, which has none."""
         return self._whole("molar_volume", "molar volume")
 
     @property
-    def density(self) -> Any:
+    def density(self) -> Value:
         """Mass density of all phases together, SI kg/m3; NaN with free water, which has none."""
         with np.errstate(divide="ignore", invalid="ignore"):
             value = 1e-3 * self.molar_mass / self._whole_si("molar_volume")
@@ -222,7 +225,7 @@ class State:
 
         if isinstance(properties, str):
             raise TypeError(f"properties is a list of names such as [{properties!r}], not one text")
-        columns = {"T": _flat(self.T), "P": _flat(self.P), "status": np.atleast_1d(np.asarray(self.status).ravel())}
+        columns: dict[str, Any] = {"T": _flat(self.T), "P": _flat(self.P), "status": np.atleast_1d(np.asarray(self.status).ravel())}
         for phase in self:
             columns[f"{phase.name}.fraction"] = _flat(phase.fraction)
             table = phase.x.reshape(-1, len(self.mixture.names))
@@ -247,5 +250,5 @@ class State:
         )
 
 
-def _flat(values: Any) -> np.ndarray:
-    return np.atleast_1d(np.asarray(getattr(values, "magnitude", values))).ravel()
+def _flat(values: Any) -> Array:
+    return np.asarray(getattr(values, "magnitude", values)).reshape(-1)

@@ -9,6 +9,7 @@ from typing import Any, Mapping, NamedTuple, Union
 import numpy as np
 
 from . import _native
+from ._types import Array, Value
 
 __all__ = ["Unit", "Units"]
 
@@ -89,15 +90,22 @@ class Units:
             raise ValueError(f"no quantity {quantity!r}: use {', '.join(self._table)}")
         return self._table[quantity].name
 
-    def to_si(self, quantity: str, value: Any, molar_mass: Any = 0.0) -> Any:
+    def label(self, name: str, quantity: str, value: Any) -> str:
+        """A given number with its unit, as messages show it."""
+        if _is_pint(value):
+            return f"{name} = {value}"
+        symbol = self.symbol(quantity) if quantity in self._table else ""
+        return f"{name} = {float(numbers_of(quantity, value)):.6g} {symbol}".rstrip()
+
+    def to_si(self, quantity: str, value: Any, molar_mass: Any = 0.0) -> Array:
         """Numbers in these units, or pint quantities of any unit, as an array of floats in SI."""
         if _is_pint(value):
             return _from_pint(quantity, value, molar_mass)
         numbers = numbers_of(quantity, value)
         unit = self._table[quantity]
-        return (numbers + unit.offset) * unit.scale(molar_mass)
+        return np.asarray((numbers + unit.offset) * unit.scale(molar_mass))
 
-    def from_si(self, quantity: str, value: Any, molar_mass: Any = 0.0) -> Any:
+    def from_si(self, quantity: str, value: Any, molar_mass: Any = 0.0) -> Value:
         """An array in SI in these units, a new one; a single number as a float."""
         if self.name == "pint":
             return _pint_registry().Quantity(_plain(np.array(value)), _PINT.get(quantity, "dimensionless"))
@@ -107,22 +115,25 @@ class Units:
         return _plain(np.asarray(value) / unit.scale(molar_mass) - unit.offset)
 
 
-def numbers_of(name: str, value: Any) -> np.ndarray:
+def numbers_of(name: str, value: Any) -> Array:
     """An array of floats of its own, NaN for what is masked; of a pint quantity without a unit its number."""
+    if value is None:
+        raise TypeError(f"{name} is a number or an array of numbers, not None")
     if _is_pint(value):
         return _from_pint(name, value, 0.0)
     if isinstance(value, (list, tuple)) and any(map(_is_pint, value)):
         raise TypeError(f"{name} is one quantity with an array in it, not a list of quantities")
     try:
-        raw = np.ma.asarray(value) if np.ma.isMaskedArray(value) else np.asarray(value)
+        raw = value if isinstance(value, np.ma.MaskedArray) else np.asarray(value)
         if raw.dtype.kind in "iufO":  # no truth values, texts, dates or complex numbers
-            return np.ma.filled(raw.astype(float), np.nan)
+            floats: Any = raw.astype(float)
+            return np.asarray(floats.filled(np.nan) if hasattr(floats, "filled") else floats)
     except (TypeError, ValueError):
         pass
     raise TypeError(f"{name} is a number or an array of numbers, not {value!r}")
 
 
-def _plain(array: np.ndarray) -> Any:
+def _plain(array: Array) -> Value:
     return float(array) if array.ndim == 0 else array
 
 
@@ -134,13 +145,14 @@ def _table(name: str) -> Mapping[str, Unit]:
 
 def _pint_registry() -> Any:
     try:
-        import pint
+        import pint as _pint
     except ImportError:
         raise ImportError("units='pint' needs the package pint") from None
+    pint: Any = _pint  # without types in some versions
     return pint.get_application_registry()
 
 
-def _from_pint(quantity: str, value: Any, molar_mass: Any) -> np.ndarray:
+def _from_pint(quantity: str, value: Any, molar_mass: Any) -> Array:
     unit = _PINT.get(quantity, "dimensionless")
     try:
         return numbers_of(quantity, value.to(unit).magnitude)
@@ -151,4 +163,4 @@ def _from_pint(quantity: str, value: Any, molar_mass: Any) -> np.ndarray:
         per_mass = numbers_of(quantity, value.to(unit.replace("mole", "kilogram", 1)).magnitude)
     except Exception as error:
         raise ValueError(f"{quantity} cannot be {value.units}: {error}") from None
-    return per_mass * molar_mass / 1000.0
+    return np.asarray(per_mass * molar_mass / 1000.0)

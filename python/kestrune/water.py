@@ -2,28 +2,41 @@
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Any, NamedTuple, Optional, Union
+from typing import TYPE_CHECKING, NamedTuple, Optional, Union
 
 import numpy as np
 
 from . import _native
-from .errors import count_failures
+from ._types import Array, Numbers, Value
+from .arguments import one_of, shape_of
+from .calls import slabs
+from .errors import answered
+from .phases import scalar
 from .units import Units, numbers_of
 
 if TYPE_CHECKING:
     from .mixture import Mixture
 
-__all__ = ["Saturation", "Water"]
+__all__ = ["Boundary", "Saturation", "Water"]
 
+WATER = "7732-18-5"  # CAS number
 _METHODS = {"eos": 1, "chart": 2}
 
 
 class Saturation(NamedTuple):
-    """A gas saturated with water: its mole fraction of water and kg of water in one normal m3 (0 C, 1 atm) of it."""
+    """A gas saturated with water: its mole fraction of water, kg of water in one normal m3 (0 C, 1 atm), and status."""
 
-    fraction: Any
-    content: Any
-    status: Any
+    fraction: Value
+    content: Value
+    status: Value
+
+
+class Boundary(NamedTuple):
+    """Where something begins to form, a water dew point or hydrate: T and P, SI K and Pa, and the status."""
+
+    T: Value
+    P: Value
+    status: Value
 
 
 class Water:
@@ -33,9 +46,8 @@ class Water:
     -----
     ``method="eos"`` is a balance of fugacities in the gas and in liquid water or ice, 150 to 640 K; ``"chart"`` a chart
     correlation with acid-gas correction (Bukacek 1955, Maddox 1974), 233.15 to 510.93 K. Whether the mixture is a gas
-    at the state is not looked at. `water` is its mole fraction in the wet gas, default that of the mixture. A single
-    state without an answer raises KestruneError; of an array it has NaN, and a `KestruneWarning` says how many there are
-    and why.
+    at the state is not looked at. A single state without an answer raises KestruneError; of many it has its status and
+    NaN.
     """
 
     __slots__ = ("_mixture",)
@@ -48,80 +60,88 @@ class Water:
 
     def content(
         self,
-        T: Any,
-        P: Any,
+        T: Numbers,
+        P: Numbers,
         *,
         method: str = "eos",
         threads: Optional[int] = None,
         units: Union[str, Units, None] = None,
     ) -> Saturation:
-        """Water of the gas at saturation at T and P (SI K, Pa), which broadcast."""
-        shown = self._units(units)
-        at_T, at_P = _together(shown.to_si("temperature", T), shown.to_si("pressure", P))
-        fraction, content = np.empty(at_T.shape), np.empty(at_T.shape)
-        status = np.empty(at_T.shape, dtype=np.int32)
-        out: list[np.ndarray] = [fraction, content, status]
-        _native.call(
-            "ka_saturation",
-            self._mixture.handle,
-            _number(method),
-            at_T.size,
-            at_T.ctypes.data,
-            at_P.ctypes.data,
-            None,
-            _native.thread_count(threads),
-            *(a.ctypes.data for a in out),
-        )
-        count_failures(status, "water content", level=3)
-        return Saturation(*(a.item() if not a.shape else a for a in out))
+        """Water of the gas at saturation.
 
-    def dew_temperature(self, P: Any, *, water: Any = None, **options: Any) -> Any:
-        """Temperature at which liquid water or ice begins to form at a pressure (SI K from Pa)."""
-        return self._dew(P, True, water, **options)
+        Parameters
+        ----------
+        T, P : float or array
+            Temperature and pressure, SI K and Pa; they broadcast.
+        method : {"eos", "chart"}
+            See the notes of the class.
+        threads, units
+            As of `Mixture.flash`.
+        """
+        shown = self._mixture.units if units is None else Units.of(units)
+        number, used = _number(method), _native.thread_count(threads)
+        at_T, at_P = shown.to_si("temperature", T), shown.to_si("pressure", P)
+        shape = shape_of(("T", "P"), (at_T, at_P), None)
+        at_T, at_P = (_native.packed(np.broadcast_to(v, shape)).reshape(-1) for v in (at_T, at_P))
+        fraction, content = np.empty(at_T.size), np.empty(at_T.size)
+        status = np.empty(at_T.size, dtype=np.int32)
+        for slab in slabs(at_T.size):
+            given = [a[slab].ctypes.data for a in (at_T, at_P)]
+            out = [fraction[slab].ctypes.data, content[slab].ctypes.data, status[slab].ctypes.data]
+            count = slab.stop - slab.start
+            _native.call("ka_saturation", self._mixture.handle, number, count, *given, None, used, *out)
+        what = f"water content of {self._mixture.title_or_names}"
+        good = answered(status.reshape(shape), what)
+        return Saturation(scalar(fraction.reshape(shape)), scalar(content.reshape(shape)), good)
 
-    def dew_pressure(self, T: Any, *, water: Any = None, **options: Any) -> Any:
-        """Pressure at which liquid water or ice begins to form at a temperature (SI Pa from K)."""
-        return self._dew(T, False, water, **options)
-
-    def _dew(
+    def dew(
         self,
-        given: Any,
-        at_pressure: bool,
-        water: Any,
         *,
+        T: Optional[Numbers] = None,
+        P: Optional[Numbers] = None,
+        water: Optional[Numbers] = None,
         method: str = "eos",
         threads: Optional[int] = None,
         units: Union[str, Units, None] = None,
-    ) -> Any:
-        shown = self._units(units)
-        quantity, wanted = ("pressure", "temperature") if at_pressure else ("temperature", "pressure")
-        amounts = self._amounts(water)
-        value, amount = _together(shown.to_si(quantity, given), amounts)
-        feed = self._feed(amount)
-        found, status = np.empty(value.shape), np.empty(value.shape, dtype=np.int32)
-        addresses = [a.ctypes.data for a in (value, feed)]
-        used = _native.thread_count(threads)
-        _native.call(
-            "ka_water_dew",
-            self._mixture.handle,
-            _number(method),
-            int(at_pressure),
-            value.size,
-            *addresses,
-            used,
-            found.ctypes.data,
-            status.ctypes.data,
-        )
-        count_failures(status, f"water dew {wanted}")
-        return shown.from_si(wanted, found)
+    ) -> Boundary:
+        """Where liquid water or ice begins to form, at a temperature or a pressure.
 
-    def _units(self, units: Union[str, Units, None]) -> Units:
-        return self._mixture.units if units is None else Units.of(units)
+        Parameters
+        ----------
+        T, P : float or array
+            One of them, SI K or Pa.
+        water : float or array, optional
+            Mole fraction of water in the wet gas, default that of the mixture; broadcasts with T or P.
+        method, threads, units
+            As of `content`.
+
+        Returns
+        -------
+        Boundary
+            T, P and status with the shape of the arguments.
+        """
+        one_of("water dew", T, P)
+        shown = self._mixture.units if units is None else Units.of(units)
+        number, used = _number(method), _native.thread_count(threads)
+        given = shown.to_si("temperature", T) if P is None else shown.to_si("pressure", P)
+        amount = self._amounts(water)
+        shape = shape_of(("T" if P is None else "P", "water"), (given, amount), None)
+        given, amount = (_native.packed(np.broadcast_to(v, shape)).reshape(-1) for v in (given, amount))
+        found, status = np.empty(given.size), np.empty(given.size, dtype=np.int32)
+        for slab in slabs(given.size):
+            feed = self._feed(amount[slab])
+            arrays = [given[slab].ctypes.data, feed.ctypes.data]
+            out = [found[slab].ctypes.data, status[slab].ctypes.data]
+            count = slab.stop - slab.start
+            _native.call("ka_water_dew", self._mixture.handle, number, int(T is None), count, *arrays, used, *out)
+        at_T, at_P = (v.reshape(shape) for v in ((found, given) if T is None else (given, found)))
+        good = answered(status.reshape(shape), f"water dew point of {self._mixture.title_or_names}")
+        return Boundary(shown.from_si("temperature", at_T), shown.from_si("pressure", at_P), good)
 
     def _index(self) -> int:
-        return [c.cas for c in self._mixture.components].index("7732-18-5")
+        return [c.cas for c in self._mixture.components].index(WATER)
 
-    def _amounts(self, water: Any) -> np.ndarray:
+    def _amounts(self, water: Optional[Numbers]) -> Array:
         own = self._mixture.z[self._index()]
         amounts = np.asarray(own) if water is None else numbers_of("water", water)
         known = amounts[~np.isnan(amounts)] if amounts.ndim else amounts
@@ -131,7 +151,7 @@ class Water:
             )
         return amounts
 
-    def _feed(self, water: np.ndarray) -> np.ndarray:
+    def _feed(self, water: Array) -> Array:
         """Feeds with so much water, the dry components in proportion."""
         index = self._index()
         dry = np.array(self._mixture.z)
@@ -147,8 +167,3 @@ def _number(method: str) -> int:
     if not isinstance(method, str) or method not in _METHODS:
         raise ValueError(f"method is 'eos' or 'chart', not {method!r}")
     return _METHODS[method]
-
-
-def _together(*values: np.ndarray) -> list[np.ndarray]:
-    shape = np.broadcast_shapes(*(np.shape(v) for v in values))
-    return [_native.packed(np.broadcast_to(v, shape)) for v in values]

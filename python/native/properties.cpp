@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "cold_flash.hpp"
 #include "equilibrium_parts.hpp"
 #include "session.hpp"
 #include "units.hpp"
@@ -29,45 +30,23 @@ bool absent(double T, double P, const double* x) {
   return std::isnan(T) || std::isnan(P) || std::isnan(x[0]);
 }
 
-double molar_mass(const host::Mixture& mixture, const std::vector<double>& x) {
-  double mass = 0.0;
-  for (std::size_t i = 0; i < x.size(); ++i) mass += x[i] * mixture.components[i].molar_mass;
-  return mass;
-}
-
-// One thread's phases. The lighter phase of a flash is a gas, but where it is packed like a liquid and the liquid root has
-// the lower free enthalpy.
+// One thread's phases.
 class OnePhase {
  public:
   OnePhase(const host::Exports& library, const host::Mixture& mixture, std::int32_t phase)
-      : library_(library), mixture_(mixture), phase_(phase) {}
+      : asker_(library, mixture), phase_(phase) {}
 
   bool is_gas(double T, double P, const double* x) {
-    x_.assign(x, x + mixture_.z.size());
-    molar_mass_ = molar_mass(mixture_, x_);
-    if (phase_ != KA_LIGHT) return phase_ == KV_PHASE_GAS;
-    host::PhaseState gas{host::PhaseKind::vapour, 1.0, 1.0, x_, molar_mass_, {}, false};
-    gas.properties = at(gas.kind, T, P, 1u << KA_VOLUME);
-    if (!host::is_packed(mixture_, gas)) return true;
-    constexpr auto G = host::Property::free_enthalpy;
-    constexpr unsigned wanted = 1u << KA_FREE_ENTHALPY;
-    return !(at(host::PhaseKind::liquid, T, P, wanted)[G] < at(gas.kind, T, P, wanted)[G]);
+    return phase_ == KA_LIGHT ? asker_.lighter_is_gas(T, P, x) : phase_ == KV_PHASE_GAS;
   }
 
   host::PropertyValues properties(double T, double P, const double* x, unsigned wanted) {
-    return at(is_gas(T, P, x) ? host::PhaseKind::vapour : host::PhaseKind::liquid, T, P, wanted);
+    return asker_.properties(is_gas(T, P, x), T, P, x, wanted);
   }
 
  private:
-  host::PropertyValues at(host::PhaseKind kind, double T, double P, unsigned wanted) const {
-    return host::phase_properties(library_, mixture_, kind, T, P, x_, molar_mass_, wanted);
-  }
-
-  const host::Exports& library_;
-  const host::Mixture& mixture_;
+  host::PhaseAsker asker_;
   std::int32_t phase_;
-  std::vector<double> x_;
-  double molar_mass_ = 0.0;
 };
 
 }  // namespace

@@ -253,15 +253,15 @@ def test_envelope_points_are_dew_and_bubble_points(gas):
 def test_water_and_hydrate(gas):
     T, P = np.array([260.0, 290.0]), 70e5
     saturation = gas.water.content(T, P)
-    assert gas.water.dew_temperature(P, water=saturation.fraction) == pytest.approx(T, abs=1e-3)
-    assert gas.water.dew_pressure(290.0, water=saturation.fraction[1]) == pytest.approx(P, rel=1e-4)
+    assert gas.water.dew(P=P, water=saturation.fraction).T == pytest.approx(T, abs=1e-3)
+    assert gas.water.dew(T=290.0, water=saturation.fraction[1]).P == pytest.approx(P, rel=1e-4)
     # mg in a normal m3 of ideal gas: 44.6 mol of it
     assert saturation.content == pytest.approx(saturation.fraction * 18.01528e-3 * 101325.0 / (R * 273.15), rel=1e-4)
     assert gas.water.content(290.0, P, method="chart").fraction == pytest.approx(saturation.fraction[1], rel=0.15)
-    bare = gas.hydrate.temperature(P)
-    assert gas.hydrate.pressure(bare) == pytest.approx(P, rel=1e-9)
+    bare = gas.hydrate(P=P).T
+    assert gas.hydrate(T=bare).P == pytest.approx(P, rel=1e-9)
     W, M, K_H = 20.0, 62.068, 1297.0  # Hammerschmidt 1934: K_H W/(M (100 - W)) kelvin
-    assert bare - gas.hydrate.temperature(P, "MEG", W) == pytest.approx(K_H * W / (M * (100.0 - W)), rel=0.06)
+    assert bare - gas.hydrate(P=P, inhibitor="MEG", percent=W).T == pytest.approx(K_H * W / (M * (100.0 - W)), rel=0.06)
 
 
 ERRORS = [
@@ -293,23 +293,28 @@ ERRORS = [
     (lambda g: kestrune.Mixture({"methane": True}), ValueError, "must be a number"),
     (lambda g: kestrune.Mixture({"methane": 1}, settings=3), TypeError, "settings are given as"),
     (lambda g: g.flash(300.0, 1e5, threads="two"), ValueError, "threads"),
-    (lambda g: g.hydrate.temperature(70e5, "MEG", "20"), TypeError, "percent is a number"),
-    (lambda g: g.water.dew_temperature([70e5, -1.0], water=6e-5), kestrune.KestruneWarning, "1 of 2 .* 9005"),
-    (lambda g: g.hydrate.pressure([280.0, 400.0]), kestrune.KestruneWarning, "1 of 2 .* 151"),
+    (lambda g: g.hydrate(P=70e5, inhibitor="MEG", percent="20"), TypeError, "percent is a number"),
+    (lambda g: g.hydrate(), ValueError, "hydrate point is given T or P"),
+    (lambda g: g.water.dew(T=280.0, P=70e5), ValueError, "dew point is given T or P"),
+    (lambda g: g.water.dew(P=-1.0, water=6e-5), kestrune.KestruneError, "9005"),
+    (lambda g: g.water.content([280.0, 290.0], [70e5] * 3), ValueError, r"T \(2,\), P \(3,\)"),
     (lambda g: g.units.symbol("length"), ValueError, "no quantity"),
     (lambda g: g.flash([300.0], 1e5).to_frame("density"), TypeError, "list of names"),
     (lambda g: g.flash(300.0, 1e5, phases=4), ValueError, "2 or 3"),
     (lambda g: g.flash(300.0, 1e5, threads=0), ValueError, "threads"),
-    (lambda g: g.flash(300.0, -1e5), kestrune.KestruneError, "pressure"),
+    (lambda g: g.flash(300.0, -1e5), kestrune.KestruneError, "at T = 300 K and P = -100000 Pa: .*pressure"),
+    (lambda g: g.flash(-300, 40, units="C,bar"), kestrune.KestruneError, "at T = -300 C and P = 40 bar"),
+    (lambda g: g.water.content(None, 70e5), TypeError, "temperature is a number .* not None"),
+    (lambda g: g.hydrate(P=70e5, inhibitor="MEG"), ValueError, "needs percent="),
     (lambda g: g.bubble(P=900e5), kestrune.KestruneError, "116"),
     (lambda g: g.properties(300.0, 1e5, "solid"), ValueError, "'gas' or 'liquid'"),
     (lambda g: g.envelope(quality=[2.0]), ValueError, "between 0 and 1"),
     (lambda g: g.envelope(first_P=60e5, highest_P=50e5), ValueError, "first_P is below"),
     (lambda g: g.envelope(lowest_T=-1.0), ValueError, "lowest_T is a temperature above zero"),
     (lambda g: g.kij([300.0, 310.0]), ValueError, "one temperature"),
-    (lambda g: g.hydrate.temperature(70e5, "ethanol", 5.0), ValueError, "no hydrate inhibitor"),
-    (lambda g: g.hydrate.pressure(400.0), kestrune.KestruneError, "151"),
-    (lambda g: g.water.dew_temperature(70e5), ValueError, "needs water in the gas"),
+    (lambda g: g.hydrate(P=70e5, inhibitor="ethanol", percent=5.0), ValueError, "no hydrate inhibitor"),
+    (lambda g: g.hydrate(T=400.0), kestrune.KestruneError, "151"),
+    (lambda g: g.water.dew(P=70e5), ValueError, "needs water in the gas"),
 ]
 
 
@@ -332,6 +337,13 @@ def test_states_without_an_answer_are_nan(gas):
     for found in (gas.flash(masked, 1e5), gas.flash(300.0, 1e5, z=feeds), gas.flash(beta=[0.5, -0.3], P=20e5)):
         assert list(found.ok) == [True, False] and np.isnan(found.vapour.density[1])
     assert list(gas.properties(300.0, [1e5, -1.0]).property_status("density")) == [0, 9005]
+    for found, status in (
+        (gas.water.content([280.0, 700.0, np.nan], 70e5)[::2], [0, 151, 9004]),
+        (gas.water.dew(P=[70e5, -1.0], water=6e-5)[::2], [0, 9005]),
+        (gas.hydrate(T=[280.0, 400.0, -1.0])[1:], [0, 151, 9004]),
+        (gas.hydrate(P=[70e5, 2000e5, np.nan], units="C,bar")[::2], [151, 151, 9005]),
+    ):
+        assert list(found[1]) == status and list(np.isnan(found[0])) == [s != 0 for s in status]
 
 
 def test_tables_and_pictures(gas, grid):

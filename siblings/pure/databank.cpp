@@ -1,3 +1,5 @@
+// Look-up by bisection over sorted CAS numbers, choice of the row, and the status that goes with it.
+
 #include "pure/databank.hpp"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Values and logarithmic slopes of the equations, by number.
+
 #include "pure/equations.hpp"
 
 #include <algorithm>

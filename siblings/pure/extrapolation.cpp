@@ -1,3 +1,5 @@
+// The rule of each property outside the range of its correlation.
+
 #include "pure/extrapolation.hpp"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Equation 294 and its slope.
+
 #include "pure/henry.hpp"
 
 #include <cmath>

@@ -1,3 +1,5 @@
+// Integrals in closed form where there is one, by quadrature where there is none.
+
 #include "pure/integrals.hpp"
 
 #include <algorithm>

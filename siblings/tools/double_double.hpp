@@ -6,7 +6,7 @@
 
 namespace kestrune::tools {
 
-/// hi + lo with |lo| at most half a unit in the last place of hi.
+// hi + lo with |lo| at most half a unit in the last place of hi.
 struct DoubleDouble {
   double hi = 0.0, lo = 0.0;
 };

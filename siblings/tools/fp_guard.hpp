@@ -10,8 +10,8 @@
 
 namespace kestrune::tools {
 
-/// Holds the host's control words for the life of one call. The sticky flags of the x87 unit are cleared on
-/// return, since a flag raised here must not trap in a host that has exceptions unmasked.
+// Holds the host's control words for the life of one call. The sticky flags of the x87 unit are cleared on
+// return, since a flag raised here must not trap in a host that has exceptions unmasked.
 class FpGuard {
  public:
   FpGuard() noexcept {

@@ -1,3 +1,5 @@
+// Kay's sums, the Watson factor, boiling points of fractions.
+
 #include "petroleum.hpp"
 
 #include <cmath>

@@ -1,3 +1,5 @@
+// A straight line by least squares, with sums in twice the precision.
+
 #include "regression.hpp"
 
 #include <algorithm>

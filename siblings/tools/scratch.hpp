@@ -7,8 +7,8 @@
 
 namespace kestrune::tools {
 
-/// Uninitialised storage of count values: local up to N of them, else from the heap.
-/// data() is null when the heap has no room; nothing is thrown.
+// Uninitialised storage of count values: local up to N of them, else from the heap.
+// data() is null when the heap has no room; nothing is thrown.
 template <class T, std::size_t N>
 class Scratch {
  public:

@@ -1,3 +1,5 @@
+// The table of open trace files behind its lock.
+
 #include "trace_files.hpp"
 
 #include <cstdarg>

@@ -1,5 +1,8 @@
 // Where the feed loses its stability along a line: another phase begins to form there, and from there on the
-// boundary of the one-phase region is the line of that phase.
+// boundary of the one-phase region is the line of that phase. "The branch" is that line, "the corner" where
+// both have T and P in common. change_over tries three ways to it: halving towards it (close_in), by the ln K
+// of a branch that is all but critical (close_in_by_K), and on the steps before (look_back). Section 10 of
+// docs/method.md.
 
 #include <algorithm>
 #include <cmath>
@@ -66,10 +69,10 @@ double direction_of_branch(const Tracer& t) {
 }
 
 /*
- * The corner between the stable node a and the node b that is not: where the old line (t.corner) and the branch
- * (t.branch) have T and P in common. Newton's method on the gap in the unknown other than the common one, from
- * b backwards, for the branch need not reach as far as a. at: where it is; direction: of the
- * branch from there on.
+ * The corner between the stable node a and the node b that is not: where the old line (t.corner) and the
+ * branch (t.branch) have T and P in common. Newton's method on the gap in the unknown other than the common
+ * one, (33) of docs/method.md, from b backwards, for the branch need not reach as far as a. at: where it is;
+ * direction: of the branch from there on.
  */
 bool find_corner(Tracer& t, const LinePoint& a, const LinePoint& b, int held, double from, int common,
                  double& at, double& direction) {

@@ -1,3 +1,6 @@
+// Critical points: the spinodal is followed by packing, and where the form of (35) changes its sign both
+// conditions are solved. Section 10 of docs/method.md.
+
 #include "envelope/critical.hpp"
 
 #include <algorithm>

@@ -13,16 +13,19 @@ struct Critical {
 };
 
 /*
- * Newton's method on both conditions of [Hei80] from T and eta, the packing b/V. Bounds the changes of one
- * step. False: it does not come to a critical state, or one at which another direction is unstable already. On
- * true both conditions hold to 1e-9 with a vector of unit length.
+ * Newton's method on both conditions of [Hei80], (34) and (35) of docs/method.md, from T and eta, the packing
+ * b/V. Bounds the changes of one step. False: it does not come to a critical state, or one at which another
+ * direction is unstable already. On true the last step was below 1e-6 in ln T and eta, and has left its
+ * square.
  */
 bool solve_critical(Spinodal& sp, double& T, double& eta, StatusCode& status);
 
 /*
- * Every critical point of positive pressure on the spinodal between packings of 0.06 and 0.72 (V/b 16 to 1.4),
- * highest temperature first, stable or not; at most capacity of them. Follows the spinodal from the thin end,
- * looking for changes of sign of the form. count receives their number. Status: of the model.
+ * Every critical point of positive pressure on the spinodal between packings of 0.16 and 0.76 (V/b 6.3 to
+ * 1.3), highest temperature first, stable or not; at most capacity of them. Follows the spinodal from the
+ * thin end in steps of 0.1, looking for changes of sign of the form, and ends early inside a liquid: far
+ * below zero pressure, or at 0.4 of its highest temperature. count receives their number. Status: of the
+ * model.
  */
 StatusCode critical_points(Spinodal& sp, int capacity, Critical* found, int& count);
 

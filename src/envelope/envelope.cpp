@@ -1,3 +1,6 @@
+// The envelope as a whole: defaults, the lines it is made of, the gate, and what is written out. The lines
+// themselves are traced in walk.cpp.
+
 #include "envelope/envelope.hpp"
 
 #include <algorithm>

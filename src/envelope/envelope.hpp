@@ -14,8 +14,8 @@ struct EnvelopeCall {
   int points = 0;                                         // wanted; 0: as traced
   int capacity = 0;                                       // of the three arrays
   double fraction = 1.0;                                  // 1: bubble and dew; between 0 and 1: that line
-  double accuracy = 0.0;                                  // relative, of a point; 0: 1e-8
-  double *T = nullptr, *P = nullptr, *kind = nullptr;     // [capacity]
+  double accuracy = 0.0;  // checked only, 0 or from 1e-10: every point is converged to 1e-10 in ln fugacities
+  double *T = nullptr, *P = nullptr, *kind = nullptr;  // [capacity]
   int *number = nullptr, *criticals = nullptr;
   double *therm_T = nullptr, *therm_P = nullptr, *bar_T = nullptr, *bar_P = nullptr;
 };

@@ -218,7 +218,6 @@ StatusCode curvature(Spinodal& sp, double T, double eta, Curvature& out) {
   const int n = sp.n, size = n + 1;
   const StatusCode status = prepare_at(sp, T);
   if (status != KV_OK) return status;
-  ++sp.evaluations;
   double a_t;
   const double a = mix_feed(sp, a_t);
   const Volume c = volume_terms(T, sp.b, eta);

@@ -1,10 +1,11 @@
 // Local stability of one phase against changes of composition and density at constant volume: the matrix
 // B_ij = sqrt(z_i z_j) d ln f_i/d n_j at constant T and V, and the cubic form along its vector of zero
-// curvature. A spinodal state has a singular B; a critical state has a cubic form of zero as well.
+// curvature: (34) and (35) of docs/method.md. A spinodal state has a singular B; a critical state has a cubic
+// form of zero as well.
 //
 // [Hei80] R. A. Heidemann, A. M. Khalil, AIChE J. 26 (1980) 769-779: the two conditions, volume as a variable.
-// [Mic82] M. L. Michelsen, Fluid Phase Equilib. 9 (1982) 21-40: the scaled matrix and the form along its
-// vector. [Mic84] M. L. Michelsen, Fluid Phase Equilib. 16 (1984) 57-76: derivatives along one direction.
+// [Mic84] M. L. Michelsen, Fluid Phase Equilib. 16 (1984) 57-76: the scaled matrix, derivatives along one
+// direction.
 #ifndef KESTRUNE_ENVELOPE_SPINODAL_HPP
 #define KESTRUNE_ENVELOPE_SPINODAL_HPP
 
@@ -31,9 +32,8 @@ struct Spinodal {
   double *v, *y;                              // [n + 1] vector with g, adjoint
   double *move, *a_move, *a_move_t, *move_y;  // [ld]
   double* kept;                               // [ld] a border put aside by its user
-  double* matrix;                             // [(n + 1)^2]
+  double* matrix;                             // [(n + 1) padded(n + 1)]
   int* pivot;                                 // [n + 1]
-  int evaluations = 0;
 };
 
 // Values at one T and packing eta = b/V. The derivatives are those of g and of the form along v.
@@ -46,8 +46,8 @@ struct Curvature {
 void open_spinodal(support::Arena& arena, const MixtureRecord& mixture, const double* z, Spinodal& sp);
 
 /*
- * Evaluates at T (K) and eta (0 .. 1) and makes v, scaled to length one, the next border. derivatives: also
- * those of the form. Status of the model; KV_NOT_FINITE when the bordered matrix is singular.
+ * Evaluates at T (K) and eta (0 .. 1) and makes v, scaled to length one, the next border. Status of the
+ * model; KV_NOT_FINITE when the bordered matrix is singular.
  */
 StatusCode curvature(Spinodal& sp, double T, double eta, Curvature& c);
 

@@ -12,7 +12,7 @@ namespace {
 using flash::LinePoint;
 using flash::Solved;
 
-// Nodes from test to test; beside a critical point, with all ln K below the second number, tests cost ten times
+// Nodes from test to test; beside a critical point, with all ln K below kBesideCritical, tests cost ten times
 // as much.
 constexpr int kTestEvery = 1, kTestEveryCritical = 5;
 constexpr double kBesideCritical = 1.0;

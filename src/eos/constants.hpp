@@ -1,4 +1,5 @@
-// Constants of the equation of state, in K, atm, cm3/mol. They are part of the model: not to be "improved".
+// Constants of the equation of state, in K, atm, cm3/mol: (2) of docs/method.md with R and the Omegas as the
+// model has them. They are part of the model: not to be "improved".
 #ifndef KESTRUNE_EOS_CONSTANTS_HPP
 #define KESTRUNE_EOS_CONSTANTS_HPP
 
@@ -11,7 +12,8 @@ inline constexpr double kCalPerCm3Atm = 0.0242173124;    // cm3 atm -> cal, 1.98
 inline constexpr double kReferenceTemperature = 298.15;  // K, of the group interactions
 inline constexpr double kAtmPerMPa = 1000000.0 / 101325.0;
 
-// The Peng-Robinson pair of the generalised cubic, and what follows from it: V^2 + u b V + w b^2.
+// The Peng-Robinson pair of the generalised cubic, and what follows from it: V^2 + u b V + w b^2 in (1) of
+// docs/method.md.
 inline constexpr double kU = 2.0;
 inline constexpr double kW = -1.0;
 inline constexpr double kS = 2.8284271247461903;  // sqrt(u^2 - 4 w)

@@ -22,7 +22,8 @@ void root_derivatives(const Temperature& t, double P, const Root& r, bool with_T
   }
 }
 
-// Residual enthalpy and entropy. The logarithm of [2Z + (u - s)B]/[2Z + (u + s)B] is -s phi.
+// Residual enthalpy and entropy, (11) of docs/method.md. The logarithm of [2Z + (u - s)B]/[2Z + (u + s)B] is
+// -s phi.
 void enthalpy_entropy(const Temperature& t, const Root& r, PhaseValues& out) {
   out.H_res = (-(out.a - t.T * out.da_dT) / out.b * r.phi + kR * t.T * r.z_minus_1) * kCalPerCm3Atm;
   out.S_res = (out.da_dT / out.b * r.phi + kR * r.log_z_minus_B) * kCalPerCm3Atm;

@@ -52,7 +52,7 @@ struct PhaseValues {
   double S_res = 0.0;   // cal/(mol K)
   double Cp_res = 0.0;  // cal/(mol K), d H_res/dT at constant P
   double Cv_res = 0.0;  // cal/(mol K), d U_res/dT at constant v
-  double a = 0.0, b = 0.0, da_dT = 0.0, A = 0.0, B = 0.0, d2a_dT2 = 0.0;  // the mixture record
+  double a = 0.0, b = 0.0, da_dT = 0.0, A = 0.0, B = 0.0, d2a_dT2 = 0.0;  // of the mixture
 };
 
 /*

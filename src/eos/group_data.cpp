@@ -1,3 +1,5 @@
+// Group data of a host: units, symmetry, and group fractions of the components.
+
 #include "eos/group_data.hpp"
 
 #include <algorithm>

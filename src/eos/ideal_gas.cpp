@@ -1,3 +1,6 @@
+// Ideal-gas properties of the components, by the pure-component library or by the columns of the table, and
+// their sums.
+
 #include "eos/ideal_gas.hpp"
 
 #include <algorithm>
@@ -22,8 +25,8 @@ double heat_capacity_at(const OwnHeatCapacity& own, double T) {
   return c[0] + T * (c[1] + T * (c[2] + T * (c[3] + T * c[4])));
 }
 
-// Antiderivatives of the heat capacity over T and over ln T: their differences are the integrals. Beyond the range it
-// keeps its value at the end.
+// Antiderivatives of the heat capacity over T and over ln T: their differences are the integrals. Beyond the
+// range it keeps its value at the end.
 double enthalpy_to(const OwnHeatCapacity& own, double T) {
   const double* c = own.cp;
   const double t = std::clamp(T, own.Tmin, own.Tmax);

@@ -17,7 +17,7 @@ struct Mixture {
 };
 
 /*
- * The root in reduced form. eta = b/v is the packing; with q = a/(b R T)
+ * The root in reduced form, (6) of docs/method.md. eta = b/v is the packing; with q = a/(b R T)
  *   Z - 1 = eta/(1 - eta) - q psi,   psi = eta/(1 + u eta + w eta^2)
  *   phi   = ln[(1 + delta1 eta)/(1 + delta2 eta)]/(delta1 - delta2)
  * Z - 1 from this form keeps its digits in a dilute gas, where the root itself has lost them.
@@ -29,7 +29,6 @@ struct Root {
   double phi = 0.0;
   double psi = 0.0;
   double log_z_minus_B = 0.0;
-  int status = 0;  // of BRACUB
 };
 
 /* Mixture parameters of x[n] (padded to ld with zeros); fills s[ld]. */
@@ -49,8 +48,9 @@ inline constexpr double kColdRoot[8] = {};
 inline constexpr double kWarmRoot[8] = {0.0, 1.0};
 
 /*
- * Z of the phase (KV_PHASE_GAS, KV_PHASE_LIQUID) through BRACUB; Z holds a start when warm is set. Returns its
- * status; when a coefficient is not finite the solver is not called and KV_NOT_FINITE is returned.
+ * Z of the phase (KV_PHASE_GAS, KV_PHASE_LIQUID), a root of (7) of docs/method.md, through BRACUB; Z holds a
+ * start when warm is set. Returns its status; when a coefficient is not finite the solver is not called and
+ * KV_NOT_FINITE is returned.
  */
 int solve_root(frame::tools::KvBracub bracub, double A, double B, int phase, bool warm, double& Z) noexcept;
 
@@ -69,14 +69,15 @@ inline bool may_have_three_roots(double A, double B) noexcept {
 /* Fills the reduced form from Z and the mixture. */
 void reduce(const Temperature& t, const Mixture& m, double P, double Z, Root& r) noexcept;
 
-/* Residual Gibbs energy over RT: sum of x_i ln phi_i. */
+/* Residual Gibbs energy over RT: sum of x_i ln phi_i, (9) of docs/method.md. */
 inline double residual_gibbs(const Mixture& m, const Root& r) noexcept {
   return r.z_minus_1 - r.log_z_minus_B - m.q * r.phi;
 }
 
 /*
- * Whether a phase of covolume b whose root is Z has another one, and how much higher its Gibbs energy over RT is.
- * From the root alone, without the sums over the components: exact but for rounding, in Z and in the energies.
+ * Whether a phase of covolume b whose root is Z has another one, and how much higher its Gibbs energy over RT
+ * is. From the root alone, without the sums over the components: exact but for rounding, in Z and in the
+ * energies.
  */
 bool has_other_root(const Temperature& t, double b, double P, double Z, double& higher) noexcept;
 inline constexpr double kOtherRootMargin = 1e-6;  // more than that rounding
@@ -89,10 +90,11 @@ inline constexpr double kOtherRootMargin = 1e-6;  // more than that rounding
 int stable_root(const Temperature& t, frame::tools::KvBracub bracub, const Mixture& m, double P, double start,
                 Root& r) noexcept;
 
-/* ln phi_i = (b_i/b)(Z - 1 + q phi) - ln(Z - B) - 2 s_i phi/(b R T), out[ld]. */
+/* ln phi_i = (b_i/b)(Z - 1 + q phi) - ln(Z - B) - 2 s_i phi/(b R T), (8) of docs/method.md, out[ld]. */
 void ln_phi(const Temperature& t, const Mixture& m, const Root& r, const double* s, double* out) noexcept;
 
-/* Mechanical terms that the derivatives share: 1 + h_i = (V/RT) dP/dn_i, 1 + k = -(V^2/RT) dP/dV. */
+/* Mechanical terms that the derivatives share: 1 + h_i = (V/RT) dP/dn_i, 1 + k = -(V^2/RT) dP/dV, see (10) of
+ * docs/method.md. */
 struct Mechanics {
   double h_0, h_b, h_s;  // h_i = h_0 + h_b b_i + h_s s_i
   double one_plus_k;
@@ -109,9 +111,9 @@ double dln_phi_dT(const Temperature& t, const Mixture& m, const Root& r, const M
                   const double* s, double* s_t, double* out) noexcept;
 
 /*
- * d ln phi_i/d n_j at constant T, P for one mole in total, symmetric, column j at j * ld_out; only the first
- * rows elements of each column are written (n, or ld when ld_out allows the padding). lower: only the lower
- * triangle is wanted; what stands above it is left alone.
+ * d ln phi_i/d n_j at constant T, P for one mole in total, (10) of docs/method.md, symmetric, column j at j *
+ * ld_out; only the first rows elements of each column are written (n, or ld when ld_out allows the padding).
+ * lower: only the lower triangle is wanted; up to three elements above the diagonal are written then.
  */
 void dln_phi_dn(const Temperature& t, const Mixture& m, const Root& r, const Mechanics& k, const double* s,
                 double* out, int ld_out, int rows, bool lower) noexcept;

@@ -1,4 +1,4 @@
-// Pure-component and pair parameters of PPR78 at a temperature.
+// Pure-component and pair parameters of PPR78 at a temperature: (2) to (5) of docs/method.md.
 //
 // With delta_i = sqrt(a_i)/b_i the mixing rule a_ij = sqrt(a_i a_j)(1 - k_ij) and
 // k_ij = (E_ij - (delta_i - delta_j)^2)/(2 delta_i delta_j)                                          [Jau04]
@@ -21,7 +21,7 @@
 namespace kestrune::eos {
 namespace {
 
-// m(omega): one fit up to 0.491, that value included, another above.
+// m(omega) of (2): one fit up to 0.491, that value included, another above.                            [Rob78]
 inline double slope_of_alpha(double w) {
   const double low = 0.37464 + w * (1.54226 - w * 0.26992);
   const double high = 0.379642 + w * (1.48503 + w * (-0.164423 + w * 0.016666));
@@ -91,7 +91,7 @@ void find_groups(const frame::GroupData& data, int n, int ld, support::Arena& ar
   for (int i = 0; i < n; ++i) g.unassigned |= total[i] == 0.0;
 }
 
-// A_kl(T) = A'_kl (298.15/T)^(ratio - 1), one exponential for each pair of groups.
+// A_kl(T) = A'_kl (298.15/T)^(ratio - 1) of (4), one exponential for each pair of groups.
 void group_interactions(double T, const frame::GroupData& data, const int* index, int order,
                         support::Arena& arena, Groups& g) {
   const int m = g.count;

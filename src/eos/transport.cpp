@@ -1,3 +1,6 @@
+// Viscosity and conductivity of a gas: constants of the components, their dilute values, mixing, and the
+// dense part.
+
 #include "eos/transport.hpp"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Correlations of water for the option of free water.
+
 #include "eos/water.hpp"
 
 #include <cmath>

@@ -1,3 +1,5 @@
+// The two checks that all gates share.
+
 #include "flash/accept.hpp"
 
 #include <algorithm>

@@ -6,8 +6,8 @@
 
 namespace kestrune::flash {
 
-// Owed: balance of every component and sums of amounts and of compositions; equal ln fugacities; a specified
-// enthalpy or entropy, relative to its scale.
+// Owed, (22) of docs/method.md: balance of every component and sums of amounts and of compositions; equal ln
+// fugacities; a specified enthalpy or entropy, relative to its scale.
 inline constexpr double kOwedBalance = 1e-12;
 inline constexpr double kOwedFugacity = 1e-8;
 inline constexpr double kOwedValue = 1e-9;

@@ -1,3 +1,6 @@
+// Values and slopes of one phase at a prepared temperature, (11) of docs/method.md and the ideal gas; or by a
+// host's routine and the rules of free water.
+
 #include "flash/caloric.hpp"
 
 #include <algorithm>
@@ -125,7 +128,7 @@ bool phase_caloric(CaloricModel& c, const double* x, Kind kind, PhaseCaloric& ou
     out.value = eos::ideal_entropy(t.n, x, c.P, c.ideal) + S_res;
     out.slope = out.Cp / T;
   }
-  return std::fabs(out.value) <= DBL_MAX && out.slope > 0.0 && out.slope <= DBL_MAX;
+  return std::fabs(out.value) <= DBL_MAX && std::fabs(out.slope) <= DBL_MAX;
 }
 
 StatusCode phase_value(const CaloricModel& c, double T, const double* x, int phase, double& value) {

@@ -46,7 +46,8 @@ StatusCode prepare_caloric(CaloricModel& c, double T);
 
 /*
  * Value and slopes of a phase of composition x[ld] at the prepared temperature. A gas or liquid takes the root
- * of its name unless the other one has a clearly lower Gibbs energy. False: no usable root.
+ * of its name unless the other one has a clearly lower Gibbs energy. The slope is not positive where the model's heat
+ * capacity is not. False: no usable root.
  */
 bool phase_caloric(CaloricModel& c, const double* x, Kind kind, PhaseCaloric& out);
 

@@ -22,11 +22,14 @@ constexpr double kBeside[] = {0.0, 0.07, -0.07, 0.19, -0.19, 0.31, -0.31, 0.43, 
 constexpr double kFurther[] = {1e-11, 1e-9, 1e-7, 1e-5, 1e-3};                           // of T
 constexpr int kStepsOut = 12;
 constexpr double kNewtonEvery = 1e-2;  // shrinking of the bracket between two attempts
-// A jump: relative width of a bracket that is narrow enough to tell, and how far off the values at its ends are, of
-// the scale of the value.
-constexpr double kNarrow = 1e-9, kOff = 1e-6;
+// A jump: relative width of a bracket that is narrow enough to tell. The values at its ends are far off (kFarOff).
+constexpr double kNarrow = 1e-9;
 constexpr double kAsideOfCrossing = 4.0;  // of the square of the relative width: how uncertain a crossing is
 constexpr double kMostAside = 0.25;       // of the bracket
+// The place itself: steps towards it, and how well it is known then; how far beside it the flashes are, closer together
+// than a jump may be; how often it is looked for, since other pairs may be found there.
+constexpr int kCrossingSteps = 8, kCrossings = 3;
+constexpr double kCrossed = 1e-12, kBesideCrossing = 4e-10;
 
 // A flash inside the bracket at T, or beside it where there is no answer. True: e.state.
 bool look_inside(Energy& e, double T) {
@@ -157,11 +160,10 @@ bool other_pair(const Energy& e, const EnergyState& a, const EnergyState& b) {
 }
 
 /*
- * Where the Gibbs energies of the ends of the bracket are the same, by their slopes in 1/T: there one pair of
- * phases gives way to the other. False: not between them.
+ * Where the Gibbs energies of two pairs of phases, as a rule those of the ends of the bracket, are the same by their
+ * slopes in 1/T: there one gives way to the other. False: not within the bracket.
  */
-bool crossing(const Energy& e, double& T) {
-  const EnergyState &a = e.low, &b = e.high;
+bool crossing(const Energy& e, const EnergyState& a, const EnergyState& b, double& T) {
   const double slope_a = -a.T * a.T * a.gibbs_slope, slope_b = -b.T * b.T * b.gibbs_slope;
   const double up = (a.gibbs - b.gibbs + slope_b * (1.0 / b.T - 1.0 / a.T)) / (slope_b - slope_a);
   T = 1.0 / (1.0 / a.T + up);
@@ -172,8 +174,8 @@ bool crossing(const Energy& e, double& T) {
 bool is_jump(const Energy& e) {
   const EnergyBracket& b = e.bracket;
   double T = 0.0;
-  return b.high - b.low <= kNarrow * b.high && std::min(-b.f_low, b.f_high) > kOff * e.value_scale(b.high) &&
-         other_pair(e, e.low, e.high) && (!e.model.analytic() || crossing(e, T));
+  return b.high - b.low <= kNarrow * b.high && std::min(-b.f_low, b.f_high) > kFarOff * e.value_scale(b.high) &&
+         other_pair(e, e.low, e.high) && (!e.model.analytic() || crossing(e, e.low, e.high, T));
 }
 
 /*
@@ -183,7 +185,7 @@ bool is_jump(const Energy& e) {
 bool beside_crossing(const Energy& e, double aside, double& T, bool& low) {
   const EnergyBracket& b = e.bracket;
   double there = 0.0;
-  if (!e.model.analytic() || !other_pair(e, e.low, e.high) || !crossing(e, there)) return false;
+  if (!e.model.analytic() || !other_pair(e, e.low, e.high) || !crossing(e, e.low, e.high, there)) return false;
   const double down = there - b.low, up = b.high - there;
   low = down > up;
   const double most = kMostAside * (b.high - b.low);
@@ -191,6 +193,31 @@ bool beside_crossing(const Energy& e, double aside, double& T, bool& low) {
       std::min(std::max(aside * (down * down + up * up) / there, kSameTemperature * there), most);
   T = there + (low ? -off : off);
   return b.inside(T);
+}
+
+/*
+ * The same place to the last digits: each pair is followed there by itself. What flashes see on both sides of it goes
+ * into the bracket. True: one of them has the value.
+ */
+bool look_beside_crossing(Energy& e) {
+  EnergyState &a = e.spare, &b = e.other;
+  copy_state(e, e.low, a);
+  copy_state(e, e.high, b);
+  double T = 0.0, before = 0.0;
+  int steps = 0;
+  do {
+    before = T;
+    if (++steps > kCrossingSteps || !crossing(e, a, b, T)) return false;
+    a.T = b.T = T;
+    if (!equalise(e, a) || !evaluate_state(e, a) || !equalise(e, b) || !evaluate_state(e, b)) return false;
+  } while (std::fabs(T - before) > kCrossed * T);
+  for (const double side : {1.0 - kBesideCrossing, 1.0 + kBesideCrossing}) {
+    if (!e.bracket.inside(side * T)) continue;
+    if (!equilibrium_at(e, side * T, false, e.state)) return false;
+    add_to_bracket(e);
+    if (has_value(e, e.state) && accept(e, e.state, Found::flash)) return true;
+  }
+  return false;
 }
 
 // Newton's method from a pair of phases inside that is neither of those of the ends.
@@ -204,11 +231,17 @@ bool solve_inside(Energy& e) {
 // Until an answer is found or no width is left. False: the latter, a jump or e.status.
 bool narrow(Energy& e) {
   const EnergyBracket& b = e.bracket;
+  int crossings = 0;
   double last_attempt = b.high - b.low, before = 2.0 * last_attempt, aside = kAsideOfCrossing;
   for (int pass = 0;; ++pass) {
     const double width = b.high - b.low;
     e.jump = is_jump(e);
     if (e.jump || width <= kNoWidth * b.high || e.flashes > kMostToClose) return false;
+    if (crossings < kCrossings && pairs_cross(e)) {
+      ++crossings;
+      if (look_beside_crossing(e)) return true;
+      if (b.high - b.low < width) continue;
+    }
     if (width <= kNewtonEvery * last_attempt) {
       last_attempt = width;
       if (e.model.analytic() && solve_between(e)) return true;
@@ -240,6 +273,11 @@ void add_to_bracket(Energy& e) {
   e.bracket.add(T, f);
   if (f < 0.0 && T == e.bracket.low) copy_state(e, e.state, e.low);
   if (f > 0.0 && T == e.bracket.high) copy_state(e, e.state, e.high);
+}
+
+bool pairs_cross(const Energy& e) {
+  double T = 0.0;
+  return e.model.analytic() && other_pair(e, e.low, e.high) && crossing(e, e.low, e.high, T);
 }
 
 StatusCode close_bracket(Energy& e) {

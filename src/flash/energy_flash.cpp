@@ -1,7 +1,8 @@
-// The main solver. An isothermal flash says which phases there are at a temperature; Newton's method at these
-// phases says where the value would be reached; and the stability test says whether they are still the right
-// ones there. Every isothermal flash closes the bracket around the temperature, since the value rises with it.
-// Where that does not end soon the bracket is closed to its end, see energy_close.cpp.
+// The main solver, section 7 of docs/method.md. An isothermal flash says which phases there are at a
+// temperature; Newton's method at these phases says where the value would be reached; and the stability test
+// says whether they are still the right ones there. Every isothermal flash closes the bracket around the
+// temperature, since the value rises with it. Where that does not end soon the bracket is closed to its end,
+// see energy_close.cpp.
 
 #include "flash/energy_flash.hpp"
 
@@ -63,7 +64,7 @@ double next_temperature(const Energy& e, const EnergyState& s) {
  */
 bool solve_as_one_phase(Energy& e) {
   EnergyState& s = e.spare;
-  if (solve_one_phase(e, s) != Local::converged || !e.bracket.inside(s.T)) return false;
+  if (solve_one_phase(e, s) != Local::converged || !e.worth_a_look(s.T)) return false;
   if (!equilibrium_at(e, s.T, false, s)) return false;
   copy_state(e, s, e.state);
   return !s.two_phases() && accept(e, e.state, Found::flash);
@@ -80,6 +81,7 @@ bool solve_locally(Energy& e) {
     if (e.status != KV_OK) return false;
     if (local == Local::unstable) {
       (e.f(e.state) < 0.0 ? e.turned_low : e.turned_high) = true;
+      if (!e.worth_a_look(s.T)) return false;
       // Something splits off: what the flash says there. Of a state with three phases it may be the same two.
       if (!equilibrium_at(e, s.T, false, e.other)) return false;
       copy_state(e, e.other, e.state);
@@ -131,6 +133,8 @@ bool below_coldest(Energy& e) {
   for (double T = kColdest; T < e.state.T && !model_refuses(e); T *= 2.0) {
     if (!equilibrium_at(e, T, false, e.other)) continue;
     if (e.f(e.other) < 0.0) return false;
+    // Where the model lets the value of a phase fall with T, the coldest state is not the lowest.
+    if (!e.other.rising) continue;
     copy_state(e, e.other, e.state);
     return true;
   }
@@ -150,7 +154,7 @@ StatusCode iterate(Energy& e) {
     trace_energy_pass(e.trace, e.call, e.state.T, e.state.beta, e.state.liquid, e.state.vapour);
     add_to_bracket(e);
     if (has_value(e, e.state) && accept(e, e.state, Found::flash)) return KV_OK;
-    if (e.bracket.closed() && (e.flashes >= kCloseFrom || (e.turned_low && e.turned_high)))
+    if (e.bracket.closed() && (e.flashes >= kCloseFrom || (e.turned_low && e.turned_high) || pairs_cross(e)))
       return close_bracket(e);
     const int before = e.flashes;
     if (solve_locally(e)) return KV_OK;
@@ -343,6 +347,7 @@ bool evaluate_state(Energy& e, EnergyState& s) {
     if (vapour && !phase_caloric(e.model, y, two ? Kind::gas : Kind::stable, e.b)) e.status = KV_NOT_FINITE;
     s.liquid = liquid ? e.a.value : 0.0;
     s.vapour = vapour ? e.b.value : 0.0;
+    s.rising = !(liquid && e.a.slope <= 0.0) && !(vapour && e.b.slope <= 0.0);
     if (liquid != vapour) s.slope = liquid ? e.a.slope : e.b.slope;
     s.gibbs = s.gibbs_slope = 0.0;
     if (liquid) add_gibbs(e, 1.0 - s.beta, x, e.a, s);
@@ -353,12 +358,12 @@ bool evaluate_state(Energy& e, EnergyState& s) {
 }
 
 bool equilibrium_at(Energy& e, double T, bool warm, EnergyState& s) {
+  ++e.flashes;
   s.T = T;
   IsothermalCall c = isothermal_call(e, s);
   c.start = warm ? Start::warm : Start::cold;
   c.index = warm ? 0 : 1;
   c.trace = &e.trace;
-  ++e.flashes;
   s.status = isothermal_flash(c);
   if (s.status == KV_SINGLE_PHASE) s.status = KV_OK;
   e.status = s.status;

@@ -1,8 +1,9 @@
 // Newton steps on the temperature, and on the amounts of two phases beside it, at a value of enthalpy or
-// entropy. With g = ln f(vapour) - ln f(liquid), w = dg/dT and J = dg/dv, equal fugacities need J dv + w dT =
-// -g, and the value changes by C dT - h dv, where h, liquid less vapour, is R T^2 w (of the entropy R (T w +
-// g)). The temperature is eliminated, not the amounts: J + w h/C is positive definite also where the vapour
-// fraction grows at one temperature and J is singular, as for single components and azeotropes. [Mic99]
+// entropy, (26) and (27) of docs/method.md. With g = ln f(vapour) - ln f(liquid), w = dg/dT and J = dg/dv,
+// equal fugacities need J dv + w dT = -g, and the value changes by C dT - h dv, where h, liquid less vapour,
+// is R T^2 w (of the entropy R (T w + g)). The temperature is eliminated, not the amounts: J + w h/C is
+// positive definite also where the vapour fraction grows at one temperature and J is singular, as for single
+// components and azeotropes. [Mic99]
 //
 // [Mic99] M. L. Michelsen, Fluid Phase Equilib. 158-160 (1999) 617-626: state-function based flashes.
 
@@ -121,7 +122,7 @@ Local solve_one_phase(Energy& e, EnergyState& s) {
     e.status = prepare_caloric(e.model, T);
     if (e.status != KV_OK) return Local::failed;
     e.b.Z = 0.0;
-    if (!phase_caloric(e.model, e.z, Kind::stable, e.b)) return Local::failed;
+    if (!phase_caloric(e.model, e.z, Kind::stable, e.b) || !(e.b.slope > 0.0)) return Local::failed;
     const double f = e.b.value - e.call.wanted;
     seen.add(T, f);
     // The change of the slope since the last step makes the step one of third order.
@@ -155,6 +156,29 @@ Local solve_one_phase(Energy& e, EnergyState& s) {
   return Local::failed;
 }
 
+bool equalise(Energy& e, EnergyState& s) {
+  e.a.dn = e.a_dn;
+  e.b.dn = e.b_dn;
+  amounts(e, s);
+  e.a.Z = e.b.Z = 0.0;
+  e.status = prepare_caloric(e.model, s.T);
+  for (int k = 0; k < kMostSteps && e.status == KV_OK; ++k) {
+    if (!phase_caloric(e.model, s.x, Kind::liquid, e.a) || !phase_caloric(e.model, s.y, Kind::gas, e.b))
+      return false;
+    differences(e, s, e.g, e.w);
+    if (!factor(e, s, e.w, 0.0)) return false;
+    double* const dv = e.jg;
+    for (int i = 0; i < e.ld; ++i) dv[i] = -e.g[i];
+    solve(e, s, dv);
+    double change = 0.0;
+    for (int i = 0; i < e.n; ++i)
+      if (e.scale[i] > 0.0) change = std::max(change, std::fabs(dv[i]) / std::min(e.v[i], e.l[i]));
+    if (!apply(e, dv, 1.0, s)) return false;
+    if (change <= kAmounts) return !are_one(e, s);
+  }
+  return false;
+}
+
 Local solve_two_phases(Energy& e, EnergyState& s) {
   const double R = eos::kR * eos::kCalPerCm3Atm;
   const bool H = e.call.property == Property::enthalpy;
@@ -168,7 +192,8 @@ Local solve_two_phases(Energy& e, EnergyState& s) {
   for (int k = 0; k < kMostSteps; ++k) {
     e.status = prepare_caloric(e.model, s.T);
     if (e.status != KV_OK) return Local::failed;
-    if (!phase_caloric(e.model, s.x, Kind::liquid, e.a) || !phase_caloric(e.model, s.y, Kind::gas, e.b))
+    if (!phase_caloric(e.model, s.x, Kind::liquid, e.a) || !phase_caloric(e.model, s.y, Kind::gas, e.b) ||
+        !(e.a.slope > 0.0 && e.b.slope > 0.0))
       return Local::failed;
     const double V = s.beta, L = 1.0 - V, T = s.T;
     s.liquid = e.a.value;

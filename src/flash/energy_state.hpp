@@ -18,7 +18,8 @@ inline bool plausible(double T) {
 }
 
 inline constexpr double kColdest = 3.0, kHottest = 10000.0;  // K, the range that is searched
-inline constexpr double kCold = 60.0;  // K; before a search goes on from below, it asks for the coldest state
+inline constexpr double kFarOff = 1e-6;  // of the scale of a value: more than what is within rounding of T
+inline constexpr double kCold = 60.0;    // K; before a search goes on from below, it asks for the coldest state
 
 // The equilibrium at one temperature. Arrays [ld].
 struct EnergyState {
@@ -27,6 +28,7 @@ struct EnergyState {
   double liquid = 0.0, vapour = 0.0;  // values of the phases, 0 for one that is absent
   double value = 0.0;                 // of the whole
   double slope = 0.0;                 // d value/dT along the equilibrium where it is known, else 0
+  bool rising = true;                 // the value of every phase rises with T
   double gibbs = 0.0;                 // G/RT above that of the pure ideal gases, of an analytic model
   double gibbs_slope = 0.0;           // d gibbs/dT
   StatusCode status = KV_OK;          // of the isothermal flash, 95 as KV_OK
@@ -36,7 +38,7 @@ struct EnergyState {
 // Temperatures between which the value is crossed. The weights are those of the Illinois rule: an end that
 // stays twice counts half.
 struct EnergyBracket {
-  static constexpr double kSlack = 1e-4;
+  static constexpr double kSlack = 1e-4, kSameEnd = 1e-9;
   double low = kColdest, high = kHottest;
   double f_low = 0.0, f_high = 0.0;
   double weight_low = 1.0, weight_high = 1.0;
@@ -62,6 +64,11 @@ struct EnergyBracket {
   }
   bool closed() const { return have_low && have_high; }
   bool inside(double T) const { return T > low && T < high; }
+  // At an end whose value is off by more than that: a flash has been there, and the answer is not.
+  bool at_end(double T, double off) const {
+    return (have_low && T <= low * (1.0 + kSameEnd) && -f_low > off) ||
+           (have_high && T >= high * (1.0 - kSameEnd) && f_high > off);
+  }
   // Where the vapour fraction grows within a hair of T flashes see one phase only, and the ends are no better
   // known than that.
   bool about(double T) const { return T > low * (1.0 - kSlack) && T < high * (1.0 + kSlack); }
@@ -105,6 +112,10 @@ struct Energy {
   double *a_dn = nullptr, *b_dn = nullptr, *system = nullptr;  // [ld * n]
 
   double f(const EnergyState& s) const { return s.value - call.wanted; }
+  // Whether a flash at T may show something new.
+  bool worth_a_look(double T) const {
+    return bracket.inside(T) && !bracket.at_end(T, kFarOff * value_scale(T));
+  }
   // Of values at T: an enthalpy counts in parts of R T, an entropy of R, where the wanted one is smaller.
   double value_scale(double T) const {
     return std::fmax(std::fabs(call.wanted), eos::kCalR * (call.property == Property::enthalpy ? T : 1.0));
@@ -156,6 +167,9 @@ void add_to_bracket(Energy& e);
  */
 StatusCode close_bracket(Energy& e);
 
+/* Whether the ends of the bracket have different pairs of phases which change places between them. */
+bool pairs_cross(const Energy& e);
+
 inline constexpr double kLimitReached = 100.0;
 /* Whether e.status is of the model, and the same at any temperature. */
 inline bool model_refuses(const Energy& e) {
@@ -183,7 +197,10 @@ enum class Local {
 Local solve_one_phase(Energy& e, EnergyState& s);
 Local solve_two_phases(Energy& e, EnergyState& s);
 
-/* The same of two phases within the bracket, through the gate. On converged e.state is the answer. */
+/* Newton on the amounts alone, (26) of docs/method.md with dT = 0: equal fugacities of the phases of s at its T. */
+bool equalise(Energy& e, EnergyState& s);
+
+/* As solve_two_phases, within the bracket, through the gate. On converged e.state is the answer. */
 Local solve_phases(Energy& e, EnergyState& s);
 
 /*

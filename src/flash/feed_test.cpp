@@ -1,4 +1,5 @@
-// Which trials a stability analysis runs, and in which order.
+// Which trials a stability analysis runs, and in which order: of a feed (test_feed) and of an answer
+// (test_answer). Section 3 of docs/method.md. Each trial is followed by flash/stability.cpp.
 
 #include <algorithm>
 #include <cmath>
@@ -165,9 +166,9 @@ bool other_root_trial_of_pure(Flash& f, const Reference& ref, int j) {
   return other_root_trial(f, ref, f.between);
 }
 
-// Trials from liquids of almost this component alone and something of a phase; of what else there is in it where
-// the phase is hardly anything but the component: mixed with that there would be nothing new. Beside a gas of almost
-// this component alone the liquid holds little else.
+// Trials from liquids of almost this component alone and something of a phase; of what else there is in it
+// where the phase is hardly anything but the component: mixed with that there would be nothing new. Beside a
+// gas of almost this component alone the liquid holds little else.
 bool mixed_trials(Flash& f, const Reference& ref, int j, const double* phase) {
   const bool alone = phase[j] > kMostOfLiquid;
   double others = 0.0;
@@ -202,7 +203,8 @@ bool is_gas_alone(const Flash& f, int j) {
   return f.m.P * t.b[j] < rt * eta * (1.0 / (1.0 - eta) - a / (t.b[j] * rt) * psi);
 }
 
-// Near-pure trials: the component that Wilson's coefficients favour most, light gases, water, the heaviest beside it.
+// Near-pure trials: the component that Wilson's coefficients favour most, light gases, water, the heaviest
+// beside it.
 bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
   const int n = f.m.n;
   const MixtureRecord& r = *f.call.mixture;

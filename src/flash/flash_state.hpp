@@ -73,8 +73,8 @@ Kind trial_kind(const Flash& f);
 enum TrialNumber { kWilsonLiquid, kWilsonVapour, kIdealGas, kNearPure };
 
 /*
- * Whether a trial of this test (since f.start_count was 0) began close to where f.trial does: every amount that matters
- * within a third. It would end where that one has. Else the start is remembered.
+ * Whether a trial of this test (since f.start_count was 0) began close to where f.trial does: ln W of every
+ * amount that matters within 0.3. It would end where that one has. Else the start is remembered.
  */
 bool began_before(Flash& f, Kind kind);
 
@@ -134,8 +134,8 @@ bool split_from_all(Flash& f, bool& found);
 bool settle_answer(Flash& f);
 
 /*
- * Test of an answer: near-pure trials against the tangent plane of the phase it.x (which is that of it.y as
- * well, and of f.third). f.lowest is the phase that cuts it. False: f.status.
+ * Test of an answer: trials that it cannot have come from against the plane that it.x, it.y and f.third share.
+ * f.lowest is the phase that cuts it. False: f.status.
  */
 bool test_answer(Flash& f, bool& stable);
 

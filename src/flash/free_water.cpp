@@ -1,3 +1,5 @@
+// The rules of free water, (23) and (24) of docs/method.md, with their derivatives.
+
 #include "flash/free_water.hpp"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // The rules of free water: a liquid is hydrocarbons that hold water up to the solubility limit s, and what
 // there is beyond that is a phase of its own, liquid water of vapour pressure Psat. Water's fugacity in a
 // liquid is Psat x_w/s below the limit and Psat from there on; the other components see the hydrocarbons at
-// their limit. In a vapour the equation of state rules.
+// their limit. In a vapour the equation of state rules. (23) and (24) of docs/method.md.
 #ifndef KESTRUNE_FLASH_FREE_WATER_HPP
 #define KESTRUNE_FLASH_FREE_WATER_HPP
 
@@ -21,9 +21,9 @@ inline constexpr double kLeastOil = 1e-12;
 double oil_of(int n, int water, const double* x) noexcept;
 
 /*
- * A liquid x[n] of sum 1 at T (K) that holds more water than its limit, as the two that it is: returns the part that
- * is hydrocarbons at their limit, oil[n], the rest being water alone. 1 where there is not that much, and oil is
- * left alone.
+ * A liquid x[n] of sum 1 at T (K) that holds more water than its limit, as the two that it is: returns the
+ * part that is hydrocarbons at their limit, oil[n], the rest being water alone. 1 where there is not that
+ * much, and oil is left alone.
  */
 double oil_at_limit(const MixtureRecord& mixture, double T, const double* x, double* oil) noexcept;
 

@@ -32,11 +32,11 @@ inline constexpr int kSteps = 9;
 
 // Work done, for benchmarks: counts do not depend on the machine.
 struct Counts {
-  int fugacities = 0;  // evaluations of ln phi of one phase
+  int fugacities = 0;  // evaluations of ln phi of one phase; of them by step:
   int by_step[kSteps] = {};
   Step step = Step::feed;
   int pure_roots = 0;  // looks at a component alone, without the others' ln phi
-  int matrices = 0;    // of them, with composition derivatives
+  int matrices = 0;    // evaluations of composition derivatives
   int factorisations = 0;
   int iterations = 0;  // of the two-phase iteration
   int trials = 0;      // of the stability test
@@ -47,8 +47,8 @@ struct Counts {
   }
 };
 
-// Work in evaluations of ln phi: one with composition derivatives and what is done with them, which grows with one
-// power more of the components; one at a new temperature. Measured with 10 and with 40 components.
+// Work in evaluations of ln phi: one with composition derivatives and what is done with them, which grows
+// with one power more of the components; one at a new temperature. Measured with 10 and with 40 components.
 inline int matrix_work(int n) noexcept {
   return 3 + n / 64;
 }
@@ -168,6 +168,7 @@ inline double ratio_of(double y, double x) noexcept {
 /*
  * K-value evaluation: K_i = phi_i(liquid x)/phi_i(vapour y) within 1e-15 .. 1e15, K[n]; on request (not null)
  * dT and dP [n], and the composition derivatives scaled by K_i, dx (positive) and dy (negative) [ld * n].
+ * work: room for 6 * ld doubles, without derivatives for 2 * ld.
  */
 struct KDerivatives {
   double *dT = nullptr, *dP = nullptr, *dx = nullptr, *dy = nullptr;

@@ -1,8 +1,8 @@
-// The method [Mic82, Mic82b]: a split by Wilson's coefficients is tried first, since a split of lower Gibbs
-// energy than the feed's is proof of two phases and its own best start. Where it fails, the tangent-plane test
-// decides, and its lowest trial phase starts the iteration. A two-phase answer is tested again with trials that
-// it cannot have come from; when one cuts its tangent plane, other splits are tried and the one of lowest Gibbs
-// energy stands.
+// The method [Mic82a, Mic82b], section 4 of docs/method.md: a split by Wilson's coefficients is tried first,
+// since a split of lower Gibbs energy than the feed's is proof of two phases and its own best start. Where it
+// fails, the tangent-plane test decides, and its lowest trial phase starts the iteration. A two-phase answer
+// is tested again with trials that it cannot have come from; when one cuts its tangent plane, other splits
+// are tried and the one of lowest Gibbs energy stands.
 
 #include "flash/isothermal.hpp"
 

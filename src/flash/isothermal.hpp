@@ -68,7 +68,7 @@ StatusCode feed_stability(const IsothermalCall& call, const Incipient& incipient
 
 /*
  * The same distance from the tangent plane of two phases x and y in equilibrium at T and P, 0 when nothing cuts
- * it. beta says which phase is the larger one. The call's arrays are read only.
+ * it. The call's arrays are read only, its beta is not used.
  */
 StatusCode answer_stability(const IsothermalCall& call, double& distance);
 

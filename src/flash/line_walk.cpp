@@ -1,3 +1,6 @@
+// One step along a line of constant vapour fraction: which unknown is held, how far, from where, and whether
+// what was found is a point of the same line.
+
 #include "flash/line_walk.hpp"
 
 #include <algorithm>

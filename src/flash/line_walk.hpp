@@ -10,7 +10,8 @@ namespace kestrune::flash {
 
 using support::Cubic;
 
-/* Cubic of unknown i through two points with their slopes, in parts of the step of the unknown held. */
+/* Cubic of unknown i through two points with their slopes, in parts of the step of the unknown held: (32) of
+ * docs/method.md. */
 Cubic between(const LinePoint& a, const LinePoint& b, int i, int held);
 
 /* All unknowns at a part t of the way from a to b into X[n + 2]. */

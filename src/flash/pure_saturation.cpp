@@ -1,3 +1,6 @@
+// Saturation of a single component: Newton's method on the difference of ln phi of both roots, in a bracket
+// that is closed by which root there is.
+
 #include "flash/pure_saturation.hpp"
 
 #include <algorithm>

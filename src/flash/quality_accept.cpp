@@ -1,4 +1,5 @@
-// What an answer at a vapour fraction has to be before it leaves with status 0, or as one that is not stable.
+// What an answer at a vapour fraction has to be before it leaves with status 0, or as one that is not stable:
+// sections 5 and 8 of docs/method.md.
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,8 @@
-// The way to a point of given vapour fraction. First with Wilson's coefficients, by bisection; then two
-// substitutions and Newton's method. Where that ends nowhere, on an unstable point or on a branch that is not
-// the first one, the temperature is bisected with the coefficients of the equation of state, and at last the
-// line is followed from low pressure. Whatever is found leaves through accept().
+// The way to a point of given vapour fraction, section 8 of docs/method.md. First the estimate, where there
+// is one; then Wilson's coefficients, by bisection, one or two substitutions and Newton's method. Where that
+// ends nowhere, on an unstable point or on a branch that is not the first one, the unknown is bisected with
+// the coefficients of the equation of state; a dew point is tried from water about to condense; and at last
+// the line is followed from low pressure. Whatever is found leaves through accept().
 
 #include "flash/quality_flash.hpp"
 
@@ -120,9 +121,10 @@ void start_from_wilson(Quality& q, double value) {
 }
 
 /*
- * Whether the two phases begin where they do first: at a pressure the dew point with one phase above it and the
- * bubble point with one phase below it in temperature, at a temperature the other way round in pressure. Told
- * by the slope of the feed's tangent-plane distance to the incipient phase at the point.
+ * Whether the two phases begin where they do first: at a pressure the dew point with one phase above it and
+ * the bubble point with one phase below it in temperature, at a temperature the other way round in pressure.
+ * Told by the slope of the feed's tangent-plane distance to the incipient phase at the point, (29) of
+ * docs/method.md.
  */
 bool is_regular(const Quality& q) {
   if (!q.boundary()) {
@@ -305,8 +307,8 @@ void start_from_estimate(Quality& q, double start) {
       q.point.X[i] = std::clamp(support::fast_log(c.y[i] / c.x[i]), -kLargestLogK, kLargestLogK);
 }
 
-// Whether the ln K of the point are about those of the estimate: of two temperatures that a pressure belongs to,
-// as about the highest one of a line, only one has them.
+// Whether the ln K of the point are about those of the estimate: of two temperatures that a pressure belongs
+// to, as about the highest one of a line, only one has them.
 bool like_estimate(const Quality& q) {
   constexpr double kMoved = 0.2;  // in parts of the largest
   const QualityCall& c = q.call;

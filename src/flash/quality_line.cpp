@@ -1,3 +1,6 @@
+// Newton's method on a point of constant vapour fraction, (28) of docs/method.md, and what surrounds it:
+// compositions, one substitution, the last digits beside a critical point.
+
 #include "flash/quality_line.hpp"
 
 #include <algorithm>

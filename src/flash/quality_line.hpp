@@ -1,10 +1,9 @@
 // Points of a line of constant vapour fraction W in T and P: bubble points (0), dew points (1), and what lies
 // between. Unknowns of a point are X = (ln K_1 .. ln K_n, ln T, ln P); equations are the equal fugacities, sum
-// y = sum x, and one unknown that is specified.
+// y = sum x, and one unknown that is specified: (28) of docs/method.md.
 //
 // [Mic80] M. L. Michelsen, Fluid Phase Equilib. 4 (1980) 1-10: Newton on these unknowns, and following the line
-// with
-//         the unknown specified that changes most.
+//         with the unknown specified that changes most.
 #ifndef KESTRUNE_FLASH_QUALITY_LINE_HPP
 #define KESTRUNE_FLASH_QUALITY_LINE_HPP
 
@@ -103,10 +102,10 @@ bool compositions(const QualityLine& line, LinePoint& p, double tolerance);
 bool share_out(const QualityLine& line, LinePoint& p);
 
 /*
- * For a point beside a critical one that is known but for its last digits: corrections of p.X with the unknown
- * held as it stands. Directions in which the equations hardly change are left alone: they determine nothing but
- * rounding. work[(n + 2) * padded(n + 2)]. x and y are those of p.X, the slope is not. False: status of the fugacity routine,
- * or no correction.
+ * For a point beside a critical one that is known but for its last digits: corrections of p.X with the
+ * unknown held as it stands. Directions in which the equations hardly change are left alone: they determine
+ * nothing but rounding. work[(n + 2) * padded(n + 2)]. x and y are those of p.X, the slope is not. False:
+ * status of the fugacity routine, or no correction.
  */
 bool polish_point(QualityLine& line, LinePoint& p, int held, double* work, StatusCode& status);
 

@@ -1,3 +1,5 @@
+// Newton's method on (17) of docs/method.md, enclosed, with the smaller of the two fractions as its unknown.
+
 #include "flash/rachford_rice.hpp"
 
 #include <cmath>

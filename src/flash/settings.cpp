@@ -1,3 +1,5 @@
+// Settings of the record with their defaults, and the rules by which models and kinds of flashes change them.
+
 #include "flash/settings.hpp"
 
 #include <algorithm>
@@ -50,7 +52,6 @@ Settings copy_settings(const MixtureRecord& mixture) noexcept {
     s.NEW = mixture.NEW;
     s.relaxation = std::isfinite(mixture.relaxation) ? mixture.relaxation : KV_DEFAULT_RELAXATION;
   }
-  s.loose = std::pow(s.CRIT, 0.33);
   const double budget = static_cast<double>(s.NEW) * (static_cast<double>(mixture.count) + 1.0);
   s.global_budget = static_cast<int>(std::clamp(budget, 0.0, 1e9));
   s.robust = false;

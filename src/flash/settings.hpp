@@ -27,7 +27,6 @@ inline constexpr bool careful_liquids(const ModelOptions& model) {
 
 struct Settings {
   double CRIT, CLIM, EPS;
-  double loose;  // CRIT^0.33, the second, looser level
   int ITEMAX, NEW;
   int global_budget;  // NEW (n + 1) iterations for the global method
   double relaxation;

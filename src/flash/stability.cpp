@@ -1,4 +1,7 @@
-// [Mic82] M. L. Michelsen, Fluid Phase Equilib. 9 (1982) 1-19: the test, the modified distance, the test for
+// One trial from its start to its end: substitutions (13), steps of second order (14) of docs/method.md, and
+// the rules by which it ends early. Calls flash/fugacity.hpp and eos for what is evaluated, nothing else.
+//
+// [Mic82a] M. L. Michelsen, Fluid Phase Equilib. 9 (1982) 1-19: the test, the modified distance, the test for
 // the trivial solution. [Mic07] the same with second-order minimisation in 2 sqrt(W).
 
 #include "flash/stability.hpp"
@@ -22,8 +25,8 @@ constexpr double kFinished = 1e-14;     // of a phase that is only reported
 constexpr double kNearlyFinished = 1e-10, kShortChange = 1e-4;
 // Positive distances are final once they exceed what the rest of the way can take off them.
 constexpr double kSafePositive = 1e-4, kSafeFactor = 400.0;
-// From this distance a substitution goes half its way: the whole of it leads past a minimum where unlike molecules
-// attract each other strongly.
+// From this distance a substitution goes half its way: the whole of it leads past a minimum where unlike
+// molecules attract each other strongly.
 constexpr double kFar = 1e5, kFarPart = 0.5;
 constexpr double kLargestLogW = 600.0;
 // A negative distance beyond this needs no more digits to start a split from.
@@ -34,7 +37,7 @@ constexpr double kSameRoot = 1e-9;  // relative difference of the Z of a host's 
 // sum of (w - z)^2/(w + z); from a start, before any step, only what is nearer still counts as on its way back
 constexpr double kSameComposition = 1e-16, kNearComposition = 0.4, kNearFromStart = 0.12;
 
-// Residuals r, tm and its gradient from ln phi.
+// Residuals r of (13), tm of (12) and its gradient from ln phi; numbers of docs/method.md.
 void compare(const Model& m, const Reference& ref, const TrialWork& work, Trial& t) {
   double wr = 0.0, g = 0.0;
   for (int i = 0; i < m.n; ++i) {
@@ -71,8 +74,9 @@ double spread(const double* w, const double* z, int n) {
   return sum;
 }
 
-// Is the trial on its way back to a phase of composition z on the same plane? Then the distance behaves as the
-// quadratic that has its minimum there: 2 tm equals the derivative along the way from it.
+// Is the trial on its way back to a phase of composition z on the same plane? Then the distance behaves as
+// the quadratic that has its minimum there: 2 tm equals the derivative along the way from it, (15) of
+// docs/method.md.
 bool returns_to(const double* z, int n, bool quick, double near, const TrialWork& work, const Trial& t) {
   if (z == nullptr) return false;
   double towards = 0.0;
@@ -82,7 +86,7 @@ bool returns_to(const double* z, int n, bool quick, double near, const TrialWork
   return quick && t.tm > 0.0 && distance < near && std::fabs(2.0 * t.tm - towards) < kTrivialRatio * towards;
 }
 
-// Newton step in alpha = 2 sqrt(W). False when the matrix is not positive definite.
+// Newton step in alpha = 2 sqrt(W), (14) of docs/method.md. False when the matrix is not positive definite.
 bool second_order(Model& m, const TrialWork& work, Trial& t) {
   const int n = m.n, ld = m.ld;
   const double sum = t.sum;
@@ -195,8 +199,8 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
     before = t.tm;
     const bool newton = second && second_order(m, work, t);
     t.current = false;
-    // A substitution overshoots where unlike molecules attract each other strongly. The first one has far to go,
-    // unless it begins below the plane.
+    // A substitution overshoots where unlike molecules attract each other strongly. The first one has far to
+    // go, unless it begins below the plane.
     stepped = newton || k > 0 || t.tm < kUnstable;
     substituted = !second;
     if (newton) {

@@ -1,4 +1,6 @@
 // Michelsen's tangent-plane test: is a phase of composition z stable, and if not, what splits off it first.
+// This file follows one trial; which trials run is decided in flash/feed_test.cpp. Section 3 of
+// docs/method.md.
 #ifndef KESTRUNE_FLASH_STABILITY_HPP
 #define KESTRUNE_FLASH_STABILITY_HPP
 
@@ -32,8 +34,8 @@ enum class TrialEnd {
 };
 
 /*
- * A trial phase: the unnormalised amounts W of the modified distance tm = 1 + sum W (ln W + ln phi(W) - d - 1),
- * whose stationary value 1 - sum W is negative exactly when the plane is cut.
+ * A trial phase: the unnormalised amounts W of the modified distance tm = 1 + sum W (ln W + ln phi(W) - d -
+ * 1), (12) of docs/method.md, whose stationary value 1 - sum W is negative exactly when the plane is cut.
  */
 struct Trial {
   double* log_w = nullptr;   // [ld] ln W
@@ -66,9 +68,9 @@ enum class Follow {
 };
 
 /*
- * Follows a trial from trial.log_w: successive substitution, then second-order steps in 2 sqrt(W). kind as for
- * fugacity(). careful: second-order steps already from where a substitution leads upwards. Returns the status of the
- * fugacity routine.
+ * Follows a trial from trial.log_w: successive substitution, then second-order steps in 2 sqrt(W). kind as
+ * for fugacity(). careful: second-order steps already from where a substitution leads upwards. Returns the
+ * status of the fugacity routine.
  */
 StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work,
                         Trial& trial, bool careful = false);
@@ -77,9 +79,10 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
 inline constexpr double kConvex = 0.1;
 
 /*
- * Whether the curvature of the distance at a phase x[ld], the matrix 1 + sqrt(x_i x_j) d ln phi_i/d n_j, has no
- * eigenvalue below margin. dn[ld * n]: its derivatives, lower triangle. Where it has one, or the margin is not positive,
- * the factors stay in work.hessian.
+ * Whether the curvature of the distance at a phase x[ld], the matrix 1 + sqrt(x_i x_j) d ln phi_i/d n_j, has
+ * no eigenvalue below margin: (16) of docs/method.md. dn[ld * n]: its derivatives, lower triangle. With a
+ * margin that is not positive the factors of the matrix less the margin stay in work.hessian where the result
+ * is true.
  */
 bool convex_with(Model& m, const double* x, const double* dn, double margin, const TrialWork& work);
 
@@ -101,9 +104,9 @@ struct Pure {
 };
 
 /*
- * The pure component j, and its activity in the reference, which says whether a trial is worth its way: by the
- * built-in equation without a look at the other components. A host's routine tells all at once: log_w of the trial is
- * filled then.
+ * The pure component j, and its activity in the reference, which says whether a trial is worth its way: by
+ * the built-in equation without a look at the other components. A host's routine tells all at once: log_w of
+ * the trial is filled then.
  */
 StatusCode look_at_pure(Model& m, const Reference& ref, int j, Trial& trial, Pure& pure);
 

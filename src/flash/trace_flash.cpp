@@ -1,3 +1,5 @@
+// Labels of the trace and their order. They are part of the interface.
+
 #include "flash/trace_flash.hpp"
 
 namespace kestrune::flash {

@@ -51,7 +51,7 @@ struct Progress {
   int decreases = 0;
   double relaxation;
   bool linearised = false;  // quasi-linearisation
-  bool damped = false;      // the error rose: the next step of the global method is a damped one
+  bool damped = false;      // the error rose: the next step is one of Newton's method
   int limit;                // ITEMAX in force
 };
 
@@ -62,7 +62,7 @@ struct Polish {
   double best = 1e300, beta = 0.0, liquid = 1.0;  // the smallest one so far, and the phase fractions there
 };
 
-// Fugacities of both phases, residuals and Gibbs energy.
+// Fugacities of both phases, residuals and error of (18), Gibbs energy (19) of docs/method.md.
 StatusCode evaluate_phases(Model& m, const TwoPhaseWork& work, bool derivatives, Iterate& it) {
   StatusCode status = fugacity(m, it.x, it.kind_x, it.ln_phi_x, derivatives ? work.dx : nullptr, it.Zx);
   if (status != KV_OK) return status;
@@ -85,7 +85,8 @@ StatusCode evaluate_phases(Model& m, const TwoPhaseWork& work, bool derivatives,
   return KV_OK;
 }
 
-// The base-10 logarithms of the last three errors against their numbers: is the way to CRIT too long?
+// The base-10 logarithms of the last three errors against their numbers: is the way to CRIT too long, by (20)
+// of docs/method.md?
 bool wants_to_switch(const Settings& s, const Progress& p) {
   const double number[3] = {1.0, 2.0, 3.0};
   double logs[3];
@@ -105,7 +106,8 @@ void switch_method(Progress& p, int pass) {
   p.limit = pass + kPassesAfterSwitch;
 }
 
-// Rules of the global method for the working relaxation factor and the change of method. False: stop here.
+// Rules of the global method for the working relaxation factor and the change of method, section 4 of
+// docs/method.md. False: stop here.
 bool follow_rules(const Settings& s, Progress& p, double error, int pass) {
   const double previous = p.errors[2];
   p.errors[0] = p.errors[1];
@@ -170,7 +172,8 @@ bool substitute_within(const Model& m, const IterationPlan& plan, double relaxat
   return false;
 }
 
-// The Newton system on (ln K, beta), reduced to the vapour amounts v_i = beta y_i: with beta liquid = VL
+// The Newton system on (ln K, beta), (21) of docs/method.md, reduced to the vapour amounts v_i = beta y_i:
+// with beta liquid = VL
 //   S = D [diag(z/(x y)) - 1 + L M_y + V M_x] D,  D_i = sqrt(x_i y_i/z_i),  S u = VL D r,  dv = D u.
 // S is symmetric positive definite next to a minimum of the Gibbs energy.
 void newton_matrix(const Model& m, const TwoPhaseWork& work, double shift, Iterate& it) {

@@ -1,12 +1,14 @@
+// Wilson's coefficients, bounded, and water's own.
+
 #include "flash/water.hpp"
 
+#include "flash/fugacity.hpp"
 #include "support/mathkernels.hpp"
 
 namespace kestrune::flash {
 namespace {
 constexpr double kWilson = 5.37;
 constexpr double kExponentLimit = 34.5;
-constexpr double kSmallestK = 1e-15, kLargestK = 1e15;
 }  // namespace
 
 void wilson(double T, double P, const MixtureRecord& mixture, bool free_water, double* K,

@@ -1,4 +1,7 @@
-// Wilson's distribution coefficients, with water's own where the free-water option is on.
+// Wilson's distribution coefficients [Wil69], with water's own where the free-water option is on.
+//
+// [Wil69] G. M. Wilson, A modified Redlich-Kwong equation of state, 65th national meeting of the AIChE,
+// Cleveland (1969).
 #ifndef KESTRUNE_FLASH_WATER_HPP
 #define KESTRUNE_FLASH_WATER_HPP
 

@@ -1,5 +1,6 @@
-// The feed as a gas, then as a liquid, then two fluids from what was missing: whatever passes the gate first is
-// the answer. An estimate only shortens the way to two fluids, so that warm and cold starts end alike.
+// The flash with free water, section 6 of docs/method.md: the feed as a gas, then as a liquid, then two
+// fluids from what was missing: whatever passes the gate first is the answer. An estimate only shortens the
+// way to two fluids, so that warm and cold starts end alike.
 
 #include "flash/wet_flash.hpp"
 

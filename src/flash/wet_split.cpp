@@ -42,8 +42,7 @@ void beside_water(Wet& f) {
     if (i != w) a.y[i] = f.z[i] / a.beta;
 }
 
-/* One substitution of the split beside free water. d_log: largest change. False: one fluid only, or f.status.
- */
+/* One substitution of the split beside free water: compose, then evaluate. False: one fluid only; f.status. */
 struct Saturated {
   Wet& f;
   double gas = 0.0, oil = 0.0;  // parts of the feed, with their water

@@ -1,8 +1,9 @@
 // One flash with free water under way: what its named steps share. Private to these flashes.
 //
 // The phases are a gas by the equation of state, and a liquid that is hydrocarbons with water up to the
-// solubility limit and free water in one. Only fugacities are given, no Gibbs energy: a phase is missing when a
-// trial of it would grow, that is when what it takes at the fugacities of the answer adds up to more than one.
+// solubility limit and free water in one. Only fugacities are given, no Gibbs energy: a phase is missing when
+// a trial of it would grow, that is when what it takes at the fugacities of the answer adds up to more than
+// one: (25) of docs/method.md.
 #ifndef KESTRUNE_FLASH_WET_STATE_HPP
 #define KESTRUNE_FLASH_WET_STATE_HPP
 

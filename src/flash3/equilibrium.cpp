@@ -1,6 +1,8 @@
 // The two-phase flash goes first. What cuts its answer becomes a third phase, the three are brought to
-// equilibrium, and the answer is tested again; each round has a lower Gibbs energy than the one before, so that
-// it ends.
+// equilibrium, and the answer is tested again; each round has a lower Gibbs energy than the one before, so
+// that it ends (improve). Where an added phase leads no lower: it takes the place of each of the others
+// (replace_phase), stands beside three of them (settle_four), in pairs with them (try_pairs), or gives way to
+// the solver's own starts. Section 9 of docs/method.md.
 
 #include "flash3/equilibrium.hpp"
 
@@ -39,8 +41,8 @@ void set_phase(const Equilibrium& e, int j, const double* x, double amount, Phas
   p.Z[j] = 0.0;
 }
 
-// What cuts an answer counts from a distance on, with a host's routine by more than its rounding, and when there can
-// be an amount of it that is more than rounding.
+// What cuts an answer counts from a distance on, with a host's routine by more than its rounding, and when
+// there can be an amount of it that is more than rounding.
 void weigh_cut(Equilibrium& e) {
   const double cut = std::min(kCut, -flash::host_slack(e.m, e.how.settings));
   e.third.found = e.third.found && e.third.distance < cut && flash::most_of(e.m.n, e.z, e.cut) > kNoAmount;
@@ -274,7 +276,8 @@ StatusCode from_own_starts(Equilibrium& e) {
   return lower || status != KV_OK ? status : StatusCode{KV_NOT_CONVERGED};
 }
 
-// From an answer that was just tested to one that nothing cuts.
+// From an answer that was just tested to one that nothing cuts. Each way starts from the answer (e.answer) and
+// what cuts it (e.added), and counts when nothing cuts its end or that lies lower.
 StatusCode improve(Equilibrium& e) {
   for (int round = 0; round < kMostRounds && e.third.found; ++round) {
     copy_phases(e.p, e.answer, e.m.ld);
@@ -303,7 +306,7 @@ StatusCode improve(Equilibrium& e) {
       }
     }
     if (status != KV_FOURTH_PHASE && !lower(status)) status = from_own_starts(e);
-    if (status != KV_OK) {
+    if (status != KV_OK) {  // the answer stands where what cuts it may be rounding
       copy_phases(e.answer, e.p, e.m.ld);
       e.third.distance = distance;
       if (distance > std::min(kClearlyCut, -flash::host_slack(e.m, e.how.settings))) return KV_OK;

@@ -1,3 +1,6 @@
+// Two liquids: a feed that is one component, free water, or the two-phase flash on liquid roots alone; then
+// their order.
+
 #include "flash3/liquid_liquid.hpp"
 
 #include <algorithm>
@@ -52,8 +55,9 @@ StatusCode write_two(const LiquidLiquidCall& c) {
   return KV_OK;
 }
 
-// Free water: what the feed z[n], of sum 1, has beyond the solubility limit of its hydrocarbons is a liquid of
-// its own. False: there is not that much, or no limit; the estimate in beta, liquid1 and liquid2 is left as it is then.
+// Free water: what the feed z[n], of sum 1, has beyond the solubility limit of its hydrocarbons is a liquid
+// of its own. False: there is not that much, or no limit; the estimate in beta, liquid1 and liquid2 is left
+// as it is then.
 bool split_water(const LiquidLiquidCall& c, const double* z, double* oil) {
   const int n = c.mixture->count, w = eos::find_water_family(*c.mixture);
   if (w < 0 || flash::oil_of(n, w, z) < kAbsent) return false;
@@ -65,8 +69,8 @@ bool split_water(const LiquidLiquidCall& c, const double* z, double* oil) {
   return true;
 }
 
-// Free water below its limit: what the liquids hold of it is the same in all, so that the dry feed says whether there
-// is one. It becomes the answer then.
+// Free water below its limit: what the liquids hold of it is the same in all, so that the dry feed says
+// whether there is one. It becomes the answer then.
 bool one_dry_liquid(const LiquidLiquidCall& c) {
   const int n = c.mixture->count;
   return support::with_arena<0, 6>(n, [&](support::Arena& arena) {

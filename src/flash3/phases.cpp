@@ -1,3 +1,6 @@
+// Steps towards equilibrium among two to four phases: the convex split (30) and Newton's method (31) of
+// docs/method.md.
+
 #include "flash3/phases.hpp"
 
 #include <algorithm>
@@ -127,7 +130,8 @@ bool split_step(const SplitFunction& f, double* a, int& looks) {
   return false;
 }
 
-// Hessian of the Gibbs energy in amounts, entry for phase j between components a and b: d ln f_a/d n_b.
+// Hessian of the Gibbs energy in amounts, entry for phase j between components a and b: d ln f_a/d n_b,
+// (31) of docs/method.md.
 struct PhaseMatrix {
   const Phases& p;
   const PhasesWork& w;

@@ -1,9 +1,9 @@
-// Two or three fluid phases at temperature and pressure: what the solvers share, and the steps towards
-// equilibrium.
+// Two to four fluid phases at temperature and pressure: what the solvers share, and the steps towards
+// equilibrium. Section 9 of docs/method.md.
 //
-// [Mic94] M. L. Michelsen, Comput. Chem. Eng. 18 (1994) 545-550: amounts of any number of phases as the minimum
-// of a
-//         convex function of the amounts.
+// [Mic94] M. L. Michelsen, Comput. Chem. Eng. 18 (1994) 545-550: amounts of any number of phases as the
+// minimum
+//         of a convex function of the amounts.
 // [Mic82b] M. L. Michelsen, Fluid Phase Equilib. 9 (1982) 21-40: second-order minimisation of the Gibbs energy.
 #ifndef KESTRUNE_FLASH3_PHASES_HPP
 #define KESTRUNE_FLASH3_PHASES_HPP
@@ -58,9 +58,9 @@ StatusCode evaluate_phases(flash::Model& m, const double* z, Phases& p, const Ph
 
 /*
  * Amounts and compositions from the fugacity coefficients: the minimum over a_j >= 0 of sum a_j - sum z_i ln
- * sum a_j/phi_ij [Mic94], which is the only one, so that no amount can leave [0, 1]. A phase that ends with
- * amount 0 keeps the composition that it would begin with. False: no usable numbers. looks, where it is not null,
- * receives how often the function was looked at.
+ * sum a_j/phi_ij [Mic94], (30) of docs/method.md, which is the only one, so that no amount can leave [0, 1].
+ * A phase that ends with amount 0 keeps the composition that it would begin with. False: no usable numbers.
+ * looks, where it is not null, receives how often the function was looked at.
  */
 bool split_between(int n, const double* z, Phases& p, const PhasesWork& w, int* looks = nullptr);
 
@@ -71,9 +71,9 @@ inline int split_work(int looks) noexcept {
 }
 
 /*
- * Direction of Newton's method on the Gibbs energy, w.step, in the amounts of every component in the phases
- * that are not its home; w.dn as evaluate_phases leaves it. Where the matrix is not positive definite it is
- * shifted until it is. False: no direction. Sets the amounts to step from, w.saved.
+ * Direction of Newton's method on the Gibbs energy, (31) of docs/method.md, w.step, in the amounts of every
+ * component in the phases that are not its home; w.dn as evaluate_phases leaves it. Where the matrix is not
+ * positive definite it is shifted until it is. False: no direction. Sets the amounts to step from, w.saved.
  */
 bool newton_direction(flash::Model& m, const double* z, const Phases& p, const PhasesWork& w);
 

@@ -1,3 +1,6 @@
+// The three-phase iteration: substitutions, the change to Newton's method, phases that vanish, the last
+// digits, and the solver's own starts.
+
 #include "flash3/solver.hpp"
 
 #include <algorithm>

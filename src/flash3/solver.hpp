@@ -13,13 +13,13 @@ namespace kestrune::flash3 {
 enum Slot { kA = 0, kB = 1, kV = 2 };
 
 enum class Ended {
-  converged,        // three phases, every ln fugacity equal to 1e-10
-  vapour_vanished,  // five passes in a row below 1e-4: the phase is taken out, two are left in order
-  a_vanished,
+  converged,        // ln fugacities equal to 1e-10; to 1e-8 where rounding ends it, a host's as CRIT asks
+  vapour_vanished,  // five passes in a row below 1e-4, or next to nothing at the end: the phase is taken
+  a_vanished,       // out, and the others stay in their order
   b_vanished,
   identical,  // two phases became one and are one now
   exhausted,  // ITEMAX passes
-  damped,     // relaxation factor below 1e-6
+  damped,     // Newton's method found no way on a dozen times, or stopped short of the precision owed
   routine     // the fugacity routine returned a status
 };
 
@@ -33,7 +33,7 @@ struct Iteration {
 
 /*
  * Substitutions with the amounts of the convex split, then Newton's method on the Gibbs energy with a line
- * search. p holds the compositions to start from in their slots. status: of the fugacity routine.
+ * search. p holds three phases to start from, which are put in their slots. status: of the fugacity routine.
  */
 Ended iterate_phases(flash::Model& m, const double* z, const Iteration& how, Phases& p, const PhasesWork& w,
                      StatusCode& status);

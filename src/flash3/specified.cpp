@@ -1,3 +1,6 @@
+// Newton's method at a specified value: residuals, their derivatives row by row, bounded steps, and what the
+// solution is worth.
+
 #include "flash3/specified.hpp"
 
 #include <algorithm>
@@ -125,7 +128,7 @@ StatusCode evaluate(Specified& s, Values& v) {
     c.dln_phi_dT = s.dtau[j];
     c.dn = e.w.dn[j];
     c.Z = p.Z[j];
-    if (!flash::phase_caloric(*s.caloric, p.x[j], s.kind[j], c)) return KV_NOT_FINITE;
+    if (!flash::phase_caloric(*s.caloric, p.x[j], s.kind[j], c) || !(c.slope > 0.0)) return KV_NOT_FINITE;
     p.Z[j] = c.Z;
     v.phase[j] = c.value;
     v.total += p.amount[j] * c.value;
@@ -291,12 +294,13 @@ bool in_range(const Specified& s, double T, double P) {
          s.P > P / kFarP && s.P < P * kFarP;
 }
 
-// Work of one step in evaluations of ln phi, which grows faster than theirs; of a call always enough for a search.
+// Work of one step in evaluations of ln phi, which grows faster than theirs; of a call always enough for a
+// search.
 int system_work(const flash::HostRoutines* host, int size) {
   constexpr double kCubes = 6000.0;  // cube of the order of a system that takes as long as an evaluation
   constexpr int kStepsOfCall = 100;
   const double work = static_cast<double>(size) * size * size / kCubes;
-  const double most = host != nullptr ? static_cast<double>(host->allowed / kStepsOfCall) : 0.0;
+  const double most = host != nullptr ? static_cast<double>(host->allowed) / kStepsOfCall : 0.0;
   return static_cast<int>(std::min({work, most, 1e9}));
 }
 

@@ -1,8 +1,8 @@
 // Newton's method on two or three phases of which the temperature or the pressure is not known, but the
-// enthalpy, the entropy, or the part of the feed that is vapour. Unknowns are ln K_ji = ln(x_ji/x_0i) beside a
-// reference phase 0, the amounts a_j, and ln T or ln P; equations the equal fugacities, the sums, and the
-// specified value. A line where temperature and pressure stand still while amounts change is no obstacle: the
-// value determines the amounts.
+// enthalpy, the entropy, or the part of the feed that is vapour. Unknowns are ln K_ji = ln(x_ji/x_0i) beside
+// a reference phase 0, the amounts a_j, and ln T or ln P; equations the equal fugacities, the sums, and the
+// specified value; section 9 of docs/method.md. A line where temperature and pressure stand still while
+// amounts change is no obstacle: the value determines the amounts.
 //
 // [Mic87] M. L. Michelsen, Fluid Phase Equilib. 33 (1987) 13-27: multiphase flashes at specified enthalpy or
 //         entropy.
@@ -36,7 +36,7 @@ struct Specified {
 void take_specified(support::Arena& arena, int n, int ld, Specified& s);
 
 enum class Found {
-  yes,       // e.p, s.T, s.P; ln fugacities equal to 1e-10
+  yes,       // e.p, s.T, s.P; ln fugacities equal to 1e-11, to 1e-9 where rounding ends it
   negative,  // the equations are met with a negative amount: e.p.amount says of which phase
   no,        // no convergence, or the phases became one
   model      // status

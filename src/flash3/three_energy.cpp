@@ -1,6 +1,7 @@
 // An equilibrium at a temperature says which phases there are; Newton's method at these phases says where they
 // would have the value; and the stability test says whether they still are the right ones there. The value
-// never falls with temperature, so that every equilibrium closes a bracket.
+// never falls with temperature, so that every equilibrium closes a bracket. Where an iteration ends without an
+// answer, that of the two-phase flash is gone on from (search_from_two_phases).
 
 #include "flash3/three_energy.hpp"
 

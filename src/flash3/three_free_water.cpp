@@ -1,3 +1,5 @@
+// Free water at enthalpy, entropy and vapour fraction: two-phase flash first, liquid taken apart afterwards.
+
 #include "flash3/three_free_water.hpp"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// The driver of three phases at temperature and pressure: estimate, the host's own flashes, free water; and
+// the names and marks of the phases that are written out.
+
 #include "flash3/three_phase.hpp"
 
 #include <algorithm>

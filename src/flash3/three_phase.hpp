@@ -52,8 +52,9 @@ StatusCode write_quality_phases(Equilibrium& e, double W, const ThreePhaseResult
 /*
  * Free water: splits the liquid x[n] of a liquid-vapour answer (fractions V and 1 - V) into hydrocarbons at
  * their solubility limit, A, and water, B, where there is more water than that. False: there is not, and the
- * answer has been written with the mark, liquid A being x. incipient: V is 1, and the liquid that would appear
- * first is written as well. Without free_water water is a component like the others, and nothing is split.
+ * answer has been written with the mark, liquid A being x. incipient: of a flash at vapour fraction, where a
+ * phase of no amount is written as well (at V 0 with water apart: keep_incipient_vapour). Without free_water
+ * water is a component like the others, and nothing is split.
  */
 struct LiquidVapour {
   double T, P;

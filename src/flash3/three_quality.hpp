@@ -23,10 +23,11 @@ struct ThreeQualityCall {
 
 /*
  * The equilibrium of a vapour of fraction W with one or two liquids: KV_OK, without marks. W = 0: a bubble
- * point, with the incipient vapour over one liquid or two; W = 1: a dew point, with the incipient liquid. Where
- * several exist, the one that is nearest to the first two-phase point from low pressure. KV_NO_SATURATION: none
- * was met among states of up to three phases; 112: it was not found. Others: of the model. On failure the
- * results keep what they held.
+ * point, with the incipient vapour over one liquid or two; W = 1: a dew point, with the incipient liquid.
+ * Where several exist, the one that is nearest to the first two-phase point from low pressure.
+ * KV_NO_SATURATION: none was met among states of up to three phases. Others: of the model and of the
+ * two-phase flash. On failure the results keep what they held, but for KV_UNSTABLE_POINT with free water,
+ * which comes with its point.
  */
 StatusCode three_quality_flash(const ThreeQualityCall& call);
 

@@ -1,3 +1,5 @@
+// Labels of the trace of three phases and their order. They are part of the interface.
+
 #include "flash3/trace_phases.hpp"
 
 namespace kestrune::flash3 {

@@ -6,6 +6,7 @@
 
 namespace kestrune::flash3 {
 
+/* The header of a flash and the phases that it starts from, which stand in their slots. */
 void trace_start(support::TraceWriter& trace, const Iteration& how, int n, const double* z, const Phases& p);
 
 struct Pass {
@@ -13,7 +14,7 @@ struct Pass {
   double error, factor;
   bool newton;
 };
-/* One pass; long: with the amounts and compositions of the three phases. */
+/* One pass; long_form: with the amounts and compositions of the three phases. */
 void trace_pass(support::TraceWriter& trace, const Pass& pass, int n, const Phases& p, bool long_form);
 
 }  // namespace kestrune::flash3

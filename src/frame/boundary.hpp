@@ -126,8 +126,13 @@ class FpGuard {
 };
 
 // Opaque to its caller: no floating-point operation of the body may move out of the guard's life.
+#ifdef __clang__
+#define KESTRUNE_OPAQUE [[gnu::noinline]]
+#else
+#define KESTRUNE_OPAQUE [[gnu::noipa]]
+#endif
 template <class Body>
-[[gnu::noipa]] StatusCode run_body(Body& body) {
+KESTRUNE_OPAQUE StatusCode run_body(Body& body) {
   return body();
 }
 

@@ -1,3 +1,5 @@
+// CAS texts, made and looked for.
+
 #include "frame/cas.hpp"
 
 #include <algorithm>

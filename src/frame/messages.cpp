@@ -1,3 +1,5 @@
+// Messages to the user, by the host's own box or the system's.
+
 #include "frame/messages.hpp"
 
 #include <algorithm>

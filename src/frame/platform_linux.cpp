@@ -1,3 +1,5 @@
+// The seam to Linux.
+
 #if !defined(_WIN32) && !defined(__EMSCRIPTEN__)
 
 #include <dlfcn.h>

@@ -1,3 +1,6 @@
+// The seam to WebAssembly: a module has no loader, no file and no window. The siblings are linked in; a message goes to
+// standard error, which is what the module's owner makes of it.
+
 #if defined(__EMSCRIPTEN__)
 
 #include <algorithm>
@@ -7,8 +10,6 @@
 #include "frame/platform.hpp"
 #include "kestrune/linked.h"
 
-// In a WebAssembly module there is no loader, no file and no window. The siblings are linked in; a message goes to
-// standard error, which is what the module's owner makes of it.
 namespace kestrune::platform {
 
 void* load_library(const char* path) noexcept {

@@ -1,3 +1,5 @@
+// The seam to Windows.
+
 #if defined(_WIN32)
 
 #define WIN32_LEAN_AND_MEAN
@@ -11,8 +13,8 @@ namespace kestrune::platform {
 
 namespace {
 
-// Full path of a file beside this module, in wide characters: a folder may have letters that the code page of the
-// system lacks. False when the module is not known or the path does not fit.
+// Full path of a file beside this module, in wide characters: a folder may have letters that the code page of
+// the system lacks. False when the module is not known or the path does not fit.
 bool path_beside(const char* name, wchar_t* path, DWORD capacity) noexcept {
   HMODULE self = nullptr;
   const DWORD by_address =

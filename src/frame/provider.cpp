@@ -1,3 +1,5 @@
+// Calls of the pure-component library by property, with statuses and units of this library.
+
 #include "frame/provider.hpp"
 
 #include <algorithm>

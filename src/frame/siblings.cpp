@@ -1,3 +1,5 @@
+// Where a sibling library lies, how it is bound, and how a call ends without it.
+
 #include "frame/siblings.hpp"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// The one instance of all that is remembered.
+
 #include "frame/state.hpp"
 
 namespace kestrune::frame {

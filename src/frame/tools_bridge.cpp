@@ -1,3 +1,6 @@
+// Entries of the tools library that need more than to be passed on: trace files of the solvers, and what is
+// called in twos.
+
 #include "frame/tools_bridge.hpp"
 
 #include <algorithm>

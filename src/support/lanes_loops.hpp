@@ -177,37 +177,55 @@ bool ldl_factor(int n, int ld_, double* a, double floor) {
   return true;
 }
 
-void group_sums(int n, int ld_, int m, const double* __restrict f, const double* __restrict A,
-                const double* __restrict e, const double* __restrict b, double* __restrict half,
-                double* __restrict d, double* __restrict out) {
-  const int ld = whole(ld_);
-  // half = A f^T, kept as [ld * m]; then d_i.
-  for (int i = 0; i < ld; ++i) d[i] = 0.0;
+// Rows begin .. of group_sums: half and d. Zeros of A are left out.
+template <int Vectors>
+[[gnu::always_inline]] inline void group_halves(int ld, int m, const double* f, const double* A,
+                                                const double* e, int begin, double* half, double* d) {
+  Four all[Vectors] = {};
   for (int k = 0; k < m; ++k) {
-    double* __restrict h = half + static_cast<std::size_t>(k) * ld;
-    for (int i = 0; i < ld; ++i) h[i] = 0.0;
+    Four sum[Vectors] = {};
     for (int l = 0; l < m; ++l) {
       const double w = A[l + k * m];
       if (w == 0.0) continue;
-      const double* __restrict fl = f + static_cast<std::size_t>(l) * ld;
-      for (int i = 0; i < ld; ++i) h[i] += w * fl[i];
+      const Four* const fl = four_at(f, ld, l, begin);
+      for (int v = 0; v < Vectors; ++v) sum[v] += w * fl[v];
     }
-    const double* __restrict fk = f + static_cast<std::size_t>(k) * ld;
-    for (int i = 0; i < ld; ++i) d[i] += fk[i] * h[i];
-  }
-  for (int i = 0; i < ld; ++i) d[i] = e[i] + 0.5 * d[i];
-  for (int j = 0; j < n; ++j) {
-    double* __restrict column = out + static_cast<std::size_t>(j) * ld;
-    const double dj = d[j], factor = 0.5 * b[j];
-    for (int i = 0; i < ld; ++i) column[i] = d[i] + dj;
-    for (int k = 0; k < m; ++k) {
-      const double w = f[j + static_cast<std::size_t>(k) * ld];
-      if (w == 0.0) continue;
-      const double* __restrict h = half + static_cast<std::size_t>(k) * ld;
-      for (int i = 0; i < ld; ++i) column[i] -= w * h[i];
+    const Four* const fk = four_at(f, ld, k, begin);
+    Four* const h = reinterpret_cast<Four*>(half + static_cast<std::size_t>(k) * ld + begin);
+    for (int v = 0; v < Vectors; ++v) {
+      h[v] = sum[v];
+      all[v] += fk[v] * sum[v];
     }
-    for (int i = 0; i < ld; ++i) column[i] *= factor * b[i];
   }
+  const Four* const own = four_at(e, ld, 0, begin);
+  Four* const out = reinterpret_cast<Four*>(d + begin);
+  for (int v = 0; v < Vectors; ++v) out[v] = own[v] + 0.5 * all[v];
+}
+
+// Rows begin .. of column j of its result. Groups that j does not have are left out.
+template <int Vectors>
+[[gnu::always_inline]] inline void group_column(int j, int ld, int m, const double* f, const double* b,
+                                                const double* half, const double* d, int begin, double* out) {
+  const Four *const di = four_at(d, ld, 0, begin), *const bi = four_at(b, ld, 0, begin);
+  const double dj = d[j], factor = 0.5 * b[j];
+  Four sum[Vectors];
+  for (int v = 0; v < Vectors; ++v) sum[v] = di[v] + dj;
+  for (int k = 0; k < m; ++k) {
+    const double w = f[j + static_cast<std::size_t>(k) * ld];
+    if (w == 0.0) continue;
+    const Four* const h = four_at(half, ld, k, begin);
+    for (int v = 0; v < Vectors; ++v) sum[v] -= w * h[v];
+  }
+  Four* const column = reinterpret_cast<Four*>(out + static_cast<std::size_t>(j) * ld + begin);
+  for (int v = 0; v < Vectors; ++v) column[v] = sum[v] * (factor * bi[v]);
+}
+
+void group_sums(int n, int ld_, int m, const double* f, const double* A, const double* e, const double* b,
+                double* half, double* d, double* out) {
+  const int ld = whole(ld_);
+  in_strips(0, ld, [&](int i, auto vectors) { group_halves<vectors>(ld, m, f, A, e, i, half, d); });
+  for (int j = 0; j < n; ++j)
+    in_strips(0, ld, [&](int i, auto vectors) { group_column<vectors>(j, ld, m, f, b, half, d, i, out); });
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+// Systems by L D L^T: the factors come from the wide loops, the solution is made here.
+
 #include "support/ldl.hpp"
 
 #include <cstddef>

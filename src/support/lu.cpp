@@ -1,3 +1,5 @@
+// Systems by L U, in place.
+
 #include "support/lu.hpp"
 
 #include <cfloat>

@@ -1,3 +1,5 @@
+// Lines of a trace and the file behind their unit.
+
 #include "support/trace.hpp"
 
 namespace kestrune::support {

@@ -1,3 +1,5 @@
+// Coefficients of the chart and of its correction for acid gases.
+
 #include "water/chart.hpp"
 
 #include <algorithm>

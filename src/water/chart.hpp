@@ -19,7 +19,7 @@ struct ChartRange {
  */
 bool chart_range(double CO2, double H2S, ChartRange& range) noexcept;
 
-// W = A/P + B as mole fractions: saturation/P + offset, P in atm.
+// W = A/P + B as mole fractions: saturation/P + offset, P in atm; (39) of docs/method.md.
 struct ChartLine {
   double saturation = 0.0;  // vapour pressure over liquid water, atm
   double offset = 0.0;
@@ -43,11 +43,13 @@ struct Chart {
 /*
  * Prepares T (K). KV_WATER_RANGE outside the range, or a status of the pure-component library.
  *
- * W = A/P + B: R. F. Bukacek, Equilibrium Moisture Content of Natural Gases, IGT Research Bulletin 8 (1955);
- * over supercooled water below 32 F, as the chart. Acid gases: R. N. Maddox, Gas and Liquid Sweetening, 2nd
- * ed., Campbell Petroleum Series (1974): the content is the sum of x_i W_i, with W of CO2 and H2S quadratic in
- * log P at a row of temperatures. Here the coefficients are linear in 1/T between the rows, and W_i/W keeps its
- * value beyond the ends of T and P (100 to 3000 psia) and is at least 1.
+ * W = A/P + B [Buk55], over supercooled water below 32 F, as the chart. Acid gases [Mad74]: the content is
+ * the sum of x_i W_i, with W of CO2 and H2S quadratic in log P at a row of temperatures. Here the
+ * coefficients are linear in 1/T between the rows, and W_i/W keeps its value beyond the ends of T and P (100
+ * to 3000 psia) and is at least 1.
+ *
+ * [Buk55] R. F. Bukacek, Equilibrium Moisture Content of Natural Gases, IGT Research Bulletin 8 (1955).
+ * [Mad74] R. N. Maddox, Gas and Liquid Sweetening, 2nd ed., Campbell Petroleum Series (1974).
  */
 StatusCode prepare_chart(double T, double CO2, double H2S, Chart& c) noexcept;
 

@@ -1,3 +1,5 @@
+// Liquid water and ice: vapour pressures, volumes, dissolved gases.
+
 #include "water/condensed.hpp"
 
 #include <cmath>
@@ -13,14 +15,14 @@ using frame::PureProperty;
 constexpr std::int32_t kWater = 7732185, kCO2 = 124389, kH2S = 7783064;
 constexpr double kPascalPerAtm = 101325.0;
 
-// Isothermal compressibility of liquid water, 1/atm: within 10 % between 273 and 383 K. G. S. Kell, J. Chem.
-// Eng. Data 20 (1975) 97.
+// Isothermal compressibility of liquid water, 1/atm: within 10 % between 273 and 383 K [Kel75].
+// [Kel75] G. S. Kell, J. Chem. Eng. Data 20 (1975) 97.
 constexpr double kCompressibility = 4.6e-5;
-// Molar volume of ice at the triple point. IAPWS R10-06 (2009): 916.7 kg/m3.
+// Molar volume of ice at the triple point, cm3/mol: 916.7 kg/m3 [Iap09]. [Iap09] IAPWS R10-06 (2009).
 constexpr double kIceVolume = 19.652;
-// Partial molar volumes at infinite dilution in water, about 25 to 50 C. CO2: N. Spycher, K. Pruess, J.
-// Ennis-King, Geochim. Cosmochim. Acta 67 (2003) 3015. H2S: J. A. Barbero, L. G. Hepler, K. G. McCurdy, P. R.
-// Tremaine, Can. J. Chem. 60 (1982) 1872.
+// Partial molar volumes at infinite dilution in water, cm3/mol, about 25 to 50 C: CO2 [Spy03], H2S [Bar82].
+// [Spy03] N. Spycher, K. Pruess, J. Ennis-King, Geochim. Cosmochim. Acta 67 (2003) 3015.
+// [Bar82] J. A. Barbero, L. G. Hepler, K. G. McCurdy, P. R. Tremaine, Can. J. Chem. 60 (1982) 1872.
 constexpr double kVolumeCO2 = 32.6, kVolumeH2S = 34.9;
 
 double supercooled(double T) noexcept {

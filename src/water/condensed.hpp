@@ -20,8 +20,9 @@ inline constexpr double kMolarMass = 18.01528;
  * Vapour pressure over liquid water, atm, from the pure-component library; below the triple point that of
  * supercooled water. KV_OK or the status of the library.
  *
- * Below: the form of D. M. Murphy and T. Koop, Q. J. R. Meteorol. Soc. 131 (2005) 1539, equation 10, scaled to
- * meet the library's value at the triple point.
+ * Below: the form of [Mur05], scaled to meet the library's value at the triple point.
+ *
+ * [Mur05] D. M. Murphy, T. Koop, Q. J. R. Meteorol. Soc. 131 (2005) 1539, equation 10.
  */
 StatusCode liquid_vapour_pressure(double T, double& P) noexcept;
 
@@ -48,8 +49,10 @@ struct Fugacity {
 
 /*
  * Water's fugacity at P, the lower one of liquid and ice; fugacities of the dissolving gases in atm, 0 for
- * none. liquid: Psat phi_sat exp(integral of v dP/RT) x_w, x_w = 1/(1 + n_CO2 + n_H2S), n = f/(H exp(v(P -
- * Psat)/RT)) ice:    Psub phi_sub exp(v (P - Psub)/RT)
+ * none. (37) and (38) of docs/method.md:
+ *   liquid: Psat phi_sat exp(integral of v dP/RT) x_w,  x_w = 1/(1 + n_CO2 + n_H2S),
+ *           n = f/(H exp(v (P - Psat)/RT))
+ *   ice:    Psub phi_sub exp(v (P - Psub)/RT)
  */
 Fugacity water_fugacity(const Condensed& c, double P, double f_CO2, double f_H2S) noexcept;
 

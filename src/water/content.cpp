@@ -1,3 +1,6 @@
+// The balance (36) of docs/method.md at one temperature and pressure, solved in the logarithm of the water
+// fraction.
+
 #include "water/content.hpp"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 // The water-content model: how much water a gas holds beside condensed water, by two methods.
 //
-// Method 1 balances the fugacity of water in the gas, PPR78, with that of condensed water (condensed.hpp). Dry
-// gas and water are a mixture of two: at one temperature the parameters of all its compositions follow from
-// those of the dry gas, so that an evaluation costs the same for any number of components. Method 2 is the
-// chart (chart.hpp).
+// Method 1 balances the fugacity of water in the gas, PPR78, with that of condensed water (condensed.hpp):
+// (36) of docs/method.md. Dry gas and water are a mixture of two: at one temperature the parameters of all
+// its compositions follow from those of the dry gas, so that an evaluation costs the same for any number of
+// components. Method 2 is the chart (chart.hpp).
 #ifndef KESTRUNE_WATER_CONTENT_HPP
 #define KESTRUNE_WATER_CONTENT_HPP
 

@@ -1,3 +1,5 @@
+// Dew pressures by Newton's method with a search behind it, dew temperatures by secants.
+
 #include "water/dew.hpp"
 
 #include <algorithm>

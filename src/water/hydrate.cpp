@@ -1,3 +1,5 @@
+// The hydrate curve and the constants of the inhibitors.
+
 #include "water/hydrate.hpp"
 
 #include <cmath>

@@ -16,9 +16,12 @@ namespace kestrune::water {
  * KV_INHIBITOR_MASS: kind 5 and M not positive, nothing is written. Nothing else is checked: at 100 percent T
  * is -infinity.
  *
- * B. F. Towler, S. Mokhatab, Hydrocarbon Processing 84 (2005) 61: T/F = 13.47 ln(P/psia) + 34.27 ln g
- * - 1.675 ln(P/psia) ln g - 20.35, g the gravity to air. E. G. Hammerschmidt, Ind. Eng. Chem. 26 (1934) 851:
- * depression K W/(M (100 - W)), K 2335 F for kind 5 and fitted for the others.
+ * (40) of docs/method.md: T/F = 13.47 ln(P/psia) + 34.27 ln g - 1.675 ln(P/psia) ln g - 20.35, g the gravity
+ * to air
+ * [Tow05]; depression K W/(M (100 - W)) [Ham34], K 2335 F for kind 5 and fitted for the others.
+ *
+ * [Tow05] B. F. Towler, S. Mokhatab, Hydrocarbon Processing 84 (2005) 61.
+ * [Ham34] E. G. Hammerschmidt, Ind. Eng. Chem. 26 (1934) 851.
  */
 void hydrate_line(const double* z, int kind, double M, double percent, int points, const MixtureRecord& mixture,
                   double* T, double* P) noexcept;

@@ -1,3 +1,5 @@
+// The k_ij of water in a gas, by CAS number.
+
 #include "water/interactions.hpp"
 
 #include <cmath>

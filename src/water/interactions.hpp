@@ -14,8 +14,8 @@ namespace kestrune::water {
  * they make the water content of carbon dioxide several times too large and that of cold methane 10 to 30 % too
  * small. The non-aqueous k_ij of the same equation of state describe the gas.
  *
- * I. Soreide, C. H. Whitson, Fluid Phase Equilibria 77 (1992) 217: methane, ethane, propane, n-butane (here
- * isobutane too), n-pentane and heavier (here to decane), nitrogen, carbon dioxide, hydrogen sulphide.
+ * [Sor92] I. Soreide, C. H. Whitson, Fluid Phase Equilib. 77 (1992) 217: methane, ethane, propane, n-butane
+ * (here isobutane too), n-pentane and heavier (here to decane), nitrogen, carbon dioxide, hydrogen sulphide.
  */
 void vapour_interactions(const MixtureRecord& mixture, double* k) noexcept;
 

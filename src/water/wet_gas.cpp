@@ -1,3 +1,5 @@
+// The saturated fraction as a content of the gas and as its composition.
+
 #include "water/wet_gas.hpp"
 
 #include "water/content.hpp"

@@ -45,7 +45,7 @@ class Refusals : public testing::Test {
       if (derivatives && output == 4) zeros = n;
       if (e.outputs == Refused::per_component) zeros = output == 4 ? n * n : n;
       for (std::size_t i = 0; i < kOutputSize; ++i)
-        EXPECT_EQ(values[i], i < zeros ? 0.0 : kMark) << output << ' ' << i;
+        EXPECT_EQ(values[i], i < zeros ? 0.0 : tests::kMark) << output << ' ' << i;
     }
     for (const auto& count : a.integers) EXPECT_EQ(count[1], kIntegerMark);
   }

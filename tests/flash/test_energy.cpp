@@ -132,6 +132,8 @@ TEST(EnergyFlash, ValuesOverARange) {
       {{"propane", "n_butane"}, {1.0 - 1e-11, 1e-11}, {8.0}, -4500.0, 1500.0, 400.0},
       {{"propane", "n_butane"}, {1.0 - 1e-8, 1e-8}, {0.073765821522003269}, -1728.6502555366651, -1728.0, 1.0},
       {{"carbon_dioxide", "ethane"}, {0.67, 0.33}, {5.0, 20.0}, -3500.0, 500.0, 400.0},
+      // A liquid whose heat capacity is below zero by its steep k_ij(T).
+      {{"argon", "cyclopropane"}, {0.5, 0.5}, {4.463}, -4000.0, -1000.0, 500.0},
   };
   for (const Case& c : cases) {
     Mixture m = mixture_of(c.ids);

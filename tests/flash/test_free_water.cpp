@@ -263,27 +263,27 @@ TEST(FreeWater, VapourFractions) {
     }
   }
   // Beside pressures where the rules have no state; and where next to no oil is left beside the water.
-  struct Point {
+  struct WetPoint {
     std::vector<std::string> ids;
     double A, B, W, T, P;
     std::vector<double> z;
   };
-  const Point points[] = {{{"methane", "carbon_dioxide", "hydrogen_sulfide", "n_butane", "water"},
-                           8,
-                           5000,
-                           0.9,
-                           391.09956499605926,
-                           0,
-                           {0.095826762185685491, 0.13414668888452014, 0.21632612423376862, 0.54870042469602587,
-                            0.0050000000000000001}},
-                          {{"methane", "n_butane", "water"},
-                           11.2,
-                           6290,
-                           0.1,
-                           0,
-                           1.1039006667734783,
-                           {0.081328819423093807, 0.018671180576906171, 0.9}}};
-  for (const Point& p : points) {
+  const WetPoint points[] = {{{"methane", "carbon_dioxide", "hydrogen_sulfide", "n_butane", "water"},
+                              8,
+                              5000,
+                              0.9,
+                              391.09956499605926,
+                              0,
+                              {0.095826762185685491, 0.13414668888452014, 0.21632612423376862,
+                               0.54870042469602587, 0.0050000000000000001}},
+                             {{"methane", "n_butane", "water"},
+                              11.2,
+                              6290,
+                              0.1,
+                              0,
+                              1.1039006667734783,
+                              {0.081328819423093807, 0.018671180576906171, 0.9}}};
+  for (const WetPoint& p : points) {
     Mixture m = wet(p.ids, p.A, p.B);
     FlashResult r = flash(m, 320.0, 20.0, p.z);
     double T = p.T, P = p.P;

@@ -58,7 +58,7 @@ TEST(WaterRules, FlagClearAndVapourFollowTheEquation) {
   std::vector<double> composition(x, x + kN);
   Mixture m = mixture_of({"methane", "propane", "water", "n_hexane"});
   for (const int phase : {KV_PHASE_GAS, KV_PHASE_LIQUID}) {
-    const Evaluated e = evaluate_state(m, kT, kP, phase, composition, 6);
+    const tests::Evaluated e = evaluate_state(m, kT, kP, phase, composition, 6);
     const Kind kind = phase == KV_PHASE_GAS ? Kind::gas : Kind::liquid;
     const Values v = evaluate(kT, kP, x, kind, phase == KV_PHASE_GAS);
     for (std::size_t i = 0; i < kN; ++i) {

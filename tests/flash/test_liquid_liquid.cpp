@@ -54,14 +54,14 @@ struct Case {
   std::vector<double> z;
   double T, P;
 };
-const Case kTwoLiquids[] = {{{"nitrogen", "ethane"}, {0.5, 0.5}, 110, 60},
+const Case kSplitCases[] = {{{"nitrogen", "ethane"}, {0.5, 0.5}, 110, 60},
                             {{"methane", "hydrogen_sulfide"}, {0.7, 0.3}, 160, 60},
                             {{"carbon_dioxide", "methane", "n_decane"}, {0.7, 0.1, 0.2}, 240, 80},
                             {{"methane", "n_hexane", "water"}, {0.1, 0.4, 0.5}, 350, 60},
                             {{"methane", "n_eicosane", "water", "ethane"}, {0.1, 0.4, 0.5, 0.0}, 300, 60}};
 
 TEST(LiquidLiquid, TwoLiquidsTheDenserFirst) {
-  for (const Case& c : kTwoLiquids) {
+  for (const Case& c : kSplitCases) {
     SCOPED_TRACE(c.ids[0] + " " + c.ids[1]);
     Mixture m = mixture_of(c.ids);
     m.use();

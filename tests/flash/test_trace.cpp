@@ -63,7 +63,7 @@ Traced traced(Mixture& m, double T, double P, int options = 1, const FlashResult
   return traced(m, [&] { return flash(m, T, P, kRichGasFeed, options, nullptr, start); });
 }
 
-Mixture rich() {
+Mixture rich_gas() {
   Mixture m = mixture_of(kRichGas);
   m.use();
   return m;
@@ -74,7 +74,7 @@ const std::string kInitial = " TAUX DE VAPORISATION  :",
 const std::string kGlobal = " METHODE = GLOBALE", kNewton = " METHODE = QUASI-LINEARISATION";
 
 TEST(Trace, RecordsInTheirOrder) {
-  Mixture m = rich();
+  Mixture m = rich_gas();
   m.record.NEW = 1000;
   m.record.ITEMAX = 321;
   const Traced t = traced(m, 280, 60);
@@ -120,7 +120,7 @@ TEST(Trace, RecordsInTheirOrder) {
 }
 
 TEST(Trace, ChangeOfMethodFollowsItsBudget) {
-  Mixture m = rich();
+  Mixture m = rich_gas();
   for (const Condition& c : {Condition{280, 60}, Condition{255, 80}}) {
     m.record.NEW = 1000;
     m.record.ITEMAX = 5000;
@@ -143,7 +143,7 @@ TEST(Trace, ChangeOfMethodFollowsItsBudget) {
 }
 
 TEST(Trace, TheIterationLimitRestartsOnceWithTheRobustSettings) {
-  Mixture m = rich();
+  Mixture m = rich_gas();
   const FlashResult reference = flash(m, 280, 60, kRichGasFeed);
   m.record.ITEMAX = 2;
   const Traced t = traced(m, 280, 60);
@@ -160,7 +160,7 @@ TEST(Trace, TheIterationLimitRestartsOnceWithTheRobustSettings) {
 // Of a warm start the estimate, of a cold one what the solver begins with; the number of a start of its own
 // once.
 TEST(Trace, InitialStateIsWhatTheIterationTakes) {
-  Mixture m = rich();
+  Mixture m = rich_gas();
   for (const Condition& c : kTwoPhases) {
     SCOPED_TRACE(testing::Message() << c.T << " K " << c.P << " atm");
     const FlashResult answer = flash(m, c.T, c.P, kRichGasFeed);
@@ -310,7 +310,7 @@ TEST(Trace, EnthalpyAndEntropy) {
 
 // The passes count from 1 up to the limit, the last of them meets the criterion; T below TMIN is not used.
 TEST(Trace, VapourFractions) {
-  Mixture m = rich();
+  Mixture m = rich_gas();
   FlashResult r;
   for (auto* a : {&r.x, &r.y, &r.K}) a->resize(10);
   const auto run = [&](double W, double T, int options, double& found) {
@@ -373,7 +373,7 @@ StatusCode KV_CALL with_a_flash(double T, double P, const double* x, MixtureReco
 
 // Whole records, and in the order of the calls: every flash inside another has its header before its result.
 TEST(Trace, NestedFlashesComeOutWholeAndInOrder) {
-  Mixture m = rich(), oil = mixture_of({"methane", "n_butane", "water"});
+  Mixture m = rich_gas(), oil = mixture_of({"methane", "n_butane", "water"});
   Mixture methane = mixture_of({"methane"});
   nested = &methane;
   ModelRoutines routines{};
@@ -417,7 +417,7 @@ TEST(Trace, NestedFlashesComeOutWholeAndInOrder) {
 
 TEST(Trace, NothingIsWrittenUnasked) {
   const ScratchFolder folder;
-  Mixture m = rich();
+  Mixture m = rich_gas();
   m.record.trace_unit = 17;
   flash(m, 280, 60, kRichGasFeed);
   EXPECT_TRUE(std::filesystem::is_empty("."));

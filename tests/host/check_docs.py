@@ -94,7 +94,7 @@ def main():
             text = check_page(page, folder)
             if WRITE:
                 page.write_text(text)
-        host = "".join((ROOT / "docs" / name).read_text() for name in ("host.md", "water.md", "envelope.md"))
+        host = "".join((ROOT / "docs" / name).read_text() for name in ("host.md", "water.md", "envelope.md", "batch.md"))
         check_options(host, folder)
     if problems and not WRITE:
         sys.exit("\n\n".join(problems))

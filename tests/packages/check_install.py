@@ -4,6 +4,7 @@
 """
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -30,6 +31,14 @@ def no_trace_of(root, prefix):
     for file in prefix.rglob("*"):
         if file.suffix in (".cmake", ".pc") and str(root) in file.read_text(encoding="utf-8"):
             sys.exit(f"{file} names {root}")
+
+
+def no_dead_links(documents):
+    dead = [f"{page.relative_to(documents)} links to {to}" for page in documents.rglob("*.md")
+            for to in re.findall(r"\]\(([^)#\s]+)", page.read_text(encoding="utf-8"))
+            if ":" not in to and not (page.parent / to).exists()]
+    if dead:
+        sys.exit("\n".join([f"dead links in {documents}:", *dead]))
 
 
 def main(argv):
@@ -72,6 +81,7 @@ def main(argv):
         if not all(text in file.read_bytes() for text in resource):
             sys.exit(f"{file} has no version resource of {version}")
     no_trace_of(root, prefix)
+    no_dead_links(documents)
     for name in ("LICENSE", "CHANGELOG.md", "docs/hosts.md", "data/NOTICE.md", "bindings/exports.toml",
                  "bindings/python/kestrune/_exports.py"):
         if platform != "linux" or name != "LICENSE" or not (documents / "copyright").exists():

@@ -25,7 +25,7 @@ struct Judge {
   }
 };
 
-Phase phase_of(const Row& row) {
+Phase phase_of_state(const Row& row) {
   Phase p(split(row.at("ids"), ';'), numbers(row, "x"));
   p.m->record.flags = row.at("free_water") == "1" ? FreeWaterFlag : 0;
   return p.at(number(row, "T_K"), number(row, "P_atm"), static_cast<int>(number(row, "phase")));
@@ -57,7 +57,7 @@ TEST(PropertyReference, EveryState) {
   for (const Row& row : rows("property_reference.csv")) {
     SCOPED_TRACE(row.at("state") + " " + row.at("ids") + " " + row.at("T_K") + " K " + row.at("P_atm") +
                  " atm");
-    const Phase p = phase_of(row);
+    const Phase p = phase_of_state(row);
     const Judge expect{row};
     if (p.gas()) {
       expect("viscosity", p.viscosity());

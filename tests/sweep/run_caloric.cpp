@@ -9,13 +9,13 @@
 namespace kestrune::sweep {
 namespace {
 
-constexpr int starts = 4;
-const char* const start_names[starts] = {"none", "60 K off", "far", "warm"};
+constexpr int start_count = 4;
+const char* const names_of_starts[start_count] = {"none", "60 K off", "far", "warm"};
 
 void count(const CaloricAnswer& a, const CaloricVerdict& v, int start, Tally& tally) {
   tally.count("trips");
-  tally.seconds[std::string("start ") + start_names[start]].push_back(a.seconds);
-  if (!v.group.empty()) return tally.blame({v.group + ", start " + start_names[start]});
+  tally.seconds[std::string("start ") + names_of_starts[start]].push_back(a.seconds);
+  if (!v.group.empty()) return tally.blame({v.group + ", start " + names_of_starts[start]});
   tally.count("jump", a.phases.status == KV_NOT_CONVERGED);
   tally.count("range", a.phases.status == KV_PURE_RANGE);
   tally.count("other", v.other_state);
@@ -33,17 +33,18 @@ struct GridPlan {
 };
 
 // One state, what was asked about it and what came back.
-struct Trip {
+struct CaloricTrip {
   bool usable = false;
   CaloricQuestion question;
   Answer base;  // of the state
-  double T_start[starts] = {};
-  CaloricAnswer answers[starts];
-  CaloricVerdict verdicts[starts];
+  double T_start[start_count] = {};
+  CaloricAnswer answers[start_count];
+  CaloricVerdict verdicts[start_count];
 };
 
 // Enthalpy or entropy of a phase by the property exports.
-bool value_of(Library& library, const Trip& trip, double T, const Answer& phases, bool vapour, double& value) {
+bool value_of(Library& library, const CaloricTrip& trip, double T, const Answer& phases, bool vapour,
+              double& value) {
   const Question& state = trip.question.state;
   return library.property(trip.question.quantity, asks_gas(state, T, phases, vapour), T, state.P,
                           vapour ? phases.y : phases.x, value);
@@ -52,7 +53,7 @@ bool value_of(Library& library, const Trip& trip, double T, const Answer& phases
 // The state: by the flash at T and P, or where that cannot meet two phases (feeds of nearly one component,
 // every second state), by the temperature of a vapour fraction drawn from the state.
 void set_state(Library& library, const Sides& sides, const Components& components, int k, const State& state,
-               Trip& trip) {
+               CaloricTrip& trip) {
   const Feed& feed = sides.feed;
   Question& q = trip.question.state;
   q = question_of(feed, components, state);
@@ -78,7 +79,7 @@ void set_state(Library& library, const Sides& sides, const Components& component
   trip.usable = true;
 }
 
-double total_of(Library& library, const Trip& trip, double T, const Answer& phases) {
+double total_of(Library& library, const CaloricTrip& trip, double T, const Answer& phases) {
   double liquid = 0, vapour = 0;
   if (phases.beta < 1) value_of(library, trip, T, phases, false, liquid);
   if (phases.beta > 0) value_of(library, trip, T, phases, true, vapour);
@@ -88,7 +89,7 @@ double total_of(Library& library, const Trip& trip, double T, const Answer& phas
 // Value k of a grid: rows of one pressure each, the pressures evenly spaced in their logarithms, in a row the
 // values between those of the feed as one phase at the ends of the temperatures.
 void set_value(Library& library, const Feed& feed, const Components& components, int k, const GridPlan& plan,
-               Trip& trip) {
+               CaloricTrip& trip) {
   const int row = k / plan.columns;
   const double P = 0.05 * std::pow(4000.0, (row + plan.shift) / plan.rows);
   trip.question.quantity = row % 2 ? Quantity::entropy : Quantity::enthalpy;
@@ -110,9 +111,9 @@ void set_value(Library& library, const Feed& feed, const Components& components,
 }
 
 // Of a value on a grid: refused where no temperature has it, and the same from everywhere.
-void judge_starts(Library& library, Trip& trip) {
+void judge_starts(Library& library, CaloricTrip& trip) {
   int jump = -1;  // not known
-  for (int s = 0; s < starts; ++s) {
+  for (int s = 0; s < start_count; ++s) {
     CaloricVerdict& verdict = trip.verdicts[s];
     const CaloricAnswer& a = trip.answers[s];
     if (a.phases.status == KV_NOT_CONVERGED && !trip.question.state.free_water) {
@@ -127,13 +128,13 @@ void judge_starts(Library& library, Trip& trip) {
   }
 }
 
-void ask(Library& library, const Feed& feed, int k, const Trip* before, Trip& trip) {
+void ask(Library& library, const Feed& feed, int k, const CaloricTrip* before, CaloricTrip& trip) {
   const Question& state = trip.question.state;
   trip.T_start[1] = std::max(10.0, state.T + (k % 4 < 2 ? 60 : -60));
   trip.T_start[2] = k % 2 ? 5 : 5000;
   if (before && before->base.status != 0 && before->base.status != KV_PURE_RANGE) before = nullptr;
   trip.T_start[3] = before ? before->question.state.T : 0;
-  for (int s = 0; s < starts; ++s) {
+  for (int s = 0; s < start_count; ++s) {
     CaloricAnswer& a = trip.answers[s];
     a = library.caloric(feed, trip.question.quantity, trip.question.value, state.P, trip.T_start[s],
                         s == 3 && before ? &before->base : nullptr);
@@ -147,12 +148,12 @@ void ask(Library& library, const Feed& feed, int k, const Trip* before, Trip& tr
   if (trip.question.given) judge_starts(library, trip);
 }
 
-void sweep_feed(const Options& o, Library& library, const Feed& feed, int count_of, std::FILE* failures,
-                Tally& tally) {
+void sweep_caloric(const Options& o, Library& library, const Feed& feed, int count_of, std::FILE* failures,
+                   Tally& tally) {
   const Components components = read_components(o.data, feed.ids);
   const Sides sides(feed, components);
   library.prepare(feed, components);
-  std::vector<Trip> trips;
+  std::vector<CaloricTrip> trips;
   if (o.mode == Mode::values) {
     const int rows = std::max(2, static_cast<int>(std::sqrt(count_of / 2.0)));
     const GridPlan plan{rows, count_of / rows + 1, o.seed_of(feed) % 1009 / 1009.0};
@@ -170,16 +171,16 @@ void sweep_feed(const Options& o, Library& library, const Feed& feed, int count_
     if (trips[k].usable)
       ask(library, feed, k, k > 0 && trips[k - 1].usable ? &trips[k - 1] : nullptr, trips[k]);
   });
-  for (const Trip& trip : trips) {
+  for (const CaloricTrip& trip : trips) {
     const CaloricQuestion& q = trip.question;
     tally.count("skip", !trip.usable);
-    for (int s = 0; s < starts && trip.usable; ++s) {
+    for (int s = 0; s < start_count && trip.usable; ++s) {
       const CaloricAnswer& a = trip.answers[s];
       const CaloricVerdict& v = trip.verdicts[s];
       count(a, v, s, tally);
       if (!v.group.empty())
         Line(failures) << feed.name << (q.quantity == Quantity::entropy ? "SP" : "HP") << q.value << q.state.P
-                       << q.state.T << q.beta << start_names[s] << trip.T_start[s] << a.phases.status << a.T
+                       << q.state.T << q.beta << names_of_starts[s] << trip.T_start[s] << a.phases.status << a.T
                        << a.phases.beta << v.group << v.reason << feed.z;
     }
   }
@@ -194,11 +195,11 @@ int run_caloric(const Options& o, Library& library, std::FILE* failures) {
   std::vector<Feed> feeds = all_feeds();
   if (o.mode == Mode::values)
     for (Feed& feed : value_feeds()) feeds.push_back(std::move(feed));
-  const int count_of = o.states / starts / static_cast<int>(feeds.size()) + 1;
+  const int count_of = o.states / start_count / static_cast<int>(feeds.size()) + 1;
   const Columns columns{{"trips", "single", "two", "three", "range", "other", "skip", "jump"},
                         {"T", "balance", "ln f"}};
   return run_over(o, columns, feeds, [&](const Feed& feed, Tally& tally) {
-    sweep_feed(o, library, feed, count_of, failures, tally);
+    sweep_caloric(o, library, feed, count_of, failures, tally);
   });
 }
 

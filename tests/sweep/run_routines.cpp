@@ -46,11 +46,11 @@ Row row_of(const char* flash, const ThreeAnswer& a) {
 }
 
 // What is asked at a state; the values come from the state itself.
-struct Asked {
+struct RoutinesQuestion {
   double T, P, value[2], W;
 };
 
-std::vector<Row> ask(Library& library, const Feed& feed, const Asked& s) {
+std::vector<Row> ask(Library& library, const Feed& feed, const RoutinesQuestion& s) {
   const char* const caloric[] = {"FlashLVatHP", "FlashLVatSP"};
   const char* const three_caloric[] = {"FlashLLVatHP", "FlashLLVatSP"};
   std::vector<Row> rows{row_of("FlashLVatTP", library.flash(feed, s.T, s.P)),
@@ -109,7 +109,7 @@ double difference(const Row& one, const Row& other) {
   return most;
 }
 
-void compare(Library& library, const Feed& feed, const Asked& s, Tally& tally, std::FILE* failures) {
+void compare(Library& library, const Feed& feed, const RoutinesQuestion& s, Tally& tally, std::FILE* failures) {
   library.use(OwnRoutines::none);
   const std::vector<Row> expected = ask(library, feed, s);
   tally.count("states");
@@ -147,7 +147,7 @@ int run_routines(const Options& o, Library& library, std::FILE* failures) {
       feed.solubility_a = 11.2;
       feed.solubility_b = 6290.0;
       library.prepare(feed, components);
-      Asked s{states[k].T, states[k].P, {}, (k % 5) * 0.25};
+      RoutinesQuestion s{states[k].T, states[k].P, {}, (k % 5) * 0.25};
       if (value_at(library, feed, s.T, s.P, Quantity::enthalpy, s.value[0]) &&
           value_at(library, feed, s.T, s.P, Quantity::entropy, s.value[1]))
         compare(library, feed, s, tally, failures);

@@ -47,8 +47,8 @@ Asked ask(Library& library, const Sides& sides, const Components& components, co
   return out;
 }
 
-void sweep_feed(const Options& o, Library& library, const Feed& feed, int count_of, std::FILE* failures,
-                Tally& tally) {
+void sweep_saturation(const Options& o, Library& library, const Feed& feed, int count_of, std::FILE* failures,
+                      Tally& tally) {
   const Components components = read_components(o.data, feed.ids);
   const Sides sides(feed, components);
   const std::vector<SaturationQuestion> questions =
@@ -80,7 +80,7 @@ int run_saturation(const Options& o, Library& library, std::FILE* failures) {
       {"points", "bubble", "dew", "between", "none", "2 liq", "117", "missed", "unst", "clamp"},
       {"balance", "ln f", "-tpd", "trip"}};
   return run_over(o, columns, feeds, [&](const Feed& feed, Tally& tally) {
-    sweep_feed(o, library, feed, count_of, failures, tally);
+    sweep_saturation(o, library, feed, count_of, failures, tally);
   });
 }
 

@@ -20,8 +20,8 @@ void count(const Trip& trip, Tally& tally) {
   tally.size("-tpd", -v.tpd);
 }
 
-void sweep_system(const Options& o, Library& library, const System& system, int count_of, std::FILE* failures,
-                  Tally& tally) {
+void sweep_given(const Options& o, Library& library, const System& system, int count_of, std::FILE* failures,
+                 Tally& tally) {
   const Components components = read_components(o.data, system.feed.ids);
   library.prepare(system.feed, components);
   const Sample sample =
@@ -68,7 +68,7 @@ int run_three_given(const Options& o, Library& library, std::FILE* failures) {
   const int count_of = o.states / static_cast<int>(systems.size()) + 1;
   return run_over(
       o, {{"trips", "states", "other", "none"}, {"T, P", "balance", "ln f", "-tpd"}}, systems,
-      [&](const System& s, Tally& tally) { sweep_system(o, library, s, count_of, failures, tally); });
+      [&](const System& s, Tally& tally) { sweep_given(o, library, s, count_of, failures, tally); });
 }
 
 }  // namespace kestrune::sweep

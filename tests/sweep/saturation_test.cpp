@@ -16,13 +16,13 @@ namespace {
 using namespace kestrune::sweep;
 using Result = SaturationVerdict::Result;
 
-struct Case {
+struct SaturationCase {
   Feed feed;
   Components components;
   Split split;  // of the original feed
   double T, P;
 
-  Case(const std::string& name, double T_, double P_) : T(T_), P(P_) {
+  SaturationCase(const std::string& name, double T_, double P_) : T(T_), P(P_) {
     for (const Feed& f : all_feeds()) {
       if (f.name == name) feed = f;
     }
@@ -51,7 +51,7 @@ struct Case {
 TEST(SaturationJudge, AcceptsRightAnswersAndFindsPlantedErrors) {
   for (double W : {0.0, 0.4, 1.0}) {
     for (Given given : {Given::temperature, Given::pressure}) {
-      Case c("rich_gas", 230, 30);
+      SaturationCase c("rich_gas", 230, 30);
       ASSERT_TRUE(c.split.two_phase);
       SaturationQuestion q = c.ask(given, W);
       if (W == 0.4) q.W = c.split.beta;
@@ -78,9 +78,9 @@ TEST(SaturationJudge, AcceptsRightAnswersAndFindsPlantedErrors) {
 }
 
 TEST(SaturationJudge, FindsExchangedPhases) {
-  Case c("rich_gas", 230, 30);
+  SaturationCase c("rich_gas", 230, 30);
   for (double W : {0.0, c.split.beta, 1.0}) {
-    Case swapped = c;
+    SaturationCase swapped = c;
     std::swap(swapped.split.x, swapped.split.y);
     const SaturationQuestion q = swapped.ask(Given::temperature, W == c.split.beta ? 1 - W : W);
     if (W == c.split.beta) swapped.feed = c.feed;
@@ -90,7 +90,7 @@ TEST(SaturationJudge, FindsExchangedPhases) {
 
 // Vapour of a state in the retrograde region: its dew point there is the upper one.
 TEST(SaturationJudge, FindsTheUpperDewBranch) {
-  Case c("rich_gas", 290, 100);
+  SaturationCase c("rich_gas", 290, 100);
   ASSERT_TRUE(c.split.two_phase);
   const SaturationQuestion q = c.ask(Given::temperature, 1);
   Composition hint;
@@ -101,7 +101,7 @@ TEST(SaturationJudge, FindsTheUpperDewBranch) {
 }
 
 TEST(SaturationJudge, KnowsWhereNoPointExists) {
-  Case c("rich_gas", 500, 30);
+  SaturationCase c("rich_gas", 500, 30);
   SaturationAnswer none = c.right(Given::temperature);
   none.status = 116;
   for (double W : {0.0, 0.5, 1.0}) {
@@ -110,13 +110,13 @@ TEST(SaturationJudge, KnowsWhereNoPointExists) {
     EXPECT_EQ(other.group, "status 116, a point exists");
     EXPECT_GT(other.other, 0.1) << W;
   }
-  Case pure("methane", 150, 10);
+  SaturationCase pure("methane", 150, 10);
   EXPECT_EQ(pure.judge({Given::temperature, 0, 200, false, ""}, none).result, Result::none);
   EXPECT_EQ(pure.judge({Given::temperature, 0, 180, false, ""}, none).result, Result::wrong);
 }
 
 TEST(SaturationJudge, JudgesTheWayBack) {
-  Case c("lean_gas", 200, 30);
+  SaturationCase c("lean_gas", 200, 30);
   const SaturationQuestion q = c.ask(Given::pressure, 1);
   const SaturationAnswer right = c.right(Given::pressure);
   for (double shift : {1e-12, 1e-6}) {
@@ -130,7 +130,7 @@ TEST(SaturationJudge, JudgesTheWayBack) {
 }
 
 TEST(CaloricJudge, FindsPlantedErrors) {
-  const Case c("rich_gas", 230, 30), gas("rich_gas", 400, 5);
+  const SaturationCase c("rich_gas", 230, 30), gas("rich_gas", 400, 5);
   const double beta = c.split.beta;
   const CaloricQuestion q{
       Quantity::enthalpy, {&c.components, c.feed.z, c.T, c.P}, -3000 * (1 - beta) - 700 * beta, beta};

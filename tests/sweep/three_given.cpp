@@ -6,7 +6,7 @@
 namespace kestrune::sweep {
 namespace {
 
-void fail(ThreeVerdict& verdict, const std::string& group, const std::string& reason) {
+void blame(ThreeVerdict& verdict, const std::string& group, const std::string& reason) {
   verdict.group = group;
   verdict.reason = reason;
 }
@@ -19,7 +19,7 @@ bool values_agree(const ThreeCaloricAnswer& a, const ThreeValues& values, ThreeV
     const double expected = values.value[k];
     if (values.known[k] && std::abs(a.values[k] - expected) <= 1e-8 * std::max(1.0, std::abs(expected)))
       continue;
-    fail(verdict, names[k], text("the phase has %.12g, reported %.12g", expected, a.values[k]));
+    blame(verdict, names[k], text("the phase has %.12g, reported %.12g", expected, a.values[k]));
     return false;
   }
   return true;
@@ -56,7 +56,7 @@ GivenVerdict judge_three_caloric(const ThreeCaloricQuestion& q, const ThreeCalor
   Question state = q.state;
   state.T = a.T;
   if (a.phases.status == 0 && !(a.T > 0 && a.T < 1e5)) {
-    fail(verdict, "not a temperature", text("T is %.17g", a.T));
+    blame(verdict, "not a temperature", text("T is %.17g", a.T));
     return verdict;
   }
   static_cast<ThreeVerdict&>(verdict) = judge_three(state, a.phases);
@@ -66,13 +66,13 @@ GivenVerdict judge_three_caloric(const ThreeCaloricQuestion& q, const ThreeCalor
   for (int k = 0; k < 3; ++k) total += shares[k] == 0 ? 0 : shares[k] * a.values[k];
   verdict.energy = std::abs(total - q.value) / std::max(1.0, std::abs(q.value));
   if (!(verdict.energy <= caloric_balance_tolerance)) {
-    fail(verdict, "energy balance", text("the phases add up to %.12g of %.12g", total, q.value));
+    blame(verdict, "energy balance", text("the phases add up to %.12g of %.12g", total, q.value));
     return verdict;
   }
   verdict.apart = std::max({0.0, q.T_low - a.T, a.T - q.T_high});
   if (verdict.apart <= caloric_temperature_tolerance) return verdict;
   verdict.other = verdict.energy <= 1e-9 && verdict.apart < 1e-3;
-  if (!verdict.other) fail(verdict, "temperature", text("T off by %.3g K, at %.17g", verdict.apart, a.T));
+  if (!verdict.other) blame(verdict, "temperature", text("T off by %.3g K, at %.17g", verdict.apart, a.T));
   return verdict;
 }
 
@@ -80,7 +80,7 @@ ThreeVerdict judge_three_point(const Question& question, double W, const ThreePo
   ThreeAnswer answer = point.phases;
   ThreeVerdict verdict;
   if (answer.status == 0 && !(point.found > 0 && point.found < 1e5)) {
-    fail(verdict, "not a temperature or pressure", text("found %.17g", point.found));
+    blame(verdict, "not a temperature or pressure", text("found %.17g", point.found));
     return verdict;
   }
   answer.V = W;
@@ -90,7 +90,7 @@ ThreeVerdict judge_three_point(const Question& question, double W, const ThreePo
   const auto phases = present_phases(question, r, answer);
   std::string fault = incipient_fault(question, r, phases, W == 0 ? 'V' : 'B', W == 0 ? answer.y : answer.b);
   if (!fault.empty() && W == 1 && incipient_fault(question, r, phases, 'A', answer.a).empty()) fault = "";
-  if (!fault.empty()) fail(verdict, fault, fault);
+  if (!fault.empty()) blame(verdict, fault, fault);
   return verdict;
 }
 

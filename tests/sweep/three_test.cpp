@@ -24,15 +24,15 @@ const System& system_named(const std::string& name) {
   throw std::runtime_error(name);
 }
 
-struct Case {
+struct ThreeCase {
   Components components;
   Question question;
 
-  Case(const char* name, double T, double P)
+  ThreeCase(const char* name, double T, double P)
       : components(read_components(KESTRUNE_DATA, system_named(name).feed.ids)) {
     question = {&components, system_named(name).feed.z, T, P};
   }
-  Case(const Case&) = delete;
+  ThreeCase(const ThreeCase&) = delete;
 };
 
 // A search from many more starts finds nothing that the judge missed.
@@ -104,7 +104,7 @@ TEST(ThreeStates, Sample) {
 
 class PlantedErrors : public testing::Test {
  protected:
-  const Case c{"methane_butane_water", 320, 15};
+  const ThreeCase c{"methane_butane_water", 320, 15};
   const ThreeAnswer right = slow_flash(c.question);
 
   std::string found(const ThreeAnswer& answer) const { return judge_three(c.question, answer).group; }
@@ -169,7 +169,7 @@ TEST_F(PlantedErrors, NumberOfPhases) {
   ThreeAnswer one{0, 1, 0, c.question.z, c.question.z, c.question.z, c.question.z, c.question.z};
   EXPECT_EQ(found(one), "unstable, 1 phases reported");
   ThreeAnswer twice = right;  // all of the vapour in two pieces
-  const Case dry("methane_butane_water", 440, 40);
+  const ThreeCase dry("methane_butane_water", 440, 40);
   const ThreeAnswer two = slow_flash(dry.question);
   ASSERT_EQ(layout_of(two), Layout::liquid_vapour);
   ASSERT_EQ(judge_three(dry.question, two).group, "");

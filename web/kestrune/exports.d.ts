@@ -307,7 +307,7 @@ export interface BareExports {
    * @param points number wanted, 0: as traced
    * @param capacity of the three point arrays
    * @param fraction 1: bubble and dew curves; between 0 and 1: that line, mol/mol
-   * @param accuracy relative accuracy of a point, 0: 1e-8
+   * @param accuracy 0, or 1e-10 and more: every point is converged to 1e-10
    * @param T temperatures, K, [capacity], out
    * @param P pressures, atm, [capacity], out
    * @param kind 1 dew, 0 bubble, 0.5 critical, 4 two liquids, [capacity], out

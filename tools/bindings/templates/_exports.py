@@ -15,12 +15,14 @@ called, and returns the status (STATUS has names and texts). library.raw holds t
 which check nothing. Group data stay alive for the library, which is one per process however often it is opened.
 Units: K, atm, cal/mol, cal/(mol K), cm3/mol, g/cm3 unless a word says otherwise.
 """
+from __future__ import annotations
+
 import ctypes
 import math
 import operator
 import sys
 from ctypes import POINTER, c_double, c_int32, c_uint8
-from typing import NamedTuple
+from typing import TYPE_CHECKING, Any, Callable, Mapping, NamedTuple, Optional, Sequence
 
 VERSION = "@VERSION@"
 LIBRARY = "@LIBRARY@"
@@ -47,7 +49,7 @@ class MixtureRecord(ctypes.Structure):
     ]
 
     @classmethod
-    def of(cls, table, count):
+    def of(cls, table: Any, count: int) -> MixtureRecord:
         """Record of count components; table: 43 * count doubles, column by column, kept alive by the record."""
         record = cls()
         record.count = _integer("count", count)
@@ -84,13 +86,13 @@ EXPORTS = {
 @EXPORTS@
 }
 
-_NUMBERS = {"doubles": c_double, "ints": c_int32}
-_TYPES = {"double": c_double, "int": c_int32, "doubles": POINTER(c_double), "ints": POINTER(c_int32),
+_NUMBERS: dict[str, Any] = {"doubles": c_double, "ints": c_int32}
+_TYPES: dict[str, Any] = {"double": c_double, "int": c_int32, "doubles": POINTER(c_double), "ints": POINTER(c_int32),
           "record": POINTER(MixtureRecord), "routines": POINTER(ModelRoutines), "buffers": POINTER(POINTER(c_double))}
 _FORMATS = {"doubles": {"d", "<d", "=d"}, "ints": {"i", "l", "<i", "=i", "<l", "=l"}}
 
 
-def _integer(name, value):
+def _integer(name: str, value: Any) -> int:
     if not hasattr(value, "__index__"):
         raise TypeError(f"{name}: {type(value).__name__}, but an integer is needed")
     number = operator.index(value)
@@ -99,7 +101,7 @@ def _integer(name, value):
     return number
 
 
-def _real(name, value):
+def _real(name: str, value: Any) -> float:
     if isinstance(value, (str, bytes)) or not hasattr(value, "__float__") and not hasattr(value, "__index__"):
         raise TypeError(f"{name}: {type(value).__name__}, but a number is needed")
     try:
@@ -108,9 +110,9 @@ def _real(name, value):
         raise type(error)(f"{name}: {error}") from None
 
 
-def _order(word, view, wanted):
+def _order(word: Word, view: memoryview, wanted: tuple[int, ...]) -> None:
     """Refuses more dimensions than one unless they tell how their elements lie in memory."""
-    shape, square = tuple(view.shape), len(wanted) > 1 and len(set(word.shape.split("*"))) == 1
+    shape, square = tuple(view.shape or ()), len(wanted) > 1 and len(set(word.shape.split("*"))) == 1
     if shape == wanted and view.f_contiguous or shape == wanted[::-1] and view.c_contiguous and not square:
         return
     said = f"{word.name}: an array of shape {shape} in {'C' if view.c_contiguous else 'Fortran'} order, but "
@@ -120,7 +122,7 @@ def _order(word, view, wanted):
     raise ValueError(said + ("or " if len(wanted) > 1 else "") + "one dimension is needed")
 
 
-def _array(word, value, wanted):
+def _array(word: Word, value: Any, wanted: Sequence[int]) -> Any:
     """ctypes array over the memory of value (a copy where it is only read); wanted: the factors of its shape."""
     need, shape = math.prod(wanted), word.shape.replace("*", " * ")
     number = _NUMBERS[word.kind]
@@ -151,7 +153,7 @@ def _array(word, value, wanted):
     return kind.from_buffer(value if view.c_contiguous else value.T)
 
 
-def _record(word, value):
+def _record(word: Word, value: Any) -> Any:
     if not isinstance(value, MixtureRecord):
         raise TypeError(f"{word.name}: {type(value).__name__}, but a MixtureRecord is needed")
     if value.count < 1 or not value.table:
@@ -163,7 +165,7 @@ def _record(word, value):
     return ctypes.byref(value)
 
 
-def _pointer(word, value, known, mask):
+def _pointer(word: Word, value: Any, known: Mapping[str, int], mask: int) -> Any:
     """What stands for one address in the call."""
     if value is None and (word.kind == "routines" or (word.bit and not mask & word.bit)):
         return None
@@ -181,21 +183,24 @@ def _pointer(word, value, known, mask):
 
 
 # Group data by handle of the library, which is one per process however often it is opened: they stay alive for it.
-_group_data = {}
+_group_data: dict[int, list[Any]] = {}
 
 
 class Library:
     """The opened library; a method for every export."""
 
-    def __init__(self, path):
-        opener = ctypes.WinDLL if sys.platform == "win32" and ctypes.sizeof(ctypes.c_void_p) == 4 else ctypes.CDLL
-        self.raw = opener(str(path))
+    if TYPE_CHECKING:
+        def __getattr__(self, export: str) -> Callable[..., Any]: ...
+
+    def __init__(self, path: Any) -> None:
+        stdcall = sys.platform == "win32" and ctypes.sizeof(ctypes.c_void_p) == 4
+        self.raw: ctypes.CDLL = getattr(ctypes, "WinDLL" if stdcall else "CDLL")(str(path))
         for name, (status, words, _) in EXPORTS.items():
             function = getattr(self.raw, name)
             function.restype = c_int32 if status else None
             function.argtypes = [_TYPES[word.kind] for word in words]
 
-    def _buffers(self, word, value, known):
+    def _buffers(self, word: Word, value: Any, known: Mapping[str, int]) -> tuple[list[Any], Any]:
         """Six addresses; the buffers stay alive until others take their place. None: buffers of our own."""
         nC, nG = known["nC"], known["nG"]
         if nC < 1 or nG < 1:
@@ -207,17 +212,19 @@ class Library:
             raise TypeError(f"{word.name}: {type(value).__name__}, but a list of six buffers or None is needed")
         if len(value) != len(needs):
             raise ValueError(f"{word.name}: six buffers are needed")
-        kept = [None] + [_array(Word(f"{word.name}[{k}]", "doubles", "out", "doubles", "", 0, ""), value[k], [needs[k]])
+        kept: list[Any] = [None] + [_array(Word(f"{word.name}[{k}]", "doubles", "out", "doubles", "", 0, ""), value[k], [needs[k]])
                          for k in range(1, len(needs))]
-        addresses = [ctypes.cast(buffer, POINTER(c_double)) if buffer is not None else None for buffer in kept]
+        addresses: list[Any] = [ctypes.cast(buffer, POINTER(c_double)) if buffer is not None else None for buffer in kept]
         return kept, (POINTER(c_double) * len(needs))(*addresses)
 
-    def _call(self, name, arguments):
+    def _call(self, name: str, arguments: Sequence[Any]) -> Any:
         words = EXPORTS[name][1]
         if len(arguments) != len(words):
             raise TypeError(f"{name} takes {len(words)} arguments ({', '.join(w.name for w in words)}), "
                             f"{len(arguments)} were given")
-        known, passed, kept = {}, [], None
+        known: dict[str, int] = {}
+        passed: list[Any] = []
+        kept: Optional[list[Any]] = None
         for word, value in zip(words, arguments):
             if word.kind == "int":
                 known[word.name] = _integer(word.name, value)
@@ -240,8 +247,8 @@ class Library:
         return result
 
 
-def _method(name, words, doc):
-    def method(self, *arguments):
+def _method(name: str, words: Sequence[Word], doc: str) -> Callable[..., Any]:
+    def method(self: Library, *arguments: Any) -> Any:
         return self._call(name, arguments)
 
     method.__name__, method.__qualname__ = name, f"Library.{name}"
@@ -257,6 +264,6 @@ for _name, (_status, _words, _doc) in EXPORTS.items():
     setattr(Library, _name, _method(_name, _words, _doc))
 
 
-def load(path):
+def load(path: Any) -> Library:
     """Opens the library file; its two siblings lie beside it. OSError where it cannot be loaded."""
     return Library(path)

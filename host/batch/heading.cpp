@@ -1,0 +1,199 @@
+#include "batch/heading.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "error.hpp"
+#include "sheet.hpp"
+#include "text.hpp"
+
+namespace kestrune::host::batch {
+
+namespace {
+
+constexpr struct {
+  std::string_view name;
+  Quantity quantity;
+} kNames[] = {{"vapour_fraction", Quantity::vapour_fraction},
+              {"vapour fraction", Quantity::vapour_fraction},
+              {"temperature", Quantity::temperature},
+              {"enthalpy", Quantity::enthalpy},
+              {"pressure", Quantity::pressure},
+              {"entropy", Quantity::entropy},
+              {"beta", Quantity::vapour_fraction},
+              {"t", Quantity::temperature},
+              {"p", Quantity::pressure},
+              {"h", Quantity::enthalpy},
+              {"s", Quantity::entropy}};
+
+struct Condition {
+  Quantity quantity;
+  const Unit* unit;
+};
+
+// "kJ_kg_K" of a heading that the program wrote itself is kJ/(kg K).
+std::string unit_of_words(std::string text) {
+  const std::size_t first = text.find('_');
+  if (first == std::string::npos) return text;
+  text[first] = '/';
+  text.erase(std::remove(text.begin(), text.end(), '_'), text.end());
+  return text;
+}
+
+// The condition that a column gives; nothing where its title is none. InputError for a unit that is none.
+std::optional<Condition> condition_of(std::string_view title, const UnitSystem& units) {
+  const std::string text = lower(trimmed(title));
+  for (const auto& known : kNames) {
+    if (text.rfind(known.name, 0) != 0) continue;
+    std::string_view rest = trimmed(title).substr(known.name.size());
+    if (!rest.empty() && std::string_view(" _[(/,").find(rest.front()) == std::string_view::npos) continue;
+    const bool words = !rest.empty() && rest.front() == '_';
+    while (!rest.empty() && std::string_view(" _[(/,").find(rest.front()) != std::string_view::npos)
+      rest.remove_prefix(1);
+    while (!rest.empty() && std::string_view(" ])").find(rest.back()) != std::string_view::npos)
+      rest.remove_suffix(1);
+    if (rest.empty()) return Condition{known.quantity, &units[known.quantity]};
+    const std::string name = words ? unit_of_words(std::string(rest)) : std::string(rest);
+    if (!is_unit(known.quantity, name) && known.name.size() == 1 && words) return {};
+    return Condition{known.quantity, &unit(known.quantity, name)};
+  }
+  return {};
+}
+
+std::string place(const Wanted& wanted, std::size_t column, const std::string& title) {
+  return fmt::format("{}: column {}{}", wanted.name, column + 1, title.empty() ? "" : " \"" + title + '"');
+}
+
+std::string what_is_right(const Wanted& wanted) {
+  constexpr std::string_view conditions = "two of T, P, H, S and beta with their units, such as T[C]";
+  constexpr std::string_view amounts = "names of components, such as methane";
+  if (!wanted.amounts) return std::string(conditions);
+  return wanted.conditions ? fmt::format("{}, and {}", conditions, amounts) : std::string(amounts);
+}
+
+struct Read {
+  const Wanted& wanted;
+  const UnitSystem& units;
+  const Composition& definitions;
+  std::optional<Basis> basis;
+  Heading heading{};
+  std::vector<std::pair<Quantity, ConditionColumn>> conditions{};
+  std::vector<std::optional<AmountUnit>> amount_units{};
+};
+
+void read_amount(Read& r, std::size_t column, const std::string& title) {
+  const NameAndUnit named = named_cell(title, r.definitions);
+  named.check();
+  if (search_key(named.name) == "no" && named.name != "NO")
+    throw InputError("may number the rows or be nitric oxide: write NO for the gas");
+  const std::string name = r.definitions.named(named.name).name;
+  for (const AmountColumn& other : r.heading.amounts)
+    if (other.name == name)
+      throw InputError(fmt::format("{} has a column already, {}", name, other.column + 1));
+  r.heading.amounts.push_back({column, name});
+  r.amount_units.push_back(named.unit);
+}
+
+void read_column(Read& r, std::size_t column) {
+  const std::string& title = r.heading.titles[column];
+  if (std::find(r.wanted.others.begin(), r.wanted.others.end(), title) != r.wanted.others.end()) return;
+  if (title.empty()) throw InputError("has no heading");
+  if (r.wanted.conditions) {
+    if (const auto condition = condition_of(title, r.units)) {
+      r.conditions.push_back({condition->quantity, {column, condition->unit}});
+      return;
+    }
+  }
+  if (r.wanted.amounts) return read_amount(r, column, title);
+  throw InputError("is not understood");
+}
+
+// The flash that the columns are for.
+void settle_conditions(Read& r) {
+  if (!r.wanted.conditions) return;
+  for (const Given given : kAllGiven) {
+    const auto order = quantities_of(given);
+    if (r.conditions.size() != 2) break;
+    for (std::size_t k = 0; k < 2; ++k) {
+      if (r.conditions[k].first != order[0] || r.conditions[1 - k].first != order[1]) continue;
+      r.heading.given = given;
+      r.heading.conditions = {r.conditions[k].second, r.conditions[1 - k].second};
+    }
+  }
+  if (r.heading.given) return;
+  std::vector<std::string> names;
+  for (const auto& c : r.conditions) names.emplace_back(quantity_name(c.first));
+  throw InputError(
+      fmt::format("{}: {} no pair of conditions: a state has T and P, H and P, S and P, beta and P or beta and "
+                  "T, one column each",
+                  r.wanted.name, names.empty() ? "the heading has" : joined(names, ", ") + " are"));
+}
+
+// The scale of every amount, and whether they are moles or masses.
+void settle_amounts(Read& r) {
+  std::optional<AmountUnit> common;
+  for (const auto& unit : r.amount_units)
+    if (unit && unit->scaled && unit->whole == 100.0) common = unit;
+  bool open = false, small = false;
+  for (std::size_t k = 0; k < r.amount_units.size(); ++k) {
+    const std::optional<AmountUnit> unit = r.amount_units[k] ? r.amount_units[k] : common;
+    open = open || !unit || !unit->scaled;
+    small = small || (unit && unit->scaled);
+    if (unit) r.heading.amounts[k].whole = unit->whole;
+    if (!unit || !unit->basis) continue;
+    if (r.basis && *r.basis != *unit->basis)
+      throw InputError(fmt::format("{}: the amounts are moles and masses: one of the two", r.wanted.name));
+    r.basis = unit->basis;
+  }
+  if (open && small)
+    throw InputError(fmt::format(
+        "{}: some amounts have a unit such as % or ppm and some have none: name all of them", r.wanted.name));
+  r.heading.basis = r.basis.value_or(Basis::mole);
+}
+
+}  // namespace
+
+std::size_t cut_cells(std::string_view line, char separator, std::string_view* cells, std::size_t capacity) {
+  const auto is_blank = [separator](char c) {
+    return c == ' ' || c == '\r' || (c == '\t' && separator != '\t');
+  };
+  std::size_t count = 0, used = 0;
+  for (const char *at = line.data(), *const stop = at + line.size();; ++at) {
+    const char* begin = at;
+    bool quoted = false;
+    for (; at != stop && (quoted || *at != separator); ++at) quoted = quoted != (*at == '"');
+    const char* end = at;
+    while (begin != end && is_blank(*begin)) ++begin;
+    while (begin != end && is_blank(end[-1])) --end;
+    if (end - begin >= 2 && *begin == '"' && end[-1] == '"') ++begin, --end;
+    if (count < capacity) cells[count] = {begin, static_cast<std::size_t>(end - begin)};
+    ++count;
+    if (begin != end) used = count;
+    if (at == stop) return used;
+  }
+}
+
+Heading read_heading(std::string_view line, const Wanted& wanted, const UnitSystem& units,
+                     const Composition& definitions, std::optional<Basis> basis) {
+  Read r{wanted, units, definitions, basis};
+  for (const char separator : {'\t', ';'})
+    if (line.find(separator) != std::string_view::npos) r.heading.separator = separator;
+  std::vector<std::string_view> cells(line.size() + 1);
+  cells.resize(cut_cells(line, r.heading.separator, cells.data(), cells.size()));
+  r.heading.titles.assign(cells.begin(), cells.end());
+  for (std::size_t column = 0; column < cells.size(); ++column) {
+    try {
+      read_column(r, column);
+    } catch (const InputError& e) {
+      throw InputError(fmt::format("{}: {}. The columns are {}; others are named by --keep or --ignore",
+                                   place(wanted, column, r.heading.titles[column]), e.what(),
+                                   what_is_right(wanted)));
+    }
+  }
+  settle_conditions(r);
+  settle_amounts(r);
+  return r.heading;
+}
+
+}  // namespace kestrune::host::batch

@@ -1,0 +1,52 @@
+// What the columns of a table of states or of compositions are, by its heading.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "composition.hpp"
+#include "equilibrium.hpp"
+
+namespace kestrune::host::batch {
+
+// One cell of a row and what it gives: a condition with its unit, or an amount.
+struct ConditionColumn {
+  std::size_t column;
+  const Unit* unit;
+};
+struct AmountColumn {
+  std::size_t column;
+  std::string name;    // of the component, or of a fraction
+  double whole = 1.0;  // this many of its unit are the whole: 100 of percent
+};
+
+struct Heading {
+  char separator = ',';
+  std::vector<std::string> titles;
+  std::optional<Given> given;                   // of a table with conditions
+  std::array<ConditionColumn, 2> conditions{};  // in the order of quantities_of
+  std::vector<AmountColumn> amounts;
+  Basis basis = Basis::mole;
+};
+
+// What a table may have.
+struct Wanted {
+  std::string name;  // of the table, for messages
+  bool conditions = false, amounts = false;
+  std::vector<std::string> others = {};  // titles of columns that are neither
+};
+
+// Reads a heading: T, P, H, S and beta with their units ("T[C]", "P bar", "enthalpy_kJ_kg"; plain names are in units), and
+// names of components or of the composition's definitions, which may have a unit of amounts ("CO2 ppm"). basis: what
+// the user says of the amounts. InputError names the column and what would be right.
+Heading read_heading(std::string_view line, const Wanted& wanted, const UnitSystem& units,
+                     const Composition& definitions, std::optional<Basis> basis);
+
+// Cells of a row without blanks and quotes around them. Returns how many there are; those beyond capacity are not
+// written, and empty ones at the end do not count.
+std::size_t cut_cells(std::string_view line, char separator, std::string_view* cells, std::size_t capacity);
+
+}  // namespace kestrune::host::batch
