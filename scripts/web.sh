@@ -26,6 +26,7 @@ install_tools() {
   [ -n "$missing" ] || return 0
   [ "$(id -u)" = 0 ] || fail "not root; please install: $missing"
   mkdir -p build/logs
+  # shellcheck disable=SC2086 # the packages are separate words
   { apt-get update && DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends $missing; } \
     >build/logs/web_setup.log 2>&1 </dev/null || fail "cannot install $missing: build/logs/web_setup.log"
 }
