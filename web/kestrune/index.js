@@ -72,7 +72,8 @@ async function compiledOf(wasm) {
     throw new TypeError(`wasm is a URL, bytes, a Response or a WebAssembly.Module, not ${shown(source)}`);
   const url = new URL(source, import.meta.url);
   if (url.protocol === "file:" && typeof process !== "undefined") {
-    const { readFile } = await import("node:fs/promises");
+    const files = "node:fs/promises"; // not a literal: a bundler for browsers has no such module
+    const { readFile } = await import(/* @vite-ignore */ files);
     return WebAssembly.compile(await readFile(url));
   }
   return fromResponse(await fetch(url));

@@ -15,34 +15,34 @@ struct Entry {
 };
 
 #define KV_LINKED(name) {#name, reinterpret_cast<void*>(&name)},
-Entry gas_entries[] = {
+const Entry gas_entries[] = {
 #include "KVGasThermo.inc"
     {nullptr, nullptr}};
-Entry pure_entries[] = {
+const Entry pure_entries[] = {
 #include "KVCmpdPureLite.inc"
     {nullptr, nullptr}};
-Entry tools_entries[] = {
+const Entry tools_entries[] = {
 #include "KVToolsLite.inc"
     {nullptr, nullptr}};
 #undef KV_LINKED
 
 struct Library {
   const char* name;
-  Entry* entries;
+  const Entry* entries;
 };
-Library libraries[] = {
+const Library libraries[] = {
     {"KVGasThermo", gas_entries}, {"KVCmpdPureLite", pure_entries}, {"KVToolsLite", tools_entries}};
 
 }  // namespace
 
 extern "C" void* kv_linked_library(const char* name) {
-  for (Library& library : libraries)
-    if (std::strcmp(library.name, name) == 0) return &library;
+  for (const Library& library : libraries)
+    if (std::strcmp(library.name, name) == 0) return const_cast<Library*>(&library);
   return nullptr;
 }
 
 extern "C" void* kv_linked_entry(void* library, const char* name) {
-  for (const Entry* e = static_cast<Library*>(library)->entries; e->name != nullptr; ++e)
+  for (const Entry* e = static_cast<const Library*>(library)->entries; e->name != nullptr; ++e)
     if (std::strcmp(e->name, name) == 0) return e->address;
   return nullptr;
 }
