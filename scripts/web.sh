@@ -56,7 +56,7 @@ pack() {
 install_archive() {
   place=$(mktemp -d /tmp/kestrune-web.XXXXXX) || fail "no temporary folder"
   trap 'rm -rf "$place"' EXIT
-  cp tests/web/*.mjs tests/web/*.ts examples/javascript/rich_gas.mjs web/bench/bench.mjs "$place"
+  cp tests/web/*.mjs tests/web/*.mts examples/javascript/rich_gas.mjs web/bench/bench.mjs "$place"
   cd "$place" || fail "cannot enter $place"
   npm install --silent --no-audit --no-fund --offline "$archive" || fail "the archive cannot be installed"
 }
@@ -75,8 +75,8 @@ check_types() {
   tools=$repo/build/web/tools
   [ -x "$tools/node_modules/.bin/tsc" ] || npm install --silent --no-audit --no-fund --prefix "$tools" typescript@5 ||
     fail "TypeScript cannot be installed"
-  "$tools/node_modules/.bin/tsc" --noEmit --strict --target es2022 --module nodenext --lib es2023,dom types.ts ||
-    fail "the types are not what tests/web/types.ts expects"
+  "$tools/node_modules/.bin/tsc" --noEmit --strict --target es2022 --module nodenext --lib es2023,dom types.mts ||
+    fail "the types are not what tests/web/types.mts expects"
 }
 
 run_tests() {

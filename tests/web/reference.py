@@ -128,29 +128,22 @@ def kij(r, gas):
 def water(r, gas):
     method = r.choice(["eos", "chart"])
     T, P = r.uniform(240.0, 350.0), 10.0 ** r.uniform(5.5, 7.2)
-    kind = r.choice(["content", "dewTemperature", "dewPressure"])
+    kind = r.choice(["content", "dew at T", "dew at P"])
     if kind == "content":
         def content():
             return {"fraction": gas.water.content(T, P, method=method).fraction,
                     "content": gas.water.content(T, P, method=method).content}
 
         return "water.content", {"T": T, "P": P, "method": method}, content
-    amount = 10.0 ** r.uniform(-5.0, -2.5)
-    if kind == "dewTemperature":
-        given = {"P": P, "water": amount, "method": method}
-        return "water." + kind, given, lambda: gas.water.dew_temperature(**given)
-    given = {"T": T, "water": amount, "method": method}
-    return "water." + kind, given, lambda: gas.water.dew_pressure(**given)
+    given = {"water": 10.0 ** r.uniform(-5.0, -2.5), "method": method} | ({"P": P} if kind == "dew at P" else {"T": T})
+    return "water.dew", given, lambda: gas.water.dew(**given)._asdict()
 
 
 def hydrate(r, gas):
-    inhibitor, percent = r.choice([(None, 0.0), ("MEG", 20.0), ("methanol", 10.0), ("NaCl", 5.0), (92.1, 15.0)])
-    given = {"inhibitor": inhibitor, "percent": percent}
-    if r.random() < 0.5:
-        given["P"] = 10.0 ** r.uniform(6.0, 7.5)
-        return "hydrate.temperature", given, lambda: gas.hydrate.temperature(**given)
-    given["T"] = r.uniform(262.0, 298.0)
-    return "hydrate.pressure", given, lambda: gas.hydrate.pressure(**given)
+    given = r.choice([{}, {"inhibitor": "MEG", "percent": 20.0}, {"inhibitor": "methanol", "percent": 10.0},
+                      {"inhibitor": "NaCl", "percent": 5.0}, {"inhibitor": 92.1, "percent": 15.0}])
+    given |= {"P": 10.0 ** r.uniform(6.0, 7.5)} if r.random() < 0.5 else {"T": r.uniform(262.0, 298.0)}
+    return "hydrate", given, lambda: gas.hydrate(**given)._asdict()
 
 
 KINDS = [(flash, 50), (saturation, 10), (one_phase, 15), (envelope, 4), (critical, 1), (kij, 2), (water, 12), (hydrate, 6)]

@@ -163,7 +163,8 @@ export interface Mixture {
   /** k_ij of the model at a temperature, a row a component. */
   kij(given: { T: number; units?: UnitSystem }): Float64Array[];
   readonly water: Water;
-  readonly hydrate: Hydrate;
+  /** Where hydrate forms, by the gravity of the gas, 200 to 313.15 K without inhibitor and up to 1000 bar. */
+  hydrate<const G extends Inhibited & OneOfTP>(given: G): Boundary<Shape<G>>;
   /** Frees its memory now, not when the garbage collector finds it. */
   dispose(): void;
 }
@@ -290,24 +291,25 @@ export interface Water {
   content<const G extends { T: Numbers; P: Numbers; method?: WaterMethod; units?: UnitSystem }>(
     given: G,
   ): { fraction: Shape<G>; content: Shape<G>; status: Shape<G> extends number ? number : Int32Array };
-  dewTemperature<const G extends { P: Numbers; water?: Numbers; method?: WaterMethod; units?: UnitSystem }>(given: G): Shape<G>;
-  dewPressure<const G extends { T: Numbers; water?: Numbers; method?: WaterMethod; units?: UnitSystem }>(given: G): Shape<G>;
+  /** Where liquid water or ice begins to form. */
+  dew<const G extends OneOfTP & { water?: Numbers; method?: WaterMethod; units?: UnitSystem }>(given: G): Boundary<Shape<G>>;
+}
+type OneOfTP = { T: Numbers; P?: undefined } | { P: Numbers; T?: undefined };
+/** Points at which a phase begins to form. */
+export interface Boundary<V extends number | Float64Array = number | Float64Array> {
+  readonly T: V;
+  readonly P: V;
+  readonly status: V extends number ? number : Int32Array;
 }
 
 export type Inhibitor = "methanol" | "MEG" | "DEG" | "TEG" | "NaCl" | "KCl" | "CaCl2" | (string & {}) | number | null;
 interface Inhibited {
   /** A name or a molar mass, g/mol. */
   inhibitor?: Inhibitor;
-  /** Its mass percent in the aqueous solution. */
+  /** Its mass percent in the aqueous solution, 0 to 70; needed with an inhibitor. */
   percent?: number;
   units?: UnitSystem;
 }
-/** Hydrates by the gravity of the gas, 200 to 313.15 K without inhibitor and up to 1000 bar. */
-export interface Hydrate {
-  temperature<const G extends Inhibited & { P: Numbers }>(given: G): Shape<G>;
-  pressure<const G extends Inhibited & { T: Numbers }>(given: G): Shape<G>;
-}
-
 export type PureProperty =
   | ("vapourPressure" | "vaporisationEnthalpy" | "liquidDensity" | "liquidCp" | "liquidViscosity")
   | ("liquidThermalConductivity" | "surfaceTension" | "idealGasCp" | "gasViscosity" | "gasThermalConductivity")

@@ -5,7 +5,7 @@ import { criticalPoint, Envelope, ENVELOPE_OPTIONS } from "./curves.js";
 import { isGood, KestruneError } from "./errors.js";
 import { GAS, LIQUID, Phase } from "./phase.js";
 import { State } from "./state.js";
-import { Hydrate, Water } from "./water.js";
+import { hydrate, Water } from "./water.js";
 
 const WATER = "7732-18-5"; // CAS number
 const MOST_COMPONENTS = 400; // whose group data are 50 MB
@@ -178,8 +178,10 @@ export class Mixture {
     const rows = feed.all(count);
     const found = calls.flash(...this.native(), { kind, phases, first: columns[0], second: columns[1], feed: rows });
     const [status] = found.status;
-    if (length === null && !isGood(status))
-      throw new KestruneError(status, this.statusText(status), `flash of ${this.title}`);
+    if (length === null && !isGood(status)) {
+      const [one, two] = [0, 1].map((k) => shownIn.label(GIVEN[kind][k], GIVEN[kind][2 + k], rest[GIVEN[kind][k]]));
+      throw new KestruneError(status, this.statusText(status), `flash of ${this.title} at ${one} and ${two}`);
+    }
     return new State(this, shownIn, phases, found, length, rows);
   }
 
@@ -286,9 +288,9 @@ export class Mixture {
     return this.#water.water;
   }
 
-  /** Hydrate formation of the mixture as a gas, with or without inhibitor. */
-  get hydrate() {
-    return new Hydrate(this, (text) => this.#kestrune.components(text));
+  /** Where hydrate forms of the mixture as a gas, with or without inhibitor. */
+  hydrate(options) {
+    return hydrate(this, options, (text) => this.#kestrune.components(text));
   }
 
   toString() {

@@ -18,6 +18,11 @@ export class Units {
     return this.#unit(quantity).name;
   }
 
+  /** A number with its unit, as messages show it. */
+  label(name, quantity, value) {
+    return `${name} = ${Number(value.toPrecision(6))} ${this.symbol(quantity)}`.trimEnd();
+  }
+
   /** Names of all quantities. */
   get quantities() {
     return Object.keys(this.#table);

@@ -16,6 +16,24 @@ function methodNumber(method) {
   return METHODS[method];
 }
 
+/** Which of T and P is given, its quantity, and the one that is wanted. */
+function oneOf(name, { T, P }) {
+  if ((T === undefined) === (P === undefined)) throw new RangeError(`a ${name} point is given T or P, one of them`);
+  return T === undefined
+    ? { name: "P", quantity: "pressure", wanted: "temperature" }
+    : { name: "T", quantity: "temperature", wanted: "pressure" };
+}
+
+/** T, P and status of points that are given in SI at one of T and P. */
+function boundary(units, wanted, given, found, status, length) {
+  const [T, P] = wanted === "temperature" ? [found, given] : [given, found];
+  return {
+    T: single(units.fromSi("temperature", T), length),
+    P: single(units.fromSi("pressure", P), length),
+    status: single(status, length),
+  };
+}
+
 /** Water of a mixture as a gas; the mixture has water among its components, of amount 0 where there was none. */
 export class Water {
   #mixture;
@@ -39,39 +57,31 @@ export class Water {
       ...{ method: methodNumber(method), wanted: null },
       ...{ first: column(given.T, length ?? 1), second: column(given.P, length ?? 1) },
     });
-    raise(this.#mixture, found.status, length, "water content");
+    raise(this.#mixture, found.status, length, `water content of ${this.#mixture.title}`);
     const [fraction, content] = found.outputs.map((o) => single(o, length));
     return { fraction, content, status: single(found.status, length) };
   }
 
-  /** Temperature at which liquid water or ice begins to form at a pressure. */
-  dewTemperature(options) {
-    const { P, ...rest } = optionsOf("dewTemperature", options, ["P", "water", "method", "units"]);
-    return this.#dew("pressure", "P", P, "temperature", rest);
-  }
-
-  /** Pressure at which liquid water or ice begins to form at a temperature. */
-  dewPressure(options) {
-    const { T, ...rest } = optionsOf("dewPressure", options, ["T", "water", "method", "units"]);
-    return this.#dew("temperature", "T", T, "pressure", rest);
-  }
-
-  #dew(quantity, name, given, wanted, { water, method = "eos", units }) {
-    const shownIn = this.#mixture.unitsOf(units);
-    const first = shownIn.toSi(quantity, numbersOf(name, given));
+  /** Where liquid water or ice begins to form, at a temperature or a pressure: T, P and status. */
+  dew(options) {
+    const o = optionsOf("a water dew point", options, ["T", "P", "water", "method", "units"]);
+    const { water, method = "eos" } = o;
+    const { name, quantity, wanted } = oneOf("water dew", o);
+    const shownIn = this.#mixture.unitsOf(o.units);
+    const given = shownIn.toSi(quantity, numbersOf(name, o[name]));
     const amounts = water === undefined ? this.#mixture.z[this.#index] : numbersOf("water", water);
-    if (![amounts].flatMap((a) => (typeof a === "number" ? [a] : [...a])).every((a) => a > 0 && a < 1))
+    const many = typeof amounts !== "number";
+    if (![many ? [...amounts] : amounts].flat().every((v) => (v > 0 && v < 1) || (many && Number.isNaN(v))))
       throw new RangeError(
         "a dew point needs water in the gas, a mole fraction between 0 and 1: in the mixture, or as water: 60e-6",
       );
-    const length = commonLength({ [name]: first, water: amounts });
+    const length = commonLength({ [name]: given, water: amounts });
     const count = length ?? 1;
-    const { outputs, status } = calls.water(...this.#mixture.native(), {
-      ...{ method: methodNumber(method), wanted, first: column(first, count) },
-      feed: this.#feed(column(amounts, count)),
-    });
-    raise(this.#mixture, status, length, `water dew ${wanted}`);
-    return single(shownIn.fromSi(wanted, outputs[0]), length);
+    const first = column(given, count);
+    const feed = this.#feed(column(amounts, count));
+    const found = calls.water(...this.#mixture.native(), { method: methodNumber(method), wanted, first, feed });
+    raise(this.#mixture, found.status, length, `water dew point of ${this.#mixture.title}`);
+    return boundary(shownIn, wanted, first, found.outputs[0], found.status, length);
   }
 
   /** Feeds with so much water, the dry components in proportion. */
@@ -95,78 +105,74 @@ const COLDEST = 200;
 const HOTTEST = 313.15;
 const HIGHEST = 1000e5;
 
-/** Hydrate curve of a mixture as a gas, by its gravity, with inhibitors. */
-export class Hydrate {
-  #mixture;
-  #find;
+/**
+ * Where hydrate forms of a mixture as a gas, by its gravity: T, P and status at temperatures or pressures.
+ * find(text): components of the databank.
+ */
+export function hydrate(mixture, options, find) {
+  const o = optionsOf("hydrate", options, ["T", "P", "inhibitor", "percent", "units"]);
+  const { name, quantity, wanted } = oneOf("hydrate", o);
+  const shownIn = mixture.unitsOf(o.units);
+  const line = lineOf(mixture, ...inhibitorOf(o.inhibitor, find), percentOf(o));
+  const shift = lineOf(mixture, 0, 0, 0).T0 - line.T0;
+  const given = shownIn.toSi(quantity, numbersOf(name, o[name]));
+  const length = commonLength({ [name]: given });
+  const first = column(given, length ?? 1);
+  const at = (v) => (name === "P" ? line.T0 + line.slope * Math.log(v) : Math.exp((v - line.T0) / line.slope));
+  const found = first.map(at);
+  const status = Int32Array.from(first, (v, i) => {
+    if (!(v > 0 && v < Infinity)) return name === "P" ? 9005 : 9004; // what no pressure and no temperature is
+    const [T, P] = name === "P" ? [found[i], v] : [v, found[i]];
+    return T >= COLDEST && T + shift <= HOTTEST && P <= HIGHEST ? 0 : 151;
+  });
+  status.forEach((s, i) => s !== 0 && (found[i] = NaN));
+  raise(mixture, status, length, `hydrate of ${mixture.title}`);
+  return boundary(shownIn, wanted, first, found, status, length);
+}
 
-  /** find(text): components of the databank. */
-  constructor(mixture, find) {
-    this.#mixture = mixture;
-    this.#find = find;
+/** Mass percent of the inhibitor, which comes with one. */
+function percentOf({ inhibitor, percent }) {
+  const none = inhibitor === undefined || inhibitor === null;
+  if (percent === undefined) {
+    if (!none) throw new RangeError(`the inhibitor ${shown(inhibitor)} needs percent, its mass percent in the aqueous solution`);
+    return 0;
   }
+  if (!(numberOf("percent", percent) >= 0 && percent <= 70))
+    throw new RangeError(`the inhibitor is 0 to 70 % of the solution by mass, not ${percent}`);
+  if (none && percent !== 0)
+    throw new RangeError("a percentage needs an inhibitor: methanol, MEG, DEG, TEG, NaCl, KCl, CaCl2 or a molar mass");
+  return percent;
+}
 
-  /** Temperature below which hydrate forms at a pressure. */
-  temperature(options) {
-    const { P, ...rest } = optionsOf("temperature", options, ["P", "inhibitor", "percent", "units"]);
-    return this.#at("pressure", numbersOf("P", P), "temperature", rest, (line, p) => [line.T0 + line.slope * Math.log(p), p]);
-  }
+/** The curve is a straight line of T over ln P: its first and last point say all of it. */
+function lineOf(mixture, kind, molarMass, percent) {
+  const [module, handle] = mixture.native();
+  return module.frame(() => {
+    const [T, P, status] = [module.doubles(2), module.doubles(2), module.integers(1)];
+    module.call("ka_hydrate", handle, kind, molarMass, percent, 2, T, P, status);
+    raise(mixture, module.integersOut(status, 1), null, "hydrate curve");
+    const [T0, T1] = module.copyOut(T, 2);
+    const [P0, P1] = module.copyOut(P, 2);
+    const slope = (T1 - T0) / Math.log(P1 / P0);
+    return { T0: T0 - slope * Math.log(P0), slope };
+  });
+}
 
-  /** Pressure above which hydrate forms at a temperature. */
-  pressure(options) {
-    const { T, ...rest } = optionsOf("pressure", options, ["T", "inhibitor", "percent", "units"]);
-    return this.#at("temperature", numbersOf("T", T), "pressure", rest, (line, t) => [t, Math.exp((t - line.T0) / line.slope)]);
+/** Kind of the library and molar mass. */
+function inhibitorOf(inhibitor, find) {
+  if (inhibitor === undefined || inhibitor === null) return [0, 0];
+  if (typeof inhibitor === "number") {
+    if (inhibitor >= 30 && inhibitor <= 200) return [5, inhibitor];
+    throw new RangeError(`${inhibitor} g/mol is no molar mass of a hydrate inhibitor: 30 to 200 g/mol`);
   }
-
-  #at(quantity, given, wanted, { inhibitor, percent = 0, units }, place) {
-    const shownIn = this.#mixture.unitsOf(units);
-    if (!(numberOf("percent", percent) >= 0 && percent <= 70))
-      throw new RangeError(`the inhibitor is 0 to 70 % of the solution by mass, not ${percent}`);
-    if ((inhibitor === undefined || inhibitor === null) && percent !== 0)
-      throw new RangeError("a percentage needs an inhibitor: methanol, MEG, DEG, TEG, NaCl, KCl, CaCl2 or a molar mass");
-    const line = this.#line(...this.#inhibitorOf(inhibitor), percent);
-    const shift = this.#line(0, 0, 0).T0 - line.T0;
-    const length = commonLength({ given });
-    const si = column(shownIn.toSi(quantity, given), length ?? 1);
-    const found = Float64Array.from(si, (v) => {
-      const [T, P] = place(line, v);
-      const good = T >= COLDEST && T + shift <= HOTTEST && P > 0 && P <= HIGHEST;
-      return good ? (wanted === "pressure" ? P : T) : NaN;
-    });
-    raise(this.#mixture, [Number.isNaN(found[0]) ? 151 : 0], length, "hydrate");
-    return single(shownIn.fromSi(wanted, found), length);
-  }
-
-  /** The curve is a straight line of T over ln P: its first and last point say all of it. */
-  #line(kind, molarMass, percent) {
-    const [module, handle] = this.#mixture.native();
-    return module.frame(() => {
-      const [T, P, status] = [module.doubles(2), module.doubles(2), module.integers(1)];
-      module.call("ka_hydrate", handle, kind, molarMass, percent, 2, T, P, status);
-      raise(this.#mixture, module.integersOut(status, 1), null, "hydrate curve");
-      const [T0, T1] = module.copyOut(T, 2);
-      const [P0, P1] = module.copyOut(P, 2);
-      const slope = (T1 - T0) / Math.log(P1 / P0);
-      return { T0: T0 - slope * Math.log(P0), slope };
-    });
-  }
-
-  /** Kind of the library and molar mass. */
-  #inhibitorOf(inhibitor) {
-    if (inhibitor === undefined || inhibitor === null) return [0, 0];
-    if (typeof inhibitor === "number") {
-      if (inhibitor >= 30 && inhibitor <= 200) return [5, inhibitor];
-      throw new RangeError(`${inhibitor} g/mol is no molar mass of a hydrate inhibitor: 30 to 200 g/mol`);
-    }
-    if (typeof inhibitor !== "string") throw new TypeError(`inhibitor is a name or a molar mass, not ${shown(inhibitor)}`);
-    const key = inhibitor.trim().toLowerCase();
-    if (Object.hasOwn(SALTS, key)) return [SALTS[key], 0];
-    const found = this.#find(Object.hasOwn(GLYCOLS, key) ? GLYCOLS[key] : inhibitor).filter((c) => c.name.endsWith("glycol"));
-    const exact = found.filter((c) => c.name === key);
-    const [one, ...more] = exact.length > 0 ? exact : found;
-    if (one !== undefined && more.length === 0) return [5, one.molarMass];
-    throw new RangeError(
-      `${shown(inhibitor)} is no hydrate inhibitor: use methanol, MEG, DEG, TEG, NaCl, KCl, CaCl2 or a molar mass`,
-    );
-  }
+  if (typeof inhibitor !== "string") throw new TypeError(`inhibitor is a name or a molar mass, not ${shown(inhibitor)}`);
+  const key = inhibitor.trim().toLowerCase();
+  if (Object.hasOwn(SALTS, key)) return [SALTS[key], 0];
+  const found = find(Object.hasOwn(GLYCOLS, key) ? GLYCOLS[key] : inhibitor).filter((c) => c.name.endsWith("glycol"));
+  const exact = found.filter((c) => c.name === key);
+  const [one, ...more] = exact.length > 0 ? exact : found;
+  if (one !== undefined && more.length === 0) return [5, one.molarMass];
+  throw new RangeError(
+    `${shown(inhibitor)} is no hydrate inhibitor: use methanol, MEG, DEG, TEG, NaCl, KCl, CaCl2 or a molar mass`,
+  );
 }

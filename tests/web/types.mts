@@ -12,7 +12,7 @@ const betas: Float64Array = many.beta;
 const x: Float64Array[] = many.vapour.x;
 const feeds: Float64Array = gas.flash({ T: 20, P: 40, z: [[1, 0], [0, 1]] }).T;
 const phases: Phase<number>[] = [...one];
-const dew: number = gas.water.dewTemperature({ P: 70, water: 60e-6 });
+const dew: number = gas.water.dew({ P: 70, water: 60e-6 }).T;
 const lines: Float64Array[] = gas.envelope({ quality: [0.5] }).curve.lines.map((l) => l.T);
 // @ts-expect-error three of them
 gas.flash({ T: 20, P: 40, H: 0 });
