@@ -39,10 +39,11 @@ configure_file(cmake/kestrune.pc.in ${CMAKE_BINARY_DIR}/kestrune.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/kestrune.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 set(documents ${CMAKE_INSTALL_DATAROOTDIR}/doc/kestrune)
-install(FILES README.md LICENSE CHANGELOG.md CITATION.cff DESTINATION ${documents})
-install(FILES data/NOTICE.md DESTINATION ${documents}/data)
+install(FILES README.md LICENSE CHANGELOG.md CITATION.cff CONTRIBUTING.md DESTINATION ${documents})
+install(FILES data/NOTICE.md data/README.md DESTINATION ${documents}/data)
 # What the documents link to.
-foreach(linked bench/README.md fuzz/README.md include/kestrune/kvgasthermo.h web/kestrune/README.md web/kestrune/index.d.ts)
+foreach(linked bench/README.md fuzz/README.md src/frame/README.md tests/README.md include/kestrune/kvgasthermo.h
+    web/kestrune/README.md web/kestrune/index.d.ts)
   get_filename_component(folder ${linked} DIRECTORY)
   install(FILES ${linked} DESTINATION ${documents}/${folder})
 endforeach()
