@@ -3,6 +3,15 @@
 # Windows, and carries nothing but the standard library.
 function(kestrune_library name)
   cmake_parse_arguments(ARG "" "DEF;DESCRIPTION" "SOURCES;LINK" ${ARGN})
+  # WebAssembly: a part of the one module (web/native).
+  if(EMSCRIPTEN)
+    add_library(${name} STATIC ${ARG_SOURCES})
+    target_link_libraries(${name} PUBLIC kestrune_options ${ARG_LINK})
+    target_compile_definitions(${name} PRIVATE KV_BUILDING)
+    # noipa is g++'s; what it guards, the control words of a processor, does not exist here.
+    target_compile_options(${name} PRIVATE -Wno-unknown-attributes)
+    return()
+  endif()
   add_library(${name} SHARED ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE kestrune_options ${ARG_LINK})
   target_compile_definitions(${name} PRIVATE KV_BUILDING)

@@ -15,6 +15,8 @@
 #define NOMINMAX
 #endif
 #include <windows.h>
+#elif defined(__EMSCRIPTEN__)
+#include "kestrune/linked.h"
 #else
 #include <dlfcn.h>
 #include <unistd.h>
@@ -72,6 +74,32 @@ constexpr const char* kFileName = "KVGasThermo.dll";
 constexpr const char* kPureName = "KVCmpdPureLite.dll";
 constexpr const char* kToolsName = "KVToolsLite.dll";
 constexpr char kSeparators[] = "\\/";
+
+#elif defined(__EMSCRIPTEN__)
+
+// The three libraries are linked into the module under their plain names.
+std::string program_path() {
+  return std::string();
+}
+
+void* open_file(const std::string& path, std::string& reason) {
+  void* library = kv_linked_library(path.c_str());
+  if (library == nullptr) reason = "not linked into this module";
+  return library;
+}
+
+void* find_symbol(void* handle, const char* name) {
+  return kv_linked_entry(handle, name);
+}
+
+void* find_sibling(const std::string&, const char* name, std::string& reason) {
+  return open_file(name, reason);
+}
+
+constexpr const char* kFileName = "KVGasThermo";
+constexpr const char* kPureName = "KVCmpdPureLite";
+constexpr const char* kToolsName = "KVToolsLite";
+constexpr char kSeparators[] = "/";
 
 #else
 

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <cctype>
-#include <charconv>
 #include <cmath>
 #include <span>
 
@@ -256,8 +255,7 @@ std::string exact(double base, const Unit& unit, double molar_mass) {
   for (const int digits : {12, 15, 16}) {  // what was typed; what rounding of the conversion leaves
     char text[40];
     const auto end = fmt::format_to_n(text, sizeof text, "{:.{}g}", value, digits).out;
-    double read = value;
-    std::from_chars(text, end, read);
+    const double read = parse_number({text, static_cast<std::size_t>(end - text)}).value_or(value);
     if (unit.to_base(read, molar_mass) == base) return fmt::format("{}", read);
   }
   return fmt::format("{}", value);

@@ -4,11 +4,11 @@
 #   support < frame < eos < flash < flash3, envelope, water (unknown to each other) < frame/exports
 #
 # include/kestrune is open to all and knows only itself. Each of siblings/* knows itself alone, host/ itself
-# alone, python/native itself and the host. The libraries include nothing from outside but standard headers.
+# alone, python/native itself and the host, web those too. The libraries include nothing from outside but standard headers.
 set -u
 cd "$(dirname "$0")/.." || exit 1
 
-grep -rnE '^[[:space:]]*#[[:space:]]*include[[:space:]]*["<]' include src siblings host python \
+grep -rnE '^[[:space:]]*#[[:space:]]*include[[:space:]]*["<]' include src siblings host python web \
   --include='*.h' --include='*.hpp' --include='*.c' --include='*.cpp' --include='*.inc' 2>/dev/null |
   awk '
     BEGIN {
@@ -33,7 +33,7 @@ grep -rnE '^[[:space:]]*#[[:space:]]*include[[:space:]]*["<]' include src siblin
 
       if (target ~ /(^|\/)\.\.(\/|$)/) { complain("no way up in an include"); next }
       if (top == "kestrune") next
-      if (file !~ /^(host|python)\// && !quoted && top != "" && top != "sys" && !(top in level)) {
+      if (file !~ /^(host|python|web)\// && !quoted && top != "" && top != "sys" && !(top in level)) {
         complain("not a standard header"); next
       }
       if (file ~ /^include\//) { if (quoted || top in level) complain("public headers know themselves only"); next }
@@ -47,7 +47,7 @@ grep -rnE '^[[:space:]]*#[[:space:]]*include[[:space:]]*["<]' include src siblin
         else if (other != own && level[other] >= level[own]) complain(own " must not know " other)
         next
       }
-      # siblings/NAME, host and python: no folder of src, no other sibling.
+      # siblings/NAME, host, python and web: no folder of src, no other sibling.
       split(file, part, "/")
       own = part[1] == "siblings" ? part[2] : part[1]
       if (top in level || top == "src") complain(part[1] " must not know src")

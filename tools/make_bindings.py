@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Makes the declarations of every host from bindings/exports.toml: the prototypes and offsets of the C headers, the
-definition file of the DLL, the bindings for Python, Fortran, Pascal, C# and VBA, the gas of the examples and of README.md
+definition file of the DLL, the bindings for Python, JavaScript, Fortran, Pascal, C# and VBA, the gas of the examples and of README.md
 (out of data/), and the version of CITATION.cff.
 
     make_bindings.py            writes what has changed
@@ -10,7 +10,7 @@ import pathlib
 import re
 import sys
 
-from bindings import c, csharp, fortran, gas, model, pascal, python, vba
+from bindings import c, csharp, fortran, gas, javascript, model, pascal, python, vba
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 TEMPLATES = ROOT / "tools/bindings/templates"
@@ -36,13 +36,15 @@ def wanted(d):
         "bindings/pascal/kestrune.pas": pascal.make(d, template("kestrune.pas"), MADE),
         "bindings/csharp/Kestrune.cs": csharp.make(d, template("Kestrune.cs"), MADE),
         "bindings/vba/Kestrune.bas": vba.make(d, template("Kestrune.bas"), MADE),
+        "web/kestrune/exports.js": javascript.make(d, template("exports.js"), MADE),
+        "web/kestrune/exports.d.ts": javascript.types(d, template("exports.d.ts"), MADE),
     }
 
 
 # The examples with the gas that stands in them.
 EXAMPLES = {"examples/c/rich_gas.c": gas.c, "examples/cpp/rich_gas.cpp": gas.c, "examples/python/rich_gas.py": gas.python,
             "examples/fortran/rich_gas.f90": gas.fortran, "examples/pascal/rich_gas.pas": gas.pascal,
-            "examples/csharp/RichGas.cs": gas.csharp, "examples/vba/RichGas.bas": gas.vba}
+            "examples/csharp/RichGas.cs": gas.csharp, "examples/vba/RichGas.bas": gas.vba, "examples/javascript/rich_gas.mjs": gas.javascript}
 
 
 def examples():

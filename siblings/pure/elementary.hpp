@@ -5,7 +5,6 @@
 #ifndef KESTRUNE_SIBLINGS_PURE_ELEMENTARY_HPP
 #define KESTRUNE_SIBLINGS_PURE_ELEMENTARY_HPP
 
-#include <bit>
 #include <cstdint>
 
 namespace kestrune::pure {
@@ -30,7 +29,7 @@ inline constexpr double ln2_hi = 0x1.62e42feep-1;  // 32 bits: exact when multip
 inline constexpr double ln2_lo = 0x1.a39ef35793c76p-33;
 // Adding 1.5 * 2^52 rounds to an integer, which then stands in the low bits.
 inline constexpr double round_shift = 6755399441055744.0;
-inline constexpr std::uint64_t round_bits = std::bit_cast<std::uint64_t>(round_shift);
+inline constexpr std::uint64_t round_bits = __builtin_bit_cast(std::uint64_t, round_shift);
 
 // exp(r) - 1 for |r| <= ln(2)/2: Taylor series to r^13, remainder below 4e-18.
 template <class V>
@@ -64,7 +63,7 @@ inline Decay<V> decay(V x) noexcept {
   const V shifted = y * log2_e + round_shift;
   const V k = shifted - round_shift;
   const V q = expm1_reduced<V>((k * ln2_hi - y) + k * ln2_lo);
-  const V scale = std::bit_cast<V>(((1023 + round_bits) - std::bit_cast<Bits>(shifted)) << 52);
+  const V scale = __builtin_bit_cast(V, ((1023 + round_bits) - __builtin_bit_cast(Bits, shifted)) << 52);
   return {scale + scale * q, (1.0 - scale) - scale * q};
 }
 
@@ -77,11 +76,11 @@ inline V log_ratio(V p, V q, V step) noexcept {
   constexpr std::uint64_t one = std::uint64_t{1} << 52;
   constexpr std::uint64_t bias = std::uint64_t{1} << 61;  // keeps the difference positive: masking is a floor
   constexpr std::uint64_t exponent_mask = ~(one - 1);
-  const Bits difference = std::bit_cast<Bits>(p) - std::bit_cast<Bits>(q) + (bias + one / 2);
+  const Bits difference = __builtin_bit_cast(Bits, p) - __builtin_bit_cast(Bits, q) + (bias + one / 2);
   const Bits floor = difference & exponent_mask;  // k 2^52 + bias
   // k as a double: the integer, moved into the low bits of round_shift.
-  const V k = std::bit_cast<V>((floor >> 52) + (round_bits - (bias >> 52))) - round_shift;
-  const V scaled = std::bit_cast<V>(std::bit_cast<Bits>(q) + (floor - bias));
+  const V k = __builtin_bit_cast(V, (floor >> 52) + (round_bits - (bias >> 52))) - round_shift;
+  const V scaled = __builtin_bit_cast(V, __builtin_bit_cast(Bits, q) + (floor - bias));
   const V s = (k == 0.0 ? step : p - scaled) / (p + scaled);
   const V z = s * s;
   const V z2 = z * z;

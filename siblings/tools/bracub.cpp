@@ -7,7 +7,6 @@
 // replaced by a bisection, so the iteration cannot fail. [W. H. Press et al. for the enclosed iteration;
 // U. K. Deiters, Chem. Eng. Technol. 25 (2002) 220 for the extrema as guides.]
 
-#include <bit>
 #include <cmath>
 #include <cstdint>
 
@@ -63,7 +62,7 @@ double polish(const Cubic& c, Enclosure e, double z, double tolerance) {
 
 // Cube root to a few percent, from the exponent bits: only ever a starting value.
 double rough_cbrt(double x) {
-  return std::bit_cast<double>(std::bit_cast<std::uint64_t>(x) / 3 + 0x2a9f7893782da1ceULL);
+  return __builtin_bit_cast(double, __builtin_bit_cast(std::uint64_t, x) / 3 + 0x2a9f7893782da1ceULL);
 }
 
 // Largest root of t^3 - 3 t + q = 0 for -2 <= q <= 2, within 1e-3: series in sqrt(2 - q) fitted at both ends.

@@ -1,5 +1,5 @@
-// The seam between the library and the operating system: all that differs between Windows and Linux.
-// platform_win32.cpp and platform_linux.cpp implement it, each wholly inside #if; nothing else includes
+// The seam between the library and the operating system: all that differs between Windows, Linux and WebAssembly.
+// platform_win32.cpp, platform_linux.cpp and platform_wasm.cpp implement it, each wholly inside #if; nothing else includes
 // a system header. Texts go in and out as zero-terminated bytes. Nothing here throws, and unless a line
 // says otherwise nothing here remembers anything.
 #ifndef KESTRUNE_FRAME_PLATFORM_HPP
@@ -14,6 +14,10 @@ namespace kestrune::platform {
 inline constexpr const char* kPureLibrary = "KVCmpdPureLite.dll";
 inline constexpr const char* kToolsLibrary = "KVToolsLite.dll";
 inline constexpr char kSeparator = '\\';
+#elif defined(__EMSCRIPTEN__)
+inline constexpr const char* kPureLibrary = "KVCmpdPureLite";
+inline constexpr const char* kToolsLibrary = "KVToolsLite";
+inline constexpr char kSeparator = '/';
 #else
 inline constexpr const char* kPureLibrary = "libKVCmpdPureLite.so";
 inline constexpr const char* kToolsLibrary = "libKVToolsLite.so";

@@ -1,6 +1,6 @@
 // The seam to Linux.
 
-#if !defined(_WIN32)
+#if !defined(_WIN32) && !defined(__EMSCRIPTEN__)
 
 #include <dlfcn.h>
 #include <sys/stat.h>

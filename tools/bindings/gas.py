@@ -85,6 +85,16 @@ def python(gas):
     return out
 
 
+def javascript(gas):
+    out = [f"const z = [{lists(gas.z)}]; // {lists(gas.names)}", "const columns = {"]
+    out += [f"  {comment.split(':')[0]}: [{lists(values)}], // {comment.split(': ')[1]}" for comment, values in lines_of(gas)]
+    out += ["};", f"// Groups {lists(gas.groups)}: how often in each component, and their interactions in MPa.",
+            *matrix("const counts = [", gas.counts, "];")]
+    for name in "AB":
+        out += matrix(f"const {name} = [", getattr(gas, name), "];")
+    return out
+
+
 def fortran(gas):
     n, g = len(gas.names), len(gas.groups)
     out = [f"integer(c_int32_t), parameter :: n = {n}, groups = {g}",
