@@ -182,6 +182,7 @@ fi
 check wheel sh scripts/wheel.sh --test native ${release:+win64}
 if [ "$release" ]; then
   check packages make_and_check_packages
+  check web sh scripts/web.sh --test
   check clang sh scripts/check.sh clang
   check tidy sh scripts/check.sh --all tidy
 fi

@@ -151,6 +151,30 @@ def check_mpi(states, output, reference, folder):
     assert output.read_bytes() == reference
 
 
+def check_reading(folder):
+    """Tables as people have them: heading, rows, more options, what comes out below the heading."""
+    table, gases = folder / "table.csv", folder / "gases.csv"
+    gases.write_text("methane,nC5\n9,1\n1,0\n")
+    mixture = ["--z", "methane=0.9,nC5=0.1"]
+    for heading, rows, options, expected in (
+            ("beta,P[bar]", "1.5,40\n-0.1,40", [*mixture, "--columns", "phases,status"], ",9009\n,9009"),
+            ("T[C],P[bar]", "20,40\n#N/A,40\n# a comment", [*mixture, "--columns", "phases,status"], "VL,0\n,9101"),
+            ("tag,T[C],P[bar],note", '6" line,20,40,8" x', [*mixture, "--keep", "tag", "--ignore", "note", "--columns", "T,P"],
+             '"6"" line",20,40'),
+            ("T[C],P[bar],methane,nC5", "20,40,90,10", ["--keep", "nC5", "--columns", "phases"], "10,VL"),
+            ("T[C],P[bar]", "20,40\n100,40", ["--compositions", gases, "--chunk", 1, "--columns", "phases"], "VL\nV\nV\nV"),
+            ("\tT[C]\tP[bar]\tmethane", "1\t20\t40\t100", ["--ignore", ",", "--columns", "T"], "20"),
+            ("H[J/mol],P[bar],methane,nC5", "-5000,40,90,10\n-5000,40,0,0", ["--columns", "given,status"],
+             "-230.9,0\n,9006")):
+        table.write_text(f"{heading}\n{rows}\n")
+        whole = "methane" in heading
+        done = run("--table" if whole else "--states", table, *options, code=None)
+        lines = done.stdout.split("\n", 1)[1].strip("\n").split("\n")
+        if heading.startswith("H"):
+            lines[0] = f"{float(lines[0].split(',')[0]):.1f},{lines[0].split(',')[1]}"
+        assert lines == expected.split("\n"), (heading, lines)
+
+
 def main():
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
@@ -168,6 +192,7 @@ def main():
         check_refusals(states, output, reference)
         check_full_disk(states, output, reference)
         check_numbers(folder)
+        check_reading(folder)
         if MPI:
             check_mpi(states, output, reference, folder)
 
