@@ -4,5 +4,6 @@ if(NOT EXISTS /usr/share/emscripten/cmake/Modules/Platform/Emscripten.cmake)
   message(FATAL_ERROR "no emscripten: apt-get install --no-install-recommends emscripten (scripts/web.sh does that)")
 endif()
 include(/usr/share/emscripten/cmake/Modules/Platform/Emscripten.cmake)
-set(CMAKE_C_FLAGS_INIT "-msimd128 -fwasm-exceptions")
-set(CMAKE_CXX_FLAGS_INIT "-msimd128 -fwasm-exceptions")
+# clang 14, on which it stands, makes wrong sums of loops that its SLP vectoriser puts into vectors of two.
+set(CMAKE_C_FLAGS_INIT "-msimd128 -fwasm-exceptions -fno-slp-vectorize")
+set(CMAKE_CXX_FLAGS_INIT "-msimd128 -fwasm-exceptions -fno-slp-vectorize")
