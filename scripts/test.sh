@@ -6,8 +6,8 @@
 #   sh scripts/test.sh --all      also the build for 64-bit Windows, the packages, clang and clang-tidy, before a release
 #   sh scripts/test.sh --fast     while working: the native build, its quick tests, layers and format
 #
-# One line per step with its seconds and those of the processors, logs in build/logs. The closing line sums the tests that CTest ran over all presets; a
-# failed step that is no CTest run counts as one failure.
+# One line per step with its seconds and those of the processors, logs in build/logs. The closing line sums the tests
+# that CTest ran over all presets; a failed step that is no CTest run counts as one failure.
 # shellcheck disable=SC2086,SC2317 # options are separate words; steps call functions by their names
 set -u
 cd "$(dirname "$0")/.." || exit 1
