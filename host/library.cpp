@@ -226,6 +226,11 @@ std::string default_library_path() {
   return folder + kFileName;
 }
 
+std::vector<std::string> library_files(const std::string& path) {
+  const std::string folder = path.substr(0, path.find_last_of(kSeparators) + 1);
+  return {path, folder + kPureName, folder + kToolsName};
+}
+
 Exports load_library(const std::string& path) {
   std::string reason;
   void* handle = open_file(path, reason);

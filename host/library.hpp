@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "kestrune/kvgasthermo.h"
 #include "kestrune/kvtoolslite.h"
@@ -58,6 +59,8 @@ struct Exports {
 
 // The library file beside the running program, or where an installation has it.
 std::string default_library_path();
+// The files of a library: itself and its two siblings in its folder, whether they are there or not.
+std::vector<std::string> library_files(const std::string& path);
 
 // Opens a library file and resolves all exports; InputError that names the file and what is missing. The
 // library stays open until the program ends, for it keeps addresses of the host's buffers.

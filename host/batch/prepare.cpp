@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -13,12 +12,6 @@
 namespace kestrune::host::batch {
 
 namespace {
-
-#ifdef _WIN32
-constexpr const char *kPureFile = "KVCmpdPureLite.dll", *kToolsFile = "KVToolsLite.dll";
-#else
-constexpr const char *kPureFile = "libKVCmpdPureLite.so", *kToolsFile = "libKVToolsLite.so";
-#endif
 
 template <class T>
 std::string_view bytes_of(const std::vector<T>& values) {
@@ -48,9 +41,7 @@ std::string settings_text(const MixtureRecord& r) {
 std::string library_text(const std::string& path) {
   if (path.empty()) return "given";
   std::string text;
-  std::string folder = std::filesystem::path(path).parent_path().string();
-  if (!folder.empty()) folder += '/';
-  for (const std::string& file : {path, folder + kPureFile, folder + kToolsFile}) {
+  for (const std::string& file : library_files(path)) {
     std::ifstream stream(file, std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
     text += fmt::format("{}{:016x}", text.empty() ? "" : " ", hash_of(bytes));

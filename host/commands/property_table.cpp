@@ -61,10 +61,10 @@ std::vector<GridRow> boundary(const Exports& library, Mixture& mixture, int phas
       first(library, mixture, Given::WP, phases, columns);
   constexpr double kSame = 1e-8;  // relative, in T
   for (const double fraction : {0.0, 1.0}) {
+    const bool found = has_value(first.solve(fraction, P, mixture.z.data(), mixture.molar_mass));
     for (const Equilibrium& point : points_of_fraction(library, mixture, Given::WP, fraction, P, Branch::all)) {
       if (!point.answered() || !std::isfinite(point.T)) continue;
-      const StatusCode status = first.solve(fraction, P, mixture.z.data(), mixture.molar_mass);
-      const bool same = has_value(status) && std::fabs(first.T() - point.T) < kSame * point.T;
+      const bool same = found && std::fabs(first.T() - point.T) < kSame * point.T;
       if (!same) solver.solve(point.T, P, mixture.z.data(), mixture.molar_mass);
       rows.push_back(row_of(same ? first : solver, fraction == 0.0 ? "bubble" : "dew", columns));
     }
