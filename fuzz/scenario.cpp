@@ -78,8 +78,8 @@ Scenario::Scenario(Choices& choices)
   hand_over(converted);
 }
 
-Scenario::Scenario(const host::Composition& composition, std::uint8_t flags)
-    : mixture(host::build_mixture(composition, host::interaction_set("2022"))) {
+Scenario::Scenario(const host::Composition& composition, std::uint8_t flags, const char* set)
+    : mixture(host::build_mixture(composition, host::interaction_set(set))) {
   Choices none(nullptr, 0);
   lay_out(none);
   *record = mixture.record;

@@ -15,7 +15,7 @@ namespace kestrune::fuzz {
 struct Scenario {
   explicit Scenario(Choices& choices);
   // A given composition in a sound record with given flags; what is changed in it holds after hand_over.
-  Scenario(const host::Composition& composition, std::uint8_t flags);
+  Scenario(const host::Composition& composition, std::uint8_t flags, const char* set);
   Scenario(const Scenario&) = delete;
   Scenario& operator=(const Scenario&) = delete;
   ~Scenario();

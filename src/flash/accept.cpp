@@ -34,7 +34,14 @@ bool is_split(int n, const double* z, int count, const double* amount, const dou
   return true;
 }
 
+bool has_digits(int n, const double* x, const double* ln_phi) noexcept {
+  for (int i = 0; i < n; ++i)
+    if (x[i] >= kTrace && !(std::fabs(ln_phi[i]) <= kLargestLnPhi)) return false;
+  return true;
+}
+
 double fugacity_gap(int n, const double* z, const Compared& a, const Compared& b) noexcept {
+  if (!has_digits(n, a.x, a.ln_phi) || !has_digits(n, b.x, b.ln_phi)) return 1e300;
   double gap = 0.0;
   for (int i = 0; i < n; ++i) {
     if (!(z[i] > 0.0) || a.x[i] < kTrace || b.x[i] < kTrace) continue;

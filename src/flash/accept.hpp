@@ -12,6 +12,13 @@ inline constexpr double kOwedBalance = 1e-12;
 inline constexpr double kOwedFugacity = 1e-8;
 inline constexpr double kOwedValue = 1e-9;
 
+// Largest |ln phi| of which rounding leaves the digits that are owed. Only interactions that are continued far from
+// the temperatures of their data exceed it.
+inline constexpr double kLargestLnPhi = 1e7;
+
+// Whether the ln phi of all components that a composition holds, but for traces below 1e-15, are within it.
+bool has_digits(int n, const double* x, const double* ln_phi) noexcept;
+
 /*
  * Whether amounts[count] (parts of the feed) and compositions x[count][n] are a split of the feed z[n], whose
  * sum is 1: all finite, amounts within 0 .. 1 with sum 1, no fraction below 0, compositions of sum 1 in phases
@@ -28,7 +35,8 @@ struct Compared {
 
 /*
  * Largest difference of ln(x_i phi_i) between two phases, over the components of the feed z[n] that both hold:
- * below 1e-15 a fraction is a trace at the bound of its distribution coefficient, which follows no fugacity.
+ * below 1e-15 a fraction is a trace at the bound of its distribution coefficient, which follows no fugacity. 1e300
+ * where a phase has none with digits.
  */
 double fugacity_gap(int n, const double* z, const Compared& a, const Compared& b) noexcept;
 

@@ -11,6 +11,7 @@
 
 #include "flash/accept.hpp"
 #include "flash/energy_state.hpp"
+#include "flash/feed.hpp"
 #include "flash/pure_saturation.hpp"
 #include "flash3/specified.hpp"
 #include "flash3/three_free_water.hpp"
@@ -59,26 +60,26 @@ struct Search {
   StatusCode state_status = KV_OK;  // of the equilibrium: KV_OK or KV_FOURTH_PHASE
 };
 
-// Value of every phase of e.p and of the whole.
+// Value of every phase of e.p and of the whole; of the phases as they will be written, since what a trace adds to
+// the value need not vanish with it.
 bool evaluate(Search& q) {
   Phases& p = q.e.p;
   const bool analytic = q.caloric.analytic();
   q.value = q.slope = 0.0;
   if (analytic) q.status = flash::prepare_caloric(q.caloric, q.e.m.T);
+  double* const x = q.s.spare;
   for (int j = 0; j < p.count && q.status == KV_OK; ++j) {
+    std::copy_n(p.x[j], q.e.m.ld, x);
+    drop_traces(q.e.m.n, x);
     if (analytic) {
       flash::PhaseCaloric c;
       c.ln_phi = q.s.raw[j];
       c.dln_phi_dT = q.s.dtau[j];
       c.Z = p.Z[j];
-      if (!flash::phase_caloric(q.caloric, p.x[j], flash::Kind::stable, c)) q.status = KV_NOT_FINITE;
+      if (!flash::phase_caloric(q.caloric, x, flash::Kind::stable, c)) q.status = KV_NOT_FINITE;
       q.phase[j] = c.value;
       q.slope += p.amount[j] * c.slope;
     } else {
-      // Of the phase as it will be written: what a trace adds to the value need not vanish with it.
-      double* const x = q.s.spare;
-      std::copy_n(p.x[j], q.e.m.ld, x);
-      drop_traces(q.e.m.n, x);
       const int phase = j == find_vapour(q.e) ? KV_PHASE_GAS : KV_PHASE_LIQUID;
       q.status = flash::phase_value(q.caloric, q.e.m.T, x, phase, q.phase[j]);
     }
@@ -361,8 +362,11 @@ StatusCode write_answer(Search& q, StatusCode found) {
 StatusCode single_component(const ThreeEnergyCall& c, support::Arena& arena) {
   const int n = c.mixture->count;
   double beta = 0.0, liquid = 0.0, vapour = 0.0;
-  double *const x = arena.zeros(n), *const y = arena.zeros(n), *const K = arena.zeros(n);
-  const StatusCode status = flash::energy_flash({c.property, c.wanted, c.P, c.z, c.mixture, c.T, &beta, x, y, K,
+  double *const x = arena.zeros(n), *const y = arena.zeros(n), *const K = arena.zeros(n),
+                *const z = arena.zeros(n);
+  flash::normalise_feed(n, c.z, z);
+  drop_traces(n, z);  // as the phases are written
+  const StatusCode status = flash::energy_flash({c.property, c.wanted, c.P, z, c.mixture, c.T, &beta, x, y, K,
                                                  &liquid, &vapour, c.routines, c.free_water});
   if (status != KV_OK) return status;
   const bool split = split_free_water({*c.T, c.P, c.mixture, beta, x, y, false, c.free_water}, c.out);
@@ -422,7 +426,7 @@ StatusCode three_energy_flash(const ThreeEnergyCall& c) {
   const int j = flash::single_component(n, c.z, flash::pure_tolerance(*c.mixture));
   // Of a feed of hardly anything but another component the water that it has is a liquid of its own.
   if (j >= 0 && (!c.free_water || j == eos::find_water_family(*c.mixture)))
-    return support::with_arena<0, 4>(n, [&](support::Arena& arena) { return single_component(c, arena); });
+    return support::with_arena<0, 5>(n, [&](support::Arena& arena) { return single_component(c, arena); });
   if (c.free_water) return three_energy_free_water(c);
   return support::with_arena<12, 100>(n, [&](support::Arena& arena) {
     return support::with_arena<12, 80>(n, [&](support::Arena& model) { return with_search(c, arena, model); });
