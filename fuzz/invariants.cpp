@@ -157,9 +157,9 @@ double fugacity_gap(const double* x, const Root& of_x, const double* y, const Ro
 }
 
 // Whether of the roots of a phase, the one of lower Gibbs energy first, this one is as good as the first: where an
-// almost pure component boils rounding tells which is lower.
+// almost pure component boils rounding and traces tell which is lower.
 bool as_good(const Root (&roots)[2], int k) {
-  return k == 0 || roots[k].gibbs - roots[0].gibbs < 1e-9;
+  return k == 0 || roots[k].gibbs - roots[0].gibbs < 1e-8;
 }
 
 // ln f of a dry mixture are the same in all phases that are there, each at its root of lower Gibbs energy; where

@@ -35,17 +35,19 @@ bool is_split(int n, const double* z, int count, const double* amount, const dou
 }
 
 bool has_digits(int n, const double* x, const double* ln_phi) noexcept {
+  constexpr double kThere = 1e-10;
   for (int i = 0; i < n; ++i)
-    if (x[i] >= kTrace && !(std::fabs(ln_phi[i]) <= kLargestLnPhi)) return false;
+    if (x[i] >= kThere && !(std::fabs(ln_phi[i]) <= kLargestLnPhi)) return false;
   return true;
 }
 
 double fugacity_gap(int n, const double* z, const Compared& a, const Compared& b) noexcept {
-  if (!has_digits(n, a.x, a.ln_phi) || !has_digits(n, b.x, b.ln_phi)) return 1e300;
   double gap = 0.0;
   for (int i = 0; i < n; ++i) {
     if (!(z[i] > 0.0) || a.x[i] < kTrace || b.x[i] < kTrace) continue;
-    const double ln_K = std::clamp(a.ln_phi[i] - b.ln_phi[i], -kLargestLogK, kLargestLogK);
+    const double difference = a.ln_phi[i] - b.ln_phi[i];
+    const double ln_K = std::clamp(difference, -kLargestLogK, kLargestLogK);
+    if (ln_K == difference && !(std::fabs(a.ln_phi[i]) <= kLargestLnPhi)) return 1e300;
     const double apart = std::fabs(std::log(b.x[i] / a.x[i]) - ln_K);
     if (!(apart <= 1e300)) return 1e300;
     gap = std::max(gap, apart);

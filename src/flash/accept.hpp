@@ -13,11 +13,8 @@ inline constexpr double kOwedFugacity = 1e-8;
 inline constexpr double kOwedValue = 1e-9;
 
 // Largest |ln phi| of which rounding leaves the digits that are owed. Only interactions that are continued far from
-// the temperatures of their data exceed it.
+// the temperatures of their data exceed it, for a component that is there.
 inline constexpr double kLargestLnPhi = 1e7;
-
-// Whether the ln phi of all components that a composition holds, but for traces below 1e-15, are within it.
-bool has_digits(int n, const double* x, const double* ln_phi) noexcept;
 
 /*
  * Whether amounts[count] (parts of the feed) and compositions x[count][n] are a split of the feed z[n], whose
@@ -35,10 +32,13 @@ struct Compared {
 
 /*
  * Largest difference of ln(x_i phi_i) between two phases, over the components of the feed z[n] that both hold:
- * below 1e-15 a fraction is a trace at the bound of its distribution coefficient, which follows no fugacity. 1e300
- * where a phase has none with digits.
+ * below 1e-15 a fraction is a trace at the bound of its distribution coefficient, which follows no fugacity.
+ * 1e300 where one of them has no digits.
  */
 double fugacity_gap(int n, const double* z, const Compared& a, const Compared& b) noexcept;
+
+/* Whether the ln phi of all components x[n] have digits, but for those of which there is less than 1e-10. */
+bool has_digits(int n, const double* x, const double* ln_phi) noexcept;
 
 }  // namespace kestrune::flash
 

@@ -127,17 +127,22 @@ bool first_equilibrium(Energy& e) {
   return false;
 }
 
-// Whether the value lies below that of the coldest state that the model has, which e.state becomes then.
+/*
+ * Whether the value lies below that of the coldest state that the model has, which e.state becomes then. Where the
+ * model lets the value of a phase fall with T, the coldest state is not the lowest: it is looked for down to kFalling.
+ */
 bool below_coldest(Energy& e) {
   e.asked_coldest = true;
+  bool above = false;
   for (double T = kColdest; T < e.state.T && !model_refuses(e); T *= 2.0) {
     if (!equilibrium_at(e, T, false, e.other)) continue;
     if (e.f(e.other) < 0.0) return false;
-    // Where the model lets the value of a phase fall with T, the coldest state is not the lowest.
+    above = true;
     if (!e.other.rising) continue;
     copy_state(e, e.other, e.state);
     return true;
   }
+  e.falling = above;
   return false;
 }
 
@@ -166,7 +171,8 @@ StatusCode iterate(Energy& e) {
       e.limit = e.f(e.state) < 0.0 ? kLimitReached : -kLimitReached;
       return KV_NOT_CONVERGED;
     }
-    if (e.state.T < kCold && T < e.state.T && !e.bracket.have_low && !e.asked_coldest && below_coldest(e)) {
+    const bool colder = e.state.T < kCold && T < e.state.T && !e.bracket.have_low;
+    if (colder && ((!e.asked_coldest && below_coldest(e)) || (e.falling && T < kFalling))) {
       e.limit = -kLimitReached;
       return KV_NOT_CONVERGED;
     }

@@ -18,8 +18,9 @@ inline bool plausible(double T) {
 }
 
 inline constexpr double kColdest = 3.0, kHottest = 10000.0;  // K, the range that is searched
-inline constexpr double kFarOff = 1e-6;  // of the scale of a value: more than what is within rounding of T
-inline constexpr double kCold = 60.0;    // K; before a search goes on from below, it asks for the coldest state
+inline constexpr double kFarOff = 1e-6;   // of the scale of a value: more than what is within rounding of T
+inline constexpr double kFalling = 24.0;  // K, the coldest state that is looked for below the coldest of all
+inline constexpr double kCold = 60.0;  // K; before a search goes on from below, it asks for the coldest state
 
 // The equilibrium at one temperature. Arrays [ld].
 struct EnergyState {
@@ -100,7 +101,8 @@ struct Energy {
   bool jump = false;   // the value lies between those of two different pairs of phases
   bool turned_low = false,
        turned_high = false;  // phases below, above the value have it where others are stable
-  bool asked_coldest = false;
+  bool asked_coldest = false,
+       falling = false;    // the coldest states lie above the value, but it may fall with T
   double no_answer = 0.0;  // the last temperature at which a flash had none; 0: none yet
   int flashes = 0;
   StatusCode status = KV_OK;

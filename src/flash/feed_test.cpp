@@ -5,7 +5,6 @@
 #include <cmath>
 #include <utility>
 
-#include "flash/accept.hpp"
 #include "flash/flash_state.hpp"
 #include "support/mathkernels.hpp"
 
@@ -353,7 +352,6 @@ bool evaluate_feed(Flash& f) {
   double Z = 0.0;
   f.m.counts.step = Step::feed;
   f.status = fugacity(f.m, f.it.z, trial_kind(f), f.feed_phi, nullptr, Z, &f.feed);
-  if (f.status == KV_OK && !has_digits(n, f.it.z, f.feed_phi)) f.status = KV_NOT_FINITE;
   if (f.status != KV_OK) return false;
   f.feed_kind = f.liquids_only() ? Kind::liquid : kind_of(f, f.it.z, Z);
   f.feed_Z = Z;

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "flash/accept.hpp"
 #include "flash/feed.hpp"
 #include "flash/flash_state.hpp"
 #include "flash/free_water.hpp"
@@ -61,6 +62,7 @@ StatusCode finish_single_phase(Flash& f) {
   const Situation s = f.feed_kind == Kind::gas ? Situation::vapour : Situation::liquid;
   const bool vapour = s == Situation::vapour;
   const int n = f.m.n;
+  if (!has_digits(n, f.it.z, f.feed_phi)) return write_answer(f, KV_NOT_FINITE);
   if (f.have_lowest && !finish_lowest(f)) return write_answer(f, f.status);
   const bool incipient = f.have_lowest && f.lowest.end == TrialEnd::stationary;
   const double* other = incipient ? f.lowest.w : f.it.z;

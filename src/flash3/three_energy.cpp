@@ -9,12 +9,11 @@
 #include <cfloat>
 #include <cmath>
 
-#include "flash/accept.hpp"
-#include "flash/energy_state.hpp"
 #include "flash/feed.hpp"
 #include "flash/pure_saturation.hpp"
-#include "flash3/specified.hpp"
+#include "flash3/three_energy_state.hpp"
 #include "flash3/three_free_water.hpp"
+#include "support/mathkernels.hpp"
 
 namespace kestrune::flash3 {
 namespace {
@@ -26,87 +25,27 @@ using flash::kHottest;
 using flash::plausible;
 
 constexpr int kMostStates = 80, kMostDropped = 2, kRetreats = 6;
+constexpr int kColdShare = 16;  // of a call's work, the part after which no further cold state is asked for
 constexpr double kNoFurther = 0.02;  // relative distance from where there is no answer that is close enough
 constexpr double kReached = 1e-11;   // of the value's size
 constexpr double kNear = 1e-9;       // relative change of T that is left of a single phase
 constexpr double kSameTemperature = 1e-13;  // relative width of a bracket that is an answer
 constexpr double kBeside = 1e-8;            // relative distance from a bracket whose ends are this uncertain
-constexpr double kNarrow = 1e-3;            // relative width, and shrinking, at which an amount is the unknown
-constexpr int kMostSecants = 8;
-constexpr double kOtherAmount = 0.1;  // from the first amount to the second
 
-// Phases of an equilibrium that are kept, with its temperature.
-struct KeptState {
-  double T = 0.0;
-  bool known = false;
-  Phases p;
-};
-
-struct Search {
-  const ThreeEnergyCall& call;
-  Equilibrium e;
-  flash::CaloricModel caloric;
-  Specified s;
-  KeptState low, high;  // the closest states below and above the value
-  Phases joined;        // of both
-  flash::EnergyBracket bracket;
-  double value = 0.0;  // of e.p at e.m.T
-  double slope = 0.0;  // at constant amounts
-  double phase[kMostPhases] = {};
-  double attempted = 1.0;  // relative width of the bracket at the last attempt with an amount
-  bool asked_coldest = false, end_of_range = false;
-  double no_answer = 0.0;           // the last temperature that had none; 0: none yet
-  StatusCode status = KV_OK;        // of what failed
-  StatusCode state_status = KV_OK;  // of the equilibrium: KV_OK or KV_FOURTH_PHASE
-};
-
-// Value of every phase of e.p and of the whole; of the phases as they will be written, since what a trace adds to
-// the value need not vanish with it.
-bool evaluate(Search& q) {
-  Phases& p = q.e.p;
-  const bool analytic = q.caloric.analytic();
-  q.value = q.slope = 0.0;
-  if (analytic) q.status = flash::prepare_caloric(q.caloric, q.e.m.T);
-  double* const x = q.s.spare;
-  for (int j = 0; j < p.count && q.status == KV_OK; ++j) {
-    std::copy_n(p.x[j], q.e.m.ld, x);
-    drop_traces(q.e.m.n, x);
-    if (analytic) {
-      flash::PhaseCaloric c;
-      c.ln_phi = q.s.raw[j];
-      c.dln_phi_dT = q.s.dtau[j];
-      c.Z = p.Z[j];
-      if (!flash::phase_caloric(q.caloric, x, flash::Kind::stable, c)) q.status = KV_NOT_FINITE;
-      q.phase[j] = c.value;
-      q.slope += p.amount[j] * c.slope;
-    } else {
-      const int phase = j == find_vapour(q.e) ? KV_PHASE_GAS : KV_PHASE_LIQUID;
-      q.status = flash::phase_value(q.caloric, q.e.m.T, x, phase, q.phase[j]);
-    }
-    q.value += p.amount[j] * q.phase[j];
-  }
-  return q.status == KV_OK && std::fabs(q.value) <= DBL_MAX;
-}
-
-double off(const Search& q) {
-  return q.value - q.call.wanted;
-}
-
-double size_of_value(const Search& q) {
-  return std::max(std::fabs(q.call.wanted), 1.0);
-}
-
-void keep(Search& q) {
+void keep(EnergySearch& q) {
   KeptState& side = off(q) < 0.0 ? q.low : q.high;
   const double T = q.e.m.T;
   if (side.known && (off(q) < 0.0 ? T <= side.T : T >= side.T)) return;
   copy_phases(q.e.p, side.p, q.e.m.ld);
   side.T = T;
   side.known = true;
+  side.fourth = q.state_status == KV_FOURTH_PHASE;
+  side.gibbs = q.gibbs;
+  side.gibbs_slope = q.gibbs_slope;
 }
 
 // The equilibrium at T, its value, and the bracket. False: q.status.
-bool state_at(Search& q, double T, bool estimate) {
+bool state_at(EnergySearch& q, double T, bool estimate) {
   q.status = set_conditions(T, q.call.P, q.e);
   if (q.status != KV_OK) return false;
   q.state_status = estimate ? find_equilibrium_from(q.e) : find_equilibrium(q.e);
@@ -121,7 +60,7 @@ bool state_at(Search& q, double T, bool estimate) {
 }
 
 // As state_at, nearer and nearer to where there was an answer.
-bool state_towards(Search& q, double good, double T) {
+bool state_towards(EnergySearch& q, double good, double T) {
   bool known = !q.bracket.closed() && (q.no_answer - good) * (q.no_answer - T) < 0.0;
   for (int k = 0; k < kRetreats; ++k) {
     if (k > 0 && std::fabs(T - good) <= kNoFurther * good) break;
@@ -134,123 +73,39 @@ bool state_towards(Search& q, double good, double T) {
   return false;
 }
 
-// Whether the value lies below that of the coldest state.
-bool below_coldest(Search& q) {
+// Whether the value lies below that of the coldest state that the model has; as in the flash of two phases.
+bool below_coldest(EnergySearch& q, double from) {
+  const flash::HostRoutines* host = q.call.routines;
+  const std::int64_t most = host != nullptr ? host->spent + host->allowed / kColdShare : 0;
   q.asked_coldest = true;
-  if (set_conditions(kColdest, q.call.P, q.e) != KV_OK) return false;
-  const StatusCode status = find_equilibrium(q.e);
-  return (status == KV_OK || status == KV_FOURTH_PHASE) && evaluate(q) && off(q) > 0.0;
-}
-
-// Newton at the phases of e.p, without those that end with less than nothing. True: e.p at q.s.T has the value.
-bool solve_at_phases(Search& q, double T) {
-  if (!q.caloric.analytic()) return false;
-  q.s.T = T;
-  q.s.P = q.call.P;
-  for (int dropped = 0; dropped <= kMostDropped; ++dropped) {
-    StatusCode status = KV_OK;
-    const Found found = solve_specified(q.s, status);
-    if (found == Found::yes) return q.s.T > kColdest && q.s.T < kHottest;
-    if (found != Found::negative || q.e.p.count < 2) return false;
-    drop_least(q.e.p, q.e.z, q.e.m.ld);
-    q.s.T = std::clamp(q.s.T, 0.9 * T, 1.1 * T);
+  for (double T = kColdest; T < from && !(q.falling && host != nullptr && host->spent > most); T *= 2.0) {
+    if (set_conditions(T, q.call.P, q.e) != KV_OK) continue;
+    const StatusCode status = find_equilibrium(q.e);
+    if (status > KV_STATUS_CALL_BLOCK && status != KV_NOT_FINITE) return false;
+    if ((status != KV_OK && status != KV_FOURTH_PHASE) || !evaluate(q)) continue;
+    if (off(q) < 0.0) {
+      q.falling = false;
+      return false;
+    }
+    if (q.rising) return true;
+    q.falling = true;
   }
   return false;
 }
 
 // The gate: e.p is an equilibrium, and at its temperature it has the value.
-bool accept(Search& q) {
+bool accept(EnergySearch& q) {
   Equilibrium& e = q.e;
   q.status = evaluate_phases(e.m, e.z, e.p, e.w, false);
   return q.status == KV_OK && accept(e) && evaluate(q) &&
          std::fabs(off(q)) <= flash::kOwedValue * size_of_value(q) && e.m.T >= kColdest && e.m.T <= kHottest;
 }
 
-/*
- * Whether what Newton found is the equilibrium at its temperature. If not, e.p is what is, and the bracket
- * knows it.
- */
-bool confirm(Search& q) {
-  // The value of three phases of two components is any along their line: an end of the bracket that was met
-  // there may lie on the wrong side of it.
-  const double beside = kBeside * q.s.T;
-  if (!(q.s.T >= q.bracket.low - beside && q.s.T <= q.bracket.high + beside)) return false;
-  q.status = set_conditions(q.s.T, q.call.P, q.e);
-  if (q.status != KV_OK) return false;
-  const int count = q.e.p.count;
-  if (count == 1) {
-    // The flash at this temperature tells; the value is that of the same phase.
-    return state_at(q, q.s.T, false) && q.e.p.count == 1 && std::fabs(off(q)) <= kNear * q.s.T * q.slope;
-  }
-  q.status = test_equilibrium(q.e);
-  if (q.status != KV_OK) return false;
-  if (!q.e.third.found) {
-    q.state_status = KV_OK;
-    return accept(q);
-  }
-  state_at(q, q.s.T, true);
-  return q.status == KV_OK && q.state_status == KV_FOURTH_PHASE && q.e.p.count == count &&
-         std::fabs(off(q)) <= flash::kOwedValue * size_of_value(q);
-}
-
-/*
- * The same without slopes of the value: an amount is the unknown, and equal fugacities say what temperature and
- * phases go with it. Along a line where temperature stands still the value is linear in the amount. The phase
- * is the last one, which is there on one side of the bracket only.
- */
-bool solve_for_amount(Search& q, double T) {
-  Specified& s = q.s;
-  const Specify of_value = s.what;
-  s.what = Specify::vapour;
-  s.T = T;
-  s.P = q.call.P;
-  s.vapour = q.e.p.count - 1;
-  double W = q.e.p.amount[s.vapour], last_W = W, last_off = 0.0;
-  bool solved = false;
-  for (int k = 0; k < kMostSecants && !solved; ++k) {
-    s.wanted = W;
-    const Found found = solve_specified(s, q.status);
-    if (found == Found::no || found == Found::model) break;
-    q.status = set_conditions(s.T, s.P, q.e);
-    if (q.status != KV_OK || !evaluate(q)) break;
-    solved = found == Found::yes && std::fabs(off(q)) <= kReached * size_of_value(q);
-    const double slope = (off(q) - last_off) / (W - last_W);
-    last_W = W;
-    last_off = off(q);
-    W = k == 0 ? W + (W < 0.5 ? kOtherAmount : -kOtherAmount) : std::clamp(W - off(q) / slope, -1.0, 2.0);
-    if (!std::isfinite(W)) break;
-  }
-  s.what = of_value;
-  s.wanted = q.call.wanted;
-  return solved;
-}
-
-/*
- * The phases that are seen on the two sides of the bracket, and of four of them all sets of three: those
- * between the sides, where temperature stands still.
- */
-bool solve_between_sides(Search& q) {
-  if (!q.low.known || !q.high.known) return false;
-  const double width = (q.bracket.high - q.bracket.low) / q.bracket.high;
-  const bool analytic = q.caloric.analytic();
-  if (!analytic && !(width <= kNarrow * q.attempted)) return false;
-  if (!analytic) q.attempted = width;
-  const double part = q.bracket.f_low / (q.bracket.f_low - q.bracket.f_high);
-  if (!join_phases(q.e.m.n, q.e.m.ld, q.e.z, q.low.p, q.high.p, part, q.joined)) return false;
-  const double T = 0.5 * (q.bracket.low + q.bracket.high);
-  for (int without = q.joined.count == kRoom ? 0 : kMostPhases; without < kRoom; ++without) {
-    copy_phases(q.joined, q.e.p, q.e.m.ld);
-    if (without < q.joined.count) drop_phase(q.e.p, without);
-    if ((analytic ? solve_at_phases(q, T) : solve_for_amount(q, T)) && confirm(q)) return true;
-  }
-  return false;
-}
-
-bool reached(const Search& q) {
+bool reached(const EnergySearch& q) {
   return std::fabs(off(q)) <= kReached * size_of_value(q);
 }
 
-double next_temperature(const Search& q, double T, int count) {
+double next_temperature(const EnergySearch& q, double T, int count) {
   const flash::EnergyBracket& b = q.bracket;
   if (b.closed()) {
     const double next = b.secant();
@@ -262,13 +117,26 @@ double next_temperature(const Search& q, double T, int count) {
   return std::clamp(next, kColdest, kHottest);
 }
 
+// Towards the jump of a bracket that has one: beside it, or the middle where that did not close it by half.
+bool state_towards_jump(EnergySearch& q) {
+  const double width = (q.bracket.high - q.bracket.low) / q.bracket.high;
+  double T = 0.0;
+  bool low = false;
+  const bool beside = width <= 0.5 * q.narrowed && beside_jump(q, T, low);
+  q.narrowed = width;
+  if (!state_towards(q, q.e.m.T, beside ? T : 0.5 * (q.bracket.low + q.bracket.high))) return false;
+  if (beside && low != (off(q) < 0.0)) q.aside *= 8.0;
+  return true;
+}
+
 // From the state at the start to the answer in e.p at e.m.T.
-StatusCode search(Search& q) {
+StatusCode search(EnergySearch& q) {
   for (int count = 0; count < kMostStates; ++count) {
     if (reached(q)) return q.state_status;
     const double T = q.e.m.T;
     const double width = q.bracket.high - q.bracket.low;
-    if (q.bracket.closed() && width <= kSameTemperature * T) {
+    q.jump = is_jump(q);
+    if (q.jump || (q.bracket.closed() && width <= kSameTemperature * T)) {
       q.status = KV_OK;
       if (solve_between_sides(q)) return q.state_status;
       return std::fabs(off(q)) <= flash::kOwedValue * size_of_value(q) ? q.state_status
@@ -287,8 +155,10 @@ StatusCode search(Search& q) {
       if (solve_between_sides(q)) return q.state_status;
       if (q.status != KV_OK && q.status != KV_NOT_FINITE && q.status > KV_STATUS_CALL_BLOCK) return q.status;
     }
-    const bool far_below = T < kCold && next < T && !q.bracket.have_low && !q.asked_coldest;
-    q.end_of_range = !q.bracket.closed() && (next == T || (far_below && below_coldest(q)));
+    if (q.bracket.closed() && other_three(q) && state_towards_jump(q)) continue;
+    const bool colder = T < kCold && next < T && !q.bracket.have_low;
+    q.end_of_range = !q.bracket.closed() && (next == T || (colder && !q.asked_coldest && below_coldest(q, T)) ||
+                                             (colder && q.falling && next < flash::kFalling));
     if (q.end_of_range || next == T) return KV_NOT_CONVERGED;
     if (!state_towards(q, T, next)) {
       const bool refused = q.status > KV_STATUS_CALL_BLOCK && q.status != KV_NOT_FINITE;
@@ -307,7 +177,7 @@ bool is_mended(StatusCode status) {
  * From the answer of the two-phase flash, which follows a vapour that grows all at once: it stands where
  * nothing cuts it, else it is where the search goes on.
  */
-StatusCode search_from_two_phases(Search& q) {
+StatusCode search_from_two_phases(EnergySearch& q) {
   const ThreeEnergyCall& c = q.call;
   Equilibrium& e = q.e;
   double T = 0.0, beta = 0.0, values[2];
@@ -328,7 +198,7 @@ StatusCode search_from_two_phases(Search& q) {
 }
 
 // Values by place: A, B and vapour, in the order that write_phases has just given to e.p.
-StatusCode write_answer(Search& q, StatusCode found) {
+StatusCode write_answer(EnergySearch& q, StatusCode found) {
   const ThreeEnergyCall& c = q.call;
   *c.T = q.e.m.T;
   const StatusCode written = write_phases(q.e, c.out);
@@ -382,7 +252,7 @@ StatusCode with_search(const ThreeEnergyCall& c, support::Arena& arena, support:
   const int n = c.mixture->count, ld = support::padded(n);
   const flash::Settings settings = flash::copy_settings(*c.mixture);
   support::TraceWriter trace(settings.trace, settings.trace_unit);
-  Search q{c, {}, {}, {}, {}, {}, {}, {}};
+  EnergySearch q{c, {}, {}, {}, {}, {}, {}, {}};
   q.s.e = &q.e;
   q.s.caloric = &q.caloric;
   q.s.what = c.property == flash::Property::enthalpy ? Specify::enthalpy : Specify::entropy;
@@ -409,7 +279,7 @@ StatusCode with_search(const ThreeEnergyCall& c, support::Arena& arena, support:
   const bool started =
       state_at(q, start, given) || (start != kDefaultTemperature && state_at(q, kDefaultTemperature, false));
   status = started ? search(q) : q.status;
-  if (is_mended(status) && !q.end_of_range) {
+  if (is_mended(status) && !q.end_of_range && !q.jump) {
     const StatusCode other = search_from_two_phases(q);
     if (other == KV_OK || other == KV_FOURTH_PHASE) status = other;
   }
@@ -418,6 +288,77 @@ StatusCode with_search(const ThreeEnergyCall& c, support::Arena& arena, support:
 }
 
 }  // namespace
+
+bool evaluate(EnergySearch& q) {
+  Phases& p = q.e.p;
+  const bool analytic = q.caloric.analytic();
+  q.value = q.slope = q.gibbs = q.gibbs_slope = 0.0;
+  q.rising = true;
+  if (analytic) q.status = flash::prepare_caloric(q.caloric, q.e.m.T);
+  double* const x = q.s.spare;
+  for (int j = 0; j < p.count && q.status == KV_OK; ++j) {
+    std::copy_n(p.x[j], q.e.m.ld, x);
+    drop_traces(q.e.m.n, x);
+    if (analytic) {
+      flash::PhaseCaloric c;
+      c.ln_phi = q.s.raw[j];
+      c.dln_phi_dT = q.s.dtau[j];
+      c.Z = p.Z[j];
+      if (!flash::phase_caloric(q.caloric, x, flash::Kind::stable, c)) q.status = KV_NOT_FINITE;
+      q.phase[j] = c.value;
+      q.slope += p.amount[j] * c.slope;
+      q.rising = q.rising && c.slope > 0.0;
+      for (int i = 0; i < q.e.m.n; ++i) {
+        if (!(x[i] > 0.0)) continue;
+        q.gibbs += p.amount[j] * x[i] * (support::fast_log(x[i]) + c.ln_phi[i]);
+        q.gibbs_slope += p.amount[j] * x[i] * c.dln_phi_dT[i];
+      }
+    } else {
+      const int phase = j == find_vapour(q.e) ? KV_PHASE_GAS : KV_PHASE_LIQUID;
+      q.status = flash::phase_value(q.caloric, q.e.m.T, x, phase, q.phase[j]);
+    }
+    q.value += p.amount[j] * q.phase[j];
+  }
+  return q.status == KV_OK && std::fabs(q.value) <= DBL_MAX;
+}
+
+bool solve_at_phases(EnergySearch& q, double T) {
+  if (!q.caloric.analytic()) return false;
+  q.s.T = T;
+  q.s.P = q.call.P;
+  for (int dropped = 0; dropped <= kMostDropped; ++dropped) {
+    StatusCode status = KV_OK;
+    const Found found = solve_specified(q.s, status);
+    if (found == Found::yes) return q.s.T > kColdest && q.s.T < kHottest;
+    if (found != Found::negative || q.e.p.count < 2) return false;
+    drop_least(q.e.p, q.e.z, q.e.m.ld);
+    q.s.T = std::clamp(q.s.T, 0.9 * T, 1.1 * T);
+  }
+  return false;
+}
+
+bool confirm(EnergySearch& q) {
+  // The value of three phases of two components is any along their line: an end of the bracket that was met
+  // there may lie on the wrong side of it.
+  const double beside = kBeside * q.s.T;
+  if (!(q.s.T >= q.bracket.low - beside && q.s.T <= q.bracket.high + beside)) return false;
+  q.status = set_conditions(q.s.T, q.call.P, q.e);
+  if (q.status != KV_OK) return false;
+  const int count = q.e.p.count;
+  if (count == 1) {
+    // The flash at this temperature tells; the value is that of the same phase.
+    return state_at(q, q.s.T, false) && q.e.p.count == 1 && std::fabs(off(q)) <= kNear * q.s.T * q.slope;
+  }
+  q.status = test_equilibrium(q.e);
+  if (q.status != KV_OK) return false;
+  if (!q.e.third.found) {
+    q.state_status = KV_OK;
+    return accept(q);
+  }
+  state_at(q, q.s.T, true);
+  return q.status == KV_OK && q.state_status == KV_FOURTH_PHASE && q.e.p.count == count &&
+         std::fabs(off(q)) <= flash::kOwedValue * size_of_value(q);
+}
 
 StatusCode three_energy_flash(const ThreeEnergyCall& c) {
   const int n = c.mixture->count;
