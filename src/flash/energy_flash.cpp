@@ -53,7 +53,7 @@ double next_temperature(const Energy& e, const EnergyState& s) {
     return e.flashes % 8 == 7 || !b.inside(T) ? 0.5 * (b.low + b.high) : T;
   }
   const double f = e.f(s);
-  double T = s.slope > 0.0 ? s.T - f / s.slope : f < 0.0 ? s.T * 1.3 : s.T / 1.3;
+  double T = s.slope > 0.0 ? s.T - f / s.slope : f < 0.0 ? s.T * 1.3 : s.T / 1.5;
   T = std::clamp(T, s.T / 1.5, s.T * 1.5);
   return std::clamp(T, kColdest, kHottest);
 }
