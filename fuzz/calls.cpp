@@ -1,7 +1,8 @@
 #include "calls.hpp"
 
-#include <chrono>
 #include <numeric>
+
+#include "report.hpp"
 
 namespace kestrune::fuzz {
 namespace {
@@ -238,13 +239,13 @@ void Call::run() {
   scenario.zones.seal();
   scenario.zones.guard(true);
   zones.guard(true);
-  const auto begin = std::chrono::steady_clock::now();
+  const double begin = processor_ms();
   tests::set_words(host.control, host.mxcsr);
   const tests::Words before = tests::read_words();
   const StatusCode returned = entry.call(slots);
   const tests::Words after = tests::read_words();
   tests::default_words();
-  milliseconds = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+  milliseconds = processor_ms() - begin;
   zones.guard(false);
   scenario.zones.guard(false);
   status = returned;

@@ -2,7 +2,6 @@
 // with a few bytes changed. A reader returns, or throws the host's own error with a text; what it understood, written
 // down again, is read the same.
 #include <cctype>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -213,7 +212,7 @@ void one_run(const std::uint8_t* data, std::size_t size) {
         << draw_text(choices, choices.chance(50) ? kJson : kLines);
   if (progress->narrate) std::printf("%s %d: \"%s\"\n", reader.name, which, text.c_str());
   std::fflush(stdout);
-  const auto begin = std::chrono::steady_clock::now();
+  const double begin = processor_ms();
   std::string wrong;
   bool understood = true;
   try {
@@ -224,7 +223,7 @@ void one_run(const std::uint8_t* data, std::size_t size) {
   } catch (const std::exception& e) {
     wrong = std::string("an error that is not the host's own: ") + e.what();
   }
-  const double ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+  const double ms = processor_ms() - begin;
   Tally& tally = progress->tally(reader.name);
   tally.count(ms, static_cast<int>(text.size()), understood, true);
   if (wrong.empty()) return;

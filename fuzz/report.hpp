@@ -21,7 +21,7 @@ struct Tally {
   std::uint64_t calls, answers, faults;
   std::uint64_t slow;  // sound calls of up to 40 components above 50 ms
   double total_ms;
-  Slowest sound, any;
+  Slowest sound, any;  // sound: up to 40 components
 
   void count(double ms, int size, bool answered, bool is_sound);
 };
@@ -52,6 +52,9 @@ void one_run(const std::uint8_t* data, std::size_t size);
 // Cases that are made before the runs.
 std::size_t known_cases();
 void known_case(std::size_t k);
+
+// Processor time of this process so far, ms (of the wall under Windows): other work on the machine is none of a call's.
+double processor_ms();
 
 // Prints a fault, the first few of its kind.
 void count_fault(const char* of, const std::string& what, const std::string& details);
