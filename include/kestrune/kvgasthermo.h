@@ -21,10 +21,11 @@
  * Stack: a call needs at most 256 kB of the stack of its thread, whatever the mixture; what a host's own routines
  * need comes on top of it.
  *
- * Time: a flash may spend 8e7/(count + 8)^2 evaluations of ln phi, not more than 200 000 and not less than 4 000,
- * one of three phases at a vapour fraction half as many again and an envelope twice as many; settings cannot raise that. One with composition derivatives counts as three (of many
- * components as more), a new temperature as six. A flash that has spent it ends with 112, one at a vapour fraction
- * with 116. Critical points and the water exports are bounded by their iterations alone.
+ * Time: a flash may spend 4e7/(count + 8)^2 evaluations of ln phi, not more than 100 000 and not less than 4 000,
+ * one at a vapour fraction twice as many, of three phases three times, an envelope four times; settings cannot
+ * raise that. One with composition derivatives counts as three (of many components as more), a new temperature as
+ * six. A flash that has spent it ends with 112, one at a vapour fraction with 116. Critical points and the water
+ * exports are bounded by their iterations alone.
  *
  * "48 bytes" is what the arguments of an export take on the stack of a 32-bit process and the export removes from
  * it: 8 for a double by value, 4 for an integer or an address. For FlashLVatTP 2 * 8 + 8 * 4:

@@ -23,11 +23,11 @@ namespace kestrune::flash {
 
 /*
  * Work that one call may take with this many components, in evaluations of ln phi. An evaluation grows with the
- * square of the components, so that a call takes about a tenth of a second at most up to 40 of them. Flashes that
+ * square of the components, so that a call takes about a twentieth of a second at most up to 40 of them. Flashes that
  * find what they look for take a hundredth of it, as a rule.
  */
-inline constexpr double kWorkOfSquares = 8e7;
-inline constexpr std::int64_t kMostWork = 200'000, kLeastWork = 4'000;
+inline constexpr double kWorkOfSquares = 4e7;
+inline constexpr std::int64_t kMostWork = 100'000, kLeastWork = 4'000;
 inline std::int64_t allowed_work(std::int32_t count) noexcept {
   const double n = count + 8.0;
   return std::clamp(static_cast<std::int64_t>(kWorkOfSquares / (n * n)), kLeastWork, kMostWork);

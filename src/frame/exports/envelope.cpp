@@ -30,7 +30,7 @@ StatusCode phase_envelope(envelope::EnvelopeCall call, const ModelRoutines* rout
                                                   call.therm_T, call.therm_P, call.bar_T, call.bar_P),
                             frame::check_feed(call.z, call.mixture)});
   if (bad != KV_OK) return bad;
-  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count, 2);
+  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count, 4);
   host.final = false;
   call.routines = &host;
   return exports::told(host, envelope::phase_envelope(call));

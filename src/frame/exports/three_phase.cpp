@@ -81,7 +81,7 @@ StatusCode quality_flash(flash3::ThreeQualityCall call, flash3::ThreePhaseResult
       check_flash(frame::check_specified(call.W), exports::check_given(call), call.z, call.mixture,
                   call.unknown, out.beta, out.xA, out.xB, out.y, out.KLL, out.KLV);
   if (bad != KV_OK) return bad;
-  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count, 1.5);
+  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count, 3);
   call.routines = &host;
   call.out = out;
   call.estimate = (options & 1) != 0;

@@ -42,7 +42,7 @@ StatusCode quality_flash(flash::QualityCall call, const ModelRoutines* routines,
       first_failure({frame::check_specified(call.W), exports::check_given(call),
                      check_flash(call.z, call.mixture, call.unknown, call.x, call.y, call.K)});
   if (bad != KV_OK) return bad;
-  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count);
+  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count, 2);
   call.routines = &host;
   call.cold = (options & 1) != 0;
   call.free_water = exports::wet_feed(*call.mixture, call.z);
