@@ -208,7 +208,7 @@ void check_energy(const Call& c, const std::vector<PhasePart>& phases, double T)
     liquid(T, P, phases[k].x, c.scenario.record, values + 1);
     if (known != KV_OK && known != KV_PURE_RANGE) continue;
     const double off = std::min(std::abs(values[0] - own), std::abs(values[1] - own));
-    rule(off < 1e-6 * scale, "a phase's value is not that of the property exports",
+    rule(off < 1e-6 * std::max(scale, std::abs(own)), "a phase's value is not that of the property exports",
          {double(k + 1), own, values[0], values[1]});
   }
 }
