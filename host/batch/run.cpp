@@ -16,8 +16,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t kAhead = 3;     // chunks in memory for each worker
-constexpr auto kListenEvery = 100us;  // to a crew
+constexpr std::size_t kAhead = 3;                          // chunks in memory for each worker
+constexpr std::size_t kMostBytes = std::size_t{96} << 20;  // of their input, however many workers there are
+constexpr auto kListenEvery = 100us;                       // to a crew
 constexpr auto kShowEvery = 200ms;
 
 struct Task {
@@ -114,7 +115,7 @@ void run_chunks(const Job& job, Source& source, std::size_t threads, Crew* crew,
   std::map<std::uint64_t, std::unique_ptr<Task>> early;  // results that wait for those before them
   std::vector<std::unique_ptr<Task>> spare;
   std::uint64_t written = source.chunks();
-  std::size_t in_memory = 0, of_threads = 0;
+  std::size_t in_memory = 0, bytes_in_memory = 0, of_threads = 0;
   std::unique_ptr<Task> task;  // read, not handed out yet
   bool more = true;
 
@@ -125,13 +126,15 @@ void run_chunks(const Job& job, Source& source, std::size_t threads, Crew* crew,
     return one;
   };
   const auto hand_out = [&] {
-    while (more && in_memory < most) {
+    while (more && in_memory < most && bytes_in_memory < kMostBytes) {
       if (!task) {
         task = fresh();
         more = source.next(task->chunk);
         if (!more) return;
         task->result.input_hash = hash_of(task->chunk.text);
+        task->result.input_size = task->chunk.text.size();
       }
+      const std::size_t bytes = task->chunk.text.size();
       if (of_threads < 2 * workers.size()) {
         workers.give(std::move(task));
         ++of_threads;
@@ -141,6 +144,7 @@ void run_chunks(const Job& job, Source& source, std::size_t threads, Crew* crew,
         return;
       }
       ++in_memory;
+      bytes_in_memory += bytes;
     }
   };
   const auto keep = [&](std::unique_ptr<Task> done) {
@@ -151,6 +155,7 @@ void run_chunks(const Job& job, Source& source, std::size_t threads, Crew* crew,
       put(result);
       totals.rows += result.rows;
       totals.failed += result.failed;
+      bytes_in_memory -= result.input_size;
       spare.push_back(std::move(next->second));
       early.erase(next);
       ++written;

@@ -40,7 +40,7 @@ def check_kills(states, output, reference):
         process = subprocess.Popen([PROGRAM, "batch", *map(str, job(states, output, "--resume", "--threads", 1 + attempt % 3))],
                                    stderr=subprocess.PIPE)
         try:
-            process.communicate(timeout=random.uniform(0.05, 0.25) if kills < 6 else 600)
+            process.communicate(timeout=random.uniform(0.02, 0.1) if kills < 6 else 600)
             break
         except subprocess.TimeoutExpired:
             process.kill()
