@@ -234,7 +234,8 @@ int main(int argc, char** argv) {
       MPI_Abort(MPI_COMM_WORLD, exit_input);
     }
   }
-  // All end with the code of the first one: mpirun takes a code that one of several has for a failure of it.
+  // All end with the code of the first one. mpirun sends the others a signal when one ends with another code than 0.
+  std::signal(SIGTERM, SIG_IGN);
   MPI_Bcast(&code, 1, MPI_INT, 0, MPI_COMM_WORLD);
   MPI_Finalize();
   return code;
