@@ -45,10 +45,10 @@ def start(arguments, program=None):
 
 
 def wait_for_lines(journal, count):
-    for _ in range(2000):
+    for _ in range(20000):
         if journal.exists() and journal.read_bytes().count(b"\n") >= count:
             return
-        time.sleep(0.005)
+        time.sleep(0.001)
     raise AssertionError(f"{journal} does not grow")
 
 
@@ -73,10 +73,15 @@ def check_kills(states, output, reference):
 
 def check_two_at_once(states, output, reference):
     """The second of two runs on one file goes away."""
-    first = start(job(states, output, "--overwrite", "--threads", 1))
-    wait_for_lines(Path(f"{output}.journal"), 20)
+    for path in (output, Path(f"{output}.journal")):
+        path.unlink()
+    first = start(job(states, output, "--threads", 1))
+    wait_for_lines(Path(f"{output}.journal"), 14)
+    first.send_signal(signal.SIGSTOP)
+    assert output.stat().st_size < len(reference), "it was ready before it was stopped"
     for how in ("--resume", "--overwrite"):
         run(*job(states, output, how), code=2, words=[f"{output}", "in use"])
+    first.send_signal(signal.SIGCONT)
     first.communicate()
     assert first.returncode == 1 and output.read_bytes() == reference
 
