@@ -2,11 +2,15 @@
 
 #include <cmath>
 
+#include "batch/source.hpp"
+
 namespace kestrune::host::batch {
 
 namespace {
 
 using Kind = Column::Kind;
+
+constexpr std::size_t kCompositions = 256;  // wells that take turns in a table
 
 constexpr unsigned bit(Property p) {
   return 1u << static_cast<unsigned>(p);
@@ -23,7 +27,8 @@ StateSolver::StateSolver(const Exports& library, const Mixture& mixture, Given g
       nc_(mixture.z.size()),
       flash_(library, mixture, given, phases),
       tell_dense_(tell_dense(columns)),
-      free_water_((mixture.record.flags & FreeWaterFlag) != 0) {
+      free_water_((mixture.record.flags & FreeWaterFlag) != 0),
+      critical_(kCompositions) {
   for (std::vector<double>& x : x_) x.assign(nc_, kNone);
   for (std::size_t place = 0; place < kPlaces; ++place) wanted_[place] = wanted_of_phase(columns, place);
 }
@@ -64,6 +69,11 @@ PropertyValues StateSolver::properties_of(std::size_t phase, unsigned wanted) {
                           mass_of(phase), wanted);
 }
 
+LastCritical& StateSolver::critical_of(std::size_t phase) {
+  const std::vector<double>& x = x_[phase];
+  return critical_[hash_of({reinterpret_cast<const char*>(x.data()), nc_ * sizeof(double)}) % critical_.size()];
+}
+
 // What the phases are, by the rules of a single flash (equilibrium.cpp, three_phase.cpp).
 void StateSolver::name_phases() {
   const bool of_fraction = given_ == Given::WP || given_ == Given::WT;
@@ -72,8 +82,8 @@ void StateSolver::name_phases() {
   for (std::size_t p = 1; p < phase_count_; ++p) {
     if (!is_there(p)) continue;
     if (phase_count_ == 3)
-      kinds_[p] = liquid_kind(library_, mixture_, T_, x_[p], alone, &critical_);
-    else if (alone && is_dense(library_, mixture_, x_[p], T_, &critical_))
+      kinds_[p] = liquid_kind(library_, mixture_, T_, x_[p], alone, &critical_of(p));
+    else if (alone && is_dense(library_, mixture_, x_[p], T_, &critical_of(p)))
       kinds_[p] = PhaseKind::dense;
     else
       kinds_[p] = is_aqueous(mixture_, x_[p]) ? PhaseKind::aqueous_liquid : PhaseKind::liquid;
@@ -112,7 +122,7 @@ void StateSolver::name_packed_gas() {
   const bool packed = is_packed(mixture_, gas);
   gas.x.swap(x_[0]);
   if (!packed) return;
-  const PhaseKind kind = liquid_kind(library_, mixture_, T_, x_[0], tell_dense_, &critical_);
+  const PhaseKind kind = liquid_kind(library_, mixture_, T_, x_[0], tell_dense_, &critical_of(0));
   if (kind != PhaseKind::free_water) kinds_[0] = kind;
 }
 

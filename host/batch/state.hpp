@@ -44,6 +44,7 @@ class StateSolver {
   bool has_answer() const { return has_value(flash_status_); }
   bool is_there(std::size_t phase) const { return x_[phase][0] == x_[phase][0]; }
   PropertyValues properties_of(std::size_t phase, unsigned wanted);
+  LastCritical& critical_of(std::size_t phase);
   void name_phases();
   void name_packed_gas();
   void settle_root();
@@ -67,7 +68,7 @@ class StateSolver {
   std::array<double, kFlashPhases> share_{};
   std::array<PhaseKind, kFlashPhases> kinds_{};
   std::array<PropertyValues, kFlashPhases> properties_;
-  LastCritical critical_;
+  std::vector<LastCritical> critical_;  // of compositions that come again, by their hash
   std::array<std::size_t, kFlashPhases> place_of_{};
   std::array<std::size_t, kPlaces> at_{};  // which of them is in a place; kFlashPhases for none
   std::array<char, kFlashPhases> letters_{};

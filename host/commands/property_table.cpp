@@ -106,7 +106,8 @@ void print_rows(const Grid& grid, const std::vector<std::vector<GridRow>>& bound
 // Leaves the points between the ends of a line of the grid, by temperature, and those of which nobody knows where they are.
 void clip(const std::vector<GridRow>& line, std::size_t T_column, std::vector<GridRow>& points) {
   const double low = line.front().values[T_column], high = line.back().values[T_column];
-  std::erase_if(points, [&](const GridRow& p) { return p.values[T_column] < low || p.values[T_column] > high; });
+  std::erase_if(points,
+                [&](const GridRow& p) { return p.values[T_column] < low || p.values[T_column] > high; });
 }
 
 // What bilinear interpolation misses at the centres of cells.
