@@ -8,6 +8,7 @@
 #include <mutex>
 #include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace kestrune::host::batch {
@@ -136,10 +137,10 @@ void run_chunks(const Job& job, Source& source, std::size_t threads, Crew* crew,
       }
       const std::size_t bytes = task->chunk.text.size();
       if (of_threads < 2 * workers.size()) {
-        workers.give(std::move(task));
+        workers.give(std::exchange(task, nullptr));
         ++of_threads;
       } else if (crew != nullptr && crew->send(task->chunk, task->result.input_hash)) {
-        spare.push_back(std::move(task));
+        spare.push_back(std::exchange(task, nullptr));
       } else {
         return;
       }

@@ -119,7 +119,7 @@ void run_batch(const BatchOptions& o, Session& session) {
   std::unique_ptr<Crew> crew;
   if (session.team != nullptr) {
     std::string identity;
-    for (const auto& [name, value] : plan.identity) identity += name + ' ' + value + '\n';
+    for (const auto& [name, value] : plan.identity) identity += fmt::format("{} {}\n", name, value);
     session.team->agree(failure, identity);
     if (session.team->leads()) crew = session.team->lead();
   }

@@ -63,7 +63,8 @@ class MpiCrew : public Crew {
   ~MpiCrew() override {
     Result dropped;
     while (outstanding_ > 0)
-      if (!receive(dropped)) std::this_thread::sleep_for(kListenEvery);
+      if (!MpiCrew::receive(dropped)) std::this_thread::sleep_for(kListenEvery);
+    // NOLINTNEXTLINE(clang-analyzer-optin.mpi.MPI-Checker): begun in send
     for (Message& m : under_way_) MPI_Wait(&m.request, MPI_STATUS_IGNORE);
     for (std::size_t k = 0; k < busy_.size(); ++k) send_bytes("", static_cast<int>(k) + 1, kTagStop);
   }
@@ -85,7 +86,7 @@ class MpiCrew : public Crew {
     bytes += chunk.text;
     MPI_Isend(bytes.data(), static_cast<int>(bytes.size()), MPI_BYTE, static_cast<int>(to) + 1, kTagChunk,
               MPI_COMM_WORLD, &message.request);
-    ++busy_[to];
+    ++busy_[to];  // NOLINT(clang-analyzer-optin.mpi.MPI-Checker): waited for in drop_sent
     ++outstanding_;
     return true;
   }
