@@ -19,7 +19,7 @@ using namespace std::chrono_literals;
 
 constexpr std::size_t kAhead = 3;                          // chunks in memory for each worker
 constexpr std::size_t kMostBytes = std::size_t{96} << 20;  // of their input, however many workers there are
-constexpr auto kListenEvery = 100us;                       // to a crew
+constexpr auto kListenEvery = 250us;                       // to a crew; a chunk takes a hundred times as long
 constexpr auto kShowEvery = 200ms;
 
 struct Task {
@@ -119,6 +119,7 @@ void run_chunks(const Job& job, Source& source, std::size_t threads, Crew* crew,
   std::size_t in_memory = 0, bytes_in_memory = 0, of_threads = 0;
   std::unique_ptr<Task> task;  // read, not handed out yet
   bool more = true;
+  const bool listens = crew != nullptr && crew->size() > 0;
 
   const auto fresh = [&] {
     if (spare.empty()) return std::make_unique<Task>();
@@ -168,7 +169,7 @@ void run_chunks(const Job& job, Source& source, std::size_t threads, Crew* crew,
     if (crew != nullptr) {
       for (std::unique_ptr<Task> one = fresh(); crew->receive(one->result); one = fresh()) keep(std::move(one));
     }
-    if (std::unique_ptr<Task> done = workers.take(crew != nullptr ? kListenEvery : kShowEvery)) {
+    if (std::unique_ptr<Task> done = workers.take(listens ? kListenEvery : kShowEvery)) {
       --of_threads;
       keep(std::move(done));
     }
