@@ -165,7 +165,8 @@ void run_chunks(const Job& job, Source& source, std::size_t threads, Crew* crew,
     }
   };
 
-  for (hand_out(); in_memory > 0; hand_out()) {
+  hand_out();
+  while (in_memory > 0) {
     if (crew != nullptr) {
       for (std::unique_ptr<Task> one = fresh(); crew->receive(one->result); one = fresh()) keep(std::move(one));
     }
@@ -174,6 +175,7 @@ void run_chunks(const Job& job, Source& source, std::size_t threads, Crew* crew,
       keep(std::move(done));
     }
     progress.show(source.share_read(), totals.rows);
+    hand_out();
   }
 }
 
