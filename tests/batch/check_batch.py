@@ -279,16 +279,17 @@ def check_reading(folder):
 def check_wine(folder):
     """The Windows program: its bytes, the lock, a resume after a kill."""
     states, output, binary = folder / "states.csv", folder / "out.csv", folder / "out.kst"
-    rows = [f"{random.uniform(-100, 50):.3f},{random.uniform(1, 120):.3f}" for _ in range(30000)]
+    rows = [f"{random.uniform(-100, 50):.3f},{random.uniform(1, 120):.3f}" for _ in range(60000)]
     states.write_bytes(("T[C],P[bar]\r\n" + "\r\n".join(rows)).encode())
     first = start(job(states, output, "--threads", 1))
     wait_for_lines(Path(f"{output}.journal"), 40)
+    first.send_signal(signal.SIGSTOP)
     run(*job(states, output, "--resume"), code=2, words=["in use"])
     first.kill()
     first.communicate()
     run(*job(states, output, "--resume"), words=["going on"])
     plain = subprocess.run([*PROGRAM, "batch", *map(str, job(states, output)[:-2])], capture_output=True, check=True).stdout
-    assert output.read_bytes() == plain and plain.count(b"\n") == 30001 and b"\r" not in plain
+    assert output.read_bytes() == plain and plain.count(b"\n") == 60001 and b"\r" not in plain
     run(*[c for c in job(states, binary, "--format", "binary") if c not in ("--columns", COLUMNS)])
     assert [round(P, 3) for P in read_binary(binary)["pressure_bar"]] == [float(row.split(",")[1]) for row in rows]
 
