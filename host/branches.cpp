@@ -181,6 +181,7 @@ void add_point(const Question& q, const Crossing& c, std::vector<Point>& points)
                    kNone,
                    {},
                    {}};
+  lost.last_T = at_T ? q.value : wanted;
   lost.remark = "a further point is on the traced line (kestrune envelope), but the flash did not find it";
   points.push_back({wanted, lost});
 }

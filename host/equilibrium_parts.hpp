@@ -13,18 +13,28 @@ inline constexpr double kSomeWater = 0.01;    // and its least water
 inline constexpr double kPureEnough = 0.9;    // water of an aqueous liquid for which the balance of water holds
 inline constexpr double kWaterRich = 0.9999;  // from here on the library takes a liquid for free water
 
+// K: an answer at an enthalpy or entropy beyond these is none, there is no state there.
+inline constexpr double kColdest = 60.0, kHottest = 2000.0;
+
 // Water with the alcohols, glycols and ammonia of the databank, and whether a liquid of it is called aqueous.
 double polar_share(const Mixture& mixture, const std::vector<double>& x);
 bool is_aqueous(const Mixture& mixture, const std::vector<double>& x);
 
+// The critical temperature of a composition, K; NaN where it has none. Kept for one that comes again.
+struct LastCritical {
+  std::vector<double> x;
+  double T = kNone;
+};
+
 // Whether a phase that is packed like a liquid is hotter than its critical temperature: above that of every component;
 // above that of its critical point; where there is none, without a bubble point.
-bool is_dense(const Exports& library, const Mixture& mixture, const std::vector<double>& x, double T);
+bool is_dense(const Exports& library, const Mixture& mixture, const std::vector<double>& x, double T,
+              LastCritical* last = nullptr);
 
 // A liquid of a flash of three by what it is, without water, alcohols and glycols in the feed just "liquid"; alone:
-// there is no vapour beside it.
-PhaseKind liquid_kind(const Exports& library, const Mixture& mixture, const Equilibrium& state,
-                      const std::vector<double>& x, bool alone);
+// there is no vapour beside it. T in K.
+PhaseKind liquid_kind(const Exports& library, const Mixture& mixture, double T, const std::vector<double>& x,
+                      bool alone, LastCritical* last = nullptr);
 
 // Packed like a liquid: v/b below its value at the critical point of the equation of state.
 bool is_packed(const Mixture& mixture, const PhaseState& phase);

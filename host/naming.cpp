@@ -33,7 +33,8 @@ bool is_aqueous(const Mixture& mixture, const std::vector<double>& x) {
   return w < x.size() && x[w] >= kSomeWater && polar_share(mixture, x) > kAqueous;
 }
 
-bool is_dense(const Exports& library, const Mixture& mixture, const std::vector<double>& x, double T) {
+bool is_dense(const Exports& library, const Mixture& mixture, const std::vector<double>& x, double T,
+              LastCritical* last) {
   constexpr double trace = 1e-6;
   const double polar = polar_share(mixture, x);
   if (polar > kAqueous) {  // hotter than the critical temperature of everything in it, or a liquid
@@ -54,8 +55,14 @@ bool is_dense(const Exports& library, const Mixture& mixture, const std::vector<
   MixtureRecord record = mixture.record;
   record.flags = 0;
   record.trace_flag = 0;
+  LastCritical this_one;
+  LastCritical& critical = last != nullptr ? *last : this_one;
   double Tc = 0.0, Pc = 0.0, Vc = 0.0, Zc = 0.0;
-  if (library.CriticalPoint(dry.data(), &record, 0, &Tc, &Pc, &Vc, &Zc) == KV_OK) return T > Tc;
+  if (critical.x != dry) {
+    const StatusCode status = library.CriticalPoint(dry.data(), &record, 0, &Tc, &Pc, &Vc, &Zc);
+    critical = {dry, status == KV_OK ? Tc : kNone};
+  }
+  if (!std::isnan(critical.T)) return T > critical.T;
   std::vector<double> liquid(x), vapour(x), K(x);
   constexpr std::int32_t cold_start = 1;
   const StatusCode bubble = library.FlashLVatWT(0.0, T, dry.data(), &record, nullptr, cold_start, &Pc,
@@ -63,16 +70,16 @@ bool is_dense(const Exports& library, const Mixture& mixture, const std::vector<
   return bubble != KV_OK && bubble != KV_PURE_RANGE && bubble != KV_UNSTABLE_POINT;
 }
 
-PhaseKind liquid_kind(const Exports& library, const Mixture& mixture, const Equilibrium& state,
-                      const std::vector<double>& x, bool alone) {
+PhaseKind liquid_kind(const Exports& library, const Mixture& mixture, double T, const std::vector<double>& x,
+                      bool alone, LastCritical* last) {
   const std::size_t w = water_of(mixture);
   const bool free_water = (mixture.record.flags & FreeWaterFlag) != 0 && w < x.size() && x[w] > kWaterRich;
   if (free_water) return PhaseKind::free_water;
   const bool polar = polar_share(mixture, x) > kAqueous;
-  if (polar && alone && is_dense(library, mixture, x, state.T)) return PhaseKind::dense;
+  if (polar && alone && is_dense(library, mixture, x, T, last)) return PhaseKind::dense;
   if (is_aqueous(mixture, x)) return PhaseKind::aqueous_liquid;
   if (polar) return PhaseKind::liquid;
-  if (alone && is_dense(library, mixture, x, state.T)) return PhaseKind::dense;
+  if (alone && is_dense(library, mixture, x, T, last)) return PhaseKind::dense;
   return polar_share(mixture, mixture.z) > 0.0 ? PhaseKind::hydrocarbon_liquid : PhaseKind::liquid;
 }
 
@@ -93,7 +100,7 @@ void rename_packed_gas(const Exports& library, const Mixture& mixture, Equilibri
   if (std::any_of(state.phases.begin(), state.phases.end(), other)) return;
   PhaseState& gas = state.phases.front();
   if (!is_packed(mixture, gas)) return;
-  gas.kind = liquid_kind(library, mixture, state, gas.x, true);
+  gas.kind = liquid_kind(library, mixture, state.T, gas.x, true);
   if (gas.kind == PhaseKind::free_water) gas.kind = PhaseKind::vapour;
   if (gas.kind == PhaseKind::vapour) return;
   if (gas.kind != PhaseKind::dense) {

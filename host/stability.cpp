@@ -13,8 +13,7 @@ namespace kestrune::host {
 namespace {
 
 constexpr double kMostlyCO2 = 0.8;
-constexpr double kColdest = 60.0, kHottest = 2000.0;  // K: there is no state beyond these
-constexpr double kSameG = 1e-6 * 8.314462618;         // J/(mol K): free enthalpies apart by less are the same
+constexpr double kSameG = 1e-6 * 8.314462618;  // J/(mol K): free enthalpies apart by less are the same
 
 double free_enthalpy(const Equilibrium& s) {
   return s.overall.properties[Property::free_enthalpy];

@@ -23,7 +23,7 @@ void add_two_liquids(const Exports& library, const Mixture& mixture, Equilibrium
   const auto take = [&](double fraction, const std::vector<double>& x) {
     if (fraction <= rounding && !(dew && has_entries(x))) return;
     const bool alone = liquids.empty() && !(s.beta > 0.0) && !s.of_fraction();
-    liquids.push_back({liquid_kind(library, mixture, s, x, alone), std::max(fraction, 0.0), &x});
+    liquids.push_back({liquid_kind(library, mixture, s.T, x, alone), std::max(fraction, 0.0), &x});
   };
   take(s.beta_A, s.xA);
   take(1.0 - s.beta_A - s.beta, s.x);

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <span>
 
@@ -116,11 +117,17 @@ std::string unit_key(std::string_view name) {
   return key;
 }
 
+// Units are read in any case, but mPa, written as one writes millipascals, is not taken for MPa.
+bool is_milli(std::string_view written, std::string_view name) {
+  return !name.empty() && name.front() == 'M' && written.substr(0, 1) == "m" &&
+         written.substr(1) == name.substr(1);
+}
+
 const Unit* find_unit(Quantity quantity, std::string_view name) {
   std::string wanted = unit_key(name);
   if (quantity == Quantity::temperature && wanted.rfind("deg", 0) == 0) wanted.erase(0, 3);
   for (const Unit& u : info(quantity).units) {
-    if (unit_key(u.name) == wanted) return &u;
+    if (unit_key(u.name) == wanted) return is_milli(trimmed(name), u.name) ? nullptr : &u;
   }
   return nullptr;
 }
@@ -254,8 +261,9 @@ std::string exact(double base, const Unit& unit, double molar_mass) {
   const double value = unit.from_base(base, molar_mass);
   for (const int digits : {12, 15, 16}) {  // what was typed; what rounding of the conversion leaves
     char text[40];
-    const auto end = fmt::format_to_n(text, sizeof text, "{:.{}g}", value, digits).out;
-    const double read = parse_number({text, static_cast<std::size_t>(end - text)}).value_or(value);
+    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::general, digits).ptr;
+    double read = value;
+    std::from_chars(text, end, read);
     if (unit.to_base(read, molar_mass) == base) return fmt::format("{}", read);
   }
   return fmt::format("{}", value);

@@ -1,13 +1,15 @@
-"""How a batch in N processes scales: simulate_batch_scaling.py [--row-us 6.5] [--spread 0.1] [--rows 10000000] ...
+"""How a batch in N processes scales: simulate_batch_scaling.py [--row-us 7.46] [--spread 0.1] [--rows 10000000] ...
 
 Simulates chunk after chunk what kestrune-mpi does: the first process cuts a chunk, sends it, and later receives the result
 and writes it; every other process has two chunks at most, so that it calculates while the next one is on its way. One
-message at a time passes the first process. The times are those of the machine that is asked about:
+message at a time passes the first process. The times are those of the machine that is asked about (the ones given here
+were measured with the program, docs/batch.md):
 
   --row-us     microseconds of a row in a worker          --spread   standard deviation of a chunk, a part of its mean
   --in-bytes   of a row of input                          --out-bytes of a row of the result
-  --bandwidth  of the network and of the disk, bytes/s    --latency-us of a message
-  --cut-ns     of cutting and hashing one row             --chunk    rows of a chunk
+  --bandwidth  between processes, bytes/s                 --latency-us of a message
+  --first-ns   of one row in the first process: it is cut and hashed, its result is hashed and written
+  --chunk      rows of a chunk
 
 Prints, for 1 to 1024 processes, rows a second, efficiency (against that many processes alone), and how busy the first
 process is with reading, messages and writing.
@@ -22,8 +24,9 @@ def simulate(workers, o):
     """Seconds for all chunks on that many workers, and how long the first process was busy."""
     rng = random.Random(1)
     chunks = -(-o.rows // o.chunk)
-    send = o.chunk * (o.cut_ns * 1e-9 + o.in_bytes / o.bandwidth) + o.latency_us * 1e-6
-    receive = o.chunk * 2 * o.out_bytes / o.bandwidth + o.latency_us * 1e-6  # from the network, to the disk
+    first = 0.5e-9 * o.first_ns
+    send = o.chunk * (first + o.in_bytes / o.bandwidth) + o.latency_us * 1e-6
+    receive = o.chunk * (first + o.out_bytes / o.bandwidth) + o.latency_us * 1e-6
     mean = o.chunk * o.row_us * 1e-6
     leader, busy = 0.0, 0.0  # when the first process is free, and how long it worked
     free = [0.0] * workers  # when a worker has no more work
@@ -52,8 +55,8 @@ def simulate(workers, o):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    for name, value in {"row-us": 6.5, "spread": 0.1, "in-bytes": 15, "out-bytes": 31, "bandwidth": 1e9,
-                        "latency-us": 50, "cut-ns": 30}.items():
+    for name, value in {"row-us": 7.46, "spread": 0.1, "in-bytes": 13, "out-bytes": 27, "bandwidth": 1e9,
+                        "latency-us": 50, "first-ns": 41}.items():
         parser.add_argument(f"--{name}", type=float, default=value)
     parser.add_argument("--rows", type=int, default=10_000_000)
     parser.add_argument("--chunk", type=int, default=4096)

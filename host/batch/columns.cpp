@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <set>
 
 #include "error.hpp"
 #include "text.hpp"
@@ -22,6 +23,12 @@ constexpr struct {
               {"g", Property::free_enthalpy},
               {"sound", Property::speed_of_sound},
               {"conductivity", Property::conductivity}};
+
+// The library has them of gases, which a dense fluid counts as.
+constexpr Property kOfGas[] = {Property::viscosity,          Property::conductivity,
+                               Property::normal_density,     Property::normal_volume,
+                               Property::standard_density,   Property::standard_volume,
+                               Property::standard_cubic_feet};
 
 constexpr Property kOfWhole[] = {Property::density, Property::molar_volume, Property::enthalpy,
                                  Property::entropy, Property::free_enthalpy};
@@ -47,6 +54,11 @@ const PropertyInfo* property_by_name(const std::string& name) {
   return nullptr;
 }
 
+template <std::size_t n>
+bool is_one_of(const Property (&list)[n], Property property) {
+  return std::find(std::begin(list), std::end(list), property) != std::end(list);
+}
+
 class Maker {
  public:
   Maker(Given given, int phases, const Mixture& mixture, const UnitSystem& units)
@@ -64,12 +76,11 @@ class Maker {
     if (name == "status") return plain(Kind::status, "status");
     if (name == "text") return plain(Kind::text, "status_text");
     if (name == "phases") return plain(Kind::phases, "phases");
-    if (name == "beta") return of_phase(Kind::fraction, 0, "vapour_fraction");
+    if (name == "beta") return of_phase(Kind::fraction, kVapour, "vapour_fraction");
     if (name == "m") return plain(Kind::molar_mass, "molar_mass_g_mol");
     if (name == "z") return by_component(Kind::feed, 0, "z_");
     const PropertyInfo* info = property_by_name(name);
-    const bool whole = info != nullptr && std::find(std::begin(kOfWhole), std::end(kOfWhole), info->property) !=
-                                              std::end(kOfWhole);
+    const bool whole = info != nullptr && is_one_of(kOfWhole, info->property);
     if (info != nullptr && !whole)
       throw InputError(fmt::format("--columns: {0} is a property of a phase: vapour.{0}, liquid.{0}", written));
     if (!whole) unknown(written);
@@ -95,7 +106,8 @@ class Maker {
     throw InputError(fmt::format(
         "--columns: unknown \"{}\": use given, T, P, beta, phases, status, text, z, M, H, S, G, density, "
         "molar_volume, "
-        "or vapour., liquid., liquid2. and fraction, x, M, Z, density, H, S, Cp, Cv, speed_of_sound, "
+        "or vapour., dense., liquid., liquid2., aqueous. and fraction, x, M, Z, density, H, S, Cp, Cv, "
+        "speed_of_sound, "
         "joule_thomson, viscosity, ...",
         written));
   }
@@ -126,16 +138,21 @@ class Maker {
   }
 
   void add_of_phase(const std::string& written, const std::string& phase_name, const std::string& name) {
-    const auto found = std::find(std::begin(kPhaseNames), std::end(kPhaseNames), phase_name);
-    if (found == std::end(kPhaseNames)) unknown(written);
-    const auto phase = static_cast<std::size_t>(found - std::begin(kPhaseNames));
-    if (phase >= phases_) throw InputError(fmt::format("--columns: {} needs --phases 3", written));
+    const auto found = std::find(std::begin(kPlaceNames), std::end(kPlaceNames), phase_name);
+    if (found == std::end(kPlaceNames)) unknown(written);
+    const auto phase = static_cast<std::size_t>(found - std::begin(kPlaceNames));
+    if (phase == kLiquid2 && phases_ == 2)
+      throw InputError(fmt::format("--columns: {} needs --phases 3", written));
     const std::string prefix = phase_name + ".";
     if (name == "fraction") return of_phase(Kind::fraction, phase, prefix + "fraction");
     if (name == "m") return of_phase(Kind::phase_mass, phase, prefix + "molar_mass_g_mol");
     if (name == "x" || name == "y") return by_component(Kind::composition, phase, prefix + "x_");
     const PropertyInfo* info = property_by_name(name);
     if (info == nullptr) unknown(written);
+    if (is_one_of(kOfGas, info->property) && phase != kVapour && phase != kDense)
+      throw InputError(
+          fmt::format("--columns: {0} is always empty: a liquid has no {1}, only vapour.{1} and dense.{1} do",
+                      written, name));
     add_property(Kind::phase_property, phase, prefix, *info);
   }
 
@@ -154,10 +171,10 @@ std::vector<Column> columns_by_name(std::string_view names, const std::vector<st
   const bool usual = trimmed(names).empty();
   if (usual) maker.add_given();
   for (const std::string& name : split(usual ? "T,P,phases,beta,status,text" : names, ',')) maker.add(name);
-  for (std::size_t k = 0; k < maker.columns.size(); ++k)
-    for (std::size_t other = 0; other < k; ++other)
-      if (maker.columns[k].heading == maker.columns[other].heading)
-        throw InputError(fmt::format("the column {} is asked for twice", maker.columns[k].heading));
+  std::set<std::string_view> headings;
+  for (const Column& c : maker.columns)
+    if (!headings.insert(c.heading).second)
+      throw InputError(fmt::format("the column {} is asked for twice", c.heading));
   return maker.columns;
 }
 
@@ -170,6 +187,15 @@ unsigned wanted_of_phase(const std::vector<Column>& columns, std::size_t phase) 
     if (c.kind == Kind::phase_property && c.phase == phase) wanted |= bit(c.property);
   }
   return wanted;
+}
+
+bool tell_dense(const std::vector<Column>& columns) {
+  return std::any_of(columns.begin(), columns.end(), [](const Column& c) {
+    const bool of_phase = c.kind == Kind::fraction || c.kind == Kind::phase_mass ||
+                          c.kind == Kind::phase_property || c.kind == Kind::composition;
+    return c.kind == Kind::phases || c.kind == Kind::whole ||
+           (of_phase && (c.phase == kDense || c.phase == kLiquid || c.phase == kLiquid2));
+  });
 }
 
 }  // namespace kestrune::host::batch

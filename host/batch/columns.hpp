@@ -9,8 +9,11 @@
 
 namespace kestrune::host::batch {
 
-inline constexpr std::size_t kPhases = 3;  // vapour, liquid, liquid2
-inline constexpr std::string_view kPhaseNames[kPhases] = {"vapour", "liquid", "liquid2"};
+// What a phase is, as kestrune flash calls it, and its letter in the column phases: a liquid is any that is not aqueous,
+// of two the lighter comes first; free water is aqueous.
+enum Place : std::size_t { kVapour, kDense, kLiquid, kLiquid2, kAqueous, kPlaces };
+inline constexpr std::string_view kPlaceNames[kPlaces] = {"vapour", "dense", "liquid", "liquid2", "aqueous"};
+inline constexpr char kPlaceLetters[kPlaces] = {'V', 'D', 'L', 'L', 'W'};
 
 struct Column {
   enum class Kind {
@@ -19,7 +22,7 @@ struct Column {
     given,  // enthalpy, entropy or vapour fraction that was given
     T,
     P,
-    phases,  // "V", "VL", "LW": vapour, liquid, aqueous liquid
+    phases,  // "V", "VL", "LW": their letters
     status,
     text,        // of the status, or what is wrong with the row
     whole,       // property of all phases together
@@ -34,20 +37,22 @@ struct Column {
   const Unit* unit = nullptr;  // none for what has no unit
   Quantity quantity = Quantity::ratio;
   Property property = Property::Z;
-  std::size_t phase = 0;
-  std::size_t index = 0;  // of a component; of a kept column its place in --keep
+  std::size_t phase = kVapour;  // a Place
+  std::size_t index = 0;        // of a component; of a kept column its place in --keep
 
   bool is_text() const { return kind == Kind::kept || kind == Kind::text; }
 };
 
 // The columns that a list of names stands for, "" the usual ones: what was given, T, P, phases, beta, status and text.
 // Names are given, T, P, beta, phases, status, text, z, M, a property of the whole (H, S, G, density, molar_volume) and, behind
-// "vapour.", "liquid." or "liquid2.", fraction, x, M and a property of a phase; z and x have a column for each component.
-// InputError names what is not one of these. phases: 2 or 3 of the flash.
+// "vapour.", "dense.", "liquid.", "liquid2." or "aqueous.", fraction, x, M and a property of a phase; z and x have a column
+// for each component. InputError names what is not one of these. kept: headings. phases: 2 or 3 of the flash.
 std::vector<Column> columns_by_name(std::string_view names, const std::vector<std::string>& kept, Given given,
                                     int phases, const Mixture& mixture, const UnitSystem& units);
 
-// The bits of the properties that the columns of a phase want; those of the whole want them of every phase.
+// The bits of the properties that the columns of a place want; those of the whole want them of every phase.
 unsigned wanted_of_phase(const std::vector<Column>& columns, std::size_t phase);
+// Whether a column tells a dense fluid from a liquid.
+bool tell_dense(const std::vector<Column>& columns);
 
 }  // namespace kestrune::host::batch

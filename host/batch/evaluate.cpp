@@ -36,6 +36,15 @@ void print_number(double value, std::string& out) {
   out.append(text, static_cast<std::size_t>(end - text));
 }
 
+// What a message shows of a cell.
+std::string_view shown(std::string_view cell) {
+  constexpr std::size_t most = 60;
+  if (cell.size() <= most) return cell;
+  std::size_t size = most;
+  while (size > 0 && (cell[size] & '\xc0') == '\x80') --size;  // within a character of UTF-8
+  return cell.substr(0, size);
+}
+
 }  // namespace
 
 std::string output_head(const Job& job) {
@@ -83,6 +92,10 @@ bool Evaluator::refuse(StatusCode status, std::string text) {
 
 bool Evaluator::cut(const Heading& heading, std::string_view line, std::int64_t number,
                     std::vector<std::string_view>& cells) {
+  if (line.size() >= kLongestLine) {
+    std::fill(cells.begin(), cells.end(), std::string_view{});
+    return refuse(kRowWidth, fmt::format("line {}: longer than {} bytes", number, kLongestLine));
+  }
   const std::size_t count = cut_cells(line, heading.separator, cells.data(), cells.size());
   for (std::size_t k = count; k < cells.size(); ++k) cells[k] = {};
   if (count <= cells.size()) return true;
@@ -98,7 +111,7 @@ bool Evaluator::read_conditions(std::int64_t number, double* raw) {
     return refuse(kRowUnreadable,
                   cells_[column].empty()
                       ? fmt::format("line {}: {} is missing", number, job_.states.titles[column])
-                      : fmt::format("line {}: \"{}\" of {} is not a number", number, cells_[column],
+                      : fmt::format("line {}: \"{}\" of {} is not a number", number, shown(cells_[column]),
                                     job_.states.titles[column]));
   }
   return true;
@@ -118,8 +131,8 @@ void Evaluator::read_feed(const Heading& heading, std::int64_t number) {
     const AmountColumn& column = heading.amounts[k];
     double amount = 0.0;
     if (!cells[column.column].empty() && !read_number(cells[column.column], heading.separator, amount)) {
-      return refuse_feed(kRowUnreadable,
-                         fmt::format("\"{}\" of {} is not an amount", cells[column.column], column.name));
+      return refuse_feed(kRowUnreadable, fmt::format("\"{}\" of {} is not an amount",
+                                                     shown(cells[column.column]), column.name));
     }
     if (!(amount >= 0.0))
       return refuse_feed(KV_COMPOSITION,
@@ -160,7 +173,7 @@ void Evaluator::check_pairs() {
 }
 
 void Evaluator::read_composition(const Heading& heading, std::string_view line, std::int64_t number) {
-  line = line.substr(0, line.find('\n'));
+  composition_line_ = line = line.substr(0, line.find('\n'));
   if (cut(heading, line, number, composition_cells_)) return read_feed(heading, number);
   feed_.status = row_status_;
   feed_.text = "composition of " + row_text_;
@@ -168,6 +181,7 @@ void Evaluator::read_composition(const Heading& heading, std::string_view line, 
 
 void Evaluator::row(std::string_view line, std::int64_t number, Result& result) {
   if (is_empty_line(line)) return;
+  line_ = line;
   row_status_ = KV_OK;
   double raw[2] = {kNone, kNone}, base[2] = {kNone, kNone};
   const bool readable = cut(job_.states, line, number, cells_) && read_conditions(number, raw);
@@ -187,16 +201,19 @@ void Evaluator::row(std::string_view line, std::int64_t number, Result& result) 
   print_row(raw, base, result.bytes);
 }
 
+std::string Evaluator::kept_cell(const KeptColumn& kept) const {
+  return kept.of_composition ? cell_text(composition_line_, composition_cells_[kept.column])
+                             : cell_text(line_, cells_[kept.column]);
+}
+
 void Evaluator::print_row(const double* raw, const double* base, std::string& out) {
   const auto order = quantities_of(job_.given());
   for (const Column& c : job_.columns) {
     if (&c != job_.columns.data()) out += ',';
     switch (c.kind) {
-      case Kind::kept: {
-        const KeptColumn& kept = job_.kept[c.index];
-        out += csv_field(std::string((kept.of_composition ? composition_cells_ : cells_)[kept.column]));
+      case Kind::kept:
+        out += csv_field(kept_cell(job_.kept[c.index]));
         break;
-      }
       case Kind::phases:
         out += solver_.phases();
         break;
@@ -207,7 +224,8 @@ void Evaluator::print_row(const double* raw, const double* base, std::string& ou
         if (row_status_ != KV_OK)
           out += csv_field(row_text_);
         else if (solver_.status() != KV_OK)
-          out += csv_field(kv_status_text(solver_.status()));
+          out += csv_field(solver_.status() == kRowNoProperty ? kNoPropertyText
+                                                              : kv_status_text(solver_.status()));
         break;
       default: {
         // What was given stands as it was written, in another unit in the digits that mean the same.

@@ -167,6 +167,17 @@ void settle_amounts(Read& r) {
   r.heading.basis = r.basis.value_or(Basis::mole);
 }
 
+// Semicolons or tabs, where there are any outside of quotes; else commas.
+char separator_of(std::string_view line) {
+  char found = ',';
+  bool quoted = false;
+  for (const char c : line) {
+    if (c == '"') quoted = !quoted;
+    if (!quoted && (c == ';' || (c == '\t' && found == ','))) found = c;
+  }
+  return found;
+}
+
 }  // namespace
 
 std::size_t cut_cells(std::string_view line, char separator, std::string_view* cells, std::size_t capacity) {
@@ -196,15 +207,27 @@ std::size_t cut_cells(std::string_view line, char separator, std::string_view* c
   }
 }
 
-Heading read_heading(std::string_view line, const Wanted& wanted, const UnitSystem& units,
+std::string cell_text(std::string_view line, std::string_view cell) {
+  std::string text(cell);
+  if (cell.empty() || cell.data() == line.data() || cell.data()[-1] != '"') return text;
+  for (std::size_t at = 0; (at = text.find("\"\"", at)) != std::string::npos; ++at) text.erase(at, 1);
+  return text;
+}
+
+std::vector<std::string> cell_texts(std::string_view line, char separator) {
+  std::vector<std::string_view> cells(line.size() + 1);
+  cells.resize(cut_cells(line, separator, cells.data(), cells.size()));
+  std::vector<std::string> texts;
+  for (const std::string_view cell : cells) texts.push_back(cell_text(line, cell));
+  return texts;
+}
+
+Heading read_heading(std::string_view line, char separator, const Wanted& wanted, const UnitSystem& units,
                      const Composition& definitions, std::optional<Basis> basis) {
   Read r{wanted, units, definitions, basis};
-  for (const char separator : {'\t', ';'})
-    if (line.find(separator) != std::string_view::npos) r.heading.separator = separator;
-  std::vector<std::string_view> cells(line.size() + 1);
-  cells.resize(cut_cells(line, r.heading.separator, cells.data(), cells.size()));
-  r.heading.titles.assign(cells.begin(), cells.end());
-  for (std::size_t column = 0; column < cells.size(); ++column) {
+  r.heading.separator = separator != 0 ? separator : separator_of(line);
+  r.heading.titles = cell_texts(line, r.heading.separator);
+  for (std::size_t column = 0; column < r.heading.titles.size(); ++column) {
     try {
       read_column(r, column);
     } catch (const InputError& e) {

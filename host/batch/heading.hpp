@@ -43,11 +43,16 @@ struct Wanted {
 // Reads a heading: T, P, H, S and beta with their units ("T[C]", "P bar", "enthalpy_kJ_kg"; plain names are in units), and
 // names of components or of the composition's definitions, which may have a unit of amounts ("CO2 ppm"). basis: what
 // the user says of the amounts. InputError names the column and what would be right.
-Heading read_heading(std::string_view line, const Wanted& wanted, const UnitSystem& units,
+// separator: what the table says of it, 0 to look.
+Heading read_heading(std::string_view line, char separator, const Wanted& wanted, const UnitSystem& units,
                      const Composition& definitions, std::optional<Basis> basis);
 
 // Cells of a row without blanks and quotes around them. Returns how many there are; those beyond capacity are not
 // written, and empty ones at the end do not count.
 std::size_t cut_cells(std::string_view line, char separator, std::string_view* cells, std::size_t capacity);
+// What a cell of a line says: within quotes two of them are one.
+std::string cell_text(std::string_view line, std::string_view cell);
+// The cells of a line as texts.
+std::vector<std::string> cell_texts(std::string_view line, char separator);
 
 }  // namespace kestrune::host::batch

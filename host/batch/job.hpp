@@ -27,6 +27,7 @@ struct RefusedPair {
 struct KeptColumn {
   bool of_composition;
   std::size_t column;
+  std::string heading;  // in the results
 };
 
 struct Job {
@@ -65,7 +66,7 @@ struct Chunk {
 
 // What they became. failed: rows without an answer.
 struct Result {
-  std::uint64_t number = 0, rows = 0, failed = 0, input_hash = 0;
+  std::uint64_t number = 0, rows = 0, failed = 0, input_hash = 0, input_size = 0;
   std::string bytes;
 };
 
@@ -93,6 +94,7 @@ class Evaluator {
   bool cut(const Heading& heading, std::string_view line, std::int64_t number,
            std::vector<std::string_view>& cells);
   bool refuse(StatusCode status, std::string text);
+  std::string kept_cell(const KeptColumn& kept) const;
   void check_pairs();
   void print_row(const double* raw, const double* base, std::string& out);
   void store_row();
@@ -103,6 +105,7 @@ class Evaluator {
   Feed feed_;
   StatusCode row_status_ = KV_OK;
   std::string row_text_;
+  std::string_view line_, composition_line_;  // the cells are cut from
   std::vector<std::string_view> cells_, composition_cells_;
   std::vector<std::string> stored_;  // binary: the bytes of every column
 };

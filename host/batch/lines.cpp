@@ -20,8 +20,12 @@ namespace kestrune::host::batch {
 
 namespace {
 
-constexpr std::size_t kBuffer = std::size_t{1} << 20;  // bytes; the longest line
-constexpr std::string_view kMark = "\xef\xbb\xbf";     // byte order mark of UTF-8
+constexpr std::string_view kMark = "\xef\xbb\xbf";  // byte order mark of UTF-8
+
+std::int64_t time_of(const std::string& path) {
+  std::error_code none;
+  return std::filesystem::last_write_time(path, none).time_since_epoch().count();
+}
 
 }  // namespace
 
@@ -47,8 +51,9 @@ Lines Lines::of_file(const std::string& path) {
   if (!lines.file_) throw InputError(fmt::format("cannot read {}: {}", path, std::strerror(errno)));
   lines.size_ = std::filesystem::file_size(path, none);
   if (none) throw InputError(fmt::format("{} is no plain file: a batch reads its tables more than once", path));
+  lines.time_ = time_of(path);
   std::setvbuf(lines.file_.get(), nullptr, _IONBF, 0);
-  lines.buffer_.resize(kBuffer);
+  lines.buffer_.resize(kLongestLine);
   return lines;
 }
 
@@ -61,25 +66,44 @@ Lines Lines::of_text(const std::string& name, std::string text) {
   return lines;
 }
 
-// Moves what is left to the front of the buffer and reads more; false at the end of the file.
+bool Lines::has_changed() const {
+  std::error_code none;
+  return file_ && (std::filesystem::file_size(name_, none) != size_ || time_of(name_) != time_);
+}
+
+// Moves what is left to the front of the buffer and reads more; false where there is no more room, and at the end of the
+// file, which is where it was when the file was opened: one that grows is not read twice in two lengths.
 bool Lines::fill() {
   if (!file_ || in_buffer()) return false;
   std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
   end_ -= begin_;
   begin_ = 0;
-  if (end_ == buffer_.size())
-    throw InputError(fmt::format("{}: line {} is longer than {} bytes: no table of one state a line", name_,
-                                 line_, buffer_.size()));
-  const std::size_t read = std::fread(buffer_.data() + end_, 1, buffer_.size() - end_, file_.get());
+  const std::uint64_t behind = position_ + end_;
+  const std::size_t room = static_cast<std::size_t>(
+      std::min<std::uint64_t>(buffer_.size() - end_, behind < size_ ? size_ - behind : 0));
+  const std::size_t read = std::fread(buffer_.data() + end_, 1, room, file_.get());
   if (read == 0 && std::ferror(file_.get()) != 0)
     throw InputError(fmt::format("{} could not be read to its end: {}", name_, std::strerror(errno)));
   end_ += read;
   return read > 0;
 }
 
-std::size_t Lines::append(std::string& to, std::size_t lines) {
+// The rest of a line of which the buffer held the beginning.
+void Lines::skip_line() {
+  do {
+    const auto* begin = buffer_.data() + begin_;
+    const auto* end = static_cast<const char*>(std::memchr(begin, '\n', end_ - begin_));
+    const std::size_t length = end != nullptr ? static_cast<std::size_t>(end - begin) + 1 : end_ - begin_;
+    begin_ += length;
+    position_ += length;
+    if (end != nullptr) return;
+  } while (fill());
+}
+
+std::size_t Lines::append(std::string& to, std::size_t lines, std::size_t bytes) {
+  const std::size_t before = to.size();
   std::size_t count = 0;
-  while (count < lines) {
+  while (count < lines && to.size() - before < bytes) {
     const char* line = buffer_.data() + begin_;
     const void* end = std::memchr(line, '\n', end_ - begin_);
     if (end == nullptr && fill()) continue;
@@ -90,6 +114,7 @@ std::size_t Lines::append(std::string& to, std::size_t lines) {
     if (end == nullptr) to += '\n';
     begin_ += length;
     position_ += length;
+    if (end == nullptr && file_) skip_line();
     ++line_;
     ++count;
   }
@@ -98,10 +123,22 @@ std::size_t Lines::append(std::string& to, std::size_t lines) {
 
 std::string Lines::heading() {
   for (std::string line; append(line, 1) == 1; line.clear()) {
-    if (line_ == 2 && line.rfind(kMark, 0) == 0) line.erase(0, kMark.size());
+    const bool first = line_ == 2;
+    if (first && line.rfind(kMark, 0) == 0) line.erase(0, kMark.size());
+    const std::string_view start = std::string_view(line).substr(0, 2);
+    if (first && (start == "\xff\xfe" || start == "\xfe\xff"))
+      throw InputError(fmt::format(
+          "{} is UTF-16 (\"Unicode text\"): save it as CSV UTF-8, or iconv -f UTF-16 -t UTF-8", name_));
     if (line.find('\0') != std::string::npos)
+      throw InputError(fmt::format(
+          "{} has bytes that are 0: no text in UTF-8 or an older form of 8 bits. Save it as CSV", name_));
+    if (line.size() > kLongestLine)
       throw InputError(
-          fmt::format("{} is no text in UTF-8 (or an older one of 8 bits): save it as CSV", name_));
+          fmt::format("{}: line {} is longer than {} bytes: no heading", name_, line_ - 1, kLongestLine));
+    if (first && lower(line.substr(0, 4)) == "sep=" && line.find_first_not_of("\r\n", 5) == std::string::npos) {
+      separator_ = line[4];
+      continue;
+    }
     if (is_empty_line(line)) continue;
     first_position_ = position_;
     first_line_ = line_;

@@ -52,8 +52,10 @@ std::string library_text(const std::string& path) {
 std::string heading_text(const Heading& h) {
   std::string text;
   for (const std::string& title : h.titles) text += (text.empty() ? "" : std::string(1, h.separator)) + title;
+  // What of it is read as what: --keep and --ignore have a say.
+  for (const AmountColumn& a : h.amounts) text += fmt::format(" {}:{}", a.column + 1, a.name);
   if (!h.given) return text;
-  for (const ConditionColumn& c : h.conditions) text += fmt::format(" {}", c.unit->name);
+  for (const ConditionColumn& c : h.conditions) text += fmt::format(" {}:{}", c.column + 1, c.unit->name);
   return text;
 }
 
@@ -94,6 +96,8 @@ std::vector<RefusedPair> refused_pairs(const Mixture& mixture) {
 Identity identity_of(const Job& job, const std::string& library, std::size_t chunk_lines) {
   std::vector<std::string> columns, kept;
   for (const Column& c : job.columns) columns.push_back(c.heading);
+  for (const KeptColumn& k : job.kept)
+    kept.push_back(fmt::format("{}{}", k.of_composition ? "compositions " : "", k.column + 1));
   return {{"version", KESTRUNE_VERSION},
           {"library", library_text(library)},
           {"mixture", mixture_text(job.mixture)},
@@ -104,6 +108,7 @@ Identity identity_of(const Job& job, const std::string& library, std::size_t chu
           {"refused_pairs", std::to_string(job.refused.size())},
           {"phases", std::to_string(job.phases)},
           {"columns", joined(columns, ",")},
+          {"kept", kept.empty() ? "-" : joined(kept, ",")},
           {"format", job.binary ? "binary" : "csv"},
           {"chunk", std::to_string(chunk_lines)}};
 }

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace kestrune::host::batch {
@@ -16,8 +17,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t kAhead = 3;     // chunks in memory for each worker
-constexpr auto kListenEvery = 100us;  // to a crew
+constexpr std::size_t kAhead = 3;                          // chunks in memory for each worker
+constexpr std::size_t kMostBytes = std::size_t{96} << 20;  // of their input, however many workers there are
+constexpr auto kListenEvery = 250us;                       // to a crew; a chunk takes a hundred times as long
 constexpr auto kShowEvery = 200ms;
 
 struct Task {
@@ -114,9 +116,10 @@ void run_chunks(const Job& job, Source& source, std::size_t threads, Crew* crew,
   std::map<std::uint64_t, std::unique_ptr<Task>> early;  // results that wait for those before them
   std::vector<std::unique_ptr<Task>> spare;
   std::uint64_t written = source.chunks();
-  std::size_t in_memory = 0, of_threads = 0;
+  std::size_t in_memory = 0, bytes_in_memory = 0, of_threads = 0;
   std::unique_ptr<Task> task;  // read, not handed out yet
   bool more = true;
+  const bool listens = crew != nullptr && crew->size() > 0;
 
   const auto fresh = [&] {
     if (spare.empty()) return std::make_unique<Task>();
@@ -125,22 +128,25 @@ void run_chunks(const Job& job, Source& source, std::size_t threads, Crew* crew,
     return one;
   };
   const auto hand_out = [&] {
-    while (more && in_memory < most) {
+    while (more && in_memory < most && bytes_in_memory < kMostBytes) {
       if (!task) {
         task = fresh();
         more = source.next(task->chunk);
         if (!more) return;
         task->result.input_hash = hash_of(task->chunk.text);
+        task->result.input_size = task->chunk.text.size();
       }
+      const std::size_t bytes = task->chunk.text.size();
       if (of_threads < 2 * workers.size()) {
-        workers.give(std::move(task));
+        workers.give(std::exchange(task, nullptr));
         ++of_threads;
       } else if (crew != nullptr && crew->send(task->chunk, task->result.input_hash)) {
-        spare.push_back(std::move(task));
+        spare.push_back(std::exchange(task, nullptr));
       } else {
         return;
       }
       ++in_memory;
+      bytes_in_memory += bytes;
     }
   };
   const auto keep = [&](std::unique_ptr<Task> done) {
@@ -151,6 +157,7 @@ void run_chunks(const Job& job, Source& source, std::size_t threads, Crew* crew,
       put(result);
       totals.rows += result.rows;
       totals.failed += result.failed;
+      bytes_in_memory -= result.input_size;
       spare.push_back(std::move(next->second));
       early.erase(next);
       ++written;
@@ -158,15 +165,17 @@ void run_chunks(const Job& job, Source& source, std::size_t threads, Crew* crew,
     }
   };
 
-  for (hand_out(); in_memory > 0; hand_out()) {
+  hand_out();
+  while (in_memory > 0) {
     if (crew != nullptr) {
       for (std::unique_ptr<Task> one = fresh(); crew->receive(one->result); one = fresh()) keep(std::move(one));
     }
-    if (std::unique_ptr<Task> done = workers.take(crew != nullptr ? kListenEvery : kShowEvery)) {
+    if (std::unique_ptr<Task> done = workers.take(listens ? kListenEvery : kShowEvery)) {
       --of_threads;
       keep(std::move(done));
     }
     progress.show(source.share_read(), totals.rows);
+    hand_out();
   }
 }
 

@@ -3,6 +3,8 @@
 #define XXH_INLINE_ALL
 #include <xxhash.h>
 
+#include <algorithm>
+
 namespace kestrune::host::batch {
 
 std::uint64_t hash_of(std::string_view text) {
@@ -23,15 +25,23 @@ bool Source::next_composition() {
 }
 
 bool Source::next(Chunk& chunk) {
+  if (returned_) {
+    chunk = std::move(*returned_);
+    returned_.reset();
+    ++chunks_;
+    return true;
+  }
   chunk.clear();
   chunk.number = chunks_;
-  for (std::size_t lines = 0; lines < chunk_lines_;) {
+  for (std::size_t lines = 0; lines < chunk_lines_ && chunk.text.size() < kChunkBytes;) {
     Chunk::Piece piece;
     piece.first_line = states_.next_line();
     const std::size_t begin = chunk.text.size();
     chunk.text += composition_;
     const std::size_t found =
-        compositions_ && composition_.empty() ? 0 : states_.append(chunk.text, chunk_lines_ - lines);
+        compositions_ && composition_.empty()
+            ? 0
+            : states_.append(chunk.text, chunk_lines_ - lines, kChunkBytes - std::min(kChunkBytes - 1, begin));
     if (found == 0) {
       chunk.text.resize(begin);
       if (!compositions_ || !next_composition()) break;
@@ -47,6 +57,16 @@ bool Source::next(Chunk& chunk) {
   if (chunk.pieces.empty()) return false;
   ++chunks_;
   return true;
+}
+
+void Source::put_back(Chunk chunk) {
+  returned_ = std::move(chunk);
+  --chunks_;
+}
+
+std::string Source::changed_file() const {
+  if (states_.has_changed()) return states_.name();
+  return compositions_ && compositions_->has_changed() ? compositions_->name() : "";
 }
 
 double Source::share_read() const {

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "equilibrium_parts.hpp"
+#include "batch/source.hpp"
 
 namespace kestrune::host::batch {
 
@@ -10,32 +10,33 @@ namespace {
 
 using Kind = Column::Kind;
 
-// Free water does not follow the equation of state.
-constexpr unsigned kOfFreeWater = 1u << static_cast<unsigned>(Property::enthalpy) |
-                                  1u << static_cast<unsigned>(Property::entropy) |
-                                  1u << static_cast<unsigned>(Property::free_enthalpy);
+constexpr std::size_t kCompositions = 256;  // wells that take turns in a table
+
+constexpr unsigned bit(Property p) {
+  return 1u << static_cast<unsigned>(p);
+}
 
 }  // namespace
 
 StateSolver::StateSolver(const Exports& library, const Mixture& mixture, Given given, int phases,
                          const std::vector<Column>& columns)
-    : mixture_(mixture),
+    : library_(library),
+      mixture_(mixture),
       given_(given),
       phase_count_(static_cast<std::size_t>(phases)),
       nc_(mixture.z.size()),
       flash_(library, mixture, given, phases),
-      asker_(library, mixture) {
-  for (std::size_t p = 0; p < kPhases; ++p) {
-    x_[p].assign(nc_, kNone);
-    if (p < phase_count_) wanted_[p] = wanted_of_phase(columns, p);
-  }
+      tell_dense_(tell_dense(columns)),
+      free_water_((mixture.record.flags & FreeWaterFlag) != 0),
+      critical_(kCompositions) {
+  for (std::vector<double>& x : x_) x.assign(nc_, kNone);
+  for (std::size_t place = 0; place < kPlaces; ++place) wanted_[place] = wanted_of_phase(columns, place);
 }
 
 void StateSolver::leave(double first, double second, StatusCode status) {
   first_ = first;
   T_ = given_ == Given::TP ? first : given_ == Given::WT ? second : kNone;
   P_ = given_ == Given::WT ? kNone : second;
-  share_.fill(kNone);
   z_ = nullptr;
   molar_mass_ = kNone;
   status_ = flash_status_ = status;
@@ -44,32 +45,120 @@ void StateSolver::leave(double first, double second, StatusCode status) {
 StatusCode StateSolver::solve(double first, double second, const double* z, double molar_mass) {
   double* const x[3] = {x_[0].data(), x_[1].data(), x_[2].data()};
   flash_status_ = status_ = flash_(first, second, z, x);
+  const bool at_energy = given_ == Given::HP || given_ == Given::SP;
+  if (at_energy && has_answer() && !(flash_.T() >= kColdest && flash_.T() <= kHottest))
+    flash_status_ = status_ = KV_NOT_CONVERGED;
   first_ = first;
-  T_ = flash_.T();
+  T_ = at_energy && !has_answer() ? kNone : flash_.T();
   P_ = flash_.P();
   z_ = z;
   molar_mass_ = molar_mass;
-  for (std::size_t p = 0; p < kPhases; ++p) share_[p] = p < phase_count_ ? flash_.fraction(p) : kNone;
-  if (has_answer()) add_properties();
+  for (std::size_t p = 0; p < kFlashPhases; ++p) share_[p] = p < phase_count_ ? flash_.fraction(p) : kNone;
+  if (has_answer()) {
+    name_phases();
+    place_phases();
+    add_properties();
+  }
   return status_;
 }
 
-void StateSolver::add_property_status(const PropertyValues& of, unsigned wanted) {
-  for (std::size_t k = 0; k < kPropertyCount; ++k)
-    if ((wanted >> k & 1u) != 0) status_ = combined(status_, of.statuses[k]);
+PropertyValues StateSolver::properties_of(std::size_t phase, unsigned wanted) {
+  // A gas that turned out to be dense is asked for as the gas that it was.
+  const bool renamed = phase == 0 && kinds_[0] == PhaseKind::dense;
+  return phase_properties(library_, mixture_, renamed ? PhaseKind::vapour : kinds_[phase], T_, P_, x_[phase],
+                          mass_of(phase), wanted);
+}
+
+LastCritical& StateSolver::critical_of(std::size_t phase) {
+  const std::vector<double>& x = x_[phase];
+  return critical_[hash_of({reinterpret_cast<const char*>(x.data()), nc_ * sizeof(double)}) % critical_.size()];
+}
+
+// What the phases are, by the rules of a single flash (equilibrium.cpp, three_phase.cpp).
+void StateSolver::name_phases() {
+  const bool of_fraction = given_ == Given::WP || given_ == Given::WT;
+  kinds_[0] = PhaseKind::vapour;
+  bool alone = !is_there(0) && !of_fraction && tell_dense_;
+  for (std::size_t p = 1; p < phase_count_; ++p) {
+    if (!is_there(p)) continue;
+    if (phase_count_ == 3)
+      kinds_[p] = liquid_kind(library_, mixture_, T_, x_[p], alone, &critical_of(p));
+    else if (alone && is_dense(library_, mixture_, x_[p], T_, &critical_of(p)))
+      kinds_[p] = PhaseKind::dense;
+    else
+      kinds_[p] = is_aqueous(mixture_, x_[p]) ? PhaseKind::aqueous_liquid : PhaseKind::liquid;
+    alone = false;
+  }
+  if (is_there(1) && phase_count_ == 3 && is_there(2) && kinds_[1] == kinds_[2]) {
+    kinds_[1] = PhaseKind::light_liquid;
+    kinds_[2] = PhaseKind::heavy_liquid;
+  }
+  if (!is_there(0) || of_fraction) return;
+  settle_root();
+  name_packed_gas();
+}
+
+// The lightest of three phases may be a liquid as well.
+void StateSolver::settle_root() {
+  if (free_water_ || phase_count_ < 3 || !is_there(1) || !is_there(2)) return;
+  constexpr auto G = Property::free_enthalpy;
+  const double as_gas = properties_of(0, bit(G))[G];
+  kinds_[0] = PhaseKind::liquid;
+  if (!(properties_of(0, bit(G))[G] < as_gas)) kinds_[0] = PhaseKind::vapour;
+}
+
+// A gas that is packed like a liquid beside nothing but water. Alone it is called a liquid by the flash itself, but for
+// free water.
+void StateSolver::name_packed_gas() {
+  bool water = false;
+  for (std::size_t p = 1; p < phase_count_; ++p) {
+    if (!is_there(p)) continue;
+    if (!is_aqueous(mixture_, x_[p])) return;
+    water = true;
+  }
+  if (!(water || free_water_) || kinds_[0] != PhaseKind::vapour) return;
+  PhaseState gas{PhaseKind::vapour, 1.0, 1.0, {}, 0.0, properties_of(0, bit(Property::molar_volume)), false};
+  gas.x.swap(x_[0]);
+  const bool packed = is_packed(mixture_, gas);
+  gas.x.swap(x_[0]);
+  if (!packed) return;
+  const PhaseKind kind = liquid_kind(library_, mixture_, T_, x_[0], tell_dense_, &critical_of(0));
+  if (kind != PhaseKind::free_water) kinds_[0] = kind;
+}
+
+// The columns that a phase has, and its letter. A third liquid has a letter and no columns.
+void StateSolver::place_phases() {
+  at_.fill(kFlashPhases);
+  char letters[kPlaces][kFlashPhases] = {};
+  std::size_t counts[kPlaces] = {};
+  for (std::size_t p = 0; p < phase_count_; ++p) {
+    if (!is_there(p)) continue;
+    const PhaseKind kind = kinds_[p];
+    const Place place = kind == PhaseKind::vapour                                            ? kVapour
+                        : kind == PhaseKind::dense                                           ? kDense
+                        : kind == PhaseKind::aqueous_liquid || kind == PhaseKind::free_water ? kAqueous
+                                                                                             : kLiquid;
+    const bool second = place == kLiquid && at_[kLiquid] != kFlashPhases;
+    place_of_[p] = second ? kLiquid2 : place;
+    std::size_t& at = at_[place_of_[p]];
+    if (at == kFlashPhases) at = p;
+    if (share_[p] > 0.0) letters[place][counts[place]++] = kPlaceLetters[place];
+  }
+  letter_count_ = 0;
+  for (std::size_t place = 0; place < kPlaces; ++place)
+    for (std::size_t k = 0; k < counts[place]; ++k) letters_[letter_count_++] = letters[place][k];
 }
 
 void StateSolver::add_properties() {
-  const std::size_t w = water_of(mixture_);
-  const bool may_part = (mixture_.record.flags & FreeWaterFlag) != 0 && w < nc_;
   for (std::size_t p = 0; p < phase_count_; ++p) {
-    unsigned wanted = wanted_[p];
-    if (wanted == 0 || std::isnan(x_[p][0])) continue;
-    if (may_part && p > 0 && x_[p][w] > kWaterRich) wanted &= kOfFreeWater;
-    const double* x = x_[p].data();
-    const bool gas = p == 0 && asker_.lighter_is_gas(T_, P_, x);
-    properties_[p] = asker_.properties(gas, T_, P_, x, wanted);
-    add_property_status(properties_[p], wanted);
+    const unsigned wanted = is_there(p) ? wanted_[place_of_[p]] : 0u;
+    if (wanted == 0) continue;
+    properties_[p] = properties_of(p, wanted);
+    for (std::size_t k = 0; k < kPropertyCount; ++k) {
+      if ((wanted >> k & 1u) == 0) continue;
+      const bool none = properties_[p].statuses[k] == KV_OK && std::isnan(properties_[p].values[k]);
+      status_ = combined(status_, none ? StatusCode{kRowNoProperty} : properties_[p].statuses[k]);
+    }
   }
 }
 
@@ -106,35 +195,28 @@ double StateSolver::value(const Column& c) const {
       break;
   }
   if (!has_answer()) return kNone;
-  const bool absent = c.phase >= phase_count_ || std::isnan(x_[c.phase][0]);
+  if (c.kind == Kind::whole) return c.unit->from_base(whole(c.property), molar_mass_);
+  const std::size_t p = at_[c.phase];
+  if (p == kFlashPhases) return c.kind == Kind::fraction ? 0.0 : kNone;
   switch (c.kind) {
     case Kind::fraction:
-      return share_[c.phase];
-    case Kind::whole:
-      return c.unit->from_base(whole(c.property), molar_mass_);
+      return share_[p];
     case Kind::phase_mass:
-      return absent ? kNone : mass_of(c.phase);
+      return mass_of(p);
     case Kind::composition:
-      return x_[c.phase][c.index];
+      return x_[p][c.index];
     case Kind::phase_property: {
-      if (absent) return kNone;
-      const double base = properties_[c.phase][c.property];
+      const double base = properties_[p][c.property];
       if (c.unit == nullptr) return base;
-      return c.unit->from_base(base, c.unit->per_mass ? mass_of(c.phase) : 0.0);
+      return c.unit->from_base(base, c.unit->per_mass ? mass_of(p) : 0.0);
     }
     default:
       return kNone;
   }
 }
 
-std::string_view StateSolver::phases() {
-  std::size_t length = 0;
-  for (std::size_t p = 0; has_answer() && p < phase_count_; ++p) {
-    if (!(share_[p] > 0.0)) continue;
-    spare_.assign(x_[p].begin(), x_[p].end());
-    letters_[length++] = p == 0 ? 'V' : is_aqueous(mixture_, spare_) ? 'W' : 'L';
-  }
-  return {letters_, length};
+std::string_view StateSolver::phases() const {
+  return {letters_.data(), has_answer() ? letter_count_ : 0};
 }
 
 }  // namespace kestrune::host::batch

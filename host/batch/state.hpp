@@ -7,6 +7,7 @@
 
 #include "batch/columns.hpp"
 #include "cold_flash.hpp"
+#include "equilibrium_parts.hpp"
 
 namespace kestrune::host::batch {
 
@@ -15,7 +16,11 @@ enum RowStatus : StatusCode {
   kRowUnreadable = 9101,  // a cell is missing or no number
   kRowWidth = 9102,       // more cells than the heading
   kRowPair = 9103,        // components without a published interaction
+  kRowNoProperty = 9104,  // a phase that has no such property: free water
 };
+inline constexpr const char* kNoPropertyText = "free water has no property but H, S and G";
+
+inline constexpr std::size_t kFlashPhases = 3;
 
 class StateSolver {
  public:
@@ -32,30 +37,42 @@ class StateSolver {
   double T() const { return T_; }  // K
   // The value of a column in its unit, NaN for what does not exist; of kinds with a number.
   double value(const Column& column) const;
-  // "V", "VL", "LW": what there is of vapour, liquid and aqueous liquid; empty without an answer.
-  std::string_view phases();
+  // "V", "VL", "LW": the letters of what there is; empty without an answer.
+  std::string_view phases() const;
 
  private:
   bool has_answer() const { return has_value(flash_status_); }
+  bool is_there(std::size_t phase) const { return x_[phase][0] == x_[phase][0]; }
+  PropertyValues properties_of(std::size_t phase, unsigned wanted);
+  LastCritical& critical_of(std::size_t phase);
+  void name_phases();
+  void name_packed_gas();
+  void settle_root();
+  void place_phases();
   void add_properties();
-  void add_property_status(const PropertyValues& of, unsigned wanted);
   double whole(Property property) const;
   double mass_of(std::size_t phase) const;
 
+  const Exports& library_;
   const Mixture& mixture_;
   Given given_;
   std::size_t phase_count_, nc_;
   ColdFlash flash_;
-  PhaseAsker asker_;
-  std::array<unsigned, kPhases> wanted_{};
+  bool tell_dense_, free_water_;
+  std::array<unsigned, kPlaces> wanted_{};
   StatusCode status_ = KV_OK, flash_status_ = KV_OK;
   double first_ = kNone, T_ = kNone, P_ = kNone, molar_mass_ = kNone;
   const double* z_ = nullptr;
-  std::array<std::vector<double>, kPhases> x_;
-  std::array<double, kPhases> share_{};
-  std::array<PropertyValues, kPhases> properties_;
-  std::vector<double> spare_;
-  char letters_[4] = {};
+  // Of the flash: vapour, liquid A or the only one, liquid B.
+  std::array<std::vector<double>, kFlashPhases> x_;  // NaN for one that is absent
+  std::array<double, kFlashPhases> share_{};
+  std::array<PhaseKind, kFlashPhases> kinds_{};
+  std::array<PropertyValues, kFlashPhases> properties_;
+  std::vector<LastCritical> critical_;  // of compositions that come again, by their hash
+  std::array<std::size_t, kFlashPhases> place_of_{};
+  std::array<std::size_t, kPlaces> at_{};  // which of them is in a place; kFlashPhases for none
+  std::array<char, kFlashPhases> letters_{};
+  std::size_t letter_count_ = 0;
 };
 
 }  // namespace kestrune::host::batch

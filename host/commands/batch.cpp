@@ -1,19 +1,18 @@
 // kestrune batch: millions of states from tables to a table, in all processors, resumable.
+#include "commands/batch.hpp"
+
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
 #include <chrono>
-#include <filesystem>
+#include <iostream>
 #include <thread>
 
 #include "batch/journal.hpp"
-#include "batch/prepare.hpp"
+#include "batch/platform.hpp"
 #include "batch/run.hpp"
 #include "batch/team.hpp"
-#include "commands/conditions.hpp"
-#include "commands/session.hpp"
 #include "error.hpp"
-#include "text.hpp"
 
 namespace kestrune::host {
 
@@ -21,219 +20,73 @@ namespace {
 
 using namespace batch;
 
-constexpr std::size_t kChunkLines = 4096;  // some ten milliseconds of a worker
-
-struct BatchOptions {
-  MixtureOptions mixture;
-  ConditionOptions conditions;
-  MissingPairOptions missing;
-  RecordOptions record;
-  std::string table, states, compositions, output, columns, keep, ignore, phases = "3", units = "engineering",
-                                                                          energy, format = "csv";
-  std::size_t threads = 0, chunk = kChunkLines;
-  bool resume = false, overwrite = false;
-
-  bool on_line() const {  // conditions as options
-    const ConditionOptions& c = conditions;
-    return c.bubble || c.dew ||
-           !(c.temperature + c.pressure + c.enthalpy + c.entropy + c.vapour_fraction).empty();
-  }
-};
-
-// What a batch is made of.
-struct Plan {
-  Job job;
-  std::optional<Lines> states, compositions;
-  Identity identity;
-};
-
-void check_options(const BatchOptions& o) {
-  const int sources = !o.table.empty() + !o.states.empty() + o.on_line();
-  if (sources != 1)
-    throw InputError(
-        fmt::format("{}: states come from --states FILE, from --table FILE with their compositions, or from "
-                    "conditions such as -T and -P",
-                    sources == 0 ? "no states" : "more than one source of states"));
-  const bool one = !(o.mixture.file + o.mixture.inline_text).empty();
-  const bool rows = !(o.table + o.compositions).empty();
-  if (!o.table.empty() && !o.compositions.empty())
-    throw InputError("--table has its compositions in its rows: no --compositions");
-  if (one && rows)
-    throw InputError("compositions come from the table: no -m and no --z beside --table and --compositions");
-  if (!one && !rows)
-    throw InputError(
-        "no composition: give --compositions FILE, a mixture with -m or --z, or --table FILE with amounts");
-  if (rows && !(o.mixture.analysis + o.mixture.column).empty())
-    throw InputError("--analysis and --column belong to a mixture file, -m FILE");
-  if (o.phases != "2" && o.phases != "3")
-    throw InputError(fmt::format("--phases {}: a batch looks for 2 or 3 phases", o.phases));
-  if (o.record.free_water && o.phases == "2")
-    throw InputError("free water is a liquid of its own: --phases 3, or no --free-water");
-  if (o.record.trace) throw InputError("--trace belongs to single states: use kestrune flash");
-  if (o.format != "csv" && o.format != "binary")
-    throw InputError(fmt::format("--format {}: a batch writes csv or binary", o.format));
-  if (o.chunk < 1 || o.chunk > 1000000) throw InputError("--chunk: 1 to 1000000 rows");
-  if (o.threads > 4096) throw InputError("--threads: 1 to 4096, or 0 for one per processor");
-  if (o.output.empty() && o.format == "binary")
-    throw InputError("--format binary writes a file: name it with -o");
-  if (o.output.empty() && (o.resume || o.overwrite))
-    throw InputError("--resume and --overwrite are for a file: name it with -o");
-  if (o.resume && o.overwrite) throw InputError("--resume goes on, --overwrite starts anew: one of the two");
-  for (const std::string& input : {o.table, o.states, o.compositions, o.mixture.file}) {
-    std::error_code none;
-    for (const std::string& written : {o.output, journal_path(o.output)})
-      if (!input.empty() && !o.output.empty() && std::filesystem::equivalent(input, written, none))
-        throw InputError(fmt::format("{} is read, and -o {} would write to it", input, o.output));
-  }
+Existing existing(const BatchOptions& o) {
+  return o.resume ? Existing::resume : o.overwrite ? Existing::replace : Existing::refuse;
 }
 
-// Conditions of the command line as a table of states, in units that read back as the same values.
-Lines lines_of_conditions(const BatchOptions& o, const UnitSystem& units, double molar_mass) {
-  const Conditions conditions = o.conditions.read(units, molar_mass);
-  const auto order = quantities_of(conditions.given);
-  for (const Quantity q : order)
-    if (units[q].per_mass && !o.compositions.empty())
-      throw InputError(
-          "-H and -S are per mass of one composition: with --compositions put them into --states FILE");
-  constexpr std::pair<Quantity, std::string_view> names[] = {{Quantity::temperature, "T"},
-                                                             {Quantity::pressure, "P"},
-                                                             {Quantity::enthalpy, "H"},
-                                                             {Quantity::entropy, "S"},
-                                                             {Quantity::vapour_fraction, "beta"}};
-  std::string text;
-  for (std::size_t k = 0; k < 2; ++k)
-    for (const auto& [quantity, name] : names)
-      if (quantity == order[k]) text += fmt::format("{}{}", name, k == 0 ? "," : "\n");
-  for (const double first : conditions.values[0])
-    for (const double second : conditions.values[1])
-      text +=
-          exact(first, units[order[0]], molar_mass) + ',' + exact(second, units[order[1]], molar_mass) + '\n';
-  return Lines::of_text("the conditions", std::move(text));
+// Whether a chunk is what it was with rows behind it: its last one was not full.
+bool has_grown(const Chunk& chunk, const JournalEntry& entry) {
+  return chunk.text.size() > entry.input_size &&
+         hash_of(std::string_view(chunk.text).substr(0, entry.input_size)) == entry.input_hash;
 }
 
-KeptColumn find_column(const Job& job, const char* option, const std::string& title) {
-  const auto in = [&](const Heading& h) {
-    return static_cast<std::size_t>(std::find(h.titles.begin(), h.titles.end(), title) - h.titles.begin());
-  };
-  const bool of_states = in(job.states) < job.states.titles.size();
-  if (!of_states && in(job.compositions) == job.compositions.titles.size())
-    throw InputError(fmt::format("{} {}: no column has this heading", option, title));
-  return {!of_states, in(of_states ? job.states : job.compositions)};
-}
-
-// The mixture and the headings of the tables. Lines are behind their headings then.
-void read_input(const BatchOptions& o, Plan& plan) {
-  Job& job = plan.job;
-  const std::vector<std::string> kept = split(o.keep, ','), ignored = split(o.ignore, ',');
-  Composition definitions;
-  for (const std::string& text : o.mixture.own) definitions.define(parse_definition(text, false));
-  for (const std::string& text : o.mixture.fractions) definitions.define(parse_definition(text, true));
-  std::optional<Basis> basis;
-  if (!o.mixture.basis.empty()) basis = basis_by_name(o.mixture.basis);
-  const bool single = (o.table + o.compositions).empty();
-  if (single) {
-    job.mixture = o.mixture.build();
-    o.missing.check(job.mixture);
-  }
-  if (!o.compositions.empty()) {
-    plan.compositions = Lines::of_file(o.compositions);
-    job.has_compositions = true;
-    job.compositions = read_heading(plan.compositions->heading(), {o.compositions, false, true, ignored, kept},
-                                    job.units, definitions, basis);
-  }
-  const bool with_amounts = !o.table.empty();
-  const std::string file = with_amounts ? o.table : o.states;
-  plan.states = o.on_line() ? lines_of_conditions(o, job.units, single ? job.mixture.molar_mass : 0.0)
-                            : Lines::of_file(file);
-  job.states = read_heading(plan.states->heading(), {plan.states->name(), true, with_amounts, ignored, kept},
-                            job.units, definitions, basis);
-  if (!single) {
-    if (job.amount_heading().amounts.empty())
-      throw InputError(fmt::format("{}: no column is a component", with_amounts ? o.table : o.compositions));
-    job.mixture =
-        mixture_of_amounts(job.amount_heading(), definitions, interaction_set(o.mixture.set), job.amounts);
-    if (!o.missing.allowed) job.refused = refused_pairs(job.mixture);
-  }
-  for (const std::string& title : ignored) find_column(job, "--ignore", title);
-  if (!kept.empty() && job.binary) throw InputError("--keep copies text: --format csv, or --ignore for --keep");
-  for (const std::string& title : kept) job.kept.push_back(find_column(job, "--keep", title));
-}
-
-void prepare(const BatchOptions& o, Session& session, Plan& plan) {
-  check_options(o);
-  Job& job = plan.job;
-  job.units = unit_system(o.units);
-  if (!o.energy.empty()) job.units.choose_energy(o.energy);
-  job.phases = o.phases == "2" ? 2 : 3;
-  job.binary = o.format == "binary";
-  read_input(o, plan);
-  o.record.apply(job.mixture);
-  job.library = session.library();
-  const bool usual_binary = job.binary && trimmed(o.columns).empty();
-  const std::string columns = usual_binary ? "given,T,P,phases,beta,status" : o.columns;
-  job.columns = columns_by_name(columns, split(o.keep, ','), job.given(), job.phases, job.mixture, job.units);
-  for (const Column& c : job.columns)
-    if (job.binary && c.is_text())
-      throw InputError(fmt::format("--format binary has no place for {}", c.heading));
-  plan.identity = identity_of(job, session.exports != nullptr ? "" : session.library_path, o.chunk);
-}
-
-// The output as far as it is there: replays what stands in the journal. Nothing for a file that is to be begun.
-std::unique_ptr<OutputFile> resumed(const BatchOptions& o, const Plan& plan, Source& source, Totals& totals) {
-  const std::string head = output_head(plan.job);
-  const Journal journal = read_journal(journal_path(o.output));
-  check_identity(journal.identity, plan.identity, o.output);
-  const std::size_t count = verified_entries(o.output, head, journal.entries);
+// Reads the rows of the chunks that stand in the output already. The last one is calculated again where rows were added.
+void replay(const BatchOptions& o, OutputFile& output, Source& source, Totals& totals) {
+  const std::vector<JournalEntry>& entries = output.entries();
   Chunk chunk;
-  for (std::size_t k = 0; k < count; ++k) {
+  for (std::size_t k = 0; k < entries.size(); ++k) {
     const bool there = source.next(chunk);
-    if (!there || hash_of(chunk.text) != journal.entries[k].input_hash)
-      throw InputError(
-          fmt::format("{} was begun with other rows: chunk {} (behind row {}) of the input is not what it was. "
-                      "Put the input back, or start anew with --overwrite",
-                      o.output, k + 1, totals.rows));
-    totals.rows += journal.entries[k].rows;
-    totals.failed += journal.entries[k].failed;
+    if (there && k + 1 == entries.size() && has_grown(chunk, entries[k])) {
+      source.put_back(std::move(chunk));
+      return output.keep(k);
+    }
+    if (!there || hash_of(chunk.text) != entries[k].input_hash)
+      throw InputError(fmt::format(
+          "{} was begun with other rows: {} (chunk {}, behind row {}). Rows may only be added at the end, "
+          "and with --compositions only compositions. Put the input back, or start anew with --overwrite",
+          o.output, there ? "some of the input are not what they were" : "the input has fewer now", k + 1,
+          totals.rows));
+    totals.rows += entries[k].rows;
+    totals.failed += entries[k].failed;
   }
-  return std::make_unique<OutputFile>(o.output, head, journal, count);
 }
 
-std::unique_ptr<OutputFile> open_output(const BatchOptions& o, const Plan& plan, Source& source,
-                                        Totals& totals) {
-  const bool file = std::filesystem::is_regular_file(o.output);
-  const bool journal = std::filesystem::exists(journal_path(o.output));
-  // A run that was ended while it made its files has written nothing yet.
-  const bool blank =
-      (!file || std::filesystem::file_size(o.output) == 0) && !has_entries(journal_path(o.output));
-  if (o.resume && journal && blank)
-    return std::make_unique<OutputFile>(o.output, output_head(plan.job), plan.identity);
-  if (o.resume && journal) {
-    if (!file)
-      throw InputError(fmt::format("{} is missing beside its journal: start anew with --overwrite", o.output));
-    return resumed(o, plan, source, totals);
-  }
-  if (file && !o.overwrite)
-    throw InputError(fmt::format("{} exists{}: {}--overwrite replaces it", o.output,
-                                 journal    ? " with a journal"
-                                 : o.resume ? " without a journal to resume it from"
-                                            : "",
-                                 journal ? "--resume goes on with it, " : ""));
-  return std::make_unique<OutputFile>(o.output, output_head(plan.job), plan.identity);
+std::unique_ptr<OutputFile> open_output(const BatchOptions& o, Session& session, const Plan& plan,
+                                        Source& source, Totals& totals) {
+  auto output = std::make_unique<OutputFile>(o.output, existing(o), output_head(plan.job), plan.identity);
+  if (output->is_unlocked())
+    tell(session,
+         {fmt::format("{} cannot be locked on this file system: see to it that no other run writes to it",
+                      o.output)});
+  replay(o, *output, source, totals);
+  if (totals.rows > 0) tell(session, {fmt::format("{} rows stand in {}, going on", totals.rows, o.output)});
+  return output;
 }
 
-void lead(const BatchOptions& o, Session& session, Plan& plan) {
-  const std::unique_ptr<Crew> crew = session.team != nullptr ? session.team->lead() : nullptr;
+// The bar does not go where the results go.
+bool shows_progress(const BatchOptions& o, const Session& session) {
+  const bool streams = &session.out == &std::cout && &session.err == &std::cerr;
+  return streams && !(o.output.empty() && is_same_terminal(stdout, stderr));
+}
+
+// threads: 0 for one per processor; of several processes each has one.
+std::size_t thread_count(const BatchOptions& o, const Session& session) {
+  if (o.threads > 0) return o.threads;
+  return session.team != nullptr ? 1 : std::max(std::thread::hardware_concurrency(), 1u);
+}
+
+void lead(const BatchOptions& o, Session& session, Plan& plan, Crew* crew) {
   Source source(std::move(*plan.states), std::move(plan.compositions), o.chunk);
   Totals totals;
   std::unique_ptr<OutputFile> output;
-  if (!o.output.empty()) output = open_output(o, plan, source, totals);
+  if (!o.output.empty()) output = open_output(o, session, plan, source, totals);
   const std::uint64_t before = totals.rows;
-  if (before > 0) tell(session, {fmt::format("{} rows stand in {}, going on", before, o.output)});
   tell(session, plan.job.mixture.notes);
-  Progress progress(session.err, output != nullptr);
+  Progress progress(session.err, shows_progress(o, session));
   progress.start(source.share_read(), before);
   std::function<void(const Result&)> put = [&](const Result& r) { output->put(r); };
   if (!output) {
+    if (&session.out == &std::cout) keep_line_ends(stdout);
     session.out << output_head(plan.job);
     put = [&](const Result& r) {
       session.out << r.bytes;
@@ -241,15 +94,16 @@ void lead(const BatchOptions& o, Session& session, Plan& plan) {
     };
   }
   const auto started = std::chrono::steady_clock::now();
-  std::size_t threads = o.threads;
-  if (threads == 0) threads = session.team != nullptr ? 1 : std::max(std::thread::hardware_concurrency(), 1u);
-  run_chunks(plan.job, source, threads, crew.get(), put, progress, totals);
+  run_chunks(plan.job, source, thread_count(o, session), crew, put, progress, totals);
   if (output) output->finish();
   progress.clear();
   const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
   tell(session, {fmt::format("{} rows, {} of them without an answer, in {} ({:.0f} rows/s)", totals.rows,
                              totals.failed, time_in_words(seconds),
                              static_cast<double>(totals.rows - before) / std::max(seconds, 1e-6))});
+  if (const std::string file = source.changed_file(); !file.empty())
+    tell(session,
+         {fmt::format("{} was changed while it was read: the results may be of both forms of it", file)});
   if (totals.failed > 0) session.exit_code = exit_status;
 }
 
@@ -262,14 +116,16 @@ void run_batch(const BatchOptions& o, Session& session) {
     if (session.team == nullptr) throw;
     failure = e.what();
   }
+  std::unique_ptr<Crew> crew;
   if (session.team != nullptr) {
     std::string identity;
-    for (const auto& [name, value] : plan.identity) identity += name + ' ' + value + '\n';
+    for (const auto& [name, value] : plan.identity) identity += fmt::format("{} {}\n", name, value);
     session.team->agree(failure, identity);
+    if (session.team->leads()) crew = session.team->lead();
   }
   plan.job.mixture.hand_over(plan.job.library);
   if (session.team != nullptr && !session.team->leads()) return session.team->serve(plan.job);
-  lead(o, session, plan);
+  lead(o, session, plan, crew.get());
 }
 
 }  // namespace
@@ -291,8 +147,10 @@ void add_batch_command(CLI::App& app, Session& session) {
   command->add_option(
       "--columns", options->columns,
       "Columns of the results by commas (T,P,phases,beta,status,text): given, z, M, H, S, G, density, "
-      "molar_volume; vapour., liquid. or liquid2. and fraction, x, M or a property");
-  command->add_option("--keep", options->keep, "Headings of columns of the input to be copied, by commas");
+      "molar_volume; vapour., dense., liquid., liquid2. or aqueous. and fraction, x, M or a property");
+  command->add_option(
+      "--keep", options->keep,
+      "Headings of columns of the input to be copied, by commas (in double quotes those with commas)");
   command->add_option("--ignore", options->ignore,
                       "Headings of columns of the input to be left alone, by commas");
   command->add_option("--format", options->format, "csv (default) or binary (docs/batch.md)");

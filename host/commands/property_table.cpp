@@ -53,7 +53,8 @@ GridRow row_of(StateSolver& solver, const char* kind, const std::vector<Column>&
 }
 
 // Bubble and dew points at a pressure with their properties: of the first one of each kind those of the point itself, of
-// other branches those of the state at the temperature found.
+// other branches those of the state at the temperature found. A point that was not found has its status, and the
+// temperature of the traced line where that has it; where there is none, there is no row.
 std::vector<GridRow> boundary(const Exports& library, Mixture& mixture, int phases, double P,
                               const std::vector<Column>& columns) {
   std::vector<GridRow> rows;
@@ -63,7 +64,13 @@ std::vector<GridRow> boundary(const Exports& library, Mixture& mixture, int phas
   for (const double fraction : {0.0, 1.0}) {
     const bool found = has_value(first.solve(fraction, P, mixture.z.data(), mixture.molar_mass));
     for (const Equilibrium& point : points_of_fraction(library, mixture, Given::WP, fraction, P, Branch::all)) {
-      if (!point.answered() || !std::isfinite(point.T)) continue;
+      if (!point.answered() || !std::isfinite(point.T)) {
+        const bool traced = !point.remark.empty();
+        if (!traced && point.status == KV_NO_SATURATION) continue;
+        solver.leave(traced ? point.last_T : kNone, P, point.status);
+        rows.push_back(row_of(solver, fraction == 0.0 ? "bubble" : "dew", columns));
+        continue;
+      }
       const bool same = found && std::fabs(first.T() - point.T) < kSame * point.T;
       if (!same) solver.solve(point.T, P, mixture.z.data(), mixture.molar_mass);
       rows.push_back(row_of(same ? first : solver, fraction == 0.0 ? "bubble" : "dew", columns));
@@ -85,14 +92,22 @@ void print_rows(const Grid& grid, const std::vector<std::vector<GridRow>>& bound
   for (std::size_t j = 0; j < grid.lines.size(); ++j) {
     std::vector<const GridRow*> line;
     for (const GridRow& row : grid.lines[j]) line.push_back(&row);
-    const double low = line.front()->values[sorted_by], high = line.back()->values[sorted_by];
     for (const GridRow& row : boundaries[j])
-      if (row.values[sorted_by] >= low && row.values[sorted_by] <= high) line.push_back(&row);
+      if (!std::isnan(row.values[sorted_by])) line.push_back(&row);
     std::stable_sort(line.begin(), line.end(), [sorted_by](const GridRow* a, const GridRow* b) {
       return a->values[sorted_by] < b->values[sorted_by];
     });
+    for (const GridRow& row : boundaries[j])
+      if (std::isnan(row.values[sorted_by])) line.push_back(&row);  // nobody knows where
     for (const GridRow* row : line) print(*row);
   }
+}
+
+// Leaves the points between the ends of a line of the grid, by temperature, and those of which nobody knows where they are.
+void clip(const std::vector<GridRow>& line, std::size_t T_column, std::vector<GridRow>& points) {
+  const double low = line.front().values[T_column], high = line.back().values[T_column];
+  std::erase_if(points,
+                [&](const GridRow& p) { return p.values[T_column] < low || p.values[T_column] > high; });
 }
 
 // What bilinear interpolation misses at the centres of cells.
@@ -228,6 +243,9 @@ void run_table(const TableOptions& o, Session& session) {
         grid.lines.back().back().values[0] = units[Quantity::enthalpy].from_base(first, mixture.molar_mass);
     }
     boundaries.push_back(boundary(library, mixture, phases, P, columns));
+    clip(grid.lines.back(), by_enthalpy ? 1 : 0, boundaries.back());
+    for (const GridRow& row : boundaries.back())
+      if (!has_value(row.status)) session.exit_code = exit_status;
   }
   const std::vector<Errors> errors = measure(grid, solver, mixture, columns);
   if (o.output.empty()) {
