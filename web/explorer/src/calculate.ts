@@ -1,0 +1,215 @@
+// What a state shows, part by part. Every number is one of the package's; nothing is calculated here.
+import { KestruneError, type Curve, type Kestrune, type Mixture } from "kestrune";
+import { inWords, madeOf, type Made } from "./gas.ts";
+import type * as p from "./protocol.ts";
+import { numberOf, type State } from "./state.ts";
+import { texts } from "./texts.ts";
+
+/** Quantities of the units that the page shows. */
+const QUANTITIES = [
+  ...["temperature", "pressure", "enthalpy", "entropy", "density", "molar volume", "speed", "viscosity"],
+  ...["thermal conductivity", "Joule-Thomson coefficient", "compressibility"],
+];
+const CUT_POINTS = 97;
+const CUT_CHUNK = 16;
+const LINE_POINTS = 41;
+const REMEMBERED = 40;
+
+/** The module and what it has calculated before, by what it was calculated from. */
+export class Session {
+  #values = new Map<string, unknown>();
+  constructor(readonly kestrune: Kestrune) {}
+
+  remember<V>(key: string, make: () => V): V {
+    const known = this.#values.get(key);
+    if (known !== undefined) {
+      this.#values.delete(key);
+      this.#values.set(key, known);
+      return known as V;
+    }
+    const made = make();
+    this.#values.set(key, made);
+    if (this.#values.size > REMEMBERED) this.#forget(this.#values.keys().next().value!);
+    return made;
+  }
+
+  /** The oldest; no job of now has it. */
+  #forget(key: string) {
+    (this.#values.get(key) as Partial<Made>).mixture?.dispose();
+    this.#values.delete(key);
+  }
+}
+
+function curveData(kestrune: Kestrune, curve: Curve): p.CurveData {
+  const { fraction, lines, status, complete, cricondentherm, cricondenbar, critical } = curve;
+  const text = status === 0 ? "" : kestrune.statusText(status);
+  return { fraction, lines, status, text, complete, cricondentherm, cricondenbar, critical };
+}
+
+/** What a calculation gives, or what to say instead; a trap goes on to the worker. */
+function answerOf<V>(kestrune: Kestrune, make: () => V): V | string {
+  try {
+    return make();
+  } catch (error) {
+    if (!kestrune.alive) throw error;
+    return error instanceof KestruneError ? texts.statusOf(error.text, error.status) : inWords(error);
+  }
+}
+
+const pureOf = (mixture: Mixture) => mixture.z.filter((v) => v > 0).length === 1;
+
+function outlineOf(kestrune: Kestrune, mixture: Mixture, gas: number): p.EnvelopePart {
+  const found = answerOf(kestrune, () => curveData(kestrune, mixture.envelope().curve));
+  const part = { part: "envelope" as const, gas, pure: pureOf(mixture) };
+  return typeof found === "string" ? { ...part, curves: [], errors: [found] } : { ...part, curves: [found], errors: [] };
+}
+
+/** Vapour fractions of "0.9, 0.5"; a message for anything else. */
+export function fractionsOf(text: string): number[] | string {
+  const words = text.split(/[\s,;]+/).filter((word) => word !== "");
+  const wrong = words.find((word) => !(numberOf(word) > 0 && numberOf(word) < 1));
+  if (wrong !== undefined) return texts.noFraction(wrong);
+  if (words.length > 9) return texts.manyFractions;
+  return [...new Set(words.map(numberOf))];
+}
+
+function qualityOf(kestrune: Kestrune, mixture: Mixture, gas: number, text: string): p.EnvelopePart {
+  const fractions = fractionsOf(text);
+  const part: p.EnvelopePart = { part: "quality", gas, pure: pureOf(mixture), curves: [], errors: [] };
+  if (typeof fractions === "string") return { ...part, errors: [fractions] };
+  for (const fraction of part.pure ? [] : fractions) {
+    const found = answerOf(kestrune, () => curveData(kestrune, mixture.envelope({ quality: fraction }).quality.get(fraction)!));
+    if (typeof found === "string") part.errors.push(`${texts.qualityLine(fraction)}: ${found}`);
+    else part.curves.push(found);
+  }
+  return part;
+}
+
+function pointOf(kestrune: Kestrune, mixture: Mixture, gas: number, state: State): p.PointPart {
+  const [T, P] = [numberOf(state.T), numberOf(state.P)];
+  const empty = { names: mixture.names, z: mixture.z, phases: [], overall: null, notes: [] };
+  const part: p.PointPart = { part: "point", gas, T, P, error: "", fieldErrors: ["", ""], ...empty };
+  const kelvin = Number.isNaN(T) ? NaN : mixture.units.toSi("temperature", T);
+  const pascal = Number.isNaN(P) ? NaN : mixture.units.toSi("pressure", P);
+  part.fieldErrors = [
+    Number.isNaN(T) ? texts.noNumber(state.T) : kelvin > 0 ? "" : texts.belowZero(mixture.units.symbol("temperature")),
+    Number.isNaN(P) ? texts.noNumber(state.P) : pascal > 0 ? "" : texts.noPressure,
+  ];
+  if (part.fieldErrors.some((text) => text !== "")) return part;
+  const found = answerOf(kestrune, () => mixture.report({ T, P }));
+  return typeof found === "string" ? { ...part, error: found } : { ...part, ...found, part: "point" };
+}
+
+/** Pressures of a line, evenly spaced in their logarithm, in the units of the mixture. */
+function pressuresOf(mixture: Mixture, lowest: number, highest: number): Float64Array {
+  const step = Math.log(highest / lowest) / (LINE_POINTS - 1);
+  const pascal = Float64Array.from({ length: LINE_POINTS }, (_, k) => lowest * Math.exp(k * step));
+  return mixture.units.fromSi("pressure", pascal);
+}
+
+/** Pa: how far up the lines beside an envelope go. */
+function highestOf(mixture: Mixture, outline: p.EnvelopePart): number {
+  const top = outline.curves[0]?.cricondenbar;
+  const pascal = top ? 1.15 * mixture.units.toSi("pressure", top.P) : 0;
+  return Math.min(Math.max(pascal, 100e5), 900e5);
+}
+
+const LOWEST = 1.01325e5; // Pa
+
+function lineOf(part: "hydrate" | "water", gas: number, found: { T: Float64Array; P: Float64Array }): p.LinePart {
+  const good = Array.from(found.T.keys()).filter((k) => Number.isFinite(found.T[k]));
+  const [T, P] = [found.T, found.P].map((all) => good.map((k) => all[k]));
+  const notes = good.length < found.T.length ? [texts.missingPoints(found.T.length - good.length, found.T.length)] : [];
+  return { part, gas, T, P, error: good.length === 0 ? texts.noLine : "", field: "", notes };
+}
+
+function hydrateOf(kestrune: Kestrune, mixture: Mixture, gas: number, state: State, highest: number): p.LinePart {
+  const none: p.LinePart = { part: "hydrate", gas, T: [], P: [], error: "", field: "", notes: [] };
+  const inhibitor = state.inhibitor.trim();
+  const percent = numberOf(state.percent);
+  if (inhibitor !== "" && !(percent >= 0 && percent <= 70)) return { ...none, error: texts.noPercent, field: "percent" };
+  const asked = Number.isNaN(numberOf(inhibitor)) ? inhibitor : numberOf(inhibitor);
+  const withInhibitor = inhibitor === "" ? {} : { inhibitor: asked, percent };
+  const P = pressuresOf(mixture, LOWEST, highest);
+  const found = answerOf(kestrune, () => lineOf("hydrate", gas, mixture.hydrate({ P, ...withInhibitor })));
+  if (typeof found === "string") return { ...none, error: found, field: inhibitor === "" ? "" : "inhibitor" };
+  const range = mixture.hydrateRange(withInhibitor);
+  return { ...found, range, notes: [...found.notes, ...range.warnings] };
+}
+
+function waterOf(kestrune: Kestrune, mixture: Mixture, gas: number, state: State, highest: number): p.LinePart {
+  const none: p.LinePart = { part: "water", gas, T: [], P: [], error: "", field: "", notes: [] };
+  const typed = state.waterAmount.trim();
+  const water = numberOf(typed) / 1e6;
+  if (typed !== "" && !(water > 0 && water < 1)) return { ...none, error: texts.noPpm, field: "waterAmount" };
+  const index = mixture.components.findIndex((c) => c.cas === "7732-18-5");
+  if (typed === "" && !(index >= 0 && mixture.z[index] > 0)) return { ...none, error: texts.noWater, field: "waterAmount" };
+  const given = { P: pressuresOf(mixture, LOWEST, highest), method: state.method };
+  const found = answerOf(kestrune, () => lineOf("water", gas, mixture.water.dew(typed === "" ? given : { ...given, water })));
+  return typeof found === "string" ? { ...none, error: found } : found;
+}
+
+/** Ends of a cut in the units of the mixture: of an isotherm from 1 atm up, of an isobar across the envelope. */
+function rangeOfCut(mixture: Mixture, outline: p.EnvelopePart, state: State, highest: number): [number, number] {
+  const { units } = mixture;
+  if (state.cut === "T") {
+    const ends = [LOWEST, Math.max(highest, 1.1 * units.toSi("pressure", numberOf(state.P)))];
+    return ends.map((v) => units.fromSi("pressure", v)) as [number, number];
+  }
+  const all = outline.curves.flatMap((c) => c.lines.filter((l) => l.kind === "dew" || l.kind === "bubble").flatMap((l) => [...l.T]));
+  const kelvin = [...all, numberOf(state.T)].map((v) => units.toSi("temperature", v));
+  const [low, high] = [kelvin.reduce((a, b) => Math.min(a, b)), kelvin.reduce((a, b) => Math.max(a, b))];
+  return [Math.max(low - 10, 60), high + 20].map((v) => units.fromSi("temperature", v)) as [number, number];
+}
+
+function* cutOf(mixture: Mixture, gas: number, state: State, range: [number, number]): Generator<p.CutPart> {
+  const along = state.cut === "T" ? "P" : "T";
+  const at = numberOf(state.cut === "T" ? state.T : state.P);
+  const x = Float64Array.from({ length: CUT_POINTS }, (_, k) => range[0] + ((range[1] - range[0]) * k) / (CUT_POINTS - 1));
+  const columns = { beta: new Float64Array(CUT_POINTS), density: new Float64Array(CUT_POINTS), enthalpy: new Float64Array(CUT_POINTS) };
+  for (const values of Object.values(columns)) values.fill(NaN);
+  for (let first = 0; first < CUT_POINTS; first += CUT_CHUNK) {
+    const some = x.subarray(first, first + CUT_CHUNK);
+    const here = new Float64Array(some.length).fill(at);
+    const states = mixture.flash(along === "P" ? { T: here, P: some } : { T: some, P: here });
+    columns.beta.set(states.beta, first);
+    columns.density.set(states.density, first);
+    columns.enthalpy.set(states.enthalpy, first);
+    const done = Math.min(first + CUT_CHUNK, CUT_POINTS);
+    const missing = columns.beta.subarray(0, done).filter(Number.isNaN).length;
+    yield { part: "cut", gas, along, at, x, ...columns, missing };
+  }
+}
+
+/** All parts of a state, what one looks at first before the rest. Between two of them the worker may drop the rest. */
+export function* partsOf(session: Session, state: State): Generator<p.Part> {
+  const { kestrune } = session;
+  const units = kestrune.units(state.units);
+  const [vacuum, onebar] = [0, 1e5].map((pascal) => units.fromSi("pressure", pascal));
+  const symbols = Object.fromEntries(QUANTITIES.map((q) => [q, units.symbol(q)]));
+  yield { part: "units", gas: 0, symbols, bar: onebar - vacuum, vacuum };
+  const good: { gas: number; mixture: Mixture; key: string; outline: p.EnvelopePart }[] = [];
+  for (const index of state.gases.keys()) {
+    const key = JSON.stringify([state.gases[index], state.set, state.zero, state.units, index]);
+    const { mixture, part }: Made = session.remember(`gas ${key}`, () => madeOf(kestrune, state, index));
+    yield part;
+    if (mixture === null) continue;
+    const outline = session.remember(`envelope ${key}`, () => outlineOf(kestrune, mixture, index));
+    yield outline;
+    good.push({ gas: index, mixture, key, outline });
+  }
+  for (const { gas, mixture } of good) yield pointOf(kestrune, mixture, gas, state);
+  for (const { gas, mixture, key, outline } of good) {
+    const highest = highestOf(mixture, outline);
+    if (state.quality.trim() !== "")
+      yield session.remember(`quality ${state.quality} ${key}`, () => qualityOf(kestrune, mixture, gas, state.quality));
+    if (state.hydrate)
+      yield session.remember(`hydrate ${state.inhibitor} ${state.percent} ${key}`, () => hydrateOf(kestrune, mixture, gas, state, highest));
+    if (state.water)
+      yield session.remember(`water ${state.waterAmount} ${state.method} ${key}`, () => waterOf(kestrune, mixture, gas, state, highest));
+  }
+  for (const { gas, mixture, outline } of good) {
+    if (state.cut === "" || pointOf(kestrune, mixture, gas, state).fieldErrors.some((text) => text !== "")) continue;
+    yield* cutOf(mixture, gas, state, rangeOfCut(mixture, outline, state, highestOf(mixture, outline)));
+  }
+}

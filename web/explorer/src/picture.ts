@@ -1,0 +1,122 @@
+// The phase envelope with all that is drawn over it: lines, marks and axes of the parts that are known.
+import { rangeOf, type ChartLine, type ChartMark, type ChartSpec } from "./chart.ts";
+import { unitSymbol, withUnit } from "./numbers.ts";
+import type { Palette } from "./palette.ts";
+import type { CurveData, EnvelopePart, LinePart, Numbers, Place } from "./protocol.ts";
+import type { Known } from "./known.ts";
+import { texts } from "./texts.ts";
+
+/** Before the names of gases where there are two. */
+const named = (known: Known, gas: number, text: string) => (known.gases > 1 ? texts.ofGas(gas, text) : text);
+
+function outlineLines(known: Known, part: EnvelopePart, palette: Palette): ChartLine[] {
+  const styles: Record<string, [string, string, number, string]> = {
+    dew: [texts.dew, palette.dew[part.gas], 2.6, ""],
+    bubble: [texts.bubble, palette.bubble[part.gas], 2.6, ""],
+    "two liquids": [texts.twoLiquids, palette.liquids, 2, "7 3"],
+  };
+  if (part.pure) styles.dew = [texts.vapourPressure, palette.bubble[part.gas], 2.6, ""];
+  return part.curves.flatMap((curve) =>
+    curve.lines.map(({ kind, T, P }) => {
+      const [label, colour, width, dash] = styles[kind] ?? [texts.notStable, palette.unstable, 1.6, "2 4"];
+      return { label: named(known, part.gas, label), colour, width, dash: part.gas > 0 && dash === "" ? "10 3" : dash, x: T, y: P };
+    }),
+  );
+}
+
+function qualityLines(known: Known, part: EnvelopePart, palette: Palette): ChartLine[] {
+  const dashes = ["6 4", "3 3", "9 3 2 3", "12 4", "2 2", "6 2 2 2", "4 6", "8 6", "1 3"];
+  return part.curves.flatMap((curve, k) =>
+    curve.lines.map(({ T, P }) => ({
+      ...{ label: named(known, part.gas, texts.qualityLine(curve.fraction)), dash: dashes[k % dashes.length] },
+      ...{ colour: palette.quality[part.gas], width: 1.6, x: T, y: P },
+    })),
+  );
+}
+
+/** A line in its stretches inside and outside the data behind it; neighbours share a point. */
+function stretches(part: LinePart): { inside: boolean; x: Numbers; y: Numbers }[] {
+  const within = (v: number, range: Numbers) => v >= range[0] && v <= range[1];
+  const inside = Array.from(part.T, (T, k) => !part.range || (within(T, part.range.T) && within(part.P[k], part.range.P)));
+  const all: { inside: boolean; first: number; end: number }[] = [];
+  inside.forEach((good, k) => {
+    const last = all.at(-1);
+    if (last?.inside === good) last.end = k + 1;
+    else all.push({ inside: good, first: Math.max(0, k - 1), end: k + 1 });
+  });
+  return all.map(({ inside: good, first, end }) => ({ inside: good, x: part.T.slice(first, end), y: part.P.slice(first, end) }));
+}
+
+function boundaryLines(known: Known, part: LinePart, palette: Palette): ChartLine[] {
+  const label = named(known, part.gas, part.part === "hydrate" ? texts.hydrate : texts.water);
+  const colour = palette[part.part][part.gas];
+  const dash = part.part === "hydrate" ? "14 3 3 3" : "5 2";
+  return stretches(part).map(({ inside, x, y }) => ({
+    ...{ label: inside ? label : `${label}, ${texts.beyond.toLowerCase()}`, colour, width: inside ? 2 : 1.4 },
+    ...{ dash: inside ? dash : "2 4", x, y },
+  }));
+}
+
+/** Cardinal points with their names, of the outline of each gas. */
+export function placesOf(part: EnvelopePart): { name: string; place: Place }[] {
+  const [curve] = part.curves;
+  if (curve === undefined) return [];
+  const extremes: [string, Place | null][] = [[texts.cricondentherm, curve.cricondentherm], [texts.cricondenbar, curve.cricondenbar]];
+  const all = curve.critical.map((place): [string, Place | null] => [texts.critical, place]);
+  if (!part.pure) all.push(...extremes);
+  return all.flatMap(([name, place]) => (place === null ? [] : [{ name, place }]));
+}
+
+function marksOf(known: Known, part: EnvelopePart, palette: Palette): ChartMark[] {
+  const shapes: Record<string, ChartMark["shape"]> = { [texts.cricondentherm]: "triangle", [texts.cricondenbar]: "square" };
+  const { temperature, pressure } = known.symbols;
+  return placesOf(part).map(({ name, place }) => {
+    const where = texts.placeOf(withUnit(place.T, temperature, 5), withUnit(place.P, pressure, 5));
+    const colour = name === texts.critical ? palette.ink : name === texts.cricondentherm ? palette.dew[part.gas] : palette.bubble[part.gas];
+    return { label: named(known, part.gas, `${name} ${where}`), colour, shape: shapes[name] ?? "disc", x: place.T, y: place.P };
+  });
+}
+
+const OPEN_TOP = 400; // bar, of envelopes without a cricondenbar
+
+/** The highest pressure that is shown, as on the command line: a little above the cricondenbars. */
+function topOf(outlines: EnvelopePart[], lines: ChartLine[], bar: number): number {
+  const bars = outlines.map((part) => part.curves[0]?.cricondenbar).filter((place) => place != null);
+  if (bars.length > 0) return 1.12 * Math.max(...bars.map((place) => place.P));
+  const highest = Math.max(...lines.flatMap((l) => Array.from(l.y)), 0);
+  return Math.min(highest > 0 ? 1.05 * highest : Infinity, OPEN_TOP * bar);
+}
+
+/** The picture of what is known; the point is drawn over it by its own hand. */
+export function pictureOf(known: Known, point: Place | null, palette: Palette): ChartSpec {
+  const outlines = known.all("envelope");
+  const outline = outlines.flatMap((part) => outlineLines(known, part, palette));
+  const over = [
+    ...known.all("quality").flatMap((part) => qualityLines(known, part, palette)),
+    ...[...known.all("hydrate"), ...known.all("water")].flatMap((part) => boundaryLines(known, part, palette)),
+  ];
+  const marks = outlines.flatMap((part) => marksOf(known, part, palette));
+  const top = Math.max(topOf(outlines, [...outline, ...over], known.bar), ...marks.map((m) => 1.05 * m.y), point ? 1.05 * point.P : -Infinity);
+  const main = [...outline.filter((l) => l.label.endsWith(texts.dew) || l.label.endsWith(texts.bubble) || l.label.endsWith(texts.vapourPressure)), ...over];
+  const T = (main.length > 0 ? main : outline).flatMap((l) => Array.from(l.x).filter((_, k) => l.y[k] <= top));
+  const x = rangeOf([...T, ...marks.map((m) => m.x), ...(point ? [point.T] : [])]);
+  const title = (what: string, quantity: string) => texts.withUnit(what, unitSymbol(known.symbols[quantity] ?? ""));
+  return {
+    ...{ title: texts.picture, lines: [...outline, ...over], marks, legend: true },
+    x: { title: title(texts.T, "temperature"), range: x },
+    y: { title: title(texts.P, "pressure"), range: [Math.min(0, known.vacuum), top] },
+  };
+}
+
+/** Every curve with its name, for tables of all numbers. */
+export function curvesOf(known: Known): { gas: number; name: string; kind: string; T: Numbers; P: Numbers }[] {
+  const ofCurve = (part: EnvelopePart, curve: CurveData) => {
+    const name = part.part === "quality" ? texts.qualityLine(curve.fraction) : part.pure ? texts.vapourPressure : texts.outline;
+    return curve.lines.map(({ kind, T, P }) => ({ gas: part.gas, name, kind, T, P }));
+  };
+  const ofLine = ({ part, gas, T, P }: LinePart) => ({ gas, name: part === "hydrate" ? texts.hydrate : texts.water, kind: part, T, P });
+  return [
+    ...[...known.all("envelope"), ...known.all("quality")].flatMap((part) => part.curves.flatMap((curve) => ofCurve(part, curve))),
+    ...[...known.all("hydrate"), ...known.all("water")].map(ofLine),
+  ];
+}
