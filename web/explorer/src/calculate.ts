@@ -1,5 +1,5 @@
 // What a state shows, part by part. Every number is one of the package's; nothing is calculated here.
-import { KestruneError, type Curve, type Kestrune, type Mixture } from "kestrune";
+import { KestruneError, type Curve, type Kestrune, type Mixture, type Units } from "kestrune";
 import { inWords, madeOf, type Made } from "./gas.ts";
 import type * as p from "./protocol.ts";
 import { numberOf, type State } from "./state.ts";
@@ -10,6 +10,8 @@ const QUANTITIES = [
   ...["temperature", "pressure", "enthalpy", "entropy", "density", "molar volume", "speed", "viscosity"],
   ...["thermal conductivity", "Joule-Thomson coefficient", "compressibility"],
 ];
+const WATER = "7732-18-5"; // CAS number
+const CURVE_POINTS = 240;
 const CUT_POINTS = 97;
 const CUT_CHUNK = 16;
 const LINE_POINTS = 41;
@@ -59,9 +61,11 @@ function answerOf<V>(kestrune: Kestrune, make: () => V): V | string {
 const pureOf = (mixture: Mixture) => mixture.z.filter((v) => v > 0).length === 1;
 
 function outlineOf(kestrune: Kestrune, mixture: Mixture, gas: number): p.EnvelopePart {
-  const found = answerOf(kestrune, () => curveData(kestrune, mixture.envelope().curve));
+  const found = answerOf(kestrune, () => curveData(kestrune, mixture.envelope({ points: CURVE_POINTS }).curve));
   const part = { part: "envelope" as const, gas, pure: pureOf(mixture) };
-  return typeof found === "string" ? { ...part, curves: [], errors: [found] } : { ...part, curves: [found], errors: [] };
+  const water = mixture.components.some((c, k) => c.cas === WATER && mixture.z[k] > 0);
+  const errors = water ? [texts.waterInCurve] : [];
+  return typeof found === "string" ? { ...part, curves: [], errors: [found, ...errors] } : { ...part, curves: [found], errors };
 }
 
 /** Vapour fractions of "0.9, 0.5"; a message for anything else. */
@@ -73,29 +77,33 @@ export function fractionsOf(text: string): number[] | string {
   return [...new Set(words.map(numberOf))];
 }
 
+const qualityCurve = (mixture: Mixture, fraction: number) =>
+  mixture.envelope({ quality: fraction, points: CURVE_POINTS }).quality.get(fraction)!;
+
 function qualityOf(kestrune: Kestrune, mixture: Mixture, gas: number, text: string): p.EnvelopePart {
   const fractions = fractionsOf(text);
   const part: p.EnvelopePart = { part: "quality", gas, pure: pureOf(mixture), curves: [], errors: [] };
   if (typeof fractions === "string") return { ...part, errors: [fractions] };
   for (const fraction of part.pure ? [] : fractions) {
-    const found = answerOf(kestrune, () => curveData(kestrune, mixture.envelope({ quality: fraction }).quality.get(fraction)!));
+    const found = answerOf(kestrune, () => curveData(kestrune, qualityCurve(mixture, fraction)));
     if (typeof found === "string") part.errors.push(`${texts.qualityLine(fraction)}: ${found}`);
     else part.curves.push(found);
   }
   return part;
 }
 
+/** What is wrong with T and P. */
+function fieldErrors(units: Units, { T, P }: State): [string, string] {
+  const above = (quantity: string, text: string) => units.toSi(quantity, numberOf(text)) > 0;
+  const wrong = (quantity: string, text: string, message: string) =>
+    Number.isNaN(numberOf(text)) ? texts.noNumber(text) : above(quantity, text) ? "" : message;
+  return [wrong("temperature", T, texts.belowZero(units.symbol("temperature"))), wrong("pressure", P, texts.noPressure)];
+}
+
 function pointOf(kestrune: Kestrune, mixture: Mixture, gas: number, state: State): p.PointPart {
   const [T, P] = [numberOf(state.T), numberOf(state.P)];
   const empty = { names: mixture.names, z: mixture.z, phases: [], overall: null, notes: [] };
-  const part: p.PointPart = { part: "point", gas, T, P, error: "", fieldErrors: ["", ""], ...empty };
-  const kelvin = Number.isNaN(T) ? NaN : mixture.units.toSi("temperature", T);
-  const pascal = Number.isNaN(P) ? NaN : mixture.units.toSi("pressure", P);
-  part.fieldErrors = [
-    Number.isNaN(T) ? texts.noNumber(state.T) : kelvin > 0 ? "" : texts.belowZero(mixture.units.symbol("temperature")),
-    Number.isNaN(P) ? texts.noNumber(state.P) : pascal > 0 ? "" : texts.noPressure,
-  ];
-  if (part.fieldErrors.some((text) => text !== "")) return part;
+  const part: p.PointPart = { part: "point", gas, T, P, error: "", ...empty };
   const found = answerOf(kestrune, () => mixture.report({ T, P }));
   return typeof found === "string" ? { ...part, error: found } : { ...part, ...found, part: "point" };
 }
@@ -142,7 +150,7 @@ function waterOf(kestrune: Kestrune, mixture: Mixture, gas: number, state: State
   const typed = state.waterAmount.trim();
   const water = numberOf(typed) / 1e6;
   if (typed !== "" && !(water > 0 && water < 1)) return { ...none, error: texts.noPpm, field: "waterAmount" };
-  const index = mixture.components.findIndex((c) => c.cas === "7732-18-5");
+  const index = mixture.components.findIndex((c) => c.cas === WATER);
   if (typed === "" && !(index >= 0 && mixture.z[index] > 0)) return { ...none, error: texts.noWater, field: "waterAmount" };
   const given = { P: pressuresOf(mixture, LOWEST, highest), method: state.method };
   const found = answerOf(kestrune, () => lineOf("water", gas, mixture.water.dew(typed === "" ? given : { ...given, water })));
@@ -187,7 +195,9 @@ export function* partsOf(session: Session, state: State): Generator<p.Part> {
   const units = kestrune.units(state.units);
   const [vacuum, onebar] = [0, 1e5].map((pascal) => units.fromSi("pressure", pascal));
   const symbols = Object.fromEntries(QUANTITIES.map((q) => [q, units.symbol(q)]));
-  yield { part: "units", gas: 0, symbols, bar: onebar - vacuum, vacuum };
+  const wrong = fieldErrors(units, state);
+  yield { part: "units", gas: 0, symbols, bar: onebar - vacuum, vacuum, fieldErrors: wrong };
+  const pointIsGood = wrong.every((text) => text === "");
   const good: { gas: number; mixture: Mixture; key: string; outline: p.EnvelopePart }[] = [];
   for (const index of state.gases.keys()) {
     const key = JSON.stringify([state.gases[index], state.set, state.zero, state.units, index]);
@@ -198,7 +208,7 @@ export function* partsOf(session: Session, state: State): Generator<p.Part> {
     yield outline;
     good.push({ gas: index, mixture, key, outline });
   }
-  for (const { gas, mixture } of good) yield pointOf(kestrune, mixture, gas, state);
+  if (pointIsGood) for (const { gas, mixture } of good) yield pointOf(kestrune, mixture, gas, state);
   for (const { gas, mixture, key, outline } of good) {
     const highest = highestOf(mixture, outline);
     if (state.quality.trim() !== "")
@@ -209,7 +219,7 @@ export function* partsOf(session: Session, state: State): Generator<p.Part> {
       yield session.remember(`water ${state.waterAmount} ${state.method} ${key}`, () => waterOf(kestrune, mixture, gas, state, highest));
   }
   for (const { gas, mixture, outline } of good) {
-    if (state.cut === "" || pointOf(kestrune, mixture, gas, state).fieldErrors.some((text) => text !== "")) continue;
+    if (state.cut === "" || !pointIsGood) continue;
     yield* cutOf(mixture, gas, state, rangeOfCut(mixture, outline, state, highestOf(mixture, outline)));
   }
 }

@@ -18,7 +18,7 @@ export interface ChartLine {
 export interface ChartMark {
   label: string;
   colour: string;
-  shape: "disc" | "square" | "triangle";
+  shape: "disc" | "square" | "triangle" | "point";
   x: number;
   y: number;
 }
@@ -51,6 +51,7 @@ const SHAPES = {
   disc: "M-5,0a5,5 0 1,0 10,0a5,5 0 1,0 -10,0Z",
   square: "M-4.5,-4.5h9v9h-9Z",
   triangle: "M0,-6L5.6,4.4H-5.6Z",
+  point: "M-13,0H-5A5,5 0 1,0 5,0H13M-5,0A5,5 0 1,1 5,0M0,-13V-5M0,5V13",
 };
 
 /** Entries of the legend in rows that fit. */
@@ -72,12 +73,18 @@ function rowsOf(spec: ChartSpec, width: number): (ChartLine | ChartMark)[][] {
   return rows.filter((row) => row.length > 0);
 }
 
+function drawMark(path: Selection<SVGPathElement, unknown, null, undefined>, mark: ChartMark, palette: Palette): void {
+  const open = mark.shape === "point";
+  path.attr("d", SHAPES[mark.shape]).attr("fill", open ? "none" : mark.colour);
+  path.attr("stroke", open ? mark.colour : palette.paper).attr("stroke-width", open ? 1.8 : 1.2);
+}
+
 function drawLegend(root: Group, rows: (ChartLine | ChartMark)[][], top: number, palette: Palette): void {
   rows.forEach((row, k) => {
     let x = 10;
     for (const entry of row) {
       const g = root.append("g").attr("transform", `translate(${x},${top + ROW * k})`);
-      if ("shape" in entry) g.append("path").attr("d", SHAPES[entry.shape]).attr("transform", "translate(12,0)").attr("fill", entry.colour);
+      if ("shape" in entry) drawMark(g.append("path").attr("transform", "translate(13,0)"), entry, palette);
       else
         g.append("path").attr("d", "M0,0H26").attr("stroke", entry.colour).attr("stroke-width", entry.width).attr("stroke-dasharray", entry.dash);
       g.append("text").attr("x", 32).attr("y", 4).attr("fill", palette.ink).text(entry.label);
@@ -89,7 +96,7 @@ function drawLegend(root: Group, rows: (ChartLine | ChartMark)[][], top: number,
 function drawAxes(root: Group, spec: ChartSpec, frame: Frame, palette: Palette): void {
   const [left, right] = frame.x.range();
   const [bottom, top] = frame.y.range();
-  const ticks = [Math.max(3, Math.round((right - left) / 90)), Math.max(3, Math.round((bottom - top) / 55))];
+  const ticks = [Math.max(3, Math.round((right - left) / 65)), Math.max(3, Math.round((bottom - top) / 55))];
   const place = (axis: Group) => {
     axis.attr("font-size", 12).attr("font-family", FONT);
     axis.selectAll("text").attr("fill", palette.faint);
@@ -133,8 +140,7 @@ export function drawChart(svg: SVGSVGElement, spec: ChartSpec, size: Size, palet
       .attr("stroke-linejoin", "round");
   }
   for (const mark of spec.marks)
-    inside.append("path").attr("d", SHAPES[mark.shape]).attr("transform", `translate(${frame.x(mark.x)},${frame.y(mark.y)})`)
-      .attr("fill", mark.colour).attr("stroke", palette.paper).attr("stroke-width", 1.2);
+    drawMark(inside.append("path").attr("transform", `translate(${frame.x(mark.x)},${frame.y(mark.y)})`), mark, palette);
   drawLegend(drawing, rows, bottom + 58, palette);
   return frame;
 }

@@ -31,6 +31,7 @@ export class Conditions {
     const f = (this.#fields = {
       T: textField(texts.T, set("T"), "decimal"),
       P: textField(texts.P, set("P"), "decimal"),
+      top: textField(texts.top, set("top"), "decimal"),
       system: choice(texts.units, systems, (name) => name === "own" ? this.update() : changeUnits(name)),
       units: [
         choice(texts.T, plain(TEMPERATURES), pick(0)),
@@ -49,10 +50,11 @@ export class Conditions {
       zero: tick(texts.zero, set("zero")),
     });
     this.element = h("div", {},
-      group(texts.point, f.T.box, f.P.box, f.cut.box),
+      group(texts.point, f.T.box, f.P.box, f.cut.box, f.top.box),
       group(texts.units, f.system.box, ...f.units.map((u) => u.box)),
       group(texts.curves, f.quality.box, f.hydrate.box, f.inhibitor.box, f.percent.box, f.water.box, f.waterAmount.box, f.method.box),
     );
+    f.top.input.placeholder = texts.topHint;
     this.model = group(texts.model, f.set.box, f.zero.box);
   }
 
@@ -60,7 +62,7 @@ export class Conditions {
     const { state } = this.store;
     const f = this.#fields;
     const units = unitsOf(state.units);
-    for (const key of ["T", "P", "quality", "percent", "waterAmount", "inhibitor", "method", "cut", "set"] as const)
+    for (const key of ["T", "P", "top", "quality", "percent", "waterAmount", "inhibitor", "method", "cut", "set"] as const)
       fill(f[key].input, state[key]);
     fill(f.system.input, SYSTEMS.includes(state.units) ? state.units : "own");
     units.forEach((unit, k) => fill(f.units[k].input, unit));
@@ -70,15 +72,13 @@ export class Conditions {
     for (const field of [f.inhibitor, f.percent]) field.box.hidden = !state.hydrate;
     for (const field of [f.waterAmount, f.method]) field.box.hidden = !state.water;
     f.percent.box.hidden ||= state.inhibitor === "";
-    f.T.wrong(Number.isNaN(numberOf(state.T)) ? texts.noNumber(state.T) : "");
-    f.P.wrong(Number.isNaN(numberOf(state.P)) ? texts.noNumber(state.P) : "");
+    f.top.wrong(state.top.trim() === "" || numberOf(state.top) > 0 ? "" : texts.noTop(state.top));
   }
 
   /** What the parts say of the fields. */
   show(known: Known): void {
     const f = this.#fields;
-    const [point] = known.all("point");
-    if (point !== undefined) [f.T, f.P].forEach((field, k) => field.wrong(point.fieldErrors[k]));
+    [f.T, f.P].forEach((field, k) => field.wrong(known.fieldErrors[k]));
     const [quality] = known.all("quality");
     f.quality.wrong(quality !== undefined && quality.curves.length === 0 ? (quality.errors[0] ?? "") : "");
     const [hydrate] = known.all("hydrate");

@@ -5,23 +5,18 @@ import type { Known } from "./known.ts";
 import { heading } from "./numbers.ts";
 import { LIGHT } from "./palette.ts";
 import { curvesOf, placesOf } from "./picture.ts";
-import type { Place } from "./protocol.ts";
 
 const SIZE: Size = { width: 960, height: 680 };
 const CUT: Size = { width: 960, height: 380 };
 const FINE = 2; // pixels of PNG for one of the picture
 
-/** Pictures one below the other, light on white, with the point in the first one. */
-export function svgOf(specs: ChartSpec[], point: Place | null): string {
+/** Pictures one below the other, on white. */
+export function svgOf(specs: ChartSpec[]): string {
   const heights = specs.map((_, k) => (k === 0 ? SIZE : CUT).height);
   const parts = specs.map((spec, k) => {
     const svg = document.createElementNS("http://www.w3.org/2000/svg", "svg");
     svg.id = `picture-${k}`;
-    const frame = drawChart(svg, spec, k === 0 ? SIZE : CUT, LIGHT);
-    if (k === 0 && point !== null)
-      svg.firstElementChild!.insertAdjacentHTML("beforeend", `<g transform="translate(${frame.x(point.T)},${frame.y(point.P)})">
-        <path d="M-13,0H13M0,-13V13" stroke="${LIGHT.point}" stroke-width="1.4"/>
-        <circle r="6" fill="#ffffff" stroke="${LIGHT.point}" stroke-width="2"/></g>`);
+    drawChart(svg, spec, k === 0 ? SIZE : CUT, LIGHT);
     svg.setAttribute("y", String(heights.slice(0, k).reduce((a, b) => a + b, 0)));
     return new XMLSerializer().serializeToString(svg);
   });

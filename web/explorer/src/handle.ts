@@ -1,8 +1,7 @@
-// The operating point in the picture: it is dragged, moved by arrow keys, or set by a click.
+// The grip of the operating point in the picture: it is dragged, moved by arrow keys, or set by a click.
 import { select } from "d3-selection";
 import type { Frame } from "./chart.ts";
 import { withUnit } from "./numbers.ts";
-import type { Palette } from "./palette.ts";
 import type { Place } from "./protocol.ts";
 import { texts } from "./texts.ts";
 
@@ -23,8 +22,6 @@ export class Handle {
     const group = (this.#group = select(svg).append("g"));
     group.attr("class", "handle").attr("tabindex", 0).attr("role", "slider").attr("aria-label", texts.pointLabel);
     group.append("circle").attr("class", "grip").attr("r", 22).attr("fill", "transparent");
-    group.append("path").attr("class", "cross").attr("d", "M-13,0H13M0,-13V13").attr("stroke-width", 1.4);
-    group.append("circle").attr("class", "dot").attr("r", 6).attr("stroke-width", 2);
     svg.addEventListener("pointerdown", (event) => {
       if (event.button !== 0 || !this.#at(event)) return;
       event.preventDefault();
@@ -80,14 +77,12 @@ export class Handle {
     this.moved({ T: step[0] === 0 ? this.#place.T : next.T, P: step[1] === 0 ? this.#place.P : next.P });
   }
 
-  show(frame: Frame, place: Place | null, symbols: Record<string, string>, palette: Palette): void {
+  show(frame: Frame, place: Place | null, symbols: Record<string, string>): void {
     this.#frame = frame;
     this.#place = place;
     const group = this.#group.attr("display", place === null ? "none" : null);
     if (place === null) return;
     group.attr("transform", `translate(${frame.x(place.T)},${frame.y(place.P)})`);
-    group.selectAll(".cross").attr("stroke", palette.point);
-    group.selectAll(".dot").attr("fill", palette.paper).attr("stroke", palette.point);
     const [low, high] = frame.x.domain();
     group.attr("aria-valuemin", low).attr("aria-valuemax", high).attr("aria-valuenow", place.T);
     group.attr("aria-valuetext", texts.placeOf(withUnit(place.T, symbols.temperature ?? ""), withUnit(place.P, symbols.pressure ?? "")));

@@ -9,13 +9,14 @@ export class Known {
   /** One bar, and no pressure at all, in the units shown. */
   bar = 1;
   vacuum = 0;
+  fieldErrors: [string, string] = ["", ""];
   #sent = new Set<string>();
 
   take(part: Part): void {
     if (part.part === "units") {
       const changed = JSON.stringify(this.symbols) !== JSON.stringify(part.symbols);
       if (changed) for (const [key, old] of this.parts) if (old.part !== "gas") this.parts.delete(key);
-      ({ symbols: this.symbols, bar: this.bar, vacuum: this.vacuum } = part);
+      ({ symbols: this.symbols, bar: this.bar, vacuum: this.vacuum, fieldErrors: this.fieldErrors } = part);
       return;
     }
     const key = part.part + part.gas;

@@ -103,7 +103,7 @@ function drawCuts(palette: Palette): void {
       cuts.append(picture);
     }
     picture.setAttribute("aria-label", spec.title);
-    drawChart(picture, spec, { width: Math.max(280, Math.floor(box.clientWidth / (box.clientWidth < 700 ? 1 : 3)) - 8), height: 260 }, palette);
+    drawChart(picture, spec, { width: Math.max(230, box.clientWidth < 700 ? box.clientWidth : Math.floor(box.clientWidth / 3) - 6), height: 260 }, palette);
   });
 }
 
@@ -112,14 +112,14 @@ function draw(): void {
   scheduled = 0;
   const palette = theme.dark ? DARK : LIGHT;
   known.gases = store.state.gases.length;
-  const spec = pictureOf(known, point(), palette);
+  const spec = pictureOf(known, point(), numberOf(store.state.top), palette);
   // While the point is dragged, the axes stay.
   if (handle.dragging && drawn !== null) [spec.x.range, spec.y.range] = [drawn.x.range, drawn.y.range];
   drawn = spec;
   const width = Math.max(300, box.clientWidth);
   const frame = drawChart(svg, spec, { width, height: Math.min(640, Math.max(400, 0.66 * width)) }, palette);
   svg.setAttribute("aria-label", texts.chartLabel(spec.x.title, spec.y.title));
-  handle.show(frame, point(), known.symbols, palette);
+  handle.show(frame, point(), known.symbols);
   drawCuts(palette);
   report.show(known);
   conditions.show(known);
@@ -146,11 +146,12 @@ async function pasted(text: string): Promise<void> {
 /** The point stays where it is: its numbers are those of the new units. */
 async function changeUnits(units: string): Promise<void> {
   const from = store.state.units;
-  const [T, P] = [numberOf(store.state.T), numberOf(store.state.P)];
-  const answer = await link.ask({ kind: "convert", from, to: units, T, P }, "converted").catch(() => null);
+  const { T, P, top } = store.state;
+  const question = { kind: "convert" as const, from, to: units, T: [numberOf(T)], P: [numberOf(P), numberOf(top)] };
+  const answer = await link.ask(question, "converted").catch(() => null);
+  if (answer === null || store.state.units !== from) return;
   const shownIn = (value: number, old: string) => (Number.isFinite(value) ? String(Number(value.toPrecision(9))) : old);
-  const { state } = store;
-  store.change({ units, T: shownIn(answer?.T ?? NaN, state.T), P: shownIn(answer?.P ?? NaN, state.P) }, "");
+  store.change({ units, T: shownIn(answer.T[0], T), P: shownIn(answer.P[0], P), top: shownIn(answer.P[1], top) }, "");
 }
 
 function showGas(): void {
@@ -159,7 +160,7 @@ function showGas(): void {
   table.show(part);
   definitions.show(part);
   say(whole, part.error);
-  say(stale, part.ok ? "" : texts.stale);
+  say(stale, part.ok || known.of("envelope", part.gas) === undefined ? "" : texts.stale);
   const off = part.notes.some((text) => text.includes("normalised"));
   say(sum, part.sum === null ? "" : `${texts.sum(shown(part.sum), off)}; ${texts.molarMass(shown(part.molarMass))}`);
 }
@@ -203,7 +204,7 @@ async function exported(kind: "svg" | "png" | "csv"): Promise<void> {
     save(name, new Blob([curvesCsv(known)], type));
     if (along !== "") save("kestrune-cut.csv", new Blob([along], type));
   } else {
-    const text = svgOf([pictureOf(known, point(), LIGHT), ...cutPictures(known, LIGHT)], point());
+    const text = svgOf([pictureOf(known, point(), numberOf(store.state.top), LIGHT), ...cutPictures(known, LIGHT)]);
     save(name, kind === "svg" ? new Blob([text], { type: "image/svg+xml" }) : await pngOf(text));
   }
   tell(texts.exported(name));

@@ -52,7 +52,7 @@ function boundaryLines(known: Known, part: LinePart, palette: Palette): ChartLin
   const colour = palette[part.part][part.gas];
   const dash = part.part === "hydrate" ? "14 3 3 3" : "5 2";
   return stretches(part).map(({ inside, x, y }) => ({
-    ...{ label: inside ? label : `${label}, ${texts.beyond.toLowerCase()}`, colour, width: inside ? 2 : 1.4 },
+    ...{ label: inside ? label : "", colour, width: inside ? 2 : 1.4 },
     ...{ dash: inside ? dash : "2 4", x, y },
   }));
 }
@@ -77,18 +77,25 @@ function marksOf(known: Known, part: EnvelopePart, palette: Palette): ChartMark[
   });
 }
 
-const OPEN_TOP = 400; // bar, of envelopes without a cricondenbar
-
-/** The highest pressure that is shown, as on the command line: a little above the cricondenbars. */
-function topOf(outlines: EnvelopePart[], lines: ChartLine[], bar: number): number {
-  const bars = outlines.map((part) => part.curves[0]?.cricondenbar).filter((place) => place != null);
-  if (bars.length > 0) return 1.12 * Math.max(...bars.map((place) => place.P));
-  const highest = Math.max(...lines.flatMap((l) => Array.from(l.y)), 0);
-  return Math.min(highest > 0 ? 1.05 * highest : Infinity, OPEN_TOP * bar);
+function pointMark(known: Known, { T, P }: Place, palette: Palette): ChartMark {
+  const { temperature = "", pressure = "" } = known.symbols;
+  const where = texts.placeOf(withUnit(T, temperature, 5), withUnit(P, pressure, 5));
+  return { label: `${texts.point} ${where}`, colour: palette.point, shape: "point", x: T, y: P };
 }
 
-/** The picture of what is known; the point is drawn over it by its own hand. */
-export function pictureOf(known: Known, point: Place | null, palette: Palette): ChartSpec {
+const OPEN_TOP = 400; // bar, of envelopes without a cricondenbar
+
+/** The highest pressure that suits, as on the command line: a little above the cricondenbar. */
+function topOf(outlines: EnvelopePart[], lines: ChartLine[], bar: number): number {
+  const highest = (all: Numbers[]) => all.reduce((top, values) => Math.max(top, ...values), 0);
+  const ofCurve = ({ cricondenbar, lines: own }: CurveData) =>
+    cricondenbar !== null ? 1.12 * cricondenbar.P : Math.min(1.05 * highest(own.map((l) => l.P)), OPEN_TOP * bar);
+  const tops = outlines.flatMap((part) => part.curves.map(ofCurve));
+  return tops.length > 0 ? Math.max(...tops) : Math.min(1.05 * highest(lines.map((l) => l.y)) || Infinity, OPEN_TOP * bar);
+}
+
+/** The picture of what is known. chosenTop: the highest pressure that was asked for, or NaN. */
+export function pictureOf(known: Known, point: Place | null, chosenTop: number, palette: Palette): ChartSpec {
   const outlines = known.all("envelope");
   const outline = outlines.flatMap((part) => outlineLines(known, part, palette));
   const over = [
@@ -96,10 +103,12 @@ export function pictureOf(known: Known, point: Place | null, palette: Palette): 
     ...[...known.all("hydrate"), ...known.all("water")].flatMap((part) => boundaryLines(known, part, palette)),
   ];
   const marks = outlines.flatMap((part) => marksOf(known, part, palette));
-  const top = Math.max(topOf(outlines, [...outline, ...over], known.bar), ...marks.map((m) => 1.05 * m.y), point ? 1.05 * point.P : -Infinity);
+  if (point !== null) marks.push(pointMark(known, point, palette));
+  const suits = Math.max(topOf(outlines, [...outline, ...over], known.bar), ...marks.map((m) => 1.05 * m.y));
+  const top = chosenTop > 0 ? chosenTop : suits;
   const main = [...outline.filter((l) => l.label.endsWith(texts.dew) || l.label.endsWith(texts.bubble) || l.label.endsWith(texts.vapourPressure)), ...over];
   const T = (main.length > 0 ? main : outline).flatMap((l) => Array.from(l.x).filter((_, k) => l.y[k] <= top));
-  const x = rangeOf([...T, ...marks.map((m) => m.x), ...(point ? [point.T] : [])]);
+  const x = rangeOf([...T, ...marks.filter((m) => m.y <= top).map((m) => m.x)]);
   const title = (what: string, quantity: string) => texts.withUnit(what, unitSymbol(known.symbols[quantity] ?? ""));
   return {
     ...{ title: texts.picture, lines: [...outline, ...over], marks, legend: true },

@@ -52,8 +52,6 @@ export interface PointPart {
   T: number;
   P: number;
   error: string;
-  /** Beside the field of T, and of P. */
-  fieldErrors: [string, string];
   names: readonly string[];
   z: readonly number[];
   phases: PhaseReport[];
@@ -92,6 +90,8 @@ export interface UnitsPart {
   /** One bar, and no pressure at all, in these units. */
   bar: number;
   vacuum: number;
+  /** Beside the fields of T and P. */
+  fieldErrors: [string, string];
 }
 export interface Parts {
   gas: GasPart;
@@ -121,12 +121,12 @@ export type Request =
   | { kind: "calculate"; job: number; state: State }
   | { kind: "find"; job: number; text: string }
   | { kind: "read"; job: number; text: string }
-  | { kind: "convert"; job: number; from: string; to: string; T: number; P: number };
+  | { kind: "convert"; job: number; from: string; to: string; T: number[]; P: number[] };
 export type Answer =
   | { kind: "ready"; version: string }
   | { kind: "part"; job: number; part: Part }
   | { kind: "done"; job: number }
   | { kind: "found"; job: number; found: Found[] }
   | { kind: "read"; job: number; read: Read | null; error: string }
-  | { kind: "converted"; job: number; T: number; P: number }
+  | { kind: "converted"; job: number; T: number[]; P: number[] }
   | { kind: "failed"; job: number; message: string };

@@ -7,10 +7,10 @@ import type { CurveData, PointPart } from "./protocol.ts";
 import { texts } from "./texts.ts";
 
 const cells = (tag: "th" | "td", list: string[], more = {}) => list.map((text) => h(tag, more, text));
-const headed = (name: string, values: string[]) =>
-  h("tr", {}, h("th", { scope: "row" }, name), ...cells("td", values, { class: "number" }));
+const headed = (name: string, values: string[], unit?: string) =>
+  h("tr", {}, h("th", { scope: "row" }, name), ...(unit === undefined ? [] : [h("td", { class: "unit" }, unitSymbol(unit))]), ...cells("td", values, { class: "number" }));
 const tableOf = (label: string, heads: string[], rows: HTMLElement[]) => {
-  const table = h("table", { "aria-label": label }, h("thead", {}, h("tr", {}, ...cells("th", heads, { scope: "col" }))), h("tbody", {}, ...rows));
+  const table = h("table", { "aria-label": label }, h("thead", {}, h("tr", {}, ...heads.map((text) => h("th", text === texts.unit ? { scope: "col", class: "left" } : { scope: "col" }, text)))), h("tbody", {}, ...rows));
   // Wide tables scroll by themselves, with the keyboard too.
   return h("div", { class: "scroll", tabindex: 0, role: "region", "aria-label": label }, table);
 };
@@ -21,13 +21,13 @@ const titleOf = (known: Known, gas: number, title: string) =>
 function phaseTable(known: Known, part: PointPart): HTMLElement {
   const several = part.phases.length > 1 && part.overall !== null;
   const columns = several ? [...part.phases, part.overall!] : part.phases;
-  const heads = [texts.phase, ...columns.map((c) => (c === part.overall ? texts.overall : c.name))];
-  const rows = [headed(texts.fractionOf, columns.map((c) => shown(c.fraction)))];
+  const heads = [texts.phase, texts.unit, ...columns.map((c) => (c === part.overall ? texts.overall : c.name))];
+  const rows = [headed(texts.fractionOf, columns.map((c) => shown(c.fraction)), "mol/mol")];
   for (const [key, [title, quantity]] of Object.entries(texts.properties)) {
     const values = columns.map((c) => c[key as "Z"]);
     if (values.every((v) => v === null)) continue;
     const unit = known.symbols[quantity] ?? quantity;
-    rows.push(headed(unit === "" ? title : texts.withUnit(title, unitSymbol(unit)), values.map((v) => shown(v))));
+    rows.push(headed(title, values.map((v) => shown(v)), unit));
   }
   return tableOf(titleOf(known, part.gas, texts.report), heads, rows);
 }
@@ -54,7 +54,8 @@ export function notesOf(known: Known): string[] {
   const said: string[] = [];
   const add = (gas: number, text: string) => text !== "" && said.push(titleOf(known, gas, text));
   const curve = (gas: number, name: string, { text, complete }: CurveData) => text !== "" && add(gas, texts.curveNote(name, text, complete));
-  for (const part of known.parts.values()) {
+  const parts = [...known.parts.values()].sort((a, b) => a.gas - b.gas);
+  for (const part of parts) {
     const { gas } = part;
     if (part.part === "gas") part.notes.forEach((text) => add(gas, text));
     if (part.part === "envelope" || part.part === "quality") {
@@ -87,8 +88,7 @@ export class Report {
     const section = (title: string, ...content: HTMLElement[]) => h("section", {}, h("h2", {}, title), ...content);
     this.element = h("div", { class: "report" },
       section(texts.report, this.#spoken, this.#phases),
-      section(texts.places, this.#places),
-      section(texts.notes, this.#notes),
+      h("div", {}, section(texts.places, this.#places), section(texts.notes, this.#notes)),
     );
   }
 
@@ -107,8 +107,9 @@ export class Report {
     const heads = [texts.place, texts.withUnit("T", unitSymbol(temperature ?? "")), texts.withUnit("P", pressure ?? "")];
     this.#places.replaceChildren(rows.length > 0 ? tableOf(texts.places, heads, rows) : texts.noPlaces);
     const notes = notesOf(known);
-    if (notes.join("\n") !== [...this.#notes.children].map((li) => li.textContent).join("\n"))
-      this.#notes.replaceChildren(...(notes.length > 0 ? notes : [texts.noNotes]).map((text) => h("li", {}, text)));
+    const shownNow = notes.length > 0 ? notes : [texts.noNotes];
+    if (shownNow.join("\n") !== [...this.#notes.children].map((li) => li.textContent).join("\n"))
+      this.#notes.replaceChildren(...shownNow.map((text) => h("li", {}, text)));
   }
 
   /** Read out once the state rests. */

@@ -27,6 +27,8 @@ export interface State {
   units: string;
   T: string;
   P: string;
+  /** Highest pressure of the picture; empty for one that suits. */
+  top: string;
   /** Vapour fractions of quality lines, "0.9 0.5". */
   quality: string;
   hydrate: boolean;
@@ -71,7 +73,7 @@ export function firstState(): State {
   const rows = [["methane", "85"], ["ethane", "9"], ["propane", "4"], ["n-butane", "2"]];
   return {
     gases: [{ ...emptyGas(), rows: rows.map(([name, amount]) => ({ name, amount })) }],
-    ...{ chosen: 0, set: "2022", zero: false, units: "engineering", T: "-60", P: "40", quality: "" },
+    ...{ chosen: 0, set: "2022", zero: false, units: "engineering", T: "-60", P: "40", top: "", quality: "" },
     ...{ hydrate: false, inhibitor: "", percent: "", water: false, waterAmount: "", method: "eos", cut: "" },
   };
 }
@@ -105,6 +107,7 @@ const FIELDS: { key: string; field: keyof State; valid?: (text: string) => boole
   { key: "units", field: "units", valid: isUnits },
   { key: "T", field: "T" },
   { key: "P", field: "P" },
+  { key: "top", field: "top" },
   { key: "set", field: "set", valid: (text) => text === "2022" || text === "original" },
   { key: "zero", field: "zero", flag: true },
   { key: "quality", field: "quality" },

@@ -9,6 +9,7 @@ import { texts } from "./texts.ts";
 
 interface Line {
   tr: HTMLTableRowElement;
+  below: HTMLTableRowElement;
   name: HTMLInputElement;
   amount: HTMLInputElement;
   share: HTMLElement;
@@ -73,8 +74,9 @@ export class Table {
     const list = suggest(name, this.spoken, this.find, taken, texts.found);
     const remove = button("\u00d7", () => this.#remove(k), { class: "plain" });
     const share = h("td", { class: "number" });
-    const cell = h("td", { class: "name" }, name, list, said);
-    return { tr: h("tr", {}, cell, h("td", {}, amount), share, h("td", {}, remove)), name, amount, share, said, remove };
+    const tr = h("tr", {}, h("td", { class: "name" }, name, list), h("td", {}, amount), share, h("td", {}, remove));
+    const below = h("tr", { hidden: true }, h("td", { colspan: 4 }, said));
+    return { tr, below, name, amount, share, said, remove };
   }
 
   #remove(k: number): void {
@@ -85,11 +87,15 @@ export class Table {
   /** As many rows as the state has, with its texts. */
   update(): void {
     const { rows } = this.store.gas;
-    while (this.#lines.length > rows.length) this.#lines.pop()!.tr.remove();
+    while (this.#lines.length > rows.length) {
+      const { tr, below } = this.#lines.pop()!;
+      tr.remove();
+      below.remove();
+    }
     while (this.#lines.length < rows.length) {
       const line = this.#line(this.#lines.length);
       this.#lines.push(line);
-      this.#body.append(line.tr);
+      this.#body.append(line.tr, line.below);
     }
     rows.forEach((row, k) => {
       const { name, amount, remove } = this.#lines[k];
@@ -101,9 +107,10 @@ export class Table {
 
   /** What was made of the rows. */
   show(part: GasPart): void {
-    this.#lines.forEach(({ name, amount, share, said }, k) => {
+    this.#lines.forEach(({ below, name, amount, share, said }, k) => {
       const wrong = part.rowErrors[k] ?? "";
       say(said, wrong || (part.rowHints[k] ?? ""));
+      below.hidden = said.textContent === "";
       said.className = wrong === "" ? "hint" : "wrong";
       for (const input of [name, amount]) input.setAttribute("aria-invalid", String(wrong !== ""));
       const fraction = part.shares[k] ?? null;

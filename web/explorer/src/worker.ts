@@ -49,8 +49,8 @@ async function answer(request: Request): Promise<void> {
   if (request.kind === "find") scope.postMessage({ kind: "found", job, found: foundOf(own.kestrune, request.text) });
   if (request.kind === "convert") {
     const [from, to] = [own.kestrune.units(request.from), own.kestrune.units(request.to)];
-    const T = to.fromSi("temperature", from.toSi("temperature", request.T));
-    const P = to.fromSi("pressure", from.toSi("pressure", request.P));
+    const T = request.T.map((v) => to.fromSi("temperature", from.toSi("temperature", v)));
+    const P = request.P.map((v) => to.fromSi("pressure", from.toSi("pressure", v)));
     scope.postMessage({ kind: "converted", job, T, P });
   }
   if (request.kind === "read") {
