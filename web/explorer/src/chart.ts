@@ -84,7 +84,7 @@ function drawLegend(root: Group, rows: (ChartLine | ChartMark)[][], top: number,
     let x = 10;
     for (const entry of row) {
       const g = root.append("g").attr("transform", `translate(${x},${top + ROW * k})`);
-      if ("shape" in entry) drawMark(g.append("path").attr("transform", "translate(13,0)"), entry, palette);
+      if ("shape" in entry) drawMark(g.append("path").attr("transform", "translate(13,0) scale(0.8)"), entry, palette);
       else
         g.append("path").attr("d", "M0,0H26").attr("stroke", entry.colour).attr("stroke-width", entry.width).attr("stroke-dasharray", entry.dash);
       g.append("text").attr("x", 32).attr("y", 4).attr("fill", palette.ink).text(entry.label);

@@ -33,14 +33,18 @@ export class History<S> {
     this.#time = now;
   }
 
+  /** What comes next is a step of its own. */
+  settle(): void {
+    this.#last = "";
+  }
   undo(): S {
     if (this.canUndo) --this.#at;
-    this.#last = "";
+    this.settle();
     return this.state;
   }
   redo(): S {
     if (this.canRedo) ++this.#at;
-    this.#last = "";
+    this.settle();
     return this.state;
   }
 }

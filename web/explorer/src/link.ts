@@ -9,8 +9,8 @@ export interface Listener {
   ready(version: string): void;
   part(part: Part): void;
   done(): void;
-  /** A calculation ended without an answer; the worker goes on. */
-  failed(message: string): void;
+  /** A calculation ended without an answer; the worker goes on. started: false where it never began. */
+  failed(message: string, started: boolean): void;
   tooLong(): void;
 }
 
@@ -19,6 +19,7 @@ export class Link {
   #job = 0;
   #calculating = 0;
   #timer = 0;
+  #ready = false;
   #waiting = new Map<number, (answer: Answer) => void>();
 
   constructor(
@@ -33,18 +34,21 @@ export class Link {
     const url = URL.createObjectURL(new Blob([this.source], { type: "text/javascript" }));
     this.#worker = new Worker(url);
     this.#worker.onmessage = ({ data }: MessageEvent<Answer>) => this.#hear(data);
-    this.#worker.onerror = (event) => this.listener.failed(event.message);
+    this.#worker.onerror = (event) => this.listener.failed(event.message, this.#ready);
     this.#worker.postMessage({ kind: "start", module: this.module } satisfies Request);
   }
 
   #hear(answer: Answer): void {
-    if (answer.kind === "ready") return this.listener.ready(answer.version);
+    if (answer.kind === "ready") {
+      this.#ready = true;
+      return this.listener.ready(answer.version);
+    }
     const waiting = this.#waiting.get(answer.job);
     if (waiting !== undefined) {
       this.#waiting.delete(answer.job);
       return waiting(answer);
     }
-    if (answer.kind === "failed") this.listener.failed(answer.message);
+    if (answer.kind === "failed") this.listener.failed(answer.message, this.#ready);
     if (answer.job !== this.#calculating) return;
     this.#watch(answer.kind === "part");
     if (answer.kind === "part") this.listener.part(answer.part);

@@ -42,11 +42,14 @@ const link = new Link(inline("worker"), inline("module"), {
   ready: (text) => say(version, texts.ready(text)),
   part: take,
   done: finish,
-  failed(text) {
-    tell(texts.restarted(text));
-  },
-  tooLong: () => tell(texts.tooLong),
+  failed: (text, started) => rest(started ? texts.restarted(text) : texts.failed(text)),
+  tooLong: () => rest(texts.tooLong),
 });
+
+function rest(text: string): void {
+  tell(text);
+  document.documentElement.dataset.state = "done";
+}
 
 function calculate(): void {
   known.begin();
@@ -275,5 +278,6 @@ store.onChange(update);
 update();
 tellStrange(read.strange);
 addEventListener("keydown", keys);
+addEventListener("focusout", () => store.settle());
 addEventListener("hashchange", addressChanged);
 addEventListener("resize", soon);

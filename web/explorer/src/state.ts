@@ -56,7 +56,7 @@ const LONGEST = 400;
 
 /** Temperature, pressure and energy of a unit system. */
 export const unitsOf = (name: string): [string, string, string] =>
-  PRESETS[name] ?? (name.split(",") as [string, string, string]);
+  [...(PRESETS[name] ?? name.split(","))] as [string, string, string];
 
 /** The name of the system of these units: a preset where one has them all. */
 export const unitsNamed = (T: string, P: string, energy: string): string =>

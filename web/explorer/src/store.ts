@@ -33,6 +33,10 @@ export class Store {
     const gases = this.state.gases.map((gas, k) => (k === this.state.chosen ? { ...gas, ...next } : gas));
     this.change({ gases }, what && `${what} ${this.state.chosen}`);
   }
+  /** What is changed from now on is a step of its own. */
+  settle(): void {
+    this.#history.settle();
+  }
   undo(): void {
     this.#history.undo();
     this.#tell();

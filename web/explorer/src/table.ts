@@ -65,7 +65,9 @@ export class Table {
     };
     const [name, amount] = [field(texts.nameOf(k + 1), "name"), field(texts.amountOf(k + 1), "amount")];
     amount.inputMode = "decimal";
-    amount.onkeydown = (event) => event.key === "Enter" && k + 1 === this.store.gas.rows.length && this.add();
+    amount.onkeydown = (event) => {
+      if (event.key === "Enter" && k + 1 === this.store.gas.rows.length) this.add();
+    };
     const taken = (text: string) => {
       name.value = text;
       this.#edit(k, "name", text);

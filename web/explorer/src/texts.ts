@@ -6,7 +6,6 @@ export const texts = {
   title: "Kestrune explorer",
   subtitle: "Phase behaviour of a gas by PPR78, calculated in this page",
   loading: "Loading the library ...",
-  noScript: "The page calculates in the browser: it needs JavaScript and WebAssembly.",
   failed: (message: string) => `The library could not be loaded: ${message}`,
   restarted: (message: string) => `A calculation stopped (${message}); the library was started anew.`,
   tooLong: "A calculation took too long and was stopped; the library was started anew.",
