@@ -60,11 +60,13 @@ function answerOf<V>(kestrune: Kestrune, make: () => V): V | string {
 
 const pureOf = (mixture: Mixture) => mixture.z.filter((v) => v > 0).length === 1;
 
+const waterIn = (mixture: Mixture) => mixture.z[mixture.components.findIndex((c) => c.cas === WATER)] ?? 0;
+
 function outlineOf(kestrune: Kestrune, mixture: Mixture, gas: number): p.EnvelopePart {
   const found = answerOf(kestrune, () => curveData(kestrune, mixture.envelope({ points: CURVE_POINTS }).curve));
   const part = { part: "envelope" as const, gas, pure: pureOf(mixture) };
-  const water = mixture.components.some((c, k) => c.cas === WATER && mixture.z[k] > 0);
-  const errors = water ? [texts.waterInCurve] : [];
+  const water = waterIn(mixture) > 0;
+  const errors = water && !part.pure ? [texts.waterInCurve] : [];
   return typeof found === "string" ? { ...part, curves: [], errors: [found, ...errors] } : { ...part, curves: [found], errors };
 }
 
@@ -150,21 +152,22 @@ function waterOf(kestrune: Kestrune, mixture: Mixture, gas: number, state: State
   const typed = state.waterAmount.trim();
   const water = numberOf(typed) / 1e6;
   if (typed !== "" && !(water > 0 && water < 1)) return { ...none, error: texts.noPpm, field: "waterAmount" };
-  const index = mixture.components.findIndex((c) => c.cas === WATER);
-  if (typed === "" && !(index >= 0 && mixture.z[index] > 0)) return { ...none, error: texts.noWater, field: "waterAmount" };
+  const own = waterIn(mixture);
+  if (own === 1) return { ...none, error: texts.onlyWater };
+  if (typed === "" && own === 0) return { ...none, error: texts.noWater, field: "waterAmount" };
   const given = { P: pressuresOf(mixture, LOWEST, highest), method: state.method };
   const found = answerOf(kestrune, () => lineOf("water", gas, mixture.water.dew(typed === "" ? given : { ...given, water })));
   return typeof found === "string" ? { ...none, error: found } : found;
 }
 
-/** Ends of a cut in the units of the mixture: of an isotherm from 1 atm up, of an isobar across the envelope. */
-function rangeOfCut(mixture: Mixture, outline: p.EnvelopePart, state: State, highest: number): [number, number] {
-  const { units } = mixture;
+/** Ends of a cut: of an isotherm from 1 atm up, of an isobar across the envelopes. */
+function rangeOfCut(units: Units, outlines: p.EnvelopePart[], state: State, highest: number): [number, number] {
   if (state.cut === "T") {
     const ends = [LOWEST, Math.max(highest, 1.1 * units.toSi("pressure", numberOf(state.P)))];
     return ends.map((v) => units.fromSi("pressure", v)) as [number, number];
   }
-  const all = outline.curves.flatMap((c) => c.lines.filter((l) => l.kind === "dew" || l.kind === "bubble").flatMap((l) => [...l.T]));
+  const curves = outlines.flatMap((outline) => outline.curves);
+  const all = curves.flatMap((c) => c.lines.filter((l) => l.kind === "dew" || l.kind === "bubble").flatMap((l) => [...l.T]));
   const kelvin = [...all, numberOf(state.T)].map((v) => units.toSi("temperature", v));
   const [low, high] = [kelvin.reduce((a, b) => Math.min(a, b)), kelvin.reduce((a, b) => Math.max(a, b))];
   return [Math.max(low - 10, 60), high + 20].map((v) => units.fromSi("temperature", v)) as [number, number];
@@ -218,8 +221,8 @@ export function* partsOf(session: Session, state: State): Generator<p.Part> {
     if (state.water)
       yield session.remember(`water ${state.waterAmount} ${state.method} ${key}`, () => waterOf(kestrune, mixture, gas, state, highest));
   }
-  for (const { gas, mixture, outline } of good) {
-    if (state.cut === "" || !pointIsGood) continue;
-    yield* cutOf(mixture, gas, state, rangeOfCut(mixture, outline, state, highestOf(mixture, outline)));
-  }
+  if (state.cut === "" || !pointIsGood || good.length === 0) return;
+  const highest = Math.max(...good.map(({ mixture, outline }) => highestOf(mixture, outline)));
+  const range = rangeOfCut(units, good.map(({ outline }) => outline), state, highest);
+  for (const { gas, mixture } of good) yield* cutOf(mixture, gas, state, range);
 }

@@ -7,6 +7,7 @@ import type { Store } from "./store.ts";
 import { texts } from "./texts.ts";
 
 const plain = (names: string[]) => names.map((name): [string, string] => [name, unitSymbol(name)]);
+const wide = (box: HTMLElement) => (box.classList.add("wide"), box);
 const group = (title: string, ...fields: (HTMLElement | string)[]) =>
   h("fieldset", {}, h("legend", {}, title), h("div", { class: "fields" }, ...fields));
 
@@ -52,7 +53,7 @@ export class Conditions {
     this.element = h("div", {},
       group(texts.point, f.T.box, f.P.box, f.cut.box, f.top.box),
       group(texts.units, f.system.box, ...f.units.map((u) => u.box)),
-      group(texts.curves, f.quality.box, f.hydrate.box, f.inhibitor.box, f.percent.box, f.water.box, f.waterAmount.box, f.method.box),
+      group(texts.curves, wide(f.quality.box), f.hydrate.box, f.inhibitor.box, f.percent.box, f.water.box, f.waterAmount.box, f.method.box),
     );
     f.top.input.placeholder = texts.topHint;
     this.model = group(texts.model, f.set.box, f.zero.box);

@@ -42,7 +42,9 @@ function compositionTable(known: Known, part: PointPart, open: boolean): HTMLEle
 /** "At -60 C and 40 bar: vapour 78.3 mol %, liquid 21.7 mol %" */
 export function spokenOf(known: Known): string {
   const { temperature, pressure } = known.symbols;
-  return known.all("point").map((part) => {
+  const points = known.all("point");
+  if (points.length === 0) return texts.noPhases;
+  return points.map((part) => {
     const phases = part.phases.map((c) => texts.phaseSpoken(c.name, shown(100 * c.fraction, 4)));
     const text = phases.length > 0 ? phases.join(", ") : part.error || texts.noPhases;
     return titleOf(known, part.gas, texts.spoken(withUnit(part.T, temperature), withUnit(part.P, pressure), text));

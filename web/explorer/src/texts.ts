@@ -90,6 +90,7 @@ export const texts = {
   waterAmount: "Water, ppm by mole (empty: of the gas)",
   noPpm: "Water is above 0 and below 1000000 ppm.",
   noWater: "There is no water in the gas: type its ppm.",
+  onlyWater: "There is nothing but water.",
   method: "Method",
   methods: { eos: "equation of state", chart: "chart" },
   cut: "Cut through the point",
