@@ -14,6 +14,7 @@ const WATER = "7732-18-5"; // CAS number
 const CURVE_POINTS = 240;
 const CUT_POINTS = 97;
 const CUT_CHUNK = 16;
+const CORNER_POINTS = 10;
 const LINE_POINTS = 41;
 const REMEMBERED = 40;
 
@@ -173,23 +174,36 @@ function rangeOfCut(units: Units, outlines: p.EnvelopePart[], state: State, high
   return [Math.max(low - 10, 60), high + 20].map((v) => units.fromSi("temperature", v)) as [number, number];
 }
 
+const evenly = (from: number, to: number, count: number) =>
+  Array.from({ length: count }, (_, k) => from + ((to - from) * k) / (count - 1));
+
+type CutRow = { x: number; beta: number; density: number; enthalpy: number };
+
+/** Points between two neighbours of which one has one phase and the other two: there the curves have a corner. */
+function betweenPhases(rows: CutRow[]): number[] {
+  const kind = ({ beta }: CutRow) => (beta > 0 && beta < 1 ? "two" : beta);
+  const apart = rows.slice(1).flatMap((row, k) => (kind(row) === kind(rows[k]) ? [] : [[rows[k].x, row.x]]));
+  return apart.slice(0, 8).flatMap(([from, to]) => evenly(from, to, CORNER_POINTS + 2).slice(1, -1));
+}
+
+/** The rows as they come, some at a time, then more of them at corners. */
 function* cutOf(mixture: Mixture, gas: number, state: State, range: [number, number]): Generator<p.CutPart> {
   const along = state.cut === "T" ? "P" : "T";
   const at = numberOf(state.cut === "T" ? state.T : state.P);
-  const x = Float64Array.from({ length: CUT_POINTS }, (_, k) => range[0] + ((range[1] - range[0]) * k) / (CUT_POINTS - 1));
-  const columns = { beta: new Float64Array(CUT_POINTS), density: new Float64Array(CUT_POINTS), enthalpy: new Float64Array(CUT_POINTS) };
-  for (const values of Object.values(columns)) values.fill(NaN);
-  for (let first = 0; first < CUT_POINTS; first += CUT_CHUNK) {
-    const some = x.subarray(first, first + CUT_CHUNK);
-    const here = new Float64Array(some.length).fill(at);
-    const states = mixture.flash(along === "P" ? { T: here, P: some } : { T: some, P: here });
-    columns.beta.set(states.beta, first);
-    columns.density.set(states.density, first);
-    columns.enthalpy.set(states.enthalpy, first);
-    const done = Math.min(first + CUT_CHUNK, CUT_POINTS);
-    const missing = columns.beta.subarray(0, done).filter(Number.isNaN).length;
-    yield { part: "cut", gas, along, at, x, ...columns, missing };
-  }
+  let rows: CutRow[] = [];
+  const part = (): p.CutPart => {
+    const [x, beta, density, enthalpy] = (["x", "beta", "density", "enthalpy"] as const).map((key) => rows.map((row) => row[key]));
+    return { part: "cut", gas, along, at, x, beta, density, enthalpy, missing: beta.filter(Number.isNaN).length };
+  };
+  for (const points of [() => evenly(...range, CUT_POINTS), () => betweenPhases(rows)])
+    for (let rest = points(); rest.length > 0; rest = rest.slice(CUT_CHUNK)) {
+      const some = rest.slice(0, CUT_CHUNK);
+      const here = some.map(() => at);
+      const { beta, density, enthalpy } = mixture.flash(along === "P" ? { T: here, P: some } : { T: some, P: here });
+      rows = [...rows, ...some.map((x, k) => ({ x, beta: beta[k], density: density[k], enthalpy: enthalpy[k] }))];
+      rows.sort((a, b) => a.x - b.x);
+      yield part();
+    }
 }
 
 /** All parts of a state, what one looks at first before the rest. Between two of them the worker may drop the rest. */

@@ -18,8 +18,11 @@ export function cutPictures(known: Known, palette: Palette): ChartSpec[] {
   if (cuts.length === 0) return [];
   const [{ along, at }] = cuts;
   const { temperature, pressure } = known.symbols;
-  const title = along === "P" ? texts.isotherm(withUnit(at, temperature)) : texts.isobar(withUnit(at, pressure));
-  const xTitle = along === "P" ? texts.withUnit(texts.P, pressure) : texts.withUnit(texts.T, unitSymbol(temperature));
+  const isotherm = along === "P";
+  const title = isotherm ? texts.isotherm(withUnit(at, temperature)) : texts.isobar(withUnit(at, pressure));
+  const xTitle = isotherm
+    ? texts.at(texts.withUnit(texts.P, pressure), withUnit(at, temperature))
+    : texts.at(texts.withUnit(texts.T, unitSymbol(temperature)), withUnit(at, pressure));
   return CUT_COLUMNS.map(({ key, title: what, quantity }) => {
     const unit = known.symbols[quantity] ?? "";
     const yTitle = unit === "" ? what : texts.withUnit(what, unit);

@@ -270,7 +270,9 @@ function build(): void {
   const gas = h("section", { class: "gas", "aria-label": texts.composition },
     h("h2", {}, texts.composition), tabs, basis.box, table.element, whole, sum, stale, pasteBox(), definitions.element, conditions.model);
   const view = h("section", { class: "view", "aria-label": texts.picture }, h("h2", {}, texts.picture), box, cuts);
-  document.body.replaceChildren(head, message, h("main", {}, gas, view, h("section", { class: "conditions", "aria-label": texts.point }, conditions.element), report.element), spoken);
+  const left = h("div", { class: "left" }, gas, h("section", { class: "conditions", "aria-label": texts.point }, conditions.element));
+  const right = h("div", { class: "right" }, view, report.element);
+  document.body.replaceChildren(head, message, h("main", {}, left, right), spoken);
 }
 
 build();

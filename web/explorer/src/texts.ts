@@ -153,6 +153,7 @@ export const texts = {
   vapourFraction: "Vapour fraction, mol",
   density: "Density",
   enthalpy: "Enthalpy H",
+  at: (axis: string, where: string) => `${axis} (at ${where})`,
   isotherm: (T: string) => `Isotherm at ${T}`,
   isobar: (P: string) => `Isobar at ${P}`,
 
