@@ -70,7 +70,7 @@ test("the point is dragged and moved by arrow keys; the tables follow", async ()
     const rows = await rowsOf(page, '[aria-label="At the operating point"]');
     for (const [name, key] of [["Fraction", "fraction"], ["Density", "density"], ["Enthalpy H", "enthalpy"]])
       assert.deepEqual(rows.find((row) => row[0] === name).slice(2, 2 + phases.length).map(Number), phases.map((p) => Number(digits(p[key]))), name);
-    assert.ok((await text(page, ".spoken")).startsWith(`At ${T} \u00b0C and ${P} bar: ${phases[0].name}`));
+    assert.ok((await text(page, ".summary")).startsWith(`At ${T} \u00b0C and ${P} bar: ${phases[0].name}`));
     return { T, P };
   };
   const first = await check();
@@ -88,6 +88,7 @@ test("the point is dragged and moved by arrow keys; the tables follow", async ()
   await page.keyboard.press("ArrowDown");
   await page.keyboard.up("Shift");
   const moved = await check();
+  await page.waitForFunction((words) => document.querySelector(".unseen").textContent === words, {}, await text(page, ".summary")); // read out
   assert.ok(moved.T < dragged.T && moved.P < dragged.P);
   await press(page, "Undo");
   await press(page, "Undo");
@@ -228,5 +229,26 @@ test("exports: every curve to the last digit, pictures that stand for themselves
   const png = await download(page, "Export PNG", "kestrune.png");
   assert.deepEqual([...png.subarray(1, 4)].map((c) => String.fromCharCode(c)).join(""), "PNG");
   assert.deepEqual([png.readUInt32BE(16), png.readUInt32BE(20)], [1920, 2 * (680 + 3 * 380)]);
+  await page.close();
+});
+
+test("a trap inside the module is said, and the page goes on", async () => {
+  const page = await open(`${RICH}&T=-60&P=40`);
+  const before = await text(page, ".summary");
+  await page.workers()[0].evaluate(() => {
+    const { get } = Object.getOwnPropertyDescriptor(WebAssembly.Instance.prototype, "exports");
+    let once = 1;
+    Object.defineProperty(WebAssembly.Instance.prototype, "exports", {
+      get() {
+        const exports = get.call(this);
+        const kw_report = (...words) => (once-- > 0 ? exports.no_such_function() : exports.kw_report(...words));
+        return { ...exports, kw_report };
+      },
+    });
+  });
+  await type(page, "Temperature, \u00b0C", "5");
+  assert.match(await message(page), /A calculation stopped .* started anew/);
+  await type(page, "Temperature, \u00b0C", "-60");
+  assert.equal(await text(page, ".summary"), before);
   await page.close();
 });

@@ -23,12 +23,17 @@ export class Handle {
     group.attr("class", "handle").attr("tabindex", 0).attr("role", "slider").attr("aria-label", texts.pointLabel);
     group.append("circle").attr("class", "grip").attr("r", 22).attr("fill", "transparent");
     svg.addEventListener("pointerdown", (event) => {
-      if (event.button !== 0 || !this.#at(event)) return;
+      const onGrip = group.node()!.contains(event.target as Node);
+      // A finger beside the grip may be about to scroll; if it only taps, a click follows.
+      if (event.button !== 0 || !this.#at(event) || (event.pointerType === "touch" && !onGrip)) return;
       event.preventDefault();
       this.dragging = true;
       svg.setPointerCapture(event.pointerId);
       group.node()!.focus({ preventScroll: true });
       this.#move(event);
+    });
+    svg.addEventListener("click", (event) => {
+      if ((event as PointerEvent).pointerType === "touch") this.#move(event as PointerEvent);
     });
     svg.addEventListener("pointermove", (event) => this.dragging && this.#move(event));
     for (const name of ["pointerup", "pointercancel"] as const)

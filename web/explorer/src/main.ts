@@ -12,7 +12,7 @@ import { shown } from "./numbers.ts";
 import { DARK, LIGHT, type Palette } from "./palette.ts";
 import { pictureOf } from "./picture.ts";
 import type { Part, Place } from "./protocol.ts";
-import { Report } from "./report.ts";
+import { Report, spokenOf } from "./report.ts";
 import { addressOf, numberOf, stateOf } from "./state.ts";
 import { Store } from "./store.ts";
 import { Table } from "./table.ts";
@@ -20,6 +20,7 @@ import { texts } from "./texts.ts";
 import { Theme } from "./theme.ts";
 
 const inline = (id: string) => document.getElementById(id)!.textContent!;
+const REST = 500; // ms without a change, after which the point is read out
 const read = stateOf(location.hash);
 const store = new Store(read.state);
 const known = new Known();
@@ -62,10 +63,13 @@ function take(part: Part): void {
   soon();
 }
 
+let speaking = 0;
+
 function finish(): void {
   known.finish(store.state.gases.length);
-  report.speak(known);
   draw();
+  clearTimeout(speaking);
+  speaking = window.setTimeout(() => say(spoken, spokenOf(known)), REST);
   document.documentElement.dataset.state = "done";
 }
 
@@ -172,7 +176,7 @@ const tabs = h("div", { class: "row", role: "group", "aria-label": texts.composi
 function showTabs(): void {
   const { gases, chosen } = store.state;
   const tab = (k: number) => button(texts.gasName(k), () => store.change({ chosen: k }, ""), { "aria-pressed": String(k === chosen) });
-  const compare = button(texts.compare, () => store.change({ gases: [gases[0], structuredClone(gases[0])], chosen: 1 }, ""));
+  const compare = button(texts.compare, () => store.change({ gases: [gases[0], gases[0]], chosen: 1 }, ""));
   const remove = button(texts.removeGas, () => store.change({ gases: [gases[0]], chosen: 0 }, ""));
   const key = `${gases.length} ${chosen}`;
   if (tabs.dataset.key === key) return;

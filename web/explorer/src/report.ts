@@ -84,17 +84,18 @@ export class Report {
   #phases = h("div");
   #places = h("div");
   #notes = h("ul", { class: "notes" });
-  #spoken = h("p", { role: "status", class: "spoken" });
+  #summary = h("p", { class: "summary" });
 
   constructor() {
     const section = (title: string, ...content: HTMLElement[]) => h("section", {}, h("h2", {}, title), ...content);
     this.element = h("div", { class: "report" },
-      section(texts.report, this.#spoken, this.#phases),
+      section(texts.report, this.#summary, this.#phases),
       h("div", {}, section(texts.places, this.#places), section(texts.notes, this.#notes)),
     );
   }
 
   show(known: Known): void {
+    say(this.#summary, spokenOf(known));
     const points = known.all("point").filter((part) => part.phases.length > 0);
     const open = [...this.#phases.querySelectorAll("details")].map((d) => d.open);
     this.#phases.replaceChildren(...points.flatMap((part, k) => [
@@ -114,8 +115,4 @@ export class Report {
       this.#notes.replaceChildren(...shownNow.map((text) => h("li", {}, text)));
   }
 
-  /** Read out once the state rests. */
-  speak(known: Known): void {
-    say(this.#spoken, spokenOf(known));
-  }
 }

@@ -78,10 +78,13 @@ export function firstState(): State {
   };
 }
 
+const LARGEST = 1e30; // more is a slip of the keyboard, and no axis has room for it
+
 /** A number as people write it, with a decimal comma too; NaN for anything else. */
 export function numberOf(text: string): number {
   const plain = text.trim().replace(/^([-+]?\d*),(\d+)/, "$1.$2").replace("\u2212", "-");
-  return /^[-+]?(\d+\.?\d*|\.\d+)(e[-+]?\d+)?$/i.test(plain) ? Number(plain) : NaN;
+  const value = /^[-+]?(\d+\.?\d*|\.\d+)(e[-+]?\d+)?$/i.test(plain) ? Number(plain) : NaN;
+  return Math.abs(value) <= LARGEST ? value : NaN;
 }
 
 // In a list ";" parts the entries and ":" the parts of an entry; where they are meant as such they are "~" and two digits.

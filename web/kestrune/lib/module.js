@@ -214,7 +214,7 @@ export class Module {
         const written = this.raw(name, ...args, at, size);
         return [written, this.textAt(at)];
       });
-      if (length < 0) throw refusal(text);
+      if (length < 0) throw refusal(text.slice(0, ERROR_SIZE));
       if (length < size) return text;
       size = length + 1;
       this.#room = Math.max(this.#room, Math.min(size, SCRATCH / 4));
