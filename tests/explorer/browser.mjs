@@ -46,7 +46,11 @@ const fieldOf = (page, label) =>
   }, label);
 export const value = async (page, label) => (await fieldOf(page, label)).evaluate((element) => element.value);
 export const shows = (page, label) =>
-  page.waitForFunction((name) => [...document.querySelectorAll("label")].some((l) => l.textContent === name), { polling: 20 }, label);
+  page.waitForFunction(
+    (name) => [...document.querySelectorAll("label")].some((l) => l.textContent === name),
+    { polling: 20 },
+    label,
+  );
 export const rowsOf = (page, selector) =>
   page.$$eval(`${selector} tbody tr`, (rows) => rows.map((row) => [...row.children].map((cell) => cell.textContent)));
 
@@ -63,12 +67,19 @@ export async function type(page, label, words) {
 }
 
 export async function press(page, label) {
-  await page.$$eval("button", (all, name) => all.find((b) => [b.textContent, b.getAttribute("aria-label")].includes(name)).click(), label);
+  await page.$$eval(
+    "button",
+    (all, name) => all.find((b) => [b.textContent, b.getAttribute("aria-label")].includes(name)).click(),
+    label,
+  );
   await rested(page);
 }
 
 export async function choose(page, label, option) {
-  const field = await page.evaluateHandle((name) => [...document.querySelectorAll("select")].find((s) => s.labels[0].textContent === name), label);
+  const field = await page.evaluateHandle(
+    (name) => [...document.querySelectorAll("select")].find((s) => s.labels[0].textContent === name),
+    label,
+  );
   await field.select(option);
   await rested(page);
 }

@@ -13,7 +13,11 @@ const digits = (number) => number.toPrecision(6);
 const address = (page) => page.evaluate(() => location.hash);
 const message = (page) => text(page, ".message");
 const outline = (page) => page.$$eval("#envelope .curve", (paths) => paths.map((path) => path.getAttribute("d")));
-const csvRows = (file) => String(file).trim().split("\n").map((line) => line.split(","));
+const csvRows = (file) =>
+  String(file)
+    .trim()
+    .split("\n")
+    .map((line) => line.split(","));
 
 test("the first picture: one file, small and soon", async () => {
   const size = gzipSync(readFileSync(process.env.KESTRUNE_PAGE), { level: 9 }).length;
@@ -36,16 +40,33 @@ test("a gas is typed with the keyboard, and has the library's extremes", async (
   for (const [k, [name, amount]] of Object.entries(GAS).entries()) {
     await press(page, "Add a component");
     await page.keyboard.type(name.slice(0, 5));
-    await page.waitForFunction((n) => document.querySelector(`[aria-label="Component ${n}"]`).getAttribute("aria-expanded") === "true", {}, k + 1);
-    while ((await page.$eval(".suggestions:not([hidden]) [aria-selected=true]", (li) => li.firstChild.data).catch(() => "")) !== name)
+    await page.waitForFunction(
+      (n) => document.querySelector(`[aria-label="Component ${n}"]`).getAttribute("aria-expanded") === "true",
+      {},
+      k + 1,
+    );
+    while (
+      (await page
+        .$eval(".suggestions:not([hidden]) [aria-selected=true]", (li) => li.firstChild.data)
+        .catch(() => "")) !== name
+    )
       await page.keyboard.press("ArrowDown");
     await page.keyboard.press("Enter");
     await page.keyboard.type(String(amount));
     await rested(page);
   }
-  const { cricondentherm, cricondenbar, critical } = kestrune.mixture(GAS, { units: "engineering" }).envelope({ points: 240 });
-  const wanted = [["Critical point", critical[0]], ["Cricondentherm", cricondentherm], ["Cricondenbar", cricondenbar]];
-  assert.deepEqual(await rowsOf(page, '[aria-label="Cardinal points"]'), wanted.map(([name, { T, P }]) => [name, digits(T), digits(P)]));
+  const { cricondentherm, cricondenbar, critical } = kestrune
+    .mixture(GAS, { units: "engineering" })
+    .envelope({ points: 240 });
+  const wanted = [
+    ["Critical point", critical[0]],
+    ["Cricondentherm", cricondentherm],
+    ["Cricondenbar", cricondenbar],
+  ];
+  assert.deepEqual(
+    await rowsOf(page, '[aria-label="Cardinal points"]'),
+    wanted.map(([name, { T, P }]) => [name, digits(T), digits(P)]),
+  );
   await new Promise((done) => setTimeout(done, 400));
   assert.equal(await address(page), `#${RICH}&T=-60&P=40`);
   await page.close();
@@ -53,9 +74,18 @@ test("a gas is typed with the keyboard, and has the library's extremes", async (
 
 test("components are found by name, formula, short form and CAS number", async () => {
   const page = await open("a=:1");
-  for (const [typed, name] of [["C3H8", "propane"], ["74-84-0", "ethane"], ["nC4", "n-butane"], ["hydrogen sul", "hydrogen sulfide"]]) {
+  for (const [typed, name] of [
+    ["C3H8", "propane"],
+    ["74-84-0", "ethane"],
+    ["nC4", "n-butane"],
+    ["hydrogen sul", "hydrogen sulfide"],
+  ]) {
     await type(page, "Component 1", typed);
-    await page.waitForFunction((wanted) => document.querySelector(".suggestions li")?.firstChild.data === wanted, { timeout: 3000 }, name);
+    await page.waitForFunction(
+      (wanted) => document.querySelector(".suggestions li")?.firstChild.data === wanted,
+      { timeout: 3000 },
+      name,
+    );
   }
   await page.close();
 });
@@ -68,8 +98,19 @@ test("the point is dragged and moved by arrow keys; the tables follow", async ()
     const [T, P] = [Number(await value(page, "Temperature, \u00b0C")), Number(await value(page, "Pressure, bar"))];
     const { phases } = gas.report({ T, P });
     const rows = await rowsOf(page, '[aria-label="At the operating point"]');
-    for (const [name, key] of [["Fraction", "fraction"], ["Density", "density"], ["Enthalpy H", "enthalpy"]])
-      assert.deepEqual(rows.find((row) => row[0] === name).slice(2, 2 + phases.length).map(Number), phases.map((p) => Number(digits(p[key]))), name);
+    for (const [name, key] of [
+      ["Fraction", "fraction"],
+      ["Density", "density"],
+      ["Enthalpy H", "enthalpy"],
+    ])
+      assert.deepEqual(
+        rows
+          .find((row) => row[0] === name)
+          .slice(2, 2 + phases.length)
+          .map(Number),
+        phases.map((p) => Number(digits(p[key]))),
+        name,
+      );
     assert.ok((await text(page, ".summary")).startsWith(`At ${T} \u00b0C and ${P} bar: ${phases[0].name}`));
     return { T, P };
   };
@@ -88,7 +129,11 @@ test("the point is dragged and moved by arrow keys; the tables follow", async ()
   await page.keyboard.press("ArrowDown");
   await page.keyboard.up("Shift");
   const moved = await check();
-  await page.waitForFunction((words) => document.querySelector(".unseen").textContent === words, {}, await text(page, ".summary")); // read out
+  await page.waitForFunction(
+    (words) => document.querySelector(".unseen").textContent === words,
+    {},
+    await text(page, ".summary"),
+  ); // read out
   assert.ok(moved.T < dragged.T && moved.P < dragged.P);
   await press(page, "Undo");
   await press(page, "Undo");
@@ -101,8 +146,14 @@ test("units: the point stays where it is, and undo brings the old ones back", as
   await choose(page, "Units", "field");
   await shows(page, "Temperature, \u00b0F");
   await rested(page);
-  assert.deepEqual([await value(page, "Temperature, \u00b0F"), await value(page, "Pressure, psia")], ["68", "580.150951"]);
-  assert.match((await rowsOf(page, '[aria-label="At the operating point"]')).find((row) => row[0] === "Density")[1], /lb\/ft3/);
+  assert.deepEqual(
+    [await value(page, "Temperature, \u00b0F"), await value(page, "Pressure, psia")],
+    ["68", "580.150951"],
+  );
+  assert.match(
+    (await rowsOf(page, '[aria-label="At the operating point"]')).find((row) => row[0] === "Density")[1],
+    /lb\/ft3/,
+  );
   await choose(page, "Pressure", "psig");
   await shows(page, "Pressure, psig");
   await rested(page);
@@ -133,11 +184,15 @@ test("a link shows the same picture; nonsense in it is said", async () => {
 test("tables are pasted; a bad one names its row and changes nothing", async () => {
   const page = await open(RICH);
   const paste = async (words) => {
-    await page.$eval('[aria-label="Component 1"]', (input, data) => {
-      const clipboardData = new DataTransfer();
-      clipboardData.setData("text/plain", data);
-      input.dispatchEvent(new ClipboardEvent("paste", { clipboardData, bubbles: true, cancelable: true }));
-    }, words);
+    await page.$eval(
+      '[aria-label="Component 1"]',
+      (input, data) => {
+        const clipboardData = new DataTransfer();
+        clipboardData.setData("text/plain", data);
+        input.dispatchEvent(new ClipboardEvent("paste", { clipboardData, bubbles: true, cancelable: true }));
+      },
+      words,
+    );
     await page.waitForFunction(() => document.querySelector(".message").textContent !== "");
     await rested(page);
   };
@@ -155,7 +210,11 @@ test("tables are pasted; a bad one names its row and changes nothing", async () 
 test("what is wrong stands beside its field, and the old picture stays", async () => {
   const page = await open(`${RICH}&T=-60&P=40`);
   const before = await outline(page);
-  const wrong = (label) => page.$eval(`[aria-label="${label}"]`, (input) => [input.getAttribute("aria-invalid"), document.getElementById(input.getAttribute("aria-describedby")).textContent]);
+  const wrong = (label) =>
+    page.$eval(`[aria-label="${label}"]`, (input) => [
+      input.getAttribute("aria-invalid"),
+      document.getElementById(input.getAttribute("aria-describedby")).textContent,
+    ]);
   await type(page, "Component 2", "ethan");
   assert.match((await wrong("Component 2"))[1], /^unknown component "ethan", did you mean/);
   assert.match(await text(page, "#stale"), /last gas/);
@@ -199,7 +258,8 @@ test("plus fraction, second gas, water: each step can be undone", async () => {
     await rested(page);
     await new Promise((done) => setTimeout(done, 350));
     const wanted = seen.pop();
-    while ((await address(page)) !== wanted && !(await page.$eval(".commands button", (undo) => undo.disabled))) await press(page, "Undo").then(() => new Promise((done) => setTimeout(done, 300)));
+    while ((await address(page)) !== wanted && !(await page.$eval(".commands button", (undo) => undo.disabled)))
+      await press(page, "Undo").then(() => new Promise((done) => setTimeout(done, 300)));
     assert.equal(await address(page), wanted);
   }
   assert.deepEqual(page.faults, []);
@@ -217,13 +277,22 @@ test("exports: every curve to the last digit, pictures that stand for themselves
     const own = lines.filter((line) => line.kind === kind);
     assert.deepEqual([column(kind, 3), column(kind, 4)], [own.flatMap((l) => [...l.T]), own.flatMap((l) => [...l.P])]);
   }
-  assert.deepEqual(column("quality", 3), [...gas.envelope({ quality: 0.9, points: 240 }).quality.get(0.9).lines.flatMap((l) => [...l.T])]);
+  assert.deepEqual(column("quality", 3), [
+    ...gas
+      .envelope({ quality: 0.9, points: 240 })
+      .quality.get(0.9)
+      .lines.flatMap((l) => [...l.T]),
+  ]);
   assert.deepEqual(column("hydrate", 3), [...gas.hydrate({ P: column("hydrate", 4) }).T]);
   assert.deepEqual(column("water", 3), [...gas.water.dew({ P: column("water", 4), water: 60e-6 }).T]);
   const svg = String(await download(page, "Export SVG", "kestrune.svg"));
   const shapes = await page.evaluate((source) => {
     const parsed = new DOMParser().parseFromString(source, "image/svg+xml");
-    return [parsed.querySelectorAll("parsererror").length, parsed.querySelectorAll(".curve").length, parsed.querySelectorAll("[id]").length === new Set([...parsed.querySelectorAll("[id]")].map((e) => e.id)).size];
+    return [
+      parsed.querySelectorAll("parsererror").length,
+      parsed.querySelectorAll(".curve").length,
+      parsed.querySelectorAll("[id]").length === new Set([...parsed.querySelectorAll("[id]")].map((e) => e.id)).size,
+    ];
   }, svg);
   assert.deepEqual(shapes, [0, lines.length + 1 + 2 + 1 + 3, true]);
   const png = await download(page, "Export PNG", "kestrune.png");

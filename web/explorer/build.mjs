@@ -7,7 +7,15 @@ import { gzipSync } from "node:zlib";
 const [kestrune, page] = process.argv.slice(2);
 const bundle = async (entry) => {
   const { outputFiles } = await build({
-    ...{ entryPoints: [entry], bundle: true, write: false, format: "iife", target: "es2022", minify: true, legalComments: "none" },
+    ...{
+      entryPoints: [entry],
+      bundle: true,
+      write: false,
+      format: "iife",
+      target: "es2022",
+      minify: true,
+      legalComments: "none",
+    },
     alias: { kestrune: join(kestrune, "index.js") },
     // The module comes with the page; the place beside the package is never asked for.
     define: { "import.meta.url": '"about:blank"' },
@@ -23,5 +31,6 @@ const parts = {
 const template = await readFile("page.html", "utf8");
 const html = template.replace(/\/\*(STYLE|WORKER|MODULE|PAGE)\*\//g, (_, name) => parts[name].trim());
 await writeFile(page, html);
-for (const [name, text] of Object.entries(parts)) console.log(`explorer: ${name.toLowerCase()} ${text.length} bytes, ${gzipSync(text).length} with gzip`);
+for (const [name, text] of Object.entries(parts))
+  console.log(`explorer: ${name.toLowerCase()} ${text.length} bytes, ${gzipSync(text).length} with gzip`);
 console.log(`explorer: the page ${html.length} bytes, ${gzipSync(html, { level: 9 }).length} with gzip -9`);

@@ -68,7 +68,9 @@ function outlineOf(kestrune: Kestrune, mixture: Mixture, gas: number): p.Envelop
   const part = { part: "envelope" as const, gas, pure: pureOf(mixture) };
   const water = waterIn(mixture) > 0;
   const errors = water && !part.pure ? [texts.waterInCurve] : [];
-  return typeof found === "string" ? { ...part, curves: [], errors: [found, ...errors] } : { ...part, curves: [found], errors };
+  return typeof found === "string"
+    ? { ...part, curves: [], errors: [found, ...errors] }
+    : { ...part, curves: [found], errors };
 }
 
 /** Vapour fractions of "0.9, 0.5"; a message for anything else. */
@@ -100,7 +102,10 @@ function fieldErrors(units: Units, { T, P }: State): [string, string] {
   const above = (quantity: string, text: string) => units.toSi(quantity, numberOf(text)) > 0;
   const wrong = (quantity: string, text: string, message: string) =>
     Number.isNaN(numberOf(text)) ? texts.noNumber(text) : above(quantity, text) ? "" : message;
-  return [wrong("temperature", T, texts.belowZero(units.symbol("temperature"))), wrong("pressure", P, texts.noPressure)];
+  return [
+    wrong("temperature", T, texts.belowZero(units.symbol("temperature"))),
+    wrong("pressure", P, texts.noPressure),
+  ];
 }
 
 function pointOf(kestrune: Kestrune, mixture: Mixture, gas: number, state: State): p.PointPart {
@@ -138,7 +143,8 @@ function hydrateOf(kestrune: Kestrune, mixture: Mixture, gas: number, state: Sta
   const none: p.LinePart = { part: "hydrate", gas, T: [], P: [], error: "", field: "", notes: [] };
   const inhibitor = state.inhibitor.trim();
   const percent = numberOf(state.percent);
-  if (inhibitor !== "" && !(percent >= 0 && percent <= 70)) return { ...none, error: texts.noPercent, field: "percent" };
+  if (inhibitor !== "" && !(percent >= 0 && percent <= 70))
+    return { ...none, error: texts.noPercent, field: "percent" };
   const asked = Number.isNaN(numberOf(inhibitor)) ? inhibitor : numberOf(inhibitor);
   const withInhibitor = inhibitor === "" ? {} : { inhibitor: asked, percent };
   const P = pressuresOf(mixture, LOWEST, highest);
@@ -157,7 +163,9 @@ function waterOf(kestrune: Kestrune, mixture: Mixture, gas: number, state: State
   if (own === 1) return { ...none, error: texts.onlyWater };
   if (typed === "" && own === 0) return { ...none, error: texts.noWater, field: "waterAmount" };
   const given = { P: pressuresOf(mixture, LOWEST, highest), method: state.method };
-  const found = answerOf(kestrune, () => lineOf("water", gas, mixture.water.dew(typed === "" ? given : { ...given, water })));
+  const found = answerOf(kestrune, () =>
+    lineOf("water", gas, mixture.water.dew(typed === "" ? given : { ...given, water })),
+  );
   return typeof found === "string" ? { ...none, error: found } : found;
 }
 
@@ -168,7 +176,9 @@ function rangeOfCut(units: Units, outlines: p.EnvelopePart[], state: State, high
     return ends.map((v) => units.fromSi("pressure", v)) as [number, number];
   }
   const curves = outlines.flatMap((outline) => outline.curves);
-  const all = curves.flatMap((c) => c.lines.filter((l) => l.kind === "dew" || l.kind === "bubble").flatMap((l) => [...l.T]));
+  const all = curves.flatMap((c) =>
+    c.lines.filter((l) => l.kind === "dew" || l.kind === "bubble").flatMap((l) => [...l.T]),
+  );
   const kelvin = [...all, numberOf(state.T)].map((v) => units.toSi("temperature", v));
   const [low, high] = [kelvin.reduce((a, b) => Math.min(a, b)), kelvin.reduce((a, b) => Math.max(a, b))];
   return [Math.max(low - 10, 60), high + 20].map((v) => units.fromSi("temperature", v)) as [number, number];
@@ -192,7 +202,9 @@ function* cutOf(mixture: Mixture, gas: number, state: State, range: [number, num
   const at = numberOf(state.cut === "T" ? state.T : state.P);
   let rows: CutRow[] = [];
   const part = (): p.CutPart => {
-    const [x, beta, density, enthalpy] = (["x", "beta", "density", "enthalpy"] as const).map((key) => rows.map((row) => row[key]));
+    const [x, beta, density, enthalpy] = (["x", "beta", "density", "enthalpy"] as const).map((key) =>
+      rows.map((row) => row[key]),
+    );
     return { part: "cut", gas, along, at, x, beta, density, enthalpy, missing: beta.filter(Number.isNaN).length };
   };
   for (const points of [() => evenly(...range, CUT_POINTS), () => betweenPhases(rows)])
@@ -231,12 +243,21 @@ export function* partsOf(session: Session, state: State): Generator<p.Part> {
     if (state.quality.trim() !== "")
       yield session.remember(`quality ${state.quality} ${key}`, () => qualityOf(kestrune, mixture, gas, state.quality));
     if (state.hydrate)
-      yield session.remember(`hydrate ${state.inhibitor} ${state.percent} ${key}`, () => hydrateOf(kestrune, mixture, gas, state, highest));
+      yield session.remember(`hydrate ${state.inhibitor} ${state.percent} ${key}`, () =>
+        hydrateOf(kestrune, mixture, gas, state, highest),
+      );
     if (state.water)
-      yield session.remember(`water ${state.waterAmount} ${state.method} ${key}`, () => waterOf(kestrune, mixture, gas, state, highest));
+      yield session.remember(`water ${state.waterAmount} ${state.method} ${key}`, () =>
+        waterOf(kestrune, mixture, gas, state, highest),
+      );
   }
   if (state.cut === "" || !pointIsGood || good.length === 0) return;
   const highest = Math.max(...good.map(({ mixture, outline }) => highestOf(mixture, outline)));
-  const range = rangeOfCut(units, good.map(({ outline }) => outline), state, highest);
+  const range = rangeOfCut(
+    units,
+    good.map(({ outline }) => outline),
+    state,
+    highest,
+  );
   for (const { gas, mixture } of good) yield* cutOf(mixture, gas, state, range);
 }

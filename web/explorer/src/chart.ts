@@ -86,7 +86,11 @@ function drawLegend(root: Group, rows: (ChartLine | ChartMark)[][], top: number,
       const g = root.append("g").attr("transform", `translate(${x},${top + ROW * k})`);
       if ("shape" in entry) drawMark(g.append("path").attr("transform", "translate(13,0) scale(0.8)"), entry, palette);
       else
-        g.append("path").attr("d", "M0,0H26").attr("stroke", entry.colour).attr("stroke-width", entry.width).attr("stroke-dasharray", entry.dash);
+        g.append("path")
+          .attr("d", "M0,0H26")
+          .attr("stroke", entry.colour)
+          .attr("stroke-width", entry.width)
+          .attr("stroke-dasharray", entry.dash);
       g.append("text").attr("x", 32).attr("y", 4).attr("fill", palette.ink).text(entry.label);
       x += 42 + LETTER * entry.label.length;
     }
@@ -104,11 +108,28 @@ function drawAxes(root: Group, spec: ChartSpec, frame: Frame, palette: Palette):
     axis.selectAll("path").attr("stroke", palette.faint);
   };
   const below = root.append("g").attr("transform", `translate(0,${bottom})`);
-  below.call(axisBottom(frame.x).ticks(ticks[0]).tickSize(top - bottom).tickPadding(8)).call(place);
+  below
+    .call(
+      axisBottom(frame.x)
+        .ticks(ticks[0])
+        .tickSize(top - bottom)
+        .tickPadding(8),
+    )
+    .call(place);
   const beside = root.append("g").attr("transform", `translate(${left},0)`);
-  beside.call(axisLeft(frame.y).ticks(ticks[1]).tickSize(left - right).tickPadding(8)).call(place);
-  const title = (text: string) => root.append("text").attr("fill", palette.ink).attr("text-anchor", "middle").text(text);
-  title(spec.x.title).attr("x", (left + right) / 2).attr("y", bottom + 38);
+  beside
+    .call(
+      axisLeft(frame.y)
+        .ticks(ticks[1])
+        .tickSize(left - right)
+        .tickPadding(8),
+    )
+    .call(place);
+  const title = (text: string) =>
+    root.append("text").attr("fill", palette.ink).attr("text-anchor", "middle").text(text);
+  title(spec.x.title)
+    .attr("x", (left + right) / 2)
+    .attr("y", bottom + 38);
   title(spec.y.title).attr("transform", `translate(15,${(bottom + top) / 2}) rotate(-90)`);
 }
 
@@ -123,24 +144,47 @@ export function drawChart(svg: SVGSVGElement, spec: ChartSpec, size: Size, palet
   const root = select(svg);
   root.attr("viewBox", `0 0 ${size.width} ${size.height}`).attr("width", size.width).attr("height", size.height);
   root.select("g.drawing").remove();
-  const drawing = root.insert("g", ":first-child").attr("class", "drawing").attr("font-size", 12).attr("font-family", FONT);
+  const drawing = root
+    .insert("g", ":first-child")
+    .attr("class", "drawing")
+    .attr("font-size", 12)
+    .attr("font-family", FONT);
   drawing.attr("aria-hidden", "true");
   drawing.append("rect").attr("width", size.width).attr("height", size.height).attr("fill", palette.paper);
   drawAxes(drawing, spec, frame, palette);
   const clip = `clip-${svg.id || "export"}`;
-  drawing.append("clipPath").attr("id", clip).append("rect")
-    .attr("x", LEFT).attr("y", TOP).attr("width", size.width - RIGHT - LEFT).attr("height", Math.max(0, bottom - TOP));
+  drawing
+    .append("clipPath")
+    .attr("id", clip)
+    .append("rect")
+    .attr("x", LEFT)
+    .attr("y", TOP)
+    .attr("width", size.width - RIGHT - LEFT)
+    .attr("height", Math.max(0, bottom - TOP));
   const inside = drawing.append("g").attr("clip-path", `url(#${clip})`).attr("fill", "none");
   for (const entry of spec.lines) {
-    const path = line<number>((k) => frame.x(entry.x[k]), (k) => frame.y(entry.y[k]))
+    const path = line<number>(
+      (k) => frame.x(entry.x[k]),
+      (k) => frame.y(entry.y[k]),
+    )
       .defined((k) => Number.isFinite(entry.x[k]) && Number.isFinite(entry.y[k]))
       .digits(2)([...entry.x.keys()]);
-    inside.append("path").attr("class", "curve").attr("data-label", entry.label).attr("d", path ?? "")
-      .attr("stroke", entry.colour).attr("stroke-width", entry.width).attr("stroke-dasharray", entry.dash)
+    inside
+      .append("path")
+      .attr("class", "curve")
+      .attr("data-label", entry.label)
+      .attr("d", path ?? "")
+      .attr("stroke", entry.colour)
+      .attr("stroke-width", entry.width)
+      .attr("stroke-dasharray", entry.dash)
       .attr("stroke-linejoin", "round");
   }
   for (const mark of spec.marks)
-    drawMark(inside.append("path").attr("transform", `translate(${frame.x(mark.x)},${frame.y(mark.y)})`), mark, palette);
+    drawMark(
+      inside.append("path").attr("transform", `translate(${frame.x(mark.x)},${frame.y(mark.y)})`),
+      mark,
+      palette,
+    );
   drawLegend(drawing, rows, bottom + 58, palette);
   return frame;
 }
@@ -148,8 +192,7 @@ export function drawChart(svg: SVGSVGElement, spec: ChartSpec, size: Size, palet
 /** Ends of an axis for these values, with a margin. */
 export function rangeOf(values: number[], margin = 0.04): [number, number] {
   let [low, high] = [Infinity, -Infinity];
-  for (const v of values)
-    if (Number.isFinite(v)) [low, high] = [Math.min(low, v), Math.max(high, v)];
+  for (const v of values) if (Number.isFinite(v)) [low, high] = [Math.min(low, v), Math.max(high, v)];
   if (!(low <= high)) return [0, 1];
   const wide = high > low ? high - low : Math.abs(low) || 1;
   return [low - margin * wide, high + margin * wide];

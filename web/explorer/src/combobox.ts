@@ -15,7 +15,12 @@ export function suggest(
   let found: Found[] = [];
   let at = -1;
   let asked = 0;
-  for (const [name, value] of [["role", "combobox"], ["aria-autocomplete", "list"], ["aria-controls", list.id], ["aria-expanded", "false"]])
+  for (const [name, value] of [
+    ["role", "combobox"],
+    ["aria-autocomplete", "list"],
+    ["aria-controls", list.id],
+    ["aria-expanded", "false"],
+  ])
     input.setAttribute(name, value);
 
   const close = () => {
@@ -39,7 +44,12 @@ export function suggest(
   };
   const open = () => {
     const items = found.map(({ name, formula, cas }, k) => {
-      const item = h("li", { role: "option", id: newId("option"), "aria-selected": "false" }, name, h("span", {}, `${formula} \u00b7 ${cas}`));
+      const item = h(
+        "li",
+        { role: "option", id: newId("option"), "aria-selected": "false" },
+        name,
+        h("span", {}, `${formula} \u00b7 ${cas}`),
+      );
       item.onpointerdown = (event) => {
         event.preventDefault(); // the field keeps the focus
         take(k);

@@ -21,7 +21,8 @@ export class Conditions {
     private readonly store: Store,
     changeUnits: (units: string) => void,
   ) {
-    const set = (key: keyof State) => (value: string | boolean) => store.change({ [key]: value } as Partial<State>, `field ${key}`);
+    const set = (key: keyof State) => (value: string | boolean) =>
+      store.change({ [key]: value } as Partial<State>, `field ${key}`);
     const pick = (k: number) => (value: string) => {
       const units = unitsOf(store.state.units);
       units[k] = value;
@@ -33,7 +34,7 @@ export class Conditions {
       T: textField(texts.T, set("T"), "decimal"),
       P: textField(texts.P, set("P"), "decimal"),
       top: textField(texts.top, set("top"), "decimal"),
-      system: choice(texts.units, systems, (name) => name === "own" ? this.update() : changeUnits(name)),
+      system: choice(texts.units, systems, (name) => (name === "own" ? this.update() : changeUnits(name))),
       units: [
         choice(texts.T, plain(TEMPERATURES), pick(0)),
         choice(texts.P, plain(PRESSURES), pick(1)),
@@ -41,7 +42,11 @@ export class Conditions {
       ],
       quality: textField(texts.quality, set("quality")),
       hydrate: tick(texts.hydrate, set("hydrate")),
-      inhibitor: choice(texts.inhibitor, inhibitors.map((name) => [name, name || texts.noInhibitor]), set("inhibitor")),
+      inhibitor: choice(
+        texts.inhibitor,
+        inhibitors.map((name) => [name, name || texts.noInhibitor]),
+        set("inhibitor"),
+      ),
       percent: textField(texts.percent, set("percent"), "decimal"),
       water: tick(texts.water, set("water")),
       waterAmount: textField(texts.waterAmount, set("waterAmount"), "decimal"),
@@ -50,10 +55,21 @@ export class Conditions {
       set: choice(texts.set, Object.entries(texts.sets), set("set")),
       zero: tick(texts.zero, set("zero")),
     });
-    this.element = h("div", {},
+    this.element = h(
+      "div",
+      {},
       group(texts.point, f.T.box, f.P.box, f.cut.box, f.top.box),
       group(texts.units, f.system.box, ...f.units.map((u) => u.box)),
-      group(texts.curves, wide(f.quality.box), f.hydrate.box, f.inhibitor.box, f.percent.box, f.water.box, f.waterAmount.box, f.method.box),
+      group(
+        texts.curves,
+        wide(f.quality.box),
+        f.hydrate.box,
+        f.inhibitor.box,
+        f.percent.box,
+        f.water.box,
+        f.waterAmount.box,
+        f.method.box,
+      ),
     );
     f.top.input.placeholder = texts.topHint;
     this.model = group(texts.model, f.set.box, f.zero.box);
@@ -63,7 +79,18 @@ export class Conditions {
     const { state } = this.store;
     const f = this.#fields;
     const units = unitsOf(state.units);
-    for (const key of ["T", "P", "top", "quality", "percent", "waterAmount", "inhibitor", "method", "cut", "set"] as const)
+    for (const key of [
+      "T",
+      "P",
+      "top",
+      "quality",
+      "percent",
+      "waterAmount",
+      "inhibitor",
+      "method",
+      "cut",
+      "set",
+    ] as const)
       fill(f[key].input, state[key]);
     fill(f.system.input, SYSTEMS.includes(state.units) ? state.units : "own");
     units.forEach((unit, k) => fill(f.units[k].input, unit));

@@ -29,11 +29,17 @@ export function cutPictures(known: Known, palette: Palette): ChartSpec[] {
     const values = (all: Numbers) => Array.from(all);
     return {
       title: `${title}: ${yTitle}`,
-      x: { title: xTitle, range: rangeOf(cuts.flatMap((c) => values(c.x)), 0) },
+      x: {
+        title: xTitle,
+        range: rangeOf(
+          cuts.flatMap((c) => values(c.x)),
+          0,
+        ),
+      },
       y: { title: yTitle, range: key === "beta" ? [-0.02, 1.02] : rangeOf(cuts.flatMap((c) => values(c[key]))) },
       lines: cuts.map((c) => ({
         ...{ label: known.gases > 1 ? texts.gasName(c.gas) : "", colour: palette.bubble[c.gas], width: 2.2 },
-        ...{ dash: c.gas > 0 ? "10 3" : "", x: c.x, y: c[key] },
+        ...{ dash: c.gas > 0 ? "8 5" : "", x: c.x, y: c[key] },
       })),
       marks: [],
       legend: known.gases > 1,

@@ -19,7 +19,12 @@ export class Definitions {
 
   constructor(private readonly store: Store) {
     const add = (kind: Definition["kind"], label: string) => button(label, () => this.#add(kind));
-    const buttons = h("div", { class: "row" }, add("fraction", texts.addFraction), add("component", texts.addComponent));
+    const buttons = h(
+      "div",
+      { class: "row" },
+      add("fraction", texts.addFraction),
+      add("component", texts.addComponent),
+    );
     this.element = h("details", {}, h("summary", {}, texts.definitions), this.#body, buttons);
   }
 
@@ -31,7 +36,10 @@ export class Definitions {
     const free = [stem, ...Array.from({ length: MOST_ROWS }, (_, k) => `${stem} ${k + 2}`)];
     const name = free.find((text) => !definitions.some((d) => d.name === text))!;
     const words = kind === "fraction" ? texts.firstFraction : texts.firstComponent;
-    this.store.changeGas({ definitions: [...definitions, { kind, name, words }], rows: [...rows, { name, amount: "" }] }, "");
+    this.store.changeGas(
+      { definitions: [...definitions, { kind, name, words }], rows: [...rows, { name, amount: "" }] },
+      "",
+    );
     this.#lines.at(-1)?.name.input.focus();
   }
 
@@ -48,7 +56,10 @@ export class Definitions {
     const what = kind === "fraction" ? texts.fraction : texts.ownComponent;
     const name = textField(texts.definitionName(what, k + 1), (text) => this.#edit(k, "name", text));
     const words = textField(texts.definitionWords(what, k + 1), (text) => this.#edit(k, "words", text));
-    const remove = button("\u00d7", () => this.#remove(k), { class: "plain", "aria-label": texts.remove(`${what} ${k + 1}`) });
+    const remove = button("\u00d7", () => this.#remove(k), {
+      class: "plain",
+      "aria-label": texts.remove(`${what} ${k + 1}`),
+    });
     const hint = h("p", { class: "hint" }, kind === "fraction" ? texts.fractionHint : texts.componentHint);
     const box = h("div", { class: "definition" }, h("div", { class: "row" }, name.box, remove), words.box, hint);
     return { kind, box, name, words };
@@ -58,7 +69,10 @@ export class Definitions {
   #remove(k: number): void {
     const { definitions, rows } = this.store.gas;
     const { name } = definitions[k];
-    this.store.changeGas({ definitions: definitions.filter((_, i) => i !== k), rows: rows.filter((r) => r.name !== name) }, "");
+    this.store.changeGas(
+      { definitions: definitions.filter((_, i) => i !== k), rows: rows.filter((r) => r.name !== name) },
+      "",
+    );
     this.element.querySelector("summary")!.focus();
   }
 

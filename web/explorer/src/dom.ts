@@ -29,7 +29,10 @@ export interface Field<E extends HTMLElement = HTMLInputElement> {
   wrong(text: string): void;
 }
 
-function withLabel<E extends HTMLInputElement | HTMLSelectElement | HTMLTextAreaElement>(label: string, input: E): Field<E> {
+function withLabel<E extends HTMLInputElement | HTMLSelectElement | HTMLTextAreaElement>(
+  label: string,
+  input: E,
+): Field<E> {
   input.id = newId("field");
   const error = h("span", { class: "wrong", id: `${input.id}-wrong` });
   const title = h("label", { for: input.id }, label);
@@ -47,7 +50,11 @@ export function textField(label: string, change: (text: string) => void, mode = 
   return withLabel(label, input);
 }
 
-export function choice(label: string, options: [string, string][], change: (value: string) => void): Field<HTMLSelectElement> {
+export function choice(
+  label: string,
+  options: [string, string][],
+  change: (value: string) => void,
+): Field<HTMLSelectElement> {
   const input = h("select", {}, ...options.map(([value, text]) => h("option", { value }, text)));
   input.onchange = () => change(input.value);
   return withLabel(label, input);

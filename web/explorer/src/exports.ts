@@ -32,7 +32,9 @@ export async function pngOf(svg: string): Promise<Blob> {
   canvas.width = FINE * image.naturalWidth;
   canvas.height = FINE * image.naturalHeight;
   canvas.getContext("2d")!.drawImage(image, 0, 0, canvas.width, canvas.height);
-  return new Promise((resolve, reject) => canvas.toBlob((blob) => (blob ? resolve(blob) : reject(new Error("PNG"))), "image/png"));
+  return new Promise((resolve, reject) =>
+    canvas.toBlob((blob) => (blob ? resolve(blob) : reject(new Error("PNG"))), "image/png"),
+  );
 }
 
 const cell = (value: string | number) => {
@@ -44,11 +46,19 @@ const letter = (gas: number) => "AB"[gas];
 
 /** All curves with all digits, cardinal points first. */
 export function curvesCsv(known: Known): string {
-  const head = ["gas", "curve", "kind", heading("temperature", known.symbols.temperature), heading("pressure", known.symbols.pressure)];
-  const places = known.all("envelope").flatMap((part) =>
-    placesOf(part).map(({ name, place }) => [letter(part.gas), name, "point", place.T, place.P]),
+  const head = [
+    "gas",
+    "curve",
+    "kind",
+    heading("temperature", known.symbols.temperature),
+    heading("pressure", known.symbols.pressure),
+  ];
+  const places = known
+    .all("envelope")
+    .flatMap((part) => placesOf(part).map(({ name, place }) => [letter(part.gas), name, "point", place.T, place.P]));
+  const points = curvesOf(known).flatMap(({ gas, name, kind, T, P }) =>
+    Array.from(T, (t, k) => [letter(gas), name, kind, t, P[k]]),
   );
-  const points = curvesOf(known).flatMap(({ gas, name, kind, T, P }) => Array.from(T, (t, k) => [letter(gas), name, kind, t, P[k]]));
   return rowsOf([head, ...places, ...points]);
 }
 
@@ -57,10 +67,16 @@ export function cutsCsv(known: Known): string {
   const cuts = known.all("cut");
   if (cuts.length === 0) return "";
   const { temperature, pressure } = known.symbols;
-  const columns = CUT_COLUMNS.map(({ key, quantity }) => (key === "beta" ? "vapour_fraction" : heading(quantity, known.symbols[quantity])));
+  const columns = CUT_COLUMNS.map(({ key, quantity }) =>
+    key === "beta" ? "vapour_fraction" : heading(quantity, known.symbols[quantity]),
+  );
   const head = ["gas", heading("temperature", temperature), heading("pressure", pressure), ...columns];
   const rows = cuts.flatMap((c) =>
-    Array.from(c.x, (x, k) => [letter(c.gas), ...(c.along === "P" ? [c.at, x] : [x, c.at]), ...CUT_COLUMNS.map(({ key }) => c[key][k])]),
+    Array.from(c.x, (x, k) => [
+      letter(c.gas),
+      ...(c.along === "P" ? [c.at, x] : [x, c.at]),
+      ...CUT_COLUMNS.map(({ key }) => c[key][k]),
+    ]),
   );
   return rowsOf([head, ...rows]);
 }

@@ -60,7 +60,9 @@ export function definitionOf(words: string): Record<string, string> {
 function fileOf(gas: Gas) {
   const own = (kind: string) =>
     Object.fromEntries(
-      gas.definitions.filter((d) => d.kind === kind && d.name.trim() !== "").map((d) => [d.name.trim(), definitionOf(d.words)]),
+      gas.definitions
+        .filter((d) => d.kind === kind && d.name.trim() !== "")
+        .map((d) => [d.name.trim(), definitionOf(d.words)]),
     );
   const rows = gas.rows.filter((r) => r.name.trim() !== "" && r.amount.trim() !== "");
   const components = rows.map((r) => ({ name: r.name.trim(), amount: passed(r.amount) }));
@@ -134,7 +136,8 @@ export function madeOf(kestrune: Kestrune, state: State, index: number): Made {
     part.rowErrors = rowErrors(kestrune, gas);
     part.definitionErrors = definitionErrors(gas, message);
     const beside = [...part.rowErrors, ...part.definitionErrors].filter((text) => text !== "");
-    part.error = beside.length === 0 ? (gas.rows.every((r) => r.amount.trim() === "") ? texts.noComponent : message) : "";
+    part.error =
+      beside.length === 0 ? (gas.rows.every((r) => r.amount.trim() === "") ? texts.noComponent : message) : "";
     return { mixture: null, part };
   }
 }

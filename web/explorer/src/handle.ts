@@ -50,7 +50,10 @@ export class Handle {
     if (this.#frame === null) return null;
     const box = this.svg.getBoundingClientRect();
     const view = this.svg.viewBox.baseVal;
-    const [px, py] = [((event.clientX - box.left) * view.width) / box.width, ((event.clientY - box.top) * view.height) / box.height];
+    const [px, py] = [
+      ((event.clientX - box.left) * view.width) / box.width,
+      ((event.clientY - box.top) * view.height) / box.height,
+    ];
     const [[left, right], [bottom, top]] = [this.#frame.x.range(), this.#frame.y.range()];
     if (!this.dragging && (px < left || px > right || py < top || py > bottom)) return null;
     return this.#placeAt(Math.min(Math.max(px, left), right), Math.min(Math.max(py, top), bottom - 1));
@@ -72,13 +75,21 @@ export class Handle {
   }
 
   #key(event: KeyboardEvent): void {
-    const steps: Record<string, [number, number]> = { ArrowLeft: [-1, 0], ArrowRight: [1, 0], ArrowUp: [0, -1], ArrowDown: [0, 1] };
+    const steps: Record<string, [number, number]> = {
+      ArrowLeft: [-1, 0],
+      ArrowRight: [1, 0],
+      ArrowUp: [0, -1],
+      ArrowDown: [0, 1],
+    };
     const step = steps[event.key];
     if (step === undefined || this.#frame === null || this.#place === null) return;
     event.preventDefault();
     const far = PIXELS * (event.shiftKey ? 10 : 1);
     const { x, y } = this.#frame;
-    const next = this.#placeAt(x(this.#place.T) + far * step[0], Math.min(y(this.#place.P) + far * step[1], y.range()[0] - 1));
+    const next = this.#placeAt(
+      x(this.#place.T) + far * step[0],
+      Math.min(y(this.#place.P) + far * step[1], y.range()[0] - 1),
+    );
     this.moved({ T: step[0] === 0 ? this.#place.T : next.T, P: step[1] === 0 ? this.#place.P : next.P });
   }
 
@@ -90,6 +101,9 @@ export class Handle {
     group.attr("transform", `translate(${frame.x(place.T)},${frame.y(place.P)})`);
     const [low, high] = frame.x.domain();
     group.attr("aria-valuemin", low).attr("aria-valuemax", high).attr("aria-valuenow", place.T);
-    group.attr("aria-valuetext", texts.placeOf(withUnit(place.T, symbols.temperature ?? ""), withUnit(place.P, symbols.pressure ?? "")));
+    group.attr(
+      "aria-valuetext",
+      texts.placeOf(withUnit(place.T, symbols.temperature ?? ""), withUnit(place.P, symbols.pressure ?? "")),
+    );
   }
 }

@@ -79,7 +79,9 @@ export class Link {
     const job = ++this.#job;
     return new Promise((resolve, reject) => {
       this.#waiting.set(job, (answer) =>
-        answer.kind === kind ? resolve(answer as Extract<Answer, { kind: K }>) : reject(new Error(answer.kind === "failed" ? answer.message : "")),
+        answer.kind === kind
+          ? resolve(answer as Extract<Answer, { kind: K }>)
+          : reject(new Error(answer.kind === "failed" ? answer.message : "")),
       );
       this.#worker.postMessage({ ...request, job });
     });

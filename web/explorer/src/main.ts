@@ -110,7 +110,15 @@ function drawCuts(palette: Palette): void {
       cuts.append(picture);
     }
     picture.setAttribute("aria-label", spec.title);
-    drawChart(picture, spec, { width: Math.max(230, box.clientWidth < 700 ? box.clientWidth : Math.floor(box.clientWidth / 3) - 6), height: 260 }, palette);
+    drawChart(
+      picture,
+      spec,
+      {
+        width: Math.max(230, box.clientWidth < 700 ? box.clientWidth : Math.floor(box.clientWidth / 3) - 6),
+        height: 260,
+      },
+      palette,
+    );
   });
 }
 
@@ -130,7 +138,8 @@ function draw(): void {
   drawCuts(palette);
   report.show(known);
   conditions.show(known);
-  if (spec.lines.length > 0 && performance.getEntriesByName("first picture").length === 0) performance.mark("first picture");
+  if (spec.lines.length > 0 && performance.getEntriesByName("first picture").length === 0)
+    performance.mark("first picture");
 }
 
 // ---- the gas ------------------------------------------------------------------------------------
@@ -143,7 +152,9 @@ const conditions = new Conditions(store, changeUnits);
 async function pasted(text: string): Promise<void> {
   if (text.trim() === "") return tell(texts.pasteEmpty);
   const asked = store.state;
-  const { read: table, error } = await link.ask({ kind: "read", text }, "read").catch((e: Error) => ({ read: null, error: e.message }));
+  const { read: table, error } = await link
+    .ask({ kind: "read", text }, "read")
+    .catch((e: Error) => ({ read: null, error: e.message }));
   if (table === null) return tell(texts.pasteFailed(error));
   if (store.state !== asked) return; // typed on in the meantime
   store.changeGas({ rows: table.rows, basis: table.basis, definitions: [] }, "");
@@ -175,7 +186,8 @@ function showGas(): void {
 const tabs = h("div", { class: "row", role: "group", "aria-label": texts.composition });
 function showTabs(): void {
   const { gases, chosen } = store.state;
-  const tab = (k: number) => button(texts.gasName(k), () => store.change({ chosen: k }, ""), { "aria-pressed": String(k === chosen) });
+  const tab = (k: number) =>
+    button(texts.gasName(k), () => store.change({ chosen: k }, ""), { "aria-pressed": String(k === chosen) });
   const compare = button(texts.compare, () => store.change({ gases: [gases[0], gases[0]], chosen: 1 }, ""));
   const remove = button(texts.removeGas, () => store.change({ gases: [gases[0]], chosen: 0 }, ""));
   const key = `${gases.length} ${chosen}`;
@@ -186,11 +198,20 @@ function showTabs(): void {
   if (focused) (tabs.children[gases.length > 1 ? chosen : 0] as HTMLElement).focus();
 }
 
-const basis = choice(texts.basis, Object.entries(texts.bases), (value) => store.changeGas({ basis: value as "mole" }, ""));
+const basis = choice(texts.basis, Object.entries(texts.bases), (value) =>
+  store.changeGas({ basis: value as "mole" }, ""),
+);
 
 function pasteBox(): HTMLElement {
   const area = h("textarea", { rows: 5, "aria-label": texts.paste, spellcheck: "false" });
-  return h("details", {}, h("summary", {}, texts.paste), h("p", { class: "hint" }, texts.pasteHint), area, button(texts.pasteApply, () => pasted(area.value)));
+  return h(
+    "details",
+    {},
+    h("summary", {}, texts.paste),
+    h("p", { class: "hint" }, texts.pasteHint),
+    area,
+    button(texts.pasteApply, () => pasted(area.value)),
+  );
 }
 
 // ---- commands -----------------------------------------------------------------------------------
@@ -200,7 +221,10 @@ const redo = button(texts.redo, () => store.redo());
 
 async function copyLink(): Promise<void> {
   showAddress();
-  await navigator.clipboard.writeText(location.href).then(() => tell(texts.linkCopied), () => tell(texts.linkIs));
+  await navigator.clipboard.writeText(location.href).then(
+    () => tell(texts.linkCopied),
+    () => tell(texts.linkIs),
+  );
 }
 
 async function exported(kind: "svg" | "png" | "csv"): Promise<void> {
@@ -268,13 +292,45 @@ function update(): void {
 }
 
 function build(): void {
-  const exportButtons = (["svg", "png", "csv"] as const).map((kind) => button(texts[kind], () => exported(kind), { "aria-label": `${texts.exportAs} ${texts[kind]}` }));
-  const commands = h("div", { class: "row commands" }, undo, redo, ...exportButtons, button(texts.copyLink, copyLink), theme.box);
-  const head = h("header", {}, h("div", {}, h("h1", {}, texts.title), h("p", { class: "hint" }, `${texts.subtitle}. `, version)), commands);
-  const gas = h("section", { class: "gas", "aria-label": texts.composition },
-    h("h2", {}, texts.composition), tabs, basis.box, table.element, whole, sum, stale, pasteBox(), definitions.element, conditions.model);
+  const exportButtons = (["svg", "png", "csv"] as const).map((kind) =>
+    button(texts[kind], () => exported(kind), { "aria-label": `${texts.exportAs} ${texts[kind]}` }),
+  );
+  const commands = h(
+    "div",
+    { class: "row commands" },
+    undo,
+    redo,
+    ...exportButtons,
+    button(texts.copyLink, copyLink),
+    theme.box,
+  );
+  const head = h(
+    "header",
+    {},
+    h("div", {}, h("h1", {}, texts.title), h("p", { class: "hint" }, `${texts.subtitle}. `, version)),
+    commands,
+  );
+  const gas = h(
+    "section",
+    { class: "gas", "aria-label": texts.composition },
+    h("h2", {}, texts.composition),
+    tabs,
+    basis.box,
+    table.element,
+    whole,
+    sum,
+    stale,
+    pasteBox(),
+    definitions.element,
+    conditions.model,
+  );
   const view = h("section", { class: "view", "aria-label": texts.picture }, h("h2", {}, texts.picture), box, cuts);
-  const left = h("div", { class: "left" }, gas, h("section", { class: "conditions", "aria-label": texts.point }, conditions.element));
+  const left = h(
+    "div",
+    { class: "left" },
+    gas,
+    h("section", { class: "conditions", "aria-label": texts.point }, conditions.element),
+  );
   const right = h("div", { class: "right" }, view, report.element);
   document.body.replaceChildren(head, message, h("main", {}, left, right), spoken);
 }

@@ -13,8 +13,13 @@ export const short = (value: number, digits = 6): string => String(Number(value.
 
 export const unitSymbol = (unit: string): string => (unit === "C" || unit === "F" ? `\u00b0${unit}` : unit);
 
-export const withUnit = (value: number, unit: string, digits = 6): string => `${short(value, digits)} ${unitSymbol(unit)}`;
+export const withUnit = (value: number, unit: string, digits = 6): string =>
+  `${short(value, digits)} ${unitSymbol(unit)}`;
 
 /** A column of CSV in the words of the command line: "temperature_C", "density_kg_m3". */
 export const heading = (quantity: string, unit: string): string =>
-  [quantity, unit].join(" ").trim().replace(/[^A-Za-z0-9]+/g, "_").replace(/_$/, "");
+  [quantity, unit]
+    .join(" ")
+    .trim()
+    .replace(/[^A-Za-z0-9]+/g, "_")
+    .replace(/_$/, "");

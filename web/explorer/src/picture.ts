@@ -19,7 +19,14 @@ function outlineLines(known: Known, part: EnvelopePart, palette: Palette): Chart
   return part.curves.flatMap((curve) =>
     curve.lines.map(({ kind, T, P }) => {
       const [label, colour, width, dash] = styles[kind] ?? [texts.notStable, palette.unstable, 1.6, "2 4"];
-      return { label: named(known, part.gas, label), colour, width, dash: part.gas > 0 && dash === "" ? "10 3" : dash, x: T, y: P };
+      return {
+        label: named(known, part.gas, label),
+        colour,
+        width,
+        dash: part.gas > 0 && dash === "" ? "8 5" : dash,
+        x: T,
+        y: P,
+      };
     }),
   );
 }
@@ -37,14 +44,21 @@ function qualityLines(known: Known, part: EnvelopePart, palette: Palette): Chart
 /** A line in its stretches inside and outside the data behind it; neighbours share a point. */
 function stretches(part: LinePart): { inside: boolean; x: Numbers; y: Numbers }[] {
   const within = (v: number, range: Numbers) => v >= range[0] && v <= range[1];
-  const inside = Array.from(part.T, (T, k) => !part.range || (within(T, part.range.T) && within(part.P[k], part.range.P)));
+  const inside = Array.from(
+    part.T,
+    (T, k) => !part.range || (within(T, part.range.T) && within(part.P[k], part.range.P)),
+  );
   const all: { inside: boolean; first: number; end: number }[] = [];
   inside.forEach((good, k) => {
     const last = all.at(-1);
     if (last?.inside === good) last.end = k + 1;
     else all.push({ inside: good, first: Math.max(0, k - 1), end: k + 1 });
   });
-  return all.map(({ inside: good, first, end }) => ({ inside: good, x: part.T.slice(first, end), y: part.P.slice(first, end) }));
+  return all.map(({ inside: good, first, end }) => ({
+    inside: good,
+    x: part.T.slice(first, end),
+    y: part.P.slice(first, end),
+  }));
 }
 
 function boundaryLines(known: Known, part: LinePart, palette: Palette): ChartLine[] {
@@ -61,19 +75,36 @@ function boundaryLines(known: Known, part: LinePart, palette: Palette): ChartLin
 export function placesOf(part: EnvelopePart): { name: string; place: Place }[] {
   const [curve] = part.curves;
   if (curve === undefined) return [];
-  const extremes: [string, Place | null][] = [[texts.cricondentherm, curve.cricondentherm], [texts.cricondenbar, curve.cricondenbar]];
+  const extremes: [string, Place | null][] = [
+    [texts.cricondentherm, curve.cricondentherm],
+    [texts.cricondenbar, curve.cricondenbar],
+  ];
   const all = curve.critical.map((place): [string, Place | null] => [texts.critical, place]);
   if (!part.pure) all.push(...extremes);
   return all.flatMap(([name, place]) => (place === null ? [] : [{ name, place }]));
 }
 
 function marksOf(known: Known, part: EnvelopePart, palette: Palette): ChartMark[] {
-  const shapes: Record<string, ChartMark["shape"]> = { [texts.cricondentherm]: "triangle", [texts.cricondenbar]: "square" };
+  const shapes: Record<string, ChartMark["shape"]> = {
+    [texts.cricondentherm]: "triangle",
+    [texts.cricondenbar]: "square",
+  };
   const { temperature, pressure } = known.symbols;
   return placesOf(part).map(({ name, place }) => {
     const where = texts.placeOf(withUnit(place.T, temperature, 5), withUnit(place.P, pressure, 5));
-    const colour = name === texts.critical ? palette.ink : name === texts.cricondentherm ? palette.dew[part.gas] : palette.bubble[part.gas];
-    return { label: named(known, part.gas, `${name} ${where}`), colour, shape: shapes[name] ?? "disc", x: place.T, y: place.P };
+    const colour =
+      name === texts.critical
+        ? palette.ink
+        : name === texts.cricondentherm
+          ? palette.dew[part.gas]
+          : palette.bubble[part.gas];
+    return {
+      label: named(known, part.gas, `${name} ${where}`),
+      colour,
+      shape: shapes[name] ?? "disc",
+      x: place.T,
+      y: place.P,
+    };
   });
 }
 
@@ -91,7 +122,9 @@ function topOf(outlines: EnvelopePart[], lines: ChartLine[], bar: number): numbe
   const ofCurve = ({ cricondenbar, lines: own }: CurveData) =>
     cricondenbar !== null ? 1.12 * cricondenbar.P : Math.min(1.05 * highest(own.map((l) => l.P)), OPEN_TOP * bar);
   const tops = outlines.flatMap((part) => part.curves.map(ofCurve));
-  return tops.length > 0 ? Math.max(...tops) : Math.min(1.05 * highest(lines.map((l) => l.y)) || Infinity, OPEN_TOP * bar);
+  return tops.length > 0
+    ? Math.max(...tops)
+    : Math.min(1.05 * highest(lines.map((l) => l.y)) || Infinity, OPEN_TOP * bar);
 }
 
 /** The picture of what is known. chosenTop: the highest pressure that was asked for, or NaN. */
@@ -106,7 +139,12 @@ export function pictureOf(known: Known, point: Place | null, chosenTop: number, 
   if (point !== null) marks.push(pointMark(known, point, palette));
   const suits = Math.max(topOf(outlines, [...outline, ...over], known.bar), ...marks.map((m) => 1.05 * m.y));
   const top = chosenTop > 0 ? chosenTop : suits;
-  const main = [...outline.filter((l) => l.label.endsWith(texts.dew) || l.label.endsWith(texts.bubble) || l.label.endsWith(texts.vapourPressure)), ...over];
+  const main = [
+    ...outline.filter(
+      (l) => l.label.endsWith(texts.dew) || l.label.endsWith(texts.bubble) || l.label.endsWith(texts.vapourPressure),
+    ),
+    ...over,
+  ];
   const T = (main.length > 0 ? main : outline).flatMap((l) => Array.from(l.x).filter((_, k) => l.y[k] <= top));
   const x = rangeOf([...T, ...marks.filter((m) => m.y <= top).map((m) => m.x)]);
   const title = (what: string, quantity: string) => texts.withUnit(what, unitSymbol(known.symbols[quantity] ?? ""));
@@ -120,12 +158,21 @@ export function pictureOf(known: Known, point: Place | null, chosenTop: number, 
 /** Every curve with its name, for tables of all numbers. */
 export function curvesOf(known: Known): { gas: number; name: string; kind: string; T: Numbers; P: Numbers }[] {
   const ofCurve = (part: EnvelopePart, curve: CurveData) => {
-    const name = part.part === "quality" ? texts.qualityLine(curve.fraction) : part.pure ? texts.vapourPressure : texts.outline;
+    const name =
+      part.part === "quality" ? texts.qualityLine(curve.fraction) : part.pure ? texts.vapourPressure : texts.outline;
     return curve.lines.map(({ kind, T, P }) => ({ gas: part.gas, name, kind, T, P }));
   };
-  const ofLine = ({ part, gas, T, P }: LinePart) => ({ gas, name: part === "hydrate" ? texts.hydrate : texts.water, kind: part, T, P });
+  const ofLine = ({ part, gas, T, P }: LinePart) => ({
+    gas,
+    name: part === "hydrate" ? texts.hydrate : texts.water,
+    kind: part,
+    T,
+    P,
+  });
   return [
-    ...[...known.all("envelope"), ...known.all("quality")].flatMap((part) => part.curves.flatMap((curve) => ofCurve(part, curve))),
+    ...[...known.all("envelope"), ...known.all("quality")].flatMap((part) =>
+      part.curves.flatMap((curve) => ofCurve(part, curve)),
+    ),
     ...[...known.all("hydrate"), ...known.all("water")].map(ofLine),
   ];
 }

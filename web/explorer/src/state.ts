@@ -70,7 +70,12 @@ const isUnits = (name: string): boolean => {
 export const emptyGas = (): Gas => ({ basis: "mole", rows: [], definitions: [] });
 
 export function firstState(): State {
-  const rows = [["methane", "85"], ["ethane", "9"], ["propane", "4"], ["n-butane", "2"]];
+  const rows = [
+    ["methane", "85"],
+    ["ethane", "9"],
+    ["propane", "4"],
+    ["n-butane", "2"],
+  ];
   return {
     gases: [{ ...emptyGas(), rows: rows.map(([name, amount]) => ({ name, amount })) }],
     ...{ chosen: 0, set: "2022", zero: false, units: "engineering", T: "-60", P: "40", top: "", quality: "" },
@@ -82,14 +87,16 @@ const LARGEST = 1e30; // more is a slip of the keyboard, and no axis has room fo
 
 /** A number as people write it, with a decimal comma too; NaN for anything else. */
 export function numberOf(text: string): number {
-  const plain = text.trim().replace(/^([-+]?\d*),(\d+)/, "$1.$2").replace("\u2212", "-");
+  const plain = text
+    .trim()
+    .replace(/^([-+]?\d*),(\d+)/, "$1.$2")
+    .replace("\u2212", "-");
   const value = /^[-+]?(\d+\.?\d*|\.\d+)(e[-+]?\d+)?$/i.test(plain) ? Number(plain) : NaN;
   return Math.abs(value) <= LARGEST ? value : NaN;
 }
 
 // In a list ";" parts the entries and ":" the parts of an entry; where they are meant as such they are "~" and two digits.
-const escaped = (text: string, marks: RegExp) =>
-  text.replace(marks, (c) => `~${c.charCodeAt(0).toString(16)}`);
+const escaped = (text: string, marks: RegExp) => text.replace(marks, (c) => `~${c.charCodeAt(0).toString(16)}`);
 const plain = (text: string) => text.replace(/~(7e|3a|3b)/g, (_, code) => String.fromCharCode(parseInt(code, 16)));
 const listOf = (text: string) => text.split(";").filter((entry) => entry !== "");
 

@@ -58,7 +58,13 @@ export class Table {
   #line(k: number): Line {
     const said = h("span", { class: "wrong", id: newId("row") });
     const field = (label: string, key: "name" | "amount") => {
-      const input = h("input", { type: "text", autocomplete: "off", spellcheck: "false", maxlength: 400, "aria-label": label });
+      const input = h("input", {
+        type: "text",
+        autocomplete: "off",
+        spellcheck: "false",
+        maxlength: 400,
+        "aria-label": label,
+      });
       input.setAttribute("aria-describedby", said.id);
       input.oninput = () => this.#edit(k, key, input.value);
       return input;
@@ -83,7 +89,9 @@ export class Table {
 
   #remove(k: number): void {
     this.store.changeGas({ rows: this.store.gas.rows.filter((_, i) => i !== k) }, "");
-    (this.#lines[Math.min(k, this.#lines.length - 1)]?.name ?? this.element.querySelector<HTMLElement>(".add")!).focus();
+    (
+      this.#lines[Math.min(k, this.#lines.length - 1)]?.name ?? this.element.querySelector<HTMLElement>(".add")!
+    ).focus();
   }
 
   /** As many rows as the state has, with its texts. */

@@ -36,7 +36,7 @@ export const texts = {
   twice: (name: string) => `${name} is given twice.`,
   noComponent: "Type a component and its amount.",
   found: (n: number) => `${many(n, "component")} found`,
-  tickMissing: "tick \"take missing interactions as zero\" to go on",
+  tickMissing: 'tick "take missing interactions as zero" to go on',
   paste: "Paste a table",
   pasteHint:
     "Names and amounts, a row each, as a spreadsheet copies them; headings, units, decimal commas and a total are understood. In the table above Ctrl+V does the same.",
@@ -145,11 +145,12 @@ export const texts = {
   noNotes: "Nothing to note.",
   curveNote: (curve: string, text: string, complete: boolean) => `${curve}${complete ? "" : " incomplete"}: ${text}`,
   outline: "Dew and bubble curve",
-  waterInCurve: "water by the group interactions, as in a flash; for the dew points of water the water dew line is the one to trust",
+  waterInCurve:
+    "water by the group interactions, as in a flash; for the dew points of water the water dew line is the one to trust",
   statusOf: (text: string, status: number) => `${text} (status ${status})`,
   missingPoints: (n: number, all: number) => `no answer at ${n} of ${all} points`,
   noLine: "no answer at any point",
-  hydrateRange: (T: string, P: string) => `made from data of ${T} without inhibitor and ${P}; dashed beyond`,
+  hydrateRange: (T: string, P: string) => `made from data of ${T} without inhibitor and ${P}; dotted beyond`,
   vapourFraction: "Vapour fraction, mol",
   density: "Density",
   enthalpy: "Enthalpy H",

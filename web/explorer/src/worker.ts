@@ -4,7 +4,10 @@ import { partsOf, Session } from "./calculate.ts";
 import { inWords, tableOf } from "./gas.ts";
 import type { Answer, Found, Request } from "./protocol.ts";
 
-const scope = self as unknown as { postMessage(answer: Answer): void; onmessage: (event: MessageEvent<Request>) => void };
+const scope = self as unknown as {
+  postMessage(answer: Answer): void;
+  onmessage: (event: MessageEvent<Request>) => void;
+};
 let session: Promise<Session>;
 let compiled: WebAssembly.Module;
 let newest = 0;
@@ -32,7 +35,8 @@ const pause = () =>
 function foundOf(kestrune: Kestrune, text: string): Found[] {
   const wanted = text.trim().toLowerCase();
   const rank = ({ name, formula, cas }: Found) =>
-    [formula.toLowerCase() === wanted || cas === wanted, name.toLowerCase().startsWith(wanted)].findIndex(Boolean) + 1 || 9;
+    [formula.toLowerCase() === wanted || cas === wanted, name.toLowerCase().startsWith(wanted)].findIndex(Boolean) +
+      1 || 9;
   const all = kestrune.components(text.trim()).map(({ name, formula, cas }) => ({ name, formula, cas }));
   return all.sort((a, b) => rank(a) - rank(b)).slice(0, 12);
 }
