@@ -39,6 +39,12 @@ test("every part has the numbers of the same call", () => {
   const [hydrate, water] = [found.hydrate[0], found.water[0]];
   assert.deepEqual(hydrate.T, [...gas.hydrate({ P: hydrate.P, inhibitor: "MEG", percent: 20 }).T]);
   assert.deepEqual(water.T, [...gas.water.dew({ P: water.P, water: 60e-6 }).T]);
+  const bare = gas.hydrate({ P: hydrate.P }).T; // the range of the hydrate correlation is that without inhibitor, 17.33 to 76.73 F
+  assert.deepEqual(
+    hydrate.good,
+    hydrate.P.map((P, k) => bare[k] >= 17.33 && bare[k] <= 76.73 && P >= 159.35 && P <= 5786.8),
+  );
+  assert.ok(hydrate.good.includes(true) && hydrate.good.includes(false));
   const cut = found.cut.at(-1);
   const along = gas.flash({ T: cut.x.map(() => -20), P: cut.x });
   for (const key of ["beta", "density", "enthalpy"]) assert.deepEqual(cut[key], [...along[key]]);
@@ -187,11 +193,16 @@ test("a thousand states of anything end in parts and words", () => {
 
 test("two gases and what they say", () => {
   const found = parts("a=methane:90;water:10&b=CO2:1&T=0&P=20");
+  const wet = parts("a=methane:60;n-hexane:30;water:10&T=0&P=20&water=1").water[0];
+  assert.ok(
+    wet.good.includes(true) &&
+      wet.notes.some((text) => /^no single gas without its water at \d+ of 41 points/.test(text)),
+  );
   assert.match(found.envelope[0].errors[0], /water by the group interactions/);
   assert.ok(found.envelope[1].pure && found.envelope[1].curves[0].lines.length === 1);
   assert.deepEqual(
     found.point.map((p) => p.phases[0].name),
     ["vapour", "vapour"],
   );
-  assert.ok(found.point[0].notes.some((text) => text.includes("group interactions")));
+  assert.ok(found.point[0].notes.some((text) => text.endsWith("the command water is the one to trust")));
 });

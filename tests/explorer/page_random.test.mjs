@@ -74,15 +74,13 @@ function acts(rounds, seed) {
           new KeyboardEvent("keydown", { key: pick(["z", "y"]), ctrlKey: true, bubbles: true }),
         ),
       () =>
-        document
-          .querySelector(".handle")
-          .dispatchEvent(
-            new KeyboardEvent("keydown", {
-              key: pick(["ArrowUp", "ArrowDown", "ArrowLeft", "ArrowRight"]),
-              shiftKey: next(2) === 0,
-              bubbles: true,
-            }),
-          ),
+        document.querySelector(".handle").dispatchEvent(
+          new KeyboardEvent("keydown", {
+            key: pick(["ArrowUp", "ArrowDown", "ArrowLeft", "ArrowRight"]),
+            shiftKey: next(2) === 0,
+            bubbles: true,
+          }),
+        ),
     ];
     pick(kinds)();
   };

@@ -1,6 +1,7 @@
 // What a state shows, part by part. Every number is one of the package's; nothing is calculated here.
 import { KestruneError, type Curve, type Kestrune, type Mixture, type Units } from "kestrune";
-import { inWords, madeOf, type Made } from "./gas.ts";
+import { inWords, madeOf, withoutWater, type Made } from "./gas.ts";
+import { short, withUnit } from "./numbers.ts";
 import type * as p from "./protocol.ts";
 import { numberOf, type State } from "./state.ts";
 import { texts } from "./texts.ts";
@@ -11,11 +12,16 @@ const QUANTITIES = [
   ...["thermal conductivity", "Joule-Thomson coefficient", "compressibility"],
 ];
 const WATER = "7732-18-5"; // CAS number
+const GASES = ["vapour", "dense"]; // names of phases
+const TRAPPED = 9011; // status of a module that stopped
 const CURVE_POINTS = 240;
 const CUT_POINTS = 97;
 const CUT_CHUNK = 16;
 const CORNER_POINTS = 10;
 const LINE_POINTS = 41;
+const LOWEST = 1.01325e5; // Pa, where lines begin
+/** Pa, where they end: at least, of an outline without a cricondenbar, at most. */
+const [LEAST_TOP, OPEN_TOP, MOST_TOP] = [100e5, 400e5, 900e5];
 const REMEMBERED = 40;
 
 /** The module and what it has calculated before, by what it was calculated from. */
@@ -108,12 +114,16 @@ function fieldErrors(units: Units, { T, P }: State): [string, string] {
   ];
 }
 
+/** A note without what it says of options of the command line, which the page has not: "...: --phases 3". */
+const withoutOptions = (note: string) => note.replace(/( \(docs\/[a-z.]*\))?[;:] --[a-z].*$/, "");
+
 function pointOf(kestrune: Kestrune, mixture: Mixture, gas: number, state: State): p.PointPart {
   const [T, P] = [numberOf(state.T), numberOf(state.P)];
   const empty = { names: mixture.names, z: mixture.z, phases: [], overall: null, notes: [] };
   const part: p.PointPart = { part: "point", gas, T, P, error: "", ...empty };
   const found = answerOf(kestrune, () => mixture.report({ T, P }));
-  return typeof found === "string" ? { ...part, error: found } : { ...part, ...found, part: "point" };
+  if (typeof found === "string") return { ...part, error: found };
+  return { ...part, ...found, part: "point", notes: found.notes.map(withoutOptions) };
 }
 
 /** Pressures of a line, evenly spaced in their logarithm, in the units of the mixture. */
@@ -124,38 +134,66 @@ function pressuresOf(mixture: Mixture, lowest: number, highest: number): Float64
 }
 
 /** Pa: how far up the lines beside an envelope go. */
-function highestOf(mixture: Mixture, outline: p.EnvelopePart): number {
-  const top = outline.curves[0]?.cricondenbar;
-  const pascal = top ? 1.15 * mixture.units.toSi("pressure", top.P) : 0;
-  return Math.min(Math.max(pascal, 100e5), 900e5);
+function highestOf(mixture: Mixture, outline: p.EnvelopePart, chosen: string): number {
+  const place = outline.curves[0]?.cricondenbar;
+  const inPascal = (P: number) => mixture.units.toSi("pressure", P);
+  const suits = place ? Math.max(1.15 * inPascal(place.P), LEAST_TOP) : OPEN_TOP;
+  const pascal = numberOf(chosen) > 0 ? inPascal(numberOf(chosen)) : suits;
+  return Math.min(Math.max(pascal, 2 * LOWEST), MOST_TOP);
 }
 
-const LOWEST = 1.01325e5; // Pa
+interface Line {
+  T: number[];
+  P: number[];
+  notes: string[];
+}
 
-function lineOf(part: "hydrate" | "water", gas: number, found: { T: Float64Array; P: Float64Array }): p.LinePart {
-  const good = Array.from(found.T.keys()).filter((k) => Number.isFinite(found.T[k]));
-  const [T, P] = [found.T, found.P].map((all) => good.map((k) => all[k]));
-  const notes = good.length < found.T.length ? [texts.missingPoints(found.T.length - good.length, found.T.length)] : [];
-  return { part, gas, T, P, error: good.length === 0 ? texts.noLine : "", field: "", notes };
+/** The points with an answer. */
+function lineOf(found: { T: Float64Array; P: Float64Array }): Line {
+  const answered = Array.from(found.T.keys()).filter((k) => Number.isFinite(found.T[k]));
+  const [T, P] = [found.T, found.P].map((all) => answered.map((k) => all[k]));
+  const missing = found.T.length - answered.length;
+  return { T, P, notes: missing > 0 ? [texts.missingPoints(missing, found.T.length)] : [] };
 }
 
 function hydrateOf(kestrune: Kestrune, mixture: Mixture, gas: number, state: State, highest: number): p.LinePart {
-  const none: p.LinePart = { part: "hydrate", gas, T: [], P: [], error: "", field: "", notes: [] };
+  const none: p.LinePart = { part: "hydrate", gas, T: [], P: [], good: [], error: "", field: "", notes: [] };
   const inhibitor = state.inhibitor.trim();
   const percent = numberOf(state.percent);
   if (inhibitor !== "" && !(percent >= 0 && percent <= 70))
     return { ...none, error: texts.noPercent, field: "percent" };
   const asked = Number.isNaN(numberOf(inhibitor)) ? inhibitor : numberOf(inhibitor);
   const withInhibitor = inhibitor === "" ? {} : { inhibitor: asked, percent };
-  const P = pressuresOf(mixture, LOWEST, highest);
-  const found = answerOf(kestrune, () => lineOf("hydrate", gas, mixture.hydrate({ P, ...withInhibitor })));
+  const found = answerOf(kestrune, () => {
+    const line = lineOf(mixture.hydrate({ P: pressuresOf(mixture, LOWEST, highest), ...withInhibitor }));
+    const { T, P, warnings } = mixture.hydrateRange(withInhibitor);
+    // The range of temperatures is that of the gas without inhibitor.
+    const bare = mixture.hydrate({ P: line.P }).T;
+    const within = (v: number, range: Float64Array) => v >= range[0] && v <= range[1];
+    const good = line.P.map((at, k) => within(bare[k], T) && within(at, P));
+    const ends = (range: Float64Array, quantity: string) =>
+      texts.fromTo(short(range[0], 4), withUnit(range[1], mixture.units.symbol(quantity), 4));
+    const range = texts.hydrateRange(ends(T, "temperature"), ends(P, "pressure"));
+    return { ...line, good, notes: [...line.notes, ...warnings, range] };
+  });
   if (typeof found === "string") return { ...none, error: found, field: inhibitor === "" ? "" : "inhibitor" };
-  const range = mixture.hydrateRange(withInhibitor);
-  return { ...found, range, notes: [...found.notes, ...range.warnings] };
+  return { ...none, ...found, error: found.T.length === 0 ? texts.noLine : "" };
 }
 
+/** Whether the gas without its water is one gas at each point: the methods take it for one. */
+const singleGas = (dry: Mixture, { T, P }: Line): boolean[] =>
+  T.map((t, k) => {
+    try {
+      const { phases } = dry.report({ T: t, P: P[k] });
+      return phases.length === 1 && GASES.includes(phases[0].name);
+    } catch (error) {
+      if (error instanceof KestruneError && error.status !== TRAPPED) return true; // nothing is known against it
+      throw error;
+    }
+  });
+
 function waterOf(kestrune: Kestrune, mixture: Mixture, gas: number, state: State, highest: number): p.LinePart {
-  const none: p.LinePart = { part: "water", gas, T: [], P: [], error: "", field: "", notes: [] };
+  const none: p.LinePart = { part: "water", gas, T: [], P: [], good: [], error: "", field: "", notes: [] };
   const typed = state.waterAmount.trim();
   const water = numberOf(typed) / 1e6;
   if (typed !== "" && !(water > 0 && water < 1)) return { ...none, error: texts.noPpm, field: "waterAmount" };
@@ -163,10 +201,14 @@ function waterOf(kestrune: Kestrune, mixture: Mixture, gas: number, state: State
   if (own === 1) return { ...none, error: texts.onlyWater };
   if (typed === "" && own === 0) return { ...none, error: texts.noWater, field: "waterAmount" };
   const given = { P: pressuresOf(mixture, LOWEST, highest), method: state.method };
-  const found = answerOf(kestrune, () =>
-    lineOf("water", gas, mixture.water.dew(typed === "" ? given : { ...given, water })),
-  );
-  return typeof found === "string" ? { ...none, error: found } : found;
+  const found = answerOf(kestrune, () => {
+    const line = lineOf(mixture.water.dew(typed === "" ? given : { ...given, water }));
+    const good = withoutWater(kestrune, state, gas, (dry) => singleGas(dry, line));
+    const wrong = good.filter((v) => !v).length;
+    return { ...line, good, notes: wrong > 0 ? [...line.notes, texts.noGas(wrong, good.length)] : line.notes };
+  });
+  if (typeof found === "string") return { ...none, error: found };
+  return { ...none, ...found, error: found.T.length === 0 ? texts.noLine : "" };
 }
 
 /** Ends of a cut: of an isotherm from 1 atm up, of an isobar across the envelopes. */
@@ -239,20 +281,20 @@ export function* partsOf(session: Session, state: State): Generator<p.Part> {
   }
   if (pointIsGood) for (const { gas, mixture } of good) yield pointOf(kestrune, mixture, gas, state);
   for (const { gas, mixture, key, outline } of good) {
-    const highest = highestOf(mixture, outline);
+    const highest = highestOf(mixture, outline, state.top);
     if (state.quality.trim() !== "")
       yield session.remember(`quality ${state.quality} ${key}`, () => qualityOf(kestrune, mixture, gas, state.quality));
     if (state.hydrate)
-      yield session.remember(`hydrate ${state.inhibitor} ${state.percent} ${key}`, () =>
+      yield session.remember(`hydrate ${highest} ${state.inhibitor} ${state.percent} ${key}`, () =>
         hydrateOf(kestrune, mixture, gas, state, highest),
       );
     if (state.water)
-      yield session.remember(`water ${state.waterAmount} ${state.method} ${key}`, () =>
+      yield session.remember(`water ${highest} ${state.waterAmount} ${state.method} ${key}`, () =>
         waterOf(kestrune, mixture, gas, state, highest),
       );
   }
   if (state.cut === "" || !pointIsGood || good.length === 0) return;
-  const highest = Math.max(...good.map(({ mixture, outline }) => highestOf(mixture, outline)));
+  const highest = Math.max(...good.map(({ mixture, outline }) => highestOf(mixture, outline, state.top)));
   const range = rangeOfCut(
     units,
     good.map(({ outline }) => outline),

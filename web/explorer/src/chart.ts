@@ -14,6 +14,8 @@ export interface ChartLine {
   dash: string;
   x: Numbers;
   y: Numbers;
+  /** Whether the axes are made to show it; true where nothing is said. */
+  wanted?: boolean;
 }
 export interface ChartMark {
   label: string;

@@ -142,6 +142,19 @@ export function madeOf(kestrune: Kestrune, state: State, index: number): Made {
   }
 }
 
+/** What a calculation makes of the mixture of a gas without its water. */
+export function withoutWater<V>(kestrune: Kestrune, state: State, index: number, calculate: (dry: Mixture) => V): V {
+  const gas = state.gases[index];
+  const rows = gas.rows.filter(({ name }) => canonicalName(kestrune, name.trim()) !== "water");
+  const { set, zero, units } = state;
+  const dry = kestrune.mixture(fileOf({ ...gas, rows }), { set, units, allowMissingPairs: zero });
+  try {
+    return calculate(dry);
+  } finally {
+    dry.dispose();
+  }
+}
+
 /** A table that was pasted, read as the command line reads a file; amounts as they stand where they are plain. */
 export function tableOf(kestrune: Kestrune, text: string): Read {
   const mixture = kestrune.mixture(`${text.replace(/\r\n?/g, "\n").trim()}\n`.replace(/^([^\n]*=[^\n]*)\n$/, "$1"), {

@@ -9,24 +9,27 @@ import { texts } from "./texts.ts";
 /** Before the names of gases where there are two. */
 const named = (known: Known, gas: number, text: string) => (known.gases > 1 ? texts.ofGas(gas, text) : text);
 
+/** Style of a stretch beside which another phase splits off. */
+const notStable = (known: Known, part: EnvelopePart, palette: Palette) => ({
+  ...{ label: named(known, part.gas, texts.notStable), colour: palette.unstable, width: 1.6, dash: "2 4" },
+  wanted: false,
+});
+
 function outlineLines(known: Known, part: EnvelopePart, palette: Palette): ChartLine[] {
-  const styles: Record<string, [string, string, number, string]> = {
-    dew: [texts.dew, palette.dew[part.gas], 2.6, ""],
-    bubble: [texts.bubble, palette.bubble[part.gas], 2.6, ""],
-    "two liquids": [texts.twoLiquids, palette.liquids, 2, "7 3"],
+  const ofGas = { width: 2.6, dash: part.gas > 0 ? "8 5" : "" };
+  const dew = part.pure
+    ? { label: texts.vapourPressure, colour: palette.bubble[part.gas] }
+    : { label: texts.dew, colour: palette.dew[part.gas] };
+  const styles: Record<string, Omit<ChartLine, "x" | "y">> = {
+    dew: { ...dew, ...ofGas },
+    bubble: { label: texts.bubble, colour: palette.bubble[part.gas], ...ofGas },
+    "two liquids": { label: texts.twoLiquids, colour: palette.liquids, width: 2, dash: "7 3", wanted: false },
   };
-  if (part.pure) styles.dew = [texts.vapourPressure, palette.bubble[part.gas], 2.6, ""];
   return part.curves.flatMap((curve) =>
-    curve.lines.map(({ kind, T, P }) => {
-      const [label, colour, width, dash] = styles[kind] ?? [texts.notStable, palette.unstable, 1.6, "2 4"];
-      return {
-        label: named(known, part.gas, label),
-        colour,
-        width,
-        dash: part.gas > 0 && dash === "" ? "8 5" : dash,
-        x: T,
-        y: P,
-      };
+    curve.lines.map(({ kind, T: x, P: y }) => {
+      const style = styles[kind];
+      if (style === undefined) return { ...notStable(known, part, palette), x, y };
+      return { ...style, label: named(known, part.gas, style.label), x, y };
     }),
   );
 }
@@ -34,22 +37,18 @@ function outlineLines(known: Known, part: EnvelopePart, palette: Palette): Chart
 function qualityLines(known: Known, part: EnvelopePart, palette: Palette): ChartLine[] {
   const dashes = ["6 4", "3 3", "9 3 2 3", "12 4", "2 2", "6 2 2 2", "4 6", "8 6", "1 3"];
   return part.curves.flatMap((curve, k) =>
-    curve.lines.map(({ T, P }) => ({
-      ...{ label: named(known, part.gas, texts.qualityLine(curve.fraction)), dash: dashes[k % dashes.length] },
-      ...{ colour: palette.quality[part.gas], width: 1.6, x: T, y: P },
-    })),
+    curve.lines.map(({ kind, T: x, P: y }) => {
+      if (kind !== "quality") return { ...notStable(known, part, palette), x, y };
+      const label = named(known, part.gas, texts.qualityLine(curve.fraction));
+      return { label, dash: dashes[k % dashes.length], colour: palette.quality[part.gas], width: 1.6, x, y };
+    }),
   );
 }
 
-/** A line in its stretches inside and outside the data behind it; neighbours share a point. */
+/** A line in its stretches inside and outside what its method was made for; neighbours share a point. */
 function stretches(part: LinePart): { inside: boolean; x: Numbers; y: Numbers }[] {
-  const within = (v: number, range: Numbers) => v >= range[0] && v <= range[1];
-  const inside = Array.from(
-    part.T,
-    (T, k) => !part.range || (within(T, part.range.T) && within(part.P[k], part.range.P)),
-  );
   const all: { inside: boolean; first: number; end: number }[] = [];
-  inside.forEach((good, k) => {
+  part.good.forEach((good, k) => {
     const last = all.at(-1);
     if (last?.inside === good) last.end = k + 1;
     else all.push({ inside: good, first: Math.max(0, k - 1), end: k + 1 });
@@ -65,8 +64,9 @@ function boundaryLines(known: Known, part: LinePart, palette: Palette): ChartLin
   const label = named(known, part.gas, part.part === "hydrate" ? texts.hydrate : texts.water);
   const colour = palette[part.part][part.gas];
   const dash = part.part === "hydrate" ? "14 3 3 3" : "5 2";
+  const anyGood = part.good.includes(true); // else the dotted line has the name
   return stretches(part).map(({ inside, x, y }) => ({
-    ...{ label: inside ? label : "", colour, width: inside ? 2 : 1.4 },
+    ...{ label: inside || !anyGood ? label : "", colour, width: inside ? 2 : 1.4 },
     ...{ dash: inside ? dash : "2 4", x, y },
   }));
 }
@@ -139,12 +139,7 @@ export function pictureOf(known: Known, point: Place | null, chosenTop: number, 
   if (point !== null) marks.push(pointMark(known, point, palette));
   const suits = Math.max(topOf(outlines, [...outline, ...over], known.bar), ...marks.map((m) => 1.05 * m.y));
   const top = chosenTop > 0 ? chosenTop : suits;
-  const main = [
-    ...outline.filter(
-      (l) => l.label.endsWith(texts.dew) || l.label.endsWith(texts.bubble) || l.label.endsWith(texts.vapourPressure),
-    ),
-    ...over,
-  ];
+  const main = [...outline, ...over].filter((l) => l.wanted !== false);
   const T = (main.length > 0 ? main : outline).flatMap((l) => Array.from(l.x).filter((_, k) => l.y[k] <= top));
   const x = rangeOf([...T, ...marks.filter((m) => m.y <= top).map((m) => m.x)]);
   const title = (what: string, quantity: string) => texts.withUnit(what, unitSymbol(known.symbols[quantity] ?? ""));

@@ -65,8 +65,8 @@ export interface LinePart {
   T: Numbers;
   P: Numbers;
   error: string;
-  /** Temperatures (without inhibitor) and pressures of the data behind it. */
-  range?: { T: Numbers; P: Numbers };
+  /** Whether a point is one that the method was made for. */
+  good: boolean[];
   /** Which field the error is about. */
   field: "" | "inhibitor" | "percent" | "waterAmount";
   notes: string[];

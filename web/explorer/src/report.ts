@@ -101,18 +101,6 @@ export function notesOf(known: Known): string[] {
     if (part.part === "hydrate" || part.part === "water") {
       const name = part.part === "hydrate" ? texts.hydrate : texts.water;
       for (const text of [part.error, ...part.notes]) if (text !== "") add(gas, texts.curveNote(name, text, true));
-      if (part.range) {
-        const ends = (quantity: string, range: ArrayLike<number>) =>
-          `${shown(range[0], 4)} to ${shown(range[1], 4)} ${unitSymbol(known.symbols[quantity])}`;
-        add(
-          gas,
-          texts.curveNote(
-            name,
-            texts.hydrateRange(ends("temperature", part.range.T), ends("pressure", part.range.P)),
-            true,
-          ),
-        );
-      }
     }
     if (part.part === "point") [part.error, ...part.notes].forEach((text) => add(gas, text));
     if (part.part === "cut" && part.missing > 0)
@@ -149,6 +137,11 @@ export class Report {
     say(this.#summary, spokenOf(known));
     const points = known.all("point").filter((part) => part.phases.length > 0);
     const open = [...this.#phases.querySelectorAll("details")].map((d) => d.open);
+    // Three phases need the whole width.
+    this.#phases.parentElement!.classList.toggle(
+      "many",
+      points.some((part) => part.phases.length > 2),
+    );
     this.#phases.replaceChildren(
       ...points.flatMap((part, k) => [
         ...(known.gases > 1 ? [h("h3", {}, texts.gasName(part.gas))] : []),

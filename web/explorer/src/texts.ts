@@ -150,6 +150,8 @@ export const texts = {
   statusOf: (text: string, status: number) => `${text} (status ${status})`,
   missingPoints: (n: number, all: number) => `no answer at ${n} of ${all} points`,
   noLine: "no answer at any point",
+  fromTo: (from: string, to: string) => `${from} to ${to}`,
+  noGas: (n: number, all: number) => `no single gas without its water at ${n} of ${all} points; dotted there`,
   hydrateRange: (T: string, P: string) => `made from data of ${T} without inhibitor and ${P}; dotted beyond`,
   vapourFraction: "Vapour fraction, mol",
   density: "Density",
