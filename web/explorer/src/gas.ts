@@ -15,6 +15,11 @@ export const inWords = (error: unknown): string =>
     .replace(/;? ?'kestrune components' lists all \d+/, "")
     .replace("allowMissingPairs: true takes them as zero", texts.tickMissing);
 
+const WATER = "7732-18-5"; // CAS number
+
+/** Mole fraction of water. */
+export const waterIn = (mixture: Mixture) => mixture.z[mixture.components.findIndex((c) => c.cas === WATER)] ?? 0;
+
 const canonical = new Map<string, string | Error>();
 
 /** The name of the databank for what was typed; an Error where there is none. */

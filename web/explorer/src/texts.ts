@@ -44,6 +44,7 @@ export const texts = {
   pasteEmpty: "There is nothing to read.",
   pasteTaken: (n: number) => `${many(n, "component")} taken from the table.`,
   pasteFailed: (message: string) => `The table was not taken: ${message}`,
+  pasteLate: "The table was not taken: something was typed in the meantime.",
   definitions: "Plus fractions and own components",
   addFraction: "Add a plus fraction",
   addComponent: "Add an own component",
@@ -173,5 +174,6 @@ export const texts = {
   theme: "Colours",
   themes: { "": "as the system", light: "light", dark: "dark" },
   exported: (name: string) => `Saved as ${name}.`,
+  notExported: (name: string, why: string) => `${name} could not be made: ${why}`,
   ready: (version: string) => `Kestrune ${version}`,
 };
