@@ -1,4 +1,5 @@
 // A state and the hydrate correlation as the command line speaks of them: names of phases, notes, warnings.
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "hydrate_range.hpp"

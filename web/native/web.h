@@ -32,8 +32,9 @@ __attribute__((visibility("default"))) int32_t kw_report(struct KaMixture* mixtu
                                                          char* text, int32_t size);
 /* JSON of what the hydrate correlation was made from: T and P, the ends of its ranges without inhibitor; warnings, what the gas
  * and its inhibitor (kind of HydrateLine, percent by mass of the solution) are outside of it. */
-__attribute__((visibility("default"))) int32_t kw_hydrate_range(const struct KaMixture* mixture, int32_t inhibitor,
-                                                                double percent, char* text, int32_t size);
+__attribute__((visibility("default"))) int32_t kw_hydrate_range(const struct KaMixture* mixture,
+                                                                int32_t inhibitor, double percent, char* text,
+                                                                int32_t size);
 
 #ifdef __cplusplus
 }
