@@ -61,9 +61,11 @@ test("nonsense in the address is named and left out", () => {
     `a=${"x:1;".repeat(5000)}`,
   ])
     assert.ok(
-      stateOf(text).state.gases.every((gas) => gas.rows.length <= 100),
+      stateOf(text).state.gases.every((gas) => gas.rows.length <= 200),
       text.slice(0, 40),
     );
+  assert.deepEqual(stateOf(`a=${"x:1;".repeat(201)}`).strange, ["a after entry 200"]);
+  assert.match(addressOf({ ...firstState(), T: "\ud8001" }), /T=%EF%BF%BD1&/);
 });
 
 test("numbers as they are typed", () => {

@@ -1,7 +1,7 @@
 // A mixture of what was typed, and which row is wrong where there is none.
 import type { Kestrune, Mixture } from "kestrune";
 import type { GasPart, Read } from "./protocol.ts";
-import { numberOf, type Gas, type State } from "./state.ts";
+import { MOST_ROWS, numberOf, type Gas, type State } from "./state.ts";
 import { texts } from "./texts.ts";
 
 export interface Made {
@@ -165,6 +165,7 @@ export function tableOf(kestrune: Kestrune, text: string): Read {
   const mixture = kestrune.mixture(`${text.replace(/\r\n?/g, "\n").trim()}\n`.replace(/^([^\n]*=[^\n]*)\n$/, "$1"), {
     allowMissingPairs: true,
   });
+  if (mixture.names.length > MOST_ROWS) throw new RangeError(texts.manyRows(mixture.names.length, MOST_ROWS));
   const cells = text.split(/\r\n?|\n/).map((line) => line.split(/[\t;]/).map((cell) => cell.trim()));
   const typed = cells.filter((row) => row.length === 2 && !Number.isNaN(amountOf(row[1])));
   const sum = typed.reduce((total, row) => total + amountOf(row[1]), 0);

@@ -1,4 +1,5 @@
 // What the page shows, as one plain object of texts as they were typed; and the address that carries it.
+import { texts } from "./texts.ts";
 
 export interface Row {
   name: string;
@@ -51,7 +52,7 @@ const PRESETS: Record<string, [string, string, string]> = {
   field: ["F", "psia", "Btu/lb"],
 };
 export const SYSTEMS = Object.keys(PRESETS);
-export const MOST_ROWS = 100;
+export const MOST_ROWS = 200;
 const LONGEST = 400;
 
 /** Temperature, pressure and energy of a unit system. */
@@ -139,8 +140,11 @@ export function addressOf(state: State): string {
     if (field === "T" || field === "P" || value !== first[field]) words.push([key, flag ? "1" : String(value)]);
   }
   if (state.chosen > 0) words.push(["chosen", "b"]);
+  // Half a character has no place in an address.
   const printed = (text: string) =>
-    encodeURIComponent(text).replace(/%(3A|3B|2C|2F|3D|20)/g, (c) => (c === "%20" ? "+" : decodeURIComponent(c)));
+    encodeURIComponent(text.replace(/\p{Surrogate}/gu, "\ufffd")).replace(/%(3A|3B|2C|2F|3D|20)/g, (c) =>
+      c === "%20" ? "+" : decodeURIComponent(c),
+    );
   return words.map(([key, value]) => `${key}=${printed(value)}`).join("&");
 }
 
@@ -179,6 +183,8 @@ export function stateOf(address: string): { state: State; strange: string[] } {
     if (wrong) strange.push(`${key}=${value.slice(0, 40)}`);
     else Object.assign(state, { [field]: flag ? value === "1" : value.slice(0, LONGEST) });
   }
+  for (const key of known)
+    if (listOf(words.get(key) ?? "").length > MOST_ROWS) strange.push(texts.rowsBeyond(key, MOST_ROWS));
   for (const key of words.keys())
     if (![...known, "chosen", ...FIELDS.map((f) => f.key)].includes(key)) strange.push(key.slice(0, 40));
   return { state, strange };

@@ -29,6 +29,8 @@ export const texts = {
   bases: { mole: "moles", mass: "masses" },
   sum: (sum: string, off: boolean) => `Sum as typed ${sum}${off ? ", normalised to 100 mol %" : ""}`,
   molarMass: (M: string) => `molar mass ${M} g/mol`,
+  rowsBeyond: (key: string, most: number) => `${key} after entry ${most}`,
+  manyRows: (n: number, most: number) => `${n} components are too many for this page: at most ${most}`,
   leftOut: "no amount: left out",
   noName: "The amount has no component.",
   noAmount: (text: string) => `"${text}" is no amount: write a number, 12.5 or 12.5%.`,
