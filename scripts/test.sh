@@ -183,6 +183,7 @@ check wheel sh scripts/wheel.sh --test native ${release:+win64}
 if [ "$release" ]; then
   check packages make_and_check_packages
   check web sh scripts/web.sh --test
+  check explorer sh scripts/explorer.sh --test
   check clang sh scripts/check.sh clang
   check tidy sh scripts/check.sh --all tidy
 fi

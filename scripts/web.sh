@@ -26,9 +26,12 @@ install_tools() {
   [ -n "$missing" ] || return 0
   [ "$(id -u)" = 0 ] || fail "not root; please install: $missing"
   mkdir -p build/logs
+  # An index that fails to load is no reason to stop: what is there may do.
   # shellcheck disable=SC2086 # the packages are separate words
-  { apt-get update && DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends $missing; } \
-    >build/logs/web_setup.log 2>&1 </dev/null || fail "cannot install $missing: build/logs/web_setup.log"
+  {
+    apt-get update || true
+    DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=600 install -y --no-install-recommends $missing
+  } >build/logs/web_setup.log 2>&1 </dev/null || fail "cannot install $missing: build/logs/web_setup.log"
 }
 
 # The module and its archive.

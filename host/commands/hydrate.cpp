@@ -5,29 +5,19 @@
 #include <algorithm>
 #include <cmath>
 
-#include "cas.hpp"
 #include "commands/points.hpp"
 #include "error.hpp"
+#include "hydrate_range.hpp"
 #include "text.hpp"
 
 namespace kestrune::host {
 
 namespace {
 
-// What the correlation was made from: sweet natural gas between these (the range of the data that Bahadori and Vuthaluru,
-// J. Natural Gas Chem. 18 (2009), state for the same chart). Beyond the second pair no answer is given.
-constexpr double kLowestGravity = 0.55, kHighestGravity = 1.0;
-constexpr double kLowestT = 265.0, kHighestT = 298.0, kEndT = 313.15;  // K, without inhibitor
-constexpr double kLowestP = 12e5, kHighestP = 400e5, kEndP = 1000e5;   // Pa
-// Hammerschmidt's depression: mass percent of alcohols and glycols, of salts, and where it loses all meaning.
-constexpr double kMostAlcohol = 25.0, kMostSalt = 20.0, kEndPercent = 70.0;
+constexpr double kEndPercent = 70.0;
 constexpr double kStartT = 200.0;                       // K: below it no answer, see kEndT
+constexpr double kEndT = 313.15, kEndP = 1000e5;        // K, without inhibitor, and Pa
 constexpr double kLeastMass = 30.0, kMostMass = 200.0;  // g/mol of an inhibitor: methanol 32, TEG 150
-constexpr double kMuchNitrogen = 0.2;
-constexpr double kLittle = 0.02;  // hydrogen, oxygen, helium, argon, water, alcohols: a natural gas has less
-constexpr double kSweetH2S = 0.001, kSweetCO2 = 0.05, kAlmostMethane = 0.98;  // mole fractions
-constexpr std::int32_t kForeign[] = {cas::kHydrogen, cas::kOxygen, cas::kHelium, cas::kArgon, cas::kWater,
-                                     cas::kMethanol, cas::kMEG,    cas::kDEG,    cas::kTEG,   cas::kCO};
 
 struct HydrateOptions {
   MixtureOptions mixture;
@@ -40,7 +30,6 @@ struct Inhibitor {
   std::string name = "none";
   std::int32_t kind = 0;
   double molar_mass = 0.0;  // g/mol, of kind 5
-  bool salt() const { return kind >= 2 && kind <= 4; }
 };
 
 // A salt or methanol, a glycol of the databank, or a molar mass.
@@ -87,32 +76,6 @@ double needed_percent(const Exports& library, Mixture& m, const Inhibitor& i, do
   return 100.0 * depression / (depression + at_half);
 }
 
-// What a gas is that the correlation was not made for; sentences.
-std::vector<std::string> gas_warnings(const Mixture& m) {
-  const auto share = [&](std::int32_t cas_number) { return share_of(m, m.z, cas_number); };
-  std::vector<std::string> lines;
-  const double gravity = m.molar_mass / 28.966, h2s = share(cas::kH2S), co2 = share(cas::kCO2);
-  if (!(gravity >= kLowestGravity && gravity <= kHighestGravity))
-    lines.push_back(
-        fmt::format("gravity {:.4g} outside {:g} to {:g}", gravity, kLowestGravity, kHighestGravity));
-  if (h2s > kSweetH2S)
-    lines.push_back(fmt::format(
-        "{:.3g} % hydrogen sulfide, outside sweet gas: hydrates form at higher temperature", 100.0 * h2s));
-  if (co2 > kSweetCO2) lines.push_back(fmt::format("{:.3g} % carbon dioxide, outside sweet gas", 100.0 * co2));
-  for (std::size_t i = 0; i < m.z.size(); ++i) {
-    const Component& c = m.components[i];
-    const bool foreign =
-        std::find(std::begin(kForeign), std::end(kForeign), c.cas_number) != std::end(kForeign);
-    if (foreign && m.z[i] > kLittle)
-      lines.push_back(fmt::format("{:.3g} % {}, outside natural gas", 100.0 * m.z[i], c.name));
-  }
-  if (share(cas::kNitrogen) > kMuchNitrogen)
-    lines.push_back(fmt::format("{:.3g} % nitrogen, outside natural gas", 100.0 * share(cas::kNitrogen)));
-  else if (share(cas::kMethane) + share(cas::kNitrogen) > kAlmostMethane && h2s + co2 <= kSweetCO2)
-    lines.push_back("almost methane alone, for which 5 to 7 K less are measured");
-  return lines;
-}
-
 std::string range(const Unit& unit, double low, double high, int digits) {
   return fmt::format("{:.{}f} to {:.{}f} {}", unit.from_base(low), digits, unit.from_base(high), digits,
                      unit.name);
@@ -130,8 +93,8 @@ std::string beyond(const UnitSystem& units, double T, double P, double bare) {
       "{:.5g} {}, "
       "made from data of {} and {}",
       of_T.from_base(T), of_T.name, of_P.from_base(P), of_P.name, of_T.from_base(kEndT), of_T.name,
-      of_P.from_base(kEndP), of_P.name, range(of_T, kLowestT, kHighestT, 1),
-      range(of_P, kLowestP, kHighestP, 0));
+      of_P.from_base(kEndP), of_P.name, range(of_T, kHydrateLowestT, kHydrateHighestT, 1),
+      range(of_P, kHydrateLowestP, kHydrateHighestP, 0));
 }
 
 // Adds a point with its warnings; one beyond the correlation has no answer.
@@ -147,11 +110,11 @@ void add_point(const UnitSystem& units, double T, double P, bool at_T, double sh
     points.warnings.push_back(reason);
     return;
   }
-  if (!(bare >= kLowestT && bare <= kHighestT))
+  if (!(bare >= kHydrateLowestT && bare <= kHydrateHighestT))
     warnings.push_back(fmt::format("temperature{} outside {}", shift > 0.0 ? " without inhibitor" : "",
-                                   range(of_T, kLowestT, kHighestT, 1)));
-  if (!(P >= kLowestP && P <= kHighestP))
-    warnings.push_back(fmt::format("pressure outside {}", range(of_P, kLowestP, kHighestP, 0)));
+                                   range(of_T, kHydrateLowestT, kHydrateHighestT, 1)));
+  if (!(P >= kHydrateLowestP && P <= kHydrateHighestP))
+    warnings.push_back(fmt::format("pressure outside {}", range(of_P, kHydrateLowestP, kHydrateHighestP, 0)));
   points.columns[0].values.push_back(T);
   points.columns[1].values.push_back(P);
   points.statuses.push_back(KV_OK);
@@ -163,9 +126,7 @@ double add_points(const HydrateOptions& options, const UnitSystem& units, const 
                   Mixture& mixture, const Inhibitor& inhibitor, double percent, Points& points) {
   const HydrateCurve line = curve(library, mixture, inhibitor, percent);
   const double shift = curve(library, mixture, {}, 0.0).T[0] - line.T[0];
-  std::vector<std::string> warnings = gas_warnings(mixture);
-  const double most = inhibitor.salt() ? kMostSalt : kMostAlcohol;
-  if (percent > most) warnings.push_back(fmt::format("{:.4g} % inhibitor outside 0 to {:g} %", percent, most));
+  const std::vector<std::string> warnings = hydrate_warnings(mixture, inhibitor.kind, percent);
   const bool at_T = !options.temperature.empty();
   const auto add = [&](double T, double P) { add_point(units, T, P, at_T, shift, warnings, points); };
   if (options.temperature.empty() && options.pressure.empty()) {

@@ -10,6 +10,7 @@
 #include "commands/conditions.hpp"
 #include "commands/session.hpp"
 #include "equilibrium.hpp"
+#include "notes.hpp"
 
 namespace kestrune::host {
 
@@ -68,24 +69,6 @@ void print_numbers(const StateReport& report, const std::vector<std::string>& na
 
 // ---- state_text.cpp: for the reader -------------------------------------------------------------
 
-inline constexpr const char* kSaturationText =
-    "the water of a gas is by the group interactions; its saturation by the command water is the one to trust "
-    "(docs/water.md): --water-model saturation";
-inline constexpr const char* kLiquidCO2Text =
-    "a liquid rich in carbon dioxide holds far too much water by the group interactions; the command water is "
-    "nearer "
-    "(docs/water.md)";
-inline constexpr const char* kOilText =
-    "water in a hydrocarbon liquid by the group interactions: near ambient temperature orders of magnitude too "
-    "little; "
-    "--free-water --solubility A,B takes another";
-inline constexpr const char* kExtrapolatedText =
-    "temperature outside the range of the ideal-gas heat capacity of at least one component: continued beyond "
-    "it";
-inline constexpr const char* kNegativeHeatText =
-    "negative heat capacity: the model's own, where its k_ij change steeply with temperature; no property of a "
-    "fluid";
-
 // "success", or number and text
 std::string status_in_words(StatusCode status);
 // What a state ended with: the text of the status, that it is not stable, or what is known of an enthalpy or entropy
@@ -102,8 +85,9 @@ void print_state(const StateReport& report, const Equilibrium& state, std::ostre
 // One row per property, one column per phase and, of several, one for all of them.
 void print_properties(const StateReport& report, const Equilibrium& state, std::span<const Property> rows,
                       std::ostream& out);
-// Limits of the model, remarks on states, and the water of gases; each once.
-std::vector<std::string> notes_of(const StateReport& report);
+inline std::vector<std::string> notes_of(const StateReport& report) {
+  return notes_of(report.mixture, report.states);
+}
 // Which properties are missing and why, whether heat capacities were continued, what the model cannot do, what was
 // remarked on the states; once, nothing if all is well.
 void print_notes(const StateReport& report, std::ostream& out);

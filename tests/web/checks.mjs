@@ -55,6 +55,26 @@ function pureComponents() {
   assert.ok(propane.at("vapourPressure", { T: [300, 400] }).outside.every((o) => o === false));
 }
 
+function reportsAreThoseOfTheCommandLine() {
+  const wet = kestrune.mixture({ methane: 0.6, ethane: 0.05, nC4: 0.05, nC6: 0.1, nC8: 0.1, water: 0.1 }, { units: "C,bar" });
+  const [report, state] = [wet.report({ T: 40, P: 40 }), wet.flash({ T: 40, P: 40 })];
+  assert.deepEqual(report.phases.map((p) => p.name), ["vapour", "hydrocarbon liquid", "aqueous liquid"]);
+  [...state].forEach((phase, k) => {
+    for (const name of ["fraction", "molarMass", "density", "enthalpy", "Cp"]) near(report.phases[k][name], phase[name]);
+    assert.deepEqual(report.phases[k].x, phase.x);
+  });
+  near(report.overall.enthalpy, state.enthalpy);
+  assert.deepEqual([report.phases[1].viscosity, report.notes.some((note) => note.includes("not for liquid water"))], [null, true]);
+  assert.deepEqual(gas.report({ T: 20, P: 200, units: "C,bar" }).phases.map((p) => p.name), ["dense"]);
+  refused(KestruneError, "report of methane, ethane, propane, 1 more at T = 220 K and P = -5 Pa: ", () => gas.report({ T: 220, P: -5 }));
+  refused(RangeError, 'no option "z"', () => gas.report({ T: 220, P: 1e5, z: [1] }));
+  const sour = kestrune.mixture({ methane: 90, CO2: 10 });
+  const { T, P, warnings } = sour.hydrateRange({ inhibitor: "NaCl", percent: 22, units: "C,bar" });
+  assert.deepEqual([...T, ...P].map((v) => Math.round(100 * v) / 100), [-8.15, 24.85, 12, 400]);
+  assert.deepEqual(warnings, ["10 % carbon dioxide, outside sweet gas", "22 % inhibitor outside 0 to 20 %"]);
+  assert.equal(sour.givenSum, 100);
+}
+
 /** What somebody may pass by mistake, or a program on its way to something else. */
 const cyclic = {};
 cyclic.self = cyclic;
@@ -86,6 +106,8 @@ function randomInputNeverTraps(rounds) {
     () => gas.water.content({ T: 280, P: 1e6, ...some("T", "P", "method") }),
     () => gas.water.dew(some("T", "P", "water", "method")),
     () => gas.hydrate(some("T", "P", "inhibitor", "percent")),
+    () => gas.hydrateRange(some("inhibitor", "percent")),
+    () => gas.report(some("T", "P", "units")),
     () => kestrune.components(odd()),
     () => kestrune.pure(odd()).at(odd(), some("T")),
     () => kestrune.pure("water").at("vapourPressure", { T: odd() }),
@@ -152,6 +174,7 @@ async function readmeWorks() {
 arraysAreStates();
 pureComponents();
 errorsSayWhatIsWrong();
+reportsAreThoseOfTheCommandLine();
 randomInputNeverTraps(1000);
 await bareExportsCheckTheirWords();
 await aTrapIsSaid();

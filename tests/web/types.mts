@@ -14,6 +14,8 @@ const feeds: Float64Array = gas.flash({ T: 20, P: 40, z: [[1, 0], [0, 1]] }).T;
 const phases: Phase<number>[] = [...one];
 const dew: number = gas.water.dew({ P: 70, water: 60e-6 }).T;
 const lines: Float64Array[] = gas.envelope({ quality: [0.5] }).curve.lines.map((l) => l.T);
+const report: [string, number | null][] = gas.report({ T: 20, P: 40 }).phases.map((p) => [p.name, p.viscosity]);
+const warnings: string[] = gas.hydrateRange({ inhibitor: "MEG", percent: 20 }).warnings;
 // @ts-expect-error three of them
 gas.flash({ T: 20, P: 40, H: 0 });
 // @ts-expect-error no such phase
@@ -24,4 +26,4 @@ try {
   if (error instanceof KestruneError) console.log(error.status, error.text);
 }
 const status: number = bareExports(kestrune).MolecularWeight(1, [1], [16], new Float64Array(1));
-console.log(beta, density, betas, x, feeds, phases, dew, lines, status, new MixtureRecord([], 1));
+console.log(beta, density, betas, x, feeds, phases, dew, lines, report, warnings, status, new MixtureRecord([], 1));

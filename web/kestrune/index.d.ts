@@ -146,6 +146,8 @@ export interface Mixture {
   readonly components: readonly Component[];
   /** What is to be known of it: amounts that were normalised, interactions taken as zero. */
   readonly notes: readonly string[];
+  /** Of the amounts as they were given. */
+  readonly givenSum: number;
   readonly title: string;
   readonly units: Units;
   flash<const G extends FlashGiven>(given: G): State<Shape<G>>;
@@ -165,6 +167,10 @@ export interface Mixture {
   readonly water: Water;
   /** Where hydrate forms, by the gravity of the gas, 200 to 313.15 K without inhibitor and up to 1000 bar. */
   hydrate<const G extends Inhibited & OneOfTP>(given: G): Boundary<Shape<G>>;
+  /** Temperatures (without inhibitor) and pressures of the data behind it; warnings: what gas and inhibitor are outside of them. */
+  hydrateRange(given?: Inhibited): { T: Float64Array; P: Float64Array; warnings: string[] };
+  /** The state at T and P as the command line reports it; KestruneError where there is no answer. */
+  report(given: { T: number; P: number; units?: UnitSystem }): Report;
   /** Frees its memory now, not when the garbage collector finds it. */
   dispose(): void;
 }
@@ -211,6 +217,19 @@ export interface PlainState<V extends number | Float64Array = number | Float64Ar
   status: V extends number ? number : Int32Array;
   phases: ({ name: string; fraction: V; x: Rows<V>; aqueous: Flags<V> } & Partial<Record<Property, V | null>>)[];
 }
+
+/** Phases by the names of the command line ("vapour", "dense", "hydrocarbon liquid", ...), plain data. */
+export interface Report {
+  T: number;
+  P: number;
+  phases: PhaseReport[];
+  /** All phases together. */
+  overall: PhaseReport;
+  /** Limits of the model and remarks on this state. */
+  notes: string[];
+}
+/** A phase with its properties, null where it has none of the kind. */
+export type PhaseReport = { name: string; fraction: number; x: Float64Array; molarMass: number } & Record<Property, number | null>;
 
 export type Property =
   | ("Z" | "density" | "molarVolume" | "enthalpy" | "entropy" | "freeEnthalpy" | "Cp" | "Cv" | "speedOfSound")

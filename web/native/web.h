@@ -24,6 +24,18 @@ __attribute__((visibility("default"))) int32_t kw_pure_boiling(const char* compo
                                                                const double* P, double* T, char* text,
                                                                int32_t size);
 
+struct KaMixture;
+/* JSON of the state at T and P as the command line reports it: status; phases, each with name, fraction (of the moles), x,
+ * molar_mass (g/mol) and values in the order of KaProperty, null where there is none; overall, the same of all of them
+ * together; notes, what is to be said of the state. */
+__attribute__((visibility("default"))) int32_t kw_report(struct KaMixture* mixture, double T, double P,
+                                                         char* text, int32_t size);
+/* JSON of what the hydrate correlation was made from: T and P, the ends of its ranges without inhibitor; warnings, what the gas
+ * and its inhibitor (kind of HydrateLine, percent by mass of the solution) are outside of it. */
+__attribute__((visibility("default"))) int32_t kw_hydrate_range(const struct KaMixture* mixture,
+                                                                int32_t inhibitor, double percent, char* text,
+                                                                int32_t size);
+
 #ifdef __cplusplus
 }
 #endif

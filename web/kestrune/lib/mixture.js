@@ -4,8 +4,9 @@ import * as calls from "./calls.js";
 import { criticalPoint, Envelope, ENVELOPE_OPTIONS } from "./curves.js";
 import { isGood, KestruneError } from "./errors.js";
 import { GAS, LIQUID, Phase } from "./phase.js";
+import { report } from "./report.js";
 import { State } from "./state.js";
-import { hydrate, Water } from "./water.js";
+import { hydrate, hydrateRange, Water } from "./water.js";
 
 const WATER = "7732-18-5"; // CAS number
 const MOST_COMPONENTS = 400; // whose group data are 50 MB
@@ -104,6 +105,7 @@ export class Mixture {
     this.molarMasses = Object.freeze(this.components.map((c) => c.molarMass));
     this.z = Object.freeze(this.#about.z);
     this.molarMass = this.#about.molar_mass;
+    this.givenSum = this.#about.given_sum;
     this.notes = Object.freeze(this.#about.notes);
     const more = this.names.length > 3 ? `, ${this.names.length - 3} more` : "";
     this.title = recipe.name || this.#about.title || this.names.slice(0, 3).join(", ") + more;
@@ -291,6 +293,16 @@ export class Mixture {
   /** Where hydrate forms of the mixture as a gas, with or without inhibitor. */
   hydrate(options) {
     return hydrate(this, options, (text) => this.#kestrune.components(text));
+  }
+
+  /** Temperatures and pressures of the data behind it, and what this gas and its inhibitor are outside of them. */
+  hydrateRange(options) {
+    return hydrateRange(this, options, (text) => this.#kestrune.components(text));
+  }
+
+  /** The state at a temperature and a pressure as the command line reports it: phases by name, and what is to be said of it. */
+  report(given) {
+    return report(this, given);
   }
 
   toString() {

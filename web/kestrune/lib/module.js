@@ -67,6 +67,7 @@ export class Module {
   #trap = null;
   #registry;
   #view = new Float64Array(0);
+  #room = ERROR_SIZE; // for a text of the module, at least what the last ones needed: it is made anew where that is too little
 
   constructor(compiled, onMessage) {
     this.#instance = new WebAssembly.Instance(compiled, importsOf(compiled, () => this.#instance, onMessage));
@@ -207,15 +208,16 @@ export class Module {
 
   /** What a function writes as a text of any length. */
   read(name, ...args) {
-    for (let size = ERROR_SIZE; ; ) {
+    for (let size = this.#room; ; ) {
       const [length, text] = this.frame(() => {
         const at = this.take(size);
         const written = this.raw(name, ...args, at, size);
         return [written, this.textAt(at)];
       });
-      if (length < 0) throw refusal(text);
+      if (length < 0) throw refusal(text.slice(0, ERROR_SIZE));
       if (length < size) return text;
       size = length + 1;
+      this.#room = Math.max(this.#room, Math.min(size, SCRATCH / 4));
     }
   }
 

@@ -130,6 +130,16 @@ export function hydrate(mixture, options, find) {
   return boundary(shownIn, wanted, first, found, status, length);
 }
 
+/** What the correlation was made from without inhibitor, and what the gas and its inhibitor are outside of it. */
+export function hydrateRange(mixture, options, find) {
+  const o = optionsOf("hydrateRange", options, ["inhibitor", "percent", "units"]);
+  const shownIn = mixture.unitsOf(o.units);
+  const [module, handle] = mixture.native();
+  const [kind] = inhibitorOf(o.inhibitor, find);
+  const { T, P, warnings } = JSON.parse(module.read("kw_hydrate_range", handle, kind, percentOf(o)));
+  return { T: shownIn.fromSi("temperature", T), P: shownIn.fromSi("pressure", P), warnings };
+}
+
 /** Mass percent of the inhibitor, which comes with one. */
 function percentOf({ inhibitor, percent }) {
   const none = inhibitor === undefined || inhibitor === null;
