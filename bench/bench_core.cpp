@@ -7,7 +7,7 @@
 #include "eos/phase.hpp"
 #include "eos/temperature.hpp"
 #include "flash/isothermal.hpp"
-#include "frame/state.hpp"
+#include "frame/exports/context.hpp"
 #include "gases.hpp"
 #include "support/arena.hpp"
 
@@ -20,7 +20,7 @@ constexpr double kLowest = 1.0 * kAtmPerBar, kHighest = 150.0 * kAtmPerBar;
 
 // This program's own copy of the library's state.
 void use(tests::Mixture& m) {
-  frame::GroupData& data = frame::state().group_data;
+  eos::GroupData& data = exports::group_data;
   data = {m.n, m.groups, m.storage[1], m.storage[2], m.storage[3], m.storage[4], m.storage[5]};
   eos::convert_group_data(m.n, m.groups, m.counts.data(), m.A.data(), m.B.data(), data);
 }
@@ -46,7 +46,7 @@ struct Evaluations {
   std::vector<double> s, s_t, ln_phi, dT, dP, dn;
   std::vector<double> memory = std::vector<double>(65536);
   eos::Temperature t;
-  frame::tools::KvBracub bracub = nullptr;
+  eos::CubicRoot bracub = nullptr;
 
   explicit Evaluations(std::shared_ptr<Gas> g)
       : gas(std::move(g)), n(gas->mixture.n), ld(support::padded(n)), P(kStates), x(kStates * ld) {
@@ -63,9 +63,9 @@ struct Evaluations {
 
   void prepare(int order) {
     use(gas->mixture);
-    bracub = frame::tools::bracub();
+    bracub = exports::kTools.cubic_root();
     support::Arena arena(memory.data(), memory.size() * sizeof(double));
-    eos::prepare(kTemperature, gas->mixture.record, frame::state().group_data, order, arena, t);
+    eos::prepare(kTemperature, exports::context_of(&gas->mixture.record), order, arena, t);
   }
 
   // ln phi and Z; returns the pieces that the derivatives go on with.
@@ -100,8 +100,7 @@ Case prepare_case(const std::shared_ptr<Gas>& g, int order) {
     for (int k = 0; k < kStates; ++k) {
       sum += support::with_arena<4, 60>(g->mixture.n, [&](support::Arena& arena) {
         eos::Temperature t;
-        eos::prepare(150.0 + k * (200.0 / kStates), g->mixture.record, frame::state().group_data, order, arena,
-                     t);
+        eos::prepare(150.0 + k * (200.0 / kStates), exports::context_of(&g->mixture.record), order, arena, t);
         return t.aij[1];
       });
     }
@@ -192,7 +191,7 @@ StatusCode flash_once(Gas& g, double T, double P, FlashResult& to, flash::Counts
   call.T = T;
   call.P = P;
   call.z = g.feed.data();
-  call.mixture = &g.mixture.record;
+  call.context = exports::context_of(&g.mixture.record);
   call.beta = &to.beta;
   call.x = to.x.data();
   call.y = to.y.data();

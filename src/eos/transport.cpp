@@ -10,7 +10,6 @@
 #include "eos/water.hpp"
 #include "frame/cas.hpp"
 #include "frame/provider.hpp"
-#include "frame/tools_bridge.hpp"
 #include "support/mathkernels.hpp"
 
 namespace kestrune::eos {
@@ -105,14 +104,14 @@ struct Present {
 };
 
 StatusCode find_present(const Phase& p, support::Arena& arena, Present& out) {
-  const int n = p.mixture->count;
+  const int n = p.context.record->count;
   out.index = arena.take_ints(n);
   for (double** array : {&out.x, &out.Tc, &out.Pc, &out.Vc, &out.Zc, &out.M}) *array = arena.take(n);
   double total = 0.0;
   for (int i = 0; i < n; ++i) {
     if (!(p.x[i] >= kSmallestFraction)) continue;
     Critical c;
-    if (!critical_constants(*p.mixture, i, c)) return KV_COMPONENT_DATA;
+    if (!critical_constants(*p.context.record, i, c)) return KV_COMPONENT_DATA;
     const int k = out.count++;
     out.index[k] = i;
     out.x[k] = p.x[i];
@@ -127,8 +126,8 @@ StatusCode find_present(const Phase& p, support::Arena& arena, Present& out) {
   for (int k = 0; k < out.count; ++k) out.x[k] /= total;
   const std::int32_t count = out.count;
   Critical& m = out.mixture;
-  frame::tools::CalcKayMR(&count, out.x, out.Tc, out.Pc, out.Vc, out.Zc, out.M, &m.Tc, &m.Pc, &m.Vc, &m.Zc,
-                          &m.M);
+  p.context.tools->kay_rules()(&count, out.x, out.Tc, out.Pc, out.Vc, out.Zc, out.M, &m.Tc, &m.Pc, &m.Vc, &m.Zc,
+                               &m.M);
   return KV_OK;
 }
 
@@ -157,7 +156,7 @@ double weighted_mean(const Present& c, const double* value, const double* mu, do
 // The frame of both properties: components, their dilute values, the mixture, and what the density adds.
 template <class Mean, class Dense>
 StatusCode gas_property(const Phase& p, Mean&& mean, Dense&& dense, double& out) {
-  return support::with_arena<1, 40>(p.mixture->count, [&](support::Arena& arena) -> StatusCode {
+  return support::with_arena<1, 40>(p.context.record->count, [&](support::Arena& arena) -> StatusCode {
     Present c;
     const StatusCode status = find_present(p, arena, c);
     if (status != KV_OK) return status;
@@ -176,10 +175,10 @@ StatusCode gas_property(const Phase& p, Mean&& mean, Dense&& dense, double& out)
 
 // mu[count]; the gravest status of the components, of one without a value at once.
 StatusCode dilute_viscosities(const Phase& p, const Present& c, support::Arena& arena, double* mu) {
-  double* alone = arena.zeros(p.mixture->count);
+  double* alone = arena.zeros(p.context.record->count);
   StatusCode all = KV_OK;
   for (int k = 0; k < c.count && has_values(all); ++k)
-    all = graver(all, dilute_viscosity(p.T, *p.mixture, c.index[k], c.at(k), alone, mu[k]));
+    all = graver(all, dilute_viscosity(p.T, *p.context.record, c.index[k], c.at(k), alone, mu[k]));
   return all;
 }
 
@@ -275,7 +274,7 @@ StatusCode gas_conductivity(const Phase& p, double& conductivity) {
     double *lambda = arena.take(c.count), *mu = arena.take(c.count);
     StatusCode status = dilute_viscosities(p, c, arena, mu);
     for (int k = 0; k < c.count && has_values(status); ++k)
-      status = graver(status, dilute_conductivity(p.T, *p.mixture, c.index[k], c.at(k), lambda[k]));
+      status = graver(status, dilute_conductivity(p.T, *p.context.record, c.index[k], c.at(k), lambda[k]));
     if (has_values(status)) value = weighted_mean(c, lambda, mu, arena.take(c.count), arena.take(c.count));
     return status;
   };

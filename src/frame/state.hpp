@@ -1,5 +1,6 @@
-// Everything that the library remembers between calls: one record, one instance. What is not in here is
-// an argument or a local variable.
+// Everything that the frame remembers between calls: one record, one instance, of which nothing below the
+// exports knows. What is not in here, nor the group data of frame/exports/context.hpp, is an argument or a
+// local variable.
 //
 // The binding cells are atomic, so that two calls that bind the same entry at the same time both end with
 // the same good address. The rest belongs to one thread at a time, as stated at each field.
@@ -70,17 +71,6 @@ using ProviderEntry = std::atomic<void*>;
 // Handle of one sibling library; null until its first use.
 using LibraryCell = std::atomic<void*>;
 
-// Group data as ConvertPPR78GroupData leaves it. The buffers belong to the host.
-struct GroupData {
-  std::int32_t components = 0;
-  std::int32_t groups = 0;
-  double* A = nullptr;            // [groups * groups] atm, symmetric
-  double* B = nullptr;            // [groups * groups] atm, symmetric
-  double* fractions = nullptr;    // [components * groups]
-  double* ratio = nullptr;        // [groups * groups] B / A
-  double* differences = nullptr;  // [groups * components * components]
-};
-
 inline constexpr std::int32_t kTraceStackDepth = 32;
 
 // Names and units of the trace files that are in use, innermost call last. One calling thread.
@@ -104,8 +94,6 @@ struct State {
   // Folder in which the sibling libraries are looked for first, with its trailing separator.
   bool folder_override_set = false;
   char folder_override[kFolderCapacity] = {};
-
-  GroupData group_data;
 
   TraceStack traces;
 

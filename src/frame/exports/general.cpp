@@ -4,7 +4,7 @@
 
 #include "eos/group_data.hpp"
 #include "frame/boundary.hpp"
-#include "frame/state.hpp"
+#include "frame/exports/context.hpp"
 #include "kestrune/kvgasthermo.h"
 
 namespace {
@@ -13,7 +13,7 @@ using namespace kestrune;
 
 StatusCode convert(int nC, int nG, const int32_t* counts, const double* A, const double* B,
                    double* const* storage) {
-  frame::GroupData& data = frame::state().group_data;
+  eos::GroupData& data = exports::group_data;
   data = {};
   // Nothing that could be worked with: later calls answer that there are no group data.
   if (storage == nullptr || counts == nullptr || A == nullptr || B == nullptr) return KV_NULL_ARGUMENT;
