@@ -41,7 +41,7 @@ StatusCode entropy_at(const Middle& m, double T, double& S) {
   p.T = T;
   return support::with_arena<3, 60>(p.context.record->count, [&](support::Arena& arena) -> StatusCode {
     IdealGas ideal;
-    const StatusCode status = ideal_gas(T, *p.context.record, p.x, kIdealS, arena, ideal);
+    const StatusCode status = ideal_gas(T, p.context, p.x, kIdealS, arena, ideal);
     if (!has_values(status)) return status;
     S = ideal_entropy(p.context.record->count, p.x, p.P, ideal);
     if (!(m.seen.share > 0.0)) return KV_OK;
@@ -152,7 +152,7 @@ StatusCode mole_number_slopes(const Middle& m, IdealGas ideal, double S, support
   bool good = true;
   for (int i = 0; i < n; ++i) {
     const bool absent = !(p.x[i] >= kSmallestFraction);
-    if (absent && !has_values(ideal_gas_of(p.T, *p.context.record, i, ideal))) ideal.s[i] = 0.0;
+    if (absent && !has_values(ideal_gas_of(p.T, p.context, i, ideal))) ideal.s[i] = 0.0;
     dn[i] += ideal.s[i] - pressure - kCalR * std::log(absent ? kSmallestFraction : p.x[i]) - S;
     good &= std::fabs(dn[i]) <= DBL_MAX;
   }
@@ -166,7 +166,7 @@ StatusCode entropy_derivatives(const Phase& p, int mask, WithDerivatives& out) {
   const bool with_n = (mask & KV_DERIV_N) != 0;
   return support::with_arena<5, 110>(n, [&](support::Arena& arena) -> StatusCode {
     IdealGas ideal;
-    const StatusCode status = ideal_gas(p.T, *p.context.record, p.x, kIdealS, arena, ideal);
+    const StatusCode status = ideal_gas(p.T, p.context, p.x, kIdealS, arena, ideal);
     if (!has_values(status)) return status;
     const int ld = support::padded(n);
     Middle m{p, as_seen(p, arena.zeros(ld))};

@@ -197,7 +197,7 @@ StatusCode enthalpy_and_entropy(const Phase& p, bool want_H, bool want_S, Calori
   return support::with_arena<3, 60>(n, [&](support::Arena& arena) -> StatusCode {
     IdealGas ideal;
     const unsigned parts = (want_H ? kIdealH : 0u) | (want_S ? kIdealS : 0u);
-    StatusCode status = ideal_gas(p.T, *p.context.record, p.x, parts, arena, ideal);
+    StatusCode status = ideal_gas(p.T, p.context, p.x, parts, arena, ideal);
     if (!has_values(status)) return status;
     const Seen seen = as_seen(p, arena.zeros(support::padded(n)));
     PhaseValues v;
@@ -252,8 +252,7 @@ StatusCode enthalpy_derivatives(const Phase& p, int mask, WithDerivatives& out) 
   const bool with_T = (mask & KV_DERIV_T) != 0, with_n = (mask & KV_DERIV_N) != 0;
   return support::with_arena<5, 80>(n, [&](support::Arena& arena) -> StatusCode {
     IdealGas ideal;
-    StatusCode status =
-        ideal_gas(p.T, *p.context.record, p.x, kIdealH | (with_T ? kIdealCp : 0u), arena, ideal);
+    StatusCode status = ideal_gas(p.T, p.context, p.x, kIdealH | (with_T ? kIdealCp : 0u), arena, ideal);
     if (!has_values(status)) return status;
     const Seen seen = as_seen(p, arena.zeros(support::padded(n)));
     PhaseValues v;
@@ -287,7 +286,7 @@ StatusCode enthalpy_derivatives(const Phase& p, int mask, WithDerivatives& out) 
       const IdealGas h_only{ideal.h, nullptr, nullptr};
       for (int i = 0; i < n; ++i) {
         if (p.x[i] >= kSmallestFraction) continue;
-        if (!has_values(ideal_gas_of(p.T, *p.context.record, i, h_only))) ideal.h[i] = 0.0;
+        if (!has_values(ideal_gas_of(p.T, p.context, i, h_only))) ideal.h[i] = 0.0;
       }
       for (int i = 0; i < n; ++i) out.dn[i] = (i == seen.water ? water.value : v.h_partial[i]) - excess;
       add_ideal_dn(p, ideal, H_ideal, out.dn);
@@ -311,7 +310,7 @@ StatusCode specific_heat(const Phase& p, int selector, SpecificHeat& out) {
     double Cp_ideal = 0.0;
     if (wanted(1)) {
       IdealGas ideal;
-      status = ideal_gas(p.T, *p.context.record, p.x, kIdealCp, arena, ideal);
+      status = ideal_gas(p.T, p.context, p.x, kIdealCp, arena, ideal);
       if (!has_values(status)) return status;
       Cp_ideal = ideal_heat_capacity(n, p.x, ideal);
     }

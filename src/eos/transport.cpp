@@ -9,7 +9,6 @@
 
 #include "eos/water.hpp"
 #include "frame/cas.hpp"
-#include "frame/provider.hpp"
 #include "support/mathkernels.hpp"
 
 namespace kestrune::eos {
@@ -78,17 +77,18 @@ double inverse_conductivity(const Critical& c) {
  * continued along curve(T), with KV_PURE_RANGE. Other statuses have no value.
  */
 template <class Curve>
-StatusCode dilute_value(PureProperty property, double T, std::int32_t cas, Curve&& curve, double& value) {
+StatusCode dilute_value(const Tools& tools, PureProperty property, double T, std::int32_t cas, Curve&& curve,
+                        double& value) {
   StatusCode status = KV_OK;
-  value = frame::pure_value(property, cas, T, status);
+  value = tools.pure_value(property, cas, T, 0.0, 0.0, status);
   if (status != KV_PURE_RANGE) return status;
   const std::int32_t number = static_cast<std::int32_t>(property) + 1, equation = 1;
   double low = 0.0, high = 0.0;
   char unit[frame::kUnitLength], source[60];
-  if (frame::pure_correlation_info(&cas, &number, &equation, &low, &high, unit, source) != KV_OK) return status;
+  if (tools.pure_range(&cas, &number, &equation, &low, &high, unit, source) != KV_OK) return status;
   const double end = std::clamp(T, low, high);
   StatusCode inside = KV_OK;
-  const double at_end = frame::pure_value(property, cas, end, inside);
+  const double at_end = tools.pure_value(property, cas, end, 0.0, 0.0, inside);
   const double continued = at_end * curve(T) / curve(end);
   if (usable(continued)) value = continued;
   return status;
@@ -178,7 +178,7 @@ StatusCode dilute_viscosities(const Phase& p, const Present& c, support::Arena& 
   double* alone = arena.zeros(p.context.record->count);
   StatusCode all = KV_OK;
   for (int k = 0; k < c.count && has_values(all); ++k)
-    all = graver(all, dilute_viscosity(p.T, *p.context.record, c.index[k], c.at(k), alone, mu[k]));
+    all = graver(all, dilute_viscosity(p.T, p.context, c.index[k], c.at(k), alone, mu[k]));
   return all;
 }
 
@@ -205,15 +205,17 @@ double corresponding_viscosity(double T, const MixtureRecord& mixture, const dou
   return f * std::sqrt(c.M) * two_thirds_over_sixth(V, c.Tc) * 1e-05 / 1000.0;
 }
 
-StatusCode dilute_viscosity(double T, const MixtureRecord& mixture, int i, const Critical& c, double* alone,
+StatusCode dilute_viscosity(double T, const Context& context, int i, const Critical& c, double* alone,
                             double& mu) noexcept {
+  const MixtureRecord& mixture = *context.record;
   if (OwnHeatCapacity own; own_heat_capacity(mixture, i, own)) {
     mu = 1e-5 * reduced_viscosity(T / c.Tc, 0.0, 0.0) * viscosity_scale(c);
     return usable(mu) ? KV_OK : KV_NOT_FINITE;
   }
   alone[i] = 1.0;
   const auto shape = [&](double t) { return corresponding_viscosity(t, mixture, alone, c); };
-  const StatusCode status = dilute_value(PureProperty::GasViscosity, T, cas_number(mixture, i), shape, mu);
+  const StatusCode status =
+      dilute_value(*context.tools, PureProperty::GasViscosity, T, cas_number(mixture, i), shape, mu);
   alone[i] = 0.0;
   return status;
 }
@@ -229,15 +231,17 @@ double corresponding_conductivity(double T, const Critical& c, bool water) noexc
   return (translational + std::max(C, 0.0) * std::max(f, 0.0)) / inverse_conductivity(c);
 }
 
-StatusCode dilute_conductivity(double T, const MixtureRecord& mixture, int i, const Critical& c,
+StatusCode dilute_conductivity(double T, const Context& context, int i, const Critical& c,
                                double& lambda) noexcept {
+  const MixtureRecord& mixture = *context.record;
   if (OwnHeatCapacity own; own_heat_capacity(mixture, i, own)) {
     lambda = corresponding_conductivity(T, c, false);
     return usable(lambda) ? KV_OK : KV_NOT_FINITE;
   }
   const bool water = is_water_family(mixture, i);
   const auto curve = [&](double t) { return corresponding_conductivity(t, c, water); };
-  return dilute_value(PureProperty::GasThermalConductivity, T, cas_number(mixture, i), curve, lambda);
+  return dilute_value(*context.tools, PureProperty::GasThermalConductivity, T, cas_number(mixture, i), curve,
+                      lambda);
 }
 
 double dense_viscosity(double rho_r) noexcept {
@@ -274,7 +278,7 @@ StatusCode gas_conductivity(const Phase& p, double& conductivity) {
     double *lambda = arena.take(c.count), *mu = arena.take(c.count);
     StatusCode status = dilute_viscosities(p, c, arena, mu);
     for (int k = 0; k < c.count && has_values(status); ++k)
-      status = graver(status, dilute_conductivity(p.T, *p.context.record, c.index[k], c.at(k), lambda[k]));
+      status = graver(status, dilute_conductivity(p.T, p.context, c.index[k], c.at(k), lambda[k]));
     if (has_values(status)) value = weighted_mean(c, lambda, mu, arena.take(c.count), arena.take(c.count));
     return status;
   };

@@ -94,7 +94,7 @@ StatusCode prepare_caloric(CaloricModel& c, double T) {
   c.arena->rewind(c.base);
   c.prepared = 0.0;
   const unsigned parts = (c.property == Property::enthalpy ? eos::kIdealH : eos::kIdealS) | eos::kIdealCp;
-  status = eos::ideal_gas(T, *c.context.record, c.z, parts, *c.arena, c.ideal);
+  status = eos::ideal_gas(T, c.context, c.z, parts, *c.arena, c.ideal);
   if (!eos::has_values(status)) return status;
   status = eos::prepare(T, c.context, 2, *c.arena, c.t);
   if (status == KV_OK) c.prepared = T;

@@ -120,7 +120,7 @@ StatusCode prepare_parts(const Gas& gas, double T, support::Arena& arena, Satura
   arena.rewind(mark);
   s.bracub = gas.context.tools->cubic_root();
   Condensed& c = s.condensed;
-  if (status == KV_OK) status = condensed_water(T, s.CO2 > 0.0, s.H2S > 0.0, c);
+  if (status == KV_OK) status = condensed_water(*gas.context.tools, T, s.CO2 > 0.0, s.H2S > 0.0, c);
   if (status == KV_OK) status = steam(s, c.liquid_P, c.log_phi_liquid);
   if (status == KV_OK && c.ice_P > 0.0) status = steam(s, c.ice_P, c.log_phi_ice);
   return status;
@@ -168,7 +168,7 @@ StatusCode prepare_saturation(const Gas& gas, double T, support::Arena& arena, S
   s.method = gas.method;
   s.CO2 = dry_fraction(gas, gas.CO2);
   s.H2S = dry_fraction(gas, gas.H2S);
-  if (gas.method == Method::chart) return prepare_chart(T, s.CO2, s.H2S, s.chart);
+  if (gas.method == Method::chart) return prepare_chart(*gas.context.tools, T, s.CO2, s.H2S, s.chart);
   if (!(T >= kLowestTemperature && T <= kHighestTemperature)) return KV_WATER_RANGE;
   return prepare_parts(gas, T, arena, s);
 }

@@ -40,8 +40,8 @@ TEST_F(Dilute, NoJumpWhereACorrelationEnds) {
     double before_mu = 0.0, before_lambda = 0.0;
     for (double T = 20.0; T < 3000.0; T *= 1.002) {
       double mu = 0.0, lambda = 0.0;
-      EXPECT_TRUE(eos::has_values(eos::dilute_viscosity(T, m.record, i, c, alone, mu)));
-      EXPECT_TRUE(eos::has_values(eos::dilute_conductivity(T, m.record, i, c, lambda)));
+      EXPECT_TRUE(eos::has_values(eos::dilute_viscosity(T, exports::context_of(&m.record), i, c, alone, mu)));
+      EXPECT_TRUE(eos::has_values(eos::dilute_conductivity(T, exports::context_of(&m.record), i, c, lambda)));
       EXPECT_GT(mu, before_mu) << T;
       EXPECT_GT(lambda, before_lambda * 0.98) << T;
       if (before_mu > 0.0) {

@@ -1,8 +1,9 @@
-// What the exports give the calculations: the group data of the process and the tools of the sibling library.
+// What the exports give the calculations: the group data of the process and what the sibling libraries do.
 #ifndef KESTRUNE_FRAME_EXPORTS_CONTEXT_HPP
 #define KESTRUNE_FRAME_EXPORTS_CONTEXT_HPP
 
 #include "eos/context.hpp"
+#include "frame/provider.hpp"
 #include "frame/tools_bridge.hpp"
 
 namespace kestrune::exports {
@@ -19,7 +20,10 @@ Function bound_tool() noexcept {
 inline constexpr eos::Tools kTools = {bound_tool<eos::CubicRoot, frame::ToolsEntry::BRACUB>,
                                       bound_tool<eos::RegressionLine, frame::ToolsEntry::REGLIN>,
                                       bound_tool<eos::LinearSystem, frame::ToolsEntry::MRSL01>,
-                                      bound_tool<eos::KayRules, frame::ToolsEntry::CalcKayMR>};
+                                      bound_tool<eos::KayRules, frame::ToolsEntry::CalcKayMR>,
+                                      frame::pure_value,
+                                      frame::pure_by_choice,
+                                      frame::pure_correlation_info};
 
 /* The context of a call with this record, which is not checked yet and may be null. */
 inline eos::Context context_of(MixtureRecord* record) noexcept {
