@@ -1,6 +1,6 @@
 // Everything that the frame remembers between calls: one record, one instance, of which nothing below the
-// exports knows. What is not in here, nor the group data of frame/exports/context.hpp, is an argument or a
-// local variable.
+// exports knows. What is not in here, nor the group data of frame/exports/general.cpp, is an argument or a local
+// variable.
 //
 // The binding cells are atomic, so that two calls that bind the same entry at the same time both end with
 // the same good address. The rest belongs to one thread at a time, as stated at each field.

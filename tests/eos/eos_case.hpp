@@ -18,9 +18,7 @@ inline eos::GroupData converted(Mixture& m) {
 }
 
 inline eos::Context context_with(Mixture& m, const eos::GroupData& data) {
-  eos::Context context = exports::context_of(&m.record);
-  context.groups = &data;
-  return context;
+  return {&m.record, &data, &exports::kTools, 0};
 }
 
 inline std::map<std::string, Mixture> reference_mixtures() {

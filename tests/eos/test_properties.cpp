@@ -27,6 +27,8 @@ TEST(ReducedViscosity, HydrogenByNumberTheLastPresentOneWins) {
 class Dilute : public testing::Test {
  protected:
   tests::Mixture m = tests::mixture_of({"methane", "hydrogen", "n_hexane"});
+  const eos::GroupData data = tests::converted(m);
+  const eos::Context context = tests::context_with(m, data);
   double alone[3] = {};
   eos::Critical constants(int i) {
     return {m.at(i, KV_COL_TC), m.at(i, KV_COL_PC), m.at(i, KV_COL_VC), m.at(i, KV_COL_ZC),
@@ -40,8 +42,8 @@ TEST_F(Dilute, NoJumpWhereACorrelationEnds) {
     double before_mu = 0.0, before_lambda = 0.0;
     for (double T = 20.0; T < 3000.0; T *= 1.002) {
       double mu = 0.0, lambda = 0.0;
-      EXPECT_TRUE(eos::has_values(eos::dilute_viscosity(T, exports::context_of(&m.record), i, c, alone, mu)));
-      EXPECT_TRUE(eos::has_values(eos::dilute_conductivity(T, exports::context_of(&m.record), i, c, lambda)));
+      EXPECT_TRUE(eos::has_values(eos::dilute_viscosity(T, context, i, c, alone, mu)));
+      EXPECT_TRUE(eos::has_values(eos::dilute_conductivity(T, context, i, c, lambda)));
       EXPECT_GT(mu, before_mu) << T;
       EXPECT_GT(lambda, before_lambda * 0.98) << T;
       if (before_mu > 0.0) {

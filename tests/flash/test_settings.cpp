@@ -7,17 +7,20 @@
 #include "common/scratch_folder.hpp"
 #include "flash/settings.hpp"
 #include "flash/trace_flash.hpp"
-#include "frame/exports/context.hpp"
 
 using namespace kestrune;
 using namespace kestrune::flash;
 
 namespace {
 
+eos::Context with(MixtureRecord& r) {
+  return {&r, nullptr, nullptr, r.trace_flag};
+}
+
 TEST(Settings, ABlockOfZerosTakesTheDefaultsAnyOtherStands) {
   MixtureRecord r{};
   r.count = 9;
-  const Settings none = copy_settings(exports::context_of(&r));
+  const Settings none = copy_settings(with(r));
   EXPECT_EQ(none.CRIT, KV_DEFAULT_CRIT);
   EXPECT_EQ(none.CLIM, KV_DEFAULT_CLIM);
   EXPECT_EQ(none.EPS, KV_DEFAULT_EPS);
@@ -31,7 +34,7 @@ TEST(Settings, ABlockOfZerosTakesTheDefaultsAnyOtherStands) {
         given > 0.0 ? 2147483647 : static_cast<int>(given);  // NEW (n + 1) has no room in 32 bits
     r.trace_flag = -1;
     r.trace_unit = 33;
-    const Settings s = copy_settings(exports::context_of(&r));
+    const Settings s = copy_settings(with(r));
     EXPECT_EQ(s.CRIT, given);
     EXPECT_EQ(s.CLIM, given);
     EXPECT_EQ(s.EPS, given);
@@ -45,7 +48,7 @@ TEST(Settings, ABlockOfZerosTakesTheDefaultsAnyOtherStands) {
   }
   r.CRIT = 1e-9;
   r.NEW = 4;
-  EXPECT_EQ(copy_settings(exports::context_of(&r)).global_budget, 40);
+  EXPECT_EQ(copy_settings(with(r)).global_budget, 40);
 }
 
 TEST(Settings, RobustModels) {
@@ -53,7 +56,7 @@ TEST(Settings, RobustModels) {
     MixtureRecord r{};
     r.relaxation = code == 8 ? 0.05 : 0.9;
     r.ITEMAX = code == 8 ? 5000 : 50;
-    Settings s = copy_settings(exports::context_of(&r));
+    Settings s = copy_settings(with(r));
     apply_robust_settings({code, 0}, s);
     const bool robust = code == 7 || code == 8;
     EXPECT_EQ(s.robust, robust);
@@ -88,7 +91,7 @@ TEST(Settings, VapourFractionsAndTwoLiquids) {
     MixtureRecord r{};
     r.relaxation = c.factor;
     r.ITEMAX = c.ITEMAX;
-    Settings s = copy_settings(exports::context_of(&r));
+    Settings s = copy_settings(with(r));
     apply_quality_settings(c.model, c.W, c.cold, s);
     EXPECT_NEAR(s.relaxation, c.factor_then, 1e-15);
     EXPECT_EQ(s.ITEMAX, c.ITEMAX_then);
@@ -99,7 +102,7 @@ TEST(Settings, VapourFractionsAndTwoLiquids) {
       MixtureRecord r{};
       r.relaxation = 0.05;
       r.ITEMAX = 5000;
-      Settings s = copy_settings(exports::context_of(&r));
+      Settings s = copy_settings(with(r));
       apply_liquid_settings(model, index, s);
       const bool careful = index == 1 && model.first == 0 && model.second == 0;
       EXPECT_EQ(s.relaxation, careful ? 0.1 : 0.05);
@@ -141,7 +144,7 @@ TEST(Trace, LabelsOfTwoLiquids) {
   record.count = 1;
   double beta = 0.25, x = 1, y = 1, K = 1, z = 1;
   IsothermalCall call;
-  call.context = exports::context_of(&record);
+  call.context = with(record);
   call.mode = Mode::liquid_liquid;
   call.index = 0;
   call.beta = &beta;

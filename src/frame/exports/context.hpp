@@ -1,4 +1,4 @@
-// What the exports give the calculations: the group data of the process and what the sibling libraries do.
+// What the exports give the calculations.
 #ifndef KESTRUNE_FRAME_EXPORTS_CONTEXT_HPP
 #define KESTRUNE_FRAME_EXPORTS_CONTEXT_HPP
 
@@ -7,10 +7,6 @@
 #include "frame/tools_bridge.hpp"
 
 namespace kestrune::exports {
-
-// Group data as ConvertPPR78GroupData left them, the one thing that outlives a call beside the frame's own. To be
-// changed by one thread while no other one calculates.
-inline constinit eos::GroupData group_data;
 
 template <class Function, frame::ToolsEntry name>
 Function bound_tool() noexcept {
@@ -25,10 +21,11 @@ inline constexpr eos::Tools kTools = {bound_tool<eos::CubicRoot, frame::ToolsEnt
                                       frame::pure_by_choice,
                                       frame::pure_correlation_info};
 
-/* The context of a call with this record, which is not checked yet and may be null. */
-inline eos::Context context_of(MixtureRecord* record) noexcept {
-  return {record, &group_data, &kTools, record != nullptr ? record->trace_flag : 0};
-}
+/*
+ * The context of a call: this record, which is not checked yet and may be null, the group data of the process and
+ * the sibling libraries.
+ */
+eos::Context context_of(MixtureRecord* record) noexcept;
 
 }  // namespace kestrune::exports
 

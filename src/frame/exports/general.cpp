@@ -1,4 +1,4 @@
-// Exports: group data and molar mass.
+// Exports: group data, which every other call works with, and molar mass.
 
 #include <cmath>
 
@@ -7,13 +7,28 @@
 #include "frame/exports/context.hpp"
 #include "kestrune/kvgasthermo.h"
 
+namespace kestrune::exports {
+namespace {
+
+// Of the process, and beside what the frame remembers all that outlives a call. To be converted by one thread, while
+// no other one calculates.
+constinit eos::GroupData the_group_data;
+
+}  // namespace
+
+eos::Context context_of(MixtureRecord* record) noexcept {
+  return {record, &the_group_data, &kTools, record != nullptr ? record->trace_flag : 0};
+}
+
+}  // namespace kestrune::exports
+
 namespace {
 
 using namespace kestrune;
 
 StatusCode convert(int nC, int nG, const int32_t* counts, const double* A, const double* B,
                    double* const* storage) {
-  eos::GroupData& data = exports::group_data;
+  eos::GroupData& data = exports::the_group_data;
   data = {};
   // Nothing that could be worked with: later calls answer that there are no group data.
   if (storage == nullptr || counts == nullptr || A == nullptr || B == nullptr) return KV_NULL_ARGUMENT;
