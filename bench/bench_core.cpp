@@ -7,7 +7,7 @@
 #include "eos/phase.hpp"
 #include "eos/temperature.hpp"
 #include "flash/isothermal.hpp"
-#include "frame/state.hpp"
+#include "frame/exports/context.hpp"
 #include "gases.hpp"
 #include "support/arena.hpp"
 
@@ -18,11 +18,15 @@ constexpr double kTemperature = 240.0;  // K, both phases occur over the pressur
 constexpr int kStates = 1024;           // more than a branch predictor learns by heart
 constexpr double kLowest = 1.0 * kAtmPerBar, kHighest = 150.0 * kAtmPerBar;
 
-// This program's own copy of the library's state.
+// The group data of the case that runs.
+eos::GroupData group_data;
 void use(tests::Mixture& m) {
-  frame::GroupData& data = frame::state().group_data;
-  data = {m.n, m.groups, m.storage[1], m.storage[2], m.storage[3], m.storage[4], m.storage[5]};
-  eos::convert_group_data(m.n, m.groups, m.counts.data(), m.A.data(), m.B.data(), data);
+  group_data = {m.n, m.groups, m.storage[1], m.storage[2], m.storage[3], m.storage[4], m.storage[5]};
+  eos::convert_group_data(m.n, m.groups, m.counts.data(), m.A.data(), m.B.data(), group_data);
+}
+
+eos::Context context_of(tests::Mixture& m) {
+  return {&m.record, &group_data, &exports::kTools, 0};
 }
 
 // A reproducible sequence of numbers between 0 and 1.
@@ -46,7 +50,7 @@ struct Evaluations {
   std::vector<double> s, s_t, ln_phi, dT, dP, dn;
   std::vector<double> memory = std::vector<double>(65536);
   eos::Temperature t;
-  frame::tools::KvBracub bracub = nullptr;
+  eos::CubicRoot bracub = nullptr;
 
   explicit Evaluations(std::shared_ptr<Gas> g)
       : gas(std::move(g)), n(gas->mixture.n), ld(support::padded(n)), P(kStates), x(kStates * ld) {
@@ -63,9 +67,9 @@ struct Evaluations {
 
   void prepare(int order) {
     use(gas->mixture);
-    bracub = frame::tools::bracub();
+    bracub = exports::kTools.cubic_root();
     support::Arena arena(memory.data(), memory.size() * sizeof(double));
-    eos::prepare(kTemperature, gas->mixture.record, frame::state().group_data, order, arena, t);
+    eos::prepare(kTemperature, context_of(gas->mixture), order, arena, t);
   }
 
   // ln phi and Z; returns the pieces that the derivatives go on with.
@@ -100,8 +104,7 @@ Case prepare_case(const std::shared_ptr<Gas>& g, int order) {
     for (int k = 0; k < kStates; ++k) {
       sum += support::with_arena<4, 60>(g->mixture.n, [&](support::Arena& arena) {
         eos::Temperature t;
-        eos::prepare(150.0 + k * (200.0 / kStates), g->mixture.record, frame::state().group_data, order, arena,
-                     t);
+        eos::prepare(150.0 + k * (200.0 / kStates), context_of(g->mixture), order, arena, t);
         return t.aij[1];
       });
     }
@@ -192,7 +195,7 @@ StatusCode flash_once(Gas& g, double T, double P, FlashResult& to, flash::Counts
   call.T = T;
   call.P = P;
   call.z = g.feed.data();
-  call.mixture = &g.mixture.record;
+  call.context = context_of(g.mixture);
   call.beta = &to.beta;
   call.x = to.x.data();
   call.y = to.y.data();

@@ -3,6 +3,9 @@
 #
 #   support < frame < eos < flash < flash3, envelope, water (unknown to each other) < frame/exports
 #
+# Of frame the layers between it and the exports know two headers, which lead to no state: what a call works with
+# reaches them as its context.
+#
 # include/kestrune is open to all and knows only itself. Each of siblings/* knows itself alone, host/ itself
 # alone, python/native itself and the host, web those too. The libraries include nothing from outside but standard headers.
 set -u
@@ -45,6 +48,9 @@ grep -rnE '^[[:space:]]*#[[:space:]]*include[[:space:]]*["<]' include src siblin
         other = layer_of(target)
         if (!(other in level)) complain("unknown layer " other "/")
         else if (other != own && level[other] >= level[own]) complain(own " must not know " other)
+        else if (other == "frame" && level[own] > level["frame"] && level[own] < level["frame/exports"] &&
+                 target != "frame/cas.hpp" && target != "frame/entries.hpp")
+          complain(own " knows of frame its cas.hpp and entries.hpp only")
         next
       }
       # siblings/NAME, host, python and web: no folder of src, no other sibling.

@@ -278,7 +278,7 @@ bool other_side(const Tracer& t, const LinePoint& p, const Node& node) {
 // Whether what begins to form is a liquid, packed like the feed, which is one.
 bool liquid_forms(const Tracer& t, const LinePoint& p) {
   constexpr double kLike = 0.5;
-  const MixtureRecord& m = *t.line.mixture;
+  const MixtureRecord& m = *t.line.context.record;
   return flash::covolume(m, p.x) * p.Zy > kLike * flash::covolume(m, p.y) * p.Zx;
 }
 
@@ -315,11 +315,13 @@ bool stable_at(Tracer& t, LinePoint& p) {
   flash::QualityLine& line = t.line;
   if (!flash::compositions(line, p, 1e-3)) return false;
   if (!own_roots_stable(t, p)) return false;
-  MixtureRecord silent = *line.mixture;
-  silent.trace_flag = 0;
   double beta = line.W, distance = 0.0;
-  flash::IsothermalCall call{
-      flash::temperature(line, p), flash::pressure(line, p), line.z, &silent, line.routines, &beta};
+  flash::IsothermalCall call{flash::temperature(line, p),
+                             flash::pressure(line, p),
+                             line.z,
+                             line.context.silent(),
+                             line.routines,
+                             &beta};
   call.every_component = true;
   if (t.boundary()) {
     call.x = call.y = t.trial;

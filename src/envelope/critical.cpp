@@ -56,7 +56,7 @@ bool settle(Spinodal& sp, Node& node, StatusCode& status) {
 
 // A node of the spinodal at a packing: the highest temperature there, from just below it.
 bool first_node(Spinodal& sp, double eta, Node& node, StatusCode& status) {
-  const double* Tc = sp.mixture->table + static_cast<std::size_t>(KV_COL_TC - 1) * sp.n;
+  const double* Tc = sp.context.record->table + static_cast<std::size_t>(KV_COL_TC - 1) * sp.n;
   double T = 0.0;
   for (int i = 0; i < sp.n; ++i) T += sp.z[i] * Tc[i];
   const bool down = locally_stable(sp, T, eta, 0.0, status);
@@ -176,13 +176,13 @@ void add_between(Spinodal& sp, const Node& a, const Node& b, int capacity, Criti
 }
 
 // Whether nothing splits off the feed at its critical state.
-bool stable_feed(MixtureRecord& mixture, const double* z, const Critical& c, double* work, StatusCode& status) {
-  MixtureRecord silent = mixture;
-  silent.trace_flag = 0;
+bool stable_feed(const eos::Context& context, const double* z, const Critical& c, double* work,
+                 StatusCode& status) {
   double beta = 0.0, distance = 0.0;
-  double* const K = work + mixture.count;
+  double* const K = work + context.record->count;
   const flash::Incipient itself{z};
-  status = flash::feed_stability({c.T, c.P, z, &silent, nullptr, &beta, work, work, K}, itself, distance);
+  status =
+      flash::feed_stability({c.T, c.P, z, context.silent(), nullptr, &beta, work, work, K}, itself, distance);
   return status == KV_OK && distance >= kStable;
 }
 
@@ -197,26 +197,26 @@ StatusCode own_constants(const MixtureRecord& r, int j, Critical& c) {
   return KV_OK;
 }
 
-StatusCode search(MixtureRecord& mixture, const double* feed, support::Arena& arena, Critical& result) {
-  const int n = mixture.count;
+StatusCode search(const eos::Context& context, const double* feed, support::Arena& arena, Critical& result) {
+  const int n = context.record->count;
   double* z = arena.zeros(support::padded(n));
   double* work = arena.take(2 * static_cast<std::size_t>(n));
   if (!flash::normalise_feed(n, feed, z)) return KV_COMPOSITION;
   Spinodal sp;
-  open_spinodal(arena, mixture, z, sp);
-  const int pure = flash::single_component(n, z, flash::pure_tolerance(mixture));
+  open_spinodal(arena, context, z, sp);
+  const int pure = flash::single_component(n, z, flash::pure_tolerance(*context.record));
   if (pure >= 0) {
     // Data that no calculation could work with are refused as well.
     StatusCode status = KV_OK;
     locally_stable(sp, 300.0, 0.1, 0.0, status);
-    return status == KV_OK ? own_constants(mixture, pure, result) : status;
+    return status == KV_OK ? own_constants(*context.record, pure, result) : status;
   }
   Critical found[kMostCritical];
   int count = 0;
   StatusCode status = critical_points(sp, kMostCritical, found, count);
   if (status != KV_OK && status != KV_NOT_FINITE) return status;
   for (int k = 0; k < count; ++k) {
-    if (!stable_feed(mixture, z, found[k], work, status)) continue;
+    if (!stable_feed(context, z, found[k], work, status)) continue;
     result = found[k];
     return KV_OK;
   }
@@ -278,9 +278,9 @@ StatusCode critical_points(Spinodal& sp, int capacity, Critical* found, int& cou
   return KV_OK;
 }
 
-StatusCode critical_point(MixtureRecord& mixture, const double* z, Critical& result) {
-  return support::with_arena<8, 60>(mixture.count,
-                                    [&](support::Arena& arena) { return search(mixture, z, arena, result); });
+StatusCode critical_point(const eos::Context& context, const double* z, Critical& result) {
+  return support::with_arena<8, 60>(context.record->count,
+                                    [&](support::Arena& arena) { return search(context, z, arena, result); });
 }
 
 }  // namespace kestrune::envelope

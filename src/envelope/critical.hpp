@@ -36,7 +36,7 @@ StatusCode critical_points(Spinodal& sp, int capacity, Critical* found, int& cou
  *
  * KV_OK; KV_NO_CRITICAL without a stable one; others of the model. Results are written on KV_OK only.
  */
-StatusCode critical_point(MixtureRecord& mixture, const double* z, Critical& result);
+StatusCode critical_point(const eos::Context& context, const double* z, Critical& result);
 
 }  // namespace kestrune::envelope
 

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <new>
 
 #include "envelope/outline.hpp"
@@ -14,8 +13,6 @@
 #include "flash/quality_flash.hpp"
 #include "flash/settings.hpp"
 #include "flash/two_phase.hpp"
-#include "frame/messages.hpp"
-#include "frame/platform.hpp"
 
 namespace kestrune::envelope {
 namespace {
@@ -41,15 +38,13 @@ StatusCode with_defaults(EnvelopeCall& c, bool& asked_P, bool& asked_T) {
 // The first point of a line at the first pressure, with its phases named as the tracer wants them, in t.here.
 bool start_line(Tracer& t, const EnvelopeCall& call, double W, bool& stable, StatusCode& status) {
   flash::QualityLine& line = t.line;
-  MixtureRecord silent = *line.mixture;
-  silent.trace_flag = 0;
   double T = 0.0;
   flash::QualityCall start;
   start.find = flash::Find::temperature;
   start.W = W;
   start.given = call.first_P;
   start.z = line.z;
-  start.mixture = &silent;
+  start.context = line.context.silent();
   start.routines = line.routines;
   start.unknown = &T;
   start.x = t.here.x;
@@ -78,7 +73,7 @@ bool quick_bubble(Tracer& t) {
   double low = std::exp(t.limits.lowest_T), high = 1000.0;
   for (int k = 0; k < kHalvings; ++k) {
     const double T = 0.5 * (low + high);
-    flash::wilson(T, std::exp(ln_P), *line.mixture, false, t.trial_K, nullptr);
+    flash::wilson(T, std::exp(ln_P), *line.context.record, false, t.trial_K, nullptr);
     double sum = 0.0;
     for (int i = 0; i < line.n; ++i) sum += line.z[i] * t.trial_K[i];
     (sum < 1.0 ? low : high) = T;
@@ -167,18 +162,6 @@ StatusCode accept(Tracer& t, StatusCode status) {
   return status;
 }
 
-// The text for knots that no spline goes through.
-void report_fit(support::SplineFit fit) {
-  const char* text = fit == support::SplineFit::too_few ? "Phase envelope: too few points for a spline."
-                     : fit == support::SplineFit::not_increasing
-                         ? "Phase envelope: two points of the curve coincide; points as traced are returned."
-                         : "Phase envelope: a point of the curve is not finite; points as traced are returned.";
-  constexpr char kCaption[] = "Kestrune";
-  const std::int32_t style = frame::kMessageStyleError, further = 1;
-  frame::ShowLibraryMessage(platform::active_window(), text, std::strlen(text), kCaption, sizeof kCaption - 1,
-                            style, further);
-}
-
 // Points as traced. False when there is not room for all of them.
 bool write_nodes(const Tracer& t, const EnvelopeCall& call) {
   int written = 0;
@@ -200,7 +183,6 @@ StatusCode write_outline(Tracer& t, const EnvelopeCall& call, StatusCode status)
     room = call.points <= call.capacity;
     *call.number = even_points(t, std::min(call.points, call.capacity), call.T, call.P, call.kind);
     if (t.fit != support::SplineFit::good) {
-      report_fit(t.fit);
       room = write_nodes(t, call);
     }
   } else {
@@ -229,7 +211,7 @@ void take_nodes(support::Arena& arena, Tracer& t) {
 // feed is a single component to the model.
 int shared_component(flash::QualityLine& line) {
   constexpr double kSame = 1e-12, kAt[2] = {200.0, 400.0};  // K
-  const double* table = line.mixture->table;
+  const double* table = line.context.record->table;
   const double* Tc = table + static_cast<std::size_t>(KV_COL_TC - 1) * line.n;
   const double* Pc = table + static_cast<std::size_t>(KV_COL_PC - 1) * line.n;
   int j = -1;
@@ -252,17 +234,17 @@ int shared_component(flash::QualityLine& line) {
 
 // Arenas of their own for the line and for the critical points, which rewind them, and for the nodes.
 StatusCode set_up(const EnvelopeCall& call, bool asked_P, bool asked_T, support::Arena& arena,
-                  support::Arena& second, support::Arena& nodes) {
+                  support::Arena& second, support::Arena& nodes, support::SplineFit& fit) {
   flash::QualityLine line;
   line.W = call.fraction;
-  line.mixture = call.mixture;
+  line.context = call.context;
   line.routines = call.routines;
   line.stable_roots = true;
   flash::open_line(arena, line);
   double* z = arena.zeros(line.ld);
   if (!flash::normalise_feed(line.n, call.z, z)) return KV_COMPOSITION;
   line.z = z;
-  const int j = flash::single_component(line.n, z, flash::pure_tolerance(*call.mixture));
+  const int j = flash::single_component(line.n, z, flash::pure_tolerance(*call.context.record));
   if (j >= 0) return vapour_pressure_curve(call, j);
   Tracer t(line);
   for (flash::LinePoint* p : {&t.here, &t.last, &t.next, &t.probe, &t.branch, &t.corner, &t.spare})
@@ -276,11 +258,14 @@ StatusCode set_up(const EnvelopeCall& call, bool asked_P, bool asked_T, support:
   t.limits = {std::log(call.first_P), std::log(call.highest_P), std::log(call.lowest_T)};
   Spinodal spinodal;
   if (flash::host_routine<void*>(call.routines, KV_ROUTINE_FUGACITY) == nullptr) {
-    open_spinodal(second, *call.mixture, z, spinodal);
+    open_spinodal(second, call.context, z, spinodal);
     t.spinodal = &spinodal;
   }
   const StatusCode status = accept(t, trace(t, call, asked_P, asked_T));
-  return t.count > 0 ? write_outline(t, call, status) : status;
+  if (t.count == 0) return status;
+  const StatusCode written = write_outline(t, call, status);
+  fit = t.fit;
+  return written;
 }
 
 }  // namespace
@@ -292,16 +277,17 @@ void write_node(const Tracer& t, int k, double* T, double* P, double* kind) {
   *kind = node.kind + (node.stable ? 0.0 : kNotStable);
 }
 
-StatusCode phase_envelope(const EnvelopeCall& given) {
+StatusCode phase_envelope(const EnvelopeCall& given, support::SplineFit& fit) {
+  fit = support::SplineFit::good;
   EnvelopeCall call = given;
   bool asked_P, asked_T;
   const StatusCode bad = with_defaults(call, asked_P, asked_T);
   if (bad != KV_OK) return bad;
-  const int n = call.mixture->count;
+  const int n = call.context.record->count;
   return support::with_arena<8, 120>(n, [&](support::Arena& arena) {
     return support::with_arena<8, 60>(n, [&](support::Arena& second) {
       support::Arena nodes(nullptr, 0);
-      return set_up(call, asked_P, asked_T, arena, second, nodes);
+      return set_up(call, asked_P, asked_T, arena, second, nodes, fit);
     });
   });
 }

@@ -2,13 +2,15 @@
 #ifndef KESTRUNE_ENVELOPE_ENVELOPE_HPP
 #define KESTRUNE_ENVELOPE_ENVELOPE_HPP
 
+#include "eos/context.hpp"
 #include "flash/host.hpp"
+#include "support/spline.hpp"
 
 namespace kestrune::envelope {
 
 struct EnvelopeCall {
   const double* z = nullptr;  // feed, need not sum to one
-  MixtureRecord* mixture = nullptr;
+  eos::Context context;
   flash::HostRoutines* routines = nullptr;
   double first_P = 0.0, highest_P = 0.0, lowest_T = 0.0;  // atm, atm, K; 0: 1, 2000, 50
   int points = 0;                                         // wanted; 0: as traced
@@ -22,8 +24,9 @@ struct EnvelopeCall {
 
 /*
  * Traces the line. All outputs are zero at entry. What it returns is written at PhaseEnvelope in kvgasthermo.h.
+ * fit: why the points are as traced where evenly spaced ones were wanted; good otherwise.
  */
-StatusCode phase_envelope(const EnvelopeCall& call);
+StatusCode phase_envelope(const EnvelopeCall& call, support::SplineFit& fit);
 
 /* The vapour-pressure curve of component j, which makes up the feed: the envelope of a single component. */
 StatusCode vapour_pressure_curve(const EnvelopeCall& call, int j);

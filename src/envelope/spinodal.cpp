@@ -64,7 +64,7 @@ StatusCode prepare_at(Spinodal& sp, double T) {
   if (T == sp.prepared) return KV_OK;
   sp.arena->rewind(sp.base);
   sp.prepared = 0.0;
-  const StatusCode status = eos::prepare(T, *sp.mixture, frame::state().group_data, 1, *sp.arena, sp.t);
+  const StatusCode status = eos::prepare(T, sp.context, 1, *sp.arena, sp.t);
   if (status == KV_OK) sp.prepared = T;
   return status;
 }
@@ -193,10 +193,11 @@ void normalise(int n, const double* from, double* to) {
 
 }  // namespace
 
-void open_spinodal(support::Arena& arena, const MixtureRecord& mixture, const double* z, Spinodal& sp) {
+void open_spinodal(support::Arena& arena, const eos::Context& context, const double* z, Spinodal& sp) {
+  const MixtureRecord& mixture = *context.record;
   sp.n = mixture.count;
   sp.ld = support::padded(sp.n);
-  sp.mixture = &mixture;
+  sp.context = context;
   sp.z = z;
   sp.arena = &arena;
   for (double** array :

@@ -21,7 +21,7 @@ namespace kestrune::envelope {
  */
 struct Spinodal {
   int n = 0, ld = 0;
-  const MixtureRecord* mixture = nullptr;
+  eos::Context context;
   const double* z = nullptr;  // [ld] feed with sum 1, padded
   double b = 0.0;             // co-volume of the feed, cm3/mol
   support::Arena* arena = nullptr;
@@ -43,7 +43,7 @@ struct Curvature {
 };
 
 /* Takes the work arrays; z[ld] has sum 1. The arena is used by no one else meanwhile. */
-void open_spinodal(support::Arena& arena, const MixtureRecord& mixture, const double* z, Spinodal& sp);
+void open_spinodal(support::Arena& arena, const eos::Context& context, const double* z, Spinodal& sp);
 
 /*
  * Evaluates at T (K) and eta (0 .. 1) and makes v, scaled to length one, the next border. Status of the

@@ -93,11 +93,11 @@ StatusCode write_curve(Curve& c, const EnvelopeCall& call, const Critical& criti
 }  // namespace
 
 StatusCode vapour_pressure_curve(const EnvelopeCall& call, int j) {
-  return support::with_arena<6, 160>(call.mixture->count, [&](support::Arena& arena) -> StatusCode {
+  return support::with_arena<6, 160>(call.context.record->count, [&](support::Arena& arena) -> StatusCode {
     Curve c;
     c.j = j;
     c.line.W = 1.0;
-    c.line.mixture = call.mixture;
+    c.line.context = call.context;
     c.line.routines = call.routines;
     flash::open_line(arena, c.line);
     double* z = arena.zeros(c.line.ld);
@@ -105,7 +105,7 @@ StatusCode vapour_pressure_curve(const EnvelopeCall& call, int j) {
     c.line.z = z;
     flash::take_point(arena, c.line, c.p);
     Critical critical;
-    StatusCode status = critical_point(*call.mixture, z, critical);
+    StatusCode status = critical_point(call.context, z, critical);
     if (status != KV_OK) return status;
     c.from = std::log(call.first_P);
     c.to = std::log(std::min(call.highest_P, critical.P));

@@ -304,7 +304,7 @@ End follow(Tracer& t, double phase, double sign, bool stable, int seen) {
 }  // namespace
 
 void keep_roots(Tracer& t, const LinePoint& p) {
-  const MixtureRecord& m = *t.line.mixture;
+  const MixtureRecord& m = *t.line.context.record;
   const double unit = std::exp(p.X[t.line.P_index()] - p.X[t.line.T_index()]) / eos::kR;
   const auto kind = [&](const double* x, double Z) {
     if (!(Z > 0.0)) return flash::Kind::stable;

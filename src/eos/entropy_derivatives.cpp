@@ -39,14 +39,14 @@ struct Middle {
 StatusCode entropy_at(const Middle& m, double T, double& S) {
   Phase p = m.p;
   p.T = T;
-  return support::with_arena<3, 60>(p.mixture->count, [&](support::Arena& arena) -> StatusCode {
+  return support::with_arena<3, 60>(p.context.record->count, [&](support::Arena& arena) -> StatusCode {
     IdealGas ideal;
-    const StatusCode status = ideal_gas(T, *p.mixture, p.x, kIdealS, arena, ideal);
+    const StatusCode status = ideal_gas(T, p.context, p.x, kIdealS, arena, ideal);
     if (!has_values(status)) return status;
-    S = ideal_entropy(p.mixture->count, p.x, p.P, ideal);
+    S = ideal_entropy(p.context.record->count, p.x, p.P, ideal);
     if (!(m.seen.share > 0.0)) return KV_OK;
     Temperature t;
-    const StatusCode prepared = prepare(T, *p.mixture, frame::state().group_data, 1, arena, t);
+    const StatusCode prepared = prepare(T, p.context, 1, arena, t);
     if (prepared != KV_OK) return prepared;
     PhaseValues v;
     const StatusCode root = residual(p, t, m.seen.y, 7, arena.take(3 * t.ld), v);
@@ -116,7 +116,7 @@ bool slope_at_zero(Function&& f, double& slope) {
 // dS/dP: the residual part by differences, -R/P of the ideal gas, which liquid water has not.
 StatusCode pressure_slope(const Middle& m, double& dP) {
   const Phase& p = m.p;
-  const int n = p.mixture->count;
+  const int n = p.context.record->count;
   double slope = 0.0, total = -m.seen.x_water;
   const auto S = [&](double step, double& value) {
     Phase q = p;
@@ -139,7 +139,7 @@ StatusCode pressure_slope(const Middle& m, double& dP) {
  */
 StatusCode mole_number_slopes(const Middle& m, IdealGas ideal, double S, support::Arena& arena, double* dn) {
   const Phase& p = m.p;
-  const int n = p.mixture->count;
+  const int n = p.context.record->count;
   if (m.seen.share > 0.0) {
     for (int i = 0; i < n; ++i) dn[i] = m.v.h_partial[i] / p.T - kResidualR * m.v.ln_phi[i];
   } else {
@@ -152,7 +152,7 @@ StatusCode mole_number_slopes(const Middle& m, IdealGas ideal, double S, support
   bool good = true;
   for (int i = 0; i < n; ++i) {
     const bool absent = !(p.x[i] >= kSmallestFraction);
-    if (absent && !has_values(ideal_gas_of(p.T, *p.mixture, i, ideal))) ideal.s[i] = 0.0;
+    if (absent && !has_values(ideal_gas_of(p.T, p.context, i, ideal))) ideal.s[i] = 0.0;
     dn[i] += ideal.s[i] - pressure - kCalR * std::log(absent ? kSmallestFraction : p.x[i]) - S;
     good &= std::fabs(dn[i]) <= DBL_MAX;
   }
@@ -162,16 +162,16 @@ StatusCode mole_number_slopes(const Middle& m, IdealGas ideal, double S, support
 }  // namespace
 
 StatusCode entropy_derivatives(const Phase& p, int mask, WithDerivatives& out) {
-  const int n = p.mixture->count;
+  const int n = p.context.record->count;
   const bool with_n = (mask & KV_DERIV_N) != 0;
   return support::with_arena<5, 110>(n, [&](support::Arena& arena) -> StatusCode {
     IdealGas ideal;
-    const StatusCode status = ideal_gas(p.T, *p.mixture, p.x, kIdealS, arena, ideal);
+    const StatusCode status = ideal_gas(p.T, p.context, p.x, kIdealS, arena, ideal);
     if (!has_values(status)) return status;
     const int ld = support::padded(n);
     Middle m{p, as_seen(p, arena.zeros(ld))};
     if (m.seen.share > 0.0) {
-      const StatusCode prepared = prepare(p.T, *p.mixture, frame::state().group_data, 1, arena, m.t);
+      const StatusCode prepared = prepare(p.T, p.context, 1, arena, m.t);
       if (prepared != KV_OK) return prepared;
       m.work = arena.take(3 * ld);
       if (with_n) {

@@ -40,8 +40,8 @@ void heat_capacities(const Temperature& t, const Root& r, PhaseValues& out) {
 
 }  // namespace
 
-bool evaluate(const Temperature& t, frame::tools::KvBracub bracub, double P, const double* x, int phase,
-              int level, const double* molar_mass, double* work, PhaseValues& out) noexcept {
+bool evaluate(const Temperature& t, CubicRoot bracub, double P, const double* x, int phase, int level,
+              const double* molar_mass, double* work, PhaseValues& out) noexcept {
   double* const s = work;
   double* const s_t = work + t.ld;
   double* const row = work + 2 * t.ld;

@@ -61,8 +61,8 @@ struct PhaseValues {
  * cubic is not finite or it has no root, Z and v keep their values and nothing further is computed; then,
  * and when the derivatives are not finite, false is returned.
  */
-bool evaluate(const Temperature& t, frame::tools::KvBracub bracub, double P, const double* x, int phase,
-              int level, const double* molar_mass, double* work, PhaseValues& out) noexcept;
+bool evaluate(const Temperature& t, CubicRoot bracub, double P, const double* x, int phase, int level,
+              const double* molar_mass, double* work, PhaseValues& out) noexcept;
 
 }  // namespace kestrune::eos
 

@@ -8,7 +8,7 @@
 namespace kestrune::eos {
 
 void convert_group_data(std::int32_t components, std::int32_t groups, const std::int32_t* counts,
-                        const double* A, const double* B, const frame::GroupData& data) noexcept {
+                        const double* A, const double* B, const GroupData& data) noexcept {
   const std::size_t nc = components > 0 ? static_cast<std::size_t>(components) : 0;
   const std::size_t ng = groups > 0 ? static_cast<std::size_t>(groups) : 0;
   std::fill_n(data.A, ng * ng, 0.0);

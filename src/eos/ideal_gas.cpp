@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "frame/provider.hpp"
-
 namespace kestrune::eos {
 namespace {
 
@@ -70,36 +68,38 @@ std::int32_t cas_number(const MixtureRecord& mixture, int i) noexcept {
   return number > 0.0 && number < 2147483648.0 ? static_cast<std::int32_t>(number) : 0;
 }
 
-StatusCode ideal_gas_of(double T, const MixtureRecord& mixture, int i, const IdealGas& out) noexcept {
+StatusCode ideal_gas_of(double T, const Context& context, int i, const IdealGas& out) noexcept {
+  const MixtureRecord& mixture = *context.record;
+  const auto pure_value = context.tools->pure_value;
   OwnHeatCapacity own;
   if (own_heat_capacity(mixture, i, own)) return own_ideal_gas(own, T, i, out);
   const std::int32_t cas = cas_number(mixture, i);
   StatusCode status = KV_OK, all = KV_OK;
   if (out.h != nullptr) {
-    out.h[i] = frame::pure_value(PureProperty::IdealGasSpecificHeatIT, cas, T, kEnthalpyBase, 0.0, status);
+    out.h[i] = pure_value(PureProperty::IdealGasSpecificHeatIT, cas, T, kEnthalpyBase, 0.0, status);
     if (!has_value(status, all)) return all;
   }
   if (out.s != nullptr) {
-    out.s[i] = frame::pure_value(PureProperty::IdealGasSpecificHeatTIT, cas, T, kEnthalpyBase, 0.0, status);
+    out.s[i] = pure_value(PureProperty::IdealGasSpecificHeatTIT, cas, T, kEnthalpyBase, 0.0, status);
     if (!has_value(status, all)) return all;
   }
   if (out.cp != nullptr) {
-    out.cp[i] = frame::pure_value(PureProperty::IdealGasSpecificHeat, cas, T, status);
+    out.cp[i] = pure_value(PureProperty::IdealGasSpecificHeat, cas, T, 0.0, 0.0, status);
     if (!has_value(status, all)) return all;
   }
   return all;
 }
 
-StatusCode ideal_gas(double T, const MixtureRecord& mixture, const double* x, unsigned parts,
-                     support::Arena& arena, IdealGas& out) {
-  const int n = mixture.count, ld = support::padded(n);
+StatusCode ideal_gas(double T, const Context& context, const double* x, unsigned parts, support::Arena& arena,
+                     IdealGas& out) {
+  const int n = context.record->count, ld = support::padded(n);
   out.h = (parts & kIdealH) != 0 ? arena.zeros(ld) : nullptr;
   out.s = (parts & kIdealS) != 0 ? arena.zeros(ld) : nullptr;
   out.cp = (parts & kIdealCp) != 0 ? arena.zeros(ld) : nullptr;
   StatusCode all = KV_OK;
   for (int i = 0; i < n; ++i) {
     if (!(x[i] >= kSmallestFraction)) continue;
-    if (!has_value(ideal_gas_of(T, mixture, i, out), all)) return all;
+    if (!has_value(ideal_gas_of(T, context, i, out), all)) return all;
   }
   return all;
 }

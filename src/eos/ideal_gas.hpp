@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "eos/context.hpp"
 #include "kestrune/records.h"
 #include "kestrune/status.h"
 #include "support/arena.hpp"
@@ -43,11 +44,11 @@ bool own_heat_capacity(const MixtureRecord& mixture, int i, OwnHeatCapacity& out
  * was outside the range of a correlation (the values are there); or the status of the first component without a
  * value.
  */
-StatusCode ideal_gas(double T, const MixtureRecord& mixture, const double* x, unsigned parts,
-                     support::Arena& arena, IdealGas& out);
+StatusCode ideal_gas(double T, const Context& context, const double* x, unsigned parts, support::Arena& arena,
+                     IdealGas& out);
 
 /* The parts of component i alone, whatever its fraction, into arrays that are there. Statuses as above. */
-StatusCode ideal_gas_of(double T, const MixtureRecord& mixture, int i, const IdealGas& out) noexcept;
+StatusCode ideal_gas_of(double T, const Context& context, int i, const IdealGas& out) noexcept;
 
 /* Sums over x[n]: enthalpy cal/mol; entropy at P (atm) with the mixing term cal/(mol K); heat capacity. */
 double ideal_enthalpy(int n, const double* x, const IdealGas& g) noexcept;

@@ -31,7 +31,7 @@ double quadratic(const Temperature& t, const double* matrix, const double* x) no
   return sum;
 }
 
-int solve_root(frame::tools::KvBracub bracub, double A, double B, int phase, bool warm, double& Z) noexcept {
+int solve_root(CubicRoot bracub, double A, double B, int phase, bool warm, double& Z) noexcept {
   const double c0 = 1.0;
   const double c1 = (kU - 1.0) * B - 1.0;
   const double c2 = A + (kW - kU) * B * B - kU * B;
@@ -87,7 +87,7 @@ bool has_other_root(const Temperature& t, double b, double P, double Z, double& 
   return true;
 }
 
-int stable_root(const Temperature& t, frame::tools::KvBracub bracub, const Mixture& m, double P, double start,
+int stable_root(const Temperature& t, CubicRoot bracub, const Mixture& m, double P, double start,
                 Root& r) noexcept {
   constexpr double kAsGood = 3e-10;  // difference of Gibbs energies over RT
   const double rt = kR * t.T, A = m.a * P / (rt * rt), B = m.b * P / rt;

@@ -5,7 +5,6 @@
 
 #include "eos/constants.hpp"
 #include "eos/temperature.hpp"
-#include "frame/tools_bridge.hpp"
 
 namespace kestrune::eos {
 
@@ -52,7 +51,7 @@ inline constexpr double kWarmRoot[8] = {0.0, 1.0};
  * start when warm is set. Returns its status; when a coefficient is not finite the solver is not called and
  * KV_NOT_FINITE is returned.
  */
-int solve_root(frame::tools::KvBracub bracub, double A, double B, int phase, bool warm, double& Z) noexcept;
+int solve_root(CubicRoot bracub, double A, double B, int phase, bool warm, double& Z) noexcept;
 
 /* Whether a status of the root solver comes with a root: the warnings, and 201 and 202 with them. */
 inline bool has_root(int status) noexcept {
@@ -87,7 +86,7 @@ inline constexpr double kOtherRootMargin = 1e-6;  // more than that rounding
  * that are equally good, as where a component boils, the one that is nearer to it. Returns the status of
  * solve_root; without a root r is left alone.
  */
-int stable_root(const Temperature& t, frame::tools::KvBracub bracub, const Mixture& m, double P, double start,
+int stable_root(const Temperature& t, CubicRoot bracub, const Mixture& m, double P, double start,
                 Root& r) noexcept;
 
 /* ln phi_i = (b_i/b)(Z - 1 + q phi) - ln(Z - B) - 2 s_i phi/(b R T), (8) of docs/method.md, out[ld]. */

@@ -9,7 +9,6 @@
 
 #include "eos/water.hpp"
 #include "frame/cas.hpp"
-#include "frame/tools_bridge.hpp"
 
 namespace kestrune::eos {
 namespace {
@@ -28,8 +27,8 @@ bool all_finite(int n, const double* values) {
 }
 
 double* padded_copy(const Phase& p, support::Arena& arena) {
-  double* x = arena.zeros(support::padded(p.mixture->count));
-  std::copy_n(p.x, p.mixture->count, x);
+  double* x = arena.zeros(support::padded(p.context.record->count));
+  std::copy_n(p.x, p.context.record->count, x);
   return x;
 }
 
@@ -58,7 +57,7 @@ WaterAmmonia find_water_ammonia(const MixtureRecord& m, const double* x, bool ab
 
 // Index of the water that is liquid water in the phase, -1: none.
 int liquid_water(const Phase& p) noexcept {
-  const MixtureRecord& m = *p.mixture;
+  const MixtureRecord& m = *p.context.record;
   if (p.kind != KV_PHASE_LIQUID || (m.flags & FreeWaterFlag) == 0) return -1;
   const double* family = m.table + static_cast<std::size_t>(KV_COL_FAMILY - 1) * m.count;
   for (int i = 0; i < m.count; ++i)
@@ -75,7 +74,7 @@ WithSlope mixing_polynomial(double y) {
 }  // namespace
 
 Seen as_seen(const Phase& p, double* y) noexcept {
-  const int n = p.mixture->count, water = liquid_water(p);
+  const int n = p.context.record->count, water = liquid_water(p);
   if (water < 0) {
     std::copy_n(p.x, n, y);
     return {y, 1.0, -1, 0.0};
@@ -92,7 +91,7 @@ Seen as_seen(const Phase& p, double* y) noexcept {
 
 StatusCode residual(const Phase& p, const Temperature& t, const double* y, int level, double* work,
                     PhaseValues& out) {
-  if (evaluate(t, frame::tools::bracub(), p.P, y, p.kind, level, nullptr, work, out)) return out.status;
+  if (evaluate(t, p.context.tools->cubic_root(), p.P, y, p.kind, level, nullptr, work, out)) return out.status;
   return out.status == KV_NO_ROOT ? KV_NO_ROOT : KV_NOT_FINITE;
 }
 
@@ -104,7 +103,7 @@ WithSlope liquid_water_entropy(double T, double P) noexcept {
 
 StatusCode pure_residuals(const Phase& p, int water, support::Arena& arena, double* H, double* S) {
   Temperature t;
-  const StatusCode prepared = prepare(p.T, *p.mixture, frame::state().group_data, 1, arena, t);
+  const StatusCode prepared = prepare(p.T, p.context, 1, arena, t);
   if (prepared != KV_OK) return prepared;
   double* y = arena.zeros(t.ld);
   double* work = arena.take(3 * t.ld);
@@ -126,7 +125,7 @@ bool water_ammonia_pair(const MixtureRecord& mixture, const double* x) noexcept 
 }
 
 StatusCode water_ammonia_enthalpy(const Phase& p, double& H) noexcept {
-  const WaterAmmonia pair = find_water_ammonia(*p.mixture, p.x);
+  const WaterAmmonia pair = find_water_ammonia(*p.context.record, p.x);
   H = 0.0;
   if (pair.water < 0) return KV_OK;
   for (const double M : {pair.Mw, pair.Ma})
@@ -137,8 +136,8 @@ StatusCode water_ammonia_enthalpy(const Phase& p, double& H) noexcept {
 }
 
 StatusCode molar_mass(const Phase& p, double& M) noexcept {
-  const int n = p.mixture->count;
-  const double* mass = p.mixture->table + static_cast<std::size_t>(KV_COL_MOLAR_MASS - 1) * n;
+  const int n = p.context.record->count;
+  const double* mass = p.context.record->table + static_cast<std::size_t>(KV_COL_MOLAR_MASS - 1) * n;
   M = 0.0;
   for (int i = 0; i < n; ++i) {
     if (p.x[i] == 0.0) continue;
@@ -163,9 +162,9 @@ Slopes slopes(double a_over_b, double da_dT_over_b, double b, double T, double e
 }
 
 StatusCode volume(const Phase& p, PhaseValues& out) {
-  return support::with_arena<2, 60>(p.mixture->count, [&](support::Arena& arena) -> StatusCode {
+  return support::with_arena<2, 60>(p.context.record->count, [&](support::Arena& arena) -> StatusCode {
     Temperature t;
-    const StatusCode prepared = prepare(p.T, *p.mixture, frame::state().group_data, 0, arena, t);
+    const StatusCode prepared = prepare(p.T, p.context, 0, arena, t);
     if (prepared != KV_OK) return prepared;
     return residual(p, t, padded_copy(p, arena), 1, arena.take(3 * t.ld), out);
   });
@@ -175,9 +174,9 @@ StatusCode density(const Phase& p, Density& out) {
   double M = 0.0;
   const StatusCode mass = molar_mass(p, M);
   if (mass != KV_OK) return mass;
-  return support::with_arena<3, 60>(p.mixture->count, [&](support::Arena& arena) -> StatusCode {
+  return support::with_arena<3, 60>(p.context.record->count, [&](support::Arena& arena) -> StatusCode {
     Temperature t;
-    const StatusCode status = prepare(p.T, *p.mixture, frame::state().group_data, 1, arena, t);
+    const StatusCode status = prepare(p.T, p.context, 1, arena, t);
     if (status != KV_OK) return status;
     const double* x = padded_copy(p, arena);
     PhaseValues v;
@@ -194,17 +193,17 @@ StatusCode density(const Phase& p, Density& out) {
 }
 
 StatusCode enthalpy_and_entropy(const Phase& p, bool want_H, bool want_S, Caloric& out) {
-  const int n = p.mixture->count;
+  const int n = p.context.record->count;
   return support::with_arena<3, 60>(n, [&](support::Arena& arena) -> StatusCode {
     IdealGas ideal;
     const unsigned parts = (want_H ? kIdealH : 0u) | (want_S ? kIdealS : 0u);
-    StatusCode status = ideal_gas(p.T, *p.mixture, p.x, parts, arena, ideal);
+    StatusCode status = ideal_gas(p.T, p.context, p.x, parts, arena, ideal);
     if (!has_values(status)) return status;
     const Seen seen = as_seen(p, arena.zeros(support::padded(n)));
     PhaseValues v;
     if (seen.share > 0.0) {
       Temperature t;
-      const StatusCode prepared = prepare(p.T, *p.mixture, frame::state().group_data, 1, arena, t);
+      const StatusCode prepared = prepare(p.T, p.context, 1, arena, t);
       if (prepared != KV_OK) return prepared;
       const StatusCode root = residual(p, t, seen.y, 7, arena.take(3 * t.ld), v);
       if (!has_values(root)) return root;
@@ -232,9 +231,9 @@ namespace {
 
 // Derivatives of the ideal part and of the water-ammonia term with the mole numbers, added to dn[n].
 void add_ideal_dn(const Phase& p, const IdealGas& ideal, double H_ideal, double* dn) {
-  const int n = p.mixture->count;
+  const int n = p.context.record->count;
   for (int i = 0; i < n; ++i) dn[i] += ideal.h[i] - H_ideal;
-  const WaterAmmonia pair = find_water_ammonia(*p.mixture, p.x, true);
+  const WaterAmmonia pair = find_water_ammonia(*p.context.record, p.x, true);
   if (pair.water < 0) return;
   const double xw = p.x[pair.water], xa = p.x[pair.ammonia];
   const WithSlope poly = mixing_polynomial(1.0 - 2.0 * xa);
@@ -249,11 +248,11 @@ void add_ideal_dn(const Phase& p, const IdealGas& ideal, double H_ideal, double*
 }  // namespace
 
 StatusCode enthalpy_derivatives(const Phase& p, int mask, WithDerivatives& out) {
-  const int n = p.mixture->count;
+  const int n = p.context.record->count;
   const bool with_T = (mask & KV_DERIV_T) != 0, with_n = (mask & KV_DERIV_N) != 0;
   return support::with_arena<5, 80>(n, [&](support::Arena& arena) -> StatusCode {
     IdealGas ideal;
-    StatusCode status = ideal_gas(p.T, *p.mixture, p.x, kIdealH | (with_T ? kIdealCp : 0u), arena, ideal);
+    StatusCode status = ideal_gas(p.T, p.context, p.x, kIdealH | (with_T ? kIdealCp : 0u), arena, ideal);
     if (!has_values(status)) return status;
     const Seen seen = as_seen(p, arena.zeros(support::padded(n)));
     PhaseValues v;
@@ -261,7 +260,7 @@ StatusCode enthalpy_derivatives(const Phase& p, int mask, WithDerivatives& out) 
     double shift = 0.0;
     if (seen.share > 0.0) {
       Temperature t;
-      const StatusCode prepared = prepare(p.T, *p.mixture, frame::state().group_data, with_T ? 2 : 1, arena, t);
+      const StatusCode prepared = prepare(p.T, p.context, with_T ? 2 : 1, arena, t);
       if (prepared != KV_OK) return prepared;
       const StatusCode root = residual(p, t, seen.y, with_T ? 9 : 8, arena.take(3 * t.ld), v);
       if (!has_values(root)) return root;
@@ -287,7 +286,7 @@ StatusCode enthalpy_derivatives(const Phase& p, int mask, WithDerivatives& out) 
       const IdealGas h_only{ideal.h, nullptr, nullptr};
       for (int i = 0; i < n; ++i) {
         if (p.x[i] >= kSmallestFraction) continue;
-        if (!has_values(ideal_gas_of(p.T, *p.mixture, i, h_only))) ideal.h[i] = 0.0;
+        if (!has_values(ideal_gas_of(p.T, p.context, i, h_only))) ideal.h[i] = 0.0;
       }
       for (int i = 0; i < n; ++i) out.dn[i] = (i == seen.water ? water.value : v.h_partial[i]) - excess;
       add_ideal_dn(p, ideal, H_ideal, out.dn);
@@ -300,7 +299,7 @@ StatusCode enthalpy_derivatives(const Phase& p, int mask, WithDerivatives& out) 
 }
 
 StatusCode specific_heat(const Phase& p, int selector, SpecificHeat& out) {
-  const int n = p.mixture->count;
+  const int n = p.context.record->count;
   const bool all = selector == -1, last = selector == 6;
   const auto wanted = [&](int k) { return all || (last ? k == 6 : k <= selector); };
   double M = 0.0;
@@ -311,12 +310,12 @@ StatusCode specific_heat(const Phase& p, int selector, SpecificHeat& out) {
     double Cp_ideal = 0.0;
     if (wanted(1)) {
       IdealGas ideal;
-      status = ideal_gas(p.T, *p.mixture, p.x, kIdealCp, arena, ideal);
+      status = ideal_gas(p.T, p.context, p.x, kIdealCp, arena, ideal);
       if (!has_values(status)) return status;
       Cp_ideal = ideal_heat_capacity(n, p.x, ideal);
     }
     Temperature t;
-    const StatusCode prepared = prepare(p.T, *p.mixture, frame::state().group_data, 2, arena, t);
+    const StatusCode prepared = prepare(p.T, p.context, 2, arena, t);
     if (prepared != KV_OK) return prepared;
     PhaseValues v;
     const StatusCode root = residual(p, t, padded_copy(p, arena), 9, arena.take(3 * t.ld), v);

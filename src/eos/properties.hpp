@@ -21,7 +21,7 @@ struct Phase {
   double T, P;
   const double* x;
   int kind;  // KV_PHASE_GAS, KV_PHASE_LIQUID
-  const MixtureRecord* mixture;
+  Context context;
 };
 
 // True for the statuses that come with values.

@@ -70,7 +70,7 @@ struct Groups {
   bool unassigned;         // some component has no group at all
 };
 
-void find_groups(const frame::GroupData& data, int n, int ld, support::Arena& arena, int* index, Groups& g) {
+void find_groups(const GroupData& data, int n, int ld, support::Arena& arena, int* index, Groups& g) {
   g.count = 0;
   double* total = arena.zeros(ld);
   for (int k = 0; k < data.groups; ++k) {
@@ -92,8 +92,8 @@ void find_groups(const frame::GroupData& data, int n, int ld, support::Arena& ar
 }
 
 // A_kl(T) = A'_kl (298.15/T)^(ratio - 1) of (4), one exponential for each pair of groups.
-void group_interactions(double T, const frame::GroupData& data, const int* index, int order,
-                        support::Arena& arena, Groups& g) {
+void group_interactions(double T, const GroupData& data, const int* index, int order, support::Arena& arena,
+                        Groups& g) {
   const int m = g.count;
   const double log_ratio = std::log(kReferenceTemperature / T);
   const double invT = 1.0 / T;
@@ -153,11 +153,12 @@ double alpha_function(double T, double Tc, double omega, bool want_first, bool w
   return psi * psi;
 }
 
-StatusCode prepare(double T, const MixtureRecord& mixture, const frame::GroupData& data, int order,
-                   support::Arena& arena, Temperature& t) {
-  const int n = mixture.count, ld = support::padded(n);
+StatusCode prepare(double T, const Context& context, int order, support::Arena& arena, Temperature& t) {
+  if (context.groups == nullptr) return KV_GROUP_DATA;
+  const GroupData& data = *context.groups;
+  const int n = context.record->count, ld = support::padded(n);
   if (data.fractions == nullptr || data.components != n || data.groups < 1) return KV_GROUP_DATA;
-  const double* table = mixture.table;
+  const double* table = context.record->table;
   const auto column = [table, n](int k) { return table + static_cast<std::size_t>(k - 1) * n; };
   const std::size_t size = static_cast<std::size_t>(ld) * n;
   t.n = n;

@@ -2,7 +2,7 @@
 #ifndef KESTRUNE_EOS_TEMPERATURE_HPP
 #define KESTRUNE_EOS_TEMPERATURE_HPP
 
-#include "frame/state.hpp"
+#include "eos/context.hpp"
 #include "kestrune/records.h"
 #include "support/arena.hpp"
 
@@ -32,11 +32,10 @@ double alpha_function(double T, double Tc, double omega, bool want_first, bool w
                       double* second) noexcept;
 
 /*
- * Prepares a temperature from the record's ComponentTable and the group data of the host.
+ * Prepares a temperature from the component table of the record and the group data.
  * KV_COMPONENT_DATA when a Tc, Pc or omega is unusable, KV_GROUP_DATA without group data for this count.
  */
-StatusCode prepare(double T, const MixtureRecord& mixture, const frame::GroupData& groups, int order,
-                   support::Arena& arena, Temperature& out);
+StatusCode prepare(double T, const Context& context, int order, support::Arena& arena, Temperature& out);
 
 /*
  * k_ij(T) and, where the pointers are not null, its first two derivatives, [n * n] with component i fastest,

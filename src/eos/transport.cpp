@@ -9,8 +9,6 @@
 
 #include "eos/water.hpp"
 #include "frame/cas.hpp"
-#include "frame/provider.hpp"
-#include "frame/tools_bridge.hpp"
 #include "support/mathkernels.hpp"
 
 namespace kestrune::eos {
@@ -79,17 +77,18 @@ double inverse_conductivity(const Critical& c) {
  * continued along curve(T), with KV_PURE_RANGE. Other statuses have no value.
  */
 template <class Curve>
-StatusCode dilute_value(PureProperty property, double T, std::int32_t cas, Curve&& curve, double& value) {
+StatusCode dilute_value(const Tools& tools, PureProperty property, double T, std::int32_t cas, Curve&& curve,
+                        double& value) {
   StatusCode status = KV_OK;
-  value = frame::pure_value(property, cas, T, status);
+  value = tools.pure_value(property, cas, T, 0.0, 0.0, status);
   if (status != KV_PURE_RANGE) return status;
   const std::int32_t number = static_cast<std::int32_t>(property) + 1, equation = 1;
   double low = 0.0, high = 0.0;
   char unit[frame::kUnitLength], source[60];
-  if (frame::pure_correlation_info(&cas, &number, &equation, &low, &high, unit, source) != KV_OK) return status;
+  if (tools.pure_range(&cas, &number, &equation, &low, &high, unit, source) != KV_OK) return status;
   const double end = std::clamp(T, low, high);
   StatusCode inside = KV_OK;
-  const double at_end = frame::pure_value(property, cas, end, inside);
+  const double at_end = tools.pure_value(property, cas, end, 0.0, 0.0, inside);
   const double continued = at_end * curve(T) / curve(end);
   if (usable(continued)) value = continued;
   return status;
@@ -105,14 +104,14 @@ struct Present {
 };
 
 StatusCode find_present(const Phase& p, support::Arena& arena, Present& out) {
-  const int n = p.mixture->count;
+  const int n = p.context.record->count;
   out.index = arena.take_ints(n);
   for (double** array : {&out.x, &out.Tc, &out.Pc, &out.Vc, &out.Zc, &out.M}) *array = arena.take(n);
   double total = 0.0;
   for (int i = 0; i < n; ++i) {
     if (!(p.x[i] >= kSmallestFraction)) continue;
     Critical c;
-    if (!critical_constants(*p.mixture, i, c)) return KV_COMPONENT_DATA;
+    if (!critical_constants(*p.context.record, i, c)) return KV_COMPONENT_DATA;
     const int k = out.count++;
     out.index[k] = i;
     out.x[k] = p.x[i];
@@ -127,8 +126,8 @@ StatusCode find_present(const Phase& p, support::Arena& arena, Present& out) {
   for (int k = 0; k < out.count; ++k) out.x[k] /= total;
   const std::int32_t count = out.count;
   Critical& m = out.mixture;
-  frame::tools::CalcKayMR(&count, out.x, out.Tc, out.Pc, out.Vc, out.Zc, out.M, &m.Tc, &m.Pc, &m.Vc, &m.Zc,
-                          &m.M);
+  p.context.tools->kay_rules()(&count, out.x, out.Tc, out.Pc, out.Vc, out.Zc, out.M, &m.Tc, &m.Pc, &m.Vc, &m.Zc,
+                               &m.M);
   return KV_OK;
 }
 
@@ -157,7 +156,7 @@ double weighted_mean(const Present& c, const double* value, const double* mu, do
 // The frame of both properties: components, their dilute values, the mixture, and what the density adds.
 template <class Mean, class Dense>
 StatusCode gas_property(const Phase& p, Mean&& mean, Dense&& dense, double& out) {
-  return support::with_arena<1, 40>(p.mixture->count, [&](support::Arena& arena) -> StatusCode {
+  return support::with_arena<1, 40>(p.context.record->count, [&](support::Arena& arena) -> StatusCode {
     Present c;
     const StatusCode status = find_present(p, arena, c);
     if (status != KV_OK) return status;
@@ -176,10 +175,10 @@ StatusCode gas_property(const Phase& p, Mean&& mean, Dense&& dense, double& out)
 
 // mu[count]; the gravest status of the components, of one without a value at once.
 StatusCode dilute_viscosities(const Phase& p, const Present& c, support::Arena& arena, double* mu) {
-  double* alone = arena.zeros(p.mixture->count);
+  double* alone = arena.zeros(p.context.record->count);
   StatusCode all = KV_OK;
   for (int k = 0; k < c.count && has_values(all); ++k)
-    all = graver(all, dilute_viscosity(p.T, *p.mixture, c.index[k], c.at(k), alone, mu[k]));
+    all = graver(all, dilute_viscosity(p.T, p.context, c.index[k], c.at(k), alone, mu[k]));
   return all;
 }
 
@@ -206,15 +205,17 @@ double corresponding_viscosity(double T, const MixtureRecord& mixture, const dou
   return f * std::sqrt(c.M) * two_thirds_over_sixth(V, c.Tc) * 1e-05 / 1000.0;
 }
 
-StatusCode dilute_viscosity(double T, const MixtureRecord& mixture, int i, const Critical& c, double* alone,
+StatusCode dilute_viscosity(double T, const Context& context, int i, const Critical& c, double* alone,
                             double& mu) noexcept {
+  const MixtureRecord& mixture = *context.record;
   if (OwnHeatCapacity own; own_heat_capacity(mixture, i, own)) {
     mu = 1e-5 * reduced_viscosity(T / c.Tc, 0.0, 0.0) * viscosity_scale(c);
     return usable(mu) ? KV_OK : KV_NOT_FINITE;
   }
   alone[i] = 1.0;
   const auto shape = [&](double t) { return corresponding_viscosity(t, mixture, alone, c); };
-  const StatusCode status = dilute_value(PureProperty::GasViscosity, T, cas_number(mixture, i), shape, mu);
+  const StatusCode status =
+      dilute_value(*context.tools, PureProperty::GasViscosity, T, cas_number(mixture, i), shape, mu);
   alone[i] = 0.0;
   return status;
 }
@@ -230,15 +231,17 @@ double corresponding_conductivity(double T, const Critical& c, bool water) noexc
   return (translational + std::max(C, 0.0) * std::max(f, 0.0)) / inverse_conductivity(c);
 }
 
-StatusCode dilute_conductivity(double T, const MixtureRecord& mixture, int i, const Critical& c,
+StatusCode dilute_conductivity(double T, const Context& context, int i, const Critical& c,
                                double& lambda) noexcept {
+  const MixtureRecord& mixture = *context.record;
   if (OwnHeatCapacity own; own_heat_capacity(mixture, i, own)) {
     lambda = corresponding_conductivity(T, c, false);
     return usable(lambda) ? KV_OK : KV_NOT_FINITE;
   }
   const bool water = is_water_family(mixture, i);
   const auto curve = [&](double t) { return corresponding_conductivity(t, c, water); };
-  return dilute_value(PureProperty::GasThermalConductivity, T, cas_number(mixture, i), curve, lambda);
+  return dilute_value(*context.tools, PureProperty::GasThermalConductivity, T, cas_number(mixture, i), curve,
+                      lambda);
 }
 
 double dense_viscosity(double rho_r) noexcept {
@@ -275,7 +278,7 @@ StatusCode gas_conductivity(const Phase& p, double& conductivity) {
     double *lambda = arena.take(c.count), *mu = arena.take(c.count);
     StatusCode status = dilute_viscosities(p, c, arena, mu);
     for (int k = 0; k < c.count && has_values(status); ++k)
-      status = graver(status, dilute_conductivity(p.T, *p.mixture, c.index[k], c.at(k), lambda[k]));
+      status = graver(status, dilute_conductivity(p.T, p.context, c.index[k], c.at(k), lambda[k]));
     if (has_values(status)) value = weighted_mean(c, lambda, mu, arena.take(c.count), arena.take(c.count));
     return status;
   };

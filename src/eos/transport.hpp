@@ -38,7 +38,7 @@ double corresponding_viscosity(double T, const MixtureRecord& mixture, const dou
  * A component with a heat capacity of its own (ideal_gas.hpp) has the general curve with Tc^(1/6)/(sqrt(M)
  * Pc^(2/3)) as its scale [Yoo70], and the curve of the conductivity itself.
  */
-StatusCode dilute_viscosity(double T, const MixtureRecord& mixture, int i, const Critical& c, double* alone,
+StatusCode dilute_viscosity(double T, const Context& context, int i, const Critical& c, double* alone,
                             double& mu) noexcept;
 
 /*
@@ -46,7 +46,7 @@ StatusCode dilute_viscosity(double T, const MixtureRecord& mixture, int i, const
  * inverse conductivity 210 (Tc M^3/Pc^4)^(1/6) with Pc in bar. [Roy68] Water, by its family code, has no term of
  * the inner degrees of freedom of hydrocarbons.
  */
-StatusCode dilute_conductivity(double T, const MixtureRecord& mixture, int i, const Critical& c,
+StatusCode dilute_conductivity(double T, const Context& context, int i, const Critical& c,
                                double& lambda) noexcept;
 double corresponding_conductivity(double T, const Critical& c, bool water) noexcept;
 

@@ -31,7 +31,7 @@ constexpr double kClearlyLower = 1e-7;
 // are nearly one composition, as at the boiling point of a component, the Gibbs energy cannot tell.
 bool find_root(const CaloricModel& c, const eos::Mixture& m, Kind kind, double start, eos::Root& r) {
   const double rt = eos::kR * c.t.T, A = m.a * c.P / (rt * rt), B = m.b * c.P / rt;
-  const auto bracub = frame::tools::bracub();
+  const eos::CubicRoot bracub = c.context.tools->cubic_root();
   if (kind == Kind::stable) return eos::has_root(eos::stable_root(c.t, bracub, m, c.P, start, r));
   const int phase = kind == Kind::liquid ? KV_PHASE_LIQUID : KV_PHASE_GAS;
   double Z = start;
@@ -53,10 +53,10 @@ bool find_root(const CaloricModel& c, const eos::Mixture& m, Kind kind, double s
  * both, so that the second of two liquids, which goes by the name of a vapour, is asked for as what it is.
  */
 StatusCode own_phase(const CaloricModel& c, double T, const double* x, int& phase) {
-  const int n = c.mixture->count;
+  const int n = c.context.record->count;
   return support::with_arena<2, 20>(n, [&](support::Arena& arena) -> StatusCode {
     Model m;
-    StatusCode status = make_model(T, c.P, c.mixture, c.routines, false, 0, arena, m);
+    StatusCode status = make_model(T, c.P, c.context, c.routines, false, 0, arena, m);
     double *const w = arena.zeros(m.ld), *const ln_phi = arena.zeros(m.ld);
     std::copy_n(x, n, w);
     double gibbs[2] = {}, Z[2] = {};
@@ -75,14 +75,14 @@ StatusCode own_phase(const CaloricModel& c, double T, const double* x, int& phas
 }  // namespace
 
 bool CaloricModel::analytic() const {
-  if (free_water || eos::water_ammonia_pair(*mixture, z)) return false;
+  if (free_water || eos::water_ammonia_pair(*context.record, z)) return false;
   return host_routine<KvFugacityRoutine>(routines, KV_ROUTINE_FUGACITY) == nullptr &&
          property_routine(*this, KV_PHASE_GAS) == nullptr &&
          property_routine(*this, KV_PHASE_LIQUID) == nullptr;
 }
 
 void open_caloric(support::Arena& arena, CaloricModel& c) {
-  const int ld = support::padded(c.mixture->count);
+  const int ld = support::padded(c.context.record->count);
   c.arena = &arena;
   for (double** a : {&c.s, &c.s_t, &c.row}) *a = arena.zeros(ld);
 }
@@ -94,9 +94,9 @@ StatusCode prepare_caloric(CaloricModel& c, double T) {
   c.arena->rewind(c.base);
   c.prepared = 0.0;
   const unsigned parts = (c.property == Property::enthalpy ? eos::kIdealH : eos::kIdealS) | eos::kIdealCp;
-  status = eos::ideal_gas(T, *c.mixture, c.z, parts, *c.arena, c.ideal);
+  status = eos::ideal_gas(T, c.context, c.z, parts, *c.arena, c.ideal);
   if (!eos::has_values(status)) return status;
-  status = eos::prepare(T, *c.mixture, frame::state().group_data, 2, *c.arena, c.t);
+  status = eos::prepare(T, c.context, 2, *c.arena, c.t);
   if (status == KV_OK) c.prepared = T;
   return status;
 }
@@ -137,9 +137,10 @@ StatusCode phase_value(const CaloricModel& c, double T, const double* x, int pha
     if (status != KV_OK) return status;
   }
   if (const MolarRoutine routine = property_routine(c, phase)) {
-    if (!usable_state(T, c.P, c.mixture->count, x)) return KV_NOT_FINITE;
+    if (!usable_state(T, c.P, c.context.record->count, x)) return KV_NOT_FINITE;
     value = std::numeric_limits<double>::quiet_NaN();
-    const StatusCode status = call_host(*c.routines, [&] { return routine(T, c.P, x, c.mixture, &value); });
+    const StatusCode status =
+        call_host(*c.routines, [&] { return routine(T, c.P, x, c.context.record, &value); });
     if (status != KV_OK || std::isfinite(value)) return status;
     return end_flash(*c.routines, KV_NOT_FINITE);
   }
@@ -147,7 +148,7 @@ StatusCode phase_value(const CaloricModel& c, double T, const double* x, int pha
   if (spent != KV_OK) return spent;
   eos::Caloric both;
   const bool H = c.property == Property::enthalpy;
-  const StatusCode status = eos::enthalpy_and_entropy({T, c.P, x, phase, c.mixture}, H, !H, both);
+  const StatusCode status = eos::enthalpy_and_entropy({T, c.P, x, phase, c.context}, H, !H, both);
   value = H ? both.H : both.S;
   return eos::has_values(status) ? StatusCode{KV_OK} : status;
 }

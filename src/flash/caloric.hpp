@@ -25,7 +25,7 @@ struct CaloricModel {
   Property property = Property::enthalpy;
   double P = 0.0;
   const double* z = nullptr;  // [ld] feed: the components that are present
-  MixtureRecord* mixture = nullptr;
+  eos::Context context;
   HostRoutines* routines = nullptr;
   bool free_water = false;
   support::Arena* arena = nullptr;

@@ -36,7 +36,7 @@ bool fugacities_of(Energy& e, double T, const double* x, const double* y) {
   const support::Arena::Mark mark = arena.mark();
   Model m;
   double Zx = 0.0, Zy = 0.0;
-  e.status = make_model(T, e.call.P, &e.silent, e.call.routines, e.call.free_water, 0, arena, m);
+  e.status = make_model(T, e.call.P, e.silent, e.call.routines, e.call.free_water, 0, arena, m);
   m.branch = WaterBranch::by_content;
   if (e.status == KV_OK) e.status = fugacity(m, x, Kind::liquid, e.a.ln_phi, nullptr, Zx);
   if (e.status == KV_OK) e.status = fugacity(m, y, Kind::gas, e.b.ln_phi, nullptr, Zy);

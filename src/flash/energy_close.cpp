@@ -85,7 +85,7 @@ bool solve_for_fraction(Energy& e, EnergyState& s) {
     q.W = W;
     q.given = e.call.P;
     q.z = e.z;
-    q.mixture = &e.silent;
+    q.context = e.silent;
     q.routines = e.call.routines;
     q.free_water = e.call.free_water;
     q.cold = false;

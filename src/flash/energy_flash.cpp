@@ -33,7 +33,7 @@ void take_state(support::Arena& arena, int ld, EnergyState& s) {
 
 // The phase counted by beta is the less densely packed one.
 void order_phases(Energy& e, EnergyState& s) {
-  if (!lighter(*e.call.mixture, s.x, e.a.Z, s.y, e.b.Z)) return;
+  if (!lighter(*e.call.context.record, s.x, e.a.Z, s.y, e.b.Z)) return;
   std::swap_ranges(s.x, s.x + e.ld, s.y);
   s.beta = 1.0 - s.beta;
 }
@@ -232,7 +232,7 @@ StatusCode drive(Energy& e, support::Arena& arena) {
     }
     copy_state(e, e.state, e.spare);
   }
-  const int j = single_component_of_feed(e.n, c.z, pure_tolerance(*c.mixture));
+  const int j = single_component_of_feed(e.n, c.z, pure_tolerance(*c.context.record));
   if (j >= 0) {
     const StatusCode status = solve_single_component(e, j, arena);
     if (status == KV_OK && accept(e, e.state, Found::component, j)) return write_state(e, KV_OK);
@@ -256,19 +256,18 @@ StatusCode drive(Energy& e, support::Arena& arena) {
 // Everything that a flash works with, then run(flash, arena).
 template <class Run>
 StatusCode with_energy(const EnergyCall& call, support::Arena& arena, Run&& run) {
-  const Settings settings = copy_settings(*call.mixture);
+  const Settings settings = copy_settings(call.context);
   support::TraceWriter trace(settings.trace, settings.trace_unit);
   CaloricModel model;
   model.property = call.property;
   model.P = call.P;
-  model.mixture = call.mixture;
+  model.context = call.context;
   model.routines = call.routines;
   model.free_water = call.free_water;
   Energy e(call, model, trace);
-  e.n = call.mixture->count;
+  e.n = call.context.record->count;
   e.ld = support::padded(e.n);
-  e.silent = *call.mixture;
-  e.silent.trace_flag = 0;
+  e.silent = call.context.silent();
   double* z = arena.zeros(e.ld);
   if (!normalise_feed(e.n, call.z, z)) return KV_COMPOSITION;
   e.z = model.z = z;
@@ -280,11 +279,11 @@ StatusCode with_energy(const EnergyCall& call, support::Arena& arena, Run&& run)
   for (double** a : {&e.a_dn, &e.b_dn, &e.system}) *a = arena.take(square);
   open_caloric(arena, model);
   e.fugacities.P = call.P;
-  e.fugacities.mixture = &e.silent;
+  e.fugacities.context = e.silent;
   e.fugacities.host = call.routines;
   e.fugacities.n = e.n;
   e.fugacities.ld = e.ld;
-  e.fugacities.bracub = frame::tools::bracub();
+  e.fugacities.bracub = call.context.tools->cubic_root();
   for (double** a : {&e.fugacities.s, &e.fugacities.row}) *a = arena.zeros(e.ld);
   model.base = arena.mark();
   const StatusCode status = run(e, arena);
@@ -314,7 +313,7 @@ Local solve_phases(Energy& e, EnergyState& s) {
 }
 
 IsothermalCall isothermal_call(Energy& e, EnergyState& s) {
-  IsothermalCall c{s.T, e.call.P, e.z, &e.silent, e.call.routines, &s.beta, s.x, s.y, e.K};
+  IsothermalCall c{s.T, e.call.P, e.z, e.silent, e.call.routines, &s.beta, s.x, s.y, e.K};
   c.free_water = e.call.free_water;
   if (e.model.analytic() && prepare_caloric(e.model, s.T) == KV_OK) {
     e.fugacities.T = s.T;
@@ -377,13 +376,13 @@ bool equilibrium_at(Energy& e, double T, bool warm, EnergyState& s) {
 }
 
 StatusCode energy_flash(const EnergyCall& call) {
-  return support::with_arena<12, 220>(call.mixture->count,
+  return support::with_arena<12, 220>(call.context.record->count,
                                       [&](support::Arena& arena) { return with_energy(call, arena, drive); });
 }
 
 StatusCode energy_search(const EnergyCall& call) {
   const auto run = [](Energy& e, support::Arena&) { return write_state(e, search_and_prove(e, false)); };
-  return support::with_arena<12, 220>(call.mixture->count,
+  return support::with_arena<12, 220>(call.context.record->count,
                                       [&](support::Arena& arena) { return with_energy(call, arena, run); });
 }
 

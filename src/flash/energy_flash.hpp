@@ -11,7 +11,7 @@ struct EnergyCall {
   double wanted = 0.0;        // cal/mol or cal/(mol K), of one mole of feed
   double P = 0.0;             // atm
   const double* z = nullptr;  // feed, need not sum to one
-  MixtureRecord* mixture = nullptr;
+  eos::Context context;
   double* T = nullptr;  // in/out, K; exactly 0 starts at 298.15
   double* beta = nullptr;
   double *x = nullptr, *y = nullptr, *K = nullptr;

@@ -63,7 +63,7 @@ void fill_pure(Energy& e, double beta) {
 
 StatusCode solve_single_component(Energy& e, int j, support::Arena& arena) {
   QualityLine line;
-  line.mixture = &e.silent;
+  line.context = e.silent;
   line.routines = e.call.routines;
   line.free_water = e.call.free_water;
   line.z = e.z;

@@ -67,7 +67,7 @@ double residual_scale(double wanted) {
 }
 
 StatusCode search_temperature(Energy& e, bool warm) {
-  Search s{e, residual_scale(e.call.wanted), copy_settings(*e.call.mixture).CRIT, warm};
+  Search s{e, residual_scale(e.call.wanted), copy_settings(e.call.context).CRIT, warm};
   double& T = *e.call.T;
   Pass pass = run_pass(s, kFirstStep, T);
   if (pass == Pass::failed) pass = run_pass(s, kSecondPassStep, T);

@@ -91,8 +91,8 @@ struct Energy {
   support::TraceWriter& trace;
   const double* z = nullptr;  // [ld], sum 1
   int n = 0, ld = 0;
-  MixtureRecord silent;  // the record without its trace, for the flashes inside
-  Model fugacities;      // of those, where they can share the prepared temperature of the values
+  eos::Context silent;  // of the flashes inside
+  Model fugacities;     // of those, where they can share the prepared temperature of the values
   EnergyState state, spare, saved, other;
   EnergyState low, high;  // the ends of the bracket, once it has them
   EnergyBracket bracket;

@@ -43,7 +43,7 @@ double packing(const Flash& f, double b, double Z) {
 }
 
 bool gas_beyond_doubt(const Flash& f, const double* w, double Z) {
-  return f.m.built_in() && Z > 0.0 && packing(f, covolume(*f.call.mixture, w), Z) < kGasPacking;
+  return f.m.built_in() && Z > 0.0 && packing(f, covolume(*f.call.context.record, w), Z) < kGasPacking;
 }
 
 // Whether the phase that is known to touch the feed's plane is a gas.
@@ -155,7 +155,7 @@ bool trials_between(Flash& f, const Reference& ref, const double* a, const doubl
 
 // Wilson's coefficient without its bounds.
 double wilson_log_k(const Flash& f, int j) {
-  const MixtureRecord& r = *f.call.mixture;
+  const MixtureRecord& r = *f.call.context.record;
   const auto column = [&](int k) { return r.table[static_cast<std::size_t>(k - 1) * r.count + j]; };
   return 5.37 * (1.0 + column(KV_COL_OMEGA)) * (1.0 - column(KV_COL_TC) / f.call.T) +
          support::fast_log(column(KV_COL_PC) / f.call.P);
@@ -207,7 +207,7 @@ bool is_gas_alone(const Flash& f, int j) {
 // beside it.
 bool near_pure_trials(Flash& f, const Reference& ref, bool have_gas) {
   const int n = f.m.n;
-  const MixtureRecord& r = *f.call.mixture;
+  const MixtureRecord& r = *f.call.context.record;
   const double* Tc = r.table + static_cast<std::size_t>(KV_COL_TC - 1) * r.count;
   const double* Pc = r.table + static_cast<std::size_t>(KV_COL_PC - 1) * r.count;
   const int water = eos::find_water_family(r);
@@ -300,13 +300,13 @@ bool test_curvature(Flash& f, const Reference& ref) {
 
 // A gas too thin to be close to a critical point.
 bool dilute(const Flash& f) {
-  return !(f.feed_Z > 0.0) || packing(f, covolume(*f.call.mixture, f.it.z), f.feed_Z) < kDilutePacking;
+  return !(f.feed_Z > 0.0) || packing(f, covolume(*f.call.context.record, f.it.z), f.feed_Z) < kDilutePacking;
 }
 
 }  // namespace
 
 Kind kind_of(const Flash& f, const double* composition, double Z) {
-  return loosely_packed(*f.call.mixture, f.m.T, f.m.P, composition, Z) ? Kind::gas : Kind::liquid;
+  return loosely_packed(*f.call.context.record, f.m.T, f.m.P, composition, Z) ? Kind::gas : Kind::liquid;
 }
 
 Kind trial_kind(const Flash& f) {

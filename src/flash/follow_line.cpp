@@ -36,7 +36,7 @@ struct Walk {
 
   // By its packing y is the vapour on one side of a critical point and the liquid on the other.
   bool is_wanted(const LinePoint& p) const {
-    return !one_phase(line, p) && lighter(*line.mixture, p.x, p.Zx, p.y, p.Zy) == exchanged &&
+    return !one_phase(line, p) && lighter(*line.context.record, p.x, p.Zx, p.y, p.Zy) == exchanged &&
            wanted.is(wanted.who, p);
   }
 };

@@ -32,8 +32,9 @@ StatusCode host_phase(Model& m, const double* x, int phase, double* ln_phi, cons
   if (dn != nullptr) ++m.counts.matrices;
   StatusCode status = spend(m.host, dn != nullptr ? matrix_work(n) : 1);
   if (status == KV_OK)
-    status = call_host(*m.host,
-                       [&] { return m.routine(m.T, m.P, x, m.mixture, phase, 2, mask, ln_phi, d.dT, dP, dn); });
+    status = call_host(*m.host, [&] {
+      return m.routine(m.T, m.P, x, m.context.record, phase, 2, mask, ln_phi, d.dT, dP, dn);
+    });
   if (status != KV_OK) return status;
   if (!all_finite(n, ln_phi) || !all_finite(n, dP) || (d.dT != nullptr && !all_finite(n, d.dT)) ||
       !all_finite(static_cast<int>(entries), m.square))
@@ -88,24 +89,25 @@ double pseudo_critical_temperature(const MixtureRecord& mixture, const double* x
   return sum;
 }
 
-StatusCode make_model(double T, double P, MixtureRecord* mixture, HostRoutines* routines, bool free_water,
+StatusCode make_model(double T, double P, const eos::Context& context, HostRoutines* routines, bool free_water,
                       int order, support::Arena& arena, Model& m) {
   m.T = T;
   m.P = P;
-  m.mixture = mixture;
-  m.n = mixture->count;
+  const MixtureRecord& r = *context.record;
+  m.context = context;
+  m.n = r.count;
   m.ld = support::padded(m.n);
   m.host = routines;
   m.routine = host_routine<KvFugacityRoutine>(routines, KV_ROUTINE_FUGACITY);
   m.s = arena.zeros(m.ld);
   m.row = arena.zeros(m.ld);
-  m.water = free_water ? eos::find_water_family(*mixture) : -1;
+  m.water = free_water ? eos::find_water_family(r) : -1;
   m.free_water = m.water >= 0;
   if (m.free_water) {
     m.modified = arena.zeros(m.ld);
     if (order > 0) m.limit_dn = arena.take(static_cast<std::size_t>(m.ld) * m.n);
     m.psat = eos::water_vapour_pressure(T);
-    m.solubility = eos::water_solubility(T, mixture->solubility_a, mixture->solubility_b);
+    m.solubility = eos::water_solubility(T, r.solubility_a, r.solubility_b);
     if (!(m.solubility.value >= kSmallestK)) m.solubility.value = kSmallestK;
   }
   if (m.routine != nullptr) {
@@ -113,10 +115,10 @@ StatusCode make_model(double T, double P, MixtureRecord* mixture, HostRoutines* 
     m.compared = arena.zeros(m.ld);
     return KV_OK;
   }
-  m.bracub = frame::tools::bracub();
+  m.bracub = context.tools->cubic_root();
   const StatusCode spent = spend(routines, kTemperatureWork);
   if (spent != KV_OK) return spent;
-  return eos::prepare(T, *mixture, frame::state().group_data, order, arena, m.t);
+  return eos::prepare(T, context, order, arena, m.t);
 }
 
 StatusCode built_in_fugacity(Model& m, const double* x, Kind kind, double* ln_phi, const Derivatives& d,

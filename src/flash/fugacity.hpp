@@ -66,10 +66,10 @@ enum class WaterBranch { by_amount, by_content, below, at_limit };
 struct Model {
   double T = 0.0, P = 0.0;
   int n = 0, ld = 0;
-  MixtureRecord* mixture = nullptr;
+  eos::Context context;
   HostRoutines* host = nullptr;
   KvFugacityRoutine routine = nullptr;  // of the host; null: the built-in equation of state
-  frame::tools::KvBracub bracub = nullptr;
+  eos::CubicRoot bracub = nullptr;
   eos::Temperature t;       // prepared when routine is null
   bool free_water = false;  // the flag is set and there is water
   int water = -1;           // index of the water family component
@@ -90,7 +90,7 @@ struct Model {
  * KV_OK, or why there is no model at this temperature. order 1 prepares temperature derivatives, which then may
  * be asked for.
  */
-StatusCode make_model(double T, double P, MixtureRecord* mixture, HostRoutines* routines, bool free_water,
+StatusCode make_model(double T, double P, const eos::Context& context, HostRoutines* routines, bool free_water,
                       int order, support::Arena& arena, Model& m);
 
 /* Co-volume of a composition from the table, cm3/mol: a host's fugacity routine brings no prepared temperature.

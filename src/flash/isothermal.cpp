@@ -33,7 +33,7 @@ bool usable_estimate(const IsothermalCall& c, int n) {
 // The phase counted by beta is the vapour, the less densely packed one.
 void order_phases(Flash& f) {
   if (f.liquids_only()) return;
-  if (!lighter(*f.call.mixture, f.it.x, f.it.Zx, f.it.y, f.it.Zy)) return;
+  if (!lighter(*f.call.context.record, f.it.x, f.it.Zx, f.it.y, f.it.Zy)) return;
   std::swap(f.it.x, f.it.y);
   std::swap(f.it.beta, f.it.liquid);
 }
@@ -102,7 +102,7 @@ StatusCode split_from_trial(Flash& f) {
 StatusCode solve(Flash& f) {
   trace_header(f.trace, f.call, f.settings);
   if (!evaluate_feed(f)) return f.status;
-  wilson(f.call.T, f.call.P, *f.call.mixture, f.m.free_water, f.wilson_k, nullptr);
+  wilson(f.call.T, f.call.P, *f.call.context.record, f.m.free_water, f.wilson_k, nullptr);
   const bool given = f.call.start != Start::cold && usable_estimate(f.call, f.m.n);
 
   Outcome outcome = Outcome::one_phase;
@@ -131,11 +131,11 @@ StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& 
   Model own;
   if (call.model == nullptr) {
     const StatusCode status =
-        make_model(call.T, call.P, call.mixture, call.routines, call.free_water, 0, arena, own);
+        make_model(call.T, call.P, call.context, call.routines, call.free_water, 0, arena, own);
     if (status != KV_OK) return status;
   }
   Model& m = call.model != nullptr ? *call.model : own;
-  Settings settings = copy_settings(*call.mixture);
+  Settings settings = copy_settings(call.context);
   apply_robust_settings(kModelOptions, settings);
   if (call.mode == Mode::liquid_liquid) apply_liquid_settings(kModelOptions, call.index, settings);
   support::TraceWriter writer(settings.trace, settings.trace_unit);
@@ -177,14 +177,14 @@ StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& 
 // body(flash) with all that a flash works with.
 template <class Body>
 StatusCode run(const IsothermalCall& call, Body&& body) {
-  return support::with_arena<6, 132>(call.mixture->count,
+  return support::with_arena<6, 132>(call.context.record->count,
                                      [&](support::Arena& arena) { return with_flash(call, arena, body); });
 }
 
 }  // namespace
 
 StatusCode isothermal_flash(const IsothermalCall& call) {
-  if (call.free_water && call.mode == Mode::liquid_vapour && has_free_water(*call.mixture, call.z))
+  if (call.free_water && call.mode == Mode::liquid_vapour && has_free_water(*call.context.record, call.z))
     return wet_flash(call);
   return run(call, solve);
 }
@@ -192,7 +192,7 @@ StatusCode isothermal_flash(const IsothermalCall& call) {
 StatusCode feed_stability(const IsothermalCall& call, const Incipient& incipient, double& distance) {
   const auto body = [&](Flash& f) -> StatusCode {
     if (!evaluate_feed(f)) return f.status;
-    wilson(call.T, call.P, *call.mixture, f.m.free_water, f.wilson_k, nullptr);
+    wilson(call.T, call.P, *call.context.record, f.m.free_water, f.wilson_k, nullptr);
     if (incipient.w != nullptr) std::copy_n(incipient.w, f.m.n, f.it.x);
     f.incipient = incipient.w != nullptr ? f.it.x : nullptr;
     f.incipient_Z = incipient.Z;
@@ -210,7 +210,7 @@ StatusCode feed_stability(const IsothermalCall& call, const Incipient& incipient
 
 StatusCode answer_stability(const IsothermalCall& call, double& distance) {
   const auto body = [&](Flash& f) -> StatusCode {
-    wilson(call.T, call.P, *call.mixture, f.m.free_water, f.wilson_k, nullptr);
+    wilson(call.T, call.P, *call.context.record, f.m.free_water, f.wilson_k, nullptr);
     std::copy_n(call.x, f.m.n, f.it.x);
     std::copy_n(call.y, f.m.n, f.it.y);
     f.it.kind_x = f.it.kind_y = Kind::stable;
@@ -228,7 +228,7 @@ StatusCode answer_stability(const IsothermalCall& call, double& distance) {
 
 StatusCode phases_stability(const IsothermalCall& call, int count, const double* const* phases) {
   const auto body = [&](Flash& f) -> StatusCode {
-    wilson(call.T, call.P, *call.mixture, false, f.wilson_k, nullptr);
+    wilson(call.T, call.P, *call.context.record, false, f.wilson_k, nullptr);
     // The third phase stands where the iteration keeps its best answer.
     double* const compositions[] = {f.it.x, f.it.y, f.best.x};
     double* const phi[] = {f.it.ln_phi_x, f.it.ln_phi_y, f.best.ln_phi_x};

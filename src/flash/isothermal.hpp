@@ -31,7 +31,7 @@ struct ThirdPhase {
 struct IsothermalCall {
   double T = 0.0, P = 0.0;    // K, atm
   const double* z = nullptr;  // feed, need not sum to one
-  MixtureRecord* mixture = nullptr;
+  eos::Context context;
   HostRoutines* routines = nullptr;
   double* beta = nullptr;  // vapour (second liquid) fraction
   double *x = nullptr, *y = nullptr, *K = nullptr;

@@ -37,7 +37,7 @@ StatusCode both_phases(QualityLine& line, LinePoint& p, int j, int unknown, Both
   b.slope = unknown == line.T_index() ? T * (line.t_x[j] - line.t_y[j]) : P * (line.p_x[j] - line.p_y[j]);
   b.two = line.m.free_water || std::fabs(p.Zx - p.Zy) > kSameRoot * p.Zy;
   // One root only: by its packing it is a gas or a liquid.
-  const MixtureRecord& r = *line.mixture;
+  const MixtureRecord& r = *line.context.record;
   const double Tc = r.table[static_cast<std::size_t>(KV_COL_TC - 1) * r.count + j];
   const double Pc = r.table[static_cast<std::size_t>(KV_COL_PC - 1) * r.count + j];
   b.gas = eos::kOmegaB_R * Tc / Pc * P / (eos::kR * T * p.Zy) * eos::kCriticalVolumeRatio < 1.0;
@@ -64,7 +64,7 @@ int single_component_of_feed(int n, const double* z, double tolerance) noexcept 
 }
 
 StatusCode pure_saturation(QualityLine& line, LinePoint& p, int j, int unknown) {
-  const MixtureRecord& r = *line.mixture;
+  const MixtureRecord& r = *line.context.record;
   const double Tc = r.table[static_cast<std::size_t>(KV_COL_TC - 1) * r.count + j];
   const double Pc = r.table[static_cast<std::size_t>(KV_COL_PC - 1) * r.count + j];
   const double w = r.table[static_cast<std::size_t>(KV_COL_OMEGA - 1) * r.count + j];

@@ -97,7 +97,7 @@ bool vapour_and_liquid(const Quality& q) {
   const double side = q.line.W == 0.0 ? 1.0 : q.line.W == 1.0 ? -1.0 : 0.0;
   for (int i = 0; i < q.line.n; ++i)
     if (q.line.z[i] > 0.0 && side * p.X[i] >= kLargestLogK) return false;
-  const MixtureRecord& m = *q.call.mixture;
+  const MixtureRecord& m = *q.call.context.record;
   if (lighter(m, p.x, p.Zx, p.y, p.Zy)) return false;
   // However dense it is, above its own pseudo-critical temperature (Kay) a fluid is no liquid.
   const double T = q.T();
@@ -149,10 +149,8 @@ bool truly_two(Quality& q) {
 
 // A boundary point has a stable feed, a point between two stable phases.
 Verdict stability(Quality& q) {
-  MixtureRecord silent = *q.call.mixture;
-  silent.trace_flag = 0;
   double beta = q.line.W, distance = 0.0;
-  IsothermalCall c{q.T(), q.P(), q.line.z, &silent, q.call.routines, &beta};
+  IsothermalCall c{q.T(), q.P(), q.line.z, q.call.context.silent(), q.call.routines, &beta};
   c.model = &q.line.m;
   if (q.boundary()) {
     c.x = c.y = q.spare;

@@ -74,7 +74,7 @@ bool wilson_stage(Quality& q, double& value) {
   value = q.start;
   while (q.count++ <= q.settings.ITEMAX) {
     const double T = q.of_T() ? value : q.call.given, P = q.of_T() ? q.call.given : value;
-    wilson(T, P, *q.call.mixture, q.line.free_water, q.wilson_k, nullptr);
+    wilson(T, P, *q.call.context.record, q.line.free_water, q.wilson_k, nullptr);
     const double F = F_of(q, q.wilson_k);
     if (F * F < kWilsonTolerance) return true;
     const double next = b.next(value, F, q.of_T());
@@ -115,7 +115,7 @@ bool equation_stage(Quality& q, double& value) {
 
 void start_from_wilson(Quality& q, double value) {
   const double T = q.of_T() ? value : q.call.given, P = q.of_T() ? q.call.given : value;
-  wilson(T, P, *q.call.mixture, q.line.free_water, q.wilson_k, nullptr);
+  wilson(T, P, *q.call.context.record, q.line.free_water, q.wilson_k, nullptr);
   for (int i = 0; i < q.line.n; ++i) q.point.X[i] = support::fast_log(q.wilson_k[i]);
   q.point.X[q.unknown] = std::log(value);
 }
@@ -272,7 +272,7 @@ StatusCode solve_pure(Quality& q, int j) {
 
 // Water about to condense alone: where its vapour pressure is its partial pressure. False without water.
 bool start_from_water(Quality& q) {
-  const MixtureRecord& m = *q.call.mixture;
+  const MixtureRecord& m = *q.call.context.record;
   const int w = eos::find_water_family(m);
   if (w < 0 || !(q.line.z[w] > 0.0)) return false;
   double T = q.call.given, P = q.call.given;
@@ -346,7 +346,7 @@ bool from_estimate(Quality& q, double start) {
 
 StatusCode solve(Quality& q) {
   q.start = set_up_quality(q.call, q.line.W, q.settings, q.trace);
-  const int j = single_component_of_feed(q.line.n, q.call.z, pure_tolerance(*q.call.mixture));
+  const int j = single_component_of_feed(q.line.n, q.call.z, pure_tolerance(*q.call.context.record));
   if (j >= 0) {
     // With a wide tolerance there may be enough of the others to make two compositions of it.
     const StatusCode status = solve_pure(q, j);
@@ -386,11 +386,11 @@ StatusCode solve(Quality& q) {
 }
 
 StatusCode set_up(const QualityCall& call, support::Arena& arena) {
-  Settings settings = copy_settings(*call.mixture);
+  Settings settings = copy_settings(call.context);
   support::TraceWriter trace(settings.trace, settings.trace_unit);
   QualityLine line;
   line.W = std::clamp(call.W, 0.0, 1.0);
-  line.mixture = call.mixture;
+  line.context = call.context;
   line.routines = call.routines;
   line.free_water = call.free_water;
   line.trace = &trace;
@@ -414,13 +414,13 @@ StatusCode set_up(const QualityCall& call, support::Arena& arena) {
 // The start with its phases: the estimate, or those of Wilson's coefficients.
 void trace_start(const QualityCall& c, double W, double start, support::TraceWriter& trace) {
   const bool of_T = c.find == Find::temperature;
-  const int n = c.mixture->count;
+  const int n = c.context.record->count;
   if (!c.cold && usable_compositions(n, c.x, c.y)) return trace_quality_start(trace, of_T, start, n, c.x, c.y);
   support::with_arena<0, 6>(n, [&](support::Arena& arena) {
     const std::size_t ld = support::padded(n);
     double *const z = arena.zeros(ld), *const x = arena.zeros(ld), *const y = arena.zeros(ld);
     normalise_feed(n, c.z, z);
-    wilson(of_T ? start : c.given, of_T ? c.given : start, *c.mixture, c.free_water, y, nullptr);
+    wilson(of_T ? start : c.given, of_T ? c.given : start, *c.context.record, c.free_water, y, nullptr);
     for (int i = 0; i < n; ++i) {
       x[i] = z[i] / (1.0 + W * (y[i] - 1.0));
       y[i] *= x[i];
@@ -436,7 +436,7 @@ double set_up_quality(const QualityCall& c, double W, Settings& settings, suppor
   const bool of_T = c.find == Find::temperature;
   double start = *c.unknown;
   if (!within_range(of_T, start)) start = of_T ? kDefaultTemperature : kDefaultPressure;
-  if (of_T) start = starting_temperature(kModelOptions, *c.mixture, c.z, start);
+  if (of_T) start = starting_temperature(kModelOptions, *c.context.record, c.z, start);
   apply_quality_settings(kModelOptions, W, c.cold, settings);
   trace_quality_header(trace, of_T, W, c.cold ? 1 : 0, settings);
   if (trace) trace_start(c, W, start, trace);
@@ -444,10 +444,10 @@ double set_up_quality(const QualityCall& c, double W, Settings& settings, suppor
 }
 
 StatusCode quality_flash(const QualityCall& call) {
-  if (call.free_water && has_free_water(*call.mixture, call.z) &&
-      single_component_of_feed(call.mixture->count, call.z, pure_tolerance(*call.mixture)) < 0)
+  if (call.free_water && has_free_water(*call.context.record, call.z) &&
+      single_component_of_feed(call.context.record->count, call.z, pure_tolerance(*call.context.record)) < 0)
     return wet_quality(call);
-  return support::with_arena<8, 160>(call.mixture->count,
+  return support::with_arena<8, 160>(call.context.record->count,
                                      [&](support::Arena& arena) { return set_up(call, arena); });
 }
 

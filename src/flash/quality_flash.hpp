@@ -13,7 +13,7 @@ struct QualityCall {
   double W = 0.0;             // below 0 counts as 0, above 1 as 1
   double given = 0.0;         // P (atm) or T (K)
   const double* z = nullptr;  // feed, need not sum to one
-  MixtureRecord* mixture = nullptr;
+  eos::Context context;
   double* unknown = nullptr;  // in/out; not greater than 0: 298.15 K, 1 atm
   double *x = nullptr, *y = nullptr, *K = nullptr;
   HostRoutines* routines = nullptr;

@@ -169,7 +169,7 @@ StatusCode line_model(QualityLine& line, double T, double P, int order) {
   line.arena->rewind(line.base);
   line.prepared = 0.0;
   const StatusCode status =
-      make_model(T, P, line.mixture, line.routines, line.free_water, order, *line.arena, line.m);
+      make_model(T, P, line.context, line.routines, line.free_water, order, *line.arena, line.m);
   if (status != KV_OK) return status;
   line.m.branch = WaterBranch::by_content;
   line.prepared = T;
@@ -185,7 +185,7 @@ double pressure(const QualityLine& line, const LinePoint& p) {
 }
 
 void open_line(support::Arena& arena, QualityLine& line) {
-  const int n = line.mixture->count, ld = support::padded(n), size = n + 2;
+  const int n = line.context.record->count, ld = support::padded(n), size = n + 2;
   line.n = n;
   line.ld = ld;
   line.arena = &arena;

@@ -17,7 +17,7 @@ struct QualityLine {
   int n = 0, ld = 0;
   const double* z = nullptr;  // [ld] feed with sum 1, padded
   double W = 0.0;             // of the phase y
-  MixtureRecord* mixture = nullptr;
+  eos::Context context;
   HostRoutines* routines = nullptr;
   bool free_water = false;
   bool stable_roots = false;  // each phase takes the root below, not that of its name

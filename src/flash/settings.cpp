@@ -34,7 +34,8 @@ double mean_temperature(const MixtureRecord& mixture, const double* z) {
 
 }  // namespace
 
-Settings copy_settings(const MixtureRecord& mixture) noexcept {
+Settings copy_settings(const eos::Context& context) noexcept {
+  const MixtureRecord& mixture = *context.record;
   Settings s{};
   if (none_given(mixture)) {
     s.CRIT = KV_DEFAULT_CRIT;
@@ -55,7 +56,7 @@ Settings copy_settings(const MixtureRecord& mixture) noexcept {
   const double budget = static_cast<double>(s.NEW) * (static_cast<double>(mixture.count) + 1.0);
   s.global_budget = static_cast<int>(std::clamp(budget, 0.0, 1e9));
   s.robust = false;
-  s.trace = mixture.trace_flag != 0;
+  s.trace = context.trace != 0;
   s.trace_unit = mixture.trace_unit;
   return s;
 }

@@ -2,6 +2,7 @@
 #ifndef KESTRUNE_FLASH_SETTINGS_HPP
 #define KESTRUNE_FLASH_SETTINGS_HPP
 
+#include "eos/context.hpp"
 #include "kestrune/records.h"
 
 namespace kestrune::flash {
@@ -43,7 +44,7 @@ inline constexpr int kRobustIterations = 1000;
  * Copies the settings of the record: the defaults (records.h) for a block that is zero throughout, else what
  * stands there, ITEMAX up to KV_MOST_ITERATIONS and a relaxation factor that is not finite as 1.
  */
-Settings copy_settings(const MixtureRecord& mixture) noexcept;
+Settings copy_settings(const eos::Context& context) noexcept;
 
 /* Distance from 1 within which one fraction makes a feed a single component. */
 double pure_tolerance(const MixtureRecord& mixture) noexcept;

@@ -71,7 +71,7 @@ void trace_quality_start(support::TraceWriter& trace, bool of_T, double start, i
 void trace_energy_header(support::TraceWriter& trace, const EnergyCall& call, double start) {
   if (!trace) return;
   const bool H = call.property == Property::enthalpy;
-  initialisation(trace, H ? "FLASH H,P" : "FLASH S,P", call.index, copy_settings(*call.mixture));
+  initialisation(trace, H ? "FLASH H,P" : "FLASH S,P", call.index, copy_settings(call.context));
   trace.real("T (K)  =", start);
 }
 
@@ -89,7 +89,7 @@ void trace_energy_pass(support::TraceWriter& trace, const EnergyCall& call, doub
 void trace_energy_result(support::TraceWriter& trace, const EnergyCall& call) {
   if (!trace) return;
   trace.real("T (K)  =", *call.T);
-  trace.real(" TMIN (K)    = ", lowest_temperature(*call.mixture));
+  trace.real(" TMIN (K)    = ", lowest_temperature(*call.context.record));
   trace.real("P (ATM)=", call.P);
   trace.real(call.property == Property::enthalpy ? " HF (CAL/MOL)=" : " SF (CAL/MOL/K)=", call.wanted);
   trace.real(" TVAP=", *call.beta);
@@ -109,7 +109,7 @@ void trace_pass(FlashTrace& trace, bool linearised, double factor, const Iterate
 
 void trace_result(FlashTrace& trace, const IsothermalCall& call, const Iterate& it) {
   if (!trace) return;
-  const int n = call.mixture->count;
+  const int n = call.context.record->count;
   if (!trace.started) initial_state(trace, n, *call.beta, it.z, it.z, it.z);
   if (it.source != 0) trace.writer.integer("INDICE INITIALISATION INTERNE AU FLASH :", it.source);
   if (trace.mode == Mode::liquid_vapour) {

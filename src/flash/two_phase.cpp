@@ -87,14 +87,14 @@ StatusCode evaluate_phases(Model& m, const TwoPhaseWork& work, bool derivatives,
 
 // The base-10 logarithms of the last three errors against their numbers: is the way to CRIT too long, by (20)
 // of docs/method.md?
-bool wants_to_switch(const Settings& s, const Progress& p) {
+bool wants_to_switch(const Model& m, const Settings& s, const Progress& p) {
   const double number[3] = {1.0, 2.0, 3.0};
   double logs[3];
   for (int k = 0; k < 3; ++k) logs[k] = kLog10e * support::fast_log(std::max(p.errors[k], 1e-300));
   double slope = 0.0, intercept = 0.0, correlation = 0.0;
   const std::int32_t three = 3;
   std::int32_t status = 0;
-  frame::tools::REGLIN(&three, number, logs, &slope, &intercept, &correlation, &status);
+  m.context.tools->regression_line()(&three, number, logs, &slope, &intercept, &correlation, &status);
   const double factor = support::fast_exp(slope / kLog10e);
   if (!(factor >= kFastest && factor <= kSlowest)) return true;
   return (kLog10e * support::fast_log(s.CRIT) - logs[2]) / slope > s.global_budget;
@@ -108,7 +108,7 @@ void switch_method(Progress& p, int pass) {
 
 // Rules of the global method for the working relaxation factor and the change of method, section 4 of
 // docs/method.md. False: stop here.
-bool follow_rules(const Settings& s, Progress& p, double error, int pass) {
+bool follow_rules(const Model& m, const Settings& s, Progress& p, double error, int pass) {
   const double previous = p.errors[2];
   p.errors[0] = p.errors[1];
   p.errors[1] = previous;
@@ -128,7 +128,8 @@ bool follow_rules(const Settings& s, Progress& p, double error, int pass) {
   }
   p.relaxation = std::min(1.5 * p.relaxation, s.relaxation);
   ++p.decreases;
-  if (p.decreases >= kDecreasesBeforeSwitch && error <= s.CLIM && p.errors[0] < 1e299 && wants_to_switch(s, p))
+  if (p.decreases >= kDecreasesBeforeSwitch && error <= s.CLIM && p.errors[0] < 1e299 &&
+      wants_to_switch(m, s, p))
     switch_method(p, pass);
   return true;
 }
@@ -205,7 +206,7 @@ bool newton_direction(Model& m, const TwoPhaseWork& work, Iterate& it) {
     ++m.counts.factorisations;
     const std::int32_t order = n, lead = ld;
     std::int32_t status = 0;
-    frame::tools::MRSL01(&order, &lead, work.system, work.step, &status);
+    m.context.tools->linear_system()(&order, &lead, work.system, work.step, &status);
     if (status != 0) return false;
   } else {
     double shift = 0.0;
@@ -364,7 +365,7 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
     if (plan.compare_with_feed && !accepted && it.count == kDecreasesBeforeSwitch &&
         !(it.gibbs < plan.feed_gibbs - 1e-10))
       return Outcome::not_better;
-    if (!accepted && !follow_rules(settings, p, it.error, it.count)) return Outcome::broke_down;
+    if (!accepted && !follow_rules(m, settings, p, it.error, it.count)) return Outcome::broke_down;
     newton_taken = false;
     if (derivatives && newton_direction(m, work, it)) {
       const bool last =

@@ -119,10 +119,9 @@ void start_from_estimate(Wet& f) {
 
 // From the flash of the feed without its water. False: it is one phase.
 bool start_from_dry_feed(Wet& f) {
-  MixtureRecord silent = *f.call.mixture;
-  silent.trace_flag = 0;
   double beta = 0.0;
-  if (isothermal_flash({f.call.T, f.call.P, f.dry, &silent, f.call.routines, &beta, f.it.x, f.it.y, f.it.k}) !=
+  const eos::Context silent = f.call.context.silent();
+  if (isothermal_flash({f.call.T, f.call.P, f.dry, silent, f.call.routines, &beta, f.it.x, f.it.y, f.it.k}) !=
       KV_OK)
     return false;
   for (int i = 0; i < f.m.n; ++i) f.log_k[i] = support::fast_log(f.it.k[i]);
@@ -182,7 +181,7 @@ bool try_split(Wet& f, Kept& kept) {
 
 StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
   trace_header(f.trace, f.call, f.settings);
-  wilson(f.call.T, f.call.P, *f.call.mixture, true, f.wilson_k, nullptr);
+  wilson(f.call.T, f.call.P, *f.call.context.record, true, f.wilson_k, nullptr);
   const bool given = usable_estimate(f);
   if (f.water > 1.0 - KV_DEFAULT_PURE_TOLERANCE) return water_alone(f);
   // One fluid, or a gas beside water; what is missing is kept as a start.
@@ -248,12 +247,12 @@ void take_trial(support::Arena& arena, int ld, WetTrial& t) {
 // Everything that a flash works with, then body(flash, arena).
 template <class Body>
 StatusCode with_wet(const IsothermalCall& call, Body&& body) {
-  return support::with_arena<5, 81>(call.mixture->count, [&](support::Arena& arena) -> StatusCode {
+  return support::with_arena<5, 81>(call.context.record->count, [&](support::Arena& arena) -> StatusCode {
     Model m;
-    const StatusCode status = make_model(call.T, call.P, call.mixture, call.routines, true, 0, arena, m);
+    const StatusCode status = make_model(call.T, call.P, call.context, call.routines, true, 0, arena, m);
     if (status != KV_OK) return status;
     m.branch = WaterBranch::by_content;
-    Settings settings = copy_settings(*call.mixture);
+    Settings settings = copy_settings(call.context);
     apply_robust_settings(kModelOptions, settings);
     support::TraceWriter writer(settings.trace, settings.trace_unit);
     FlashTrace trace{call.trace != nullptr ? *call.trace : writer};
@@ -268,7 +267,7 @@ StatusCode with_wet(const IsothermalCall& call, Body&& body) {
     f.rest = 0.0;
     for (int i = 0; i < n; ++i) f.rest += i == m.water ? 0.0 : z[i];
     for (int i = 0; i < n; ++i) f.dry[i] = i == m.water || !(f.rest > 0.0) ? 0.0 : z[i] / f.rest;
-    f.pseudo_critical = pseudo_critical_temperature(*call.mixture, f.dry);
+    f.pseudo_critical = pseudo_critical_temperature(*call.context.record, f.dry);
     WetAnswer& a = f.answer;
     for (double** p : {&f.wilson_k, &f.log_k, &f.g, &f.before, &f.spare, &a.x, &a.y, &a.phi_x, &a.phi_y, &a.d})
       *p = arena.zeros(ld);
@@ -300,7 +299,7 @@ StatusCode check_wet(const IsothermalCall& call, bool& good, bool& third) {
     f.answer.boundary = *call.beta == 0.0 || *call.beta == 1.0;
     std::copy_n(call.x, f.m.n, f.answer.x);
     std::copy_n(call.y, f.m.n, f.answer.y);
-    wilson(f.call.T, f.call.P, *f.call.mixture, true, f.wilson_k, nullptr);
+    wilson(f.call.T, f.call.P, *f.call.context.record, true, f.wilson_k, nullptr);
     good = accept(f, third);
     // The dew point of what is a liquid by its name, and stable as one, is none.
     if (good && *call.beta == 1.0 && !called_gas(f, f.answer.y, f.answer.Zy)) {

@@ -38,7 +38,7 @@ double trial_water(const Wet& f) {
 }
 
 bool lighter_than_gas(const Wet& f, const Known& gas) {
-  return gas.x != nullptr && lighter(*f.call.mixture, f.trial.w, f.trial.Z, gas.x, gas.Z);
+  return gas.x != nullptr && lighter(*f.call.context.record, f.trial.w, f.trial.Z, gas.x, gas.Z);
 }
 
 // Whether a fluid parts from a liquid of mostly water within its limit, as where that is no limit: one of less
@@ -197,7 +197,7 @@ bool oil_fugacity(Wet& f, const double* x, double* ln_phi, double& Z) {
 }
 
 bool loosely_packed(const Wet& f, const double* x, double Z) {
-  return loosely_packed(*f.call.mixture, f.m.T, f.m.P, x, Z);
+  return loosely_packed(*f.call.context.record, f.m.T, f.m.P, x, Z);
 }
 
 bool called_gas(const Wet& f, const double* x, double Z) {
@@ -205,7 +205,7 @@ bool called_gas(const Wet& f, const double* x, double Z) {
 }
 
 bool like_a_gas(const Wet& f, const double* y, double Z) {
-  return f.m.T > pseudo_critical_temperature(*f.call.mixture, y) || loosely_packed(f, y, Z);
+  return f.m.T > pseudo_critical_temperature(*f.call.context.record, y) || loosely_packed(f, y, Z);
 }
 
 bool is_liquid_water(const Wet& f, const double* y, double Z) {
@@ -246,7 +246,7 @@ bool look_for_missing(Wet& f, Kind kind, const Known (&known)[2]) {
     std::copy_n(f.answer.d, n, f.trial.log_w);
     if (!run()) return false;
   }
-  const double* Tc = f.call.mixture->table + static_cast<std::size_t>(KV_COL_TC - 1) * n;
+  const double* Tc = f.call.context.record->table + static_cast<std::size_t>(KV_COL_TC - 1) * n;
   for (int j = 0; j < n; ++j) {
     if (!(f.z[j] > 0.0) || j == w) continue;
     // No liquid of a gas far above its critical temperature, no gas of what hardly boils.
@@ -292,7 +292,7 @@ bool accept(Wet& f, bool& third) {
     f.liquid_by_name = !called_gas(f, f.spare, a.Zx);
 
     if (gas && same_fluid(f, f.spare, a.Zx, a.y, a.Zy)) return false;
-    f.exchanged = gas && lighter(*f.call.mixture, f.spare, a.Zx, a.y, a.Zy);
+    f.exchanged = gas && lighter(*f.call.context.record, f.spare, a.Zx, a.y, a.Zy);
     const bool liquids = f.exchanged && !loosely_packed(f, f.spare, a.Zx);
     if (liquids) f.two_liquids = true;
     if (f.exchanged && !(liquids && f.either_way)) return false;

@@ -41,13 +41,14 @@ struct WetPoint {
 };
 
 struct WetSearch {
-  explicit WetSearch(const QualityCall& c) : call(c), silent(*c.mixture), settings(copy_settings(*c.mixture)) {}
+  explicit WetSearch(const QualityCall& c)
+      : call(c), silent(c.context.silent()), settings(copy_settings(c.context)) {}
   const QualityCall& call;
   QualityLine line;
   LinePoint point, unstable;
   WetPoint little, much;  // the nearest states with too little and too much gas
   WetPoint here;
-  MixtureRecord silent;
+  eos::Context silent;  // of the flashes inside
   Settings settings;
   double W = 0.0;
   bool of_T = true, have_unstable = false;
@@ -64,7 +65,7 @@ struct WetSearch {
 };
 
 IsothermalCall call_at(WetSearch& q, double u, double& beta, double* x, double* y, double* K) {
-  IsothermalCall c{q.T(u), q.P(u), q.line.z, &q.silent, q.call.routines, &beta, x, y, K};
+  IsothermalCall c{q.T(u), q.P(u), q.line.z, q.silent, q.call.routines, &beta, x, y, K};
   c.free_water = true;
   c.counts = &q.counts;
   return c;
@@ -157,7 +158,7 @@ double by_wilson(WetSearch& q) {
   double low = std::log(q.of_T ? kLowestT : kLowestP), high = std::log(q.of_T ? kHighestT : kHighestP);
   for (int k = 0; k < 40; ++k) {
     const double u = 0.5 * (low + high);
-    wilson(q.T(u), q.P(u), *q.call.mixture, true, q.here.K, nullptr);
+    wilson(q.T(u), q.P(u), *q.call.context.record, true, q.here.K, nullptr);
     double F = 0.0;
     for (int i = 0; i < q.line.n; ++i)
       F += q.line.z[i] * (q.here.K[i] - 1.0) / (1.0 + q.W * (q.here.K[i] - 1.0));
@@ -315,15 +316,14 @@ StatusCode solve(WetSearch& q, support::TraceWriter& trace) {
 }  // namespace
 
 StatusCode wet_quality(const QualityCall& call) {
-  return support::with_arena<8, 160>(call.mixture->count, [&](support::Arena& arena) -> StatusCode {
+  return support::with_arena<8, 160>(call.context.record->count, [&](support::Arena& arena) -> StatusCode {
     WetSearch q(call);
     support::TraceWriter trace(q.settings.trace, q.settings.trace_unit);
-    q.silent.trace_flag = 0;
     q.W = std::clamp(call.W, 0.0, 1.0);
     q.of_T = call.find == Find::temperature;
     QualityLine& line = q.line;
     line.W = q.W;
-    line.mixture = call.mixture;
+    line.context = call.context;
     line.routines = call.routines;
     line.free_water = true;
     line.trace = &trace;

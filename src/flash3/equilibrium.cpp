@@ -27,7 +27,7 @@ constexpr double kNoAmount = 1e-13;
 constexpr double kFirstAmount = 0.1;  // of a phase that is added
 
 flash::IsothermalCall isothermal_call(Equilibrium& e) {
-  flash::IsothermalCall c{e.m.T, e.m.P, e.z, e.m.mixture, e.routines, &e.beta, e.x, e.y, e.K};
+  flash::IsothermalCall c{e.m.T, e.m.P, e.z, e.m.context, e.routines, &e.beta, e.x, e.y, e.K};
   c.model = &e.m;
   c.third = &e.third;
   if (*e.how.trace) c.trace = e.how.trace;
@@ -335,7 +335,7 @@ StatusCode leave(Equilibrium& e, StatusCode status) {
 
 StatusCode open_equilibrium(const EquilibriumCall& call, int order, support::Arena& arena,
                             support::TraceWriter& trace, Equilibrium& e) {
-  const int n = call.mixture->count, ld = support::padded(n);
+  const int n = call.context.record->count, ld = support::padded(n);
   e.routines = call.routines;
   for (double** a : {&e.z, &e.x, &e.y, &e.K, &e.cut, &e.added, &e.best_cut}) *a = arena.zeros(ld);
   if (!flash::normalise_feed(n, call.z, e.z)) return KV_COMPOSITION;
@@ -345,12 +345,12 @@ StatusCode open_equilibrium(const EquilibriumCall& call, int order, support::Are
   take_phases(arena, ld, e.best);
   take_phases(arena, ld, e.answer);
   take_work(arena, n, ld, kMostPhases, e.w);
-  e.how.settings = flash::copy_settings(*call.mixture);
+  e.how.settings = flash::copy_settings(call.context);
   e.how.trace = &trace;
   e.arena = &arena;
   e.base = arena.mark();
   e.order = order;
-  return flash::make_model(call.T, call.P, call.mixture, call.routines, false, order, arena, e.m);
+  return flash::make_model(call.T, call.P, call.context, call.routines, false, order, arena, e.m);
 }
 
 StatusCode set_conditions(double T, double P, Equilibrium& e) {
@@ -358,9 +358,9 @@ StatusCode set_conditions(double T, double P, Equilibrium& e) {
   if (T == e.m.T) return KV_OK;
   e.arena->rewind(e.base);
   const flash::Counts counts = e.m.counts;
-  MixtureRecord* const mixture = e.m.mixture;
+  const eos::Context context = e.m.context;
   e.m = {};
-  const StatusCode status = flash::make_model(T, P, mixture, e.routines, false, e.order, *e.arena, e.m);
+  const StatusCode status = flash::make_model(T, P, context, e.routines, false, e.order, *e.arena, e.m);
   e.m.counts = counts;
   return status;
 }
@@ -409,14 +409,14 @@ int lightest_phase(const Equilibrium& e) {
   const Phases& p = e.p;
   int v = 0;
   for (int j = 1; j < p.count; ++j)
-    if (flash::lighter(*e.m.mixture, p.x[j], p.Z[j], p.x[v], p.Z[v])) v = j;
+    if (flash::lighter(*e.m.context.record, p.x[j], p.Z[j], p.x[v], p.Z[v])) v = j;
   return v;
 }
 
 int find_vapour(const Equilibrium& e) {
   constexpr double kAqueous = 0.5, kBesideWater = 1.25;
   const Phases& p = e.p;
-  const MixtureRecord& r = *e.m.mixture;
+  const MixtureRecord& r = *e.m.context.record;
   const int v = lightest_phase(e);
   if (p.count == kMostPhases) return v;
   if (p.count == 1) return e.gas ? 0 : -1;

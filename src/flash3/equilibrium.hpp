@@ -32,7 +32,7 @@ struct Equilibrium {
 struct EquilibriumCall {
   double T = 0.0, P = 0.0;    // K, atm
   const double* z = nullptr;  // [n] feed, need not sum to one
-  MixtureRecord* mixture = nullptr;
+  eos::Context context;
   flash::HostRoutines* routines = nullptr;
 };
 

@@ -24,13 +24,13 @@ using DensityRoutine = StatusCode(KV_CALL*)(double, double, const double*, Mixtu
 // First output of the host's routine, not finite where it has written none.
 double host_value(DensityRoutine routine, const LiquidPair& p, const double* x) {
   double value = std::numeric_limits<double>::quiet_NaN(), d_dT = 0.0, d_dP = 0.0, d2_dTdP = 0.0;
-  routine(p.T, p.P, x, p.mixture, &value, &d_dT, &d_dP, &d2_dTdP);
+  routine(p.T, p.P, x, p.context.record, &value, &d_dT, &d_dP, &d2_dTdP);
   return value;
 }
 
 // Mass density, g/cm3, from Z where there is one; NaN where the library has none.
 double own_density(const LiquidPair& p, const double* x, double Z) {
-  const MixtureRecord& r = *p.mixture;
+  const MixtureRecord& r = *p.context.record;
   if (Z > 0.0) {
     const double* M = r.table + static_cast<std::size_t>(KV_COL_MOLAR_MASS - 1) * r.count;
     double mass = 0.0;
@@ -38,14 +38,14 @@ double own_density(const LiquidPair& p, const double* x, double Z) {
     return mass * p.P / (Z * eos::kR * p.T);
   }
   eos::Density d{};
-  const StatusCode status = eos::density({p.T, p.P, x, KV_PHASE_LIQUID, p.mixture}, d);
+  const StatusCode status = eos::density({p.T, p.P, x, KV_PHASE_LIQUID, p.context}, d);
   return eos::has_values(status) ? d.rho : std::numeric_limits<double>::quiet_NaN();
 }
 
 // The denser liquid first, no traces of what is absent, and the K of that.
 StatusCode write_two(const LiquidLiquidCall& c) {
-  const int n = c.mixture->count;
-  if (!denser_first({c.T, c.P, c.liquid1, c.liquid2, c.mixture, c.routines})) {
+  const int n = c.context.record->count;
+  if (!denser_first({c.T, c.P, c.liquid1, c.liquid2, c.context, c.routines})) {
     std::swap_ranges(c.liquid1, c.liquid1 + n, c.liquid2);
     *c.beta = 1.0 - *c.beta;
   }
@@ -59,9 +59,9 @@ StatusCode write_two(const LiquidLiquidCall& c) {
 // of its own. False: there is not that much, or no limit; the estimate in beta, liquid1 and liquid2 is left
 // as it is then.
 bool split_water(const LiquidLiquidCall& c, const double* z, double* oil) {
-  const int n = c.mixture->count, w = eos::find_water_family(*c.mixture);
+  const int n = c.context.record->count, w = eos::find_water_family(*c.context.record);
   if (w < 0 || flash::oil_of(n, w, z) < kAbsent) return false;
-  const double beta = flash::oil_at_limit(*c.mixture, c.T, z, oil);
+  const double beta = flash::oil_at_limit(*c.context.record, c.T, z, oil);
   if (!(beta < 1.0)) return false;
   *c.beta = beta;
   std::copy_n(oil, n, c.liquid2);
@@ -72,15 +72,15 @@ bool split_water(const LiquidLiquidCall& c, const double* z, double* oil) {
 // Free water below its limit: what the liquids hold of it is the same in all, so that the dry feed says
 // whether there is one. It becomes the answer then.
 bool one_dry_liquid(const LiquidLiquidCall& c) {
-  const int n = c.mixture->count;
+  const int n = c.context.record->count;
   return support::with_arena<0, 6>(n, [&](support::Arena& arena) {
     double *const dry = arena.take(n), *const x = arena.zeros(n), *const y = arena.zeros(n);
     double* const K = arena.take(n);
     double beta = 0.0;
     std::copy_n(c.z, n, dry);
-    dry[eos::find_water_family(*c.mixture)] = 0.0;
+    dry[eos::find_water_family(*c.context.record)] = 0.0;
     if (!flash::normalise_feed(n, dry, dry)) return false;
-    flash::IsothermalCall call{c.T, c.P, dry, c.mixture, c.routines, &beta, x, y, K};
+    flash::IsothermalCall call{c.T, c.P, dry, c.context, c.routines, &beta, x, y, K};
     call.mode = flash::Mode::liquid_liquid;
     call.start = flash::Start::cold;
     if (flash::isothermal_flash(call) != KV_SINGLE_PHASE) return false;
@@ -101,12 +101,12 @@ bool denser_first(const LiquidPair& p) {
 }
 
 StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
-  const int n = c.mixture->count;
+  const int n = c.context.record->count;
   enum class Short { none, pure, water };
   const Short way = support::with_arena<0, 4>(n, [&](support::Arena& arena) {
     double *const z = arena.take(n), *const oil = arena.take(n);
     flash::normalise_feed(n, c.z, z);
-    if (flash::single_component(n, c.z, flash::pure_tolerance(*c.mixture)) < 0)
+    if (flash::single_component(n, c.z, flash::pure_tolerance(*c.context.record)) < 0)
       return c.free_water && split_water(c, z, oil) ? Short::water : Short::none;
     *c.beta = 0.0;
     std::copy_n(z, n, c.liquid1);
@@ -117,7 +117,7 @@ StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
   if (way == Short::pure) return KV_OK;
   if (way == Short::water) return write_two(c);
 
-  flash::IsothermalCall call{c.T, c.P, c.z, c.mixture, c.routines, c.beta, c.liquid1, c.liquid2, c.K};
+  flash::IsothermalCall call{c.T, c.P, c.z, c.context, c.routines, c.beta, c.liquid1, c.liquid2, c.K};
   call.free_water = c.free_water;
   call.mode = flash::Mode::liquid_liquid;
   call.start = c.estimate ? flash::Start::warm : flash::Start::cold;

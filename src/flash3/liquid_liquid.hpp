@@ -9,7 +9,7 @@ namespace kestrune::flash3 {
 struct LiquidLiquidCall {
   double T = 0.0, P = 0.0;    // K, atm
   const double* z = nullptr;  // feed, need not sum to one
-  MixtureRecord* mixture = nullptr;
+  eos::Context context;
   flash::HostRoutines* routines = nullptr;
   bool free_water = false;
   bool estimate = false;                          // the results hold one; an unusable one is ignored
@@ -30,7 +30,7 @@ StatusCode liquid_liquid_flash(const LiquidLiquidCall& call);
 struct LiquidPair {
   double T, P;  // K, atm
   const double *first, *second;
-  MixtureRecord* mixture;
+  eos::Context context;
   const flash::HostRoutines* routines;
   double Z_first = 0.0, Z_second = 0.0;
 };

@@ -186,7 +186,7 @@ bool lead_on(QualitySearch& q, const Node& from, const Node& to) {
 int lightest_of(const QualitySearch& q, const Phases& p) {
   int v = 0;
   for (int j = 1; j < p.count; ++j)
-    if (flash::lighter(*q.e.m.mixture, p.x[j], p.Z[j], p.x[v], p.Z[v])) v = j;
+    if (flash::lighter(*q.e.m.context.record, p.x[j], p.Z[j], p.x[v], p.Z[v])) v = j;
   return v;
 }
 
@@ -320,10 +320,10 @@ StatusCode search_from(QualitySearch& q, double first) {
  */
 StatusCode search_closely(QualitySearch& q) {
   constexpr double kStep = 0.008, kFrom = 0.95, kTo = 1.3;  // of the pseudo-critical temperature
-  const int n = q.e.m.n, water = eos::find_water_family(*q.e.m.mixture);
+  const int n = q.e.m.n, water = eos::find_water_family(*q.e.m.context.record);
   double dry = 0.0;
   for (int i = 0; i < n; ++i) dry += q.joined.x[0][i] = i == water ? 0.0 : q.e.z[i];
-  const double Tc = flash::pseudo_critical_temperature(*q.e.m.mixture, q.joined.x[0]) / dry;
+  const double Tc = flash::pseudo_critical_temperature(*q.e.m.context.record, q.joined.x[0]) / dry;
   bool have = false;
   q.changes = 0;
   for (double u = kFrom * Tc; u < kTo * Tc; u *= 1.0 + kStep) {

@@ -203,7 +203,9 @@ bool merge_identical(Run& r) {
 
 // The least densely packed phase is the vapour, and of the others the more densely packed one is B.
 void put_in_slots(const flash::Model& m, Phases& p) {
-  const auto lighter = [&](int j, int k) { return flash::lighter(*m.mixture, p.x[j], p.Z[j], p.x[k], p.Z[k]); };
+  const auto lighter = [&](int j, int k) {
+    return flash::lighter(*m.context.record, p.x[j], p.Z[j], p.x[k], p.Z[k]);
+  };
   for (const int j : {kA, kB})
     if (lighter(j, kV)) exchange_phases(p, j, kV);
   if (lighter(kB, kA)) exchange_phases(p, kA, kB);
@@ -219,7 +221,7 @@ Ended iterate(Run& r) {
     ++r.m.counts.iterations;
     const double error = criterion(r.z, r.m.n, r.p, r.w.home);
     trace_pass(*r.how.trace, {pass, error, r.factor, r.newton && r.recovery == 0}, r.m.n, r.p,
-               s.trace && r.m.mixture->trace_flag != 1);
+               s.trace && r.m.context.trace != 1);
     const bool reached = error <= s.CRIT || (r.how.descend && r.p.worst <= kOwed);
     if (reached && pass > 1 && has_all_amounts(r)) return Ended::converged;
     if (merge_identical(r)) return Ended::identical;
@@ -353,7 +355,7 @@ StatusCode start_by_index(flash::Model& m, const double* z, int index, Phases& p
   // ln phi of the trials in their places; where Wilson's coefficients stand for them, 0 and ln K.
   double *const A = p.ln_phi[kA], *const B = p.ln_phi[kB], *const V = p.ln_phi[kV];
   const auto wilson = [&](double* log_k) {
-    flash::wilson(m.T, m.P, *m.mixture, false, log_k, nullptr);
+    flash::wilson(m.T, m.P, *m.context.record, false, log_k, nullptr);
     for (int i = 0; i < n; ++i) log_k[i] = support::fast_log(log_k[i]);
   };
   if (index == 2) {

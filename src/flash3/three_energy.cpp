@@ -181,10 +181,9 @@ StatusCode search_from_two_phases(EnergySearch& q) {
   const ThreeEnergyCall& c = q.call;
   Equilibrium& e = q.e;
   double T = 0.0, beta = 0.0, values[2];
-  MixtureRecord silent = *c.mixture;
-  silent.trace_flag = 0;
+  const eos::Context silent = c.context.silent();
   const StatusCode status = flash::energy_flash(
-      {c.property, c.wanted, c.P, e.z, &silent, &T, &beta, e.x, e.y, e.K, values, values + 1, c.routines});
+      {c.property, c.wanted, c.P, e.z, silent, &T, &beta, e.x, e.y, e.K, values, values + 1, c.routines});
   if (status != KV_OK) return status;
   q.bracket = {};
   q.low.known = q.high.known = false;
@@ -230,16 +229,16 @@ StatusCode write_answer(EnergySearch& q, StatusCode found) {
 // ---- a single component ----
 
 StatusCode single_component(const ThreeEnergyCall& c, support::Arena& arena) {
-  const int n = c.mixture->count;
+  const int n = c.context.record->count;
   double beta = 0.0, liquid = 0.0, vapour = 0.0;
   double *const x = arena.zeros(n), *const y = arena.zeros(n), *const K = arena.zeros(n),
                 *const z = arena.zeros(n);
   flash::normalise_feed(n, c.z, z);
   drop_traces(n, z);  // as the phases are written
-  const StatusCode status = flash::energy_flash({c.property, c.wanted, c.P, z, c.mixture, c.T, &beta, x, y, K,
+  const StatusCode status = flash::energy_flash({c.property, c.wanted, c.P, z, c.context, c.T, &beta, x, y, K,
                                                  &liquid, &vapour, c.routines, c.free_water});
   if (status != KV_OK) return status;
-  const bool split = split_free_water({*c.T, c.P, c.mixture, beta, x, y, false, c.free_water}, c.out);
+  const bool split = split_free_water({*c.T, c.P, c.context, beta, x, y, false, c.free_water}, c.out);
   // Of hardly anything but water: what else there is has the value of the whole liquid.
   *c.A = liquid;
   *c.B = split ? liquid : 0.0;
@@ -249,8 +248,8 @@ StatusCode single_component(const ThreeEnergyCall& c, support::Arena& arena) {
 
 // Everything that a search works with, on two arenas: one for what stays with a temperature of the flash.
 StatusCode with_search(const ThreeEnergyCall& c, support::Arena& arena, support::Arena& model_arena) {
-  const int n = c.mixture->count, ld = support::padded(n);
-  const flash::Settings settings = flash::copy_settings(*c.mixture);
+  const int n = c.context.record->count, ld = support::padded(n);
+  const flash::Settings settings = flash::copy_settings(c.context);
   support::TraceWriter trace(settings.trace, settings.trace_unit);
   EnergySearch q{c, {}, {}, {}, {}, {}, {}, {}};
   q.s.e = &q.e;
@@ -265,12 +264,12 @@ StatusCode with_search(const ThreeEnergyCall& c, support::Arena& arena, support:
   q.caloric.property = c.property;
   q.caloric.P = c.P;
   q.caloric.z = c.z;
-  q.caloric.mixture = c.mixture;
+  q.caloric.context = c.context;
   q.caloric.routines = c.routines;
   // Where the value has no slopes those of the fugacities are needed.
   const int order = q.caloric.analytic() ? 0 : 1;
   StatusCode status =
-      open_equilibrium({start, c.P, c.z, c.mixture, c.routines}, order, model_arena, trace, q.e);
+      open_equilibrium({start, c.P, c.z, c.context, c.routines}, order, model_arena, trace, q.e);
   if (status != KV_OK) return status;
   q.caloric.z = q.e.z;
   flash::open_caloric(arena, q.caloric);
@@ -361,12 +360,12 @@ bool confirm(EnergySearch& q) {
 }
 
 StatusCode three_energy_flash(const ThreeEnergyCall& c) {
-  const int n = c.mixture->count;
-  if (const StatusCode bad = flash::check_feed_sum(c.z, *c.mixture); bad != KV_OK) return bad;
+  const int n = c.context.record->count;
+  if (const StatusCode bad = flash::check_feed_sum(c.z, *c.context.record); bad != KV_OK) return bad;
   if (*c.T == 0.0) *c.T = kDefaultTemperature;
-  const int j = flash::single_component(n, c.z, flash::pure_tolerance(*c.mixture));
+  const int j = flash::single_component(n, c.z, flash::pure_tolerance(*c.context.record));
   // Of a feed of hardly anything but another component the water that it has is a liquid of its own.
-  if (j >= 0 && (!c.free_water || j == eos::find_water_family(*c.mixture)))
+  if (j >= 0 && (!c.free_water || j == eos::find_water_family(*c.context.record)))
     return support::with_arena<0, 5>(n, [&](support::Arena& arena) { return single_component(c, arena); });
   if (c.free_water) return three_energy_free_water(c);
   return support::with_arena<12, 100>(n, [&](support::Arena& arena) {

@@ -12,7 +12,7 @@ struct ThreeEnergyCall {
   double wanted = 0.0;        // cal/mol or cal/(mol K), of one mole of feed
   double P = 0.0;             // atm
   const double* z = nullptr;  // feed; its sum is checked against the record's tolerance
-  MixtureRecord* mixture = nullptr;
+  eos::Context context;
   double* T = nullptr;  // in/out, K; exactly 0 starts at 298.15
   ThreePhaseResult out = {};
   double *A = nullptr, *B = nullptr, *vapour = nullptr;  // value of each phase; 0 for one that is absent

@@ -69,11 +69,11 @@ struct HostSplit {
  * left is no fraction with compositions of the phases that have a part in it.
  */
 bool call_flash(FlashRoutine routine, const ThreePhaseCall& c, const double* z, HostSplit& s) {
-  const int n = c.mixture->count;
+  const int n = c.context.record->count;
   s.part = 0.0;
   for (double* a : {s.first, s.second, s.K}) std::fill_n(a, n, 0.0);
   const StatusCode status =
-      routine(c.T, c.P, z, c.mixture, c.routines->record, 0, &s.part, s.first, s.second, s.K);
+      routine(c.T, c.P, z, c.context.record, c.routines->record, 0, &s.part, s.first, s.second, s.K);
   s.failed = !flash::goes_on(status) && status != KV_SINGLE_PHASE;
   if (s.part == 0.0 || s.part == 1.0) return true;
   return s.part > 0.0 && s.part < 1.0 && flash::usable_compositions(n, s.first, s.second);
@@ -97,7 +97,7 @@ StatusCode no_start(StatusCode status) {
 StatusCode liquid_vapour(const ThreePhaseCall& c, Equilibrium& e, HostSplit& lv) {
   if (const FlashRoutine routine = host_flash(c, KV_ROUTINE_LV_FLASH))
     return call_flash(routine, c, e.z, lv) ? KV_OK : KV_NO_START;
-  flash::IsothermalCall call{c.T, c.P, e.z, c.mixture, c.routines, &lv.part, lv.first, lv.second, lv.K};
+  flash::IsothermalCall call{c.T, c.P, e.z, c.context, c.routines, &lv.part, lv.first, lv.second, lv.K};
   call.model = &e.m;
   return no_start(flash::isothermal_flash(call));
 }
@@ -114,7 +114,7 @@ StatusCode liquid_liquid(const ThreePhaseCall& c, const double* liquid, double V
     return (usable || one) && !ll.failed ? KV_OK : KV_NO_START;
   }
   const StatusCode status = liquid_liquid_flash(
-      {c.T, c.P, liquid, c.mixture, c.routines, false, false, &ll.part, ll.first, ll.second, ll.K});
+      {c.T, c.P, liquid, c.context, c.routines, false, false, &ll.part, ll.first, ll.second, ll.K});
   if (status == flash::kHostStatus) return status;
   if (status != KV_OK) ll.part = 0.0;
   return KV_OK;
@@ -162,7 +162,7 @@ StatusCode solve_with_host(const ThreePhaseCall& c, Equilibrium& e) {
 
 // An estimate as two phases, its liquids in one. False: it is unusable.
 bool join_estimate(const ThreePhaseCall& c, HostSplit& lv) {
-  const int n = c.mixture->count;
+  const int n = c.context.record->count;
   const auto [A, B, V] = Amounts(*c.out.beta, *c.out.V).of;
   if (!(V > 0.0 && V < 1.0 && A >= 0.0 && B >= 0.0)) return false;
   lv.part = V;
@@ -176,7 +176,7 @@ bool join_estimate(const ThreePhaseCall& c, HostSplit& lv) {
 // The header of the three phases and the table of what they start from, which with free water is the answer.
 void trace_free_water(const ThreePhaseCall& c, bool given) {
   Iteration how;
-  how.settings = flash::copy_settings(*c.mixture);
+  how.settings = flash::copy_settings(c.context);
   how.index = given ? 0 : 4;
   support::TraceWriter trace(how.settings.trace, how.settings.trace_unit);
   Phases p;
@@ -186,15 +186,15 @@ void trace_free_water(const ThreePhaseCall& c, bool given) {
   p.x[kA] = c.out.xA;
   p.x[kB] = c.out.xB;
   p.x[kV] = c.out.y;
-  trace_start(trace, how, c.mixture->count, c.z, p);
+  trace_start(trace, how, c.context.record->count, c.z, p);
 }
 
 StatusCode solve_with_free_water(const ThreePhaseCall& c, support::Arena& arena) {
-  const int n = c.mixture->count, ld = support::padded(n);
+  const int n = c.context.record->count, ld = support::padded(n);
   HostSplit lv{0.0, arena.zeros(ld), arena.zeros(ld), arena.zeros(ld)};
   double* const z = arena.zeros(ld);  // what a flash of the host's is to get
   if (!flash::normalise_feed(n, c.z, z)) return KV_COMPOSITION;
-  flash::IsothermalCall call{c.T, c.P, c.z, c.mixture, c.routines, &lv.part, lv.first, lv.second, lv.K};
+  flash::IsothermalCall call{c.T, c.P, c.z, c.context, c.routines, &lv.part, lv.first, lv.second, lv.K};
   call.free_water = true;
   const bool given = c.estimate && join_estimate(c, lv);
   const FlashRoutine routine = given ? nullptr : host_flash(c, KV_ROUTINE_LV_FLASH);
@@ -207,7 +207,7 @@ StatusCode solve_with_free_water(const ThreePhaseCall& c, support::Arena& arena)
   call.third = &third;
   const StatusCode status = no_start(flash::isothermal_flash(call));
   if (status != KV_OK) return status;
-  const bool split = split_free_water({c.T, c.P, c.mixture, lv.part, lv.first, lv.second}, c.out);
+  const bool split = split_free_water({c.T, c.P, c.context, lv.part, lv.first, lv.second}, c.out);
   trace_free_water(c, given);
   // Hydrocarbons that would form two liquids, of which the rules of free water know one.
   if (third.found) return KV_FOURTH_PHASE;
@@ -217,10 +217,10 @@ StatusCode solve_with_free_water(const ThreePhaseCall& c, support::Arena& arena)
 
 StatusCode solve(const ThreePhaseCall& c, support::Arena& arena) {
   if (c.free_water) return solve_with_free_water(c, arena);
-  const flash::Settings settings = flash::copy_settings(*c.mixture);
+  const flash::Settings settings = flash::copy_settings(c.context);
   support::TraceWriter trace(settings.trace, settings.trace_unit);
   Equilibrium e;
-  StatusCode status = open_equilibrium({c.T, c.P, c.z, c.mixture, c.routines}, 0, arena, trace, e);
+  StatusCode status = open_equilibrium({c.T, c.P, c.z, c.context, c.routines}, 0, arena, trace, e);
   if (status != KV_OK) return status;
   const bool given = c.estimate && take_estimate(c.out, e);
   const bool by_host =
@@ -240,7 +240,7 @@ void put_lightest_last(Equilibrium& e) {
 // The lighter of the first two phases before the denser one.
 void order_liquids(Equilibrium& e) {
   const Phases& p = e.p;
-  if (!denser_first({e.m.T, e.m.P, p.x[1], p.x[0], e.m.mixture, e.routines, p.Z[1], p.Z[0]}))
+  if (!denser_first({e.m.T, e.m.P, p.x[1], p.x[0], e.m.context, e.routines, p.Z[1], p.Z[0]}))
     exchange_phases(e.p, 0, 1);
 }
 
@@ -353,9 +353,9 @@ StatusCode write_quality_phases(Equilibrium& e, double W, const ThreePhaseResult
 }
 
 bool split_free_water(const LiquidVapour& a, const ThreePhaseResult& out) {
-  const int n = a.mixture->count, iw = eos::find_water_family(*a.mixture);
+  const int n = a.context.record->count, iw = eos::find_water_family(*a.context.record);
   const bool may = iw >= 0 && a.free_water && !(a.x[iw] > flash::kWaterRich) && a.V != 1.0;
-  const double r = may ? flash::oil_at_limit(*a.mixture, a.T, a.x, out.xA) : 1.0;
+  const double r = may ? flash::oil_at_limit(*a.context.record, a.T, a.x, out.xA) : 1.0;
   *out.V = a.V;
   std::copy_n(a.y, n, out.y);
   drop_traces(n, out.y);
@@ -400,8 +400,8 @@ bool move_marked_liquid(int n, const ThreePhaseResult& out) {
 }
 
 StatusCode three_phase_flash(const ThreePhaseCall& c) {
-  const int n = c.mixture->count;
-  if (const StatusCode bad = flash::check_feed_sum(c.z, *c.mixture); bad != KV_OK) return bad;
+  const int n = c.context.record->count;
+  if (const StatusCode bad = flash::check_feed_sum(c.z, *c.context.record); bad != KV_OK) return bad;
   return support::with_arena<10, 80>(n, [&](support::Arena& arena) { return solve(c, arena); });
 }
 

@@ -16,7 +16,7 @@ struct ThreePhaseResult {
 struct ThreePhaseCall {
   double T = 0.0, P = 0.0;    // K, atm
   const double* z = nullptr;  // feed; its sum is checked against the record's tolerance
-  MixtureRecord* mixture = nullptr;
+  eos::Context context;
   flash::HostRoutines* routines = nullptr;
   bool free_water = false;
   bool estimate = false;  // the results hold one; an unusable one is ignored
@@ -58,7 +58,7 @@ StatusCode write_quality_phases(Equilibrium& e, double W, const ThreePhaseResult
  */
 struct LiquidVapour {
   double T, P;
-  const MixtureRecord* mixture;
+  eos::Context context;
   double V;
   const double *x, *y;
   bool incipient = false;

@@ -22,7 +22,7 @@ StatusCode two_phase_point(QualitySearch& q) {
   Equilibrium& e = q.e;
   double unknown = *c.unknown;
   const StatusCode status =
-      flash::quality_flash({c.find, q.W, c.given, e.z, c.mixture, &unknown, e.x, e.y, e.K, c.routines});
+      flash::quality_flash({c.find, q.W, c.given, e.z, c.context, &unknown, e.x, e.y, e.K, c.routines});
   if (status != KV_OK && status != KV_UNSTABLE_POINT) return status;
   q.u = unknown;
   put_two_phases(e, q.W);
@@ -63,13 +63,13 @@ StatusCode solve(QualitySearch& q) {
 // ---- a single component ----
 
 StatusCode single_component(const ThreeQualityCall& c) {
-  const int n = c.mixture->count;
+  const int n = c.context.record->count;
   return support::with_arena<0, 6>(n, [&](support::Arena& arena) {
     double *const x = arena.zeros(n), *const y = arena.zeros(n), *const K = arena.zeros(n);
     double unknown = *c.unknown;
     const double W = std::clamp(c.W, 0.0, 1.0);
     const StatusCode status =
-        flash::quality_flash({c.find, W, c.given, c.z, c.mixture, &unknown, x, y, K, c.routines, c.free_water});
+        flash::quality_flash({c.find, W, c.given, c.z, c.context, &unknown, x, y, K, c.routines, c.free_water});
     if (status != KV_OK) return status;
     *c.unknown = unknown;
     *c.out.V = W;
@@ -85,7 +85,7 @@ StatusCode single_component(const ThreeQualityCall& c) {
 }
 
 StatusCode with_search(const ThreeQualityCall& c, support::Arena& arena, support::Arena& model_arena) {
-  const int n = c.mixture->count, ld = support::padded(n);
+  const int n = c.context.record->count, ld = support::padded(n);
   support::TraceWriter silent(false, 0);
   QualitySearch q{c, {}, {}, 0.0, true, 0.0, KV_OK, {}, {}, {}, {}, {}, {}};
   q.W = std::clamp(c.W, 0.0, 1.0);
@@ -100,7 +100,7 @@ StatusCode with_search(const ThreeQualityCall& c, support::Arena& arena, support
   for (Node& node : q.between) take_phases(arena, ld, node.p);
   const double start = q.of_T ? kDefaultT : kDefaultP;
   const StatusCode opened =
-      open_equilibrium({q.T_of(start), q.P_of(start), c.z, c.mixture, c.routines}, 1, model_arena, silent, q.e);
+      open_equilibrium({q.T_of(start), q.P_of(start), c.z, c.context, c.routines}, 1, model_arena, silent, q.e);
   if (opened != KV_OK) return opened;
   const StatusCode status = solve(q);
   return status == KV_OK ? write_answer(q) : status;
@@ -108,9 +108,10 @@ StatusCode with_search(const ThreeQualityCall& c, support::Arena& arena, support
 
 // The point with the marks of three_phase_flash.
 StatusCode find_point(const ThreeQualityCall& c) {
-  const int n = c.mixture->count;
-  if (const StatusCode bad = flash::check_feed_sum(c.z, *c.mixture); bad != KV_OK) return bad;
-  if (flash::single_component(n, c.z, flash::pure_tolerance(*c.mixture)) >= 0) return single_component(c);
+  const int n = c.context.record->count;
+  if (const StatusCode bad = flash::check_feed_sum(c.z, *c.context.record); bad != KV_OK) return bad;
+  if (flash::single_component(n, c.z, flash::pure_tolerance(*c.context.record)) >= 0)
+    return single_component(c);
   if (c.free_water) return three_quality_free_water(c);
   return support::with_arena<6, 180>(n, [&](support::Arena& arena) {
     return support::with_arena<12, 80>(n, [&](support::Arena& model) { return with_search(c, arena, model); });
@@ -122,7 +123,7 @@ StatusCode find_point(const ThreeQualityCall& c) {
 StatusCode three_quality_flash(const ThreeQualityCall& c) {
   const StatusCode status = find_point(c);
   const bool found = status == KV_OK || status == KV_LV_ANSWER;
-  if (found || status == KV_UNSTABLE_POINT) move_marked_liquid(c.mixture->count, c.out);
+  if (found || status == KV_UNSTABLE_POINT) move_marked_liquid(c.context.record->count, c.out);
   return found ? StatusCode{KV_OK} : status;
 }
 

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "frame/siblings.hpp"
+#include "frame/state.hpp"
 
 namespace kestrune::frame {
 

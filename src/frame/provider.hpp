@@ -8,14 +8,11 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "frame/state.hpp"
+#include "frame/entries.hpp"
 #include "kestrune/status.h"
 
 namespace kestrune::frame {
 
-inline constexpr std::size_t kUnitLength = 15;
-// J/cal, thermochemical: exact by definition.
-inline constexpr double kJoulePerCalorie = 4.184;
 // Added to an error number of the pure-component library.
 inline constexpr StatusCode kProviderOffset = 1000;
 

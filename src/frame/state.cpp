@@ -15,7 +15,6 @@ void reset_state() noexcept {
   for (ProviderEntry& slot : s.pure_services) slot = nullptr;
   for (ProviderEntry& slot : s.tools_entries) slot = nullptr;
   s.folder_override_set = false;
-  s.group_data = {};
   s.traces.counter = 0;
   s.host_module = nullptr;
   s.host_message_box = nullptr;

@@ -1,5 +1,6 @@
-// Everything that the library remembers between calls: one record, one instance. What is not in here is
-// an argument or a local variable.
+// Everything that the frame remembers between calls: one record, one instance, of which nothing below the
+// exports knows. What is not in here, nor the group data of frame/exports/general.cpp, is an argument or a local
+// variable.
 //
 // The binding cells are atomic, so that two calls that bind the same entry at the same time both end with
 // the same good address. The rest belongs to one thread at a time, as stated at each field.
@@ -10,76 +11,15 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "frame/entries.hpp"
 #include "frame/platform.hpp"
-#include "kestrune/kvcmpdpurelite.h"
 
 namespace kestrune::frame {
-
-// Entries of the pure-component library, one enumerator for each name of the host header.
-enum class PureProperty : std::int32_t {
-#define KV_ENUMERATE(name) name,
-  KV_PURE_PROPERTIES(KV_ENUMERATE) KV_PURE_INTEGRALS(KV_ENUMERATE)
-#undef KV_ENUMERATE
-      count
-};
-#define KV_COUNT(name) +1
-inline constexpr std::size_t kPureCheckCount = 0 KV_PURE_PROPERTIES(KV_COUNT);
-#undef KV_COUNT
-
-// Entries of the pure-component library that are not about one property.
-#define KV_PURE_SERVICES(X) \
-  X(AvailableCorrelations)  \
-  X(CorrelationInfo)        \
-  X(SetTempFolder)          \
-  X(SetThermoCodes)         \
-  X(KVCmpdPure_Free)
-enum class PureService : std::int32_t {
-#define KV_ENUMERATE(name) name,
-  KV_PURE_SERVICES(KV_ENUMERATE)
-#undef KV_ENUMERATE
-      count
-};
-
-// Entries of the tools library.
-#define KV_TOOLS_ENTRIES(X) \
-  X(BRACUB)                 \
-  X(CalcKayMR)              \
-  X(CalcKUOP)               \
-  X(CalcSG)                 \
-  X(MeABP)                  \
-  X(DGEFA)                  \
-  X(DGESL)                  \
-  X(MRINV)                  \
-  X(MRSL01)                 \
-  X(MRSL02)                 \
-  X(REGLIN)                 \
-  X(CNEWTON)                \
-  X(GANEW)                  \
-  X(MCOLT7)                 \
-  X(SetOutputFiles)         \
-  X(CloseOutputFiles)
-enum class ToolsEntry : std::int32_t {
-#define KV_ENUMERATE(name) name,
-  KV_TOOLS_ENTRIES(KV_ENUMERATE)
-#undef KV_ENUMERATE
-      count
-};
 
 // Resolved address of one entry; null until its first use.
 using ProviderEntry = std::atomic<void*>;
 // Handle of one sibling library; null until its first use.
 using LibraryCell = std::atomic<void*>;
-
-// Group data as ConvertPPR78GroupData leaves it. The buffers belong to the host.
-struct GroupData {
-  std::int32_t components = 0;
-  std::int32_t groups = 0;
-  double* A = nullptr;            // [groups * groups] atm, symmetric
-  double* B = nullptr;            // [groups * groups] atm, symmetric
-  double* fractions = nullptr;    // [components * groups]
-  double* ratio = nullptr;        // [groups * groups] B / A
-  double* differences = nullptr;  // [groups * components * components]
-};
 
 inline constexpr std::int32_t kTraceStackDepth = 32;
 
@@ -104,8 +44,6 @@ struct State {
   // Folder in which the sibling libraries are looked for first, with its trailing separator.
   bool folder_override_set = false;
   char folder_override[kFolderCapacity] = {};
-
-  GroupData group_data;
 
   TraceStack traces;
 

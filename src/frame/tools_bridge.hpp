@@ -42,12 +42,6 @@ KV_TOOLS_FORWARD(REGLIN)
 KV_TOOLS_FORWARD(MCOLT7)
 #undef KV_TOOLS_FORWARD
 
-// Type of the root solver of the cubic equation, for a loop that fetches its address once.
-using KvBracub = decltype(&::BRACUB);
-inline KvBracub bracub() noexcept {
-  return entry<KvBracub>(ToolsEntry::BRACUB);
-}
-
 // Factors a[lda * n] and solves a x = b (job 0) or its transpose. b[n] is replaced unless info is not 0.
 void factor_and_solve(double* a, const std::int32_t* lda, const std::int32_t* n, std::int32_t* ipvt, double* b,
                       const std::int32_t* job, std::int32_t* info) noexcept;

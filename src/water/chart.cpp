@@ -29,14 +29,15 @@ constexpr MaddoxRow kH2SRows[] = {{80.0, {5.1847, -1.9772, 0.3004}},  {100.0, {5
                                   {220.0, {7.9773, -2.8597, 0.4232}}, {280.0, {9.2783, -3.3723, 0.4897}}};
 constexpr double kRankineOfZeroF = 459.67;
 
-StatusCode prepare_line(double T, ChartLine& line) noexcept {
+StatusCode prepare_line(const eos::Tools& tools, double T, ChartLine& line) noexcept {
   line.offset = std::pow(10.0, 6.69449 - 3083.87 / (1.8 * T)) / kPoundsPerMillion;
-  return liquid_vapour_pressure(T, line.saturation);
+  return liquid_vapour_pressure(tools, T, line.saturation);
 }
 
 // The rows of a correlation at T, linear in 1/T between two of them, at an end beyond it.
 template <std::size_t n>
-StatusCode prepare_acid(const MaddoxRow (&rows)[n], double T, double fraction, AcidGas& gas) noexcept {
+StatusCode prepare_acid(const eos::Tools& tools, const MaddoxRow (&rows)[n], double T, double fraction,
+                        AcidGas& gas) noexcept {
   gas.fraction = fraction;
   if (!(fraction > 0.0)) return KV_OK;
   const double lowest = rows[0].F + kRankineOfZeroF, highest = rows[n - 1].F + kRankineOfZeroF;
@@ -46,7 +47,7 @@ StatusCode prepare_acid(const MaddoxRow (&rows)[n], double T, double fraction, A
   const double u0 = 1.0 / (rows[k].F + kRankineOfZeroF), u1 = 1.0 / (rows[k + 1].F + kRankineOfZeroF);
   const double share = (1.0 / R - u0) / (u1 - u0);
   for (int i = 0; i < 3; ++i) gas.c[i] = (1.0 - share) * rows[k].c[i] + share * rows[k + 1].c[i];
-  return prepare_line(R / 1.8, gas.line);
+  return prepare_line(tools, R / 1.8, gas.line);
 }
 
 // By how much more the acid gas holds than the chart says, times its fraction.
@@ -72,13 +73,13 @@ bool chart_range(double CO2, double H2S, ChartRange& range) noexcept {
   return true;
 }
 
-StatusCode prepare_chart(double T, double CO2, double H2S, Chart& c) noexcept {
+StatusCode prepare_chart(const eos::Tools& tools, double T, double CO2, double H2S, Chart& c) noexcept {
   c = Chart{};
   if (!chart_range(CO2, H2S, c.range)) return KV_WATER_RANGE;
   if (!(T >= c.range.lowest_T && T <= c.range.highest_T)) return KV_WATER_RANGE;
-  StatusCode status = prepare_line(T, c.line);
-  if (status == KV_OK) status = prepare_acid(kCO2Rows, T, CO2, c.CO2);
-  if (status == KV_OK) status = prepare_acid(kH2SRows, T, H2S, c.H2S);
+  StatusCode status = prepare_line(tools, T, c.line);
+  if (status == KV_OK) status = prepare_acid(tools, kCO2Rows, T, CO2, c.CO2);
+  if (status == KV_OK) status = prepare_acid(tools, kH2SRows, T, H2S, c.H2S);
   return status;
 }
 

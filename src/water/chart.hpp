@@ -3,6 +3,7 @@
 #ifndef KESTRUNE_WATER_CHART_HPP
 #define KESTRUNE_WATER_CHART_HPP
 
+#include "eos/context.hpp"
 #include "kestrune/status.h"
 
 namespace kestrune::water {
@@ -51,7 +52,7 @@ struct Chart {
  * [Buk55] R. F. Bukacek, Equilibrium Moisture Content of Natural Gases, IGT Research Bulletin 8 (1955).
  * [Mad74] R. N. Maddox, Gas and Liquid Sweetening, 2nd ed., Campbell Petroleum Series (1974).
  */
-StatusCode prepare_chart(double T, double CO2, double H2S, Chart& c) noexcept;
+StatusCode prepare_chart(const eos::Tools& tools, double T, double CO2, double H2S, Chart& c) noexcept;
 
 /*
  * Saturated water mole fraction y at P (atm). KV_NO_WATER_LIMIT where the gas takes up any amount of water,

@@ -5,7 +5,6 @@
 #include <cmath>
 
 #include "eos/constants.hpp"
-#include "frame/provider.hpp"
 
 namespace kestrune::water {
 namespace {
@@ -32,18 +31,19 @@ double supercooled(double T) noexcept {
 }
 
 // A value also where the library has continued its correlation.
-StatusCode pure(PureProperty property, std::int32_t cas, double T, double& value) noexcept {
+StatusCode pure(const eos::Tools& tools, PureProperty property, std::int32_t cas, double T,
+                double& value) noexcept {
   StatusCode status = KV_OK;
-  value = frame::pure_value(property, cas, T, status);
+  value = tools.pure_value(property, cas, T, 0.0, 0.0, status);
   return status == KV_PURE_RANGE ? StatusCode{KV_OK} : status;
 }
 
 // ln of the Henry constant in atm. The library's unit is Pa, which is none of the working units.
-StatusCode log_henry(std::int32_t cas, double T, double& value) noexcept {
+StatusCode log_henry(const eos::Tools& tools, std::int32_t cas, double T, double& value) noexcept {
   StatusCode status = KV_OK;
   char unit[frame::kUnitLength];
   double H = 0.0;
-  frame::pure_by_choice(PureProperty::HenryConstant, &cas, &T, &T, &T, &H, unit, &status);
+  tools.pure_by_choice(PureProperty::HenryConstant, &cas, &T, &T, &T, &H, unit, &status);
   if (status != KV_OK && status != KV_PURE_RANGE) return status;
   value = std::log(H / kPascalPerAtm);
   return KV_OK;
@@ -51,21 +51,22 @@ StatusCode log_henry(std::int32_t cas, double T, double& value) noexcept {
 
 }  // namespace
 
-StatusCode liquid_vapour_pressure(double T, double& P) noexcept {
-  const StatusCode status = pure(PureProperty::VaporPressure, kWater, T > kIcePoint ? T : kIcePoint, P);
+StatusCode liquid_vapour_pressure(const eos::Tools& tools, double T, double& P) noexcept {
+  const StatusCode status = pure(tools, PureProperty::VaporPressure, kWater, T > kIcePoint ? T : kIcePoint, P);
   if (status != KV_OK) return status;
   if (T < kIcePoint) P *= supercooled(T) / supercooled(kIcePoint);
   return KV_OK;
 }
 
-StatusCode condensed_water(double T, bool CO2, bool H2S, Condensed& c) noexcept {
+StatusCode condensed_water(const eos::Tools& tools, double T, bool CO2, bool H2S, Condensed& c) noexcept {
   c = Condensed{};
   c.rt = eos::kR * T;
-  StatusCode status = liquid_vapour_pressure(T, c.liquid_P);
-  if (status == KV_OK) status = pure(PureProperty::LiquidMolarVolume, kWater, T, c.volume);
-  if (status == KV_OK && T < kIcePoint) status = pure(PureProperty::SublimationPressure, kWater, T, c.ice_P);
-  if (status == KV_OK && CO2) status = log_henry(kCO2, T, c.log_henry_CO2);
-  if (status == KV_OK && H2S) status = log_henry(kH2S, T, c.log_henry_H2S);
+  StatusCode status = liquid_vapour_pressure(tools, T, c.liquid_P);
+  if (status == KV_OK) status = pure(tools, PureProperty::LiquidMolarVolume, kWater, T, c.volume);
+  if (status == KV_OK && T < kIcePoint)
+    status = pure(tools, PureProperty::SublimationPressure, kWater, T, c.ice_P);
+  if (status == KV_OK && CO2) status = log_henry(tools, kCO2, T, c.log_henry_CO2);
+  if (status == KV_OK && H2S) status = log_henry(tools, kH2S, T, c.log_henry_H2S);
   c.log_liquid_P = std::log(c.liquid_P);
   if (c.ice_P > 0.0) c.log_ice_P = std::log(c.ice_P);
   return status;

@@ -3,6 +3,7 @@
 #ifndef KESTRUNE_WATER_CONDENSED_HPP
 #define KESTRUNE_WATER_CONDENSED_HPP
 
+#include "eos/context.hpp"
 #include "kestrune/status.h"
 
 namespace kestrune::water {
@@ -24,7 +25,7 @@ inline constexpr double kMolarMass = 18.01528;
  *
  * [Mur05] D. M. Murphy, T. Koop, Q. J. R. Meteorol. Soc. 131 (2005) 1539, equation 10.
  */
-StatusCode liquid_vapour_pressure(double T, double& P) noexcept;
+StatusCode liquid_vapour_pressure(const eos::Tools& tools, double T, double& P) noexcept;
 
 // One temperature. Pressures in atm, volumes in cm3/mol.
 struct Condensed {
@@ -40,7 +41,7 @@ struct Condensed {
 };
 
 /* Fills all but the ln phi. Henry constants are read for the gases that are wanted. */
-StatusCode condensed_water(double T, bool CO2, bool H2S, Condensed& c) noexcept;
+StatusCode condensed_water(const eos::Tools& tools, double T, bool CO2, bool H2S, Condensed& c) noexcept;
 
 struct Fugacity {
   double log_value;  // ln of water's fugacity in atm

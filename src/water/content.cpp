@@ -8,7 +8,6 @@
 
 #include "eos/phase.hpp"
 #include "frame/cas.hpp"
-#include "frame/state.hpp"
 #include "water/interactions.hpp"
 
 namespace kestrune::water {
@@ -113,15 +112,15 @@ StatusCode solve_balance(const Saturation& s, double P, double u, double& y) noe
 StatusCode prepare_parts(const Gas& gas, double T, support::Arena& arena, Saturation& s) {
   const support::Arena::Mark mark = arena.mark();
   eos::Temperature all;
-  StatusCode status = eos::prepare(T, *gas.mixture, frame::state().group_data, 0, arena, all);
+  StatusCode status = eos::prepare(T, gas.context, 0, arena, all);
   if (status == KV_OK) {
-    apply_vapour_interactions(*gas.mixture, gas.water, gas.k, all);
+    apply_vapour_interactions(*gas.context.record, gas.water, gas.k, all);
     reduce_to_parts(gas, all, arena.zeros(all.ld), s);
   }
   arena.rewind(mark);
-  s.bracub = frame::tools::bracub();
+  s.bracub = gas.context.tools->cubic_root();
   Condensed& c = s.condensed;
-  if (status == KV_OK) status = condensed_water(T, s.CO2 > 0.0, s.H2S > 0.0, c);
+  if (status == KV_OK) status = condensed_water(*gas.context.tools, T, s.CO2 > 0.0, s.H2S > 0.0, c);
   if (status == KV_OK) status = steam(s, c.liquid_P, c.log_phi_liquid);
   if (status == KV_OK && c.ice_P > 0.0) status = steam(s, c.ice_P, c.log_phi_ice);
   return status;
@@ -134,9 +133,10 @@ bool method_by_number(int number, Method& method) noexcept {
   return number >= 0 && number <= 2;
 }
 
-StatusCode open_gas(const MixtureRecord& mixture, const double* z, Method method, support::Arena& arena,
+StatusCode open_gas(const eos::Context& context, const double* z, Method method, support::Arena& arena,
                     Gas& gas) {
-  gas.mixture = &mixture;
+  const MixtureRecord& mixture = *context.record;
+  gas.context = context;
   gas.method = method;
   gas.CO2 = last_of(mixture, frame::kCarbonDioxideCas);
   gas.water = last_of(mixture, frame::WaterCas);
@@ -168,7 +168,7 @@ StatusCode prepare_saturation(const Gas& gas, double T, support::Arena& arena, S
   s.method = gas.method;
   s.CO2 = dry_fraction(gas, gas.CO2);
   s.H2S = dry_fraction(gas, gas.H2S);
-  if (gas.method == Method::chart) return prepare_chart(T, s.CO2, s.H2S, s.chart);
+  if (gas.method == Method::chart) return prepare_chart(*gas.context.tools, T, s.CO2, s.H2S, s.chart);
   if (!(T >= kLowestTemperature && T <= kHighestTemperature)) return KV_WATER_RANGE;
   return prepare_parts(gas, T, arena, s);
 }

@@ -8,7 +8,6 @@
 #define KESTRUNE_WATER_CONTENT_HPP
 
 #include "eos/temperature.hpp"
-#include "frame/tools_bridge.hpp"
 #include "water/chart.hpp"
 #include "water/condensed.hpp"
 
@@ -21,7 +20,7 @@ bool method_by_number(int number, Method& method) noexcept;
 
 // A gas as the model sees it. Indices count from 0, -1 when absent; water is always there.
 struct Gas {
-  const MixtureRecord* mixture = nullptr;
+  eos::Context context;
   Method method = Method::equation_of_state;
   int water = -1, CO2 = -1, H2S = -1;
   double* dry = nullptr;  // [ld] mole fractions of the dry gas, 0 for water
@@ -33,7 +32,7 @@ struct Gas {
  * without water. KV_NO_WATER without a component that is water; KV_NO_WATER_LIMIT when there is nothing but
  * water.
  */
-StatusCode open_gas(const MixtureRecord& mixture, const double* z, Method method, support::Arena& arena,
+StatusCode open_gas(const eos::Context& context, const double* z, Method method, support::Arena& arena,
                     Gas& gas);
 
 /* Lowest and highest temperature, K, at which the method has values for the gas; false where it has none. */
@@ -47,7 +46,7 @@ struct Saturation {
   Method method = Method::equation_of_state;
   Chart chart;
   Condensed condensed;
-  frame::tools::KvBracub bracub = nullptr;
+  eos::CubicRoot bracub = nullptr;
   eos::Temperature t;  // of the parts, in the arrays below
   double b[kParts] = {}, aij[kParts * kParts] = {};
   double CO2 = 0.0, H2S = 0.0;  // mole fractions of the dry gas

@@ -27,12 +27,12 @@ constexpr double kSlopeOfLnY = -5300.0;  // d ln y/d(1/T), K: the heat of vapori
 constexpr double kLineLowestPressure = 1.0, kLineHighestPressure = 200.0;  // atm
 constexpr double kNarrow = 1e-14;  // relative width of an interval of temperatures
 
-int iteration_limit(const MixtureRecord& m) noexcept {
-  return flash::copy_settings(m).ITEMAX;
+int iteration_limit(const eos::Context& context) noexcept {
+  return flash::copy_settings(context).ITEMAX;
 }
 
 StatusCode check(const DewCall& call, Method& method) noexcept {
-  const StatusCode sum = flash::check_feed_sum(call.z, *call.mixture);
+  const StatusCode sum = flash::check_feed_sum(call.z, *call.context.record);
   if (sum != KV_OK) return sum;
   return method_by_number(call.method, method) ? KV_OK : KV_SPECIFICATION;
 }
@@ -292,16 +292,16 @@ StatusCode with_gas(const DewCall& call, Body&& body) {
   Method method;
   StatusCode status = check(call, method);
   if (status == KV_FEED_SUM) return status;
-  return support::with_arena<3, 64>(call.mixture->count, [&](support::Arena& arena) -> StatusCode {
+  return support::with_arena<3, 64>(call.context.record->count, [&](support::Arena& arena) -> StatusCode {
     Gas gas;
-    const StatusCode opened = open_gas(*call.mixture, call.z, method, arena, gas);
+    const StatusCode opened = open_gas(call.context, call.z, method, arena, gas);
     if (opened == KV_NO_WATER || status == KV_OK) status = opened;
     return status == KV_OK ? body(gas, arena) : status;
   });
 }
 
 StatusCode temperature_at(const DewCall& call, const Gas& gas, support::Arena& arena, double P, double& T) {
-  TemperatureSearch t{gas, arena, call.z[gas.water], P, iteration_limit(*call.mixture), 0.0, 0.0};
+  TemperatureSearch t{gas, arena, call.z[gas.water], P, iteration_limit(call.context), 0.0, 0.0};
   return temperature_range(gas, t.lowest, t.highest) ? find_temperature(t, T) : StatusCode{KV_WATER_RANGE};
 }
 
@@ -314,7 +314,7 @@ StatusCode dew_pressure(const DewCall& call, double T, double& P) {
     const StatusCode status = prepare_saturation(gas, T, arena, s);
     if (status != KV_OK) return status;
     PressureSearch p{s, call.z[gas.water]};
-    p.limit = iteration_limit(*call.mixture);
+    p.limit = iteration_limit(call.context);
     return find_pressure(p, P);
   });
 }

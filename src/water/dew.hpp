@@ -2,7 +2,8 @@
 #ifndef KESTRUNE_WATER_DEW_HPP
 #define KESTRUNE_WATER_DEW_HPP
 
-#include "kestrune/records.h"
+#include "eos/context.hpp"
+#include "kestrune/status.h"
 
 namespace kestrune::water {
 
@@ -13,7 +14,7 @@ namespace kestrune::water {
 struct DewCall {
   const double* z = nullptr;  // [count] with water
   int method = 1;
-  const MixtureRecord* mixture = nullptr;
+  eos::Context context;
 };
 
 /*

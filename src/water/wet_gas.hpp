@@ -2,7 +2,8 @@
 #ifndef KESTRUNE_WATER_WET_GAS_HPP
 #define KESTRUNE_WATER_WET_GAS_HPP
 
-#include "kestrune/records.h"
+#include "eos/context.hpp"
+#include "kestrune/status.h"
 
 namespace kestrune::water {
 
@@ -12,14 +13,14 @@ namespace kestrune::water {
  * KV_SPECIFICATION for others. KV_NO_WATER without a component that is water; statuses of prepare_saturation
  * and saturated_fraction. Both outputs are left alone on failure.
  */
-StatusCode humidity(double T, double P, int method, const double* z, const MixtureRecord& mixture,
+StatusCode humidity(double T, double P, int method, const double* z, const eos::Context& context,
                     double& fraction, double& content);
 
 /*
  * Composition wet[count] of the gas saturated at T and P: the dry gas of z in its proportions, sum one. Water
  * beyond saturation in z is dropped. wet may be z; it is left alone on failure. Statuses as above.
  */
-StatusCode wet_gas(double T, double P, int method, const double* z, const MixtureRecord& mixture, double* wet);
+StatusCode wet_gas(double T, double P, int method, const double* z, const eos::Context& context, double* wet);
 
 }  // namespace kestrune::water
 

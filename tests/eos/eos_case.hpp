@@ -7,13 +7,18 @@
 #include "common/mixture.hpp"
 #include "eos/evaluation.hpp"
 #include "eos/group_data.hpp"
+#include "frame/exports/context.hpp"
 
 namespace kestrune::tests {
 
-inline frame::GroupData converted(Mixture& m) {
-  frame::GroupData data{m.n, m.groups, m.storage[1], m.storage[2], m.storage[3], m.storage[4], m.storage[5]};
+inline eos::GroupData converted(Mixture& m) {
+  eos::GroupData data{m.n, m.groups, m.storage[1], m.storage[2], m.storage[3], m.storage[4], m.storage[5]};
   eos::convert_group_data(m.n, m.groups, m.counts.data(), m.A.data(), m.B.data(), data);
   return data;
+}
+
+inline eos::Context context_with(Mixture& m, const eos::GroupData& data) {
+  return {&m.record, &data, &exports::kTools, 0};
 }
 
 inline std::map<std::string, Mixture> reference_mixtures() {
@@ -47,12 +52,12 @@ struct Evaluated {
 
 inline Evaluated evaluate_state(Mixture& m, double T, double P, int phase, const std::vector<double>& x,
                                 int level) {
-  const frame::GroupData data = converted(m);
+  const eos::GroupData data = converted(m);
   std::vector<double> block(static_cast<std::size_t>(20 * m.n * m.n + 4000));
   support::Arena arena(block.data(), block.size() / 2 * sizeof(double));
   eos::Temperature t;
   Evaluated e;
-  if (eos::prepare(T, m.record, data, eos::order_of_level(level), arena, t) != KV_OK) return e;
+  if (eos::prepare(T, context_with(m, data), eos::order_of_level(level), arena, t) != KV_OK) return e;
   const auto n = static_cast<std::size_t>(m.n);
   std::vector<double> padded(static_cast<std::size_t>(t.ld), 0.0), work(static_cast<std::size_t>(3 * t.ld));
   std::copy(x.begin(), x.end(), padded.begin());
@@ -65,8 +70,8 @@ inline Evaluated evaluate_state(Mixture& m, double T, double P, int phase, const
   e.v.dln_phi_dT = e.dT.data();
   e.v.dln_phi_dP = e.dP.data();
   e.v.h_partial = e.h.data();
-  e.ok =
-      eos::evaluate(t, frame::tools::bracub(), P, padded.data(), phase, level, &m.table[n], work.data(), e.v);
+  e.ok = eos::evaluate(t, exports::kTools.cubic_root(), P, padded.data(), phase, level, &m.table[n],
+                       work.data(), e.v);
   const eos::Mixture mixed = eos::mix(t, padded.data(), work.data());
   eos::Root root;
   eos::reduce(t, mixed, P, e.v.Z, root);

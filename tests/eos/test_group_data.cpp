@@ -15,13 +15,13 @@ struct Interactions {
   std::vector<double> k, first, second;
 };
 
-Interactions interactions(Mixture& m, const frame::GroupData& data, double T) {
+Interactions interactions(Mixture& m, const eos::GroupData& data, double T) {
   const auto n = static_cast<std::size_t>(m.n);
   std::vector<double> block(60000);
   support::Arena arena(block.data(), 8 * 60000);
   eos::Temperature t;
   Interactions r{std::vector<double>(n * n), std::vector<double>(n * n), std::vector<double>(n * n)};
-  EXPECT_EQ(eos::prepare(T, m.record, data, 2, arena, t), KV_OK);
+  EXPECT_EQ(eos::prepare(T, context_with(m, data), 2, arena, t), KV_OK);
   eos::interaction_parameters(t, r.k.data(), r.first.data(), r.second.data());
   return r;
 }
@@ -43,7 +43,7 @@ Mixture two_groups() {
 
 TEST(GroupData, UnitsSymmetryRatioFractionsAndDifferences) {
   Mixture m = two_groups();
-  const frame::GroupData d = converted(m);
+  const eos::GroupData d = converted(m);
   EXPECT_EQ(d.A[2], 9.869232667160128);
   for (const double* matrix : {d.A, d.B, d.ratio}) {
     EXPECT_EQ(matrix[0], 0.0);
@@ -65,7 +65,7 @@ TEST(GroupData, ZeroInteractionsZeroTotalsAndEmptySets) {
   m.counts = {0, 0, 1, 3};
   m.buffers[4].assign(5, -1.0);
   m.buffers[5].assign(9, -1.0);
-  frame::GroupData d = converted(m);
+  eos::GroupData d = converted(m);
   EXPECT_EQ(d.ratio[1], 0.0);
   EXPECT_EQ(d.fractions[0], 0.0);
   EXPECT_EQ(d.fractions[1], 0.25);
@@ -91,9 +91,9 @@ TEST(GroupData, ZeroInteractionsZeroTotalsAndEmptySets) {
 TEST(GroupData, OnlyTheUpperTriangleCountsAndARepeatedCallReplaces) {
   Mixture m = two_groups(), changed = two_groups();
   changed.A[0] = changed.A[1] = changed.A[3] = changed.B[0] = changed.B[1] = changed.B[3] = NAN;
-  frame::GroupData d = converted(m);
+  eos::GroupData d = converted(m);
   const std::vector<double> before(d.A, d.A + 4);
-  const frame::GroupData e = converted(changed);
+  const eos::GroupData e = converted(changed);
   EXPECT_EQ(before, std::vector<double>(e.A, e.A + 4));
   m.A[2] = 2.0;
   d = converted(m);
@@ -133,7 +133,7 @@ TEST(Interactions, ReferenceTemperatureAndComponentsWithoutGroups) {
 
 TEST(Interactions, TemperatureDerivativesAgainstDifferences) {
   Mixture m = mixture_of({"methane", "carbon_dioxide", "water", "n_hexane", "benzene", "hydrogen_sulfide"});
-  const frame::GroupData data = converted(m);
+  const eos::GroupData data = converted(m);
   for (const double T : {180.0, 298.15, 420.0}) {
     const double h = 0.02;
     const Interactions a = interactions(m, data, T - h), b = interactions(m, data, T),

@@ -24,11 +24,11 @@ struct Levelled {
 // One evaluation with every output preset; Z goes in.
 Levelled run(int level, double Z, int phase = KV_PHASE_GAS, double P = 40.0) {
   static Mixture m = mixture_of({"methane", "propane"});
-  static const frame::GroupData data = converted(m);
+  static const eos::GroupData data = converted(m);
   std::vector<double> block(4000);
   support::Arena arena(block.data(), 8 * 2000);
   eos::Temperature t;
-  EXPECT_EQ(eos::prepare(300.0, m.record, data, eos::order_of_level(level), arena, t), KV_OK);
+  EXPECT_EQ(eos::prepare(300.0, context_with(m, data), eos::order_of_level(level), arena, t), KV_OK);
   Levelled r;
   for (auto* array : {&r.ln_phi, &r.dT, &r.dP, &r.h}) array->fill(kUntouched);
   r.v = {-7,         Z,          kUntouched, kUntouched, r.ln_phi.data(), r.dT.data(), r.dP.data(),
@@ -36,7 +36,7 @@ Levelled run(int level, double Z, int phase = KV_PHASE_GAS, double P = 40.0) {
          kUntouched, kUntouched, kUntouched, kUntouched, kUntouched,      kUntouched};
   const double x[support::padded(2)] = {0.7, 0.3};
   double work[3 * support::padded(2)];
-  r.ok = eos::evaluate(t, frame::tools::bracub(), P, x, phase, level, &m.table[2], work, r.v);
+  r.ok = eos::evaluate(t, exports::kTools.cubic_root(), P, x, phase, level, &m.table[2], work, r.v);
   return r;
 }
 

@@ -27,6 +27,8 @@ TEST(ReducedViscosity, HydrogenByNumberTheLastPresentOneWins) {
 class Dilute : public testing::Test {
  protected:
   tests::Mixture m = tests::mixture_of({"methane", "hydrogen", "n_hexane"});
+  const eos::GroupData data = tests::converted(m);
+  const eos::Context context = tests::context_with(m, data);
   double alone[3] = {};
   eos::Critical constants(int i) {
     return {m.at(i, KV_COL_TC), m.at(i, KV_COL_PC), m.at(i, KV_COL_VC), m.at(i, KV_COL_ZC),
@@ -40,8 +42,8 @@ TEST_F(Dilute, NoJumpWhereACorrelationEnds) {
     double before_mu = 0.0, before_lambda = 0.0;
     for (double T = 20.0; T < 3000.0; T *= 1.002) {
       double mu = 0.0, lambda = 0.0;
-      EXPECT_TRUE(eos::has_values(eos::dilute_viscosity(T, m.record, i, c, alone, mu)));
-      EXPECT_TRUE(eos::has_values(eos::dilute_conductivity(T, m.record, i, c, lambda)));
+      EXPECT_TRUE(eos::has_values(eos::dilute_viscosity(T, context, i, c, alone, mu)));
+      EXPECT_TRUE(eos::has_values(eos::dilute_conductivity(T, context, i, c, lambda)));
       EXPECT_GT(mu, before_mu) << T;
       EXPECT_GT(lambda, before_lambda * 0.98) << T;
       if (before_mu > 0.0) {
@@ -54,24 +56,24 @@ TEST_F(Dilute, NoJumpWhereACorrelationEnds) {
   }
 }
 
-// The tools library in front of a root solver that has something to say about its root.
-frame::tools::KvBracub true_solver = nullptr;
+// A root solver that has something to say about its root.
 std::int32_t said = 0;
 void KV_CALL remarking_solver(const double* c0, const double* c1, const double* c2, const double* c3, double* Z,
                               std::int32_t* status, const std::int32_t* phase, const double* u, const double* w,
                               const double* A, const double* B, const double* settings) {
-  true_solver(c0, c1, c2, c3, Z, status, phase, u, w, A, B, settings);
+  exports::kTools.cubic_root()(c0, c1, c2, c3, Z, status, phase, u, w, A, B, settings);
   *status = said;
 }
 
 TEST(RootStatus, TwoOfThemComeWithARootEverywhere) {
   tests::Mixture m = tests::mixture_of(tests::kLeanGas);
-  frame::state().group_data = tests::converted(m);
-  true_solver = frame::tools::bracub();
-  auto& slot = frame::state().tools_entries[static_cast<std::size_t>(frame::ToolsEntry::BRACUB)];
-  slot = reinterpret_cast<void*>(&remarking_solver);
+  const eos::GroupData data = tests::converted(m);
+  eos::Tools tools = exports::kTools;
+  tools.cubic_root = []() noexcept -> eos::CubicRoot { return remarking_solver; };
+  eos::Context context = tests::context_with(m, data);
+  context.tools = &tools;
   const double* z = tests::kLeanGasFeed.data();
-  const eos::Phase p{300.0, 60.0, z, KV_PHASE_GAS, &m.record};
+  const eos::Phase p{300.0, 60.0, z, KV_PHASE_GAS, context};
   double beta = 0.0, x[7], y[7], K[7];
   for (const std::int32_t status : {0, 1, 50, 51, 52, 200, 201, 202, 203}) {
     SCOPED_TRACE(status);
@@ -87,10 +89,9 @@ TEST(RootStatus, TwoOfThemComeWithARootEverywhere) {
     EXPECT_EQ(eos::specific_heat(p, -1, heat), status);
     for (const double value : {d.rho, c.H, c.S, s.dT, heat.Cp}) EXPECT_EQ(value != 0.0, good);
     EXPECT_EQ(exports::mapped(status), good ? StatusCode{KV_OK} : status);
-    const StatusCode of_flash = flash::isothermal_flash({200.0, 40.0, z, &m.record, nullptr, &beta, x, y, K});
+    const StatusCode of_flash = flash::isothermal_flash({200.0, 40.0, z, context, nullptr, &beta, x, y, K});
     EXPECT_EQ(of_flash, good ? StatusCode{KV_OK} : status);
   }
-  slot = reinterpret_cast<void*>(true_solver);
 }
 
 // The unit of every equation that the pure-component library has is that of its row.
@@ -141,8 +142,8 @@ TEST(UnitTables, AgreeWithTheSibling) {
 
 TEST(SpecificHeat, SelectorDecidesHowFarDownTheListItGoes) {
   tests::Mixture m = tests::mixture_of(tests::kLeanGas);
-  frame::state().group_data = tests::converted(m);
-  const eos::Phase p{300.0, 60.0, tests::kLeanGasFeed.data(), KV_PHASE_GAS, &m.record};
+  const eos::GroupData data = tests::converted(m);
+  const eos::Phase p{300.0, 60.0, tests::kLeanGasFeed.data(), KV_PHASE_GAS, tests::context_with(m, data)};
   const auto outputs = [&](int selector) {
     eos::SpecificHeat c;
     EXPECT_EQ(eos::specific_heat(p, selector, c), KV_OK);
@@ -157,7 +158,7 @@ TEST(SpecificHeat, SelectorDecidesHowFarDownTheListItGoes) {
   }
   // kappa P -> 1 and T beta -> 1 in an ideal gas.
   eos::SpecificHeat ideal;
-  const eos::Phase thin{300.0, 1e-6, tests::kLeanGasFeed.data(), KV_PHASE_GAS, &m.record};
+  const eos::Phase thin{300.0, 1e-6, tests::kLeanGasFeed.data(), KV_PHASE_GAS, tests::context_with(m, data)};
   ASSERT_EQ(eos::specific_heat(thin, -1, ideal), KV_OK);
   EXPECT_NEAR(ideal.compressibility * 1e-6, 1.0, 1e-7);
   EXPECT_NEAR(ideal.pressure_coefficient * 300.0, 1.0, 1e-7);

@@ -21,15 +21,14 @@ struct Prepared {
   std::vector<double> block = std::vector<double>(20000);
   support::Arena arena{block.data(), 8 * 20000};
   flash::Model model;
-  frame::GroupData data;
+  eos::GroupData data;
 
   Prepared(double T, double P, bool free_water, double A = kA) {
     data = converted(m);
-    frame::state().group_data = data;
     m.record.solubility_a = A;
     m.record.solubility_b = kB;
-    EXPECT_EQ(flash::make_model(T, P, &m.record, nullptr, free_water, 1, arena, model), KV_OK);
-    EXPECT_EQ(eos::prepare(T, m.record, data, 1, arena, model.t), KV_OK);
+    EXPECT_EQ(flash::make_model(T, P, context_with(m, data), nullptr, free_water, 1, arena, model), KV_OK);
+    EXPECT_EQ(eos::prepare(T, context_with(m, data), 1, arena, model.t), KV_OK);
   }
 };
 
@@ -111,7 +110,7 @@ TEST(WaterRules, SolubilityOfOneAndAWaterRichPhase) {
   flash::HostRoutines host(&routines);
   Prepared p(kT, kP, false);
   flash::Model model;
-  ASSERT_EQ(flash::make_model(kT, kP, &p.m.record, &host, true, 0, p.arena, model), KV_OK);
+  ASSERT_EQ(flash::make_model(kT, kP, context_with(p.m, p.data), &host, true, 0, p.arena, model), KV_OK);
   for (const double xw : {0.9999, 0.99991, 1.0}) {
     const double rich[kN] = {1 - xw, 0.0, xw, 0.0};
     double ln_phi[kN] = {}, Z = 0.0;
@@ -189,7 +188,7 @@ int root_status = 0;
 void KV_CALL with_status(const double* c0, const double* c1, const double* c2, const double* c3, double* Z,
                          std::int32_t* status, const std::int32_t* phase, const double* u, const double* w,
                          const double* A, const double* B, const double* settings) {
-  frame::tools::bracub()(c0, c1, c2, c3, Z, status, phase, u, w, A, B, settings);
+  exports::kTools.cubic_root()(c0, c1, c2, c3, Z, status, phase, u, w, A, B, settings);
   *status = root_status;
 }
 

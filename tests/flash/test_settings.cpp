@@ -13,10 +13,14 @@ using namespace kestrune::flash;
 
 namespace {
 
+eos::Context with(MixtureRecord& r) {
+  return {&r, nullptr, nullptr, r.trace_flag};
+}
+
 TEST(Settings, ABlockOfZerosTakesTheDefaultsAnyOtherStands) {
   MixtureRecord r{};
   r.count = 9;
-  const Settings none = copy_settings(r);
+  const Settings none = copy_settings(with(r));
   EXPECT_EQ(none.CRIT, KV_DEFAULT_CRIT);
   EXPECT_EQ(none.CLIM, KV_DEFAULT_CLIM);
   EXPECT_EQ(none.EPS, KV_DEFAULT_EPS);
@@ -30,7 +34,7 @@ TEST(Settings, ABlockOfZerosTakesTheDefaultsAnyOtherStands) {
         given > 0.0 ? 2147483647 : static_cast<int>(given);  // NEW (n + 1) has no room in 32 bits
     r.trace_flag = -1;
     r.trace_unit = 33;
-    const Settings s = copy_settings(r);
+    const Settings s = copy_settings(with(r));
     EXPECT_EQ(s.CRIT, given);
     EXPECT_EQ(s.CLIM, given);
     EXPECT_EQ(s.EPS, given);
@@ -44,7 +48,7 @@ TEST(Settings, ABlockOfZerosTakesTheDefaultsAnyOtherStands) {
   }
   r.CRIT = 1e-9;
   r.NEW = 4;
-  EXPECT_EQ(copy_settings(r).global_budget, 40);
+  EXPECT_EQ(copy_settings(with(r)).global_budget, 40);
 }
 
 TEST(Settings, RobustModels) {
@@ -52,7 +56,7 @@ TEST(Settings, RobustModels) {
     MixtureRecord r{};
     r.relaxation = code == 8 ? 0.05 : 0.9;
     r.ITEMAX = code == 8 ? 5000 : 50;
-    Settings s = copy_settings(r);
+    Settings s = copy_settings(with(r));
     apply_robust_settings({code, 0}, s);
     const bool robust = code == 7 || code == 8;
     EXPECT_EQ(s.robust, robust);
@@ -87,7 +91,7 @@ TEST(Settings, VapourFractionsAndTwoLiquids) {
     MixtureRecord r{};
     r.relaxation = c.factor;
     r.ITEMAX = c.ITEMAX;
-    Settings s = copy_settings(r);
+    Settings s = copy_settings(with(r));
     apply_quality_settings(c.model, c.W, c.cold, s);
     EXPECT_NEAR(s.relaxation, c.factor_then, 1e-15);
     EXPECT_EQ(s.ITEMAX, c.ITEMAX_then);
@@ -98,7 +102,7 @@ TEST(Settings, VapourFractionsAndTwoLiquids) {
       MixtureRecord r{};
       r.relaxation = 0.05;
       r.ITEMAX = 5000;
-      Settings s = copy_settings(r);
+      Settings s = copy_settings(with(r));
       apply_liquid_settings(model, index, s);
       const bool careful = index == 1 && model.first == 0 && model.second == 0;
       EXPECT_EQ(s.relaxation, careful ? 0.1 : 0.05);
@@ -140,7 +144,7 @@ TEST(Trace, LabelsOfTwoLiquids) {
   record.count = 1;
   double beta = 0.25, x = 1, y = 1, K = 1, z = 1;
   IsothermalCall call;
-  call.mixture = &record;
+  call.context = with(record);
   call.mode = Mode::liquid_liquid;
   call.index = 0;
   call.beta = &beta;
@@ -152,7 +156,7 @@ TEST(Trace, LabelsOfTwoLiquids) {
     FlashTrace trace{writer, call.mode};
     Iterate it;
     it.z = &z;
-    trace_header(trace, call, copy_settings(record));
+    trace_header(trace, call, copy_settings(call.context));
     trace_result(trace, call, it);
   }
   const auto lines = tests::lines_of("fort.11");

@@ -101,7 +101,7 @@ TEST_F(Siblings, EntryIsLookedUpOnceAndAgainAfterRelease) {
   EXPECT_EQ(Z, 0.5);
   EXPECT_EQ(loader_spy().opened.size(), 1u);
   EXPECT_EQ(loader_spy().looked_up, Texts{"BRACUB"});
-  const auto address = tools::bracub();
+  const auto address = tools::bind(ToolsEntry::BRACUB);
   EXPECT_EQ(loader_spy().looked_up.size(), 1u);
 
   ReleaseProviders();
@@ -111,7 +111,7 @@ TEST_F(Siblings, EntryIsLookedUpOnceAndAgainAfterRelease) {
   ReleaseProviders();  // nothing is loaded: nothing to free
   EXPECT_EQ(loader_spy().references, 0);
 
-  EXPECT_NE(tools::bracub(), nullptr);
+  EXPECT_NE(tools::bind(ToolsEntry::BRACUB), nullptr);
   EXPECT_NE(address, nullptr);
   EXPECT_EQ(loader_spy().opened.size(), 2u);
   EXPECT_EQ(loader_spy().looked_up, (Texts{"BRACUB", "BRACUB"}));

@@ -31,7 +31,7 @@ class Traces : public testing::Test {
     before = fs::current_path();
     fs::current_path(folder);
     setenv("TMPDIR", folder.c_str(), 1);
-    tools::bracub();
+    tools::bind(ToolsEntry::BRACUB);
     fake = reinterpret_cast<FakeTools* (*)()>(dlsym(state().tools_library, "fake_tools"))();
     *fake = {};
     fake->write_files = true;

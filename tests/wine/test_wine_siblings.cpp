@@ -166,7 +166,7 @@ TEST_F(Wine, MissingEntryIsShownAndTheOthersStillWork) {
     EXPECT_EQ(host_box.calls, i);
     EXPECT_EQ(host_box.text, "MRINV: " + system_text(ERROR_PROC_NOT_FOUND));
   }
-  EXPECT_FALSE(run_catching([] { tools::bracub(); }).any);
+  EXPECT_FALSE(run_catching([] { tools::bind(ToolsEntry::BRACUB); }).any);
   EXPECT_EQ(host_box.calls, 2);
 
   // Released, and found complete at the next use.

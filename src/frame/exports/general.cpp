@@ -1,11 +1,26 @@
-// Exports: group data and molar mass.
+// Exports: group data, which every other call works with, and molar mass.
 
 #include <cmath>
 
 #include "eos/group_data.hpp"
 #include "frame/boundary.hpp"
-#include "frame/state.hpp"
+#include "frame/exports/context.hpp"
 #include "kestrune/kvgasthermo.h"
+
+namespace kestrune::exports {
+namespace {
+
+// Of the process, and beside what the frame remembers all that outlives a call. To be converted by one thread, while
+// no other one calculates.
+constinit eos::GroupData the_group_data;
+
+}  // namespace
+
+eos::Context context_of(MixtureRecord* record) noexcept {
+  return {record, &the_group_data, &kTools, record != nullptr ? record->trace_flag : 0};
+}
+
+}  // namespace kestrune::exports
 
 namespace {
 
@@ -13,7 +28,7 @@ using namespace kestrune;
 
 StatusCode convert(int nC, int nG, const int32_t* counts, const double* A, const double* B,
                    double* const* storage) {
-  frame::GroupData& data = frame::state().group_data;
+  eos::GroupData& data = exports::the_group_data;
   data = {};
   // Nothing that could be worked with: later calls answer that there are no group data.
   if (storage == nullptr || counts == nullptr || A == nullptr || B == nullptr) return KV_NULL_ARGUMENT;

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "eos/evaluation.hpp"
+#include "frame/exports/context.hpp"
 #include "frame/exports/property_frame.hpp"
 #include "kestrune/kvgasthermo.h"
 
@@ -12,6 +13,7 @@ namespace {
 
 using namespace kestrune;
 using exports::check_state;
+using exports::context_of;
 using exports::mapped;
 
 // [count] each, dn [count * count]; null for what is not asked for.
@@ -35,13 +37,12 @@ bool all_finite(std::size_t n, const PhiOutputs& out) {
   return good;
 }
 
-StatusCode phi_core(double T, double P, const double* x, MixtureRecord& mixture, int phase,
+StatusCode phi_core(double T, double P, const double* x, const eos::Context& context, int phase,
                     const PhiOutputs& out) {
-  const int n = mixture.count;
+  const int n = context.record->count;
   return support::with_arena<4, 60>(n, [&](support::Arena& arena) -> StatusCode {
     eos::Temperature t;
-    const StatusCode status =
-        eos::prepare(T, mixture, frame::state().group_data, out.dT != nullptr ? 1 : 0, arena, t);
+    const StatusCode status = eos::prepare(T, context, out.dT != nullptr ? 1 : 0, arena, t);
     if (status != KV_OK) return status;
     double* padded = arena.zeros(t.ld);
     std::copy_n(x, n, padded);
@@ -51,7 +52,7 @@ StatusCode phi_core(double T, double P, const double* x, MixtureRecord& mixture,
     const double rt = eos::kR * T;
     double Z = 0.0;
     const int root =
-        eos::solve_root(frame::tools::bracub(), m.a * P / (rt * rt), m.b * P / rt, phase, false, Z);
+        eos::solve_root(context.tools->cubic_root(), m.a * P / (rt * rt), m.b * P / rt, phase, false, Z);
     if (!eos::has_root(root)) return root;
     eos::Root r;
     eos::reduce(t, m, P, Z, r);
@@ -84,7 +85,7 @@ StatusCode phi_derivatives(double T, double P, const double* x, MixtureRecord* m
   zero(n, out);
   if (missing) return KV_NULL_ARGUMENT;
   StatusCode status = check_state(T, P, x, mixture);
-  if (status == KV_OK) status = mapped(phi_core(T, P, x, *mixture, phase, out));
+  if (status == KV_OK) status = mapped(phi_core(T, P, x, context_of(mixture), phase, out));
   if (status != KV_OK) zero(n, out);
   return status;
 }

@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "eos/transport.hpp"
+#include "frame/exports/context.hpp"
 #include "frame/exports/property_frame.hpp"
 #include "kestrune/kvgasthermo.h"
 
@@ -14,6 +15,7 @@ namespace {
 
 using namespace kestrune;
 using eos::Phase;
+using exports::context_of;
 
 // Zeroes the outputs, checks the call and runs core(phase).
 template <class Core, class... Outputs>
@@ -21,7 +23,7 @@ StatusCode property(const Phase& p, Core&& core, Outputs*... outputs) {
   ((outputs != nullptr ? void(*outputs = 0.0) : void()), ...);
   const StatusCode pointers = frame::check_pointers(outputs...);
   if (pointers != KV_OK) return pointers;
-  const StatusCode status = exports::check_state(p.T, p.P, p.x, p.mixture);
+  const StatusCode status = exports::check_state(p.T, p.P, p.x, p.context.record);
   return status != KV_OK ? status : exports::mapped(core());
 }
 
@@ -65,8 +67,8 @@ StatusCode with_derivatives(const Phase& p, DerivativeCore core, int mask, doubl
   if ((mask & KV_DERIV_T) == 0) d_dT = &unused_dT;
   if ((mask & KV_DERIV_P) == 0) d_dP = &unused_dP;
   const bool asked_n = (mask & KV_DERIV_N) != 0;
-  const bool with_n = asked_n && d_dn != nullptr && frame::check_record(p.mixture) == KV_OK;
-  if (with_n) std::fill_n(d_dn, p.mixture->count, 0.0);
+  const bool with_n = asked_n && d_dn != nullptr && frame::check_record(p.context.record) == KV_OK;
+  if (with_n) std::fill_n(d_dn, p.context.record->count, 0.0);
   return property(
       p,
       [&] {
@@ -75,7 +77,7 @@ StatusCode with_derivatives(const Phase& p, DerivativeCore core, int mask, doubl
         d.dn = d_dn;
         const StatusCode status = core(p, mask, d);
         if (!eos::has_values(status)) {
-          if (with_n) std::fill_n(d_dn, p.mixture->count, 0.0);
+          if (with_n) std::fill_n(d_dn, p.context.record->count, 0.0);
           return status;
         }
         *value = d.value;
@@ -129,18 +131,19 @@ StatusCode transport(const Phase& p, TransportCore core, double* value) {
 
 KV_ENTRY StatusCode KV_CALL GasN(double T, double P, const double* x, MixtureRecord* mixture, double* Z,
                                  double* Z_normal, double* density_normal, double* normal_volume)
-    KV_GUARDS(normal_state({T, P, x, KV_PHASE_GAS, mixture}, Z, Z_normal, density_normal, normal_volume));
+    KV_GUARDS(normal_state({T, P, x, KV_PHASE_GAS, context_of(mixture)}, Z, Z_normal, density_normal,
+                           normal_volume));
 
 #define KV_DENSITY(name, phase)                                                                              \
   KV_ENTRY StatusCode KV_CALL name(double T, double P, const double* x, MixtureRecord* mixture, double* rho, \
                                    double* d_dT, double* d_dP, double* d2_dTdP)                              \
-      KV_GUARDS(density({T, P, x, phase, mixture}, rho, d_dT, d_dP, d2_dTdP))
+      KV_GUARDS(density({T, P, x, phase, context_of(mixture)}, rho, d_dT, d_dP, d2_dTdP))
 KV_DENSITY(LiquidDensity_PPR78, KV_PHASE_LIQUID);
 KV_DENSITY(GasDensity_PPR78, KV_PHASE_GAS);
 
 #define KV_VALUE(name, phase, wanted)                                                                          \
   KV_ENTRY StatusCode KV_CALL name(double T, double P, const double* x, MixtureRecord* mixture, double* value) \
-      KV_GUARDS(molar_value({T, P, x, phase, mixture}, Wanted::wanted, value))
+      KV_GUARDS(molar_value({T, P, x, phase, context_of(mixture)}, Wanted::wanted, value))
 KV_VALUE(LiquidMolarEnthalpy_PPR78, KV_PHASE_LIQUID, H);
 KV_VALUE(GasMolarEnthalpy_PPR78, KV_PHASE_GAS, H);
 KV_VALUE(LiquidMolarEntropy_PPR78, KV_PHASE_LIQUID, S);
@@ -151,7 +154,8 @@ KV_VALUE(GasMolarFreeEnthalpy_PPR78, KV_PHASE_GAS, G);
 #define KV_VALUE_DERIVATIVES(name, phase, core)                                                               \
   KV_ENTRY StatusCode KV_CALL name(double T, double P, const double* x, MixtureRecord* mixture, int32_t mask, \
                                    double* value, double* d_dT, double* d_dP, double* d_dn)                   \
-      KV_GUARDS(with_derivatives({T, P, x, phase, mixture}, eos::core, mask, value, d_dT, d_dP, d_dn))
+      KV_GUARDS(                                                                                              \
+          with_derivatives({T, P, x, phase, context_of(mixture)}, eos::core, mask, value, d_dT, d_dP, d_dn))
 KV_VALUE_DERIVATIVES(LiquidMolarEnthalpy_Derivatives_PPR78, KV_PHASE_LIQUID, enthalpy_derivatives);
 KV_VALUE_DERIVATIVES(GasMolarEnthalpy_Derivatives_PPR78, KV_PHASE_GAS, enthalpy_derivatives);
 KV_VALUE_DERIVATIVES(LiquidMolarEntropy_Derivatives_PPR78, KV_PHASE_LIQUID, entropy_derivatives);
@@ -160,12 +164,13 @@ KV_VALUE_DERIVATIVES(GasMolarEntropy_Derivatives_PPR78, KV_PHASE_GAS, entropy_de
 KV_ENTRY StatusCode KV_CALL GasSpecificHeat_PPR78(double T, double P, const double* x, MixtureRecord* mixture,
                                                   double* Cp, double* Cv, double* speed_of_sound,
                                                   double* joule_thomson)
-    KV_GUARDS(specific_heat({T, P, x, KV_PHASE_GAS, mixture}, Cp, Cv, speed_of_sound, joule_thomson));
+    KV_GUARDS(specific_heat({T, P, x, KV_PHASE_GAS, context_of(mixture)}, Cp, Cv, speed_of_sound,
+                            joule_thomson));
 
 KV_ENTRY StatusCode KV_CALL GasDynamicViscosity_PPR78(double T, double P, const double* x,
                                                       MixtureRecord* mixture, double* viscosity)
-    KV_GUARDS(transport({T, P, x, KV_PHASE_GAS, mixture}, eos::gas_viscosity, viscosity));
+    KV_GUARDS(transport({T, P, x, KV_PHASE_GAS, context_of(mixture)}, eos::gas_viscosity, viscosity));
 
 KV_ENTRY StatusCode KV_CALL GasThermalConductivity_PPR78(double T, double P, const double* x,
                                                          MixtureRecord* mixture, double* conductivity)
-    KV_GUARDS(transport({T, P, x, KV_PHASE_GAS, mixture}, eos::gas_conductivity, conductivity));
+    KV_GUARDS(transport({T, P, x, KV_PHASE_GAS, context_of(mixture)}, eos::gas_conductivity, conductivity));

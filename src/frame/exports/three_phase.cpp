@@ -6,12 +6,14 @@
 #include "flash3/liquid_liquid.hpp"
 #include "flash3/three_energy.hpp"
 #include "flash3/three_quality.hpp"
+#include "frame/exports/context.hpp"
 #include "frame/exports/flash_wrapper.hpp"
 #include "kestrune/kvgasthermo.h"
 
 namespace {
 
 using namespace kestrune;
+using exports::context_of;
 
 // The first unusable argument of a flash, or KV_OK. A feed that does not sum to one, an empty one among them, is
 // passed on: its status comes from the flash, before what is wrong with the rest.
@@ -56,18 +58,18 @@ struct Values {
 StatusCode energy_flash(flash3::ThreeEnergyCall call, const flash3::ThreePhaseResult& out, const Values& values,
                         const ModelRoutines* routines, int32_t options) {
   const StatusCode bad = check_flash(frame::check_specified(call.wanted), frame::check_pressure(call.P), call.z,
-                                     call.mixture, call.T, out.beta, out.V, out.xA, out.xB, out.y, out.KLL,
-                                     out.KLV, values.A, values.B, values.vapour);
+                                     call.context.record, call.T, out.beta, out.V, out.xA, out.xB, out.y,
+                                     out.KLL, out.KLV, values.A, values.B, values.vapour);
   if (bad != KV_OK) return bad;
-  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count);
+  flash::HostRoutines host = exports::routines_of_call(routines, call.context.record->count);
   call.routines = &host;
   call.out = out;
   call.A = values.A;
   call.B = values.B;
   call.vapour = values.vapour;
   call.estimate = (options & 1) != 0;
-  return three_phase_wrapper(call.P, call.z, *call.mixture, host, out, values.A, values.B, [&] {
-    call.free_water = exports::free_water(*call.mixture);
+  return three_phase_wrapper(call.P, call.z, *call.context.record, host, out, values.A, values.B, [&] {
+    call.free_water = exports::free_water(*call.context.record);
     return flash3::three_energy_flash(call);
   });
 }
@@ -78,29 +80,30 @@ StatusCode quality_flash(flash3::ThreeQualityCall call, flash3::ThreePhaseResult
   double V = call.W;
   out.V = &V;
   const StatusCode bad =
-      check_flash(frame::check_specified(call.W), exports::check_given(call), call.z, call.mixture,
+      check_flash(frame::check_specified(call.W), exports::check_given(call), call.z, call.context.record,
                   call.unknown, out.beta, out.xA, out.xB, out.y, out.KLL, out.KLV);
   if (bad != KV_OK) return bad;
-  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count, 3);
+  flash::HostRoutines host = exports::routines_of_call(routines, call.context.record->count, 3);
   call.routines = &host;
   call.out = out;
   call.estimate = (options & 1) != 0;
-  call.free_water = exports::wet_feed(*call.mixture, call.z);
+  call.free_water = exports::wet_feed(*call.context.record, call.z);
   return exports::run_search(host, [&] { return flash3::three_quality_flash(call); });
 }
 
 // At temperature and pressure.
 StatusCode isothermal_flash(flash3::ThreePhaseCall call, const flash3::ThreePhaseResult& out,
                             const ModelRoutines* routines, int32_t options) {
-  const StatusCode bad = check_flash(frame::check_temperature(call.T), frame::check_pressure(call.P), call.z,
-                                     call.mixture, out.beta, out.V, out.xA, out.xB, out.y, out.KLL, out.KLV);
+  const StatusCode bad =
+      check_flash(frame::check_temperature(call.T), frame::check_pressure(call.P), call.z, call.context.record,
+                  out.beta, out.V, out.xA, out.xB, out.y, out.KLL, out.KLV);
   if (bad != KV_OK) return bad;
-  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count);
+  flash::HostRoutines host = exports::routines_of_call(routines, call.context.record->count);
   call.routines = &host;
   call.out = out;
   call.estimate = (options & 1) != 0;
-  return three_phase_wrapper(call.P, call.z, *call.mixture, host, out, nullptr, nullptr, [&] {
-    call.free_water = exports::free_water(*call.mixture);
+  return three_phase_wrapper(call.P, call.z, *call.context.record, host, out, nullptr, nullptr, [&] {
+    call.free_water = exports::free_water(*call.context.record);
     return flash3::three_phase_flash(call);
   });
 }
@@ -109,14 +112,14 @@ StatusCode isothermal_flash(flash3::ThreePhaseCall call, const flash3::ThreePhas
 StatusCode liquid_liquid_flash(flash3::LiquidLiquidCall call, const ModelRoutines* routines) {
   const StatusCode bad = frame::first_failure(
       {frame::check_temperature(call.T), frame::check_pressure(call.P),
-       frame::check_pointers(call.z, call.mixture, call.beta, call.liquid1, call.liquid2, call.K),
-       frame::check_feed(call.z, call.mixture)});
+       frame::check_pointers(call.z, call.context.record, call.beta, call.liquid1, call.liquid2, call.K),
+       frame::check_feed(call.z, call.context.record)});
   if (bad != KV_OK) return bad;
-  const exports::FlagsKeeper keeper(*call.mixture);
-  exports::locate_water(*call.mixture, call.z);
-  flash::HostRoutines host = exports::routines_of_call(routines, call.mixture->count);
+  const exports::FlagsKeeper keeper(*call.context.record);
+  exports::locate_water(*call.context.record, call.z);
+  flash::HostRoutines host = exports::routines_of_call(routines, call.context.record->count);
   call.routines = &host;
-  call.free_water = exports::free_water(*call.mixture);
+  call.free_water = exports::free_water(*call.context.record);
   return exports::run_and_tell(host, [&] { return flash3::liquid_liquid_flash(call); });
 }
 
@@ -125,39 +128,40 @@ StatusCode liquid_liquid_flash(flash3::LiquidLiquidCall call, const ModelRoutine
 KV_ENTRY StatusCode KV_CALL FlashLLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines* routines, int32_t options, double* beta,
                                          double* V, double* xA, double* xB, double* y, double* KLL, double* KLV)
-    KV_GUARDS(isothermal_flash({T, P, z, mixture}, {beta, V, xA, xB, y, KLL, KLV}, routines, options));
+    KV_GUARDS(isothermal_flash({T, P, z, context_of(mixture)}, {beta, V, xA, xB, y, KLL, KLV}, routines,
+                               options));
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines* routines, int32_t options, double* T,
                                          double* beta, double* V, double* xA, double* xB, double* y,
                                          double* KLL, double* KLV, double* HA, double* HB, double* HV)
-    KV_GUARDS(energy_flash({flash::Property::enthalpy, H, P, z, mixture, T}, {beta, V, xA, xB, y, KLL, KLV},
-                           {HA, HB, HV}, routines, options));
+    KV_GUARDS(energy_flash({flash::Property::enthalpy, H, P, z, context_of(mixture), T},
+                           {beta, V, xA, xB, y, KLL, KLV}, {HA, HB, HV}, routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatSP(double S, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines* routines, int32_t options, double* T,
                                          double* beta, double* V, double* xA, double* xB, double* y,
                                          double* KLL, double* KLV, double* SA, double* SB, double* SV)
-    KV_GUARDS(energy_flash({flash::Property::entropy, S, P, z, mixture, T}, {beta, V, xA, xB, y, KLL, KLV},
-                           {SA, SB, SV}, routines, options));
+    KV_GUARDS(energy_flash({flash::Property::entropy, S, P, z, context_of(mixture), T},
+                           {beta, V, xA, xB, y, KLL, KLV}, {SA, SB, SV}, routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines* routines, int32_t options, double* T,
                                          double* beta, double* xA, double* xB, double* y, double* KLL,
                                          double* KLV)
-    KV_GUARDS(quality_flash({flash::Find::temperature, W, P, z, mixture, T},
+    KV_GUARDS(quality_flash({flash::Find::temperature, W, P, z, context_of(mixture), T},
                             {beta, nullptr, xA, xB, y, KLL, KLV}, routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines* routines, int32_t options, double* P,
                                          double* beta, double* xA, double* xB, double* y, double* KLL,
                                          double* KLV)
-    KV_GUARDS(quality_flash({flash::Find::pressure, W, T, z, mixture, P}, {beta, nullptr, xA, xB, y, KLL, KLV},
-                            routines, options));
+    KV_GUARDS(quality_flash({flash::Find::pressure, W, T, z, context_of(mixture), P},
+                            {beta, nullptr, xA, xB, y, KLL, KLV}, routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* beta,
                                         double* liquid1, double* liquid2, double* K)
-    KV_GUARDS(liquid_liquid_flash({T, P, z, mixture, nullptr, false, (options & 1) != 0, beta, liquid1, liquid2,
-                                   K},
+    KV_GUARDS(liquid_liquid_flash({T, P, z, context_of(mixture), nullptr, false, (options & 1) != 0, beta,
+                                   liquid1, liquid2, K},
                                   routines));

@@ -2,6 +2,7 @@
 
 #include "flash/settings.hpp"
 #include "frame/cas.hpp"
+#include "frame/exports/context.hpp"
 #include "frame/exports/flash_wrapper.hpp"
 #include "kestrune/kvgasthermo.h"
 #include "water/dew.hpp"
@@ -11,6 +12,7 @@
 namespace {
 
 using namespace kestrune;
+using exports::context_of;
 using frame::first_failure;
 
 // The first unusable argument, or KV_OK.
@@ -40,18 +42,18 @@ StatusCode check_TP(double T, double P) {
 }
 
 StatusCode dew_temperature(double P, const water::DewCall& call, double* T) {
-  const StatusCode bad = check_dew(frame::check_pressure(P), call.z, call.mixture, T);
+  const StatusCode bad = check_dew(frame::check_pressure(P), call.z, call.context.record, T);
   return bad != KV_OK ? bad : water::dew_temperature(call, P, *T);
 }
 
 StatusCode dew_pressure(double T, const water::DewCall& call, double* P) {
-  const StatusCode bad = check_dew(frame::check_temperature(T), call.z, call.mixture, P);
+  const StatusCode bad = check_dew(frame::check_temperature(T), call.z, call.context.record, P);
   return bad != KV_OK ? bad : water::dew_pressure(call, T, *P);
 }
 
 StatusCode dew_line(const water::DewCall& call, double min_P, double max_P, int points, double* T, double* P,
                     int32_t* status, int32_t* found) {
-  const StatusCode bad = check_dew(KV_OK, call.z, call.mixture, T, P, status, found);
+  const StatusCode bad = check_dew(KV_OK, call.z, call.context.record, T, P, status, found);
   return bad != KV_OK ? bad : water::dew_line(call, min_P, max_P, points, T, P, status, *found);
 }
 
@@ -60,7 +62,8 @@ StatusCode humidity(double T, double P, int method, const double* z, MixtureReco
   for (double* value : {water_fraction, water_content})
     if (value != nullptr) *value = 0.0;
   const StatusCode bad = check(check_TP(T, P), z, mixture, water_fraction, water_content);
-  return bad != KV_OK ? bad : water::humidity(T, P, method, z, *mixture, *water_fraction, *water_content);
+  return bad != KV_OK ? bad
+                      : water::humidity(T, P, method, z, context_of(mixture), *water_fraction, *water_content);
 }
 
 // With the switch on, the equation of state is the first method and the chart the second.
@@ -68,9 +71,10 @@ StatusCode wet_gas(double T, double P, const double* z, bool both, int method, M
                    double* wet) {
   const StatusCode bad = check(check_TP(T, P), z, mixture, wet);
   if (bad != KV_OK) return bad;
-  const StatusCode first = water::wet_gas(T, P, both ? 1 : method, z, *mixture, wet);
+  const eos::Context context = context_of(mixture);
+  const StatusCode first = water::wet_gas(T, P, both ? 1 : method, z, context, wet);
   const bool final_status = first == -1 || first == 0 || first == 1 || first == 4;
-  return both && !final_status ? water::wet_gas(T, P, 2, z, *mixture, wet) : first;
+  return both && !final_status ? water::wet_gas(T, P, 2, z, context, wet) : first;
 }
 
 StatusCode hydrate_line(const double* z, int kind, double M, double percent, int points, MixtureRecord* mixture,
@@ -88,16 +92,16 @@ StatusCode hydrate_line(const double* z, int kind, double M, double percent, int
 
 KV_ENTRY StatusCode KV_CALL WaterDewTemperature(double P, const double* z, int32_t method, int32_t, int32_t,
                                                 MixtureRecord* mixture, int32_t, double* T)
-    KV_GUARDS(dew_temperature(P, {z, method, mixture}, T));
+    KV_GUARDS(dew_temperature(P, {z, method, context_of(mixture)}, T));
 
 KV_ENTRY StatusCode KV_CALL WaterDewPressure(double T, const double* z, int32_t method, int32_t, int32_t,
                                              MixtureRecord* mixture, int32_t, double* P)
-    KV_GUARDS(dew_pressure(T, {z, method, mixture}, P));
+    KV_GUARDS(dew_pressure(T, {z, method, context_of(mixture)}, P));
 
 KV_ENTRY StatusCode KV_CALL WaterDewLine(const double* z, int32_t method, int32_t, int32_t,
                                          MixtureRecord* mixture, int32_t, double min_P, double max_P,
                                          int32_t points, double* T, double* P, int32_t* status, int32_t* found)
-    KV_GUARDS(dew_line({z, method, mixture}, min_P, max_P, points, T, P, status, found));
+    KV_GUARDS(dew_line({z, method, context_of(mixture)}, min_P, max_P, points, T, P, status, found));
 
 KV_ENTRY StatusCode KV_CALL Humidity(double T, double P, int32_t method, const double* z,
                                      MixtureRecord* mixture, double* water_fraction, double* water_content)
