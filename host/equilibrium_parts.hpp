@@ -36,8 +36,13 @@ bool is_dense(const Exports& library, const Mixture& mixture, const std::vector<
 PhaseKind liquid_kind(const Exports& library, const Mixture& mixture, double T, const std::vector<double>& x,
                       bool alone, LastCritical* last = nullptr);
 
-// Packed like a liquid: v/b below its value at the critical point of the equation of state.
-bool is_packed(const Mixture& mixture, const PhaseState& phase);
+// Packed like a liquid: v/b below a part of its value at the critical point of the equation of state.
+bool is_packed(const Mixture& mixture, const PhaseState& phase, double part = 1.0);
+// The part below which even the lightest of three phases is called a liquid: a gas near its critical point is above.
+inline constexpr double kPackedLiquid = 0.5;
+
+// Of liquids that are not aqueous, the lighter and the heavier one by name; of three the other one is "liquid".
+void name_by_density(const std::vector<PhaseKind*>& kinds, const std::vector<double>& densities);
 
 // Whether the equation of state has one volume for the phase: gas and liquid are the same.
 bool has_one_root(const Exports& library, const Mixture& mixture, const PhaseState& phase, double T, double P);

@@ -83,7 +83,7 @@ PhaseKind liquid_kind(const Exports& library, const Mixture& mixture, double T, 
   return polar_share(mixture, mixture.z) > 0.0 ? PhaseKind::hydrocarbon_liquid : PhaseKind::liquid;
 }
 
-bool is_packed(const Mixture& mixture, const PhaseState& phase) {
+bool is_packed(const Mixture& mixture, const PhaseState& phase, double part) {
   constexpr double kGas = 82.057e-6, kOmegaB = 0.0778;  // m3 atm/(mol K)
   constexpr double packed = 3.9514;                     // v/b of the critical point of the equation of state
   double b = 0.0;
@@ -91,7 +91,15 @@ bool is_packed(const Mixture& mixture, const PhaseState& phase) {
     const Component& c = mixture.components[i];
     b += phase.x[i] * kOmegaB * kGas * c.Tc / (c.Pc / kAtmInPa);
   }
-  return phase.properties[Property::molar_volume] < packed * b;
+  return phase.properties[Property::molar_volume] < part * packed * b;
+}
+
+void name_by_density(const std::vector<PhaseKind*>& kinds, const std::vector<double>& densities) {
+  if (kinds.size() < 2) return;
+  const auto ends = std::minmax_element(densities.begin(), densities.end());
+  for (PhaseKind* kind : kinds) *kind = PhaseKind::liquid;
+  *kinds[static_cast<std::size_t>(ends.first - densities.begin())] = PhaseKind::light_liquid;
+  *kinds[static_cast<std::size_t>(ends.second - densities.begin())] = PhaseKind::heavy_liquid;
 }
 
 void rename_packed_gas(const Exports& library, const Mixture& mixture, Equilibrium& state) {

@@ -77,7 +77,7 @@ void solve_three(const Exports& library, Mixture& mixture, Equilibrium& s) {
   s.last_T = T;
 }
 
-// The lightest of three phases may be a liquid as well: the root of lower free enthalpy says so.
+// The lightest of three phases may be a liquid as well: the root of lower free enthalpy says so, or its volume.
 void settle_root(const Exports& library, const Mixture& mixture, Equilibrium& s) {
   // With free water the liquid exports take all water for liquid water: nothing to compare.
   if ((mixture.record.flags & FreeWaterFlag) != 0 || s.phases.size() < 3 || s.of_fraction()) return;
@@ -85,10 +85,23 @@ void settle_root(const Exports& library, const Mixture& mixture, Equilibrium& s)
   PhaseState& light = s.phases.front();
   const PropertyValues liquid =
       phase_properties(library, mixture, PhaseKind::liquid, s.T, s.P, light.x, light.molar_mass);
-  if (!(liquid[Property::free_enthalpy] < light.properties[Property::free_enthalpy])) return;
+  if (!(liquid[Property::free_enthalpy] < light.properties[Property::free_enthalpy]) &&
+      !is_packed(mixture, light, kPackedLiquid))
+    return;
   light.kind = PhaseKind::liquid;
   light.properties = liquid;
   s.beta = 0.0;
+  std::vector<PhaseKind*> kinds;
+  std::vector<double> densities;
+  for (PhaseState& p : s.phases) {
+    if (p.kind == PhaseKind::aqueous_liquid) continue;
+    kinds.push_back(&p.kind);
+    densities.push_back(p.properties[Property::density]);
+  }
+  if (kinds.size() < 3) return;
+  name_by_density(kinds, densities);
+  std::stable_sort(s.phases.begin(), s.phases.end(),
+                   [](const PhaseState& a, const PhaseState& b) { return a.kind < b.kind; });
 }
 
 }  // namespace

@@ -24,7 +24,7 @@ bool read_number(std::string_view cell, char separator, double& value) {
     for (std::size_t k = 0; k < cell.size(); ++k) plain[k] = cell[k] == ',' ? '.' : cell[k];
     cell = {plain, cell.size()};
   }
-  if (!cell.empty() && cell.front() == '+') cell.remove_prefix(1);
+  if (cell.size() > 1 && cell.front() == '+' && cell[1] != '-') cell.remove_prefix(1);
   const auto [end, error] = std::from_chars(cell.data(), cell.data() + cell.size(), value);
   return error == std::errc() && end == cell.data() + cell.size();
 }
@@ -36,13 +36,20 @@ void print_number(double value, std::string& out) {
   out.append(text, static_cast<std::size_t>(end - text));
 }
 
-// What a message shows of a cell.
-std::string_view shown(std::string_view cell) {
+// What a message shows of a cell: its beginning, with ? for what is no text.
+std::string shown(std::string_view cell) {
   constexpr std::size_t most = 60;
-  if (cell.size() <= most) return cell;
-  std::size_t size = most;
-  while (size > 0 && (cell[size] & '\xc0') == '\x80') --size;  // within a character of UTF-8
-  return cell.substr(0, size);
+  std::string text;
+  for (std::size_t k = 0; k < cell.size() && text.size() < most;) {
+    const auto first = static_cast<unsigned char>(cell[k]);
+    const std::size_t more = first < 0x80 ? 0 : first >= 0xf0 ? 3 : first >= 0xe0 ? 2 : 1;
+    bool good = first >= 0x20 && first != 0x7f && (first < 0x80 || (first >= 0xc2 && first <= 0xf4)) &&
+                k + more < cell.size();
+    for (std::size_t j = 1; good && j <= more; ++j) good = (cell[k + j] & '\xc0') == '\x80';
+    text += good ? cell.substr(k, 1 + more) : std::string_view("?");
+    k += good ? 1 + more : 1;
+  }
+  return text;
 }
 
 }  // namespace
@@ -102,19 +109,21 @@ bool Evaluator::cut(const Heading& heading, std::string_view line, std::int64_t 
   return refuse(kRowWidth, fmt::format("line {}: {} cells under a heading of {}", number, count, cells.size()));
 }
 
-// The row's conditions as they are written.
+// The row's conditions as they are written; one that can be read stands beside one that cannot.
 bool Evaluator::read_conditions(std::int64_t number, double* raw) {
+  bool readable = true;
   for (std::size_t k = 0; k < 2; ++k) {
     const std::size_t column = job_.states.conditions[k].column;
     if (read_number(cells_[column], job_.states.separator, raw[k])) continue;
     raw[k] = kNone;
-    return refuse(kRowUnreadable,
-                  cells_[column].empty()
-                      ? fmt::format("line {}: {} is missing", number, job_.states.titles[column])
-                      : fmt::format("line {}: \"{}\" of {} is not a number", number, shown(cells_[column]),
-                                    job_.states.titles[column]));
+    if (readable)
+      refuse(kRowUnreadable, cells_[column].empty()
+                                 ? fmt::format("line {}: {} is missing", number, job_.states.titles[column])
+                                 : fmt::format("line {}: \"{}\" of {} is not a number", number,
+                                               shown(cells_[column]), job_.states.titles[column]));
+    readable = false;
   }
-  return true;
+  return readable;
 }
 
 // The feed from the amounts in the cells, which may be empty.
@@ -186,11 +195,9 @@ void Evaluator::row(std::string_view line, std::int64_t number, Result& result) 
   double raw[2] = {kNone, kNone}, base[2] = {kNone, kNone};
   const bool readable = cut(job_.states, line, number, cells_) && read_conditions(number, raw);
   if (readable && !job_.has_compositions && !job_.states.amounts.empty()) read_feed(job_.states, number);
-  if (readable) {
-    const double M = feed_.status == KV_OK ? feed_.molar_mass : kNone;
-    for (std::size_t k = 0; k < 2; ++k) base[k] = job_.states.conditions[k].unit->to_base(raw[k], M);
-    if (feed_.status != KV_OK) refuse(feed_.status, feed_.text);
-  }
+  const double M = readable && feed_.status == KV_OK ? feed_.molar_mass : kNone;
+  for (std::size_t k = 0; k < 2; ++k) base[k] = job_.states.conditions[k].unit->to_base(raw[k], M);
+  if (readable && feed_.status != KV_OK) refuse(feed_.status, feed_.text);
   if (row_status_ == KV_OK)
     solver_.solve(base[0], base[1], feed_.z.data(), feed_.molar_mass);
   else

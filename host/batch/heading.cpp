@@ -108,13 +108,12 @@ void read_column(Read& r, std::size_t column) {
   if (is_in(r.wanted.ignored)) return;
   const bool kept = is_in(r.wanted.kept);
   if (title.empty()) throw InputError("has no heading");
-  if (r.wanted.conditions) {
-    if (const auto condition = condition_of(title, r.units)) {
+  try {
+    const auto condition = r.wanted.conditions ? condition_of(title, r.units) : std::nullopt;
+    if (condition) {
       r.conditions.push_back({condition->quantity, {column, condition->unit}, kept});
       return;
     }
-  }
-  try {
     if (r.wanted.amounts) return read_amount(r, column, title);
   } catch (const InputError&) {
     if (!kept) throw;

@@ -46,11 +46,14 @@ Lines Lines::of_file(const std::string& path) {
     throw InputError("a batch reads its tables from files, not from standard input: name a file");
   if (std::filesystem::is_directory(path, none))
     throw InputError(fmt::format("{} is a folder, not a table", path));
+  const bool plain = !std::filesystem::exists(path, none) || std::filesystem::is_regular_file(path, none);
+  if (!plain)
+    throw InputError(fmt::format("{} is no plain file: a batch reads its tables more than once", path));
   errno = 0;
   lines.file_.reset(std::fopen(path.c_str(), "rb"));
   if (!lines.file_) throw InputError(fmt::format("cannot read {}: {}", path, std::strerror(errno)));
   lines.size_ = std::filesystem::file_size(path, none);
-  if (none) throw InputError(fmt::format("{} is no plain file: a batch reads its tables more than once", path));
+  if (none) throw InputError(fmt::format("cannot read {}: {}", path, none.message()));
   lines.time_ = time_of(path);
   std::setvbuf(lines.file_.get(), nullptr, _IONBF, 0);
   lines.buffer_.resize(kLongestLine);

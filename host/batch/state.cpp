@@ -101,10 +101,26 @@ void StateSolver::name_phases() {
 // The lightest of three phases may be a liquid as well.
 void StateSolver::settle_root() {
   if (free_water_ || phase_count_ < 3 || !is_there(1) || !is_there(2)) return;
-  constexpr auto G = Property::free_enthalpy;
-  const double as_gas = properties_of(0, bit(G))[G];
+  constexpr auto G = Property::free_enthalpy, v = Property::molar_volume, rho = Property::density;
+  PhaseState gas{PhaseKind::vapour, 1.0, 1.0, {}, 0.0, properties_of(0, bit(G) | bit(v)), false};
   kinds_[0] = PhaseKind::liquid;
-  if (!(properties_of(0, bit(G))[G] < as_gas)) kinds_[0] = PhaseKind::vapour;
+  if (!(properties_of(0, bit(G))[G] < gas.properties[G])) {
+    gas.x.swap(x_[0]);
+    const bool packed = is_packed(mixture_, gas, kPackedLiquid);
+    gas.x.swap(x_[0]);
+    if (!packed) {
+      kinds_[0] = PhaseKind::vapour;
+      return;
+    }
+  }
+  std::vector<PhaseKind*> kinds;
+  std::vector<double> densities;
+  for (std::size_t p = 0; p < phase_count_; ++p) {
+    if (kinds_[p] == PhaseKind::aqueous_liquid) continue;
+    kinds.push_back(&kinds_[p]);
+    densities.push_back(properties_of(p, bit(rho))[rho]);
+  }
+  name_by_density(kinds, densities);
 }
 
 // A gas that is packed like a liquid beside nothing but water. Alone it is called a liquid by the flash itself, but for
@@ -126,12 +142,19 @@ void StateSolver::name_packed_gas() {
   if (kind != PhaseKind::free_water) kinds_[0] = kind;
 }
 
-// The columns that a phase has, and its letter. A third liquid has a letter and no columns.
+// The columns that a phase has, and its letter: of liquids the lighter one first, then the heavier one; a third liquid
+// has a letter and no columns.
 void StateSolver::place_phases() {
   at_.fill(kFlashPhases);
   char letters[kPlaces][kFlashPhases] = {};
-  std::size_t counts[kPlaces] = {};
-  for (std::size_t p = 0; p < phase_count_; ++p) {
+  std::size_t counts[kPlaces] = {}, order[kFlashPhases] = {0, 1, 2};
+  const auto rank = [&](std::size_t p) {
+    return kinds_[p] == PhaseKind::light_liquid ? 0 : kinds_[p] == PhaseKind::heavy_liquid ? 1 : 2;
+  };
+  std::stable_sort(order, order + phase_count_,
+                   [&](std::size_t a, std::size_t b) { return rank(a) < rank(b); });
+  for (std::size_t k = 0; k < phase_count_; ++k) {
+    const std::size_t p = order[k];
     if (!is_there(p)) continue;
     const PhaseKind kind = kinds_[p];
     const Place place = kind == PhaseKind::vapour                                            ? kVapour
