@@ -257,7 +257,8 @@ void check_envelope(const Call& c) {
     rule(k == 0.0 || k == 1.0 || k == 0.5 || k == 4.0 || std::abs(k - fraction) < 1e-15, "kind of a point",
          {kind[i]});
     marked += kind[i] == 0.5 && fraction != 0.5 ? 1 : 0;
-    rule(P[i] >= limit(0, 1.0) * (1.0 - 1e-6) && P[i] <= limit(1, 2000.0) * (1.0 + 1e-6) &&
+    rule(P[i] >= limit(0, 1.0) * (1.0 - 1e-6) &&
+             P[i] <= limit(1, std::max(2000.0, 2.0 * limit(0, 1.0))) * (1.0 + 1e-6) &&
              T[i] >= limit(2, 50.0) * (1.0 - 1e-6),
          "a point outside the limits", {T[i], P[i]});
   }

@@ -37,6 +37,14 @@ struct Compared {
  */
 double fugacity_gap(int n, const double* z, const Compared& a, const Compared& b) noexcept;
 
+/*
+ * Whether there can be several phases at T, K: outside it the interactions of the groups are continued so far that
+ * their digits cancel, whatever fugacities say.
+ */
+inline bool may_split(double T) noexcept {
+  return T >= 1.0 && T <= 1e6;
+}
+
 /* Whether the ln phi of all components x[n] have digits, but for those of which there is less than 1e-10. */
 bool has_digits(int n, const double* x, const double* ln_phi) noexcept;
 

@@ -51,6 +51,7 @@ StatusCode write_answer(Flash& f, StatusCode status) {
 }
 
 StatusCode finish_two_phases(Flash& f) {
+  if (!may_split(f.call.T)) return write_answer(f, KV_NOT_FINITE);
   if (!settle_answer(f)) return write_answer(f, f.status);
   order_phases(f);
   return write_answer(f, KV_OK);

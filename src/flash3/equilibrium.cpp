@@ -398,6 +398,7 @@ bool accept(const Equilibrium& e) {
   const double owed = std::max(flash::kOwedFugacity, flash::host_slack(e.m, e.how.settings));
   const Phases& p = e.p;
   if (!flash::is_split(e.m.n, e.z, p.count, p.amount, p.x) || !(p.worst <= owed)) return false;
+  if (p.count > 1 && !flash::may_split(e.m.T)) return false;
   if (p.count == 1 && !flash::has_digits(e.m.n, p.x[0], p.ln_phi[0])) return false;
   for (int j = 1; j < p.count; ++j)
     if (!(flash::fugacity_gap(e.m.n, e.z, {p.x[0], p.ln_phi[0]}, {p.x[j], p.ln_phi[j]}) <= 2.0 * owed))

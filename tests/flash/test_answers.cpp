@@ -360,4 +360,15 @@ TEST(Answers, PhasesThatAreEasilyMissed) {
   }
 }
 
+// Interactions continued to where their digits cancel: no several phases, but one is as good as elsewhere.
+TEST(answers, have_one_phase_where_the_model_has_no_digits) {
+  Mixture m = mixture_of({"hydrogen_sulfide", "methyl_mercaptan", "helium", "sulfur_dioxide", "hydrogen",
+                          "n_heptadecane", "carbon_monoxide", "trans_14_dimethylcyclohexane"});
+  m.use();
+  std::vector<double> z{6e-9, 0.0, 3e-10, 9.6e-10, 3.9e-10, 1.15e-9, 1.9e-9, 5e-9};
+  z[1] = 1.0 - std::accumulate(z.begin(), z.end(), 0.0);
+  for (const double T : {1e20, 1e30}) EXPECT_EQ(flash(m, T, 7.1, z).status, KV_NOT_FINITE);
+  EXPECT_EQ(flash(m, 1e5, 7.1, z).status, KV_OK);
+}
+
 }  // namespace
