@@ -99,8 +99,9 @@ KV_API StatusCode KV_CALL MolecularWeight(int32_t nc, const double* x, const dou
  * better: to the square root of CRIT).
  *
  * 112, 120: no answer; the results hold the last iterate. With the flag also where the rules of free water have
- * no state: solubility limits above about a fifth, hydrocarbons near their critical point. Others: the status
- * of the fugacity routine.
+ * no state: solubility limits above about a fifth, hydrocarbons near their critical point. 9012: the model has no
+ * digits there: |ln phi| of 1e7 or more of what is there, several phases below 1 K or above 1e6 K. Others: the
+ * status of the fugacity routine.
  */
 KV_API StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                       const ModelRoutines* routines, int32_t options, double* beta, double* x,
