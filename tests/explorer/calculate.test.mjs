@@ -3,7 +3,8 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 import { loadKestrune } from "kestrune";
 import { fractionsOf, partsOf, Session } from "../src/calculate.ts";
-import { inWords, tableOf } from "../src/gas.ts";
+import { inWords } from "../src/gas.ts";
+import { tableOf } from "../src/paste.ts";
 import { firstState, stateOf } from "../src/state.ts";
 
 const wasm = (await import("node:fs")).readFileSync(`${process.env.KESTRUNE_PACKAGE}/kestrune.wasm`);
@@ -25,14 +26,14 @@ test("every part has the numbers of the same call", () => {
   const found = parts(
     "a=methane:85;ethane:9;propane:4;C7%2B:2&afraction=C7%2B:M=110,SG=0.74,pieces=2&units=F,psig,kJ/kmol&T=-20&P=500&quality=0.9&hydrate=1&inhibitor=MEG&percent=20&water=1&ppm=60&cut=T",
   );
-  const { lines, cricondentherm } = gas.envelope({ points: 240 }).curve;
+  const { lines, cricondentherm } = gas.envelope({ points: 600 }).curve;
   assert.deepEqual(
     [found.envelope[0].curves[0].lines, found.envelope[0].curves[0].cricondentherm],
     [lines, cricondentherm],
   );
   assert.deepEqual(
     found.quality[0].curves[0].lines,
-    gas.envelope({ quality: 0.9, points: 240 }).quality.get(0.9).lines,
+    gas.envelope({ quality: 0.9, points: 600 }).quality.get(0.9).lines,
   );
   const { phases, overall } = gas.report({ T: -20, P: 500 });
   assert.deepEqual([found.point[0].phases, found.point[0].overall], [phases, overall]);
@@ -74,7 +75,8 @@ test("what is wrong stands beside its row or field", () => {
   const { units, water, hydrate, quality } = parts("a=methane:1&T=-300&P=x&water=1&hydrate=1&inhibitor=MEG&quality=2");
   assert.deepEqual(units[0].fieldErrors, ["The temperature in C is not above absolute zero.", '"x" is no number.']);
   assert.deepEqual([water[0].field, hydrate[0].field, quality[0].errors.length], ["waterAmount", "percent", 1]);
-  assert.match(fractionsOf("0,9"), /"0" is no vapour fraction/);
+  assert.deepEqual(fractionsOf("0,9; 0.5,0,25"), [0.9, 0.5, 0.25]);
+  assert.match(gasOf("a=methane:1,000;ethane:1").rowErrors[0], /may be 1.000 or 1000/);
 });
 
 test("tables as spreadsheets copy them", () => {
@@ -87,9 +89,53 @@ test("tables as spreadsheets copy them", () => {
     rows("Component;Formula;mol%\nMethane;CH4;85,12\nEthane;C2H6;14,88\nTotal;;100"),
     "methane=0.8512 ethane=0.1488",
   );
-  assert.equal(rows("Component\twt%\nMethane\t50\nEthane\t50"), "methane=0.652094163061 ethane=0.347905836939");
+  assert.equal(rows("Component\twt%\nMethane\t50\nEthane\t50"), "Methane=50 Ethane=50");
   assert.equal(rows("methane=0.9,ethane=0.1"), "methane=0.9 ethane=0.1");
   assert.throws(() => rows("Component\tmol%\nMethane\t85\nEthan\t15"), /line 3: unknown component "Ethan"/);
+});
+
+test("plus fractions have the moles of all their pieces, whatever their names", () => {
+  const { shares } = gasOf(
+    "a=methane:80;c7%2B:10;C7%2B x:10&afraction=C7%2B:M=120,SG=0.75,pieces=2;C7%2B x:M=220,SG=0.8,pieces=2".replaceAll(" ", "+"),
+  );
+  assert.deepEqual(shares.map((v) => Math.round(1e9 * v)), [8e8, 1e8, 1e8]);
+});
+
+test("a pasted table keeps the basis and the descriptions of the gas, a mixture file brings its own", () => {
+  const C7 = { kind: "fraction", name: "C7+", words: "M=120, SG=0.75" };
+  const other = { kind: "fraction", name: "C20+", words: "M=400, SG=0.9" };
+  const gas = { basis: "mass", rows: [], definitions: [C7, other] };
+  const plain = tableOf(kestrune, "methane\t80,125\nc7+\t19,875", gas);
+  assert.deepEqual(plain.rows.map((r) => `${r.name}=${r.amount}`), ["methane=80.125", "c7+=19.875"]);
+  assert.deepEqual([plain.basis, plain.definitions], ["mass", [C7]]);
+  assert.match(plain.notes.join(" "), /C7\+ was kept.*C20\+|C20\+ was dropped.*C7\+ was kept/);
+  const moles = tableOf(kestrune, "Component\tmol%\nmethane\t80\nC7+\t20", gas);
+  assert.deepEqual([moles.basis, moles.notes[0]], ["mole", "Amounts are moles now, as the table says."]);
+  for (const text of [
+    "[mixture]\nmethane 80\nC7+ 20\n[fraction C7+]\nM = 120\nSG = 0.75\n",
+    "[fraction C7+]\nM=120\nSG=0.75\n[mixture]\nmethane;80\nC7+;20",
+    '{"components": {"methane": 80, "C7+": 20}, "fractions": {"C7+": {"M": 120, "SG": 0.75}}}',
+  ]) {
+    const { rows, definitions } = tableOf(kestrune, text);
+    assert.deepEqual([rows.map((r) => r.name), definitions], [["methane", "C7+"], [C7]], text);
+  }
+  const lists = '{"components": {"methane": 1, "x": 1}, "fractions": {"x": {"M": 120, "SG": [0.75]}}}';
+  assert.throws(() => tableOf(kestrune, lists), /description of x has lists or objects/);
+  assert.equal(tableOf(kestrune, "methane=0.8,C7+=0.2", gas).rows[1].name, "C7+");
+});
+
+test("a cut has points on both sides of its corners, and no boiling point in a dense phase", () => {
+  const cut = parts("a=methane:85;ethane:10;propane:5&T=-20&P=40&cut=P").cut.at(-1);
+  const kind = (beta) => (beta > 0 && beta < 1 ? "two" : beta);
+  const corners = [...cut.x.keys()].slice(1).filter((k) => kind(cut.beta[k]) !== kind(cut.beta[k - 1]));
+  const range = cut.x.at(-1) - cut.x[0];
+  assert.equal(corners.length, 2);
+  for (const k of corners) assert.ok(cut.x[k] - cut.x[k - 1] < 1e-6 * range, String(cut.x[k] - cut.x[k - 1]));
+  assert.equal(cut.gaps.length, 0);
+  assert.equal(parts("a=methane:85;ethane:10;propane:5&T=0&P=40&cut=T&top=200").cut.at(-1).gaps.length, 1);
+  assert.equal(parts("a=propane:1&T=20&P=5&cut=T").cut.at(-1).gaps.length, 0);
+  assert.equal(parts("a=methane:50;H2S:50").envelope[0].curves[0].critical.length, 1);
+  assert.match(parts("a=CO2:50;water:50").envelope[0].errors.join(), /no stable critical point/);
 });
 
 test("a thousand states of anything end in parts and words", () => {

@@ -57,7 +57,7 @@ test("a gas is typed with the keyboard, and has the library's extremes", async (
   }
   const { cricondentherm, cricondenbar, critical } = kestrune
     .mixture(GAS, { units: "engineering" })
-    .envelope({ points: 240 });
+    .envelope({ points: 600 });
   const wanted = [
     ["Critical point", critical[0]],
     ["Cricondentherm", cricondentherm],
@@ -230,6 +230,18 @@ test("what is wrong stands beside its field, and the old picture stays", async (
   await page.close();
 });
 
+test("a second gas that cannot be calculated is named, whichever is chosen", async () => {
+  const page = await open("a=methane:85;ethane:15&b=methane:70;propane:30&T=-60&P=40&chosen=b");
+  await type(page, "Component 2", "foo");
+  await press(page, "Gas A");
+  await type(page, "Temperature, \u00b0C", "-40");
+  assert.match(await text(page, "#stale"), /^Gas B cannot be calculated: unknown component "foo"/);
+  const summary = await text(page, ".summary");
+  assert.ok(/^A: At -40 .*Gas B cannot be calculated/.test(summary) && !summary.includes("-60"), summary);
+  assert.match(await text(page, "#envelope"), /B: Dew curve \(old\)/);
+  await page.close();
+});
+
 test("plus fraction, second gas, water: each step can be undone", async () => {
   const page = await open(`${RICH}&T=20&P=40`);
   const seen = [];
@@ -273,14 +285,14 @@ test("exports: every curve to the last digit, pictures that stand for themselves
   const rows = csvRows(await download(page, "Export CSV", "kestrune.csv"));
   assert.deepEqual(rows[0], ["gas", "curve", "kind", "temperature_C", "pressure_bar"]);
   const column = (kind, k) => rows.filter((row) => row[2] === kind).map((row) => Number(row[k]));
-  const { lines } = gas.envelope({ points: 240 }).curve;
+  const { lines } = gas.envelope({ points: 600 }).curve;
   for (const kind of ["dew", "bubble"]) {
     const own = lines.filter((line) => line.kind === kind);
     assert.deepEqual([column(kind, 3), column(kind, 4)], [own.flatMap((l) => [...l.T]), own.flatMap((l) => [...l.P])]);
   }
   assert.deepEqual(column("quality", 3), [
     ...gas
-      .envelope({ quality: 0.9, points: 240 })
+      .envelope({ quality: 0.9, points: 600 })
       .quality.get(0.9)
       .lines.flatMap((l) => [...l.T]),
   ]);
@@ -298,7 +310,7 @@ test("exports: every curve to the last digit, pictures that stand for themselves
   assert.deepEqual(shapes, [0, await page.$$eval(".view .curve", (curves) => curves.length), true]);
   const png = await download(page, "Export PNG", "kestrune.png");
   assert.deepEqual([...png.subarray(1, 4)].map((c) => String.fromCharCode(c)).join(""), "PNG");
-  assert.deepEqual([png.readUInt32BE(16), png.readUInt32BE(20)], [1920, 2 * (680 + 3 * 380)]);
+  assert.deepEqual([png.readUInt32BE(16), png.readUInt32BE(20)], [1920, 2 * (14 + 18 * 3 + 680 + 3 * 380)]);
   await page.close();
 });
 

@@ -46,8 +46,8 @@ test("a state comes back from its address", () => {
 });
 
 test("nonsense in the address is named and left out", () => {
-  const { state, strange } = stateOf("#a=methane:1&units=C,bar&set=7&zero=maybe&method=&cut=H&hydrate&x=1&T=30");
-  assert.deepEqual(strange, ["units=C,bar", "set=7", "zero=maybe", "hydrate=", "method=", "cut=H", "x"]);
+  const { state, strange } = stateOf("#a=methane:1&units=C,bar&set=7&zero=maybe&method=&cut=H&hydrate&x=1&T=30&abasis=volume&chosen=c");
+  assert.deepEqual(strange, ["units=C,bar", "set=7", "zero=maybe", "hydrate=", "method=", "cut=H", "abasis=volume", "chosen=c", "x"]);
   assert.deepEqual([state.units, state.T, state.gases[0].rows.length], ["engineering", "30", 1]);
   for (const text of [
     "%",
@@ -81,6 +81,8 @@ test("numbers as they are typed", () => {
     ["1e999", NaN],
     ["1e31", NaN],
     ["1,2,3", NaN],
+    ["1,000", NaN],
+    ["0,125", 0.125],
     ["Infinity", NaN],
     ["12 bar", NaN],
   ];

@@ -13,7 +13,7 @@ const QUANTITIES = [
   ...["temperature", "pressure", "enthalpy", "entropy", "density", "molar volume", "speed", "viscosity"],
   ...["thermal conductivity", "Joule-Thomson coefficient", "compressibility"],
 ];
-const CURVE_POINTS = 240;
+const CURVE_POINTS = 600;
 const REMEMBERED = 40;
 
 /** The module and what it has calculated before, by what it was calculated from. */
@@ -41,13 +41,25 @@ export class Session {
   }
 }
 
+/** Points without those that were found twice. */
+const apart = (places: p.Place[]) => {
+  const near = (a: number, b: number) => Math.abs(a - b) <= 1e-6 * Math.max(1, Math.abs(a));
+  return places.filter((place, k) => !places.slice(0, k).some((o) => near(o.T, place.T) && near(o.P, place.P)));
+};
+
 function curveData(kestrune: Kestrune, curve: Curve): p.CurveData {
   const { fraction, lines, status, complete, cricondentherm, cricondenbar, critical } = curve;
   const text = status === 0 ? "" : kestrune.statusText(status);
-  return { fraction, lines, status, text, complete, cricondentherm, cricondenbar, critical };
+  return { fraction, lines, status, text, complete, cricondentherm, cricondenbar, critical: apart(critical) };
 }
 
 const pureOf = (mixture: Mixture) => mixture.z.filter((v) => v > 0).length === 1;
+
+/** Why a curve has no critical point. */
+function noCritical(kestrune: Kestrune, mixture: Mixture, { critical }: p.CurveData): string[] {
+  const found = critical.length > 0 || pureOf(mixture) ? "" : answerOf(kestrune, () => mixture.critical());
+  return typeof found === "string" && found !== "" ? [found] : [];
+}
 
 function outlineOf(kestrune: Kestrune, mixture: Mixture, gas: number): p.EnvelopePart {
   const found = answerOf(kestrune, () => curveData(kestrune, mixture.envelope({ points: CURVE_POINTS }).curve));
@@ -56,12 +68,14 @@ function outlineOf(kestrune: Kestrune, mixture: Mixture, gas: number): p.Envelop
   const errors = water && !part.pure ? [texts.waterInCurve] : [];
   return typeof found === "string"
     ? { ...part, curves: [], errors: [found, ...errors] }
-    : { ...part, curves: [found], errors };
+    : { ...part, curves: [found], errors: [...errors, ...noCritical(kestrune, mixture, found)] };
 }
 
-/** Vapour fractions of "0.9, 0.5"; a message for anything else. */
+/** Vapour fractions of "0.9, 0.5" or "0,9; 0,5"; a message for anything else. */
 export function fractionsOf(text: string): number[] | string {
-  const words = text.split(/[\s,;]+/).filter((word) => word !== "");
+  const words = text
+    .replace(/(^|[\s;,])0,(?=\d)/g, "$10.")
+    .split(/[\s,;]+/).filter((word) => word !== "");
   const wrong = words.find((word) => !(numberOf(word) > 0 && numberOf(word) < 1));
   if (wrong !== undefined) return texts.noFraction(wrong);
   if (words.length > 9) return texts.manyFractions;

@@ -21,6 +21,7 @@ export interface ChartMark {
   label: string;
   colour: string;
   shape: "disc" | "square" | "triangle" | "point";
+  hollow?: boolean;
   x: number;
   y: number;
 }
@@ -41,7 +42,7 @@ export interface Frame {
   y: ScaleLinear<number, number>;
 }
 
-const FONT = "system-ui, 'Segoe UI', 'DejaVu Sans', sans-serif";
+export const FONT = "system-ui, 'Segoe UI', 'DejaVu Sans', sans-serif";
 const LETTER = 6.6; // width of one at 12 px
 const ROW = 19;
 const LEFT = 64;
@@ -77,8 +78,9 @@ function rowsOf(spec: ChartSpec, width: number): (ChartLine | ChartMark)[][] {
 
 function drawMark(path: Selection<SVGPathElement, unknown, null, undefined>, mark: ChartMark, palette: Palette): void {
   const open = mark.shape === "point";
-  path.attr("d", SHAPES[mark.shape]).attr("fill", open ? "none" : mark.colour);
-  path.attr("stroke", open ? mark.colour : palette.paper).attr("stroke-width", open ? 1.8 : 1.2);
+  path.attr("d", SHAPES[mark.shape]).attr("fill", open ? "none" : mark.hollow ? palette.paper : mark.colour);
+  const edge = open || mark.hollow;
+  path.attr("stroke", edge ? mark.colour : palette.paper).attr("stroke-width", edge ? 1.8 : 1.2);
 }
 
 function drawLegend(root: Group, rows: (ChartLine | ChartMark)[][], top: number, palette: Palette): void {
@@ -99,10 +101,18 @@ function drawLegend(root: Group, rows: (ChartLine | ChartMark)[][], top: number,
   });
 }
 
+/** About as many round values as asked for, and at least three. */
+function ticksOf(scale: ScaleLinear<number, number>, wanted: number): number[] {
+  let count = Math.max(3, Math.round(wanted));
+  while (scale.ticks(count).length < 3 && count < 12) ++count;
+  return scale.ticks(count);
+}
+
 function drawAxes(root: Group, spec: ChartSpec, frame: Frame, palette: Palette): void {
   const [left, right] = frame.x.range();
   const [bottom, top] = frame.y.range();
-  const ticks = [Math.max(3, Math.round((right - left) / 65)), Math.max(3, Math.round((bottom - top) / 55))];
+  const ticks = [ticksOf(frame.x, (right - left) / 65), ticksOf(frame.y, (bottom - top) / 55)];
+  const written = (value: { valueOf(): number }) => String(Number(value.valueOf().toPrecision(12))).replace("-", "\u2212");
   const place = (axis: Group) => {
     axis.attr("font-size", 12).attr("font-family", FONT);
     axis.selectAll("text").attr("fill", palette.faint);
@@ -113,7 +123,8 @@ function drawAxes(root: Group, spec: ChartSpec, frame: Frame, palette: Palette):
   below
     .call(
       axisBottom(frame.x)
-        .ticks(ticks[0])
+        .tickValues(ticks[0])
+        .tickFormat(written)
         .tickSize(top - bottom)
         .tickPadding(8),
     )
@@ -122,7 +133,8 @@ function drawAxes(root: Group, spec: ChartSpec, frame: Frame, palette: Palette):
   beside
     .call(
       axisLeft(frame.y)
-        .ticks(ticks[1])
+        .tickValues(ticks[1])
+        .tickFormat(written)
         .tickSize(left - right)
         .tickPadding(8),
     )
@@ -138,7 +150,7 @@ function drawAxes(root: Group, spec: ChartSpec, frame: Frame, palette: Palette):
 /** Draws all but the operating point into the picture, in place of what was there. */
 export function drawChart(svg: SVGSVGElement, spec: ChartSpec, size: Size, palette: Palette): Frame {
   const rows = rowsOf(spec, size.width - 20);
-  const bottom = size.height - 48 - ROW * rows.length;
+  const bottom = size.height - 56 - ROW * rows.length;
   const frame: Frame = {
     x: scaleLinear(spec.x.range, [LEFT, size.width - RIGHT]),
     y: scaleLinear(spec.y.range, [bottom, TOP]),

@@ -50,7 +50,7 @@ export class Commands {
     try {
       if (kind === "csv") this.#saveCsv(name);
       else {
-        const text = svgOf(picturesOf(this.known, this.store.state, LIGHT));
+        const text = svgOf(picturesOf(this.known, this.store.state, LIGHT), this.store.state);
         save(name, kind === "svg" ? new Blob([text], { type: "image/svg+xml" }) : await pngOf(text));
       }
       this.tell(texts.exported(name));

@@ -42,11 +42,12 @@ export class Composition {
     if (text.trim() === "") return this.tell(texts.pasteEmpty);
     const asked = this.store.state;
     const { read, error } = await this.link
-      .ask({ kind: "read", text }, "read")
+      .ask({ kind: "read", text, gas: this.store.gas }, "read")
       .catch((e: Error) => ({ read: null, error: e.message }));
     if (read === null) return this.tell(texts.pasteFailed(error));
     if (this.store.state !== asked) return this.tell(texts.pasteLate);
-    this.store.changeGas({ rows: read.rows, basis: read.basis, definitions: [] }, "");
+    const { rows, basis, definitions } = read;
+    this.store.changeGas({ rows, basis, definitions }, "");
     this.tell([texts.pasteTaken(read.rows.length), ...read.notes].join(" "));
   }
 
@@ -88,7 +89,12 @@ export class Composition {
     this.#table.show(part);
     this.#definitions.show(part);
     say(this.#whole, part.error);
-    say(this.#stale, part.ok || known.of("envelope", part.gas) === undefined ? "" : texts.stale);
+    const broken = known.all("gas").filter((g) => !g.ok && g.gas < this.store.state.gases.length);
+    const said = broken.map(({ gas }) => {
+      const old = known.of("envelope", gas) === undefined ? "" : texts.stale;
+      return gas === part.gas ? old : `${texts.cannot(gas, known.whyNot(gas))} ${old}`;
+    });
+    say(this.#stale, said.join(" ").trim());
     const off = part.notes.some((text) => text.includes("normalised"));
     const sum = `${texts.sum(shown(part.sum), off)}; ${texts.molarMass(shown(part.molarMass))}`;
     say(this.#sum, part.sum === null ? "" : sum);

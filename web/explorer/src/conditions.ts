@@ -100,7 +100,9 @@ export class Conditions {
     for (const field of [f.inhibitor, f.percent]) field.box.hidden = !state.hydrate;
     for (const field of [f.waterAmount, f.method]) field.box.hidden = !state.water;
     f.percent.box.hidden ||= state.inhibitor === "";
-    f.top.wrong(state.top.trim() === "" || numberOf(state.top) > 0 ? "" : texts.noTop(state.top));
+    const top = numberOf(state.top);
+    const below = top < numberOf(state.P) ? texts.topBelow : "";
+    f.top.wrong(state.top.trim() === "" || top > 0 ? below : texts.noTop(state.top));
   }
 
   /** What the parts say of the fields. */

@@ -3,7 +3,7 @@ import { rangeOf, type ChartSpec } from "./chart.ts";
 import type { Known } from "./known.ts";
 import { unitSymbol, withUnit } from "./numbers.ts";
 import type { Palette } from "./palette.ts";
-import type { Numbers } from "./protocol.ts";
+import type { CutPart, Numbers } from "./protocol.ts";
 import { texts } from "./texts.ts";
 
 export const CUT_COLUMNS = [
@@ -11,6 +11,14 @@ export const CUT_COLUMNS = [
   { key: "density", title: texts.density, quantity: "density" },
   { key: "enthalpy", title: texts.enthalpy, quantity: "enthalpy" },
 ] as const;
+
+/** The line of vapour fractions without what would look like boiling where a single phase is dense. */
+function broken({ x, beta, gaps }: CutPart): { x: Numbers; y: Numbers } {
+  const points = Array.from(x, (at, k) => ({ at, value: beta[k] }));
+  points.push(...gaps.map((at) => ({ at, value: NaN })));
+  points.sort((a, b) => a.at - b.at);
+  return { x: points.map((point) => point.at), y: points.map((point) => point.value) };
+}
 
 /** The three pictures; none without a cut. */
 export function cutPictures(known: Known, palette: Palette): ChartSpec[] {
@@ -39,7 +47,7 @@ export function cutPictures(known: Known, palette: Palette): ChartSpec[] {
       y: { title: yTitle, range: key === "beta" ? [-0.02, 1.02] : rangeOf(cuts.flatMap((c) => values(c[key]))) },
       lines: cuts.map((c) => ({
         ...{ label: known.gases > 1 ? texts.gasName(c.gas) : "", colour: palette.bubble[c.gas], width: 2.2 },
-        ...{ dash: c.gas > 0 ? "8 5" : "", x: c.x, y: c[key] },
+        ...{ dash: c.gas > 0 ? "8 5" : "", ...(key === "beta" ? broken(c) : { x: c.x, y: c[key] }) },
       })),
       marks: [],
       legend: known.gases > 1,

@@ -1,27 +1,64 @@
 // Pictures and tables as files.
-import { drawChart, type ChartSpec, type Size } from "./chart.ts";
+import { drawChart, FONT, type ChartSpec, type Size } from "./chart.ts";
 import { CUT_COLUMNS } from "./cuts.ts";
 import type { Known } from "./known.ts";
 import { heading } from "./numbers.ts";
 import { LIGHT } from "./palette.ts";
 import { curvesOf, placesOf } from "./picture.ts";
+import type { Gas, State } from "./state.ts";
+import { texts } from "./texts.ts";
 
 const SIZE: Size = { width: 960, height: 680 };
 const CUT: Size = { width: 960, height: 380 };
 const FINE = 2; // pixels of PNG for one of the picture
 
-/** Pictures one below the other, on white. */
-export function svgOf(specs: ChartSpec[]): string {
+const LINE = 18; // of the heading
+const WIDEST = 135; // letters of one
+
+/** Words in lines that fit. */
+function wrapped(text: string): string[] {
+  const lines = [""];
+  for (const word of text.split(" ")) {
+    if (lines.at(-1)! !== "" && lines.at(-1)!.length + word.length >= WIDEST) lines.push("");
+    lines.push(`${lines.pop()} ${word}`.trim());
+  }
+  return lines;
+}
+
+/** What a picture is of: its gases, the model, and what dotted lines mean. */
+function headingOf(title: string, state: State): string[] {
+  const gas = ({ basis, rows }: Gas, k: number) => {
+    const given = rows.filter((r) => r.name.trim() !== "" && r.amount.trim() !== "");
+    const list = `${texts.bases[basis]}: ${given.map((r) => `${r.name.trim()} ${r.amount.trim()}`).join(", ")}`;
+    return wrapped(state.gases.length > 1 ? texts.ofGas(k, list) : list);
+  };
+  const model = [texts.headingModel(texts.sets[state.set]), ...(state.zero ? [texts.zero] : [])].join(", ");
+  const dotted = state.hydrate || state.water ? `; ${texts.headingDotted}` : "";
+  return [title, ...state.gases.flatMap(gas), ...wrapped(model + dotted)];
+}
+
+const escaped = (text: string) =>
+  text.replace(/[&<>]/g, (c) => `&#${c.charCodeAt(0)};`).replace(/[\0-\x08\x0b-\x1f\ufffe\uffff]|\p{Surrogate}/gu, "\ufffd");
+
+/** Pictures one below the other, on white, with a heading. */
+export function svgOf(specs: ChartSpec[], state: State): string {
+  const lines = headingOf(specs[0].title, state);
+  const head = 14 + LINE * lines.length;
+  const heading = lines.map(
+    (text, k) =>
+      `<text x="16" y="${22 + LINE * k}" font-size="${k === 0 ? 15 : 12}" font-family="${FONT}" fill="${LIGHT.ink}">${escaped(text)}</text>`,
+  );
   const heights = specs.map((_, k) => (k === 0 ? SIZE : CUT).height);
   const parts = specs.map((spec, k) => {
     const svg = document.createElementNS("http://www.w3.org/2000/svg", "svg");
     svg.id = `picture-${k}`;
     drawChart(svg, spec, k === 0 ? SIZE : CUT, LIGHT);
-    svg.setAttribute("y", String(heights.slice(0, k).reduce((a, b) => a + b, 0)));
+    svg.setAttribute("y", String(heights.slice(0, k).reduce((a, b) => a + b, head)));
     return new XMLSerializer().serializeToString(svg);
   });
-  const height = heights.reduce((a, b) => a + b, 0);
-  return `<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 ${SIZE.width} ${height}" width="${SIZE.width}" height="${height}">${parts.join("\n")}</svg>\n`;
+  const height = heights.reduce((a, b) => a + b, head);
+  const paper = `<rect width="${SIZE.width}" height="${head}" fill="${LIGHT.paper}"/>`;
+  return `<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 ${SIZE.width} ${height}" width="${SIZE.width}" height="${height}">${paper}${heading.join("\n")}${parts.join("\n")}</svg>\n`;
 }
 
 export async function pngOf(svg: string): Promise<Blob> {

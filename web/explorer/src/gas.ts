@@ -1,7 +1,7 @@
 // A mixture of what was typed, and which row is wrong where there is none.
 import type { Kestrune, Mixture } from "kestrune";
-import type { GasPart, Read } from "./protocol.ts";
-import { MOST_ROWS, numberOf, type Gas, type State } from "./state.ts";
+import type { GasPart } from "./protocol.ts";
+import { numberOf, type Definition, type Gas, type State } from "./state.ts";
 import { texts } from "./texts.ts";
 
 export interface Made {
@@ -38,7 +38,7 @@ function canonicalName(kestrune: Kestrune, name: string): string | Error {
 }
 
 const isShare = (text: string) => text.trim().endsWith("%");
-const amountOf = (text: string) => numberOf(text.trim().replace(/%$/, ""));
+export const amountOf = (text: string) => numberOf(text.trim().replace(/%$/, ""));
 
 /** The amount as the library reads it: with a decimal point. */
 const passed = (text: string) => (Number.isNaN(amountOf(text)) ? text : amountOf(text) + (isShare(text) ? "%" : ""));
@@ -62,7 +62,7 @@ export function definitionOf(words: string): Record<string, string> {
 }
 
 /** The JSON object of a mixture file. */
-function fileOf(gas: Gas) {
+export function fileOf(gas: Gas) {
   const own = (kind: string) =>
     Object.fromEntries(
       gas.definitions
@@ -88,6 +88,7 @@ function rowErrors(kestrune: Kestrune, gas: Gas): string[] {
     seen.add(found);
     const value = amountOf(amount);
     if (Number.isNaN(value)) return texts.noAmount(amount);
+    if (value !== 0 && Math.abs(value) < 1e-300) return texts.tiny(amount);
     return value < 0 ? texts.negative(amount) : "";
   });
 }
@@ -107,16 +108,26 @@ function definitionErrors(gas: Gas, message: string): string[] {
   });
 }
 
+/** What of the mixture belongs to each component given: one of its components, or the pieces of a plus fraction, "C7+ 1" on. */
+export function lumpsOf(definitions: Definition[], names: readonly string[]): { name: string; first: number; end: number }[] {
+  const fractions = definitions.filter((d) => d.kind === "fraction").map((d) => d.name.trim());
+  const lumps: { name: string; first: number; end: number }[] = [];
+  for (let first = 0; first < names.length; first = lumps.at(-1)!.end) {
+    const whole = fractions.find((name) => names[first].toLowerCase() === `${name} 1`.toLowerCase());
+    let end = first + 1;
+    while (whole !== undefined && names[end]?.toLowerCase() === `${whole} ${end - first + 1}`.toLowerCase()) ++end;
+    lumps.push({ name: whole ?? names[first], first, end });
+  }
+  return lumps;
+}
+
 /** Mole fractions of the rows; a plus fraction has those of its pieces together. */
 function sharesOf(gas: Gas, mixture: Mixture): (number | null)[] {
-  let at = 0;
+  const lumps = lumpsOf(gas.definitions, mixture.names).values();
   return gas.rows.map(({ name, amount }) => {
     if (name.trim() === "" || amount.trim() === "") return null;
-    const pieces = gas.definitions.some((d) => d.kind === "fraction" && d.name.trim() === name.trim());
-    let share = 0;
-    do share += mixture.z[at] ?? NaN;
-    while (++at < mixture.names.length && pieces && mixture.names[at].startsWith(`${name.trim()} `));
-    return share;
+    const lump = lumps.next().value;
+    return lump === undefined ? null : mixture.z.slice(lump.first, lump.end).reduce((a, b) => a + b, 0);
   });
 }
 
@@ -158,24 +169,4 @@ export function withoutWater<V>(kestrune: Kestrune, state: State, index: number,
   } finally {
     dry.dispose();
   }
-}
-
-/** A table that was pasted, read as the command line reads a file; amounts as they stand where they are plain. */
-export function tableOf(kestrune: Kestrune, text: string): Read {
-  const mixture = kestrune.mixture(`${text.replace(/\r\n?/g, "\n").trim()}\n`.replace(/^([^\n]*=[^\n]*)\n$/, "$1"), {
-    allowMissingPairs: true,
-  });
-  if (mixture.names.length > MOST_ROWS) throw new RangeError(texts.manyRows(mixture.names.length, MOST_ROWS));
-  const cells = text.split(/\r\n?|\n/).map((line) => line.split(/[\t;]/).map((cell) => cell.trim()));
-  const typed = cells.filter((row) => row.length === 2 && !Number.isNaN(amountOf(row[1])));
-  const sum = typed.reduce((total, row) => total + amountOf(row[1]), 0);
-  const same =
-    typed.length === mixture.names.length &&
-    typed.every((row, k) => Math.abs(amountOf(row[1]) / sum - mixture.z[k]) < 1e-9);
-  const rows = mixture.names.map((name, k) =>
-    same ? { name: typed[k][0], amount: typed[k][1] } : { name, amount: String(Number(mixture.z[k].toPrecision(12))) },
-  );
-  const read: Read = { rows, basis: "mole", notes: [...mixture.notes] };
-  mixture.dispose();
-  return read;
 }

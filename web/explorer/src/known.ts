@@ -1,5 +1,6 @@
 // What is known of the state: the parts that the worker has sent.
 import type { Part, Parts } from "./protocol.ts";
+import { texts } from "./texts.ts";
 
 export class Known {
   /** By kind and gas; a part stays until the next one of its kind, or until a job is done that did not send it. */
@@ -24,12 +25,25 @@ export class Known {
     this.#sent.add(key);
   }
 
-  /** Ends a job: what it did not send is no more, but for the pictures of a gas that cannot be calculated now. */
+  /** Why a gas cannot be calculated; empty for one that can. */
+  whyNot(gas: number): string {
+    const part = this.of("gas", gas);
+    if (part === undefined || part.ok) return "";
+    return [part.error, ...part.rowErrors, ...part.definitionErrors].find((text) => text !== "") ?? "";
+  }
+  /** The name of a curve or a table, where there are two gases with its own, and that it is old where that is none now. */
+  named(gas: number, text: string): string {
+    if (this.gases === 1) return text; // beside the composition it says so
+    return texts.ofGas(gas, this.whyNot(gas) === "" ? text : texts.old(text));
+  }
+
+  /** Ends a job: what it did not send is no more, but for the curves of a gas that cannot be calculated now. */
   finish(gases: number): void {
     this.gases = gases;
     for (const [key, part] of this.parts) {
       const gas = this.of("gas", part.gas);
-      const stale = part.gas < gases && gas !== undefined && !gas.ok;
+      const stays = part.part !== "point" && part.part !== "cut"; // they belong to a point that may have moved
+      const stale = part.gas < gases && gas !== undefined && !gas.ok && stays;
       if (!this.#sent.has(key) && !stale) this.parts.delete(key);
     }
     this.#sent.clear();

@@ -51,7 +51,7 @@ export function hydrateOf(
   state: State,
   highest: number,
 ): p.LinePart {
-  const none: p.LinePart = { part: "hydrate", gas, T: [], P: [], good: [], error: "", field: "", notes: [] };
+  const none: p.LinePart = { part: "hydrate", gas, T: [], P: [], good: [], error: "", field: "", given: "", notes: [] };
   const inhibitor = state.inhibitor.trim();
   const percent = numberOf(state.percent);
   if (inhibitor !== "" && !(percent >= 0 && percent <= 70))
@@ -71,7 +71,8 @@ export function hydrateOf(
     return { ...line, good, notes: [...line.notes, ...warnings, range] };
   });
   if (typeof found === "string") return { ...none, error: found, field: inhibitor === "" ? "" : "inhibitor" };
-  return { ...none, ...found, error: found.T.length === 0 ? texts.noLine : "" };
+  const given = inhibitor === "" ? "" : `${inhibitor} ${percent} %`;
+  return { ...none, ...found, given, error: found.T.length === 0 ? texts.noLine : "" };
 }
 
 /** Whether the gas without its water is one gas at each point: the methods take it for one. */
@@ -87,7 +88,7 @@ const singleGas = (dry: Mixture, { T, P }: Line): boolean[] =>
   });
 
 export function waterOf(kestrune: Kestrune, mixture: Mixture, gas: number, state: State, highest: number): p.LinePart {
-  const none: p.LinePart = { part: "water", gas, T: [], P: [], good: [], error: "", field: "", notes: [] };
+  const none: p.LinePart = { part: "water", gas, T: [], P: [], good: [], error: "", field: "", given: "", notes: [] };
   const typed = state.waterAmount.trim();
   const water = numberOf(typed) / 1e6;
   if (typed !== "" && !(water > 0 && water < 1)) return { ...none, error: texts.noPpm, field: "waterAmount" };
@@ -102,5 +103,6 @@ export function waterOf(kestrune: Kestrune, mixture: Mixture, gas: number, state
     return { ...line, good, notes: wrong > 0 ? [...line.notes, texts.noGas(wrong, good.length)] : line.notes };
   });
   if (typeof found === "string") return { ...none, error: found };
-  return { ...none, ...found, error: found.T.length === 0 ? texts.noLine : "" };
+  const label = typed === "" ? "" : `${numberOf(typed)} ppm`;
+  return { ...none, ...found, given: label, error: found.T.length === 0 ? texts.noLine : "" };
 }

@@ -48,7 +48,7 @@ function rest(text: string): void {
 
 function take(part: Part): void {
   known.take(part);
-  if (part.part === "gas" && part.gas === store.state.chosen) composition.show(known);
+  if (part.part === "gas") composition.show(known);
   soon();
 }
 

@@ -23,3 +23,6 @@ export const heading = (quantity: string, unit: string): string =>
     .trim()
     .replace(/[^A-Za-z0-9]+/g, "_")
     .replace(/_$/, "");
+
+/** Whether the comma of "1,000" may part decimals or thousands. */
+export const isUnclear = (text: string): boolean => /^[-+\u2212]?[1-9]\d{0,2},\d{3}(e[-+]?\d+)?%?$/i.test(text.trim());

@@ -6,8 +6,10 @@ import type { CurveData, EnvelopePart, LinePart, Numbers, Place } from "./protoc
 import type { Known } from "./known.ts";
 import { texts } from "./texts.ts";
 
-/** Before the names of gases where there are two. */
-const named = (known: Known, gas: number, text: string) => (known.gases > 1 ? texts.ofGas(gas, text) : text);
+const named = (known: Known, gas: number, text: string) => known.named(gas, text);
+
+/** What the dashes of the second gas have besides its colour. */
+const ofSecond = (gas: number) => (gas > 0 ? " 1 3" : "");
 
 /** Style of a stretch beside which another phase splits off. */
 const notStable = (known: Known, part: EnvelopePart, palette: Palette) => ({
@@ -40,7 +42,7 @@ function qualityLines(known: Known, part: EnvelopePart, palette: Palette): Chart
     curve.lines.map(({ kind, T: x, P: y }) => {
       if (kind !== "quality") return { ...notStable(known, part, palette), x, y };
       const label = named(known, part.gas, texts.qualityLine(curve.fraction));
-      return { label, dash: dashes[k % dashes.length], colour: palette.quality[part.gas], width: 1.6, x, y };
+      return { label, dash: dashes[k % dashes.length] + ofSecond(part.gas), colour: palette.quality[part.gas], width: 1.6, x, y };
     }),
   );
 }
@@ -61,9 +63,10 @@ function stretches(part: LinePart): { inside: boolean; x: Numbers; y: Numbers }[
 }
 
 function boundaryLines(known: Known, part: LinePart, palette: Palette): ChartLine[] {
-  const label = named(known, part.gas, part.part === "hydrate" ? texts.hydrate : texts.water);
+  const name = part.part === "hydrate" ? texts.hydrate : texts.water;
+  const label = named(known, part.gas, part.given === "" ? name : `${name} (${part.given})`);
   const colour = palette[part.part][part.gas];
-  const dash = part.part === "hydrate" ? "14 3 3 3" : "5 2";
+  const dash = (part.part === "hydrate" ? "14 3 3 3" : "5 2") + ofSecond(part.gas);
   const anyGood = part.good.includes(true); // else the dotted line has the name
   return stretches(part).map(({ inside, x, y }) => ({
     ...{ label: inside || !anyGood ? label : "", colour, width: inside ? 2 : 1.4 },
@@ -102,6 +105,7 @@ function marksOf(known: Known, part: EnvelopePart, palette: Palette): ChartMark[
       label: named(known, part.gas, `${name} ${where}`),
       colour,
       shape: shapes[name] ?? "disc",
+      hollow: part.gas > 0,
       x: place.T,
       y: place.P,
     };
@@ -152,14 +156,15 @@ export function pictureOf(known: Known, point: Place | null, chosenTop: number, 
 
 /** Every curve with its name, for tables of all numbers. */
 export function curvesOf(known: Known): { gas: number; name: string; kind: string; T: Numbers; P: Numbers }[] {
+  const old = (gas: number, name: string) => (known.whyNot(gas) === "" ? name : texts.old(name));
   const ofCurve = (part: EnvelopePart, curve: CurveData) => {
     const name =
       part.part === "quality" ? texts.qualityLine(curve.fraction) : part.pure ? texts.vapourPressure : texts.outline;
-    return curve.lines.map(({ kind, T, P }) => ({ gas: part.gas, name, kind, T, P }));
+    return curve.lines.map(({ kind, T, P }) => ({ gas: part.gas, name: old(part.gas, name), kind, T, P }));
   };
   const ofLine = ({ part, gas, T, P }: LinePart) => ({
     gas,
-    name: part === "hydrate" ? texts.hydrate : texts.water,
+    name: old(gas, part === "hydrate" ? texts.hydrate : texts.water),
     kind: part,
     T,
     P,

@@ -1,6 +1,6 @@
 // What the page and its worker say to each other. Plain data; numbers in the units of the state.
 import type { PhaseReport } from "kestrune";
-import type { State } from "./state.ts";
+import type { Definition, Gas, State } from "./state.ts";
 
 export type Numbers = Float64Array | number[];
 export interface Place {
@@ -69,6 +69,8 @@ export interface LinePart {
   good: boolean[];
   /** Which field the error is about. */
   field: "" | "inhibitor" | "percent" | "waterAmount";
+  /** "MEG 20 %", "60 ppm"; empty for none. */
+  given: string;
   notes: string[];
 }
 export interface CutPart {
@@ -82,6 +84,8 @@ export interface CutPart {
   density: Numbers;
   enthalpy: Numbers;
   missing: number;
+  /** Of x, between neighbours of which one is dense: no boiling point. */
+  gaps: number[];
 }
 export interface UnitsPart {
   part: "units";
@@ -113,6 +117,7 @@ export interface Found {
 export interface Read {
   rows: { name: string; amount: string }[];
   basis: "mole" | "mass";
+  definitions: Definition[];
   notes: string[];
 }
 
@@ -120,7 +125,7 @@ export type Request =
   | { kind: "start"; module: string }
   | { kind: "calculate"; job: number; state: State }
   | { kind: "find"; job: number; text: string }
-  | { kind: "read"; job: number; text: string }
+  | { kind: "read"; job: number; text: string; gas: Gas }
   | { kind: "convert"; job: number; from: string; to: string; T: number[]; P: number[] };
 export type Answer =
   | { kind: "ready"; version: string }

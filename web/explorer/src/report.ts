@@ -34,7 +34,7 @@ const tableOf = (label: string, heads: string[], rows: HTMLElement[]) => {
   return h("div", { class: "scroll", tabindex: 0, role: "region", "aria-label": label }, table);
 };
 
-const titleOf = (known: Known, gas: number, title: string) => (known.gases > 1 ? texts.ofGas(gas, title) : title);
+const titleOf = (known: Known, gas: number, title: string) => known.named(gas, title);
 
 function phaseTable(known: Known, part: PointPart): HTMLElement {
   const several = part.phases.length > 1 && part.overall !== null;
@@ -73,14 +73,17 @@ function compositionTable(known: Known, part: PointPart, open: boolean): HTMLEle
 export function spokenOf(known: Known): string {
   const { temperature, pressure } = known.symbols;
   const points = known.all("point");
-  if (points.length === 0) return texts.noPhases;
-  return points
-    .map((part) => {
+  const broken = known.all("gas").filter((part) => part.gas < known.gases && !part.ok);
+  const cannot = broken.map(({ gas }) => texts.cannot(gas, known.whyNot(gas)));
+  if (points.length === 0) return known.gases > 1 && broken.length > 0 ? cannot.join(" ") : texts.noPhases;
+  return [
+    ...points.map((part) => {
       const phases = part.phases.map((c) => texts.phaseSpoken(c.name, shown(100 * c.fraction, 4)));
       const text = phases.length > 0 ? phases.join(", ") : part.error || texts.noPhases;
       return titleOf(known, part.gas, texts.spoken(withUnit(part.T, temperature), withUnit(part.P, pressure), text));
-    })
-    .join(". ");
+    }),
+    ...cannot,
+  ].join(". ");
 }
 
 /** What is to be said, each once: of the gas, of curves that are not complete, of lines, of the state. */

@@ -1,4 +1,5 @@
 // What the page shows, as one plain object of texts as they were typed; and the address that carries it.
+import { isUnclear } from "./numbers.ts";
 import { texts } from "./texts.ts";
 
 export interface Row {
@@ -86,8 +87,9 @@ export function firstState(): State {
 
 const LARGEST = 1e30; // more is a slip of the keyboard, and no axis has room for it
 
-/** A number as people write it, with a decimal comma too; NaN for anything else. */
+/** A number as people write it, with a decimal comma too; NaN for anything else, and for "1,000". */
 export function numberOf(text: string): number {
+  if (isUnclear(text)) return NaN;
   const plain = text
     .trim()
     .replace(/^([-+]?\d*),(\d+)/, "$1.$2")
@@ -182,6 +184,14 @@ export function stateOf(address: string): { state: State; strange: string[] } {
     const wrong = flag ? value !== "1" && value !== "0" : valid !== undefined && !valid(value);
     if (wrong) strange.push(`${key}=${value.slice(0, 40)}`);
     else Object.assign(state, { [field]: flag ? value === "1" : value.slice(0, LONGEST) });
+  }
+  const closed: [string, string[]][] = [
+    ...["abasis", "bbasis"].map((key): [string, string[]] => [key, ["mole", "mass"]]),
+    ["chosen", state.gases.length > 1 ? ["a", "b"] : ["a"]],
+  ];
+  for (const [key, may] of closed) {
+    const value = words.get(key);
+    if (value !== undefined && !may.includes(value)) strange.push(`${key}=${value.slice(0, 40)}`);
   }
   for (const key of known)
     if (listOf(words.get(key) ?? "").length > MOST_ROWS) strange.push(texts.rowsBeyond(key, MOST_ROWS));

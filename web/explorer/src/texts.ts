@@ -1,6 +1,11 @@
 // All words of the page.
+import { isUnclear } from "./numbers.ts";
 
 const many = (n: number, what: string) => `${n} ${what}${n === 1 ? "" : "s"}`;
+
+/** Of "1,000", which is 1 in one country and 1000 in the other. */
+const unclear = (text: string) =>
+  isUnclear(text) ? `"${text}" may be ${text.replace(",", ".")} or ${text.replace(",", "")}: write one of these.` : "";
 
 export const texts = {
   title: "Kestrune explorer",
@@ -10,6 +15,8 @@ export const texts = {
   restarted: (message: string) => `A calculation stopped (${message}); the library was started anew.`,
   tooLong: "A calculation took too long and was stopped; the library was started anew.",
   stale: "The picture is of the last gas that could be calculated.",
+  cannot: (k: number, why: string) => `Gas ${"AB"[k]} cannot be calculated: ${why}`,
+  old: (text: string) => `${text} (old)`,
   strange: (words: string[]) => `Of the address this was not understood and left out: ${words.join(", ")}`,
 
   // the gas
@@ -33,7 +40,8 @@ export const texts = {
   manyRows: (n: number, most: number) => `${n} components are too many for this page: at most ${most}`,
   leftOut: "no amount: left out",
   noName: "The amount has no component.",
-  noAmount: (text: string) => `"${text}" is no amount: write a number, 12.5 or 12.5%.`,
+  noAmount: (text: string) => unclear(text) || `"${text}" is no amount: write a number, 12.5 or 12.5%.`,
+  tiny: (text: string) => `The amount ${text} is too small to be told from none.`,
   negative: (text: string) => `The amount ${text} is negative.`,
   twice: (name: string) => `${name} is given twice.`,
   noComponent: "Type a component and its amount.",
@@ -46,6 +54,11 @@ export const texts = {
   pasteEmpty: "There is nothing to read.",
   pasteTaken: (n: number) => `${many(n, "component")} taken from the table.`,
   pasteFailed: (message: string) => `The table was not taken: ${message}`,
+  pasteBasis: (what: string) => `Amounts are ${what} now, as the table says.`,
+  pasteKept: (name: string) => `The description of ${name} was kept.`,
+  pasteDropped: (name: string) => `The description of ${name} was dropped: the table has no such component.`,
+  pasteWords: (name: string) => `the description of ${name} has lists or objects: type it below "Plus fractions and own components"`,
+  pasteDiffers: "it says more than this page has fields for",
   pasteLate: "The table was not taken: something was typed in the meantime.",
   definitions: "Plus fractions and own components",
   addFraction: "Add a plus fraction",
@@ -74,12 +87,13 @@ export const texts = {
   energy: "Energy",
   units: "Units",
   systems: { engineering: "engineering", si: "SI", field: "field", own: "own choice" },
-  noNumber: (text: string) => (text.trim() === "" ? "A number is missing." : `"${text}" is no number.`),
+  noNumber: (text: string) => (text.trim() === "" ? "A number is missing." : unclear(text) || `"${text}" is no number.`),
   belowZero: (unit: string) => `The temperature in ${unit} is not above absolute zero.`,
   noPressure: "The absolute pressure is not above zero.",
   top: "Highest pressure shown",
   topHint: "automatic",
-  noTop: (text: string) => `"${text}" is no pressure above zero.`,
+  topBelow: "The operating point is above it.",
+  noTop: (text: string) => unclear(text) || `"${text}" is no pressure above zero.`,
   curves: "Curves",
   quality: "Quality lines, vapour fractions",
   noFraction: (word: string) => `"${word}" is no vapour fraction between 0 and 1.`,
@@ -101,6 +115,8 @@ export const texts = {
 
   // the picture
   picture: "Phase envelope",
+  headingModel: (set: string) => `PPR78, group interactions ${set}`,
+  headingDotted: "dotted: outside what a method was made for",
   chartLabel: (x: string, y: string) => `${x} and ${y}. The tables beside it have the numbers.`,
   pointLabel: "Operating point; arrow keys move it, with Shift ten times as far",
   placeOf: (T: string, P: string) => `${T}, ${P}`,
@@ -131,6 +147,7 @@ export const texts = {
     molarVolume: ["Molar volume", "molar volume"],
     enthalpy: ["Enthalpy H", "enthalpy"],
     entropy: ["Entropy S", "entropy"],
+    freeEnthalpy: ["Free enthalpy G", "enthalpy"],
     Cp: ["Heat capacity Cp", "entropy"],
     Cv: ["Heat capacity Cv", "entropy"],
     speedOfSound: ["Speed of sound", "speed"],

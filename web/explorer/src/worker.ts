@@ -1,7 +1,8 @@
 // The thread that calculates. Of the states that come in the newest wins: an older one is dropped between two parts.
 import { loadKestrune, type Kestrune } from "kestrune";
 import { partsOf, Session } from "./calculate.ts";
-import { inWords, tableOf } from "./gas.ts";
+import { inWords } from "./gas.ts";
+import { tableOf } from "./paste.ts";
 import type { Answer, Found, Request } from "./protocol.ts";
 
 const scope = self as unknown as {
@@ -59,7 +60,7 @@ async function answer(request: Request): Promise<void> {
   }
   if (request.kind === "read") {
     try {
-      scope.postMessage({ kind: "read", job, read: tableOf(own.kestrune, request.text), error: "" });
+      scope.postMessage({ kind: "read", job, read: tableOf(own.kestrune, request.text, request.gas), error: "" });
     } catch (error) {
       if (!own.kestrune.alive) throw error;
       scope.postMessage({ kind: "read", job, read: null, error: inWords(error) });
