@@ -220,6 +220,7 @@ bool read_table(std::string_view text, const ReadOptions& options, Composition& 
   composition.basis_given = kind == Column::mass;
   const std::string& title = sheet->rows[heading->row].cells[heading->amount];
   auto unit = unit_within(title);
+  if (unit && unit->basis == Basis::mole) composition.basis_given = true;
   if (const auto above = unit_of_titles(*sheet, heading->row); above && (!unit || !unit->basis)) {
     if (!unit || !unit->scaled) unit = above;
     unit->basis = above->basis;

@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cctype>
 #include <nlohmann/json.hpp>
 
 #include "commands/session.hpp"
@@ -42,8 +43,10 @@ void check_missing(const host::Mixture& mixture) {
 host::Composition composition_of(std::string_view source, std::string_view basis) {
   host::Composition composition;
   composition.library = arrays::library_path();
-  const std::string_view begin = host::trimmed(source).substr(0, 1);
-  if (begin == "{" || begin == "[")
+  // A section of a text begins with [ and a name, a JSON array with anything else.
+  const std::string_view text = host::trimmed(source);
+  const bool section = text.size() > 1 && std::isalpha(static_cast<unsigned char>(text[1])) != 0;
+  if (text.substr(0, 1) == "{" || (text.substr(0, 1) == "[" && !section))
     host::read_json(source, composition);
   else if (source.find('\n') != std::string_view::npos)
     host::read_lines(source, composition);

@@ -368,6 +368,10 @@ def test_mixtures_as_the_command_line_reads_them(tmp_path):
     whole = {"name": "gas", "basis": "mass", "components": {"methane": np.float32(80), "propane": "20"}}
     assert np.array_equal(kestrune.Mixture(whole).z, wanted.z)
     assert wanted.notes == ["amounts summed to 100 and were normalised"]
+    sections = "[fraction C7+]\nM = 218\nSG = 0.85\npieces = 2\n[mixture]\nmethane 0.9\nC7+ 0.1\n"
+    assert kestrune.Mixture(sections).names == ("methane", "C7+ 1", "C7+ 2")
+    with pytest.raises(ValueError, match="not by mass"):
+        kestrune.Mixture("component,mol%\nmethane,90\npropane,10\n", "mass")
     assert "ethylene glycol" in [c.name for c in kestrune.components("glycol")]
 
 
