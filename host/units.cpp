@@ -261,9 +261,14 @@ std::string exact(double base, const Unit& unit, double molar_mass) {
   const double value = unit.from_base(base, molar_mass);
   for (const int digits : {12, 15, 16}) {  // what was typed; what rounding of the conversion leaves
     char text[40];
+#ifdef __cpp_lib_to_chars
     const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::general, digits).ptr;
     double read = value;
     std::from_chars(text, end, read);
+#else  // emscripten's library has them for integers alone
+    const auto end = fmt::format_to_n(text, sizeof text, "{:.{}g}", value, digits).out;
+    const double read = parse_number({text, static_cast<std::size_t>(end - text)}).value_or(value);
+#endif
     if (unit.to_base(read, molar_mass) == base) return fmt::format("{}", read);
   }
   return fmt::format("{}", value);

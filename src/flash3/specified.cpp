@@ -297,7 +297,7 @@ bool in_range(const Specified& s, double T, double P) {
 // Work of one step in evaluations of ln phi, which grows faster than theirs; of a call always enough for a
 // search.
 int system_work(const flash::HostRoutines* host, int size) {
-  constexpr double kCubes = 6000.0;  // cube of the order of a system that takes as long as an evaluation
+  constexpr double kCubes = 2000.0;  // cube of the order of a system that takes as long as an evaluation
   constexpr int kStepsOfCall = 100;
   const double work = static_cast<double>(size) * size * size / kCubes;
   const double most = host != nullptr ? static_cast<double>(host->allowed) / kStepsOfCall : 0.0;
