@@ -140,16 +140,11 @@ PropertyValues PhaseAsker::properties(bool gas, double T, double P, const double
 
 bool PhaseAsker::lighter_is_gas(double T, double P, const double* x) {
   take(x);
-  PhaseState gas{PhaseKind::vapour, 1.0, 1.0, {}, molar_mass_, {}, false};
-  gas.x.swap(x_);
-  gas.properties = phase_properties(library_, mixture_, gas.kind, T, P, gas.x, molar_mass_,
-                                    1u << static_cast<unsigned>(Property::molar_volume));
-  const bool packed = is_packed(mixture_, gas);
-  gas.x.swap(x_);
-  if (!packed) return true;
+  constexpr auto v = Property::molar_volume;
+  if (!is_packed(mixture_, x_, at(PhaseKind::vapour, T, P, 1u << static_cast<unsigned>(v))[v])) return true;
   constexpr auto G = Property::free_enthalpy;
   constexpr unsigned wanted = 1u << static_cast<unsigned>(G);
-  return !(at(PhaseKind::liquid, T, P, wanted)[G] < at(gas.kind, T, P, wanted)[G]);
+  return !(at(PhaseKind::liquid, T, P, wanted)[G] < at(PhaseKind::vapour, T, P, wanted)[G]);
 }
 
 }  // namespace kestrune::host

@@ -274,7 +274,8 @@ Equilibrium single_phase_at_TP(const Exports& library, const Mixture& mixture, P
   add_phase(library, mixture, kind, 1.0, mixture.z, s);
   s.phases.front().volume_fraction = 1.0;
   const PhaseState& phase = s.phases.front();
-  const bool packed = is_packed(mixture, phase), gas = kind == PhaseKind::vapour;
+  const bool packed = is_packed(mixture, phase.x, phase.properties[Property::molar_volume]);
+  const bool gas = kind == PhaseKind::vapour;
   if (packed == gas && has_one_root(library, mixture, phase, T, P) &&
       !(gas && is_dense(library, mixture, mixture.z, T)))
     s.remark = fmt::format("the equation of state has no {} here: these are the properties of its {}",

@@ -37,7 +37,7 @@ PhaseKind liquid_kind(const Exports& library, const Mixture& mixture, double T, 
                       bool alone, LastCritical* last = nullptr);
 
 // Packed like a liquid: v/b below a part of its value at the critical point of the equation of state.
-bool is_packed(const Mixture& mixture, const PhaseState& phase, double part = 1.0);
+bool is_packed(const Mixture& mixture, const std::vector<double>& x, double molar_volume, double part = 1.0);
 // The part below which even the lightest of three phases is called a liquid: a gas near its critical point is above.
 inline constexpr double kPackedLiquid = 0.5;
 

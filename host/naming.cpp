@@ -83,15 +83,15 @@ PhaseKind liquid_kind(const Exports& library, const Mixture& mixture, double T, 
   return polar_share(mixture, mixture.z) > 0.0 ? PhaseKind::hydrocarbon_liquid : PhaseKind::liquid;
 }
 
-bool is_packed(const Mixture& mixture, const PhaseState& phase, double part) {
+bool is_packed(const Mixture& mixture, const std::vector<double>& x, double molar_volume, double part) {
   constexpr double kGas = 82.057e-6, kOmegaB = 0.0778;  // m3 atm/(mol K)
   constexpr double packed = 3.9514;                     // v/b of the critical point of the equation of state
   double b = 0.0;
-  for (std::size_t i = 0; i < phase.x.size(); ++i) {
+  for (std::size_t i = 0; i < x.size(); ++i) {
     const Component& c = mixture.components[i];
-    b += phase.x[i] * kOmegaB * kGas * c.Tc / (c.Pc / kAtmInPa);
+    b += x[i] * kOmegaB * kGas * c.Tc / (c.Pc / kAtmInPa);
   }
-  return phase.properties[Property::molar_volume] < part * packed * b;
+  return molar_volume < part * packed * b;
 }
 
 void name_by_density(const std::vector<PhaseKind*>& kinds, const std::vector<double>& densities) {
@@ -107,7 +107,7 @@ void rename_packed_gas(const Exports& library, const Mixture& mixture, Equilibri
   if (state.of_fraction() || state.phases.empty() || state.phases.front().kind != PhaseKind::vapour) return;
   if (std::any_of(state.phases.begin(), state.phases.end(), other)) return;
   PhaseState& gas = state.phases.front();
-  if (!is_packed(mixture, gas)) return;
+  if (!is_packed(mixture, gas.x, gas.properties[Property::molar_volume])) return;
   gas.kind = liquid_kind(library, mixture, state.T, gas.x, true);
   if (gas.kind == PhaseKind::free_water) gas.kind = PhaseKind::vapour;
   if (gas.kind == PhaseKind::vapour) return;

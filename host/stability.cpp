@@ -99,7 +99,7 @@ bool is_liquid_at(const Exports& library, const Mixture& mixture, const PhaseSta
       (y - p.x[w]) * (mixture.components[w].molar_mass -
                       (p.molar_mass - p.x[w] * mixture.components[w].molar_mass) / (1.0 - p.x[w]));
   wet.properties = phase_properties(library, mixture, wet.kind, s.T, s.P, wet.x, wet.molar_mass);
-  return std::isfinite(y) && is_packed(mixture, wet);
+  return std::isfinite(y) && is_packed(mixture, wet.x, wet.properties[Property::molar_volume]);
 }
 
 // What a gas beside an aqueous liquid, or one with more water than it can hold, has at saturation.

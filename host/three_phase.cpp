@@ -86,7 +86,7 @@ void settle_root(const Exports& library, const Mixture& mixture, Equilibrium& s)
   const PropertyValues liquid =
       phase_properties(library, mixture, PhaseKind::liquid, s.T, s.P, light.x, light.molar_mass);
   if (!(liquid[Property::free_enthalpy] < light.properties[Property::free_enthalpy]) &&
-      !is_packed(mixture, light, kPackedLiquid))
+      !is_packed(mixture, light.x, light.properties[Property::molar_volume], kPackedLiquid))
     return;
   light.kind = PhaseKind::liquid;
   light.properties = liquid;

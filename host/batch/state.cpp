@@ -102,16 +102,11 @@ void StateSolver::name_phases() {
 void StateSolver::settle_root() {
   if (free_water_ || phase_count_ < 3 || !is_there(1) || !is_there(2)) return;
   constexpr auto G = Property::free_enthalpy, v = Property::molar_volume, rho = Property::density;
-  PhaseState gas{PhaseKind::vapour, 1.0, 1.0, {}, 0.0, properties_of(0, bit(G) | bit(v)), false};
+  const PropertyValues gas = properties_of(0, bit(G) | bit(v));
   kinds_[0] = PhaseKind::liquid;
-  if (!(properties_of(0, bit(G))[G] < gas.properties[G])) {
-    gas.x.swap(x_[0]);
-    const bool packed = is_packed(mixture_, gas, kPackedLiquid);
-    gas.x.swap(x_[0]);
-    if (!packed) {
-      kinds_[0] = PhaseKind::vapour;
-      return;
-    }
+  if (!(properties_of(0, bit(G))[G] < gas[G]) && !is_packed(mixture_, x_[0], gas[v], kPackedLiquid)) {
+    kinds_[0] = PhaseKind::vapour;
+    return;
   }
   std::vector<PhaseKind*> kinds;
   std::vector<double> densities;
@@ -133,11 +128,8 @@ void StateSolver::name_packed_gas() {
     water = true;
   }
   if (!(water || free_water_) || kinds_[0] != PhaseKind::vapour) return;
-  PhaseState gas{PhaseKind::vapour, 1.0, 1.0, {}, 0.0, properties_of(0, bit(Property::molar_volume)), false};
-  gas.x.swap(x_[0]);
-  const bool packed = is_packed(mixture_, gas);
-  gas.x.swap(x_[0]);
-  if (!packed) return;
+  constexpr auto v = Property::molar_volume;
+  if (!is_packed(mixture_, x_[0], properties_of(0, bit(v))[v])) return;
   const PhaseKind kind = liquid_kind(library_, mixture_, T_, x_[0], tell_dense_, &critical_of(0));
   if (kind != PhaseKind::free_water) kinds_[0] = kind;
 }

@@ -8,6 +8,8 @@
 #include <cmath>
 #include <limits>
 
+#include "support/mathkernels.hpp"
+
 namespace kestrune::flash {
 namespace {
 
@@ -73,6 +75,20 @@ StatusCode own_phase(const CaloricModel& c, double T, const double* x, int& phas
 }
 
 }  // namespace
+
+void Gibbs::add(int n, double amount, const double* x, const PhaseCaloric& phase) noexcept {
+  for (int i = 0; i < n; ++i) {
+    if (!(x[i] > 0.0)) continue;
+    value += amount * x[i] * (support::fast_log(x[i]) + phase.ln_phi[i]);
+    slope += amount * x[i] * phase.dln_phi_dT[i];
+  }
+}
+
+double crossing_of(const Gibbs& a, double T_a, const Gibbs& b, double T_b) noexcept {
+  const double slope_a = -T_a * T_a * a.slope, slope_b = -T_b * T_b * b.slope;
+  const double up = (a.value - b.value + slope_b * (1.0 / T_b - 1.0 / T_a)) / (slope_b - slope_a);
+  return 1.0 / (1.0 / T_a + up);
+}
 
 bool CaloricModel::analytic() const {
   if (free_water || eos::water_ammonia_pair(*context.record, z)) return false;

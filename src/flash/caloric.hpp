@@ -20,6 +20,16 @@ struct PhaseCaloric {
   double* dn = nullptr;          // [ld * n], may be null: not wanted
 };
 
+/* Gibbs energy over RT of phases together, above that of the pure ideal gases, and its slope in T. */
+struct Gibbs {
+  double value = 0.0, slope = 0.0;
+  // An amount of a phase x[n] whose ln phi and slopes are known.
+  void add(int n, double amount, const double* x, const PhaseCaloric& phase) noexcept;
+};
+
+/* K: where those of two states, at temperatures of their own, are the same by their slopes in 1/T. */
+double crossing_of(const Gibbs& a, double T_a, const Gibbs& b, double T_b) noexcept;
+
 /* What the phases of one flash share at a temperature. */
 struct CaloricModel {
   Property property = Property::enthalpy;

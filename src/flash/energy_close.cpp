@@ -164,9 +164,7 @@ bool other_pair(const Energy& e, const EnergyState& a, const EnergyState& b) {
  * slopes in 1/T: there one gives way to the other. False: not within the bracket.
  */
 bool crossing(const Energy& e, const EnergyState& a, const EnergyState& b, double& T) {
-  const double slope_a = -a.T * a.T * a.gibbs_slope, slope_b = -b.T * b.T * b.gibbs_slope;
-  const double up = (a.gibbs - b.gibbs + slope_b * (1.0 / b.T - 1.0 / a.T)) / (slope_b - slope_a);
-  T = 1.0 / (1.0 / a.T + up);
+  T = crossing_of(a.gibbs, a.T, b.gibbs, b.T);
   return e.bracket.inside(T);
 }
 

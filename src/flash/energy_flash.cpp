@@ -323,16 +323,6 @@ IsothermalCall isothermal_call(Energy& e, EnergyState& s) {
   return c;
 }
 
-// Adds the Gibbs energy of an amount of a phase to that of the state.
-static void add_gibbs(const Energy& e, double amount, const double* x, const PhaseCaloric& phase,
-                      EnergyState& s) {
-  for (int i = 0; i < e.n; ++i) {
-    if (!(x[i] > 0.0)) continue;
-    s.gibbs += amount * x[i] * (support::fast_log(x[i]) + phase.ln_phi[i]);
-    s.gibbs_slope += amount * x[i] * phase.dln_phi_dT[i];
-  }
-}
-
 bool evaluate_state(Energy& e, EnergyState& s) {
   s.liquid = s.vapour = s.slope = 0.0;
   const bool liquid = s.beta<1.0, vapour = s.beta> 0.0;
@@ -354,9 +344,9 @@ bool evaluate_state(Energy& e, EnergyState& s) {
     s.vapour = vapour ? e.b.value : 0.0;
     s.rising = !(liquid && e.a.slope <= 0.0) && !(vapour && e.b.slope <= 0.0);
     if (liquid != vapour) s.slope = liquid ? e.a.slope : e.b.slope;
-    s.gibbs = s.gibbs_slope = 0.0;
-    if (liquid) add_gibbs(e, 1.0 - s.beta, x, e.a, s);
-    if (vapour) add_gibbs(e, s.beta, y, e.b, s);
+    s.gibbs = {};
+    if (liquid) s.gibbs.add(e.n, 1.0 - s.beta, x, e.a);
+    if (vapour) s.gibbs.add(e.n, s.beta, y, e.b);
   }
   s.value = (liquid ? (1.0 - s.beta) * s.liquid : 0.0) + (vapour ? s.beta * s.vapour : 0.0);
   return e.status == KV_OK && std::fabs(s.value) <= DBL_MAX;

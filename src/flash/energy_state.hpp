@@ -30,8 +30,7 @@ struct EnergyState {
   double value = 0.0;                 // of the whole
   double slope = 0.0;                 // d value/dT along the equilibrium where it is known, else 0
   bool rising = true;                 // the value of every phase rises with T
-  double gibbs = 0.0;                 // G/RT above that of the pure ideal gases, of an analytic model
-  double gibbs_slope = 0.0;           // d gibbs/dT
+  Gibbs gibbs;                        // of an analytic model
   StatusCode status = KV_OK;          // of the isothermal flash, 95 as KV_OK
   bool two_phases() const { return beta > 0.0 && beta < 1.0; }
 };

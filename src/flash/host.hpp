@@ -23,7 +23,7 @@ namespace kestrune::flash {
 
 /*
  * Work that one call may take with this many components, in evaluations of ln phi. An evaluation grows with the
- * square of the components, so that a call takes about a twentieth of a second at most up to 40 of them. Flashes that
+ * square of the components, so that the longest call grows little with them up to 40 (docs/validation.md). Flashes that
  * find what they look for take a hundredth of it, as a rule.
  */
 inline constexpr double kWorkOfSquares = 4e7;

@@ -13,7 +13,6 @@
 #include "flash/pure_saturation.hpp"
 #include "flash3/three_energy_state.hpp"
 #include "flash3/three_free_water.hpp"
-#include "support/mathkernels.hpp"
 
 namespace kestrune::flash3 {
 namespace {
@@ -41,7 +40,6 @@ void keep(EnergySearch& q) {
   side.known = true;
   side.fourth = q.state_status == KV_FOURTH_PHASE;
   side.gibbs = q.gibbs;
-  side.gibbs_slope = q.gibbs_slope;
 }
 
 // The equilibrium at T, its value, and the bracket. False: q.status.
@@ -291,7 +289,8 @@ StatusCode with_search(const ThreeEnergyCall& c, support::Arena& arena, support:
 bool evaluate(EnergySearch& q) {
   Phases& p = q.e.p;
   const bool analytic = q.caloric.analytic();
-  q.value = q.slope = q.gibbs = q.gibbs_slope = 0.0;
+  q.value = q.slope = 0.0;
+  q.gibbs = {};
   q.rising = true;
   if (analytic) q.status = flash::prepare_caloric(q.caloric, q.e.m.T);
   double* const x = q.s.spare;
@@ -307,11 +306,7 @@ bool evaluate(EnergySearch& q) {
       q.phase[j] = c.value;
       q.slope += p.amount[j] * c.slope;
       q.rising = q.rising && c.slope > 0.0;
-      for (int i = 0; i < q.e.m.n; ++i) {
-        if (!(x[i] > 0.0)) continue;
-        q.gibbs += p.amount[j] * x[i] * (support::fast_log(x[i]) + c.ln_phi[i]);
-        q.gibbs_slope += p.amount[j] * x[i] * c.dln_phi_dT[i];
-      }
+      q.gibbs.add(q.e.m.n, p.amount[j], x, c);
     } else {
       const int phase = j == find_vapour(q.e) ? KV_PHASE_GAS : KV_PHASE_LIQUID;
       q.status = flash::phase_value(q.caloric, q.e.m.T, x, phase, q.phase[j]);

@@ -90,9 +90,7 @@ bool other_three(const EnergySearch& q) {
 bool beside_jump(const EnergySearch& q, double& T, bool& low) {
   if (!other_three(q) || !q.caloric.analytic()) return false;
   const KeptState &a = q.low, &b = q.high;
-  const double slope_a = -a.T * a.T * a.gibbs_slope, slope_b = -b.T * b.T * b.gibbs_slope;
-  const double up = (a.gibbs - b.gibbs + slope_b * (1.0 / b.T - 1.0 / a.T)) / (slope_b - slope_a);
-  const double there = 1.0 / (1.0 / a.T + up);
+  const double there = flash::crossing_of(a.gibbs, a.T, b.gibbs, b.T);
   if (!q.bracket.inside(there)) return false;
   const double down = there - a.T, rest = b.T - there, most = kMostAside * (b.T - a.T);
   low = down > rest;

@@ -16,9 +16,8 @@ namespace kestrune::flash3 {
 struct KeptState {
   double T = 0.0;
   bool known = false;
-  bool fourth = false;       // another phase would split off (118)
-  double gibbs = 0.0;        // G/RT above that of the pure ideal gases, of an analytic model
-  double gibbs_slope = 0.0;  // d gibbs/dT
+  bool fourth = false;      // another phase would split off (118)
+  flash::Gibbs gibbs = {};  // of an analytic model
   Phases p;
 };
 
@@ -30,10 +29,10 @@ struct EnergySearch {
   KeptState low, high;  // the closest states below and above the value
   Phases joined;        // of both
   flash::EnergyBracket bracket;
-  double value = 0.0;                     // of e.p at e.m.T
-  double slope = 0.0;                     // at constant amounts
-  bool rising = true;                     // the value of every phase rises with T
-  double gibbs = 0.0, gibbs_slope = 0.0;  // of e.p, as of a KeptState
+  double value = 0.0;       // of e.p at e.m.T
+  double slope = 0.0;       // at constant amounts
+  bool rising = true;       // the value of every phase rises with T
+  flash::Gibbs gibbs = {};  // of e.p, of an analytic model
   double phase[kMostPhases] = {};
   double attempted = 1.0;  // relative width of the bracket at the last attempt between its sides
   bool asked_coldest = false, end_of_range = false;
