@@ -23,7 +23,8 @@ constexpr double kFurther[] = {1e-11, 1e-9, 1e-7, 1e-5, 1e-3};                  
 constexpr int kStepsOut = 12;
 constexpr double kNewtonEvery = 1e-2;  // shrinking of the bracket between two attempts
 // A jump: relative width of a bracket that is narrow enough to tell. The values at its ends are far off (kFarOff).
-constexpr double kNarrow = 1e-9;
+// Where the flashes do not give the pair of lower Gibbs energy the ends do not tell where that is, but their width does.
+constexpr double kNarrow = 1e-9, kNoRoom = 1e-11;
 constexpr double kAsideOfCrossing = 4.0;  // of the square of the relative width: how uncertain a crossing is
 constexpr double kMostAside = 0.25;       // of the bracket
 // The place itself: steps towards it, and how well it is known then; how far beside it the flashes are, closer together
@@ -173,7 +174,8 @@ bool is_jump(const Energy& e) {
   const EnergyBracket& b = e.bracket;
   double T = 0.0;
   return b.high - b.low <= kNarrow * b.high && std::min(-b.f_low, b.f_high) > kFarOff * e.value_scale(b.high) &&
-         other_pair(e, e.low, e.high) && (!e.model.analytic() || crossing(e, e.low, e.high, T));
+         other_pair(e, e.low, e.high) &&
+         (!e.model.analytic() || b.high - b.low <= kNoRoom * b.high || crossing(e, e.low, e.high, T));
 }
 
 /*

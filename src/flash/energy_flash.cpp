@@ -128,21 +128,24 @@ bool first_equilibrium(Energy& e) {
 }
 
 /*
- * Whether the value lies below that of the coldest state that the model has, which e.state becomes then. Where the
- * model lets the value of a phase fall with T, the coldest state is not the lowest: it is looked for down to kFalling.
+ * Whether the value lies below that of the coldest state that the model has. Else, where it might lie between, e.falling
+ * says that it is not looked for below the first of the cold states.
  */
 bool below_coldest(Energy& e) {
   e.asked_coldest = true;
-  bool above = false;
-  for (double T = kColdest; T < e.state.T && !model_refuses(e); T *= 2.0) {
-    if (!equilibrium_at(e, T, false, e.other)) continue;
-    if (e.f(e.other) < 0.0) return false;
-    above = true;
-    if (!e.other.rising) continue;
-    copy_state(e, e.other, e.state);
-    return true;
+  const Property property = e.call.property;
+  if (out_of_reach(property, e.state.T, e.f(e.state), e.state.Cp)) return true;
+  for (const double T : kColdStates) {
+    if (!(T < e.state.T) || model_refuses(e) || !equilibrium_at(e, T, false, e.other)) continue;
+    const double f = e.f(e.other);
+    if (f < 0.0) return false;
+    e.falling = !e.other.rising;
+    if (e.falling) return false;
+    if (T == kColdest || out_of_reach(property, T, f, e.other.Cp)) {
+      copy_state(e, e.other, e.state);
+      return true;
+    }
   }
-  e.falling = above;
   return false;
 }
 
@@ -172,7 +175,7 @@ StatusCode iterate(Energy& e) {
       return KV_NOT_CONVERGED;
     }
     const bool colder = e.state.T < kCold && T < e.state.T && !e.bracket.have_low;
-    if (colder && ((!e.asked_coldest && below_coldest(e)) || (e.falling && T < kFalling))) {
+    if (colder && ((!e.asked_coldest && below_coldest(e)) || (e.falling && T < kColdStates[0]))) {
       e.limit = -kLimitReached;
       return KV_NOT_CONVERGED;
     }
@@ -344,6 +347,7 @@ bool evaluate_state(Energy& e, EnergyState& s) {
     s.vapour = vapour ? e.b.value : 0.0;
     s.rising = !(liquid && e.a.slope <= 0.0) && !(vapour && e.b.slope <= 0.0);
     if (liquid != vapour) s.slope = liquid ? e.a.slope : e.b.slope;
+    s.Cp = (liquid ? (1.0 - s.beta) * e.a.Cp : 0.0) + (vapour ? s.beta * e.b.Cp : 0.0);
     s.gibbs = {};
     if (liquid) s.gibbs.add(e.n, 1.0 - s.beta, x, e.a);
     if (vapour) s.gibbs.add(e.n, s.beta, y, e.b);

@@ -18,9 +18,26 @@ inline bool plausible(double T) {
 }
 
 inline constexpr double kColdest = 3.0, kHottest = 10000.0;  // K, the range that is searched
-inline constexpr double kFarOff = 1e-6;   // of the scale of a value: more than what is within rounding of T
-inline constexpr double kFalling = 24.0;  // K, the coldest state that is looked for below the coldest of all
-inline constexpr double kCold = 60.0;  // K; before a search goes on from below, it asks for the coldest state
+inline constexpr double kFarOff = 1e-6;  // of the scale of a value: more than what is within rounding of T
+
+/*
+ * Before a search goes on below kCold it looks at these states, the coldest last. A value that still lies lower has no
+ * state; but where the model lets the value of a phase fall as T rises the coldest state is not the lowest: the search
+ * goes on then, as far as the first of these.
+ */
+inline constexpr double kCold = 60.0;  // K
+inline constexpr double kColdStates[] = {26.0, 9.0, kColdest};
+
+/*
+ * Whether a value that lies off below that of the state at T is further away than a feed can give up on its way to the
+ * coldest state, changes of phase and all: 40 R for every kelvin, and four times what its phases give up at T.
+ * capacity: of the phases at T and constant amounts, cal/(mol K).
+ */
+inline bool out_of_reach(Property property, double T, double off, double capacity) {
+  constexpr double kMost = 80.0, kTimes = 4.0;  // cal/(mol K)
+  return off > (kMost + kTimes * std::fmax(capacity, 0.0)) *
+                   (property == Property::enthalpy ? T : std::log(T / kColdest));
+}
 
 // The equilibrium at one temperature. Arrays [ld].
 struct EnergyState {
@@ -30,6 +47,7 @@ struct EnergyState {
   double value = 0.0;                 // of the whole
   double slope = 0.0;                 // d value/dT along the equilibrium where it is known, else 0
   bool rising = true;                 // the value of every phase rises with T
+  double Cp = 0.0;                    // of the phases, cal/(mol K), where it is known
   Gibbs gibbs;                        // of an analytic model
   StatusCode status = KV_OK;          // of the isothermal flash, 95 as KV_OK
   bool two_phases() const { return beta > 0.0 && beta < 1.0; }

@@ -24,7 +24,6 @@ using flash::kHottest;
 using flash::plausible;
 
 constexpr int kMostStates = 80, kMostDropped = 2, kRetreats = 6;
-constexpr int kColdShare = 16;  // of a call's work, the part after which no further cold state is asked for
 constexpr double kNoFurther = 0.02;  // relative distance from where there is no answer that is close enough
 constexpr double kReached = 1e-11;   // of the value's size
 constexpr double kNear = 1e-9;       // relative change of T that is left of a single phase
@@ -73,20 +72,18 @@ bool state_towards(EnergySearch& q, double good, double T) {
 
 // Whether the value lies below that of the coldest state that the model has; as in the flash of two phases.
 bool below_coldest(EnergySearch& q, double from) {
-  const flash::HostRoutines* host = q.call.routines;
-  const std::int64_t most = host != nullptr ? host->spent + host->allowed / kColdShare : 0;
   q.asked_coldest = true;
-  for (double T = kColdest; T < from && !(q.falling && host != nullptr && host->spent > most); T *= 2.0) {
-    if (set_conditions(T, q.call.P, q.e) != KV_OK) continue;
+  const flash::Property property = q.call.property;
+  if (flash::out_of_reach(property, from, off(q), q.Cp)) return true;
+  for (const double T : flash::kColdStates) {
+    if (!(T < from) || set_conditions(T, q.call.P, q.e) != KV_OK) continue;
     const StatusCode status = find_equilibrium(q.e);
     if (status > KV_STATUS_CALL_BLOCK && status != KV_NOT_FINITE) return false;
     if ((status != KV_OK && status != KV_FOURTH_PHASE) || !evaluate(q)) continue;
-    if (off(q) < 0.0) {
-      q.falling = false;
-      return false;
-    }
-    if (q.rising) return true;
-    q.falling = true;
+    if (off(q) < 0.0) return false;
+    q.falling = !q.rising;
+    if (q.falling) return false;
+    if (T == kColdest || flash::out_of_reach(property, T, off(q), q.Cp)) return true;
   }
   return false;
 }
@@ -156,7 +153,7 @@ StatusCode search(EnergySearch& q) {
     if (q.bracket.closed() && other_three(q) && state_towards_jump(q)) continue;
     const bool colder = T < kCold && next < T && !q.bracket.have_low;
     q.end_of_range = !q.bracket.closed() && (next == T || (colder && !q.asked_coldest && below_coldest(q, T)) ||
-                                             (colder && q.falling && next < flash::kFalling));
+                                             (colder && q.falling && next < flash::kColdStates[0]));
     if (q.end_of_range || next == T) return KV_NOT_CONVERGED;
     if (!state_towards(q, T, next)) {
       const bool refused = q.status > KV_STATUS_CALL_BLOCK && q.status != KV_NOT_FINITE;
@@ -289,7 +286,7 @@ StatusCode with_search(const ThreeEnergyCall& c, support::Arena& arena, support:
 bool evaluate(EnergySearch& q) {
   Phases& p = q.e.p;
   const bool analytic = q.caloric.analytic();
-  q.value = q.slope = 0.0;
+  q.value = q.slope = q.Cp = 0.0;
   q.gibbs = {};
   q.rising = true;
   if (analytic) q.status = flash::prepare_caloric(q.caloric, q.e.m.T);
@@ -305,6 +302,7 @@ bool evaluate(EnergySearch& q) {
       if (!flash::phase_caloric(q.caloric, x, flash::Kind::stable, c)) q.status = KV_NOT_FINITE;
       q.phase[j] = c.value;
       q.slope += p.amount[j] * c.slope;
+      q.Cp += p.amount[j] * c.Cp;
       q.rising = q.rising && c.slope > 0.0;
       q.gibbs.add(q.e.m.n, p.amount[j], x, c);
     } else {

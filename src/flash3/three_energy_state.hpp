@@ -31,6 +31,7 @@ struct EnergySearch {
   flash::EnergyBracket bracket;
   double value = 0.0;       // of e.p at e.m.T
   double slope = 0.0;       // at constant amounts
+  double Cp = 0.0;          // of the phases, cal/(mol K), where it is known
   bool rising = true;       // the value of every phase rises with T
   flash::Gibbs gibbs = {};  // of e.p, of an analytic model
   double phase[kMostPhases] = {};
