@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "flash/accept.hpp"
+#include "flash/water.hpp"
 
 namespace kestrune::flash3 {
 namespace {
@@ -16,14 +17,15 @@ constexpr int kMostWalkSteps = 90;  // of Newton's method; those that lead to an
 constexpr int kMostFailedWalks = 20;
 constexpr double kShortestWalk = 1e-4, kShorter = 0.3;
 constexpr double kFirstStep = 0.02, kLonger = 1.6, kLongestStepT = 0.06,
-                 kLongestStepP = 0.3;             // in ln of the unknown
-constexpr double kClosed = 1e-8;                  // ln u: a bracket of this width holds nothing
-constexpr double kLongerCut = 2.5;                // of steps where a fourth phase cuts all states
-constexpr double kSameState = 1e-8;               // sum of (x - y)^2/(x + y)
-constexpr double kSameZ = 0.25;                   // ln Z of a vapour that is the same on both sides of a step
-constexpr double kLargeChange = 0.1;              // of the vapour's part where a liquid appears
-constexpr int kMostFailed = 3;                    // states without an answer, to each side
-constexpr double kNarrow = 3e-4;                  // ln u: a change of phases is resolved to here
+                 kLongestStepP = 0.3;  // in ln of the unknown
+constexpr double kClosed = 1e-8;       // ln u: a bracket of this width holds nothing
+constexpr double kLongerCut = 2.5;     // of steps where a fourth phase cuts all states
+constexpr double kSameState = 1e-8;    // sum of (x - y)^2/(x + y)
+constexpr double kSameZ = 0.25;        // ln Z of a vapour that is the same on both sides of a step
+constexpr double kLargeChange = 0.1;   // of the vapour's part where a liquid appears
+constexpr double kMuchLess = 0.8;      // of the vapour's part: where there cannot be more, it is too cold
+constexpr int kMostFailed = 3;         // states without an answer, to each side
+constexpr double kNarrow = 3e-4;       // ln u: a change of phases is resolved to here
 constexpr double kShortT = 0.01, kShortP = 0.05;  // ln u: phases that lead on over it are the same
 constexpr double kLowestT = 40.0, kHighestT = 2000.0, kLowestP = 1e-6, kHighestP = 1e4;
 
@@ -264,6 +266,22 @@ bool search_between(QualitySearch& q, const Node& a, const Node& b, int depth) {
   return search_between(q, a, node, depth + 1) || search_between(q, node, b, depth + 1);
 }
 
+/*
+ * The most vapour that there can be at a temperature and below it, at the pressure given: no more than the components
+ * have that are volatile there. Where fugacities leave the vapour far less of the others than their part of the feed,
+ * they cannot be much of it however the liquids mix, since in a stable liquid none has more than when it is pure.
+ */
+double most_vapour(QualitySearch& q, double T) {
+  constexpr double kVolatile =
+      1e-4;  // Wilson's coefficient: what a dense gas holds of a component is up to 1e4 times as much
+  double* const K = q.joined.x[0];
+  flash::wilson(T, q.call.given, *q.e.m.context.record, false, K, nullptr);
+  double most = 0.0;
+  for (int i = 0; i < q.e.m.n; ++i)
+    if (K[i] > kVolatile) most += q.e.z[i];
+  return most;
+}
+
 // From the first guess of the unknown outwards to both sides.
 StatusCode search_from(QualitySearch& q, double first) {
   // The vapour's part rises with temperature and falls with pressure, as a rule; beside critical points it need
@@ -290,7 +308,8 @@ StatusCode search_from(QualitySearch& q, double first) {
     if (open[side] == 0) continue;
     const double way = side == 0 ? towards : -towards;
     const double u = ends[side] * std::exp(way * step * (cut[side] ? kLongerCut : 1.0));
-    if (!(u > least && u < most)) {
+    const bool too_cold = q.of_T && way < 0.0 && !(most_vapour(q, u) > kMuchLess * q.W);
+    if (!(u > least && u < most) || too_cold) {
       open[side] = 0;
       continue;
     }
