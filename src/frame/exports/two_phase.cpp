@@ -44,7 +44,7 @@ StatusCode quality_flash(flash::QualityCall call, const ModelRoutines* routines,
       first_failure({frame::check_specified(call.W), exports::check_given(call),
                      check_flash(call.z, call.context.record, call.unknown, call.x, call.y, call.K)});
   if (bad != KV_OK) return bad;
-  flash::HostRoutines host = exports::routines_of_call(routines, call.context.record->count, 2);
+  flash::HostRoutines host = exports::routines_of_call(routines, call.context.record->count);
   call.routines = &host;
   call.cold = (options & 1) != 0;
   call.free_water = exports::wet_feed(*call.context.record, call.z);
