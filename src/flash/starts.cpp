@@ -20,10 +20,26 @@ void usual_kinds(Flash& f) {
   f.it.kind_y = f.liquids_only() ? Kind::liquid : Kind::gas;
 }
 
-// Whether a phase of the iterate is on its upper root: a gas by the root that it was iterated on, say, of a
-// composition that is a liquid.
-bool on_upper_root(const Flash& f) {
-  if (!f.m.built_in() || f.liquids_only()) return false;
+/*
+ * Whether a phase asked for by its kind is one that would rather be of the other kind, by the Gibbs energies of both: a
+ * gas by the root that it was iterated on, say, of a composition that is a liquid. The trials do not see that of a phase
+ * of almost one component alone. False also with f.status.
+ */
+bool of_the_other_kind(Flash& f, const double* x, Kind kind, const double* ln_phi) {
+  if (kind == Kind::stable) return false;
+  double Z = 0.0, lower = 0.0;
+  f.status = plain_fugacity(f.m, x, kind == Kind::gas ? Kind::liquid : Kind::gas, f.m.compared, {}, Z);
+  if (f.status != KV_OK) return false;
+  for (int i = 0; i < f.m.n; ++i) lower += x[i] * (f.m.compared[i] - ln_phi[i]);
+  return lower < -eos::kOtherRootMargin;
+}
+
+// The same of both phases of the iterate; by the built-in equation it takes no evaluation. False also with f.status.
+bool on_upper_root(Flash& f) {
+  if (f.m.free_water || f.liquids_only()) return false;
+  if (f.m.routine != nullptr)
+    return of_the_other_kind(f, f.it.x, f.it.kind_x, f.it.ln_phi_x) ||
+           (f.status == KV_OK && of_the_other_kind(f, f.it.y, f.it.kind_y, f.it.ln_phi_y));
   const auto upper = [&](const double* x, double Z) {
     double b = 0.0, higher = 0.0;
     for (int i = 0; i < f.m.n; ++i) b += x[i] * f.m.t.b[i];
@@ -42,7 +58,7 @@ bool accept(Flash& f) {
   f.m.counts.step = Step::gate;
   f.status = fugacity(f.m, it.x, it.kind_x, it.ln_phi_x, nullptr, it.Zx);
   if (f.status == KV_OK) f.status = fugacity(f.m, it.y, it.kind_y, it.ln_phi_y, nullptr, it.Zy);
-  if (f.status != KV_OK || on_upper_root(f)) return false;
+  if (f.status != KV_OK || on_upper_root(f) || f.status != KV_OK) return false;
   const double amounts[] = {it.liquid, it.beta};
   const double* const phases[] = {it.x, it.y};
   const double owed = f.m.routine != nullptr || it.stalled ? std::max(kOwedFugacity, std::sqrt(f.settings.CRIT))

@@ -325,6 +325,18 @@ TEST(HostRoutines, RoundedCoefficientsAndNoDerivatives) {
     }
 }
 
+// A second phase of nitrogen alone, between its boiling point and where it has no liquid root any more: the gas.
+TEST(HostRoutines, APhaseOfOneComponentIsOfTheKindOfLowerGibbsEnergy) {
+  Mixture m = mixture_of({"124_trimethylbenzene", "n_octane", "nitrogen", "cis_2_butene"});
+  m.use();
+  const Vector feed{4.5e-16, 0.567, 0.433, 4.5e-16};
+  for (double T = 66.0; T < 76.0; T += 0.5) {
+    SCOPED_TRACE(T);
+    host = {};
+    expect_same(flash(m, T, 0.3, feed, 1, &kRoutines), flash(m, T, 0.3, feed), 1e-9);
+  }
+}
+
 // A routine that no search can work with, and settings that would let it run on for days.
 TEST(HostRoutines, WorkHasALimit) {
   Mixture m = mixture_of(kThreePhases);
