@@ -26,17 +26,17 @@ inline constexpr double kFarOff = 1e-6;  // of the scale of a value: more than w
  * goes on then, as far as the first of these.
  */
 inline constexpr double kCold = 60.0;  // K
-inline constexpr double kColdStates[] = {26.0, 9.0, kColdest};
+inline constexpr double kColdStates[] = {27.0, 9.0, kColdest};
 
 /*
  * Whether a value that lies off below that of the state at T is further away than a feed can give up on its way to the
- * coldest state, changes of phase and all: 40 R for every kelvin, and four times what its phases give up at T.
- * capacity: of the phases at T and constant amounts, cal/(mol K).
+ * coldest state: for every kelvin twice what its phases give up at T, and what changes of phase add, 40 R; where helium,
+ * hydrogen and neon alone can still condense, 15 R. capacity: of the phases at T and constant amounts, cal/(mol K).
  */
 inline bool out_of_reach(Property property, double T, double off, double capacity) {
-  constexpr double kMost = 80.0, kTimes = 4.0;  // cal/(mol K)
-  return off > (kMost + kTimes * std::fmax(capacity, 0.0)) *
-                   (property == Property::enthalpy ? T : std::log(T / kColdest));
+  constexpr double kTimes = 2.0, kCondensing = 80.0, kCondensed = 30.0;  // cal/(mol K)
+  const double most = (T > kColdStates[0] ? kCondensing : kCondensed) + kTimes * std::fmax(capacity, 0.0);
+  return off > most * (property == Property::enthalpy ? T : std::log(T / kColdest));
 }
 
 // The equilibrium at one temperature. Arrays [ld].
