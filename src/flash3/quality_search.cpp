@@ -272,8 +272,8 @@ bool search_between(QualitySearch& q, const Node& a, const Node& b, int depth) {
  * they cannot be much of it however the liquids mix, since in a stable liquid none has more than when it is pure.
  */
 double most_vapour(QualitySearch& q, double T) {
-  constexpr double kVolatile =
-      1e-4;  // Wilson's coefficient: what a dense gas holds of a component is up to 1e4 times as much
+  constexpr double kVolatile = 1e-7;  // Wilson's coefficient; dense phases hold up to 1e4 times as much
+
   double* const K = q.joined.x[0];
   flash::wilson(T, q.call.given, *q.e.m.context.record, false, K, nullptr);
   double most = 0.0;

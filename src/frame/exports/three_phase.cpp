@@ -83,7 +83,7 @@ StatusCode quality_flash(flash3::ThreeQualityCall call, flash3::ThreePhaseResult
       check_flash(frame::check_specified(call.W), exports::check_given(call), call.z, call.context.record,
                   call.unknown, out.beta, out.xA, out.xB, out.y, out.KLL, out.KLV);
   if (bad != KV_OK) return bad;
-  flash::HostRoutines host = exports::routines_of_call(routines, call.context.record->count);
+  flash::HostRoutines host = exports::routines_of_call(routines, call.context.record->count, 2);
   call.routines = &host;
   call.out = out;
   call.estimate = (options & 1) != 0;
