@@ -163,7 +163,7 @@ double rounding_of(const double* x, const Root& root, int n) {
   double rounding = 0.0;
   for (int i = 0; i < n; ++i)
     rounding =
-        std::max(rounding, (x[i] < 1e-14 ? 1e-15 : 1e-10) * std::abs(root.ln_phi[static_cast<std::size_t>(i)]));
+        std::max(rounding, (x[i] < 1e-14 ? 1e-14 : 1e-10) * std::abs(root.ln_phi[static_cast<std::size_t>(i)]));
   return rounding;
 }
 

@@ -62,6 +62,9 @@ const Known kKnown[] = {
     {"FlashLVatTP", kThreeGases, 128, 282.74472244083881, 2.7777153474151177},
     // A trace that is not written, of which the interactions are continued to where their slopes are enormous.
     {"FlashLLVatHP", kSulphideTrace, 0, -23382.580733868777, 59.832096220314718, nullptr, nullptr, "original"},
+    // Traces of the feed that are much of a phase of 1e-10 of it.
+    {"FlashLVatSP", "argon=0.9999999999,ammonia=9.99893e-11,n-butane=5e-16,n-hexane=1e-16", 0, -25.7203770357,
+     61.4335},
     // Finite numbers.
     {"GasPhi_Derivatives_PPR78", "methane=.6,n-pentane=.4", 0, 300, 1e-310},
     {"LiquidPhi_Derivatives_PPR78", "methane=.6,n-pentane=.4", 0, 300, 1,

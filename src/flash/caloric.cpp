@@ -97,6 +97,21 @@ bool CaloricModel::analytic() const {
          property_routine(*this, KV_PHASE_LIQUID) == nullptr;
 }
 
+namespace {
+
+// Traces of the feed below what counts as present are no trace in a phase that holds all of them. One without data is left
+// out there as in the feed.
+void add_traces(CaloricModel& c, double T) {
+  for (int i = 0; i < c.context.record->count; ++i) {
+    if (!(c.z[i] > 0.0 && c.z[i] < eos::kSmallestFraction)) continue;
+    if (eos::has_values(eos::ideal_gas_of(T, c.context, i, c.ideal))) continue;
+    for (double* part : {c.ideal.h, c.ideal.s, c.ideal.cp})
+      if (part != nullptr) part[i] = 0.0;
+  }
+}
+
+}  // namespace
+
 void open_caloric(support::Arena& arena, CaloricModel& c) {
   const int ld = support::padded(c.context.record->count);
   c.arena = &arena;
@@ -112,6 +127,7 @@ StatusCode prepare_caloric(CaloricModel& c, double T) {
   const unsigned parts = (c.property == Property::enthalpy ? eos::kIdealH : eos::kIdealS) | eos::kIdealCp;
   status = eos::ideal_gas(T, c.context, c.z, parts, *c.arena, c.ideal);
   if (!eos::has_values(status)) return status;
+  add_traces(c, T);
   status = eos::prepare(T, c.context, 2, *c.arena, c.t);
   if (status == KV_OK) c.prepared = T;
   return status;
