@@ -20,7 +20,6 @@ constexpr double kPairsAgree = 3e-5;
 // Relative error at which the extrapolation ends early.
 constexpr double kGoodEnough = 1e-12;
 constexpr double kLargestStep = 0.01, kSmallestStep = 1e-8;
-constexpr double kResidualR = kR * kCalPerCm3Atm;  // cal/(mol K), that of the residual parts
 
 // The state itself: what the equation of state sees of it and says about it.
 struct Middle {

@@ -22,13 +22,6 @@ void root_derivatives(const Temperature& t, double P, const Root& r, bool with_T
   }
 }
 
-// Residual enthalpy and entropy, (11) of docs/method.md. The logarithm of [2Z + (u - s)B]/[2Z + (u + s)B] is
-// -s phi.
-void enthalpy_entropy(const Temperature& t, const Root& r, PhaseValues& out) {
-  out.H_res = (-(out.a - t.T * out.da_dT) / out.b * r.phi + kR * t.T * r.z_minus_1) * kCalPerCm3Atm;
-  out.S_res = (out.da_dT / out.b * r.phi + kR * r.log_z_minus_B) * kCalPerCm3Atm;
-}
-
 void heat_capacities(const Temperature& t, const Root& r, PhaseValues& out) {
   const double chi = r.eta > 0.0 ? r.psi / r.eta : 1.0;
   const double eta_t = -r.eta * (1.0 / t.T + out.dZ_dT / r.Z);
@@ -88,7 +81,10 @@ bool evaluate(const Temperature& t, CubicRoot bracub, double P, const double* x,
         for (int i = 0; i < t.n; ++i) out.h_partial[i] = -kR * t.T * t.T * row[i] * kCalPerCm3Atm;
     }
   }
-  if (stage::runs(stage::kEnthalpy, level)) enthalpy_entropy(t, r, out);
+  if (stage::runs(stage::kEnthalpy, level)) {
+    out.H_res = residual_enthalpy(t.T, out.a, out.da_dT, out.b, r);
+    out.S_res = residual_entropy(out.da_dT, out.b, r);
+  }
   if (stage::runs(stage::kHeatCapacity, level)) {
     out.d2a_dT2 = quadratic(t, t.aij_tt, x);
     heat_capacities(t, r, out);

@@ -24,10 +24,7 @@ struct Phase {
   Context context;
 };
 
-// True for the statuses that come with values.
-inline bool has_values(StatusCode status) {
-  return has_root(status) || status == KV_PURE_RANGE;
-}
+using support::has_values;
 // Of two statuses with values the one that a host has to see.
 inline StatusCode graver(StatusCode one, StatusCode other) {
   return other > one ? other : one;
