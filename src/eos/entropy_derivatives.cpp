@@ -44,11 +44,8 @@ StatusCode entropy_at(const Middle& m, double T, double& S) {
     if (!has_values(status)) return status;
     S = ideal_entropy(p.context.record->count, p.x, p.P, ideal);
     if (!(m.seen.share > 0.0)) return KV_OK;
-    Temperature t;
-    const StatusCode prepared = prepare(T, p.context, 1, arena, t);
-    if (prepared != KV_OK) return prepared;
     PhaseValues v;
-    const StatusCode root = residual(p, t, m.seen.y, 7, arena.take(3 * t.ld), v);
+    const StatusCode root = residual_at(p, m.seen.y, 7, arena, v);
     S += m.seen.share * v.S_res;
     return root;
   });

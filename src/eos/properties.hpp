@@ -55,6 +55,9 @@ Seen as_seen(const Phase& p, double* y) noexcept;
 StatusCode residual(const Phase& p, const Temperature& t, const double* y, int level, double* work,
                     PhaseValues& out);
 
+/* The same with the temperature prepared for the level. */
+StatusCode residual_at(const Phase& p, const double* y, int level, support::Arena& arena, PhaseValues& out);
+
 /* Entropy of liquid water over the ideal gas at P, cal/(mol K), and its slope in T. */
 WithSlope liquid_water_entropy(double T, double P) noexcept;
 
