@@ -125,15 +125,17 @@ class FpGuard {
 #endif
 };
 
-// Opaque to its caller: no floating-point operation of the body may move out of the guard's life.
-#ifdef __clang__
-#define KESTRUNE_OPAQUE [[gnu::noinline]]
-#else
-#define KESTRUNE_OPAQUE [[gnu::noipa]]
-#endif
+// The body of an export, called by a pointer that no compiler sees through: none of its floating-point operations may
+// move out of the guard's life.
 template <class Body>
-KESTRUNE_OPAQUE StatusCode run_body(Body& body) {
+StatusCode run_body(Body& body) {
   return body();
+}
+template <class Body>
+StatusCode run_opaque(Body& body) {
+  auto* run = &run_body<Body>;
+  __asm__ __volatile__("" : "+r"(run));
+  return run(body);
 }
 
 /*
@@ -145,7 +147,7 @@ template <class Body>
 StatusCode guarded(Body&& body) noexcept {
   const FpGuard guard;
   try {
-    return run_body(body);
+    return run_opaque(body);
   } catch (const std::bad_alloc&) {
     return KV_MEMORY;
   } catch (...) {
