@@ -8,8 +8,8 @@
 #include <cfloat>
 #include <cmath>
 
+#include "eos/liquid_water.hpp"
 #include "eos/properties.hpp"
-#include "eos/water.hpp"
 
 namespace kestrune::eos {
 namespace {

@@ -11,7 +11,7 @@
 
 #include "eos/evaluation.hpp"
 #include "eos/ideal_gas.hpp"
-#include "eos/water.hpp"
+#include "eos/liquid_water.hpp"
 #include "kestrune/records.h"
 
 namespace kestrune::eos {
