@@ -16,8 +16,9 @@
 namespace kestrune::envelope {
 namespace {
 
-constexpr double kThinnest = 0.16, kDensest = 0.82, kStep = 0.1;  // packing
-constexpr int kParts = 8;                                         // in which a step is looked at for roots
+constexpr double kThinnest = 0.16, kStep = 0.1;  // packing
+constexpr int kPackings = 7;
+constexpr int kParts = 8;  // in which a step is looked at for roots
 constexpr int kNewtonLimit = 30, kSpinodalLimit = 12;
 constexpr double kMostLogT = 0.1, kMostEta = 0.05;
 constexpr double kLastStep = 1e-6, kRough = 1e-3;  // of ln T and eta
@@ -244,8 +245,8 @@ StatusCode critical_points(Spinodal& sp, int capacity, Critical* found, int& cou
   Node here, next;
   StatusCode status = KV_OK;
   bool have = false;
-  double hottest = 0.0, most = 0.0;
-  for (double eta = kThinnest; eta < kDensest; eta += kStep) {
+  double hottest = 0.0, most = 0.0, eta = kThinnest;
+  for (int k = 0; k < kPackings; ++k, eta += kStep) {
     bool followed = false;
     next.eta = eta;
     if (have) {

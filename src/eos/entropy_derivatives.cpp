@@ -54,8 +54,9 @@ StatusCode entropy_at(const Middle& m, double T, double& S) {
 // dS/dT by four points; nearer ones where a root ends in between, and where the inner and the outer pair
 // differ: beside the end of a root the slope has no bound.
 StatusCode temperature_slope(const Middle& m, double& slope) {
-  double error = DBL_MAX;
-  for (double step = kTemperatureStep; step > 1e-10; step /= 16.0) {
+  constexpr int kSteps = 4;
+  double error = DBL_MAX, step = kTemperatureStep;
+  for (int nearer = 0; nearer < kSteps; ++nearer, step /= 16.0) {
     const double h = step * m.p.T;
     double S[4];
     bool good = true;

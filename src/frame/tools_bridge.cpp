@@ -52,7 +52,7 @@ class Traces {
     if (stack.counter >= kTraceStackDepth) return;
     char* name = stack.names[stack.counter];
     if (!has_folder_ || !platform::temp_file_name(folder_, file.prefix, name))
-      std::strcpy(name, file.fixed_name);
+      std::snprintf(name, platform::kTraceNameCapacity, "%s", file.fixed_name);
     const std::size_t length = std::strlen(name);
     std::fill(name + length, name + platform::kTraceNameCapacity, ' ');
     stack.units[stack.counter++] = unit;
