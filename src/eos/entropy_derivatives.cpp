@@ -156,6 +156,20 @@ StatusCode mole_number_slopes(const Middle& m, IdealGas ideal, double S, support
   return good ? StatusCode{KV_OK} : StatusCode{KV_NOT_FINITE};
 }
 
+// What the equation of state says of the state itself.
+void look_at_middle(Middle& m, bool with_n, support::Arena& arena) {
+  const Phase& p = m.p;
+  const int ld = support::padded(p.context.record->count);
+  m.root = prepare(p.T, p.context, 1, arena, m.t);
+  if (m.root != KV_OK) return;
+  m.work = arena.take(3 * ld);
+  if (with_n) {
+    m.v.h_partial = arena.take(ld);
+    m.v.ln_phi = arena.take(ld);
+  }
+  m.root = residual(p, m.t, m.seen.y, with_n ? 8 : 7, m.work, m.v);
+}
+
 }  // namespace
 
 StatusCode entropy_derivatives(const Phase& p, int mask, WithDerivatives& out) {
@@ -165,19 +179,9 @@ StatusCode entropy_derivatives(const Phase& p, int mask, WithDerivatives& out) {
     IdealGas ideal;
     const StatusCode status = ideal_gas(p.T, p.context, p.x, kIdealS, arena, ideal);
     if (!has_values(status)) return status;
-    const int ld = support::padded(n);
-    Middle m{p, as_seen(p, arena.zeros(ld))};
-    if (m.seen.share > 0.0) {
-      const StatusCode prepared = prepare(p.T, p.context, 1, arena, m.t);
-      if (prepared != KV_OK) return prepared;
-      m.work = arena.take(3 * ld);
-      if (with_n) {
-        m.v.h_partial = arena.take(ld);
-        m.v.ln_phi = arena.take(ld);
-      }
-      m.root = residual(p, m.t, m.seen.y, with_n ? 8 : 7, m.work, m.v);
-      if (!has_values(m.root)) return m.root;
-    }
+    Middle m{p, as_seen(p, arena.zeros(support::padded(n)))};
+    if (m.seen.share > 0.0) look_at_middle(m, with_n, arena);
+    if (!has_values(m.root)) return m.root;
     WithDerivatives d;
     d.value = ideal_entropy(n, p.x, p.P, ideal) + m.seen.share * m.v.S_res;
     if (m.seen.water >= 0) d.value += m.seen.x_water * liquid_water_entropy(p.T, p.P).value;

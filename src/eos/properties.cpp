@@ -195,6 +195,25 @@ StatusCode density(const Phase& p, Density& out) {
   });
 }
 
+namespace {
+
+StatusCode molar_enthalpy(const Phase& p, const IdealGas& ideal, const Seen& seen, const PhaseValues& v,
+                          double& H) {
+  double mixing = 0.0;
+  const StatusCode known = water_ammonia_enthalpy(p, mixing);
+  if (known != KV_OK) return known;
+  H = ideal_enthalpy(p.context.record->count, p.x, ideal) + seen.share * v.H_res - mixing;
+  if (seen.water >= 0) H += seen.x_water * water_enthalpy(p.T).value;
+  return KV_OK;
+}
+
+double molar_entropy(const Phase& p, const IdealGas& ideal, const Seen& seen, const PhaseValues& v) {
+  const double S = ideal_entropy(p.context.record->count, p.x, p.P, ideal) + seen.share * v.S_res;
+  return seen.water >= 0 ? S + seen.x_water * liquid_water_entropy(p.T, p.P).value : S;
+}
+
+}  // namespace
+
 StatusCode enthalpy_and_entropy(const Phase& p, bool want_H, bool want_S, Caloric& out) {
   const int n = p.context.record->count;
   return support::with_arena<3, 60>(n, [&](support::Arena& arena) -> StatusCode {
@@ -208,17 +227,9 @@ StatusCode enthalpy_and_entropy(const Phase& p, bool want_H, bool want_S, Calori
     if (seen.share > 0.0) root = residual_at(p, seen.y, 7, arena, v);
     if (!has_values(root)) return root;
     Caloric c;
-    if (want_H) {
-      double mixing = 0.0;
-      const StatusCode known = water_ammonia_enthalpy(p, mixing);
-      if (known != KV_OK) return known;
-      c.H = ideal_enthalpy(n, p.x, ideal) + seen.share * v.H_res - mixing;
-      if (seen.water >= 0) c.H += seen.x_water * water_enthalpy(p.T).value;
-    }
-    if (want_S) {
-      c.S = ideal_entropy(n, p.x, p.P, ideal) + seen.share * v.S_res;
-      if (seen.water >= 0) c.S += seen.x_water * liquid_water_entropy(p.T, p.P).value;
-    }
+    const StatusCode known = want_H ? molar_enthalpy(p, ideal, seen, v, c.H) : StatusCode{KV_OK};
+    if (known != KV_OK) return known;
+    if (want_S) c.S = molar_entropy(p, ideal, seen, v);
     if (!finite(c.H) || !finite(c.S)) return KV_NOT_FINITE;
     out = c;
     return graver(status, root);
@@ -330,11 +341,6 @@ StatusCode sound_speed(double ratio, double K, double T, double M, double& speed
   return KV_OK;
 }
 
-bool all_finite(const SpecificHeat& c) {
-  const double values[] = {c.Cp_res, c.Cp, c.Cv, c.joule_thomson, c.compressibility, c.pressure_coefficient};
-  return all_finite(6, values);
-}
-
 }  // namespace
 
 StatusCode specific_heat(const Phase& p, int selector, SpecificHeat& out) {
@@ -352,17 +358,21 @@ StatusCode specific_heat(const Phase& p, int selector, SpecificHeat& out) {
     if (!has_values(root) || root == -1) return root;
     const Slopes s = slopes_at(v, p.T);
     // Cp - Cv = R L^2/K: taken off part by part, so that both stay exact where K vanishes.
-    SpecificHeat c;
-    const double Cp = Cp_ideal + v.Cp_res;
-    const double Cv = Cp_ideal - kResidualR + v.Cv_res;
-    if (wanted(0)) c.Cp_res = v.Cp_res;
-    if (wanted(1)) c.Cp = Cp;
-    if (wanted(2)) c.Cv = Cv;
+    const double Cp = Cp_ideal + v.Cp_res, Cv = Cp_ideal - kResidualR + v.Cv_res;
+    SpecificHeat c{v.Cp_res,         Cp, Cv, 0.0, -s.shift * kCalPerCm3Atm / Cp, v.v / (s.K * kR * p.T),
+                   s.L / (v.Z * p.T)};
+    double* const outputs[] = {&c.Cp_res,
+                               &c.Cp,
+                               &c.Cv,
+                               &c.speed_of_sound,
+                               &c.joule_thomson,
+                               &c.compressibility,
+                               &c.pressure_coefficient};
     if (wanted(3) && sound == KV_OK) sound = sound_speed(Cp / Cv, s.K, p.T, M, c.speed_of_sound);
-    if (wanted(4)) c.joule_thomson = -s.shift * kCalPerCm3Atm / Cp;
-    if (wanted(5)) c.compressibility = v.v / (s.K * kR * p.T);
-    if (wanted(6)) c.pressure_coefficient = s.L / (v.Z * p.T);
-    if (!all_finite(c)) return KV_NOT_FINITE;
+    for (int k = 0; k < 7; ++k)
+      if (!wanted(k)) *outputs[k] = 0.0;
+    for (const double* value : outputs)
+      if (!finite(*value)) return KV_NOT_FINITE;
     out = c;
     return sound != KV_OK ? sound : graver(status, root);
   });
