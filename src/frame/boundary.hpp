@@ -55,7 +55,7 @@ class FpGuard {
  private:
 #if defined(KV_X86_FLOATING_POINT)
   static constexpr std::uint16_t kControl = 0x037F;
-  static constexpr std::uint32_t kMxcsr = 0x1F80;
+  static constexpr std::uint32_t kMxcsr = 0x1F80, kSseFlags = 0x003F;
   // Status word: six exception flags, stack fault, error summary; bit 15 repeats the summary.
   static constexpr std::uint16_t kFlags = 0x00FF;
   static constexpr std::uint16_t kPending = 0x0080;
@@ -79,7 +79,8 @@ class FpGuard {
     // A trap of the host's own that is still waiting is put aside; it comes back with the flags.
     if (status_ & kPending) __asm__ __volatile__("fnclex");
     if (control_ != kControl) load_control(kControl);
-    _mm_setcsr(kMxcsr);
+    // Loading the word is slow. With its traps masked a flag that is up already does no harm.
+    if ((mxcsr_ & ~kSseFlags) != kMxcsr) _mm_setcsr(kMxcsr);
   }
 
   void leave() noexcept {
@@ -93,7 +94,7 @@ class FpGuard {
     } else {
       restore_flags();
     }
-    _mm_setcsr(mxcsr_);
+    if (_mm_getcsr() != mxcsr_) _mm_setcsr(mxcsr_);
   }
 
   static void load_control(std::uint16_t word) noexcept {
