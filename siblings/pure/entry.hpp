@@ -22,6 +22,9 @@
 
 namespace kestrune::pure {
 
+// Whether the x87 unit is looked after: 64-bit code of this library does not compute there.
+inline constexpr bool kGuardX87 = sizeof(void*) == 4;
+
 /*
  * Floating-point environment of the library while it lives: every exception masked, round to nearest, full
  * precision, no flushing to zero. The host's control words and its sticky flags come back exactly as they
@@ -55,17 +58,26 @@ class FpGuard {
   }
 
   void enter() noexcept {
-    __asm__ __volatile__("fnstcw %0" : "=m"(control_));
-    status_ = x87_status();
+    if constexpr (kGuardX87) enter_x87();
     mxcsr_ = _mm_getcsr();
-    // A trap of the host's own that is still waiting is put aside; it comes back with the flags.
-    if (status_ & kPending) __asm__ __volatile__("fnclex");
-    if (control_ != kControl) load_control(kControl);
     // Loading the word is slow. With its traps masked a flag that is up already does no harm.
     if ((mxcsr_ & ~kSseFlags) != kMxcsr) _mm_setcsr(kMxcsr);
   }
 
   void leave() noexcept {
+    if constexpr (kGuardX87) leave_x87();
+    if (_mm_getcsr() != mxcsr_) _mm_setcsr(mxcsr_);
+  }
+
+  void enter_x87() noexcept {
+    __asm__ __volatile__("fnstcw %0" : "=m"(control_));
+    status_ = x87_status();
+    // A trap of the host's own that is still waiting is put aside; it comes back with the flags.
+    if (status_ & kPending) __asm__ __volatile__("fnclex");
+    if (control_ != kControl) load_control(kControl);
+  }
+
+  void leave_x87() noexcept {
     const std::uint16_t now = x87_status();
     const bool same_flags = ((now ^ status_) & kFlags) == 0;
     if (same_flags) {
@@ -76,7 +88,6 @@ class FpGuard {
     } else {
       restore_flags();
     }
-    if (_mm_getcsr() != mxcsr_) _mm_setcsr(mxcsr_);
   }
 
   static void load_control(std::uint16_t word) noexcept {
@@ -93,9 +104,9 @@ class FpGuard {
     __asm__ __volatile__("fldenv %0" : : "m"(environment));
   }
 
-  std::uint16_t control_;
-  std::uint16_t status_;
-  std::uint32_t mxcsr_;
+  std::uint16_t control_ = 0;
+  std::uint16_t status_ = 0;
+  std::uint32_t mxcsr_ = 0;
 #else
   void enter() noexcept {
     std::feholdexcept(&environment_);
