@@ -199,6 +199,37 @@ void set_fraction(Definition& d, const std::string& key, std::string_view value,
   }
 }
 
+double gravity_of_api(std::string_view shown, std::string_view value) {
+  const double api = plain_number(shown, value);
+  if (!(api >= 1.0 && api <= 150.0))
+    throw InputError(
+        fmt::format("API = {}: 1 to 150 degrees (a specific gravity is written SG = 0.8)", trimmed(value)));
+  return 141.5 / (131.5 + api);
+}
+
+void add_heat_capacity(Definition& d, std::string_view shown, std::string_view value) {
+  std::string_view numbers = value;
+  if (const std::size_t at = numbers.find_first_of("JjCc"); at != std::string_view::npos) {
+    if (search_key(numbers.substr(at)) != "jmolk")
+      throw InputError(fmt::format("Cp = {}: A, B, ... in J/(mol K) are needed", trimmed(value)));
+    numbers = numbers.substr(0, at);
+  }
+  for (const std::string& piece : listed(numbers)) d.cp.push_back(plain_number(shown, piece));
+  if (d.cp.empty() || d.cp.size() > 5)
+    throw InputError("Cp: one to five numbers A, B, C, D, E of A + B T + C T2 + ... in J/(mol K), T in K");
+}
+
+void set_heat_capacity_range(Definition& d, std::string_view shown, std::string_view value) {
+  const auto ends = split(value, ',');
+  if (ends.size() != 2)
+    throw InputError(
+        fmt::format("Cp range = {}: two temperatures, for instance 200 K, 1000 K", trimmed(value)));
+  d.cp_Tmin = condition(shown, Quantity::temperature, ends[0], "K");
+  d.cp_Tmax = condition(shown, Quantity::temperature, ends[1], "K");
+  if (!(d.cp_Tmin < d.cp_Tmax))
+    throw InputError(fmt::format("Cp range = {}: the lower temperature comes first", trimmed(value)));
+}
+
 }  // namespace
 
 void refuse(const Definition& d, const std::string& reason) {
@@ -225,11 +256,7 @@ void Definition::set(std::string_view written, std::string_view value) {
                       "about 999 times that)",
                       shown, trimmed(value)));
   } else if (key == "api") {
-    const double api = plain_number(shown, value);
-    if (!(api >= 1.0 && api <= 150.0))
-      throw InputError(
-          fmt::format("API = {}: 1 to 150 degrees (a specific gravity is written SG = 0.8)", trimmed(value)));
-    once(SG, 141.5 / (131.5 + api));
+    once(SG, gravity_of_api(shown, value));
   } else if (key == "correlation") {
     correlation = correlation_by_name(value);
   } else if (key == "pna") {
@@ -256,24 +283,9 @@ void Definition::set(std::string_view written, std::string_view value) {
     cas = checked_cas(value);
     if (cas == "7732-18-5") throw InputError("CAS = 7732-18-5: water is in the databank");
   } else if (key == "cp") {
-    std::string_view numbers = value;
-    if (const std::size_t at = numbers.find_first_of("JjCc"); at != std::string_view::npos) {
-      if (search_key(numbers.substr(at)) != "jmolk")
-        throw InputError(fmt::format("Cp = {}: A, B, ... in J/(mol K) are needed", trimmed(value)));
-      numbers = numbers.substr(0, at);
-    }
-    for (const std::string& piece : listed(numbers)) cp.push_back(plain_number(shown, piece));
-    if (cp.empty() || cp.size() > 5)
-      throw InputError("Cp: one to five numbers A, B, C, D, E of A + B T + C T2 + ... in J/(mol K), T in K");
+    add_heat_capacity(*this, shown, value);
   } else if (key == "cprange") {
-    const auto ends = split(value, ',');
-    if (ends.size() != 2)
-      throw InputError(
-          fmt::format("Cp range = {}: two temperatures, for instance 200 K, 1000 K", trimmed(value)));
-    cp_Tmin = condition(shown, Quantity::temperature, ends[0], "K");
-    cp_Tmax = condition(shown, Quantity::temperature, ends[1], "K");
-    if (!(cp_Tmin < cp_Tmax))
-      throw InputError(fmt::format("Cp range = {}: the lower temperature comes first", trimmed(value)));
+    set_heat_capacity_range(*this, shown, value);
   } else if (key == "groups") {
     groups = parse_groups(value);
     structure = Structure::groups;

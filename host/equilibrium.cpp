@@ -27,11 +27,8 @@ void add_liquids(const Exports& library, const Mixture& mixture, Equilibrium& st
   const bool parted = (record.flags & FreeWaterFlag) != 0 && w < state.x.size();
   const double s = std::min(1.0, std::exp(record.solubility_a - record.solubility_b / state.T));
   if (!parted || state.x[w] <= s) {
-    const bool dense =
-        !(state.beta > 0.0) && !state.of_fraction() && is_dense(library, mixture, state.x, state.T);
-    const PhaseKind kind = dense                          ? PhaseKind::dense
-                           : is_aqueous(mixture, state.x) ? PhaseKind::aqueous_liquid
-                                                          : PhaseKind::liquid;
+    const bool alone = !(state.beta > 0.0) && !state.of_fraction();
+    const PhaseKind kind = only_liquid_kind(library, mixture, state.T, state.x, alone);
     return add_phase(library, mixture, kind, fraction, state.x, state);
   }
   if (state.x[w] > kWaterRich)

@@ -36,10 +36,17 @@ bool is_dense(const Exports& library, const Mixture& mixture, const std::vector<
 PhaseKind liquid_kind(const Exports& library, const Mixture& mixture, double T, const std::vector<double>& x,
                       bool alone, LastCritical* last = nullptr);
 
+// The liquid of a flash of two phases; alone: there is no vapour beside it. T in K.
+PhaseKind only_liquid_kind(const Exports& library, const Mixture& mixture, double T,
+                           const std::vector<double>& x, bool alone, LastCritical* last = nullptr);
+
 // Packed like a liquid: v/b below a part of its value at the critical point of the equation of state.
 bool is_packed(const Mixture& mixture, const std::vector<double>& x, double molar_volume, double part = 1.0);
-// The part below which even the lightest of three phases is called a liquid: a gas near its critical point is above.
-inline constexpr double kPackedLiquid = 0.5;
+
+// Whether the lightest of three phases is a liquid as well: the root of lower free enthalpy says so, or its volume.
+// gas: its free enthalpy and molar volume as a gas; G_liquid: the free enthalpy of its liquid root.
+bool is_third_liquid(const Mixture& mixture, const std::vector<double>& x, const PropertyValues& gas,
+                     double G_liquid);
 
 // Of liquids that are not aqueous, the lighter and the heavier one by name; of three the other one is "liquid".
 void name_by_density(const std::vector<PhaseKind*>& kinds, const std::vector<double>& densities);

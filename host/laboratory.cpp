@@ -124,64 +124,86 @@ Entry entry_of(const Heading& h, std::size_t units, const std::vector<std::strin
   return e;
 }
 
+// A table of one analysis, row by row.
+struct Reading {
+  const Sheet& sheet;
+  const Heading& h;
+  Composition& composition;
+  std::size_t units;
+  std::optional<AmountUnit> column;  // of amounts without a unit of their own
+  std::vector<Amount> amounts;
+  std::vector<std::string> empty;                   // components without an amount
+  std::optional<std::pair<int, CellAmount>> total;  // its line; below 0: the row has no amount
+
+  const Row& heading() const { return sheet.rows[h.row]; }
+};
+
+// The last total that can be read.
+void take_total(Reading& r, int line, const std::vector<std::string>& cells) {
+  if (const auto sum = amount_of(r.h.amount < cells.size() ? cells[r.h.amount] : "", r.sheet))
+    r.total = {line, *sum};
+  if (!r.total) r.total = {line, CellAmount{-1.0, {}}};
+}
+
+// Whether a row below the heading has the unit of the column in place of an amount, or nothing.
+bool has_units(Reading& r, const std::string& cell) {
+  const auto unit = amount_unit(cell);
+  if (unit) r.column = unit;
+  return unit || cell.empty();
+}
+
+// A row with a component; first: it stands below the heading.
+void take_amount(Reading& r, int line, const std::vector<std::string>& cells, const std::string& written,
+                 bool first) {
+  const bool known = is_named(written, r.composition);
+  const Entry e = entry_of(r.h, r.units, cells, r.composition);
+  if (written.empty() && e.cell.empty()) return;
+  if (known && e.cell.empty()) r.empty.push_back(e.name);
+  if (known && is_below_detection(e.cell)) {
+    if (!e.cell.empty() && e.cell != "-")
+      r.composition.notes.push_back(fmt::format("{} \"{}\" taken as 0", e.name, e.cell));
+    return;
+  }
+  const auto amount = amount_of(e.cell, r.sheet);
+  if (!amount && first && !known && has_units(r, e.cell)) return;
+  if (!amount)
+    throw InputError(fmt::format("\"{}\" of {} is not an amount: write a number{}", e.cell,
+                                 written.empty() ? "a row without a name" : e.name,
+                                 r.sheet.separator == ',' ? " with a decimal point" : ""));
+  const auto& unit = amount->unit ? amount->unit : e.unit ? e.unit : r.column;
+  r.amounts.push_back({line, e.name, amount->value, unit});
+}
+
+void take_row(Reading& r, const Row& row, bool first) {
+  std::vector<std::string> cells = row.cells;
+  join_name(r.h, r.sheet, r.composition, cells);
+  const std::string written = r.h.name < cells.size() ? cells[r.h.name] : "";
+  if (is_total(written)) return take_total(r, row.line, cells);
+  if (r.total && is_named(written, r.composition))
+    throw InputError(
+        fmt::format("line {}: {} stands below the total; its row belongs above it", row.line, written));
+  if (r.total) return;
+  check_width(r.sheet, r.heading(), cells.size(), row.line);
+  try {
+    take_amount(r, row.line, cells, written, first);
+  } catch (const InputError& e) {
+    throw InputError(fmt::format("line {}: {}", row.line, e.what()));
+  }
+}
+
 void read_rows(const Sheet& sheet, const Heading& h, std::optional<AmountUnit> column,
                Composition& composition) {
-  const std::size_t units = unit_column(sheet.rows[h.row]);
-  std::vector<Amount> amounts;
-  std::vector<std::string> empty;
-  std::optional<std::pair<int, CellAmount>> total;
-  for (std::size_t r = h.row + 1; r < sheet.rows.size(); ++r) {
-    const Row& row = sheet.rows[r];
-    std::vector<std::string> cells = row.cells;
-    join_name(h, sheet, composition, cells);
-    const std::string written = h.name < cells.size() ? cells[h.name] : "";
-    const bool known = is_named(written, composition);
-    if (is_total(written)) {
-      if (const auto sum = amount_of(h.amount < cells.size() ? cells[h.amount] : "", sheet))
-        total = {row.line, *sum};
-      if (!total) total = {row.line, CellAmount{-1.0, {}}};
-      continue;
-    }
-    if (total && known)
-      throw InputError(
-          fmt::format("line {}: {} stands below the total; its row belongs above it", row.line, written));
-    if (total) continue;
-    check_width(sheet, sheet.rows[h.row], cells.size(), row.line);
-    try {
-      const Entry e = entry_of(h, units, cells, composition);
-      if (written.empty() && e.cell.empty()) continue;
-      if (known && e.cell.empty()) empty.push_back(e.name);
-      if (known && is_below_detection(e.cell)) {
-        if (!e.cell.empty() && e.cell != "-")
-          composition.notes.push_back(fmt::format("{} \"{}\" taken as 0", e.name, e.cell));
-        continue;
-      }
-      const auto amount = amount_of(e.cell, sheet);
-      if (!amount && r == h.row + 1 && !known) {  // units below the heading
-        if (const auto unit = amount_unit(e.cell)) column = unit;
-        if (e.cell.empty() || amount_unit(e.cell)) continue;
-      }
-      if (!amount)
-        throw InputError(fmt::format("\"{}\" of {} is not an amount: write a number{}", e.cell,
-                                     written.empty() ? "a row without a name" : e.name,
-                                     sheet.separator == ',' ? " with a decimal point" : ""));
-      amounts.push_back({row.line, e.name, amount->value,
-                         amount->unit ? amount->unit
-                         : e.unit     ? e.unit
-                                      : column});
-    } catch (const InputError& e) {
-      throw InputError(fmt::format("line {}: {}", row.line, e.what()));
-    }
-  }
-  if (!empty.empty())
-    composition.notes.push_back(fmt::format("no amount of {}: taken as 0", joined(empty, ", ")));
-  double whole = add_amounts(amounts, composition);
-  if (!total || total->second.value < 0.0) return;
-  if (const auto& unit = total->second.unit ? total->second.unit : column; unit && unit->scaled)
+  Reading r{sheet, h, composition, unit_column(sheet.rows[h.row]), column, {}, {}, {}};
+  for (std::size_t k = h.row + 1; k < sheet.rows.size(); ++k) take_row(r, sheet.rows[k], k == h.row + 1);
+  if (!r.empty.empty())
+    composition.notes.push_back(fmt::format("no amount of {}: taken as 0", joined(r.empty, ", ")));
+  double whole = add_amounts(r.amounts, composition);
+  if (!r.total || r.total->second.value < 0.0) return;
+  if (const auto& unit = r.total->second.unit ? r.total->second.unit : r.column; unit && unit->scaled)
     whole = unit->whole;
   double sum = 0.0;
   for (const double a : composition.amounts) sum += a;
-  check_total(total->first, total->second.value, sum * whole);
+  check_total(r.total->first, r.total->second.value, sum * whole);
 }
 
 }  // namespace

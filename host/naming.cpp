@@ -83,6 +83,12 @@ PhaseKind liquid_kind(const Exports& library, const Mixture& mixture, double T, 
   return polar_share(mixture, mixture.z) > 0.0 ? PhaseKind::hydrocarbon_liquid : PhaseKind::liquid;
 }
 
+PhaseKind only_liquid_kind(const Exports& library, const Mixture& mixture, double T,
+                           const std::vector<double>& x, bool alone, LastCritical* last) {
+  if (alone && is_dense(library, mixture, x, T, last)) return PhaseKind::dense;
+  return is_aqueous(mixture, x) ? PhaseKind::aqueous_liquid : PhaseKind::liquid;
+}
+
 bool is_packed(const Mixture& mixture, const std::vector<double>& x, double molar_volume, double part) {
   constexpr double kGas = 82.057e-6, kOmegaB = 0.0778;  // m3 atm/(mol K)
   constexpr double packed = 3.9514;                     // v/b of the critical point of the equation of state
@@ -92,6 +98,13 @@ bool is_packed(const Mixture& mixture, const std::vector<double>& x, double mola
     b += x[i] * kOmegaB * kGas * c.Tc / (c.Pc / kAtmInPa);
   }
   return molar_volume < part * packed * b;
+}
+
+bool is_third_liquid(const Mixture& mixture, const std::vector<double>& x, const PropertyValues& gas,
+                     double G_liquid) {
+  constexpr double kPackedLiquid = 0.5;  // a gas near its critical point is above
+  return G_liquid < gas[Property::free_enthalpy] ||
+         is_packed(mixture, x, gas[Property::molar_volume], kPackedLiquid);
 }
 
 void name_by_density(const std::vector<PhaseKind*>& kinds, const std::vector<double>& densities) {

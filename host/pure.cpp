@@ -13,27 +13,27 @@ namespace {
 using PP = PureProperty;
 using PQ = Quantity;
 constexpr PurePropertyInfo kPureInfos[kPurePropertyCount] = {
-    {PP::vapour_pressure, "VaporPressure", 19, 1.0, PQ::pressure, true, "vapour pressure", "p sat",
+    {PP::vapour_pressure, 19, "VaporPressure", 1.0, PQ::pressure, true, "vapour pressure", "p sat",
      "vapour_pressure_Pa"},
-    {PP::vaporisation, "VaporizationEnthalpy", 18, 1e-3, PQ::enthalpy, true, "enthalpy of vaporisation",
+    {PP::vaporisation, 18, "VaporizationEnthalpy", 1e-3, PQ::enthalpy, true, "enthalpy of vaporisation",
      "H vap", "vaporisation_J_mol"},
-    {PP::liquid_density, "LiquidDensity", 5, 1.0, PQ::density, true, "density of the liquid", "liquid",
+    {PP::liquid_density, 5, "LiquidDensity", 1.0, PQ::density, true, "density of the liquid", "liquid",
      "liquid_density_kg_m3"},
-    {PP::liquid_heat_capacity, "LiquidSpecificHeat", 7, 1e-3, PQ::entropy, true, "heat capacity of the liquid",
+    {PP::liquid_heat_capacity, 7, "LiquidSpecificHeat", 1e-3, PQ::entropy, true, "heat capacity of the liquid",
      "Cp liquid", "liquid_Cp_J_mol_K"},
-    {PP::liquid_viscosity, "LiquidViscosity", 9, 1.0, PQ::viscosity, true, "viscosity of the liquid",
+    {PP::liquid_viscosity, 9, "LiquidViscosity", 1.0, PQ::viscosity, true, "viscosity of the liquid",
      "visc. liquid", "liquid_viscosity_Pa_s"},
-    {PP::liquid_conductivity, "LiquidThermalConductivity", 8, 1.0, PQ::conductivity, true,
+    {PP::liquid_conductivity, 8, "LiquidThermalConductivity", 1.0, PQ::conductivity, true,
      "thermal conductivity of the liquid", "cond. liquid", "liquid_conductivity_W_m_K"},
-    {PP::surface_tension, "SurfaceTension", 17, 1.0, PQ::ratio, true, "surface tension", "tension",
+    {PP::surface_tension, 17, "SurfaceTension", 1.0, PQ::ratio, true, "surface tension", "tension",
      "surface_tension_N_m"},
-    {PP::ideal_gas_heat_capacity, "IdealGasSpecificHeat", 4, 1e-3, PQ::entropy, false,
+    {PP::ideal_gas_heat_capacity, 4, "IdealGasSpecificHeat", 1e-3, PQ::entropy, false,
      "heat capacity of the ideal gas", "Cp ideal", "ideal_gas_Cp_J_mol_K"},
-    {PP::gas_viscosity, "GasViscosity", 2, 1.0, PQ::viscosity, false, "viscosity of the dilute gas",
+    {PP::gas_viscosity, 2, "GasViscosity", 1.0, PQ::viscosity, false, "viscosity of the dilute gas",
      "visc. gas", "gas_viscosity_Pa_s"},
-    {PP::gas_conductivity, "GasThermalConductivity", 1, 1.0, PQ::conductivity, false,
+    {PP::gas_conductivity, 1, "GasThermalConductivity", 1.0, PQ::conductivity, false,
      "thermal conductivity of the dilute gas", "cond. gas", "gas_conductivity_W_m_K"},
-    {PP::second_virial, "SecondVirialCoefficient", 11, 1e-3, PQ::molar_volume, false,
+    {PP::second_virial, 11, "SecondVirialCoefficient", 1e-3, PQ::molar_volume, false,
      "second virial coefficient", "B", "second_virial_m3_mol"}};
 
 const PurePropertyInfo& info_of(PureProperty property) {

@@ -30,8 +30,8 @@ inline constexpr std::size_t kPurePropertyCount = 11;
 
 struct PurePropertyInfo {
   PureProperty property;
-  const char* entry;  // of the library, without _EX
   int index;          // in KV_PURE_PROPERTIES, from 1
+  const char* entry;  // of the library, without _EX
   double factor;      // from the library's unit to the base unit; densities also take the molar mass
   Quantity quantity;  // of its base unit; ratio: surface tension, in N/m
   bool of_liquid;     // there is none above the critical temperature

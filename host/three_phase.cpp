@@ -77,7 +77,7 @@ void solve_three(const Exports& library, Mixture& mixture, Equilibrium& s) {
   s.last_T = T;
 }
 
-// The lightest of three phases may be a liquid as well: the root of lower free enthalpy says so, or its volume.
+// The lightest of three phases may be a liquid as well.
 void settle_root(const Exports& library, const Mixture& mixture, Equilibrium& s) {
   // With free water the liquid exports take all water for liquid water: nothing to compare.
   if ((mixture.record.flags & FreeWaterFlag) != 0 || s.phases.size() < 3 || s.of_fraction()) return;
@@ -85,9 +85,7 @@ void settle_root(const Exports& library, const Mixture& mixture, Equilibrium& s)
   PhaseState& light = s.phases.front();
   const PropertyValues liquid =
       phase_properties(library, mixture, PhaseKind::liquid, s.T, s.P, light.x, light.molar_mass);
-  if (!(liquid[Property::free_enthalpy] < light.properties[Property::free_enthalpy]) &&
-      !is_packed(mixture, light.x, light.properties[Property::molar_volume], kPackedLiquid))
-    return;
+  if (!is_third_liquid(mixture, light.x, light.properties, liquid[Property::free_enthalpy])) return;
   light.kind = PhaseKind::liquid;
   light.properties = liquid;
   s.beta = 0.0;

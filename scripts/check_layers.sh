@@ -74,5 +74,12 @@ if [ "$entries" = 0 ] || [ "$entries" != "$guards" ]; then
   exit 1
 fi
 
+# The three libraries, which share nothing, keep a host's floating-point environment by the same words.
+for library in pure tools; do
+  for file in src/frame/boundary.hpp siblings/$library/entry.hpp; do
+    sed -n '/^class FpGuard/,/^};/p' "$file" | cksum
+  done | uniq | wc -l | grep -qx 1 || { echo "siblings/$library/entry.hpp: another FpGuard than src/frame/boundary.hpp"; exit 1; }
+done
+
 # The picture of the layers, the equations and sources that the papers and the comments name.
 python3 tools/check_papers.py || exit 1

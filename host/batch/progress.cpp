@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <string>
 
@@ -22,7 +23,7 @@ double seconds(std::chrono::steady_clock::duration time) {
 }  // namespace
 
 std::string time_in_words(double total) {
-  const auto whole = static_cast<std::int64_t>(std::min(total, 1e9) + 0.5);
+  const auto whole = std::int64_t{std::llround(std::min(total, 1e9))};
   const std::int64_t days = whole / 86400, hours = whole / 3600 % 24, minutes = whole / 60 % 60;
   if (days > 0) return fmt::format("{} d {:02}:{:02}:{:02}", days, hours, minutes, whole % 60);
   if (hours > 0) return fmt::format("{}:{:02}:{:02}", hours, minutes, whole % 60);

@@ -83,10 +83,8 @@ void StateSolver::name_phases() {
     if (!is_there(p)) continue;
     if (phase_count_ == 3)
       kinds_[p] = liquid_kind(library_, mixture_, T_, x_[p], alone, &critical_of(p));
-    else if (alone && is_dense(library_, mixture_, x_[p], T_, &critical_of(p)))
-      kinds_[p] = PhaseKind::dense;
     else
-      kinds_[p] = is_aqueous(mixture_, x_[p]) ? PhaseKind::aqueous_liquid : PhaseKind::liquid;
+      kinds_[p] = only_liquid_kind(library_, mixture_, T_, x_[p], alone, &critical_of(p));
     alone = false;
   }
   if (is_there(1) && phase_count_ == 3 && is_there(2) && kinds_[1] == kinds_[2]) {
@@ -104,7 +102,7 @@ void StateSolver::settle_root() {
   constexpr auto G = Property::free_enthalpy, v = Property::molar_volume, rho = Property::density;
   const PropertyValues gas = properties_of(0, bit(G) | bit(v));
   kinds_[0] = PhaseKind::liquid;
-  if (!(properties_of(0, bit(G))[G] < gas[G]) && !is_packed(mixture_, x_[0], gas[v], kPackedLiquid)) {
+  if (!is_third_liquid(mixture_, x_[0], gas, properties_of(0, bit(G))[G])) {
     kinds_[0] = PhaseKind::vapour;
     return;
   }

@@ -85,7 +85,7 @@ Machine machine_of(const MachineOptions& o, const UnitSystem& units) {
 // Pressures of the outlet, on the right side of that of the inlet.
 std::vector<double> outlets(const MachineOptions& o, const UnitSystem& units, double P) {
   const bool up = o.kind == MachineKind::compressor;
-  const auto values = parse_conditions(Quantity::pressure, o.outlet, units[Quantity::pressure]);
+  auto values = parse_conditions(Quantity::pressure, o.outlet, units[Quantity::pressure]);
   for (const double to : values) {
     if (up ? to > P : to < P) continue;
     const Unit& unit = units[Quantity::pressure];

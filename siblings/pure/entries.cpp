@@ -4,16 +4,8 @@
 #include <cmath>
 #include <cstring>
 
-#include "kestrune/kvcmpdpurelite.h"
 #include "pure/databank.hpp"
-#include "pure/fp_guard.hpp"
-
-// Hosts of the 32-bit library call with a stack aligned to 4 bytes; SSE code needs 16.
-#if defined(__i386__)
-#define PURE_ENTRY extern "C" KV_API __attribute__((force_align_arg_pointer)) int32_t KV_CALL
-#else
-#define PURE_ENTRY extern "C" KV_API int32_t KV_CALL
-#endif
+#include "pure/entry.hpp"
 
 namespace {
 
@@ -153,40 +145,41 @@ Property property_of(int32_t index) noexcept {
 
 }  // namespace
 
-#define PURE_PROPERTY(name)                                                                 \
-  PURE_ENTRY name##_EX(const int32_t* cas, const double* T, const double*, const double*,   \
-                       const int32_t* table, int32_t* status, double* result, char* unit) { \
-    return property_entry(Property::name, {cas, T, table, status, result, unit});           \
-  }                                                                                         \
-  PURE_ENTRY Check##name##_EX(const int32_t* cas, const int32_t* equation) {                \
-    return check_entry(Property::name, cas, equation);                                      \
+#define PURE_PROPERTY(name)                                                                               \
+  KV_ENTRY int32_t KV_CALL name##_EX(const int32_t* cas, const double* T, const double*, const double*,   \
+                                     const int32_t* table, int32_t* status, double* result, char* unit) { \
+    return property_entry(Property::name, {cas, T, table, status, result, unit});                         \
+  }                                                                                                       \
+  KV_ENTRY int32_t KV_CALL Check##name##_EX(const int32_t* cas, const int32_t* equation) {                \
+    return check_entry(Property::name, cas, equation);                                                    \
   }
 KV_PURE_PROPERTIES(PURE_PROPERTY)
 
-#define PURE_INTEGRALS(name)                                                                        \
-  PURE_ENTRY name##IT_EX(const int32_t* cas, const double* T, const double* a, const double* b,     \
-                         const int32_t* table, int32_t* status, double* result, char* unit) {       \
-    return integral_entry(Over::t, Property::name, a, b, {cas, T, table, status, result, unit});    \
-  }                                                                                                 \
-  PURE_ENTRY name##TIT_EX(const int32_t* cas, const double* T, const double* a, const double* b,    \
-                          const int32_t* table, int32_t* status, double* result, char* unit) {      \
-    return integral_entry(Over::ln_t, Property::name, a, b, {cas, T, table, status, result, unit}); \
+#define PURE_INTEGRALS(name)                                                                                   \
+  KV_ENTRY int32_t KV_CALL name##IT_EX(const int32_t* cas, const double* T, const double* a, const double* b,  \
+                                       const int32_t* table, int32_t* status, double* result, char* unit) {    \
+    return integral_entry(Over::t, Property::name, a, b, {cas, T, table, status, result, unit});               \
+  }                                                                                                            \
+  KV_ENTRY int32_t KV_CALL name##TIT_EX(const int32_t* cas, const double* T, const double* a, const double* b, \
+                                        const int32_t* table, int32_t* status, double* result, char* unit) {   \
+    return integral_entry(Over::ln_t, Property::name, a, b, {cas, T, table, status, result, unit});            \
   }
 PURE_INTEGRALS(IdealGasSpecificHeat)
 PURE_INTEGRALS(LiquidSpecificHeat)
 PURE_INTEGRALS(SolidSpecificHeat)
 PURE_INTEGRALS(LiquidSpecificHeatInfiniteDilution)
 
-#define PURE_EXERGY(name, phase)                                                            \
-  PURE_ENTRY name##_EX(const int32_t* cas, const double* T, const double*, const double*,   \
-                       const int32_t* table, int32_t* status, double* result, char* unit) { \
-    return exergy_entry(phase, {cas, T, table, status, result, unit});                      \
+#define PURE_EXERGY(name, phase)                                                                          \
+  KV_ENTRY int32_t KV_CALL name##_EX(const int32_t* cas, const double* T, const double*, const double*,   \
+                                     const int32_t* table, int32_t* status, double* result, char* unit) { \
+    return exergy_entry(phase, {cas, T, table, status, result, unit});                                    \
   }
 PURE_EXERGY(StdVaporChemicalExergy, Phase::vapour)
 PURE_EXERGY(StdLiquidChemicalExergy, Phase::liquid)
 PURE_EXERGY(StdSolidChemicalExergy, Phase::solid)
 
-PURE_ENTRY AvailableCorrelations(const int32_t* cas, const int32_t* property, int32_t* equations) {
+KV_ENTRY int32_t KV_CALL AvailableCorrelations(const int32_t* cas, const int32_t* property,
+                                               int32_t* equations) {
   if (!cas || !property || !equations || equations[0] < 0) return status_argument;
   const int32_t capacity = equations[0];
   equations[0] = 0;
@@ -203,8 +196,8 @@ PURE_ENTRY AvailableCorrelations(const int32_t* cas, const int32_t* property, in
   return status_good;
 }
 
-PURE_ENTRY CorrelationInfo(const int32_t* cas, const int32_t* property, const int32_t* equation, double* T_min,
-                           double* T_max, char* unit, char* source) {
+KV_ENTRY int32_t KV_CALL CorrelationInfo(const int32_t* cas, const int32_t* property, const int32_t* equation,
+                                         double* T_min, double* T_max, char* unit, char* source) {
   if (!cas || !property || !equation || !T_min || !T_max || !unit || !source) return status_argument;
   const Property asked = property_of(*property);
   std::memcpy(unit, unit_of(asked).text, unit_length);
@@ -226,14 +219,14 @@ PURE_ENTRY CorrelationInfo(const int32_t* cas, const int32_t* property, const in
   return status_good;
 }
 
-PURE_ENTRY SetTempFolder(const char* folder, const int32_t* length) {
+KV_ENTRY int32_t KV_CALL SetTempFolder(const char* folder, const int32_t* length) {
   return folder && length && *length >= 0 && *length <= longest_folder ? status_good : status_argument;
 }
 
-PURE_ENTRY SetThermoCodes(const int32_t* first, const int32_t* second) {
+KV_ENTRY int32_t KV_CALL SetThermoCodes(const int32_t* first, const int32_t* second) {
   return first && second ? status_good : status_argument;
 }
 
-PURE_ENTRY KVCmpdPure_Free(void) {
+KV_ENTRY int32_t KV_CALL KVCmpdPure_Free(void) {
   return status_good;
 }

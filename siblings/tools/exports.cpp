@@ -4,7 +4,6 @@
 #include "collocation.hpp"
 #include "dense.hpp"
 #include "entry.hpp"
-#include "fp_guard.hpp"
 #include "nonlinear.hpp"
 #include "petroleum.hpp"
 #include "regression.hpp"

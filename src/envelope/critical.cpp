@@ -7,15 +7,18 @@
 #include <cmath>
 
 #include "flash/feed.hpp"
+#include "flash/fugacity.hpp"
 #include "flash/isothermal.hpp"
 #include "flash/pure_saturation.hpp"
 #include "flash/settings.hpp"
+#include "support/spline.hpp"
 
 namespace kestrune::envelope {
 namespace {
 
-constexpr double kThinnest = 0.16, kDensest = 0.82, kStep = 0.1;  // packing
-constexpr int kParts = 8;                                         // in which a step is looked at for roots
+constexpr double kThinnest = 0.16, kStep = 0.1;  // packing
+constexpr int kPackings = 7;
+constexpr int kParts = 8;  // in which a step is looked at for roots
 constexpr int kNewtonLimit = 30, kSpinodalLimit = 12;
 constexpr double kMostLogT = 0.1, kMostEta = 0.05;
 constexpr double kLastStep = 1e-6, kRough = 1e-3;  // of ln T and eta
@@ -56,9 +59,7 @@ bool settle(Spinodal& sp, Node& node, StatusCode& status) {
 
 // A node of the spinodal at a packing: the highest temperature there, from just below it.
 bool first_node(Spinodal& sp, double eta, Node& node, StatusCode& status) {
-  const double* Tc = sp.context.record->table + static_cast<std::size_t>(KV_COL_TC - 1) * sp.n;
-  double T = 0.0;
-  for (int i = 0; i < sp.n; ++i) T += sp.z[i] * Tc[i];
+  double T = flash::pseudo_critical_temperature(*sp.context.record, sp.z);
   const bool down = locally_stable(sp, T, eta, 0.0, status);
   bool stable = down;
   while (stable == down && status == KV_OK) {
@@ -85,29 +86,21 @@ bool first_node(Spinodal& sp, double eta, Node& node, StatusCode& status) {
   return false;
 }
 
-// Value at a part t of the way between two nodes, by the cubic of values and slopes.
-double between(double a, double slope_a, double b, double slope_b, double h, double t) {
-  const double c2 = 3.0 * (b - a) - h * (2.0 * slope_a + slope_b), c3 = 2.0 * (a - b) + h * (slope_a + slope_b);
-  return a + t * (h * slope_a + t * (c2 + t * c3));
+// The form and the temperature between two nodes.
+support::Cubic form_between(const Node& a, const Node& b) {
+  return support::cubic(a.form, a.form_slope, b.form, b.form_slope, b.eta - a.eta);
 }
-double form_between(const Node& a, const Node& b, double t) {
-  return between(a.form, a.form_slope, b.form, b.form_slope, b.eta - a.eta, t);
-}
-double T_between(const Node& a, const Node& b, double t) {
-  return between(a.T, a.T_slope, b.T, b.T_slope, b.eta - a.eta, t);
+support::Cubic T_between(const Node& a, const Node& b) {
+  return support::cubic(a.T, a.T_slope, b.T, b.T_slope, b.eta - a.eta);
 }
 
 // The critical point in the part low .. high of the way from a to b, where the cubic of the form changes sign.
 bool solve_between(Spinodal& sp, const Node& a, const Node& b, double low, double high, double& T, double& eta,
                    StatusCode& status) {
-  const double h = b.eta - a.eta;
-  const bool rising = form_between(a, b, low) < 0.0;
-  for (int k = 0; k < 12; ++k) {
-    const double middle = 0.5 * (low + high);
-    ((form_between(a, b, middle) < 0.0) == rising ? low : high) = middle;
-  }
-  T = T_between(a, b, low);
-  eta = a.eta + low * h;
+  constexpr int kHalvings = 12;  // Newton's method does the rest
+  const double h = b.eta - a.eta, part = support::cubic_root(form_between(a, b), 0.0, low, high, kHalvings);
+  T = T_between(a, b).at(part);
+  eta = a.eta + part * h;
   return solve_critical(sp, T, eta, status) && eta > a.eta - 0.1 * h && eta < b.eta + 0.1 * h;
 }
 
@@ -128,8 +121,9 @@ bool comes_close(const Node& a, const Node& b, double& where) {
   constexpr double kClose = 0.5;  // of the smaller one at the ends
   double least = kClose * std::min(std::fabs(a.form), std::fabs(b.form));
   bool close = false;
+  const support::Cubic form = form_between(a, b);
   for (int k = 1; k < kParts; ++k) {
-    const double t = static_cast<double>(k) / kParts, value = form_between(a, b, t);
+    const double t = static_cast<double>(k) / kParts, value = form.at(t);
     if ((value > 0.0) != (a.form > 0.0)) return false;
     if (std::fabs(value) > least) continue;
     least = std::fabs(value);
@@ -143,8 +137,9 @@ bool comes_close(const Node& a, const Node& b, double& where) {
 void add_roots(Spinodal& sp, const Node& a, const Node& b, int capacity, Critical* found, int& count,
                StatusCode& status) {
   double before = a.form;
+  const support::Cubic form = form_between(a, b);
   for (int k = 1; k <= kParts; ++k) {
-    const double t = static_cast<double>(k) / kParts, value = form_between(a, b, t);
+    const double t = static_cast<double>(k) / kParts, value = form.at(t);
     if ((before > 0.0) != (value > 0.0)) {
       double T, eta;
       std::copy_n(sp.w, sp.n, sp.kept);
@@ -165,7 +160,7 @@ void add_between(Spinodal& sp, const Node& a, const Node& b, int capacity, Criti
   double where = 0.0;
   for (int k = 0; k < kMostSplits && comes_close(from, b, where); ++k) {
     middle.eta = from.eta + where * (b.eta - from.eta);
-    middle.T = T_between(from, b, where);
+    middle.T = T_between(from, b).at(where);
     if (!settle(sp, middle, status)) break;
     add_roots(sp, from, middle, capacity, found, count, status);
     from = middle;
@@ -250,8 +245,8 @@ StatusCode critical_points(Spinodal& sp, int capacity, Critical* found, int& cou
   Node here, next;
   StatusCode status = KV_OK;
   bool have = false;
-  double hottest = 0.0, most = 0.0;
-  for (double eta = kThinnest; eta < kDensest; eta += kStep) {
+  double hottest = 0.0, most = 0.0, eta = kThinnest;
+  for (int k = 0; k < kPackings; ++k, eta += kStep) {
     bool followed = false;
     next.eta = eta;
     if (have) {

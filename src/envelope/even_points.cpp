@@ -49,9 +49,8 @@ double length_of(const Tracer& t, const Scale& scale, int k) {
 
 // A point that has to be among those returned: its place and how much it matters.
 struct Fixed {
-  int node;
   double s;
-  int weight;
+  int node, weight;
 };
 
 // Ends, critical points, extremes and corners, as many as there is room for.
@@ -62,7 +61,7 @@ int fixed_points(const Tracer& t, const double* s, int wanted, Fixed* fixed) {
     const bool after_corner = b.held < 0 && k > 0 && t.node[k - 1].corner;
     const bool end = (b.held < 0 && !after_corner) || k + 1 == t.count || (t.node[k + 1].held < 0 && !b.corner);
     const int weight = b.critical ? 4 : b.extreme ? 3 : end ? 2 : b.corner ? 1 : 0;
-    if (weight > 0) fixed[count++] = {k, s[k], weight};
+    if (weight > 0) fixed[count++] = {s[k], k, weight};
   }
   while (count > wanted) {
     int least = 0;

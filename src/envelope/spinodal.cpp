@@ -8,6 +8,7 @@
 #include <cfloat>
 #include <cmath>
 
+#include "flash/fugacity.hpp"
 #include "support/ldl.hpp"
 #include "support/lu.hpp"
 #include "support/mathkernels.hpp"
@@ -209,10 +210,7 @@ void open_spinodal(support::Arena& arena, const eos::Context& context, const dou
   sp.pivot = arena.take_ints(sp.n + 1);
   sp.base = arena.mark();
   for (int i = 0; i < sp.n; ++i) sp.root[i] = std::sqrt(z[i]);
-  const double* Tc = mixture.table + static_cast<std::size_t>(KV_COL_TC - 1) * sp.n;
-  const double* Pc = mixture.table + static_cast<std::size_t>(KV_COL_PC - 1) * sp.n;
-  sp.b = 0.0;
-  for (int i = 0; i < sp.n; ++i) sp.b += z[i] * eos::kOmegaB_R * Tc[i] / Pc[i];
+  sp.b = flash::covolume(mixture, z);
 }
 
 StatusCode curvature(Spinodal& sp, double T, double eta, Curvature& out) {

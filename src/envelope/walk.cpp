@@ -117,9 +117,9 @@ bool push_critical(Tracer& t, int held) {
 
 // Where a line ends: the value of an unknown, and what that is called.
 struct Limit {
-  int index;
-  double value;
-  End end;
+  int index = 0;
+  double value = 0.0;
+  End end = End::closed;
 };
 
 // Whether ln T or ln P (index), falling there or rising, is beyond its limit at v, which then is noted.
@@ -238,78 +238,114 @@ bool goes_on(const Tracer& t, double& sign) {
   return false;
 }
 
-// The walk itself.
-End follow(Tracer& t, double phase, double sign, bool stable, int seen) {
+// A walk under way.
+struct Walk {
+  double phase, sign;  // of its points; direction in pressure
+  int seen;            // nodes of earlier lines
+  Stability stability;
   double step = flash::kFirstStep;
-  bool have_last = false;
-  keep_roots(t, t.here);
-  if (!push(t, t.here, -1, t.boundary() ? phase : t.line.W)) return End::full;
-  t.node[t.count - 1].stable = stable;
-  Stability stability{t.count - 1, stable};
+  bool have_last = false;  // t.last is the point before t.here
+};
+
+bool push_point(Tracer& t, const Walk& w, const LinePoint& p, int held) {
+  return push(t, p, held, t.boundary() ? w.phase : t.line.W);
+}
+
+// The next point, t.next, with shorter steps where it is hard to find: it is far from where it was expected then, and
+// the line turns in between. Behind a critical point T and P turn back, and with one of them held the line before it is
+// as close.
+Solved next_point(Tracer& t, Walk& w, flash::LineStep& made) {
+  const bool by_last = w.have_last && goes_on(t, w.sign);
+  const flash::StepBounds& bounds = w.phase == kLiquids ? kBoundsOfLiquids : kBounds;
+  for (int shorter = 0;; ++shorter) {
+    const Solved solved = flash::walk_on(t.line, by_last ? &t.last : nullptr, t.here, w.sign, w.step, bounds,
+                                         t.next, made, t.status);
+    if (solved != Solved::yes || shorter == kMostShorter) return solved;
+    const bool back = w.have_last && passes_critical(t, t.last, t.here) && passes_critical(t, t.here, t.next);
+    if (t.next.passes <= kHardPoint && !back) return solved;
+    w.step = kShorter * std::fabs(made.change);
+  }
+}
+
+// A critical point on the way to t.next becomes a node. True where the walk ends there, and why.
+bool ends_at_critical(Tracer& t, Walk& w, int held, End& end) {
+  if (!passes_critical(t, t.here, t.next)) return false;
+  end = End::full;
+  if (!push_critical(t, held)) return true;
+  end = End::closed;
+  if (!t.boundary()) return true;
+  if (w.phase != kLiquids) w.phase = w.phase == kDew ? kBubble : kDew;
+  return false;
+}
+
+// t.next cut back to a limit. A critical point may have come in between: the step is that from t.here all the same.
+bool cut_at(Tracer& t, int held, const Limit& limit) {
+  if (!solve_between(t, t.here, t.next, held, limit.index, limit.value, t.branch)) return false;
+  flash::copy_point(t.line, t.branch, t.next);
+  return true;
+}
+
+// From t.here on another branch. True where that ends at once, and why.
+bool ends_anew(Tracer& t, Walk& w, End& end) {
+  w.have_last = false;
+  w.step = flash::kFirstStep;
+  end = End::full;
+  if (!push(t, t.here, -1, w.phase)) return true;
+  end = End::joined;
+  if (on_earlier_line(t, t.here, w.seen)) return true;
+  w.stability.tested = t.count - 1;
+  return false;
+}
+
+End follow(Tracer& t, Walk& w) {
+  End end = End::full;
   for (bool first = true;; first = false) {
     flash::LineStep made;
-    const bool by_last = have_last && goes_on(t, sign);
-    const flash::StepBounds& bounds = phase == kLiquids ? kBoundsOfLiquids : kBounds;
-    Solved solved;
-    for (int shorter = 0;; ++shorter) {
-      solved = flash::walk_on(t.line, by_last ? &t.last : nullptr, t.here, sign, step, bounds, t.next, made,
-                              t.status);
-      if (solved != Solved::yes || shorter == kMostShorter) break;
-      // A point that was hard to find is far from where it was expected: the line turns in between. Behind a
-      // critical point T and P turn back, and with one of them held the line before it is as close.
-      const bool back = have_last && passes_critical(t, t.last, t.here) && passes_critical(t, t.here, t.next);
-      if (t.next.passes <= kHardPoint && !back) break;
-      step = kShorter * std::fabs(made.change);
-    }
-    if (solved != Solved::yes || all_feed(t, t.next)) {
-      look_at_stability(t, stability, true, phase, sign);
+    if (next_point(t, w, made) != Solved::yes || all_feed(t, t.next)) {
+      look_at_stability(t, w.stability, true, w.phase, w.sign);
       return End::broken;
     }
     keep_roots(t, t.next);
-    if (passes_critical(t, t.here, t.next)) {
-      if (!push_critical(t, made.held)) return End::full;
-      if (!t.boundary()) return End::closed;
-      if (phase != kLiquids) phase = phase == kDew ? kBubble : kDew;
-    }
+    if (ends_at_critical(t, w, made.held, end)) return end;
     Limit limit;
-    const bool ends = limit_passed(t, first, made.held, limit);
-    if (ends) {
-      // A critical point may have come in between: the step is that from t.here all the same.
-      if (!solve_between(t, t.here, t.next, made.held, limit.index, limit.value, t.branch)) return End::broken;
-      flash::copy_point(t.line, t.branch, t.next);
-    }
-    if (!push(t, t.next, made.held, t.boundary() ? phase : t.line.W)) return End::full;
-    const bool joined = on_earlier_line(t, t.next, seen) && !first;
-    step = flash::next_length(made, t.next.passes);
+    const bool at_limit = limit_passed(t, first, made.held, limit);
+    if (at_limit && !cut_at(t, made.held, limit)) return End::broken;
+    if (!push_point(t, w, t.next, made.held)) return End::full;
+    const bool joined = on_earlier_line(t, t.next, w.seen) && !first;
+    w.step = flash::next_length(made, t.next.passes);
     const flash::Kind root_x = t.line.root_x, root_y = t.line.root_y;
-    look_at_stability(t, stability, ends || joined, phase, sign);
-    if (stability.renewed) {
-      have_last = false;
-      step = flash::kFirstStep;
-      if (!push(t, t.here, -1, phase)) return End::full;
-      if (on_earlier_line(t, t.here, seen)) return End::joined;
-      stability.tested = t.count - 1;
+    look_at_stability(t, w.stability, at_limit || joined, w.phase, w.sign);
+    if (w.stability.renewed) {
+      if (ends_anew(t, w, end)) return end;
       continue;
     }
     t.line.root_x = root_x;
     t.line.root_y = root_y;
-    if (ends) return limit.end;
+    if (at_limit) return limit.end;
     if (joined) return End::joined;
     flash::copy_point(t.line, t.here, t.last);
     flash::copy_point(t.line, t.next, t.here);
-    have_last = true;
+    w.have_last = true;
   }
+}
+
+// Follows the line from its first node, t.here.
+End begin_walk(Tracer& t, double phase, double sign, bool stable, int seen) {
+  Walk w{phase, sign, seen, {t.count, stable}};
+  keep_roots(t, t.here);
+  if (!push_point(t, w, t.here, -1)) return End::full;
+  t.node[t.count - 1].stable = stable;
+  return follow(t, w);
 }
 
 }  // namespace
 
 void keep_roots(Tracer& t, const LinePoint& p) {
   const MixtureRecord& m = *t.line.context.record;
-  const double unit = std::exp(p.X[t.line.P_index()] - p.X[t.line.T_index()]) / eos::kR;
+  const double T = flash::temperature(t.line, p), P = flash::pressure(t.line, p);
   const auto kind = [&](const double* x, double Z) {
     if (!(Z > 0.0)) return flash::Kind::stable;
-    return flash::covolume(m, x) * unit * eos::kCriticalVolumeRatio < Z ? flash::Kind::gas
-                                                                        : flash::Kind::liquid;
+    return flash::loosely_packed(m, T, P, x, Z) ? flash::Kind::gas : flash::Kind::liquid;
   };
   t.line.root_x = kind(p.x, p.Zx);
   t.line.root_y = kind(p.y, p.Zy);
@@ -354,7 +390,7 @@ bool solve_between(Tracer& t, const LinePoint& a, const LinePoint& b, int held, 
 
 End walk(Tracer& t, double phase, double sign, bool stable, int seen) {
   const int begin = t.count;
-  const End end = follow(t, phase, sign, stable, seen);
+  const End end = begin_walk(t, phase, sign, stable, seen);
   if (end != End::closed || t.count - begin < 3 || t.node[begin].kind != t.node[t.count - 1].kind) return end;
   // Back at its own beginning: it has turned round where it was not stable, and what follows is nothing new.
   const int iT = t.line.T_index();

@@ -5,11 +5,12 @@
 
 namespace kestrune::eos {
 
-inline constexpr double kR = 82.057;                     // cm3 atm/(mol K)
-inline constexpr double kOmegaA_R2 = 3078.7575250928;    // 0.45724 R^2
-inline constexpr double kOmegaB_R = 6.3840346;           // 0.0778 R
-inline constexpr double kCalPerCm3Atm = 0.0242173124;    // cm3 atm -> cal, 1.9872 / 82.057
-inline constexpr double kReferenceTemperature = 298.15;  // K, of the group interactions
+inline constexpr double kR = 82.057;                      // cm3 atm/(mol K)
+inline constexpr double kOmegaA_R2 = 3078.7575250928;     // 0.45724 R^2
+inline constexpr double kOmegaB_R = 6.3840346;            // 0.0778 R
+inline constexpr double kCalPerCm3Atm = 0.0242173124;     // cm3 atm -> cal, 1.9872 / 82.057
+inline constexpr double kResidualR = kR * kCalPerCm3Atm;  // cal/(mol K), that of the residual parts
+inline constexpr double kReferenceTemperature = 298.15;   // K, of the group interactions
 inline constexpr double kAtmPerMPa = 1000000.0 / 101325.0;
 
 // The Peng-Robinson pair of the generalised cubic, and what follows from it: V^2 + u b V + w b^2 in (1) of

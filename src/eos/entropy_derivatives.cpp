@@ -8,8 +8,8 @@
 #include <cfloat>
 #include <cmath>
 
+#include "eos/liquid_water.hpp"
 #include "eos/properties.hpp"
-#include "eos/water.hpp"
 
 namespace kestrune::eos {
 namespace {
@@ -20,7 +20,6 @@ constexpr double kPairsAgree = 3e-5;
 // Relative error at which the extrapolation ends early.
 constexpr double kGoodEnough = 1e-12;
 constexpr double kLargestStep = 0.01, kSmallestStep = 1e-8;
-constexpr double kResidualR = kR * kCalPerCm3Atm;  // cal/(mol K), that of the residual parts
 
 // The state itself: what the equation of state sees of it and says about it.
 struct Middle {
@@ -45,11 +44,8 @@ StatusCode entropy_at(const Middle& m, double T, double& S) {
     if (!has_values(status)) return status;
     S = ideal_entropy(p.context.record->count, p.x, p.P, ideal);
     if (!(m.seen.share > 0.0)) return KV_OK;
-    Temperature t;
-    const StatusCode prepared = prepare(T, p.context, 1, arena, t);
-    if (prepared != KV_OK) return prepared;
     PhaseValues v;
-    const StatusCode root = residual(p, t, m.seen.y, 7, arena.take(3 * t.ld), v);
+    const StatusCode root = residual_at(p, m.seen.y, 7, arena, v);
     S += m.seen.share * v.S_res;
     return root;
   });
@@ -58,8 +54,9 @@ StatusCode entropy_at(const Middle& m, double T, double& S) {
 // dS/dT by four points; nearer ones where a root ends in between, and where the inner and the outer pair
 // differ: beside the end of a root the slope has no bound.
 StatusCode temperature_slope(const Middle& m, double& slope) {
-  double error = DBL_MAX;
-  for (double step = kTemperatureStep; step > 1e-10; step /= 16.0) {
+  constexpr int kSteps = 4;
+  double error = DBL_MAX, step = kTemperatureStep;
+  for (int nearer = 0; nearer < kSteps; ++nearer, step /= 16.0) {
     const double h = step * m.p.T;
     double S[4];
     bool good = true;
@@ -159,6 +156,20 @@ StatusCode mole_number_slopes(const Middle& m, IdealGas ideal, double S, support
   return good ? StatusCode{KV_OK} : StatusCode{KV_NOT_FINITE};
 }
 
+// What the equation of state says of the state itself.
+void look_at_middle(Middle& m, bool with_n, support::Arena& arena) {
+  const Phase& p = m.p;
+  const int ld = support::padded(p.context.record->count);
+  m.root = prepare(p.T, p.context, 1, arena, m.t);
+  if (m.root != KV_OK) return;
+  m.work = arena.take(3 * ld);
+  if (with_n) {
+    m.v.h_partial = arena.take(ld);
+    m.v.ln_phi = arena.take(ld);
+  }
+  m.root = residual(p, m.t, m.seen.y, with_n ? 8 : 7, m.work, m.v);
+}
+
 }  // namespace
 
 StatusCode entropy_derivatives(const Phase& p, int mask, WithDerivatives& out) {
@@ -168,19 +179,9 @@ StatusCode entropy_derivatives(const Phase& p, int mask, WithDerivatives& out) {
     IdealGas ideal;
     const StatusCode status = ideal_gas(p.T, p.context, p.x, kIdealS, arena, ideal);
     if (!has_values(status)) return status;
-    const int ld = support::padded(n);
-    Middle m{p, as_seen(p, arena.zeros(ld))};
-    if (m.seen.share > 0.0) {
-      const StatusCode prepared = prepare(p.T, p.context, 1, arena, m.t);
-      if (prepared != KV_OK) return prepared;
-      m.work = arena.take(3 * ld);
-      if (with_n) {
-        m.v.h_partial = arena.take(ld);
-        m.v.ln_phi = arena.take(ld);
-      }
-      m.root = residual(p, m.t, m.seen.y, with_n ? 8 : 7, m.work, m.v);
-      if (!has_values(m.root)) return m.root;
-    }
+    Middle m{p, as_seen(p, arena.zeros(support::padded(n)))};
+    if (m.seen.share > 0.0) look_at_middle(m, with_n, arena);
+    if (!has_values(m.root)) return m.root;
     WithDerivatives d;
     d.value = ideal_entropy(n, p.x, p.P, ideal) + m.seen.share * m.v.S_res;
     if (m.seen.water >= 0) d.value += m.seen.x_water * liquid_water_entropy(p.T, p.P).value;

@@ -2,6 +2,7 @@
 
 #include "eos/evaluation.hpp"
 
+#include <algorithm>
 #include <cfloat>
 #include <cmath>
 
@@ -22,13 +23,6 @@ void root_derivatives(const Temperature& t, double P, const Root& r, bool with_T
   }
 }
 
-// Residual enthalpy and entropy, (11) of docs/method.md. The logarithm of [2Z + (u - s)B]/[2Z + (u + s)B] is
-// -s phi.
-void enthalpy_entropy(const Temperature& t, const Root& r, PhaseValues& out) {
-  out.H_res = (-(out.a - t.T * out.da_dT) / out.b * r.phi + kR * t.T * r.z_minus_1) * kCalPerCm3Atm;
-  out.S_res = (out.da_dT / out.b * r.phi + kR * r.log_z_minus_B) * kCalPerCm3Atm;
-}
-
 void heat_capacities(const Temperature& t, const Root& r, PhaseValues& out) {
   const double chi = r.eta > 0.0 ? r.psi / r.eta : 1.0;
   const double eta_t = -r.eta * (1.0 / t.T + out.dZ_dT / r.Z);
@@ -38,13 +32,36 @@ void heat_capacities(const Temperature& t, const Root& r, PhaseValues& out) {
   out.Cv_res = second * kCalPerCm3Atm;
 }
 
+void fill_ln_phi(const Temperature& t, const Mixture& m, const Root& r, const double* s, double* row,
+                 PhaseValues& out) {
+  if (out.ln_phi == nullptr) return;
+  ln_phi(t, m, r, s, row);
+  std::copy_n(row, t.n, out.ln_phi);
+}
+
+// Slopes of ln phi, and the partial enthalpies by them. work begins with s.
+void fill_slopes(const Temperature& t, const Mixture& m, const Root& r, double P, const double* x,
+                 bool with_enthalpies, double* work, PhaseValues& out) {
+  double *const s = work, *const s_t = work + t.ld, *const row = work + 2 * t.ld;
+  const bool partial = with_enthalpies && out.h_partial != nullptr;
+  if (!partial && out.dln_phi_dT == nullptr && out.dln_phi_dP == nullptr) return;
+  const Mechanics k = mechanics(t, m, r);
+  if (out.dln_phi_dP != nullptr) {
+    p_dln_phi_dP(t, k, r, s, row);
+    for (int i = 0; i < t.n; ++i) out.dln_phi_dP[i] = row[i] / P;
+  }
+  if (!partial && out.dln_phi_dT == nullptr) return;
+  dln_phi_dT(t, m, r, k, x, s, s_t, row);
+  if (out.dln_phi_dT != nullptr) std::copy_n(row, t.n, out.dln_phi_dT);
+  if (!partial) return;
+  for (int i = 0; i < t.n; ++i) out.h_partial[i] = -kR * t.T * t.T * row[i] * kCalPerCm3Atm;
+}
+
 }  // namespace
 
 bool evaluate(const Temperature& t, CubicRoot bracub, double P, const double* x, int phase, int level,
               const double* molar_mass, double* work, PhaseValues& out) noexcept {
   double* const s = work;
-  double* const s_t = work + t.ld;
-  double* const row = work + 2 * t.ld;
   const Mixture m = mix(t, x, s);
   const double rt = kR * t.T;
   out.a = m.a;
@@ -69,26 +86,13 @@ bool evaluate(const Temperature& t, CubicRoot bracub, double P, const double* x,
   const bool with_T = stage::runs(stage::kAlphaT, level);
   if (with_T) out.da_dT = quadratic(t, t.aij_t, x);
   if (stage::runs(stage::kRootDerivatives, level)) root_derivatives(t, P, r, with_T, out);
-  if (stage::runs(stage::kLnPhi, level) && out.ln_phi != nullptr) {
-    ln_phi(t, m, r, s, row);
-    for (int i = 0; i < t.n; ++i) out.ln_phi[i] = row[i];
+  if (stage::runs(stage::kLnPhi, level)) fill_ln_phi(t, m, r, s, work + t.ld, out);
+  if (stage::runs(stage::kLnPhiDerivatives, level))
+    fill_slopes(t, m, r, P, x, stage::runs(stage::kPartialEnthalpy, level), work, out);
+  if (stage::runs(stage::kEnthalpy, level)) {
+    out.H_res = residual_enthalpy(t.T, out.a, out.da_dT, out.b, r);
+    out.S_res = residual_entropy(out.da_dT, out.b, r);
   }
-  const bool partial = stage::runs(stage::kPartialEnthalpy, level) && out.h_partial != nullptr;
-  if (stage::runs(stage::kLnPhiDerivatives, level) && (partial || out.dln_phi_dT || out.dln_phi_dP)) {
-    const Mechanics k = mechanics(t, m, r);
-    if (out.dln_phi_dP != nullptr) {
-      p_dln_phi_dP(t, k, r, s, row);
-      for (int i = 0; i < t.n; ++i) out.dln_phi_dP[i] = row[i] / P;
-    }
-    if (partial || out.dln_phi_dT != nullptr) {
-      dln_phi_dT(t, m, r, k, x, s, s_t, row);
-      if (out.dln_phi_dT != nullptr)
-        for (int i = 0; i < t.n; ++i) out.dln_phi_dT[i] = row[i];
-      if (partial)
-        for (int i = 0; i < t.n; ++i) out.h_partial[i] = -kR * t.T * t.T * row[i] * kCalPerCm3Atm;
-    }
-  }
-  if (stage::runs(stage::kEnthalpy, level)) enthalpy_entropy(t, r, out);
   if (stage::runs(stage::kHeatCapacity, level)) {
     out.d2a_dT2 = quadratic(t, t.aij_tt, x);
     heat_capacities(t, r, out);

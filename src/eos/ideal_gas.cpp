@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "support/status.hpp"
+
 namespace kestrune::eos {
 namespace {
 
@@ -15,7 +17,7 @@ using frame::PureProperty;
 bool has_value(StatusCode one, StatusCode& all) {
   if (one == KV_OK) return true;
   all = one;
-  return one == KV_PURE_RANGE;
+  return support::has_pure_value(one);
 }
 
 double heat_capacity_at(const OwnHeatCapacity& own, double T) {

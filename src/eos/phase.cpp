@@ -96,10 +96,10 @@ int stable_root(const Temperature& t, CubicRoot bracub, const Mixture& m, double
   const int status = solve_root(bracub, A, B, KV_PHASE_GAS, warm, gas);
   if (!has_root(status)) return status;
   reduce(t, m, P, gas, r);
-  // Status 1 says that the only root is the liquid's.
-  if (status == 1 || !may_have_three_roots(A, B)) return status;
+  // The only root is then the liquid's.
+  if (status == support::kOnlyOtherRoot || !may_have_three_roots(A, B)) return status;
   const int second = solve_root(bracub, A, B, KV_PHASE_LIQUID, warm, liquid);
-  if (second == 1 || !has_root(second)) return status;
+  if (second == support::kOnlyOtherRoot || !has_root(second)) return status;
   Root other;
   reduce(t, m, P, liquid, other);
   const double gain = residual_gibbs(m, r) - residual_gibbs(m, other);

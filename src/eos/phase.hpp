@@ -5,6 +5,7 @@
 
 #include "eos/constants.hpp"
 #include "eos/temperature.hpp"
+#include "support/status.hpp"
 
 namespace kestrune::eos {
 
@@ -53,10 +54,7 @@ inline constexpr double kWarmRoot[8] = {0.0, 1.0};
  */
 int solve_root(CubicRoot bracub, double A, double B, int phase, bool warm, double& Z) noexcept;
 
-/* Whether a status of the root solver comes with a root: the warnings, and 201 and 202 with them. */
-inline bool has_root(int status) noexcept {
-  return status <= 50 || status == 201 || status == 202;
-}
+using support::has_root;
 
 /* True when the cubic may have three real roots, by its coefficients alone (false is certain). */
 inline bool may_have_three_roots(double A, double B) noexcept {
@@ -71,6 +69,17 @@ void reduce(const Temperature& t, const Mixture& m, double P, double Z, Root& r)
 /* Residual Gibbs energy over RT: sum of x_i ln phi_i, (9) of docs/method.md. */
 inline double residual_gibbs(const Mixture& m, const Root& r) noexcept {
   return r.z_minus_1 - r.log_z_minus_B - m.q * r.phi;
+}
+
+/*
+ * Residual enthalpy (cal/mol) and entropy (cal/(mol K)), (11) of docs/method.md, of a root with a mixture a, b and its
+ * da/dT. The logarithm of [2Z + (u - s)B]/[2Z + (u + s)B] is -s phi.
+ */
+inline double residual_enthalpy(double T, double a, double da_dT, double b, const Root& r) noexcept {
+  return (-(a - T * da_dT) / b * r.phi + kR * T * r.z_minus_1) * kCalPerCm3Atm;
+}
+inline double residual_entropy(double da_dT, double b, const Root& r) noexcept {
+  return (da_dT / b * r.phi + kR * r.log_z_minus_B) * kCalPerCm3Atm;
 }
 
 /*

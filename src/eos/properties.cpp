@@ -7,7 +7,7 @@
 #include <cfloat>
 #include <cmath>
 
-#include "eos/water.hpp"
+#include "eos/liquid_water.hpp"
 #include "frame/cas.hpp"
 
 namespace kestrune::eos {
@@ -71,6 +71,10 @@ WithSlope mixing_polynomial(double y) {
   return {c0 + y * (c1 + y * (c2 + y * (c3 + y * c4))), c1 + y * (2.0 * c2 + y * (3.0 * c3 + y * 4.0 * c4))};
 }
 
+Slopes slopes_at(const PhaseValues& v, double T) {
+  return slopes(v.a / v.b, v.da_dT / v.b, v.b, T, v.B / v.Z);
+}
+
 }  // namespace
 
 Seen as_seen(const Phase& p, double* y) noexcept {
@@ -99,6 +103,12 @@ WithSlope liquid_water_entropy(double T, double P) noexcept {
   const WithSlope h = water_vaporisation_enthalpy(T), psat = water_vapour_pressure(T);
   return {-h.value / T - kCalR * std::log(psat.value / P),
           (h.value / T - h.d_dT) / T - kCalR * psat.d_dT / psat.value};
+}
+
+StatusCode residual_at(const Phase& p, const double* y, int level, support::Arena& arena, PhaseValues& out) {
+  Temperature t;
+  const StatusCode prepared = prepare(p.T, p.context, order_of_level(level), arena, t);
+  return prepared != KV_OK ? prepared : residual(p, t, y, level, arena.take(3 * t.ld), out);
 }
 
 StatusCode pure_residuals(const Phase& p, int water, support::Arena& arena, double* H, double* S) {
@@ -163,10 +173,7 @@ Slopes slopes(double a_over_b, double da_dT_over_b, double b, double T, double e
 
 StatusCode volume(const Phase& p, PhaseValues& out) {
   return support::with_arena<2, 60>(p.context.record->count, [&](support::Arena& arena) -> StatusCode {
-    Temperature t;
-    const StatusCode prepared = prepare(p.T, p.context, 0, arena, t);
-    if (prepared != KV_OK) return prepared;
-    return residual(p, t, padded_copy(p, arena), 1, arena.take(3 * t.ld), out);
+    return residual_at(p, padded_copy(p, arena), 1, arena, out);
   });
 }
 
@@ -175,14 +182,10 @@ StatusCode density(const Phase& p, Density& out) {
   const StatusCode mass = molar_mass(p, M);
   if (mass != KV_OK) return mass;
   return support::with_arena<3, 60>(p.context.record->count, [&](support::Arena& arena) -> StatusCode {
-    Temperature t;
-    const StatusCode status = prepare(p.T, p.context, 1, arena, t);
-    if (status != KV_OK) return status;
-    const double* x = padded_copy(p, arena);
     PhaseValues v;
-    const StatusCode root = residual(p, t, x, 3, arena.take(3 * t.ld), v);
+    const StatusCode root = residual_at(p, padded_copy(p, arena), 3, arena, v);
     if (!has_values(root)) return root;
-    const Slopes s = slopes(v.a / v.b, v.da_dT / v.b, v.b, p.T, v.B / v.Z);
+    const Slopes s = slopes_at(v, p.T);
     const double scale = M / (kR * p.T * s.K);
     const Density d{M / v.v, -M / v.v * s.L / (p.T * s.K), scale,
                     scale / (p.T * s.K) * (s.N * s.L / s.K - s.K_T - 2.0 * s.L)};
@@ -192,38 +195,44 @@ StatusCode density(const Phase& p, Density& out) {
   });
 }
 
+namespace {
+
+StatusCode molar_enthalpy(const Phase& p, const IdealGas& ideal, const Seen& seen, const PhaseValues& v,
+                          double& H) {
+  double mixing = 0.0;
+  const StatusCode known = water_ammonia_enthalpy(p, mixing);
+  if (known != KV_OK) return known;
+  H = ideal_enthalpy(p.context.record->count, p.x, ideal) + seen.share * v.H_res - mixing;
+  if (seen.water >= 0) H += seen.x_water * water_enthalpy(p.T).value;
+  return KV_OK;
+}
+
+double molar_entropy(const Phase& p, const IdealGas& ideal, const Seen& seen, const PhaseValues& v) {
+  const double S = ideal_entropy(p.context.record->count, p.x, p.P, ideal) + seen.share * v.S_res;
+  return seen.water >= 0 ? S + seen.x_water * liquid_water_entropy(p.T, p.P).value : S;
+}
+
+}  // namespace
+
 StatusCode enthalpy_and_entropy(const Phase& p, bool want_H, bool want_S, Caloric& out) {
   const int n = p.context.record->count;
   return support::with_arena<3, 60>(n, [&](support::Arena& arena) -> StatusCode {
     IdealGas ideal;
     const unsigned parts = (want_H ? kIdealH : 0u) | (want_S ? kIdealS : 0u);
-    StatusCode status = ideal_gas(p.T, p.context, p.x, parts, arena, ideal);
+    const StatusCode status = ideal_gas(p.T, p.context, p.x, parts, arena, ideal);
     if (!has_values(status)) return status;
     const Seen seen = as_seen(p, arena.zeros(support::padded(n)));
     PhaseValues v;
-    if (seen.share > 0.0) {
-      Temperature t;
-      const StatusCode prepared = prepare(p.T, p.context, 1, arena, t);
-      if (prepared != KV_OK) return prepared;
-      const StatusCode root = residual(p, t, seen.y, 7, arena.take(3 * t.ld), v);
-      if (!has_values(root)) return root;
-      status = graver(status, root);
-    }
+    StatusCode root = KV_OK;
+    if (seen.share > 0.0) root = residual_at(p, seen.y, 7, arena, v);
+    if (!has_values(root)) return root;
     Caloric c;
-    if (want_H) {
-      double mixing = 0.0;
-      const StatusCode known = water_ammonia_enthalpy(p, mixing);
-      if (known != KV_OK) return known;
-      c.H = ideal_enthalpy(n, p.x, ideal) + seen.share * v.H_res - mixing;
-      if (seen.water >= 0) c.H += seen.x_water * water_enthalpy(p.T).value;
-    }
-    if (want_S) {
-      c.S = ideal_entropy(n, p.x, p.P, ideal) + seen.share * v.S_res;
-      if (seen.water >= 0) c.S += seen.x_water * liquid_water_entropy(p.T, p.P).value;
-    }
+    const StatusCode known = want_H ? molar_enthalpy(p, ideal, seen, v, c.H) : StatusCode{KV_OK};
+    if (known != KV_OK) return known;
+    if (want_S) c.S = molar_entropy(p, ideal, seen, v);
     if (!finite(c.H) || !finite(c.S)) return KV_NOT_FINITE;
     out = c;
-    return status;
+    return graver(status, root);
   });
 }
 
@@ -245,6 +254,44 @@ void add_ideal_dn(const Phase& p, const IdealGas& ideal, double H_ideal, double*
   for (int i = 0; i < n; ++i) dn[i] -= with_w * ((i == pair.water) - xw) + with_a * ((i == pair.ammonia) - xa);
 }
 
+// What the enthalpy of a phase is made of beside the ideal gas.
+struct EnthalpyParts {
+  Seen seen;
+  PhaseValues v;              // of what the equation of state sees, with partial enthalpies [n]
+  double shift = 0.0;         // see Slopes
+  WithSlope water{0.0, 0.0};  // liquid water over the ideal gas
+  double excess() const { return seen.share * v.H_res + seen.x_water * water.value; }
+};
+
+// Beside water with nothing else the partial enthalpies are those of every component alone.
+StatusCode enthalpy_parts(const Phase& p, bool with_T, bool with_n, support::Arena& arena, EnthalpyParts& e) {
+  const int ld = support::padded(p.context.record->count);
+  e.seen = as_seen(p, arena.zeros(ld));
+  e.v.h_partial = arena.zeros(ld);
+  if (e.seen.water >= 0) e.water = water_enthalpy(p.T);
+  if (!(e.seen.share > 0.0))
+    return with_n ? pure_residuals(p, e.seen.water, arena, e.v.h_partial, nullptr) : StatusCode{KV_OK};
+  const StatusCode root = residual_at(p, e.seen.y, with_T ? 9 : 8, arena, e.v);
+  if (has_values(root)) e.shift = slopes_at(e.v, p.T).shift;
+  return root;
+}
+
+// dn[n] of a phase whose ideal part is H_ideal.
+StatusCode enthalpy_dn(const Phase& p, const EnthalpyParts& e, const IdealGas& ideal, double H_ideal,
+                       double* dn) {
+  const int n = p.context.record->count;
+  // A component that is absent has an ideal-gas enthalpy all the same; unknown ones keep 0.
+  const IdealGas h_only{ideal.h, nullptr, nullptr};
+  for (int i = 0; i < n; ++i) {
+    if (p.x[i] >= kSmallestFraction) continue;
+    if (!has_values(ideal_gas_of(p.T, p.context, i, h_only))) ideal.h[i] = 0.0;
+  }
+  const double excess = e.excess();
+  for (int i = 0; i < n; ++i) dn[i] = (i == e.seen.water ? e.water.value : e.v.h_partial[i]) - excess;
+  add_ideal_dn(p, ideal, H_ideal, dn);
+  return all_finite(n, dn) ? KV_OK : KV_NOT_FINITE;
+}
+
 }  // namespace
 
 StatusCode enthalpy_derivatives(const Phase& p, int mask, WithDerivatives& out) {
@@ -252,95 +299,80 @@ StatusCode enthalpy_derivatives(const Phase& p, int mask, WithDerivatives& out) 
   const bool with_T = (mask & KV_DERIV_T) != 0, with_n = (mask & KV_DERIV_N) != 0;
   return support::with_arena<5, 80>(n, [&](support::Arena& arena) -> StatusCode {
     IdealGas ideal;
-    StatusCode status = ideal_gas(p.T, p.context, p.x, kIdealH | (with_T ? kIdealCp : 0u), arena, ideal);
+    const StatusCode status = ideal_gas(p.T, p.context, p.x, kIdealH | (with_T ? kIdealCp : 0u), arena, ideal);
     if (!has_values(status)) return status;
-    const Seen seen = as_seen(p, arena.zeros(support::padded(n)));
-    PhaseValues v;
-    v.h_partial = arena.zeros(support::padded(n));
-    double shift = 0.0;
-    if (seen.share > 0.0) {
-      Temperature t;
-      const StatusCode prepared = prepare(p.T, p.context, with_T ? 2 : 1, arena, t);
-      if (prepared != KV_OK) return prepared;
-      const StatusCode root = residual(p, t, seen.y, with_T ? 9 : 8, arena.take(3 * t.ld), v);
-      if (!has_values(root)) return root;
-      status = graver(status, root);
-      shift = slopes(v.a / v.b, v.da_dT / v.b, v.b, p.T, v.B / v.Z).shift;
-    } else if (with_n) {
-      status = graver(status, pure_residuals(p, seen.water, arena, v.h_partial, nullptr));
-      if (!has_values(status)) return status;
-    }
-    const WithSlope water = seen.water < 0 ? WithSlope{0.0, 0.0} : water_enthalpy(p.T);
-    WithDerivatives d;
-    const double H_ideal = ideal_enthalpy(n, p.x, ideal);
-    const double excess = seen.share * v.H_res + seen.x_water * water.value;
+    EnthalpyParts e;
+    const StatusCode root = enthalpy_parts(p, with_T, with_n, arena, e);
+    if (!has_values(root)) return root;
     double mixing = 0.0;
     const StatusCode known = water_ammonia_enthalpy(p, mixing);
     if (known != KV_OK) return known;
-    d.value = H_ideal + seen.share * v.H_res - mixing + seen.x_water * water.value;
-    if (with_T) d.dT = ideal_heat_capacity(n, p.x, ideal) + seen.share * v.Cp_res + seen.x_water * water.d_dT;
-    if ((mask & KV_DERIV_P) != 0) d.dP = seen.share * shift * kCalPerCm3Atm;
+    const Seen& seen = e.seen;
+    const double H_ideal = ideal_enthalpy(n, p.x, ideal);
+    WithDerivatives d;
+    d.value = H_ideal + seen.share * e.v.H_res - mixing + seen.x_water * e.water.value;
+    if (with_T)
+      d.dT = ideal_heat_capacity(n, p.x, ideal) + seen.share * e.v.Cp_res + seen.x_water * e.water.d_dT;
+    if ((mask & KV_DERIV_P) != 0) d.dP = seen.share * e.shift * kCalPerCm3Atm;
     if (!finite(d.value) || !finite(d.dT) || !finite(d.dP)) return KV_NOT_FINITE;
-    if (with_n) {
-      // A component that is absent has an ideal-gas enthalpy all the same; unknown ones keep 0.
-      const IdealGas h_only{ideal.h, nullptr, nullptr};
-      for (int i = 0; i < n; ++i) {
-        if (p.x[i] >= kSmallestFraction) continue;
-        if (!has_values(ideal_gas_of(p.T, p.context, i, h_only))) ideal.h[i] = 0.0;
-      }
-      for (int i = 0; i < n; ++i) out.dn[i] = (i == seen.water ? water.value : v.h_partial[i]) - excess;
-      add_ideal_dn(p, ideal, H_ideal, out.dn);
-      if (!all_finite(n, out.dn)) return KV_NOT_FINITE;
-    }
     d.dn = out.dn;
+    const StatusCode of_dn = with_n ? enthalpy_dn(p, e, ideal, H_ideal, d.dn) : StatusCode{KV_OK};
+    if (of_dn != KV_OK) return of_dn;
     out = d;
-    return status;
+    return graver(status, root);
   });
 }
 
+namespace {
+
+// cal/(mol K).
+StatusCode ideal_Cp(const Phase& p, support::Arena& arena, double& Cp) {
+  IdealGas ideal;
+  const StatusCode status = ideal_gas(p.T, p.context, p.x, kIdealCp, arena, ideal);
+  if (has_values(status)) Cp = ideal_heat_capacity(p.context.record->count, p.x, ideal);
+  return status;
+}
+
+// m/s, from Cp/Cv, K of Slopes and the molar mass. KV_NOT_FINITE where it would be imaginary.
+StatusCode sound_speed(double ratio, double K, double T, double M, double& speed) {
+  const double square = 1.01325 * ratio * K * kR * T / M;
+  if (!(square >= 0.0 && square <= DBL_MAX)) return KV_NOT_FINITE;
+  speed = std::sqrt(square) * 10.0;
+  return KV_OK;
+}
+
+}  // namespace
+
 StatusCode specific_heat(const Phase& p, int selector, SpecificHeat& out) {
-  const int n = p.context.record->count;
   const bool all = selector == -1, last = selector == 6;
   const auto wanted = [&](int k) { return all || (last ? k == 6 : k <= selector); };
   double M = 0.0;
   // What the speed of sound lacks is no reason to keep back the others.
   StatusCode sound = wanted(3) ? molar_mass(p, M) : StatusCode{KV_OK};
-  return support::with_arena<4, 60>(n, [&](support::Arena& arena) -> StatusCode {
-    StatusCode status = KV_OK;
+  return support::with_arena<4, 60>(p.context.record->count, [&](support::Arena& arena) -> StatusCode {
     double Cp_ideal = 0.0;
-    if (wanted(1)) {
-      IdealGas ideal;
-      status = ideal_gas(p.T, p.context, p.x, kIdealCp, arena, ideal);
-      if (!has_values(status)) return status;
-      Cp_ideal = ideal_heat_capacity(n, p.x, ideal);
-    }
-    Temperature t;
-    const StatusCode prepared = prepare(p.T, p.context, 2, arena, t);
-    if (prepared != KV_OK) return prepared;
+    const StatusCode status = wanted(1) ? ideal_Cp(p, arena, Cp_ideal) : StatusCode{KV_OK};
+    if (!has_values(status)) return status;
     PhaseValues v;
-    const StatusCode root = residual(p, t, padded_copy(p, arena), 9, arena.take(3 * t.ld), v);
+    const StatusCode root = residual_at(p, padded_copy(p, arena), 9, arena, v);
     if (!has_values(root) || root == -1) return root;
-    const Slopes s = slopes(v.a / v.b, v.da_dT / v.b, v.b, p.T, v.B / v.Z);
+    const Slopes s = slopes_at(v, p.T);
     // Cp - Cv = R L^2/K: taken off part by part, so that both stay exact where K vanishes.
-    SpecificHeat c;
-    const double Cp = Cp_ideal + v.Cp_res;
-    const double Cv = Cp_ideal - kR * kCalPerCm3Atm + v.Cv_res;
-    if (wanted(0)) c.Cp_res = v.Cp_res;
-    if (wanted(1)) c.Cp = Cp;
-    if (wanted(2)) c.Cv = Cv;
-    if (wanted(3) && sound == KV_OK) {
-      const double square = 1.01325 * (Cp / Cv) * s.K * kR * p.T / M;
-      if (square >= 0.0 && square <= DBL_MAX)
-        c.speed_of_sound = std::sqrt(square) * 10.0;
-      else
-        sound = KV_NOT_FINITE;
-    }
-    if (wanted(4)) c.joule_thomson = -s.shift * kCalPerCm3Atm / Cp;
-    if (wanted(5)) c.compressibility = v.v / (s.K * kR * p.T);
-    if (wanted(6)) c.pressure_coefficient = s.L / (v.Z * p.T);
-    for (const double value :
-         {c.Cp_res, c.Cp, c.Cv, c.joule_thomson, c.compressibility, c.pressure_coefficient})
-      if (!finite(value)) return KV_NOT_FINITE;
+    const double Cp = Cp_ideal + v.Cp_res, Cv = Cp_ideal - kResidualR + v.Cv_res;
+    SpecificHeat c{v.Cp_res,         Cp, Cv, 0.0, -s.shift * kCalPerCm3Atm / Cp, v.v / (s.K * kR * p.T),
+                   s.L / (v.Z * p.T)};
+    double* const outputs[] = {&c.Cp_res,
+                               &c.Cp,
+                               &c.Cv,
+                               &c.speed_of_sound,
+                               &c.joule_thomson,
+                               &c.compressibility,
+                               &c.pressure_coefficient};
+    if (wanted(3) && sound == KV_OK) sound = sound_speed(Cp / Cv, s.K, p.T, M, c.speed_of_sound);
+    for (int k = 0; k < 7; ++k)
+      if (!wanted(k)) *outputs[k] = 0.0;
+    for (const double* value : outputs)
+      if (!finite(*value)) return KV_NOT_FINITE;
     out = c;
     return sound != KV_OK ? sound : graver(status, root);
   });

@@ -11,7 +11,7 @@
 
 #include "eos/evaluation.hpp"
 #include "eos/ideal_gas.hpp"
-#include "eos/water.hpp"
+#include "eos/liquid_water.hpp"
 #include "kestrune/records.h"
 
 namespace kestrune::eos {
@@ -24,10 +24,7 @@ struct Phase {
   Context context;
 };
 
-// True for the statuses that come with values.
-inline bool has_values(StatusCode status) {
-  return has_root(status) || status == KV_PURE_RANGE;
-}
+using support::has_values;
 // Of two statuses with values the one that a host has to see.
 inline StatusCode graver(StatusCode one, StatusCode other) {
   return other > one ? other : one;
@@ -57,6 +54,9 @@ Seen as_seen(const Phase& p, double* y) noexcept;
  */
 StatusCode residual(const Phase& p, const Temperature& t, const double* y, int level, double* work,
                     PhaseValues& out);
+
+/* The same with the temperature prepared for the level. */
+StatusCode residual_at(const Phase& p, const double* y, int level, support::Arena& arena, PhaseValues& out);
 
 /* Entropy of liquid water over the ideal gas at P, cal/(mol K), and its slope in T. */
 WithSlope liquid_water_entropy(double T, double P) noexcept;

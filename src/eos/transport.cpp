@@ -7,7 +7,7 @@
 #include <cfloat>
 #include <cmath>
 
-#include "eos/water.hpp"
+#include "eos/liquid_water.hpp"
 #include "frame/cas.hpp"
 #include "support/mathkernels.hpp"
 

@@ -8,6 +8,7 @@
 #include "flash/energy_flash.hpp"
 #include "flash/isothermal.hpp"
 #include "flash/settings.hpp"
+#include "support/status.hpp"
 #include "support/trace.hpp"
 
 namespace kestrune::flash {
@@ -192,8 +193,7 @@ bool pairs_cross(const Energy& e);
 inline constexpr double kLimitReached = 100.0;
 /* Whether e.status is of the model, and the same at any temperature. */
 inline bool model_refuses(const Energy& e) {
-  constexpr StatusCode kPureStatuses = 1000;  // from here on a status is not one of an iteration
-  return e.status > kPureStatuses && e.status != KV_NOT_FINITE;
+  return support::of_model(e.status);
 }
 inline constexpr StatusCode kNotApplicable = -1;
 /*

@@ -5,7 +5,7 @@
 #ifndef KESTRUNE_FLASH_WATER_HPP
 #define KESTRUNE_FLASH_WATER_HPP
 
-#include "eos/water.hpp"
+#include "eos/liquid_water.hpp"
 #include "kestrune/records.h"
 
 namespace kestrune::flash {

@@ -40,6 +40,9 @@
 
 namespace kestrune::frame {
 
+// Whether the x87 unit is looked after: what runs in here may compute there, be it a routine of a host.
+inline constexpr bool kGuardX87 = true;
+
 /*
  * Floating-point environment of the library while it lives: every exception masked, round to nearest, full
  * precision, no flushing to zero. The host's control words and its sticky flags come back exactly as they
@@ -55,7 +58,7 @@ class FpGuard {
  private:
 #if defined(KV_X86_FLOATING_POINT)
   static constexpr std::uint16_t kControl = 0x037F;
-  static constexpr std::uint32_t kMxcsr = 0x1F80;
+  static constexpr std::uint32_t kMxcsr = 0x1F80, kSseFlags = 0x003F;
   // Status word: six exception flags, stack fault, error summary; bit 15 repeats the summary.
   static constexpr std::uint16_t kFlags = 0x00FF;
   static constexpr std::uint16_t kPending = 0x0080;
@@ -73,16 +76,26 @@ class FpGuard {
   }
 
   void enter() noexcept {
-    __asm__ __volatile__("fnstcw %0" : "=m"(control_));
-    status_ = x87_status();
+    if constexpr (kGuardX87) enter_x87();
     mxcsr_ = _mm_getcsr();
-    // A trap of the host's own that is still waiting is put aside; it comes back with the flags.
-    if (status_ & kPending) __asm__ __volatile__("fnclex");
-    if (control_ != kControl) load_control(kControl);
-    _mm_setcsr(kMxcsr);
+    // Loading the word is slow. With its traps masked a flag that is up already does no harm.
+    if ((mxcsr_ & ~kSseFlags) != kMxcsr) _mm_setcsr(kMxcsr);
   }
 
   void leave() noexcept {
+    if constexpr (kGuardX87) leave_x87();
+    if (_mm_getcsr() != mxcsr_) _mm_setcsr(mxcsr_);
+  }
+
+  void enter_x87() noexcept {
+    __asm__ __volatile__("fnstcw %0" : "=m"(control_));
+    status_ = x87_status();
+    // A trap of the host's own that is still waiting is put aside; it comes back with the flags.
+    if (status_ & kPending) __asm__ __volatile__("fnclex");
+    if (control_ != kControl) load_control(kControl);
+  }
+
+  void leave_x87() noexcept {
     const std::uint16_t now = x87_status();
     const bool same_flags = ((now ^ status_) & kFlags) == 0;
     if (same_flags) {
@@ -93,7 +106,6 @@ class FpGuard {
     } else {
       restore_flags();
     }
-    _mm_setcsr(mxcsr_);
   }
 
   static void load_control(std::uint16_t word) noexcept {
@@ -110,9 +122,9 @@ class FpGuard {
     __asm__ __volatile__("fldenv %0" : : "m"(environment));
   }
 
-  std::uint16_t control_;
-  std::uint16_t status_;
-  std::uint32_t mxcsr_;
+  std::uint16_t control_ = 0;
+  std::uint16_t status_ = 0;
+  std::uint32_t mxcsr_ = 0;
 #else
   void enter() noexcept {
     std::feholdexcept(&environment_);
@@ -125,15 +137,17 @@ class FpGuard {
 #endif
 };
 
-// Opaque to its caller: no floating-point operation of the body may move out of the guard's life.
-#ifdef __clang__
-#define KESTRUNE_OPAQUE [[gnu::noinline]]
-#else
-#define KESTRUNE_OPAQUE [[gnu::noipa]]
-#endif
+// The body of an export, called by a pointer that no compiler sees through: none of its floating-point operations may
+// move out of the guard's life.
 template <class Body>
-KESTRUNE_OPAQUE StatusCode run_body(Body& body) {
+StatusCode run_body(Body& body) {
   return body();
+}
+template <class Body>
+StatusCode run_opaque(Body& body) {
+  auto* run = &run_body<Body>;
+  __asm__ __volatile__("" : "+r"(run));
+  return run(body);
 }
 
 /*
@@ -145,7 +159,7 @@ template <class Body>
 StatusCode guarded(Body&& body) noexcept {
   const FpGuard guard;
   try {
-    return run_body(body);
+    return run_opaque(body);
   } catch (const std::bad_alloc&) {
     return KV_MEMORY;
   } catch (...) {

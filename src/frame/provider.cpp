@@ -7,6 +7,7 @@
 
 #include "frame/siblings.hpp"
 #include "frame/state.hpp"
+#include "support/status.hpp"
 
 namespace kestrune::frame {
 
@@ -48,17 +49,13 @@ Function service_entry(PureService service) noexcept {
   return bind<Function>(kServiceNames[index], state().pure_services[index]);
 }
 
-StatusCode with_offset(std::int32_t status) noexcept {
-  return status == 0 ? KV_OK : status + kProviderOffset;
-}
-
 }  // namespace
 
 StatusCode pure_evaluate(PureProperty property, const std::int32_t* cas, const double* T, const double* a,
                          const double* b, const std::int32_t* table, StatusCode* status, double* result,
                          char* unit) noexcept {
   property_entry(property)(cas, T, a, b, table, status, result, unit);
-  return *status = with_offset(*status);
+  return *status = support::of_pure_library(*status);
 }
 
 StatusCode pure_by_choice(PureProperty property, const std::int32_t* cas, const double* T, const double* a,
@@ -74,7 +71,7 @@ double pure_value(PureProperty property, const std::int32_t& cas, const double& 
   std::fill_n(unit, kUnitLength, ' ');
   double result = 0.0;
   pure_evaluate(property, &cas, &T, &a, &b, &rows->equation, &status, &result, unit);
-  if (status != KV_OK && status != KV_PURE_RANGE) return 0.0;
+  if (!support::has_pure_value(status)) return 0.0;
   const bool named = std::any_of(unit, unit + kUnitLength, [](char c) { return c != ' '; });
   const double converted = convert_unit(result, named ? unit : rows->unit, working_unit(property));
   if (!std::isnan(converted)) return converted;
@@ -89,7 +86,7 @@ double pure_value(PureProperty property, const std::int32_t& cas, const double& 
 
 std::int32_t pure_check(PureProperty property, const std::int32_t* cas, const std::int32_t* equation) noexcept {
   const auto index = static_cast<std::size_t>(property);
-  if (index >= kPureCheckCount) return KV_PURE_NO_CORRELATION - kProviderOffset;
+  if (index >= kPureCheckCount) return KV_PURE_NO_CORRELATION - support::kPureBlock;
   return bind<KvPureCheck>(kCheckNames[index], state().pure_checks[index])(cas, equation);
 }
 
@@ -102,20 +99,22 @@ std::int32_t pure_available_correlations(const std::int32_t* cas, const std::int
 StatusCode pure_correlation_info(const std::int32_t* cas, const std::int32_t* property,
                                  const std::int32_t* equation, double* T_min, double* T_max, char* unit,
                                  char* source) noexcept {
-  return with_offset(service_entry<decltype(&::CorrelationInfo)>(PureService::CorrelationInfo)(
+  return support::of_pure_library(service_entry<decltype(&::CorrelationInfo)>(PureService::CorrelationInfo)(
       cas, property, equation, T_min, T_max, unit, source));
 }
 
 StatusCode pure_set_temp_folder(const char* folder, const std::int32_t* length) noexcept {
-  return with_offset(service_entry<decltype(&::SetTempFolder)>(PureService::SetTempFolder)(folder, length));
+  return support::of_pure_library(
+      service_entry<decltype(&::SetTempFolder)>(PureService::SetTempFolder)(folder, length));
 }
 
 StatusCode pure_set_thermo_codes(const std::int32_t* first, const std::int32_t* second) noexcept {
-  return with_offset(service_entry<decltype(&::SetThermoCodes)>(PureService::SetThermoCodes)(first, second));
+  return support::of_pure_library(
+      service_entry<decltype(&::SetThermoCodes)>(PureService::SetThermoCodes)(first, second));
 }
 
 StatusCode pure_free() noexcept {
-  return with_offset(service_entry<decltype(&::KVCmpdPure_Free)>(PureService::KVCmpdPure_Free)());
+  return support::of_pure_library(service_entry<decltype(&::KVCmpdPure_Free)>(PureService::KVCmpdPure_Free)());
 }
 
 }  // namespace kestrune::frame

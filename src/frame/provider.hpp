@@ -13,9 +13,6 @@
 
 namespace kestrune::frame {
 
-// Added to an error number of the pure-component library.
-inline constexpr StatusCode kProviderOffset = 1000;
-
 // Units that the library works in. Each property has one, see working_unit.
 enum class WorkingUnit {
   cal_mol,    // cal/mol

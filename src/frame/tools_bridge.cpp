@@ -1,5 +1,4 @@
-// Entries of the tools library that need more than to be passed on: trace files of the solvers, and what is
-// called in twos.
+// Entries of the tools library, and those that need more than to be passed on: trace files of the solvers.
 
 #include "frame/tools_bridge.hpp"
 
@@ -52,7 +51,7 @@ class Traces {
     if (stack.counter >= kTraceStackDepth) return;
     char* name = stack.names[stack.counter];
     if (!has_folder_ || !platform::temp_file_name(folder_, file.prefix, name))
-      std::strcpy(name, file.fixed_name);
+      std::snprintf(name, platform::kTraceNameCapacity, "%s", file.fixed_name);
     const std::size_t length = std::strlen(name);
     std::fill(name + length, name + platform::kTraceNameCapacity, ' ');
     stack.units[stack.counter++] = unit;
@@ -97,12 +96,6 @@ void* bind(ToolsEntry name) noexcept {
   State& s = state();
   return BindProviderEntry(platform::kToolsLibrary, kEntryNames[index], s.tools_library,
                            s.tools_entries[index]);
-}
-
-void factor_and_solve(double* a, const std::int32_t* lda, const std::int32_t* n, std::int32_t* ipvt, double* b,
-                      const std::int32_t* job, std::int32_t* info) noexcept {
-  DGEFA(a, lda, n, ipvt, info);
-  if (*info == 0) DGESL(a, lda, n, ipvt, b, job);
 }
 
 void CNEWTON(const std::int32_t* n, double* x, double* f, KvResidual residual, void* user,

@@ -1,5 +1,4 @@
-// Numerical tools from the sibling library KVToolsLite, bound on first use. The forwarding routines carry
-// the names and the arguments of the entries (kvtoolslite.h), all by reference.
+// Numerical tools from the sibling library KVToolsLite, bound on first use; kvtoolslite.h has their arguments.
 #ifndef KESTRUNE_FRAME_TOOLS_BRIDGE_HPP
 #define KESTRUNE_FRAME_TOOLS_BRIDGE_HPP
 
@@ -22,29 +21,6 @@ inline Function entry(ToolsEntry name) noexcept {
     address = bind(name);
   return reinterpret_cast<Function>(address);
 }
-
-#define KV_TOOLS_FORWARD(name)                                \
-  template <class... Arguments>                               \
-  inline void name(Arguments... arguments) noexcept {         \
-    entry<decltype(&::name)>(ToolsEntry::name)(arguments...); \
-  }
-KV_TOOLS_FORWARD(BRACUB)
-KV_TOOLS_FORWARD(CalcKayMR)
-KV_TOOLS_FORWARD(CalcKUOP)
-KV_TOOLS_FORWARD(CalcSG)
-KV_TOOLS_FORWARD(MeABP)
-KV_TOOLS_FORWARD(DGEFA)
-KV_TOOLS_FORWARD(DGESL)
-KV_TOOLS_FORWARD(MRINV)
-KV_TOOLS_FORWARD(MRSL01)
-KV_TOOLS_FORWARD(MRSL02)
-KV_TOOLS_FORWARD(REGLIN)
-KV_TOOLS_FORWARD(MCOLT7)
-#undef KV_TOOLS_FORWARD
-
-// Factors a[lda * n] and solves a x = b (job 0) or its transpose. b[n] is replaced unless info is not 0.
-void factor_and_solve(double* a, const std::int32_t* lda, const std::int32_t* n, std::int32_t* ipvt, double* b,
-                      const std::int32_t* job, std::int32_t* info) noexcept;
 
 /*
  * The solvers with their trace files: one temporary file for each unit asked for, handed to the tools

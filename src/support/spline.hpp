@@ -18,11 +18,16 @@ struct Cubic {
 inline Cubic cubic(double a, double slope_a, double b, double slope_b) {
   return {a, slope_a, 3.0 * (b - a) - 2.0 * slope_a - slope_b, 2.0 * (a - b) + slope_a + slope_b};
 }
+/* The same with slopes per unit of an abscissa whose ends are h apart. */
+inline Cubic cubic(double a, double slope_a, double b, double slope_b, double h) {
+  return {a, h * slope_a, 3.0 * (b - a) - h * (2.0 * slope_a + slope_b),
+          2.0 * (a - b) + h * (slope_a + slope_b)};
+}
 
 /* Where between low and high the piece, rising or falling there, has a value; by halving. */
-inline double cubic_root(const Cubic& c, double value, double low, double high) {
+inline double cubic_root(const Cubic& c, double value, double low, double high, int halvings = 50) {
   const bool rising = c.at(low) < c.at(high);
-  for (int k = 0; k < 50; ++k) {
+  for (int k = 0; k < halvings; ++k) {
     const double middle = 0.5 * (low + high);
     ((c.at(middle) < value) == rising ? low : high) = middle;
   }

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "eos/constants.hpp"
+#include "support/status.hpp"
 
 namespace kestrune::water {
 namespace {
@@ -35,7 +36,7 @@ StatusCode pure(const eos::Tools& tools, PureProperty property, std::int32_t cas
                 double& value) noexcept {
   StatusCode status = KV_OK;
   value = tools.pure_value(property, cas, T, 0.0, 0.0, status);
-  return status == KV_PURE_RANGE ? StatusCode{KV_OK} : status;
+  return support::has_pure_value(status) ? StatusCode{KV_OK} : status;
 }
 
 // ln of the Henry constant in atm. The library's unit is Pa, which is none of the working units.
@@ -44,7 +45,7 @@ StatusCode log_henry(const eos::Tools& tools, std::int32_t cas, double T, double
   char unit[frame::kUnitLength];
   double H = 0.0;
   tools.pure_by_choice(PureProperty::HenryConstant, &cas, &T, &T, &T, &H, unit, &status);
-  if (status != KV_OK && status != KV_PURE_RANGE) return status;
+  if (!support::has_pure_value(status)) return status;
   value = std::log(H / kPascalPerAtm);
   return KV_OK;
 }

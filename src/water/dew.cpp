@@ -289,7 +289,7 @@ StatusCode find_temperature(const TemperatureSearch& t, double& T) {
 
 template <class Body>
 StatusCode with_gas(const DewCall& call, Body&& body) {
-  Method method;
+  Method method = Method::equation_of_state;
   StatusCode status = check(call, method);
   if (status == KV_FEED_SUM) return status;
   return support::with_arena<3, 64>(call.context.record->count, [&](support::Arena& arena) -> StatusCode {

@@ -13,7 +13,7 @@ constexpr double kNormalVolume = 22.413969545;  // m3/kmol, ideal gas at 273.15 
 template <class Body>
 StatusCode at_saturation(double T, double P, int number, const double* z, const eos::Context& context,
                          Body&& body) {
-  Method method;
+  Method method = Method::equation_of_state;
   const bool known = method_by_number(number, method);
   return support::with_arena<3, 64>(context.record->count, [&](support::Arena& arena) -> StatusCode {
     Gas gas;

@@ -104,7 +104,7 @@ TEST_F(Guard, EveryHostsWordsComeBackExactly) {
     EXPECT_EQ(status, 7);
     EXPECT_EQ(quiet, 3);
     EXPECT_EQ(inside.control, 0x037F);
-    EXPECT_EQ(inside.mxcsr, 0x1F80u);
+    EXPECT_EQ(inside.mxcsr & ~0x3Fu, 0x1F80u);
     EXPECT_TRUE(before == after) << c.control << ' ' << before.status << ' ' << after.status;
     EXPECT_TRUE(before == again) << c.control;
   }

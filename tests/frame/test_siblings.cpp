@@ -97,7 +97,9 @@ TEST_F(Siblings, EntryIsLookedUpOnceAndAgainAfterRelease) {
   const int32_t phase = 1;
   double Z = 0.0;
   int32_t status = -1;
-  for (int i = 0; i < 3; ++i) tools::BRACUB(&c, &c, &c, &c, &Z, &status, &phase, &c, &c, &c, &c, settings);
+  for (int i = 0; i < 3; ++i)
+    tools::entry<decltype(&::BRACUB)>(ToolsEntry::BRACUB)(&c, &c, &c, &c, &Z, &status, &phase, &c, &c, &c, &c,
+                                                          settings);
   EXPECT_EQ(Z, 0.5);
   EXPECT_EQ(loader_spy().opened.size(), 1u);
   EXPECT_EQ(loader_spy().looked_up, Texts{"BRACUB"});

@@ -8,6 +8,7 @@
 #include "flash/host.hpp"
 #include "frame/boundary.hpp"
 #include "frame/cas.hpp"
+#include "support/status.hpp"
 
 namespace kestrune::exports {
 
@@ -123,8 +124,7 @@ StatusCode run_search(flash::HostRoutines& host, Core&& core) {
  * ran out of work may not: it has not been told that there is no answer, and another model has another one.
  */
 inline bool worth_a_retry(const flash::HostRoutines& host, StatusCode status) {
-  const bool of_arguments = status > KV_STATUS_CALL_BLOCK && status <= KV_SPECIFICATION;
-  return status != KV_OK && !of_arguments && !out_of_work(host);
+  return status != KV_OK && !support::of_arguments(status) && !out_of_work(host);
 }
 
 inline StatusCode hide_single_phase(StatusCode status) {

@@ -2,8 +2,8 @@
 #ifndef KESTRUNE_FRAME_EXPORTS_PROPERTY_FRAME_HPP
 #define KESTRUNE_FRAME_EXPORTS_PROPERTY_FRAME_HPP
 
-#include "eos/phase.hpp"
 #include "frame/boundary.hpp"
+#include "support/status.hpp"
 
 namespace kestrune::exports {
 
@@ -14,7 +14,7 @@ inline StatusCode check_state(double T, double P, const double* x, const Mixture
 
 // Statuses of the cores that a host sees: those that come with a root are none.
 inline StatusCode mapped(StatusCode status) {
-  return eos::has_root(status) ? StatusCode{KV_OK} : status;
+  return support::has_root(status) ? StatusCode{KV_OK} : status;
 }
 
 }  // namespace kestrune::exports

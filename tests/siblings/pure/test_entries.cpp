@@ -6,7 +6,9 @@
 #include <cstring>
 #include <limits>
 #include <set>
+#include <vector>
 
+#include "common/environment.hpp"
 #include "csv_rows.hpp"
 
 using namespace pure_test;
@@ -238,4 +240,25 @@ TEST(PureEntries, HostFloatingPointStateIsKeptAndDoesNotMatter) {
   EXPECT_EQ(rounding, FE_UPWARD);
   EXPECT_EQ(result, expected);
   EXPECT_EQ(low, pressure);
+}
+
+// Control words and sticky flags, which inexact results and one beyond the range of a double would raise.
+TEST(PureEntries, WordsOfTheHostComeBackExactly) {
+  using namespace kestrune::tests;
+  const double t = 300.0, cold = 2.0;
+  std::int32_t status = 0;
+  double result = 0.0;
+  char unit[15];
+  std::vector<HostWords> hosts(std::begin(kHosts), std::end(kHosts));
+  hosts.push_back(kDefaultWords);
+  for (const HostWords& h : hosts) {
+    default_words();
+    set_words(h.control, h.mxcsr);
+    const Words before = read_words();
+    VaporPressure_EX(&methane, &t, nullptr, nullptr, nullptr, &status, &result, unit);
+    VaporPressure_EX(&methane, &cold, nullptr, nullptr, nullptr, &status, &result, unit);
+    const Words after = read_words();
+    default_words();
+    EXPECT_TRUE(before == after) << h.what;
+  }
 }

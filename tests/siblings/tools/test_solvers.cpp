@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "common/environment.hpp"
 #include "kestrune/kvtoolslite.h"
 
 namespace {
@@ -181,6 +182,22 @@ TEST(Environment, HostRoundingModeIsSetAsideAndRestored) {
   std::fesetround(FE_TONEAREST);
   EXPECT_EQ(after, FE_UPWARD);
   EXPECT_EQ(upward.x, nearest.x);
+}
+
+// Its sticky flags are those of before, up or down.
+TEST(Environment, WordsOfTheHostComeBackExactly) {
+  using namespace kestrune::tests;
+  for (const HostWords& h : kHosts) {
+    default_words();
+    set_words(h.control, h.mxcsr);
+    volatile long double third = 1.0L;
+    if ((h.control & 0x20) != 0) third = third / 3.0L;  // leaves the inexact flag
+    const Words before = read_words();
+    run(Method::newton, broyden_tridiagonal, Doubles(20, -1.0), 1e-12);
+    const Words after = read_words();
+    default_words();
+    EXPECT_TRUE(before == after) << h.what;
+  }
 }
 #endif
 

@@ -1,7 +1,7 @@
-// Water as the free-water option sees it: vapour pressure, solubility limit, heat of vaporisation. Family code
+// Liquid water as the free-water option sees it: vapour pressure, solubility limit, heat of vaporisation. Family code
 // 20 marks water.
-#ifndef KESTRUNE_EOS_WATER_HPP
-#define KESTRUNE_EOS_WATER_HPP
+#ifndef KESTRUNE_EOS_LIQUID_WATER_HPP
+#define KESTRUNE_EOS_LIQUID_WATER_HPP
 
 #include <cstddef>
 

@@ -1,6 +1,6 @@
 // Correlations of water for the option of free water.
 
-#include "eos/water.hpp"
+#include "eos/liquid_water.hpp"
 
 #include <cmath>
 

@@ -5,6 +5,7 @@
 #include "frame/exports/context.hpp"
 #include "frame/exports/flash_wrapper.hpp"
 #include "kestrune/kvgasthermo.h"
+#include "support/status.hpp"
 #include "water/dew.hpp"
 #include "water/hydrate.hpp"
 #include "water/wet_gas.hpp"
@@ -73,7 +74,8 @@ StatusCode wet_gas(double T, double P, const double* z, bool both, int method, M
   if (bad != KV_OK) return bad;
   const eos::Context context = context_of(mixture);
   const StatusCode first = water::wet_gas(T, P, both ? 1 : method, z, context, wet);
-  const bool final_status = first == -1 || first == 0 || first == 1 || first == 4;
+  const bool final_status =
+      first == KV_OK || first == KV_NO_WATER || first == KV_NO_WATER_LIMIT || first == support::kOnlyOtherRoot;
   return both && !final_status ? water::wet_gas(T, P, 2, z, context, wet) : first;
 }
 
