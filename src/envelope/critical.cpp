@@ -7,9 +7,9 @@
 #include <cmath>
 
 #include "flash/feed.hpp"
-#include "flash/isothermal.hpp"
 #include "flash/pure_saturation.hpp"
 #include "flash/settings.hpp"
+#include "flash/stability.hpp"
 
 namespace kestrune::envelope {
 namespace {
@@ -176,14 +176,11 @@ void add_between(Spinodal& sp, const Node& a, const Node& b, int capacity, Criti
 }
 
 // Whether nothing splits off the feed at its critical state.
-bool stable_feed(const eos::Context& context, const double* z, const Critical& c, double* work,
-                 StatusCode& status) {
-  double beta = 0.0, distance = 0.0;
-  double* const K = work + context.record->count;
-  const flash::Incipient itself{z};
+bool stable_feed(const eos::Context& context, const double* z, const Critical& c, StatusCode& status) {
+  flash::StabilityResult found;
   status =
-      flash::feed_stability({c.T, c.P, z, context.silent(), nullptr, &beta, work, work, K}, itself, distance);
-  return status == KV_OK && distance >= kStable;
+      flash::test_stability({.T = c.T, .P = c.P, .z = z, .context = context.silent(), .incipient = z}, found);
+  return status == KV_OK && found.distance >= kStable;
 }
 
 StatusCode own_constants(const MixtureRecord& r, int j, Critical& c) {
@@ -200,7 +197,6 @@ StatusCode own_constants(const MixtureRecord& r, int j, Critical& c) {
 StatusCode search(const eos::Context& context, const double* feed, support::Arena& arena, Critical& result) {
   const int n = context.record->count;
   double* z = arena.zeros(support::padded(n));
-  double* work = arena.take(2 * static_cast<std::size_t>(n));
   if (!flash::normalise_feed(n, feed, z)) return KV_COMPOSITION;
   Spinodal sp;
   open_spinodal(arena, context, z, sp);
@@ -216,7 +212,7 @@ StatusCode search(const eos::Context& context, const double* feed, support::Aren
   StatusCode status = critical_points(sp, kMostCritical, found, count);
   if (status != KV_OK && status != KV_NOT_FINITE) return status;
   for (int k = 0; k < count; ++k) {
-    if (!stable_feed(context, z, found[k], work, status)) continue;
+    if (!stable_feed(context, z, found[k], status)) continue;
     result = found[k];
     return KV_OK;
   }

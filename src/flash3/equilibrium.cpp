@@ -11,6 +11,7 @@
 
 #include "flash/accept.hpp"
 #include "flash/feed.hpp"
+#include "flash/stability.hpp"
 #include "support/mathkernels.hpp"
 
 namespace kestrune::flash3 {
@@ -389,7 +390,18 @@ StatusCode find_equilibrium_from(Equilibrium& e) {
 
 StatusCode test_equilibrium(Equilibrium& e) {
   if (e.p.count == 1) return two_phases(e, false);
-  const StatusCode status = flash::phases_stability(isothermal_call(e), e.p.count, e.p.x);
+  flash::StabilityCall call{.T = e.m.T,
+                            .P = e.m.P,
+                            .z = e.z,
+                            .context = e.m.context,
+                            .routines = e.routines,
+                            .model = &e.m,
+                            .effort = flash::Effort::thorough,
+                            .count = e.p.count};
+  std::copy_n(e.p.x, e.p.count, call.phase);
+  flash::StabilityResult found{.w = e.cut};
+  const StatusCode status = flash::test_stability(call, found);
+  e.third = {e.cut, found.cut, found.cut ? found.distance : 0.0};
   weigh_cut(e);
   return status;
 }
