@@ -315,12 +315,9 @@ bool stable_at(Tracer& t, LinePoint& p) {
   flash::QualityLine& line = t.line;
   if (!flash::compositions(line, p, 1e-3)) return false;
   if (!own_roots_stable(t, p)) return false;
-  flash::StabilityCall call{.T = flash::temperature(line, p),
-                            .P = flash::pressure(line, p),
-                            .z = line.z,
-                            .context = line.context.silent(),
-                            .routines = line.routines,
-                            .effort = flash::Effort::every_component};
+  flash::StabilityCall call{
+      {line.z, line.context.silent(), line.routines}, flash::temperature(line, p), flash::pressure(line, p)};
+  call.effort = flash::Effort::every_component;
   flash::StabilityResult found;
   if (t.boundary()) {
     call.incipient = p.x;

@@ -177,9 +177,10 @@ void add_between(Spinodal& sp, const Node& a, const Node& b, int capacity, Criti
 
 // Whether nothing splits off the feed at its critical state.
 bool stable_feed(const eos::Context& context, const double* z, const Critical& c, StatusCode& status) {
+  flash::StabilityCall call{{z, context.silent()}, c.T, c.P};
+  call.incipient = z;
   flash::StabilityResult found;
-  status =
-      flash::test_stability({.T = c.T, .P = c.P, .z = z, .context = context.silent(), .incipient = z}, found);
+  status = flash::test_stability(call, found);
   return status == KV_OK && found.distance >= kStable;
 }
 

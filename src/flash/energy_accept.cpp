@@ -55,16 +55,7 @@ bool accept(Energy& e, EnergyState& s, Found found, int component) {
   if (found != Found::newton) return true;
   const IsothermalCall at = isothermal_call(e, s);
   StabilityResult test;
-  e.status = test_stability({.T = at.T,
-                             .P = at.P,
-                             .z = at.z,
-                             .context = at.context,
-                             .routines = at.routines,
-                             .free_water = at.free_water,
-                             .model = at.model,
-                             .count = 2,
-                             .phase = {s.x, s.y}},
-                            test);
+  e.status = test_stability({at, at.T, at.P, at.model, Effort::usual, 2, {s.x, s.y}}, test);
   return e.status == KV_OK && test.distance >= kStable;
 }
 

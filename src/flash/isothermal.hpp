@@ -2,6 +2,7 @@
 #ifndef KESTRUNE_FLASH_ISOTHERMAL_HPP
 #define KESTRUNE_FLASH_ISOTHERMAL_HPP
 
+#include "flash/feed.hpp"
 #include "flash/fugacity.hpp"
 #include "flash/two_phase.hpp"
 
@@ -28,14 +29,10 @@ struct ThirdPhase {
  * One flash: what goes in and where the answer goes, in the order in which calls are written; what is seldom
  * asked for stands last. Arrays [n] of the caller.
  */
-struct IsothermalCall {
-  double T = 0.0, P = 0.0;    // K, atm
-  const double* z = nullptr;  // feed, need not sum to one
-  eos::Context context;
-  HostRoutines* routines = nullptr;
-  double* beta = nullptr;  // vapour (second liquid) fraction
+struct IsothermalCall : Feed {
+  double T = 0.0, P = 0.0;  // K, atm
+  double* beta = nullptr;   // vapour (second liquid) fraction
   double *x = nullptr, *y = nullptr, *K = nullptr;
-  bool free_water = false;
   Mode mode = Mode::liquid_vapour;
   Start start = Start::cold;
   int index = 1;                // initialisation index, for the trace; of two liquids see settings.hpp

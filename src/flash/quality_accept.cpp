@@ -150,12 +150,7 @@ bool truly_two(Quality& q) {
 
 // A boundary point has a stable feed, a point between two stable phases.
 Verdict stability(Quality& q) {
-  StabilityCall c{.T = q.T(),
-                  .P = q.P(),
-                  .z = q.line.z,
-                  .context = q.call.context.silent(),
-                  .routines = q.call.routines,
-                  .model = &q.line.m};
+  StabilityCall c{{q.line.z, q.call.context.silent(), q.call.routines}, q.T(), q.P(), &q.line.m};
   StabilityResult found;
   if (q.boundary()) {
     const bool bubble = q.line.W == 0.0;

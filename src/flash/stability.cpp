@@ -4,6 +4,7 @@
 #include "flash/stability.hpp"
 
 #include <algorithm>
+#include <utility>
 
 #include "flash/feed.hpp"
 #include "flash/stability_trials.hpp"
@@ -169,13 +170,27 @@ StatusCode test_stability(const StabilityCall& call, StabilityResult& result) {
 }
 
 void open_stability(support::Arena& arena, double* dn, double* hessian, Stability& s) {
+  constexpr std::size_t kVectors = 19;
   const std::size_t ld = s.m.ld;
-  for (Trial* t : {&s.trial, &s.lowest})
-    for (double** a : {&t->log_w, &t->w, &t->ln_phi, &t->at.s}) *a = arena.zeros(ld);
-  s.work = {arena.zeros(ld), arena.zeros(ld), arena.zeros(ld), arena.zeros(ld), dn, hessian};
-  for (double** a : {&s.wilson_k, &s.between, &s.direction, &s.feed_phi, &s.feed_d, &s.answer_d, &s.feed_at.s})
-    *a = arena.zeros(ld);
-  s.found = arena.zeros(ld * kFound);
+  double* next = arena.zeros(kVectors * ld);
+  const auto take = [&] { return std::exchange(next, next + ld); };
+  s.trial.log_w = take();
+  s.trial.w = take();
+  s.trial.ln_phi = take();
+  s.trial.at.s = take();
+  s.lowest.log_w = take();
+  s.lowest.w = take();
+  s.lowest.ln_phi = take();
+  s.lowest.at.s = take();
+  s.work = {take(), take(), take(), take(), dn, hessian};
+  s.wilson_k = take();
+  s.between = take();
+  s.direction = take();
+  s.feed_phi = take();
+  s.feed_d = take();
+  s.feed_at.s = take();
+  s.answer_d = take();
+  s.found = arena.take(ld * kFound);
   s.tried.log_w = arena.take(ld * TriedStarts::kMost);
   s.began = arena.take(ld);
   wilson(s.m.T, s.m.P, *s.m.context.record, s.m.free_water, s.wilson_k, nullptr);

@@ -4,6 +4,7 @@
 #ifndef KESTRUNE_FLASH_STABILITY_HPP
 #define KESTRUNE_FLASH_STABILITY_HPP
 
+#include "flash/feed.hpp"
 #include "flash/trial.hpp"
 
 namespace kestrune::flash {
@@ -18,13 +19,9 @@ enum class Effort {
 /*
  * A test by itself: of the feed at T and P, or of phases in equilibrium there. Arrays [n] of the caller, only read.
  */
-struct StabilityCall {
-  double T = 0.0, P = 0.0;    // K, atm
-  const double* z = nullptr;  // feed, need not sum to one
-  eos::Context context;
-  HostRoutines* routines = nullptr;
-  bool free_water = false;
-  Model* model = nullptr;  // prepared for this T and P; null: the test makes its own
+struct StabilityCall : Feed {
+  double T = 0.0, P = 0.0;  // K, atm
+  Model* model = nullptr;   // prepared for this T and P; null: the test makes its own
   Effort effort = Effort::usual;
   int count = 0;  // phases whose plane is tested, 2 or 3; 0: that of the feed
   const double* phase[kMostInPlane] = {};

@@ -27,8 +27,12 @@ constexpr double kLoose = 1e-9;  // difference of ln fugacities that is left to 
 constexpr double kNoAmount = 1e-13;
 constexpr double kFirstAmount = 0.1;  // of a phase that is added
 
+flash::Feed feed_of(const Equilibrium& e) {
+  return {e.z, e.m.context, e.routines};
+}
+
 flash::IsothermalCall isothermal_call(Equilibrium& e) {
-  flash::IsothermalCall c{e.m.T, e.m.P, e.z, e.m.context, e.routines, &e.beta, e.x, e.y, e.K};
+  flash::IsothermalCall c{feed_of(e), e.m.T, e.m.P, &e.beta, e.x, e.y, e.K};
   c.model = &e.m;
   c.third = &e.third;
   if (*e.how.trace) c.trace = e.how.trace;
@@ -334,24 +338,24 @@ StatusCode leave(Equilibrium& e, StatusCode status) {
 
 }  // namespace
 
-StatusCode open_equilibrium(const EquilibriumCall& call, int order, support::Arena& arena,
+StatusCode open_equilibrium(const flash::Feed& feed, double T, double P, int order, support::Arena& arena,
                             support::TraceWriter& trace, Equilibrium& e) {
-  const int n = call.context.record->count, ld = support::padded(n);
-  e.routines = call.routines;
+  const int n = feed.context.record->count, ld = support::padded(n);
+  e.routines = feed.routines;
   for (double** a : {&e.z, &e.x, &e.y, &e.K, &e.cut, &e.added, &e.best_cut}) *a = arena.zeros(ld);
-  if (!flash::normalise_feed(n, call.z, e.z)) return KV_COMPOSITION;
+  if (!flash::normalise_feed(n, feed.z, e.z)) return KV_COMPOSITION;
   for (int i = 0; i < n; ++i)
     if (e.z[i] < kAbsent) e.z[i] = 0.0;
   take_phases(arena, ld, e.p);
   take_phases(arena, ld, e.best);
   take_phases(arena, ld, e.answer);
   take_work(arena, n, ld, kMostPhases, e.w);
-  e.how.settings = flash::copy_settings(call.context);
+  e.how.settings = flash::copy_settings(feed.context);
   e.how.trace = &trace;
   e.arena = &arena;
   e.base = arena.mark();
   e.order = order;
-  return flash::make_model(call.T, call.P, call.context, call.routines, false, order, arena, e.m);
+  return flash::make_model(T, P, feed.context, feed.routines, false, order, arena, e.m);
 }
 
 StatusCode set_conditions(double T, double P, Equilibrium& e) {
@@ -390,14 +394,7 @@ StatusCode find_equilibrium_from(Equilibrium& e) {
 
 StatusCode test_equilibrium(Equilibrium& e) {
   if (e.p.count == 1) return two_phases(e, false);
-  flash::StabilityCall call{.T = e.m.T,
-                            .P = e.m.P,
-                            .z = e.z,
-                            .context = e.m.context,
-                            .routines = e.routines,
-                            .model = &e.m,
-                            .effort = flash::Effort::thorough,
-                            .count = e.p.count};
+  flash::StabilityCall call{feed_of(e), e.m.T, e.m.P, &e.m, flash::Effort::thorough, e.p.count};
   std::copy_n(e.p.x, e.p.count, call.phase);
   flash::StabilityResult found{.w = e.cut};
   const StatusCode status = flash::test_stability(call, found);
