@@ -281,6 +281,37 @@ StatusCode from_own_starts(Equilibrium& e) {
   return lower || status != KV_OK ? status : StatusCode{KV_NOT_CONVERGED};
 }
 
+// An attempt at an answer lower than e.answer, or one that nothing cuts.
+bool lower(const Equilibrium& e, StatusCode status) {
+  return status == KV_OK && (!e.third.found || e.p.gibbs < e.answer.gibbs - kLowerGibbs);
+}
+
+// Back to the answer that is improved on, and to what cuts it.
+void put_answer(Equilibrium& e) {
+  copy_phases(e.answer, e.p, e.m.ld);
+  std::copy_n(e.added, e.m.n, e.cut);
+}
+
+// The ways of an answer of three phases.
+StatusCode improve_three(Equilibrium& e) {
+  StatusCode status = replace_phase(e);
+  if (!lower(e, status)) status = settle_four(e);
+  if (status != KV_FOURTH_PHASE && !lower(e, status)) status = try_pairs(e);
+  return status;
+}
+
+// Those of one or two.
+StatusCode improve_few(Equilibrium& e) {
+  StatusCode status = add_phase(e, false);
+  if (lower(e, status)) return status;
+  put_answer(e);
+  status = add_phase(e, true);  // a small phase may have been taken for a vanished one
+  if (lower(e, status) || e.answer.count != 2) return status;
+  put_answer(e);
+  status = grow_phase(e);
+  return lower(e, status) ? status : replace_phase(e);
+}
+
 // From an answer that was just tested to one that nothing cuts. Each way starts from the answer (e.answer) and
 // what cuts it (e.added), and counts when nothing cuts its end or that lies lower.
 StatusCode improve(Equilibrium& e) {
@@ -288,29 +319,8 @@ StatusCode improve(Equilibrium& e) {
     copy_phases(e.p, e.answer, e.m.ld);
     std::copy_n(e.cut, e.m.n, e.added);
     const double distance = e.third.distance;
-    const auto lower = [&](StatusCode status) {
-      return status == KV_OK && (!e.third.found || e.p.gibbs < e.answer.gibbs - kLowerGibbs);
-    };
-    StatusCode status = KV_NOT_CONVERGED;
-    if (e.p.count == kMostPhases) {
-      status = replace_phase(e);
-      if (!lower(status)) status = settle_four(e);
-      if (status != KV_FOURTH_PHASE && !lower(status)) status = try_pairs(e);
-    } else {
-      status = add_phase(e, false);
-      if (!lower(status)) {  // a small phase may have been taken for a vanished one
-        copy_phases(e.answer, e.p, e.m.ld);
-        std::copy_n(e.added, e.m.n, e.cut);
-        status = add_phase(e, true);
-      }
-      if (!lower(status) && e.answer.count == 2) {
-        copy_phases(e.answer, e.p, e.m.ld);
-        std::copy_n(e.added, e.m.n, e.cut);
-        status = grow_phase(e);
-        if (!lower(status)) status = replace_phase(e);
-      }
-    }
-    if (status != KV_FOURTH_PHASE && !lower(status)) status = from_own_starts(e);
+    StatusCode status = e.p.count == kMostPhases ? improve_three(e) : improve_few(e);
+    if (status != KV_FOURTH_PHASE && !lower(e, status)) status = from_own_starts(e);
     if (status != KV_OK) {  // the answer stands where what cuts it may be rounding
       copy_phases(e.answer, e.p, e.m.ld);
       e.third.distance = distance;

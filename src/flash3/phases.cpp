@@ -189,6 +189,20 @@ void newton_matrix(int n, int ld, int lead, const Phases& p, const PhasesWork& w
     for (int i = 0; i < n; ++i) newton_column(H, n, lead, k, i);
 }
 
+// What a component adds to the Gibbs energy and to the differences of fugacities; home: the phase with most of it.
+void add_component(int i, Phases& p, int& home) {
+  for (int j = 1; j < p.count; ++j)
+    if (p.amount[j] * p.x[j][i] > p.amount[home] * p.x[home][i]) home = j;
+  double log_f[kRoom];  // ln of the fugacity over the pressure
+  for (int j = 0; j < p.count; ++j) log_f[j] = support::fast_log(p.x[j][i]) + p.ln_phi[j][i];
+  for (int j = 0; j < p.count; ++j) {
+    if (!(p.x[j][i] > 0.0)) continue;
+    p.gibbs += p.amount[j] * p.x[j][i] * log_f[j];
+    const double apart = std::fabs(log_f[j] - log_f[home]);
+    if (p.x[j][i] >= kAbsent) p.worst = std::max(p.worst, apart <= 1e300 ? apart : 1e300);
+  }
+}
+
 }  // namespace
 
 void take_phases(support::Arena& arena, int ld, Phases& p) {
@@ -259,19 +273,7 @@ StatusCode evaluate_phases(flash::Model& m, const double* z, Phases& p, const Ph
   p.gibbs = p.worst = 0.0;
   for (int i = 0; i < m.n; ++i) {
     w.home[i] = 0;
-    if (!(z[i] > 0.0)) continue;
-    int home = 0;
-    for (int j = 1; j < p.count; ++j)
-      if (p.amount[j] * p.x[j][i] > p.amount[home] * p.x[home][i]) home = j;
-    w.home[i] = home;
-    double log_f[kRoom];  // ln of the fugacity over the pressure
-    for (int j = 0; j < p.count; ++j) log_f[j] = support::fast_log(p.x[j][i]) + p.ln_phi[j][i];
-    for (int j = 0; j < p.count; ++j) {
-      if (!(p.x[j][i] > 0.0)) continue;
-      p.gibbs += p.amount[j] * p.x[j][i] * log_f[j];
-      const double apart = std::fabs(log_f[j] - log_f[home]);
-      if (p.x[j][i] >= kAbsent) p.worst = std::max(p.worst, apart <= 1e300 ? apart : 1e300);
-    }
+    if (z[i] > 0.0) add_component(i, p, w.home[i]);
   }
   return KV_OK;
 }
