@@ -83,7 +83,7 @@ struct Stability {
   bool cut() const { return have_lowest && lowest.tm < kUnstable; }
 
   double* wilson_k = nullptr;  // [ld]
-  TrialWork work;
+  TrialWork work{};
   Trial trial;                 // the one that runs
   Follow how = Follow::quick;  // how far trials are followed
   bool came_back = false;      // some trial ran into a phase of the plane
