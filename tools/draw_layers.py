@@ -39,7 +39,7 @@ STEPS = [
     ("wrapper", "frame/exports/two_phase.cpp", "frame/exports/flash_wrapper.hpp", "flags byte, water, host's routines, work"),
     ("solver", "frame/exports/two_phase.cpp", "flash/isothermal.cpp", "the order of attempts"),
     ("start", "flash/isothermal.cpp", "flash/starts.cpp", "estimate, Wilson, or a trial that splits off"),
-    ("stability", "flash/isothermal.cpp", "flash/feed_test.cpp", "which trials; each by flash/stability.cpp"),
+    ("stability", "flash/isothermal.cpp", "flash/stability.cpp", "which trials; each by flash/trial.cpp"),
     ("split", "flash/starts.cpp", "flash/two_phase.cpp", "substitution, then Newton's method"),
     ("ln phi", "flash/two_phase.cpp", "flash/fugacity.cpp", "host's routine, free water, or the equation"),
     ("equation", "flash/fugacity.cpp", "eos/phase.cpp", "root by BRACUB of siblings/tools"),

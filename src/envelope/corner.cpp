@@ -8,7 +8,7 @@
 #include <cmath>
 
 #include "envelope/outline.hpp"
-#include "flash/isothermal.hpp"
+#include "flash/stability.hpp"
 
 namespace kestrune::envelope {
 namespace {
@@ -315,25 +315,22 @@ bool stable_at(Tracer& t, LinePoint& p) {
   flash::QualityLine& line = t.line;
   if (!flash::compositions(line, p, 1e-3)) return false;
   if (!own_roots_stable(t, p)) return false;
-  double beta = line.W, distance = 0.0;
-  flash::IsothermalCall call{flash::temperature(line, p),
-                             flash::pressure(line, p),
-                             line.z,
-                             line.context.silent(),
-                             line.routines,
-                             &beta};
-  call.every_component = true;
+  flash::StabilityCall call{
+      {line.z, line.context.silent(), line.routines}, flash::temperature(line, p), flash::pressure(line, p)};
+  call.effort = flash::Effort::every_component;
+  flash::StabilityResult found;
   if (t.boundary()) {
-    call.x = call.y = t.trial;
-    call.K = t.trial_K;
-    t.status = flash::feed_stability(call, {p.x, p.Zx}, distance);
-    for (int i = 0; i < line.n; ++i) t.trial_K[i] = -t.trial_K[i];
+    call.incipient = p.x;
+    call.incipient_Z = p.Zx;
+    found.log_k = t.trial_K;
   } else {
-    call.x = p.x;
-    call.y = p.y;
-    t.status = flash::answer_stability(call, distance);
+    call.count = 2;
+    call.phase[0] = p.x;
+    call.phase[1] = p.y;
   }
-  return t.status == KV_OK && distance >= kStable;
+  t.status = flash::test_stability(call, found);
+  for (int i = 0; i < line.n && t.boundary(); ++i) t.trial_K[i] = -t.trial_K[i];
+  return t.status == KV_OK && found.distance >= kStable;
 }
 
 bool change_over(Tracer& t, int bad, double& sign, double& phase) {

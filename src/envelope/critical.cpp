@@ -8,9 +8,9 @@
 
 #include "flash/feed.hpp"
 #include "flash/fugacity.hpp"
-#include "flash/isothermal.hpp"
 #include "flash/pure_saturation.hpp"
 #include "flash/settings.hpp"
+#include "flash/stability.hpp"
 #include "support/spline.hpp"
 
 namespace kestrune::envelope {
@@ -171,14 +171,12 @@ void add_between(Spinodal& sp, const Node& a, const Node& b, int capacity, Criti
 }
 
 // Whether nothing splits off the feed at its critical state.
-bool stable_feed(const eos::Context& context, const double* z, const Critical& c, double* work,
-                 StatusCode& status) {
-  double beta = 0.0, distance = 0.0;
-  double* const K = work + context.record->count;
-  const flash::Incipient itself{z};
-  status =
-      flash::feed_stability({c.T, c.P, z, context.silent(), nullptr, &beta, work, work, K}, itself, distance);
-  return status == KV_OK && distance >= kStable;
+bool stable_feed(const eos::Context& context, const double* z, const Critical& c, StatusCode& status) {
+  flash::StabilityCall call{{z, context.silent()}, c.T, c.P};
+  call.incipient = z;
+  flash::StabilityResult found;
+  status = flash::test_stability(call, found);
+  return status == KV_OK && found.distance >= kStable;
 }
 
 StatusCode own_constants(const MixtureRecord& r, int j, Critical& c) {
@@ -195,7 +193,6 @@ StatusCode own_constants(const MixtureRecord& r, int j, Critical& c) {
 StatusCode search(const eos::Context& context, const double* feed, support::Arena& arena, Critical& result) {
   const int n = context.record->count;
   double* z = arena.zeros(support::padded(n));
-  double* work = arena.take(2 * static_cast<std::size_t>(n));
   if (!flash::normalise_feed(n, feed, z)) return KV_COMPOSITION;
   Spinodal sp;
   open_spinodal(arena, context, z, sp);
@@ -211,7 +208,7 @@ StatusCode search(const eos::Context& context, const double* feed, support::Aren
   StatusCode status = critical_points(sp, kMostCritical, found, count);
   if (status != KV_OK && status != KV_NOT_FINITE) return status;
   for (int k = 0; k < count; ++k) {
-    if (!stable_feed(context, z, found[k], work, status)) continue;
+    if (!stable_feed(context, z, found[k], status)) continue;
     result = found[k];
     return KV_OK;
   }

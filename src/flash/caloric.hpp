@@ -4,6 +4,7 @@
 #define KESTRUNE_FLASH_CALORIC_HPP
 
 #include "eos/properties.hpp"
+#include "flash/feed.hpp"
 #include "flash/fugacity.hpp"
 
 namespace kestrune::flash {
@@ -30,14 +31,10 @@ struct Gibbs {
 /* K: where those of two states, at temperatures of their own, are the same by their slopes in 1/T. */
 double crossing_of(const Gibbs& a, double T_a, const Gibbs& b, double T_b) noexcept;
 
-/* What the phases of one flash share at a temperature. */
-struct CaloricModel {
+/* What the phases of one flash share at a temperature; the feed z[ld] says which components are present. */
+struct CaloricModel : Feed {
   Property property = Property::enthalpy;
   double P = 0.0;
-  const double* z = nullptr;  // [ld] feed: the components that are present
-  eos::Context context;
-  HostRoutines* routines = nullptr;
-  bool free_water = false;
   support::Arena* arena = nullptr;
   support::Arena::Mark base{};
   double prepared = 0.0;  // temperature of t and ideal

@@ -5,6 +5,7 @@
 
 #include "flash/energy_state.hpp"
 #include "flash/settings.hpp"
+#include "flash/stability.hpp"
 
 namespace kestrune::flash {
 namespace {
@@ -52,9 +53,10 @@ bool accept(Energy& e, EnergyState& s, Found found, int component) {
   if (!s.two_phases()) return found == Found::flash || found == Found::component;
   if ((found != Found::flash || e.model.analytic()) && !equal_fugacities(e, s, component)) return false;
   if (found != Found::newton) return true;
-  double distance = 0.0;
-  e.status = answer_stability(isothermal_call(e, s), distance);
-  return e.status == KV_OK && distance >= kStable;
+  const IsothermalCall at = isothermal_call(e, s);
+  StabilityResult test;
+  e.status = test_stability({at, at.T, at.P, at.model, Effort::usual, 2, {s.x, s.y}}, test);
+  return e.status == KV_OK && test.distance >= kStable;
 }
 
 }  // namespace kestrune::flash

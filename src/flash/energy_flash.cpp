@@ -316,8 +316,7 @@ Local solve_phases(Energy& e, EnergyState& s) {
 }
 
 IsothermalCall isothermal_call(Energy& e, EnergyState& s) {
-  IsothermalCall c{s.T, e.call.P, e.z, e.silent, e.call.routines, &s.beta, s.x, s.y, e.K};
-  c.free_water = e.call.free_water;
+  IsothermalCall c{{e.z, e.silent, e.call.routines, e.call.free_water}, s.T, e.call.P, &s.beta, s.x, s.y, e.K};
   if (e.model.analytic() && prepare_caloric(e.model, s.T) == KV_OK) {
     e.fugacities.T = s.T;
     e.fugacities.t = e.model.t;

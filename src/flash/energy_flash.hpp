@@ -3,24 +3,21 @@
 #define KESTRUNE_FLASH_ENERGY_FLASH_HPP
 
 #include "flash/caloric.hpp"
+#include "flash/feed.hpp"
 
 namespace kestrune::flash {
 
-struct EnergyCall {
+struct EnergyCall : Feed {
   Property property = Property::enthalpy;
-  double wanted = 0.0;        // cal/mol or cal/(mol K), of one mole of feed
-  double P = 0.0;             // atm
-  const double* z = nullptr;  // feed, need not sum to one
-  eos::Context context;
+  double wanted = 0.0;  // cal/mol or cal/(mol K), of one mole of feed
+  double P = 0.0;       // atm
   double* T = nullptr;  // in/out, K; exactly 0 starts at 298.15
   double* beta = nullptr;
   double *x = nullptr, *y = nullptr, *K = nullptr;
   double *liquid = nullptr, *vapour = nullptr;  // value of each phase; 0 for one that is absent
-  HostRoutines* routines = nullptr;
-  bool free_water = false;
-  bool cold = true;        // else beta, x, y hold an estimate for the flash at *T
-  int index = 1;           // initialisation index, for the trace
-  int* flashes = nullptr;  // may be null: isothermal flashes that were run
+  bool cold = true;                             // else beta, x, y hold an estimate for the flash at *T
+  int index = 1;                                // initialisation index, for the trace
+  int* flashes = nullptr;                       // may be null: isothermal flashes that were run
 };
 
 /*

@@ -1,11 +1,22 @@
-// What every flash does with the compositions that it is given.
+// What every flash is given, and what it does with compositions.
 #ifndef KESTRUNE_FLASH_FEED_HPP
 #define KESTRUNE_FLASH_FEED_HPP
 
 #include <algorithm>
 #include <cmath>
 
+#include "eos/context.hpp"
+#include "flash/host.hpp"
+
 namespace kestrune::flash {
+
+/* What is flashed, by whose data and routines: the part that all calls share. */
+struct Feed {
+  const double* z = nullptr;  // [n], need not sum to one
+  eos::Context context;
+  HostRoutines* routines = nullptr;
+  bool free_water = false;  // what water there is beyond the solubility limit is a liquid of its own
+};
 
 /* The feed z[n] divided by its sum. False when the sum is beyond the range of a double. */
 inline bool normalise_feed(int n, const double* z, double* out) noexcept {

@@ -42,8 +42,11 @@ StatusCode host_phase(Model& m, const double* x, int phase, double* ln_phi, cons
   double sum = 0.0;
   for (int i = 0; i < n; ++i) sum += x[i] * dP[i];
   Z = 1.0 + m.P * sum;
-  for (int j = 0; dn != nullptr && j < n; ++j)
-    std::copy_n(dn + static_cast<std::size_t>(j) * n, n, d.dn + static_cast<std::size_t>(j) * m.ld);
+  for (int j = 0; dn != nullptr && j < n; ++j) {
+    double* const column = d.dn + static_cast<std::size_t>(j) * m.ld;
+    std::copy_n(dn + static_cast<std::size_t>(j) * n, n, column);
+    std::fill(column + n, column + m.ld, 0.0);
+  }
   for (int i = n; i < m.ld; ++i) ln_phi[i] = 0.0;
   return KV_OK;
 }

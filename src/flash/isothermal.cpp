@@ -20,9 +20,6 @@
 namespace kestrune::flash {
 namespace {
 
-// Phase-situation codes of a solve that ends with one phase.
-enum class Situation { liquid = 3, vapour = 4 };
-
 constexpr double kNoAmount = 1e-13;
 
 // A usable estimate: fraction inside (0, 1), compositions that are compositions.
@@ -60,13 +57,15 @@ StatusCode finish_two_phases(Flash& f) {
 // One phase: the feed, with the incipient phase beside it where there is one.
 StatusCode finish_single_phase(Flash& f) {
   f.m.counts.step = Step::report;
-  const Situation s = f.feed_kind == Kind::gas ? Situation::vapour : Situation::liquid;
-  const bool vapour = s == Situation::vapour;
+  const PlanePhase& feed = f.feed.phase[0];
+  const Trial& lowest = f.test.lowest;
+  const bool vapour = feed.kind == Kind::gas;
   const int n = f.m.n;
-  if (!has_digits(n, f.it.z, f.feed_phi)) return write_answer(f, KV_NOT_FINITE);
-  if (f.have_lowest && !finish_lowest(f)) return write_answer(f, f.status);
-  const bool incipient = f.have_lowest && f.lowest.end == TrialEnd::stationary;
-  const double* other = incipient ? f.lowest.w : f.it.z;
+  if (!has_digits(n, f.it.z, feed.ln_phi)) return write_answer(f, KV_NOT_FINITE);
+  if (f.test.have_lowest && (f.status = finish_lowest(f.test, f.feed)) != KV_OK)
+    return write_answer(f, f.status);
+  const bool incipient = f.test.have_lowest && lowest.end == TrialEnd::stationary;
+  const double* other = incipient ? lowest.w : f.it.z;
   double *const whole = vapour ? f.it.y : f.it.x, *const beside = vapour ? f.it.x : f.it.y;
   std::copy_n(f.it.z, n, whole);
   // Not below the bound of K, so that K is the ratio of what is returned; and a composition.
@@ -83,7 +82,7 @@ StatusCode finish_single_phase(Flash& f) {
 StatusCode split_from_trial(Flash& f) {
   Outcome outcome = Outcome::broke_down;
   for (int attempt = 0; attempt < 2; ++attempt) {
-    start_from_trial(f, {f.feed_phi, f.feed_Z, f.feed_kind}, Source::trial);
+    start_from_trial(f, f.feed.phase[0], Source::trial);
     if (good_split(f, true, outcome)) return finish_two_phases(f);
     if (outcome == Outcome::routine) return write_answer(f, f.status);
     f.settings.relaxation = kRobustRelaxation;
@@ -93,7 +92,8 @@ StatusCode split_from_trial(Flash& f) {
   report_third(f);
   // On the boundary itself, or of traces alone: what splits off has no amount that could be told from rounding.
   const double boundary = std::max(1e-8, host_slack(f.m, f.settings));
-  if (f.lowest.tm > -boundary || most_of(f.m.n, f.it.z, f.lowest.w) < kNoAmount) return finish_single_phase(f);
+  const Trial& lowest = f.test.lowest;
+  if (lowest.tm > -boundary || most_of(f.m.n, f.it.z, lowest.w) < kNoAmount) return finish_single_phase(f);
   bool found = false;
   if (!split_from_all(f, found)) return write_answer(f, f.status);
   if (found) return finish_two_phases(f);
@@ -102,8 +102,10 @@ StatusCode split_from_trial(Flash& f) {
 
 StatusCode solve(Flash& f) {
   trace_header(f.trace, f.call, f.settings);
-  if (!evaluate_feed(f)) return f.status;
-  wilson(f.call.T, f.call.P, *f.call.context.record, f.m.free_water, f.wilson_k, nullptr);
+  f.status = feed_plane(f.test, f.it.z, f.feed);
+  if (f.status != KV_OK) return f.status;
+  f.feed_gibbs = 0.0;
+  for (int i = 0; i < f.m.n; ++i) f.feed_gibbs += f.it.z[i] * f.feed.d[i];
   const bool given = f.call.start != Start::cold && usable_estimate(f.call, f.m.n);
 
   Outcome outcome = Outcome::one_phase;
@@ -117,18 +119,17 @@ StatusCode solve(Flash& f) {
   }
   if (outcome == Outcome::routine) return write_answer(f, f.status);
 
-  if (!test_feed(f)) return write_answer(f, f.status);
-  if (f.have_lowest && f.lowest.tm < kUnstable) return split_from_trial(f);
-  return finish_single_phase(f);
+  f.status = test_plane(f.test, f.feed);
+  if (f.status != KV_OK) return write_answer(f, f.status);
+  return f.test.cut() ? split_from_trial(f) : finish_single_phase(f);
 }
 
 void take_iterate(support::Arena& arena, int ld, Iterate& it) {
   for (const auto array : kIterateArrays) it.*array = arena.zeros(ld);
 }
 
-// Everything that a flash works with, then body(flash).
-template <class Body>
-StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& body) {
+// Everything that a flash works with, then the flash.
+StatusCode with_flash(const IsothermalCall& call, support::Arena& arena) {
   Model own;
   if (call.model == nullptr) {
     const StatusCode status =
@@ -145,41 +146,14 @@ StatusCode with_flash(const IsothermalCall& call, support::Arena& arena, Body&& 
   const std::size_t ld = m.ld, square = ld * m.n;
   double* z = arena.zeros(ld);
   if (!normalise_feed(m.n, call.z, z)) return KV_COMPOSITION;
-  take_iterate(arena, m.ld, f.it);
-  take_iterate(arena, m.ld, f.best);
-  take_iterate(arena, m.ld, f.answer);
+  for (Iterate* it : {&f.it, &f.best, &f.answer}) take_iterate(arena, m.ld, *it);
   f.it.z = f.best.z = f.answer.z = z;
   f.two = {arena.zeros(ld),    arena.zeros(ld),    arena.zeros(ld),
            arena.take(square), arena.take(square), arena.take(square)};
-  f.work = {arena.zeros(ld), arena.zeros(ld), arena.zeros(ld), arena.zeros(ld), f.two.dx, f.two.system};
-  f.trial.log_w = arena.zeros(ld);
-  f.trial.w = arena.zeros(ld);
-  f.trial.ln_phi = arena.zeros(ld);
-  f.trial.at.s = arena.zeros(ld);
-  f.lowest.log_w = arena.zeros(ld);
-  f.lowest.w = arena.zeros(ld);
-  f.lowest.ln_phi = arena.zeros(ld);
-  f.lowest.at.s = arena.zeros(ld);
-  f.wilson_k = arena.zeros(ld);
-  f.feed_phi = arena.zeros(ld);
-  f.feed.s = arena.zeros(ld);
-  f.d = arena.zeros(ld);
-  f.answer_d = arena.zeros(ld);
-  f.direction = arena.zeros(ld);
-  f.between = arena.zeros(ld);
-  f.tried = arena.zeros(ld * kTried);
-  f.starts = arena.take(ld * kStarts);
-  f.start = arena.take(ld);
-  const StatusCode result = body(f);
+  open_stability(arena, f.two.dx, f.two.system, f.test);
+  const StatusCode result = solve(f);
   if (call.counts != nullptr) *call.counts = m.counts;
   return result;
-}
-
-// body(flash) with all that a flash works with.
-template <class Body>
-StatusCode run(const IsothermalCall& call, Body&& body) {
-  return support::with_arena<6, 132>(call.context.record->count,
-                                     [&](support::Arena& arena) { return with_flash(call, arena, body); });
 }
 
 }  // namespace
@@ -187,67 +161,8 @@ StatusCode run(const IsothermalCall& call, Body&& body) {
 StatusCode isothermal_flash(const IsothermalCall& call) {
   if (call.free_water && call.mode == Mode::liquid_vapour && has_free_water(*call.context.record, call.z))
     return wet_flash(call);
-  return run(call, solve);
-}
-
-StatusCode feed_stability(const IsothermalCall& call, const Incipient& incipient, double& distance) {
-  const auto body = [&](Flash& f) -> StatusCode {
-    if (!evaluate_feed(f)) return f.status;
-    wilson(call.T, call.P, *call.context.record, f.m.free_water, f.wilson_k, nullptr);
-    if (incipient.w != nullptr) std::copy_n(incipient.w, f.m.n, f.it.x);
-    f.incipient = incipient.w != nullptr ? f.it.x : nullptr;
-    f.incipient_Z = incipient.Z;
-    if (!test_feed(f)) return f.status;
-    distance = f.have_lowest ? f.lowest.tm : 0.0;
-    *call.beta = f.feed_kind == Kind::gas ? 1.0 : 0.0;
-    for (int i = 0; i < f.m.n; ++i) {
-      call.y[i] = f.have_lowest ? f.lowest.w[i] : f.it.z[i];
-      call.K[i] = f.have_lowest ? f.feed_phi[i] - f.lowest.ln_phi[i] : 0.0;
-    }
-    return KV_OK;
-  };
-  return run(call, body);
-}
-
-StatusCode answer_stability(const IsothermalCall& call, double& distance) {
-  const auto body = [&](Flash& f) -> StatusCode {
-    wilson(call.T, call.P, *call.context.record, f.m.free_water, f.wilson_k, nullptr);
-    std::copy_n(call.x, f.m.n, f.it.x);
-    std::copy_n(call.y, f.m.n, f.it.y);
-    f.it.kind_x = f.it.kind_y = Kind::stable;
-    f.status = fugacity(f.m, f.it.x, f.it.kind_x, f.it.ln_phi_x, nullptr, f.it.Zx);
-    if (f.status != KV_OK) return f.status;
-    f.status = fugacity(f.m, f.it.y, f.it.kind_y, f.it.ln_phi_y, nullptr, f.it.Zy);
-    if (f.status != KV_OK) return f.status;
-    bool stable = true;
-    if (!test_answer(f, stable)) return f.status;
-    distance = f.have_lowest ? std::min(f.lowest.tm, 0.0) : 0.0;
-    return KV_OK;
-  };
-  return run(call, body);
-}
-
-StatusCode phases_stability(const IsothermalCall& call, int count, const double* const* phases) {
-  const auto body = [&](Flash& f) -> StatusCode {
-    wilson(call.T, call.P, *call.context.record, false, f.wilson_k, nullptr);
-    // The third phase stands where the iteration keeps its best answer.
-    double* const compositions[] = {f.it.x, f.it.y, f.best.x};
-    double* const phi[] = {f.it.ln_phi_x, f.it.ln_phi_y, f.best.ln_phi_x};
-    double Z[3] = {};
-    for (int j = 0; j < count; ++j) {
-      std::copy_n(phases[j], f.m.n, compositions[j]);
-      f.status = fugacity(f.m, compositions[j], Kind::stable, phi[j], nullptr, Z[j]);
-      if (f.status != KV_OK) return f.status;
-    }
-    f.it.Zx = Z[0];
-    f.it.Zy = Z[1];
-    if (count > 2) f.third = {f.best.x, f.best.ln_phi_x, Z[2]};
-    bool stable = true;
-    if (!test_answer(f, stable)) return f.status;
-    if (!stable) report_third(f);
-    return KV_OK;
-  };
-  return run(call, body);
+  return support::with_arena<6, 132>(call.context.record->count,
+                                     [&](support::Arena& arena) { return with_flash(call, arena); });
 }
 
 }  // namespace kestrune::flash

@@ -2,6 +2,7 @@
 #ifndef KESTRUNE_FLASH_ISOTHERMAL_HPP
 #define KESTRUNE_FLASH_ISOTHERMAL_HPP
 
+#include "flash/feed.hpp"
 #include "flash/fugacity.hpp"
 #include "flash/two_phase.hpp"
 
@@ -28,21 +29,16 @@ struct ThirdPhase {
  * One flash: what goes in and where the answer goes, in the order in which calls are written; what is seldom
  * asked for stands last. Arrays [n] of the caller.
  */
-struct IsothermalCall {
-  double T = 0.0, P = 0.0;    // K, atm
-  const double* z = nullptr;  // feed, need not sum to one
-  eos::Context context;
-  HostRoutines* routines = nullptr;
-  double* beta = nullptr;  // vapour (second liquid) fraction
+struct IsothermalCall : Feed {
+  double T = 0.0, P = 0.0;  // K, atm
+  double* beta = nullptr;   // vapour (second liquid) fraction
   double *x = nullptr, *y = nullptr, *K = nullptr;
-  bool free_water = false;
   Mode mode = Mode::liquid_vapour;
   Start start = Start::cold;
-  int index = 1;                 // initialisation index, for the trace; of two liquids see settings.hpp
-  Counts* counts = nullptr;      // may be null
-  Model* model = nullptr;        // prepared for this call; null: the flash makes its own
-  ThirdPhase* third = nullptr;   // may be null; with free water only whether there is one
-  bool every_component = false;  // feed_stability: near-pure trials of all components, not of the usual ones
+  int index = 1;                // initialisation index, for the trace; of two liquids see settings.hpp
+  Counts* counts = nullptr;     // may be null
+  Model* model = nullptr;       // prepared for this call; null: the flash makes its own
+  ThirdPhase* third = nullptr;  // may be null; with free water only whether there is one
   support::TraceWriter* trace = nullptr;  // of the flash that runs this one; null: as the record says
 };
 
@@ -53,30 +49,6 @@ struct IsothermalCall {
  * iterate. K is y/x of the arrays returned, see ratio_of.
  */
 StatusCode isothermal_flash(const IsothermalCall& call);
-
-/*
- * Tangent-plane distance of the feed at T and P: the lowest of the stationary points that were found, 0 without
- * any, below about -1e-8 an instability. beta: 1 when the feed is a gas there, else 0; y receives the trial
- * phase and K (not bounded) ln phi(feed) - ln phi(trial). x is not used. incipient: a phase that is known to
- * touch the feed's tangent plane; trials that come to it stop.
- */
-struct Incipient {
-  const double* w = nullptr;  // [count], null where none is known
-  double Z = 0.0;             // 0: not known
-};
-StatusCode feed_stability(const IsothermalCall& call, const Incipient& incipient, double& distance);
-
-/*
- * The same distance from the tangent plane of two phases x and y in equilibrium at T and P, 0 when nothing cuts
- * it. The call's arrays are read only, its beta is not used.
- */
-StatusCode answer_stability(const IsothermalCall& call, double& distance);
-
-/*
- * The same of two or three phases [count][ld] in equilibrium, of which every component is tried alone.
- * call.third receives the phase that cuts. The call's other results are not used.
- */
-StatusCode phases_stability(const IsothermalCall& call, int count, const double* const* phases);
 
 }  // namespace kestrune::flash
 

@@ -1,7 +1,6 @@
 // What follows a converged split: is it the answer that is owed, and if not, which one is.
 
 #include <algorithm>
-#include <initializer_list>
 
 #include "flash/flash_state.hpp"
 
@@ -21,8 +20,8 @@ void copy_answer(const Iterate& from, Iterate& to, int ld) {
   to = copy;
 }
 
-// Tries a split from f.lowest beside the given phase; keeps it in f.best when it is lower. False: f.status.
-bool try_other(Flash& f, const Beside& phase, bool& improved) {
+// Tries a split from the lowest trial beside the given phase; keeps it in f.best when it is lower. False: f.status.
+bool try_other(Flash& f, const PlanePhase& phase, bool& improved) {
   start_from_trial(f, phase, Source::other_answer);
   Outcome outcome;
   if (good_split(f, true, outcome) && f.it.gibbs < f.best.gibbs - kLowerGibbs) {
@@ -32,49 +31,58 @@ bool try_other(Flash& f, const Beside& phase, bool& improved) {
   return outcome != Outcome::routine;
 }
 
-// Every trial against a tangent plane, and a split from each that cuts it beside each phase of the plane.
-bool try_all_trials(Flash& f, Reference ref, std::initializer_list<Beside> phases, bool& improved) {
-  ref.known = f.tried;
-  ref.known_count = 0;
-  f.start_count = 0;
-  for (int number = 0; number < kNearPure + f.m.n; ++number) {
-    if (number >= kNearPure && !(f.it.z[number - kNearPure] > 0.0)) continue;
-    if (!start_trial(f, ref, number)) return false;
-    if (began_before(f, trial_kind(f))) continue;
-    f.trial.Z = 0.0;
-    f.m.counts.step = Step::answer_trials;
-    f.status = follow_trial(f.m, ref, trial_kind(f), Follow::strict, f.work, f.trial);
-    if (f.status != KV_OK) return false;
-    if (f.trial.end != TrialEnd::stationary || !(f.trial.tm < kUnstable)) continue;
-    if (ref.known_count < kTried) std::copy_n(f.trial.w, f.m.ld, f.tried + ref.known_count++ * f.m.ld);
-    std::swap(f.trial, f.lowest);
-    f.have_lowest = true;
-    for (const Beside& phase : phases)
-      if (!try_other(f, phase, improved)) return false;
-  }
+bool try_beside_all(Flash& f, const Plane& plane, bool& improved) {
+  for (int j = 0; j < plane.count; ++j)
+    if (!try_other(f, plane.phase[j], improved)) return false;
   return true;
+}
+
+// Every trial against a tangent plane, and a split from each that cuts it beside each phase of the plane.
+bool try_all_trials(Flash& f, const Plane& plane, bool& improved) {
+  int number = 0;
+  for (bool found = true;;) {
+    f.status = next_cut(f.test, plane, number, found);
+    if (f.status != KV_OK || !found) return f.status == KV_OK;
+    if (!try_beside_all(f, plane, improved)) return false;
+  }
+}
+
+// The phases of an answer of the iteration.
+void put_phases(const Iterate& it, Plane& plane) {
+  plane.count = 2;
+  plane.phase[0] = {it.x, it.ln_phi_x, it.Zx, it.kind_x};
+  plane.phase[1] = {it.y, it.ln_phi_y, it.Zy, it.kind_y};
+}
+
+// Tests f.it against the plane of its phases. The trials take the place of what the iteration has left.
+// False: f.status.
+bool test_answer(Flash& f, Plane& plane) {
+  plane.z = f.it.z;
+  put_phases(f.it, plane);
+  if (f.it.derivatives) {
+    plane.phase[0].dn = f.two.dx;
+    plane.phase[1].dn = f.two.dy;
+  }
+  f.it.derivatives = false;
+  answer_plane(f.test, plane);
+  f.status = test_plane(f.test, plane);
+  return f.status == KV_OK;
 }
 
 // An answer that is cut by its tangent plane: other splits, from all that cuts the planes of the answer and of
 // the feed, until none is lower. What then is still cut is a state with three phases.
 bool look_for_better(Flash& f) {
-  Iterate& answer = f.answer;
   for (int k = 0; k < kMaxOtherAnswers; ++k) {
-    bool stable = true, improved = false;
-    if (!test_answer(f, stable)) return false;
-    if (stable) return true;
+    bool improved = false;
+    Plane plane;
+    if (!test_answer(f, plane)) return false;
+    if (!f.test.cut()) return true;
     copy_answer(f.it, f.best, f.m.ld);
-    copy_answer(f.it, answer, f.m.ld);
-    const Reference plane{answer.x, f.answer_d, answer.y};
-    const Reference feed{f.it.z, f.d};
-    const Beside feed_phase{f.feed_phi, f.feed_Z, f.feed_kind};
-    const Beside phases[] = {{answer.ln_phi_x, answer.Zx, answer.kind_x},
-                             {answer.ln_phi_y, answer.Zy, answer.kind_y}};
+    copy_answer(f.it, f.answer, f.m.ld);
+    put_phases(f.answer, plane);
     // From what cuts the plane, then from all that does.
-    for (const Beside& phase : phases)
-      if (!try_other(f, phase, improved)) return false;
-    if (!try_all_trials(f, plane, {phases[0], phases[1]}, improved) ||
-        !try_all_trials(f, feed, {feed_phase}, improved))
+    if (!try_beside_all(f, plane, improved) || !try_all_trials(f, plane, improved) ||
+        !try_all_trials(f, f.feed, improved))
       return false;
     copy_answer(f.best, f.it, f.m.ld);
     if (!improved) return true;
@@ -87,7 +95,7 @@ bool look_for_better(Flash& f) {
 bool split_from_all(Flash& f, bool& found) {
   f.best.gibbs = f.feed_gibbs + kRounding;
   found = false;
-  if (!try_all_trials(f, {f.it.z, f.d}, {{f.feed_phi, f.feed_Z, f.feed_kind}}, found)) return false;
+  if (!try_all_trials(f, f.feed, found)) return false;
   if (found) copy_answer(f.best, f.it, f.m.ld);
   return true;
 }
@@ -95,20 +103,20 @@ bool split_from_all(Flash& f, bool& found) {
 bool settle_answer(Flash& f) {
   if (f.call.third != nullptr) {
     if (f.call.third->w == nullptr) return true;  // the caller tests the answer itself
-    bool stable = true;
-    if (!test_answer(f, stable)) return false;
-    if (!stable) report_third(f);
+    Plane plane;
+    if (!test_answer(f, plane)) return false;
+    if (f.test.cut()) report_third(f);
     return true;
   }
   return look_for_better(f);
 }
 
 void report_third(Flash& f) {
-  if (f.call.third == nullptr || f.call.third->w == nullptr || !f.have_lowest) return;
+  if (f.call.third == nullptr || f.call.third->w == nullptr || !f.test.have_lowest) return;
   ThirdPhase& third = *f.call.third;
-  std::copy_n(f.lowest.w, f.m.n, third.w);
+  std::copy_n(f.test.lowest.w, f.m.n, third.w);
   third.found = true;
-  third.distance = f.lowest.tm;
+  third.distance = f.test.lowest.tm;
 }
 
 }  // namespace kestrune::flash

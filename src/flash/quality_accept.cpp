@@ -5,8 +5,9 @@
 #include <cmath>
 
 #include "flash/accept.hpp"
-#include "flash/isothermal.hpp"
 #include "flash/quality_state.hpp"
+#include "flash/stability.hpp"
+#include "flash/two_phase.hpp"
 #include "support/ldl.hpp"
 #include "support/mathkernels.hpp"
 
@@ -149,21 +150,22 @@ bool truly_two(Quality& q) {
 
 // A boundary point has a stable feed, a point between two stable phases.
 Verdict stability(Quality& q) {
-  double beta = q.line.W, distance = 0.0;
-  IsothermalCall c{q.T(), q.P(), q.line.z, q.call.context.silent(), q.call.routines, &beta};
-  c.model = &q.line.m;
+  StabilityCall c{{q.line.z, q.call.context.silent(), q.call.routines}, q.T(), q.P(), &q.line.m};
+  StabilityResult found;
   if (q.boundary()) {
-    c.x = c.y = q.spare;
-    c.K = q.trial;
-    const Incipient vapour{q.point.y, q.point.Zy}, liquid{q.point.x, q.point.Zx};
-    q.status = feed_stability(c, q.line.W == 0.0 ? vapour : liquid, distance);
+    const bool bubble = q.line.W == 0.0;
+    c.incipient = bubble ? q.point.y : q.point.x;
+    c.incipient_Z = bubble ? q.point.Zy : q.point.Zx;
+    found.log_k = q.trial;
   } else {
-    c.x = q.point.x;
-    c.y = q.point.y;
-    q.status = answer_stability(c, distance);
+    c.count = 2;
+    c.phase[0] = q.point.x;
+    c.phase[1] = q.point.y;
   }
+  q.status = test_stability(c, found);
   if (q.status != KV_OK) return Verdict::model;
-  return distance >= std::min(kStable, -host_slack(q.line.m, q.settings)) ? Verdict::good : Verdict::unstable;
+  return found.distance >= std::min(kStable, -host_slack(q.line.m, q.settings)) ? Verdict::good
+                                                                                : Verdict::unstable;
 }
 
 Verdict refused(const Quality& q) {

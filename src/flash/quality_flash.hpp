@@ -2,22 +2,19 @@
 #ifndef KESTRUNE_FLASH_QUALITY_FLASH_HPP
 #define KESTRUNE_FLASH_QUALITY_FLASH_HPP
 
+#include "flash/feed.hpp"
 #include "flash/fugacity.hpp"
 
 namespace kestrune::flash {
 
 enum class Find { temperature, pressure };
 
-struct QualityCall {
+struct QualityCall : Feed {
   Find find = Find::temperature;
   double W = 0.0;             // below 0 counts as 0, above 1 as 1
   double given = 0.0;         // P (atm) or T (K)
-  const double* z = nullptr;  // feed, need not sum to one
-  eos::Context context;
   double* unknown = nullptr;  // in/out; not greater than 0: 298.15 K, 1 atm
   double *x = nullptr, *y = nullptr, *K = nullptr;
-  HostRoutines* routines = nullptr;
-  bool free_water = false;
   bool cold = true;          // else x, y and the unknown hold an estimate; an unusable one is ignored
   Counts* counts = nullptr;  // may be null
 };

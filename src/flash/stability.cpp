@@ -1,349 +1,260 @@
-// One trial from its start to its end: substitutions (13), steps of second order (14) of docs/method.md, and
-// the rules by which it ends early. Calls flash/fugacity.hpp and eos for what is evaluated, nothing else.
-//
-// [Mic82a] M. L. Michelsen, Fluid Phase Equilib. 9 (1982) 1-19: the test, the modified distance, the test for
-// the trivial solution. [Mic07] the same with second-order minimisation in 2 sqrt(W).
+// Which trials a test runs, and in which order: of a feed (test_feed) and of an answer (test_answer). Section 3 of
+// docs/method.md. Where they start and how they run is in flash/stability_trials.cpp and flash/near_pure.cpp.
 
 #include "flash/stability.hpp"
 
 #include <algorithm>
-#include <cmath>
+#include <utility>
 
-#include "support/lanes.hpp"
-#include "support/ldl.hpp"
+#include "flash/feed.hpp"
+#include "flash/stability_trials.hpp"
 #include "support/mathkernels.hpp"
 
 namespace kestrune::flash {
 namespace {
 
-constexpr int kSubstitutions = 3;  // before the first second-order step
-constexpr int kMaxSteps = 60;
-constexpr double kShortestStep = 1e-2;  // part of a second-order step that is still tried
-constexpr double kConverged = 1e-18;    // gradient^2: tm is then exact to 1e-18
-constexpr double kFinished = 1e-14;     // of a phase that is only reported
-// From here a step ends there: what it leaves, which goes with its square, need not be looked at.
-constexpr double kNearlyFinished = 1e-10, kShortChange = 1e-4;
-// Positive distances are final once they exceed what the rest of the way can take off them.
-constexpr double kSafePositive = 1e-4, kSafeFactor = 400.0;
-// From this distance a substitution goes half its way: the whole of it leads past a minimum where unlike
-// molecules attract each other strongly.
-constexpr double kFar = 1e5, kFarPart = 0.5;
-constexpr double kLargestLogW = 600.0;
-// A negative distance beyond this needs no more digits to start a split from.
-constexpr double kClearlyNegative = -1e-2, kClearGradient = 1e-3;
-constexpr double kTrivialDistance = 1e-1, kTrivialRatio = 0.2;
-constexpr double kKnownComposition = 0.01, kKnownExactly = 1e-4;
-constexpr double kSameRoot = 1e-9;  // relative difference of the Z of a host's two phases
-// sum of (w - z)^2/(w + z); from a start, before any step, only what is nearer still counts as on its way back
-constexpr double kSameComposition = 1e-16, kNearComposition = 0.4, kNearFromStart = 0.12;
+// ln of the fugacity of a component that is absent: no coefficient brings it back.
+constexpr double kNone = -1e5;
+// b/v of a dilute gas, too thin to be close to a critical point.
+constexpr double kDilutePacking = 0.04;
+// Stationary points that next_cut remembers.
+constexpr int kFound = 6;
 
-// Residuals r of (13), tm of (12) and its gradient from ln phi; numbers of docs/method.md.
-void compare(const Model& m, const Reference& ref, const TrialWork& work, Trial& t) {
-  double wr = 0.0, g = 0.0;
-  for (int i = 0; i < m.n; ++i) {
-    const double r = t.log_w[i] + t.ln_phi[i] - ref.d[i];
-    work.r[i] = r;
-    wr += t.w[i] * r;
-    g += t.w[i] * r * r;
+// What a test remembers, from nothing.
+void begin_test(Stability& s) {
+  s.have_lowest = s.came_back = false;
+  s.tried.count = 0;
+  s.how = Follow::quick;
+  s.status = KV_OK;
+}
+
+bool dilute(const Stability& s, const PlanePhase& feed) {
+  return !(feed.Z > 0.0) || packing(s.m, covolume(*s.m.context.record, feed.x), feed.Z) < kDilutePacking;
+}
+
+// Trials from Wilson's coefficients: a liquid z/K and a vapour z K. Both run, the lower one wins.
+bool wilson_trials(Stability& s, const Plane& plane) {
+  if (!run_numbered(s, plane, kWilsonLiquid)) return false;
+  const PlanePhase& feed = plane.phase[0];
+  const bool gas = s.how == Follow::quick && (gas_beyond_doubt(s, feed.x, feed.Z) || beside_gas(s, plane));
+  return start_trial(s, plane, kWilsonVapour) && run_trial(s, plane, trial_kind(s), gas ? kGasPacking : 0.0);
+}
+
+// Whether a critical point may be close to the feed; s.direction is then the way to it. False with s.status where
+// that cannot be told.
+bool near_critical(Stability& s, const PlanePhase& feed) {
+  if (s.m.free_water || dilute(s, feed)) return false;
+  s.m.counts.step = Step::curvature;
+  return !clearly_convex(s.m, feed.x, trial_kind(s), feed.at, s.work, s.trial, s.direction, s.status);
+}
+
+bool test_feed(Stability& s, const Plane& plane) {
+  const PlanePhase& feed = plane.phase[0];
+  const bool critical = near_critical(s, feed);
+  if (s.status != KV_OK) return false;
+  if (critical) s.how = Follow::strict;
+  s.m.counts.step = Step::feed_trials;
+  if (!wilson_trials(s, plane)) return false;
+  if (critical && !trials_along(s, plane, feed.x)) return false;
+  if (s.cut()) return true;
+  if (feed.kind == Kind::liquid && s.trial.end == TrialEnd::trivial && !run_numbered(s, plane, kIdealGas))
+    return false;
+  if (!s.liquids_only && !other_root_trial(s, plane, feed.x, feed.Z)) return false;
+  s.m.counts.step = Step::near_pure;
+  return near_pure_trials(s, plane, feed.kind == Kind::gas || beside_gas(s, plane));
+}
+
+// Whether all phases are clearly convex by the derivatives that are at hand.
+bool known_convex(Stability& s, const Plane& plane) {
+  if (!s.m.built_in()) return false;
+  for (int j = 0; j < plane.count; ++j) {
+    const PlanePhase& phase = plane.phase[j];
+    if (phase.dn == nullptr || !convex_with(s.m, phase.x, phase.dn, kConvex, s.work)) return false;
   }
-  t.tm = 1.0 - t.sum + t.sum * wr;
-  t.gradient2 = t.sum * g;
-}
-
-// The composition of the amounts.
-void compose(const Model& m, Trial& t) {
-  t.sum = support::lanes->shares(m.n, m.ld, kLargestLogW, t.log_w, t.w);
-}
-
-// ln phi of the trial, and what follows from it.
-StatusCode measure(Model& m, const Reference& ref, Kind kind, double* dn, const TrialWork& work, Trial& t) {
-  compose(m, t);
-  const StatusCode status = fugacity(m, t.w, kind, t.ln_phi, dn, t.Z, &t.at);
-  if (status != KV_OK) return status;
-  compare(m, ref, work, t);
-  t.current = true;
-  return KV_OK;
-}
-
-double spread(const double* w, const double* z, int n) {
-  double sum = 0.0;
-  for (int i = 0; i < n; ++i) {
-    const double gap = w[i] - z[i];
-    sum += gap * gap / (w[i] + z[i] + 1e-300);
-  }
-  return sum;
-}
-
-// Is the trial on its way back to a phase of composition z on the same plane? Then the distance behaves as
-// the quadratic that has its minimum there: 2 tm equals the derivative along the way from it, (15) of
-// docs/method.md.
-bool returns_to(const double* z, int n, bool quick, double near, const TrialWork& work, const Trial& t) {
-  if (z == nullptr) return false;
-  double towards = 0.0;
-  for (int i = 0; i < n; ++i) towards += (t.sum * t.w[i] - z[i]) * work.r[i];
-  const double distance = spread(t.w, z, n);
-  if (distance < kSameComposition) return true;
-  return quick && t.tm > 0.0 && distance < near && std::fabs(2.0 * t.tm - towards) < kTrivialRatio * towards;
-}
-
-// Newton step in alpha = 2 sqrt(W), (14) of docs/method.md. False when the matrix is not positive definite.
-bool second_order(Model& m, const TrialWork& work, Trial& t) {
-  const int n = m.n, ld = m.ld;
-  const double sum = t.sum;
-  for (int i = 0; i < ld; ++i) work.root[i] = std::sqrt(t.w[i]);
-  // sqrt(w_i w_j) d ln phi_i/d n_j, lower triangle
-  support::lanes->scale(n, ld, work.root, work.dn, work.hessian);
-  for (int j = 0; j < n; ++j) work.hessian[static_cast<std::size_t>(j) * ld + j] += 1.0 + 0.5 * work.r[j];
-  ++m.counts.factorisations;
-  if (!support::ldl_factor(n, ld, work.hessian, 1e-8)) return false;
-  const double scale = std::sqrt(sum);
-  for (int i = 0; i < n; ++i) work.step[i] = -scale * work.root[i] * work.r[i];
-  support::ldl_solve(n, ld, work.hessian, work.step);
-  for (int i = 0; i < n; ++i) work.root[i] *= scale;  // sqrt(W)
   return true;
 }
 
-// W from sqrt(W) + factor * step/2, each amount kept within a factor of 100 of what it was. Returns the largest
-// change of ln W.
-double take_step(int n, double factor, const TrialWork& work, Trial& t) {
-  // The factors on sqrt(W), then their logarithms.
-  for (int i = 0; i < n; ++i) {
-    const double old = work.root[i];
-    const double next = std::clamp(old + 0.5 * factor * work.step[i], 0.1 * old, 10.0 * old);
-    work.step[i] = old > 1e-100 ? next / old : 1.0;
-    work.old_root[i] = t.log_w[i];
-  }
-  for (int i = 0; i < n; ++i) work.step[i] = 2.0 * support::fast_log(work.step[i]);
-  double largest = 0.0;
-  for (int i = 0; i < n; ++i) {
-    // A component with no amount to speak of follows by substitution.
-    const double change = work.root[i] > 1e-100 ? work.step[i] : -work.r[i];
-    t.log_w[i] += change;
-    largest = std::max(largest, std::fabs(change));
-  }
-  return largest;
+bool has_gas(const Stability& s, const Plane& plane) {
+  for (int j = plane.count - 1; j >= 0; --j)
+    if (kind_of(s.m, plane.phase[j].x, plane.phase[j].Z) == Kind::gas) return true;
+  return false;
 }
 
-bool is_known(const Reference& ref, const Model& m, double limit, const Trial& t) {
-  for (int k = 0; k < ref.known_count; ++k)
-    if (spread(t.w, ref.known + static_cast<std::size_t>(k) * m.ld, m.n) < limit) return true;
-  return false;
+// Trials out of the phases that are not clearly convex.
+bool test_curvature(Stability& s, const Plane& plane) {
+  for (int j = 0; j < plane.count; ++j) {
+    const double* const x = plane.phase[j].x;
+    if (!clearly_convex(s.m, x, trial_kind(s), nullptr, s.work, s.trial, s.direction, s.status)) {
+      s.how = Follow::strict;
+      if (!trials_along(s, plane, x)) return false;
+    } else if (s.status != KV_OK) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool test_answer(Stability& s, const Plane& plane) {
+  const bool thorough = s.effort == Effort::thorough;
+  s.m.counts.step = Step::curvature;
+  const bool convex = known_convex(s, plane);
+  s.m.counts.step = Step::answer_trials;
+  const bool gas = has_gas(s, plane);
+  if (!run_numbered(s, plane, kWilsonLiquid)) return false;
+  if ((!gas || thorough) && !s.liquids_only && !run_numbered(s, plane, kWilsonVapour)) return false;
+  // Wilson's vapour of a feed of two liquids may begin as a liquid itself.
+  if (!gas && !s.liquids_only && !run_numbered(s, plane, kIdealGas)) return false;
+  s.m.counts.step = Step::answer_near_pure;
+  if (!near_pure_trials(s, plane, gas)) return false;
+  s.m.counts.step = Step::answer_trials;
+  if (thorough && plane.count == 2 && !trials_between(s, plane, plane.phase[1].x, plane.phase[0].x))
+    return false;
+  for (int j = 0; j < plane.count && !s.liquids_only; ++j)
+    if (!other_root_trial(s, plane, plane.phase[j].x, plane.phase[j].Z)) return false;
+  // A trial came back to a phase of the answer: that settles it only where the phase is clearly convex.
+  s.m.counts.step = Step::curvature;
+  return !s.came_back || convex || s.cut() || test_curvature(s, plane);
+}
+
+// The plane of the phases [n] that a caller gives, evaluated here.
+StatusCode given_plane(support::Arena& arena, const StabilityCall& call, Stability& s, Plane& plane) {
+  plane.count = call.count;
+  for (int j = 0; j < call.count; ++j) {
+    double *const x = arena.zeros(s.m.ld), *const ln_phi = arena.zeros(s.m.ld);
+    PlanePhase& phase = plane.phase[j];
+    std::copy_n(call.phase[j], s.m.n, x);
+    s.status = fugacity(s.m, x, Kind::stable, ln_phi, nullptr, phase.Z);
+    if (s.status != KV_OK) return s.status;
+    phase.x = x;
+    phase.ln_phi = ln_phi;
+  }
+  answer_plane(s, plane);
+  return KV_OK;
+}
+
+void write_result(const Stability& s, const Plane& plane, StabilityResult& result) {
+  const bool of_feed = plane.count == 1;
+  result.distance = s.have_lowest ? s.lowest.tm : 0.0;
+  result.cut = s.cut();
+  if (result.cut && result.w != nullptr) std::copy_n(s.lowest.w, s.m.n, result.w);
+  for (int i = 0; i < s.m.n && of_feed && result.log_k != nullptr; ++i)
+    result.log_k[i] = s.have_lowest ? s.feed_phi[i] - s.lowest.ln_phi[i] : 0.0;
+}
+
+StatusCode test_given(const StabilityCall& call, support::Arena& arena, StabilityResult& result) {
+  Model own;
+  if (call.model == nullptr) {
+    const StatusCode status =
+        make_model(call.T, call.P, call.context, call.routines, call.free_water, 0, arena, own);
+    if (status != KV_OK) return status;
+  }
+  Stability s(call.model != nullptr ? *call.model : own, call.effort, false);
+  const std::size_t square = static_cast<std::size_t>(s.m.ld) * s.m.n;
+  double* const z = arena.zeros(s.m.ld);
+  if (!normalise_feed(s.m.n, call.z, z)) return KV_COMPOSITION;
+  open_stability(arena, arena.take(square), arena.take(square), s);
+  Plane plane;
+  plane.z = z;
+  StatusCode status = call.count == 0 ? feed_plane(s, z, plane) : given_plane(arena, call, s, plane);
+  plane.incipient = {call.incipient, nullptr, call.incipient_Z};
+  if (status == KV_OK) status = test_plane(s, plane);
+  if (status == KV_OK) write_result(s, plane, result);
+  return status;
 }
 
 }  // namespace
 
-StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work, Trial& t,
-                        bool careful) {
-  const bool quick = how == Follow::quick;
-  ++m.counts.trials;
-  t.end = TrialEnd::failed;
-  t.overshot = false;
-  bool stepped = false;      // the last step may have to be cut
-  bool substituted = false;  // it was a substitution
-  double before = 0.0, factor = 1.0;
-  int second_from = how == Follow::report ? 0 : kSubstitutions;
-  for (int k = 0; k < kMaxSteps; ++k) {
-    const bool second = k >= second_from && !m.free_water;
-    StatusCode status = KV_OK;
-    if (k == 0 && second && t.current && m.built_in()) {
-      status = composition_derivatives(m, t.at, work.dn);
-      compare(m, ref, work, t);
-    } else {
-      status = measure(m, ref, kind, second ? work.dn : nullptr, work, t);
-    }
-    if (status != KV_OK) return status;
-    const bool rose = k > 0 && t.tm > before + 1e-10 * (1.0 + std::fabs(before));
-    t.overshot |= rose && substituted;
-    if (rose && substituted && careful) {
-      std::copy_n(work.old_root, m.n, t.log_w);
-      second_from = k + 1;
-      stepped = substituted = false;
-      continue;
-    }
-    if (stepped && rose) {
-      // The distance rose: halve the step from where it began, and at last go on from there by substitution.
-      factor *= 0.5;
-      const bool last = k + 1 == kMaxSteps, halve = factor > kShortestStep && !last;
-      for (int i = 0; i < m.n; ++i)
-        t.log_w[i] = halve ? 0.5 * (t.log_w[i] + work.old_root[i]) : work.old_root[i];
-      stepped = halve;
-      if (!halve) second_from = k + 1 + kSubstitutions;
-      if (last) {
-        t.end = TrialEnd::stationary;  // as far as it came
-        return measure(m, ref, kind, nullptr, work, t);
-      }
-      continue;
-    }
-    factor = 1.0;
-    if (k == 0 && ref.gas_packing > 0.0 && t.at.root.eta < ref.gas_packing) {
-      t.end = TrialEnd::trivial;
-      return KV_OK;
-    }
-    const double near = k >= 1 ? kNearComposition : kNearFromStart;
-    if ((k >= 1 || quick) && std::fabs(t.tm) < kTrivialDistance &&
-        (returns_to(ref.z, m.n, quick, near, work, t) || returns_to(ref.other, m.n, quick, near, work, t) ||
-         returns_to(ref.third, m.n, quick, near, work, t))) {
-      t.end = TrialEnd::trivial;
-      return KV_OK;
-    }
-    if (k >= 1 && is_known(ref, m, quick ? kKnownComposition : kKnownExactly, t)) {
-      t.end = TrialEnd::trivial;
-      return KV_OK;
-    }
-    const bool certain = k >= 1 && ((t.tm > kSafePositive && t.tm > kSafeFactor * t.gradient2) ||
-                                    (t.tm < kClearlyNegative && t.gradient2 < kClearGradient));
-    if (t.gradient2 <= (how == Follow::report ? kFinished : kConverged) || (certain && quick)) {
-      t.end = TrialEnd::stationary;
-      return KV_OK;
-    }
-    before = t.tm;
-    const bool newton = second && second_order(m, work, t);
-    t.current = false;
-    // A substitution overshoots where unlike molecules attract each other strongly. The first one has far to
-    // go, unless it begins below the plane.
-    stepped = newton || k > 0 || t.tm < kUnstable;
-    substituted = !second;
-    if (newton) {
-      const double change = take_step(m.n, factor, work, t);
-      if (how == Follow::report && t.gradient2 < kNearlyFinished && change < kShortChange) {
-        compose(m, t);
-        t.end = TrialEnd::stationary;
-        return KV_OK;
-      }
-    } else {
-      std::copy_n(t.log_w, m.n, work.old_root);
-      const double part = t.tm > kFar ? kFarPart : 1.0;
-      for (int i = 0; i < m.n; ++i) t.log_w[i] -= part * work.r[i];
-    }
-  }
-  t.end = TrialEnd::stationary;  // slow, but the last distance is a bound from above
+StatusCode test_stability(const StabilityCall& call, StabilityResult& result) {
+  return support::with_arena<5, 108>(call.context.record->count,
+                                     [&](support::Arena& arena) { return test_given(call, arena, result); });
+}
+
+void open_stability(support::Arena& arena, double* dn, double* hessian, Stability& s) {
+  constexpr std::size_t kVectors = 19;
+  const std::size_t ld = s.m.ld;
+  double* next = arena.zeros(kVectors * ld);
+  const auto take = [&] { return std::exchange(next, next + ld); };
+  s.trial.log_w = take();
+  s.trial.w = take();
+  s.trial.ln_phi = take();
+  s.trial.at.s = take();
+  s.lowest.log_w = take();
+  s.lowest.w = take();
+  s.lowest.ln_phi = take();
+  s.lowest.at.s = take();
+  s.work = {take(), take(), take(), take(), dn, hessian};
+  s.wilson_k = take();
+  s.between = take();
+  s.direction = take();
+  s.feed_phi = take();
+  s.feed_d = take();
+  s.feed_at.s = take();
+  s.answer_d = take();
+  s.found = arena.take(ld * kFound);
+  s.tried.log_w = arena.take(ld * TriedStarts::kMost);
+  s.began = arena.take(ld);
+  wilson(s.m.T, s.m.P, *s.m.context.record, s.m.free_water, s.wilson_k, nullptr);
+}
+
+StatusCode feed_plane(Stability& s, const double* z, Plane& plane) {
+  PlanePhase feed{z, s.feed_phi};
+  s.m.counts.step = Step::feed;
+  s.status = fugacity(s.m, z, trial_kind(s), s.feed_phi, nullptr, feed.Z, &s.feed_at);
+  if (s.status != KV_OK) return s.status;
+  feed.kind = s.liquids_only ? Kind::liquid : kind_of(s.m, z, feed.Z);
+  if (s.m.built_in()) feed.at = &s.feed_at;
+  for (int i = 0; i < s.m.ld; ++i) s.feed_d[i] = z[i] > 0.0 ? support::fast_log(z[i]) + s.feed_phi[i] : kNone;
+  plane.z = z;
+  plane.d = s.feed_d;
+  plane.count = 1;
+  plane.phase[0] = feed;
   return KV_OK;
 }
 
-bool convex_with(Model& m, const double* x, const double* dn, double margin, const TrialWork& work) {
-  const int n = m.n, ld = m.ld;
-  for (int i = 0; i < ld; ++i) work.root[i] = i < n ? std::sqrt(x[i]) : 0.0;
-  support::lanes->scale(n, ld, work.root, dn, work.hessian);
-  // No eigenvalue is larger than the root of the sum of all squares: of a gas that is enough as a rule.
-  const double room = 1.0 - margin;
-  if (margin > 0.0 && support::lanes->squares(n, ld, work.hessian) < room * room) return true;
-  for (int j = 0; j < n; ++j) work.hessian[static_cast<std::size_t>(j) * ld + j] += room;
-  ++m.counts.factorisations;
-  return support::ldl_factor(n, ld, work.hessian, 1e-10);
-}
-
-bool clearly_convex(Model& m, const Reference& ref, Kind kind, const Evaluated* at, const TrialWork& work,
-                    Trial& t, double* lowest, StatusCode& status) {
-  const int n = m.n, ld = m.ld;
-  t.Z = 0.0;
-  status = at != nullptr ? composition_derivatives(m, *at, work.dn)
-                         : fugacity(m, ref.z, kind, t.ln_phi, work.dn, t.Z);
-  if (status != KV_OK || convex_with(m, ref.z, work.dn, kConvex, work)) return true;
-  // With a shift that makes the factorisation succeed, for inverse iteration.
-  for (double shift = 1e-6; shift < 1e5 && !convex_with(m, ref.z, work.dn, -shift, work);) shift *= 10.0;
-  // Two inverse iterations from a vector without symmetries, orthogonal to sqrt(z) (the amount of the phase).
-  for (int i = 0; i < n; ++i) lowest[i] = (i % 2 == 0 ? 1.0 : -1.0) + 0.3 * i / n;
-  for (int k = 0; k < 3; ++k) {
-    double along = 0.0, norm = 0.0;
-    for (int i = 0; i < n; ++i) along += lowest[i] * work.root[i];
-    for (int i = 0; i < n; ++i) lowest[i] -= along * work.root[i];
-    for (int i = 0; i < n; ++i) norm += lowest[i] * lowest[i];
-    const double scale = norm > 0.0 ? 1.0 / std::sqrt(norm) : 0.0;
-    for (int i = 0; i < n; ++i) lowest[i] *= scale;
-    if (k < 2) support::ldl_solve(n, ld, work.hessian, lowest);
+void answer_plane(Stability& s, Plane& plane) {
+  plane.d = s.answer_d;
+  for (int i = 0; i < s.m.ld; ++i) {
+    // A K at its bound makes what the other phase shows wrong.
+    const PlanePhase* most = plane.phase;
+    for (int j = 1; j < plane.count; ++j)
+      if (plane.phase[j].x[i] > most->x[i]) most = plane.phase + j;
+    s.answer_d[i] = plane.z[i] > 0.0 ? support::fast_log(most->x[i]) + most->ln_phi[i] : kNone;
   }
-  return false;
 }
 
-StatusCode look_at_pure(Model& m, const Reference& ref, int j, Trial& t, Pure& pure) {
-  pure.j = j;
-  pure.Z = 0.0;
-  if (!m.built_in()) {
-    for (int i = 0; i < m.ld; ++i) t.w[i] = i == j ? 1.0 : 0.0;
-    const StatusCode status = fugacity(m, t.w, Kind::stable, t.ln_phi, nullptr, pure.Z);
-    if (status != KV_OK) return status;
-    pure.log_activity = ref.d[j] - t.ln_phi[j];
+StatusCode test_plane(Stability& s, const Plane& plane) {
+  begin_test(s);
+  const bool done = plane.count == 1 ? test_feed(s, plane) : test_answer(s, plane);
+  return done ? StatusCode{KV_OK} : s.status;
+}
+
+StatusCode next_cut(Stability& s, const Plane& plane, int& number, bool& found) {
+  if (number == 0) s.tried.count = s.found_count = 0;
+  found = false;
+  Reference ref = reference_of(plane);
+  ref.known = s.found;
+  ref.known_count = s.found_count;
+  while (number < kNearPure + s.m.n) {
+    const int k = number++;
+    if (k >= kNearPure && !(plane.z[k - kNearPure] > 0.0)) continue;
+    if (!start_trial(s, plane, k)) return s.status;
+    if (began_before(s, trial_kind(s))) continue;
+    s.trial.Z = 0.0;
+    s.m.counts.step = Step::answer_trials;
+    s.status = follow_trial(s.m, ref, trial_kind(s), Follow::strict, s.work, s.trial);
+    if (s.status != KV_OK) return s.status;
+    if (s.trial.end != TrialEnd::stationary || !(s.trial.tm < kUnstable)) continue;
+    if (s.found_count < kFound) std::copy_n(s.trial.w, s.m.ld, s.found + s.found_count++ * s.m.ld);
+    std::swap(s.trial, s.lowest);
+    s.have_lowest = found = true;
     return KV_OK;
   }
-  ++m.counts.pure_roots;
-  const StatusCode spent = spend(m.host, 1);
-  if (spent != KV_OK) return spent;
-  const double* s = nullptr;
-  pure.mixed = eos::mix_pure(m.t, j, &s);
-  const int status = eos::stable_root(m.t, m.bracub, pure.mixed, m.P, 0.0, pure.root);
-  if (!eos::has_root(status)) return status;
-  pure.Z = pure.root.Z;
-  pure.log_activity = ref.d[j] - eos::residual_gibbs(pure.mixed, pure.root);
   return KV_OK;
 }
 
-void start_from_pure(Model& m, const Reference& ref, const Pure& pure, Trial& t) {
-  t.Z = pure.Z;
-  if (m.built_in()) {
-    m.counts.evaluated();
-    const double* s = nullptr;
-    eos::mix_pure(m.t, pure.j, &s);
-    eos::ln_phi(m.t, pure.mixed, pure.root, s, t.ln_phi);
-  }
-  for (int i = 0; i < m.n; ++i) t.log_w[i] = ref.d[i] - t.ln_phi[i];
-}
-
-StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& t) {
-  Pure pure;
-  const StatusCode status = look_at_pure(m, ref, j, t, pure);
-  if (status == KV_OK) start_from_pure(m, ref, pure, t);
-  return status;
-}
-
-StatusCode start_other_root(Model& m, const Reference& ref, const double* w, double Z, double reach, Trial& t,
-                            Kind& kind, bool& found) {
-  if (m.built_in() && Z > 0.0) {
-    double b = 0.0;
-    for (int i = 0; i < m.n; ++i) b += w[i] * m.t.b[i];
-    double higher = 0.0;
-    found = eos::has_other_root(m.t, b, m.P, Z, higher) && !(std::fabs(higher) > reach + eos::kOtherRootMargin);
-    if (!found) return KV_OK;
-  }
-  found = true;
-  kind = Kind::liquid;
-  t.Z = 0.0;
-  if (m.built_in()) {
-    const eos::Mixture mixed = eos::mix(m.t, w, m.s);
-    const double rt = eos::kR * m.T, A = mixed.a * m.P / (rt * rt), B = mixed.b * m.P / rt;
-    found = eos::may_have_three_roots(A, B);
-    double both[2] = {};
-    for (const int phase : {KV_PHASE_GAS, KV_PHASE_LIQUID})
-      found = found && eos::solve_root(m.bracub, A, B, phase, false, both[phase - 1]) == 0;
-    if (!found) return KV_OK;
-    m.counts.evaluated();
-    const StatusCode spent = spend(m.host, 1);
-    if (spent != KV_OK) return spent;
-    eos::Root gas, liquid;
-    eos::reduce(m.t, mixed, m.P, both[KV_PHASE_GAS - 1], gas);
-    eos::reduce(m.t, mixed, m.P, both[KV_PHASE_LIQUID - 1], liquid);
-    const double higher = eos::residual_gibbs(mixed, liquid) - eos::residual_gibbs(mixed, gas);
-    const bool gas_stable = higher >= 0.0;
-    found = std::fabs(higher) <= reach;
-    if (!found) return KV_OK;
-
-    kind = gas_stable ? Kind::liquid : Kind::gas;
-    eos::ln_phi(m.t, mixed, gas_stable ? liquid : gas, m.s, t.ln_phi);
-  } else {
-    double gas_Z = 0.0, gas = 0.0, liquid = 0.0;
-    StatusCode status = fugacity(m, w, Kind::gas, t.ln_phi, nullptr, gas_Z);
-    for (int i = 0; i < m.n; ++i) gas += w[i] * t.ln_phi[i];
-    if (status == KV_OK) status = fugacity(m, w, Kind::liquid, t.ln_phi, nullptr, t.Z);
-    for (int i = 0; i < m.n; ++i) liquid += w[i] * t.ln_phi[i];
-    found = status == KV_OK && std::fabs(gas_Z - t.Z) > kSameRoot * gas_Z && std::fabs(gas - liquid) <= reach;
-    if (!found) return status;
-    if (liquid < gas) {
-      kind = Kind::gas;
-      status = fugacity(m, w, kind, t.ln_phi, nullptr, t.Z);
-      if (status != KV_OK) return status;
-    }
-  }
-  for (int i = 0; i < m.n; ++i) t.log_w[i] = ref.d[i] - t.ln_phi[i];
-  return KV_OK;
+StatusCode finish_lowest(Stability& s, const Plane& plane) {
+  s.status = follow_trial(s.m, reference_of(plane), trial_kind(s), Follow::report, s.work, s.lowest);
+  return s.status;
 }
 
 }  // namespace kestrune::flash

@@ -1,130 +1,129 @@
-// Michelsen's tangent-plane test: is a phase of composition z stable, and if not, what splits off it first.
-// This file follows one trial; which trials run is decided in flash/feed_test.cpp. Section 3 of
+// Michelsen's tangent-plane test: does anything cut the plane that touches the Gibbs energy at a feed, or at two
+// or three phases in equilibrium? Which trials look for it; each is followed by flash/trial.cpp. Section 3 of
 // docs/method.md.
 #ifndef KESTRUNE_FLASH_STABILITY_HPP
 #define KESTRUNE_FLASH_STABILITY_HPP
 
-#include "flash/fugacity.hpp"
+#include "flash/feed.hpp"
+#include "flash/trial.hpp"
 
 namespace kestrune::flash {
 
-/*
- * The reference of a test: the phase whose tangent plane is looked at. d_i = ln z_i + ln phi_i(z), [ld]; a
- * component that is absent counts as a trace of 1e-308. other is a second phase that touches the same plane
- * (that of a two-phase answer), null without one: a trial that runs into it is trivial as well. known are
- * compositions of stationary points that were found before: a trial that comes close to one would only find it
- * again.
- */
-struct Reference {
-  const double* z = nullptr;      // [ld]
-  const double* d = nullptr;      // [ld]
-  const double* other = nullptr;  // [ld]
-  const double* known = nullptr;  // [ld * known_count]
-  int known_count = 0;
-  const double* third = nullptr;  // [ld] a third phase that touches the plane
-  // A trial that begins as a gas packed less densely than this is the reference itself; 0 where none is.
-  double gas_packing = 0.0;
-};
-
-// How a trial ended.
-enum class TrialEnd {
-  stationary,  // at a stationary point away from the reference (or on a sure way to one)
-  trivial,     // on the way back to the reference
-  failed       // fugacity routine, or no convergence
+// How far the search for a phase goes.
+enum class Effort {
+  usual,
+  every_component,  // near-pure trials also of components that Wilson's coefficients leave out
+  thorough  // every component alone on each of its roots, and what lies between phases: for three phases
 };
 
 /*
- * A trial phase: the unnormalised amounts W of the modified distance tm = 1 + sum W (ln W + ln phi(W) - d -
- * 1), (12) of docs/method.md, whose stationary value 1 - sum W is negative exactly when the plane is cut.
+ * A test by itself: of the feed at T and P, or of phases in equilibrium there. Arrays [n] of the caller, only read.
  */
-struct Trial {
-  double* log_w = nullptr;   // [ld] ln W
-  double* w = nullptr;       // [ld] composition W/sum W
-  double* ln_phi = nullptr;  // [ld] of w
-  double tm = 0.0;           // modified tangent-plane distance
-  double sum = 0.0;          // sum of W
-  double gradient2 = 0.0;    // sum of W r^2
-  double Z = 0.0;
-  Evaluated at;           // by the built-in equation
-  bool current = false;   // all of this belongs to log_w
-  bool overshot = false;  // a substitution has led upwards
-  TrialEnd end = TrialEnd::failed;
+struct StabilityCall : Feed {
+  double T = 0.0, P = 0.0;  // K, atm
+  Model* model = nullptr;   // prepared for this T and P; null: the test makes its own
+  Effort effort = Effort::usual;
+  int count = 0;  // phases whose plane is tested, 2 or 3; 0: that of the feed
+  const double* phase[kMostInPlane] = {};
+  // Of a feed: a phase that is known to touch its plane, null without one, and its Z, 0 where it is not known.
+  // Trials that come to it stop.
+  const double* incipient = nullptr;
+  double incipient_Z = 0.0;
 };
 
-// Distances below this are instability, not rounding.
-inline constexpr double kUnstable = -1e-10;
-
-// Work of a trial: vectors and one matrix.
-struct TrialWork {
-  double *r, *root, *step, *old_root;  // [ld]
-  double *dn, *hessian;                // [ld * n]
+struct StabilityResult {
+  // The lowest tangent-plane distance of the stationary points that were found, 0 without any.
+  double distance = 0.0;
+  bool cut = false;         // it is below 0 by more than rounding
+  double* w = nullptr;      // [n] receives the composition of what cuts; may be null
+  double* log_k = nullptr;  // [n] of a feed: ln phi(feed) - ln phi(lowest trial), 0 without one; may be null
 };
 
-// How far a trial is followed.
-enum class Follow {
-  quick,   // stops where its end is certain, given that the reference is clearly convex
-  strict,  // the reference is close to a critical point: minima may lie close to it
-  report   // to the stationary point, for a phase that is reported
+/* KV_OK, or the status of the model. */
+StatusCode test_stability(const StabilityCall& call, StabilityResult& result);
+
+// ---- the test as a part of a flash ----
+
+/* A phase that lies in a plane. Arrays [ld]. */
+struct PlanePhase {
+  const double *x = nullptr, *ln_phi = nullptr;
+  double Z = 0.0;                 // 0: not known
+  Kind kind = Kind::stable;       // the root that it stands on; of a feed gas or liquid, by its packing
+  const double* dn = nullptr;     // [ld * n] composition derivatives of ln phi, null where there are none
+  const Evaluated* at = nullptr;  // by the built-in equation, null where it is not known
 };
 
-/*
- * Follows a trial from trial.log_w: successive substitution, then second-order steps in 2 sqrt(W). kind as
- * for fugacity(). careful: second-order steps already from where a substitution leads upwards. Returns the
- * status of the fugacity routine.
- */
-StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work,
-                        Trial& trial, bool careful = false);
-
-// Lowest eigenvalue of the curvature of a phase that quick trials are good enough for.
-inline constexpr double kConvex = 0.1;
-
-/*
- * Whether the curvature of the distance at a phase x[ld], the matrix 1 + sqrt(x_i x_j) d ln phi_i/d n_j, has
- * no eigenvalue below margin: (16) of docs/method.md. dn[ld * n]: its derivatives, lower triangle. With a
- * margin that is not positive the factors of the matrix less the margin stay in work.hessian where the result
- * is true.
- */
-bool convex_with(Model& m, const double* x, const double* dn, double margin, const TrialWork& work);
-
-/*
- * The same at the reference with the margin kConvex: true when no other minimum can be close. Else lowest[ld]
- * is a unit vector near the lowest eigenvector. at: what is known of the reference, null where nothing is.
- * status: of the fugacity routine, which makes the result true.
- */
-bool clearly_convex(Model& m, const Reference& ref, Kind kind, const Evaluated* at, const TrialWork& work,
-                    Trial& trial, double* lowest, StatusCode& status);
-
-// A component alone at the T and P of the model.
-struct Pure {
-  int j = 0;
-  double Z = 0.0;
-  double log_activity = 0.0;  // of it in the reference, its pure state as unit
-  eos::Mixture mixed;         // by the built-in equation
-  eos::Root root;
+/* A tangent plane, and the phases in it. */
+struct Plane {
+  const double* z = nullptr;  // [ld] feed, sum 1
+  const double* d = nullptr;  // [ld]
+  int count = 0;              // 1: of the feed
+  PlanePhase phase[kMostInPlane];
+  PlanePhase incipient;  // see StabilityCall; x and Z alone
 };
 
+/* Starts of trials that one test has tried: a trial that begins close to another ends where that one did. */
+struct TriedStarts {
+  static constexpr int kMost = 32;
+  int count = 0;
+  Kind kind[kMost] = {};
+  double* log_w = nullptr;  // [ld * kMost]
+};
+
+/* Work of a test, and what it has found. */
+struct Stability {
+  Stability(Model& model, Effort e, bool liquids) : m(model), effort(e), liquids_only(liquids) {}
+
+  Model& m;
+  Effort effort;
+  bool liquids_only;
+
+  Trial lowest;  // of the last test, where there is one that is no phase of the plane
+  bool have_lowest = false;
+  bool cut() const { return have_lowest && lowest.tm < kUnstable; }
+
+  double* wilson_k = nullptr;  // [ld]
+  TrialWork work{};
+  Trial trial;                 // the one that runs
+  Follow how = Follow::quick;  // how far trials are followed
+  bool came_back = false;      // some trial ran into a phase of the plane
+  TriedStarts tried;
+  double* began = nullptr;      // [ld] ln W that the trial which runs began with
+  double* between = nullptr;    // [ld] composition that a trial starts from
+  double* direction = nullptr;  // [ld] of lowest curvature at a phase
+  double* found = nullptr;      // [ld * found_count] what next_cut has found
+  int found_count = 0;
+  double *feed_phi = nullptr, *feed_d = nullptr;  // [ld]
+  double* answer_d = nullptr;                     // [ld]
+  Evaluated feed_at;
+  StatusCode status = KV_OK;  // of the fugacity routine
+};
+
+/* Room for a test; dn and hessian [ld * n] may be shared with who tests, and hold nothing between the calls. */
+void open_stability(support::Arena& arena, double* dn, double* hessian, Stability& s);
+
+/* The plane of the feed z[ld]: one phase, evaluated here. The status of the fugacity routine. */
+StatusCode feed_plane(Stability& s, const double* z, Plane& plane);
+
+/* The plane that plane.phase share, of every component as the phase shows it that holds most of it. */
+void answer_plane(Stability& s, Plane& plane);
+
+/* Full test: s.lowest, where there is one. The status of the fugacity routine. */
+StatusCode test_plane(Stability& s, const Plane& plane);
+
 /*
- * The pure component j, and its activity in the reference, which says whether a trial is worth its way: by
- * the built-in equation without a look at the other components. A host's routine tells all at once: log_w of
- * the trial is filled then.
+ * For who wants all that cuts a plane, not the lowest alone: every trial there is, each followed strictly. number
+ * is 0 at first and counted on. found: s.lowest is the next one that cuts.
  */
-StatusCode look_at_pure(Model& m, const Reference& ref, int j, Trial& trial, Pure& pure);
+StatusCode next_cut(Stability& s, const Plane& plane, int& number, bool& found);
 
-/* First substitution from the pure component: fills trial.log_w and Z. */
-void start_from_pure(Model& m, const Reference& ref, const Pure& pure, Trial& trial);
+/* Takes s.lowest to its stationary point, for a phase that is reported. */
+StatusCode finish_lowest(Stability& s, const Plane& plane);
 
-/* Both. */
-StatusCode start_near_pure(Model& m, const Reference& ref, int j, Trial& trial);
-
-/*
- * First substitution from the composition w[ld] on the root that is not its stable one, which a liquid beside a
- * vapour of nearly its composition needs: the way from the stable root leads back to the vapour. Z: of the root
- * it has, which spares most of the work, or 0. kind is the root to follow then. found false: there is no such
- * root, or its Gibbs energy over RT is higher by more than reach; with a host's routine, its two phases have
- * one Z.
- */
-StatusCode start_other_root(Model& m, const Reference& ref, const double* w, double Z, double reach,
-                            Trial& trial, Kind& kind, bool& found);
+/* Gas or liquid by packing: a gas is packed less densely than the critical volume of the equation. */
+inline Kind kind_of(const Model& m, const double* composition, double Z) {
+  return loosely_packed(*m.context.record, m.T, m.P, composition, Z) ? Kind::gas : Kind::liquid;
+}
 
 }  // namespace kestrune::flash
 

@@ -71,7 +71,7 @@ bool accept(Flash& f) {
 
 void start_from_wilson(Flash& f) {
   usual_kinds(f);
-  for (int i = 0; i < f.m.ld; ++i) f.it.log_k[i] = support::fast_log(f.wilson_k[i]);
+  for (int i = 0; i < f.m.ld; ++i) f.it.log_k[i] = support::fast_log(f.test.wilson_k[i]);
   f.it.beta = 0.5;
   f.it.source = static_cast<int>(Source::wilson);
 }
@@ -82,7 +82,7 @@ void start_from_estimate(Flash& f) {
   // The estimate may be two liquids: each phase takes the root that suits it.
   if (!f.liquids_only()) f.it.kind_x = f.it.kind_y = Kind::stable;
   for (int i = 0; i < f.m.n; ++i) {
-    double k = f.wilson_k[i];
+    double k = f.test.wilson_k[i];
     if (c.x[i] > 0.0 || c.y[i] > 0.0) k = c.x[i] > 0.0 ? c.y[i] / c.x[i] : kLargestK;
     f.it.log_k[i] = std::clamp(support::fast_log(k), -kLargestLogK, kLargestLogK);
   }
@@ -90,11 +90,12 @@ void start_from_estimate(Flash& f) {
   f.it.source = 0;
 }
 
-void start_from_trial(Flash& f, const Beside& other, Source source) {
-  const bool vapour = f.lowest.Z > other.Z;
-  const Kind kind = f.liquids_only() ? Kind::liquid : kind_of(f, f.lowest.w, f.lowest.Z);
+void start_from_trial(Flash& f, const PlanePhase& other, Source source) {
+  const Trial& trial = f.test.lowest;
+  const bool vapour = trial.Z > other.Z;
+  const Kind kind = f.liquids_only() ? Kind::liquid : kind_of(f.m, trial.w, trial.Z);
   for (int i = 0; i < f.m.n; ++i) {
-    const double k = std::clamp(other.ln_phi[i] - f.lowest.ln_phi[i], -kLargestLogK, kLargestLogK);
+    const double k = std::clamp(other.ln_phi[i] - trial.ln_phi[i], -kLargestLogK, kLargestLogK);
     f.it.log_k[i] = vapour ? k : -k;
   }
   f.it.kind_y = vapour ? kind : other.kind;

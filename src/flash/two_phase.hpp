@@ -86,9 +86,6 @@ inline double host_slack(const Model& m, const Settings& s) {
   return m.routine != nullptr ? std::sqrt(s.CRIT) : 0.0;
 }
 
-/* Phase fraction and compositions from it.k; false when only one phase is left. */
-bool split_feed(const Model& m, Iterate& it);
-
 }  // namespace kestrune::flash
 
 #endif

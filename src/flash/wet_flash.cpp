@@ -121,7 +121,7 @@ void start_from_estimate(Wet& f) {
 bool start_from_dry_feed(Wet& f) {
   double beta = 0.0;
   const eos::Context silent = f.call.context.silent();
-  if (isothermal_flash({f.call.T, f.call.P, f.dry, silent, f.call.routines, &beta, f.it.x, f.it.y, f.it.k}) !=
+  if (isothermal_flash({{f.dry, silent, f.call.routines}, f.call.T, f.call.P, &beta, f.it.x, f.it.y, f.it.k}) !=
       KV_OK)
     return false;
   for (int i = 0; i < f.m.n; ++i) f.log_k[i] = support::fast_log(f.it.k[i]);

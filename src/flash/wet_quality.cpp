@@ -65,8 +65,7 @@ struct WetSearch {
 };
 
 IsothermalCall call_at(WetSearch& q, double u, double& beta, double* x, double* y, double* K) {
-  IsothermalCall c{q.T(u), q.P(u), q.line.z, q.silent, q.call.routines, &beta, x, y, K};
-  c.free_water = true;
+  IsothermalCall c{{q.line.z, q.silent, q.call.routines, true}, q.T(u), q.P(u), &beta, x, y, K};
   c.counts = &q.counts;
   return c;
 }

@@ -11,6 +11,7 @@
 
 #include "flash/accept.hpp"
 #include "flash/feed.hpp"
+#include "flash/stability.hpp"
 #include "support/mathkernels.hpp"
 
 namespace kestrune::flash3 {
@@ -26,8 +27,12 @@ constexpr double kLoose = 1e-9;  // difference of ln fugacities that is left to 
 constexpr double kNoAmount = 1e-13;
 constexpr double kFirstAmount = 0.1;  // of a phase that is added
 
+flash::Feed feed_of(const Equilibrium& e) {
+  return {e.z, e.m.context, e.routines};
+}
+
 flash::IsothermalCall isothermal_call(Equilibrium& e) {
-  flash::IsothermalCall c{e.m.T, e.m.P, e.z, e.m.context, e.routines, &e.beta, e.x, e.y, e.K};
+  flash::IsothermalCall c{feed_of(e), e.m.T, e.m.P, &e.beta, e.x, e.y, e.K};
   c.model = &e.m;
   c.third = &e.third;
   if (*e.how.trace) c.trace = e.how.trace;
@@ -276,6 +281,37 @@ StatusCode from_own_starts(Equilibrium& e) {
   return lower || status != KV_OK ? status : StatusCode{KV_NOT_CONVERGED};
 }
 
+// An attempt at an answer lower than e.answer, or one that nothing cuts.
+bool lower(const Equilibrium& e, StatusCode status) {
+  return status == KV_OK && (!e.third.found || e.p.gibbs < e.answer.gibbs - kLowerGibbs);
+}
+
+// Back to the answer that is improved on, and to what cuts it.
+void put_answer(Equilibrium& e) {
+  copy_phases(e.answer, e.p, e.m.ld);
+  std::copy_n(e.added, e.m.n, e.cut);
+}
+
+// The ways of an answer of three phases.
+StatusCode improve_three(Equilibrium& e) {
+  StatusCode status = replace_phase(e);
+  if (!lower(e, status)) status = settle_four(e);
+  if (status != KV_FOURTH_PHASE && !lower(e, status)) status = try_pairs(e);
+  return status;
+}
+
+// Those of one or two.
+StatusCode improve_few(Equilibrium& e) {
+  StatusCode status = add_phase(e, false);
+  if (lower(e, status)) return status;
+  put_answer(e);
+  status = add_phase(e, true);  // a small phase may have been taken for a vanished one
+  if (lower(e, status) || e.answer.count != 2) return status;
+  put_answer(e);
+  status = grow_phase(e);
+  return lower(e, status) ? status : replace_phase(e);
+}
+
 // From an answer that was just tested to one that nothing cuts. Each way starts from the answer (e.answer) and
 // what cuts it (e.added), and counts when nothing cuts its end or that lies lower.
 StatusCode improve(Equilibrium& e) {
@@ -283,29 +319,8 @@ StatusCode improve(Equilibrium& e) {
     copy_phases(e.p, e.answer, e.m.ld);
     std::copy_n(e.cut, e.m.n, e.added);
     const double distance = e.third.distance;
-    const auto lower = [&](StatusCode status) {
-      return status == KV_OK && (!e.third.found || e.p.gibbs < e.answer.gibbs - kLowerGibbs);
-    };
-    StatusCode status = KV_NOT_CONVERGED;
-    if (e.p.count == kMostPhases) {
-      status = replace_phase(e);
-      if (!lower(status)) status = settle_four(e);
-      if (status != KV_FOURTH_PHASE && !lower(status)) status = try_pairs(e);
-    } else {
-      status = add_phase(e, false);
-      if (!lower(status)) {  // a small phase may have been taken for a vanished one
-        copy_phases(e.answer, e.p, e.m.ld);
-        std::copy_n(e.added, e.m.n, e.cut);
-        status = add_phase(e, true);
-      }
-      if (!lower(status) && e.answer.count == 2) {
-        copy_phases(e.answer, e.p, e.m.ld);
-        std::copy_n(e.added, e.m.n, e.cut);
-        status = grow_phase(e);
-        if (!lower(status)) status = replace_phase(e);
-      }
-    }
-    if (status != KV_FOURTH_PHASE && !lower(status)) status = from_own_starts(e);
+    StatusCode status = e.p.count == kMostPhases ? improve_three(e) : improve_few(e);
+    if (status != KV_FOURTH_PHASE && !lower(e, status)) status = from_own_starts(e);
     if (status != KV_OK) {  // the answer stands where what cuts it may be rounding
       copy_phases(e.answer, e.p, e.m.ld);
       e.third.distance = distance;
@@ -333,24 +348,24 @@ StatusCode leave(Equilibrium& e, StatusCode status) {
 
 }  // namespace
 
-StatusCode open_equilibrium(const EquilibriumCall& call, int order, support::Arena& arena,
+StatusCode open_equilibrium(const flash::Feed& feed, double T, double P, int order, support::Arena& arena,
                             support::TraceWriter& trace, Equilibrium& e) {
-  const int n = call.context.record->count, ld = support::padded(n);
-  e.routines = call.routines;
+  const int n = feed.context.record->count, ld = support::padded(n);
+  e.routines = feed.routines;
   for (double** a : {&e.z, &e.x, &e.y, &e.K, &e.cut, &e.added, &e.best_cut}) *a = arena.zeros(ld);
-  if (!flash::normalise_feed(n, call.z, e.z)) return KV_COMPOSITION;
+  if (!flash::normalise_feed(n, feed.z, e.z)) return KV_COMPOSITION;
   for (int i = 0; i < n; ++i)
     if (e.z[i] < kAbsent) e.z[i] = 0.0;
   take_phases(arena, ld, e.p);
   take_phases(arena, ld, e.best);
   take_phases(arena, ld, e.answer);
   take_work(arena, n, ld, kMostPhases, e.w);
-  e.how.settings = flash::copy_settings(call.context);
+  e.how.settings = flash::copy_settings(feed.context);
   e.how.trace = &trace;
   e.arena = &arena;
   e.base = arena.mark();
   e.order = order;
-  return flash::make_model(call.T, call.P, call.context, call.routines, false, order, arena, e.m);
+  return flash::make_model(T, P, feed.context, feed.routines, false, order, arena, e.m);
 }
 
 StatusCode set_conditions(double T, double P, Equilibrium& e) {
@@ -389,7 +404,11 @@ StatusCode find_equilibrium_from(Equilibrium& e) {
 
 StatusCode test_equilibrium(Equilibrium& e) {
   if (e.p.count == 1) return two_phases(e, false);
-  const StatusCode status = flash::phases_stability(isothermal_call(e), e.p.count, e.p.x);
+  flash::StabilityCall call{feed_of(e), e.m.T, e.m.P, &e.m, flash::Effort::thorough, e.p.count};
+  std::copy_n(e.p.x, e.p.count, call.phase);
+  flash::StabilityResult found{.w = e.cut};
+  const StatusCode status = flash::test_stability(call, found);
+  e.third = {e.cut, found.cut, found.cut ? found.distance : 0.0};
   weigh_cut(e);
   return status;
 }

@@ -29,18 +29,11 @@ struct Equilibrium {
   int order = 0;
 };
 
-struct EquilibriumCall {
-  double T = 0.0, P = 0.0;    // K, atm
-  const double* z = nullptr;  // [n] feed, need not sum to one
-  eos::Context context;
-  flash::HostRoutines* routines = nullptr;
-};
-
 /*
- * Prepares a problem without free water. The arena must outlive it and is used by no one else afterwards; the
+ * Prepares a problem at T (K) and P (atm), without free water. The arena must outlive it and is used by no one else afterwards; the
  * trace belongs to the caller. order 1: with the derivatives in temperature.
  */
-StatusCode open_equilibrium(const EquilibriumCall& call, int order, support::Arena& arena,
+StatusCode open_equilibrium(const flash::Feed& feed, double T, double P, int order, support::Arena& arena,
                             support::TraceWriter& trace, Equilibrium& e);
 
 /* The same problem at another temperature and pressure. Another pressure alone costs nothing. */

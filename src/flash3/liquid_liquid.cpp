@@ -80,7 +80,7 @@ bool one_dry_liquid(const LiquidLiquidCall& c) {
     std::copy_n(c.z, n, dry);
     dry[eos::find_water_family(*c.context.record)] = 0.0;
     if (!flash::normalise_feed(n, dry, dry)) return false;
-    flash::IsothermalCall call{c.T, c.P, dry, c.context, c.routines, &beta, x, y, K};
+    flash::IsothermalCall call{{dry, c.context, c.routines}, c.T, c.P, &beta, x, y, K};
     call.mode = flash::Mode::liquid_liquid;
     call.start = flash::Start::cold;
     if (flash::isothermal_flash(call) != KV_SINGLE_PHASE) return false;
@@ -117,8 +117,7 @@ StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
   if (way == Short::pure) return KV_OK;
   if (way == Short::water) return write_two(c);
 
-  flash::IsothermalCall call{c.T, c.P, c.z, c.context, c.routines, c.beta, c.liquid1, c.liquid2, c.K};
-  call.free_water = c.free_water;
+  flash::IsothermalCall call{c, c.T, c.P, c.beta, c.liquid1, c.liquid2, c.K};
   call.mode = flash::Mode::liquid_liquid;
   call.start = c.estimate ? flash::Start::warm : flash::Start::cold;
   call.index = c.estimate ? 1 : 0;  // the option of this flash, which has the other sense

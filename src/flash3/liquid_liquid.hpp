@@ -6,16 +6,12 @@
 
 namespace kestrune::flash3 {
 
-struct LiquidLiquidCall {
-  double T = 0.0, P = 0.0;    // K, atm
-  const double* z = nullptr;  // feed, need not sum to one
-  eos::Context context;
-  flash::HostRoutines* routines = nullptr;
-  bool free_water = false;
-  bool estimate = false;                          // the results hold one; an unusable one is ignored
+struct LiquidLiquidCall : flash::Feed {
+  double T = 0.0, P = 0.0;                        // K, atm
   double* beta = nullptr;                         // share of liquid 2
   double *liquid1 = nullptr, *liquid2 = nullptr;  // the denser and the lighter one
   double* K = nullptr;                            // liquid2/liquid1
+  bool estimate = false;                          // the results hold one; an unusable one is ignored
 };
 
 /*

@@ -149,31 +149,58 @@ int phase_of(int h, int k) {
   return k < h ? k : k + 1;
 }
 
-// Scaled lower triangle of the Newton system without its shift; unknown k * n + i, columns lead apart.
-void newton_matrix(int n, int ld, int lead, const Phases& p, const PhasesWork& w) {
-  const int free = p.count - 1;
-  const PhaseMatrix H{p, w, ld};
-  for (int kb = 0; kb < free; ++kb)
-    for (int b = 0; b < n; ++b) {
-      const int ub = kb * n + b;
-      double* const column = w.system + static_cast<std::size_t>(ub) * lead;
-      std::fill(column + support::block_start(ub), column + lead, 0.0);
-      column[ub] = 1.0;
-      if (!(w.scale[ub] > 0.0)) continue;
-      const int hb = w.home[b], jb = phase_of(hb, kb);
-      for (int ka = kb; ka < free; ++ka)
-        for (int a = ka == kb ? b : 0; a < n; ++a) {
-          const int ua = ka * n + a;
-          if (!(w.scale[ua] > 0.0)) continue;
-          const int ha = w.home[a], ja = phase_of(ha, ka);
-          double value = 0.0;
-          if (ja == jb) value += H(ja, a, b);
-          if (ja == hb) value -= H(ja, a, b);
-          if (ha == jb) value -= H(ha, a, b);
-          if (ha == hb) value += H(ha, a, b);
-          column[ua] = value * w.scale[ua] * w.scale[ub];
-        }
+// An amount of a component that goes from its home to another phase.
+struct Move {
+  int component, home, to;
+};
+
+// How the move of b changes what drives that of a: the difference of ln fugacities of a between its two phases.
+double coupling(const PhaseMatrix& H, const Move& a, const Move& b) {
+  const int i = a.component, k = b.component;
+  double value = 0.0;
+  if (a.to == b.to) value += H(a.to, i, k);
+  if (a.to == b.home) value -= H(a.to, i, k);
+  if (a.home == b.to) value -= H(a.home, i, k);
+  if (a.home == b.home) value += H(a.home, i, k);
+  return value;
+}
+
+// Scaled lower triangle of the Newton system without its shift, one column; unknown k * n + i, columns lead apart.
+void newton_column(const PhaseMatrix& H, int n, int lead, int kb, int b) {
+  const PhasesWork& w = H.w;
+  const int ub = kb * n + b;
+  double* const column = w.system + static_cast<std::size_t>(ub) * lead;
+  std::fill(column + support::block_start(ub), column + lead, 0.0);
+  column[ub] = 1.0;
+  if (!(w.scale[ub] > 0.0)) return;
+  const Move of_b{b, w.home[b], phase_of(w.home[b], kb)};
+  for (int ka = kb; ka < H.p.count - 1; ++ka)
+    for (int a = ka == kb ? b : 0; a < n; ++a) {
+      const int ua = ka * n + a;
+      if (!(w.scale[ua] > 0.0)) continue;
+      const Move of_a{a, w.home[a], phase_of(w.home[a], ka)};
+      column[ua] = coupling(H, of_a, of_b) * w.scale[ua] * w.scale[ub];
     }
+}
+
+void newton_matrix(int n, int ld, int lead, const Phases& p, const PhasesWork& w) {
+  const PhaseMatrix H{p, w, ld};
+  for (int k = 0; k < p.count - 1; ++k)
+    for (int i = 0; i < n; ++i) newton_column(H, n, lead, k, i);
+}
+
+// What a component adds to the Gibbs energy and to the differences of fugacities; home: the phase with most of it.
+void add_component(int i, Phases& p, int& home) {
+  for (int j = 1; j < p.count; ++j)
+    if (p.amount[j] * p.x[j][i] > p.amount[home] * p.x[home][i]) home = j;
+  double log_f[kRoom];  // ln of the fugacity over the pressure
+  for (int j = 0; j < p.count; ++j) log_f[j] = support::fast_log(p.x[j][i]) + p.ln_phi[j][i];
+  for (int j = 0; j < p.count; ++j) {
+    if (!(p.x[j][i] > 0.0)) continue;
+    p.gibbs += p.amount[j] * p.x[j][i] * log_f[j];
+    const double apart = std::fabs(log_f[j] - log_f[home]);
+    if (p.x[j][i] >= kAbsent) p.worst = std::max(p.worst, apart <= 1e300 ? apart : 1e300);
+  }
 }
 
 }  // namespace
@@ -246,19 +273,7 @@ StatusCode evaluate_phases(flash::Model& m, const double* z, Phases& p, const Ph
   p.gibbs = p.worst = 0.0;
   for (int i = 0; i < m.n; ++i) {
     w.home[i] = 0;
-    if (!(z[i] > 0.0)) continue;
-    int home = 0;
-    for (int j = 1; j < p.count; ++j)
-      if (p.amount[j] * p.x[j][i] > p.amount[home] * p.x[home][i]) home = j;
-    w.home[i] = home;
-    double log_f[kRoom];  // ln of the fugacity over the pressure
-    for (int j = 0; j < p.count; ++j) log_f[j] = support::fast_log(p.x[j][i]) + p.ln_phi[j][i];
-    for (int j = 0; j < p.count; ++j) {
-      if (!(p.x[j][i] > 0.0)) continue;
-      p.gibbs += p.amount[j] * p.x[j][i] * log_f[j];
-      const double apart = std::fabs(log_f[j] - log_f[home]);
-      if (p.x[j][i] >= kAbsent) p.worst = std::max(p.worst, apart <= 1e300 ? apart : 1e300);
-    }
+    if (z[i] > 0.0) add_component(i, p, w.home[i]);
   }
   return KV_OK;
 }

@@ -211,11 +211,21 @@ void put_in_slots(const flash::Model& m, Phases& p) {
   if (lighter(kB, kA)) exchange_phases(p, kA, kB);
 }
 
+// From substitutions to Newton's method, or back to whole steps. False: r.status.
+bool choose_method(Run& r, int pass, double error, double previous) {
+  const bool stagnant = std::fabs(1.0 - error / previous) < r.how.settings.EPS;
+  if (stagnant && r.factor < 1.0) r.factor = 1.0;
+  if (r.newton || !(pass >= std::max(kSubstitutions, r.how.settings.global_budget) || stagnant)) return true;
+  r.newton = true;
+  r.factor = 1.0;
+  r.status = evaluate_phases(r.m, r.z, r.p, r.w, true);
+  return r.status == KV_OK;
+}
+
 // Passes until the criterion is met.
 Ended iterate(Run& r) {
   Vanishing vanishing(r.how.patient);
   const flash::Settings& s = r.how.settings;
-  const int substitutions = std::max(kSubstitutions, s.global_budget);
   double previous = 1e300;
   for (int pass = 1; pass <= s.ITEMAX; ++pass) {
     ++r.m.counts.iterations;
@@ -230,15 +240,8 @@ Ended iterate(Run& r) {
       drop_phase(r.p, which == Ended::vapour_vanished ? kV : which == Ended::a_vanished ? kA : kB);
       return which;
     }
-    const bool stagnant = std::fabs(1.0 - error / previous) < s.EPS;
-    if (stagnant && r.factor < 1.0) r.factor = 1.0;
     if (r.failures >= kFailures) return Ended::damped;
-    if (!r.newton && (pass >= substitutions || stagnant)) {
-      r.newton = true;
-      r.factor = 1.0;
-      r.status = evaluate_phases(r.m, r.z, r.p, r.w, true);
-      if (r.status != KV_OK) return Ended::routine;
-    }
+    if (!choose_method(r, pass, error, previous)) return Ended::routine;
     previous = error;
     if (!move(r)) return Ended::routine;
   }
@@ -303,6 +306,34 @@ void almost_pure(int n, const double* z, Phases& p) {
   std::copy_n(z, n, p.x[kV]);
 }
 
+// ln of Wilson's coefficients.
+void wilson_log_k(const flash::Model& m, double* log_k) {
+  flash::wilson(m.T, m.P, *m.context.record, false, log_k, nullptr);
+  for (int i = 0; i < m.n; ++i) log_k[i] = support::fast_log(log_k[i]);
+}
+
+// ln phi of the trials of a start in their places; where Wilson's coefficients stand for them, 0 and ln K.
+StatusCode put_trials(flash::Model& m, const double* z, int index, Phases& p) {
+  const int n = m.n;
+  double *const A = p.ln_phi[kA], *const B = p.ln_phi[kB], *const V = p.ln_phi[kV];
+  if (index == 2) {
+    wilson_log_k(m, A);
+    for (int i = 0; i < n; ++i) B[i] = 2.0 * A[i];
+    std::fill_n(V, n, 0.0);
+    return KV_OK;
+  }
+  almost_pure(n, z, p);
+  for (const int j : {kA, kB, kV}) {
+    if (j == kV && index != 1) continue;
+    p.Z[j] = 0.0;
+    const StatusCode status = flash::fugacity(m, p.x[j], flash::Kind::stable, p.ln_phi[j], nullptr, p.Z[j]);
+    if (status != KV_OK) return status;
+  }
+  if (index == 3) wilson_log_k(m, V);
+  for (int i = 0; i < n && index != 1; ++i) V[i] = index == 3 ? A[i] - V[i] : 0.0;
+  return KV_OK;
+}
+
 }  // namespace
 
 Ended iterate_phases(flash::Model& m, const double* z, const Iteration& how, Phases& p, const PhasesWork& w,
@@ -352,33 +383,15 @@ StatusCode start_by_index(flash::Model& m, const double* z, int index, Phases& p
   const int n = m.n;
   p.count = kMostPhases;
   for (double& a : p.amount) a = 1.0 / kMostPhases;
-  // ln phi of the trials in their places; where Wilson's coefficients stand for them, 0 and ln K.
-  double *const A = p.ln_phi[kA], *const B = p.ln_phi[kB], *const V = p.ln_phi[kV];
-  const auto wilson = [&](double* log_k) {
-    flash::wilson(m.T, m.P, *m.context.record, false, log_k, nullptr);
-    for (int i = 0; i < n; ++i) log_k[i] = support::fast_log(log_k[i]);
-  };
-  if (index == 2) {
-    wilson(A);
-    for (int i = 0; i < n; ++i) B[i] = 2.0 * A[i];
-    std::fill_n(V, n, 0.0);
-  } else {
-    almost_pure(n, z, p);
-    for (const int j : {kA, kB, kV}) {
-      if (j == kV && index != 1) continue;
-      p.Z[j] = 0.0;
-      const StatusCode status = flash::fugacity(m, p.x[j], flash::Kind::stable, p.ln_phi[j], nullptr, p.Z[j]);
-      if (status != KV_OK) return status;
-    }
-    if (index == 3) wilson(V);
-    for (int i = 0; i < n && index != 1; ++i) V[i] = index == 3 ? A[i] - V[i] : 0.0;
-  }
+  const StatusCode status = put_trials(m, z, index, p);
+  if (status != KV_OK) return status;
   const auto coefficient = [](double above, double below) {
     return support::fast_exp(std::clamp(below - above, -flash::kLargestLogK, flash::kLargestLogK));
   };
   double sum[kMostPhases] = {};
   for (int i = 0; i < n; ++i) {
-    const double KLL = coefficient(A[i], B[i]), KLV = coefficient(V[i], A[i]);
+    const double KLL = coefficient(p.ln_phi[kA][i], p.ln_phi[kB][i]);
+    const double KLV = coefficient(p.ln_phi[kV][i], p.ln_phi[kA][i]);
     p.x[kB][i] = z[i] / ((1.0 + KLL + KLV * KLL) / kMostPhases);
     p.x[kA][i] = KLL * p.x[kB][i];
     p.x[kV][i] = KLV * p.x[kA][i];

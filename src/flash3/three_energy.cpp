@@ -178,7 +178,7 @@ StatusCode search_from_two_phases(EnergySearch& q) {
   double T = 0.0, beta = 0.0, values[2];
   const eos::Context silent = c.context.silent();
   const StatusCode status = flash::energy_flash(
-      {c.property, c.wanted, c.P, e.z, silent, &T, &beta, e.x, e.y, e.K, values, values + 1, c.routines});
+      {{e.z, silent, c.routines}, c.property, c.wanted, c.P, &T, &beta, e.x, e.y, e.K, values, values + 1});
   if (status != KV_OK) return status;
   q.bracket = {};
   q.low.known = q.high.known = false;
@@ -230,10 +230,21 @@ StatusCode single_component(const ThreeEnergyCall& c, support::Arena& arena) {
                 *const z = arena.zeros(n);
   flash::normalise_feed(n, c.z, z);
   drop_traces(n, z);  // as the phases are written
-  const StatusCode status = flash::energy_flash({c.property, c.wanted, c.P, z, c.context, c.T, &beta, x, y, K,
-                                                 &liquid, &vapour, c.routines, c.free_water});
+  const StatusCode status = flash::energy_flash({{z, c.context, c.routines, c.free_water},
+                                                 c.property,
+                                                 c.wanted,
+                                                 c.P,
+                                                 c.T,
+                                                 &beta,
+                                                 x,
+                                                 y,
+                                                 K,
+                                                 &liquid,
+                                                 &vapour});
   if (status != KV_OK) return status;
-  const bool split = split_free_water({*c.T, c.P, c.context, beta, x, y, false, c.free_water}, c.out);
+  const bool split = split_free_water(
+      {.T = *c.T, .P = c.P, .context = c.context, .V = beta, .x = x, .y = y, .free_water = c.free_water},
+      c.out);
   // Of hardly anything but water: what else there is has the value of the whole liquid.
   *c.A = liquid;
   *c.B = split ? liquid : 0.0;
@@ -263,8 +274,7 @@ StatusCode with_search(const ThreeEnergyCall& c, support::Arena& arena, support:
   q.caloric.routines = c.routines;
   // Where the value has no slopes those of the fugacities are needed.
   const int order = q.caloric.analytic() ? 0 : 1;
-  StatusCode status =
-      open_equilibrium({start, c.P, c.z, c.context, c.routines}, order, model_arena, trace, q.e);
+  StatusCode status = open_equilibrium(c, start, c.P, order, model_arena, trace, q.e);
   if (status != KV_OK) return status;
   q.caloric.z = q.e.z;
   flash::open_caloric(arena, q.caloric);

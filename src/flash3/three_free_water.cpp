@@ -39,7 +39,7 @@ StatusCode evaluate(const ThreeEnergyCall& c, const flash::CaloricModel& model, 
 StatusCode state_at(const ThreeEnergyCall& c, const flash::CaloricModel& model, double T, double& total,
                     StatusCode& kind) {
   *c.T = T;
-  kind = three_phase_flash({T, c.P, c.z, c.context, c.routines, true, false, c.out});
+  kind = three_phase_flash({c, T, c.P, c.out});
   if (kind != KV_OK && kind != KV_LV_ANSWER && kind != KV_LL_ANSWER) return kind;
   return evaluate(c, model, total);
 }
@@ -80,8 +80,8 @@ StatusCode three_energy_free_water(const ThreeEnergyCall& c) {
     const int ld = support::padded(n);
     double *const x = arena.zeros(ld), *const y = arena.zeros(ld), *const K = arena.zeros(ld);
     double beta = 0.0, liquid = 0.0, vapour = 0.0;
-    const StatusCode status = flash::energy_flash(
-        {c.property, c.wanted, c.P, c.z, c.context, c.T, &beta, x, y, K, &liquid, &vapour, c.routines, true});
+    const StatusCode status =
+        flash::energy_flash({c, c.property, c.wanted, c.P, c.T, &beta, x, y, K, &liquid, &vapour});
     if (status != KV_OK) return status;
     const bool split = split_free_water({*c.T, c.P, c.context, beta, x, y}, c.out);
     flash::CaloricModel model;
@@ -106,13 +106,18 @@ StatusCode three_quality_free_water(const ThreeQualityCall& c) {
     double *const x = arena.zeros(ld), *const y = arena.zeros(ld), *const K = arena.zeros(ld);
     const double W = std::clamp(c.W, 0.0, 1.0);
     double unknown = *c.unknown;
-    const StatusCode status =
-        flash::quality_flash({c.find, W, c.given, c.z, c.context, &unknown, x, y, K, c.routines, true});
+    const StatusCode status = flash::quality_flash({c, c.find, W, c.given, &unknown, x, y, K});
     if (status != KV_OK && status != KV_UNSTABLE_POINT) return status;
     *c.unknown = unknown;
     const bool of_T = c.find == flash::Find::temperature;
-    const bool split =
-        split_free_water({of_T ? unknown : c.given, of_T ? c.given : unknown, c.context, W, x, y, true}, c.out);
+    const bool split = split_free_water({.T = of_T ? unknown : c.given,
+                                         .P = of_T ? c.given : unknown,
+                                         .context = c.context,
+                                         .V = W,
+                                         .x = x,
+                                         .y = y,
+                                         .incipient = true},
+                                        c.out);
     if (W == 0.0) keep_incipient_vapour(n, y, c.out);
     if (status != KV_OK) return status;
     return split ? StatusCode{KV_OK} : StatusCode{KV_LV_ANSWER};

@@ -97,7 +97,7 @@ StatusCode no_start(StatusCode status) {
 StatusCode liquid_vapour(const ThreePhaseCall& c, Equilibrium& e, HostSplit& lv) {
   if (const FlashRoutine routine = host_flash(c, KV_ROUTINE_LV_FLASH))
     return call_flash(routine, c, e.z, lv) ? KV_OK : KV_NO_START;
-  flash::IsothermalCall call{c.T, c.P, e.z, c.context, c.routines, &lv.part, lv.first, lv.second, lv.K};
+  flash::IsothermalCall call{{e.z, c.context, c.routines}, c.T, c.P, &lv.part, lv.first, lv.second, lv.K};
   call.model = &e.m;
   return no_start(flash::isothermal_flash(call));
 }
@@ -113,8 +113,8 @@ StatusCode liquid_liquid(const ThreePhaseCall& c, const double* liquid, double V
     if (one) ll.part = 0.0;
     return (usable || one) && !ll.failed ? KV_OK : KV_NO_START;
   }
-  const StatusCode status = liquid_liquid_flash(
-      {c.T, c.P, liquid, c.context, c.routines, false, false, &ll.part, ll.first, ll.second, ll.K});
+  const StatusCode status =
+      liquid_liquid_flash({{liquid, c.context, c.routines}, c.T, c.P, &ll.part, ll.first, ll.second, ll.K});
   if (status == flash::kHostStatus) return status;
   if (status != KV_OK) ll.part = 0.0;
   return KV_OK;
@@ -194,8 +194,7 @@ StatusCode solve_with_free_water(const ThreePhaseCall& c, support::Arena& arena)
   HostSplit lv{0.0, arena.zeros(ld), arena.zeros(ld), arena.zeros(ld)};
   double* const z = arena.zeros(ld);  // what a flash of the host's is to get
   if (!flash::normalise_feed(n, c.z, z)) return KV_COMPOSITION;
-  flash::IsothermalCall call{c.T, c.P, c.z, c.context, c.routines, &lv.part, lv.first, lv.second, lv.K};
-  call.free_water = true;
+  flash::IsothermalCall call{c, c.T, c.P, &lv.part, lv.first, lv.second, lv.K};
   const bool given = c.estimate && join_estimate(c, lv);
   const FlashRoutine routine = given ? nullptr : host_flash(c, KV_ROUTINE_LV_FLASH);
   if (routine != nullptr && !call_flash(routine, c, z, lv)) return KV_NO_START;
@@ -220,7 +219,7 @@ StatusCode solve(const ThreePhaseCall& c, support::Arena& arena) {
   const flash::Settings settings = flash::copy_settings(c.context);
   support::TraceWriter trace(settings.trace, settings.trace_unit);
   Equilibrium e;
-  StatusCode status = open_equilibrium({c.T, c.P, c.z, c.context, c.routines}, 0, arena, trace, e);
+  StatusCode status = open_equilibrium(c, c.T, c.P, 0, arena, trace, e);
   if (status != KV_OK) return status;
   const bool given = c.estimate && take_estimate(c.out, e);
   const bool by_host =

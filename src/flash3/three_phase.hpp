@@ -13,14 +13,11 @@ struct ThreePhaseResult {
   double *KLL = nullptr, *KLV = nullptr;              // xA/xB, y/xA
 };
 
-struct ThreePhaseCall {
-  double T = 0.0, P = 0.0;    // K, atm
-  const double* z = nullptr;  // feed; its sum is checked against the record's tolerance
-  eos::Context context;
-  flash::HostRoutines* routines = nullptr;
-  bool free_water = false;
-  bool estimate = false;  // the results hold one; an unusable one is ignored
+/* The sum of the feed is checked against the record's tolerance, here and in the flashes that follow. */
+struct ThreePhaseCall : flash::Feed {
+  double T = 0.0, P = 0.0;  // K, atm
   ThreePhaseResult out = {};
+  bool estimate = false;  // the results hold one; an unusable one is ignored
 };
 
 /*

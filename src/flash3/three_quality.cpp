@@ -22,7 +22,7 @@ StatusCode two_phase_point(QualitySearch& q) {
   Equilibrium& e = q.e;
   double unknown = *c.unknown;
   const StatusCode status =
-      flash::quality_flash({c.find, q.W, c.given, e.z, c.context, &unknown, e.x, e.y, e.K, c.routines});
+      flash::quality_flash({{e.z, c.context, c.routines}, c.find, q.W, c.given, &unknown, e.x, e.y, e.K});
   if (status != KV_OK && status != KV_UNSTABLE_POINT) return status;
   q.u = unknown;
   put_two_phases(e, q.W);
@@ -68,8 +68,7 @@ StatusCode single_component(const ThreeQualityCall& c) {
     double *const x = arena.zeros(n), *const y = arena.zeros(n), *const K = arena.zeros(n);
     double unknown = *c.unknown;
     const double W = std::clamp(c.W, 0.0, 1.0);
-    const StatusCode status =
-        flash::quality_flash({c.find, W, c.given, c.z, c.context, &unknown, x, y, K, c.routines, c.free_water});
+    const StatusCode status = flash::quality_flash({c, c.find, W, c.given, &unknown, x, y, K});
     if (status != KV_OK) return status;
     *c.unknown = unknown;
     *c.out.V = W;
@@ -99,8 +98,7 @@ StatusCode with_search(const ThreeQualityCall& c, support::Arena& arena, support
     take_phases(arena, ld, *p);
   for (Node& node : q.between) take_phases(arena, ld, node.p);
   const double start = q.of_T ? kDefaultT : kDefaultP;
-  const StatusCode opened =
-      open_equilibrium({q.T_of(start), q.P_of(start), c.z, c.context, c.routines}, 1, model_arena, silent, q.e);
+  const StatusCode opened = open_equilibrium(c, q.T_of(start), q.P_of(start), 1, model_arena, silent, q.e);
   if (opened != KV_OK) return opened;
   const StatusCode status = solve(q);
   return status == KV_OK ? write_answer(q) : status;

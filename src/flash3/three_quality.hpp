@@ -8,17 +8,13 @@
 
 namespace kestrune::flash3 {
 
-struct ThreeQualityCall {
+struct ThreeQualityCall : flash::Feed {
   flash::Find find = flash::Find::temperature;
   double W = 0.0;             // below 0 counts as 0, above 1 as 1
   double given = 0.0;         // P (atm) or T (K)
-  const double* z = nullptr;  // feed; its sum is checked against the record's tolerance
-  eos::Context context;
   double* unknown = nullptr;  // in/out, K or atm; not greater than 0: a start of the flash's own
   ThreePhaseResult out = {};  // V receives W
   bool estimate = false;      // the results and the unknown hold one; an unusable one is ignored
-  flash::HostRoutines* routines = nullptr;
-  bool free_water = false;
 };
 
 /*

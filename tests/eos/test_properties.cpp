@@ -89,7 +89,7 @@ TEST(RootStatus, TwoOfThemComeWithARootEverywhere) {
     EXPECT_EQ(eos::specific_heat(p, -1, heat), status);
     for (const double value : {d.rho, c.H, c.S, s.dT, heat.Cp}) EXPECT_EQ(value != 0.0, good);
     EXPECT_EQ(exports::mapped(status), good ? StatusCode{KV_OK} : status);
-    const StatusCode of_flash = flash::isothermal_flash({200.0, 40.0, z, context, nullptr, &beta, x, y, K});
+    const StatusCode of_flash = flash::isothermal_flash({{z, context}, 200.0, 40.0, &beta, x, y, K});
     EXPECT_EQ(of_flash, good ? StatusCode{KV_OK} : status);
   }
 }

@@ -3,6 +3,7 @@
 #define KESTRUNE_FRAME_EXPORTS_CONTEXT_HPP
 
 #include "eos/context.hpp"
+#include "flash/feed.hpp"
 #include "frame/provider.hpp"
 #include "frame/tools_bridge.hpp"
 
@@ -26,6 +27,11 @@ inline constexpr eos::Tools kTools = {bound_tool<eos::CubicRoot, frame::ToolsEnt
  * the sibling libraries.
  */
 eos::Context context_of(MixtureRecord* record) noexcept;
+
+/* The feed of a flash by that, without routines and free water, which the wrappers fill in. */
+inline flash::Feed feed_of(const double* z, MixtureRecord* record) noexcept {
+  return {z, context_of(record)};
+}
 
 }  // namespace kestrune::exports
 

@@ -13,7 +13,7 @@
 namespace {
 
 using namespace kestrune;
-using exports::context_of;
+using exports::feed_of;
 
 // The first unusable argument of a flash, or KV_OK. A feed that does not sum to one, an empty one among them, is
 // passed on: its status comes from the flash, before what is wrong with the rest.
@@ -109,7 +109,7 @@ StatusCode isothermal_flash(flash3::ThreePhaseCall call, const flash3::ThreePhas
 }
 
 // Two liquids.
-StatusCode liquid_liquid_flash(flash3::LiquidLiquidCall call, const ModelRoutines* routines) {
+StatusCode liquid_liquid_flash(flash3::LiquidLiquidCall call, const ModelRoutines* routines, int32_t options) {
   const StatusCode bad = frame::first_failure(
       {frame::check_temperature(call.T), frame::check_pressure(call.P),
        frame::check_pointers(call.z, call.context.record, call.beta, call.liquid1, call.liquid2, call.K),
@@ -120,6 +120,7 @@ StatusCode liquid_liquid_flash(flash3::LiquidLiquidCall call, const ModelRoutine
   flash::HostRoutines host = exports::routines_of_call(routines, call.context.record->count);
   call.routines = &host;
   call.free_water = exports::free_water(*call.context.record);
+  call.estimate = (options & 1) != 0;
   return exports::run_and_tell(host, [&] { return flash3::liquid_liquid_flash(call); });
 }
 
@@ -128,40 +129,37 @@ StatusCode liquid_liquid_flash(flash3::LiquidLiquidCall call, const ModelRoutine
 KV_ENTRY StatusCode KV_CALL FlashLLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines* routines, int32_t options, double* beta,
                                          double* V, double* xA, double* xB, double* y, double* KLL, double* KLV)
-    KV_GUARDS(isothermal_flash({T, P, z, context_of(mixture)}, {beta, V, xA, xB, y, KLL, KLV}, routines,
-                               options));
+    KV_GUARDS(isothermal_flash({feed_of(z, mixture), T, P}, {beta, V, xA, xB, y, KLL, KLV}, routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines* routines, int32_t options, double* T,
                                          double* beta, double* V, double* xA, double* xB, double* y,
                                          double* KLL, double* KLV, double* HA, double* HB, double* HV)
-    KV_GUARDS(energy_flash({flash::Property::enthalpy, H, P, z, context_of(mixture), T},
+    KV_GUARDS(energy_flash({feed_of(z, mixture), flash::Property::enthalpy, H, P, T},
                            {beta, V, xA, xB, y, KLL, KLV}, {HA, HB, HV}, routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatSP(double S, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines* routines, int32_t options, double* T,
                                          double* beta, double* V, double* xA, double* xB, double* y,
                                          double* KLL, double* KLV, double* SA, double* SB, double* SV)
-    KV_GUARDS(energy_flash({flash::Property::entropy, S, P, z, context_of(mixture), T},
+    KV_GUARDS(energy_flash({feed_of(z, mixture), flash::Property::entropy, S, P, T},
                            {beta, V, xA, xB, y, KLL, KLV}, {SA, SB, SV}, routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines* routines, int32_t options, double* T,
                                          double* beta, double* xA, double* xB, double* y, double* KLL,
                                          double* KLV)
-    KV_GUARDS(quality_flash({flash::Find::temperature, W, P, z, context_of(mixture), T},
+    KV_GUARDS(quality_flash({feed_of(z, mixture), flash::Find::temperature, W, P, T},
                             {beta, nullptr, xA, xB, y, KLL, KLV}, routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, MixtureRecord* mixture,
                                          const ModelRoutines* routines, int32_t options, double* P,
                                          double* beta, double* xA, double* xB, double* y, double* KLL,
                                          double* KLV)
-    KV_GUARDS(quality_flash({flash::Find::pressure, W, T, z, context_of(mixture), P},
+    KV_GUARDS(quality_flash({feed_of(z, mixture), flash::Find::pressure, W, T, P},
                             {beta, nullptr, xA, xB, y, KLL, KLV}, routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* beta,
                                         double* liquid1, double* liquid2, double* K)
-    KV_GUARDS(liquid_liquid_flash({T, P, z, context_of(mixture), nullptr, false, (options & 1) != 0, beta,
-                                   liquid1, liquid2, K},
-                                  routines));
+    KV_GUARDS(liquid_liquid_flash({feed_of(z, mixture), T, P, beta, liquid1, liquid2, K}, routines, options));

@@ -10,7 +10,7 @@
 namespace {
 
 using namespace kestrune;
-using exports::context_of;
+using exports::feed_of;
 using frame::first_failure;
 
 // The first unusable argument of a flash, or KV_OK.
@@ -74,28 +74,27 @@ StatusCode isothermal_flash(flash::IsothermalCall call, const ModelRoutines* rou
 KV_ENTRY StatusCode KV_CALL FlashLVatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* beta, double* x,
                                         double* y, double* K)
-    KV_GUARDS(isothermal_flash({T, P, z, context_of(mixture), nullptr, beta, x, y, K}, routines, options));
+    KV_GUARDS(isothermal_flash({feed_of(z, mixture), T, P, beta, x, y, K}, routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLVatHP(double H, double P, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* T, double* beta,
                                         double* x, double* y, double* K, double* HL, double* HV)
-    KV_GUARDS(energy_flash({flash::Property::enthalpy, H, P, z, context_of(mixture), T, beta, x, y, K, HL, HV},
+    KV_GUARDS(energy_flash({feed_of(z, mixture), flash::Property::enthalpy, H, P, T, beta, x, y, K, HL, HV},
                            routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLVatSP(double S, double P, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* T, double* beta,
                                         double* x, double* y, double* K, double* SL, double* SV)
-    KV_GUARDS(energy_flash({flash::Property::entropy, S, P, z, context_of(mixture), T, beta, x, y, K, SL, SV},
+    KV_GUARDS(energy_flash({feed_of(z, mixture), flash::Property::entropy, S, P, T, beta, x, y, K, SL, SV},
                            routines, options));
 
 KV_ENTRY StatusCode KV_CALL FlashLVatWP(double W, double P, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* T, double* x,
                                         double* y, double* K)
-    KV_GUARDS(quality_flash({flash::Find::temperature, W, P, z, context_of(mixture), T, x, y, K}, routines,
+    KV_GUARDS(quality_flash({feed_of(z, mixture), flash::Find::temperature, W, P, T, x, y, K}, routines,
                             options));
 
 KV_ENTRY StatusCode KV_CALL FlashLVatWT(double W, double T, const double* z, MixtureRecord* mixture,
                                         const ModelRoutines* routines, int32_t options, double* P, double* x,
                                         double* y, double* K)
-    KV_GUARDS(quality_flash({flash::Find::pressure, W, T, z, context_of(mixture), P, x, y, K}, routines,
-                            options));
+    KV_GUARDS(quality_flash({feed_of(z, mixture), flash::Find::pressure, W, T, P, x, y, K}, routines, options));
