@@ -71,6 +71,11 @@ inline double residual_gibbs(const Mixture& m, const Root& r) noexcept {
   return r.z_minus_1 - r.log_z_minus_B - m.q * r.phi;
 }
 
+/* Whether a phase of covolume b is packed less densely than a critical one, b/v; false without a Z. */
+inline bool loosely_packed(double b, double T, double P, double Z) noexcept {
+  return Z > 0.0 && b * P / (kR * T * Z) * kCriticalVolumeRatio < 1.0;
+}
+
 /*
  * Residual enthalpy (cal/mol) and entropy (cal/(mol K)), (11) of docs/method.md, of a root with a mixture a, b and its
  * da/dT. The logarithm of [2Z + (u - s)B]/[2Z + (u + s)B] is -s phi.

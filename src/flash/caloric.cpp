@@ -13,8 +13,6 @@
 namespace kestrune::flash {
 namespace {
 
-constexpr double kResidualR = eos::kR * eos::kCalPerCm3Atm;  // cal/(mol K), of the residual parts
-
 using MolarRoutine = StatusCode(KV_CALL*)(double, double, const double*, MixtureRecord*, double*);
 
 // The host's routine for the property of a phase, null without one.
@@ -135,7 +133,7 @@ StatusCode prepare_caloric(CaloricModel& c, double T) {
 
 bool phase_caloric(CaloricModel& c, const double* x, Kind kind, PhaseCaloric& out) {
   const eos::Temperature& t = c.t;
-  const double T = t.T, rt = eos::kR * T;
+  const double T = t.T;
   if (spend(c.routines, matrix_work(t.n)) != KV_OK) return false;
   const eos::Mixture m = eos::mix(t, x, c.s);
   eos::Root r;
@@ -149,15 +147,13 @@ bool phase_caloric(CaloricModel& c, const double* x, Kind kind, PhaseCaloric& ou
   const double a_tt = eos::quadratic(t, t.aij_tt, x);
   const eos::Slopes slopes = eos::slopes(m.a / m.b, a_t / m.b, m.b, T, r.eta);
   const double Cp_res =
-      (T * a_tt / m.b * r.phi) * eos::kCalPerCm3Atm + kResidualR * (slopes.L * slopes.L / slopes.K - 1.0);
+      (T * a_tt / m.b * r.phi) * eos::kCalPerCm3Atm + eos::kResidualR * (slopes.L * slopes.L / slopes.K - 1.0);
   out.Cp = eos::ideal_heat_capacity(t.n, x, c.ideal) + Cp_res;
   if (c.property == Property::enthalpy) {
-    const double H_res = (-(m.a - T * a_t) / m.b * r.phi + rt * r.z_minus_1) * eos::kCalPerCm3Atm;
-    out.value = eos::ideal_enthalpy(t.n, x, c.ideal) + H_res;
+    out.value = eos::ideal_enthalpy(t.n, x, c.ideal) + eos::residual_enthalpy(T, m.a, a_t, m.b, r);
     out.slope = out.Cp;
   } else {
-    const double S_res = (a_t / m.b * r.phi + eos::kR * r.log_z_minus_B) * eos::kCalPerCm3Atm;
-    out.value = eos::ideal_entropy(t.n, x, c.P, c.ideal) + S_res;
+    out.value = eos::ideal_entropy(t.n, x, c.P, c.ideal) + eos::residual_entropy(a_t, m.b, r);
     out.slope = out.Cp / T;
   }
   return std::fabs(out.value) <= DBL_MAX && std::fabs(out.slope) <= DBL_MAX;

@@ -180,7 +180,7 @@ bool equalise(Energy& e, EnergyState& s) {
 }
 
 Local solve_two_phases(Energy& e, EnergyState& s) {
-  const double R = eos::kR * eos::kCalPerCm3Atm;
+  const double R = eos::kResidualR;
   const bool H = e.call.property == Property::enthalpy;
   double* const g = e.g;
   double* const w = e.w;

@@ -82,7 +82,7 @@ bool lighter(const MixtureRecord& mixture, const double* x, double Zx, const dou
 }
 
 bool loosely_packed(const MixtureRecord& mixture, double T, double P, const double* x, double Z) noexcept {
-  return Z > 0.0 && covolume(mixture, x) * P / (eos::kR * T * Z) * eos::kCriticalVolumeRatio < 1.0;
+  return eos::loosely_packed(covolume(mixture, x), T, P, Z);
 }
 
 double pseudo_critical_temperature(const MixtureRecord& mixture, const double* x) noexcept {

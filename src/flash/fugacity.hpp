@@ -7,7 +7,7 @@
 
 #include "eos/phase.hpp"
 #include "flash/host.hpp"
-#include "flash/water.hpp"
+#include "flash/wilson.hpp"
 #include "kestrune/records.h"
 #include "support/arena.hpp"
 

@@ -9,6 +9,7 @@
 
 #include "kestrune/records.h"
 #include "kestrune/status.h"
+#include "support/status.hpp"
 
 namespace kestrune {
 
@@ -57,14 +58,6 @@ Routine host_routine(const HostRoutines* host, int number) noexcept {
   return host != nullptr ? reinterpret_cast<Routine>(host->entry[number - 1]) : nullptr;
 }
 
-/*
- * Whether a flash goes on with what a routine has written beside its status: warnings, the two that property
- * exports hide, and a heat capacity continued beyond its range.
- */
-inline bool goes_on(StatusCode status) noexcept {
-  return status <= 50 || status == 201 || status == 202 || status == KV_PURE_RANGE;
-}
-
 /* Ends the flash with a status that the host is to see. */
 inline StatusCode end_flash(HostRoutines& host, StatusCode status) noexcept {
   host.status = status;
@@ -95,7 +88,7 @@ template <class Call>
 StatusCode call_host(HostRoutines& host, Call&& call) {
   if (host.final && host.status != KV_OK) return kHostStatus;
   const StatusCode status = call();
-  return goes_on(status) ? StatusCode{KV_OK} : end_flash(host, status);
+  return support::has_values(status) ? StatusCode{KV_OK} : end_flash(host, status);
 }
 
 inline bool all_finite(int n, const double* values) noexcept {

@@ -40,7 +40,7 @@ StatusCode both_phases(QualityLine& line, LinePoint& p, int j, int unknown, Both
   const MixtureRecord& r = *line.context.record;
   const double Tc = r.table[static_cast<std::size_t>(KV_COL_TC - 1) * r.count + j];
   const double Pc = r.table[static_cast<std::size_t>(KV_COL_PC - 1) * r.count + j];
-  b.gas = eos::kOmegaB_R * Tc / Pc * P / (eos::kR * T * p.Zy) * eos::kCriticalVolumeRatio < 1.0;
+  b.gas = eos::loosely_packed(eos::kOmegaB_R * Tc / Pc, T, P, p.Zy);
   return KV_OK;
 }
 

@@ -8,7 +8,7 @@
 
 #include "flash/feed.hpp"
 #include "flash/two_phase.hpp"
-#include "flash/water.hpp"
+#include "flash/wilson.hpp"
 #include "flash3/trace_phases.hpp"
 #include "support/mathkernels.hpp"
 

@@ -21,9 +21,9 @@ constexpr double kMostLogK = 2.0, kMostLogT = 0.05, kMostLogP = 0.4;  // change 
 constexpr double kMostAmount = 0.7;
 constexpr double kTrace = 1e-8;
 constexpr double kFarT = 2.0, kFarP = 50.0;
-constexpr double kSame = 1e-10;                              // sum of (x - y)^2/(x + y) of phases that are one
-constexpr double kAlike = 1e-6, kApart = 0.1;                // compositions, and relative Z, of two roots
-constexpr double kResidualR = eos::kR * eos::kCalPerCm3Atm;  // cal/(mol K)
+constexpr double kSame = 1e-10;                // sum of (x - y)^2/(x + y) of phases that are one
+constexpr double kAlike = 1e-6, kApart = 0.1;  // compositions, and relative Z, of two roots
+using eos::kResidualR;
 
 int order_of(const Phases& p, int n) {
   return (p.count - 1) * (n + 1) + 1;

@@ -74,7 +74,7 @@ bool call_flash(FlashRoutine routine, const ThreePhaseCall& c, const double* z, 
   for (double* a : {s.first, s.second, s.K}) std::fill_n(a, n, 0.0);
   const StatusCode status =
       routine(c.T, c.P, z, c.context.record, c.routines->record, 0, &s.part, s.first, s.second, s.K);
-  s.failed = !flash::goes_on(status) && status != KV_SINGLE_PHASE;
+  s.failed = !support::has_values(status) && status != KV_SINGLE_PHASE;
   if (s.part == 0.0 || s.part == 1.0) return true;
   return s.part > 0.0 && s.part < 1.0 && flash::usable_compositions(n, s.first, s.second);
 }

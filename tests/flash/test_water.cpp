@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "eos/eos_case.hpp"
-#include "flash/water.hpp"
+#include "flash/wilson.hpp"
 
 using namespace kestrune;
 using namespace kestrune::tests;

@@ -1,6 +1,6 @@
 // Wilson's coefficients, bounded, and water's own.
 
-#include "flash/water.hpp"
+#include "flash/wilson.hpp"
 
 #include "flash/fugacity.hpp"
 #include "support/mathkernels.hpp"

@@ -2,8 +2,8 @@
 //
 // [Wil69] G. M. Wilson, A modified Redlich-Kwong equation of state, 65th national meeting of the AIChE,
 // Cleveland (1969).
-#ifndef KESTRUNE_FLASH_WATER_HPP
-#define KESTRUNE_FLASH_WATER_HPP
+#ifndef KESTRUNE_FLASH_WILSON_HPP
+#define KESTRUNE_FLASH_WILSON_HPP
 
 #include "eos/liquid_water.hpp"
 #include "kestrune/records.h"
