@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "flash/accept.hpp"
-#include "flash/water.hpp"
+#include "flash/wilson.hpp"
 
 namespace kestrune::flash3 {
 namespace {
