@@ -6,7 +6,7 @@
 #include "eos/group_data.hpp"
 #include "eos/phase.hpp"
 #include "eos/temperature.hpp"
-#include "flash/isothermal.hpp"
+#include "flash/isothermal/isothermal.hpp"
 #include "frame/exports/context.hpp"
 #include "gases.hpp"
 #include "support/arena.hpp"

@@ -8,7 +8,7 @@
 #include <cmath>
 
 #include "envelope/outline.hpp"
-#include "flash/stability.hpp"
+#include "flash/stability/stability.hpp"
 
 namespace kestrune::envelope {
 namespace {

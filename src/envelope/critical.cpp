@@ -8,9 +8,9 @@
 
 #include "flash/feed.hpp"
 #include "flash/fugacity.hpp"
-#include "flash/pure_saturation.hpp"
+#include "flash/pure/pure_saturation.hpp"
 #include "flash/settings.hpp"
-#include "flash/stability.hpp"
+#include "flash/stability/stability.hpp"
 #include "support/spline.hpp"
 
 namespace kestrune::envelope {

@@ -9,10 +9,10 @@
 
 #include "envelope/outline.hpp"
 #include "flash/feed.hpp"
-#include "flash/pure_saturation.hpp"
-#include "flash/quality_flash.hpp"
+#include "flash/isothermal/two_phase.hpp"
+#include "flash/pure/pure_saturation.hpp"
+#include "flash/quality/quality_flash.hpp"
 #include "flash/settings.hpp"
-#include "flash/two_phase.hpp"
 
 namespace kestrune::envelope {
 namespace {

@@ -7,7 +7,7 @@
 #define KESTRUNE_ENVELOPE_OUTLINE_HPP
 
 #include "envelope/spinodal.hpp"
-#include "flash/line_walk.hpp"
+#include "flash/quality/line_walk.hpp"
 
 namespace kestrune::envelope {
 

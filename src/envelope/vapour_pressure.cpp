@@ -8,7 +8,7 @@
 #include "envelope/envelope.hpp"
 #include "envelope/outline.hpp"
 #include "flash/feed.hpp"
-#include "flash/pure_saturation.hpp"
+#include "flash/pure/pure_saturation.hpp"
 
 namespace kestrune::envelope {
 namespace {

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <limits>
 
-#include "flash/free_water.hpp"
+#include "flash/wet/free_water.hpp"
 #include "support/mathkernels.hpp"
 
 namespace kestrune::flash {

@@ -2,8 +2,8 @@
 #ifndef KESTRUNE_FLASH_TRACE_FLASH_HPP
 #define KESTRUNE_FLASH_TRACE_FLASH_HPP
 
-#include "flash/energy_flash.hpp"
-#include "flash/isothermal.hpp"
+#include "flash/energy/energy_flash.hpp"
+#include "flash/isothermal/isothermal.hpp"
 
 namespace kestrune::flash {
 

@@ -11,7 +11,7 @@
 
 #include "flash/accept.hpp"
 #include "flash/feed.hpp"
-#include "flash/stability.hpp"
+#include "flash/stability/stability.hpp"
 #include "support/mathkernels.hpp"
 
 namespace kestrune::flash3 {

@@ -3,7 +3,7 @@
 #ifndef KESTRUNE_FLASH3_EQUILIBRIUM_HPP
 #define KESTRUNE_FLASH3_EQUILIBRIUM_HPP
 
-#include "flash/isothermal.hpp"
+#include "flash/isothermal/isothermal.hpp"
 #include "flash3/solver.hpp"
 
 namespace kestrune::flash3 {

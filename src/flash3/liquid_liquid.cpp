@@ -10,9 +10,9 @@
 
 #include "eos/properties.hpp"
 #include "flash/feed.hpp"
-#include "flash/free_water.hpp"
-#include "flash/pure_saturation.hpp"
+#include "flash/pure/pure_saturation.hpp"
 #include "flash/settings.hpp"
+#include "flash/wet/free_water.hpp"
 #include "flash3/phases.hpp"
 
 namespace kestrune::flash3 {

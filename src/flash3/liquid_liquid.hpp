@@ -2,7 +2,7 @@
 #ifndef KESTRUNE_FLASH3_LIQUID_LIQUID_HPP
 #define KESTRUNE_FLASH3_LIQUID_LIQUID_HPP
 
-#include "flash/isothermal.hpp"
+#include "flash/isothermal/isothermal.hpp"
 
 namespace kestrune::flash3 {
 

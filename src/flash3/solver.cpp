@@ -7,7 +7,7 @@
 #include <cmath>
 
 #include "flash/feed.hpp"
-#include "flash/two_phase.hpp"
+#include "flash/isothermal/two_phase.hpp"
 #include "flash/wilson.hpp"
 #include "flash3/trace_phases.hpp"
 #include "support/mathkernels.hpp"

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "flash/energy_state.hpp"
+#include "flash/energy/energy_state.hpp"
 #include "support/lu.hpp"
 #include "support/mathkernels.hpp"
 

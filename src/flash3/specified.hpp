@@ -9,7 +9,7 @@
 #ifndef KESTRUNE_FLASH3_SPECIFIED_HPP
 #define KESTRUNE_FLASH3_SPECIFIED_HPP
 
-#include "flash/caloric.hpp"
+#include "flash/energy/caloric.hpp"
 #include "flash3/equilibrium.hpp"
 
 namespace kestrune::flash3 {

@@ -10,7 +10,7 @@
 #include <cmath>
 
 #include "flash/feed.hpp"
-#include "flash/pure_saturation.hpp"
+#include "flash/pure/pure_saturation.hpp"
 #include "flash3/three_energy_state.hpp"
 #include "flash3/three_free_water.hpp"
 

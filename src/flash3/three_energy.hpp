@@ -2,7 +2,7 @@
 #ifndef KESTRUNE_FLASH3_THREE_ENERGY_HPP
 #define KESTRUNE_FLASH3_THREE_ENERGY_HPP
 
-#include "flash/caloric.hpp"
+#include "flash/energy/caloric.hpp"
 #include "flash3/three_phase.hpp"
 
 namespace kestrune::flash3 {

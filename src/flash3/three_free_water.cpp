@@ -6,8 +6,8 @@
 #include <cmath>
 
 #include "flash/accept.hpp"
-#include "flash/energy_state.hpp"
-#include "flash/pure_saturation.hpp"
+#include "flash/energy/energy_state.hpp"
+#include "flash/pure/pure_saturation.hpp"
 
 namespace kestrune::flash3 {
 namespace {

@@ -7,8 +7,8 @@
 #include <cmath>
 
 #include "flash/feed.hpp"
-#include "flash/free_water.hpp"
 #include "flash/settings.hpp"
+#include "flash/wet/free_water.hpp"
 #include "flash3/liquid_liquid.hpp"
 #include "flash3/trace_phases.hpp"
 #include "support/mathkernels.hpp"

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "flash/pure_saturation.hpp"
+#include "flash/pure/pure_saturation.hpp"
 #include "flash3/quality_search.hpp"
 #include "flash3/three_free_water.hpp"
 

@@ -3,7 +3,7 @@
 #ifndef KESTRUNE_FLASH3_THREE_QUALITY_HPP
 #define KESTRUNE_FLASH3_THREE_QUALITY_HPP
 
-#include "flash/quality_flash.hpp"
+#include "flash/quality/quality_flash.hpp"
 #include "flash3/three_phase.hpp"
 
 namespace kestrune::flash3 {

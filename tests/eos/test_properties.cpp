@@ -6,7 +6,7 @@
 
 #include "eos/transport.hpp"
 #include "eos_case.hpp"
-#include "flash/isothermal.hpp"
+#include "flash/isothermal/isothermal.hpp"
 #include "frame/exports/property_frame.hpp"
 #include "frame/provider.hpp"
 

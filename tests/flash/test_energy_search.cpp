@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "../eos/eos_case.hpp"
-#include "flash/energy_state.hpp"
+#include "flash/energy/energy_state.hpp"
 
 namespace {
 

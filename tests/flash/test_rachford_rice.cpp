@@ -5,7 +5,7 @@
 #include <random>
 #include <vector>
 
-#include "flash/rachford_rice.hpp"
+#include "flash/isothermal/rachford_rice.hpp"
 
 using namespace kestrune::flash;
 

@@ -4,8 +4,8 @@
 #include <numeric>
 
 #include "../eos/eos_case.hpp"
-#include "flash/isothermal.hpp"
-#include "flash/stability.hpp"
+#include "flash/isothermal/isothermal.hpp"
+#include "flash/stability/stability.hpp"
 #include "flash3/three_phase.hpp"
 
 namespace {

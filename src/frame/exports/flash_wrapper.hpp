@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "flash/free_water.hpp"
 #include "flash/host.hpp"
+#include "flash/wet/free_water.hpp"
 #include "frame/boundary.hpp"
 #include "frame/cas.hpp"
 #include "support/status.hpp"

@@ -1,8 +1,8 @@
 // Exports: flashes of two phases.
 
-#include "flash/energy_flash.hpp"
-#include "flash/isothermal.hpp"
-#include "flash/quality_flash.hpp"
+#include "flash/energy/energy_flash.hpp"
+#include "flash/isothermal/isothermal.hpp"
+#include "flash/quality/quality_flash.hpp"
 #include "frame/exports/context.hpp"
 #include "frame/exports/flash_wrapper.hpp"
 #include "kestrune/kvgasthermo.h"
