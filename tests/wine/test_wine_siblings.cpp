@@ -85,7 +85,7 @@ class Wine : public testing::Test {
     return run_catching([] {
       std::int32_t n = 1, status = 0;
       double a[1] = {4.0};
-      tools::MRINV(&n, &n, a, &status);
+      tools::entry<decltype(&::MRINV)>(ToolsEntry::MRINV)(&n, &n, a, &status);
     });
   }
 
