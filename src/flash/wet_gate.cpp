@@ -23,8 +23,8 @@ constexpr double kHardlyBoils = 1e-3;     // Wilson's coefficient
 constexpr double kGrows = 1e-8;           // ln of what a trial adds up to
 constexpr double kUsualLimit = 0.01;      // of solubility, where the record's leaves no hydrocarbon liquid
 constexpr double kMostWater = 0.9999;     // in a trial liquid, where the limit is no limit
-constexpr double kLargestLogW = 300.0;
-constexpr double kNone = -1e5;   // ln of the fugacity of a component that is absent
+constexpr double kLargestLogW = 300.0;    // exp of it is a number still
+constexpr double kNone = -1e5;            // ln of the fugacity of a component that is absent
 constexpr double kThin = 0.5;    // of a gas of more than twice the critical volume: it does not come apart
 constexpr double kReach = 1.25;  // hydrocarbon liquids end somewhere above their pseudo-critical temperature
 
@@ -44,7 +44,7 @@ bool lighter_than_gas(const Wet& f, const Known& gas) {
 // Whether a fluid parts from a liquid of mostly water within its limit, as where that is no limit: one of less
 // water is no liquid of the rules at this activity, however dense.
 bool parts_from_water(const Wet& f, const Known& liquid) {
-  constexpr double kMostly = 0.5;
+  constexpr double kMostly = 0.5;  // of a fluid that is more water than not
   const int w = f.m.water;
   return liquid.x != nullptr && liquid.x[w] > kMostly && liquid.x[w] <= limit(f) && f.trial.w[w] < kMostly;
 }
@@ -60,7 +60,7 @@ bool is_of_kind(const Wet& f, Kind kind, const Known (&known)[2]) {
 
 // One fluid: the same hydrocarbons, as loosely packed. Single hydrocarbons differ in the latter alone.
 bool same_fluid(const Wet& f, const double* a, double Za, const double* b, double Zb) {
-  constexpr double kSameZ = 0.1;
+  constexpr double kSameZ = 0.1;  // relative
   return dry_distance(f, a, b) < kSameFluid && std::fabs(Za - Zb) < kSameZ * std::max(Za, Zb);
 }
 
@@ -209,7 +209,7 @@ bool like_a_gas(const Wet& f, const double* y, double Z) {
 }
 
 bool is_liquid_water(const Wet& f, const double* y, double Z) {
-  constexpr double kAqueous = 0.5;
+  constexpr double kAqueous = 0.5;  // more water than not
   return y[f.m.water] > kAqueous && !like_a_gas(f, y, Z);
 }
 
