@@ -13,8 +13,6 @@ namespace {
 
 constexpr int kMostSteps = 600;           // beside critical points a trial comes to a known phase late
 constexpr int kTurns = 8;                 // of a trial that goes to and fro, from which its steps are cut
-constexpr int kStuck = 10;                // steps in a row without a change: at the bounds of ln w
-constexpr double kNoChange = 1e-6;        // relative, of the sum of w g^2
 constexpr double kSettled = 1e-24;        // sum of w g^2 of a trial that has settled
 constexpr double kGoingThere = 1e-7;      // the same of a trial that is on its way to a phase that is near
 constexpr double kSameFluid = 1e-3;       // difference of two phases, without their water, that are one
@@ -99,7 +97,7 @@ bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
   t.found = false;
   ++f.m.counts.trials;
   double before = 0.0;
-  int turns = 0, stuck = 0;
+  int turns = 0;
   for (int k = 0; k < kMostSteps; ++k) {
     compose(f, liquid, water);
     if (!(std::fabs(t.ln_sum) < 1e3)) return true;
@@ -118,8 +116,6 @@ bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
       t.found = !near_known(f, known) && is_of_kind(f, kind, known);
       return true;
     }
-    stuck = std::fabs(norm - before) > kNoChange * norm ? 0 : stuck + 1;
-    if (stuck > kStuck) break;
     turns += along < 0.0 ? 1 : 0;
     const double shorter = std::min(0.5, static_cast<double>(kTurns) / std::max(turns, 1));
     const double factor = turns > kTurns ? shorter : speed_up(k, along, before);
@@ -129,7 +125,7 @@ bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
     }
     before = norm;
   }
-  // Slow, beside a critical point, or stuck: it counts where it clearly grows.
+  // Slow, beside a critical point: it counts where it clearly grows.
   t.found = t.ln_sum > 1e-6 && !near_known(f, known) && is_of_kind(f, kind, known);
   return true;
 }

@@ -25,7 +25,7 @@ FACTORS = {"usual": (0.5, 2.0), "extreme": (0.001, 1000.0), "large": (0.001, 100
 
 def main():
     parser = argparse.ArgumentParser()
-    parser.add_argument("--only", default="")
+    parser.add_argument("--only", default="", help="a part of the key")
     parser.add_argument("--extreme", dest="sample", action="store_const", const="extreme", default="usual")
     parser.add_argument("--large", dest="sample", action="store_const", const="large")
     parser.add_argument("--as-built", action="store_true", help="the sources have not changed since the last run")
@@ -36,6 +36,8 @@ def main():
     folder = options.scratch / "tree"
     if options.as_built:
         all_of_them, tuned = constants(), tree.built(folder)
+        if tree.keys(all_of_them) != (folder / "numbers").read_bytes():
+            raise SystemExit("the constants are not those of the library that is built: without --as-built")
     else:
         all_of_them = tree.write(folder)
         tuned = tree.build(folder, options.programs, options.jobs)

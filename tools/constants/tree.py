@@ -93,6 +93,7 @@ def write(folder):
             content = counted(content.decode()).encode()
         put(folder / name, content)
     put(folder / "src" / "tune.hpp", (Path(__file__).parent / "tune.hpp").read_bytes())
+    put(folder / "numbers", keys(rewriter.all))
     return rewriter.all
 
 
@@ -108,6 +109,10 @@ def put(path, content):
     if not path.exists() or path.read_bytes() != content:
         path.parent.mkdir(parents=True, exist_ok=True)
         path.write_bytes(content)
+
+
+def keys(all_of_them):
+    return "".join(f"{c.key} {c.value}\n" for c in all_of_them).encode()
 
 
 def built(folder):
