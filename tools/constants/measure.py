@@ -35,7 +35,7 @@ def main():
     options = parser.parse_args()
     folder = options.scratch / "tree"
     if options.as_built:
-        all_of_them, tuned = constants(), tree.built(folder)
+        all_of_them, tuned = constants(), tree.bin_of(folder)
         if tree.keys(all_of_them) != (folder / "numbers").read_bytes():
             raise SystemExit("the constants are not those of the library that is built: without --as-built")
     else:

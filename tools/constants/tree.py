@@ -115,7 +115,7 @@ def keys(all_of_them):
     return "".join(f"{c.key} {c.value}\n" for c in all_of_them).encode()
 
 
-def built(folder):
+def bin_of(folder):
     return folder / "build" / "native" / "bin"
 
 
@@ -130,4 +130,4 @@ def build(folder, programs, jobs):
         raise SystemExit("does not build:\n" + built.stdout[-6000:])
     for name in PROGRAMS:
         shutil.copy2(programs / name, out / "bin" / name)
-    return built(folder)
+    return bin_of(folder)
