@@ -54,6 +54,9 @@ LEFT_OUT = {
     "water/dew.cpp:kGolden": MATHS,
 }
 
+# The same for those of src/flash and src/flash3 that have gone to another file.
+MOVED = {(key.split("/")[0], key.split(":")[1]): why for key, why in LEFT_OUT.items() if key.startswith("flash")}
+
 
 @dataclass
 class Constant:
@@ -133,7 +136,7 @@ def in_file(path):
     def add(label, kind, value_begin, value_end, comment, scope):
         times[label] = times.get(label, 0) + 1
         key = f"{name}:{label}" + (f".{times[label]}" if times[label] > 1 else "")
-        why = LEFT_OUT.get(f"{name}:{label}") or LEFT_OUT.get(name, "")
+        why = LEFT_OUT.get(f"{name}:{label}") or LEFT_OUT.get(name) or MOVED.get((name.split("/")[0], label), "")
         found.append(Constant(key, name, label.split(".")[0], kind, " ".join(code[value_begin:value_end].split()), comment,
                               value_begin, value_end, scope, why))
 
@@ -160,5 +163,5 @@ def in_file(path):
 
 
 def constants():
-    paths = [p for folder in FOLDERS for p in sorted((ROOT / "src" / folder).glob("*.[ch]pp"))]
+    paths = [p for folder in FOLDERS for p in sorted((ROOT / "src" / folder).rglob("*.[ch]pp"))]
     return [constant for path in paths for constant in in_file(path)]

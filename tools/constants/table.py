@@ -63,23 +63,30 @@ def line(key, value, sample, factor, part, result):
             **{k: result.get(k, "") for k in (*RESULTS, "cases")}}
 
 
+def names(key):
+    """What a constant is known by when it has gone: its file in another folder, and its own name alone."""
+    file, name = key.split(":")
+    top = file.split("/")[0]
+    return f"{top}/{file.split('/')[-1]}:{name}", (top, re.sub(r"\.\d+$", "", name))
+
+
 def read(there):
-    """The lines; those of a constant that has gone to another file of its folder have its new key."""
+    """The lines; those of a constant that has gone to another file below its folder have its new key."""
     if not FILE.exists():
         return Table([])
     with FILE.open() as file:
         rows = list(csv.DictReader(file))
     known = {r["constant"] for r in rows}
-    short = lambda key: (key.split("/")[0], re.sub(r"\.\d+$", "", key.split(":")[1]))
     new = {}
     for c in there:
         if c.key not in known:
-            new.setdefault((short(c.key), c.value), []).append(c.key)
+            for name in names(c.key):
+                new.setdefault((name, c.value), []).append(c.key)
     gone = known - {c.key for c in there} - {"usual"}
     for r in rows:
         if r["constant"] in gone:
-            keys = new.get((short(r["constant"]), r["value"]), [])
-            r["constant"] = keys[0] if len(keys) == 1 else r["constant"]
+            fits = [keys[0] for name in names(r["constant"]) if len(keys := new.get((name, r["value"]), [])) == 1]
+            r["constant"] = fits[0] if fits else r["constant"]
     return Table(rows)
 
 
