@@ -12,6 +12,7 @@
 #   warnings   clang has no warning of the library, conversions that lose digits and shadowed names among them
 #   clang      the same for a build of library and command line, every file on its own (preset clang)
 #   tidy       clang-tidy with the rules of .clang-tidy
+#   constants  every number of the solvers is measured, with the value that it has (docs/constants.md)
 # shellcheck disable=SC2317 # checks are called by their names
 set -u
 cd "$(dirname "$0")/.." || exit 1
@@ -92,7 +93,11 @@ check_tidy() {
   echo "$files" | xargs -P "$(nproc)" -n 1 clang-tidy -p build/clang --quiet 2>/dev/null
 }
 
-names="format shell layers state warnings clang tidy"
+check_constants() {
+  python3 tools/constants/page.py --check
+}
+
+names="format shell layers state warnings clang tidy constants"
 tidy_all=
 case ${1:-} in
   --all)
@@ -107,8 +112,8 @@ case ${1:-} in
 esac
 for name in $names; do
   case $name in
-    format | shell | layers | state | warnings | clang | tidy) ;;
-    *) echo "check: there is no check $name; there are: format shell layers state warnings clang tidy" >&2; exit 2 ;;
+    format | shell | layers | state | warnings | clang | tidy | constants) ;;
+    *) echo "check: there is no check $name; there are: format shell layers state warnings clang tidy constants" >&2; exit 2 ;;
   esac
 done
 

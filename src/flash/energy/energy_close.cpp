@@ -15,12 +15,13 @@
 namespace kestrune::flash {
 namespace {
 
-constexpr int kMostToClose = 400, kRounds = 4;
+constexpr int kMostToClose = 400;                             // flashes of the whole call
+constexpr int kRounds = 4;                                    // of widening a bracket whose ends are no answers
 constexpr double kReached = 1e-11;                            // of the scale of the value
 constexpr double kNoWidth = 4e-16, kSameTemperature = 1e-13;  // relative
 constexpr double kBeside[] = {0.0, 0.07, -0.07, 0.19, -0.19, 0.31, -0.31, 0.43, -0.43};  // of the width
 constexpr double kFurther[] = {1e-11, 1e-9, 1e-7, 1e-5, 1e-3};                           // of T
-constexpr int kStepsOut = 12;
+constexpr int kStepsOut = 12;          // of three times the length each, the first 1e-4 of T
 constexpr double kNewtonEvery = 1e-2;  // shrinking of the bracket between two attempts
 // A jump: relative width of a bracket that is narrow enough to tell. The values at its ends are far off (kFarOff).
 // Where the flashes do not give the pair of lower Gibbs energy the ends do not tell where that is, but their width does.

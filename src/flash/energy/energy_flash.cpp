@@ -20,7 +20,10 @@
 namespace kestrune::flash {
 namespace {
 
+// Flashes of an iteration; up to how many of them Newton's method goes on from each new state without a step of the
+// bracket between; from how many a closed bracket is left to close_bracket.
 constexpr int kMostFlashes = 60, kSecantFrom = 6, kCloseFrom = 12;
+// Where the flash has no answer: halvings back to the last one that had, then steps past it.
 constexpr int kRetreats = 6, kAdvances = 4;
 constexpr double kOtherStarts[] = {kDefaultTemperature, 200.0, 450.0, 700.0, 120.0};  // K
 constexpr double kAdvance = 1.17;    // of T, past where the flash has no answer

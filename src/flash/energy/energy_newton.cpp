@@ -19,12 +19,12 @@ namespace kestrune::flash {
 namespace {
 
 constexpr int kMostSteps = 25;
-constexpr double kLargestStep = 0.2;  // of T, relative
-constexpr double kFinished = 1e-7;    // relative step in T whose square is below rounding
-constexpr double kLeft = 1e-12;       // relative change of T that is left after a step of third order
-constexpr double kAmounts = 1e-6;     // relative step in the amounts of a phase, likewise
-constexpr double kSmallestPivot = 1e-15;
-constexpr double kEdge = 0.9;  // part of the way to a vanishing amount
+constexpr double kLargestStep = 0.2;      // of T, relative
+constexpr double kFinished = 1e-7;        // relative step in T whose square is below rounding
+constexpr double kLeft = 1e-12;           // relative change of T that is left after a step of third order
+constexpr double kAmounts = 1e-6;         // relative step in the amounts of a phase, likewise
+constexpr double kSmallestPivot = 1e-15;  // of the system scaled to a diagonal of ones
+constexpr double kEdge = 0.9;             // part of the way to a vanishing amount
 
 double bounded(double T, double step) {
   return std::clamp(step, -kLargestStep * T, kLargestStep * T);
@@ -70,7 +70,7 @@ void solve(const Energy& e, const EnergyState& s, double* r) {
 
 // The trivial solution: both phases are the feed.
 bool are_one(const Energy& e, const EnergyState& s) {
-  constexpr double kTrivial = 2e-5;
+  constexpr double kTrivial = 2e-5;  // relative difference of Z and of every fraction of phases that are one
   if (std::fabs(e.a.Z - e.b.Z) > kTrivial * e.b.Z) return false;
   for (int i = 0; i < e.n; ++i)
     if (e.z[i] > 0.0 && std::fabs(s.y[i] - s.x[i]) > kTrivial * s.x[i]) return false;

@@ -11,7 +11,7 @@
 namespace kestrune::flash {
 namespace {
 
-constexpr int kMostPasses = 200;
+constexpr int kMostPasses = 200;      // a few, but where bisection takes over
 constexpr double kConverged = 1e-13;  // change of the logarithm of the unknown
 constexpr double kSameRoot = 1e-9;    // relative difference of Z
 

@@ -10,7 +10,7 @@ namespace kestrune::flash {
 namespace {
 
 constexpr int kMostPoints = 250, kNewtonLimit = kWalkNewtonLimit;
-constexpr int kCuts = 12;
+constexpr int kCuts = 12;  // of a step over a critical point, towards the target
 constexpr StepBounds kBounds{0.8, 0.05, 0.6, true};
 constexpr double kOnTarget = 1e-11;  // ln T or ln P
 constexpr double kBelowStart = 1.0;  // in ln P, where a walk that comes down again ends

@@ -9,7 +9,7 @@
 namespace kestrune::flash {
 namespace {
 
-constexpr double kSmallestStep = 1e-6;
+constexpr double kSmallestStep = 1e-6;    // of the unknown that is held: a shorter one leads nowhere
 constexpr double kBesideCritical = 0.02;  // no point within this of ln K = 0 of the specified component
 constexpr double kBelowBound = 1.0;       // an ln K that is closer to its bound leads nowhere
 constexpr double kOfLargest = 0.6;        // change of an ln K in parts of the largest
@@ -43,6 +43,7 @@ double extrapolated(const LinePoint* last, const LinePoint& here, int held, doub
 // Whether the cubic through the last two points is one to go by: where the unknown held has turned between them
 // it is not, and leads far away from the tangent.
 bool trusted(const QualityLine& line, const LinePoint* last, const LinePoint& here, int held, double h) {
+  // Room for the cubic beside the tangent: in parts of its step, and beyond in ln T and ln P.
   constexpr double kFromTangent = 1.0, kFreeT = 0.002, kFreeP = 0.02;
   for (const int i : {line.T_index(), line.P_index()}) {
     const double tangent = h * here.slope[i] / here.slope[held];
@@ -57,6 +58,8 @@ bool trusted(const QualityLine& line, const LinePoint* last, const LinePoint& he
 // but vanished at once, and the way on not turned back, as it is on the other side of a fold.
 bool same_line(const QualityLine& line, const LinePoint* last, const LinePoint& here, const LinePoint& next,
                int held, double h) {
+  // Room for a point beside where it was expected, in parts of its step and beyond in ln T and ln P; what is left of
+  // the largest ln K.
   constexpr double kAside = 0.5, kVanished = 0.25, kFreeT = 0.01, kFreeP = 0.1;
   double before = 0.0, after = 0.0;
   for (int i = 0; i < line.n; ++i) {

@@ -47,6 +47,7 @@ struct LineStep {
 Solved walk_on(QualityLine& line, const LinePoint* last, const LinePoint& here, double sign, double step,
                const StepBounds& bounds, LinePoint& next, LineStep& made, StatusCode& status);
 
+/* Of a walk, in the unknown that is held: ln K, ln T or ln P. */
 inline constexpr double kFirstStep = 0.1;
 /* Length of the next step after one that took so many iterations. */
 inline double next_length(const LineStep& made, int passes) {

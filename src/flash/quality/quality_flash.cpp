@@ -23,7 +23,8 @@ namespace {
 
 constexpr double kDefaultPressure = 1.0;
 constexpr double kWilsonTolerance = 1e-4, kEquationTolerance = 1e-12;  // on F^2
-constexpr double kNoBracketHigh = 10000.0;
+constexpr double kNoBracketHigh = 10000.0;                             // K or atm, before there is a bracket
+// Successive substitutions before Newton's method; further starts where what was found is not accepted.
 constexpr int kSubstitutions = 2, kRestarts = 3;
 constexpr double kNotInWater = 9.0;  // ln K of what water hardly dissolves, to start with
 // How far an estimate may be from the answer of its branch: changes of ln T and ln P.

@@ -15,13 +15,16 @@
 namespace kestrune::flash {
 namespace {
 
-constexpr double kConverged = 1e-10;
+constexpr double kConverged = 1e-10;  // largest difference of ln fugacities
+// One that is above rounding and falls by this factor from step to step is followed further.
 constexpr double kRounding = 1e-13, kStillFalling = 0.25;
 // A Newton step that is smaller than this leaves errors of its square; where the K are close to 1, of its
 // square over that of ln K.
 constexpr double kLastStep = 1e-5, kLastOfSquare = 1e-3;
 constexpr double kSameSums = 2e-10;  // of x and y; missed where a K is at its bound
+// Of a Newton step.
 constexpr double kLargestLogKStep = 2.5, kLargestLogTStep = 0.12, kLargestLogPStep = 1.2;
+// K and atm: a step beyond is no way to a point.
 constexpr double kLowestT = 1.0, kHighestT = 2e4, kLowestP = 1e-30, kHighestP = 1e6;
 
 // Amounts x_i = z_i/(1 + W (K_i - 1)) and y_i = K_i x_i with their sums.
@@ -223,7 +226,7 @@ void copy_point(const QualityLine& line, const LinePoint& from, LinePoint& to) {
 }
 
 bool one_phase(const QualityLine& line, const LinePoint& p) {
-  constexpr double kTrivial = 2e-5, kSameDensity = 1e-3;
+  constexpr double kTrivial = 2e-5, kSameDensity = 1e-3;           // largest |ln K|; relative difference of Z
   if (std::fabs(p.Zx - p.Zy) > kSameDensity * p.Zy) return false;  // an azeotrope
   for (int i = 0; i < line.n; ++i)
     if (line.z[i] > 0.0 && std::fabs(p.X[i]) > kTrivial) return false;
@@ -248,7 +251,7 @@ bool compositions(const QualityLine& line, LinePoint& p, double tolerance) {
 
 bool share_out(const QualityLine& line, LinePoint& p) {
   constexpr int kCorrections = 3;
-  constexpr double kEqual = 1e-14, kLargest = 1e-9;
+  constexpr double kEqual = 1e-14, kLargest = 1e-9;  // difference of the sums that is left; correction of ln K
   Sums sums{};
   amounts(line, p, sums.x, sums.y);
   for (int k = 0; k < kCorrections && std::fabs(sums.y - sums.x) > kEqual; ++k) {

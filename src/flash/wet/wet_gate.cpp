@@ -13,8 +13,6 @@ namespace {
 
 constexpr int kMostSteps = 600;           // beside critical points a trial comes to a known phase late
 constexpr int kTurns = 8;                 // of a trial that goes to and fro, from which its steps are cut
-constexpr int kStuck = 10;                // steps in a row without a change: at the bounds of ln w
-constexpr double kNoChange = 1e-6;        // relative, of the sum of w g^2
 constexpr double kSettled = 1e-24;        // sum of w g^2 of a trial that has settled
 constexpr double kGoingThere = 1e-7;      // the same of a trial that is on its way to a phase that is near
 constexpr double kSameFluid = 1e-3;       // difference of two phases, without their water, that are one
@@ -23,8 +21,8 @@ constexpr double kHardlyBoils = 1e-3;     // Wilson's coefficient
 constexpr double kGrows = 1e-8;           // ln of what a trial adds up to
 constexpr double kUsualLimit = 0.01;      // of solubility, where the record's leaves no hydrocarbon liquid
 constexpr double kMostWater = 0.9999;     // in a trial liquid, where the limit is no limit
-constexpr double kLargestLogW = 300.0;
-constexpr double kNone = -1e5;   // ln of the fugacity of a component that is absent
+constexpr double kLargestLogW = 300.0;    // exp of it is a number still
+constexpr double kNone = -1e5;            // ln of the fugacity of a component that is absent
 constexpr double kThin = 0.5;    // of a gas of more than twice the critical volume: it does not come apart
 constexpr double kReach = 1.25;  // hydrocarbon liquids end somewhere above their pseudo-critical temperature
 
@@ -44,7 +42,7 @@ bool lighter_than_gas(const Wet& f, const Known& gas) {
 // Whether a fluid parts from a liquid of mostly water within its limit, as where that is no limit: one of less
 // water is no liquid of the rules at this activity, however dense.
 bool parts_from_water(const Wet& f, const Known& liquid) {
-  constexpr double kMostly = 0.5;
+  constexpr double kMostly = 0.5;  // of a fluid that is more water than not
   const int w = f.m.water;
   return liquid.x != nullptr && liquid.x[w] > kMostly && liquid.x[w] <= limit(f) && f.trial.w[w] < kMostly;
 }
@@ -60,7 +58,7 @@ bool is_of_kind(const Wet& f, Kind kind, const Known (&known)[2]) {
 
 // One fluid: the same hydrocarbons, as loosely packed. Single hydrocarbons differ in the latter alone.
 bool same_fluid(const Wet& f, const double* a, double Za, const double* b, double Zb) {
-  constexpr double kSameZ = 0.1;
+  constexpr double kSameZ = 0.1;  // relative
   return dry_distance(f, a, b) < kSameFluid && std::fabs(Za - Zb) < kSameZ * std::max(Za, Zb);
 }
 
@@ -99,7 +97,7 @@ bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
   t.found = false;
   ++f.m.counts.trials;
   double before = 0.0;
-  int turns = 0, stuck = 0;
+  int turns = 0;
   for (int k = 0; k < kMostSteps; ++k) {
     compose(f, liquid, water);
     if (!(std::fabs(t.ln_sum) < 1e3)) return true;
@@ -118,8 +116,6 @@ bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
       t.found = !near_known(f, known) && is_of_kind(f, kind, known);
       return true;
     }
-    stuck = std::fabs(norm - before) > kNoChange * norm ? 0 : stuck + 1;
-    if (stuck > kStuck) break;
     turns += along < 0.0 ? 1 : 0;
     const double shorter = std::min(0.5, static_cast<double>(kTurns) / std::max(turns, 1));
     const double factor = turns > kTurns ? shorter : speed_up(k, along, before);
@@ -129,7 +125,7 @@ bool follow(Wet& f, Kind kind, const Known (&known)[2]) {
     }
     before = norm;
   }
-  // Slow, beside a critical point, or stuck: it counts where it clearly grows.
+  // Slow, beside a critical point: it counts where it clearly grows.
   t.found = t.ln_sum > 1e-6 && !near_known(f, known) && is_of_kind(f, kind, known);
   return true;
 }
@@ -209,7 +205,7 @@ bool like_a_gas(const Wet& f, const double* y, double Z) {
 }
 
 bool is_liquid_water(const Wet& f, const double* y, double Z) {
-  constexpr double kAqueous = 0.5;
+  constexpr double kAqueous = 0.5;  // more water than not
   return y[f.m.water] > kAqueous && !like_a_gas(f, y, Z);
 }
 

@@ -14,11 +14,12 @@
 namespace kestrune::flash {
 namespace {
 
+// Substitutions; steps to the water that is over; substitutions before Newton's method.
 constexpr int kMostSteps = 400, kMostRoots = 60, kFirstSteps = 12;
-constexpr double kSettled = 1e-13;    // largest change of a logarithm that is left
-constexpr double kNewtonFrom = 1e-2;  // error from which on Newton's method is tried
-constexpr double kMostInGas = 0.999999;
-constexpr double kSame = 1e-9;  // relative difference of water from its limit that is none
+constexpr double kSettled = 1e-13;       // largest change of a logarithm that is left
+constexpr double kNewtonFrom = 1e-2;     // error from which on Newton's method is tried
+constexpr double kMostInGas = 0.999999;  // of water: the ratios of the others to each other stay
+constexpr double kSame = 1e-9;           // relative difference of water from its limit that is none
 
 // ln y_w + ln phi_w of a gas of the dry feed with this much water, less ln(Psat/P).
 bool excess_water(Wet& f, double ln_yw, double& excess) {
