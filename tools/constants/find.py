@@ -20,17 +20,17 @@ SIZE, UNITS, DATA, NAMED, MATHS, ROOM = (
     "size of an array", "units or physics", "data of a correlation", "a name for a value", "mathematics",
     "range that is promised or that numbers have")
 LEFT_OUT = {
-    "flash/two_phase.cpp:kLog10e": MATHS,
-    "flash/caloric.cpp:kResidualR": UNITS,
-    "flash/energy_state.hpp:kLimitReached": NAMED,
+    "flash/isothermal/two_phase.cpp:kLog10e": MATHS,
+    "flash/energy/energy_state.hpp:kLimitReached": NAMED,
     "flash/fugacity.hpp:kSteps": SIZE,
     "flash/fugacity.hpp:kTemperatureWork": SIZE,
-    "flash/flash_state.hpp:kTried": SIZE,
-    "flash/flash_state.hpp:kStarts": SIZE,
+    "flash/stability/stability.cpp:kFound": SIZE,
+    "flash/stability/stability.cpp:kVectors": SIZE,
+    "flash/stability/stability.hpp:kMost": SIZE,
+    "flash/stability/trial.hpp:kMostInPlane": SIZE,
     "flash/fugacity.cpp:kUnwritten": NAMED,
     "flash/settings.cpp:first": NAMED,
-    "flash/water.cpp:kWilson": DATA,
-    "flash3/specified.cpp:kResidualR": UNITS,
+    "flash/wilson.cpp:kWilson": DATA,
     "flash3/phases.hpp:kMostPhases": SIZE,
     "flash3/phases.hpp:kRoom": SIZE,
     "flash3/quality_search.hpp:kDeepest": SIZE,
@@ -53,9 +53,6 @@ LEFT_OUT = {
     "water/content.hpp:kParts": SIZE,
     "water/dew.cpp:kGolden": MATHS,
 }
-
-# The same for those of src/flash and src/flash3 that have gone to another file.
-MOVED = {(key.split("/")[0], key.split(":")[1]): why for key, why in LEFT_OUT.items() if key.startswith("flash")}
 
 
 @dataclass
@@ -136,7 +133,7 @@ def in_file(path):
     def add(label, kind, value_begin, value_end, comment, scope):
         times[label] = times.get(label, 0) + 1
         key = f"{name}:{label}" + (f".{times[label]}" if times[label] > 1 else "")
-        why = LEFT_OUT.get(f"{name}:{label}") or LEFT_OUT.get(name) or MOVED.get((name.split("/")[0], label), "")
+        why = LEFT_OUT.get(f"{name}:{label}") or LEFT_OUT.get(name) or ""
         found.append(Constant(key, name, label.split(".")[0], kind, " ".join(code[value_begin:value_end].split()), comment,
                               value_begin, value_end, scope, why))
 

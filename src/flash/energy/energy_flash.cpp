@@ -152,43 +152,60 @@ bool below_coldest(Energy& e) {
   return false;
 }
 
+// Whether the search ends where it would go to T: at an end of the range, or below what the model has in the cold.
+bool ends_before(Energy& e, double T) {
+  if (T == e.state.T && !e.bracket.closed()) {
+    e.limit = e.f(e.state) < 0.0 ? kLimitReached : -kLimitReached;
+    return true;
+  }
+  const bool colder = e.state.T < kCold && T < e.state.T && !e.bracket.have_low;
+  const bool below = colder && ((!e.asked_coldest && below_coldest(e)) || (e.falling && T < kColdStates[0]));
+  if (below) e.limit = -kLimitReached;
+  return below;
+}
+
+// No flash has led from e.state.T, then from, towards T: the bracket is closed by itself, or the model ends here.
+StatusCode end_towards(Energy& e, double from, double T) {
+  if (e.bracket.closed()) return close_bracket(e);
+  if (model_refuses(e)) return e.status;
+  e.limit = T > from ? kLimitReached : -kLimitReached;
+  return KV_NOT_CONVERGED;
+}
+
+/*
+ * Without an estimate of the phases the first flash is where the feed as one phase would have the value. True: that was
+ * the answer.
+ */
+bool solved_by_first_guess(Energy& e) {
+  if (!e.call.cold || !e.model.analytic()) return false;
+  e.spare.T = e.start_T;
+  if (solve_as_one_phase(e)) return true;
+  if (e.flashes == 0 && plausible(e.spare.T)) e.start_T = e.spare.T;
+  return false;
+}
+
+// Whether the bracket is better closed by itself.
+bool left_to_bracket(const Energy& e) {
+  return e.bracket.closed() && (e.flashes >= kCloseFrom || (e.turned_low && e.turned_high) || pairs_cross(e));
+}
+
 // Isothermal flashes and Newton's method at what they find, until the bracket is better closed by itself.
 StatusCode iterate(Energy& e) {
-  // Without an estimate of the phases the first flash is where the feed as one phase would have the value.
-  if (e.call.cold && e.model.analytic()) {
-    e.spare.T = e.start_T;
-    if (solve_as_one_phase(e)) return KV_OK;
-    if (e.flashes == 0 && plausible(e.spare.T)) e.start_T = e.spare.T;
-  }
+  if (solved_by_first_guess(e)) return KV_OK;
   if ((e.flashes == 0 || e.status != KV_OK) && !first_equilibrium(e)) return e.status;
   while (e.flashes < kMostFlashes) {
     trace_energy_pass(e.trace, e.call, e.state.T, e.state.beta, e.state.liquid, e.state.vapour);
     add_to_bracket(e);
     if (has_value(e, e.state) && accept(e, e.state, Found::flash)) return KV_OK;
-    if (e.bracket.closed() && (e.flashes >= kCloseFrom || (e.turned_low && e.turned_high) || pairs_cross(e)))
-      return close_bracket(e);
+    if (left_to_bracket(e)) return close_bracket(e);
     const int before = e.flashes;
     if (solve_locally(e)) return KV_OK;
     if (e.status != KV_OK && e.status != KV_NOT_FINITE) return e.bracket.closed() ? close_bracket(e) : e.status;
     if (e.flashes != before && e.flashes < kSecantFrom) continue;  // a new state was looked at
     if (e.flashes != before) add_to_bracket(e);
-    const double T = next_temperature(e, e.state);
-    if (T == e.state.T && !e.bracket.closed()) {  // an end of the range
-      e.limit = e.f(e.state) < 0.0 ? kLimitReached : -kLimitReached;
-      return KV_NOT_CONVERGED;
-    }
-    const bool colder = e.state.T < kCold && T < e.state.T && !e.bracket.have_low;
-    if (colder && ((!e.asked_coldest && below_coldest(e)) || (e.falling && T < kColdStates[0]))) {
-      e.limit = -kLimitReached;
-      return KV_NOT_CONVERGED;
-    }
-    const double from = e.state.T;
-    if (equilibrium_towards(e, T)) continue;
-    if (e.bracket.closed()) return close_bracket(e);
-    // Not even close to where there was an answer: the model ends here.
-    if (model_refuses(e)) return e.status;
-    e.limit = T > from ? kLimitReached : -kLimitReached;
-    return KV_NOT_CONVERGED;
+    const double T = next_temperature(e, e.state), from = e.state.T;
+    if (ends_before(e, T)) return KV_NOT_CONVERGED;
+    if (!equilibrium_towards(e, T)) return end_towards(e, from, T);
   }
   return KV_NOT_CONVERGED;
 }
@@ -328,6 +345,33 @@ IsothermalCall isothermal_call(Energy& e, EnergyState& s) {
   return c;
 }
 
+namespace {
+
+// Values of the phases of s, a liquid x and a vapour y where it has them, with their slopes. False: e.status.
+bool evaluate_with_slopes(Energy& e, const double* x, const double* y, EnergyState& s) {
+  e.status = prepare_caloric(e.model, s.T);
+  if (e.status != KV_OK) return false;
+  const bool liquid = s.beta<1.0, vapour = s.beta> 0.0, two = liquid && vapour;
+  e.a.dn = e.b.dn = nullptr;
+  e.a.Z = e.b.Z = 0.0;
+  s.rising = true;
+  s.Cp = 0.0;
+  s.gibbs = {};
+  const auto add = [&](double amount, const double* phase, Kind kind, PhaseCaloric& c, double& value) {
+    if (!phase_caloric(e.model, phase, two ? kind : Kind::stable, c)) e.status = KV_NOT_FINITE;
+    value = c.value;
+    if (!two) s.slope = c.slope;
+    s.rising = s.rising && !(c.slope <= 0.0);
+    s.Cp += amount * c.Cp;
+    s.gibbs.add(e.n, amount, phase, c);
+  };
+  if (liquid) add(1.0 - s.beta, x, Kind::liquid, e.a, s.liquid);
+  if (vapour) add(s.beta, y, Kind::gas, e.b, s.vapour);
+  return true;
+}
+
+}  // namespace
+
 bool evaluate_state(Energy& e, EnergyState& s) {
   s.liquid = s.vapour = s.slope = 0.0;
   const bool liquid = s.beta<1.0, vapour = s.beta> 0.0;
@@ -337,22 +381,8 @@ bool evaluate_state(Energy& e, EnergyState& s) {
     e.status = KV_OK;
     if (liquid) e.status = phase_value(e.model, s.T, x, KV_PHASE_LIQUID, s.liquid);
     if (vapour && e.status == KV_OK) e.status = phase_value(e.model, s.T, y, KV_PHASE_GAS, s.vapour);
-  } else {
-    e.status = prepare_caloric(e.model, s.T);
-    if (e.status != KV_OK) return false;
-    e.a.dn = e.b.dn = nullptr;
-    e.a.Z = e.b.Z = 0.0;
-    const bool two = liquid && vapour;
-    if (liquid && !phase_caloric(e.model, x, two ? Kind::liquid : Kind::stable, e.a)) e.status = KV_NOT_FINITE;
-    if (vapour && !phase_caloric(e.model, y, two ? Kind::gas : Kind::stable, e.b)) e.status = KV_NOT_FINITE;
-    s.liquid = liquid ? e.a.value : 0.0;
-    s.vapour = vapour ? e.b.value : 0.0;
-    s.rising = !(liquid && e.a.slope <= 0.0) && !(vapour && e.b.slope <= 0.0);
-    if (liquid != vapour) s.slope = liquid ? e.a.slope : e.b.slope;
-    s.Cp = (liquid ? (1.0 - s.beta) * e.a.Cp : 0.0) + (vapour ? s.beta * e.b.Cp : 0.0);
-    s.gibbs = {};
-    if (liquid) s.gibbs.add(e.n, 1.0 - s.beta, x, e.a);
-    if (vapour) s.gibbs.add(e.n, s.beta, y, e.b);
+  } else if (!evaluate_with_slopes(e, x, y, s)) {
+    return false;
   }
   s.value = (liquid ? (1.0 - s.beta) * s.liquid : 0.0) + (vapour ? s.beta * s.vapour : 0.0);
   return e.status == KV_OK && std::fabs(s.value) <= DBL_MAX;
