@@ -125,18 +125,34 @@ bool state_towards_jump(EnergySearch& q) {
 }
 
 // From the state at the start to the answer in e.p at e.m.T.
+// Where no width is left, or a jump between: the value within what is owed, or no answer.
+StatusCode end_between(EnergySearch& q) {
+  q.status = KV_OK;
+  if (solve_between_sides(q)) return q.state_status;
+  return std::fabs(off(q)) <= flash::kOwedValue * size_of_value(q) ? q.state_status
+                                                                   : StatusCode{KV_NOT_CONVERGED};
+}
+
+// Whether a status is of the model or of a host, and the same at any temperature.
+bool model_refuses(StatusCode status) {
+  return status > KV_STATUS_CALL_BLOCK && status != KV_NOT_FINITE;
+}
+
+// Whether there is nothing to look at towards the next temperature: an end of the range, or below the cold states.
+bool ends_before(EnergySearch& q, double T, double next) {
+  const bool colder = T < kCold && next < T && !q.bracket.have_low;
+  q.end_of_range = !q.bracket.closed() && (next == T || (colder && !q.asked_coldest && below_coldest(q, T)) ||
+                                           (colder && q.falling && next < flash::kColdStates[0]));
+  return q.end_of_range || next == T;
+}
+
 StatusCode search(EnergySearch& q) {
   for (int count = 0; count < kMostStates; ++count) {
     if (reached(q)) return q.state_status;
     const double T = q.e.m.T;
     const double width = q.bracket.high - q.bracket.low;
     q.jump = is_jump(q);
-    if (q.jump || (q.bracket.closed() && width <= kSameTemperature * T)) {
-      q.status = KV_OK;
-      if (solve_between_sides(q)) return q.state_status;
-      return std::fabs(off(q)) <= flash::kOwedValue * size_of_value(q) ? q.state_status
-                                                                       : StatusCode{KV_NOT_CONVERGED};
-    }
+    if (q.jump || (q.bracket.closed() && width <= kSameTemperature * T)) return end_between(q);
     const double next = next_temperature(q, T, count);
     // Newton at the phases here; what it finds is confirmed, or else looked at as one more state.
     q.status = KV_OK;
@@ -148,17 +164,11 @@ StatusCode search(EnergySearch& q) {
     if (q.bracket.closed()) {
       q.status = KV_OK;
       if (solve_between_sides(q)) return q.state_status;
-      if (q.status != KV_OK && q.status != KV_NOT_FINITE && q.status > KV_STATUS_CALL_BLOCK) return q.status;
+      if (model_refuses(q.status)) return q.status;
     }
     if (q.bracket.closed() && other_three(q) && state_towards_jump(q)) continue;
-    const bool colder = T < kCold && next < T && !q.bracket.have_low;
-    q.end_of_range = !q.bracket.closed() && (next == T || (colder && !q.asked_coldest && below_coldest(q, T)) ||
-                                             (colder && q.falling && next < flash::kColdStates[0]));
-    if (q.end_of_range || next == T) return KV_NOT_CONVERGED;
-    if (!state_towards(q, T, next)) {
-      const bool refused = q.status > KV_STATUS_CALL_BLOCK && q.status != KV_NOT_FINITE;
-      return refused ? q.status : StatusCode{KV_NOT_CONVERGED};
-    }
+    if (ends_before(q, T, next)) return KV_NOT_CONVERGED;
+    if (!state_towards(q, T, next)) return model_refuses(q.status) ? q.status : StatusCode{KV_NOT_CONVERGED};
   }
   return KV_NOT_CONVERGED;
 }

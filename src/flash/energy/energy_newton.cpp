@@ -84,6 +84,14 @@ void amounts(const Energy& e, const EnergyState& s) {
   }
 }
 
+// Largest change of an amount by a step dv, in parts of the smaller of its two.
+double largest_change(const Energy& e, const double* dv) {
+  double change = 0.0;
+  for (int i = 0; i < e.n; ++i)
+    if (e.scale[i] > 0.0) change = std::max(change, std::fabs(dv[i]) / std::min(e.v[i], e.l[i]));
+  return change;
+}
+
 // Amounts after a step; false when a phase is used up.
 bool apply(Energy& e, const double* dv, double part, EnergyState& s) {
   double V = 0.0, L = 0.0;
@@ -170,70 +178,86 @@ bool equalise(Energy& e, EnergyState& s) {
     double* const dv = e.jg;
     for (int i = 0; i < e.ld; ++i) dv[i] = -e.g[i];
     solve(e, s, dv);
-    double change = 0.0;
-    for (int i = 0; i < e.n; ++i)
-      if (e.scale[i] > 0.0) change = std::max(change, std::fabs(dv[i]) / std::min(e.v[i], e.l[i]));
+    const double change = largest_change(e, dv);
     if (!apply(e, dv, 1.0, s)) return false;
     if (change <= kAmounts) return !are_one(e, s);
   }
   return false;
 }
 
-Local solve_two_phases(Energy& e, EnergyState& s) {
-  const double R = eos::kResidualR;
+namespace {
+
+// Both phases of s at its temperature, and the value of the whole. False: no usable root, or heat capacities that are
+// not positive.
+bool evaluate_both(Energy& e, EnergyState& s) {
+  e.status = prepare_caloric(e.model, s.T);
+  if (e.status != KV_OK) return false;
+  if (!phase_caloric(e.model, s.x, Kind::liquid, e.a) || !phase_caloric(e.model, s.y, Kind::gas, e.b) ||
+      !(e.a.slope > 0.0 && e.b.slope > 0.0))
+    return false;
+  s.liquid = e.a.value;
+  s.vapour = e.b.value;
+  s.value = (1.0 - s.beta) * s.liquid + s.beta * s.vapour;
+  return true;
+}
+
+/*
+ * Newton's step from the phases of s, which have been evaluated, (26) of docs/method.md: the change of the amounts of
+ * the vapour in e.jg, their sum dV, that of the temperature dT; and the slope of the value along the equilibrium, s.slope.
+ * False: no factors.
+ */
+bool newton_step(Energy& e, EnergyState& s, double& dT, double& dV) {
+  const double R = eos::kResidualR, T = s.T;
   const bool H = e.call.property == Property::enthalpy;
-  double* const g = e.g;
-  double* const w = e.w;
+  const double *const g = e.g, *const w = e.w;
+  double* const dv = e.jg;  // the negative of the change, until the end
+  double* const jw = e.jw;
+  const double C = (1.0 - s.beta) * e.a.slope + s.beta * e.b.slope, rest = e.call.wanted - s.value;
+  const double from_w = H ? R * T * T : R * T, from_g = H ? 0.0 : R;  // h = from_w w + from_g g
+  differences(e, s, e.g, e.w);
+  if (!factor(e, s, w, from_w / C)) return false;
+  for (int i = 0; i < e.ld; ++i) dv[i] = g[i] + w[i] * rest / C;
+  std::copy_n(w, e.ld, jw);
+  solve(e, s, dv);
+  solve(e, s, jw);
+  double ww = 0.0, gw = 0.0, gv = 0.0;
+  for (int i = 0; i < e.n; ++i) {
+    ww += w[i] * jw[i];
+    gw += g[i] * jw[i];
+    gv += g[i] * dv[i];
+  }
+  // The part of h with g is of rank one and not symmetric.
+  const double correction = from_g / C * gv / (1.0 + from_g / C * gw);
+  const double share = 1.0 - from_w / C * ww;  // of the heat that changes the temperature
+  s.slope = share > 1e-12 ? C / share : 1e12 * C;
+  dT = rest / C;
+  for (int i = 0; i < e.n; ++i) {
+    dv[i] -= correction * jw[i];
+    dT -= (from_w * w[i] + from_g * g[i]) / C * dv[i];
+  }
+  dV = 0.0;
+  for (int i = 0; i < e.n; ++i) {
+    dv[i] = -dv[i];
+    dV += dv[i];
+  }
+  return true;
+}
+
+}  // namespace
+
+Local solve_two_phases(Energy& e, EnergyState& s) {
   e.a.dn = e.a_dn;
   e.b.dn = e.b_dn;
   amounts(e, s);
   e.a.Z = e.b.Z = 0.0;
   int beyond = 0;
   for (int k = 0; k < kMostSteps; ++k) {
-    e.status = prepare_caloric(e.model, s.T);
-    if (e.status != KV_OK) return Local::failed;
-    if (!phase_caloric(e.model, s.x, Kind::liquid, e.a) || !phase_caloric(e.model, s.y, Kind::gas, e.b) ||
-        !(e.a.slope > 0.0 && e.b.slope > 0.0))
-      return Local::failed;
-    const double V = s.beta, L = 1.0 - V, T = s.T;
-    s.liquid = e.a.value;
-    s.vapour = e.b.value;
-    s.value = L * s.liquid + V * s.vapour;
-    const double C = L * e.a.slope + V * e.b.slope, rest = e.call.wanted - s.value;
-    const double from_w = H ? R * T * T : R * T, from_g = H ? 0.0 : R;  // h = from_w w + from_g g
-    differences(e, s, g, w);
-    if (!factor(e, s, w, from_w / C)) return Local::failed;
-    double* const dv = e.jg;  // the negative of the change of the amounts
-    double* const jw = e.jw;
-    for (int i = 0; i < e.ld; ++i) dv[i] = g[i] + w[i] * rest / C;
-    std::copy_n(w, e.ld, jw);
-    solve(e, s, dv);
-    solve(e, s, jw);
-    double ww = 0.0, gw = 0.0, gv = 0.0;
-    for (int i = 0; i < e.n; ++i) {
-      ww += w[i] * jw[i];
-      gw += g[i] * jw[i];
-      gv += g[i] * dv[i];
-    }
-    // The part of h with g is of rank one and not symmetric.
-    const double correction = from_g / C * gv / (1.0 + from_g / C * gw);
-    const double share = 1.0 - from_w / C * ww;  // of the heat that changes the temperature
-    s.slope = share > 1e-12 ? C / share : 1e12 * C;
-    double dT_full = rest / C;
-    for (int i = 0; i < e.n; ++i) {
-      dv[i] -= correction * jw[i];
-      dT_full -= (from_w * w[i] + from_g * g[i]) / C * dv[i];
-    }
-    const double dT = bounded(T, dT_full);
+    double dT_full = 0.0, dV = 0.0;
+    if (!evaluate_both(e, s) || !newton_step(e, s, dT_full, dV)) return Local::failed;
+    const double V = s.beta, T = s.T, dT = bounded(T, dT_full);
     const double part = dT == dT_full ? 1.0 : dT / dT_full;
-    double dV = 0.0, change = 0.0;  // of an amount, in parts of the smaller of its two
-    for (int i = 0; i < e.n; ++i) {
-      dv[i] = -dv[i];
-      dV += dv[i];
-      if (e.scale[i] > 0.0) change = std::max(change, std::fabs(dv[i]) / std::min(e.v[i], e.l[i]));
-    }
-    const bool last = part == 1.0 && std::fabs(dT) <= kFinished * T && change <= kAmounts;
-    if (!apply(e, dv, part, s)) return Local::vanished;
+    const bool last = part == 1.0 && std::fabs(dT) <= kFinished * T && largest_change(e, e.jg) <= kAmounts;
+    if (!apply(e, e.jg, part, s)) return Local::vanished;
     s.T = T + dT;
     if (!(s.T > kColdest && s.T < kHottest)) return Local::failed;
     if (last) return are_one(e, s) ? Local::vanished : Local::converged;

@@ -11,9 +11,30 @@ namespace {
 
 constexpr double kReachedBy = 1e-12;  // relative change of T that is left
 
+// Value of a phase of the feed at T, with its slope where there is one, else 0: into e.state.
+StatusCode value_at(Energy& e, double T, Kind kind, double& slope) {
+  EnergyState& s = e.state;
+  slope = 0.0;
+  if (e.model.analytic()) {
+    e.status = prepare_caloric(e.model, T);
+    if (e.status != KV_OK) return e.status;
+    e.b.dn = nullptr;
+    e.b.Z = 0.0;
+    if (!phase_caloric(e.model, e.z, kind, e.b)) return KV_NOT_FINITE;
+    s.value = e.b.value;
+    slope = e.b.slope;
+  } else {
+    const int phase = kind == Kind::liquid ? KV_PHASE_LIQUID : KV_PHASE_GAS;
+    e.status = phase_value(e.model, T, e.z, phase, s.value);
+    if (e.status != KV_OK) return e.status;
+  }
+  s.T = T;
+  (kind == Kind::liquid ? s.liquid : s.vapour) = s.value;
+  return KV_OK;
+}
+
 // A phase of a single component: temperature within the bounds at which it has the value.
 StatusCode solve_pure_phase(Energy& e, Kind kind, double low, double high) {
-  const int phase = kind == Kind::liquid ? KV_PHASE_LIQUID : KV_PHASE_GAS;
   EnergyState& s = e.state;
   EnergyBracket b;
   b.low = low;
@@ -21,20 +42,7 @@ StatusCode solve_pure_phase(Energy& e, Kind kind, double low, double high) {
   double T = std::clamp(e.start_T, low, high);
   for (int k = 0; k < 200; ++k) {
     double slope = 0.0;
-    if (e.model.analytic()) {
-      e.status = prepare_caloric(e.model, T);
-      if (e.status != KV_OK) return e.status;
-      e.b.dn = nullptr;
-      e.b.Z = 0.0;
-      if (!phase_caloric(e.model, e.z, kind, e.b)) return KV_NOT_FINITE;
-      s.value = e.b.value;
-      slope = e.b.slope;
-    } else {
-      e.status = phase_value(e.model, T, e.z, phase, s.value);
-      if (e.status != KV_OK) return e.status;
-    }
-    s.T = T;
-    (kind == Kind::liquid ? s.liquid : s.vapour) = s.value;
+    if (const StatusCode status = value_at(e, T, kind, slope); status != KV_OK) return status;
     const double f = e.f(s);
     b.add(T, f);
     if (f == 0.0 || (slope > 0.0 && std::fabs(f) <= kReachedBy * T * slope)) return KV_OK;

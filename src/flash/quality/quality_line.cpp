@@ -300,6 +300,34 @@ bool polish_point(QualityLine& line, LinePoint& p, int held, double* work, Statu
   return compositions(line, p, kSameSums);
 }
 
+namespace {
+
+// Largest unknown of the step that stands, of components that are there; not finite where one is not.
+double largest_step(const QualityLine& line) {
+  double largest = 0.0;
+  for (int i = 0; i < line.n + 2; ++i)
+    if (i >= line.n || line.z[i] > 0.0) largest = std::max(largest, std::fabs(line.step[i]));
+  return largest;
+}
+
+void take_step(const QualityLine& line, LinePoint& p, double factor, int held, double value) {
+  for (int i = 0; i < line.n + 2; ++i) p.X[i] += factor * line.step[i];
+  p.X[held] = value;
+  for (int i = 0; i < line.n; ++i) p.X[i] = std::clamp(p.X[i], -kLargestLogK, kLargestLogK);
+}
+
+// The point is as good as it gets: slopes of the line by the factors that stand, and its compositions.
+Solved finish_point(QualityLine& line, LinePoint& p, double left_over) {
+  const int size = line.n + 2;
+  p.left_over = left_over;
+  std::fill_n(p.slope, size, 0.0);
+  p.slope[size - 1] = 1.0;
+  support::lu_solve(size, size, line.system, line.pivot, p.slope);
+  return compositions(line, p, kSameSums) ? Solved::yes : Solved::no;
+}
+
+}  // namespace
+
 Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int limit, bool through_critical,
                    StatusCode& status, double criterion) {
   const int size = line.n + 2;
@@ -314,9 +342,7 @@ Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int 
     p.error = fill_system(line, p, sums, held, value);
     if (!support::lu_factor(size, size, line.system, line.pivot)) return Solved::no;
     support::lu_solve(size, size, line.system, line.pivot, line.step);
-    double largest = 0.0;
-    for (int i = 0; i < size; ++i)
-      if (i >= line.n || line.z[i] > 0.0) largest = std::max(largest, std::fabs(line.step[i]));
+    const double largest = largest_step(line);
     if (!(largest <= DBL_MAX)) return Solved::no;
     const double factor = damping(line);
     if (main && !accepted) trace_pass(line, p, p.passes, factor);
@@ -333,11 +359,7 @@ Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int 
         exactly && p.error > kRounding && p.error <= kStillFalling * before && p.passes < limit;
     const bool converged = p.error <= kConverged && (short_step || !falling);
     before = p.error;
-    if (!converged || short_step) {
-      for (int i = 0; i < size; ++i) p.X[i] += factor * line.step[i];
-      p.X[held] = value;
-      for (int i = 0; i < line.n; ++i) p.X[i] = std::clamp(p.X[i], -kLargestLogK, kLargestLogK);
-    }
+    if (!converged || short_step) take_step(line, p, factor, held, value);
     if (!in_range(line, p)) return Solved::no;
     if (!through_critical && one_phase(line, p)) return Solved::trivial;
     // A step as short as that leaves its square: no evaluation is spent on seeing it, but for the trace.
@@ -345,11 +367,7 @@ Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int 
                         (short_step && p.passes < limit && largest * largest * largest * largest <= criterion);
     if (((converged || short_step) && enough) || (accepted && p.passes == limit)) {
       if (main && !accepted && !trace_last(line, p, status)) return Solved::model;
-      p.left_over = short_step ? 0.0 : largest;
-      std::fill_n(p.slope, size, 0.0);
-      p.slope[size - 1] = 1.0;
-      support::lu_solve(size, size, line.system, line.pivot, p.slope);
-      return compositions(line, p, kSameSums) ? Solved::yes : Solved::no;
+      return finish_point(line, p, short_step ? 0.0 : largest);
     }
   }
   return Solved::no;

@@ -179,20 +179,62 @@ bool try_split(Wet& f, Kept& kept) {
   return false;
 }
 
-StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
+// Where two fluids may start: from what is missing beside the feed as a gas and as a liquid. ln K, [ld].
+struct Starts {
+  bool have_gas = false, have_liquid = false;
+  double *gas_k = nullptr, *liquid_k = nullptr;
+};
+
+// Two fluids from all starts there are. True: f.answer; else f.status may say why.
+bool try_two_fluids(Wet& f, const Starts& starts, Kept& kept) {
+  for (const auto& [have, k] :
+       {std::pair{starts.have_gas, starts.gas_k}, std::pair{starts.have_liquid, starts.liquid_k}}) {
+    if (!have || f.status != KV_OK) continue;
+    f.it.source = kFromTrial;
+    std::copy_n(k, f.m.n, f.log_k);
+    if (try_split(f, kept)) return true;
+  }
+  if (f.status == KV_OK && start_from_dry_feed(f) && try_split(f, kept)) return true;
+  if (f.status != KV_OK) return false;
+  start_from_wilson(f);
+  return try_split(f, kept);
+}
+
+// The same; then of two liquids either may hold the water: from the pair that was kept for that, and from all again.
+bool try_either_way(Wet& f, const Starts& starts, Kept& kept) {
+  if (try_two_fluids(f, starts, kept)) return true;
+  f.either_way = f.two_liquids || kept.liquids;
+  if (f.status == KV_OK && kept.liquids) {
+    std::copy_n(kept.log_k, f.m.n, f.log_k);
+    if (try_split(f, kept)) return true;
+  }
+  return f.status == KV_OK && f.two_liquids && try_two_fluids(f, starts, kept);
+}
+
+// Nothing passed the gate: the best of what a third phase cuts, or nothing.
+StatusCode end_without_answer(Wet& f, const Kept& kept) {
+  if (!kept.any) return write_answer(f, KV_TRIVIAL);
+  f.answer.beta = kept.beta;
+  std::copy_n(kept.x, f.m.n, f.answer.x);
+  std::copy_n(kept.y, f.m.n, f.answer.y);
+  if (f.call.third != nullptr) f.call.third->found = true;
+  return write_answer(f, KV_OK);
+}
+
+StatusCode solve(Wet& f, Kept& kept, Starts starts) {
   trace_header(f.trace, f.call, f.settings);
   wilson(f.call.T, f.call.P, *f.call.context.record, true, f.wilson_k, nullptr);
   const bool given = usable_estimate(f);
   if (f.water > 1.0 - KV_DEFAULT_PURE_TOLERANCE) return water_alone(f);
   // One fluid, or a gas beside water; what is missing is kept as a start.
-  bool third = false, have_gas = false, have_liquid = false, good_gas = false;
+  bool third = false, good_gas = false;
   if (feed_as_gas(f)) {
     good_gas = accept(f, third);
     // A fluid that is a liquid by its name comes second.
     if (good_gas && called_gas(f, f.answer.y, f.answer.Zy)) return finish(f);
-    have_gas = f.liquid.found && f.liquid.ln_sum > 0.0;
-    if (have_gas) start_from_trial(f, f.liquid, false);
-    std::copy_n(f.log_k, f.m.n, gas_k);
+    starts.have_gas = f.liquid.found && f.liquid.ln_sum > 0.0;
+    if (starts.have_gas) start_from_trial(f, f.liquid, false);
+    std::copy_n(f.log_k, f.m.n, starts.gas_k);
   }
   if (f.status != KV_OK) return f.status;  // of the fugacity routine: the results keep what they held
   feed_as_liquid(f);
@@ -200,9 +242,9 @@ StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
   if (accept(f, third) && (!good_gas || f.liquid_by_name)) return finish(f);
   // A gas, or another liquid in its place.
   const bool gas = f.vapour.found && f.vapour.ln_sum > 0.0;
-  have_liquid = gas || (f.liquid.found && f.liquid.ln_sum > 0.0);
-  if (have_liquid) start_from_trial(f, gas ? f.vapour : f.liquid, true);
-  std::copy_n(f.log_k, f.m.n, liquid_k);
+  starts.have_liquid = gas || (f.liquid.found && f.liquid.ln_sum > 0.0);
+  if (starts.have_liquid) start_from_trial(f, gas ? f.vapour : f.liquid, true);
+  std::copy_n(f.log_k, f.m.n, starts.liquid_k);
   if (f.status != KV_OK) return f.status;
   if (good_gas && feed_as_gas(f) && accept(f, third)) return finish(f);
   if (given) {
@@ -210,34 +252,8 @@ StatusCode solve(Wet& f, Kept& kept, double* gas_k, double* liquid_k) {
     if (try_split(f, kept)) return finish(f);
   }
   feed_as_liquid(f);  // what is left where none is found does not tell where the search began
-  const auto two_fluids = [&] {
-    for (const auto& [have, k] : {std::pair{have_gas, gas_k}, std::pair{have_liquid, liquid_k}}) {
-      if (!have || f.status != KV_OK) continue;
-      f.it.source = kFromTrial;
-      std::copy_n(k, f.m.n, f.log_k);
-      if (try_split(f, kept)) return true;
-    }
-    if (f.status == KV_OK && start_from_dry_feed(f) && try_split(f, kept)) return true;
-    if (f.status != KV_OK) return false;
-    start_from_wilson(f);
-    return try_split(f, kept);
-  };
-  if (two_fluids()) return finish(f);
-  f.either_way = f.two_liquids || kept.liquids;
-  if (f.status == KV_OK && kept.liquids) {
-    std::copy_n(kept.log_k, f.m.n, f.log_k);
-    if (try_split(f, kept)) return finish(f);
-  }
-  if (f.status == KV_OK && f.two_liquids && two_fluids()) return finish(f);
-  if (f.status != KV_OK) return f.status;
-  if (kept.any) {
-    f.answer.beta = kept.beta;
-    std::copy_n(kept.x, f.m.n, f.answer.x);
-    std::copy_n(kept.y, f.m.n, f.answer.y);
-    if (f.call.third != nullptr) f.call.third->found = true;
-    return write_answer(f, KV_OK);
-  }
-  return write_answer(f, KV_TRIVIAL);
+  if (try_either_way(f, starts, kept)) return finish(f);
+  return f.status != KV_OK ? f.status : end_without_answer(f, kept);
 }
 
 void take_trial(support::Arena& arena, int ld, WetTrial& t) {
@@ -289,7 +305,10 @@ StatusCode wet_flash(const IsothermalCall& call) {
     kept.x = arena.zeros(f.m.ld);
     kept.y = arena.zeros(f.m.ld);
     kept.log_k = arena.zeros(f.m.ld);
-    return solve(f, kept, arena.zeros(f.m.ld), arena.zeros(f.m.ld));
+    Starts starts;
+    starts.gas_k = arena.zeros(f.m.ld);
+    starts.liquid_k = arena.zeros(f.m.ld);
+    return solve(f, kept, starts);
   });
 }
 

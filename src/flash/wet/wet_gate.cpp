@@ -254,6 +254,42 @@ bool look_for_missing(Wet& f, Kind kind, const Known (&known)[2]) {
   return true;
 }
 
+namespace {
+
+/*
+ * Whether the hydrocarbons of the answer, as the rules see them, are another fluid than its gas, and the denser one: of
+ * two liquids either may be. Notes what the search goes on with: f.liquid_by_name, f.exchanged, f.two_liquids.
+ */
+bool good_oil(Wet& f, bool gas) {
+  const WetAnswer& a = f.answer;
+  const bool free = a.x[f.m.water] > limit(f);
+  for (int i = 0; i < f.m.n; ++i) f.spare[i] = free ? f.m.modified[i] : a.x[i];
+  f.liquid_by_name = !called_gas(f, f.spare, a.Zx);
+  if (gas && same_fluid(f, f.spare, a.Zx, a.y, a.Zy)) return false;
+  f.exchanged = gas && lighter(*f.call.context.record, f.spare, a.Zx, a.y, a.Zy);
+  const bool liquids = f.exchanged && !loosely_packed(f, f.spare, a.Zx);
+  if (liquids) f.two_liquids = true;
+  return !f.exchanged || (liquids && f.either_way);
+}
+
+bool missing(const WetTrial& t, double owed) {
+  return t.found && t.ln_sum > std::max(kGrows, owed);
+}
+
+/*
+ * A limit of 1 leaves no hydrocarbon liquid that the rules could name: what a usual limit has of one must not be missing
+ * beside a gas. False also with f.status.
+ */
+bool no_liquid_at_usual_limit(Wet& f, const Known (&known)[2], double owed) {
+  const WithSlope given = f.m.solubility;
+  f.m.solubility = {kUsualLimit, 0.0};
+  const bool looked = look_for_missing(f, Kind::liquid, known);
+  f.m.solubility = given;
+  return looked && !missing(f.liquid, owed);
+}
+
+}  // namespace
+
 bool accept(Wet& f, bool& third) {
   WetAnswer& a = f.answer;
   const int w = f.m.water;
@@ -281,36 +317,15 @@ bool accept(Wet& f, bool& third) {
   if (gas && is_liquid_water(f, a.y, a.Zy)) return false;
 
   if (!gas && water_rich) return true;
-  if (oil) {
-    // The hydrocarbons as the rules see them.
-    const bool free = a.x[w] > limit(f);
-    for (int i = 0; i < f.m.n; ++i) f.spare[i] = free ? f.m.modified[i] : a.x[i];
-    f.liquid_by_name = !called_gas(f, f.spare, a.Zx);
-
-    if (gas && same_fluid(f, f.spare, a.Zx, a.y, a.Zy)) return false;
-    f.exchanged = gas && lighter(*f.call.context.record, f.spare, a.Zx, a.y, a.Zy);
-    const bool liquids = f.exchanged && !loosely_packed(f, f.spare, a.Zx);
-    if (liquids) f.two_liquids = true;
-    if (f.exchanged && !(liquids && f.either_way)) return false;
-  }
+  if (oil && !good_oil(f, gas)) return false;
   const Known known[2] = {{gas ? a.y : nullptr, a.Zy}, {oil ? a.x : nullptr, a.Zx}};
   if (!look_for_missing(f, Kind::liquid, known)) return false;
   // Beside a thin gas there is no lighter one.
   if (!(gas && loosely_packed(f, a.y, kThin * a.Zy)) && !look_for_missing(f, Kind::gas, known)) return false;
-  const auto missing = [&](const WetTrial& t) { return t.found && t.ln_sum > std::max(kGrows, owed); };
-  const bool cut = missing(f.liquid) || missing(f.vapour);
+  const bool cut = missing(f.liquid, owed) || missing(f.vapour, owed);
   third = cut && gas && oil;
   if (cut) return false;
-  // A limit of 1 leaves no hydrocarbon liquid that the rules could name: what a usual limit has of one must not be
-  // missing beside a gas.
-  if (gas && !oil && limit(f) >= 1.0) {
-    const WithSlope given = f.m.solubility;
-    f.m.solubility = {kUsualLimit, 0.0};
-    const bool looked = look_for_missing(f, Kind::liquid, known);
-    f.m.solubility = given;
-    if (!looked || missing(f.liquid)) return false;
-  }
-  return true;
+  return !(gas && !oil && limit(f) >= 1.0) || no_liquid_at_usual_limit(f, known, owed);
 }
 
 }  // namespace kestrune::flash
