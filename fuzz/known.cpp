@@ -73,6 +73,8 @@ const Known kKnown[] = {
     {"LiquidMolarEntropy_Derivatives_PPR78", "methane=.6,n-pentane=.4", 0, 1e300, 1},
     {"CriticalPoint", "methane=.6,n-pentane=.4", 0, 0, 0, [](Scenario& s) { s.at(0, KV_COL_PC) = 5e-324; }},
     {"CriticalPoint", "methane=1", 0, 0, 0, [](Scenario& s) { s.at(0, KV_COL_TC) = 1e-310; }},
+    {"CriticalPoint", "methane=.6,n-pentane=.4", 0, 0, 0,
+     [](Scenario& s) { s.at(0, KV_COL_TC) = s.at(1, KV_COL_TC) = 0.0; }},
     {"WaterDewLine", "methane=.9,water=.1", 0, 1e-310, 0},
     {"MolecularWeight", "methane=.9,water=.1", 0, 0, 0,
      [](Scenario& s) { s.at(0, KV_COL_MOLAR_MASS) = kInfinity; }},

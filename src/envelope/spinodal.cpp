@@ -64,7 +64,7 @@ Volume volume_terms(double T, double b, double eta) {
 StatusCode prepare_at(Spinodal& sp, double T) {
   if (T == sp.prepared) return KV_OK;
   sp.arena->rewind(sp.base);
-  sp.prepared = 0.0;
+  sp.prepared = -1.0;
   const StatusCode status = eos::prepare(T, sp.context, 1, *sp.arena, sp.t);
   if (status == KV_OK) sp.prepared = T;
   return status;

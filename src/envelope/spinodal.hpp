@@ -27,7 +27,7 @@ struct Spinodal {
   support::Arena* arena = nullptr;
   support::Arena::Mark base{};
   eos::Temperature t;                         // of the last evaluation
-  double prepared = 0.0;                      // its temperature
+  double prepared = -1.0;                     // its temperature; none is below 0
   double *root, *w, *s, *s_t;                 // [ld] sqrt(z), border, sum_j z_j a_ij and its d/dT
   double *v, *y;                              // [n + 1] vector with g, adjoint
   double *move, *a_move, *a_move_t, *move_y;  // [ld]

@@ -121,7 +121,7 @@ StatusCode prepare_caloric(CaloricModel& c, double T) {
   StatusCode status = spend(c.routines, kTemperatureWork);
   if (status != KV_OK) return status;
   c.arena->rewind(c.base);
-  c.prepared = 0.0;
+  c.prepared = -1.0;
   const unsigned parts = (c.property == Property::enthalpy ? eos::kIdealH : eos::kIdealS) | eos::kIdealCp;
   status = eos::ideal_gas(T, c.context, c.z, parts, *c.arena, c.ideal);
   if (!eos::has_values(status)) return status;

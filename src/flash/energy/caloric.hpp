@@ -37,8 +37,8 @@ struct CaloricModel : Feed {
   double P = 0.0;
   support::Arena* arena = nullptr;
   support::Arena::Mark base{};
-  double prepared = 0.0;  // temperature of t and ideal
-  eos::Temperature t;     // with second derivatives
+  double prepared = -1.0;  // temperature of t and ideal; none is below 0
+  eos::Temperature t;      // with second derivatives
   eos::IdealGas ideal;
   double *s, *s_t, *row;  // [ld] work
 

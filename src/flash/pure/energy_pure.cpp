@@ -84,7 +84,7 @@ StatusCode solve_single_component(Energy& e, int j, support::Arena& arena) {
   if (saturated != KV_OK && saturated != KV_NO_SATURATION) return kNotApplicable;
   if (saturated == KV_NO_SATURATION && e.call.free_water) return kNotApplicable;  // liquid water above its Pc
   e.model.base = arena.mark();
-  e.model.prepared = 0.0;
+  e.model.prepared = -1.0;
   EnergyState& s = e.state;
   if (saturated == KV_NO_SATURATION) {
     const StatusCode status = solve_pure_phase(e, Kind::stable, kColdest, kHottest);

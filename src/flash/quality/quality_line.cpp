@@ -170,7 +170,7 @@ StatusCode line_model(QualityLine& line, double T, double P, int order) {
     return KV_OK;
   }
   line.arena->rewind(line.base);
-  line.prepared = 0.0;
+  line.prepared = -1.0;
   const StatusCode status =
       make_model(T, P, line.context, line.routines, line.free_water, order, *line.arena, line.m);
   if (status != KV_OK) return status;
@@ -210,7 +210,7 @@ void take_point(support::Arena& arena, const QualityLine& line, LinePoint& p) {
 
 void seal_line(QualityLine& line) {
   line.base = line.arena->mark();
-  line.prepared = 0.0;
+  line.prepared = -1.0;
 }
 
 void copy_point(const QualityLine& line, const LinePoint& from, LinePoint& to) {

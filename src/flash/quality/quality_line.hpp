@@ -25,7 +25,7 @@ struct QualityLine {
   Model m;  // at the temperature of the last evaluation
   support::Arena* arena = nullptr;
   support::Arena::Mark base{};
-  double prepared = 0.0;  // temperature of m
+  double prepared = -1.0;  // temperature of m; none is below 0
   int prepared_order = 0;
   int passes = 0;  // evaluations of both phases
   support::TraceWriter* trace = nullptr;
