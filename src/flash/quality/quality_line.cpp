@@ -310,6 +310,20 @@ double largest_step(const QualityLine& line) {
   return largest;
 }
 
+// Error of the equations at p and the step that solves them; largest: of its unknowns.
+Solved newton_step(QualityLine& line, LinePoint& p, int held, double value, StatusCode& status,
+                   double& largest) {
+  const int size = line.n + 2;
+  Sums sums;
+  status = evaluate(line, p, true, sums);
+  if (status != KV_OK) return Solved::model;
+  p.error = fill_system(line, p, sums, held, value);
+  if (!support::lu_factor(size, size, line.system, line.pivot)) return Solved::no;
+  support::lu_solve(size, size, line.system, line.pivot, line.step);
+  largest = largest_step(line);
+  return largest <= DBL_MAX ? Solved::yes : Solved::no;
+}
+
 void take_step(const QualityLine& line, LinePoint& p, double factor, int held, double value) {
   for (int i = 0; i < line.n + 2; ++i) p.X[i] += factor * line.step[i];
   p.X[held] = value;
@@ -330,20 +344,14 @@ Solved finish_point(QualityLine& line, LinePoint& p, double left_over) {
 
 Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int limit, bool through_critical,
                    StatusCode& status, double criterion) {
-  const int size = line.n + 2;
   double before = DBL_MAX;
   const bool main = criterion >= 0.0;
   bool accepted = false;
   p.X[held] = value;
   for (p.passes = 1; p.passes <= limit; ++p.passes) {
-    Sums sums;
-    status = evaluate(line, p, true, sums);
-    if (status != KV_OK) return Solved::model;
-    p.error = fill_system(line, p, sums, held, value);
-    if (!support::lu_factor(size, size, line.system, line.pivot)) return Solved::no;
-    support::lu_solve(size, size, line.system, line.pivot, line.step);
-    const double largest = largest_step(line);
-    if (!(largest <= DBL_MAX)) return Solved::no;
+    double largest = 0.0;
+    if (const Solved step = newton_step(line, p, held, value, status, largest); step != Solved::yes)
+      return step;
     const double factor = damping(line);
     if (main && !accepted) trace_pass(line, p, p.passes, factor);
     if (p.error * p.error <= criterion) {
@@ -363,8 +371,8 @@ Solved solve_point(QualityLine& line, LinePoint& p, int held, double value, int 
     if (!in_range(line, p)) return Solved::no;
     if (!through_critical && one_phase(line, p)) return Solved::trivial;
     // A step as short as that leaves its square: no evaluation is spent on seeing it, but for the trace.
-    const bool enough = accepted || !main ||
-                        (short_step && p.passes < limit && largest * largest * largest * largest <= criterion);
+    const bool seen = largest * largest * largest * largest <= criterion && short_step && p.passes < limit;
+    const bool enough = seen || accepted || !main;
     if (((converged || short_step) && enough) || (accepted && p.passes == limit)) {
       if (main && !accepted && !trace_last(line, p, status)) return Solved::model;
       return finish_point(line, p, short_step ? 0.0 : largest);
