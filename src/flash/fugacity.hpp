@@ -165,6 +165,16 @@ inline double ratio_of(double y, double x) noexcept {
   return x > 0.0 ? std::fmin(std::fmax(y / x, kSmallestK), kLargestK) : kLargestK;
 }
 
+/* A split as it is returned: x[n], y[n], and K[n] as their ratio. */
+inline void write_split(int n, const double* x, const double* y, double* to_x, double* to_y,
+                        double* K) noexcept {
+  for (int i = 0; i < n; ++i) {
+    to_x[i] = x[i];
+    to_y[i] = y[i];
+    K[i] = ratio_of(y[i], x[i]);
+  }
+}
+
 /*
  * K-value evaluation: K_i = phi_i(liquid x)/phi_i(vapour y) within 1e-15 .. 1e15, K[n]; on request (not null)
  * dT and dP [n], and the composition derivatives scaled by K_i, dx (positive) and dy (negative) [ld * n].

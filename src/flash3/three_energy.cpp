@@ -56,13 +56,18 @@ bool state_at(EnergySearch& q, double T, bool estimate) {
   return true;
 }
 
+// Whether a status is of the model or of a host, and the same at any temperature.
+bool model_refuses(StatusCode status) {
+  return status > KV_STATUS_CALL_BLOCK && status != KV_NOT_FINITE;
+}
+
 // As state_at, nearer and nearer to where there was an answer.
 bool state_towards(EnergySearch& q, double good, double T) {
   bool known = !q.bracket.closed() && (q.no_answer - good) * (q.no_answer - T) < 0.0;
   for (int k = 0; k < kRetreats; ++k) {
     if (k > 0 && std::fabs(T - good) <= kNoFurther * good) break;
     if (state_at(q, T, false)) return true;
-    if (q.status > KV_STATUS_CALL_BLOCK && q.status != KV_NOT_FINITE) return false;
+    if (model_refuses(q.status)) return false;
     if (!known) q.no_answer = T;
     known = false;
     T = 0.5 * (q.no_answer + good);
@@ -75,17 +80,15 @@ bool below_coldest(EnergySearch& q, double from) {
   q.asked_coldest = true;
   const flash::Property property = q.call.property;
   if (flash::out_of_reach(property, from, off(q), q.Cp)) return true;
-  for (const double T : flash::kColdStates) {
-    if (!(T < from) || set_conditions(T, q.call.P, q.e) != KV_OK) continue;
+  const flash::Cold found = flash::ask_cold_states(from, [&](double T) {
+    if (set_conditions(T, q.call.P, q.e) != KV_OK) return flash::Cold::unknown;
     const StatusCode status = find_equilibrium(q.e);
-    if (status > KV_STATUS_CALL_BLOCK && status != KV_NOT_FINITE) return false;
-    if ((status != KV_OK && status != KV_FOURTH_PHASE) || !evaluate(q)) continue;
-    if (off(q) < 0.0) return false;
-    q.falling = !q.rising;
-    if (q.falling) return false;
-    if (T == kColdest || flash::out_of_reach(property, T, off(q), q.Cp)) return true;
-  }
-  return false;
+    if (model_refuses(status)) return flash::Cold::goes_on;
+    if ((status != KV_OK && status != KV_FOURTH_PHASE) || !evaluate(q)) return flash::Cold::unknown;
+    return flash::ask_cold_state(property, T, off(q), q.Cp, q.rising);
+  });
+  q.falling = found == flash::Cold::falling;
+  return found == flash::Cold::beyond;
 }
 
 // The gate: e.p is an equilibrium, and at its temperature it has the value.
@@ -131,11 +134,6 @@ StatusCode end_between(EnergySearch& q) {
   if (solve_between_sides(q)) return q.state_status;
   return std::fabs(off(q)) <= flash::kOwedValue * size_of_value(q) ? q.state_status
                                                                    : StatusCode{KV_NOT_CONVERGED};
-}
-
-// Whether a status is of the model or of a host, and the same at any temperature.
-bool model_refuses(StatusCode status) {
-  return status > KV_STATUS_CALL_BLOCK && status != KV_NOT_FINITE;
 }
 
 // Whether there is nothing to look at towards the next temperature: an end of the range, or below the cold states.

@@ -138,18 +138,13 @@ bool below_coldest(Energy& e) {
   e.asked_coldest = true;
   const Property property = e.call.property;
   if (out_of_reach(property, e.state.T, e.f(e.state), e.state.Cp)) return true;
-  for (const double T : kColdStates) {
-    if (!(T < e.state.T) || model_refuses(e) || !equilibrium_at(e, T, false, e.other)) continue;
-    const double f = e.f(e.other);
-    if (f < 0.0) return false;
-    e.falling = !e.other.rising;
-    if (e.falling) return false;
-    if (T == kColdest || out_of_reach(property, T, f, e.other.Cp)) {
-      copy_state(e, e.other, e.state);
-      return true;
-    }
-  }
-  return false;
+  const Cold found = ask_cold_states(e.state.T, [&](double T) {
+    if (model_refuses(e) || !equilibrium_at(e, T, false, e.other)) return Cold::unknown;
+    return ask_cold_state(property, T, e.f(e.other), e.other.Cp, e.other.rising);
+  });
+  e.falling = found == Cold::falling;
+  if (found == Cold::beyond) copy_state(e, e.other, e.state);
+  return found == Cold::beyond;
 }
 
 // Whether the search ends where it would go to T: at an end of the range, or below what the model has in the cold.
@@ -215,11 +210,7 @@ StatusCode write_state(Energy& e, StatusCode status) {
   const EnergyState& s = e.state;
   *c.T = s.T;
   *c.beta = s.beta;
-  for (int i = 0; i < e.n; ++i) {
-    c.x[i] = s.x[i];
-    c.y[i] = s.y[i];
-    c.K[i] = ratio_of(s.y[i], s.x[i]);
-  }
+  write_split(e.n, s.x, s.y, c.x, c.y, c.K);
   *c.liquid = s.beta < 1.0 ? s.liquid : 0.0;
   *c.vapour = s.beta > 0.0 ? s.vapour : 0.0;
   trace_energy_pass(e.trace, c, *c.T, *c.beta, *c.liquid, *c.vapour);

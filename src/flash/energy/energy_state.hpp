@@ -40,6 +40,30 @@ inline bool out_of_reach(Property property, double T, double off, double capacit
   return off > most * (property == Property::enthalpy ? T : std::log(T / kColdest));
 }
 
+/* What cold states say of a value that lies below that of the state at which they are asked. */
+enum class Cold {
+  unknown,
+  goes_on,  // a state below has a lower value, or there is no telling: the search goes on
+  falling,  // the value may fall as T rises: so too, as far as the first of the cold states
+  beyond    // no state has it
+};
+
+/* What one of them says, whose value is above the one wanted by off. */
+inline Cold ask_cold_state(Property property, double T, double off, double capacity, bool rising) {
+  if (off < 0.0) return Cold::goes_on;
+  if (!rising) return Cold::falling;
+  return T == kColdest || out_of_reach(property, T, off, capacity) ? Cold::beyond : Cold::unknown;
+}
+
+/* Asks those below T, by Cold ask(T), until one knows. */
+template <class Ask>
+Cold ask_cold_states(double below, Ask&& ask) {
+  Cold found = Cold::unknown;
+  for (const double T : kColdStates)
+    if (T < below && found == Cold::unknown) found = ask(T);
+  return found;
+}
+
 // The equilibrium at one temperature. Arrays [ld].
 struct EnergyState {
   double T = 0.0, beta = 0.0;

@@ -38,11 +38,7 @@ void order_phases(Flash& f) {
 StatusCode write_answer(Flash& f, StatusCode status) {
   const IsothermalCall& c = f.call;
   *c.beta = f.it.beta;
-  for (int i = 0; i < f.m.n; ++i) {
-    c.x[i] = f.it.x[i];
-    c.y[i] = f.it.y[i];
-    c.K[i] = ratio_of(c.y[i], c.x[i]);
-  }
+  write_split(f.m.n, f.it.x, f.it.y, c.x, c.y, c.K);
   trace_result(f.trace, c, f.it);
   return status;
 }

@@ -34,12 +34,16 @@ bool of_the_other_kind(Flash& f, const double* x, Kind kind, const double* ln_ph
   return lower < -eos::kOtherRootMargin;
 }
 
-// The same of both phases of the iterate; by the built-in equation it takes no evaluation. False also with f.status.
-bool on_upper_root(Flash& f) {
-  if (f.m.free_water || f.liquids_only()) return false;
-  if (f.m.routine != nullptr)
-    return of_the_other_kind(f, f.it.x, f.it.kind_x, f.it.ln_phi_x) ||
-           (f.status == KV_OK && of_the_other_kind(f, f.it.y, f.it.kind_y, f.it.ln_phi_y));
+// The same of both phases of the iterate, by a routine of the host. Once is enough: what follows asks for no kind.
+bool host_on_upper_root(Flash& f) {
+  if (f.m.routine == nullptr || f.m.free_water || f.liquids_only()) return false;
+  return of_the_other_kind(f, f.it.x, f.it.kind_x, f.it.ln_phi_x) ||
+         (f.status == KV_OK && of_the_other_kind(f, f.it.y, f.it.kind_y, f.it.ln_phi_y));
+}
+
+// By the built-in equation, which takes no evaluation.
+bool on_upper_root(const Flash& f) {
+  if (!f.m.built_in() || f.liquids_only()) return false;
   const auto upper = [&](const double* x, double Z) {
     double b = 0.0, higher = 0.0;
     for (int i = 0; i < f.m.n; ++i) b += x[i] * f.m.t.b[i];
@@ -58,7 +62,7 @@ bool accept(Flash& f) {
   f.m.counts.step = Step::gate;
   f.status = fugacity(f.m, it.x, it.kind_x, it.ln_phi_x, nullptr, it.Zx);
   if (f.status == KV_OK) f.status = fugacity(f.m, it.y, it.kind_y, it.ln_phi_y, nullptr, it.Zy);
-  if (f.status != KV_OK || on_upper_root(f) || f.status != KV_OK) return false;
+  if (f.status != KV_OK || on_upper_root(f)) return false;
   const double amounts[] = {it.liquid, it.beta};
   const double* const phases[] = {it.x, it.y};
   const double owed = f.m.routine != nullptr || it.stalled ? std::max(kOwedFugacity, std::sqrt(f.settings.CRIT))
@@ -111,7 +115,7 @@ bool good_split(Flash& f, bool unstable, Outcome& outcome) {
   const bool kept = f.it.kind_x == Kind::stable && f.it.kind_y == Kind::stable;
   const bool lost = unstable && !kept && !f.liquids_only() && f.m.built_in() &&
                     (outcome == Outcome::exhausted || outcome == Outcome::broke_down);
-  if (lost || (outcome == Outcome::converged && on_upper_root(f))) {
+  if (lost || (outcome == Outcome::converged && (on_upper_root(f) || host_on_upper_root(f)))) {
     f.it.kind_x = f.it.kind_y = Kind::stable;
     outcome = iterate(f, !unstable);
   }

@@ -252,11 +252,7 @@ bool walk_for_point(Quality& q, double value) {
 StatusCode write_point(Quality& q, StatusCode status) {
   const QualityCall& c = q.call;
   *c.unknown = std::exp(q.point.X[q.unknown]);
-  for (int i = 0; i < q.line.n; ++i) {
-    c.x[i] = q.point.x[i];
-    c.y[i] = q.point.y[i];
-    c.K[i] = ratio_of(c.y[i], c.x[i]);
-  }
+  write_split(q.line.n, q.point.x, q.point.y, c.x, c.y, c.K);
   return status;
 }
 

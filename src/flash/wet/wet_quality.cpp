@@ -278,11 +278,7 @@ bool close_in(WetSearch& q) {
 StatusCode write_point(WetSearch& q, const LinePoint& p, StatusCode status) {
   const QualityCall& c = q.call;
   *c.unknown = std::exp(p.X[q.unknown()]);
-  for (int i = 0; i < q.line.n; ++i) {
-    c.x[i] = p.x[i];
-    c.y[i] = p.y[i];
-    c.K[i] = ratio_of(p.y[i], p.x[i]);
-  }
+  write_split(q.line.n, p.x, p.y, c.x, c.y, c.K);
   return status;
 }
 
