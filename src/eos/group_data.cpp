@@ -27,12 +27,12 @@ void convert_group_data(std::int32_t components, std::int32_t groups, const std:
   }
 
   const auto total = [&](std::size_t i) {
-    std::int32_t sum = 0;
+    std::int64_t sum = 0;  // counts of a host are any numbers
     for (std::size_t k = 0; k < ng; ++k) sum += counts[k + i * ng];
     return sum;
   };
   for (std::size_t i = 0; i < nc; ++i) {
-    const std::int32_t all = total(i);
+    const std::int64_t all = total(i);
     if (all == 0) continue;
     for (std::size_t k = 0; k < ng; ++k)
       data.fractions[i + k * nc] = static_cast<double>(counts[k + i * ng]) / static_cast<double>(all);

@@ -81,6 +81,13 @@ TEST(GroupData, ZeroInteractionsZeroTotalsAndEmptySets) {
   EXPECT_EQ(d.A[0] + d.B[0] + d.ratio[0], 0.0);
   EXPECT_EQ(d.fractions[0] * d.fractions[1], 1.0);
 
+  // Counts of a host are any numbers: their sum may not fit the same width.
+  m.counts = {2147483647, 1, 1, 3};
+  m.buffers[4].assign(4, -1.0);
+  m.buffers[5].assign(8, -1.0);
+  d = converted(m);
+  EXPECT_EQ(d.fractions[0], 2147483647.0 / 2147483648.0);
+
   m.n = 0;  // nothing but the group arrays is touched
   m.buffers[1].assign(5, -1.0);
   d = converted(m);

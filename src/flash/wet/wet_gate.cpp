@@ -68,20 +68,18 @@ bool near_known(const Wet& f, const Known (&known)[2]) {
   return false;
 }
 
-// Composition of the trial from f.trial.log_w, and what it adds up to.
+// Composition of the trial from f.trial.log_w and, of a liquid, the water that it holds at the activity of the answer; and
+// what it adds up to.
 void compose(Wet& f, bool liquid, double water) {
   WetTrial& t = f.trial;
   double sum = 0.0;
   for (int i = 0; i < f.m.n; ++i) {
-    const bool free = f.z[i] > 0.0 && !(liquid && i == f.m.water);
     t.log_w[i] = std::clamp(t.log_w[i], -kLargestLogW, kLargestLogW);
-    t.w[i] = free ? support::fast_exp(t.log_w[i]) : 0.0;
+    t.w[i] = liquid && i == f.m.water ? water : f.z[i] > 0.0 ? support::fast_exp(t.log_w[i]) : 0.0;
     sum += t.w[i];
   }
-  const double part = liquid ? 1.0 - water : 1.0;
-  for (int i = 0; i < f.m.n; ++i) t.w[i] *= part / sum;
-  if (liquid) t.w[f.m.water] = water;
-  t.ln_sum = std::log(sum / part);
+  for (int i = 0; i < f.m.n; ++i) t.w[i] /= sum;
+  t.ln_sum = std::log(sum);
 }
 
 /*
