@@ -138,7 +138,7 @@ void Call::draw_slot(Choices& choices, std::size_t argument) {
     for (const auto& row : kNumbers)
       if (row.word == word) slot.number = row.draw(choices);
   } else if (is_integer(word)) {
-    if (word == 'n') slot.integer = scenario.n();
+    if (word == 'n') slot.integer = count();
     for (const auto& row : kIntegers)
       if (row.word == word) slot.integer = choices.pick(row.values);
     if (is_one_of(word, "c#")) points_ = slot.integer;

@@ -13,8 +13,8 @@ namespace {
 
 constexpr int kMostStates = 80, kMostDropped = 2;
 constexpr int kMostWalks = 12, kFewWalks = 4, kMostDetours = 3, kMostHalvings = 45;
-constexpr int kMostWalkSteps = 90;  // of Newton's method; those that lead to an answer take 5 to 80, as a rule
-constexpr int kMostFailedWalks = 20;
+constexpr int kMostWalkSteps = 45;  // of Newton's method; of those that take more few lead to an answer
+constexpr int kMostFailedWalks = 6;
 constexpr double kShortestWalk = 1e-4, kShorter = 0.3;
 constexpr double kFirstStep = 0.02, kLonger = 1.6, kLongestStepT = 0.06,
                  kLongestStepP = 0.3;  // in ln of the unknown
@@ -27,6 +27,7 @@ constexpr double kMuchLess = 0.8;      // of the vapour's part: where there cann
 constexpr int kMostFailed = 3;         // states without an answer, to each side
 constexpr double kNarrow = 3e-4;       // ln u: a change of phases is resolved to here
 constexpr double kShortT = 0.01, kShortP = 0.05;  // ln u: phases that lead on over it are the same
+constexpr double kFourPhases = 200.0;  // K: below it a side ends where a fourth phase cuts two states on end
 constexpr double kLowestT = 40.0, kHighestT = 2000.0, kLowestP = 1e-6, kHighestP = 1e4;
 
 }  // namespace
@@ -208,9 +209,10 @@ Between look_between(QualitySearch& q, const Node& a, const Node& b) {
   // A dense fluid may end in a gas without another phase in between, or with one, from which each of them leads
   // on to the other.
   const bool alike = std::fabs(std::log(a.p.Z[va] / b.p.Z[vb])) < kSameZ;
-  if (there.crossed && close && alike && same_number) {
-    const bool below = a.p.amount[va] < q.W;
-    there.crossed = below != (b.p.amount[vb] < q.W) || !lead_on(q, a, b) || !lead_on(q, b, a);
+  const double change = std::fabs(a.p.amount[va] - b.p.amount[vb]);
+  if (there.crossed && close && alike && (same_number || change < kLargeChange)) {
+    const bool crossed = (a.p.amount[va] < q.W) != (b.p.amount[vb] < q.W);
+    there.crossed = crossed || (same_number && (!lead_on(q, a, b) || !lead_on(q, b, a)));
   } else if (!there.crossed && a.f + q.W > 0.0) {
     there.changed =
         !alike || (same_number ? !lead_on(q, a, b) || !lead_on(q, b, a) : std::fabs(a.f - b.f) > kLargeChange);
@@ -325,6 +327,7 @@ StatusCode search_from(QualitySearch& q, double first) {
     // All vapour on the way to more of it: there is nothing further on this side.
     if (way * rising > 0.0 && q.fresh.p.count == 1 && q.e.gas) open[side] = 0;
     cut[side] = outer.cut && q.fresh.cut;
+    if (cut[side] && q.of_T && way < 0.0 && u < kFourPhases) open[side] = 0;
     Node& next = q.between[0];
     std::swap(next, q.fresh);
     if (search_between(q, outer, next, 1)) return KV_OK;
