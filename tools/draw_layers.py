@@ -29,6 +29,7 @@ WHAT = {
     "eos": "PPR78: roots, ln phi, properties of a phase",
     "frame": "boundary, state, siblings, system",
     "support": "storage, wide loops, factors, trace",
+    "edge": "the host's stack and floating-point words",
 }
 
 # The life of FlashLVatTP: what happens, where, and in a few words how.
@@ -165,7 +166,7 @@ def draw_layers_panel(graph):
     out.append(line(280, 124, 280, 154, ' stroke-dasharray="5 4"'))
     out.append('<text x="290" y="143" class="s">at run time</text>')
     out += box(20, bottom + gap, 520, 50, "siblings/pure, siblings/tools",
-               ["pure-component data; roots, linear systems: each knows itself and include/ only"], "#eef7ee")
+               ["pure-component data; roots, linear systems: each knows itself, edge and include/ only"], "#eef7ee")
     out.append(line(x + w / 2, bottom, x + w / 2, bottom + gap - 2, ' stroke-dasharray="5 4"'))
     out.append(f'<text x="{x + w / 2 + 10:g}" y="{bottom + 21}" class="s">at run time</text>')
     return out, bottom + gap + 50

@@ -2,31 +2,19 @@
 #ifndef KESTRUNE_FRAME_BOUNDARY_HPP
 #define KESTRUNE_FRAME_BOUNDARY_HPP
 
-#include <cfenv>
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
 #include <initializer_list>
 #include <new>
 
+#include "edge/guard.hpp"
 #include "kestrune/records.h"
 #include "kestrune/status.h"
 
-#if defined(__i386__) || defined(__x86_64__)
-#include <xmmintrin.h>
-#define KV_X86_FLOATING_POINT 1
-#endif
-
-// A 32-bit Windows host keeps the stack aligned to 4 bytes only; SSE code needs 16.
-#if defined(__i386__)
-#define KV_REALIGN __attribute__((force_align_arg_pointer))
-#else
-#define KV_REALIGN
-#endif
 // An export is KV_ENTRY StatusCode KV_CALL Name(parameters) KV_GUARDS(expression); its whole body is the one
 // expression, evaluated behind the guard. There is no place in front of it where an argument could be touched.
 // The assertion takes the semicolon.
-#define KV_ENTRY extern "C" KV_API KV_REALIGN
 #define KV_GUARDS(...)                                                                \
   {                                                                                   \
     return ::kestrune::frame::guarded([&]() -> ::StatusCode { return __VA_ARGS__; }); \
@@ -39,103 +27,6 @@
   static_assert(true)
 
 namespace kestrune::frame {
-
-// Whether the x87 unit is looked after: what runs in here may compute there, be it a routine of a host.
-inline constexpr bool kGuardX87 = true;
-
-/*
- * Floating-point environment of the library while it lives: every exception masked, round to nearest, full
- * precision, no flushing to zero. The host's control words and its sticky flags come back exactly as they
- * were, so that a flag raised in here never becomes a trap of a host that runs with exceptions unmasked.
- */
-class FpGuard {
- public:
-  FpGuard() noexcept { enter(); }
-  ~FpGuard() { leave(); }
-  FpGuard(const FpGuard&) = delete;
-  FpGuard& operator=(const FpGuard&) = delete;
-
- private:
-#if defined(KV_X86_FLOATING_POINT)
-  static constexpr std::uint16_t kControl = 0x037F;
-  static constexpr std::uint32_t kMxcsr = 0x1F80, kSseFlags = 0x003F;
-  // Status word: six exception flags, stack fault, error summary; bit 15 repeats the summary.
-  static constexpr std::uint16_t kFlags = 0x00FF;
-  static constexpr std::uint16_t kPending = 0x0080;
-  static constexpr std::uint16_t kFlagsAndBusy = 0x80FF;
-
-  struct Environment {  // as fnstenv stores it in protected mode
-    std::uint16_t control, reserved0, status, reserved1;
-    std::uint32_t rest[5];
-  };
-
-  static std::uint16_t x87_status() noexcept {
-    std::uint16_t word;
-    __asm__ __volatile__("fnstsw %0" : "=a"(word));
-    return word;
-  }
-
-  void enter() noexcept {
-    if constexpr (kGuardX87) enter_x87();
-    mxcsr_ = _mm_getcsr();
-    // Loading the word is slow. With its traps masked a flag that is up already does no harm.
-    if ((mxcsr_ & ~kSseFlags) != kMxcsr) _mm_setcsr(kMxcsr);
-  }
-
-  void leave() noexcept {
-    if constexpr (kGuardX87) leave_x87();
-    if (_mm_getcsr() != mxcsr_) _mm_setcsr(mxcsr_);
-  }
-
-  void enter_x87() noexcept {
-    __asm__ __volatile__("fnstcw %0" : "=m"(control_));
-    status_ = x87_status();
-    // A trap of the host's own that is still waiting is put aside; it comes back with the flags.
-    if (status_ & kPending) __asm__ __volatile__("fnclex");
-    if (control_ != kControl) load_control(kControl);
-  }
-
-  void leave_x87() noexcept {
-    const std::uint16_t now = x87_status();
-    const bool same_flags = ((now ^ status_) & kFlags) == 0;
-    if (same_flags) {
-      if (control_ != kControl) load_control(control_);
-    } else if ((status_ & kFlags) == 0) {
-      __asm__ __volatile__("fnclex");
-      if (control_ != kControl) load_control(control_);
-    } else {
-      restore_flags();
-    }
-  }
-
-  static void load_control(std::uint16_t word) noexcept {
-    __asm__ __volatile__("fldcw %0" : : "m"(word));
-  }
-
-  // The host came with sticky flags and they changed: put back both words, keep the register stack.
-  void restore_flags() const noexcept {
-    Environment environment;
-    __asm__ __volatile__("fnstenv %0" : "=m"(environment));
-    environment.control = control_;
-    environment.status =
-        static_cast<std::uint16_t>((environment.status & ~kFlagsAndBusy) | (status_ & kFlagsAndBusy));
-    __asm__ __volatile__("fldenv %0" : : "m"(environment));
-  }
-
-  std::uint16_t control_ = 0;
-  std::uint16_t status_ = 0;
-  std::uint32_t mxcsr_ = 0;
-#else
-  void enter() noexcept {
-    std::feholdexcept(&environment_);
-    std::fesetround(FE_TONEAREST);
-  }
-  void leave() noexcept {
-    std::fesetenv(&environment_);
-  }
-  std::fenv_t environment_;
-#endif
-};
 
 // The body of an export, called by a pointer that no compiler sees through: none of its floating-point operations may
 // move out of the guard's life.
@@ -157,7 +48,7 @@ StatusCode run_opaque(Body& body) {
  */
 template <class Body>
 StatusCode guarded(Body&& body) noexcept {
-  const FpGuard guard;
+  const edge::FpGuard<true> guard;  // the x87 unit too: a routine of a host may compute there
   try {
     return run_opaque(body);
   } catch (const std::bad_alloc&) {
