@@ -13,11 +13,11 @@ namespace {
 constexpr double kStable = -1e-9;  // tangent-plane distance
 
 /*
- * ln fugacities of both phases equal. Those of the equation of state stand in e.a and e.b after the evaluation;
+ * ln fugacities of both phases equal. Those of the equation of state stand in e.liquid and e.vapour after the evaluation;
  * a host's routine is asked again, and is as good as its CRIT.
  */
 bool equal_fugacities(Energy& e, const EnergyState& s, int component) {
-  double* const z = e.g;
+  double* const z = e.gap;
   std::copy_n(e.z, e.ld, z);
   for (int i = 0; i < e.n; ++i)
     if (component >= 0 && i != component) z[i] = 0.0;
@@ -27,7 +27,7 @@ bool equal_fugacities(Energy& e, const EnergyState& s, int component) {
     const bool host = e.call.routines != nullptr && e.call.routines->entry[KV_ROUTINE_FUGACITY - 1] != nullptr;
     if (host) owed = std::max(owed, std::sqrt(copy_settings(e.silent).CRIT));
   }
-  return fugacity_gap(e.n, z, {s.x, e.a.ln_phi}, {s.y, e.b.ln_phi}) <= owed;
+  return fugacity_gap(e.n, z, {s.x, e.liquid.ln_phi}, {s.y, e.vapour.ln_phi}) <= owed;
 }
 
 }  // namespace
@@ -39,8 +39,8 @@ bool fugacities_of(Energy& e, double T, const double* x, const double* y) {
   double Zx = 0.0, Zy = 0.0;
   e.status = make_model(T, e.call.P, e.silent, e.call.routines, e.call.free_water, 0, arena, m);
   m.branch = WaterBranch::by_content;
-  if (e.status == KV_OK) e.status = fugacity(m, x, Kind::liquid, e.a.ln_phi, nullptr, Zx);
-  if (e.status == KV_OK) e.status = fugacity(m, y, Kind::gas, e.b.ln_phi, nullptr, Zy);
+  if (e.status == KV_OK) e.status = fugacity(m, x, Kind::liquid, e.liquid.ln_phi, nullptr, Zx);
+  if (e.status == KV_OK) e.status = fugacity(m, y, Kind::gas, e.vapour.ln_phi, nullptr, Zy);
   arena.rewind(mark);
   return e.status == KV_OK;
 }

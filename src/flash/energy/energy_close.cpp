@@ -55,22 +55,23 @@ bool state_between(Energy& e, double part, EnergyState& s) {
   if (!a.two_phases() && !b.two_phases()) {
     if (!fugacities_of(e, s.T, e.z, e.z)) return false;
     for (int i = 0; i < e.n; ++i) {
-      const double K = std::exp(std::clamp(e.a.ln_phi[i] - e.b.ln_phi[i], -kLargestLogK, kLargestLogK));
-      e.v[i] = e.z[i] * part * K / (1.0 - part + part * K);
+      const double K =
+          std::exp(std::clamp(e.liquid.ln_phi[i] - e.vapour.ln_phi[i], -kLargestLogK, kLargestLogK));
+      e.in_vapour[i] = e.z[i] * part * K / (1.0 - part + part * K);
     }
   } else {
-    for (int i = 0; i < e.n; ++i) e.v[i] = (1.0 - part) * a.beta * a.y[i] + part * b.beta * b.y[i];
+    for (int i = 0; i < e.n; ++i) e.in_vapour[i] = (1.0 - part) * a.beta * a.y[i] + part * b.beta * b.y[i];
   }
   for (int i = 0; i < e.n; ++i) {
-    e.v[i] = std::min(e.v[i], e.z[i]);
-    V += e.v[i];
-    L += e.z[i] - e.v[i];
+    e.in_vapour[i] = std::min(e.in_vapour[i], e.z[i]);
+    V += e.in_vapour[i];
+    L += e.z[i] - e.in_vapour[i];
   }
   if (!(V > 0.0 && L > 0.0)) return false;
   s.beta = V / (V + L);
   for (int i = 0; i < e.n; ++i) {
-    s.y[i] = e.v[i] / V;
-    s.x[i] = (e.z[i] - e.v[i]) / L;
+    s.y[i] = e.in_vapour[i] / V;
+    s.x[i] = (e.z[i] - e.in_vapour[i]) / L;
   }
   return true;
 }

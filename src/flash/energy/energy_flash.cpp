@@ -36,7 +36,7 @@ void take_state(support::Arena& arena, int ld, EnergyState& s) {
 
 // The phase counted by beta is the less densely packed one.
 void order_phases(Energy& e, EnergyState& s) {
-  if (!lighter(*e.call.context.record, s.x, e.a.Z, s.y, e.b.Z)) return;
+  if (!lighter(*e.call.context.record, s.x, e.liquid.Z, s.y, e.vapour.Z)) return;
   std::swap_ranges(s.x, s.x + e.ld, s.y);
   s.beta = 1.0 - s.beta;
 }
@@ -286,11 +286,11 @@ StatusCode with_energy(const EnergyCall& call, support::Arena& arena, Run&& run)
   if (!normalise_feed(e.n, call.z, z)) return KV_COMPOSITION;
   e.z = model.z = z;
   for (EnergyState* s : {&e.state, &e.spare, &e.saved, &e.other, &e.low, &e.high}) take_state(arena, e.ld, *s);
-  for (double** a : {&e.l, &e.v, &e.scale, &e.g, &e.w, &e.jg, &e.jw, &e.K, &e.a.ln_phi, &e.a.dln_phi_dT,
-                     &e.b.ln_phi, &e.b.dln_phi_dT})
+  for (double** a : {&e.in_liquid, &e.in_vapour, &e.scale, &e.gap, &e.gap_dT, &e.step, &e.along_T, &e.K,
+                     &e.liquid.ln_phi, &e.liquid.dln_phi_dT, &e.vapour.ln_phi, &e.vapour.dln_phi_dT})
     *a = arena.zeros(e.ld);
   const std::size_t square = static_cast<std::size_t>(e.ld) * e.n;
-  for (double** a : {&e.a_dn, &e.b_dn, &e.system}) *a = arena.take(square);
+  for (double** a : {&e.liquid_dn, &e.vapour_dn, &e.system}) *a = arena.take(square);
   open_caloric(arena, model);
   e.fugacities.P = call.P;
   e.fugacities.context = e.silent;
@@ -343,8 +343,8 @@ bool evaluate_with_slopes(Energy& e, const double* x, const double* y, EnergySta
   e.status = prepare_caloric(e.model, s.T);
   if (e.status != KV_OK) return false;
   const bool liquid = s.beta<1.0, vapour = s.beta> 0.0, two = liquid && vapour;
-  e.a.dn = e.b.dn = nullptr;
-  e.a.Z = e.b.Z = 0.0;
+  e.liquid.dn = e.vapour.dn = nullptr;
+  e.liquid.Z = e.vapour.Z = 0.0;
   s.rising = true;
   s.Cp = 0.0;
   s.gibbs = {};
@@ -356,8 +356,8 @@ bool evaluate_with_slopes(Energy& e, const double* x, const double* y, EnergySta
     s.Cp += amount * c.Cp;
     s.gibbs.add(e.n, amount, phase, c);
   };
-  if (liquid) add(1.0 - s.beta, x, Kind::liquid, e.a, s.liquid);
-  if (vapour) add(s.beta, y, Kind::gas, e.b, s.vapour);
+  if (liquid) add(1.0 - s.beta, x, Kind::liquid, e.liquid, s.liquid);
+  if (vapour) add(s.beta, y, Kind::gas, e.vapour, s.vapour);
   return true;
 }
 

@@ -30,13 +30,14 @@ double bounded(double T, double step) {
   return std::clamp(step, -kLargestStep * T, kLargestStep * T);
 }
 
-// g and w of the components that are present; one at the bound of its distribution coefficient takes no part.
-void differences(const Energy& e, const EnergyState& s, double* g, double* w) {
+// e.gap and e.gap_dT of the components that are present; one at the bound of its distribution coefficient takes no part.
+void differences(const Energy& e, const EnergyState& s) {
   for (int i = 0; i < e.n; ++i) {
-    const double d = e.b.ln_phi[i] - e.a.ln_phi[i];
-    const bool there = e.z[i] > 0.0 && e.l[i] > 0.0 && e.v[i] > 0.0 && std::fabs(d) < kLargestLogK;
-    g[i] = there ? support::fast_log(s.y[i] / s.x[i]) + d : 0.0;
-    w[i] = there ? e.b.dln_phi_dT[i] - e.a.dln_phi_dT[i] : 0.0;
+    const double d = e.vapour.ln_phi[i] - e.liquid.ln_phi[i];
+    const bool there =
+        e.z[i] > 0.0 && e.in_liquid[i] > 0.0 && e.in_vapour[i] > 0.0 && std::fabs(d) < kLargestLogK;
+    e.gap[i] = there ? support::fast_log(s.y[i] / s.x[i]) + d : 0.0;
+    e.gap_dT[i] = there ? e.vapour.dln_phi_dT[i] - e.liquid.dln_phi_dT[i] : 0.0;
     e.scale[i] = there ? std::sqrt(s.x[i] * s.y[i] / e.z[i]) : 0.0;
   }
 }
@@ -51,7 +52,7 @@ bool factor(Energy& e, const EnergyState& s, const double* w, double c) {
       const double wj = V * L * c * w[j];
       for (int i = support::block_start(j); i < e.ld; ++i)
         e.system[at + i] =
-            e.scale[j] * e.scale[i] * (L * e.b.dn[at + i] + V * e.a.dn[at + i] - 1.0 + wj * w[i]);
+            e.scale[j] * e.scale[i] * (L * e.vapour.dn[at + i] + V * e.liquid.dn[at + i] - 1.0 + wj * w[i]);
       e.system[at + j] += 1.0 + shift;
     }
     if (support::ldl_factor(e.n, e.ld, e.system, kSmallestPivot)) return true;
@@ -71,7 +72,7 @@ void solve(const Energy& e, const EnergyState& s, double* r) {
 // The trivial solution: both phases are the feed.
 bool are_one(const Energy& e, const EnergyState& s) {
   constexpr double kTrivial = 2e-5;  // relative difference of Z and of every fraction of phases that are one
-  if (std::fabs(e.a.Z - e.b.Z) > kTrivial * e.b.Z) return false;
+  if (std::fabs(e.liquid.Z - e.vapour.Z) > kTrivial * e.vapour.Z) return false;
   for (int i = 0; i < e.n; ++i)
     if (e.z[i] > 0.0 && std::fabs(s.y[i] - s.x[i]) > kTrivial * s.x[i]) return false;
   return true;
@@ -79,8 +80,8 @@ bool are_one(const Energy& e, const EnergyState& s) {
 
 void amounts(const Energy& e, const EnergyState& s) {
   for (int i = 0; i < e.n; ++i) {
-    e.v[i] = s.beta * s.y[i];
-    e.l[i] = (1.0 - s.beta) * s.x[i];
+    e.in_vapour[i] = s.beta * s.y[i];
+    e.in_liquid[i] = (1.0 - s.beta) * s.x[i];
   }
 }
 
@@ -88,7 +89,8 @@ void amounts(const Energy& e, const EnergyState& s) {
 double largest_change(const Energy& e, const double* dv) {
   double change = 0.0;
   for (int i = 0; i < e.n; ++i)
-    if (e.scale[i] > 0.0) change = std::max(change, std::fabs(dv[i]) / std::min(e.v[i], e.l[i]));
+    if (e.scale[i] > 0.0)
+      change = std::max(change, std::fabs(dv[i]) / std::min(e.in_vapour[i], e.in_liquid[i]));
   return change;
 }
 
@@ -96,25 +98,25 @@ double largest_change(const Energy& e, const double* dv) {
 bool apply(Energy& e, const double* dv, double part, EnergyState& s) {
   double V = 0.0, L = 0.0;
   for (int i = 0; i < e.n; ++i) {
-    const double d = std::clamp(part * dv[i], -kEdge * e.v[i], kEdge * e.l[i]);
-    e.v[i] += d;
-    e.l[i] -= d;
-    V += e.v[i];
-    L += e.l[i];
+    const double d = std::clamp(part * dv[i], -kEdge * e.in_vapour[i], kEdge * e.in_liquid[i]);
+    e.in_vapour[i] += d;
+    e.in_liquid[i] -= d;
+    V += e.in_vapour[i];
+    L += e.in_liquid[i];
   }
   if (!(V > 1e-14 && L > 1e-14)) return false;
   // Those at the bound of their coefficient follow it.
   for (int i = 0; i < e.n; ++i) {
-    const double d = e.a.ln_phi[i] - e.b.ln_phi[i];
+    const double d = e.liquid.ln_phi[i] - e.vapour.ln_phi[i];
     if (std::fabs(d) < kLargestLogK || !(e.z[i] > 0.0)) continue;
-    double& less = d > 0.0 ? e.l[i] : e.v[i];
+    double& less = d > 0.0 ? e.in_liquid[i] : e.in_vapour[i];
     less = e.z[i] * kSmallestK * (d > 0.0 ? L / V : V / L);
-    (d > 0.0 ? e.v[i] : e.l[i]) = e.z[i] - less;
+    (d > 0.0 ? e.in_vapour[i] : e.in_liquid[i]) = e.z[i] - less;
   }
   s.beta = V / (V + L);
   for (int i = 0; i < e.n; ++i) {
-    s.y[i] = e.v[i] / V;
-    s.x[i] = e.l[i] / L;
+    s.y[i] = e.in_vapour[i] / V;
+    s.x[i] = e.in_liquid[i] / L;
   }
   return true;
 }
@@ -124,24 +126,25 @@ bool apply(Energy& e, const double* dv, double part, EnergyState& s) {
 Local solve_one_phase(Energy& e, EnergyState& s) {
   EnergyBracket seen;
   int outside = 0;
-  e.b.dn = nullptr;
+  e.vapour.dn = nullptr;
   double T = s.T;
   for (int k = 0; k < kMostSteps; ++k) {
     e.status = prepare_caloric(e.model, T);
     if (e.status != KV_OK) return Local::failed;
-    e.b.Z = 0.0;
-    if (!phase_caloric(e.model, e.z, Kind::stable, e.b) || !(e.b.slope > 0.0)) return Local::failed;
-    const double f = e.b.value - e.call.wanted;
+    e.vapour.Z = 0.0;
+    if (!phase_caloric(e.model, e.z, Kind::stable, e.vapour) || !(e.vapour.slope > 0.0)) return Local::failed;
+    const double f = e.vapour.value - e.call.wanted;
     seen.add(T, f);
     // The change of the slope since the last step makes the step one of third order.
-    const double change = k > 0 ? (e.b.slope - s.slope) / (T - s.T) : 0.0;
-    const double root = e.b.slope * e.b.slope - 2.0 * change * f;
-    const bool curved = k > 0 && std::fabs(e.b.slope - s.slope) < 0.3 * e.b.slope && root > 0.0;
-    const double step = bounded(T, curved ? -2.0 * f / (e.b.slope + std::sqrt(root)) : -f / e.b.slope);
+    const double change = k > 0 ? (e.vapour.slope - s.slope) / (T - s.T) : 0.0;
+    const double root = e.vapour.slope * e.vapour.slope - 2.0 * change * f;
+    const bool curved = k > 0 && std::fabs(e.vapour.slope - s.slope) < 0.3 * e.vapour.slope && root > 0.0;
+    const double step =
+        bounded(T, curved ? -2.0 * f / (e.vapour.slope + std::sqrt(root)) : -f / e.vapour.slope);
     const double left = curved ? step * step * (T - s.T) / (T * T * T) : 1.0;  // of the relative step after it
     s.T = T;
-    s.value = e.b.value;
-    s.slope = e.b.slope;
+    s.value = e.vapour.value;
+    s.slope = e.vapour.slope;
     if (std::fabs(step) <= kFinished * T || std::fabs(left) <= kLeft) {
       s.T = T + step;
       return Local::converged;
@@ -165,18 +168,19 @@ Local solve_one_phase(Energy& e, EnergyState& s) {
 }
 
 bool equalise(Energy& e, EnergyState& s) {
-  e.a.dn = e.a_dn;
-  e.b.dn = e.b_dn;
+  e.liquid.dn = e.liquid_dn;
+  e.vapour.dn = e.vapour_dn;
   amounts(e, s);
-  e.a.Z = e.b.Z = 0.0;
+  e.liquid.Z = e.vapour.Z = 0.0;
   e.status = prepare_caloric(e.model, s.T);
   for (int k = 0; k < kMostSteps && e.status == KV_OK; ++k) {
-    if (!phase_caloric(e.model, s.x, Kind::liquid, e.a) || !phase_caloric(e.model, s.y, Kind::gas, e.b))
+    if (!phase_caloric(e.model, s.x, Kind::liquid, e.liquid) ||
+        !phase_caloric(e.model, s.y, Kind::gas, e.vapour))
       return false;
-    differences(e, s, e.g, e.w);
-    if (!factor(e, s, e.w, 0.0)) return false;
-    double* const dv = e.jg;
-    for (int i = 0; i < e.ld; ++i) dv[i] = -e.g[i];
+    differences(e, s);
+    if (!factor(e, s, e.gap_dT, 0.0)) return false;
+    double* const dv = e.step;
+    for (int i = 0; i < e.ld; ++i) dv[i] = -e.gap[i];
     solve(e, s, dv);
     const double change = largest_change(e, dv);
     if (!apply(e, dv, 1.0, s)) return false;
@@ -192,38 +196,38 @@ namespace {
 bool evaluate_both(Energy& e, EnergyState& s) {
   e.status = prepare_caloric(e.model, s.T);
   if (e.status != KV_OK) return false;
-  if (!phase_caloric(e.model, s.x, Kind::liquid, e.a) || !phase_caloric(e.model, s.y, Kind::gas, e.b) ||
-      !(e.a.slope > 0.0 && e.b.slope > 0.0))
+  if (!phase_caloric(e.model, s.x, Kind::liquid, e.liquid) ||
+      !phase_caloric(e.model, s.y, Kind::gas, e.vapour) || !(e.liquid.slope > 0.0 && e.vapour.slope > 0.0))
     return false;
-  s.liquid = e.a.value;
-  s.vapour = e.b.value;
+  s.liquid = e.liquid.value;
+  s.vapour = e.vapour.value;
   s.value = (1.0 - s.beta) * s.liquid + s.beta * s.vapour;
   return true;
 }
 
 /*
  * Newton's step from the phases of s, which have been evaluated, (26) of docs/method.md: the change of the amounts of
- * the vapour in e.jg, their sum dV, that of the temperature dT; and the slope of the value along the equilibrium, s.slope.
+ * the vapour in e.step, their sum dV, that of the temperature dT; and the slope of the value along the equilibrium, s.slope.
  * False: no factors.
  */
 bool newton_step(Energy& e, EnergyState& s, double& dT, double& dV) {
   const double R = eos::kResidualR, T = s.T;
   const bool H = e.call.property == Property::enthalpy;
-  const double *const g = e.g, *const w = e.w;
-  double* const dv = e.jg;  // the negative of the change, until the end
-  double* const jw = e.jw;
-  const double C = (1.0 - s.beta) * e.a.slope + s.beta * e.b.slope, rest = e.call.wanted - s.value;
+  const double *const g = e.gap, *const w = e.gap_dT;
+  double* const dv = e.step;  // the negative of the change, until the end
+  double* const along = e.along_T;
+  const double C = (1.0 - s.beta) * e.liquid.slope + s.beta * e.vapour.slope, rest = e.call.wanted - s.value;
   const double from_w = H ? R * T * T : R * T, from_g = H ? 0.0 : R;  // h = from_w w + from_g g
-  differences(e, s, e.g, e.w);
+  differences(e, s);
   if (!factor(e, s, w, from_w / C)) return false;
   for (int i = 0; i < e.ld; ++i) dv[i] = g[i] + w[i] * rest / C;
-  std::copy_n(w, e.ld, jw);
+  std::copy_n(w, e.ld, along);
   solve(e, s, dv);
-  solve(e, s, jw);
+  solve(e, s, along);
   double ww = 0.0, gw = 0.0, gv = 0.0;
   for (int i = 0; i < e.n; ++i) {
-    ww += w[i] * jw[i];
-    gw += g[i] * jw[i];
+    ww += w[i] * along[i];
+    gw += g[i] * along[i];
     gv += g[i] * dv[i];
   }
   // The part of h with g is of rank one and not symmetric.
@@ -232,7 +236,7 @@ bool newton_step(Energy& e, EnergyState& s, double& dT, double& dV) {
   s.slope = share > 1e-12 ? C / share : 1e12 * C;
   dT = rest / C;
   for (int i = 0; i < e.n; ++i) {
-    dv[i] -= correction * jw[i];
+    dv[i] -= correction * along[i];
     dT -= (from_w * w[i] + from_g * g[i]) / C * dv[i];
   }
   dV = 0.0;
@@ -246,18 +250,18 @@ bool newton_step(Energy& e, EnergyState& s, double& dT, double& dV) {
 }  // namespace
 
 Local solve_two_phases(Energy& e, EnergyState& s) {
-  e.a.dn = e.a_dn;
-  e.b.dn = e.b_dn;
+  e.liquid.dn = e.liquid_dn;
+  e.vapour.dn = e.vapour_dn;
   amounts(e, s);
-  e.a.Z = e.b.Z = 0.0;
+  e.liquid.Z = e.vapour.Z = 0.0;
   int beyond = 0;
   for (int k = 0; k < kMostSteps; ++k) {
     double dT_full = 0.0, dV = 0.0;
     if (!evaluate_both(e, s) || !newton_step(e, s, dT_full, dV)) return Local::failed;
     const double V = s.beta, T = s.T, dT = bounded(T, dT_full);
     const double part = dT == dT_full ? 1.0 : dT / dT_full;
-    const bool last = part == 1.0 && std::fabs(dT) <= kFinished * T && largest_change(e, e.jg) <= kAmounts;
-    if (!apply(e, e.jg, part, s)) return Local::vanished;
+    const bool last = part == 1.0 && std::fabs(dT) <= kFinished * T && largest_change(e, e.step) <= kAmounts;
+    if (!apply(e, e.step, part, s)) return Local::vanished;
     s.T = T + dT;
     if (!(s.T > kColdest && s.T < kHottest)) return Local::failed;
     if (last) return are_one(e, s) ? Local::vanished : Local::converged;

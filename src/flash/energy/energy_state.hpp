@@ -149,11 +149,13 @@ struct Energy {
   int flashes = 0;
   StatusCode status = KV_OK;
   // Work of the Newton steps.
-  PhaseCaloric a, b;
-  double *l = nullptr, *v = nullptr, *scale = nullptr, *g = nullptr, *w = nullptr, *jg = nullptr,
-         *jw = nullptr;                                        // [ld]
-  double* K = nullptr;                                         // [ld] where flashes inside write theirs
-  double *a_dn = nullptr, *b_dn = nullptr, *system = nullptr;  // [ld * n]
+  PhaseCaloric liquid, vapour;
+  double *in_liquid = nullptr, *in_vapour = nullptr;  // [ld] moles of each component, of one mole of the feed
+  double *gap = nullptr, *gap_dT = nullptr;    // [ld] ln f(vapour) - ln f(liquid), g of (26), and d/dT, w
+  double *step = nullptr, *along_T = nullptr;  // [ld] change of the amounts; its part with the temperature
+  double* scale = nullptr;                     // [ld] of the system
+  double* K = nullptr;                         // [ld] where flashes inside write theirs
+  double *liquid_dn = nullptr, *vapour_dn = nullptr, *system = nullptr;  // [ld * n]
 
   double f(const EnergyState& s) const { return s.value - call.wanted; }
   // Whether a flash at T may show something new.
@@ -182,7 +184,7 @@ enum class Found {
  */
 bool accept(Energy& e, EnergyState& s, Found found, int component = -1);
 
-/* ln phi of a liquid x and a vapour y at T, by whatever gives fugacities here, into e.a and e.b. False:
+/* ln phi of a liquid x and a vapour y at T, by whatever gives fugacities here, into e.liquid and e.vapour. False:
  * e.status.
  */
 bool fugacities_of(Energy& e, double T, const double* x, const double* y);

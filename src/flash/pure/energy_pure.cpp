@@ -18,11 +18,11 @@ StatusCode value_at(Energy& e, double T, Kind kind, double& slope) {
   if (e.model.analytic()) {
     e.status = prepare_caloric(e.model, T);
     if (e.status != KV_OK) return e.status;
-    e.b.dn = nullptr;
-    e.b.Z = 0.0;
-    if (!phase_caloric(e.model, e.z, kind, e.b)) return KV_NOT_FINITE;
-    s.value = e.b.value;
-    slope = e.b.slope;
+    e.vapour.dn = nullptr;
+    e.vapour.Z = 0.0;
+    if (!phase_caloric(e.model, e.z, kind, e.vapour)) return KV_NOT_FINITE;
+    s.value = e.vapour.value;
+    slope = e.vapour.slope;
   } else {
     const int phase = kind == Kind::liquid ? KV_PHASE_LIQUID : KV_PHASE_GAS;
     e.status = phase_value(e.model, T, e.z, phase, s.value);
