@@ -3,6 +3,7 @@
 #ifndef KESTRUNE_FLASH_FUGACITY_HPP
 #define KESTRUNE_FLASH_FUGACITY_HPP
 
+#include <algorithm>
 #include <cmath>
 
 #include "eos/phase.hpp"
@@ -165,14 +166,17 @@ inline double ratio_of(double y, double x) noexcept {
   return x > 0.0 ? std::fmin(std::fmax(y / x, kSmallestK), kLargestK) : kLargestK;
 }
 
+/* Those of all, K[n]. */
+inline void ratios_of(int n, const double* y, const double* x, double* K) noexcept {
+  for (int i = 0; i < n; ++i) K[i] = ratio_of(y[i], x[i]);
+}
+
 /* A split as it is returned: x[n], y[n], and K[n] as their ratio. */
 inline void write_split(int n, const double* x, const double* y, double* to_x, double* to_y,
                         double* K) noexcept {
-  for (int i = 0; i < n; ++i) {
-    to_x[i] = x[i];
-    to_y[i] = y[i];
-    K[i] = ratio_of(y[i], x[i]);
-  }
+  ratios_of(n, y, x, K);
+  std::copy_n(x, n, to_x);
+  std::copy_n(y, n, to_y);
 }
 
 /*

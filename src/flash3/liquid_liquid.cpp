@@ -51,7 +51,7 @@ StatusCode write_two(const LiquidLiquidCall& c) {
   }
   drop_traces(n, c.liquid1);
   drop_traces(n, c.liquid2);
-  ratios_of(n, c.liquid2, c.liquid1, c.K);
+  flash::ratios_of(n, c.liquid2, c.liquid1, c.K);
   return KV_OK;
 }
 

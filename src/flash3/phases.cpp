@@ -398,10 +398,6 @@ void drop_traces(int n, double* x) {
     if (x[i] < kAbsent) x[i] = 0.0;
 }
 
-void ratios_of(int n, const double* above, const double* below, double* K) {
-  for (int i = 0; i < n; ++i) K[i] = flash::ratio_of(above[i], below[i]);
-}
-
 bool same_phase(int n, const double* z, const double* a, const double* b, double tolerance) {
   double sum = 0.0;
   for (int i = 0; i < n; ++i) {

@@ -92,9 +92,6 @@ bool join_phases(int n, int ld, const double* z, const Phases& a, const Phases& 
 /* Fractions below kAbsent become 0. */
 void drop_traces(int n, double* x);
 
-/* K[n] = above/below within its bounds; 1e15 where the phase below lacks a component. */
-void ratios_of(int n, const double* above, const double* below, double* K);
-
 /* Whether two phases are one and the same: sum of (a - b)^2/(a + b) below the tolerance. */
 bool same_phase(int n, const double* z, const double* a, const double* b, double tolerance);
 

@@ -271,7 +271,7 @@ StatusCode write_vapour_and_liquid(Equilibrium& e, const ThreePhaseResult& out) 
   if (p.count == 1)
     std::fill_n(out.KLV, n, kLargestK);
   else
-    ratios_of(n, out.y, out.xA, out.KLV);
+    flash::ratios_of(n, out.y, out.xA, out.KLV);
   return KV_LV_ANSWER;
 }
 
@@ -291,7 +291,7 @@ StatusCode write_liquids(Equilibrium& e, const ThreePhaseResult& out) {
   *out.beta = p.amount[0];
   write_composition(e, p.x[0], out.xA);
   write_composition(e, p.x[1], out.xB);
-  ratios_of(n, out.xA, out.xB, out.KLL);
+  flash::ratios_of(n, out.xA, out.xB, out.KLL);
   return KV_LL_ANSWER;
 }
 
@@ -324,8 +324,8 @@ StatusCode write_phases(Equilibrium& e, const ThreePhaseResult& out) {
   write_composition(e, p.x[kA], out.xA);
   write_composition(e, p.x[kB], out.xB);
   write_composition(e, p.x[kV], out.y);
-  ratios_of(n, out.xA, out.xB, out.KLL);
-  ratios_of(n, out.y, out.xA, out.KLV);
+  flash::ratios_of(n, out.xA, out.xB, out.KLL);
+  flash::ratios_of(n, out.y, out.xA, out.KLV);
   return KV_OK;
 }
 
@@ -338,7 +338,7 @@ StatusCode write_quality_phases(Equilibrium& e, double W, const ThreePhaseResult
   *out.V = W;
   write_composition(e, p.x[vapour], out.y);
   write_composition(e, p.x[0], out.xA);
-  ratios_of(n, out.y, out.xA, out.KLV);
+  flash::ratios_of(n, out.y, out.xA, out.KLV);
   if (p.count == 2) {
     *out.beta = 1.0;
     std::fill_n(out.xB, n, 0.0);
@@ -347,7 +347,7 @@ StatusCode write_quality_phases(Equilibrium& e, double W, const ThreePhaseResult
   }
   *out.beta = p.amount[kA];
   write_composition(e, p.x[kB], out.xB);
-  ratios_of(n, out.xA, out.xB, out.KLL);
+  flash::ratios_of(n, out.xA, out.xB, out.KLL);
   return KV_OK;
 }
 
@@ -365,7 +365,7 @@ bool split_free_water(const LiquidVapour& a, const ThreePhaseResult& out) {
     if (!a.incipient && (a.V == 0.0 || a.V == 1.0))
       std::fill_n(out.KLV, n, a.V == 0.0 ? 0.0 : kLargestK);
     else
-      ratios_of(n, out.y, out.xA, out.KLV);
+      flash::ratios_of(n, out.y, out.xA, out.KLV);
     if (!a.incipient && a.V == 0.0) std::fill_n(out.y, n, 0.0);
     if (!a.incipient && a.V == 1.0) std::fill_n(out.xA, n, 0.0);
     std::fill_n(out.xB, n, 0.0);
@@ -378,7 +378,7 @@ bool split_free_water(const LiquidVapour& a, const ThreePhaseResult& out) {
     out.KLL[i] = i == iw ? std::max(out.xA[i], flash::kSmallestK) : kLargestK;
   }
   drop_traces(n, out.xA);
-  ratios_of(n, out.y, out.xA, out.KLV);
+  flash::ratios_of(n, out.y, out.xA, out.KLV);
   if (a.V > 0.0) return true;
   std::fill_n(out.y, n, 0.0);
   std::fill_n(out.KLV, n, 0.0);
@@ -388,7 +388,7 @@ bool split_free_water(const LiquidVapour& a, const ThreePhaseResult& out) {
 void keep_incipient_vapour(int n, const double* y, const ThreePhaseResult& out) {
   std::copy_n(y, n, out.y);
   drop_traces(n, out.y);
-  ratios_of(n, out.y, *out.beta > 0.0 ? out.xA : out.xB, out.KLV);
+  flash::ratios_of(n, out.y, *out.beta > 0.0 ? out.xA : out.xB, out.KLV);
 }
 
 bool move_marked_liquid(int n, const ThreePhaseResult& out) {
