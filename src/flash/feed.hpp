@@ -10,12 +10,23 @@
 
 namespace kestrune::flash {
 
-/* What is flashed, by whose data and routines: the part that all calls share. */
+// Where a search may start beside what the solver finds itself.
+enum class Start {
+  cold,           // nothing given
+  warm,           // the results of the call hold an estimate; an unusable one is ignored
+  cold_with_hint  // cold, but the results hold a further starting point (the water retry)
+};
+
+/* What is flashed, by whose data and routines, and where a search may start: the part that all calls share. */
 struct Feed {
   const double* z = nullptr;  // [n], need not sum to one
   eos::Context context;
   HostRoutines* routines = nullptr;
   bool free_water = false;  // what water there is beyond the solubility limit is a liquid of its own
+  Start start = Start::cold;
+
+  // The same for a flash inside, whose results hold nothing yet.
+  Feed afresh() const { return {z, context, routines, free_water}; }
 };
 
 /* The feed z[n] divided by its sum. False when the sum is beyond the range of a double. */

@@ -82,7 +82,6 @@ bool one_dry_liquid(const LiquidLiquidCall& c) {
     if (!flash::normalise_feed(n, dry, dry)) return false;
     flash::IsothermalCall call{{dry, c.context, c.routines}, c.T, c.P, &beta, x, y, K};
     call.mode = flash::Mode::liquid_liquid;
-    call.start = flash::Start::cold;
     if (flash::isothermal_flash(call) != KV_SINGLE_PHASE) return false;
     *c.beta = 0.0;
     return flash::normalise_feed(n, c.z, c.liquid1);
@@ -119,8 +118,7 @@ StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
 
   flash::IsothermalCall call{c, c.T, c.P, c.beta, c.liquid1, c.liquid2, c.K};
   call.mode = flash::Mode::liquid_liquid;
-  call.start = c.estimate ? flash::Start::warm : flash::Start::cold;
-  call.index = c.estimate ? 1 : 0;  // the option of this flash, which has the other sense
+  call.index = c.start == flash::Start::warm ? 1 : 0;  // the option of this flash, which has the other sense
   StatusCode status = flash::isothermal_flash(call);
   if (status == KV_TRIVIAL && c.free_water) {
     // By the rules the two hold the same water: the split by the equation of state alone is close.

@@ -11,7 +11,6 @@ struct LiquidLiquidCall : flash::Feed {
   double* beta = nullptr;                         // share of liquid 2
   double *liquid1 = nullptr, *liquid2 = nullptr;  // the denser and the lighter one
   double* K = nullptr;                            // liquid2/liquid1
-  bool estimate = false;                          // the results hold one; an unusable one is ignored
 };
 
 /*

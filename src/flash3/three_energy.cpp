@@ -287,7 +287,7 @@ StatusCode with_search(const ThreeEnergyCall& c, support::Arena& arena, support:
   q.caloric.z = q.e.z;
   flash::open_caloric(arena, q.caloric);
   q.caloric.base = arena.mark();
-  const bool given = c.estimate && take_estimate(c.out, q.e);
+  const bool given = c.start != flash::Start::cold && take_estimate(c.out, q.e);
   const bool started =
       state_at(q, start, given) || (start != kDefaultTemperature && state_at(q, kDefaultTemperature, false));
   status = started ? search(q) : q.status;

@@ -11,10 +11,9 @@ struct ThreeEnergyCall : flash::Feed {
   flash::Property property = flash::Property::enthalpy;
   double wanted = 0.0;  // cal/mol or cal/(mol K), of one mole of feed
   double P = 0.0;       // atm
-  double* T = nullptr;  // in/out, K; exactly 0 starts at 298.15
+  double* T = nullptr;  // in/out, K, with the results where it may start; exactly 0: 298.15
   ThreePhaseResult out = {};
   double *A = nullptr, *B = nullptr, *vapour = nullptr;  // value of each phase; 0 for one that is absent
-  bool estimate = false;  // the results hold the phases at *T; unusable ones are ignored
 };
 
 /*

@@ -39,7 +39,7 @@ StatusCode evaluate(const ThreeEnergyCall& c, const flash::CaloricModel& model, 
 StatusCode state_at(const ThreeEnergyCall& c, const flash::CaloricModel& model, double T, double& total,
                     StatusCode& kind) {
   *c.T = T;
-  kind = three_phase_flash({c, T, c.P, c.out});
+  kind = three_phase_flash({c.afresh(), T, c.P, c.out});
   if (kind != KV_OK && kind != KV_LV_ANSWER && kind != KV_LL_ANSWER) return kind;
   return evaluate(c, model, total);
 }
@@ -81,7 +81,7 @@ StatusCode three_energy_free_water(const ThreeEnergyCall& c) {
     double *const x = arena.zeros(ld), *const y = arena.zeros(ld), *const K = arena.zeros(ld);
     double beta = 0.0, liquid = 0.0, vapour = 0.0;
     const StatusCode status =
-        flash::energy_flash({c, c.property, c.wanted, c.P, c.T, &beta, x, y, K, &liquid, &vapour});
+        flash::energy_flash({c.afresh(), c.property, c.wanted, c.P, c.T, &beta, x, y, K, &liquid, &vapour});
     if (status != KV_OK) return status;
     const bool split = split_free_water({*c.T, c.P, c.context, beta, x, y}, c.out);
     flash::CaloricModel model;
@@ -106,7 +106,7 @@ StatusCode three_quality_free_water(const ThreeQualityCall& c) {
     double *const x = arena.zeros(ld), *const y = arena.zeros(ld), *const K = arena.zeros(ld);
     const double W = std::clamp(c.W, 0.0, 1.0);
     double unknown = *c.unknown;
-    const StatusCode status = flash::quality_flash({c, c.find, W, c.given, &unknown, x, y, K});
+    const StatusCode status = flash::quality_flash({c.afresh(), c.find, W, c.given, &unknown, x, y, K});
     if (status != KV_OK && status != KV_UNSTABLE_POINT) return status;
     *c.unknown = unknown;
     const bool of_T = c.find == flash::Find::temperature;

@@ -195,7 +195,7 @@ StatusCode solve_with_free_water(const ThreePhaseCall& c, support::Arena& arena)
   double* const z = arena.zeros(ld);  // what a flash of the host's is to get
   if (!flash::normalise_feed(n, c.z, z)) return KV_COMPOSITION;
   flash::IsothermalCall call{c, c.T, c.P, &lv.part, lv.first, lv.second, lv.K};
-  const bool given = c.estimate && join_estimate(c, lv);
+  const bool given = c.start != flash::Start::cold && join_estimate(c, lv);
   const FlashRoutine routine = given ? nullptr : host_flash(c, KV_ROUTINE_LV_FLASH);
   if (routine != nullptr && !call_flash(routine, c, z, lv)) return KV_NO_START;
   if (given || routine != nullptr) {
@@ -221,7 +221,7 @@ StatusCode solve(const ThreePhaseCall& c, support::Arena& arena) {
   Equilibrium e;
   StatusCode status = open_equilibrium(c, c.T, c.P, 0, arena, trace, e);
   if (status != KV_OK) return status;
-  const bool given = c.estimate && take_estimate(c.out, e);
+  const bool given = c.start != flash::Start::cold && take_estimate(c.out, e);
   const bool by_host =
       host_flash(c, KV_ROUTINE_LV_FLASH) != nullptr || host_flash(c, KV_ROUTINE_LL_FLASH) != nullptr;
   if (by_host && !given) return solve_with_host(c, e);

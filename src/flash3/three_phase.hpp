@@ -17,7 +17,6 @@ struct ThreePhaseResult {
 struct ThreePhaseCall : flash::Feed {
   double T = 0.0, P = 0.0;  // K, atm
   ThreePhaseResult out = {};
-  bool estimate = false;  // the results hold one; an unusable one is ignored
 };
 
 /*

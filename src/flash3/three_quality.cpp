@@ -40,7 +40,7 @@ StatusCode write_answer(QualitySearch& q) {
 // Solutions start from where the caller or the two-phase flash says.
 StatusCode solve(QualitySearch& q) {
   const ThreeQualityCall& c = q.call;
-  const bool given = c.estimate && *c.unknown > 0.0 && take_estimate(c.out, q.e);
+  const bool given = c.start != flash::Start::cold && *c.unknown > 0.0 && take_estimate(c.out, q.e);
   if (given) {
     q.u = *c.unknown;
     if (move_to(q, q.u) && evaluate_phases(q.e.m, q.e.z, q.e.p, q.e.w, false) == KV_OK &&
@@ -68,7 +68,7 @@ StatusCode single_component(const ThreeQualityCall& c) {
     double *const x = arena.zeros(n), *const y = arena.zeros(n), *const K = arena.zeros(n);
     double unknown = *c.unknown;
     const double W = std::clamp(c.W, 0.0, 1.0);
-    const StatusCode status = flash::quality_flash({c, c.find, W, c.given, &unknown, x, y, K});
+    const StatusCode status = flash::quality_flash({c.afresh(), c.find, W, c.given, &unknown, x, y, K});
     if (status != KV_OK) return status;
     *c.unknown = unknown;
     *c.out.V = W;

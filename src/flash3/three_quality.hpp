@@ -14,7 +14,6 @@ struct ThreeQualityCall : flash::Feed {
   double given = 0.0;         // P (atm) or T (K)
   double* unknown = nullptr;  // in/out, K or atm; not greater than 0: a start of the flash's own
   ThreePhaseResult out = {};  // V receives W
-  bool estimate = false;      // the results and the unknown hold one; an unusable one is ignored
 };
 
 /*

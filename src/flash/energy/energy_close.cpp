@@ -91,7 +91,7 @@ bool solve_for_fraction(Energy& e, EnergyState& s) {
     q.context = e.silent;
     q.routines = e.call.routines;
     q.free_water = e.call.free_water;
-    q.cold = false;
+    q.start = Start::warm;
     double T = e.bracket.low;
     q.unknown = &T;
     q.x = s.x;

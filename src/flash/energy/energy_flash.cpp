@@ -122,7 +122,7 @@ bool equilibrium_towards(Energy& e, double T) {
 
 // The first state that a flash has an answer at, from where the search is started.
 bool first_equilibrium(Energy& e) {
-  if (equilibrium_at(e, e.start_T, !e.call.cold, e.state)) return true;
+  if (equilibrium_at(e, e.start_T, e.call.start != Start::cold, e.state)) return true;
   for (const double T : kOtherStarts) {
     if (model_refuses(e)) return false;
     if (T != e.start_T && equilibrium_at(e, T, false, e.state)) return true;
@@ -172,7 +172,7 @@ StatusCode end_towards(Energy& e, double from, double T) {
  * the answer.
  */
 bool solved_by_first_guess(Energy& e) {
-  if (!e.call.cold || !e.model.analytic()) return false;
+  if (e.call.start != Start::cold || !e.model.analytic()) return false;
   e.spare.T = e.start_T;
   if (solve_as_one_phase(e)) return true;
   if (e.flashes == 0 && plausible(e.spare.T)) e.start_T = e.spare.T;
@@ -234,11 +234,12 @@ StatusCode search_and_prove(Energy& e, bool warm) {
 // The driver: single component, main solver, search.
 StatusCode drive(Energy& e, support::Arena& arena) {
   const EnergyCall& c = e.call;
+  const bool warm = c.start != Start::cold;
   if (*c.T == 0.0) *c.T = kDefaultTemperature;
   e.start_T = plausible(*c.T) ? *c.T : kDefaultTemperature;
   trace_energy_header(e.trace, c, e.start_T);
   e.state.T = e.start_T;
-  if (!c.cold) {
+  if (warm) {
     e.state.beta = *c.beta;
     for (int i = 0; i < e.n; ++i) {
       e.state.x[i] = c.x[i];
@@ -253,18 +254,18 @@ StatusCode drive(Energy& e, support::Arena& arena) {
     if (status != KV_OK && status != kNotApplicable) return write_state(e, status);
   }
   EnergyState saved = e.saved;
-  if (!c.cold) copy_state(e, e.state, saved);
+  if (warm) copy_state(e, e.state, saved);
   StatusCode status = iterate(e);
   const bool search = (status == KV_SINGLE_PHASE || status == KV_NOT_CONVERGED || status == KV_DAMPING) &&
                       std::fabs(e.limit) != kLimitReached && !e.jump;
   if (!search) return write_state(e, status);
   *c.T = e.state.T;
-  if (!c.cold) {
+  if (warm) {
     const double T = e.state.T;
     copy_state(e, saved, e.state);
     e.state.T = T;
   }
-  return write_state(e, search_and_prove(e, !c.cold));
+  return write_state(e, search_and_prove(e, warm));
 }
 
 // Everything that a flash works with, then run(flash, arena).

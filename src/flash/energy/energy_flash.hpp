@@ -9,13 +9,12 @@ namespace kestrune::flash {
 
 struct EnergyCall : Feed {
   Property property = Property::enthalpy;
-  double wanted = 0.0;  // cal/mol or cal/(mol K), of one mole of feed
-  double P = 0.0;       // atm
-  double* T = nullptr;  // in/out, K; exactly 0 starts at 298.15
-  double* beta = nullptr;
+  double wanted = 0.0;     // cal/mol or cal/(mol K), of one mole of feed
+  double P = 0.0;          // atm
+  double* T = nullptr;     // in/out, K; exactly 0 starts at 298.15
+  double* beta = nullptr;  // with x and y where the flash at *T may start
   double *x = nullptr, *y = nullptr, *K = nullptr;
   double *liquid = nullptr, *vapour = nullptr;  // value of each phase; 0 for one that is absent
-  bool cold = true;                             // else beta, x, y hold an estimate for the flash at *T
   int index = 1;                                // initialisation index, for the trace
   int* flashes = nullptr;                       // may be null: isothermal flashes that were run
 };

@@ -8,13 +8,6 @@
 
 namespace kestrune::flash {
 
-// Where the iteration may start beside what the solver finds itself.
-enum class Start {
-  cold,           // nothing given
-  warm,           // beta, x, y hold an estimate; an unusable one is ignored
-  cold_with_hint  // cold, but beta, x, y hold a further starting point (the water retry)
-};
-
 /*
  * For a caller that looks for a third phase itself: an answer of two phases that a further phase cuts is then
  * returned as it is, and every component present is tried as a phase of its own.
@@ -31,10 +24,9 @@ struct ThirdPhase {
  */
 struct IsothermalCall : Feed {
   double T = 0.0, P = 0.0;  // K, atm
-  double* beta = nullptr;   // vapour (second liquid) fraction
+  double* beta = nullptr;   // vapour (second liquid) fraction; with x and y where it may start
   double *x = nullptr, *y = nullptr, *K = nullptr;
   Mode mode = Mode::liquid_vapour;
-  Start start = Start::cold;
   int index = 1;                // initialisation index, for the trace; of two liquids see settings.hpp
   Counts* counts = nullptr;     // may be null
   Model* model = nullptr;       // prepared for this call; null: the flash makes its own

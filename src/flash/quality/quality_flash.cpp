@@ -290,7 +290,7 @@ bool start_from_water(Quality& q) {
 
 bool usable_estimate(const Quality& q) {
   const QualityCall& c = q.call;
-  if (c.cold || !(*c.unknown > 0.0 && within_range(q.of_T(), *c.unknown))) return false;
+  if (c.start == Start::cold || !(*c.unknown > 0.0 && within_range(q.of_T(), *c.unknown))) return false;
   double difference = 0.0;
   for (int i = 0; i < q.line.n; ++i) difference = std::max(difference, std::fabs(c.x[i] - c.y[i]));
   return usable_compositions(q.line.n, c.x, c.y) && difference > 1e-6;
@@ -412,7 +412,8 @@ StatusCode set_up(const QualityCall& call, support::Arena& arena) {
 void trace_start(const QualityCall& c, double W, double start, support::TraceWriter& trace) {
   const bool of_T = c.find == Find::temperature;
   const int n = c.context.record->count;
-  if (!c.cold && usable_compositions(n, c.x, c.y)) return trace_quality_start(trace, of_T, start, n, c.x, c.y);
+  if (c.start != Start::cold && usable_compositions(n, c.x, c.y))
+    return trace_quality_start(trace, of_T, start, n, c.x, c.y);
   support::with_arena<0, 6>(n, [&](support::Arena& arena) {
     const std::size_t ld = support::padded(n);
     double *const z = arena.zeros(ld), *const x = arena.zeros(ld), *const y = arena.zeros(ld);
@@ -434,8 +435,9 @@ double set_up_quality(const QualityCall& c, double W, Settings& settings, suppor
   double start = *c.unknown;
   if (!within_range(of_T, start)) start = of_T ? kDefaultTemperature : kDefaultPressure;
   if (of_T) start = starting_temperature(kModelOptions, *c.context.record, c.z, start);
-  apply_quality_settings(kModelOptions, W, c.cold, settings);
-  trace_quality_header(trace, of_T, W, c.cold ? 1 : 0, settings);
+  const bool cold = c.start == Start::cold;
+  apply_quality_settings(kModelOptions, W, cold, settings);
+  trace_quality_header(trace, of_T, W, cold ? 1 : 0, settings);
   if (trace) trace_start(c, W, start, trace);
   return start;
 }

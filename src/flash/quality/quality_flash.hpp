@@ -13,9 +13,8 @@ struct QualityCall : Feed {
   Find find = Find::temperature;
   double W = 0.0;             // below 0 counts as 0, above 1 as 1
   double given = 0.0;         // P (atm) or T (K)
-  double* unknown = nullptr;  // in/out; not greater than 0: 298.15 K, 1 atm
+  double* unknown = nullptr;  // in/out, with x and y where it may start; not greater than 0: 298.15 K, 1 atm
   double *x = nullptr, *y = nullptr, *K = nullptr;
-  bool cold = true;          // else x, y and the unknown hold an estimate; an unusable one is ignored
   Counts* counts = nullptr;  // may be null
 };
 

@@ -284,7 +284,8 @@ StatusCode write_point(WetSearch& q, const LinePoint& p, StatusCode status) {
 
 bool usable_estimate(const WetSearch& q) {
   const QualityCall& c = q.call;
-  return !c.cold && *c.unknown > 0.0 && *c.unknown <= 1e6 && usable_compositions(q.line.n, c.x, c.y);
+  return c.start != Start::cold && *c.unknown > 0.0 && *c.unknown <= 1e6 &&
+         usable_compositions(q.line.n, c.x, c.y);
 }
 
 StatusCode solve(WetSearch& q, support::TraceWriter& trace) {

@@ -20,6 +20,11 @@ StatusCode check_flash(const double* z, const MixtureRecord* mixture, const Poin
   return status != KV_OK ? status : frame::check_feed(z, mixture);
 }
 
+// Where a flash of two phases starts: the option says cold. A hint is started from, which makes no warm start of it.
+flash::Start start_of(int32_t options, bool hint) {
+  return hint ? flash::Start::cold_with_hint : (options & 1) != 0 ? flash::Start::cold : flash::Start::warm;
+}
+
 // At enthalpy or entropy; free water and the start are filled in here.
 StatusCode energy_flash(flash::EnergyCall call, const ModelRoutines* routines, int32_t options) {
   const StatusCode bad = first_failure({frame::check_specified(call.wanted), frame::check_pressure(call.P),
@@ -28,10 +33,10 @@ StatusCode energy_flash(flash::EnergyCall call, const ModelRoutines* routines, i
   if (bad != KV_OK) return bad;
   flash::HostRoutines host = exports::routines_of_call(routines, call.context.record->count);
   call.routines = &host;
+  call.index = options & 1;
   const auto core = [&](bool hint) {
     call.free_water = exports::free_water(*call.context.record);
-    call.index = options & 1;
-    call.cold = call.index != 0 && !hint;  // a hint is started from, which makes no warm start of it
+    call.start = start_of(options, hint);
     return flash::energy_flash(call);
   };
   return exports::two_phase_wrapper(call.P, call.z, *call.context.record, host, options,
@@ -46,7 +51,7 @@ StatusCode quality_flash(flash::QualityCall call, const ModelRoutines* routines,
   if (bad != KV_OK) return bad;
   flash::HostRoutines host = exports::routines_of_call(routines, call.context.record->count);
   call.routines = &host;
-  call.cold = (options & 1) != 0;
+  call.start = start_of(options, false);
   call.free_water = exports::wet_feed(*call.context.record, call.z);
   return exports::run_search(host, [&] { return flash::quality_flash(call); });
 }
@@ -62,7 +67,7 @@ StatusCode isothermal_flash(flash::IsothermalCall call, const ModelRoutines* rou
   call.index = options & 1;
   const auto core = [&](bool hint) {
     call.free_water = exports::free_water(*call.context.record);
-    call.start = hint ? flash::Start::cold_with_hint : (call.index ? flash::Start::cold : flash::Start::warm);
+    call.start = start_of(options, hint);
     return flash::isothermal_flash(call);
   };
   return exports::two_phase_wrapper(call.P, call.z, *call.context.record, host, options,
