@@ -239,6 +239,10 @@ bool look_for_missing(Wet& f, Kind kind, const Known (&known)[2]) {
   if (!liquid) {
     std::copy_n(f.answer.d, n, f.trial.log_w);
     if (!run()) return false;
+  } else if (known[0].x != nullptr && !loosely_packed(f, known[0].x, kThin * known[0].Z)) {
+    // A dense gas, with the water of a liquid.
+    for (int i = 0; i < n; ++i) f.trial.log_w[i] = support::fast_log(known[0].x[i]);
+    if (!run()) return false;
   }
   const double* Tc = f.call.context.record->table + static_cast<std::size_t>(KV_COL_TC - 1) * n;
   for (int j = 0; j < n; ++j) {
