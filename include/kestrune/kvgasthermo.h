@@ -24,8 +24,8 @@
  * Time: a flash may spend 4e7/(count + 8)^2 evaluations of ln phi, not more than 100 000 and not less than 4 000,
  * of three phases at a vapour fraction twice as many, an envelope four times; settings cannot raise that. One with
  * composition derivatives counts as three (of many components as more), a new temperature as six. A flash that has
- * spent it ends with 112, one at a vapour fraction with 116. Critical points and the water exports are bounded by
- * their iterations alone.
+ * spent it ends with 112, one at a vapour fraction with 116; an envelope ends where it is, with 144 and the points up
+ * to there. Critical points and the water exports are bounded by their iterations alone.
  *
  * "48 bytes" is what the arguments of an export take on the stack of a 32-bit process and the export removes from
  * it: 8 for a double by value, 4 for an integer or an address. For FlashLVatTP 2 * 8 + 8 * 4:

@@ -284,12 +284,25 @@ double most_vapour(QualitySearch& q, double T) {
   return most;
 }
 
+// Whether there is nothing to look for at u, on the way there: beyond the range, or too cold for that much vapour.
+bool beyond_search(QualitySearch& q, double u, double way) {
+  const double least = q.of_T ? kLowestT : kLowestP, most = q.of_T ? kHighestT : kHighestP;
+  if (!(u > least && u < most)) return true;
+  return q.of_T && way < 0.0 && !(most_vapour(q, u) > kMuchLess * q.W);
+}
+
+// Whether the state at u, q.fresh, is the last on its side: all vapour on the way to more of it, rising; or on the way to
+// the cold the second on end that a fourth phase cuts.
+bool last_on_side(const QualitySearch& q, double u, double way, double rising, bool cut) {
+  if (way * rising > 0.0 && q.fresh.p.count == 1 && q.e.gas) return true;
+  return cut && q.of_T && way < 0.0 && u < kFourPhases;
+}
+
 // From the first guess of the unknown outwards to both sides.
 StatusCode search_from(QualitySearch& q, double first) {
   // The vapour's part rises with temperature and falls with pressure, as a rule; beside critical points it need
   // not.
   const double rising = q.of_T ? 1.0 : -1.0;
-  const double least = q.of_T ? kLowestT : kLowestP, most = q.of_T ? kHighestT : kHighestP;
   const double longest = q.of_T ? kLongestStepT : kLongestStepP;
   Walks walks{1, 3, kMostWalks, kMostWalks};
   Step step_to = look_at(q, first, walks, nullptr, q.outer[0]);
@@ -310,8 +323,7 @@ StatusCode search_from(QualitySearch& q, double first) {
     if (open[side] == 0) continue;
     const double way = side == 0 ? towards : -towards;
     const double u = ends[side] * std::exp(way * step * (cut[side] ? kLongerCut : 1.0));
-    const bool too_cold = q.of_T && way < 0.0 && !(most_vapour(q, u) > kMuchLess * q.W);
-    if (!(u > least && u < most) || too_cold) {
+    if (beyond_search(q, u, way)) {
       open[side] = 0;
       continue;
     }
@@ -324,10 +336,8 @@ StatusCode search_from(QualitySearch& q, double first) {
       --open[side];
       continue;
     }
-    // All vapour on the way to more of it: there is nothing further on this side.
-    if (way * rising > 0.0 && q.fresh.p.count == 1 && q.e.gas) open[side] = 0;
     cut[side] = outer.cut && q.fresh.cut;
-    if (cut[side] && q.of_T && way < 0.0 && u < kFourPhases) open[side] = 0;
+    if (last_on_side(q, u, way, rising, cut[side])) open[side] = 0;
     Node& next = q.between[0];
     std::swap(next, q.fresh);
     if (search_between(q, outer, next, 1)) return KV_OK;

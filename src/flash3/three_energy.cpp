@@ -374,7 +374,7 @@ StatusCode three_energy_flash(const ThreeEnergyCall& c) {
   const int n = c.context.record->count;
   if (const StatusCode bad = flash::check_feed_sum(c.z, *c.context.record); bad != KV_OK) return bad;
   if (*c.T == 0.0) *c.T = kDefaultTemperature;
-  const int j = flash::single_component(n, c.z, flash::pure_tolerance(*c.context.record));
+  const int j = flash::single_component_of_feed(n, c.z, flash::pure_tolerance(*c.context.record));
   // Of a feed of hardly anything but another component the water that it has is a liquid of its own.
   if (j >= 0 && (!c.free_water || j == eos::find_water_family(*c.context.record)))
     return support::with_arena<0, 5>(n, [&](support::Arena& arena) { return single_component(c, arena); });

@@ -108,7 +108,7 @@ StatusCode with_search(const ThreeQualityCall& c, support::Arena& arena, support
 StatusCode find_point(const ThreeQualityCall& c) {
   const int n = c.context.record->count;
   if (const StatusCode bad = flash::check_feed_sum(c.z, *c.context.record); bad != KV_OK) return bad;
-  if (flash::single_component(n, c.z, flash::pure_tolerance(*c.context.record)) >= 0)
+  if (flash::single_component_of_feed(n, c.z, flash::pure_tolerance(*c.context.record)) >= 0)
     return single_component(c);
   if (c.free_water) return three_quality_free_water(c);
   return support::with_arena<6, 180>(n, [&](support::Arena& arena) {

@@ -192,6 +192,22 @@ TEST_F(Calls, WaterByFamilyAlone) {
   }
 }
 
+// A feed in moles is flashed as the feed that it is in fractions, a main component of more than one mole among them.
+TEST_F(Calls, FeedsInMoles) {
+  Mixture two = mixture_of({"methane", "n_heptane"});
+  two.use();
+  two.record.sum_tolerance = 10.0;  // of three phases the sum is looked at
+  for (const Flash& f : kFlashes) {
+    SCOPED_TRACE(f.name);
+    const std::vector<double> fractions{0.85, 0.15};
+    const Answer one = ask(f, {fractions.data(), &two.record, nullptr, 1, 180.0, 40.0});
+    for (const double moles : {0.5, 2.0, 4.0}) {
+      const std::vector<double> feed{0.85 * moles, 0.15 * moles};
+      EXPECT_TRUE(ask(f, {feed.data(), &two.record, nullptr, 1, 180.0, 40.0}) == one) << moles;
+    }
+  }
+}
+
 // Whatever the status, a vapour beside the mark beta = 1 reaches the host with beta 0 and its liquid in B.
 TEST_F(Calls, TheMarkedLiquidIsMovedWhateverTheStatus) {
   gas.use();

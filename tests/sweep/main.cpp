@@ -15,7 +15,7 @@ int run(const Options& o) {
   if (!failures) throw std::runtime_error("cannot write " + o.failures);
   const int bad = run_of(o.mode).body(o, library, failures);
   std::fclose(failures);
-  if (bad > 0) std::printf("wrong answers: %s\n", o.failures.c_str());
+  if (bad > 0 && o.failures != "/dev/null") std::printf("wrong answers: %s\n", o.failures.c_str());
   return bad == 0 ? 0 : 1;
 }
 

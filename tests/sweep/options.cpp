@@ -40,7 +40,7 @@ void print_usage() {
       "  --library FILE   shared library (default: beside this program)\n"
       "  --data DIR       folder of the component data (default: KESTRUNE_DATA of the environment, else the "
       "build's)\n"
-      "  --failures FILE  wrong answers with their conditions (default sweep_failures.csv)\n",
+      "  --failures FILE  wrong answers with their conditions (default: none is written)\n",
       stderr);
 }
 

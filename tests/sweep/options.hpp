@@ -24,7 +24,7 @@ struct Options {
   int states = 0, jobs = 1, critical_steps = 40;
   uint64_t seed = 1;
   bool warm = false, times = false;
-  std::string mixture, library, data, failures = "sweep_failures.csv";
+  std::string mixture, library, data, failures = "/dev/null";
 
   // Other states for every feed.
   uint64_t seed_of(const Feed& feed) const;

@@ -208,7 +208,7 @@ bool end_of_two(WetSearch& q, double u, double step) {
 bool first_crossing(WetSearch& q, double& u, bool& solved) {
   const double even = q.of_T ? -kEvenT : kEvenP;
   bool looked = false;  // q.here is the state at u
-  double step = even, next = even;
+  double step = even, next = 0.0;
   for (; u > least(q) && u < most(q); u += step, step = next) {
     q.little.known = q.much.known = false;
     if (looked) {
@@ -218,7 +218,6 @@ bool first_crossing(WetSearch& q, double& u, bool& solved) {
       step = next = even;
       continue;
     }
-    looked = false;
     next = even;
     const double beta = q.here.beta;
     const bool two = beta > 0.0 && beta < 1.0;
