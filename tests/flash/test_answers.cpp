@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
+#include <random>
 
 #include "common/flash_call.hpp"
 
@@ -86,6 +88,49 @@ TEST(Answers, ScaleAndOrderDoNotMatter) {
     }
     expect_same(back, answers[k], 1e-10);
   }
+}
+
+// One component and a little of others close to its critical point, between the bubble and the dew temperature of the
+// flash at a vapour fraction: compositions are as stable as anywhere there, and the two phases differ by their density.
+TEST(Answers, TwoPhasesBetweenBubbleAndDewPoints) {
+  const std::vector<std::string> others{"methane",        "ethane",   "propane", "nitrogen",
+                                        "carbon_dioxide", "n_butane", "ethylene"};
+  std::mt19937_64 random(20261123);
+  const auto part = [&] { return std::uniform_real_distribution<double>(0.0, 1.0)(random); };
+  int asked = 0, missed = 0;
+  const auto ask = [&](Mixture& m, const std::vector<double>& z, double P, double at) {
+    std::vector<double> x(z.size()), y(z.size()), K(z.size());
+    double T[2] = {0.0, 0.0};
+    for (const int W : {0, 1})
+      if (FlashLVatWP(W, P, z.data(), &m.record, nullptr, 1, T + W, x.data(), y.data(), K.data()) != KV_OK)
+        return;
+    if (!(T[1] > T[0])) return;  // the line of a second liquid
+    ++asked;
+    if (flash(m, T[0] + at * (T[1] - T[0]), P, z).two_phases()) return;
+    ++missed;
+    ADD_FAILURE() << P << " atm, " << T[0] << " to " << T[1] << " K, " << z[1] << " of " << z.size() - 1;
+  };
+  for (const char* solvent : {"carbon_dioxide", "methane", "ethane", "hydrogen_sulfide", "propane"})
+    for (int k = 0; k < 40; ++k) {
+      std::vector<std::string> ids{solvent};
+      while (ids.size() < 2u + static_cast<unsigned>(k) % 3u) {
+        const std::string& other = others[random() % others.size()];
+        if (std::find(ids.begin(), ids.end(), other) == ids.end()) ids.push_back(other);
+      }
+      std::vector<double> z(ids.size(), 1.0);
+      for (std::size_t i = 1; i < z.size(); ++i) z[0] -= z[i] = std::pow(10.0, -3.5 + 2.0 * part());
+      Mixture m = mixture_of(ids);
+      m.use();
+      for (int q = 0; q < 10; ++q) ask(m, z, m.at(0, KV_COL_PC) * (0.6 + 0.4 * part()), 0.02 + 0.96 * part());
+    }
+  EXPECT_GT(asked, 1900);
+  // The same of more of the other component.
+  Mixture sulphur = mixture_of({"propane", "sulfur_dioxide"}),
+          mercaptan = mixture_of({"methyl_mercaptan", "ammonia", "n_butane"});
+  sulphur.use();
+  EXPECT_NEAR(flash(sulphur, 381.0, 55.0, {0.2472, 0.7528}).beta, 0.35987, 1e-4);
+  mercaptan.use();
+  EXPECT_NEAR(flash(mercaptan, 419.4, 54.0, {0.0709, 0.4373, 0.4918}).beta, 0.88293, 1e-4);
 }
 
 TEST(Answers, RepeatedComponentsAddUp) {

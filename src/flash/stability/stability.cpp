@@ -40,12 +40,35 @@ bool wilson_trials(Stability& s, const Plane& plane) {
   return start_trial(s, plane, kWilsonVapour) && run_trial(s, plane, trial_kind(s), gas ? kGasPacking : 0.0);
 }
 
+/*
+ * Whether a phase gives way to pressure as near a critical point: of almost one component alone it does so there while
+ * its composition is as stable as anywhere. s.direction is then the one in which it becomes denser.
+ */
+bool soft(Stability& s, const PlanePhase& phase) {
+  constexpr double kSoft = 0.2;  // -(dP/dv)/(P/v) Z; 1 of an ideal gas
+  if (phase.at == nullptr) return false;
+  const eos::Mechanics k = eos::mechanics(s.m.t, phase.at->mixed, phase.at->root);
+  if (!(k.one_plus_k < kSoft)) return false;
+  double* const d = s.direction;
+  eos::p_dln_phi_dP(s.m.t, k, phase.at->root, phase.at->s, d);
+  double mean = 0.0, norm = 0.0;
+  for (int i = 0; i < s.m.n; ++i) mean += phase.x[i] * d[i];
+  for (int i = 0; i < s.m.n; ++i) {
+    d[i] = std::sqrt(phase.x[i]) * (mean - d[i]);
+    norm += d[i] * d[i];
+  }
+  const double scale = norm > 0.0 ? 1.0 / std::sqrt(norm) : 0.0;
+  for (int i = 0; i < s.m.n; ++i) d[i] *= scale;
+  return true;
+}
+
 // Whether a critical point may be close to the feed; s.direction is then the way to it. False with s.status where
 // that cannot be told.
 bool near_critical(Stability& s, const PlanePhase& feed) {
   if (s.m.free_water || dilute(s, feed)) return false;
   s.m.counts.step = Step::curvature;
-  return !clearly_convex(s.m, feed.x, trial_kind(s), feed.at, s.work, s.trial, s.direction, s.status);
+  return !clearly_convex(s.m, feed.x, trial_kind(s), feed.at, s.work, s.trial, s.direction, s.status) ||
+         (s.status == KV_OK && soft(s, feed));
 }
 
 bool test_feed(Stability& s, const Plane& plane) {

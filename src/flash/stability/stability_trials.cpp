@@ -41,11 +41,18 @@ void remember(Stability& s) {
   s.have_lowest = true;
 }
 
+// Of a phase of the plane by the built-in equation, 0 where it is not known.
+double packing_of(const Model& m, const PlanePhase& phase) {
+  if (!m.built_in() || !(phase.Z > 0.0)) return 0.0;
+  return phase.at != nullptr ? phase.at->root.eta : packing(m, covolume(*m.context.record, phase.x), phase.Z);
+}
+
 // Follows s.trial, carefully or not.
 bool follow(Stability& s, const Plane& plane, Kind kind, double gas_packing, bool carefully) {
   s.trial.Z = 0.0;
   Reference ref = reference_of(plane);
   ref.gas_packing = gas_packing;
+  for (int j = 0; j < plane.count; ++j) ref.packing[j] = packing_of(s.m, plane.phase[j]);
   ref.known = plane.incipient.x != nullptr ? plane.incipient.x : s.lowest.w;
   ref.known_count =
       plane.incipient.x != nullptr || (s.have_lowest && s.lowest.tm > 0.0 && s.how == Follow::quick) ? 1 : 0;

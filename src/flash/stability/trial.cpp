@@ -32,6 +32,7 @@ constexpr double kLargestLogW = 600.0;
 // A negative distance beyond this needs no more digits to start a split from.
 constexpr double kClearlyNegative = -1e-2, kClearGradient = 1e-3;
 constexpr double kTrivialDistance = 1e-1, kTrivialRatio = 0.2;
+constexpr double kSamePacking = 1.3;  // ratio of packings of what may be one phase
 constexpr double kKnownComposition = 0.01, kKnownExactly = 1e-4;
 constexpr double kSameRoot = 1e-9;  // relative difference of the Z of a host's two phases
 // sum of (w - z)^2/(w + z); from a start, before any step, only what is nearer still counts as on its way back
@@ -77,12 +78,16 @@ double spread(const double* w, const double* z, int n) {
 // Is the trial on its way back to a phase of composition z on the same plane? Then the distance behaves as
 // the quadratic that has its minimum there: 2 tm equals the derivative along the way from it, (15) of
 // docs/method.md.
-bool returns_to(const double* z, int n, bool quick, double near, const TrialWork& work, const Trial& t) {
+// It may do so by chance while the trial is a gas yet and the phase a liquid, or the other way round.
+bool returns_to(const double* z, double packing, int n, bool quick, double near, const TrialWork& work,
+                const Trial& t) {
   if (z == nullptr) return false;
   double towards = 0.0;
   for (int i = 0; i < n; ++i) towards += (t.sum * t.w[i] - z[i]) * work.r[i];
   const double distance = spread(t.w, z, n);
   if (distance < kSameComposition) return true;
+  const double eta = t.at.root.eta;
+  if (packing > 0.0 && (eta > kSamePacking * packing || packing > kSamePacking * eta)) return false;
   return quick && t.tm > 0.0 && distance < near && std::fabs(2.0 * t.tm - towards) < kTrivialRatio * towards;
 }
 
@@ -173,8 +178,8 @@ bool came_back(const Way& y, int k) {
   if (k == 0 && y.ref.gas_packing > 0.0 && t.at.root.eta < y.ref.gas_packing) return true;
   if ((k >= 1 || y.quick()) && std::fabs(t.tm) < kTrivialDistance) {
     const double near = k >= 1 ? kNearComposition : kNearFromStart;
-    for (const double* phase : y.ref.phase)
-      if (returns_to(phase, y.m.n, y.quick(), near, y.work, t)) return true;
+    for (int j = 0; j < kMostInPlane; ++j)
+      if (returns_to(y.ref.phase[j], y.ref.packing[j], y.m.n, y.quick(), near, y.work, t)) return true;
   }
   return k >= 1 && is_known(y.ref, y.m, y.quick() ? kKnownComposition : kKnownExactly, t);
 }

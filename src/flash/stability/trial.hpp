@@ -18,6 +18,7 @@ inline constexpr int kMostInPlane = 3;
 struct Reference {
   const double* d = nullptr;               // [ld]
   const double* phase[kMostInPlane] = {};  // [ld], null where there are fewer
+  double packing[kMostInPlane] = {};       // covolume over volume of these, 0 where it is not known
   const double* known = nullptr;           // [ld * known_count]
   int known_count = 0;
   // A trial that begins as a gas packed less densely than this is a phase of the plane; 0 where none is.
