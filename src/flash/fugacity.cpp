@@ -92,6 +92,13 @@ double pseudo_critical_temperature(const MixtureRecord& mixture, const double* x
   return sum;
 }
 
+bool passes_for_vapour(const MixtureRecord& mixture, double T, double P, const double* x, double Z,
+                       bool beside_water) noexcept {
+  constexpr double kBesideWater = 1.25;
+  return loosely_packed(mixture, T, P, x, Z) ||
+         T > (beside_water ? kBesideWater : 1.0) * pseudo_critical_temperature(mixture, x);
+}
+
 StatusCode make_model(double T, double P, const eos::Context& context, HostRoutines* routines, bool free_water,
                       int order, support::Arena& arena, Model& m) {
   m.T = T;

@@ -113,6 +113,20 @@ bool loosely_packed(const MixtureRecord& mixture, double T, double P, const doub
 /* Kay's pseudo-critical temperature of x[count], K. */
 double pseudo_critical_temperature(const MixtureRecord& mixture, const double* x) noexcept;
 
+/* Whether a liquid x[count] is water more than anything else; water: its index, -1 where there is none. */
+inline bool is_aqueous(int water, const double* x) noexcept {
+  constexpr double kAqueous = 0.5;
+  return water >= 0 && x[water] > kAqueous;
+}
+
+/*
+ * Whether the less densely packed one of two phases, x[count], passes for a vapour: above the critical volume of the
+ * equation, or where no liquid like it could be: above its pseudo-critical temperature, by a quarter of it beside an
+ * aqueous liquid, with which a fluid has nothing in common that could make it a gas.
+ */
+bool passes_for_vapour(const MixtureRecord& mixture, double T, double P, const double* x, double Z,
+                       bool beside_water) noexcept;
+
 // Derivatives beside ln phi; null = not wanted. dn has column j at j * ld and n rows.
 struct Derivatives {
   double* dT = nullptr;  // [n] 1/K

@@ -434,17 +434,14 @@ int lightest_phase(const Equilibrium& e) {
 }
 
 int find_vapour(const Equilibrium& e) {
-  constexpr double kAqueous = 0.5, kBesideWater = 1.25;
   const Phases& p = e.p;
   const MixtureRecord& r = *e.m.context.record;
   const int v = lightest_phase(e);
   if (p.count == kMostPhases) return v;
   if (p.count == 1) return e.gas ? 0 : -1;
   if (!(p.Z[v] > 0.0)) return -1;
-  if (flash::loosely_packed(r, e.m.T, e.m.P, p.x[v], p.Z[v])) return v;
-  const int water = eos::find_water_family(r);
-  const bool aqueous = water >= 0 && p.x[1 - v][water] > kAqueous;
-  return e.m.T > (aqueous ? kBesideWater : 1.0) * flash::pseudo_critical_temperature(r, p.x[v]) ? v : -1;
+  const bool aqueous = flash::is_aqueous(eos::find_water_family(r), p.x[1 - v]);
+  return flash::passes_for_vapour(r, e.m.T, e.m.P, p.x[v], p.Z[v], aqueous) ? v : -1;
 }
 
 }  // namespace kestrune::flash3

@@ -90,8 +90,8 @@ bool as_good(Quality& q, const double* w, const double* ln_phi) {
 
 /*
  * A vapour y beside a liquid x: y is the less densely packed one (else the vapour fraction is 1 - W), and no
- * liquid itself (else the two are liquids that do not mix). And no K is at its bound, where it follows no
- * fugacity.
+ * liquid itself (else the two are liquids that do not mix): beside water by the rule of the flashes of three phases.
+ * And no K is at its bound, where it follows no fugacity.
  */
 bool vapour_and_liquid(const Quality& q) {
   const LinePoint& p = q.point;
@@ -100,8 +100,10 @@ bool vapour_and_liquid(const Quality& q) {
     if (q.line.z[i] > 0.0 && side * p.X[i] >= kLargestLogK) return false;
   const MixtureRecord& m = *q.call.context.record;
   if (lighter(m, p.x, p.Zx, p.y, p.Zy)) return false;
-  // However dense it is, above its own pseudo-critical temperature (Kay) a fluid is no liquid.
   const double T = q.T();
+  const int water = eos::find_water_family(m);
+  if (is_aqueous(water, p.x)) return passes_for_vapour(m, T, q.P(), p.y, p.Zy, true);
+  // However dense it is, above its own pseudo-critical temperature (Kay) a fluid is no liquid.
   return T > pseudo_critical_temperature(m, p.y) ||
          p.Zy * eos::kR * T / q.P() > kDensestVapour * covolume(m, p.y);
 }
