@@ -242,7 +242,9 @@ KV_API StatusCode KV_CALL FlashLLVatWT(double W, double T, const double* z, Mixt
  * liquid2  [count] in/out the lighter one
  * K        [count] out liquid2 / liquid1, 1e15 where liquid1 lacks a component
  *
- * With the FreeWaterFlag water beyond the solubility limit of the others is a liquid of its own.
+ * A component of which z as it is given has more than 1 - the pure tolerance counts as the whole feed, so that z should be
+ * in fractions here: one liquid then, with K = 1e-15; of a feed that does not split K is 0. With the FreeWaterFlag water
+ * beyond the solubility limit of the others is a liquid of its own.
  */
 KV_API StatusCode KV_CALL FlashLLatTP(double T, double P, const double* z, MixtureRecord* mixture,
                                       const ModelRoutines* routines, int32_t options, double* beta,

@@ -105,7 +105,7 @@ StatusCode liquid_liquid_flash(const LiquidLiquidCall& c) {
   const Short way = support::with_arena<0, 4>(n, [&](support::Arena& arena) {
     double *const z = arena.take(n), *const oil = arena.take(n);
     flash::normalise_feed(n, c.z, z);
-    if (flash::single_component_of_feed(n, c.z, flash::pure_tolerance(*c.context.record)) < 0)
+    if (flash::single_component(n, c.z, flash::pure_tolerance(*c.context.record)) < 0)
       return c.free_water && split_water(c, z, oil) ? Short::water : Short::none;
     *c.beta = 0.0;
     std::copy_n(z, n, c.liquid1);

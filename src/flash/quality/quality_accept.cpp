@@ -18,6 +18,7 @@ constexpr double kStable = -1e-8;
 // Volume over co-volume of the densest fluid that is still called a vapour beside a liquid: liquids have 1.2
 // to 1.7, gases at hundreds of atmospheres 2 to 4.
 constexpr double kDensestVapour = 1.5;
+constexpr double kDensestBesideWater = 0.5 * eos::kCriticalVolumeRatio;  // half as packed as a critical fluid
 constexpr double kCloseDensity = 0.05;  // relative, of their compressibility factors
 // What an eigenvalue may be below zero for a point next to a critical one that was found on the way over it: T
 // and P follow from that way, and are not exact to the last digit.
@@ -90,10 +91,11 @@ bool as_good(Quality& q, const double* w, const double* ln_phi) {
 
 /*
  * A vapour y beside a liquid x: y is the less densely packed one (else the vapour fraction is 1 - W), and no
- * liquid itself (else the two are liquids that do not mix): beside water by the rule of the flashes of three phases.
- * And no K is at its bound, where it follows no fugacity.
+ * liquid itself (else the two are liquids that do not mix). Beside water one that does not pass for a vapour in the
+ * flashes of three phases either is noted, q.dense: there may be a vapour at a higher temperature. And no K is at its
+ * bound, where it follows no fugacity.
  */
-bool vapour_and_liquid(const Quality& q) {
+bool vapour_and_liquid(Quality& q) {
   const LinePoint& p = q.point;
   const double side = q.line.W == 0.0 ? 1.0 : q.line.W == 1.0 ? -1.0 : 0.0;
   for (int i = 0; i < q.line.n; ++i)
@@ -101,11 +103,10 @@ bool vapour_and_liquid(const Quality& q) {
   const MixtureRecord& m = *q.call.context.record;
   if (lighter(m, p.x, p.Zx, p.y, p.Zy)) return false;
   const double T = q.T();
-  const int water = eos::find_water_family(m);
-  if (is_aqueous(water, p.x)) return passes_for_vapour(m, T, q.P(), p.y, p.Zy, true);
+  q.dense = is_aqueous(eos::find_water_family(m), p.x) && !passes_for_vapour(m, T, q.P(), p.y, p.Zy, true);
   // However dense it is, above its own pseudo-critical temperature (Kay) a fluid is no liquid.
   return T > pseudo_critical_temperature(m, p.y) ||
-         p.Zy * eos::kR * T / q.P() > kDensestVapour * covolume(m, p.y);
+         p.Zy * eos::kR * T / q.P() > (q.dense ? kDensestBesideWater : kDensestVapour) * covolume(m, p.y);
 }
 
 // Whether a fluid w is stable against small changes of its composition: the matrix 1 + slack + sqrt(w_i w_j) d

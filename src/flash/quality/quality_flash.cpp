@@ -180,13 +180,17 @@ bool settle(Quality& q, bool solved) {
   return false;
 }
 
-// A settled point on the branch that is reached first, or any one near. One on another branch is kept.
-bool settle_on_branch(Quality& q, bool solved, bool near) {
-  if (!settle(q, solved)) return false;
-  if (near || q.regular) return true;
+// For where nothing better is found.
+bool keep_other(Quality& q) {
   copy_point(q.line, q.point, q.other);
   q.have_other = true;
   return false;
+}
+
+// A settled point on the branch that is reached first, or any one near. One on another branch is kept.
+bool settle_on_branch(Quality& q, bool solved, bool near) {
+  if (!settle(q, solved)) return false;
+  return near || (q.regular && !q.dense) || keep_other(q);
 }
 
 // A point of the line at a low pressure, below what is given unless that lies behind a critical point or is
@@ -218,7 +222,7 @@ bool take_met_point(void* who, const LinePoint& met) {
   copy_point(line, met, q.point);
   if (q.exchanged) exchange_phases(line, q.point);
   q.walked = true;
-  const bool good = settle(q, true);
+  const bool good = settle(q, true) && (!q.dense || keep_other(q));
   q.walked = false;
   line.W = W;
   line.stable_roots = true;

@@ -21,10 +21,12 @@ struct Quality {
   QualityLine& line;
   Settings settings;
   support::TraceWriter& trace;
-  // The point that is looked at; one of another branch and one that is not stable, kept; that of a walk.
+  // The point that is looked at; one of another branch or with a dense vapour and one that is not stable, kept; that of
+  // a walk.
   LinePoint point, other, unstable, walker;
   bool have_other = false, have_unstable = false;
   bool regular = false;    // point lies on the branch that is reached first; as solved, before the gate
+  bool dense = false;      // its vapour is packed like a liquid, beside water; of what the gate saw last
   bool walked = false;     // point comes from a walk along the line
   bool exchanged = false;  // the walk follows the line of 1 - W
   bool only_near = false;  // the walk looks for a point close to the estimate
