@@ -26,9 +26,11 @@ struct kernel::BitsOf<Lane> {
 namespace {
 
 constexpr int kLane = sizeof(Lane) / sizeof(double);
-// Vectors in memory, aligned as doubles are: one, four doubles in all widths, and half of these.
+// Four doubles in all widths.
+typedef double Quad [[gnu::vector_size(32)]];
+// Vectors in memory, aligned as doubles are: one, four doubles, and half of these.
 typedef Lane LaneAt [[gnu::aligned(8), gnu::may_alias]];
-typedef double Four [[gnu::vector_size(32), gnu::aligned(8), gnu::may_alias]];
+typedef Quad Four [[gnu::aligned(8), gnu::may_alias]];
 typedef double Two [[gnu::vector_size(16), gnu::aligned(8), gnu::may_alias]];
 
 // What is padded is a multiple of four: said once, the compiler leaves out the code for a rest.
@@ -64,7 +66,7 @@ template <class Vector>
 template <int Vectors>
 [[gnu::always_inline]] inline void combine_rows(int n, int ld, const double* m, const double* x,
                                                 const double* b, int begin, double* s, Four& xs, Four& xb) {
-  Four own[Vectors];
+  Quad own[Vectors];
   for (int v = 0; v < Vectors; ++v) {
     by_halves(x + begin + 4 * v, own[v]);
     xb += own[v] * four_at(b, ld, 0, begin)[v];
