@@ -60,15 +60,22 @@ double polish(const Cubic& c, Enclosure e, double z, double tolerance) {
   return z;
 }
 
-// Cube root to a few percent, from the exponent bits: only ever a starting value.
+// Cube root within 1e-5 of a normal number: a third of the exponent and of the leading bits, then Halley's step.
+// Only ever a starting value.
 double rough_cbrt(double x) {
-  return __builtin_bit_cast(double, __builtin_bit_cast(std::uint64_t, x) / 3 + 0x2a9f7893782da1ceULL);
+  const auto high = static_cast<std::uint32_t>(__builtin_bit_cast(std::uint64_t, x) >> 32) / 3 + 715094163u;
+  const double c = __builtin_bit_cast(double, static_cast<std::uint64_t>(high) << 32);
+  const double cube = c * c * c;
+  return c * (cube + 2.0 * x) / (2.0 * cube + x);
 }
 
-// Largest root of t^3 - 3 t + q = 0 for -2 <= q <= 2, within 1e-3: series in sqrt(2 - q) fitted at both ends.
+// Largest root of t^3 - 3 t + q = 0 for -2 <= q <= 2: 2 cos(2 a/3) with cos a = sqrt(2 - q)/2, as a series in that
+// cosine. Within 6e-7, and by its first two terms exact beside the double root at q = 2.
 double largest_of_three(double q) {
-  const double s = 0.5 * std::sqrt(2.0 - q > 0.0 ? 2.0 - q : 0.0);
-  return 1.0 + s * (1.1547005 + s * (-0.1983 + s * 0.0436));
+  const double s = 0.5 * std::sqrt(2.0 - q > 0.0 ? 2.0 - q : 0.0), s2 = s * s;
+  const double middle = -0.222018756 + s * 0.104602781;
+  const double high = -0.0558596474 + s * 0.0236366376 - s2 * 0.00506208845;
+  return (1.0 + s * 1.1547005383792517) + s2 * (middle + s2 * high);
 }
 
 // Root of t^3 + sign 3 t = q for q > 0, the only real one (sign +1), or the one above 2 (sign -1, q > 2).
@@ -155,8 +162,8 @@ int solve_cubic(const Cubic& c, bool usual, double A, double B, bool gas, double
   const auto inside = [&](double z) { return z > choice.e.lo && z < choice.e.hi; };
   double start = Z;
   if (!started || !inside(start)) {
-    start = 1.0 + B - A;  // a dilute gas
-    if (!(start > 0.7) || !inside(start)) start = shape_start(choice.root, d, z0, f0);
+    start = 1.0 + (B - A) + A * (4.0 * B - A);  // a dilute gas: its virial series
+    if (!(A < 0.3 && B < 0.1) || !inside(start)) start = shape_start(choice.root, d, z0, f0);
     if (!(start > 1e-3 * std::fabs(c.c1))) start = small_start(c);
     if (!inside(start)) start = 0.5 * (choice.e.lo + choice.e.hi);
   }

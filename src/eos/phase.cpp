@@ -17,7 +17,7 @@ namespace kestrune::eos {
 
 Mixture mix(const Temperature& t, const double* x, double* s) noexcept {
   const support::Sums sums = support::lanes->combine(t.n, t.ld, t.aij, x, t.b, s);
-  return {sums.first, sums.second, sums.first / (sums.second * kR * t.T)};
+  return {sums.first, sums.second, sums.first / (sums.second * t.rt())};
 }
 
 double quadratic(const Temperature& t, const double* matrix, const double* x) noexcept {
@@ -47,39 +47,43 @@ int solve_root(CubicRoot bracub, double A, double B, int phase, bool warm, doubl
 }
 
 void reduce(const Temperature& t, const Mixture& m, double P, double Z, Root& r) noexcept {
-  const double B = m.b * P / (kR * t.T);
+  const double B = m.b * (P / t.rt());
   r.Z = Z;
   r.eta = B / Z;
   const double eta = r.eta;
   r.psi = eta / (1.0 + eta * (kU + kW * eta));
   r.z_minus_1 = eta / (1.0 - eta) - m.q * r.psi;
-  // phi = 2 atanh(g)/(delta1 - delta2) with g = (delta1 - delta2) eta/(2 + u eta)
-  const double g = kS * eta / (2.0 + kU * eta);
-  double logs[2] = {Z - B, 1.0};
-  if (g < 0.17) {
-    r.phi = 2.0 / kS * support::small_atanh(g);
-    r.log_z_minus_B = support::fast_log(logs[0]);
-  } else {
-    logs[1] = (1.0 + g) / (1.0 - g);
-    for (double& v : logs) v = support::fast_log(v);
-    r.log_z_minus_B = logs[0];
-    r.phi = logs[1] / kS;
-  }
+  // The argument of phi's logarithm is 1 + (delta1 - delta2) B/(Z + delta2 B).
+  const support::TwoLogs logs = support::two_logs(Z - B, kS * B, Z + kDelta2 * B);
+  r.log_z_minus_B = logs.of_x;
+  r.phi = logs.of_ratio * (1.0 / kS);
 }
 
+namespace {
+
+// What is left of the cubic without its root Z: (z - middle)^2 = discriminant.
+struct Quadratic {
+  double middle, discriminant;
+};
+inline Quadratic without_root(double A, double B, double Z) {
+  const double p = (kU - 1.0) * B - 1.0 + Z;
+  return {-0.5 * p, 0.25 * p * p - (A + (kW - kU) * B * B - kU * B + p * Z)};
+}
+
+}  // namespace
+
 bool has_other_root(const Temperature& t, double b, double P, double Z, double& higher) noexcept {
-  const double rt = kR * t.T, B = b * P / rt, eta = B / Z;
+  const double B = b * (P / t.rt()), eta = B / Z;
   // The cohesion that gives this root; then the cubic divided by its factor.
   const double psi = eta / (1.0 + eta * (kU + kW * eta));
   const double q = (eta / (1.0 - eta) - (Z - 1.0)) / psi, A = q * B;
   if (!may_have_three_roots(A, B)) return false;
-  const double p = (kU - 1.0) * B - 1.0 + Z;
-  const double discriminant = 0.25 * p * p - (A + (kW - kU) * B * B - kU * B + p * Z);
-  if (discriminant < -kOtherRootMargin) return false;
-  const double half = std::sqrt(std::fmax(discriminant, 0.0));
-  const double other = Z < -0.5 * p ? -0.5 * p + half : -0.5 * p - half;
+  const Quadratic rest = without_root(A, B, Z);
+  if (rest.discriminant < -kOtherRootMargin) return false;
+  const double half = std::sqrt(rest.discriminant > 0.0 ? rest.discriminant : 0.0);
+  const double other = Z < rest.middle ? rest.middle + half : rest.middle - half;
   if (!(other > B)) return false;
-  const Mixture m{q * b * rt, b, q};
+  const Mixture m{q * b * t.rt(), b, q};
   Root here, there;
   reduce(t, m, P, Z, here);
   reduce(t, m, P, other, there);
@@ -90,15 +94,18 @@ bool has_other_root(const Temperature& t, double b, double P, double Z, double& 
 int stable_root(const Temperature& t, CubicRoot bracub, const Mixture& m, double P, double start,
                 Root& r) noexcept {
   constexpr double kAsGood = 3e-10;  // difference of Gibbs energies over RT
-  const double rt = kR * t.T, A = m.a * P / (rt * rt), B = m.b * P / rt;
+  const double p = P / t.rt(), A = m.a * (p / t.rt()), B = m.b * p;
   const bool warm = start > 0.0;
-  double gas = start, liquid = start;
+  double gas = start;
   const int status = solve_root(bracub, A, B, KV_PHASE_GAS, warm, gas);
   if (!has_root(status)) return status;
   reduce(t, m, P, gas, r);
   // The only root is then the liquid's.
   if (status == support::kOnlyOtherRoot || !may_have_three_roots(A, B)) return status;
-  const int second = solve_root(bracub, A, B, KV_PHASE_LIQUID, warm, liquid);
+  const Quadratic rest = without_root(A, B, gas);
+  if (rest.discriminant < -kOtherRootMargin) return status;
+  double liquid = rest.discriminant > 0.0 ? rest.middle - std::sqrt(rest.discriminant) : 0.0;
+  const int second = solve_root(bracub, A, B, KV_PHASE_LIQUID, liquid > 0.0, liquid);
   if (second == support::kOnlyOtherRoot || !has_root(second)) return status;
   Root other;
   reduce(t, m, P, liquid, other);
@@ -111,7 +118,7 @@ int stable_root(const Temperature& t, CubicRoot bracub, const Mixture& m, double
 void ln_phi(const Temperature& t, const Mixture& m, const Root& r, const double* s, double* out) noexcept {
   const double c0 = -r.log_z_minus_B;
   const double cb = (r.z_minus_1 + m.q * r.phi) / m.b;
-  const double cs = -2.0 * r.phi / (m.b * kR * t.T);
+  const double cs = -2.0 * r.phi / (m.b * t.rt());
   support::lanes->linear(t.ld, c0, cb, t.b, cs, s, out);
 }
 
@@ -125,7 +132,7 @@ Mechanics mechanics(const Temperature& t, const Mixture& m, const Root& r) noexc
   k.one_plus_k = r.Z + k.eta_slope;
   k.h_0 = eta * c;
   k.h_b = eta * (c * c + m.q * (chi - psi1)) / m.b;
-  k.h_s = -2.0 * r.psi / (m.b * kR * t.T);
+  k.h_s = -2.0 * r.psi / (m.b * t.rt());
   return k;
 }
 
@@ -149,7 +156,7 @@ double dln_phi_dT(const Temperature& t, const Mixture& m, const Root& r, const M
   }
   double a_t = 0.0;
   for (int i = 0; i < n; ++i) a_t += x[i] * s_t[i];
-  const double scale = 1.0 / (m.b * kR * t.T), invT = 1.0 / t.T;
+  const double scale = 1.0 / (m.b * t.rt()), invT = 1.0 / t.T;
   const double q_t = scale * (a_t - m.a * invT);
   // F_iT at constant volume, then the change of volume at constant pressure.
   const double cs = -2.0 * r.phi * scale;
@@ -167,7 +174,7 @@ void dln_phi_dn(const Temperature& t, const Mixture& m, const Root& r, const Mec
                 double* out, int ld_out, int rows, bool lower) noexcept {
   const double eta = r.eta, c = eta / (1.0 - eta);
   const double invb = 1.0 / m.b;
-  const double rt = invb / (kR * t.T);
+  const double rt = invb / (t.rt());
   const double pq = r.phi - r.psi;
   // (10) of docs/method.md: F_ij = g_a a_ij + g_b (b_i + b_j) + g_bb b_i b_j + g_bs (b_i s_j + s_i b_j), less
   // (1 + h_i)(1 + h_j)/(1 + k) - 1 with h_i = h_0 + l_i, where the unit is taken out of the difference.

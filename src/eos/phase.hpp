@@ -37,7 +37,7 @@ Mixture mix(const Temperature& t, const double* x, double* s) noexcept;
 inline Mixture mix_pure(const Temperature& t, int j, const double** s) noexcept {
   const std::size_t at = static_cast<std::size_t>(j) * t.ld;
   *s = t.aij + at;
-  return {t.aij[at + j], t.b[j], t.aij[at + j] / (t.b[j] * kR * t.T)};
+  return {t.aij[at + j], t.b[j], t.aij[at + j] / (t.b[j] * t.rt())};
 }
 
 /* Sum of x_i x_j M_ij over a padded matrix of the prepared temperature. */

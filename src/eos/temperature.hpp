@@ -2,6 +2,7 @@
 #ifndef KESTRUNE_EOS_TEMPERATURE_HPP
 #define KESTRUNE_EOS_TEMPERATURE_HPP
 
+#include "eos/constants.hpp"
 #include "eos/context.hpp"
 #include "kestrune/records.h"
 #include "support/arena.hpp"
@@ -17,11 +18,12 @@ namespace kestrune::eos {
 struct Temperature {
   int n = 0, ld = 0, order = 0;
   double T = 0.0;
-  double* b = nullptr;       // [ld] co-volumes
-  double* a = nullptr;       // [ld] a_i(T)
-  double* aij = nullptr;     // [ld * n] sqrt(a_i a_j) (1 - k_ij)
-  double* aij_t = nullptr;   // [ld * n] d/dT, order 1
-  double* aij_tt = nullptr;  // [ld * n] d2/dT2, order 2
+  double* b = nullptr;                  // [ld] co-volumes
+  double* a = nullptr;                  // [ld] a_i(T)
+  double* aij = nullptr;                // [ld * n] sqrt(a_i a_j) (1 - k_ij)
+  double* aij_t = nullptr;              // [ld * n] d/dT, order 1
+  double* aij_tt = nullptr;             // [ld * n] d2/dT2, order 2
+  double rt() const { return kR * T; }  // cm3 atm/mol
 };
 
 /*

@@ -136,18 +136,19 @@ StatusCode find_present(const Phase& p, support::Arena& arena, Present& out) {
  * M_i/M_j)): for viscosities [Wil50], and for conductivities where mu/M stands for their monatomic part
  * [Mas58].
  */
-double weighted_mean(const Present& c, const double* value, const double* mu, double* root_mu, double* root_M) {
-  for (int i = 0; i < c.count; ++i) {
-    root_mu[i] = std::sqrt(mu[i]);
-    root_M[i] = std::sqrt(std::sqrt(c.M[i]));
-  }
+double weighted_mean(const Present& c, const double* value, const double* mu, support::Arena& arena) {
+  // w_ij = (1 + q_i/q_j)^2 sqrt(M_j/(8 (M_i + M_j))) with q = sqrt(mu)/M^(1/4).
+  double *q = arena.take(c.count), *inverse_q = arena.take(c.count), *term = arena.take(c.count);
+  for (int i = 0; i < c.count; ++i) q[i] = std::sqrt(mu[i] / std::sqrt(c.M[i]));
+  for (int i = 0; i < c.count; ++i) inverse_q[i] = 1.0 / q[i];
   double mean = 0.0;
   for (int i = 0; i < c.count; ++i) {
-    double sum = 0.0;
     for (int j = 0; j < c.count; ++j) {
-      const double one = 1.0 + root_mu[i] * root_M[j] / (root_mu[j] * root_M[i]);
-      sum += c.x[j] * one * one / std::sqrt(8.0 * (1.0 + c.M[i] / c.M[j]));
+      const double one = 1.0 + q[i] * inverse_q[j];
+      term[j] = c.x[j] * (one * one) * std::sqrt(0.125 * c.M[j] / (c.M[i] + c.M[j]));
     }
+    double sum = 0.0;
+    for (int j = 0; j < c.count; ++j) sum += term[j];
     mean += c.x[i] * value[i] / sum;
   }
   return mean;
@@ -264,7 +265,7 @@ StatusCode gas_viscosity(const Phase& p, double& viscosity) {
   const auto mean = [&](const Present& c, support::Arena& arena, double& value) {
     double* mu = arena.take(c.count);
     const StatusCode status = dilute_viscosities(p, c, arena, mu);
-    if (has_values(status)) value = weighted_mean(c, mu, mu, arena.take(c.count), arena.take(c.count));
+    if (has_values(status)) value = weighted_mean(c, mu, mu, arena);
     return status;
   };
   const auto dense = [](const Critical& m, double rho_r) {
@@ -279,7 +280,7 @@ StatusCode gas_conductivity(const Phase& p, double& conductivity) {
     StatusCode status = dilute_viscosities(p, c, arena, mu);
     for (int k = 0; k < c.count && has_values(status); ++k)
       status = graver(status, dilute_conductivity(p.T, p.context, c.index[k], c.at(k), lambda[k]));
-    if (has_values(status)) value = weighted_mean(c, lambda, mu, arena.take(c.count), arena.take(c.count));
+    if (has_values(status)) value = weighted_mean(c, lambda, mu, arena);
     return status;
   };
   const auto dense = [](const Critical& m, double rho_r) {

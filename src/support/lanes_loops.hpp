@@ -9,7 +9,29 @@
 #include "support/mathkernels.hpp"
 
 namespace kestrune::support {
+
+// What the processor works on at once.
+#ifdef __AVX2__
+typedef double Lane [[gnu::vector_size(32)]];
+typedef std::uint64_t LaneBits [[gnu::vector_size(32)]];
+#else
+typedef double Lane [[gnu::vector_size(16)]];
+typedef std::uint64_t LaneBits [[gnu::vector_size(16)]];
+#endif
+template <>
+struct kernel::BitsOf<Lane> {
+  typedef LaneBits Type;
+};
+
 namespace {
+
+constexpr int kLane = sizeof(Lane) / sizeof(double);
+// Four doubles in all widths.
+typedef double Quad [[gnu::vector_size(32)]];
+// Vectors in memory, aligned as doubles are: one, four doubles, and half of these.
+typedef Lane LaneAt [[gnu::aligned(8), gnu::may_alias]];
+typedef Quad Four [[gnu::aligned(8), gnu::may_alias]];
+typedef double Two [[gnu::vector_size(16), gnu::aligned(8), gnu::may_alias]];
 
 // What is padded is a multiple of four: said once, the compiler leaves out the code for a rest.
 [[gnu::always_inline]] inline int whole(int ld) {
@@ -21,16 +43,34 @@ namespace {
   return (part[0] + part[1]) + (part[2] + part[3]);
 }
 
-typedef double Four [[gnu::vector_size(32), gnu::aligned(8), gnu::may_alias]];
-
 [[gnu::always_inline]] inline const Four* four_at(const double* m, int ld, int j, int begin) {
   return reinterpret_cast<const Four*>(m + static_cast<std::size_t>(j) * ld + begin);
 }
 
-// Rows begin .. begin + 4 Vectors - 1 of the sum of x_j times column j, two columns at a time, in registers.
+// The doubles at p in halves of four: what other code has just written two at a time is at hand as such only.
+template <class Vector>
+[[gnu::always_inline]] inline void by_halves(const double* p, Vector& out) {
+  const Two *const low = reinterpret_cast<const Two*>(p), *const high = low + 1;
+  if constexpr (sizeof(Vector) == sizeof(Two))
+    out = *low;
+  else
+    out = __builtin_shufflevector(*low, *high, 0, 1, 2, 3);
+}
+
+[[gnu::always_inline]] inline double total(const Four& part) {
+  return (part[0] + part[1]) + (part[2] + part[3]);
+}
+
+// Rows begin .. begin + 4 Vectors - 1 of the sum of x_j times column j, two columns at a time, in registers; xs and
+// xb take what they add to the sums of x s and x b.
 template <int Vectors>
-[[gnu::always_inline]] inline void combine_rows(int n, int ld, const double* m, const double* x, int begin,
-                                                double* s) {
+[[gnu::always_inline]] inline void combine_rows(int n, int ld, const double* m, const double* x,
+                                                const double* b, int begin, double* s, Four& xs, Four& xb) {
+  Quad own[Vectors];
+  for (int v = 0; v < Vectors; ++v) {
+    by_halves(x + begin + 4 * v, own[v]);
+    xb += own[v] * four_at(b, ld, 0, begin)[v];
+  }
   Four sum[Vectors];
   int j = 0;
   if (n % 2 != 0) {
@@ -47,7 +87,10 @@ template <int Vectors>
     for (int v = 0; v < Vectors; ++v) sum[v] += x0 * c0[v] + x1 * c1[v];
   }
   Four* const out = reinterpret_cast<Four*>(s + begin);
-  for (int v = 0; v < Vectors; ++v) out[v] = sum[v];
+  for (int v = 0; v < Vectors; ++v) {
+    out[v] = sum[v];
+    xs += own[v] * sum[v];
+  }
 }
 
 // Calls rows(i, number of vectors) for the rows from begin to ld, in strips that fit the registers.
@@ -62,13 +105,8 @@ template <class Rows>
 
 Sums combine(int n, int ld_, const double* m, const double* x, const double* b, double* __restrict s) {
   const int ld = whole(ld_);
-  in_strips(0, ld, [&](int i, auto vectors) { combine_rows<vectors>(n, ld, m, x, i, s); });
-  double xs[4] = {}, xb[4] = {};
-  for (int i = 0; i < ld; i += 4)
-    for (int k = 0; k < 4; ++k) {
-      xs[k] += x[i + k] * s[i + k];
-      xb[k] += x[i + k] * b[i + k];
-    }
+  Four xs{}, xb{};
+  in_strips(0, ld, [&](int i, auto vectors) { combine_rows<vectors>(n, ld, m, x, b, i, s, xs, xb); });
   return {total(xs), total(xb)};
 }
 
@@ -104,17 +142,26 @@ void pairs(const PairTerms& p, int n, int ld_, const double* a, const double* b,
 
 double shares(int n, int ld_, double highest, double* __restrict log_w, double* __restrict w) {
   const int ld = whole(ld_);
-  for (int i = n; i < ld; ++i) log_w[i] = 0.0;
-  for (int i = 0; i < ld; ++i) {
-    log_w[i] = log_w[i] < highest ? log_w[i] : highest;
-    w[i] = fast_exp(log_w[i]);
-  }
-  for (int i = n; i < ld; ++i) w[i] = 0.0;
-  double sum[4] = {};
+  const Lane most = Lane{} + highest, end = Lane{} + n, step = Lane{} + kLane;
+  Lane index{}, sum[4 / kLane] = {};
+  for (int k = 0; k < kLane; ++k) index[k] = k;
   for (int i = 0; i < ld; i += 4)
-    for (int k = 0; k < 4; ++k) sum[k] += w[i + k];
-  const double all = total(sum), scale = 1.0 / all;
-  for (int i = 0; i < ld; ++i) w[i] *= scale;
+    for (int k = 0; k < 4; k += kLane, index += step) {
+      // The padding is left out here: written alone it would be late for the vector that it is a part of.
+      const auto inside = index < end;
+      Lane v;
+      by_halves(log_w + i + k, v);
+      v = inside ? (v < most ? v : most) : Lane{};
+      const Lane e = inside ? exponential(v) : Lane{};
+      *reinterpret_cast<LaneAt*>(log_w + i + k) = v;
+      *reinterpret_cast<LaneAt*>(w + i + k) = e;
+      sum[k / kLane] += e;
+    }
+  double part[4];
+  for (int k = 0; k < 4; ++k) part[k] = sum[k / kLane][k % kLane];
+  const double all = total(part);
+  const Lane scale = Lane{} + 1.0 / all;
+  for (int i = 0; i < ld; i += kLane) *reinterpret_cast<LaneAt*>(w + i) *= scale;
   return all;
 }
 

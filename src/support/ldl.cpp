@@ -12,17 +12,19 @@ bool ldl_factor(int n, int ld, double* a, double floor) noexcept {
   return lanes->ldl_factor(n, ld, a, floor);
 }
 
+// Both loops run towards what was solved last: only the end of each sum waits for it.
 void ldl_solve(int n, int ld, const double* a, double* b) noexcept {
-  for (int j = 0; j < n; ++j) {
-    const double* __restrict cj = a + static_cast<std::size_t>(j) * ld;
-    const double w = b[j];
-    for (int i = j + 1; i < n; ++i) b[i] -= w * cj[i];
+  for (int i = 1; i < n; ++i) {
+    const double* li = a + i;
+    double sum = b[i];
+    for (int j = 0; j < i; ++j, li += ld) sum -= b[j] * *li;
+    b[i] = sum;
   }
   for (int j = 0; j < n; ++j) b[j] *= a[static_cast<std::size_t>(j) * ld + j];
-  for (int j = n - 1; j >= 0; --j) {
+  for (int j = n - 2; j >= 0; --j) {
     const double* cj = a + static_cast<std::size_t>(j) * ld;
     double sum = b[j];
-    for (int i = j + 1; i < n; ++i) sum -= cj[i] * b[i];
+    for (int i = n - 1; i > j; --i) sum -= cj[i] * b[i];
     b[j] = sum;
   }
 }

@@ -62,4 +62,21 @@ TEST(MathKernels, InverseHyperbolicTangentOverItsRange) {
   EXPECT_EQ(small_atanh(0.0), 0.0);
 }
 
+// The logarithm beside it has the digits that it has alone; that of the ratio is as good for the smallest parts.
+TEST(MathKernels, TwoLogarithmsSideBySide) {
+  std::mt19937_64 random(4);
+  std::uniform_real_distribution<double> decade(-307.6, 308.2), exponent(-18.0, 0.99), size(0.01, 100.0);
+  double worst = 0.0;
+  for (int k = 0; k < kSamples; ++k) {
+    const double x = std::pow(10.0, decade(random)), whole = size(random);
+    const double part = whole * std::pow(10.0, exponent(random));
+    const TwoLogs logs = two_logs(x, part, whole);
+    if (logs.of_x != fast_log(x)) FAIL() << x;
+    worst = std::max(worst, ulps(logs.of_ratio, std::log1p(static_cast<long double>(part) / whole)));
+  }
+  EXPECT_LT(worst, 2.3);
+  EXPECT_EQ(two_logs(0.0, 0.0, 1.0).of_ratio, 0.0);
+  EXPECT_EQ(two_logs(0.0, 0.0, 1.0).of_x, fast_log(0.0));
+}
+
 }  // namespace
