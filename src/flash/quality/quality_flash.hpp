@@ -16,6 +16,7 @@ struct QualityCall : Feed {
   double* unknown = nullptr;  // in/out; not greater than 0: 298.15 K, 1 atm
   double *x = nullptr, *y = nullptr, *K = nullptr;
   bool cold = true;          // else x, y and the unknown hold an estimate; an unusable one is ignored
+  bool walks = true;         // the line is followed from low pressure where nothing else leads to a point
   Counts* counts = nullptr;  // may be null
 };
 
