@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "cases.hpp"
+#include "envelope/gases.hpp"
 #include "gases.hpp"
 
 namespace kestrune::bench {
@@ -112,6 +113,41 @@ Case envelope_case(const char* name, int points) {
     PhaseEnvelope(host->gas->feed.data(), &host->gas->mixture.record, nullptr, 0, 0.0, 0.0, 0.0, points, 400,
                   1.0, 0.0, T, T + 400, T + 800, &count, &criticals, e, e + 1, e + 2, e + 3);
     return count + e[0] + e[3];
+  };
+  return c;
+}
+
+// Envelopes of 40 random gases, every one of another mixture: what each needs before it is handed over again.
+Case random_envelopes_case() {
+  constexpr int kGases = 40, kSeed = 41;
+  struct RandomGas {
+    tests::Mixture mixture;
+    std::vector<double> feed;
+  };
+  auto gases = std::make_shared<std::vector<RandomGas>>();
+  for (int k = 0; k < kGases; ++k) {
+    envelopes::Gas gas = envelopes::random_gas(kSeed, k);
+    gases->push_back({tests::mixture_of(gas.ids), std::move(gas.z)});
+  }
+  for (RandomGas& g : *gases) g.mixture.record.table = g.mixture.table.data();
+  auto arrays = std::make_shared<std::vector<double>>(3 * 400);
+  Case c;
+  c.name = "envelope_gases";
+  c.what = "PhaseEnvelope of 40 random gases of 5 to 15 components, as traced; mean";
+  c.batch = kGases;
+  c.set_up = [] {};
+  c.pass = [gases, arrays] {
+    double sum = 0.0;
+    for (RandomGas& g : *gases) {
+      std::int32_t count = 0, criticals = 0;
+      double e[4];
+      double* T = arrays->data();
+      g.mixture.use();
+      PhaseEnvelope(g.feed.data(), &g.mixture.record, nullptr, 0, 0.0, 0.0, 0.0, 0, 400, 1.0, 0.0, T, T + 400,
+                    T + 800, &count, &criticals, e, e + 1, e + 2, e + 3);
+      sum += count + e[0] + e[3];
+    }
+    return sum;
   };
   return c;
 }
@@ -400,6 +436,7 @@ std::vector<Case> cases() {
   all.push_back(three_phase_energy_case());
   all.push_back(envelope_case("envelope", 0));
   all.push_back(envelope_case("envelope_150", 150));
+  all.push_back(random_envelopes_case());
   all.push_back(critical_case());
   return all;
 }

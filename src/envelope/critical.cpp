@@ -38,7 +38,7 @@ struct Node {
 bool settle(Spinodal& sp, Node& node, StatusCode& status) {
   for (int k = 0; k < kSpinodalLimit; ++k) {
     Curvature c;
-    status = curvature(sp, node.T, node.eta, c);
+    status = curvature_beside(sp, node.T, node.eta, kRough, c);
     if (status != KV_OK) return false;
     // In 1/T, of which the matrix is almost a linear function.
     const double step = -c.g / (c.g_T * node.T);

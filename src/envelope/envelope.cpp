@@ -35,8 +35,9 @@ StatusCode with_defaults(EnvelopeCall& c, bool& asked_P, bool& asked_T) {
   return c.first_P < c.highest_P ? KV_OK : KV_SPECIFICATION;
 }
 
-// The first point of a line at the first pressure, with its phases named as the tracer wants them, in t.here.
-bool start_line(Tracer& t, const EnvelopeCall& call, double W, bool& stable, StatusCode& status) {
+// The first point of a line at the first pressure, with its phases named as the tracer wants them, in t.here. walks:
+// looked for along the line at last.
+bool start_line(Tracer& t, const EnvelopeCall& call, double W, bool walks, bool& stable, StatusCode& status) {
   flash::QualityLine& line = t.line;
   double T = 0.0;
   flash::QualityCall start;
@@ -50,6 +51,7 @@ bool start_line(Tracer& t, const EnvelopeCall& call, double W, bool& stable, Sta
   start.x = t.here.x;
   start.y = t.here.y;
   start.K = t.trial_K;
+  start.walks = walks;
   status = flash::quality_flash(start);
   stable = status == KV_OK;
   if (status != KV_OK && status != KV_UNSTABLE_POINT) return false;
@@ -102,16 +104,18 @@ StatusCode trace(Tracer& t, const EnvelopeCall& call, bool asked_P, bool asked_T
   };
   bool done = false;
   StatusCode first_status = KV_OK;
-  if (start_line(t, call, t.line.W, stable, status)) done = note(walk(t, kDew, 1.0, stable, 0));
+  if (start_line(t, call, t.line.W, true, stable, status)) done = note(walk(t, kDew, 1.0, stable, 0));
   first_status = status;
   if (first_status != KV_OK && first_status != KV_NO_SATURATION) return first_status;
   if (!done && t.boundary()) {
-    // What the first walk left out. The long search only where it has not come to the bubble side at all.
+    // What the first walk left out. The long search only where it has not come to the bubble side at all, along the line
+    // of the dew point only where that went no further than was asked for.
     const int seen = t.count;
     const bool bubble = seen > 0 && t.node[seen - 1].kind != kDew;
+    const bool followed = seen > 0 && !broken && !(pressure && asked_P) && !(cold && asked_T);
     if (quick_bubble(t))
       note(walk(t, kBubble, 1.0, true, seen));
-    else if (!bubble && start_line(t, call, 0.0, stable, status) && (stable || seen == 0))
+    else if (!bubble && start_line(t, call, 0.0, !followed, stable, status) && (stable || seen == 0))
       note(walk(t, kBubble, 1.0, stable, seen));
   }
   if (t.count == 0) return KV_NO_SATURATION;

@@ -213,7 +213,7 @@ void open_spinodal(support::Arena& arena, const eos::Context& context, const dou
   sp.b = flash::covolume(mixture, z);
 }
 
-StatusCode curvature(Spinodal& sp, double T, double eta, Curvature& out) {
+StatusCode curvature_beside(Spinodal& sp, double T, double eta, double rough, Curvature& out) {
   const int n = sp.n, size = n + 1;
   const StatusCode status = prepare_at(sp, T);
   if (status != KV_OK) return status;
@@ -224,6 +224,7 @@ StatusCode curvature(Spinodal& sp, double T, double eta, Curvature& out) {
   std::fill_n(sp.v, n, 0.0);
   sp.v[n] = 1.0;
   support::lu_solve(size, size, sp.matrix, sp.pivot, sp.v);
+  out = Curvature{};
   out.g = sp.v[n];
 
   const Move m = move_along(sp, sp.v, sp.move);
@@ -231,6 +232,14 @@ StatusCode curvature(Spinodal& sp, double T, double eta, Curvature& out) {
   times(sp, sp.t.aij_t, sp.move, sp.a_move_t);
   const double A = dot(n, sp.move, sp.a_move), A_t = dot(n, sp.move, sp.a_move_t);
   const Slopes of_g = second_order_slopes(c, T, a, a_t, m, m, A, A_t);
+  const double V_eta = -sp.b / (eta * eta);
+  out.g_T = -of_g.T;
+  out.g_eta = -of_g.V * V_eta;
+  normalise(n, sp.v, sp.w);
+  const double step = -out.g / (out.g_T * T);
+  if (!(std::fabs(out.g) <= DBL_MAX)) return KV_NOT_FINITE;
+  if (std::fabs(step) > rough) return KV_OK;
+
   Slopes held;
   out.form = third_order(sp, c, T, a, a_t, m, A, A_t, sp.v, held);
   // How v itself changes, by the adjoint: gradient dv = -y dB v.
@@ -240,15 +249,15 @@ StatusCode curvature(Spinodal& sp, double T, double eta, Curvature& out) {
   const Move my = move_along(sp, sp.y, sp.move_y);
   const Slopes turned =
       second_order_slopes(c, T, a, a_t, m, my, dot(n, sp.move_y, sp.a_move), dot(n, sp.move_y, sp.a_move_t));
-  const double V_eta = -sp.b / (eta * eta);
-  out.g_T = -of_g.T;
-  out.g_eta = -of_g.V * V_eta;
   out.form_T = held.T - turned.T;
   out.form_eta = (held.V - turned.V) * V_eta;
-  normalise(n, sp.v, sp.w);
-  const bool finite = std::fabs(out.g) <= DBL_MAX && std::fabs(out.form) <= DBL_MAX &&
-                      std::fabs(out.form_T) <= DBL_MAX && std::fabs(out.form_eta) <= DBL_MAX;
+  const bool finite =
+      std::fabs(out.form) <= DBL_MAX && std::fabs(out.form_T) <= DBL_MAX && std::fabs(out.form_eta) <= DBL_MAX;
   return finite ? KV_OK : KV_NOT_FINITE;
+}
+
+StatusCode curvature(Spinodal& sp, double T, double eta, Curvature& out) {
+  return curvature_beside(sp, T, eta, HUGE_VAL, out);
 }
 
 bool locally_stable(Spinodal& sp, double T, double eta, double slack, StatusCode& status) {

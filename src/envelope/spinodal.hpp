@@ -51,6 +51,12 @@ void open_spinodal(support::Arena& arena, const eos::Context& context, const dou
  */
 StatusCode curvature(Spinodal& sp, double T, double eta, Curvature& c);
 
+/*
+ * The same without the form on the way to the spinodal: with it only where Newton's step in 1/T, -g/(g_T T), is below
+ * rough.
+ */
+StatusCode curvature_beside(Spinodal& sp, double T, double eta, double rough, Curvature& c);
+
 /* Whether B at T and eta has no eigenvalue below -slack. status: of the model, which makes it false. */
 bool locally_stable(Spinodal& sp, double T, double eta, double slack, StatusCode& status);
 

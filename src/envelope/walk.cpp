@@ -302,8 +302,11 @@ End follow(Tracer& t, Walk& w) {
   for (bool first = true;; first = false) {
     flash::LineStep made;
     if (next_point(t, w, made) != Solved::yes || all_feed(t, t.next)) {
+      // Beyond a corner that is found only now the line does not count: what does is the branch from there on.
       look_at_stability(t, w.stability, true, w.phase, w.sign);
-      return End::broken;
+      if (!w.stability.renewed) return End::broken;
+      if (ends_anew(t, w, end)) return end;
+      continue;
     }
     keep_roots(t, t.next);
     if (ends_at_critical(t, w, made.held, end)) return end;

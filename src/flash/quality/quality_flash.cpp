@@ -374,7 +374,7 @@ StatusCode solve(Quality& q) {
   if (q.line.W > 0.5 && start_from_water(q) &&
       settle_on_branch(q, solve_from_point(q, kSubstitutions + 1, true), false))
     return write_point(q, KV_OK);
-  if (walk_for_point(q, by_wilson)) return write_point(q, KV_OK);
+  if (q.call.walks && walk_for_point(q, by_wilson)) return write_point(q, KV_OK);
   if (q.have_other) {
     copy_point(q.line, q.other, q.point);
     return write_point(q, KV_OK);

@@ -15,6 +15,7 @@ struct QualityCall : Feed {
   double given = 0.0;         // P (atm) or T (K)
   double* unknown = nullptr;  // in/out, with x and y where it may start; not greater than 0: 298.15 K, 1 atm
   double *x = nullptr, *y = nullptr, *K = nullptr;
+  bool walks = true;         // the line is followed from low pressure where nothing else leads to a point
   Counts* counts = nullptr;  // may be null
 };
 
