@@ -144,8 +144,8 @@ StatusCode with_flash(const IsothermalCall& call, support::Arena& arena) {
   if (!normalise_feed(m.n, call.z, z)) return KV_COMPOSITION;
   for (Iterate* it : {&f.it, &f.best, &f.answer}) take_iterate(arena, m.ld, *it);
   f.it.z = f.best.z = f.answer.z = z;
-  f.two = {arena.zeros(ld),    arena.zeros(ld),    arena.zeros(ld),
-           arena.take(square), arena.take(square), arena.take(square)};
+  f.two = {arena.zeros(ld),    arena.zeros(ld),    arena.zeros(ld), arena.take(square),
+           arena.take(square), arena.take(square), arena.take(ld),  arena.take(ld)};
   open_stability(arena, f.two.dx, f.two.system, f.test);
   const StatusCode result = solve(f);
   if (call.counts != nullptr) *call.counts = m.counts;
@@ -157,7 +157,7 @@ StatusCode with_flash(const IsothermalCall& call, support::Arena& arena) {
 StatusCode isothermal_flash(const IsothermalCall& call) {
   if (call.free_water && call.mode == Mode::liquid_vapour && has_free_water(*call.context.record, call.z))
     return wet_flash(call);
-  return support::with_arena<6, 132>(call.context.record->count,
+  return support::with_arena<6, 134>(call.context.record->count,
                                      [&](support::Arena& arena) { return with_flash(call, arena); });
 }
 

@@ -12,7 +12,7 @@ constexpr int kMaxOtherAnswers = 8;
 void copy_answer(const Iterate& from, Iterate& to, int ld) {
   Iterate copy = from;
   copy.z = to.z;
-  copy.derivatives = false;
+  copy.derivatives = copy.evaluated = false;
   for (const auto array : kIterateArrays) {
     std::copy_n(from.*array, ld, to.*array);
     copy.*array = to.*array;
@@ -62,6 +62,9 @@ bool test_answer(Flash& f, Plane& plane) {
   if (f.it.derivatives) {
     plane.phase[0].dn = f.two.dx;
     plane.phase[1].dn = f.two.dy;
+  } else if (f.it.evaluated) {
+    plane.phase[0].at = &f.it.at_x;
+    plane.phase[1].at = &f.it.at_y;
   }
   f.it.derivatives = false;
   answer_plane(f.test, plane);

@@ -5,6 +5,7 @@
 
 #include "flash/accept.hpp"
 #include "flash/isothermal/flash_state.hpp"
+#include "flash/isothermal/two_phase_steps.hpp"
 #include "support/mathkernels.hpp"
 
 namespace kestrune::flash {
@@ -60,8 +61,7 @@ bool on_upper_root(const Flash& f) {
 bool accept(Flash& f) {
   Iterate& it = f.it;
   f.m.counts.step = Step::gate;
-  f.status = fugacity(f.m, it.x, it.kind_x, it.ln_phi_x, nullptr, it.Zx);
-  if (f.status == KV_OK) f.status = fugacity(f.m, it.y, it.kind_y, it.ln_phi_y, nullptr, it.Zy);
+  if (!it.evaluated) f.status = evaluate_phases(f.m, f.two, false, it);
   if (f.status != KV_OK || on_upper_root(f)) return false;
   const double amounts[] = {it.liquid, it.beta};
   const double* const phases[] = {it.x, it.y};

@@ -21,6 +21,10 @@ constexpr double kSlowest = 0.999, kFastest = 0.001;  // reduction factors that 
 constexpr double kSmallestRelaxation = 0.1;
 // The answer owed: ln fugacities equal to this. A Newton step squares what is left.
 constexpr double kFinished = 1e-10, kOneStepAway = 3e-6;
+// A second step by one matrix is taken without looking when it is to leave no more than this.
+constexpr double kForeseen = 1e-11;
+// Of ln K: phases that are so close have the same derivatives, where the curvature of an answer is asked for.
+constexpr double kSamePhases = 0.01;
 constexpr double kOwed = 1e-8;
 constexpr int kPolishSteps = 60;
 constexpr int kStalledSteps = 6;  // in a row that leave more than half: a host's coefficients end there
@@ -57,6 +61,7 @@ struct NewtonStep {
   bool taken = false;
   double before = 0.0, error = 0.0;  // what was to fall, and the error, where it began
   double factor = 1.0;               // the part of it that was taken
+  double worst = 0.0;                // the largest residual where it began
 };
 
 struct Run {
@@ -207,16 +212,40 @@ Ended step_by_substitution(Run& r, double relaxation) {
   return {};
 }
 
-// A whole substitution where there is no direction.
-Ended step_by_newton(Run& r) {
+double largest_step(const Run& r) {
+  double largest = 0.0;
+  for (int i = 0; i < r.m.n; ++i)
+    if (r.it.z[i] > 0.0) largest = std::max(largest, std::fabs(r.work.step[i]));
+  return largest;
+}
+
+// Whether a second step by the matrix of the last one is enough: of the residuals it leaves a part that is at most
+// twice the part that the first one left.
+bool foreseen_by_same_matrix(const Run& r) {
+  const NewtonStep& s = r.newton;
+  return s.taken && s.factor == 1.0 && r.it.worst * (2.0 * r.it.worst / s.worst) < kForeseen;
+}
+
+// derivatives: they came with the evaluation. A whole substitution where there is no direction.
+Ended step_by_newton(Run& r, bool derivatives) {
   Iterate& it = r.it;
-  if (!newton_direction(r.m, r.work, it)) {
-    if (++r.failures > kMaxTakenBack) return stop(r, Outcome::broke_down);
-    return step_by_substitution(r, 1.0);
+  const bool polishing = r.state == State::polish && r.m.routine == nullptr;
+  const bool same = polishing && !derivatives && foreseen_by_same_matrix(r);
+  bool last = same;
+  if (same) {
+    same_direction(r.m, r.work, it);
+  } else {
+    if (!derivatives && (r.status = add_derivatives(r.m, r.work, it)) != KV_OK) return Outcome::routine;
+    if (!newton_direction(r.m, r.work, it)) {
+      r.newton.taken = false;
+      if (++r.failures > kMaxTakenBack) return stop(r, Outcome::broke_down);
+      return step_by_substitution(r, 1.0);
+    }
+    last = polishing && it.worst < kOneStepAway * std::min(it.smallest_pivot, 1.0);
   }
-  const bool last = r.state == State::polish && r.m.routine == nullptr &&
-                    it.worst < kOneStepAway * std::min(it.smallest_pivot, 1.0);
-  r.newton = {true, r.m.free_water ? it.error : it.gibbs, it.error, 1.0};
+  const double largest = largest_step(r);
+  it.derivatives = (!same || it.derivatives) && largest < kSamePhases;
+  r.newton = {true, r.m.free_water ? it.error : it.gibbs, it.error, 1.0, it.worst};
   if (!take_newton_step(r.m, 1.0, r.work, it)) return stop(r, Outcome::one_phase);
   // One Newton step from here is beyond the precision owed: no evaluation is spent on seeing it.
   if (last) return Outcome::converged;
@@ -238,7 +267,9 @@ Ended pass(Run& r) {
   ++it.count;
   ++r.m.counts.iterations;
   if (it.count > r.rules.limit && r.state != State::polish) return Outcome::exhausted;
-  const bool derivatives = r.plain == 0 && (r.state != State::substitution || r.rules.damped);
+  const bool later = r.work.derivatives_later(r.m);
+  const bool newton = r.plain == 0 && (r.state != State::substitution || r.rules.damped);
+  const bool derivatives = newton && !later;
   r.status = evaluate_phases(r.m, r.work, derivatives, it);
   if (r.status != KV_OK) return Outcome::routine;
   if (r.state != State::polish) {
@@ -246,7 +277,7 @@ Ended pass(Run& r) {
     if (it.error <= r.settings.CRIT && it.count >= 2) r.state = State::polish;
   }
   if (r.state == State::polish) {
-    it.derivatives = derivatives;
+    it.derivatives = later ? it.derivatives : derivatives;
     if (const Ended end = polish(r)) return end;
   }
   if (went_uphill(r)) return cut_step(r);
@@ -255,8 +286,10 @@ Ended pass(Run& r) {
   if (it.count >= 2 && phases_are_one(r.m, r.settings, it)) return Outcome::trivial;
   if (r.state != State::polish)
     if (const Ended end = give_up(r)) return end;
+  if (newton || (later && r.plain == 0 && r.state != State::substitution))
+    return step_by_newton(r, derivatives);
   r.newton.taken = false;
-  return derivatives ? step_by_newton(r) : step_by_substitution(r, r.rules.relaxation);
+  return step_by_substitution(r, r.rules.relaxation);
 }
 
 }  // namespace
@@ -270,7 +303,7 @@ Outcome iterate_two_phases(Model& m, const Settings& settings, const IterationPl
   for (int i = m.n; i < m.ld; ++i) it.x[i] = it.y[i] = it.log_k[i] = it.r[i] = 0.0;
   it.Zx = it.Zy = 0.0;
   it.count = 0;
-  it.stalled = it.derivatives = false;
+  it.stalled = it.derivatives = it.evaluated = false;
   if (!split_feed(m, it) && (plan.compare_with_feed || !centre_coefficients(m, it))) return Outcome::one_phase;
   trace_initial(trace, m.n, it);
   for (;;)

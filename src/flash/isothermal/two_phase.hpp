@@ -33,14 +33,18 @@ struct Iterate {
   double gibbs = 0.0;           // Gibbs energy over RT of the two phases, relative to pure gases
   double error = 0.0;           // sum of r^2 over the components that are present
   double worst = 0.0;           // largest |r| of them
+  double both = 0.0;            // V L of the last Newton system
   double smallest_pivot = 0.0;  // of the last Newton system: how close to singular it was
   double Zx = 0.0, Zy = 0.0;
   Kind kind_x = Kind::liquid, kind_y = Kind::gas;
   int count = 0;         // passes of this solve, shown in the trace
   int source = 0;        // number of the solver's own start that it comes from, 0 for an estimate; likewise
   bool stalled = false;  // CRIT is met, and no more could be had
-  // The work holds composition derivatives of x and y, or of phases a last Newton step away from them.
+  // The work holds composition derivatives of x and y, or of phases a short Newton step away from them.
   bool derivatives = false;
+  // By the built-in equation: what the evaluations of x and y have left; they, ln phi and Z belong to x and y.
+  Evaluated at_x, at_y;
+  bool evaluated = false;
 };
 
 // The arrays that an iterate owns; z is the flash's.
@@ -51,6 +55,11 @@ inline constexpr double* Iterate::*kIterateArrays[] = {
 struct TwoPhaseWork {
   double *step, *scale, *old_log_k;  // [ld]
   double *dx, *dy, *system;          // [ld * n]
+  // [ld] sums of the last evaluations; null: derivatives have to be asked for with the evaluation.
+  double *sx = nullptr, *sy = nullptr;
+
+  // Whether derivatives can be had of phases that have been evaluated without.
+  bool derivatives_later(const Model& m) const { return m.built_in() && sx != nullptr; }
 };
 
 enum class Outcome {

@@ -72,9 +72,26 @@ bool solve_symmetric(Model& m, const TwoPhaseWork& work, Iterate& it) {
   return true;
 }
 
+void right_side(const Model& m, const TwoPhaseWork& work, const Iterate& it) {
+  for (int i = 0; i < m.ld; ++i) work.step[i] = it.both * work.scale[i] * it.r[i];
+}
+
+// From the amounts to ln K = ln v_i - ln l_i - ln V + ln L.
+void to_log_k(const Model& m, const TwoPhaseWork& work, const Iterate& it) {
+  double dV = 0.0;
+  for (int i = 0; i < m.n; ++i) dV += work.scale[i] * work.step[i];
+  const double common = dV / it.both;
+  for (int i = 0; i < m.n; ++i) {
+    const double dv = work.step[i] / work.scale[i];  // dv_i z_i/(x_i y_i)
+    work.step[i] = work.scale[i] > 0.0 ? dv / it.both - common : it.r[i];
+    work.old_log_k[i] = it.log_k[i];
+  }
+}
+
 }  // namespace
 
 void compose_phases(const Model& m, Iterate& it) {
+  it.evaluated = false;
   const double V = it.beta, L = it.liquid;
   if (V <= 0.5) {
     for (int i = 0; i < m.n; ++i) it.x[i] = it.z[i] / (1.0 + V * (it.k[i] - 1.0));
@@ -95,10 +112,16 @@ bool split_feed(const Model& m, Iterate& it) {
 }
 
 StatusCode evaluate_phases(Model& m, const TwoPhaseWork& work, bool derivatives, Iterate& it) {
-  StatusCode status = fugacity(m, it.x, it.kind_x, it.ln_phi_x, derivatives ? work.dx : nullptr, it.Zx);
+  const bool keep = work.derivatives_later(m);
+  it.at_x.s = work.sx;
+  it.at_y.s = work.sy;
+  StatusCode status = fugacity(m, it.x, it.kind_x, it.ln_phi_x, derivatives ? work.dx : nullptr, it.Zx,
+                               keep ? &it.at_x : nullptr);
   if (status != KV_OK) return status;
-  status = fugacity(m, it.y, it.kind_y, it.ln_phi_y, derivatives ? work.dy : nullptr, it.Zy);
+  status = fugacity(m, it.y, it.kind_y, it.ln_phi_y, derivatives ? work.dy : nullptr, it.Zy,
+                    keep ? &it.at_y : nullptr);
   if (status != KV_OK) return status;
+  it.evaluated = keep;
   double error = 0.0, worst = 0.0, gx = 0.0, gy = 0.0;
   for (int i = 0; i < m.ld; ++i) it.log_x[i] = support::fast_log(it.x[i]);
   for (int i = 0; i < m.n; ++i) {
@@ -114,6 +137,11 @@ StatusCode evaluate_phases(Model& m, const TwoPhaseWork& work, bool derivatives,
   it.worst = worst;
   it.gibbs = it.liquid * gx + it.beta * gy;
   return KV_OK;
+}
+
+StatusCode add_derivatives(Model& m, const TwoPhaseWork& work, Iterate& it) {
+  const StatusCode status = composition_derivatives(m, it.at_x, work.dx);
+  return status != KV_OK ? status : composition_derivatives(m, it.at_y, work.dy);
 }
 
 bool centre_coefficients(const Model& m, Iterate& it) {
@@ -143,24 +171,23 @@ bool substitute(const Model& m, bool cut, double relaxation, const TwoPhaseWork&
 }
 
 bool newton_direction(Model& m, const TwoPhaseWork& work, Iterate& it) {
-  const int n = m.n, ld = m.ld;
+  const int ld = m.ld;
   // Absent components and those whose K is at its bound take no part; they follow by substitution.
   for (int i = 0; i < ld; ++i) {
-    const bool free = i < n && it.z[i] > 0.0 && std::fabs(it.r[i] + it.log_k[i]) < kLargestLogK;
+    const bool free = i < m.n && it.z[i] > 0.0 && std::fabs(it.r[i] + it.log_k[i]) < kLargestLogK;
     work.scale[i] = free ? std::sqrt(it.x[i] * it.y[i] / it.z[i]) : 0.0;
   }
-  for (int i = 0; i < ld; ++i) work.step[i] = it.beta * it.liquid * work.scale[i] * it.r[i];
+  it.both = it.beta * it.liquid;
+  right_side(m, work, it);
   if (!(m.free_water ? solve_general(m, work, it) : solve_symmetric(m, work, it))) return false;
-  // From the amounts to ln K = ln v_i - ln l_i - ln V + ln L.
-  double dV = 0.0;
-  for (int i = 0; i < n; ++i) dV += work.scale[i] * work.step[i];
-  const double common = dV / (it.beta * it.liquid);
-  for (int i = 0; i < n; ++i) {
-    const double dv = work.step[i] / work.scale[i];  // dv_i z_i/(x_i y_i)
-    work.step[i] = work.scale[i] > 0.0 ? dv / (it.beta * it.liquid) - common : it.r[i];
-    work.old_log_k[i] = it.log_k[i];
-  }
+  to_log_k(m, work, it);
   return true;
+}
+
+void same_direction(Model& m, const TwoPhaseWork& work, Iterate& it) {
+  right_side(m, work, it);
+  support::ldl_solve(m.n, m.ld, work.system, work.step);
+  to_log_k(m, work, it);
 }
 
 bool take_newton_step(const Model& m, double factor, const TwoPhaseWork& work, Iterate& it) {

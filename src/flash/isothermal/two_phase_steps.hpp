@@ -17,6 +17,9 @@ bool split_feed(const Model& m, Iterate& it);
  * those in composition, into the work. */
 StatusCode evaluate_phases(Model& m, const TwoPhaseWork& work, bool derivatives, Iterate& it);
 
+/* The derivatives afterwards, of phases that have just been evaluated; where work.derivatives_later. */
+StatusCode add_derivatives(Model& m, const TwoPhaseWork& work, Iterate& it);
+
 /* Gives the coefficients a common factor with which there are two phases: sum z K and sum z/K become equal, and
  * their product is above 1. False: all K are one. */
 bool centre_coefficients(const Model& m, Iterate& it);
@@ -30,6 +33,9 @@ bool substitute(const Model& m, bool cut, double relaxation, const TwoPhaseWork&
 
 /* Direction of Newton's method in ln K, into work.step; work.old_log_k is where it begins. False: none. */
 bool newton_direction(Model& m, const TwoPhaseWork& work, Iterate& it);
+
+/* The same by the matrix of the last direction, without another. */
+void same_direction(Model& m, const TwoPhaseWork& work, Iterate& it);
 
 /* ln K = old + factor * step and the split that follows; the factor is cut until both phases are there. */
 bool take_newton_step(const Model& m, double factor, const TwoPhaseWork& work, Iterate& it);

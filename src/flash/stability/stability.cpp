@@ -92,7 +92,12 @@ bool known_convex(Stability& s, const Plane& plane) {
   if (!s.m.built_in()) return false;
   for (int j = 0; j < plane.count; ++j) {
     const PlanePhase& phase = plane.phase[j];
-    if (phase.dn == nullptr || !convex_with(s.m, phase.x, phase.dn, kConvex, s.work)) return false;
+    const double* dn = phase.dn;
+    if (dn == nullptr && phase.at != nullptr) {
+      if (composition_derivatives(s.m, *phase.at, s.work.dn) != KV_OK) return false;
+      dn = s.work.dn;
+    }
+    if (dn == nullptr || !convex_with(s.m, phase.x, dn, kConvex, s.work)) return false;
   }
   return true;
 }
