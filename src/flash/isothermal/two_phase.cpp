@@ -21,6 +21,8 @@ constexpr double kSlowest = 0.999, kFastest = 0.001;  // reduction factors that 
 constexpr double kSmallestRelaxation = 0.1;
 // The answer owed: ln fugacities equal to this. A Newton step squares what is left.
 constexpr double kFinished = 1e-10, kOneStepAway = 3e-6;
+// Error below which Newton's method begins where it is decided on, not after one more substitution.
+constexpr double kNear = 0.1;
 // A second step by one matrix is taken without looking when it is to leave no more than this.
 constexpr double kForeseen = 1e-11;
 // Of ln K: phases that are so close have the same derivatives, where the curvature of an answer is asked for.
@@ -286,8 +288,9 @@ Ended pass(Run& r) {
   if (it.count >= 2 && phases_are_one(r.m, r.settings, it)) return Outcome::trivial;
   if (r.state != State::polish)
     if (const Ended end = give_up(r)) return end;
-  if (newton || (later && r.plain == 0 && r.state != State::substitution))
-    return step_by_newton(r, derivatives);
+  // Where the method has just changed: Newton's first step from far off may lead to other phases than substitution.
+  const bool at_once = later && r.plain == 0 && r.state != State::substitution && it.error < kNear;
+  if (newton || at_once) return step_by_newton(r, derivatives);
   r.newton.taken = false;
   return step_by_substitution(r, r.rules.relaxation);
 }

@@ -32,12 +32,25 @@ bool dilute(const Stability& s, const PlanePhase& feed) {
   return !(feed.Z > 0.0) || packing(s.m, covolume(*s.m.context.record, feed.x), feed.Z) < kDilutePacking;
 }
 
+// Wilson's vapour. ideal_gas: a trial from an ideal gas is to follow; s.passed then tells whether this one came by
+// where that would begin, so that both have one end.
+bool vapour_trial(Stability& s, const Plane& plane, bool ideal_gas, double gas_packing) {
+  if (ideal_gas) {
+    composition_of(s.m, plane.d, s.between);
+    s.watched = s.between;
+  }
+  s.passed = false;
+  const bool done = start_trial(s, plane, kWilsonVapour) && run_trial(s, plane, trial_kind(s), gas_packing);
+  s.watched = nullptr;
+  return done;
+}
+
 // Trials from Wilson's coefficients: a liquid z/K and a vapour z K. Both run, the lower one wins.
 bool wilson_trials(Stability& s, const Plane& plane) {
   if (!run_numbered(s, plane, kWilsonLiquid)) return false;
   const PlanePhase& feed = plane.phase[0];
   const bool gas = s.how == Follow::quick && (gas_beyond_doubt(s, feed.x, feed.Z) || beside_gas(s, plane));
-  return start_trial(s, plane, kWilsonVapour) && run_trial(s, plane, trial_kind(s), gas ? kGasPacking : 0.0);
+  return vapour_trial(s, plane, feed.kind == Kind::liquid, gas ? kGasPacking : 0.0);
 }
 
 /*
@@ -78,10 +91,10 @@ bool test_feed(Stability& s, const Plane& plane) {
   if (critical) s.how = Follow::strict;
   s.m.counts.step = Step::feed_trials;
   if (!wilson_trials(s, plane)) return false;
+  const bool ideal_gas = feed.kind == Kind::liquid && !s.passed;
   if (critical && !trials_along(s, plane, feed.x)) return false;
   if (s.cut()) return true;
-  if (feed.kind == Kind::liquid && s.trial.end == TrialEnd::trivial && !run_numbered(s, plane, kIdealGas))
-    return false;
+  if (ideal_gas && s.trial.end == TrialEnd::trivial && !run_numbered(s, plane, kIdealGas)) return false;
   if (!s.liquids_only && !other_root_trial(s, plane, feed.x, feed.Z)) return false;
   s.m.counts.step = Step::near_pure;
   return near_pure_trials(s, plane, feed.kind == Kind::gas || beside_gas(s, plane));
@@ -129,9 +142,9 @@ bool test_answer(Stability& s, const Plane& plane) {
   s.m.counts.step = Step::answer_trials;
   const bool gas = has_gas(s, plane);
   if (!run_numbered(s, plane, kWilsonLiquid)) return false;
-  if ((!gas || thorough) && !s.liquids_only && !run_numbered(s, plane, kWilsonVapour)) return false;
+  if ((!gas || thorough) && !s.liquids_only && !vapour_trial(s, plane, !gas, 0.0)) return false;
   // Wilson's vapour of a feed of two liquids may begin as a liquid itself.
-  if (!gas && !s.liquids_only && !run_numbered(s, plane, kIdealGas)) return false;
+  if (!gas && !s.liquids_only && !s.passed && !run_numbered(s, plane, kIdealGas)) return false;
   s.m.counts.step = Step::answer_near_pure;
   if (!near_pure_trials(s, plane, gas)) return false;
   s.m.counts.step = Step::answer_trials;

@@ -84,9 +84,11 @@ struct Stability {
 
   double* wilson_k = nullptr;  // [ld]
   TrialWork work{};
-  Trial trial;                 // the one that runs
-  Follow how = Follow::quick;  // how far trials are followed
-  bool came_back = false;      // some trial ran into a phase of the plane
+  Trial trial;                      // the one that runs
+  Follow how = Follow::quick;       // how far trials are followed
+  const double* watched = nullptr;  // see Reference
+  bool passed = false;              // a trial came by there
+  bool came_back = false;           // some trial ran into a phase of the plane
   TriedStarts tried;
   double* began = nullptr;      // [ld] ln W that the trial which runs began with
   double* between = nullptr;    // [ld] composition that a trial starts from

@@ -53,11 +53,13 @@ bool follow(Stability& s, const Plane& plane, Kind kind, double gas_packing, boo
   Reference ref = reference_of(plane);
   ref.gas_packing = gas_packing;
   for (int j = 0; j < plane.count; ++j) ref.packing[j] = packing_of(s.m, plane.phase[j]);
+  ref.watched = s.watched;
   ref.known = plane.incipient.x != nullptr ? plane.incipient.x : s.lowest.w;
   ref.known_count =
       plane.incipient.x != nullptr || (s.have_lowest && s.lowest.tm > 0.0 && s.how == Follow::quick) ? 1 : 0;
   s.status = follow_trial(s.m, ref, kind, s.how, s.work, s.trial, carefully);
   s.came_back |= s.trial.end == TrialEnd::trivial;
+  s.passed |= s.trial.passed;
   return s.status == KV_OK;
 }
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "support/lanes.hpp"
 #include "support/ldl.hpp"
@@ -34,6 +35,10 @@ constexpr double kClearlyNegative = -1e-2, kClearGradient = 1e-3;
 constexpr double kTrivialDistance = 1e-1, kTrivialRatio = 0.2;
 constexpr double kSamePacking = 1.3;  // ratio of packings of what may be one phase
 constexpr double kKnownComposition = 0.01, kKnownExactly = 1e-4;
+// Part of every amount: a trial that close to a phase has come to it. No distance in between is below what counts.
+constexpr double kThere = 1e-4;
+// Spread, as below, of compositions from which substitutions lead to one end.
+constexpr double kSameWay = 0.03;
 constexpr double kSameRoot = 1e-9;  // relative difference of the Z of a host's two phases
 // sum of (w - z)^2/(w + z); from a start, before any step, only what is nearer still counts as on its way back
 constexpr double kSameComposition = 1e-16, kNearComposition = 0.4, kNearFromStart = 0.12;
@@ -129,6 +134,14 @@ double take_step(int n, const TrialWork& work, Trial& t) {
   return largest;
 }
 
+// Whether the amounts of the trial are those of a phase of composition z.
+bool has_reached(const double* z, int n, const Trial& t) {
+  if (z == nullptr) return false;
+  for (int i = 0; i < n; ++i)
+    if (!(std::fabs(t.sum * t.w[i] - z[i]) <= kThere * z[i])) return false;
+  return true;
+}
+
 bool is_known(const Reference& ref, const Model& m, double limit, const Trial& t) {
   for (int k = 0; k < ref.known_count; ++k)
     if (spread(t.w, ref.known + static_cast<std::size_t>(k) * m.ld, m.n) < limit) return true;
@@ -192,8 +205,19 @@ bool settled(const Way& y, int k) {
   return t.gradient2 <= (y.how == Follow::report ? kFinished : kConverged) || (certain && y.quick());
 }
 
-// The next step from here. True: it is the last one, and its end need not be looked at.
-bool step_on(Way& y, int k, bool second) {
+// How a step ends the trial, where its end need not be looked at.
+enum class Last { no, stationary, trivial };
+
+// Whether a step of second order has led to a phase of the plane: that need not be looked at.
+bool ends_at_phase(const Way& y) {
+  if (y.how != Follow::strict || !(std::fabs(y.before) < kTrivialDistance)) return false;
+  compose(y.m, y.t);
+  return std::any_of(std::begin(y.ref.phase), std::end(y.ref.phase),
+                     [&](const double* phase) { return has_reached(phase, y.m.n, y.t); });
+}
+
+// The next step from here.
+Last step_on(Way& y, int k, bool second) {
   Trial& t = y.t;
   y.factor = 1.0;
   y.before = t.tm;
@@ -205,12 +229,14 @@ bool step_on(Way& y, int k, bool second) {
   y.substituted = !second;
   if (newton) {
     const double change = take_step(y.m.n, y.work, t);
-    return y.how == Follow::report && t.gradient2 < kNearlyFinished && change < kShortChange;
+    if (y.how == Follow::report && t.gradient2 < kNearlyFinished && change < kShortChange)
+      return Last::stationary;
+    return ends_at_phase(y) ? Last::trivial : Last::no;
   }
   std::copy_n(t.log_w, y.m.n, y.work.old_root);
   const double part = t.tm > kFar ? kFarPart : 1.0;
   for (int i = 0; i < y.m.n; ++i) t.log_w[i] -= part * y.work.r[i];
-  return false;
+  return Last::no;
 }
 
 }  // namespace
@@ -220,12 +246,14 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
   Way y{m, ref, kind, how, work, t, how == Follow::report ? 0 : kSubstitutions};
   ++m.counts.trials;
   t.end = TrialEnd::failed;
-  t.overshot = false;
+  t.overshot = t.passed = false;
   for (int k = 0; k < kMaxSteps; ++k) {
     const bool second = k >= y.second_from && !m.free_water;
     const StatusCode status = look(y, k, second);
     if (status != KV_OK) return status;
     const bool rose = k > 0 && t.tm > y.before + 1e-10 * (1.0 + std::fabs(y.before));
+    // Of a substitution the composition alone says where it leads.
+    if (k <= 1 && ref.watched != nullptr) t.passed |= spread(t.w, ref.watched, m.n) < kSameWay;
     t.overshot |= rose && y.substituted;
     if (rose && y.substituted && careful) {
       std::copy_n(work.old_root, m.n, t.log_w);
@@ -242,14 +270,21 @@ StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, c
     } else if (settled(y, k)) {
       t.end = TrialEnd::stationary;
       return KV_OK;
-    } else if (step_on(y, k, second)) {
-      compose(m, t);
-      t.end = TrialEnd::stationary;
+    } else if (const Last last = step_on(y, k, second); last != Last::no) {
+      if (last == Last::stationary) compose(m, t);
+      t.end = last == Last::trivial ? TrialEnd::trivial : TrialEnd::stationary;
       return KV_OK;
     }
   }
   t.end = TrialEnd::stationary;  // slow, but the last distance is a bound from above
   return KV_OK;
+}
+
+void composition_of(const Model& m, const double* log_w, double* w) {
+  const double most = *std::max_element(log_w, log_w + m.n);
+  double sum = 0.0;
+  for (int i = 0; i < m.n; ++i) sum += w[i] = support::fast_exp(log_w[i] - most);
+  for (int i = 0; i < m.n; ++i) w[i] /= sum;
 }
 
 bool convex_with(Model& m, const double* x, const double* dn, double margin, const TrialWork& work) {

@@ -23,6 +23,8 @@ struct Reference {
   int known_count = 0;
   // A trial that begins as a gas packed less densely than this is a phase of the plane; 0 where none is.
   double gas_packing = 0.0;
+  // [ld] composition that another trial would start from, null without one: see Trial::passed.
+  const double* watched = nullptr;
 };
 
 // How a trial ended.
@@ -47,6 +49,7 @@ struct Trial {
   Evaluated at;           // by the built-in equation
   bool current = false;   // all of this belongs to log_w
   bool overshot = false;  // a substitution has led upwards
+  bool passed = false;    // it began where the watched start is, or came there by its first substitution
   TrialEnd end = TrialEnd::failed;
 };
 
@@ -73,6 +76,9 @@ enum class Follow {
  */
 StatusCode follow_trial(Model& m, const Reference& ref, Kind kind, Follow how, const TrialWork& work,
                         Trial& trial, bool careful = false);
+
+/* The composition w[n] of amounts e^log_w. */
+void composition_of(const Model& m, const double* log_w, double* w);
 
 // Lowest eigenvalue of the curvature of a phase that quick trials are good enough for.
 inline constexpr double kConvex = 0.1;
