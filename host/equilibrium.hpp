@@ -75,18 +75,24 @@ double ratio(const PhaseState& phase, const PhaseState& other, std::size_t compo
 // vapour"; "-" without an answer. A flash of up to three phases always has the names.
 std::string phases_in_words(const Equilibrium& state);
 
+// What writes a trace where the mixture asks for one: the flash that was asked for, none that an answer is held against.
+enum class Trace { none, asked_for };
+
 // The flash of the library from a cold start and the properties of every phase; at vapour fraction 0 or 1 the
 // phase that is about to form is one of them, with fraction 0. The values are in base units and in the order of
 // quantities_of. The mixture has been handed over to the library.
-Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double first, double second);
+Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double first, double second,
+                  Trace trace = Trace::none);
 
-// The same flash at a vapour fraction from a warm start: a state with two phases close to the answer, whose branch it stays on.
+// The same flash at a vapour fraction from a warm start: a state with two phases close to the answer, whose branch it
+// stays on. Its trace is written.
 Equilibrium flash_from(const Exports& library, Mixture& mixture, Given given, double first, double second,
                        const Equilibrium& start);
 
 // The same with up to three phases: vapour, hydrocarbon liquid and aqueous liquid (or free water), or two
 // liquids that are both hydrocarbon or both aqueous, the light and the heavy one.
-Equilibrium flash_of_three(const Exports& library, Mixture& mixture, Given given, double first, double second);
+Equilibrium flash_of_three(const Exports& library, Mixture& mixture, Given given, double first, double second,
+                           Trace trace = Trace::none);
 
 // As many phases as there are: the flash of three, and where it has no answer that of two, looked at from all sides.
 Equilibrium flash_of_all(const Exports& library, Mixture& mixture, Given given, double first, double second);

@@ -42,7 +42,8 @@ struct Mixture {
   std::vector<MissingPair> missing;     // pairs whose interaction counts as zero
   std::vector<int> uncovered;           // components without any groups, indices from 0
   std::vector<ConstantPair> constants;  // pairs with a constant k_ij
-  std::vector<std::string> notes;       // on components of the user's own and fractions, a sentence each
+  bool trace = false;  // the flash that is asked for writes its iterations; the record's own flag stays 0
+  std::vector<std::string> notes;  // on components of the user's own and fractions, a sentence each
 
   Mixture() = default;
   Mixture(const Mixture&) = delete;  // record and storage hold addresses of the vectors

@@ -54,7 +54,6 @@ bool is_dense(const Exports& library, const Mixture& mixture, const std::vector<
   if (T <= lowest || T >= highest) return T > lowest;
   MixtureRecord record = mixture.record;
   record.flags = 0;
-  record.trace_flag = 0;
   LastCritical this_one;
   LastCritical& critical = last != nullptr ? *last : this_one;
   double Tc = 0.0, Pc = 0.0, Vc = 0.0, Zc = 0.0;

@@ -184,7 +184,6 @@ PropertyValues phase_properties(const Exports& library, const Mixture& mixture, 
                                 double P, const std::vector<double>& x, double molar_mass, unsigned wanted) {
   PropertyValues result;
   Call call{library, mixture.record, T, P / kAtmInPa, x.data(), molar_mass, wanted};
-  call.record.trace_flag = 0;
   const bool heat = call.wants({Prop::Cp, Prop::Cv, Prop::speed_of_sound, Prop::joule_thomson});
   const bool standard = call.wants({Prop::standard_density, Prop::standard_volume, Prop::standard_cubic_feet});
   const bool volume =
