@@ -106,6 +106,11 @@ Equilibrium flash_of_two(const Exports& library, Mixture& mixture, Given given, 
 // saturation has for it, and the rest of the water is liquid.
 Equilibrium flash_with_saturation(const Exports& library, Mixture& mixture, Given given, double T, double P);
 
+// Of a phase with a Cp or Cv below zero, for which the speed of sound and the Joule-Thomson coefficient rest on it.
+inline constexpr const char* kNegativeHeatText =
+    "negative heat capacity: the model's own, where its k_ij change steeply with temperature; no property of a "
+    "fluid, nor are the speed of sound and the Joule-Thomson coefficient that it makes";
+
 // What the equation of state cannot do, for a phase and its properties; sentences.
 std::vector<std::string_view> model_limits(const Mixture& mixture, const PhaseState& phase, double T);
 

@@ -143,6 +143,8 @@ std::vector<std::string_view> model_limits(const Mixture& mixture, const PhaseSt
         "cubic equation: the Joule-Thomson coefficient of hydrogen and helium is too high and near ambient "
         "temperature of the wrong sign");
   }
+  if (phase.properties[Property::Cp] < 0.0 || phase.properties[Property::Cv] < 0.0)
+    limits.push_back(kNegativeHeatText);
   if (phase.aqueous && std::isfinite(phase.properties[Property::Z])) {
     limits.push_back(
         "cubic equation: not for liquid water (its density and heat capacities and speed of sound are far "

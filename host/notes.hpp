@@ -24,9 +24,6 @@ inline constexpr const char* kOilText =
 inline constexpr const char* kExtrapolatedText =
     "temperature outside the range of the ideal-gas heat capacity of at least one component: continued beyond "
     "it";
-inline constexpr const char* kNegativeHeatText =
-    "negative heat capacity: the model's own, where its k_ij change steeply with temperature; no property of a "
-    "fluid";
 
 // Limits of the model, remarks on states, and the water of gases; each once.
 std::vector<std::string> notes_of(const Mixture& mixture, std::span<const Equilibrium> states);

@@ -167,12 +167,14 @@ StatusCode PropertyValues::first_failure() const {
   return KV_OK;
 }
 
+bool PropertyValues::extrapolated(Property p) const {
+  const bool transport = p == Prop::viscosity || p == Prop::conductivity;  // beyond a range of their own
+  return !transport && status(p) == KV_PURE_RANGE;
+}
+
 bool PropertyValues::extrapolated() const {
-  for (const PropertyInfo& p : kProperties) {
-    const bool transport = p.property == Prop::viscosity || p.property == Prop::conductivity;
-    if (!transport && status(p.property) == KV_PURE_RANGE) return true;
-  }
-  return false;
+  return std::any_of(std::begin(kProperties), std::end(kProperties),
+                     [this](const PropertyInfo& p) { return extrapolated(p.property); });
 }
 
 StatusCode combined(StatusCode a, StatusCode b) {
