@@ -1,5 +1,6 @@
 // One state of a mixture: its phases with their properties, from the flashes of two and of three phases.
-#pragma once
+#ifndef KESTRUNE_HOST_EQUILIBRIUM_HPP
+#define KESTRUNE_HOST_EQUILIBRIUM_HPP
 
 #include <array>
 #include <string>
@@ -119,3 +120,5 @@ Equilibrium single_phase_at_TP(const Exports& library, const Mixture& mixture, P
                                double P);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // What the flashes of two and of three phases build a state from.
-#pragma once
+#ifndef KESTRUNE_HOST_EQUILIBRIUM_PARTS_HPP
+#define KESTRUNE_HOST_EQUILIBRIUM_PARTS_HPP
 
 #include <algorithm>
 #include <vector>
@@ -88,3 +89,5 @@ void add_phase(const Exports& library, const Mixture& mixture, PhaseKind kind, d
 void add_overall(const Exports& library, const Mixture& mixture, Equilibrium& state);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // A mixture as the calculation library wants it: component table, record, group data and their buffers.
-#pragma once
+#ifndef KESTRUNE_HOST_MIXTURE_HPP
+#define KESTRUNE_HOST_MIXTURE_HPP
 
 #include <array>
 #include <cstdint>
@@ -88,3 +89,5 @@ std::vector<std::string> missing_in_words(const Mixture& mixture, double least =
 inline constexpr double kTracePair = 0.01;
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // What is to be said of states beside their numbers.
-#pragma once
+#ifndef KESTRUNE_HOST_NOTES_HPP
+#define KESTRUNE_HOST_NOTES_HPP
 
 #include <span>
 #include <string>
@@ -29,3 +30,5 @@ inline constexpr const char* kExtrapolatedText =
 std::vector<std::string> notes_of(const Mixture& mixture, std::span<const Equilibrium> states);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // Properties of one phase at temperature and pressure, each with its status, from the property exports.
-#pragma once
+#ifndef KESTRUNE_HOST_PROPERTIES_HPP
+#define KESTRUNE_HOST_PROPERTIES_HPP
 
 #include <array>
 #include <span>
@@ -105,3 +106,5 @@ PropertyValues phase_properties(const Exports& library, const Mixture& mixture, 
                                 unsigned wanted = kAllProperties);
 
 }  // namespace kestrune::host
+
+#endif

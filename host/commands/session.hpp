@@ -1,5 +1,6 @@
 // The program: one run, its streams, its options in common, and the list of commands.
-#pragma once
+#ifndef KESTRUNE_HOST_COMMANDS_SESSION_HPP
+#define KESTRUNE_HOST_COMMANDS_SESSION_HPP
 
 #include <memory>
 #include <ostream>
@@ -107,3 +108,5 @@ std::vector<std::string> remarks(const Mixture& mixture);
 void tell(Session& session, const std::vector<std::string>& sentences);
 
 }  // namespace kestrune::host
+
+#endif
