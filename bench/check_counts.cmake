@@ -1,4 +1,4 @@
-# Compares the work that the programs count (no times) with counts.txt, to the last digit: more work per flash, or less,
+# Compares the work that the programs count (no times) with counts_PROGRAM.txt, to the last digit: more work per flash, or less,
 # is to be seen in the change that brings it. Called by the tests; after such a change:
 #   sh bench/run.sh --counts
 execute_process(COMMAND ${EMULATOR} ${PROGRAM} --counts OUTPUT_VARIABLE counted RESULT_VARIABLE result)

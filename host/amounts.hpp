@@ -1,5 +1,6 @@
 // Units of amounts in tables: what stands behind a name, in a heading or in a cell.
-#pragma once
+#ifndef KESTRUNE_HOST_AMOUNTS_HPP
+#define KESTRUNE_HOST_AMOUNTS_HPP
 
 #include <optional>
 #include <string>
@@ -51,3 +52,5 @@ struct Amount {
 double add_amounts(const std::vector<Amount>& amounts, Composition& composition);
 
 }  // namespace kestrune::host
+
+#endif

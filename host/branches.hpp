@@ -1,5 +1,6 @@
 // All points of one vapour fraction at a temperature or a pressure, where a line of that fraction is met more than once.
-#pragma once
+#ifndef KESTRUNE_HOST_BRANCHES_HPP
+#define KESTRUNE_HOST_BRANCHES_HPP
 
 #include <string_view>
 #include <vector>
@@ -22,3 +23,5 @@ std::vector<Equilibrium> points_of_fraction(const Exports& library, Mixture& mix
                                             double value, Branch branch);
 
 }  // namespace kestrune::host
+
+#endif

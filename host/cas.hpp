@@ -1,5 +1,6 @@
 // CAS numbers, without hyphens, of the components that are treated by what they are.
-#pragma once
+#ifndef KESTRUNE_HOST_CAS_HPP
+#define KESTRUNE_HOST_CAS_HPP
 
 #include <cstdint>
 
@@ -11,3 +12,5 @@ inline constexpr std::int32_t kHydrogen = 1333740, kHelium = 7440597, kNitrogen 
                               kArgon = 7440371, kCO = 630080, kCO2 = 124389, kH2S = 7783064, kMethane = 74828;
 
 }  // namespace kestrune::host::cas
+
+#endif

@@ -1,5 +1,6 @@
 // A chart of lines and marks over two linear axes, drawn as SVG by this program and as PNG by gnuplot.
-#pragma once
+#ifndef KESTRUNE_HOST_CHART_HPP
+#define KESTRUNE_HOST_CHART_HPP
 
 #include <ostream>
 #include <string>
@@ -49,3 +50,5 @@ void write_svg(const Chart& chart, const std::string& file, std::ostream& out);
 void write_png(const Chart& chart, const std::string& file, std::ostream& out);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,6 +1,7 @@
 // Flashes of one mixture at many states: a record of its own for each thread, cold starts, so that a result depends on its
 // state alone, to the last bit.
-#pragma once
+#ifndef KESTRUNE_HOST_COLD_FLASH_HPP
+#define KESTRUNE_HOST_COLD_FLASH_HPP
 
 #include <array>
 #include <cstddef>
@@ -66,3 +67,5 @@ class PhaseAsker {
 };
 
 }  // namespace kestrune::host
+
+#endif

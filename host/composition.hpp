@@ -1,5 +1,6 @@
 // What the user writes down as a mixture: components with amounts, in a file or on the command line.
-#pragma once
+#ifndef KESTRUNE_HOST_COMPOSITION_HPP
+#define KESTRUNE_HOST_COMPOSITION_HPP
 
 #include <optional>
 #include <string>
@@ -73,3 +74,5 @@ std::vector<std::string> analyses_of_file(const std::string& path);
 void read_composition_file(const std::string& path, Composition& composition, const ReadOptions& options = {});
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // What the readers of compositions share.
-#pragma once
+#ifndef KESTRUNE_HOST_COMPOSITION_PARTS_HPP
+#define KESTRUNE_HOST_COMPOSITION_PARTS_HPP
 
 #include <string_view>
 
@@ -12,3 +13,5 @@ double parse_amount(std::string_view text, std::string_view where);
 std::string_view without_quotes(std::string_view text);
 
 }  // namespace kestrune::host
+
+#endif

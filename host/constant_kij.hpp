@@ -4,7 +4,8 @@
 // interaction. Pairs of groups that nothing else has carry these terms, and others take away what the molecules' own groups
 // give. So the pair has its k_ij at every temperature at which sqrt(alpha) is positive (below 12 Tc for methane, 2.2 Tc for
 // an acentric factor of 1.5).
-#pragma once
+#ifndef KESTRUNE_HOST_CONSTANT_KIJ_HPP
+#define KESTRUNE_HOST_CONSTANT_KIJ_HPP
 
 #include <cstddef>
 #include <vector>
@@ -34,3 +35,5 @@ void add_constant_groups(Mixture& mixture);
 void set_constant_shares(Mixture& mixture);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // Components by name and group interactions by set. All data are compiled in.
-#pragma once
+#ifndef KESTRUNE_HOST_DATABANK_HPP
+#define KESTRUNE_HOST_DATABANK_HPP
 
 #include <span>
 #include <string>
@@ -51,3 +52,5 @@ struct InteractionSet {
 const InteractionSet& interaction_set(std::string_view name);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // The compiled-in tables; their source is made by tools/embed_host_data.py.
-#pragma once
+#ifndef KESTRUNE_HOST_DATABANK_TABLES_HPP
+#define KESTRUNE_HOST_DATABANK_TABLES_HPP
 
 #include <array>
 #include <cstdint>
@@ -67,3 +68,5 @@ std::span<const Interaction> interactions_original();
 }  // namespace tables
 
 }  // namespace kestrune::host
+
+#endif

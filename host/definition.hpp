@@ -1,5 +1,6 @@
 // Components of the user's own and petroleum fractions: what is written about them, and the components they become.
-#pragma once
+#ifndef KESTRUNE_HOST_DEFINITION_HPP
+#define KESTRUNE_HOST_DEFINITION_HPP
 
 #include <optional>
 #include <string>
@@ -67,3 +68,5 @@ struct Realised {
 Realised realise(const Definition& definition, const std::string& library_path);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // Phase envelopes, quality lines and critical points of a mixture, from the library's exports.
-#pragma once
+#ifndef KESTRUNE_HOST_ENVELOPE_HPP
+#define KESTRUNE_HOST_ENVELOPE_HPP
 
 #include <string>
 #include <vector>
@@ -60,3 +61,5 @@ struct Piece {
 std::vector<Piece> pieces_of(const Curve& curve);
 
 }  // namespace kestrune::host
+
+#endif

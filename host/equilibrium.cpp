@@ -77,7 +77,9 @@ void add_sum(Property property, const std::vector<Share>& all, PropertyValues& s
 
 // The library's flash: temperature, pressure, vapour fraction and compositions of the state. At a vapour fraction it
 // may go on from a start, whose compositions are in the state already.
-void solve(const Exports& library, Mixture& mixture, Equilibrium& s, const Equilibrium* start = nullptr) {
+void solve(const Exports& library, Mixture& mixture, Equilibrium& s, Trace trace,
+           const Equilibrium* start = nullptr) {
+  const TraceOfCall traced(mixture, trace);
   const std::int32_t cold_start = start == nullptr ? 1 : 0;
   const double *z = mixture.z.data(), first = s.values[0], second = s.values[1];
   double *x = s.x.data(), *y = s.y.data(), *K = s.K.data();
@@ -249,10 +251,11 @@ Equilibrium with_phases(const Exports& library, const Mixture& mixture, Equilibr
 
 }  // namespace
 
-Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double first, double second) {
+Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double first, double second,
+                  Trace trace) {
   const std::vector<double> none(mixture.z.size());
   Equilibrium s{given, {first, second}, kNone, kNone, true, KV_OK, 0.0, none, none, none, kNone, {}, {}};
-  solve(library, mixture, s);
+  solve(library, mixture, s, trace);
   return with_phases(library, mixture, s);
 }
 
@@ -260,7 +263,7 @@ Equilibrium flash_from(const Exports& library, Mixture& mixture, Given given, do
                        const Equilibrium& start) {
   Equilibrium s{given,   {first, second}, kNone,   kNone, true, KV_OK, 0.0,
                 start.x, start.y,         start.K, kNone, {},   {}};
-  solve(library, mixture, s, &start);
+  solve(library, mixture, s, Trace::asked_for, &start);
   return with_phases(library, mixture, s);
 }
 

@@ -1,5 +1,6 @@
 // One state of a mixture: its phases with their properties, from the flashes of two and of three phases.
-#pragma once
+#ifndef KESTRUNE_HOST_EQUILIBRIUM_HPP
+#define KESTRUNE_HOST_EQUILIBRIUM_HPP
 
 #include <array>
 #include <string>
@@ -75,18 +76,24 @@ double ratio(const PhaseState& phase, const PhaseState& other, std::size_t compo
 // vapour"; "-" without an answer. A flash of up to three phases always has the names.
 std::string phases_in_words(const Equilibrium& state);
 
+// What writes a trace where the mixture asks for one: the flash that was asked for, none that an answer is held against.
+enum class Trace { none, asked_for };
+
 // The flash of the library from a cold start and the properties of every phase; at vapour fraction 0 or 1 the
 // phase that is about to form is one of them, with fraction 0. The values are in base units and in the order of
 // quantities_of. The mixture has been handed over to the library.
-Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double first, double second);
+Equilibrium flash(const Exports& library, Mixture& mixture, Given given, double first, double second,
+                  Trace trace = Trace::none);
 
-// The same flash at a vapour fraction from a warm start: a state with two phases close to the answer, whose branch it stays on.
+// The same flash at a vapour fraction from a warm start: a state with two phases close to the answer, whose branch it
+// stays on. Its trace is written.
 Equilibrium flash_from(const Exports& library, Mixture& mixture, Given given, double first, double second,
                        const Equilibrium& start);
 
 // The same with up to three phases: vapour, hydrocarbon liquid and aqueous liquid (or free water), or two
 // liquids that are both hydrocarbon or both aqueous, the light and the heavy one.
-Equilibrium flash_of_three(const Exports& library, Mixture& mixture, Given given, double first, double second);
+Equilibrium flash_of_three(const Exports& library, Mixture& mixture, Given given, double first, double second,
+                           Trace trace = Trace::none);
 
 // As many phases as there are: the flash of three, and where it has no answer that of two, looked at from all sides.
 Equilibrium flash_of_all(const Exports& library, Mixture& mixture, Given given, double first, double second);
@@ -100,6 +107,11 @@ Equilibrium flash_of_two(const Exports& library, Mixture& mixture, Given given, 
 // saturation has for it, and the rest of the water is liquid.
 Equilibrium flash_with_saturation(const Exports& library, Mixture& mixture, Given given, double T, double P);
 
+// Of a phase with a Cp or Cv below zero, for which the speed of sound and the Joule-Thomson coefficient rest on it.
+inline constexpr const char* kNegativeHeatText =
+    "negative heat capacity: the model's own, where its k_ij change steeply with temperature; no property of a "
+    "fluid, nor are the speed of sound and the Joule-Thomson coefficient that it makes";
+
 // What the equation of state cannot do, for a phase and its properties; sentences.
 std::vector<std::string_view> model_limits(const Mixture& mixture, const PhaseState& phase, double T);
 
@@ -108,3 +120,5 @@ Equilibrium single_phase_at_TP(const Exports& library, const Mixture& mixture, P
                                double P);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // What the flashes of two and of three phases build a state from.
-#pragma once
+#ifndef KESTRUNE_HOST_EQUILIBRIUM_PARTS_HPP
+#define KESTRUNE_HOST_EQUILIBRIUM_PARTS_HPP
 
 #include <algorithm>
 #include <vector>
@@ -15,6 +16,21 @@ inline constexpr double kWaterRich = 0.9999;  // from here on the library takes 
 
 // K: an answer at an enthalpy or entropy beyond these is none, there is no state there.
 inline constexpr double kColdest = 60.0, kHottest = 2000.0;
+
+// Turns the trace of the record on while a call of the library lasts.
+class TraceOfCall {
+ public:
+  TraceOfCall(Mixture& mixture, Trace trace) : record_(mixture.record) {
+    constexpr std::int32_t full = 2;
+    record_.trace_flag = mixture.trace && trace == Trace::asked_for ? full : 0;
+  }
+  ~TraceOfCall() { record_.trace_flag = 0; }
+  TraceOfCall(const TraceOfCall&) = delete;
+  TraceOfCall& operator=(const TraceOfCall&) = delete;
+
+ private:
+  MixtureRecord& record_;
+};
 
 // Water with the alcohols, glycols and ammonia of the databank, and whether a liquid of it is called aqueous.
 double polar_share(const Mixture& mixture, const std::vector<double>& x);
@@ -73,3 +89,5 @@ void add_phase(const Exports& library, const Mixture& mixture, PhaseKind kind, d
 void add_overall(const Exports& library, const Mixture& mixture, Equilibrium& state);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // The one error of the host: input that cannot be worked with. The program shows it and ends with code 2.
-#pragma once
+#ifndef KESTRUNE_HOST_ERROR_HPP
+#define KESTRUNE_HOST_ERROR_HPP
 
 #include <stdexcept>
 #include <string>
@@ -12,3 +13,5 @@ struct InputError : std::runtime_error {
 };
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // What the correlation of hydrates was made from.
-#pragma once
+#ifndef KESTRUNE_HOST_HYDRATE_RANGE_HPP
+#define KESTRUNE_HOST_HYDRATE_RANGE_HPP
 
 #include <cstdint>
 #include <string>
@@ -18,3 +19,5 @@ inline constexpr double kHydrateLowestP = 12e5, kHydrateHighestP = 400e5;   // P
 std::vector<std::string> hydrate_warnings(const Mixture& mixture, std::int32_t inhibitor, double percent);
 
 }  // namespace kestrune::host
+
+#endif

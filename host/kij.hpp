@@ -1,5 +1,6 @@
 // Binary interaction parameters as the model predicts them from the converted group data.
-#pragma once
+#ifndef KESTRUNE_HOST_KIJ_HPP
+#define KESTRUNE_HOST_KIJ_HPP
 
 #include <vector>
 
@@ -29,3 +30,5 @@ std::vector<double> binary_interactions(const Mixture& mixture, double T, const 
 bool is_incomplete(const Mixture& mixture, int i, int j);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,6 +1,7 @@
 // Tables of analyses as laboratories write them: title rows, a heading row, further columns, a total row, decimal commas
 // beside semicolons or tabs; and tables of many analyses, one composition a row.
-#pragma once
+#ifndef KESTRUNE_HOST_LABORATORY_HPP
+#define KESTRUNE_HOST_LABORATORY_HPP
 
 #include <string>
 #include <string_view>
@@ -29,3 +30,5 @@ bool read_chosen_analysis(const Sheet& sheet, const std::string& wanted, Composi
 std::vector<std::string> analyses_in(std::string_view text, const Composition& definitions);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // The calculation library as a host sees it: opened at run time, every export resolved by name.
-#pragma once
+#ifndef KESTRUNE_HOST_LIBRARY_HPP
+#define KESTRUNE_HOST_LIBRARY_HPP
 
 #include <string>
 #include <vector>
@@ -77,3 +78,5 @@ struct PetroleumTools {
 PetroleumTools load_petroleum_tools(const std::string& library_path);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // Valves, expanders and compressors: what comes out, and the work, from flashes at enthalpy and at entropy.
-#pragma once
+#ifndef KESTRUNE_HOST_MACHINE_HPP
+#define KESTRUNE_HOST_MACHINE_HPP
 
 #include <string>
 #include <vector>
@@ -47,3 +48,5 @@ MachineResult run_machine(const Exports& library, Mixture& mixture, const Machin
                           const Equilibrium& inlet, double P);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // A mixture as the calculation library wants it: component table, record, group data and their buffers.
-#pragma once
+#ifndef KESTRUNE_HOST_MIXTURE_HPP
+#define KESTRUNE_HOST_MIXTURE_HPP
 
 #include <array>
 #include <cstdint>
@@ -42,7 +43,8 @@ struct Mixture {
   std::vector<MissingPair> missing;     // pairs whose interaction counts as zero
   std::vector<int> uncovered;           // components without any groups, indices from 0
   std::vector<ConstantPair> constants;  // pairs with a constant k_ij
-  std::vector<std::string> notes;       // on components of the user's own and fractions, a sentence each
+  bool trace = false;  // the flash that is asked for writes its iterations; the record's own flag stays 0
+  std::vector<std::string> notes;  // on components of the user's own and fractions, a sentence each
 
   Mixture() = default;
   Mixture(const Mixture&) = delete;  // record and storage hold addresses of the vectors
@@ -60,6 +62,14 @@ struct Mixture {
 
 // Index of water, the number of components without any.
 std::size_t water_of(const Mixture& mixture);
+
+/*
+ * A start of WaterDewPressure, atm, for a gas with this fraction of water: none; of a very dry gas one below every
+ * solution, because the export takes a start for the answer where the content is right within 1e-8.
+ */
+inline double dew_start(double water) noexcept {
+  return water < 1e-6 ? 1e-9 : 0.0;
+}
 // Mole fraction in x[count] of the components with one of these CAS numbers.
 double share_of(const Mixture& mixture, const std::vector<double>& x,
                 std::span<const std::int32_t> cas_numbers);
@@ -87,3 +97,5 @@ std::vector<std::string> missing_in_words(const Mixture& mixture, double least =
 inline constexpr double kTracePair = 0.01;
 
 }  // namespace kestrune::host
+
+#endif

@@ -54,7 +54,6 @@ bool is_dense(const Exports& library, const Mixture& mixture, const std::vector<
   if (T <= lowest || T >= highest) return T > lowest;
   MixtureRecord record = mixture.record;
   record.flags = 0;
-  record.trace_flag = 0;
   LastCritical this_one;
   LastCritical& critical = last != nullptr ? *last : this_one;
   double Tc = 0.0, Pc = 0.0, Vc = 0.0, Zc = 0.0;
@@ -144,6 +143,8 @@ std::vector<std::string_view> model_limits(const Mixture& mixture, const PhaseSt
         "cubic equation: the Joule-Thomson coefficient of hydrogen and helium is too high and near ambient "
         "temperature of the wrong sign");
   }
+  if (phase.properties[Property::Cp] < 0.0 || phase.properties[Property::Cv] < 0.0)
+    limits.push_back(kNegativeHeatText);
   if (phase.aqueous && std::isfinite(phase.properties[Property::Z])) {
     limits.push_back(
         "cubic equation: not for liquid water (its density and heat capacities and speed of sound are far "

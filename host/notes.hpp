@@ -1,5 +1,6 @@
 // What is to be said of states beside their numbers.
-#pragma once
+#ifndef KESTRUNE_HOST_NOTES_HPP
+#define KESTRUNE_HOST_NOTES_HPP
 
 #include <span>
 #include <string>
@@ -24,11 +25,10 @@ inline constexpr const char* kOilText =
 inline constexpr const char* kExtrapolatedText =
     "temperature outside the range of the ideal-gas heat capacity of at least one component: continued beyond "
     "it";
-inline constexpr const char* kNegativeHeatText =
-    "negative heat capacity: the model's own, where its k_ij change steeply with temperature; no property of a "
-    "fluid";
 
 // Limits of the model, remarks on states, and the water of gases; each once.
 std::vector<std::string> notes_of(const Mixture& mixture, std::span<const Equilibrium> states);
 
 }  // namespace kestrune::host
+
+#endif

@@ -9,7 +9,8 @@
 // [Ria05] M. R. Riazi, Characterization and Properties of Petroleum Fractions, ASTM MNL50 (2005).
 // [Sor89] I. Soreide, doctoral thesis, Norwegian Institute of Technology, Trondheim (1989).
 // [Twu84] C. H. Twu, Fluid Phase Equilib. 16 (1984) 137-150.
-#pragma once
+#ifndef KESTRUNE_HOST_PETROLEUM_HPP
+#define KESTRUNE_HOST_PETROLEUM_HPP
 
 #include <string_view>
 
@@ -67,3 +68,5 @@ int groups_of_classes(double M, const ClassShares& shares,
                       std::array<GroupCount, kMaxGroupsPerComponent>& groups);
 
 }  // namespace kestrune::host
+
+#endif

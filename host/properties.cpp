@@ -167,12 +167,14 @@ StatusCode PropertyValues::first_failure() const {
   return KV_OK;
 }
 
+bool PropertyValues::extrapolated(Property p) const {
+  const bool transport = p == Prop::viscosity || p == Prop::conductivity;  // beyond a range of their own
+  return !transport && status(p) == KV_PURE_RANGE;
+}
+
 bool PropertyValues::extrapolated() const {
-  for (const PropertyInfo& p : kProperties) {
-    const bool transport = p.property == Prop::viscosity || p.property == Prop::conductivity;
-    if (!transport && status(p.property) == KV_PURE_RANGE) return true;
-  }
-  return false;
+  return std::any_of(std::begin(kProperties), std::end(kProperties),
+                     [this](const PropertyInfo& p) { return extrapolated(p.property); });
 }
 
 StatusCode combined(StatusCode a, StatusCode b) {
@@ -184,7 +186,6 @@ PropertyValues phase_properties(const Exports& library, const Mixture& mixture, 
                                 double P, const std::vector<double>& x, double molar_mass, unsigned wanted) {
   PropertyValues result;
   Call call{library, mixture.record, T, P / kAtmInPa, x.data(), molar_mass, wanted};
-  call.record.trace_flag = 0;
   const bool heat = call.wants({Prop::Cp, Prop::Cv, Prop::speed_of_sound, Prop::joule_thomson});
   const bool standard = call.wants({Prop::standard_density, Prop::standard_volume, Prop::standard_cubic_feet});
   const bool volume =

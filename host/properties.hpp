@@ -1,5 +1,6 @@
 // Properties of one phase at temperature and pressure, each with its status, from the property exports.
-#pragma once
+#ifndef KESTRUNE_HOST_PROPERTIES_HPP
+#define KESTRUNE_HOST_PROPERTIES_HPP
 
 #include <array>
 #include <span>
@@ -83,8 +84,9 @@ struct PropertyValues {
   StatusCode status(Property p) const { return statuses[static_cast<std::size_t>(p)]; }
   void set(Property p, StatusCode status, double value);
 
-  StatusCode first_failure() const;  // the first status without a value, else 0
-  bool extrapolated() const;         // some value has the status of a heat capacity beyond its range
+  StatusCode first_failure() const;     // the first status without a value, else 0
+  bool extrapolated(Property p) const;  // made with a heat capacity beyond its range
+  bool extrapolated() const;            // some value is
 };
 
 // The status of a value made of two: the first without a value, else the remark that one of them carries.
@@ -104,3 +106,5 @@ PropertyValues phase_properties(const Exports& library, const Mixture& mixture, 
                                 unsigned wanted = kAllProperties);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // Properties of a pure component from the correlations of the library of pure components, with their ranges.
-#pragma once
+#ifndef KESTRUNE_HOST_PURE_HPP
+#define KESTRUNE_HOST_PURE_HPP
 
 #include <array>
 #include <span>
@@ -68,3 +69,5 @@ PureValue pure_value(const PureExports& library, const Component& component, Pur
 double boiling_temperature(const PureExports& library, const Component& component, double P);
 
 }  // namespace kestrune::host
+
+#endif

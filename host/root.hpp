@@ -1,5 +1,6 @@
 // A root by halving.
-#pragma once
+#ifndef KESTRUNE_HOST_ROOT_HPP
+#define KESTRUNE_HOST_ROOT_HPP
 
 namespace kestrune::host {
 
@@ -14,3 +15,5 @@ double root_of(double low, double high, Function&& f) {
 }
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // Calorific values, density and Wobbe index of a gas from its composition, by the method and the table of ISO 6976:2016.
-#pragma once
+#ifndef KESTRUNE_HOST_SALES_GAS_HPP
+#define KESTRUNE_HOST_SALES_GAS_HPP
 
 #include <array>
 #include <cstdint>
@@ -65,3 +66,5 @@ struct CalorificResult {
 CalorificResult calorific_result(const TabulatedGas& gas, const Reference& reference);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // A table of text: rows of cells, and what a cell can be.
-#pragma once
+#ifndef KESTRUNE_HOST_SHEET_HPP
+#define KESTRUNE_HOST_SHEET_HPP
 
 #include <optional>
 #include <string>
@@ -52,3 +53,5 @@ void check_width(const Sheet& sheet, const Row& heading, std::size_t cells, int 
 void check_total(int line, double total, double sum);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,7 +1,8 @@
 // The pieces of a petroleum fraction: molar masses, specific gravities, boiling points and shares.
 //
 // [Whi83] C. H. Whitson, SPE J. 23 (1983) 683-694: gamma distribution of the molar mass, boundary of the lightest.
-#pragma once
+#ifndef KESTRUNE_HOST_SPLIT_HPP
+#define KESTRUNE_HOST_SPLIT_HPP
 
 #include <string>
 #include <vector>
@@ -36,3 +37,5 @@ SplitFraction split_by_curve(const Definition& fraction, const PetroleumTools& t
 double gamma_share(double a, double x);
 
 }  // namespace kestrune::host
+
+#endif

@@ -131,7 +131,7 @@ double saturated_water(const Exports& library, Mixture& mixture, double T, doubl
 }
 
 Equilibrium flash_of_two(const Exports& library, Mixture& mixture, Given given, double first, double second) {
-  Equilibrium s = flash(library, mixture, given, first, second);
+  Equilibrium s = flash(library, mixture, given, first, second, Trace::asked_for);
   hold_against_three(library, mixture, s);
   look_for_bounds(library, mixture, s);
   note_saturation(library, mixture, s);
@@ -140,16 +140,16 @@ Equilibrium flash_of_two(const Exports& library, Mixture& mixture, Given given, 
 
 Equilibrium flash_of_up_to_three(const Exports& library, Mixture& mixture, Given given, double first,
                                  double second) {
-  Equilibrium s = flash_of_three(library, mixture, given, first, second);
+  Equilibrium s = flash_of_three(library, mixture, given, first, second, Trace::asked_for);
   look_for_bounds(library, mixture, s);
   note_saturation(library, mixture, s);
   return s;
 }
 
 Equilibrium flash_of_all(const Exports& library, Mixture& mixture, Given given, double first, double second) {
-  Equilibrium s = flash_of_three(library, mixture, given, first, second);
+  Equilibrium s = flash_of_three(library, mixture, given, first, second, Trace::asked_for);
   if (!s.answered() && s.status != KV_FOURTH_PHASE) {
-    Equilibrium two = flash(library, mixture, given, first, second);
+    Equilibrium two = flash(library, mixture, given, first, second, Trace::asked_for);
     hold_against_three(library, mixture, two);
     if (two.answered() && two.stable) s = two;
   } else if (s.answered() && given == Given::TP && (mixture.record.flags & FreeWaterFlag) == 0) {

@@ -1,5 +1,6 @@
 // Plain text tables: columns as wide as their widest entry, two blanks between them.
-#pragma once
+#ifndef KESTRUNE_HOST_TABLE_HPP
+#define KESTRUNE_HOST_TABLE_HPP
 
 #include <ostream>
 #include <string>
@@ -30,3 +31,5 @@ std::string shown_digits(double value, int digits);  // significant digits
 std::string csv_field(const std::string& text);
 
 }  // namespace kestrune::host
+
+#endif

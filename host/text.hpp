@@ -1,5 +1,6 @@
 // Text helpers of the parsers: trimming, splitting, numbers, search keys, near spellings.
-#pragma once
+#ifndef KESTRUNE_HOST_TEXT_HPP
+#define KESTRUNE_HOST_TEXT_HPP
 
 #include <optional>
 #include <string>
@@ -29,3 +30,5 @@ std::string search_key(std::string_view text);
 int edit_distance(std::string_view a, std::string_view b);
 
 }  // namespace kestrune::host
+
+#endif

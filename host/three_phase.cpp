@@ -36,7 +36,8 @@ void add_two_liquids(const Exports& library, const Mixture& mixture, Equilibrium
 }
 
 // The library's flash: temperature, pressure, fractions and compositions of the state.
-void solve_three(const Exports& library, Mixture& mixture, Equilibrium& s) {
+void solve_three(const Exports& library, Mixture& mixture, Equilibrium& s, Trace trace) {
+  const TraceOfCall traced(mixture, trace);
   constexpr std::int32_t cold_start = 0;
   const double *z = mixture.z.data(), first = s.values[0], second = s.values[1];
   std::vector<double> ratios(2 * mixture.z.size());
@@ -104,12 +105,13 @@ void settle_root(const Exports& library, const Mixture& mixture, Equilibrium& s)
 
 }  // namespace
 
-Equilibrium flash_of_three(const Exports& library, Mixture& mixture, Given given, double first, double second) {
+Equilibrium flash_of_three(const Exports& library, Mixture& mixture, Given given, double first, double second,
+                           Trace trace) {
   const std::vector<double> none(mixture.z.size());
   Equilibrium s{given, {first, second}, kNone, kNone, true, KV_OK, 0.0, none, none, {}, kNone, {}, {}};
   s.three = true;
   s.xA = none;
-  solve_three(library, mixture, s);
+  solve_three(library, mixture, s, trace);
   if (!s.answered()) return s;
   if (s.beta > 0.0 || (s.of_fraction() && has_entries(s.y)))
     add_phase(library, mixture, PhaseKind::vapour, s.beta, s.y, s);

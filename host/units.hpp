@@ -1,5 +1,6 @@
 // Units of the quantities that users write and read, unit systems, and the parsing of conditions.
-#pragma once
+#ifndef KESTRUNE_HOST_UNITS_HPP
+#define KESTRUNE_HOST_UNITS_HPP
 
 #include <array>
 #include <limits>
@@ -98,3 +99,5 @@ std::vector<double> parse_conditions(Quantity quantity, std::string_view text, c
                                      double molar_mass = 0.0);
 
 }  // namespace kestrune::host
+
+#endif

@@ -19,7 +19,7 @@ cd "$(dirname "$0")/.." || exit 1
 strict="-Wall -Wextra -Wpedantic -Wconversion -Wno-sign-conversion -Wshadow -Werror"
 
 need() {
-  command -v "$1" >/dev/null || { echo "check: $1 is not installed, run scripts/setup.sh" >&2; exit 2; }
+  command -v "$1" >/dev/null || { echo "check: $1 is not installed, run sh scripts/setup.sh dev" >&2; exit 2; }
 }
 
 check_format() {

@@ -4,6 +4,7 @@
 # so, when everything is there. Needs root only where something is missing.
 #
 #   sh scripts/setup.sh          all that scripts/test.sh needs
+#   sh scripts/setup.sh dev      and what a change asks for: clang-tidy (scripts/check.sh), mpmath (references), valgrind
 #   sh scripts/setup.sh all      and what scripts/test.sh --all needs: 64-bit Windows, packages, MPI
 #   sh scripts/setup.sh demo     what the 32-bit DLLs and scripts/demo.sh need
 # shellcheck disable=SC2086 # packages and options are separate words
@@ -18,24 +19,31 @@ required="cmake ninja-build g++ g++-mingw-w64-i686-posix libgtest-dev googletest
   libcli11-dev nlohmann-json3-dev libfmt-dev libxxhash-dev python3"
 # The languages of examples/.
 hosts="gfortran gfortran-mingw-w64-i686-posix fp-compiler mono-mcs mono-runtime pkgconf"
+# All rules of scripts/check.sh, tools/make_*_reference.py, instructions counted (CONTRIBUTING.md).
+dev="clang-tidy python3-mpmath valgrind"
 # Packages, 64-bit Windows and kestrune-mpi.
-all="dpkg-dev lintian zip unzip g++-mingw-w64-x86-64-posix clang-tidy libopenmpi-dev openmpi-bin"
+all="dpkg-dev lintian zip unzip g++-mingw-w64-x86-64-posix libopenmpi-dev openmpi-bin"
 # The wheel, its tests and the packages that it uses where they are installed.
 python="python3-setuptools python3-wheel python3-build python3-pip python3-venv python3-numpy python3-pytest
   python3-hypothesis python3-pandas python3-matplotlib python3-pint python3-distributed python3-nbformat"
-# What scripts/check.sh runs.
+# What scripts/check.sh runs, but for clang-tidy.
 checks="clang clang-format shellcheck"
 optional="gnuplot-nox mypy"
 wine="wine wine32:i386"
-if [ "${1:-}" = demo ]; then
-  optional=
-else
-  required="$required $hosts $python $checks"
-fi
-if [ "${1:-}" = all ]; then
-  required="$required $all"
-  wine="$wine wine64"
-fi
+full="$required $hosts $python $checks"
+case ${1:-} in
+  "") required=$full ;;
+  dev) required="$full $dev" ;;
+  all)
+    required="$full $dev $all"
+    wine="$wine wine64"
+    ;;
+  demo) optional= ;;
+  *)
+    echo "setup: there is no word $1; there are: dev all demo, or none" >&2
+    exit 2
+    ;;
+esac
 
 # The packages of "$@" that are not installed, on one line.
 missing() {

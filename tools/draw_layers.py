@@ -36,6 +36,7 @@ WHAT = {
 STEPS = [
     ("host", "frame/exports/two_phase.cpp", "frame/exports/two_phase.cpp", "calls the entry, whose body is one expression"),
     ("guard", "frame/exports/two_phase.cpp", "frame/boundary.hpp", "floating point saved; nothing thrown leaves"),
+    ("context", "frame/exports/two_phase.cpp", "frame/exports/context.hpp", "record, group data, siblings, trace"),
     ("checks", "frame/exports/two_phase.cpp", "frame/boundary.hpp", "pointers, T, P, feed: status 9002 and on"),
     ("wrapper", "frame/exports/two_phase.cpp", "frame/exports/flash_wrapper.hpp", "flags byte, water, host's routines, work"),
     ("solver", "frame/exports/two_phase.cpp", "flash/isothermal/isothermal.cpp", "the order of attempts"),

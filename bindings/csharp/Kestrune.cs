@@ -190,7 +190,7 @@ namespace Kestrune
                 case 4: return "the gas takes up any amount of water at this temperature and pressure";
                 case 51: return "the equation of state has no root above the co-volume";
                 case 111: return "the feed mole fractions do not sum to one within the tolerance of the record";
-                case 112: return "no convergence within the iteration limit; results hold the last iterate";
+                case 112: return "no convergence within the iteration limit; what the results hold is no answer";
                 case 113: return "the damping of the Newton step is exhausted";
                 case 114: return "the relaxation factor fell below its limit";
                 case 115: return "the derivative of the residual is zero";

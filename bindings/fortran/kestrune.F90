@@ -752,7 +752,7 @@ contains
     case (KV_FEED_SUM)
       text = "the feed mole fractions do not sum to one within the tolerance of the record"
     case (KV_NOT_CONVERGED)
-      text = "no convergence within the iteration limit; results hold the last iterate"
+      text = "no convergence within the iteration limit; what the results hold is no answer"
     case (KV_DAMPING)
       text = "the damping of the Newton step is exhausted"
     case (KV_RELAXATION)

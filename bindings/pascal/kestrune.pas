@@ -843,7 +843,7 @@ begin
     KV_NO_WATER_LIMIT: Result := 'the gas takes up any amount of water at this temperature and pressure';
     KV_NO_ROOT: Result := 'the equation of state has no root above the co-volume';
     KV_FEED_SUM: Result := 'the feed mole fractions do not sum to one within the tolerance of the record';
-    KV_NOT_CONVERGED: Result := 'no convergence within the iteration limit; results hold the last iterate';
+    KV_NOT_CONVERGED: Result := 'no convergence within the iteration limit; what the results hold is no answer';
     KV_DAMPING: Result := 'the damping of the Newton step is exhausted';
     KV_RELAXATION: Result := 'the relaxation factor fell below its limit';
     KV_ZERO_SLOPE: Result := 'the derivative of the residual is zero';

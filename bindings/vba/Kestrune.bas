@@ -422,7 +422,7 @@ Public Function StatusText(ByVal status As Long) As String
         Case 4: StatusText = "the gas takes up any amount of water at this temperature and pressure"
         Case 51: StatusText = "the equation of state has no root above the co-volume"
         Case 111: StatusText = "the feed mole fractions do not sum to one within the tolerance of the record"
-        Case 112: StatusText = "no convergence within the iteration limit; results hold the last iterate"
+        Case 112: StatusText = "no convergence within the iteration limit; what the results hold is no answer"
         Case 113: StatusText = "the damping of the Newton step is exhausted"
         Case 114: StatusText = "the relaxation factor fell below its limit"
         Case 115: StatusText = "the derivative of the residual is zero"

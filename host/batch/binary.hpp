@@ -9,7 +9,8 @@
 //
 // What does not exist is NaN. A block is a chunk of the batch: an unfinished file holds whole blocks and perhaps a broken
 // one at its end.
-#pragma once
+#ifndef KESTRUNE_HOST_BATCH_BINARY_HPP
+#define KESTRUNE_HOST_BATCH_BINARY_HPP
 
 #include <string>
 
@@ -21,3 +22,5 @@ struct Job;
 std::string binary_head(const Job& job);
 
 }  // namespace kestrune::host::batch
+
+#endif

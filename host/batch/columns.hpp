@@ -1,5 +1,6 @@
 // The columns of the results: their names, headings and units.
-#pragma once
+#ifndef KESTRUNE_HOST_BATCH_COLUMNS_HPP
+#define KESTRUNE_HOST_BATCH_COLUMNS_HPP
 
 #include <string>
 #include <string_view>
@@ -56,3 +57,5 @@ unsigned wanted_of_phase(const std::vector<Column>& columns, std::size_t phase);
 bool tell_dense(const std::vector<Column>& columns);
 
 }  // namespace kestrune::host::batch
+
+#endif

@@ -1,5 +1,6 @@
 // What the columns of a table of states or of compositions are, by its heading.
-#pragma once
+#ifndef KESTRUNE_HOST_BATCH_HEADING_HPP
+#define KESTRUNE_HOST_BATCH_HEADING_HPP
 
 #include <array>
 #include <optional>
@@ -56,3 +57,5 @@ std::string cell_text(std::string_view line, std::string_view cell);
 std::vector<std::string> cell_texts(std::string_view line, char separator);
 
 }  // namespace kestrune::host::batch
+
+#endif

@@ -1,5 +1,6 @@
 // A batch: what is to be calculated of every row, pieces of the input, and the rows of the output that they become.
-#pragma once
+#ifndef KESTRUNE_HOST_BATCH_JOB_HPP
+#define KESTRUNE_HOST_BATCH_JOB_HPP
 
 #include <cstdint>
 #include <string>
@@ -111,3 +112,5 @@ class Evaluator {
 };
 
 }  // namespace kestrune::host::batch
+
+#endif

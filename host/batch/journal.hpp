@@ -6,7 +6,8 @@
 // line second. What a resumed run goes on from is read back and compared, so that it does not matter what was on the disk
 // when the machine went down: a chunk whose bytes are not those of its line is calculated again. Both files are synced to
 // the disk every ten seconds and at the end, and locked while a run has them.
-#pragma once
+#ifndef KESTRUNE_HOST_BATCH_JOURNAL_HPP
+#define KESTRUNE_HOST_BATCH_JOURNAL_HPP
 
 #include <chrono>
 #include <cstdint>
@@ -93,3 +94,5 @@ class OutputFile {
 };
 
 }  // namespace kestrune::host::batch
+
+#endif

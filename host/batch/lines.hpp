@@ -1,5 +1,6 @@
 // Tables of any length, line by line: a file, or a text in memory, read in order through a buffer of fixed size.
-#pragma once
+#ifndef KESTRUNE_HOST_BATCH_LINES_HPP
+#define KESTRUNE_HOST_BATCH_LINES_HPP
 
 #include <cstdint>
 #include <cstdio>
@@ -60,3 +61,5 @@ class Lines {
 };
 
 }  // namespace kestrune::host::batch
+
+#endif

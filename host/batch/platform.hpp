@@ -1,5 +1,6 @@
 // What the systems have under different names.
-#pragma once
+#ifndef KESTRUNE_HOST_BATCH_PLATFORM_HPP
+#define KESTRUNE_HOST_BATCH_PLATFORM_HPP
 
 #include <cstdint>
 #include <cstdio>
@@ -31,3 +32,5 @@ std::uint64_t size_of(std::FILE* file);
 bool sync_to_disk(std::FILE* file);
 
 }  // namespace kestrune::host::batch
+
+#endif

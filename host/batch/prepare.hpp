@@ -1,5 +1,6 @@
 // A job from what the user gave: the components of the amounts, what is refused, and what a resumed run must share with it.
-#pragma once
+#ifndef KESTRUNE_HOST_BATCH_PREPARE_HPP
+#define KESTRUNE_HOST_BATCH_PREPARE_HPP
 
 #include <string>
 
@@ -20,3 +21,5 @@ std::vector<RefusedPair> refused_pairs(const Mixture& mixture);
 Identity identity_of(const Job& job, const std::string& library, std::size_t chunk_lines);
 
 }  // namespace kestrune::host::batch
+
+#endif

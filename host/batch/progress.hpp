@@ -1,5 +1,6 @@
 // The bar on a terminal: share, rows, rate, time left. Nothing where standard error is no terminal.
-#pragma once
+#ifndef KESTRUNE_HOST_BATCH_PROGRESS_HPP
+#define KESTRUNE_HOST_BATCH_PROGRESS_HPP
 
 #include <chrono>
 #include <cstdint>
@@ -30,3 +31,5 @@ class Progress {
 std::string time_in_words(double seconds);
 
 }  // namespace kestrune::host::batch
+
+#endif

@@ -1,5 +1,6 @@
 // The loop of a batch: chunks go to the workers, results come back and are put into order.
-#pragma once
+#ifndef KESTRUNE_HOST_BATCH_RUN_HPP
+#define KESTRUNE_HOST_BATCH_RUN_HPP
 
 #include <cstdint>
 #include <functional>
@@ -32,3 +33,5 @@ void run_chunks(const Job& job, Source& source, std::size_t threads, Crew* crew,
                 const std::function<void(const Result&)>& put, Progress& progress, Totals& totals);
 
 }  // namespace kestrune::host::batch
+
+#endif

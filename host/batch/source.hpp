@@ -1,5 +1,6 @@
 // The input of a batch in chunks, which are the same every time it is read.
-#pragma once
+#ifndef KESTRUNE_HOST_BATCH_SOURCE_HPP
+#define KESTRUNE_HOST_BATCH_SOURCE_HPP
 
 #include <cstdint>
 #include <optional>
@@ -43,3 +44,5 @@ class Source {
 std::uint64_t hash_of(std::string_view text);
 
 }  // namespace kestrune::host::batch
+
+#endif

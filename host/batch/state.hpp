@@ -1,5 +1,6 @@
 // One state after another of one thread: its flash and the properties that the columns want.
-#pragma once
+#ifndef KESTRUNE_HOST_BATCH_STATE_HPP
+#define KESTRUNE_HOST_BATCH_STATE_HPP
 
 #include <array>
 #include <string_view>
@@ -76,3 +77,5 @@ class StateSolver {
 };
 
 }  // namespace kestrune::host::batch
+
+#endif

@@ -1,5 +1,6 @@
 // Processes that share one batch: the first leads, reads and writes, the others calculate for it.
-#pragma once
+#ifndef KESTRUNE_HOST_BATCH_TEAM_HPP
+#define KESTRUNE_HOST_BATCH_TEAM_HPP
 
 #include <memory>
 #include <string>
@@ -23,3 +24,5 @@ class Team {
 };
 
 }  // namespace kestrune::host::batch
+
+#endif

@@ -1,5 +1,6 @@
 // What kestrune batch is asked for, and what it makes of it before the first row.
-#pragma once
+#ifndef KESTRUNE_HOST_COMMANDS_BATCH_HPP
+#define KESTRUNE_HOST_COMMANDS_BATCH_HPP
 
 #include <optional>
 #include <string>
@@ -42,3 +43,5 @@ struct Plan {
 void prepare(const BatchOptions& options, Session& session, Plan& plan);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // The options that say at which conditions states are calculated, and what they amount to.
-#pragma once
+#ifndef KESTRUNE_HOST_COMMANDS_CONDITIONS_HPP
+#define KESTRUNE_HOST_COMMANDS_CONDITIONS_HPP
 
 #include <array>
 #include <string>
@@ -38,3 +39,5 @@ struct ConditionOptions {
 };
 
 }  // namespace kestrune::host
+
+#endif

@@ -34,8 +34,7 @@ double one_value(Quantity quantity, const std::string& text, const UnitSystem& u
 
 std::vector<double> quality_lines(const EnvelopeOptions& o, const UnitSystem& units) {
   if (o.quality.empty()) return {};
-  const auto fractions =
-      parse_conditions(Quantity::vapour_fraction, o.quality, units[Quantity::vapour_fraction]);
+  auto fractions = parse_conditions(Quantity::vapour_fraction, o.quality, units[Quantity::vapour_fraction]);
   for (const double f : fractions)
     if (!(f > 0.0 && f < 1.0)) throw InputError("quality lines have vapour fractions between 0 and 1");
   return fractions;

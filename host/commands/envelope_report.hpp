@@ -1,5 +1,6 @@
 // What the envelope command found, and the ways in which it is shown.
-#pragma once
+#ifndef KESTRUNE_HOST_COMMANDS_ENVELOPE_REPORT_HPP
+#define KESTRUNE_HOST_COMMANDS_ENVELOPE_REPORT_HPP
 
 #include <optional>
 #include <ostream>
@@ -50,3 +51,5 @@ Chart envelope_chart(const EnvelopeReport& report, const std::vector<Overlay>& o
                      const PictureOptions& options);
 
 }  // namespace kestrune::host
+
+#endif

@@ -1,5 +1,6 @@
 // What a valve, an expander or a compressor did, printed as text, JSON or CSV.
-#pragma once
+#ifndef KESTRUNE_HOST_COMMANDS_MACHINE_REPORT_HPP
+#define KESTRUNE_HOST_COMMANDS_MACHINE_REPORT_HPP
 
 #include <ostream>
 #include <string>
@@ -27,3 +28,5 @@ void print_machine_json(const MachineReport& report, std::ostream& out);
 void print_machine_csv(const MachineReport& report, std::ostream& out);
 
 }  // namespace kestrune::host
+
+#endif

@@ -143,7 +143,7 @@ void RecordOptions::apply(Mixture& mixture) const {
     record.solubility_b = *b;
   }
   for (const std::string& piece : split(settings, ',')) apply_setting(piece, record);
-  record.trace_flag = trace ? 2 : 0;
+  mixture.trace = trace;
 }
 
 void OutputOptions::add_to(CLI::App& command) {

@@ -1,5 +1,6 @@
 // Points of a line or a table of results, printed as text, CSV or JSON.
-#pragma once
+#ifndef KESTRUNE_HOST_COMMANDS_POINTS_HPP
+#define KESTRUNE_HOST_COMMANDS_POINTS_HPP
 
 #include <ostream>
 #include <string>
@@ -39,3 +40,5 @@ PointColumn pressure_column(const UnitSystem& units);
 void print_points(const Points& points, const Mixture& mixture, const OutputOptions& options, Session& session);
 
 }  // namespace kestrune::host
+
+#endif

@@ -102,7 +102,7 @@ int written(Session& session, int code) {
 
 }  // namespace
 
-int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err, const Exports* exports,
+int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err, const Exports* exports,
         batch::Team* team) {
   Session session{out, err};
   session.exports = exports;

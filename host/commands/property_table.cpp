@@ -206,6 +206,7 @@ void run_table(const TableOptions& o, Session& session) {
     throw InputError(fmt::format("--phases {}: a table has states of 2 or 3 phases", o.phases));
   if (o.record.free_water && o.phases == "2")
     throw InputError("free water is a liquid of its own: --phases 3, or no --free-water");
+  if (o.record.trace) throw InputError("--trace belongs to single states: use kestrune flash");
   const int phases = o.phases == "2" ? 2 : 3;
   Mixture mixture = o.mixture.build();
   o.missing.check(mixture);

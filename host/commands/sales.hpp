@@ -1,5 +1,6 @@
 // What kestrune sales finds out about a gas: calorific values, dew points, and the limits they are held against.
-#pragma once
+#ifndef KESTRUNE_HOST_COMMANDS_SALES_HPP
+#define KESTRUNE_HOST_COMMANDS_SALES_HPP
 
 #include <optional>
 #include <ostream>
@@ -75,3 +76,5 @@ void print_sales_json(const SalesReport& report, std::ostream& out);
 void print_sales_csv(const SalesReport& report, std::ostream& out);
 
 }  // namespace kestrune::host
+
+#endif

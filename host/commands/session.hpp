@@ -1,5 +1,6 @@
 // The program: one run, its streams, its options in common, and the list of commands.
-#pragma once
+#ifndef KESTRUNE_HOST_COMMANDS_SESSION_HPP
+#define KESTRUNE_HOST_COMMANDS_SESSION_HPP
 
 #include <memory>
 #include <ostream>
@@ -34,7 +35,7 @@ struct Session {
 
 // Runs the program on its arguments (without the program name); returns its exit code. Nothing is thrown. With
 // exports the calculation library is not loaded; with a team a batch is shared among its processes.
-int run(std::vector<std::string> arguments, std::ostream& out, std::ostream& err,
+int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err,
         const Exports* exports = nullptr, batch::Team* team = nullptr);
 
 // Whether the arguments hold --analysis all; runs the program on every analysis of the mixture file, and returns the
@@ -107,3 +108,5 @@ std::vector<std::string> remarks(const Mixture& mixture);
 void tell(Session& session, const std::vector<std::string>& sentences);
 
 }  // namespace kestrune::host
+
+#endif

@@ -44,6 +44,9 @@ constexpr StateNumber kStateNumbers[] = {
      [](const Equilibrium& s) { return s.phases.empty() ? kNone : s.liquid_volume(); }},
     {"M", "molar_mass_g_mol", [](const Equilibrium& s) { return whole(s) ? whole(s)->molar_mass : kNone; }}};
 
+// What a negative heat capacity says something of.
+constexpr Property kOfHeat[] = {Property::Cp, Property::Cv, Property::speed_of_sound, Property::joule_thomson};
+
 const StateNumber* find_state_number(const std::string& name) {
   const auto* found = std::find_if(std::begin(kStateNumbers), std::end(kStateNumbers),
                                    [&](const StateNumber& n) { return name == n.name || name == n.key; });
@@ -63,6 +66,18 @@ double number(const Equilibrium& s, const std::string& name) {
   return all == nullptr ? kNone : all->properties[find_property(name)->property];
 }
 
+// Whether one of these numbers is made with a heat capacity beyond its range.
+bool is_extrapolated(const StateReport& report, const std::vector<std::string>& names) {
+  return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+    const PropertyInfo* info = find_property(name);
+    return info != nullptr &&
+           std::any_of(report.states.begin(), report.states.end(), [&](const Equilibrium& s) {
+             const PhaseState* all = whole(s);
+             return all != nullptr && all->properties.extrapolated(info->property);
+           });
+  });
+}
+
 }  // namespace
 
 void check_number_names(const std::vector<std::string>& names) {
@@ -77,20 +92,25 @@ void check_number_names(const std::vector<std::string>& names) {
 }
 
 std::vector<std::string> notes_on(const StateReport& report, const std::vector<std::string>& names) {
-  bool of_phases = false, joule_thomson = false;
+  bool of_phases = false, joule_thomson = false, heat = false;
   for (const std::string& name : names) {
     const PropertyInfo* info = find_property(name);
-    of_phases = of_phases || info != nullptr;
-    joule_thomson = joule_thomson || (info != nullptr && info->property == Property::joule_thomson);
+    if (info == nullptr) continue;
+    of_phases = true;
+    joule_thomson = joule_thomson || info->property == Property::joule_thomson;
+    heat = heat || std::find(std::begin(kOfHeat), std::end(kOfHeat), info->property) != std::end(kOfHeat);
   }
   std::vector<std::string> result;
   for (const std::string& note : notes_of(report)) {
     const bool limit = note.rfind("cubic equation", 0) == 0;
     const bool of_state = std::any_of(report.states.begin(), report.states.end(),
                                       [&](const Equilibrium& s) { return !s.stable && s.remark == note; });
-    const bool silent = note.find("Joule-Thomson") != std::string::npos ? !joule_thomson : limit && !of_phases;
+    const bool silent = note == kNegativeHeatText                         ? !heat
+                        : note.find("Joule-Thomson") != std::string::npos ? !joule_thomson
+                                                                          : limit && !of_phases;
     if (!silent && !of_state) result.push_back(note);
   }
+  if (is_extrapolated(report, names)) result.emplace_back(kExtrapolatedText);
   return result;
 }
 

@@ -123,7 +123,7 @@ void print_notes(const StateReport& report, std::ostream& out) {
   const std::vector<std::string> notes = notes_of(report);
   // Titles of the missing properties of a phase, by phase and status; one bit per property.
   std::map<std::pair<PhaseKind, StatusCode>, unsigned> missing;
-  bool extrapolated = false, negative = false;
+  bool extrapolated = false;
   for (const Equilibrium& s : states) {
     extrapolated = extrapolated || s.extrapolated();
     for (const PhaseState& p : s.phases) {
@@ -131,13 +131,11 @@ void print_notes(const StateReport& report, std::ostream& out) {
         const StatusCode status = p.properties.status(info.property);
         if (!has_value(status)) missing[{p.kind, status}] |= 1u << static_cast<unsigned>(info.property);
       }
-      negative = negative || p.properties[Property::Cp] < 0.0 || p.properties[Property::Cv] < 0.0;
     }
   }
-  if (extrapolated || negative || !missing.empty() || !notes.empty()) out << '\n';
+  if (extrapolated || !missing.empty() || !notes.empty()) out << '\n';
   for (const std::string& note : notes) out << "Note: " << note << '\n';
   if (extrapolated) out << "* " << kExtrapolatedText << '\n';
-  if (negative) out << kNegativeHeatText << '\n';
   for (const auto& [where, properties] : missing) {
     std::vector<std::string> titles;
     for (const PropertyInfo& info : all_properties()) {

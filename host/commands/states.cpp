@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 
 #include "error.hpp"
 #include "text.hpp"
@@ -93,6 +94,8 @@ void report_states(const StateOptions& options, Session& session, const Evaluate
   if (csv || !numbers.empty()) {
     tell(session, remarks(mixture));
     tell(session, csv ? notes_of(report) : notes_on(report, numbers));
+    const auto extrapolated = [](const Equilibrium& s) { return s.extrapolated(); };
+    if (csv && std::any_of(states.begin(), states.end(), extrapolated)) tell(session, {kExtrapolatedText});
   }
 }
 

@@ -1,5 +1,6 @@
 // What the commands that evaluate a mixture at many states share: options, the loop over the states, reports.
-#pragma once
+#ifndef KESTRUNE_HOST_COMMANDS_STATES_HPP
+#define KESTRUNE_HOST_COMMANDS_STATES_HPP
 
 #include <functional>
 #include <ostream>
@@ -101,3 +102,5 @@ std::string shown_given(const StateReport& report, const Equilibrium& state);
 std::string shown_condition(const Unit& unit, double base, int decimals);
 
 }  // namespace kestrune::host
+
+#endif

@@ -76,7 +76,7 @@ void dew_temperature(Job& job, double P) {
 }
 
 void dew_pressure(Job& job, double T) {
-  double P = 0.0;
+  double P = dew_start(water_fraction(job.mixture));
   const StatusCode status =
       job.library.WaterDewPressure(T, job.mixture.z.data(), job.method, 0, 0, &job.mixture.record, 0, &P);
   job.add(T, status == KV_OK ? P * kAtmInPa : kNone, water_fraction(job.mixture), kNone, status);

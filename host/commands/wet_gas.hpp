@@ -1,5 +1,6 @@
 // The water of a gas: contents as they are written, and the gas with so much of it.
-#pragma once
+#ifndef KESTRUNE_HOST_COMMANDS_WET_GAS_HPP
+#define KESTRUNE_HOST_COMMANDS_WET_GAS_HPP
 
 #include <string>
 #include <vector>
@@ -26,3 +27,5 @@ void set_water(Mixture& mixture, double y);
 double water_fraction(const Mixture& mixture);
 
 }  // namespace kestrune::host
+
+#endif

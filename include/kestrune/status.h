@@ -23,7 +23,7 @@ typedef int32_t StatusCode;
   X(KV_NO_WATER_LIMIT, 4, "the gas takes up any amount of water at this temperature and pressure")           \
   X(KV_NO_ROOT, 51, "the equation of state has no root above the co-volume")                                 \
   X(KV_FEED_SUM, 111, "the feed mole fractions do not sum to one within the tolerance of the record")        \
-  X(KV_NOT_CONVERGED, 112, "no convergence within the iteration limit; results hold the last iterate")       \
+  X(KV_NOT_CONVERGED, 112, "no convergence within the iteration limit; what the results hold is no answer")  \
   X(KV_DAMPING, 113, "the damping of the Newton step is exhausted")                                          \
   X(KV_RELAXATION, 114, "the relaxation factor fell below its limit")                                        \
   X(KV_ZERO_SLOPE, 115, "the derivative of the residual is zero")                                            \

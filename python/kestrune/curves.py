@@ -3,7 +3,6 @@
 from __future__ import annotations
 
 import numbers
-import warnings
 from typing import TYPE_CHECKING, Any, NamedTuple, Optional, Sequence, Union
 
 import numpy as np
@@ -11,7 +10,7 @@ from numpy.typing import NDArray
 
 from . import _native
 from ._types import Array, Numbers, Value
-from .errors import KestruneError, KestruneWarning
+from .errors import KestruneError, warn
 from .units import Units, numbers_of
 
 if TYPE_CHECKING:
@@ -71,7 +70,7 @@ class Curve:
         if T.size == 0:
             raise KestruneError(self.status, f"curve of {mixture.title_or_names} at vapour fraction {fraction:g}")
         if self.status not in _GOOD_CURVES:
-            warnings.warn(_native.status_text(self.status), KestruneWarning, stacklevel=4)
+            warn(_native.status_text(self.status))
         critical = kind == 0.5
         if fraction == 0.5:
             critical[:-1] = False

@@ -2,6 +2,9 @@
 
 from __future__ import annotations
 
+import sys
+import warnings
+
 from ._native import status_text
 from ._types import Status, Value
 
@@ -42,3 +45,11 @@ def answered(status: Status, what: str) -> Value:
 
 class KestruneWarning(UserWarning):
     """A result that holds, with something to be said about it."""
+
+
+def warn(text: str) -> None:
+    """A KestruneWarning at the line outside the package that asked for the result."""
+    level, frame = 2, sys._getframe(1)
+    while frame.f_back is not None and str(frame.f_globals.get("__name__", "")).startswith("kestrune."):
+        frame, level = frame.f_back, level + 1
+    warnings.warn(text, KestruneWarning, stacklevel=level)

@@ -10,7 +10,7 @@ from numpy.typing import NDArray
 from . import _native, calls
 from ._types import Array, Numbers, Status, Value
 from .arguments import feed_of, positive, shape_of
-from .errors import GOOD, KestruneError
+from .errors import GOOD, KestruneError, warn
 from .units import Units
 
 if TYPE_CHECKING:
@@ -22,6 +22,11 @@ __all__ = ["Phase"]
 _WATER_RICH = 0.9999
 #: What free water has: its other properties would be those of water by the equation of state.
 _OF_FREE_WATER = ("enthalpy", "entropy", "free_enthalpy")
+#: What is said of it, as the command line does.
+_NEGATIVE_HEAT = (
+    "negative heat capacity: the model's own, where its k_ij change steeply with temperature; no property of a fluid, "
+    "nor are the speed of sound and the Joule-Thomson coefficient that it makes"
+)
 #: Phases as the native library numbers them.
 GAS, LIQUID, LIGHT = 1, 2, 3
 
@@ -199,7 +204,17 @@ class Phase:
                         value[free] = np.nan
                     value.setflags(write=False)
                     self._values[other], self._statuses[other] = value, status
+            if wanted == PROPERTIES["Cp"].group:
+                self._warn_of_heat()
         return self._values[name]
+
+    def _warn_of_heat(self) -> None:
+        """Says where a heat capacity is below zero; the speed of sound and the Joule-Thomson coefficient rest on it."""
+        with np.errstate(invalid="ignore"):
+            negative = (self._values["Cp"] < 0.0) | (self._values["Cv"] < 0.0)
+        if negative.any():
+            where = f" in {int(negative.sum())} of {negative.size} states" if negative.ndim else ""
+            warn(f"{self.name}{where}: {_NEGATIVE_HEAT}")
 
     def _free_water(self) -> NDArray[np.bool_]:
         """Where the phase is a liquid of water by its solubility, not by the equation of state."""

@@ -142,7 +142,7 @@ extern "C" int32_t ka_water_dew(KaMixture* mixture, int32_t method, int32_t at_p
     arrays::for_each_state(count, threads, [&] {
       return [&, record = m.record](std::int64_t i) mutable {
         const double* of = arrays::row(z, m.z.size(), i, m);
-        double value = 0.0;
+        double value = at_pressure != 0 ? 0.0 : host::dew_start(of[host::water_of(m)]);
         status[i] = at_pressure != 0
                         ? library.WaterDewTemperature(given[i] / kAtmInPa, of, method, 0, 0, &record, 0, &value)
                         : library.WaterDewPressure(given[i], of, method, 0, 0, &record, 0, &value);

@@ -1,6 +1,7 @@
 // What all functions of the interface share: the opened library, whose turn it is with the group data, errors as
 // texts, and loops over states in threads.
-#pragma once
+#ifndef KESTRUNE_PYTHON_NATIVE_SESSION_HPP
+#define KESTRUNE_PYTHON_NATIVE_SESSION_HPP
 
 #include <atomic>
 #include <cmath>
@@ -98,3 +99,5 @@ inline const double* row(const double* all, std::size_t nc, std::int64_t i, cons
 }
 
 }  // namespace kestrune::arrays
+
+#endif

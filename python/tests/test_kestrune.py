@@ -346,6 +346,23 @@ def test_states_without_an_answer_are_nan(gas):
         assert list(found[1]) == status and list(np.isnan(found[0])) == [s != 0 for s in status]
 
 
+def test_a_negative_heat_capacity_is_told_to_who_reads_it():
+    mixture = kestrune.Mixture({"isopentane": 0.75, "water": 0.25})
+    P = 104.7 * 101325.0
+    for read in (
+        lambda: mixture.properties(303.66, P).Cp,
+        lambda: mixture.properties(303.66, P).speed_of_sound,
+        lambda: mixture.properties([303.66, 600.0], [P, 1e5]).in_si("Cv"),
+    ):
+        with pytest.warns(kestrune.KestruneWarning, match="vapour.*: negative heat capacity") as told:
+            value = read()
+        assert len(told) == 1 and told[0].filename == __file__
+    assert value[0] < 0.0 < value[1] and "in 1 of 2 states" in str(told[0].message)
+    with warnings.catch_warnings():
+        warnings.simplefilter("error", kestrune.KestruneWarning)
+        mixture.properties(303.66, P).density
+
+
 def test_tables_and_pictures(gas, grid):
     pandas = pytest.importorskip("pandas")
     frame = grid.to_frame(["density", "viscosity"])

@@ -1,5 +1,6 @@
 // Orthogonal collocation on [0, 1].
-#pragma once
+#ifndef KESTRUNE_SIBLINGS_TOOLS_COLLOCATION_HPP
+#define KESTRUNE_SIBLINGS_TOOLS_COLLOCATION_HPP
 
 #include <cstdint>
 
@@ -21,3 +22,5 @@ bool collocation(std::int32_t n, std::int32_t n0, std::int32_t n1, double alpha,
                  double* a, double* b, double* w);
 
 }  // namespace kestrune::tools
+
+#endif

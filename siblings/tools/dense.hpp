@@ -1,5 +1,6 @@
 // Dense linear systems, column-major storage: element (i, j) of a is a[i + lda * j].
-#pragma once
+#ifndef KESTRUNE_SIBLINGS_TOOLS_DENSE_HPP
+#define KESTRUNE_SIBLINGS_TOOLS_DENSE_HPP
 
 #include <cstdint>
 
@@ -32,3 +33,5 @@ DenseStatus solve_system(std::int32_t n, std::int32_t lda, double* a, std::int32
 DenseStatus invert(std::int32_t n, std::int32_t lda, double* a) noexcept;
 
 }  // namespace kestrune::tools
+
+#endif

@@ -2,7 +2,8 @@
 //
 // [Dek71] Dekker, T. J.: A floating-point technique for extending the available precision.
 //         Numer. Math. 18 (1971) 224-242.
-#pragma once
+#ifndef KESTRUNE_SIBLINGS_TOOLS_DOUBLE_DOUBLE_HPP
+#define KESTRUNE_SIBLINGS_TOOLS_DOUBLE_DOUBLE_HPP
 
 namespace kestrune::tools {
 
@@ -59,3 +60,5 @@ inline DoubleDouble operator/(DoubleDouble a, DoubleDouble b) noexcept {
 }
 
 }  // namespace kestrune::tools
+
+#endif

@@ -1,5 +1,6 @@
 // Solvers of F(x) = 0: damped Newton with a Jacobian by differences, and its variant with Broyden updates.
-#pragma once
+#ifndef KESTRUNE_SIBLINGS_TOOLS_NONLINEAR_HPP
+#define KESTRUNE_SIBLINGS_TOOLS_NONLINEAR_HPP
 
 #include <cstdint>
 #include <vector>
@@ -69,3 +70,5 @@ SolverStatus solve_newton(const Problem& problem, double* x, double* f, std::int
 SolverStatus solve_broyden(const Problem& problem, double* x, double* f, std::int32_t& iterations);
 
 }  // namespace kestrune::tools
+
+#endif

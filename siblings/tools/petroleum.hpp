@@ -1,5 +1,6 @@
 // Pseudo-critical constants and petroleum characterisation.
-#pragma once
+#ifndef KESTRUNE_SIBLINGS_TOOLS_PETROLEUM_HPP
+#define KESTRUNE_SIBLINGS_TOOLS_PETROLEUM_HPP
 
 #include <cstdint>
 
@@ -27,3 +28,5 @@ bool mean_average_boiling_point(std::int32_t n, const double* Tb, const double* 
                                 const double* SG, double* result) noexcept;
 
 }  // namespace kestrune::tools
+
+#endif

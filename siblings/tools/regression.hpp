@@ -1,5 +1,6 @@
 // Straight line through points by least squares.
-#pragma once
+#ifndef KESTRUNE_SIBLINGS_TOOLS_REGRESSION_HPP
+#define KESTRUNE_SIBLINGS_TOOLS_REGRESSION_HPP
 
 #include <cstdint>
 
@@ -16,3 +17,5 @@ struct Line {
 bool fit_line(std::int32_t n, const double* x, const double* y, Line& line) noexcept;
 
 }  // namespace kestrune::tools
+
+#endif

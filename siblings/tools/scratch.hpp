@@ -1,5 +1,6 @@
 // Working storage that stays on the stack for the usual sizes.
-#pragma once
+#ifndef KESTRUNE_SIBLINGS_TOOLS_SCRATCH_HPP
+#define KESTRUNE_SIBLINGS_TOOLS_SCRATCH_HPP
 
 #include <cstddef>
 #include <limits>
@@ -31,3 +32,5 @@ class Scratch {
 };
 
 }  // namespace kestrune::tools
+
+#endif

@@ -2,7 +2,8 @@
 //
 // The table is the only state of the library. It is process-wide, as the units are, and every access takes its
 // lock; a solver writes whole lines.
-#pragma once
+#ifndef KESTRUNE_SIBLINGS_TOOLS_TRACE_FILES_HPP
+#define KESTRUNE_SIBLINGS_TOOLS_TRACE_FILES_HPP
 
 #include <cstdint>
 
@@ -30,3 +31,5 @@ void trace_vector(std::int32_t unit, const char* label, std::int32_t n, const do
 void trace_matrix(std::int32_t unit, const char* label, std::int32_t n, const double* a);
 
 }  // namespace kestrune::tools
+
+#endif

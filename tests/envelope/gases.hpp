@@ -1,5 +1,6 @@
 // Random natural gases: lean and rich, dry and sour, with and without heavy ends.
-#pragma once
+#ifndef KESTRUNE_TESTS_ENVELOPE_GASES_HPP
+#define KESTRUNE_TESTS_ENVELOPE_GASES_HPP
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -16,3 +17,5 @@ struct Gas {
 Gas random_gas(uint64_t seed, int number);
 
 }  // namespace kestrune::envelopes
+
+#endif

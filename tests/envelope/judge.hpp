@@ -1,5 +1,6 @@
 // Judges envelopes and critical points against the model of the sweep, which shares nothing with the library.
-#pragma once
+#ifndef KESTRUNE_TESTS_ENVELOPE_JUDGE_HPP
+#define KESTRUNE_TESTS_ENVELOPE_JUDGE_HPP
 #include <string>
 #include <vector>
 
@@ -35,3 +36,5 @@ CriticalConditions judge_critical(const sweep::Components& components, const std
                                   double P, double V);
 
 }  // namespace kestrune::envelopes
+
+#endif

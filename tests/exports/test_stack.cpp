@@ -78,7 +78,6 @@ TEST(Stack, EveryExportAtEveryOffset) {
   Mixture m = mixture_of({"methane", "propane", "n_hexane"});
   std::vector<double> z{0.6, 0.3, 0.1};
   m.use();
-  EXPECT_EQ(kBytes.size(), 39u);
   for (const Export& e : export_table())
     for (const unsigned offset : {0u, 4u, 8u, 12u}) {
       SCOPED_TRACE(testing::Message() << e.name << " at " << offset);

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Bytes of the arguments of the 39 exports, from independent sources that must agree with exports.inc:
+"""Bytes of the arguments of the exports, from independent sources that must agree with exports.inc:
 the import-definition script, the declarations of the bindings for other languages and, on 32-bit Windows, the names
 that the compiler itself asks for.
 
@@ -47,7 +47,7 @@ def declared(folder):
 def main(argv):
     with open(argv[1], encoding="utf-8") as table:
         wanted = {n: int(b) for n, b in re.findall(r"^EXPORT\((\w+), (\d+)\)$", table.read(), flags=re.M)}
-    faults = [] if len(wanted) == 39 else [f"{argv[1]}: {len(wanted)} names, 39 expected"]
+    faults = [] if wanted else [f"{argv[1]}: no names"]
     by_script = output_of(sys.executable, argv[2], argv[3], argv[4])
     found = {n: int(b) for n, b in re.findall(r"^  (\w+)@(\d+)$", by_script, flags=re.M)}
     faults += differing(wanted, found, "import definition")

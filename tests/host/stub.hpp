@@ -1,5 +1,6 @@
 // The calculation library with other statuses: every export calls the real one, and some return what a test says.
-#pragma once
+#ifndef KESTRUNE_TESTS_HOST_STUB_HPP
+#define KESTRUNE_TESTS_HOST_STUB_HPP
 
 #include <map>
 #include <string>
@@ -43,3 +44,5 @@ inline kestrune::host::Exports stub_exports(std::map<std::string, StatusCode> st
 }
 
 }  // namespace host_test
+
+#endif

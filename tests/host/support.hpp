@@ -1,5 +1,6 @@
 // Helpers of the host's tests.
-#pragma once
+#ifndef KESTRUNE_TESTS_HOST_SUPPORT_HPP
+#define KESTRUNE_TESTS_HOST_SUPPORT_HPP
 
 #include <fstream>
 #include <map>
@@ -83,3 +84,5 @@ inline bool contains(const std::string& text, const std::string& part) {
 }
 
 }  // namespace host_test
+
+#endif

@@ -1,5 +1,6 @@
 // Judges flashes at given enthalpy or entropy by the round trip from temperature and back.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_CALORIC_HPP
+#define KESTRUNE_TESTS_SWEEP_CALORIC_HPP
 #include <functional>
 #include <string>
 
@@ -56,3 +57,5 @@ bool lies_in_jump(const CaloricQuestion& question,
                   const std::function<double(double, const Answer&)>& value_at);
 
 }  // namespace kestrune::sweep
+
+#endif

@@ -1,5 +1,6 @@
 // The mixtures of the sweep.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_FEEDS_HPP
+#define KESTRUNE_TESTS_SWEEP_FEEDS_HPP
 #include <string>
 #include <vector>
 
@@ -21,3 +22,5 @@ std::vector<Feed> all_feeds();
 std::vector<Feed> value_feeds();
 
 }  // namespace kestrune::sweep
+
+#endif

@@ -1,5 +1,6 @@
 // Judges an answer of the liquid-vapour flash against the model, from the answer alone.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_JUDGE_HPP
+#define KESTRUNE_TESTS_SWEEP_JUDGE_HPP
 #include <string>
 
 #include "split.hpp"
@@ -56,3 +57,5 @@ Verdict judge_free_water_point(const Question& question, const Answer& answer);
 std::string check_balance(const Question& question, const Answer& answer, double& residual);
 
 }  // namespace kestrune::sweep
+
+#endif

@@ -1,5 +1,6 @@
 // The library as a host sees it: loaded at run time, called through its exported names.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_LIBRARY_HPP
+#define KESTRUNE_TESTS_SWEEP_LIBRARY_HPP
 #include <chrono>
 #include <mutex>
 #include <string>
@@ -81,3 +82,5 @@ class Library {
 };
 
 }  // namespace kestrune::sweep
+
+#endif

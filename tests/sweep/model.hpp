@@ -1,6 +1,7 @@
 // The judge's own PPR78 model, written from the published formulas and sharing nothing with the library.
 // Units: K, atm, cm3/mol; R = 82.057 cm3 atm/(mol K).
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_MODEL_HPP
+#define KESTRUNE_TESTS_SWEEP_MODEL_HPP
 #include <vector>
 
 namespace kestrune::sweep {
@@ -58,3 +59,5 @@ double water_vapour_pressure(double T);
 double water_solubility(double A, double B, double T);
 
 }  // namespace kestrune::sweep
+
+#endif

@@ -1,5 +1,6 @@
 // Command line of kestrune_sweep and its runs.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_OPTIONS_HPP
+#define KESTRUNE_TESTS_SWEEP_OPTIONS_HPP
 #include <cstdio>
 #include <map>
 #include <string>
@@ -53,3 +54,5 @@ int run_wet(const Options& options, Library& library, std::FILE* failures);
 int run_routines(const Options& options, Library& library, std::FILE* failures);
 
 }  // namespace kestrune::sweep
+
+#endif

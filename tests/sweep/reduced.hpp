@@ -1,5 +1,6 @@
 // What the judgements share: the components that are there, and the phases compared.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_REDUCED_HPP
+#define KESTRUNE_TESTS_SWEEP_REDUCED_HPP
 #include <string>
 
 #include "judge.hpp"
@@ -35,3 +36,5 @@ bool phases_agree(const Question& question, const Answer& answer, const Reduced&
                   bool named_roots = false);
 
 }  // namespace kestrune::sweep
+
+#endif

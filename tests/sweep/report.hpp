@@ -1,6 +1,7 @@
 // What every run of the sweep prints and writes: a line of counts and largest errors for each system and their sum,
 // what was wrong, and a file of the wrong answers.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_REPORT_HPP
+#define KESTRUNE_TESTS_SWEEP_REPORT_HPP
 #include <cstdio>
 #include <map>
 #include <string>
@@ -81,3 +82,5 @@ class Line {
 };
 
 }  // namespace kestrune::sweep
+
+#endif

@@ -1,5 +1,6 @@
 // Judges bubble, dew and quality points against the model, from the answer alone.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_SATURATION_HPP
+#define KESTRUNE_TESTS_SWEEP_SATURATION_HPP
 #include <string>
 
 #include "reduced.hpp"
@@ -70,3 +71,5 @@ inline constexpr double critical_attraction = 5.877359948604;
 bool is_liquid(const Sides& sides, double T, double P, const Composition& w);
 
 }  // namespace kestrune::sweep
+
+#endif

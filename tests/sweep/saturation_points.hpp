@@ -1,5 +1,6 @@
 // Where bubble, dew and quality points are asked.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_SATURATION_POINTS_HPP
+#define KESTRUNE_TESTS_SWEEP_SATURATION_POINTS_HPP
 #include <vector>
 
 #include "saturation.hpp"
@@ -11,3 +12,5 @@ namespace kestrune::sweep {
 std::vector<SaturationQuestion> make_saturation_questions(const Sides& sides, const StatePlan& plan);
 
 }  // namespace kestrune::sweep
+
+#endif

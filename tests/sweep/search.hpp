@@ -1,5 +1,6 @@
 // Tangent-plane search: is there a phase that would lower the Gibbs energy of a given equilibrium?
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_SEARCH_HPP
+#define KESTRUNE_TESTS_SWEEP_SEARCH_HPP
 #include <vector>
 
 #include "model.hpp"
@@ -47,3 +48,5 @@ bool solve_shifted(int n, const std::vector<double>& H, double shift, const std:
                    std::vector<double>& s);
 
 }  // namespace kestrune::sweep
+
+#endif

@@ -1,5 +1,6 @@
 // On which side of a phase boundary a state lies, and boundaries and critical points found with that.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_SIDES_HPP
+#define KESTRUNE_TESTS_SWEEP_SIDES_HPP
 #include "feeds.hpp"
 #include "search.hpp"
 
@@ -32,3 +33,5 @@ struct Sides {
 };
 
 }  // namespace kestrune::sweep
+
+#endif

@@ -1,5 +1,6 @@
 // Two-phase splits by minimisation of the Gibbs energy, and a simple robust flash made of them.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_SPLIT_HPP
+#define KESTRUNE_TESTS_SWEEP_SPLIT_HPP
 #include "search.hpp"
 
 namespace kestrune::sweep {
@@ -27,3 +28,5 @@ Split split_from(const Parameters<double>& parameters, double P, const Compositi
 Split flash(const Components& components, const Parameters<double>& parameters, double P, const Composition& z);
 
 }  // namespace kestrune::sweep
+
+#endif

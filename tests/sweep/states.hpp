@@ -1,5 +1,6 @@
 // Where the flash is asked: at random, close to phase boundaries and around critical points.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_STATES_HPP
+#define KESTRUNE_TESTS_SWEEP_STATES_HPP
 #include <cstdint>
 #include <vector>
 
@@ -43,3 +44,5 @@ void kestrune::sweep::parallel_for(int count, int jobs, const Body& body) {
   work();
   for (std::thread& thread : threads) thread.join();
 }
+
+#endif

@@ -1,5 +1,6 @@
 // The component data of a mixture.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_TABLES_HPP
+#define KESTRUNE_TESTS_SWEEP_TABLES_HPP
 #include <string>
 #include <vector>
 
@@ -12,3 +13,5 @@ namespace kestrune::sweep {
 Components read_components(const std::string& folder, const std::vector<std::string>& ids);
 
 }  // namespace kestrune::sweep
+
+#endif

@@ -1,5 +1,6 @@
 // Judges an answer of the three-phase flash against the model, from the answer alone.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_THREE_HPP
+#define KESTRUNE_TESTS_SWEEP_THREE_HPP
 #include <string>
 
 #include "reduced.hpp"
@@ -81,3 +82,5 @@ double shares_apart(const ThreeAnswer& p, const ThreeAnswer& q);
 double closest_phases(const Question& question, const ThreeAnswer& answer);
 
 }  // namespace kestrune::sweep
+
+#endif

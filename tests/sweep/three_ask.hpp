@@ -1,5 +1,6 @@
 // Calls of the three-phase flashes at given values, judged: back from known states, and values on a grid.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_THREE_ASK_HPP
+#define KESTRUNE_TESTS_SWEEP_THREE_ASK_HPP
 #include <functional>
 
 #include "library.hpp"
@@ -49,3 +50,5 @@ struct Asker {
 };
 
 }  // namespace kestrune::sweep
+
+#endif

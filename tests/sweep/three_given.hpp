@@ -1,5 +1,6 @@
 // Judges the three-phase flashes at enthalpy or entropy and at vapour fraction.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_THREE_GIVEN_HPP
+#define KESTRUNE_TESTS_SWEEP_THREE_GIVEN_HPP
 #include "caloric.hpp"
 #include "three.hpp"
 
@@ -50,3 +51,5 @@ struct ThreePoint {
 ThreeVerdict judge_three_point(const Question& question, double W, const ThreePoint& point);
 
 }  // namespace kestrune::sweep
+
+#endif

@@ -1,6 +1,7 @@
 // A slow flash of any number of phases, to try the judge with and to know states of four phases: substitution
 // with the shares at the minimum of a convex function (Michelsen, Comput. Chem. Eng. 18, 1994, 545).
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_THREE_REFERENCE_HPP
+#define KESTRUNE_TESTS_SWEEP_THREE_REFERENCE_HPP
 #include "three.hpp"
 
 namespace kestrune::sweep {
@@ -19,3 +20,5 @@ int stable_phases(const Question& question, const Reduced& r, std::vector<Compos
 ThreeAnswer slow_flash(const Question& question);
 
 }  // namespace kestrune::sweep
+
+#endif

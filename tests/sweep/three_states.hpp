@@ -1,5 +1,6 @@
 // The systems of the three-phase sweep and the states that are asked of them.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_THREE_STATES_HPP
+#define KESTRUNE_TESTS_SWEEP_THREE_STATES_HPP
 #include <functional>
 
 #include "feeds.hpp"
@@ -46,3 +47,5 @@ std::vector<ThreeState> draw_states(const System& system, int count, uint64_t se
 Sample sample_states(const System& system, const SamplePlan& plan, const Ask& ask);
 
 }  // namespace kestrune::sweep
+
+#endif

@@ -1,5 +1,6 @@
 // The judge's own search for a state by the rules of free water.
-#pragma once
+#ifndef KESTRUNE_TESTS_SWEEP_WET_STATES_HPP
+#define KESTRUNE_TESTS_SWEEP_WET_STATES_HPP
 #include "judge.hpp"
 
 namespace kestrune::sweep {
@@ -10,3 +11,5 @@ namespace kestrune::sweep {
 bool wet_state_exists(const Question& question, Answer* found = nullptr);
 
 }  // namespace kestrune::sweep
+
+#endif

@@ -16,7 +16,7 @@ export const STATUS = {
   4: ["KV_NO_WATER_LIMIT", "the gas takes up any amount of water at this temperature and pressure"],
   51: ["KV_NO_ROOT", "the equation of state has no root above the co-volume"],
   111: ["KV_FEED_SUM", "the feed mole fractions do not sum to one within the tolerance of the record"],
-  112: ["KV_NOT_CONVERGED", "no convergence within the iteration limit; results hold the last iterate"],
+  112: ["KV_NOT_CONVERGED", "no convergence within the iteration limit; what the results hold is no answer"],
   113: ["KV_DAMPING", "the damping of the Newton step is exhausted"],
   114: ["KV_RELAXATION", "the relaxation factor fell below its limit"],
   115: ["KV_ZERO_SLOPE", "the derivative of the residual is zero"],

@@ -1,5 +1,4 @@
 // A state and the hydrate correlation as the command line speaks of them: names of phases, notes, warnings.
-#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "hydrate_range.hpp"
@@ -21,15 +20,9 @@ ordered_json json_of(const host::PhaseState& phase) {
           {"values", phase.properties.values}};
 }
 
-bool has_negative_heat(const host::PhaseState& p) {
-  return p.properties[host::Property::Cp] < 0.0 || p.properties[host::Property::Cv] < 0.0;
-}
-
 std::vector<std::string> all_notes(const host::Mixture& mixture, const host::Equilibrium& state) {
   std::vector<std::string> notes = host::notes_of(mixture, {&state, 1});
   if (state.extrapolated()) notes.emplace_back(host::kExtrapolatedText);
-  if (std::any_of(state.phases.begin(), state.phases.end(), has_negative_heat))
-    notes.emplace_back(host::kNegativeHeatText);
   return notes;
 }
 
