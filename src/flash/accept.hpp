@@ -8,9 +8,9 @@ namespace kestrune::flash {
 
 // Owed, (22) of docs/method.md: balance of every component and sums of amounts and of compositions; equal ln
 // fugacities; a specified enthalpy or entropy, relative to its scale.
-inline constexpr double kOwedBalance = 1e-12;
-inline constexpr double kOwedFugacity = 1e-8;
-inline constexpr double kOwedValue = 1e-9;
+inline constexpr double kOwedBalance = 1e-12;  // of a component, in parts of the feed
+inline constexpr double kOwedFugacity = 1e-8;  // difference of ln fugacities
+inline constexpr double kOwedValue = 1e-9;     // of the scale of an enthalpy or entropy
 
 // Largest |ln phi| of which rounding leaves the digits that are owed. Only interactions that are continued far from
 // the temperatures of their data exceed it, for a component that is there.

@@ -17,14 +17,14 @@
 namespace kestrune::flash3 {
 namespace {
 
-constexpr int kMostRounds = 12;
+constexpr int kMostRounds = 12;                                         // of improving an answer that is cut
 constexpr int kRoundsOfFour = 4, kPassesOfFour = 40, kFirstPasses = 5;  // with four phases
-constexpr double kLowerGibbs = 1e-13;
+constexpr double kLowerGibbs = 1e-13;                                   // over RT: more than rounding
 // Tangent-plane distance from which on a phase is missing; and from which on, though no amount of it can be
 // found.
 constexpr double kCut = -1e-9, kClearlyCut = -8e-9;
-constexpr double kLoose = 1e-9;  // difference of ln fugacities that is left to do
-constexpr double kNoAmount = 1e-13;
+constexpr double kLoose = 1e-9;       // difference of ln fugacities that is left to do
+constexpr double kNoAmount = 1e-13;   // of a phase: no more than rounding
 constexpr double kFirstAmount = 0.1;  // of a phase that is added
 
 flash::Feed feed_of(const Equilibrium& e) {

@@ -13,10 +13,10 @@
 namespace kestrune::flash3 {
 namespace {
 
-constexpr int kMostSplitSteps = 200, kMostCuts = 30;
-constexpr double kShort = 1e-3, kRounding = 2e-15;
-constexpr double kSplit = 1e-13;  // gradient of the split that is left
-constexpr double kSmallestPivot = 1e-14, kFirstShift = 1e-10, kLargestShift = 1e6;
+constexpr int kMostSplitSteps = 200, kMostCuts = 30;  // of the convex split, and of one of its steps
+constexpr double kShort = 1e-3, kRounding = 2e-15;    // a step so short may rise by that much
+constexpr double kSplit = 1e-13;                      // gradient of the split that is left
+constexpr double kSmallestPivot = 1e-14, kFirstShift = 1e-10, kLargestShift = 1e6;  // of the factors of (31)
 constexpr double kTaken = 0.9;             // part of an amount that one step may take away
 constexpr double kUnknownAmount = 1e-200;  // amounts below it follow no Newton step
 

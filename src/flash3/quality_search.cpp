@@ -11,11 +11,12 @@
 namespace kestrune::flash3 {
 namespace {
 
-constexpr int kMostStates = 80, kMostDropped = 2;
-constexpr int kMostWalks = 12, kFewWalks = 4, kMostDetours = 3, kMostHalvings = 45;
-constexpr int kMostWalkSteps = 45;  // of Newton's method; of those that take more few lead to an answer
-constexpr int kMostFailedWalks = 6;
-constexpr double kShortestWalk = 1e-4, kShorter = 0.3;
+constexpr int kMostStates = 80, kMostDropped = 2;  // on the way outwards; phases dropped from one solution
+constexpr int kMostWalks = 12, kFewWalks = 4;      // steps along the line of a state; beside a change of phases
+constexpr int kMostDetours = 3, kMostHalvings = 45;  // walks on from where one ended; of a bracket
+constexpr int kMostWalkSteps = 45;   // of Newton's method; of those that take more few lead to an answer
+constexpr int kMostFailedWalks = 6;  // of a call
+constexpr double kShortestWalk = 1e-4, kShorter = 0.3;  // in the vapour's part; of a step that failed
 constexpr double kFirstStep = 0.02, kLonger = 1.6, kLongestStepT = 0.06,
                  kLongestStepP = 0.3;  // in ln of the unknown
 constexpr double kClosed = 1e-8;       // ln u: a bracket of this width holds nothing
@@ -28,7 +29,7 @@ constexpr int kMostFailed = 3;         // states without an answer, to each side
 constexpr double kNarrow = 3e-4;       // ln u: a change of phases is resolved to here
 constexpr double kShortT = 0.01, kShortP = 0.05;  // ln u: phases that lead on over it are the same
 constexpr double kFourPhases = 200.0;  // K: below it a side ends where a fourth phase cuts two states on end
-constexpr double kLowestT = 40.0, kHighestT = 2000.0, kLowestP = 1e-6, kHighestP = 1e4;
+constexpr double kLowestT = 40.0, kHighestT = 2000.0, kLowestP = 1e-6, kHighestP = 1e4;  // K, atm: the range
 
 }  // namespace
 

@@ -15,17 +15,21 @@
 namespace kestrune::flash3 {
 namespace {
 
-constexpr int kSubstitutions = 3;  // before the first Newton step
-constexpr int kVanished = 5;       // passes in a row
-constexpr double kSmall = 1e-4;
-constexpr double kSmallestRelaxation = 1e-6;
-constexpr double kNegligible = 1e-15;  // residuals below it count as 0
-constexpr double kFinished = 1e-10, kOwed = 1e-8;
-constexpr int kPolishSteps = 40, kFailures = 12, kRecovery = 4;
-constexpr double kSteepest = 1e-11;  // rise of the Gibbs energy that is rounding
-constexpr double kNoAmount = 1e-13, kNothing = 1e-10, kNegligibleAmount = 1e-7;
-constexpr int kSlowSteps = 4;
-constexpr double kIdentical = 1e-12;
+constexpr int kSubstitutions = 3;             // before the first Newton step
+constexpr int kVanished = 5;                  // passes in a row
+constexpr double kSmall = 1e-4;               // part of the feed from which a phase may be taken for vanished
+constexpr double kSmallestRelaxation = 1e-6;  // of a step, which is then none
+constexpr double kNegligible = 1e-15;         // residuals below it count as 0
+constexpr double kFinished = 1e-10, kOwed = 1e-8;  // ln fugacities: full precision; what has to be met
+constexpr int kPolishSteps = 40, kFailures = 12;   // Newton steps after CRIT; that may fail before it
+constexpr int kRecovery = 4;                       // substitutions after one that failed
+constexpr double kSteepest = 1e-11;                // rise of the Gibbs energy that is rounding
+constexpr double kNoAmount = 1e-13;                // of the most that there can be of a phase
+constexpr double kNothing = 1e-10,
+                 kNegligibleAmount = 1e-7;  // taken out on the way to full precision; where nothing converged
+constexpr int kSlowSteps = 4;               // in a row that hardly help: rounding
+constexpr double kIdentical = 1e-12;        // sum of (x - y)^2/(x + y) of two phases that are one
+// Amounts in terms of which steps are bounded stay within these.
 constexpr double kEdge = 0.9999, kBeyondEdge = 9.999999999998899e-05;
 
 /*

@@ -13,14 +13,14 @@
 namespace kestrune::flash3 {
 namespace {
 
-constexpr int kMostSteps = 20;
+constexpr int kMostSteps = 20;        // of Newton's method
 constexpr double kFinished = 1e-11;   // residuals, and the last step in ln T or ln P
 constexpr double kOwed = 1e-9;        // residuals where rounding ends the iteration
 constexpr double kNegative = -1e-13;  // amount that is not there
 constexpr double kMostLogK = 2.0, kMostLogT = 0.05, kMostLogP = 0.4;  // change in one step
-constexpr double kMostAmount = 0.7;
-constexpr double kTrace = 1e-8;
-constexpr double kFarT = 2.0, kFarP = 50.0;
+constexpr double kMostAmount = 0.7;                                   // change of an amount in one step
+constexpr double kTrace = 1e-8;                                       // fractions below it bound no step
+constexpr double kFarT = 2.0, kFarP = 50.0;    // factors from the start beyond which a solution is another one
 constexpr double kSame = 1e-10;                // sum of (x - y)^2/(x + y) of phases that are one
 constexpr double kAlike = 1e-6, kApart = 0.1;  // compositions, and relative Z, of two roots
 using eos::kResidualR;

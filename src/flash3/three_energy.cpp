@@ -23,7 +23,8 @@ using flash::kDefaultTemperature;
 using flash::kHottest;
 using flash::plausible;
 
-constexpr int kMostStates = 80, kMostDropped = 2, kRetreats = 6;
+constexpr int kMostStates = 80, kMostDropped = 2;  // of a search; phases dropped from one solution
+constexpr int kRetreats = 6;                       // towards where there was an answer
 constexpr double kNoFurther = 0.02;  // relative distance from where there is no answer that is close enough
 constexpr double kReached = 1e-11;   // of the value's size
 constexpr double kNear = 1e-9;       // relative change of T that is left of a single phase

@@ -9,9 +9,9 @@
 namespace kestrune::flash3 {
 namespace {
 
-constexpr double kReached = 1e-11;  // of the value's size
-constexpr double kNarrow = 1e-3;    // relative width, and shrinking, at which an amount is the unknown
-constexpr int kMostSecants = 8;
+constexpr double kReached = 1e-11;     // of the value's size
+constexpr double kNarrow = 1e-3;       // relative width, and shrinking, at which an amount is the unknown
+constexpr int kMostSecants = 8;        // for the amount of a phase
 constexpr double kOtherAmount = 0.1;   // from the first amount to the second
 constexpr double kNewtonEvery = 1e-2;  // shrinking of a bracket with a jump between two attempts
 // Of a jump: relative width of a bracket that holds it, in which no phase comes as far as the value of its sides is

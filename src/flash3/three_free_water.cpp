@@ -12,8 +12,10 @@
 namespace kestrune::flash3 {
 namespace {
 
-constexpr int kMostStates = 100;
-constexpr double kReached = 1e-11, kSameTemperature = 1e-13, kFirstStep = 0.1;
+constexpr int kMostStates = 100;            // flashes of a search
+constexpr double kReached = 1e-11;          // of the value's size
+constexpr double kSameTemperature = 1e-13;  // relative width of a bracket that is an answer
+constexpr double kFirstStep = 0.1;          // of T, relative
 
 // Values of the phases that c.out holds at *c.T, and their sum.
 StatusCode evaluate(const ThreeEnergyCall& c, const flash::CaloricModel& model, double& total) {

@@ -85,7 +85,7 @@ StatusCode balance(const Saturation& s, double P, double u, Balance& out) noexce
   return std::isfinite(out.value) ? KV_OK : KV_NOT_FINITE;
 }
 
-constexpr int kIterations = 60;
+constexpr int kIterations = 60;  // of a balance of water
 constexpr double kClose = 1e-9;  // of the balance: one more step of Newton is exact
 constexpr double kFlat = 1e-12;  // width in ln y of an interval without a root
 

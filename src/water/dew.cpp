@@ -17,10 +17,10 @@ constexpr double kConverged = 1e-16;    // of F^2
 constexpr double kSlopeStep = 1e-4;     // relative step of the slope in P
 constexpr double kSearchFactor = 1.3;   // from one pressure of the search to the next
 constexpr int kEnough = 60;             // updates that Newton's method needs nowhere: it turns in circles
-constexpr int kRefinements = 12;
-constexpr double kClosed = 1e-4;  // relative width at which an interval of pressures is refined
-constexpr double kGood = 1e-10;   // of ln y: a solution
-constexpr double kExact = 1e-14;  // of ln y
+constexpr int kRefinements = 12;        // secants after Newton's method
+constexpr double kClosed = 1e-4;        // relative width at which an interval of pressures is refined
+constexpr double kGood = 1e-10;         // of ln y: a solution
+constexpr double kExact = 1e-14;        // of ln y
 
 constexpr double kAlmost = 1e-7;         // of ln y: the next secant is the last
 constexpr double kSlopeOfLnY = -5300.0;  // d ln y/d(1/T), K: the heat of vaporisation over R

@@ -18,7 +18,7 @@
 namespace kestrune::flash {
 namespace {
 
-constexpr int kMostSteps = 25;
+constexpr int kMostSteps = 25;            // on one phase, or two
 constexpr double kLargestStep = 0.2;      // of T, relative
 constexpr double kFinished = 1e-7;        // relative step in T whose square is below rounding
 constexpr double kLeft = 1e-12;           // relative change of T that is left after a step of third order

@@ -11,8 +11,10 @@
 namespace kestrune::flash {
 namespace {
 
-constexpr int kPassLimit = 50;
+constexpr int kPassLimit = 50;  // iterations of a pass
+// Relative step of the forward difference, in the second pass, and the least; K: the longest.
 constexpr double kFirstStep = 1e-4, kSecondPassStep = 0.1, kSmallestStep = 1e-8, kLargestShift = 40.0;
+// K: of T in one step; part of a step, and relative change of T, below which it has come to its end.
 constexpr double kLargestChange = 50.0, kSmallestFactor = 1e-5, kSameTemperature = 1e-6;
 
 struct Search {

@@ -20,7 +20,8 @@ constexpr double kCohesive = 60.0;
 // How much less than Wilson's coefficients say the logarithm of an activity may be and still be looked at.
 // Far below the critical temperature they say nothing.
 constexpr double kWilsonMargin = 1.0, kWilsonReach = 0.4;
-constexpr double kNearCritical = 1.12, kMostOfLiquid = 0.85, kAlmostAllOfLiquid = 0.96;
+constexpr double kNearCritical = 1.12;  // of a critical temperature: so far a liquid may stand beside a gas
+constexpr double kMostOfLiquid = 0.85, kAlmostAllOfLiquid = 0.96;  // of the component in a liquid to start from
 
 // What the trials of one test share.
 struct Components {

@@ -20,10 +20,10 @@
 namespace kestrune::flash {
 namespace {
 
-constexpr double kLowestT = 100.0, kHighestT = 1200.0, kLowestP = 1e-8, kHighestP = 1e4;
+constexpr double kLowestT = 100.0, kHighestT = 1200.0, kLowestP = 1e-8, kHighestP = 1e4;  // K, atm: the range
 constexpr double kFirstStep = 0.01, kLongestT = 0.05, kLongestP = 0.3, kLonger = 1.7;  // in ln of the unknown
-constexpr double kAllGasT = 800.0, kAllGasP = 0.01;  // where that search begins
-constexpr int kMostStates = 120, kMostHalvings = 60;
+constexpr double kAllGasT = 800.0, kAllGasP = 0.01;   // where that search begins
+constexpr int kMostStates = 120, kMostHalvings = 60;  // outwards from Wilson's guess; of a bracket
 constexpr double kNoWidth = 1e-8;  // of a bracket, in ln of the unknown: a fluid changes its name there
 constexpr double kEvenT = 0.03, kEvenP = 0.2;  // steps of a search from the gas, in ln of the unknown
 constexpr double kLeastPart = 0.1;             // of such a step
