@@ -42,7 +42,7 @@ set(documents ${CMAKE_INSTALL_DATAROOTDIR}/doc/kestrune)
 install(FILES README.md LICENSE CHANGELOG.md CITATION.cff CONTRIBUTING.md DESTINATION ${documents})
 install(FILES data/NOTICE.md data/README.md DESTINATION ${documents}/data)
 # What the documents link to.
-foreach(linked bench/README.md fuzz/README.md src/frame/README.md tests/README.md include/kestrune/kvgasthermo.h
+foreach(linked bench/README.md fuzz/README.md src/edge/README.md src/frame/README.md tests/README.md include/kestrune/kvgasthermo.h
     web/kestrune/README.md web/kestrune/index.d.ts)
   get_filename_component(folder ${linked} DIRECTORY)
   install(FILES ${linked} DESTINATION ${documents}/${folder})
