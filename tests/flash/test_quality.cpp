@@ -145,6 +145,23 @@ TEST(QualityFlash, BranchesOfARetrogradeDewLine) {
 }
 
 // About the highest pressure of a line each one belongs to two temperatures, both within the reach of a start.
+// Far below the bubble point water comes out of a liquid already: that is no dew point, the fluid beside it no vapour.
+TEST(QualityFlash, DewPointsOfWetLiquids) {
+  const struct {
+    const char* oil;
+    double water, P;
+  } rows[] = {
+      {"propane", 3e-4, 34.0}, {"propane", 3e-4, 40.0}, {"n_butane", 3e-3, 30.0}, {"n_butane", 3e-3, 37.0}};
+  for (const auto& row : rows) {
+    Mixture m = in_use({row.oil, "water"});
+    const std::vector<double> z{1.0 - row.water, row.water};
+    const Point bubble = find(m, z, 'T', 0.0, row.P), dew = find(m, z, 'T', 1.0, row.P);
+    expect_point(m, z, 1.0, dew);
+    EXPECT_GT(dew.T, bubble.T) << row.oil << ' ' << row.P;
+    EXPECT_TRUE(flash(m, dew.T - 0.01 * (dew.T - bubble.T), row.P, z).two_phases());
+  }
+}
+
 TEST(QualityFlash, WayBackBesideTheHighestPressure) {
   const auto there_and_back = [](Mixture& m, const std::vector<double>& z, double W, double T) {
     const Point p = find(m, z, 'P', W, T), back = find(m, z, 'T', W, p.P, 0, p);
