@@ -58,7 +58,7 @@ bool wilson_trials(Stability& s, const Plane& plane) {
  * its composition is as stable as anywhere. s.direction is then the one in which it becomes denser.
  */
 bool soft(Stability& s, const PlanePhase& phase) {
-  constexpr double kSoft = 0.2;  // -(dP/dv)/(P/v) Z; 1 of an ideal gas
+  constexpr double kSoft = 0.2;  // -(dP/dv) v^2/(R T), 1 of an ideal gas
   if (phase.at == nullptr) return false;
   const eos::Mechanics k = eos::mechanics(s.m.t, phase.at->mixed, phase.at->root);
   if (!(k.one_plus_k < kSoft)) return false;
