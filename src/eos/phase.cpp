@@ -174,7 +174,7 @@ void dln_phi_dn(const Temperature& t, const Mixture& m, const Root& r, const Mec
                 double* out, int ld_out, int rows, bool lower) noexcept {
   const double eta = r.eta, c = eta / (1.0 - eta);
   const double invb = 1.0 / m.b;
-  const double rt = invb / (t.rt());
+  const double rt = invb / t.rt();
   const double pq = r.phi - r.psi;
   // (10) of docs/method.md: F_ij = g_a a_ij + g_b (b_i + b_j) + g_bb b_i b_j + g_bs (b_i s_j + s_i b_j), less
   // (1 + h_i)(1 + h_j)/(1 + k) - 1 with h_i = h_0 + l_i, where the unit is taken out of the difference.

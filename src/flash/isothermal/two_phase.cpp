@@ -214,13 +214,6 @@ Ended step_by_substitution(Run& r, double relaxation) {
   return {};
 }
 
-double largest_step(const Run& r) {
-  double largest = 0.0;
-  for (int i = 0; i < r.m.n; ++i)
-    if (r.it.z[i] > 0.0) largest = std::max(largest, std::fabs(r.work.step[i]));
-  return largest;
-}
-
 // Whether a second step by the matrix of the last one is enough: of the residuals it leaves a part that is at most
 // twice the part that the first one left.
 bool foreseen_by_same_matrix(const Run& r) {
@@ -245,8 +238,7 @@ Ended step_by_newton(Run& r, bool derivatives) {
     }
     last = polishing && it.worst < kOneStepAway * std::min(it.smallest_pivot, 1.0);
   }
-  const double largest = largest_step(r);
-  it.derivatives = (!same || it.derivatives) && largest < kSamePhases;
+  it.derivatives = (!same || it.derivatives) && it.largest_step < kSamePhases;
   r.newton = {true, r.m.free_water ? it.error : it.gibbs, it.error, 1.0, it.worst};
   if (!take_newton_step(r.m, 1.0, r.work, it)) return stop(r, Outcome::one_phase);
   // One Newton step from here is beyond the precision owed: no evaluation is spent on seeing it.

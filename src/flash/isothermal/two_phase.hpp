@@ -35,6 +35,7 @@ struct Iterate {
   double worst = 0.0;           // largest |r| of them
   double both = 0.0;            // V L of the last Newton system
   double smallest_pivot = 0.0;  // of the last Newton system: how close to singular it was
+  double largest_step = 0.0;    // of ln K, by its direction
   double Zx = 0.0, Zy = 0.0;
   Kind kind_x = Kind::liquid, kind_y = Kind::gas;
   int count = 0;         // passes of this solve, shown in the trace

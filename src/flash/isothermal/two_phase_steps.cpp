@@ -77,7 +77,8 @@ void right_side(const Model& m, const TwoPhaseWork& work, const Iterate& it) {
 }
 
 // From the amounts to ln K = ln v_i - ln l_i - ln V + ln L.
-void to_log_k(const Model& m, const TwoPhaseWork& work, const Iterate& it) {
+void to_log_k(const Model& m, const TwoPhaseWork& work, Iterate& it) {
+  it.largest_step = 0.0;
   double dV = 0.0;
   for (int i = 0; i < m.n; ++i) dV += work.scale[i] * work.step[i];
   const double common = dV / it.both;
@@ -85,6 +86,7 @@ void to_log_k(const Model& m, const TwoPhaseWork& work, const Iterate& it) {
     const double dv = work.step[i] / work.scale[i];  // dv_i z_i/(x_i y_i)
     work.step[i] = work.scale[i] > 0.0 ? dv / it.both - common : it.r[i];
     work.old_log_k[i] = it.log_k[i];
+    if (it.z[i] > 0.0) it.largest_step = std::max(it.largest_step, std::fabs(work.step[i]));
   }
 }
 
@@ -191,10 +193,7 @@ void same_direction(Model& m, const TwoPhaseWork& work, Iterate& it) {
 }
 
 bool take_newton_step(const Model& m, double factor, const TwoPhaseWork& work, Iterate& it) {
-  double largest = 0.0;
-  for (int i = 0; i < m.n; ++i)
-    if (it.z[i] > 0.0) largest = std::max(largest, std::fabs(work.step[i]));
-  if (largest > kLargestNewtonStep) factor *= kLargestNewtonStep / largest;
+  if (it.largest_step > kLargestNewtonStep) factor *= kLargestNewtonStep / it.largest_step;
   for (int k = 0; k < kStepCuts; ++k, factor *= 0.3) {
     for (int i = 0; i < m.n; ++i)
       it.log_k[i] = std::clamp(work.old_log_k[i] + factor * work.step[i], -kLargestLogK, kLargestLogK);

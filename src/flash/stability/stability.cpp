@@ -29,7 +29,7 @@ void begin_test(Stability& s) {
 }
 
 bool dilute(const Stability& s, const PlanePhase& feed) {
-  return !(feed.Z > 0.0) || packing(s.m, covolume(*s.m.context.record, feed.x), feed.Z) < kDilutePacking;
+  return packing_of(s.m, feed.x, feed.Z) < kDilutePacking;
 }
 
 // Wilson's vapour. ideal_gas: a trial from an ideal gas is to follow; s.passed then tells whether this one came by
@@ -64,14 +64,10 @@ bool soft(Stability& s, const PlanePhase& phase) {
   if (!(k.one_plus_k < kSoft)) return false;
   double* const d = s.direction;
   eos::p_dln_phi_dP(s.m.t, k, phase.at->root, phase.at->s, d);
-  double mean = 0.0, norm = 0.0;
+  double mean = 0.0;
   for (int i = 0; i < s.m.n; ++i) mean += phase.x[i] * d[i];
-  for (int i = 0; i < s.m.n; ++i) {
-    d[i] = std::sqrt(phase.x[i]) * (mean - d[i]);
-    norm += d[i] * d[i];
-  }
-  const double scale = norm > 0.0 ? 1.0 / std::sqrt(norm) : 0.0;
-  for (int i = 0; i < s.m.n; ++i) d[i] *= scale;
+  for (int i = 0; i < s.m.n; ++i) d[i] = std::sqrt(phase.x[i]) * (mean - d[i]);
+  make_unit(s.m.n, d);
   return true;
 }
 

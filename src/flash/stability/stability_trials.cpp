@@ -41,18 +41,15 @@ void remember(Stability& s) {
   s.have_lowest = true;
 }
 
-// Of a phase of the plane by the built-in equation, 0 where it is not known.
-double packing_of(const Model& m, const PlanePhase& phase) {
-  if (!m.built_in() || !(phase.Z > 0.0)) return 0.0;
-  return phase.at != nullptr ? phase.at->root.eta : packing(m, covolume(*m.context.record, phase.x), phase.Z);
-}
-
 // Follows s.trial, carefully or not.
 bool follow(Stability& s, const Plane& plane, Kind kind, double gas_packing, bool carefully) {
   s.trial.Z = 0.0;
   Reference ref = reference_of(plane);
   ref.gas_packing = gas_packing;
-  for (int j = 0; j < plane.count; ++j) ref.packing[j] = packing_of(s.m, plane.phase[j]);
+  for (int j = 0; j < plane.count && s.m.built_in(); ++j) {
+    const PlanePhase& phase = plane.phase[j];
+    ref.packing[j] = phase.at != nullptr ? phase.at->root.eta : packing_of(s.m, phase.x, phase.Z);
+  }
   ref.watched = s.watched;
   ref.known = plane.incipient.x != nullptr ? plane.incipient.x : s.lowest.w;
   ref.known_count =
@@ -86,8 +83,12 @@ Reference reference_of(const Plane& plane) {
   return ref;
 }
 
+double packing_of(const Model& m, const double* w, double Z) {
+  return Z > 0.0 ? packing(m, covolume(*m.context.record, w), Z) : 0.0;
+}
+
 bool gas_beyond_doubt(const Stability& s, const double* w, double Z) {
-  return s.m.built_in() && Z > 0.0 && packing(s.m, covolume(*s.m.context.record, w), Z) < kGasPacking;
+  return s.m.built_in() && Z > 0.0 && packing_of(s.m, w, Z) < kGasPacking;
 }
 
 bool beside_gas(const Stability& s, const Plane& plane) {

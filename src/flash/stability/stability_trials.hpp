@@ -19,6 +19,9 @@ inline double packing(const Model& m, double b, double Z) {
   return b * m.P / (eos::kR * m.T * Z);
 }
 
+/* The same of a phase of composition w[ld]; 0 without a Z. */
+double packing_of(const Model& m, const double* w, double Z);
+
 /* The root that a trial is asked for. */
 inline Kind trial_kind(const Stability& s) {
   return s.liquids_only ? Kind::liquid : Kind::stable;

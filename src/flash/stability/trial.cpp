@@ -299,6 +299,13 @@ bool convex_with(Model& m, const double* x, const double* dn, double margin, con
   return support::ldl_factor(n, ld, work.hessian, 1e-10);
 }
 
+void make_unit(int n, double* v) noexcept {
+  double norm = 0.0;
+  for (int i = 0; i < n; ++i) norm += v[i] * v[i];
+  const double scale = norm > 0.0 ? 1.0 / std::sqrt(norm) : 0.0;
+  for (int i = 0; i < n; ++i) v[i] *= scale;
+}
+
 bool clearly_convex(Model& m, const double* x, Kind kind, const Evaluated* at, const TrialWork& work, Trial& t,
                     double* lowest, StatusCode& status) {
   const int n = m.n, ld = m.ld;
@@ -311,12 +318,10 @@ bool clearly_convex(Model& m, const double* x, Kind kind, const Evaluated* at, c
   // Two inverse iterations from a vector without symmetries, orthogonal to sqrt(x) (the amount of the phase).
   for (int i = 0; i < n; ++i) lowest[i] = (i % 2 == 0 ? 1.0 : -1.0) + 0.3 * i / n;
   for (int k = 0; k < 3; ++k) {
-    double along = 0.0, norm = 0.0;
+    double along = 0.0;
     for (int i = 0; i < n; ++i) along += lowest[i] * work.root[i];
     for (int i = 0; i < n; ++i) lowest[i] -= along * work.root[i];
-    for (int i = 0; i < n; ++i) norm += lowest[i] * lowest[i];
-    const double scale = norm > 0.0 ? 1.0 / std::sqrt(norm) : 0.0;
-    for (int i = 0; i < n; ++i) lowest[i] *= scale;
+    make_unit(n, lowest);
     if (k < 2) support::ldl_solve(n, ld, work.hessian, lowest);
   }
   return false;

@@ -91,6 +91,9 @@ inline constexpr double kConvex = 0.1;
  */
 bool convex_with(Model& m, const double* x, const double* dn, double margin, const TrialWork& work);
 
+/* Divides a vector v[n] by its length; zeros stay. */
+void make_unit(int n, double* v) noexcept;
+
 /*
  * The same of a phase x[ld] by its own derivatives, with the margin kConvex: true when no other minimum can be
  * close. Else lowest[ld] is a unit vector near the lowest eigenvector. at: what is known of the phase, null where

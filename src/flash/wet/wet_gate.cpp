@@ -199,12 +199,11 @@ bool called_gas(const Wet& f, const double* x, double Z) {
 }
 
 bool like_a_gas(const Wet& f, const double* y, double Z) {
-  return f.m.T > pseudo_critical_temperature(*f.call.context.record, y) || loosely_packed(f, y, Z);
+  return passes_for_vapour(*f.call.context.record, f.m.T, f.m.P, y, Z, false);
 }
 
 bool is_liquid_water(const Wet& f, const double* y, double Z) {
-  constexpr double kAqueous = 0.5;  // more water than not
-  return y[f.m.water] > kAqueous && !like_a_gas(f, y, Z);
+  return is_aqueous(f.m.water, y) && !like_a_gas(f, y, Z);
 }
 
 double speed_up(int k, double along, double before) noexcept {

@@ -50,6 +50,11 @@ StatusCode three_phase_wrapper(double P, const double* z, MixtureRecord& mixture
   return exports::told(host, status);
 }
 
+// Where a flash of three phases starts: the option says that the results hold an estimate.
+flash::Start start_of(int32_t options) {
+  return (options & 1) != 0 ? flash::Start::warm : flash::Start::cold;
+}
+
 // At enthalpy or entropy; routines and free water are filled in here.
 struct Values {
   double *A, *B, *vapour;
@@ -67,7 +72,7 @@ StatusCode energy_flash(flash3::ThreeEnergyCall call, const flash3::ThreePhaseRe
   call.A = values.A;
   call.B = values.B;
   call.vapour = values.vapour;
-  call.start = (options & 1) != 0 ? flash::Start::warm : flash::Start::cold;
+  call.start = start_of(options);
   return three_phase_wrapper(call.P, call.z, *call.context.record, host, out, values.A, values.B, [&] {
     call.free_water = exports::free_water(*call.context.record);
     return flash3::three_energy_flash(call);
@@ -86,7 +91,7 @@ StatusCode quality_flash(flash3::ThreeQualityCall call, flash3::ThreePhaseResult
   flash::HostRoutines host = exports::routines_of_call(routines, call.context.record->count, 2);
   call.routines = &host;
   call.out = out;
-  call.start = (options & 1) != 0 ? flash::Start::warm : flash::Start::cold;
+  call.start = start_of(options);
   call.free_water = exports::wet_feed(*call.context.record, call.z);
   return exports::run_search(host, [&] { return flash3::three_quality_flash(call); });
 }
@@ -101,7 +106,7 @@ StatusCode isothermal_flash(flash3::ThreePhaseCall call, const flash3::ThreePhas
   flash::HostRoutines host = exports::routines_of_call(routines, call.context.record->count);
   call.routines = &host;
   call.out = out;
-  call.start = (options & 1) != 0 ? flash::Start::warm : flash::Start::cold;
+  call.start = start_of(options);
   return three_phase_wrapper(call.P, call.z, *call.context.record, host, out, nullptr, nullptr, [&] {
     call.free_water = exports::free_water(*call.context.record);
     return flash3::three_phase_flash(call);
@@ -120,7 +125,7 @@ StatusCode liquid_liquid_flash(flash3::LiquidLiquidCall call, const ModelRoutine
   flash::HostRoutines host = exports::routines_of_call(routines, call.context.record->count);
   call.routines = &host;
   call.free_water = exports::free_water(*call.context.record);
-  call.start = (options & 1) != 0 ? flash::Start::warm : flash::Start::cold;
+  call.start = start_of(options);
   return exports::run_and_tell(host, [&] { return flash3::liquid_liquid_flash(call); });
 }
 
