@@ -22,9 +22,6 @@ import time
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-TREES = ["CMakeLists.txt", "CMakePresets.json", "README.md", "bench", "cmake", "data", "docs", "fuzz", "host", "include",
-         "scripts", "siblings", "src", "tests", "tools"]
-
 LIBRARIES = ["KVGasThermo", "KVToolsLite", "KVCmpdPureLite"]  # programs load them without a dependency in the build
 
 
@@ -53,13 +50,13 @@ class Scratch:
     def __init__(self, folder, jobs):
         self.tree, self.build_folder = folder, folder / "build" / "native"
         self.jobs = jobs
-        files = subprocess.run(["git", "ls-files", "-co", "--exclude-standard", *TREES], cwd=ROOT, check=True,
+        files = subprocess.run(["git", "ls-files", "-co", "--exclude-standard"], cwd=ROOT, check=True,
                                capture_output=True, text=True).stdout.split("\n")
         wanted = {name for name in files if name and (ROOT / name).is_file()}
-        for name in TREES:
-            for path in [p for p in (self.tree / name).rglob("*") if p.is_file()]:
-                if str(path.relative_to(self.tree)) not in wanted:
-                    path.unlink()
+        for path in [p for p in self.tree.rglob("*") if p.is_file()]:
+            name = path.relative_to(self.tree)
+            if name.parts[0] != "build" and str(name) not in wanted:
+                path.unlink()
         for name in wanted:
             self.put(name, (ROOT / name).read_bytes())
         options = ["-DKESTRUNE_BENCH=OFF"]
